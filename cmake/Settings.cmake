@@ -1,0 +1,41 @@
+# What holds for every target: language standards, warnings, sanitizers, the ccache launcher, GNUstep's flags.
+
+set(CMAKE_CXX_STANDARD 20)
+set(CMAKE_CXX_STANDARD_REQUIRED ON)
+set(CMAKE_CXX_EXTENSIONS OFF)
+set(CMAKE_OBJCXX_STANDARD 20)
+set(CMAKE_OBJCXX_STANDARD_REQUIRED ON)
+set(CMAKE_POSITION_INDEPENDENT_CODE ON)
+set(CMAKE_CXX_VISIBILITY_PRESET hidden)
+set(CMAKE_OBJCXX_VISIBILITY_PRESET hidden)
+set(CMAKE_VISIBILITY_INLINES_HIDDEN ON)
+set(CMAKE_BUILD_RPATH_USE_ORIGIN ON)
+
+# Programs in bin/, libraries in lib/, as an installation has them.
+set(CMAKE_RUNTIME_OUTPUT_DIRECTORY "${PROJECT_BINARY_DIR}/bin")
+set(CMAKE_LIBRARY_OUTPUT_DIRECTORY "${PROJECT_BINARY_DIR}/lib")
+
+find_program(CCACHE ccache)
+if(CCACHE)
+  foreach(language C CXX OBJC OBJCXX)
+    set(CMAKE_${language}_COMPILER_LAUNCHER "${CCACHE}")
+  endforeach()
+endif()
+
+# velocard_settings: link it PRIVATE to every target of ours.
+add_library(velocard_settings INTERFACE)
+target_compile_options(velocard_settings INTERFACE -Wall -Wextra -Werror
+  "$<$<COMPILE_LANGUAGE:CXX>:-Wshadow;-Wnon-virtual-dtor;-Woverloaded-virtual>")
+target_include_directories(velocard_settings INTERFACE "${PROJECT_SOURCE_DIR}")
+if(VELOCARD_SANITIZE)
+  add_compile_options(-fsanitize=${VELOCARD_SANITIZE} -fno-omit-frame-pointer -fno-sanitize-recover=all)
+  add_link_options(-fsanitize=${VELOCARD_SANITIZE})
+endif()
+
+# velocard_foundation: Foundation, from GNUstep or from Apple; for Objective-C and Objective-C++ targets.
+add_library(velocard_foundation INTERFACE)
+if(APPLE)
+  target_link_libraries(velocard_foundation INTERFACE "-framework Foundation")
+else()
+  include(GNUstep)
+endif()

@@ -1,0 +1,82 @@
+#pragma once
+
+// The built-in properties of people and groups: the one table from which the framework's constants, the store and the
+// vCard reader take names and types.
+
+#include "value.h"
+
+#include <span>
+#include <string>
+#include <string_view>
+
+namespace addressbook {
+
+// Which records have a property.
+enum class Scope { both, person, group };
+
+// One row of the built-in table.
+struct BuiltInProperty {
+    std::string_view name;
+    int type; // Type, with kMultiValue where it is a list
+    Scope scope;
+};
+
+// Every built-in property in the framework's order.
+std::span<const BuiltInProperty> builtInProperties();
+
+// A property that users added to people or groups.
+struct PropertyDefinition {
+    Kind kind = Kind::person;
+    std::string name;
+    int type = 0;
+    bool operator==(const PropertyDefinition&) const = default;
+};
+
+// The type of a built-in property, 0 when [kind] has no such built-in property.
+int builtInType(Kind kind, std::string_view name);
+
+// Names of the built-in properties, and of those that only this framework knows (a leading dot; never listed).
+namespace property {
+inline constexpr std::string_view kUid = "UID";
+inline constexpr std::string_view kCreation = "Creation";
+inline constexpr std::string_view kModification = "Modification";
+inline constexpr std::string_view kFirst = "First";
+inline constexpr std::string_view kLast = "Last";
+inline constexpr std::string_view kFirstPhonetic = "FirstPhonetic";
+inline constexpr std::string_view kLastPhonetic = "LastPhonetic";
+inline constexpr std::string_view kMiddle = "Middle";
+inline constexpr std::string_view kMiddlePhonetic = "MiddlePhonetic";
+inline constexpr std::string_view kTitle = "Title";
+inline constexpr std::string_view kSuffix = "Suffix";
+inline constexpr std::string_view kNickname = "Nickname";
+inline constexpr std::string_view kMaidenName = "MaidenName";
+inline constexpr std::string_view kBirthday = "Birthday";
+inline constexpr std::string_view kOrganization = "Organization";
+inline constexpr std::string_view kJobTitle = "JobTitle";
+inline constexpr std::string_view kDepartment = "ABDepartment";
+inline constexpr std::string_view kNote = "Note";
+inline constexpr std::string_view kHomePage = "HomePage";
+inline constexpr std::string_view kPersonFlags = "ABPersonFlags";
+inline constexpr std::string_view kUrls = "URLs";
+inline constexpr std::string_view kCalendarUris = "calendarURIs";
+inline constexpr std::string_view kEmail = "Email";
+inline constexpr std::string_view kPhone = "Phone";
+inline constexpr std::string_view kRelatedNames = "ABRelatedNames";
+inline constexpr std::string_view kAim = "AIMInstant";
+inline constexpr std::string_view kJabber = "JabberInstant";
+inline constexpr std::string_view kMsn = "MSNInstant";
+inline constexpr std::string_view kYahoo = "YahooInstant";
+inline constexpr std::string_view kIcq = "ICQInstant";
+inline constexpr std::string_view kAddress = "Address";
+inline constexpr std::string_view kOtherDates = "ABDate";
+inline constexpr std::string_view kSocialProfile = "SocialProfile";
+inline constexpr std::string_view kInstantMessage = "InstantMessage";
+inline constexpr std::string_view kGroupName = "GroupName";
+// Internal: the picture (data), vCard lines that no property holds (array of strings, whole content lines), and a
+// group's distribution identifiers (dictionary: property -> dictionary: person's uid -> entry identifier).
+inline constexpr std::string_view kImage = ".Image";
+inline constexpr std::string_view kUnknownLines = ".VCardLines";
+inline constexpr std::string_view kDistribution = ".Distribution";
+} // namespace property
+
+} // namespace addressbook

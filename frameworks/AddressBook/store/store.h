@@ -1,0 +1,144 @@
+#pragma once
+
+// The address book on disk: one SQLite database in one folder. A Store is one connection and is used by one thread at
+// a time; several stores, in this and other processes, may be open on the same folder.
+
+#include "property.h"
+#include "query.h"
+#include "value.h"
+
+#include <cstdint>
+#include <filesystem>
+#include <map>
+#include <memory>
+#include <optional>
+#include <stdexcept>
+#include <string>
+#include <string_view>
+#include <vector>
+
+namespace addressbook {
+
+// A record's place in the database; ascending in the order in which records were added.
+using RowId = std::int64_t;
+
+// What names a record. A unique id reads "<UUID>:ABPerson" or "<UUID>:ABGroup".
+struct RecordRef {
+    RowId row = 0;
+    Kind kind = Kind::person;
+    std::string uid;
+};
+
+// Why a store could not be opened, read or written. what() is one sentence that names the file and what to do.
+class StoreError : public std::runtime_error {
+  public:
+    enum class Reason { missingFolder, notADatabase, newerSchema, locked, readOnly, damaged, full, io, refused };
+    StoreError(Reason reason, const std::string& message) : std::runtime_error(message), reason_(reason) {}
+    Reason reason() const { return reason_; }
+
+  private:
+    Reason reason_;
+};
+
+// The changes of one record; an insertion has all its values in `values`.
+struct RecordChange {
+    std::string uid;
+    Kind kind = Kind::person;
+    bool insert = false;
+    std::map<std::string, Value> values; // property -> new value; no value removes it. The picture is property::kImage
+};
+
+// One membership added or removed.
+struct MembershipChange {
+    std::string group;  // uid
+    std::string member; // uid of a person, or of a group for a subgroup
+    bool add = true;
+};
+
+// Everything one save writes, in one transaction.
+struct ChangeSet {
+    Date time;                                   // becomes the Modification date of every changed record
+    std::vector<PropertyDefinition> definitions; // custom properties added
+    std::vector<PropertyDefinition> removedDefinitions; // removed, with all their values
+    std::vector<RecordChange> records;           // insertions in the order in which they were added
+    std::vector<std::string> removed;            // uids
+    std::vector<MembershipChange> memberships;
+    std::optional<std::string> me; // uid of the user's own card; "" clears it
+    bool empty() const;
+};
+
+// What a save did: unique ids, each at most once.
+struct SaveResult {
+    std::vector<std::string> inserted, updated, deleted;
+    std::vector<std::string> missing; // changed here, but deleted by another process; their changes were dropped
+    std::int64_t change = 0;          // the number of this save in the change log; 0 when nothing was written
+};
+
+// One save as the change log tells it to other processes.
+struct LoggedChange {
+    std::int64_t change = 0;
+    std::vector<std::string> inserted, updated, deleted;
+};
+
+class Store {
+  public:
+    enum class Access { readWrite, readOnly };
+
+    // $ADDRESSBOOK_HOME, else $XDG_DATA_HOME/AddressBook, else ~/.local/share/AddressBook.
+    static std::filesystem::path defaultFolder();
+
+    // Opens the database in [folder]; with readWrite it makes the folder's last component and the database when they
+    // are missing (for their owner only) and migrates an older schema. $ADDRESSBOOK_HOME must exist: a mistyped
+    // folder is an error, not a new address book. Throws StoreError.
+    explicit Store(const std::filesystem::path& folder, Access access = Access::readWrite);
+    ~Store();
+    Store(const Store&) = delete;
+    Store& operator=(const Store&) = delete;
+
+    const std::filesystem::path& file() const;
+    bool readOnly() const;
+
+    // Records. The lists are in the order in which records were added.
+    std::optional<RecordRef> find(std::string_view uid) const;
+    std::optional<RecordRef> find(RowId row) const;
+    std::vector<RowId> rows(Kind kind) const;
+    std::int64_t count(Kind kind) const;
+
+    // One property (kImage included), or all that are set but kImage. An unknown row has no values.
+    Value value(RowId row, std::string_view property) const;
+    std::map<std::string, Value> values(RowId row) const;
+
+    // Membership; a group's lists are in the order of joining, parents in the order of adding.
+    std::vector<RowId> members(RowId group) const;
+    std::vector<RowId> subgroups(RowId group) const;
+    std::vector<RowId> parents(RowId record) const;
+
+    // The user's own card.
+    std::optional<std::string> me() const;
+
+    // Custom properties, in the order in which they were added.
+    std::vector<PropertyDefinition> definitions() const;
+
+    // The records that meet the query, in the order in which they were added.
+    std::vector<RowId> search(const Query& query, Date now) const;
+
+    // Writes everything or nothing; durable when it returns. Throws StoreError.
+    SaveResult save(const ChangeSet& changes);
+
+    // The change log: the number of the newest save, and all saves after [change].
+    std::int64_t lastChange() const;
+    std::vector<LoggedChange> changesSince(std::int64_t change) const;
+
+    // Looks for damage: SQLite's own check, then dangling and contradictory rows. Empty: sound.
+    std::vector<std::string> check() const;
+
+  private:
+    struct Impl;
+    std::unique_ptr<Impl> impl_;
+};
+
+// A new unique id.
+std::string newUuid();
+std::string newUid(Kind kind);
+
+} // namespace addressbook

@@ -1,0 +1,90 @@
+#pragma once
+
+// The values an address book holds, free of Objective-C: what the store keeps, what vCards are read into, what
+// searches compare. Text is UTF-8; a lone surrogate of the source text is kept in the three-byte form that UTF-8
+// would give its code point, so that nothing is lost on the way (see text.h).
+
+#include <compare>
+#include <cstdint>
+#include <map>
+#include <optional>
+#include <string>
+#include <variant>
+#include <vector>
+
+namespace addressbook {
+
+// The kinds of record; the numbers are stored.
+enum class Kind : int { person = 0, group = 1 };
+
+// A property's type, numbered as the AddressBook framework numbers it; `kMultiValue` added makes the list type.
+enum class Type : int {
+    unknown = 0,
+    string = 1,
+    integer = 2,
+    real = 3,
+    date = 4,
+    array = 5,
+    dictionary = 6,
+    data = 7,
+    dateComponents = 8
+};
+inline constexpr int kMultiValue = 0x100;
+
+// A point in time: seconds since 2001-01-01 00:00:00 UTC, as Foundation counts them.
+struct Date {
+    double seconds = 0;
+    auto operator<=>(const Date&) const = default;
+};
+
+// A calendar date of which any part may be missing.
+struct DateComponents {
+    std::optional<int> year, month, day, hour, minute, second;
+    bool operator==(const DateComponents&) const = default;
+};
+
+struct Value;
+struct Entry;
+using Bytes = std::vector<std::uint8_t>;
+using Array = std::vector<Value>;
+using Dictionary = std::map<std::string, Value>;
+
+// The ordered entries of a multi-value property.
+struct MultiValue {
+    std::vector<Entry> entries;
+    std::string primary; // identifier of the primary entry; empty: the first
+    bool operator==(const MultiValue&) const;
+};
+
+// One value of any type; std::monostate is "no value".
+struct Value : std::variant<std::monostate, std::string, std::int64_t, double, Date, DateComponents, Bytes, Array,
+                            Dictionary, MultiValue> {
+    using variant::variant;
+
+    bool empty() const { return index() == 0; }
+    bool operator==(const Value& other) const;
+
+    // The alternative of type T, or null when the value is of another type.
+    template <typename T>
+    const T* as() const {
+        return std::get_if<T>(static_cast<const variant*>(this));
+    }
+    template <typename T>
+    T* as() {
+        return std::get_if<T>(static_cast<variant*>(this));
+    }
+};
+
+// One entry of a multi-value: its identifier persists through copying, saving and reloading.
+struct Entry {
+    std::string identifier; // a UUID
+    std::string label;
+    Value value;
+    bool operator==(const Entry&) const = default;
+};
+
+// The type number of a value as a property of that type would have it: base type, or base type + kMultiValue for a
+// multi-value whose entries agree; 0 for no value and for mixed or empty multi-values.
+int typeOf(const Value& value);
+
+} // namespace addressbook
