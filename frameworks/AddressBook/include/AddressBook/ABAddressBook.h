@@ -1,0 +1,57 @@
+#pragma once
+
+#import <AddressBook/ABTypedefs.h>
+#import <Foundation/Foundation.h>
+
+@class ABPerson, ABRecord, ABSearchElement;
+
+// The user's address book. Use it from one thread at a time. Changes to it and to its records stay in memory,
+// where searches and lists see them, until they are saved.
+@interface ABAddressBook : NSObject {
+  @private
+    void* _book;
+}
+
+// The address book of this process; nil, with a line in the log, when its database cannot be opened.
++ (ABAddressBook*)sharedAddressBook;
++ (ABAddressBook*)addressBook;
+
+// The records that meet the search, in the order in which they were added. Raises NSInvalidArgumentException
+// for nil.
+- (NSArray*)recordsMatchingSearchElement:(ABSearchElement*)search;
+
+// Writes all changes or none; YES also when there are none.
+- (BOOL)save;
+- (BOOL)saveAndReturnError:(NSError**)error;
+- (BOOL)hasUnsavedChanges;
+
+// The user's own card; nil when none was chosen.
+- (ABPerson*)me;
+- (void)setMe:(ABPerson*)moi;
+
+// nil for nil and for an id that is not in the address book.
+- (ABRecord*)recordForUniqueId:(NSString*)uniqueId;
+
+// The name of the record's class; nil as above.
+- (NSString*)recordClassFromUniqueId:(NSString*)uniqueId;
+- (NSString*)recordClassFromUniqueId:(NSString*)uniqueId error:(NSError**)error;
+
+// NO for nil and for a record that is in the address book already.
+- (BOOL)addRecord:(ABRecord*)record;
+- (BOOL)addRecord:(ABRecord*)record error:(NSError**)error;
+
+// NO for nil and for a record that is not in the address book. The record leaves its groups, too.
+- (BOOL)removeRecord:(ABRecord*)record;
+- (BOOL)removeRecord:(ABRecord*)record error:(NSError**)error;
+
+// All people, all groups, in the order in which they were added.
+- (NSArray*)people;
+- (NSArray*)groups;
+
+// The ISO code, in lower case, of the country whose address format is the user's.
+- (NSString*)defaultCountryCode;
+
+// kABFirstNameFirst or kABLastNameFirst.
+- (NSInteger)defaultNameOrdering;
+
+@end
