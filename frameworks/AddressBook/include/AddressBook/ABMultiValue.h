@@ -6,7 +6,6 @@
 // The entries of a property that holds several values: each has a value, a label and an identifier that stays
 // the same when the list is copied, saved and read again. Indexes out of bounds raise NSRangeException.
 @interface ABMultiValue : NSObject <NSCopying, NSMutableCopying, NSFastEnumeration> {
-  @private
     NSMutableArray* _entries;
     NSString* _primary;
     unsigned long _mutations;

@@ -1,0 +1,234 @@
+#import <AddressBook/ABAddressBook.h>
+
+#include "bridge.h"
+#include "locale.h"
+#include "record.h"
+
+using namespace addressbook;
+
+namespace {
+
+// The shared address book, once it was asked for; changes of all address books are announced from then on.
+ABAddressBook* sharedInstance = nil;
+bool announcing = false;
+
+// Says in the log why the address book cannot be opened: once, not at every attempt.
+void logFailure(const std::string& sentence) {
+    static std::string last;
+    if (sentence == last)
+        return;
+    last = sentence;
+    NSLog(@"AddressBook: %@", stringFrom(sentence));
+}
+
+BookPtr openBook() {
+    std::string failure;
+    try {
+        return Book::open();
+    } catch (const StoreError& error) {
+        failure = error.what();
+    }
+    logFailure(failure);
+    return nullptr;
+}
+
+// The error code for a save that the store refused.
+NSInteger codeOf(StoreError::Reason reason) {
+    switch (reason) {
+    case StoreError::Reason::readOnly:
+        return ABPropertyReadOnlyError;
+    case StoreError::Reason::refused:
+        return ABPropertyValueValidationError;
+    default:
+        return ABAddRecordsError;
+    }
+}
+
+void putUids(NSMutableDictionary* info, NSString* key, const std::vector<std::string>& uids) {
+    if (uids.empty())
+        return;
+    NSMutableArray* array = [NSMutableArray arrayWithCapacity:uids.size()];
+    for (const auto& uid : uids)
+        [array addObject:stringFrom(uid)];
+    [info setObject:array forKey:key];
+}
+
+void announce(ABAddressBook* book, const SaveResult& result) {
+    NSMutableDictionary* info = [NSMutableDictionary dictionary];
+    putUids(info, kABInsertedRecords, result.inserted);
+    putUids(info, kABUpdatedRecords, result.updated);
+    putUids(info, kABDeletedRecords, result.deleted);
+    if (announcing && [info count] != 0)
+        [[NSNotificationCenter defaultCenter] postNotificationName:kABDatabaseChangedNotification
+                                                            object:book
+                                                          userInfo:info];
+}
+
+} // namespace
+
+namespace addressbook {
+
+BookPtr sharedBook() {
+    ABAddressBook* shared = [ABAddressBook sharedAddressBook];
+    return shared ? [shared book] : nullptr;
+}
+
+} // namespace addressbook
+
+@implementation ABAddressBook
+
++ (ABAddressBook*)sharedAddressBook {
+    announcing = true;
+    if (sharedInstance == nil)
+        sharedInstance = [[ABAddressBook alloc] init];
+    return sharedInstance;
+}
+
++ (ABAddressBook*)addressBook {
+    return [[[ABAddressBook alloc] init] autorelease];
+}
+
+- (id)init {
+    if ((self = [super init]) == nil)
+        return nil;
+    const BookPtr book = openBook();
+    if (!book) {
+        [self release];
+        return nil;
+    }
+    _book = new BookPtr(book);
+    return self;
+}
+
+- (void)dealloc {
+    delete static_cast<BookPtr*>(_book);
+    [super dealloc];
+}
+
+// Records of another address book object are strangers.
+- (BOOL)owns:(ABRecord*)record {
+    return record != nil && [record book] == [self book];
+}
+
+- (NSArray*)recordsMatchingSearchElement:(ABSearchElement*)search {
+    if (search == nil)
+        raiseInvalid(@"A search of the address book needs a search element");
+    auto places = reading([&] { return [self book]->search(queryOf(search), currentTime()); });
+    return listFrom([self book], Kind::person, std::move(places));
+}
+
+- (BOOL)save {
+    return [self saveAndReturnError:nullptr];
+}
+
+- (BOOL)saveAndReturnError:(NSError**)error {
+    SaveResult result;
+    std::string failure;
+    NSInteger code = 0;
+    if (![self hasUnsavedChanges])
+        return YES;
+    try {
+        result = [self book]->save(currentTime());
+    } catch (const StoreError& refusal) {
+        failure = refusal.what();
+        code = codeOf(refusal.reason());
+    }
+    if (code != 0)
+        return refuse(error, code, stringFrom(failure));
+    announce(self, result);
+    return YES;
+}
+
+- (BOOL)hasUnsavedChanges {
+    return [self book]->changed();
+}
+
+- (ABPerson*)me {
+    return (ABPerson*)recordFrom([self book], reading([&] { return [self book]->me(); }));
+}
+
+- (void)setMe:(ABPerson*)moi {
+    if (moi == nil || [self owns:(ABRecord*)moi])
+        [self book]->setMe(cardOf((ABRecord*)moi));
+}
+
+- (ABRecord*)recordForUniqueId:(NSString*)uniqueId {
+    if (uniqueId == nil)
+        return nil;
+    const std::string uid = textFrom(uniqueId);
+    return recordFrom([self book], reading([&] { return [self book]->find(uid); }));
+}
+
+- (NSString*)recordClassFromUniqueId:(NSString*)uniqueId {
+    return [self recordClassFromUniqueId:uniqueId error:nullptr];
+}
+
+- (NSString*)recordClassFromUniqueId:(NSString*)uniqueId error:(NSError**)error {
+    if (uniqueId == nil)
+        return nil;
+    const std::string uid = textFrom(uniqueId);
+    const CardPtr card = reading([&] { return [self book]->find(uid); });
+    if (!card) {
+        refuse(error, ABPropertyValueValidationError,
+               [NSString stringWithFormat:@"The address book has no record %@", uniqueId]);
+        return nil;
+    }
+    return card->kind == Kind::group ? @"ABGroup" : @"ABPerson";
+}
+
+- (BOOL)addRecord:(ABRecord*)record {
+    return [self addRecord:record error:nullptr];
+}
+
+- (BOOL)addRecord:(ABRecord*)record error:(NSError**)error {
+    if ([self book]->readOnly())
+        return refuse(error, ABPropertyReadOnlyError, @"The address book can only be read");
+    if (![self owns:record] || ![self book]->add([record card]))
+        return refuse(error, ABAddRecordsError,
+                      @"The record cannot be added: it is in the address book already, or "
+                      @"was deleted, or belongs to another one");
+    return YES;
+}
+
+- (BOOL)removeRecord:(ABRecord*)record {
+    return [self removeRecord:record error:nullptr];
+}
+
+- (BOOL)removeRecord:(ABRecord*)record error:(NSError**)error {
+    if ([self book]->readOnly())
+        return refuse(error, ABPropertyReadOnlyError, @"The address book can only be read");
+    if (![self owns:record] || !reading([&] { return [self book]->remove([record card]); }))
+        return refuse(error, ABRemoveRecordsError, @"The record is not in the address book");
+    return YES;
+}
+
+- (NSArray*)people {
+    return listFrom([self book], Kind::person, reading([&] { return [self book]->records(Kind::person); }));
+}
+
+- (NSArray*)groups {
+    return listFrom([self book], Kind::group, reading([&] { return [self book]->records(Kind::group); }));
+}
+
+- (NSString*)defaultCountryCode {
+    return stringFrom(localeCountry());
+}
+
+- (NSInteger)defaultNameOrdering {
+    return localeNamesLastFirst() ? kABLastNameFirst : kABFirstNameFirst;
+}
+
+@end
+
+@implementation ABAddressBook (Internal)
+
+- (const BookPtr&)book {
+    return *static_cast<BookPtr*>(_book);
+}
+
++ (void)closeSharedAddressBook {
+    [sharedInstance release];
+    sharedInstance = nil;
+}
+
+@end

@@ -1,0 +1,137 @@
+#import <AddressBook/ABGroup.h>
+
+#include "bridge.h"
+#include "property_types.h"
+#include "record.h"
+
+using namespace addressbook;
+
+@implementation ABGroup
+
+- (NSArray*)recordsInside:(Kind)kind {
+    return recordsFrom([self book], reading([&] { return [self book]->members(*[self card], kind); }));
+}
+
+- (BOOL)changeable:(ABRecord*)member kind:(Class)kind {
+    return [member isKindOfClass:kind] && [member book] == [self book] && ![self isReadOnly];
+}
+
+- (BOOL)join:(ABRecord*)member kind:(Class)kind {
+    return [self changeable:member kind:kind] &&
+           reading([&] { return [self book]->join([self card], [member card]); });
+}
+
+- (BOOL)leave:(ABRecord*)member kind:(Class)kind {
+    return [self changeable:member kind:kind] &&
+           reading([&] { return [self book]->leave([self card], *[member card]); });
+}
+
+- (NSArray*)members {
+    return [self recordsInside:Kind::person];
+}
+
+- (BOOL)addMember:(ABPerson*)person {
+    return [self join:(ABRecord*)person kind:[ABPerson class]];
+}
+
+- (BOOL)removeMember:(ABPerson*)person {
+    return [self leave:(ABRecord*)person kind:[ABPerson class]];
+}
+
+- (NSArray*)subgroups {
+    return [self recordsInside:Kind::group];
+}
+
+- (BOOL)addSubgroup:(ABGroup*)group {
+    return [self join:group kind:[ABGroup class]];
+}
+
+- (BOOL)removeSubgroup:(ABGroup*)group {
+    return [self leave:group kind:[ABGroup class]];
+}
+
+- (NSArray*)parentGroups {
+    return recordsFrom([self book], reading([&] { return [self book]->parents(*[self card]); }));
+}
+
+// The chosen identifiers are a dictionary in the group: property -> dictionary of person -> identifier.
+- (Dictionary)distributionIdentifiers {
+    const Value value = reading([&] { return [self book]->value(*[self card], property::kDistribution); });
+    const auto* chosen = value.as<Dictionary>();
+    return chosen ? *chosen : Dictionary();
+}
+
+- (BOOL)setDistributionIdentifier:(NSString*)identifier
+                      forProperty:(NSString*)property
+                           person:(ABPerson*)person {
+    if (property == nil || person == nil || [self isReadOnly] ||
+        !reading([&] { return [self book]->isMember(*[self card], *[person card]); }))
+        return NO;
+    id entries = [person valueForProperty:property];
+    if (![entries isKindOfClass:[ABMultiValue class]] ||
+        (identifier != nil && [entries indexForIdentifier:identifier] == NSNotFound))
+        return NO;
+
+    Dictionary chosen = [self distributionIdentifiers];
+    Value& ofProperty = chosen[textFrom(property)];
+    if (!ofProperty.as<Dictionary>())
+        ofProperty = Dictionary();
+    auto& people = *ofProperty.as<Dictionary>();
+    const std::string& uid = [person card]->uid;
+    if (identifier != nil)
+        people[uid] = textFrom(identifier);
+    else
+        people.erase(uid);
+    if (people.empty())
+        chosen.erase(textFrom(property));
+    Value changed = chosen.empty() ? Value() : Value(std::move(chosen));
+    reading([&] { [self book]->set([self card], std::string(property::kDistribution), std::move(changed)); });
+    return YES;
+}
+
+- (NSString*)distributionIdentifierForProperty:(NSString*)property person:(ABPerson*)person {
+    if (property == nil || person == nil ||
+        !reading([&] { return [self book]->isMember(*[self card], *[person card]); }))
+        return nil;
+    id entries = [person valueForProperty:property];
+    if (![entries isKindOfClass:[ABMultiValue class]])
+        return nil;
+    const Dictionary chosen = [self distributionIdentifiers];
+    if (const auto ofProperty = chosen.find(textFrom(property)); ofProperty != chosen.end())
+        if (const auto* people = ofProperty->second.as<Dictionary>())
+            if (const auto own = people->find([person card]->uid); own != people->end())
+                if (id identifier = objectFrom(own->second);
+                    [entries indexForIdentifier:identifier] != NSNotFound)
+                    return identifier;
+    return [entries primaryIdentifier];
+}
+
++ (NSInteger)addPropertiesAndTypes:(NSDictionary*)properties {
+    return addProperties(Kind::group, properties);
+}
+
++ (NSInteger)removeProperties:(NSArray*)properties {
+    return removeProperties(Kind::group, properties);
+}
+
++ (NSArray*)properties {
+    return propertyNames(Kind::group);
+}
+
++ (ABPropertyType)typeOfProperty:(NSString*)property {
+    return typeOfProperty(Kind::group, property);
+}
+
+@end
+
+@implementation ABGroup (ABGroup_Convenience)
+
++ (ABSearchElement*)searchElementForProperty:(NSString*)property
+                                       label:(NSString*)label
+                                         key:(NSString*)key
+                                       value:(id)value
+                                  comparison:(ABSearchComparison)comparison {
+    return searchElement(Kind::group, property, label, key, value, comparison);
+}
+
+@end

@@ -1,0 +1,90 @@
+#import <AddressBook/ABPerson.h>
+
+#include "bridge.h"
+#include "frameworks/AddressBook/vcard/vcard.h"
+#include "property_types.h"
+#include "record.h"
+
+using namespace addressbook;
+
+@implementation ABPerson
+
+- (NSArray*)parentGroups {
+    return recordsFrom([self book], reading([&] { return [self book]->parents(*[self card]); }));
+}
+
+- (NSArray*)linkedPeople {
+    return [NSArray arrayWithObject:self];
+}
+
++ (NSInteger)addPropertiesAndTypes:(NSDictionary*)properties {
+    return addProperties(Kind::person, properties);
+}
+
++ (NSInteger)removeProperties:(NSArray*)properties {
+    return removeProperties(Kind::person, properties);
+}
+
++ (NSArray*)properties {
+    return propertyNames(Kind::person);
+}
+
++ (ABPropertyType)typeOfProperty:(NSString*)property {
+    return typeOfProperty(Kind::person, property);
+}
+
+@end
+
+@implementation ABPerson (ABPerson_Convenience)
+
++ (ABSearchElement*)searchElementForProperty:(NSString*)property
+                                       label:(NSString*)label
+                                         key:(NSString*)key
+                                       value:(id)value
+                                  comparison:(ABSearchComparison)comparison {
+    return searchElement(Kind::person, property, label, key, value, comparison);
+}
+
+// The card's own unique id is not taken over: the person is a new one.
+- (id)initWithVCardRepresentation:(NSData*)vCardData {
+    if ((self = [self init]) == nil)
+        return nil;
+    const std::string_view bytes(static_cast<const char*>([vCardData bytes]), [vCardData length]);
+    auto read = vcard::Reader(bytes).next();
+    auto* card = read ? std::get_if<vcard::Card>(&*read) : nullptr;
+    if (card == nullptr || card->kind != Kind::person) {
+        [self release];
+        return nil;
+    }
+    for (auto& [property, value] : card->values)
+        if (!keptByFramework(property))
+            [self card]->changes[property] = std::move(value);
+    return self;
+}
+
+- (NSData*)vCardRepresentation {
+    vcard::Card card;
+    card.uid = [self card]->uid;
+    card.values = reading([&] { return [self book]->values(*[self card]); });
+    const std::string text = vcard::write(card);
+    return [NSData dataWithBytes:text.data() length:text.size()];
+}
+
+@end
+
+@implementation ABPerson (ABImageLoading)
+
+- (BOOL)setImageData:(NSData*)data {
+    if ([self isReadOnly])
+        return NO;
+    Value picture = data ? requireValue(data, kABDataProperty, @"image") : Value();
+    reading([&] { [self book]->set([self card], std::string(property::kImage), std::move(picture)); });
+    return YES;
+}
+
+- (NSData*)imageData {
+    const Value picture = reading([&] { return [self book]->value(*[self card], property::kImage); });
+    return objectFrom(picture);
+}
+
+@end

@@ -1,0 +1,173 @@
+#import <AddressBook/ABRecord.h>
+
+#include "bridge.h"
+#include "display_name.h"
+#include "property_types.h"
+#include "record.h"
+
+using namespace addressbook;
+
+namespace {
+
+// What a record object holds.
+struct State {
+    BookPtr book;
+    CardPtr card;
+};
+
+} // namespace
+
+namespace addressbook {
+
+bool keptByFramework(std::string_view property) {
+    return property == property::kUid || property == property::kCreation ||
+           property == property::kModification;
+}
+
+void raiseInvalid(NSString* sentence) {
+    [NSException raise:NSInvalidArgumentException format:@"%@", sentence];
+    std::abort();
+}
+
+void raiseUnreadable(const std::string& sentence) {
+    [NSException raise:NSGenericException format:@"%@", stringFrom(sentence)];
+    std::abort();
+}
+
+BOOL refuse(NSError** error, NSInteger code, NSString* sentence) {
+    if (error != nullptr)
+        *error = [NSError errorWithDomain:ABAddressBookErrorDomain
+                                     code:code
+                                 userInfo:[NSDictionary dictionaryWithObject:sentence
+                                                                      forKey:NSLocalizedDescriptionKey]];
+    return NO;
+}
+
+ABRecord* recordFrom(const BookPtr& book, const CardPtr& card) {
+    if (!card)
+        return nil;
+    if (card->object != nullptr)
+        return [[static_cast<ABRecord*>(card->object) retain] autorelease];
+    Class type = card->kind == Kind::group ? [ABGroup class] : [ABPerson class];
+    return [[[type alloc] initWithCard:card book:book] autorelease];
+}
+
+NSArray* recordsFrom(const BookPtr& book, const std::vector<CardPtr>& cards) {
+    NSMutableArray* records = [NSMutableArray arrayWithCapacity:cards.size()];
+    for (const auto& card : cards)
+        [records addObject:recordFrom(book, card)];
+    return [[records copy] autorelease];
+}
+
+CardPtr cardOf(ABRecord* record) {
+    return record ? [record card] : nullptr;
+}
+
+BookPtr bookOf(ABRecord* record) {
+    return record ? [record book] : nullptr;
+}
+
+} // namespace addressbook
+
+@implementation ABRecord
+
+- (id)init {
+    return [self initWithAddressBook:nil];
+}
+
+- (id)initWithAddressBook:(ABAddressBook*)addressBook {
+    const BookPtr book = addressBook ? [addressBook book] : sharedBook();
+    if (!book) {
+        [self release];
+        return nil;
+    }
+    return [self initWithCard:book->create([self isKindOfClass:[ABGroup class]] ? Kind::group : Kind::person)
+                         book:book];
+}
+
+- (void)dealloc {
+    if (auto* state = static_cast<State*>(_record)) {
+        state->card->object = nullptr;
+        delete state;
+    }
+    [super dealloc];
+}
+
+- (id)valueForProperty:(NSString*)property {
+    if (property == nil)
+        raiseInvalid(@"A value was asked for without a property");
+    const std::string name = textFrom(property);
+    Book& book = *[self book];
+    const Value value = reading(
+        [&] { return book.typeOf([self card]->kind, name) == 0 ? Value() : book.value(*[self card], name); });
+    return objectFrom(value);
+}
+
+- (BOOL)setValue:(id)value forProperty:(NSString*)property {
+    return [self setValue:value forProperty:property error:nullptr];
+}
+
+- (BOOL)setValue:(id)value forProperty:(NSString*)property error:(NSError**)error {
+    if (property == nil)
+        raiseInvalid(@"A value was set without a property");
+    Book& book = *[self book];
+    const std::string name = textFrom(property);
+    const int type = book.typeOf([self card]->kind, name);
+    if (type == 0)
+        return refuse(error, ABPropertyUnsupportedBySourceError,
+                      [NSString stringWithFormat:@"%@ has no property %@", [self class], property]);
+    if (keptByFramework(name))
+        return refuse(error, ABPropertyReadOnlyError,
+                      [NSString stringWithFormat:@"The property %@ cannot be set", property]);
+    if ([self isReadOnly])
+        return refuse(error, ABPropertyReadOnlyError, @"The address book can only be read");
+    Value converted = value ? requireValue(value, type, property) : Value();
+    reading([&] { book.set([self card], name, std::move(converted)); });
+    return YES;
+}
+
+- (BOOL)removeValueForProperty:(NSString*)property {
+    return [self setValue:nil forProperty:property];
+}
+
+- (BOOL)isReadOnly {
+    return [self book]->readOnly();
+}
+
+- (NSString*)description {
+    return [NSString stringWithFormat:@"%@ %@ (%@)", [self class], [self uniqueId], [self displayName]];
+}
+
+@end
+
+@implementation ABRecord (ABRecord_Convenience)
+
+- (NSString*)uniqueId {
+    return stringFrom([self card]->uid);
+}
+
+- (NSString*)displayName {
+    return stringFrom(reading([&] { return displayName(*[self book], *[self card]); }));
+}
+
+@end
+
+@implementation ABRecord (Internal)
+
+- (id)initWithCard:(const CardPtr&)card book:(const BookPtr&)book {
+    if ((self = [super init]) != nil) {
+        _record = new State{book, card};
+        card->object = self;
+    }
+    return self;
+}
+
+- (const CardPtr&)card {
+    return static_cast<State*>(_record)->card;
+}
+
+- (const BookPtr&)book {
+    return static_cast<State*>(_record)->book;
+}
+
+@end

@@ -1,0 +1,66 @@
+#import <AddressBook/ABSearchElement.h>
+
+#include "record.h"
+
+using namespace addressbook;
+
+@interface ABSearchElement (Internal)
+- (id)initWithQuery:(Query)query;
+- (const Query&)query;
+@end
+
+namespace addressbook {
+
+const Query& queryOf(ABSearchElement* element) {
+    return [element query];
+}
+
+ABSearchElement* elementFrom(Query query) {
+    return [[[ABSearchElement alloc] initWithQuery:std::move(query)] autorelease];
+}
+
+} // namespace addressbook
+
+@implementation ABSearchElement
+
++ (ABSearchElement*)searchElementForConjunction:(ABSearchConjunction)conjunction children:(NSArray*)children {
+    if ([children count] == 0)
+        raiseInvalid(@"Joining searches needs at least one of them");
+    if (conjunction != kABSearchAnd && conjunction != kABSearchOr)
+        raiseInvalid([NSString stringWithFormat:@"There is no search conjunction %ld", (long)conjunction]);
+    Query::Compound compound;
+    compound.join = static_cast<Query::Join>(conjunction);
+    for (NSUInteger i = 0; i < [children count]; ++i) {
+        id child = [children objectAtIndex:i];
+        if (![child isKindOfClass:[ABSearchElement class]])
+            raiseInvalid(@"Only searches can be joined");
+        compound.children.push_back(queryOf(child));
+    }
+    return elementFrom(Query{std::move(compound)});
+}
+
+- (void)dealloc {
+    delete static_cast<Query*>(_query);
+    [super dealloc];
+}
+
+- (BOOL)matchesRecord:(ABRecord*)record {
+    const CardPtr card = cardOf(record);
+    return card && reading([&] { return bookOf(record)->matches([self query], *card, currentTime()); });
+}
+
+@end
+
+@implementation ABSearchElement (Internal)
+
+- (id)initWithQuery:(Query)query {
+    if ((self = [super init]) != nil)
+        _query = new Query(std::move(query));
+    return self;
+}
+
+- (const Query&)query {
+    return *static_cast<Query*>(_query);
+}
+
+@end

@@ -1,0 +1,540 @@
+#include "book.h"
+
+#include <algorithm>
+#include <chrono>
+#include <utility>
+
+namespace addressbook {
+
+namespace {
+
+// So many records keep their stored values in memory; older ones read them again.
+constexpr std::size_t kLoadedLimit = 1024;
+
+const Value kNone;
+
+// A record for queries: its values as this process sees them.
+class CardView : public RecordView {
+  public:
+    CardView(Book& book, Card& card) : book_(book), card_(card) {}
+    Kind kind() const override { return card_.kind; }
+    const Value& value(std::string_view property) const override { return book_.value(card_, property); }
+
+  private:
+    Book& book_;
+    Card& card_;
+};
+
+bool validType(int type) {
+    const int base = type & ~kMultiValue;
+    return base >= static_cast<int>(Type::string) && base <= static_cast<int>(Type::dateComponents);
+}
+
+auto named(Kind kind, std::string_view name) {
+    return [kind, name](const PropertyDefinition& definition) {
+        return definition.kind == kind && definition.name == name;
+    };
+}
+
+} // namespace
+
+Date currentTime() {
+    constexpr double kReferenceDate = 978307200; // 2001-01-01 in seconds since 1970
+    const std::chrono::duration<double> since1970 = std::chrono::system_clock::now().time_since_epoch();
+    return {since1970.count() - kReferenceDate};
+}
+
+std::unique_ptr<Card> makeCard(Kind kind) {
+    auto card = std::make_unique<Card>();
+    card->uid = newUid(kind);
+    card->kind = kind;
+    const Date now = currentTime();
+    card->changes[std::string(property::kCreation)] = now;
+    card->changes[std::string(property::kModification)] = now;
+    return card;
+}
+
+std::shared_ptr<Book> Book::open() {
+    const auto folder = Store::defaultFolder();
+    try {
+        return std::make_shared<Book>(std::make_unique<Store>(folder));
+    } catch (const StoreError& error) {
+        if (error.reason() != StoreError::Reason::readOnly)
+            throw;
+    }
+    return std::make_shared<Book>(std::make_unique<Store>(folder, Store::Access::readOnly));
+}
+
+Book::Book(std::unique_ptr<Store> store)
+    : store_(std::move(store)), seen_(store_->lastChange()), definitions_(store_->definitions()) {}
+
+// Cards
+
+CardPtr Book::create(Kind kind) {
+    return own(makeCard(kind).release());
+}
+
+CardPtr Book::own(Card* card) {
+    CardPtr owned(card, [book = weak_from_this()](Card* last) {
+        if (auto owner = book.lock())
+            owner->forget(*last);
+        delete last;
+    });
+    cards_[owned->uid] = owned;
+    if (owned->row != 0)
+        rows_[owned->row] = owned;
+    return owned;
+}
+
+void Book::forget(const Card& card) {
+    // A newer card may have taken the place of one that is gone.
+    if (auto found = cards_.find(card.uid); found != cards_.end() && found->second.expired())
+        cards_.erase(found);
+    if (auto found = rows_.find(card.row); found != rows_.end() && found->second.expired())
+        rows_.erase(found);
+}
+
+CardPtr Book::live(const std::string& uid) const {
+    const auto found = cards_.find(uid);
+    return found == cards_.end() ? nullptr : found->second.lock();
+}
+
+CardPtr Book::card(const RecordRef& ref) {
+    if (auto known = live(ref.uid))
+        return known;
+    auto made = std::make_unique<Card>();
+    made->uid = ref.uid;
+    made->kind = ref.kind;
+    made->standing = Card::Standing::stored;
+    made->row = ref.row;
+    return own(made.release());
+}
+
+CardPtr Book::find(std::string_view uid) {
+    refresh();
+    if (auto known = live(std::string(uid)))
+        return known->inBook() ? known : nullptr;
+    const auto ref = store_->find(uid);
+    return ref ? card(*ref) : nullptr;
+}
+
+CardPtr Book::at(RowId row, Kind kind) {
+    if (const auto found = rows_.find(row); found != rows_.end())
+        if (auto known = found->second.lock())
+            return known;
+    if (const auto ref = store_->find(row))
+        return card(*ref);
+    auto lost = create(kind);
+    lost->standing = Card::Standing::gone;
+    lost->changes.clear();
+    return lost;
+}
+
+// Lists and searches
+
+std::vector<Book::Place> Book::records(Kind kind) {
+    refresh();
+    std::vector<Place> places;
+    for (const RowId row : store_->rows(kind))
+        if (!removed_.contains(row))
+            places.push_back({row, nullptr});
+    for (const auto& card : added_)
+        if (card->kind == kind)
+            places.push_back({0, card});
+    return places;
+}
+
+bool Book::matches(const Query& query, Card& card, Date now) {
+    return addressbook::matches(query, CardView(*this, card), now);
+}
+
+std::vector<Book::Place> Book::search(const Query& query, Date now) {
+    refresh();
+    std::vector<Place> places;
+    if (mentionsDiscarded(query)) {
+        // The database still holds values that are to be deleted: only the view of this process tells the
+        // truth.
+        for (const Kind kind : {Kind::person, Kind::group})
+            for (const RowId row : store_->rows(kind))
+                if (!removed_.contains(row) && matches(query, *at(row, kind), now))
+                    places.push_back({row, nullptr});
+    } else {
+        for (const RowId row : store_->search(query, now))
+            if (!removed_.contains(row) && !changed_.contains(row))
+                places.push_back({row, nullptr});
+        for (const auto& [row, card] : changed_)
+            if (matches(query, *card, now))
+                places.push_back({row, card});
+    }
+    std::sort(places.begin(), places.end(), [](const Place& a, const Place& b) { return a.row < b.row; });
+    for (const auto& card : added_)
+        if (matches(query, *card, now))
+            places.push_back({0, card});
+    return places;
+}
+
+// Values
+
+void Book::load(Card& card) {
+    if (card.read)
+        return;
+    card.read = store_->values(card.row);
+    if (const auto found = cards_.find(card.uid); found != cards_.end())
+        loaded_.push_back(found->second);
+    while (loaded_.size() > kLoadedLimit) {
+        if (const auto oldest = loaded_.front().lock(); oldest && oldest.get() != &card)
+            oldest->read.reset();
+        loaded_.pop_front();
+    }
+}
+
+const Value& Book::value(Card& card, std::string_view property) {
+    if (property == property::kUid) {
+        scratch_ = card.uid;
+        return scratch_;
+    }
+    const std::string name(property);
+    if (const auto change = card.changes.find(name); change != card.changes.end())
+        return change->second;
+    if (card.row == 0 || discarded(card.kind, property))
+        return kNone;
+    if (property == property::kImage) {
+        scratch_ = store_->value(card.row, property);
+        return scratch_;
+    }
+    load(card);
+    const auto stored = card.read->find(name);
+    return stored == card.read->end() ? kNone : stored->second;
+}
+
+std::map<std::string, Value> Book::values(Card& card) {
+    std::map<std::string, Value> all;
+    if (card.row != 0) {
+        load(card);
+        all = *card.read;
+        all[std::string(property::kImage)] = value(card, property::kImage);
+        std::erase_if(all, [&](const auto& one) { return discarded(card.kind, one.first); });
+    }
+    for (const auto& [name, value] : card.changes)
+        all[name] = value;
+    std::erase_if(all, [](const auto& one) { return one.second.empty(); });
+    return all;
+}
+
+void Book::set(const CardPtr& card, const std::string& property, Value value) {
+    if (this->value(*card, property) == value)
+        return;
+    if (value.empty() && card->row == 0)
+        card->changes.erase(property);
+    else
+        card->changes[property] = std::move(value);
+    touch(card);
+}
+
+void Book::touch(const CardPtr& card) {
+    if (card->standing == Card::Standing::stored)
+        changed_[card->row] = card;
+}
+
+// Adding and removing
+
+bool Book::add(const CardPtr& card) {
+    switch (card->standing) {
+    case Card::Standing::loose:
+        card->standing = Card::Standing::added;
+        added_.push_back(card);
+        cards_[card->uid] = card;
+        return true;
+    case Card::Standing::removed:
+        card->standing = Card::Standing::stored;
+        removed_.erase(card->row);
+        if (!card->changes.empty() || !card->joined.empty() || !card->left.empty())
+            touch(card);
+        return true;
+    case Card::Standing::added:
+    case Card::Standing::stored:
+    case Card::Standing::gone:
+        break;
+    }
+    return false;
+}
+
+bool Book::remove(const CardPtr& card) {
+    if (card->standing == Card::Standing::added) {
+        card->standing = Card::Standing::loose;
+        std::erase(added_, card);
+        return true;
+    }
+    if (card->standing != Card::Standing::stored)
+        return false;
+    load(*card); // so that whoever still holds the record can read it
+    card->standing = Card::Standing::removed;
+    changed_.erase(card->row);
+    removed_[card->row] = card;
+    return true;
+}
+
+// Groups
+
+std::vector<CardPtr> Book::members(Card& group, Kind kind) {
+    std::vector<CardPtr> found;
+    if (group.row != 0) {
+        const auto rows = kind == Kind::person ? store_->members(group.row) : store_->subgroups(group.row);
+        for (const RowId row : rows) {
+            auto member = at(row, kind);
+            if (member->inBook() && !group.left.contains(member->uid))
+                found.push_back(std::move(member));
+        }
+    }
+    for (const auto& member : group.joined)
+        if (member->kind == kind && member->inBook())
+            found.push_back(member);
+    return found;
+}
+
+std::vector<CardPtr> Book::parents(const Card& card) {
+    std::vector<CardPtr> found;
+    const auto joinedHere = [&card](const Card& group) {
+        return std::any_of(group.joined.begin(), group.joined.end(),
+                           [&card](const CardPtr& member) { return member.get() == &card; });
+    };
+    if (card.row != 0 && card.inBook())
+        for (const RowId row : store_->parents(card.row)) {
+            auto group = at(row, Kind::group);
+            if (group->inBook() && !group->left.contains(card.uid))
+                found.push_back(std::move(group));
+        }
+    for (const auto& [row, group] : changed_)
+        if (joinedHere(*group))
+            found.push_back(group);
+    std::sort(found.begin(), found.end(), [](const CardPtr& a, const CardPtr& b) { return a->row < b->row; });
+    for (const auto& group : added_)
+        if (joinedHere(*group))
+            found.push_back(group);
+    return found;
+}
+
+bool Book::isMember(Card& group, const Card& member) {
+    const auto list = members(group, member.kind);
+    return std::any_of(list.begin(), list.end(), [&](const CardPtr& one) { return one.get() == &member; });
+}
+
+bool Book::ascendsTo(const CardPtr& from, const Card& target) {
+    std::vector<CardPtr> open{from};
+    std::set<const Card*> seen;
+    while (!open.empty()) {
+        const auto group = open.back();
+        open.pop_back();
+        if (group.get() == &target)
+            return true;
+        if (!seen.insert(group.get()).second)
+            continue;
+        for (auto& parent : parents(*group))
+            open.push_back(std::move(parent));
+    }
+    return false;
+}
+
+bool Book::join(const CardPtr& group, const CardPtr& member) {
+    if (!member->inBook() || isMember(*group, *member))
+        return false;
+    if (member->kind == Kind::group && ascendsTo(group, *member))
+        return false;
+    if (group->left.erase(member->uid) == 0)
+        group->joined.push_back(member);
+    touch(group);
+    return true;
+}
+
+bool Book::leave(const CardPtr& group, const Card& member) {
+    if (!isMember(*group, member))
+        return false;
+    if (std::erase_if(group->joined, [&](const CardPtr& one) { return one.get() == &member; }) == 0)
+        group->left.insert(member.uid);
+    touch(group);
+    return true;
+}
+
+// The user's own card
+
+CardPtr Book::me() {
+    if (me_)
+        return me_->empty() ? nullptr : find(*me_);
+    const auto uid = store_->me();
+    return uid ? find(*uid) : nullptr;
+}
+
+void Book::setMe(const CardPtr& card) {
+    if (!card)
+        me_ = "";
+    else if (card->inBook())
+        me_ = card->uid;
+}
+
+// Properties
+
+bool Book::discarded(Kind kind, std::string_view property) const {
+    return std::any_of(undefined_.begin(), undefined_.end(), named(kind, property));
+}
+
+bool Book::mentionsDiscarded(const Query& query) const {
+    if (undefined_.empty())
+        return false;
+    if (const auto* condition = std::get_if<Condition>(&query.node))
+        return discarded(condition->kind, condition->property);
+    const auto& children = std::get<Query::Compound>(query.node).children;
+    return std::any_of(children.begin(), children.end(),
+                       [this](const Query& child) { return mentionsDiscarded(child); });
+}
+
+int Book::typeOf(Kind kind, std::string_view property) const {
+    if (const int type = builtInType(kind, property))
+        return type;
+    const auto same = named(kind, property);
+    if (const auto found = std::find_if(defined_.begin(), defined_.end(), same); found != defined_.end())
+        return found->type;
+    if (discarded(kind, property))
+        return 0;
+    const auto found = std::find_if(definitions_.begin(), definitions_.end(), same);
+    return found == definitions_.end() ? 0 : found->type;
+}
+
+std::vector<std::string> Book::properties(Kind kind) const {
+    std::vector<std::string> names;
+    for (const auto& row : builtInProperties())
+        if (builtInType(kind, row.name) != 0)
+            names.emplace_back(row.name);
+    for (const auto& definition : definitions_)
+        if (definition.kind == kind && !discarded(kind, definition.name))
+            names.push_back(definition.name);
+    for (const auto& definition : defined_)
+        if (definition.kind == kind)
+            names.push_back(definition.name);
+    return names;
+}
+
+int Book::define(Kind kind, const std::map<std::string, int>& properties) {
+    for (const auto& [name, type] : properties)
+        if (name.empty() || name.front() == '.' || !validType(type))
+            return -1;
+    int count = 0;
+    for (const auto& [name, type] : properties)
+        if (typeOf(kind, name) == 0) {
+            defined_.push_back({kind, name, type});
+            ++count;
+        }
+    return count;
+}
+
+int Book::undefine(Kind kind, const std::vector<std::string>& properties) {
+    int count = 0;
+    for (const auto& name : properties) {
+        if (builtInType(kind, name) != 0 || typeOf(kind, name) == 0)
+            continue;
+        const auto same = named(kind, name);
+        if (std::erase_if(defined_, same) == 0)
+            undefined_.push_back(*std::find_if(definitions_.begin(), definitions_.end(), same));
+        for (const auto& [uid, weak] : cards_)
+            if (const auto card = weak.lock(); card && card->kind == kind)
+                card->changes.erase(name);
+        ++count;
+    }
+    return count;
+}
+
+// Saving
+
+bool Book::changed() const {
+    return !added_.empty() || !changed_.empty() || !removed_.empty() || me_ || !defined_.empty() ||
+           !undefined_.empty();
+}
+
+ChangeSet Book::changes(Date now) const {
+    ChangeSet set;
+    set.time = now;
+    set.definitions = defined_;
+    set.removedDefinitions = undefined_;
+    const auto memberships = [&set](const Card& group) {
+        for (const auto& uid : group.left)
+            set.memberships.push_back({group.uid, uid, false});
+        for (const auto& member : group.joined)
+            if (member->inBook())
+                set.memberships.push_back({group.uid, member->uid, true});
+    };
+    for (const auto& card : added_) {
+        set.records.push_back({card->uid, card->kind, true, card->changes});
+        memberships(*card);
+    }
+    for (const auto& [row, card] : changed_) {
+        if (!card->changes.empty())
+            set.records.push_back({card->uid, card->kind, false, card->changes});
+        memberships(*card);
+    }
+    for (const auto& [row, card] : removed_)
+        set.removed.push_back(card->uid);
+    if (me_) {
+        const auto own = live(*me_);
+        set.me = own && !own->inBook() ? "" : *me_;
+    }
+    return set;
+}
+
+SaveResult Book::save(Date now) {
+    refresh();
+    const ChangeSet set = changes(now);
+    SaveResult result;
+    if (!set.empty())
+        result = store_->save(set);
+    settle(result);
+    return result;
+}
+
+void Book::settle(const SaveResult& result) {
+    const auto clean = [](Card& card) {
+        card.changes.clear();
+        card.joined.clear();
+        card.left.clear();
+        card.read.reset();
+    };
+    for (const auto& card : std::exchange(added_, {})) {
+        clean(*card);
+        const auto ref = store_->find(card->uid);
+        card->standing = ref ? Card::Standing::stored : Card::Standing::gone;
+        card->row = ref ? ref->row : 0;
+        if (ref)
+            rows_[card->row] = card;
+    }
+    for (const auto& [row, card] : std::exchange(changed_, {}))
+        clean(*card);
+    for (const auto& [row, card] : std::exchange(removed_, {}))
+        card->standing = Card::Standing::gone;
+    for (const auto& uid : result.missing)
+        if (const auto card = live(uid))
+            card->standing = Card::Standing::gone;
+    me_.reset();
+    if (!defined_.empty() || !undefined_.empty())
+        definitions_ = store_->definitions();
+    defined_.clear();
+    undefined_.clear();
+}
+
+// Takes notice of what was saved since, here and elsewhere: what is in memory of those records is out of
+// date.
+void Book::refresh() {
+    const auto newest = store_->lastChange();
+    if (newest == seen_)
+        return;
+    for (const auto& change : store_->changesSince(seen_)) {
+        for (const auto& uid : change.updated)
+            if (const auto card = live(uid))
+                card->read.reset();
+        for (const auto& uid : change.deleted)
+            if (const auto card = live(uid);
+                card && card->standing == Card::Standing::stored && !changed_.contains(card->row))
+                card->standing = Card::Standing::gone;
+    }
+    definitions_ = store_->definitions();
+    seen_ = newest;
+}
+
+} // namespace addressbook

@@ -1,0 +1,143 @@
+#pragma once
+
+// The address book as this process sees it: the store, with everything that was changed here and is not saved
+// yet laid over it. Free of Objective-C; the framework's classes are thin over this. One thread at a time;
+// every function that reads or writes the store throws StoreError when it cannot.
+
+#include "frameworks/AddressBook/store/store.h"
+
+#include <deque>
+#include <map>
+#include <memory>
+#include <optional>
+#include <set>
+#include <string>
+#include <string_view>
+#include <unordered_map>
+#include <unordered_set>
+#include <vector>
+
+namespace addressbook {
+
+// One record as this process sees it. There is one card per unique id for as long as anybody holds it.
+struct Card {
+    enum class Standing {
+        loose,   // made here, not added
+        added,   // added, not saved
+        stored,  // in the database
+        removed, // in the database, removed here, not saved
+        gone     // its removal was saved, here or elsewhere
+    };
+    std::string uid;
+    Kind kind = Kind::person;
+    Standing standing = Standing::loose;
+    RowId row = 0;
+    std::map<std::string, Value> changes;      // unsaved values; no value: removed
+    std::vector<std::shared_ptr<Card>> joined; // of a group: members and subgroups that joined, unsaved
+    std::set<std::string> left;                // of a group: uids that left, unsaved
+    std::optional<std::map<std::string, Value>> read; // the stored values, once they were asked for
+    void* object = nullptr; // the live Objective-C object of this record; it clears this when it goes
+
+    bool inBook() const { return standing == Standing::added || standing == Standing::stored; }
+};
+using CardPtr = std::shared_ptr<Card>;
+
+// A new record with a new unique id.
+std::unique_ptr<Card> makeCard(Kind kind);
+
+// This moment.
+Date currentTime();
+
+class Book : public std::enable_shared_from_this<Book> {
+  public:
+    // Opens the default folder's address book; read-only when it may only be read.
+    static std::shared_ptr<Book> open();
+
+    explicit Book(std::unique_ptr<Store> store);
+    bool readOnly() const { return store_->readOnly(); }
+
+    // A new record, added to no address book yet.
+    CardPtr create(Kind kind);
+
+    // The record with this id, null when the address book has none.
+    CardPtr find(std::string_view uid);
+    // The record in this row. It is never null: a row that another process deleted answers an empty card.
+    CardPtr at(RowId row, Kind kind);
+
+    // A record in a list: a row, or the card where it has none yet.
+    struct Place {
+        RowId row = 0;
+        CardPtr card;
+    };
+    // All records of a kind, and those that meet a query; in the order in which they were added.
+    std::vector<Place> records(Kind kind);
+    std::vector<Place> search(const Query& query, Date now);
+    bool matches(const Query& query, Card& card, Date now);
+
+    // A value as changed here, else as stored. The reference lives until the next call.
+    const Value& value(Card& card, std::string_view property);
+    // All values that are set, the picture included.
+    std::map<std::string, Value> values(Card& card);
+    // Sets a value; no value removes it.
+    void set(const CardPtr& card, const std::string& property, Value value);
+
+    // False when the record is in the book already, or was deleted for good; when it is not in the book.
+    bool add(const CardPtr& card);
+    bool remove(const CardPtr& card);
+
+    // Members that are people or groups, in the order of joining; the groups a record is in, in the order of
+    // adding.
+    std::vector<CardPtr> members(Card& group, Kind kind);
+    std::vector<CardPtr> parents(const Card& card);
+    bool isMember(Card& group, const Card& member);
+    // False when there is nothing to do, when the member is not in the book, or when groups would form a
+    // circle.
+    bool join(const CardPtr& group, const CardPtr& member);
+    bool leave(const CardPtr& group, const Card& member);
+
+    // The user's own card.
+    CardPtr me();
+    void setMe(const CardPtr& card);
+
+    // Properties: 0 for an unknown one; all names, the built-in ones first.
+    int typeOf(Kind kind, std::string_view property) const;
+    std::vector<std::string> properties(Kind kind) const;
+    // How many were added or removed; -1, and nothing is changed, when a name or a type is not valid.
+    int define(Kind kind, const std::map<std::string, int>& properties);
+    int undefine(Kind kind, const std::vector<std::string>& properties);
+
+    bool changed() const;
+    // Writes everything that is unsaved; keeps it when that fails.
+    SaveResult save(Date now);
+
+  private:
+    CardPtr own(Card* card);
+    CardPtr card(const RecordRef& ref);
+    void forget(const Card& card);
+    void load(Card& card);
+    void touch(const CardPtr& card);
+    void refresh();
+    bool ascendsTo(const CardPtr& from, const Card& target);
+    bool discarded(Kind kind, std::string_view property) const;
+    bool mentionsDiscarded(const Query& query) const;
+    ChangeSet changes(Date now) const;
+    void settle(const SaveResult& result);
+    CardPtr live(const std::string& uid) const;
+
+    std::unique_ptr<Store> store_;
+    std::int64_t seen_ = 0;                       // the newest save whose changes this book knows
+    std::vector<PropertyDefinition> definitions_; // as stored
+    std::unordered_map<std::string, std::weak_ptr<Card>> cards_;
+    std::unordered_map<RowId, std::weak_ptr<Card>> rows_;
+    std::deque<std::weak_ptr<Card>> loaded_; // whose stored values are in memory, oldest first
+    Value scratch_;                          // what value() refers to when no card holds it
+
+    // What is unsaved.
+    std::vector<CardPtr> added_;
+    std::map<RowId, CardPtr> changed_;
+    std::unordered_map<RowId, CardPtr> removed_;
+    std::optional<std::string> me_;
+    std::vector<PropertyDefinition> defined_, undefined_;
+};
+
+} // namespace addressbook

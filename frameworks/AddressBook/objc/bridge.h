@@ -1,0 +1,27 @@
+#pragma once
+
+// Between Foundation's objects and the store's values: the one place where they are turned into one another.
+
+#include "frameworks/AddressBook/store/value.h"
+
+#import <Foundation/Foundation.h>
+#include <optional>
+#include <string>
+#include <string_view>
+
+namespace addressbook {
+
+// Text keeps everything, lone surrogates included (as the three bytes of their code point). nil gives "".
+std::string textFrom(NSString* string);
+NSString* stringFrom(std::string_view text);
+
+Date dateFrom(NSDate* date);
+
+// The value of a property list object, an NSDateComponents or an ABMultiValue; nothing for an object that no
+// property can hold. NSNull and nil give no value.
+std::optional<Value> valueFrom(id object);
+
+// An immutable, autoreleased object; nil for no value.
+id objectFrom(const Value& value);
+
+} // namespace addressbook

@@ -1,0 +1,231 @@
+#include "bridge.h"
+
+#include "frameworks/AddressBook/store/text.h"
+#include "multi_value.h"
+
+#import <AddressBook/ABMultiValue.h>
+#include <algorithm>
+
+// Text that Foundation's own strings refuse: UTF-16 with lone surrogates.
+@interface ABRawText : NSString {
+    unichar* _units;
+    NSUInteger _length;
+}
+- (id)initWithUnits:(const std::u16string&)units;
+@end
+
+@implementation ABRawText
+- (id)initWithUnits:(const std::u16string&)units {
+    if ((self = [super init]) != nil) {
+        _length = units.size();
+        _units = static_cast<unichar*>(calloc(_length + 1, sizeof(unichar)));
+        if (_units == nullptr)
+            [NSException raise:NSMallocException format:@"Out of memory"];
+        std::copy(units.begin(), units.end(), _units);
+    }
+    return self;
+}
+- (void)dealloc {
+    free(_units);
+    [super dealloc];
+}
+- (NSUInteger)length {
+    return _length;
+}
+- (unichar)characterAtIndex:(NSUInteger)index {
+    if (index >= _length)
+        [NSException raise:NSRangeException format:@"Index %lu beyond the text", (unsigned long)index];
+    return _units[index];
+}
+- (void)getCharacters:(unichar*)buffer range:(NSRange)range {
+    if (range.location > _length || range.length > _length - range.location)
+        [NSException raise:NSRangeException format:@"Range beyond the text"];
+    std::copy_n(_units + range.location, range.length, buffer);
+}
+- (id)copyWithZone:(NSZone*)zone {
+    (void)zone;
+    return [self retain];
+}
+@end
+
+namespace addressbook {
+
+namespace {
+
+// Whether the units hold half of a surrogate pair without the other half.
+bool hasLoneSurrogate(const std::u16string& units) {
+    for (std::size_t i = 0; i < units.size(); ++i) {
+        if ((units[i] & 0xF800) != 0xD800)
+            continue;
+        const bool pair = units[i] < 0xDC00 && i + 1 < units.size() && (units[i + 1] & 0xFC00) == 0xDC00;
+        if (!pair)
+            return true;
+        ++i;
+    }
+    return false;
+}
+
+NSDateComponents* componentsFrom(const DateComponents& parts) {
+    NSDateComponents* components = [[[NSDateComponents alloc] init] autorelease];
+    if (parts.year)
+        [components setYear:*parts.year];
+    if (parts.month)
+        [components setMonth:*parts.month];
+    if (parts.day)
+        [components setDay:*parts.day];
+    if (parts.hour)
+        [components setHour:*parts.hour];
+    if (parts.minute)
+        [components setMinute:*parts.minute];
+    if (parts.second)
+        [components setSecond:*parts.second];
+    return components;
+}
+
+std::optional<int> part(NSInteger value) {
+    if (value == NSIntegerMax) // not set
+        return std::nullopt;
+    return static_cast<int>(value);
+}
+
+DateComponents partsFrom(NSDateComponents* components) {
+    return {part([components year]), part([components month]),  part([components day]),
+            part([components hour]), part([components minute]), part([components second])};
+}
+
+Value numberFrom(NSNumber* number) {
+    const char kind = *[number objCType];
+    if (kind == 'f' || kind == 'd')
+        return [number doubleValue];
+    return static_cast<std::int64_t>([number longLongValue]);
+}
+
+std::optional<Value> arrayFrom(NSArray* array) {
+    Array values;
+    for (NSUInteger i = 0, count = [array count]; i < count; ++i) {
+        auto value = valueFrom([array objectAtIndex:i]);
+        if (!value)
+            return std::nullopt;
+        values.push_back(std::move(*value));
+    }
+    return values;
+}
+
+std::optional<Value> dictionaryFrom(NSDictionary* dictionary) {
+    Dictionary values;
+    NSArray* keys = [dictionary allKeys];
+    for (NSUInteger i = 0, count = [keys count]; i < count; ++i) {
+        id key = [keys objectAtIndex:i];
+        auto value = valueFrom([dictionary objectForKey:key]);
+        if (!value || ![key isKindOfClass:[NSString class]])
+            return std::nullopt;
+        values.emplace(textFrom(key), std::move(*value));
+    }
+    return values;
+}
+
+std::optional<Value> entriesFrom(ABMultiValue* list) {
+    MultiValue values;
+    for (NSUInteger i = 0, count = [list count]; i < count; ++i) {
+        auto value = valueFrom([list valueAtIndex:i]);
+        if (!value || value->as<MultiValue>())
+            return std::nullopt;
+        values.entries.push_back(
+            {textFrom([list identifierAtIndex:i]), textFrom([list labelAtIndex:i]), std::move(*value)});
+    }
+    values.primary = textFrom([list chosenPrimary]);
+    return values;
+}
+
+struct ToObject {
+    id operator()(std::monostate) const { return nil; }
+    id operator()(const std::string& text) const { return stringFrom(text); }
+    id operator()(std::int64_t number) const { return [NSNumber numberWithLongLong:number]; }
+    id operator()(double number) const { return [NSNumber numberWithDouble:number]; }
+    id operator()(const Date& date) const {
+        return [NSDate dateWithTimeIntervalSinceReferenceDate:date.seconds];
+    }
+    id operator()(const DateComponents& parts) const { return componentsFrom(parts); }
+    id operator()(const Bytes& bytes) const {
+        return [NSData dataWithBytes:bytes.data() length:bytes.size()];
+    }
+    id operator()(const Array& values) const {
+        NSMutableArray* array = [NSMutableArray arrayWithCapacity:values.size()];
+        for (const auto& value : values)
+            [array addObject:objectOrNull(value)];
+        return [[array copy] autorelease];
+    }
+    id operator()(const Dictionary& values) const {
+        NSMutableDictionary* dictionary = [NSMutableDictionary dictionaryWithCapacity:values.size()];
+        for (const auto& [key, value] : values)
+            [dictionary setObject:objectOrNull(value) forKey:stringFrom(key)];
+        return [[dictionary copy] autorelease];
+    }
+    id operator()(const MultiValue& values) const {
+        ABMultiValue* list = [[[ABMultiValue alloc] init] autorelease];
+        for (const auto& entry : values.entries)
+            [list appendValue:objectOrNull(entry.value)
+                        label:stringFrom(entry.label)
+                   identifier:stringFrom(entry.identifier)];
+        if (!values.primary.empty())
+            [list choosePrimary:stringFrom(values.primary)];
+        return list;
+    }
+
+  private:
+    static id objectOrNull(const Value& value) {
+        id object = objectFrom(value);
+        return object ? object : [NSNull null];
+    }
+};
+
+} // namespace
+
+std::string textFrom(NSString* string) {
+    static_assert(sizeof(unichar) == sizeof(char16_t));
+    std::u16string units([string length], u'\0');
+    if (!units.empty())
+        [string getCharacters:reinterpret_cast<unichar*>(units.data()) range:NSMakeRange(0, units.size())];
+    return utf8FromUtf16(units);
+}
+
+NSString* stringFrom(std::string_view text) {
+    const std::u16string units = utf16FromUtf8(text);
+    if (hasLoneSurrogate(units))
+        return [[[ABRawText alloc] initWithUnits:units] autorelease];
+    return [NSString stringWithCharacters:reinterpret_cast<const unichar*>(units.data()) length:units.size()];
+}
+
+Date dateFrom(NSDate* date) {
+    return {[date timeIntervalSinceReferenceDate]};
+}
+
+std::optional<Value> valueFrom(id object) {
+    if (object == nil || [object isKindOfClass:[NSNull class]])
+        return Value();
+    if ([object isKindOfClass:[NSString class]])
+        return textFrom(object);
+    if ([object isKindOfClass:[NSNumber class]])
+        return numberFrom(object);
+    if ([object isKindOfClass:[NSDate class]])
+        return dateFrom(object);
+    if ([object isKindOfClass:[NSDateComponents class]])
+        return partsFrom(object);
+    if ([object isKindOfClass:[NSData class]]) {
+        const auto* bytes = static_cast<const std::uint8_t*>([object bytes]);
+        return Bytes(bytes, bytes + [object length]);
+    }
+    if ([object isKindOfClass:[NSArray class]])
+        return arrayFrom(object);
+    if ([object isKindOfClass:[NSDictionary class]])
+        return dictionaryFrom(object);
+    if ([object isKindOfClass:[ABMultiValue class]])
+        return entriesFrom(object);
+    return std::nullopt;
+}
+
+id objectFrom(const Value& value) {
+    return std::visit(ToObject{}, static_cast<const Value::variant&>(value));
+}
+
+} // namespace addressbook

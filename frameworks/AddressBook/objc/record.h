@@ -1,0 +1,65 @@
+#pragma once
+
+// What the framework's classes share: records and their cards, the address book of the process, and failures
+// of the store turned into what callers of the framework expect.
+
+#include "book.h"
+
+#import <AddressBook/AddressBook.h>
+
+namespace addressbook {
+
+using BookPtr = std::shared_ptr<Book>;
+
+// The one object of this card while it lives, autoreleased; nil for no card.
+ABRecord* recordFrom(const BookPtr& book, const CardPtr& card);
+NSArray* recordsFrom(const BookPtr& book, const std::vector<CardPtr>& cards);
+// A list whose records are made when they are asked for.
+NSArray* listFrom(const BookPtr& book, Kind kind, std::vector<Book::Place> places);
+
+// The card of a record, null for nil; its address book.
+CardPtr cardOf(ABRecord* record);
+BookPtr bookOf(ABRecord* record);
+
+// The address book of the process; null when it cannot be opened.
+BookPtr sharedBook();
+
+// Whether only the framework sets this property.
+bool keptByFramework(std::string_view property);
+
+// The query of a search element; and the other way.
+const Query& queryOf(ABSearchElement* element);
+ABSearchElement* elementFrom(Query query);
+
+// Sets [*error], when the caller wants one, and answers NO.
+BOOL refuse(NSError** error, NSInteger code, NSString* sentence);
+
+[[noreturn]] void raiseInvalid(NSString* sentence);
+[[noreturn]] void raiseUnreadable(const std::string& sentence);
+
+// Runs [work] (C++ only), which reads the store; a failure is raised as an NSException with the store's
+// sentence.
+template <typename Work>
+auto reading(Work&& work) -> decltype(work()) {
+    std::string failure;
+    try {
+        return work();
+    } catch (const StoreError& error) {
+        failure = error.what();
+    }
+    raiseUnreadable(failure);
+}
+
+} // namespace addressbook
+
+@interface ABRecord (Internal)
+- (id)initWithCard:(const addressbook::CardPtr&)card book:(const addressbook::BookPtr&)book;
+- (const addressbook::CardPtr&)card;
+- (const addressbook::BookPtr&)book;
+@end
+
+@interface ABAddressBook (Internal)
+- (const addressbook::BookPtr&)book;
+// Forgets the shared address book: the next one that asks opens it again.
++ (void)closeSharedAddressBook;
+@end
