@@ -1,0 +1,30 @@
+# Velocard.fmx in a folder of its own, lib/Velocard/. It stays loaded for good: Objective-C classes cannot be taken
+# away again.
+
+target_link_libraries(velocard_plugin PUBLIC AddressBook fmwrapper)
+
+set(plugin_folder "${CMAKE_LIBRARY_OUTPUT_DIRECTORY}/Velocard")
+set(exports "${CMAKE_CURRENT_SOURCE_DIR}/Velocard.version")
+add_library(velocard MODULE)
+target_link_libraries(velocard PRIVATE velocard_plugin velocard_settings)
+set_target_properties(velocard PROPERTIES
+  PREFIX "" OUTPUT_NAME Velocard SUFFIX .fmx LINKER_LANGUAGE OBJCXX
+  LIBRARY_OUTPUT_DIRECTORY "${plugin_folder}"
+  LINK_DEPENDS "${exports}"
+  BUILD_WITH_INSTALL_RPATH ON INSTALL_RPATH "$ORIGIN/..")
+target_link_options(velocard PRIVATE "LINKER:--version-script=${exports}" LINKER:-z,nodelete)
+if(NOT VELOCARD_SANITIZE)
+  # The sanitizers' run-time library comes from the program that loads the plug-in.
+  target_link_options(velocard PRIVATE LINKER:--no-undefined)
+endif()
+
+# Resources/ beside the library, brought up to date with each build.
+set(resource_files Info.plist English.lproj/KORUFMPlugin.strings)
+foreach(file IN LISTS resource_files)
+  add_custom_command(OUTPUT "${plugin_folder}/Resources/${file}"
+    COMMAND "${CMAKE_COMMAND}" -E copy "${resources}/${file}" "${plugin_folder}/Resources/${file}"
+    DEPENDS "${resources}/${file}")
+  list(APPEND resource_copies "${plugin_folder}/Resources/${file}")
+endforeach()
+add_custom_target(velocard_resources ALL DEPENDS ${resource_copies})
+add_dependencies(velocard velocard_resources)

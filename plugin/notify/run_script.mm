@@ -1,0 +1,3 @@
+#include "plugin/notify/run_script.h"
+
+void runScript() {}

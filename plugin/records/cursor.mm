@@ -1,0 +1,101 @@
+#import "plugin/records/cursor.h"
+
+#import "plugin/records/plugin_state.h"
+#import "plugin/records/record_type.h"
+#import "plugin/shell/handler_frame.h"
+#include "plugin/shell/handlers.h"
+
+namespace {
+
+// The cursor of the current record type's side.
+std::uint32_t& currentIndex() {
+    return state.g_currentRecordType == kGroupType ? state.gCurrentGroupIndex : state.gCurrentPersonIndex;
+}
+
+// Opens the record at the index of one side's list as that side's current record.
+template <typename Record>
+NSString* openAt(std::uint32_t index, const Retained<NSArray>& results, Retained<Record>& current) {
+    current.reset();
+    if (!results) {
+        setError(kInvalidCallOrder);
+        return nil;
+    }
+    if (index >= [results.get() count]) {
+        return @"END";
+    }
+    current = Retained<Record>::retain([results.get() objectAtIndex:index]);
+    return [current.get() uniqueId];
+}
+
+// Opens the record with the id as one side's current record.
+template <typename Record>
+NSString* openById(NSString* uniqueId, std::uint32_t type, Retained<Record>& current) {
+    current.reset();
+    current = Retained<Record>::retain(
+        static_cast<Record*>([[ABAddressBook sharedAddressBook] recordForUniqueId:uniqueId]));
+    state.g_currentRecordType = type;
+    state.g_lastSearchType = type;
+    if (!current) {
+        setError(kRecordDoesNotExist);
+        return nil;
+    }
+    return @"0";
+}
+
+} // namespace
+
+NSString* OpenRecordAtGlobalIndex() {
+    NSString* answer = nil;
+    guardedCall([&] {
+        answer = state.g_currentRecordType == kGroupType
+                     ? openAt(state.gCurrentGroupIndex, state.g_groupSearchResults, state.g_group)
+                     : openAt(state.gCurrentPersonIndex, state.g_personSearchResults, state.g_person);
+    });
+    return answer;
+}
+
+NSString* openFirstRecord() {
+    currentIndex() = 0;
+    state.gCurrentProperty.reset();
+    return OpenRecordAtGlobalIndex();
+}
+
+NSString* openNextRecord() {
+    ++currentIndex();
+    state.gCurrentProperty.reset();
+    return OpenRecordAtGlobalIndex();
+}
+
+NSString* openRecord(NSString* uniqueId) {
+    state.gCurrentProperty.reset();
+    return isPersonId(uniqueId) ? openById(uniqueId, kPersonType, state.g_person)
+                                : openById(uniqueId, kGroupType, state.g_group);
+}
+
+fmx::errcode Do_KORU_OpenFirstRecord(short function, const fmx::ExprEnv& /*env*/,
+                                     const fmx::DataVect& arguments, fmx::Data& result) {
+    const auto work = [&]() -> Answer {
+        SetType(arguments, 0);
+        return openFirstRecord();
+    };
+    return runHandler(function, arguments, result, work);
+}
+
+fmx::errcode Do_KORU_OpenNextRecord(short function, const fmx::ExprEnv& /*env*/,
+                                    const fmx::DataVect& arguments, fmx::Data& result) {
+    const auto work = [&]() -> Answer {
+        SetType(arguments, 0);
+        // Only here, and only when the call has no argument at all: the walk of the last search goes on.
+        if (arguments.Size() == 0) {
+            state.g_currentRecordType = state.g_lastSearchType;
+        }
+        return openNextRecord();
+    };
+    return runHandler(function, arguments, result, work);
+}
+
+fmx::errcode Do_KORU_Open(short function, const fmx::ExprEnv& /*env*/, const fmx::DataVect& arguments,
+                          fmx::Data& result) {
+    const auto work = [&]() -> Answer { return openRecord(textArgument(arguments, 0)); };
+    return runHandler(function, arguments, result, work);
+}

@@ -1,0 +1,200 @@
+#import "plugin/records/lifecycle.h"
+
+#import "plugin/records/plugin_state.h"
+#import "plugin/shell/handler_frame.h"
+#include "plugin/shell/handlers.h"
+
+namespace {
+
+ABAddressBook* book() {
+    return [ABAddressBook sharedAddressBook];
+}
+
+// A new record in place of a side's current one; answers its unique id.
+template <typename Record>
+NSString* makeCurrent(Retained<Record>& current) {
+    current.reset();
+    current = Retained<Record>::adopt([[Record alloc] initWithAddressBook:book()]);
+    state.gNewRecord = true;
+    return [current.get() valueForProperty:kABUIDProperty];
+}
+
+// Adds a side's current record to the address book, where it is to be opened by its id from then on.
+template <typename Record>
+void addCurrent(Retained<Record>& current) {
+    [book() addRecord:current.get()];
+    current.reset();
+    state.gNewRecord = false;
+}
+
+// What KORU_ClearAll is about: a group or, with nil, the whole address book.
+class Clearing {
+  public:
+    Clearing(ABGroup* group, ABPerson* ownCard) : group_(group), ownCard_(ownCard) {}
+
+    // Chooses what to remove. Everything is listed before anything is removed.
+    void choose(NSString* what) {
+        if (what == nil || [what caseInsensitiveCompare:@"members"] == NSOrderedSame) {
+            people_ = group_ != nil ? [group_ members] : [book() people];
+        }
+        if (what == nil || [what caseInsensitiveCompare:@"groups"] == NSOrderedSame) {
+            groups_ = group_ != nil ? [group_ subgroups] : [book() groups];
+        }
+    }
+
+    // Members leave the address book, not only the group; a group's are removed whoever they are.
+    void removePeople() const {
+        for (NSUInteger i = 0; i < [people_ count]; ++i) {
+            ABPerson* person = [people_ objectAtIndex:i];
+            if (group_ != nil || ownCard_ == nil || ![person isEqual:ownCard_]) {
+                [book() removeRecord:person];
+            }
+        }
+    }
+
+    // Subgroups, unlike members, only leave the group.
+    void removeGroups() const {
+        for (NSUInteger i = 0; i < [groups_ count]; ++i) {
+            ABGroup* each = [groups_ objectAtIndex:i];
+            if (group_ != nil) {
+                [group_ removeSubgroup:each];
+            } else {
+                [book() removeRecord:each];
+            }
+        }
+    }
+
+  private:
+    ABGroup* group_;
+    ABPerson* ownCard_;
+    NSArray* people_ = nil;
+    NSArray* groups_ = nil;
+};
+
+// Makes the group with the id the current one; false when it failed the call.
+bool openGroup(NSString* groupId) {
+    if (isPersonId(groupId)) {
+        setError(kInvalidRecordType);
+        return false;
+    }
+    state.g_group.reset();
+    state.g_group = Retained<ABGroup>::retain(static_cast<ABGroup*>([book() recordForUniqueId:groupId]));
+    if (!state.g_group) {
+        setError(kRecordDoesNotExist);
+        return false;
+    }
+    return true;
+}
+
+void keepExceptionText(NSError* error) {
+    errors.g_sExceptionTxt = Retained<NSString>::retain([error localizedDescription]);
+}
+
+} // namespace
+
+NSString* newRecord(NSString* type, NSString* name) {
+    if (type == nil) {
+        setErrorCodeOnly(kInvalidParameterValue);
+        return nil;
+    }
+    NSString* word = [type lowercaseString];
+    if ([word isEqualToString:@"person"] || [word isEqualToString:@"contact"]) {
+        state.g_currentRecordType = kPersonType;
+        return makeCurrent(state.g_person);
+    }
+    if ([word isEqualToString:@"group"]) {
+        state.g_currentRecordType = kGroupType;
+        NSString* uniqueId = makeCurrent(state.g_group);
+        if (name != nil) {
+            [state.g_group.get() setValue:name forProperty:kABGroupNameProperty];
+        }
+        return uniqueId;
+    }
+    setError(kInvalidParameterValue);
+    return nil;
+}
+
+NSString* saveRecords() {
+    if (state.gNewRecord) {
+        // The current record is added, be it the new one or not: the type may have changed since.
+        if (state.g_currentRecordType == kGroupType) {
+            addCurrent(state.g_group);
+        } else {
+            addCurrent(state.g_person);
+        }
+    }
+    NSError* error = nil;
+    if (![book() saveAndReturnError:&error]) {
+        setError(kSaveFailed);
+        if (error != nil) {
+            keepExceptionText(error);
+        }
+        return nil;
+    }
+    if (error != nil) {
+        keepExceptionText(error);
+        setError(kSaveFailed, errors.g_sExceptionTxt.get());
+    }
+    ++state.savedCount;
+    state.g_lastSearchType = state.g_currentRecordType;
+    return @"0";
+}
+
+NSString* deleteRecord(NSString* uniqueId) {
+    ABRecord* record = [book() recordForUniqueId:uniqueId];
+    if (record == nil || ![book() removeRecord:record]) {
+        setError(kRecordDoesNotExist);
+        return nil;
+    }
+    if (![book() save]) {
+        setError(kDeleteFailed);
+        return nil;
+    }
+    return @"0";
+}
+
+NSString* clearAll(NSString* groupId, NSString* what, bool keepOwnCard) {
+    ABPerson* ownCard = keepOwnCard ? [book() me] : nil;
+    if (groupId != nil && !openGroup(groupId)) {
+        return nil;
+    }
+    Clearing clearing(groupId != nil ? state.g_group.get() : nil, ownCard);
+    clearing.choose(what);
+    clearing.removePeople();
+    clearing.removeGroups();
+    NSError* error = nil;
+    [book() saveAndReturnError:&error];
+    if (error != nil) {
+        keepExceptionText(error);
+        setError(kSaveFailed);
+        return nil;
+    }
+    return @"0";
+}
+
+fmx::errcode Do_KORU_New(short function, const fmx::ExprEnv& /*env*/, const fmx::DataVect& arguments,
+                         fmx::Data& result) {
+    const auto work = [&]() -> Answer {
+        return newRecord(textArgument(arguments, 0), textArgument(arguments, 1));
+    };
+    return runHandler(function, arguments, result, work);
+}
+
+fmx::errcode Do_KORU_Save(short function, const fmx::ExprEnv& /*env*/, const fmx::DataVect& arguments,
+                          fmx::Data& result) {
+    return runHandler(function, arguments, result, []() -> Answer { return saveRecords(); });
+}
+
+fmx::errcode Do_KORU_Delete(short function, const fmx::ExprEnv& /*env*/, const fmx::DataVect& arguments,
+                            fmx::Data& result) {
+    const auto work = [&]() -> Answer { return deleteRecord(textArgument(arguments, 0)); };
+    return runHandler(function, arguments, result, work);
+}
+
+fmx::errcode Do_KORU_ClearAll(short function, const fmx::ExprEnv& /*env*/, const fmx::DataVect& arguments,
+                              fmx::Data& result) {
+    const auto work = [&]() -> Answer {
+        return clearAll(textArgument(arguments, 0), textArgument(arguments, 1), arguments.AtAsBoolean(2));
+    };
+    return runHandler(function, arguments, result, work);
+}

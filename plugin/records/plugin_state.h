@@ -1,0 +1,110 @@
+#pragma once
+
+#include "plugin/support/retained.h"
+#import <AddressBook/AddressBook.h>
+#include <cstdint>
+
+// The record types of g_currentRecordType and g_lastSearchType.
+inline constexpr std::uint32_t kPersonType = 0;
+inline constexpr std::uint32_t kGroupType = 1;
+
+// What lasts from one call to the next. Persons and groups each have a current record, a result list and a
+// cursor of their own; using one side never disturbs the other. A failing call leaves everything as it was at
+// the moment of the failure. Used only on the thread on which the host calls. Every variable that holds an
+// object is also cleared by KORU_Reload.
+struct PluginState {
+    // --- The record context.
+
+    // What the next call works on: kPersonType or kGroupType. Set by a type word (SetType), and by the
+    // functions that search, open and create records; never cleared.
+    std::uint32_t g_currentRecordType = kPersonType;
+
+    // The type of the last search, of the record last opened by its id, or last saved. Set to 0 at start-up.
+    std::uint32_t g_lastSearchType = kPersonType;
+
+    // The current person and group: opened (cursor.h), or new (lifecycle.h). Released before another one is
+    // opened or made, and when a new one has been saved; g_group also by KORU_ClearAll with a group's id.
+    Retained<ABPerson> g_person;
+    Retained<ABGroup> g_group;
+
+    // Whether the current record is new and not yet in the address book. Set by KORU_New, cleared by
+    // KORU_Save.
+    bool gNewRecord = false;
+
+    // --- Search results and their cursors.
+
+    // The condition of the last search, which the next one can widen or narrow. Replaced by each search.
+    Retained<ABSearchElement> g_searchelement;
+
+    // What the last search of each type found; empty before the first. Replaced by a search that succeeds.
+    Retained<NSArray> g_personSearchResults;
+    Retained<NSArray> g_groupSearchResults;
+
+    // The place in each result list of the record last opened there. Set to 0 by KORU_OpenFirstRecord, grown
+    // by KORU_OpenNextRecord, also beyond the end; a search leaves it alone.
+    std::uint32_t gCurrentPersonIndex = 0;
+    std::uint32_t gCurrentGroupIndex = 0;
+
+    // --- The open property.
+
+    // The framework's name of the open property; empty when none is open. Set by OpenProperty; cleared when a
+    // record is opened and by the functions that read and delete a property.
+    Retained<NSString> gCurrentProperty;
+
+    // A copy of the open property's entries when it has several values; empty otherwise. Replaced by
+    // OpenProperty.
+    Retained<ABMutableMultiValue> gValues;
+
+    // The next entry of gValues to hand out.
+    std::uint32_t gCurrentValuesIndex = 0;
+
+    // --- Cursors over groups: the list, the element last handed out, the place of the next.
+
+    Retained<NSArray> gParentGroups;
+    Retained<NSObject> gCurrentGroupParentID;
+    std::uint32_t gCurrentGroupParentIDIndex = 0;
+
+    Retained<NSArray> gGroupMembers;
+    Retained<NSObject> gCurrentMember;
+    std::uint32_t gCurrentMemberIndex = 0;
+
+    Retained<NSArray> gGroupSubgroups;
+    Retained<NSObject> gCurrentSubgroup;
+    std::uint32_t gCurrentSubgroupIndex = 0;
+
+    // --- Others.
+
+    // The Address Book framework's bundle, filled by KORU_Reload only. Not owned: no release when it goes.
+    NSBundle* g_abframework = nil;
+
+    // How often KORU_Save has succeeded.
+    std::uint32_t savedCount = 0;
+
+    // Whether the system is older than Mac OS X 10.7; nothing here asks.
+    bool preLion = true;
+};
+
+// Lives as long as the process: nothing here is torn down, neither at shut-down nor at exit.
+extern PluginState& state;
+
+// The current record of the current type; nil when there is none.
+[[nodiscard]] ABRecord* currentRecord();
+
+// The framework's class of the current record type: ABPerson or ABGroup.
+[[nodiscard]] Class currentRecordClass();
+
+// The type of a property of the current record type; 0 when its records have no such property.
+[[nodiscard]] ABPropertyType typeOfCurrentProperty(NSString* property);
+
+// Whether the id is a person's. An id that the address book does not know counts as a person's, too.
+[[nodiscard]] bool isPersonId(NSString* uniqueId);
+
+// Fails the call with kNoActiveRecord, and answers false, when groups are current and no group is open. A
+// missing person is let through on purpose: reading then yields empty text, and writing fails by itself.
+[[nodiscard]] bool requireActiveRecord();
+
+// Fails the call with kRecordReadOnly, and answers false, when the current record must not be changed.
+[[nodiscard]] bool requireWritableRecord();
+
+// The state as it is when the plug-in has been loaded, for tests.
+void resetStateForTests();

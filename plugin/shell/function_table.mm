@@ -1,0 +1,85 @@
+#include "plugin/shell/function_table.h"
+
+#include "plugin/shell/handlers.h"
+#include "plugin/shell/strings.h"
+#include <algorithm>
+#include <array>
+
+namespace {
+
+constexpr auto kFunctions = std::to_array<ExternalFunction>({
+    {0, 0, 1, Do_KORU_Version},
+    {3, 1, 1, Do_KORU_Delete},
+    {4, 6, 7, Do_KORU_Search},
+    {5, 0, 1, Do_KORU_OpenFirstRecord},
+    {6, 0, 1, Do_KORU_OpenNextRecord},
+    {7, 1, 1, Do_KORU_Open},
+    {8, 1, 3, Do_KORU_New},
+    {9, 0, 1, Do_KORU_Save},
+    {13, 1, 2, Do_KORU_GetValueForProperty},
+    {17, 2, 3, Do_KORU_SetValueForProperty},
+    {22, 1, 2, Do_KORU_DeleteValueForProperty},
+    {34, 0, 1, Do_KORU_GetLastError},
+    {42, 3, 3, Do_KORU_ClearAll},
+});
+
+static_assert(std::is_sorted(kFunctions.begin(), kFunctions.end(),
+                             [](const auto& a, const auto& b) { return a.id <= b.id; }),
+              "ids ascend and are unique");
+static_assert(std::all_of(kFunctions.begin(), kFunctions.end(),
+                          [](const auto& row) {
+                              return 0 <= row.minimum && row.minimum <= row.maximum && row.id != 21 &&
+                                     row.id != 44;
+                          }),
+              "argument ranges are ranges, and the free ids are free");
+
+constexpr auto kUnregistrationOrder = std::to_array<short>({
+    0,  1,  2,  3,  4,  5,  6,  7,  8,  9,  10, 11, 12, 13, 14, 15, 16, 17, 18, 19, 20, 21, 22,
+    23, 24, 25, 26, 27, 28, 29, 30, 31, 32, 33, 34, 45, 39, 40, 35, 36, 37, 38, 41, 42, 43,
+});
+
+// Shown in all calculation dialogs, and allowed on a server.
+constexpr fmx::uint32 kFlags = 0xFF01;
+
+// The identifier by which the host knows the plug-in.
+constexpr char kPluginIdentifier[] = {'K', 'O', 'R', 'U'};
+
+} // namespace
+
+std::span<const ExternalFunction> externalFunctions() {
+    return kFunctions;
+}
+
+std::span<const short> unregistrationOrder() {
+    return kUnregistrationOrder;
+}
+
+bool acceptsCount(short function, fmx::uint32 count) {
+    const auto row = std::lower_bound(kFunctions.begin(), kFunctions.end(), function,
+                                      [](const ExternalFunction& entry, short id) { return entry.id < id; });
+    if (row == kFunctions.end() || row->id != function) {
+        return true;
+    }
+    return static_cast<fmx::uint32>(row->minimum) <= count && count <= static_cast<fmx::uint32>(row->maximum);
+}
+
+void registerFunctions() {
+    const fmx::QuadCharAutoPtr plugin(kPluginIdentifier[0], kPluginIdentifier[1], kPluginIdentifier[2],
+                                      kPluginIdentifier[3]);
+    fmx::TextAutoPtr name;
+    fmx::TextAutoPtr prototype;
+    for (const ExternalFunction& function : kFunctions) {
+        Do_GetString(stringIdOf(function.id), name, true);
+        Do_GetString(stringIdOf(function.id), prototype, false);
+        fmx::ExprEnv::RegisterExternalFunction(*plugin, function.id, *name, *prototype, function.minimum,
+                                               function.maximum, kFlags, function.handler);
+    }
+}
+
+void unregisterFunctions() {
+    const fmx::QuadCharAutoPtr plugin(kPluginIdentifier[0], kPluginIdentifier[1], kPluginIdentifier[2],
+                                      kPluginIdentifier[3]);
+    for (const short id : kUnregistrationOrder) {
+        fmx::ExprEnv::UnRegisterExternalFunction(*plugin, id);
+    }
+}

@@ -1,0 +1,27 @@
+#import "plugin/shell/handler_frame.h"
+#include "plugin/shell/handlers.h"
+
+namespace {
+
+// Without a format, or with "TEXT", the message; with any other, an empty one too, the code.
+NSString* lastErrorText(const fmx::DataVect& arguments) {
+    switch (arguments.Size()) {
+    case 0:
+        return [errors.error getError];
+    case 1:
+        return [[textArgument(arguments, 0) uppercaseString] isEqualToString:@"TEXT"]
+                   ? [errors.error getError]
+                   : [errors.error getErrorNumber];
+    default:
+        [errors.error setError:kInvalidParameterCount sysError:0 extDesc:@""];
+        return @"!!ERROR!!";
+    }
+}
+
+} // namespace
+
+fmx::errcode Do_KORU_GetLastError(short function, const fmx::ExprEnv& /*env*/, const fmx::DataVect& arguments,
+                                  fmx::Data& result) {
+    const auto work = [&]() -> Answer { return lastErrorText(arguments); };
+    return runHandler(function, arguments, result, work, kLastErrorFrame);
+}

@@ -1,0 +1,19 @@
+#import "plugin/shell/own_bundle.h"
+
+#include "FMWrapper/FMXExtern.h"
+#include <CoreFoundation/CoreFoundation.h>
+
+NSBundle* ownBundle() {
+    // The host hands the bundle reference over as a number.
+    auto bundle = reinterpret_cast<CFBundleRef>(gFMX_ExternCallPtr->instanceID);
+    if (bundle == nullptr) {
+        return nil;
+    }
+    CFURLRef location = CFBundleCopyBundleURL(bundle);
+    if (location == nullptr) {
+        return nil;
+    }
+    NSString* path = [[[(NSURL*)location path] retain] autorelease];
+    CFRelease(location);
+    return [NSBundle bundleWithPath:path];
+}

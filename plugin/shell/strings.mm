@@ -1,0 +1,54 @@
+#include "plugin/shell/strings.h"
+
+#import "plugin/shell/own_bundle.h"
+#include <array>
+
+namespace {
+
+constexpr unsigned long kOptionsKind = 131;
+constexpr unsigned long kOptionsString = 1;
+
+// The host's kinds are the strings' numbers but for the options.
+unsigned long stringForKind(unsigned long kind) {
+    return kind == kOptionsKind ? kOptionsString : kind;
+}
+
+} // namespace
+
+long Sub_OSXLoadString(unsigned long id, unsigned short* buffer, long capacity) {
+    if (buffer == nullptr || capacity < 2) {
+        return 0;
+    }
+    NSString* key = [NSString stringWithFormat:@"KORUFMPlugin %d", static_cast<int>(id)];
+    NSString* string = [ownBundle() localizedStringForKey:key value:key table:@"KORUFMPlugin"];
+    // The key itself comes back when the table lacks it; a string that merely reads the same is a string.
+    if (string == nil || string == key) {
+        return 0;
+    }
+    const long length = static_cast<long>([string length]);
+    if (length >= capacity - 1) {
+        return 0;
+    }
+    [string getCharacters:buffer range:NSMakeRange(0, static_cast<NSUInteger>(length))];
+    buffer[length] = 0;
+    return length;
+}
+
+void Do_GetString(unsigned long id, fmx::TextAutoPtr& text, bool cutAtParenthesis) {
+    std::array<unsigned short, 1024> buffer;
+    buffer[0] = 0;
+    Sub_OSXLoadString(stringForKind(id), buffer.data(), buffer.size());
+    text->AssignUnicode(buffer.data());
+    if (cutAtParenthesis) {
+        fmx::TextAutoPtr parenthesis;
+        parenthesis->Assign("(");
+        const fmx::uint32 position = text->Find(*parenthesis, 0);
+        if (position != fmx::Text::kSize_Invalid) {
+            text->DeleteText(position, fmx::Text::kSize_End);
+        }
+    }
+}
+
+void Do_GetString(unsigned long kind, unsigned int /*language*/, int capacity, unsigned short* buffer) {
+    Sub_OSXLoadString(stringForKind(kind), buffer, capacity);
+}

@@ -1,0 +1,27 @@
+#import "plugin/shell/handler_frame.h"
+#include "plugin/shell/handlers.h"
+
+namespace {
+
+NSString* const kVersion = @"3.0.3.1";
+NSString* const kLongVersion = @"Velocard 3.0.3.1";
+
+// More of the format than this is not read: it could not be the word looked for.
+constexpr fmx::uint32 kLongestFormat = 1024;
+
+NSString* versionText(const fmx::DataVect& arguments) {
+    if (arguments.Size() != 1 || arguments.AtAsText(0).GetSize() > kLongestFormat) {
+        return kVersion;
+    }
+    NSString* format = textArgument(arguments, 0);
+    const bool wantsName = format != nil && [format caseInsensitiveCompare:@"Long"] == NSOrderedSame;
+    return wantsName ? kLongVersion : kVersion;
+}
+
+} // namespace
+
+fmx::errcode Do_KORU_Version(short function, const fmx::ExprEnv& /*env*/, const fmx::DataVect& arguments,
+                             fmx::Data& result) {
+    const auto work = [&]() -> Answer { return versionText(arguments); };
+    return runHandler(function, arguments, result, work, kVersionFrame);
+}

@@ -1,0 +1,47 @@
+#import "plugin/support/host_text.h"
+
+#include <array>
+#include <vector>
+
+namespace {
+
+// Room for UTF-16 units, on the stack for the usual short texts.
+class UnicharBuffer {
+  public:
+    explicit UnicharBuffer(std::size_t size) {
+        if (size > small_.size()) {
+            large_.resize(size);
+        }
+    }
+    [[nodiscard]] fmx::unichar* data() { return large_.empty() ? small_.data() : large_.data(); }
+
+  private:
+    std::array<fmx::unichar, 256> small_;
+    std::vector<fmx::unichar> large_;
+};
+
+} // namespace
+
+NSString* stringFromText(const fmx::Text& text) {
+    const fmx::uint32 size = text.GetSize();
+    if (size == 0) {
+        return nil;
+    }
+    UnicharBuffer buffer(size);
+    text.GetUnicode(buffer.data(), 0, size);
+    return [NSString stringWithCharacters:buffer.data() length:size];
+}
+
+NSString* textArgument(const fmx::DataVect& arguments, fmx::uint32 position) {
+    return position < arguments.Size() ? stringFromText(arguments.AtAsText(position)) : nil;
+}
+
+void assignString(fmx::Text& text, NSString* string) {
+    const NSUInteger length = [string length];
+    UnicharBuffer buffer(length + 1);
+    if (length > 0) {
+        [string getCharacters:buffer.data() range:NSMakeRange(0, length)];
+    }
+    buffer.data()[length] = 0;
+    text.AssignUnicode(buffer.data());
+}

@@ -1,0 +1,16 @@
+#pragma once
+
+#import <Foundation/Foundation.h>
+
+// An autorelease pool for the rest of the block. One stands around everything that the host calls, outside
+// the guard: a platform exception is itself autoreleased, and must outlive the frames that it passes.
+class Pool {
+  public:
+    Pool() : pool_([[NSAutoreleasePool alloc] init]) {}
+    ~Pool() { [pool_ drain]; }
+    Pool(const Pool&) = delete;
+    Pool& operator=(const Pool&) = delete;
+
+  private:
+    NSAutoreleasePool* pool_;
+};

@@ -1,0 +1,114 @@
+#import "plugin/vocabulary/value_format.h"
+
+#import "plugin/records/plugin_state.h"
+#import "plugin/vocabulary/address_keys.h"
+#import "plugin/vocabulary/property_names.h"
+
+namespace {
+
+// Years to seconds, by the numbers that every version of the framework has given these units.
+constexpr NSUInteger kDateAndTimeUnits = 4 | 8 | 16 | 32 | 64 | 128;
+
+// Stores a date in the result as a time stamp of the Gregorian calendar in the system's time zone, to the
+// second.
+Answer writeTimeStamp(NSDate* date, fmx::Data& result) {
+    const auto calendar =
+        Retained<NSCalendar>::adopt([[NSCalendar alloc] initWithCalendarIdentifier:NSGregorianCalendar]);
+    [calendar.get() setTimeZone:[NSTimeZone systemTimeZone]];
+    NSDateComponents* parts = [calendar.get() components:static_cast<NSCalendarUnit>(kDateAndTimeUnits)
+                                                fromDate:date];
+    fmx::DateTimeAutoPtr stamp;
+    stamp->SetNormalizedDate(static_cast<fmx::int16>([parts month]), static_cast<fmx::int16>([parts day]),
+                             static_cast<fmx::int16>([parts year]));
+    stamp->SetNormalizedTime([parts hour], static_cast<fmx::int16>([parts minute]),
+                             static_cast<fmx::int16>([parts second]), 0);
+    result.SetAsTimeStamp(*stamp, fmx::Data::kDTTimeStamp);
+    return Answer::written();
+}
+
+// A value's own text; empty for none.
+Answer textAnswer(id value) {
+    return [value description];
+}
+
+// The steps of GetPropertyValue once the property is open; the value is set as soon as it is found.
+void findValue(NSString* identifier, NSString* key, id& value) {
+    if (identifier == nil) {
+        value = [currentRecord() valueForProperty:state.gCurrentProperty.get()];
+    } else {
+        if (!state.gValues) {
+            setError(kInvalidPropertyType);
+            return;
+        }
+        const NSUInteger index = [state.gValues.get() indexForIdentifier:identifier];
+        if (index == static_cast<NSUInteger>(NSNotFound)) {
+            setError(kUidDoesNotExist);
+            return;
+        }
+        value = [state.gValues.get() valueAtIndex:index];
+    }
+    if (key == nil) {
+        return;
+    }
+    id address = std::exchange(value, nil);
+    if (![address isKindOfClass:[NSDictionary class]]) {
+        setError(kNotAnAddress);
+        return;
+    }
+    NSString* field = toKeyString(key);
+    if (field == nil) {
+        setError(kInvalidKey);
+        return;
+    }
+    value = [address objectForKey:field];
+}
+
+} // namespace
+
+id GetPropertyValue(NSString* name, NSString* identifier, NSString* key, std::int32_t /*flags*/) {
+    OpenProperty(name);
+    if (errors.g_llasterror != kSuccess) {
+        return nil;
+    }
+    if (identifier == nil && state.gValues) {
+        setError(kUidMissing);
+        return nil;
+    }
+    if (typeOfCurrentProperty(state.gCurrentProperty.get()) == kABDictionaryProperty && key == nil) {
+        setError(kInvalidKey);
+        return nil;
+    }
+    id value = nil;
+    guardedCall([&] { findValue(identifier, key, value); });
+    return value;
+}
+
+Answer singleValueAnswer(id value, ABPropertyType type, NSString* name, fmx::Data& result) {
+    if (value == nil) {
+        return {};
+    }
+    // One bit on purpose: arrays, dictionaries and data have it, too, and are taken for dates.
+    if ((type & kABDateProperty) != 0) {
+        return writeTimeStamp(value, result);
+    }
+    // Only so spelt: "personflags" answers the number.
+    if ([name isEqualToString:@"Person Flags"]) {
+        return ([value intValue] & kABShowAsMask) != 0 ? @"ShowAsCompany" : @"ShowAsPerson";
+    }
+    return textAnswer(value);
+}
+
+Answer entryAnswer(id value, ABPropertyType type, NSString* key, fmx::Data& result) {
+    if (key != nil && [value isKindOfClass:[NSDictionary class]]) {
+        NSString* field = toKeyString(key);
+        if (field == nil) {
+            setError(kInvalidKey);
+            return {};
+        }
+        return textAnswer([value objectForKey:field]);
+    }
+    if ((type | kABMultiValueMask) == kABMultiDateProperty) {
+        return writeTimeStamp(value, result);
+    }
+    return textAnswer(value);
+}
