@@ -1,7 +1,7 @@
 #import <AddressBook/ABAddressBook.h>
 
 #include "bridge.h"
-#include "locale.h"
+#include "frameworks/Foundation/locale.h"
 #include "record.h"
 
 using namespace addressbook;
@@ -211,11 +211,11 @@ BookPtr sharedBook() {
 }
 
 - (NSString*)defaultCountryCode {
-    return stringFrom(localeCountry());
+    return stringFrom(foundation::localeCountry());
 }
 
 - (NSInteger)defaultNameOrdering {
-    return localeNamesLastFirst() ? kABLastNameFirst : kABFirstNameFirst;
+    return foundation::localeNamesLastFirst() ? kABLastNameFirst : kABFirstNameFirst;
 }
 
 @end

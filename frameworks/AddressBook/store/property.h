@@ -32,8 +32,11 @@ struct PropertyDefinition {
     bool operator==(const PropertyDefinition&) const = default;
 };
 
-// The type of a built-in property, 0 when [kind] has no such built-in property.
+// The type of a built-in or internal property, 0 when [kind] has no such property.
 int builtInType(Kind kind, std::string_view name);
+
+// Whether only this framework knows properties of this name (a leading dot): they are never listed or searched.
+bool isInternal(std::string_view name);
 
 // Names of the built-in properties, and of those that only this framework knows (a leading dot; never listed).
 namespace property {
