@@ -1,0 +1,118 @@
+/// A value of the host, as a calculation knows it: of some type, and readable as any other.
+#pragma once
+
+#include "FMXBinaryData.h"
+#include "FMXDateTime.h"
+#include "FMXFixPt.h"
+#include "FMXText.h"
+
+extern "C" {
+
+FMX_API fmx::Data* FM_Data_Constructor1(fmx::_fmxcpt&) noexcept;
+FMX_API void FM_Data_Delete(void* self, fmx::_fmxcpt&) noexcept;
+FMX_API bool FM_Data_IsEmpty(const void* self, fmx::_fmxcpt&) noexcept;
+FMX_API bool FM_Data_IsValid(const void* self, fmx::_fmxcpt&) noexcept;
+FMX_API bool FM_Data_IsFindRequest(const void* self, fmx::_fmxcpt&) noexcept;
+FMX_API void FM_Data_Clear(void* self, fmx::int32 type, fmx::_fmxcpt&) noexcept;
+FMX_API const fmx::Text& FM_Data_GetAsText(const void* self, fmx::_fmxcpt&) noexcept;
+FMX_API const fmx::FixPt& FM_Data_GetAsNumber(const void* self, fmx::_fmxcpt&) noexcept;
+FMX_API const fmx::DateTime& FM_Data_GetAsDate(const void* self, fmx::_fmxcpt&) noexcept;
+FMX_API const fmx::DateTime& FM_Data_GetAsTime(const void* self, fmx::_fmxcpt&) noexcept;
+FMX_API const fmx::DateTime& FM_Data_GetAsTimeStamp(const void* self, fmx::_fmxcpt&) noexcept;
+FMX_API bool FM_Data_GetAsBoolean(const void* self, fmx::_fmxcpt&) noexcept;
+FMX_API const fmx::BinaryData& FM_Data_GetBinaryData(const void* self, fmx::_fmxcpt&) noexcept;
+FMX_API const fmx::Locale& FM_Data_GetLocale(const void* self, fmx::_fmxcpt&) noexcept;
+FMX_API fmx::int32 FM_Data_GetNativeType(const void* self, fmx::_fmxcpt&) noexcept;
+FMX_API void FM_Data_ConvertData(void* self, fmx::int32 type, fmx::_fmxcpt&) noexcept;
+FMX_API fmx::errcode FM_Data_SetAsText(void* self, const fmx::Text& value, const fmx::Locale& locale,
+                                       fmx::int32 type, fmx::_fmxcpt&) noexcept;
+FMX_API fmx::errcode FM_Data_SetAsNumber(void* self, const fmx::FixPt& value, fmx::int32 type,
+                                         fmx::_fmxcpt&) noexcept;
+FMX_API fmx::errcode FM_Data_SetAsDate(void* self, const fmx::DateTime& value, fmx::int32 type,
+                                       fmx::_fmxcpt&) noexcept;
+FMX_API fmx::errcode FM_Data_SetAsTime(void* self, const fmx::DateTime& value, fmx::int32 type,
+                                       fmx::_fmxcpt&) noexcept;
+FMX_API fmx::errcode FM_Data_SetAsTimeStamp(void* self, const fmx::DateTime& value, fmx::int32 type,
+                                            fmx::_fmxcpt&) noexcept;
+FMX_API fmx::errcode FM_Data_SetDateTime(void* self, const fmx::DateTime& value, fmx::int32 dateTimeType,
+                                         fmx::int32 nativeType, fmx::_fmxcpt&) noexcept;
+FMX_API fmx::errcode FM_Data_SetBinaryData(void* self, const fmx::BinaryData& value,
+                                           bool forceBinaryNativeType, fmx::_fmxcpt&) noexcept;
+
+} // extern "C"
+
+namespace fmx {
+
+/// A value. What a getter answers belongs to the value, and stands until it is set again or deleted.
+///
+/// Setters take the native type that the value has afterwards: a number set with the type text is that
+/// number's text.
+class Data {
+  public:
+    FMX_OPAQUE_CLASS(Data)
+    Data& operator=(const Data&) = delete;
+
+    /// The native types.
+    enum DTNativeType {
+        kDTInvalid = 0,
+        kDTText = 1,
+        kDTNumber = 2,
+        kDTDate = 3,
+        kDTTime = 4,
+        kDTTimeStamp = 5,
+        kDTBinary = 6,
+        kDTBoolean = 7
+    };
+
+    bool IsEmpty() const { return Call(FM_Data_IsEmpty, this); }
+    /// False for a value that could not be read as its type.
+    bool IsValid() const { return Call(FM_Data_IsValid, this); }
+    bool IsFindRequest() const { return Call(FM_Data_IsFindRequest, this); }
+    /// Makes the value an empty one of a type.
+    void Clear(int32 type = kDTText) { Call(FM_Data_Clear, this, type); }
+
+    const Text& GetAsText() const { return Call(FM_Data_GetAsText, this); }
+    const FixPt& GetAsNumber() const { return Call(FM_Data_GetAsNumber, this); }
+    const DateTime& GetAsDate() const { return Call(FM_Data_GetAsDate, this); }
+    const DateTime& GetAsTime() const { return Call(FM_Data_GetAsTime, this); }
+    const DateTime& GetAsTimeStamp() const { return Call(FM_Data_GetAsTimeStamp, this); }
+    bool GetAsBoolean() const { return Call(FM_Data_GetAsBoolean, this); }
+    const BinaryData& GetBinaryData() const { return Call(FM_Data_GetBinaryData, this); }
+    const Locale& GetLocale() const { return Call(FM_Data_GetLocale, this); }
+    int32 GetNativeType() const { return Call(FM_Data_GetNativeType, this); }
+
+    /// Makes the value one of another type; it is invalid when it cannot be read as that.
+    void ConvertData(int32 type) { Call(FM_Data_ConvertData, this, type); }
+
+    errcode SetAsText(const Text& value, const Locale& locale, int32 type = kDTText) {
+        return Call(FM_Data_SetAsText, this, value, locale, type);
+    }
+    errcode SetAsNumber(const FixPt& value, int32 type = kDTNumber) {
+        return Call(FM_Data_SetAsNumber, this, value, type);
+    }
+    errcode SetAsDate(const DateTime& value, int32 type = kDTDate) {
+        return Call(FM_Data_SetAsDate, this, value, type);
+    }
+    errcode SetAsTime(const DateTime& value, int32 type = kDTTime) {
+        return Call(FM_Data_SetAsTime, this, value, type);
+    }
+    errcode SetAsTimeStamp(const DateTime& value, int32 type = kDTTimeStamp) {
+        return Call(FM_Data_SetAsTimeStamp, this, value, type);
+    }
+    /// The first type says which part of the date-time counts: date, time or time stamp.
+    errcode SetDateTime(const DateTime& value, int32 dateTimeType, int32 nativeType) {
+        return Call(FM_Data_SetDateTime, this, value, dateTimeType, nativeType);
+    }
+    /// Without the native type forced, a container that holds file names alone becomes their text.
+    errcode SetBinaryData(const BinaryData& value, bool forceBinaryNativeType = false) {
+        return Call(FM_Data_SetBinaryData, this, value, forceBinaryNativeType);
+    }
+};
+
+/// Owns a value, an empty text at first.
+class DataAutoPtr : public std::unique_ptr<Data> {
+  public:
+    DataAutoPtr() { reset(Call(FM_Data_Constructor1)); }
+};
+
+} // namespace fmx
