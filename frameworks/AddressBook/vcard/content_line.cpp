@@ -1,0 +1,227 @@
+#include "content_line.h"
+
+#include "encoding.h"
+
+#include <algorithm>
+#include <array>
+
+namespace addressbook::vcard {
+
+namespace {
+
+// The parameters that version 2.1 writes without a name; any other word is a TYPE.
+struct BareParam {
+    std::string_view word, name;
+};
+constexpr std::array kBareParams{
+    BareParam{"7BIT", "ENCODING"},
+    BareParam{"8BIT", "ENCODING"},
+    BareParam{"BASE64", "ENCODING"},
+    BareParam{"B", "ENCODING"},
+    BareParam{"QUOTED-PRINTABLE", "ENCODING"},
+    BareParam{"CID", "VALUE"},
+    BareParam{"CONTENT-ID", "VALUE"},
+    BareParam{"INLINE", "VALUE"},
+    BareParam{"URL", "VALUE"},
+};
+
+bool isNameByte(char byte) {
+    return (byte >= 'A' && byte <= 'Z') || (byte >= 'a' && byte <= 'z') || (byte >= '0' && byte <= '9') ||
+           byte == '-' || byte == '_';
+}
+
+bool isName(std::string_view text) {
+    return !text.empty() && std::all_of(text.begin(), text.end(), isNameByte);
+}
+
+// A parameter value with its quotes and the caret escapes taken away.
+std::string parameterText(std::string_view raw) {
+    std::string text;
+    for (std::size_t at = 0; at < raw.size(); ++at) {
+        const char next = at + 1 < raw.size() ? raw[at + 1] : '\0';
+        if (raw[at] == '"')
+            continue;
+        if (raw[at] == '^' && (next == '^' || next == 'n' || next == '\'')) {
+            text.push_back(next == '^' ? '^' : next == 'n' ? '\n' : '"');
+            ++at;
+        } else {
+            text.push_back(raw[at]);
+        }
+    }
+    return text;
+}
+
+// Splits at [separator] outside quotes.
+std::vector<std::string_view> splitQuoted(std::string_view text, char separator) {
+    std::vector<std::string_view> parts;
+    const bool balanced = std::count(text.begin(), text.end(), '"') % 2 == 0;
+    bool quoted = false;
+    std::size_t start = 0;
+    for (std::size_t at = 0; at < text.size(); ++at) {
+        if (text[at] == '"' && balanced)
+            quoted = !quoted;
+        else if (text[at] == separator && !quoted) {
+            parts.push_back(text.substr(start, at - start));
+            start = at + 1;
+        }
+    }
+    parts.push_back(text.substr(start));
+    return parts;
+}
+
+Param parseParam(std::string_view text) {
+    const std::size_t equals = text.find('=');
+    if (equals == std::string_view::npos) {
+        const std::string upper = upperCase(trim(text));
+        const auto* row = std::find_if(kBareParams.begin(), kBareParams.end(),
+                                       [&](const BareParam& bare) { return bare.word == upper; });
+        return {std::string(row == kBareParams.end() ? "TYPE" : row->name), {parameterText(trim(text))}};
+    }
+    Param param{upperCase(trim(text.substr(0, equals))), {}};
+    text = trim(text.substr(equals + 1));
+    // Only these hold lists; a comma in any other is a comma. TYPE="work,voice" is a list as well.
+    const bool isType = param.name == "TYPE";
+    for (const std::string_view part : splitQuoted(text, ',')) {
+        std::string value = parameterText(part);
+        if (!isType) {
+            param.values.push_back(std::move(value));
+            continue;
+        }
+        for (const std::string_view word : splitEscaped(value, ','))
+            param.values.emplace_back(trim(word));
+    }
+    return param;
+}
+
+} // namespace
+
+std::string_view ContentLine::param(std::string_view upperName) const {
+    for (const Param& each : params)
+        if (each.name == upperName && !each.values.empty())
+            return each.values.front();
+    return {};
+}
+
+std::string ContentLine::text() const {
+    return unescape(value, transfer == Transfer::quotedPrintable);
+}
+
+std::vector<std::string> ContentLine::components(std::size_t most) const {
+    std::vector<std::string> parts;
+    for (const std::string_view part : splitEscaped(value, ';', most))
+        parts.push_back(std::string(trim(unescape(part, transfer == Transfer::quotedPrintable))));
+    return parts;
+}
+
+std::optional<ContentLine> parseContentLine(const PropertyLine& line) {
+    const std::size_t colon = headerEnd(line.text);
+    if (colon == std::string::npos)
+        return std::nullopt;
+    const std::string header =
+        line.utf8 ? line.text.substr(0, colon) : toUtf8(line.text.substr(0, colon), std::string_view());
+    const std::vector<std::string_view> parts = splitQuoted(header, ';');
+
+    ContentLine result;
+    std::string_view name = trim(parts.front());
+    if (const std::size_t dot = name.find('.'); dot != std::string_view::npos) {
+        result.group = name.substr(0, dot);
+        name = name.substr(dot + 1);
+        if (!isName(result.group))
+            return std::nullopt;
+    }
+    if (!isName(name))
+        return std::nullopt;
+    result.name = name;
+    result.key = upperCase(name);
+    result.number = line.number;
+    result.transfer = declaredTransfer(header);
+
+    std::string charset;
+    for (std::size_t at = 1; at < parts.size(); ++at) {
+        if (trim(parts[at]).empty())
+            continue;
+        Param param = parseParam(parts[at]);
+        if (param.name == "CHARSET")
+            charset = param.values.empty() ? std::string() : param.values.front();
+        else if (param.name != "ENCODING")
+            result.params.push_back(std::move(param));
+    }
+
+    std::string_view value = std::string_view(line.text).substr(colon + 1);
+    if (result.transfer == Transfer::quotedPrintable)
+        result.value = toUtf8(decodeQuotedPrintable(value), charset);
+    else if (line.utf8)
+        result.value = value;
+    else
+        result.value = toUtf8(std::string(value), charset);
+    return result;
+}
+
+std::string renderParams(const std::vector<Param>& params) {
+    std::string text;
+    for (const Param& param : params) {
+        text += ';' + param.name + '=';
+        for (std::size_t at = 0; at < param.values.size(); ++at) {
+            if (at)
+                text += ',';
+            std::string value;
+            for (const char byte : param.values[at]) {
+                if (byte == '^')
+                    value += "^^";
+                else if (byte == '"')
+                    value += "^'";
+                else if (byte == '\n' || byte == '\r')
+                    value += "^n";
+                else
+                    value += byte;
+            }
+            const bool quote = value.find_first_of(",;:") != std::string::npos;
+            text += quote ? '"' + value + '"' : value;
+        }
+    }
+    return text;
+}
+
+std::string render(const ContentLine& line) {
+    std::string text = line.group.empty() ? std::string() : line.group + '.';
+    text += line.name;
+    text += renderParams(line.params);
+    if (line.transfer == Transfer::base64) {
+        text += ";ENCODING=b:";
+        for (const char byte : line.value)
+            if (byte != ' ' && byte != '\t')
+                text += byte;
+        return text;
+    }
+    text += ':';
+    for (std::size_t at = 0; at < line.value.size(); ++at) {
+        const char byte = line.value[at];
+        if (byte == '\r' || byte == '\n') { // quoted-printable text has real line ends
+            text += "\\n";
+            at += byte == '\r' && at + 1 < line.value.size() && line.value[at + 1] == '\n' ? 1 : 0;
+        } else if (byte == '\\' && at + 1 < line.value.size()) {
+            const char next = line.value[++at];
+            const bool noLineEnd = line.transfer == Transfer::quotedPrintable && (next == 'n' || next == 'N');
+            text.append(noLineEnd ? "\\\\" : "\\") += next;
+        } else {
+            text += byte;
+        }
+    }
+    return text;
+}
+
+void appendFolded(std::string& out, std::string_view line) {
+    constexpr std::size_t kWidth = 75;
+    std::size_t width = kWidth;
+    while (line.size() > width) {
+        std::size_t cut = width;
+        while (cut > width - 4 && (static_cast<unsigned char>(line[cut]) & 0xC0) == 0x80)
+            --cut;
+        out.append(line.substr(0, cut)).append("\r\n ");
+        line.remove_prefix(cut);
+        width = kWidth - 1; // the space counts
+    }
+    out.append(line).append("\r\n");
+}
+
+} // namespace addressbook::vcard

@@ -1,0 +1,253 @@
+#include "encoding.h"
+
+#include "frameworks/AddressBook/store/text.h"
+
+#include <unicode/ucnv.h>
+
+#include <algorithm>
+#include <array>
+#include <cstring>
+#include <limits>
+#include <memory>
+
+namespace addressbook::vcard {
+
+namespace {
+
+constexpr std::string_view kBase64 = "ABCDEFGHIJKLMNOPQRSTUVWXYZabcdefghijklmnopqrstuvwxyz0123456789+/";
+constexpr std::string_view kHex = "0123456789ABCDEF";
+
+struct CloseConverter {
+    void operator()(UConverter* converter) const { ucnv_close(converter); }
+};
+
+// A converter that reports what is not in its character set; opened once for a run of values in one charset.
+UConverter* converterFor(const std::string& charset) {
+    thread_local std::string name;
+    thread_local std::unique_ptr<UConverter, CloseConverter> converter;
+    if (name != charset || !converter) {
+        UErrorCode status = U_ZERO_ERROR;
+        converter.reset(ucnv_open(charset.c_str(), &status));
+        if (U_FAILURE(status))
+            return nullptr;
+        ucnv_setToUCallBack(converter.get(), UCNV_TO_U_CALLBACK_STOP, nullptr, nullptr, nullptr, &status);
+        name = charset;
+    }
+    return converter.get();
+}
+
+std::optional<std::string> convert(std::string_view bytes, const std::string& charset) {
+    UConverter* converter = converterFor(charset);
+    if (!converter || bytes.size() > static_cast<std::size_t>(std::numeric_limits<int32_t>::max()) / 2)
+        return std::nullopt;
+    UErrorCode status = U_ZERO_ERROR;
+    std::u16string units(bytes.size() * 2 + 1, u'\0');
+    const int32_t length = ucnv_toUChars(converter, units.data(), static_cast<int32_t>(units.size()),
+                                         bytes.data(), static_cast<int32_t>(bytes.size()), &status);
+    if (U_FAILURE(status) || length > static_cast<int32_t>(units.size()))
+        return std::nullopt;
+    units.resize(static_cast<std::size_t>(length));
+    return utf8FromUtf16(units);
+}
+
+} // namespace
+
+bool isUtf8(std::string_view bytes) {
+    for (std::size_t at = 0; at < bytes.size();) {
+        const auto lead = static_cast<unsigned char>(bytes[at]);
+        if (lead < 0x80) {
+            ++at;
+            continue;
+        }
+        const int more = lead >= 0xF0 ? 3 : lead >= 0xE0 ? 2 : 1;
+        if (lead < 0xC2 || lead > 0xF4 || at + static_cast<std::size_t>(more) >= bytes.size())
+            return false;
+        char32_t code = lead & (0x3F >> more);
+        for (int next = 1; next <= more; ++next) {
+            const auto byte = static_cast<unsigned char>(bytes[at + next]);
+            if ((byte & 0xC0) != 0x80)
+                return false;
+            code = code << 6 | (byte & 0x3F);
+        }
+        if ((more == 2 && code < 0x800) || (more == 3 && (code < 0x10000 || code > 0x10FFFF)))
+            return false;
+        at += static_cast<std::size_t>(more) + 1;
+    }
+    return true;
+}
+
+std::string toUtf8(std::string bytes, std::string_view charset) {
+    const bool ascii =
+        std::none_of(bytes.begin(), bytes.end(), [](char byte) { return byte < 0 || byte == 0x1B; });
+    if (ascii)
+        return bytes;
+    // Programs that say ISO-8859-1 mean the superset that Windows has.
+    const bool latin = equalsIgnoringCase(charset, "ISO-8859-1");
+    if (!charset.empty() && !latin && !equalsIgnoringCase(charset, "UTF-8"))
+        if (auto text = convert(bytes, std::string(charset)))
+            return *std::move(text);
+    if (!latin && isUtf8(bytes))
+        return bytes;
+    return convert(bytes, "windows-1252").value_or(bytes);
+}
+
+std::string decodeQuotedPrintable(std::string_view text) {
+    const auto digit = [](char byte) {
+        const char upper = byte >= 'a' && byte <= 'f' ? static_cast<char>(byte - 'a' + 'A') : byte;
+        return kHex.find(upper);
+    };
+    std::string bytes;
+    bytes.reserve(text.size());
+    for (std::size_t at = 0; at < text.size(); ++at) {
+        if (text[at] == '=' && at + 2 < text.size()) {
+            const std::size_t high = digit(text[at + 1]), low = digit(text[at + 2]);
+            if (high != std::string_view::npos && low != std::string_view::npos) {
+                bytes.push_back(static_cast<char>(high << 4 | low));
+                at += 2;
+                continue;
+            }
+        }
+        bytes.push_back(text[at]);
+    }
+    return bytes;
+}
+
+std::optional<Bytes> decodeBase64(std::string_view text) {
+    static const std::array<signed char, 256> kDigits = [] {
+        std::array<signed char, 256> digits{};
+        digits.fill(-1);
+        for (std::size_t at = 0; at < kBase64.size(); ++at)
+            digits[static_cast<unsigned char>(kBase64[at])] = static_cast<signed char>(at);
+        return digits;
+    }();
+    Bytes bytes;
+    bytes.reserve(text.size() * 3 / 4);
+    std::uint32_t bits = 0;
+    int count = 0, padding = 0;
+    for (const char byte : text) {
+        if (byte == ' ' || byte == '\t' || byte == '\n' || byte == '\r')
+            continue;
+        const int digit = kDigits[static_cast<unsigned char>(byte)];
+        if (byte == '=')
+            ++padding;
+        else if (digit < 0 || padding > 0)
+            return std::nullopt;
+        else {
+            bits = bits << 6 | static_cast<std::uint32_t>(digit);
+            if (++count == 4) {
+                bytes.push_back(static_cast<std::uint8_t>(bits >> 16));
+                bytes.push_back(static_cast<std::uint8_t>(bits >> 8));
+                bytes.push_back(static_cast<std::uint8_t>(bits));
+                bits = 0;
+                count = 0;
+            }
+        }
+    }
+    if (count == 1 || padding > 2)
+        return std::nullopt;
+    if (count >= 2)
+        bytes.push_back(static_cast<std::uint8_t>(bits >> (count == 2 ? 4 : 10)));
+    if (count == 3)
+        bytes.push_back(static_cast<std::uint8_t>(bits >> 2));
+    return bytes;
+}
+
+std::string encodeBase64(const Bytes& bytes) {
+    std::string text;
+    text.reserve((bytes.size() + 2) / 3 * 4);
+    for (std::size_t at = 0; at < bytes.size(); at += 3) {
+        const std::size_t left = std::min<std::size_t>(3, bytes.size() - at);
+        std::uint32_t bits = static_cast<std::uint32_t>(bytes[at]) << 16;
+        if (left > 1)
+            bits |= static_cast<std::uint32_t>(bytes[at + 1]) << 8;
+        if (left > 2)
+            bits |= bytes[at + 2];
+        text.push_back(kBase64[bits >> 18]);
+        text.push_back(kBase64[bits >> 12 & 63]);
+        text.push_back(left > 1 ? kBase64[bits >> 6 & 63] : '=');
+        text.push_back(left > 2 ? kBase64[bits & 63] : '=');
+    }
+    return text;
+}
+
+std::string unescape(std::string_view text, bool keepN) {
+    std::string plain;
+    plain.reserve(text.size());
+    for (std::size_t at = 0; at < text.size(); ++at) {
+        const char byte = text[at];
+        if (byte == '\r') { // the two line ends that quoted-printable text has become one
+            plain.push_back('\n');
+            at += at + 1 < text.size() && text[at + 1] == '\n' ? 1 : 0;
+            continue;
+        }
+        if (byte == '\\' && at + 1 < text.size()) {
+            const char next = text[at + 1];
+            if ((next == 'n' || next == 'N') && !keepN) {
+                plain.push_back('\n');
+                ++at;
+                continue;
+            }
+            if (next != '\0' && std::strchr("\\,;:\"", next)) {
+                plain.push_back(next);
+                ++at;
+                continue;
+            }
+        }
+        plain.push_back(byte);
+    }
+    return plain;
+}
+
+std::string escape(std::string_view text) {
+    std::string escaped;
+    escaped.reserve(text.size() + 8);
+    for (std::size_t at = 0; at < text.size(); ++at) {
+        const char byte = text[at];
+        if (byte == '\r' || byte == '\n') {
+            escaped += "\\n";
+            at += byte == '\r' && at + 1 < text.size() && text[at + 1] == '\n' ? 1 : 0;
+            continue;
+        }
+        if (byte == '\\' || byte == ',' || byte == ';')
+            escaped.push_back('\\');
+        escaped.push_back(byte);
+    }
+    return escaped;
+}
+
+std::vector<std::string_view> splitEscaped(std::string_view text, char separator, std::size_t most) {
+    std::vector<std::string_view> parts;
+    std::size_t start = 0;
+    for (std::size_t at = 0; at < text.size() && parts.size() + 1 < most; ++at) {
+        if (text[at] == '\\') {
+            ++at;
+        } else if (text[at] == separator) {
+            parts.push_back(text.substr(start, at - start));
+            start = at + 1;
+        }
+    }
+    parts.push_back(text.substr(start));
+    return parts;
+}
+
+std::string upperCase(std::string_view text) {
+    std::string upper(text);
+    for (char& byte : upper)
+        if (byte >= 'a' && byte <= 'z')
+            byte = static_cast<char>(byte - 'a' + 'A');
+    return upper;
+}
+
+bool equalsIgnoringCase(std::string_view left, std::string_view right) {
+    return left.size() == right.size() && upperCase(left) == upperCase(right);
+}
+
+std::string_view trim(std::string_view text) {
+    constexpr std::string_view kSpace = " \t\r\n";
+    const std::size_t first = text.find_first_not_of(kSpace);
+    if (first == std::string_view::npos)
+        return {};
+    return text.substr(first, text.find_last_not_of(kSpace) - first + 1);
+}
+
+} // namespace addressbook::vcard

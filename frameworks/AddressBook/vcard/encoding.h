@@ -1,0 +1,44 @@
+#pragma once
+
+// How text and data are encoded in property values: character sets, quoted-printable, base64, backslashes.
+
+#include "frameworks/AddressBook/store/value.h"
+
+#include <optional>
+#include <string>
+#include <string_view>
+#include <vector>
+
+namespace addressbook::vcard {
+
+// Whether [bytes] are UTF-8, lone surrogates in three bytes included.
+bool isUtf8(std::string_view bytes);
+
+// Bytes in [charset] as UTF-8. With no charset, an unknown one, or bytes that are not in it: as they are when
+// they are UTF-8, else read as windows-1252, which most programs that declare nothing wrote.
+std::string toUtf8(std::string bytes, std::string_view charset);
+
+// The bytes that quoted-printable text stands for. Malformed escapes stay as they are.
+std::string decodeQuotedPrintable(std::string_view text);
+
+// The bytes of base64 text, white space ignored, padding optional; nothing when it is no base64.
+std::optional<Bytes> decodeBase64(std::string_view text);
+std::string encodeBase64(const Bytes& bytes);
+
+// Takes the backslashes of a text value away: "\n" is a line end (unless [keepN]), "\," "\;" "\:" "\\" and
+// the quote stand for themselves, any other backslash stays.
+std::string unescape(std::string_view text, bool keepN = false);
+
+// Text as a value or a component of one: line ends, backslashes, commas and semicolons escaped.
+std::string escape(std::string_view text);
+
+// Splits at each [separator] that no backslash precedes, into [most] parts, the last of which takes the rest;
+// the parts are still escaped.
+std::vector<std::string_view> splitEscaped(std::string_view text, char separator, std::size_t most = 1000);
+
+// ASCII helpers; other bytes stay as they are.
+std::string upperCase(std::string_view text);
+bool equalsIgnoringCase(std::string_view left, std::string_view right);
+std::string_view trim(std::string_view text);
+
+} // namespace addressbook::vcard

@@ -1,0 +1,32 @@
+#pragma once
+
+// The labels of entries and the TYPE words that stand for them.
+
+#include <string>
+#include <string_view>
+#include <vector>
+
+namespace addressbook::vcard {
+
+inline constexpr std::string_view kHomeLabel = "_$!<Home>!$_";
+inline constexpr std::string_view kWorkLabel = "_$!<Work>!$_";
+inline constexpr std::string_view kOtherLabel = "_$!<Other>!$_";
+inline constexpr std::string_view kHomePageLabel = "_$!<HomePage>!$_";
+
+// What TYPE words say about an entry.
+struct TypeMeaning {
+    std::string label;              // empty: none of them names a label
+    bool preferred = false;         // "pref" is among them
+    std::vector<std::string> extra; // those that the label does not say, in their order
+};
+
+// Reads TYPE words. A word that no table knows becomes the label itself, so that custom labels survive.
+TypeMeaning meaningOf(const std::vector<std::string>& types);
+
+// The TYPE words that say [label], for telephones or for anything else; empty when only X-ABLabel can say it.
+std::vector<std::string_view> typesFor(std::string_view label, bool telephone);
+
+// The label of a relation that version 4.0 names by a TYPE word.
+std::string relationLabel(const std::vector<std::string>& types);
+
+} // namespace addressbook::vcard

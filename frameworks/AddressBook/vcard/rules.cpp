@@ -1,0 +1,121 @@
+#include "rules.h"
+
+#include <algorithm>
+#include <array>
+#include <unordered_map>
+
+namespace addressbook::vcard {
+
+namespace {
+
+using enum Shape;
+
+constexpr std::string_view kAnniversaryLabel = "_$!<Anniversary>!$_";
+constexpr std::string_view kAssistantLabel = "_$!<Assistant>!$_";
+constexpr std::string_view kManagerLabel = "_$!<Manager>!$_";
+constexpr std::string_view kSpouseLabel = "_$!<Spouse>!$_";
+
+constexpr std::array kRules{
+    Rule{"N", name, property::kLast, ""},
+    Rule{"FN", fullName, "", ""},
+    Rule{"NICKNAME", text, property::kNickname, ""},
+    Rule{"X-MAIDENNAME", text, property::kMaidenName, ""},
+    Rule{"X-PHONETIC-FIRST-NAME", text, property::kFirstPhonetic, ""},
+    Rule{"X-PHONETIC-MIDDLE-NAME", text, property::kMiddlePhonetic, ""},
+    Rule{"X-PHONETIC-LAST-NAME", text, property::kLastPhonetic, ""},
+    Rule{"SOUND", phoneticName, property::kLastPhonetic, "", false},
+    Rule{"ORG", organization, property::kOrganization, ""},
+    Rule{"TITLE", text, property::kJobTitle, ""},
+    Rule{"EMAIL", links, property::kEmail, kOtherLabel},
+    Rule{"TEL", telephones, property::kPhone, kOtherLabel},
+    Rule{"ADR", addresses, property::kAddress, kOtherLabel},
+    Rule{"NOTE", text, property::kNote, ""},
+    Rule{"URL", texts, property::kUrls, kHomePageLabel},
+    Rule{"CALURI", texts, property::kCalendarUris, kOtherLabel},
+    Rule{"BDAY", day, property::kBirthday, ""},
+    Rule{"X-AIM", texts, property::kAim, kOtherLabel},
+    Rule{"X-JABBER", texts, property::kJabber, kOtherLabel},
+    Rule{"X-MSN", texts, property::kMsn, kOtherLabel},
+    Rule{"X-YAHOO", texts, property::kYahoo, kOtherLabel},
+    Rule{"X-YAHOO-ID", texts, property::kYahoo, kOtherLabel, false},
+    Rule{"X-ICQ", texts, property::kIcq, kOtherLabel},
+    Rule{"IMPP", messaging, property::kInstantMessage, kOtherLabel},
+    Rule{"X-SKYPE", messagingNames, property::kInstantMessage, "Skype", false},
+    Rule{"X-SKYPE-USERNAME", messagingNames, property::kInstantMessage, "Skype", false},
+    Rule{"X-GTALK", messagingNames, property::kInstantMessage, "GoogleTalk", false},
+    Rule{"X-GOOGLE-TALK", messagingNames, property::kInstantMessage, "GoogleTalk", false},
+    Rule{"X-QQ", messagingNames, property::kInstantMessage, "QQ", false},
+    Rule{"X-GADUGADU", messagingNames, property::kInstantMessage, "GaduGadu", false},
+    Rule{"X-SOCIALPROFILE", profiles, property::kSocialProfile, kOtherLabel},
+    Rule{"X-ABDATE", days, property::kOtherDates, kOtherLabel},
+    Rule{"ANNIVERSARY", days, property::kOtherDates, kAnniversaryLabel, false},
+    Rule{"X-ANNIVERSARY", days, property::kOtherDates, kAnniversaryLabel, false},
+    Rule{"X-EVOLUTION-ANNIVERSARY", days, property::kOtherDates, kAnniversaryLabel, false},
+    Rule{"X-MS-ANNIVERSARY", days, property::kOtherDates, kAnniversaryLabel, false},
+    Rule{"X-ABRELATEDNAMES", texts, property::kRelatedNames, kOtherLabel},
+    Rule{"RELATED", relations, property::kRelatedNames, kOtherLabel, false},
+    Rule{"X-SPOUSE", texts, property::kRelatedNames, kSpouseLabel, false},
+    Rule{"X-MANAGER", texts, property::kRelatedNames, kManagerLabel, false},
+    Rule{"X-ASSISTANT", texts, property::kRelatedNames, kAssistantLabel, false},
+    Rule{"X-EVOLUTION-SPOUSE", texts, property::kRelatedNames, kSpouseLabel, false},
+    Rule{"X-EVOLUTION-MANAGER", texts, property::kRelatedNames, kManagerLabel, false},
+    Rule{"X-EVOLUTION-ASSISTANT", texts, property::kRelatedNames, kAssistantLabel, false},
+    Rule{"X-MS-SPOUSE", texts, property::kRelatedNames, kSpouseLabel, false},
+    Rule{"X-MS-MANAGER", texts, property::kRelatedNames, kManagerLabel, false},
+    Rule{"X-MS-ASSISTANT", texts, property::kRelatedNames, kAssistantLabel, false},
+    Rule{"X-ABSHOWAS", company, property::kPersonFlags, "", true, "X-ABShowAs"},
+    Rule{"X-ABORDER", nameOrder, property::kPersonFlags, "", true, "X-ABOrder"},
+    Rule{"PHOTO", picture, property::kImage, ""},
+    Rule{"UID", uid, "", "", false},
+    Rule{"X-ABUID", addressBookUid, "", "", false},
+    Rule{"KIND", kind, "", "", false},
+    Rule{"X-ADDRESSBOOKSERVER-KIND", kind, "", "", false},
+    Rule{"MEMBER", member, "", "", false},
+    Rule{"X-ADDRESSBOOKSERVER-MEMBER", member, "", "", false},
+    Rule{"CATEGORIES", categories, "", "", false},
+    Rule{"X-ABLABEL", label, "", "", false},
+    Rule{"X-ABADR", country, "", "", false},
+    Rule{"VERSION", derived, "", "", false},
+    Rule{"PRODID", derived, "", "", false},
+    Rule{"REV", derived, "", "", false},
+};
+
+constexpr std::array kServices{
+    MessagingService{"AIM", "aim", property::kAim},   MessagingService{"Jabber", "xmpp", property::kJabber},
+    MessagingService{"MSN", "msnim", property::kMsn}, MessagingService{"Yahoo", "ymsgr", property::kYahoo},
+    MessagingService{"ICQ", "icq", property::kIcq},   MessagingService{"Skype", "skype", ""},
+    MessagingService{"GoogleTalk", "gtalk", ""},      MessagingService{"QQ", "qq", ""},
+    MessagingService{"GaduGadu", "gg", ""},           MessagingService{"Facebook", "fb", ""},
+};
+
+constexpr bool namesAreUnique() {
+    for (std::size_t at = 0; at < kRules.size(); ++at)
+        for (std::size_t other = at + 1; other < kRules.size(); ++other)
+            if (kRules[at].name == kRules[other].name)
+                return false;
+    return true;
+}
+static_assert(namesAreUnique());
+
+} // namespace
+
+std::span<const Rule> rules() {
+    return kRules;
+}
+
+const Rule* ruleFor(std::string_view upperName) {
+    static const auto kByName = [] {
+        std::unordered_map<std::string_view, const Rule*> byName;
+        for (const Rule& rule : kRules)
+            byName.emplace(rule.name, &rule);
+        return byName;
+    }();
+    const auto found = kByName.find(upperName);
+    return found == kByName.end() ? nullptr : found->second;
+}
+
+std::span<const MessagingService> messagingServices() {
+    return kServices;
+}
+
+} // namespace addressbook::vcard

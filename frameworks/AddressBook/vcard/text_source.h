@@ -1,0 +1,52 @@
+#pragma once
+
+// The first layer of reading: bytes into lines. A file may mix CRLF, LF, lone CR and CR CR LF, and its cards
+// may change between UTF-16 and 8-bit text, as programs wrote that encode each card by itself.
+
+#include <cstddef>
+#include <iosfwd>
+#include <string>
+#include <string_view>
+
+namespace addressbook::vcard {
+
+// One line of the file without its line end.
+struct TextLine {
+    std::string text;
+    std::size_t number = 0; // from 1
+    bool utf8 = false;      // was UTF-16 and is UTF-8 now; otherwise the bytes as they stand
+    bool tooLong = false;   // longer than kMaxCardBytes; text holds its start
+};
+
+class TextSource {
+  public:
+    // [input] and the bytes of [data] must live as long as the source.
+    explicit TextSource(std::istream& input) : input_(&input) {}
+    explicit TextSource(std::string_view data) : window_(data) {}
+
+    // Reads the next line into [line]; false at the end.
+    bool next(TextLine& line);
+
+    // How many bytes were consumed.
+    std::size_t bytesRead() const { return consumed_; }
+
+  private:
+    enum class Encoding { bytes, utf16LittleEndian, utf16BigEndian };
+
+    bool have(std::size_t count);
+    void consume(std::size_t count);
+    bool startsUtf16(bool bigEndian) const;
+    void sniff();
+    void readBytes(TextLine& line);
+    void readUtf16(TextLine& line);
+    char16_t unit(std::size_t index) const;
+
+    std::istream* input_ = nullptr;
+    std::string buffer_;
+    std::string_view window_; // what was read and not yet consumed
+    std::size_t consumed_ = 0;
+    std::size_t lines_ = 0;
+    Encoding encoding_ = Encoding::bytes;
+};
+
+} // namespace addressbook::vcard
