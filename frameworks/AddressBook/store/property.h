@@ -1,7 +1,7 @@
 #pragma once
 
-// The built-in properties of people and groups: the one table from which the framework's constants, the store and the
-// vCard reader take names and types.
+// The built-in properties of people and groups: the one table from which the framework's constants, the store
+// and the vCard reader take names and types.
 
 #include "value.h"
 
@@ -35,10 +35,12 @@ struct PropertyDefinition {
 // The type of a built-in or internal property, 0 when [kind] has no such property.
 int builtInType(Kind kind, std::string_view name);
 
-// Whether only this framework knows properties of this name (a leading dot): they are never listed or searched.
+// Whether only this framework knows properties of this name (a leading dot): they are never listed or
+// searched.
 bool isInternal(std::string_view name);
 
-// Names of the built-in properties, and of those that only this framework knows (a leading dot; never listed).
+// Names of the built-in properties, and of those that only this framework knows (a leading dot; never
+// listed).
 namespace property {
 inline constexpr std::string_view kUid = "UID";
 inline constexpr std::string_view kCreation = "Creation";
@@ -75,8 +77,9 @@ inline constexpr std::string_view kOtherDates = "ABDate";
 inline constexpr std::string_view kSocialProfile = "SocialProfile";
 inline constexpr std::string_view kInstantMessage = "InstantMessage";
 inline constexpr std::string_view kGroupName = "GroupName";
-// Internal: the picture (data), vCard lines that no property holds (array of strings, whole content lines), and a
-// group's distribution identifiers (dictionary: property -> dictionary: person's uid -> entry identifier).
+// Internal: the picture (data), vCard lines that no property holds (array of strings, whole content lines),
+// and a group's distribution identifiers (dictionary: property -> dictionary: person's uid -> entry
+// identifier).
 inline constexpr std::string_view kImage = ".Image";
 inline constexpr std::string_view kUnknownLines = ".VCardLines";
 inline constexpr std::string_view kDistribution = ".Distribution";

@@ -1,7 +1,7 @@
 #pragma once
 
-// Searches: a condition on one property, or several joined. `matches` is the one definition of every comparison; the
-// store answers the same from its indexes and is tested against it.
+// Searches: a condition on one property, or several joined. `matches` is the one definition of every
+// comparison; the store answers the same from its indexes and is tested against it.
 
 #include "value.h"
 
@@ -72,8 +72,8 @@ class RecordView {
     virtual const Value& value(std::string_view property) const = 0;
 };
 
-// Whether the record meets the query. [now] is the moment that "today" means for the interval comparisons; days are
-// those of the process's time zone.
+// Whether the record meets the query. [now] is the moment that "today" means for the interval comparisons;
+// days are those of the process's time zone.
 bool matches(const Query& query, const RecordView& record, Date now);
 
 } // namespace addressbook

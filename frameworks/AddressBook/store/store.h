@@ -1,12 +1,13 @@
 #pragma once
 
-// The address book on disk: one SQLite database in one folder. A Store is one connection and is used by one thread at
-// a time; several stores, in this and other processes, may be open on the same folder.
+// The address book on disk: one SQLite database in one folder. A Store is one connection and is used by one
+// thread at a time; several stores, in this and other processes, may be open on the same folder.
 
 #include "property.h"
 #include "query.h"
 #include "value.h"
 
+#include <chrono>
 #include <cstdint>
 #include <filesystem>
 #include <map>
@@ -29,10 +30,21 @@ struct RecordRef {
     std::string uid;
 };
 
-// Why a store could not be opened, read or written. what() is one sentence that names the file and what to do.
+// Why a store could not be opened, read or written. what() is one sentence that names the file and what to
+// do.
 class StoreError : public std::runtime_error {
   public:
-    enum class Reason { missingFolder, notADatabase, newerSchema, locked, readOnly, damaged, full, io, refused };
+    enum class Reason {
+        missingFolder,
+        notADatabase,
+        newerSchema,
+        locked,
+        readOnly,
+        damaged,
+        full,
+        io,
+        refused
+    };
     StoreError(Reason reason, const std::string& message) : std::runtime_error(message), reason_(reason) {}
     Reason reason() const { return reason_; }
 
@@ -40,12 +52,14 @@ class StoreError : public std::runtime_error {
     Reason reason_;
 };
 
-// The changes of one record; an insertion has all its values in `values`.
+// The changes of one record; an insertion has all its values in `values`. UID and Modification among them are
+// ignored, Creation counts for an insertion only.
 struct RecordChange {
     std::string uid;
     Kind kind = Kind::person;
     bool insert = false;
-    std::map<std::string, Value> values; // property -> new value; no value removes it. The picture is property::kImage
+    std::map<std::string, Value>
+        values; // property -> new value; no value removes it. The picture is property::kImage
 };
 
 // One membership added or removed.
@@ -55,13 +69,17 @@ struct MembershipChange {
     bool add = true;
 };
 
-// Everything one save writes, in one transaction.
+// Everything one save writes, in one transaction. A group whose memberships change counts as changed, and so
+// does a record that loses a value because its custom property is removed. Refused
+// (StoreError::Reason::refused, nothing written): an insertion with the unique id of a record that exists, a
+// definition of a built-in or internal name, a group that would contain itself, a picture that is not data,
+// values nested beyond reason.
 struct ChangeSet {
     Date time;                                   // becomes the Modification date of every changed record
     std::vector<PropertyDefinition> definitions; // custom properties added
     std::vector<PropertyDefinition> removedDefinitions; // removed, with all their values
-    std::vector<RecordChange> records;           // insertions in the order in which they were added
-    std::vector<std::string> removed;            // uids
+    std::vector<RecordChange> records;                  // insertions in the order in which they were added
+    std::vector<std::string> removed;                   // uids
     std::vector<MembershipChange> memberships;
     std::optional<std::string> me; // uid of the user's own card; "" clears it
     bool empty() const;
@@ -70,11 +88,14 @@ struct ChangeSet {
 // What a save did: unique ids, each at most once.
 struct SaveResult {
     std::vector<std::string> inserted, updated, deleted;
-    std::vector<std::string> missing; // changed here, but deleted by another process; their changes were dropped
-    std::int64_t change = 0;          // the number of this save in the change log; 0 when nothing was written
+    std::vector<std::string>
+        missing;             // changed here, but deleted by another process; their changes were dropped
+    std::int64_t change = 0; // the number of this save in the change log; 0 when nothing was written
 };
 
-// One save as the change log tells it to other processes.
+// One save as the change log tells it to other processes. All lists empty: anything may have changed (a very
+// large save, a change of the custom properties or of `me` alone, or saves so old that the log no longer has
+// them).
 struct LoggedChange {
     std::int64_t change = 0;
     std::vector<std::string> inserted, updated, deleted;
@@ -87,10 +108,12 @@ class Store {
     // $ADDRESSBOOK_HOME, else $XDG_DATA_HOME/AddressBook, else ~/.local/share/AddressBook.
     static std::filesystem::path defaultFolder();
 
-    // Opens the database in [folder]; with readWrite it makes the folder's last component and the database when they
-    // are missing (for their owner only) and migrates an older schema. $ADDRESSBOOK_HOME must exist: a mistyped
-    // folder is an error, not a new address book. Throws StoreError.
-    explicit Store(const std::filesystem::path& folder, Access access = Access::readWrite);
+    // Opens the database in [folder]; with readWrite it makes the folder's last component and the database
+    // when they are missing (for their owner only) and migrates an older schema. $ADDRESSBOOK_HOME must
+    // exist: a mistyped folder is an error, not a new address book. Throws StoreError. A file or folder that
+    // may not be written is opened for reading. [patience] is how long to wait for other processes' locks.
+    explicit Store(const std::filesystem::path& folder, Access access = Access::readWrite,
+                   std::chrono::milliseconds patience = std::chrono::seconds(10));
     ~Store();
     Store(const Store&) = delete;
     Store& operator=(const Store&) = delete;
@@ -132,8 +155,9 @@ class Store {
     // Looks for damage: SQLite's own check, then dangling and contradictory rows. Empty: sound.
     std::vector<std::string> check() const;
 
+    struct Impl; // shared by the store's sources
+
   private:
-    struct Impl;
     std::unique_ptr<Impl> impl_;
 };
 

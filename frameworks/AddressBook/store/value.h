@@ -1,8 +1,8 @@
 #pragma once
 
-// The values an address book holds, free of Objective-C: what the store keeps, what vCards are read into, what
-// searches compare. Text is UTF-8; a lone surrogate of the source text is kept in the three-byte form that UTF-8
-// would give its code point, so that nothing is lost on the way (see text.h).
+// The values an address book holds, free of Objective-C: what the store keeps, what vCards are read into,
+// what searches compare. Text is UTF-8; a lone surrogate of the source text is kept in the three-byte form
+// that UTF-8 would give its code point, so that nothing is lost on the way (see text.h).
 
 #include <compare>
 #include <cstdint>
@@ -17,7 +17,8 @@ namespace addressbook {
 // The kinds of record; the numbers are stored.
 enum class Kind : int { person = 0, group = 1 };
 
-// A property's type, numbered as the AddressBook framework numbers it; `kMultiValue` added makes the list type.
+// A property's type, numbered as the AddressBook framework numbers it; `kMultiValue` added makes the list
+// type.
 enum class Type : int {
     unknown = 0,
     string = 1,
@@ -57,8 +58,8 @@ struct MultiValue {
 };
 
 // One value of any type; std::monostate is "no value".
-struct Value : std::variant<std::monostate, std::string, std::int64_t, double, Date, DateComponents, Bytes, Array,
-                            Dictionary, MultiValue> {
+struct Value : std::variant<std::monostate, std::string, std::int64_t, double, Date, DateComponents, Bytes,
+                            Array, Dictionary, MultiValue> {
     using variant::variant;
 
     bool empty() const { return index() == 0; }
@@ -83,8 +84,8 @@ struct Entry {
     bool operator==(const Entry&) const = default;
 };
 
-// The type number of a value as a property of that type would have it: base type, or base type + kMultiValue for a
-// multi-value whose entries agree; 0 for no value and for mixed or empty multi-values.
+// The type number of a value as a property of that type would have it: base type, or base type + kMultiValue
+// for a multi-value whose entries agree; 0 for no value and for mixed or empty multi-values.
 int typeOf(const Value& value);
 
 } // namespace addressbook

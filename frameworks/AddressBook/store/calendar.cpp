@@ -1,0 +1,94 @@
+#include "calendar.h"
+
+#include <cmath>
+#include <ctime>
+
+namespace addressbook {
+namespace {
+
+constexpr double kReferenceEpoch = 978307200; // 2001-01-01 in seconds since 1970-01-01
+constexpr double kFarthest = 1e14;            // seconds; some three million years either way
+
+struct Civil {
+    std::int64_t year;
+    MonthDay day;
+};
+
+bool isLeap(std::int64_t year) {
+    return year % 4 == 0 && (year % 100 != 0 || year % 400 == 0);
+}
+
+std::int64_t floorDivide(std::int64_t a, std::int64_t b) {
+    return a / b - (a % b < 0 ? 1 : 0);
+}
+
+// Counted in eras of 400 years that begin on 1 March, so that the leap day is a year's last.
+Civil civil(std::int64_t number) {
+    const std::int64_t shifted = number + 719468;
+    const std::int64_t era = floorDivide(shifted, 146097);
+    const std::int64_t inEra = shifted - era * 146097;
+    const std::int64_t yearInEra = (inEra - inEra / 1460 + inEra / 36524 - inEra / 146096) / 365;
+    const std::int64_t inYear = inEra - (365 * yearInEra + yearInEra / 4 - yearInEra / 100);
+    const std::int64_t fromMarch = (5 * inYear + 2) / 153;
+    const auto day = static_cast<int>(inYear - (153 * fromMarch + 2) / 5 + 1);
+    const auto month = static_cast<int>(fromMarch < 10 ? fromMarch + 3 : fromMarch - 9);
+    return {yearInEra + era * 400 + (month <= 2 ? 1 : 0), {month, day}};
+}
+
+std::optional<MonthDay> checked(const DateComponents& parts) {
+    static constexpr int kLongest[] = {31, 29, 31, 30, 31, 30, 31, 31, 30, 31, 30, 31};
+    if (!parts.month || !parts.day || *parts.month < 1 || *parts.month > 12 || *parts.day < 1 ||
+        *parts.day > kLongest[*parts.month - 1])
+        return std::nullopt;
+    return MonthDay{*parts.month, *parts.day};
+}
+
+} // namespace
+
+std::int64_t dayNumber(std::int64_t year, MonthDay day) {
+    const std::int64_t fromMarch = day.month > 2 ? day.month - 3 : day.month + 9;
+    const std::int64_t shifted = day.month > 2 ? year : year - 1;
+    const std::int64_t era = floorDivide(shifted, 400);
+    const std::int64_t yearInEra = shifted - era * 400;
+    const std::int64_t inYear = (153 * fromMarch + 2) / 5 + day.day - 1;
+    return era * 146097 + yearInEra * 365 + yearInEra / 4 - yearInEra / 100 + inYear - 719468;
+}
+
+std::int64_t yearOf(std::int64_t dayNumber) {
+    return civil(dayNumber).year;
+}
+
+std::optional<std::int64_t> localDay(Date date) {
+    if (!(std::fabs(date.seconds) < kFarthest))
+        return std::nullopt;
+    const auto moment = static_cast<std::time_t>(std::floor(date.seconds + kReferenceEpoch));
+    std::tm parts{};
+    if (localtime_r(&moment, &parts) == nullptr)
+        return std::nullopt;
+    return dayNumber(std::int64_t{parts.tm_year} + 1900, {parts.tm_mon + 1, parts.tm_mday});
+}
+
+std::optional<std::int64_t> dayOf(const Value& value) {
+    if (const auto* date = value.as<Date>())
+        return localDay(*date);
+    const auto* parts = value.as<DateComponents>();
+    if (parts == nullptr || !parts->year)
+        return std::nullopt;
+    const auto day = checked(*parts);
+    return day ? std::optional(anniversary(*parts->year, *day)) : std::nullopt;
+}
+
+std::optional<MonthDay> monthDayOf(const Value& value) {
+    if (const auto* parts = value.as<DateComponents>())
+        return checked(*parts);
+    const auto day = dayOf(value);
+    return day ? std::optional(civil(*day).day) : std::nullopt;
+}
+
+std::int64_t anniversary(std::int64_t year, MonthDay day) {
+    if (day.month == 2 && day.day == 29 && !isLeap(year))
+        day.day = 28;
+    return dayNumber(year, day);
+}
+
+} // namespace addressbook

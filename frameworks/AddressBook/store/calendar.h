@@ -1,0 +1,37 @@
+#pragma once
+
+// Days of the calendar, counted from 1970-01-01, in the process's time zone and the proleptic Gregorian
+// calendar.
+
+#include "value.h"
+
+#include <cstdint>
+#include <optional>
+
+namespace addressbook {
+
+// A day of the year.
+struct MonthDay {
+    int month = 1; // 1 to 12
+    int day = 1;   // 1 to 31
+};
+
+// The number of a day; month and day must be in range.
+std::int64_t dayNumber(std::int64_t year, MonthDay day);
+
+// The year in which a day lies.
+std::int64_t yearOf(std::int64_t dayNumber);
+
+// The local day of a moment; none for what is no moment (NaN, infinite, beyond the calendar).
+std::optional<std::int64_t> localDay(Date date);
+
+// The day that a value names: of a date its local day, of components their year, month and day.
+std::optional<std::int64_t> dayOf(const Value& value);
+
+// The day of the year that a value names; components may lack the year.
+std::optional<MonthDay> monthDayOf(const Value& value);
+
+// The day on which [day] falls in [year]: 29 February falls on 28 February in a year that has none.
+std::int64_t anniversary(std::int64_t year, MonthDay day);
+
+} // namespace addressbook

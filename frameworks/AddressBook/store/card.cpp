@@ -1,0 +1,501 @@
+#include "card.h"
+
+#include "property.h"
+
+#include <algorithm>
+#include <array>
+#include <bit>
+#include <cstring>
+#include <unordered_map>
+
+namespace addressbook {
+namespace {
+
+namespace p = property;
+
+// Words that most cards hold. Their places are what the database keeps: only ever add at the end.
+constexpr std::array<std::string_view, 65> kWords{p::kFirst,
+                                                  p::kLast,
+                                                  p::kFirstPhonetic,
+                                                  p::kLastPhonetic,
+                                                  p::kMiddle,
+                                                  p::kMiddlePhonetic,
+                                                  p::kTitle,
+                                                  p::kSuffix,
+                                                  p::kNickname,
+                                                  p::kMaidenName,
+                                                  p::kBirthday,
+                                                  p::kOrganization,
+                                                  p::kJobTitle,
+                                                  p::kDepartment,
+                                                  p::kNote,
+                                                  p::kHomePage,
+                                                  p::kPersonFlags,
+                                                  p::kUrls,
+                                                  p::kCalendarUris,
+                                                  p::kEmail,
+                                                  p::kPhone,
+                                                  p::kRelatedNames,
+                                                  p::kAim,
+                                                  p::kJabber,
+                                                  p::kMsn,
+                                                  p::kYahoo,
+                                                  p::kIcq,
+                                                  p::kAddress,
+                                                  p::kOtherDates,
+                                                  p::kSocialProfile,
+                                                  p::kInstantMessage,
+                                                  p::kGroupName,
+                                                  p::kUnknownLines,
+                                                  p::kDistribution,
+                                                  "Street",
+                                                  "City",
+                                                  "State",
+                                                  "ZIP",
+                                                  "Country",
+                                                  "CountryCode",
+                                                  "_$!<Home>!$_",
+                                                  "_$!<Work>!$_",
+                                                  "_$!<Other>!$_",
+                                                  "_$!<HomePage>!$_",
+                                                  "_$!<Mobile>!$_",
+                                                  "_$!<Main>!$_",
+                                                  "_$!<HomeFAX>!$_",
+                                                  "_$!<WorkFAX>!$_",
+                                                  "_$!<Pager>!$_",
+                                                  "_$!<Anniversary>!$_",
+                                                  "_$!<Father>!$_",
+                                                  "_$!<Mother>!$_",
+                                                  "_$!<Parent>!$_",
+                                                  "_$!<Brother>!$_",
+                                                  "_$!<Sister>!$_",
+                                                  "_$!<Child>!$_",
+                                                  "_$!<Friend>!$_",
+                                                  "_$!<Spouse>!$_",
+                                                  "_$!<Partner>!$_",
+                                                  "_$!<Assistant>!$_",
+                                                  "_$!<Manager>!$_",
+                                                  p::kCreation,
+                                                  p::kModification,
+                                                  p::kImage,
+                                                  p::kUid};
+
+const std::unordered_map<std::string_view, int>& wordCodes() {
+    static const std::unordered_map<std::string_view, int> codes = [] {
+        std::unordered_map<std::string_view, int> map;
+        for (std::size_t i = 0; i < kWords.size(); ++i)
+            map.emplace(kWords[i], static_cast<int>(i + 1));
+        return map;
+    }();
+    return codes;
+}
+
+// What a value's first byte says; the numbers are stored.
+enum class Tag : std::uint8_t {
+    none = 0,
+    string = 1,
+    integer = 2,
+    real = 3,
+    date = 4,
+    array = 5,
+    dictionary = 6,
+    data = 7,
+    dateComponents = 8,
+    multiValue = 9
+};
+
+constexpr std::size_t kUuidBytes = 16;
+
+std::optional<int> hexDigit(char c) {
+    if (c >= '0' && c <= '9')
+        return c - '0';
+    if (c >= 'A' && c <= 'F')
+        return c - 'A' + 10;
+    return std::nullopt;
+}
+
+constexpr bool isDash(std::size_t at) {
+    return at == 8 || at == 13 || at == 18 || at == 23;
+}
+constexpr std::size_t kUuidText = 36;
+
+class Writer {
+  public:
+    void byte(std::uint8_t value) { out_.push_back(static_cast<char>(value)); }
+    void count(std::uint64_t value) {
+        while (value >= 0x80) {
+            byte(static_cast<std::uint8_t>(value | 0x80));
+            value >>= 7;
+        }
+        byte(static_cast<std::uint8_t>(value));
+    }
+    void integer(std::int64_t value) {
+        count((static_cast<std::uint64_t>(value) << 1) ^ static_cast<std::uint64_t>(value >> 63));
+    }
+    void eightBytes(std::uint64_t bits) {
+        for (int i = 0; i < 8; ++i)
+            byte(static_cast<std::uint8_t>(bits >> (8 * i)));
+    }
+    void real(double value) { eightBytes(std::bit_cast<std::uint64_t>(value)); }
+    void bytes(std::string_view value) {
+        count(value.size());
+        out_.append(value);
+    }
+    void word(std::string_view value) {
+        const int code = wordCode(value);
+        count(static_cast<std::uint64_t>(code));
+        if (code == 0)
+            bytes(value);
+    }
+    // A packed UUID is told from text by its length's lowest bit.
+    void identifier(std::string_view value) {
+        const auto packed = packUid(value);
+        const std::string_view stored = packed ? *packed : value;
+        count(stored.size() * 2 + (packed ? 1 : 0));
+        out_.append(stored);
+    }
+    void value(const Value& value, int depth = 0);
+    std::string take() { return std::move(out_); }
+    void append(std::string_view raw) { out_.append(raw); }
+
+  private:
+    std::string out_;
+};
+
+void Writer::value(const Value& held, int depth) {
+    if (depth > kDeepestValue)
+        throw std::length_error("a value is nested too deeply to be kept");
+    const auto tag = [this](Tag what) { byte(static_cast<std::uint8_t>(what)); };
+    if (const auto* text = held.as<std::string>()) {
+        tag(Tag::string);
+        bytes(*text);
+    } else if (const auto* whole = held.as<std::int64_t>()) {
+        tag(Tag::integer);
+        integer(*whole);
+    } else if (const auto* number = held.as<double>()) {
+        tag(Tag::real);
+        real(*number);
+    } else if (const auto* date = held.as<Date>()) {
+        tag(Tag::date);
+        real(date->seconds);
+    } else if (const auto* parts = held.as<DateComponents>()) {
+        tag(Tag::dateComponents);
+        const std::optional<int>* const all[] = {&parts->year, &parts->month,  &parts->day,
+                                                 &parts->hour, &parts->minute, &parts->second};
+        unsigned present = 0;
+        for (unsigned i = 0; i < std::size(all); ++i)
+            present |= all[i]->has_value() ? 1U << i : 0U;
+        byte(static_cast<std::uint8_t>(present));
+        for (const auto* part : all)
+            if (*part)
+                integer(**part);
+    } else if (const auto* data = held.as<Bytes>()) {
+        tag(Tag::data);
+        bytes({reinterpret_cast<const char*>(data->data()), data->size()});
+    } else if (const auto* items = held.as<Array>()) {
+        tag(Tag::array);
+        count(items->size());
+        for (const Value& item : *items)
+            value(item, depth + 1);
+    } else if (const auto* fields = held.as<Dictionary>()) {
+        tag(Tag::dictionary);
+        count(fields->size());
+        for (const auto& [key, field] : *fields) {
+            word(key);
+            value(field, depth + 1);
+        }
+    } else if (const auto* list = held.as<MultiValue>()) {
+        tag(Tag::multiValue);
+        identifier(list->primary);
+        count(list->entries.size());
+        for (const Entry& entry : list->entries) {
+            identifier(entry.identifier);
+            word(entry.label);
+            value(entry.value, depth + 1);
+        }
+    } else {
+        tag(Tag::none);
+    }
+}
+
+class Reader {
+  public:
+    explicit Reader(std::string_view bytes) : rest_(bytes) {}
+
+    bool atEnd() const { return rest_.empty(); }
+    std::uint8_t byte() { return static_cast<std::uint8_t>(take(1).front()); }
+    std::uint64_t count() {
+        std::uint64_t value = 0;
+        for (int shift = 0; shift < 64; shift += 7) {
+            const std::uint8_t part = byte();
+            value |= static_cast<std::uint64_t>(part & 0x7F) << shift;
+            if (part < 0x80)
+                return value;
+        }
+        throw DamagedCard("a number never ends");
+    }
+    std::int64_t integer() {
+        const std::uint64_t value = count();
+        return static_cast<std::int64_t>(value >> 1) ^ -static_cast<std::int64_t>(value & 1);
+    }
+    std::uint64_t eightBytes() {
+        const std::string_view raw = take(8);
+        std::uint64_t bits = 0;
+        for (std::size_t i = 0; i < 8; ++i)
+            bits |= static_cast<std::uint64_t>(static_cast<unsigned char>(raw[i])) << (8 * i);
+        return bits;
+    }
+    double real() { return std::bit_cast<double>(eightBytes()); }
+    std::string_view bytes() { return take(count()); }
+    std::string_view word() {
+        const std::uint64_t code = count();
+        if (code == 0)
+            return bytes();
+        const std::string_view known = wordOf(code);
+        if (known.empty())
+            throw DamagedCard("a word of an unknown number");
+        return known;
+    }
+    std::string identifier() {
+        const std::uint64_t size = count();
+        const std::string_view stored = take(size / 2);
+        if (size % 2 == 0)
+            return std::string(stored);
+        auto text = unpackUid(stored);
+        if (!text)
+            throw DamagedCard("an identifier of the wrong length");
+        return std::move(*text);
+    }
+    Value value(int depth = 0);
+    std::string_view take(std::uint64_t size) {
+        if (size > rest_.size())
+            throw DamagedCard("the bytes end early");
+        const std::string_view taken = rest_.substr(0, size);
+        rest_.remove_prefix(size);
+        return taken;
+    }
+    void expectEnd() const {
+        if (!rest_.empty())
+            throw DamagedCard("bytes are left over");
+    }
+    // A number of items, each of which takes at least one byte.
+    std::size_t items() {
+        const std::uint64_t number = count();
+        if (number > rest_.size())
+            throw DamagedCard("more items than bytes");
+        return number;
+    }
+
+  private:
+    std::string_view rest_;
+};
+
+Value Reader::value(int depth) {
+    if (depth > kDeepestValue)
+        throw DamagedCard("a value is nested too deeply");
+    switch (static_cast<Tag>(byte())) {
+    case Tag::none:
+        return {};
+    case Tag::string:
+        return std::string(bytes());
+    case Tag::integer:
+        return integer();
+    case Tag::real:
+        return real();
+    case Tag::date:
+        return Date{real()};
+    case Tag::data: {
+        const std::string_view raw = bytes();
+        return Bytes(raw.begin(), raw.end());
+    }
+    case Tag::dateComponents: {
+        DateComponents parts;
+        std::optional<int>* const all[] = {&parts.year, &parts.month,  &parts.day,
+                                           &parts.hour, &parts.minute, &parts.second};
+        const unsigned present = byte();
+        for (unsigned i = 0; i < std::size(all); ++i)
+            if ((present & (1U << i)) != 0)
+                *all[i] = static_cast<int>(integer());
+        return parts;
+    }
+    case Tag::array: {
+        Array array;
+        const std::size_t number = items();
+        array.reserve(number);
+        for (std::size_t i = 0; i < number; ++i)
+            array.push_back(value(depth + 1));
+        return array;
+    }
+    case Tag::dictionary: {
+        Dictionary fields;
+        for (std::size_t left = items(); left > 0; --left) {
+            std::string key(word());
+            fields.insert_or_assign(std::move(key), value(depth + 1));
+        }
+        return fields;
+    }
+    case Tag::multiValue: {
+        MultiValue list;
+        list.primary = identifier();
+        const std::size_t number = items();
+        list.entries.reserve(number);
+        for (std::size_t i = 0; i < number; ++i) {
+            Entry& entry = list.entries.emplace_back();
+            entry.identifier = identifier();
+            entry.label = word();
+            entry.value = value(depth + 1);
+        }
+        return list;
+    }
+    }
+    throw DamagedCard("a value of an unknown type");
+}
+
+// Every step is one-to-one, so that bytes which differ in one place always give different sums.
+std::uint64_t checksum(std::string_view bytes) {
+    constexpr std::uint64_t kMultiplier = 0x9E3779B97F4A7C15U;
+    std::uint64_t sum = bytes.size() * kMultiplier;
+    while (!bytes.empty()) {
+        std::uint64_t word = 0;
+        const std::size_t size = std::min<std::size_t>(bytes.size(), 8);
+        std::memcpy(&word, bytes.data(), size);
+        if constexpr (std::endian::native == std::endian::big)
+            word = __builtin_bswap64(word);
+        sum = (sum ^ word) * kMultiplier;
+        sum ^= sum >> 32;
+        bytes.remove_prefix(size);
+    }
+    return sum;
+}
+
+// Calls [visit] until it answers true.
+template <typename Visit>
+void walk(std::string_view card, Visit visit) {
+    Reader reader(card);
+    const std::uint64_t sum = reader.eightBytes();
+    if (checksum(card.substr(8)) != sum)
+        throw DamagedCard("its checksum is wrong");
+    while (!reader.atEnd()) {
+        const std::string_view name = reader.word();
+        if (visit(name, reader.bytes()))
+            return;
+    }
+}
+
+} // namespace
+
+std::string encodeValue(const Value& value) {
+    Writer writer;
+    writer.value(value);
+    return writer.take();
+}
+
+Value decodeValue(std::string_view bytes) {
+    Reader reader(bytes);
+    Value value = reader.value();
+    reader.expectEnd();
+    return value;
+}
+
+void visitCard(std::string_view card, const std::function<void(std::string_view, std::string_view)>& visit) {
+    walk(card, [&](std::string_view name, std::string_view value) {
+        visit(name, value);
+        return false;
+    });
+}
+
+std::optional<std::string_view> findInCard(std::string_view card, std::string_view name) {
+    std::optional<std::string_view> found;
+    walk(card, [&](std::string_view candidate, std::string_view value) {
+        if (candidate == name)
+            found = value;
+        return found.has_value();
+    });
+    return found;
+}
+
+std::string makeCard(const std::map<std::string, std::string>& values) {
+    Writer body;
+    for (const auto& [name, value] : values) {
+        body.word(name);
+        body.bytes(value);
+    }
+    const std::string bytes = body.take();
+    Writer card;
+    card.eightBytes(checksum(bytes));
+    card.append(bytes);
+    return card.take();
+}
+
+std::optional<std::string> packUid(std::string_view text) {
+    if (text.size() < kUuidText)
+        return std::nullopt;
+    const std::string_view kind = text.substr(kUuidText);
+    if (!kind.empty() && kind != ":ABPerson" && kind != ":ABGroup")
+        return std::nullopt;
+    std::string packed;
+    packed.reserve(kUuidBytes + 1);
+    for (std::size_t at = 0; at < kUuidText; ++at) {
+        if (isDash(at)) {
+            if (text[at] != '-')
+                return std::nullopt;
+            continue;
+        }
+        const auto high = hexDigit(text[at]);
+        const auto low = hexDigit(text[at + 1]);
+        if (!high || !low)
+            return std::nullopt;
+        packed.push_back(static_cast<char>(*high * 16 + *low));
+        ++at;
+    }
+    if (!kind.empty())
+        packed.push_back(kind == ":ABPerson" ? 'P' : 'G');
+    return packed;
+}
+
+std::optional<std::string> unpackUid(std::string_view bytes) {
+    if (bytes.size() != kUuidBytes && bytes.size() != kUuidBytes + 1)
+        return std::nullopt;
+    static constexpr char kDigits[] = "0123456789ABCDEF";
+    std::string text;
+    text.reserve(kUuidText + 9);
+    for (std::size_t i = 0; i < kUuidBytes; ++i) {
+        if (isDash(text.size()))
+            text.push_back('-');
+        const auto byte = static_cast<unsigned char>(bytes[i]);
+        text.push_back(kDigits[byte >> 4]);
+        text.push_back(kDigits[byte & 0xF]);
+    }
+    if (bytes.size() > kUuidBytes)
+        text += bytes.back() == 'P' ? ":ABPerson" : ":ABGroup";
+    return text;
+}
+
+std::string encodeUids(const std::vector<std::string>& uids) {
+    Writer writer;
+    writer.count(uids.size());
+    for (const std::string& uid : uids)
+        writer.identifier(uid);
+    return writer.take();
+}
+
+std::vector<std::string> decodeUids(std::string_view bytes) {
+    Reader reader(bytes);
+    std::vector<std::string> uids(reader.items());
+    for (std::string& uid : uids)
+        uid = reader.identifier();
+    reader.expectEnd();
+    return uids;
+}
+
+int wordCode(std::string_view word) {
+    const auto& codes = wordCodes();
+    const auto found = codes.find(word);
+    return found == codes.end() ? 0 : found->second;
+}
+
+std::string_view wordOf(std::uint64_t code) {
+    return code >= 1 && code <= kWords.size() ? kWords[code - 1] : std::string_view();
+}
+
+} // namespace addressbook

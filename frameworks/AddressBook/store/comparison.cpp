@@ -1,0 +1,283 @@
+#include "comparison.h"
+
+#include "property.h"
+#include "text.h"
+
+#include <algorithm>
+#include <array>
+#include <cmath>
+
+namespace addressbook {
+namespace {
+
+using enum Operation;
+
+constexpr std::array<ComparisonFacts, kComparisonCount> kFacts{{
+    // comparison, operation, negative, ignores case, yearless
+    {Comparison::equal, equal, false, false, false},
+    {Comparison::notEqual, equal, true, false, false},
+    {Comparison::lessThan, less, false, false, false},
+    {Comparison::lessThanOrEqual, lessOrEqual, false, false, false},
+    {Comparison::greaterThan, greater, false, false, false},
+    {Comparison::greaterThanOrEqual, greaterOrEqual, false, false, false},
+    {Comparison::equalCaseInsensitive, equal, false, true, false},
+    {Comparison::containsSubString, contains, false, false, false},
+    {Comparison::containsSubStringCaseInsensitive, contains, false, true, false},
+    {Comparison::prefixMatch, prefix, false, false, false},
+    {Comparison::prefixMatchCaseInsensitive, prefix, false, true, false},
+    {Comparison::bitsInBitFieldMatch, bits, false, false, false},
+    {Comparison::doesNotContainSubString, contains, true, false, false},
+    {Comparison::doesNotContainSubStringCaseInsensitive, contains, true, true, false},
+    {Comparison::notEqualCaseInsensitive, equal, true, true, false},
+    {Comparison::suffixMatch, suffix, false, false, false},
+    {Comparison::suffixMatchCaseInsensitive, suffix, false, true, false},
+    {Comparison::withinIntervalAroundToday, around, false, false, false},
+    {Comparison::withinIntervalAroundTodayYearless, around, false, false, true},
+    {Comparison::notWithinIntervalAroundToday, around, true, false, false},
+    {Comparison::notWithinIntervalAroundTodayYearless, around, true, false, true},
+    {Comparison::withinIntervalFromToday, ahead, false, false, false},
+    {Comparison::withinIntervalFromTodayYearless, ahead, false, false, true},
+    {Comparison::notWithinIntervalFromToday, ahead, true, false, false},
+    {Comparison::notWithinIntervalFromTodayYearless, ahead, true, false, true},
+}};
+
+constexpr bool inOrder() {
+    for (int i = 0; i < kComparisonCount; ++i)
+        if (static_cast<int>(kFacts[static_cast<std::size_t>(i)].comparison) != i)
+            return false;
+    return true;
+}
+static_assert(inOrder());
+
+bool isNumber(const Value& value) {
+    return value.as<std::int64_t>() != nullptr || value.as<double>() != nullptr;
+}
+
+// Exact, although not every integer is a double.
+std::partial_ordering compare(std::int64_t whole, double real) {
+    if (std::isnan(real))
+        return std::partial_ordering::unordered;
+    if (real >= 0x1p63)
+        return std::partial_ordering::less;
+    if (real < -0x1p63)
+        return std::partial_ordering::greater;
+    const double truncated = std::trunc(real);
+    if (const auto order = whole <=> static_cast<std::int64_t>(truncated); order != 0)
+        return order;
+    return truncated <=> real;
+}
+
+std::partial_ordering compareNumbers(const Value& a, const Value& b) {
+    const auto* wholeA = a.as<std::int64_t>();
+    const auto* wholeB = b.as<std::int64_t>();
+    if (wholeA != nullptr && wholeB != nullptr)
+        return *wholeA <=> *wholeB;
+    if (wholeA != nullptr)
+        return compare(*wholeA, *b.as<double>());
+    if (wholeB != nullptr)
+        return 0 <=> compare(*wholeB, *a.as<double>());
+    return *a.as<double>() <=> *b.as<double>();
+}
+
+std::partial_ordering compareOrdered(const Value& a, const Value& b) {
+    if (isNumber(a) && isNumber(b))
+        return compareNumbers(a, b);
+    const auto* dateA = a.as<Date>();
+    const auto* dateB = b.as<Date>();
+    if (dateA != nullptr && dateB != nullptr)
+        return *dateA <=> *dateB;
+    return std::partial_ordering::unordered;
+}
+
+// Whether a value found reads as the value wanted: text in any canonically equivalent form, numbers by their
+// worth, lists and dictionaries item by item.
+bool same(const Value& a, const Value& b) {
+    if (const auto* text = a.as<std::string>()) {
+        const auto* other = b.as<std::string>();
+        return other != nullptr && (*text == *other || normalize(*text) == normalize(*other));
+    }
+    if (isNumber(a) || a.as<Date>() != nullptr)
+        return compareOrdered(a, b) == 0;
+    if (const auto* items = a.as<Array>()) {
+        const auto* others = b.as<Array>();
+        return others != nullptr &&
+               std::equal(items->begin(), items->end(), others->begin(), others->end(), same);
+    }
+    if (const auto* fields = a.as<Dictionary>()) {
+        const auto* others = b.as<Dictionary>();
+        return others != nullptr && std::equal(fields->begin(), fields->end(), others->begin(), others->end(),
+                                               [](const auto& x, const auto& y) {
+                                                   return x.first == y.first && same(x.second, y.second);
+                                               });
+    }
+    return a == b;
+}
+
+bool ordered(Operation operation, std::partial_ordering order) {
+    switch (operation) {
+    case equal:
+        return order == 0;
+    case less:
+        return order < 0;
+    case lessOrEqual:
+        return order <= 0;
+    case greater:
+        return order > 0;
+    case greaterOrEqual:
+        return order >= 0;
+    default:
+        return false;
+    }
+}
+
+double saturated(const Value& number) {
+    const auto* whole = number.as<std::int64_t>();
+    return whole != nullptr ? static_cast<double>(*whole) : *number.as<double>();
+}
+
+// Whether a day that lies [offset] days ahead of today is in the interval.
+bool inInterval(Operation operation, double offset, double days) {
+    if (operation == around)
+        return std::fabs(offset) <= days;
+    return days >= 0 ? offset >= 0 && offset <= days : offset <= 0 && offset >= days;
+}
+
+bool visitOne(const Value& value, const std::string* label, const std::function<bool(const Leaf&)>& visit) {
+    if (visit({value, label, nullptr}))
+        return true;
+    const auto* fields = value.as<Dictionary>();
+    return fields != nullptr && std::any_of(fields->begin(), fields->end(), [&](const auto& field) {
+               return visit({field.second, label, &field.first});
+           });
+}
+
+} // namespace
+
+const ComparisonFacts& factsOf(Comparison comparison) {
+    return kFacts.at(static_cast<std::size_t>(comparison));
+}
+
+bool visitLeaves(const Value& value, const std::function<bool(const Leaf&)>& visit) {
+    if (value.empty())
+        return false;
+    const auto* list = value.as<MultiValue>();
+    if (list == nullptr)
+        return visitOne(value, nullptr, visit);
+    return std::any_of(list->entries.begin(), list->entries.end(),
+                       [&](const Entry& entry) { return visitOne(entry.value, &entry.label, visit); });
+}
+
+Matcher::Matcher(const Condition& condition, Date now)
+    : condition_(condition), facts_(factsOf(condition.comparison)) {
+    if (const auto* text = condition.value.as<std::string>())
+        text_ = facts_.ignoresCase ? fold(*text) : normalize(*text);
+    if (facts_.operation == around || facts_.operation == ahead) {
+        today_ = localDay(now);
+        if (isNumber(condition.value))
+            days_ = saturated(condition.value);
+        else
+            today_.reset(); // an interval needs a number of days: nothing is within any other
+    }
+}
+
+bool Matcher::holds(const Value& value) const {
+    if (condition_.value.empty() && condition_.comparison != Comparison::equal &&
+        condition_.comparison != Comparison::notEqual)
+        return false;
+    return anyMeets(value) != facts_.negative;
+}
+
+bool Matcher::anyMeets(const Value& value) const {
+    return visitLeaves(value, [&](const Leaf& leaf) { return admits(leaf) && meets(leaf.value); });
+}
+
+bool Matcher::admits(const Leaf& leaf) const {
+    if (condition_.label && leaf.label != nullptr && *leaf.label != *condition_.label)
+        return false;
+    if (!condition_.key)
+        return true;
+    return leaf.key != nullptr ? *leaf.key == *condition_.key : leaf.value.as<Dictionary>() == nullptr;
+}
+
+bool Matcher::meets(const Value& value) const {
+    if (condition_.value.empty())
+        return condition_.comparison == Comparison::equal || condition_.comparison == Comparison::notEqual;
+    if (const auto* text = value.as<std::string>()) {
+        if (!text_)
+            return false;
+        return facts_.ignoresCase ? meetsText({}, fold(*text)) : meetsText(normalize(*text), {});
+    }
+    switch (facts_.operation) {
+    case equal:
+        return same(value, condition_.value);
+    case less:
+    case lessOrEqual:
+    case greater:
+    case greaterOrEqual:
+        return ordered(facts_.operation, compareOrdered(value, condition_.value));
+    case bits: {
+        const auto* held = value.as<std::int64_t>();
+        const auto* wanted = condition_.value.as<std::int64_t>();
+        return held != nullptr && wanted != nullptr && (*held & *wanted) == *wanted;
+    }
+    case around:
+    case ahead:
+        return meetsInterval(value);
+    case contains:
+    case prefix:
+    case suffix:
+        return false;
+    }
+    return false;
+}
+
+bool Matcher::meetsText(std::string_view normalized, std::string_view folded) const {
+    if (!text_)
+        return false;
+    const std::string_view text = facts_.ignoresCase ? folded : normalized;
+    switch (facts_.operation) {
+    case contains:
+        return text.find(*text_) != std::string_view::npos;
+    case prefix:
+        return text.starts_with(*text_);
+    case suffix:
+        return text.ends_with(*text_);
+    default:
+        // UTF-8 sorts as its code points do.
+        return ordered(facts_.operation, text <=> std::string_view(*text_));
+    }
+}
+
+bool Matcher::meetsInterval(const Value& value) const {
+    if (!today_)
+        return false;
+    if (!facts_.yearless) {
+        const auto day = dayOf(value);
+        return day && inInterval(facts_.operation, static_cast<double>(*day - *today_), days_);
+    }
+    const auto day = monthDayOf(value);
+    if (!day)
+        return false;
+    const std::int64_t year = yearOf(*today_);
+    for (std::int64_t candidate = year - 1; candidate <= year + 1; ++candidate)
+        if (inInterval(facts_.operation, static_cast<double>(anniversary(candidate, *day) - *today_), days_))
+            return true;
+    return false;
+}
+
+bool matches(const Query& query, const RecordView& record, Date now) {
+    if (const auto* compound = std::get_if<Query::Compound>(&query.node)) {
+        const auto child = [&](const Query& part) { return matches(part, record, now); };
+        return compound->join == Query::Join::all
+                   ? std::all_of(compound->children.begin(), compound->children.end(), child)
+                   : std::any_of(compound->children.begin(), compound->children.end(), child);
+    }
+    const auto& condition = std::get<Condition>(query.node);
+    if (condition.kind != record.kind())
+        return false;
+    static const Value kNone;
+    return Matcher(condition, now)
+        .holds(isInternal(condition.property) ? kNone : record.value(condition.property));
+}
+
+} // namespace addressbook

@@ -1,0 +1,221 @@
+#include "folder.h"
+
+#include "schema.h"
+
+#include <fcntl.h>
+#include <sqlite3.h>
+#include <sys/stat.h>
+#include <unistd.h>
+
+#include <cstdlib>
+#include <cstring>
+#include <string>
+#include <system_error>
+
+namespace addressbook {
+namespace {
+
+namespace fs = std::filesystem;
+using Reason = StoreError::Reason;
+
+constexpr mode_t kFolderMode = 0700;
+constexpr mode_t kFileMode = 0600;
+constexpr int kCacheKilobytes = 16 * 1024;
+
+// The value of an environment variable; null when it is unset or empty.
+const char* environment(const char* name) {
+    const char* value = std::getenv(name);
+    return value != nullptr && *value != '\0' ? value : nullptr;
+}
+
+StoreError systemError(const std::string& sentence, const fs::path& path, int error, const char* remedy) {
+    const bool denied = error == EACCES || error == EPERM || error == EROFS;
+    const Reason reason = denied                               ? Reason::readOnly
+                          : error == ENOSPC || error == EDQUOT ? Reason::full
+                                                               : Reason::io;
+    return {reason, sentence + " " + path.string() + " (" + std::generic_category().message(error) +
+                        "): " + remedy + "."};
+}
+
+void makeFolder(const fs::path& folder) {
+    if (mkdir(folder.c_str(), kFolderMode) != 0 && errno != EEXIST)
+        throw systemError("Could not make the address book's folder", folder, errno,
+                          "make it, or choose another place in ADDRESSBOOK_HOME");
+}
+
+void makeFolderAndParents(const fs::path& folder) {
+    if (folder.empty() || fs::exists(folder))
+        return;
+    makeFolderAndParents(folder.parent_path());
+    makeFolder(folder);
+}
+
+// Answers whether the folder is there, having made it when it may.
+bool prepareFolder(const fs::path& folder, bool mayMake) {
+    std::error_code error;
+    const fs::file_status status = fs::status(folder, error);
+    if (fs::is_directory(status))
+        return true;
+    if (fs::exists(status))
+        throw StoreError(Reason::missingFolder,
+                         "The address book's folder " + folder.string() + " is a file: name a folder.");
+    const char* home = environment("ADDRESSBOOK_HOME");
+    if (!mayMake || (home != nullptr && folder == fs::path(home)))
+        return false;
+    if (home == nullptr && folder == Store::defaultFolder()) {
+        makeFolderAndParents(folder);
+        return true;
+    }
+    if (folder.has_parent_path() && !fs::is_directory(folder.parent_path(), error))
+        return false;
+    makeFolder(folder);
+    return true;
+}
+
+std::string uriOf(const fs::path& file, const char* query) {
+    static constexpr char kDigits[] = "0123456789ABCDEF";
+    std::string uri = "file:";
+    for (const char c : fs::absolute(file).string()) {
+        const auto byte = static_cast<unsigned char>(c);
+        if (c == '?' || c == '#' || c == '%') {
+            uri += {'%', kDigits[byte >> 4], kDigits[byte & 0xF]};
+        } else {
+            uri += c;
+        }
+    }
+    return uri + query;
+}
+
+std::unique_ptr<sql::Connection> connect(const fs::path& file, const char* query, int flags,
+                                         std::chrono::milliseconds patience) {
+    auto connection =
+        std::make_unique<sql::Connection>(file, uriOf(file, query), flags | SQLITE_OPEN_URI, patience);
+    connection->execute(
+        "PRAGMA trusted_schema = OFF; PRAGMA cell_size_check = ON; PRAGMA temp_store = MEMORY;"
+        "PRAGMA synchronous = FULL; PRAGMA cache_size = -" +
+        std::to_string(kCacheKilobytes));
+    return connection;
+}
+
+void syncFolder(const fs::path& folder) {
+    const int descriptor = open(folder.c_str(), O_RDONLY | O_DIRECTORY | O_CLOEXEC);
+    if (descriptor < 0)
+        return;
+    fsync(descriptor);
+    close(descriptor);
+}
+
+// Makes an empty address book beside its place and gives it its name only when it is whole: a file of that
+// name is never half-made, whatever ends this process, and of two processes at this the second finds the
+// first one's file.
+void makeFile(const fs::path& file, std::chrono::milliseconds patience) {
+    fs::path draft = file;
+    draft += "." + newUuid() + ".new";
+    const int descriptor = open(draft.c_str(), O_RDWR | O_CREAT | O_EXCL | O_CLOEXEC, kFileMode);
+    if (descriptor < 0)
+        throw systemError("Could not make the address book", file, errno,
+                          "make its folder writable, or choose another place in ADDRESSBOOK_HOME");
+    close(descriptor);
+    struct Remover {
+        const fs::path& path;
+        ~Remover() {
+            std::error_code ignored;
+            fs::remove(path, ignored);
+        }
+    } const remover{draft};
+    {
+        sql::Connection connection(file, uriOf(draft, ""), SQLITE_OPEN_READWRITE | SQLITE_OPEN_URI, patience);
+        connection.execute("PRAGMA synchronous = FULL; PRAGMA journal_mode = WAL");
+        migrate(connection);
+    }
+    if (link(draft.c_str(), file.c_str()) != 0 && errno != EEXIST) {
+        // A file system without links: the name is free unless another process was faster by a hair.
+        if (fs::exists(file))
+            return;
+        std::error_code error;
+        fs::rename(draft, file, error);
+        if (error)
+            throw systemError("Could not make the address book", file, error.value(), "check its folder");
+    }
+    syncFolder(file.parent_path());
+}
+
+// A database in WAL mode needs a file beside it even to be read. Where none can be made and no saved changes
+// wait in the log, the file alone is the whole truth and nobody can be writing it.
+std::unique_ptr<sql::Connection> connectReadOnly(const fs::path& file, std::chrono::milliseconds patience) {
+    try {
+        auto connection = connect(file, "", SQLITE_OPEN_READONLY, patience);
+        schemaVersion(*connection);
+        return connection;
+    } catch (const StoreError& error) {
+        if (error.reason() != Reason::io && error.reason() != Reason::readOnly)
+            throw;
+        fs::path log = file;
+        log += "-wal";
+        std::error_code ignored;
+        if (fs::exists(log, ignored) && fs::file_size(log, ignored) != 0)
+            throw;
+    }
+    return connect(file, "?immutable=1", SQLITE_OPEN_READONLY, patience);
+}
+
+bool isWritable(const fs::path& file) {
+    return access(file.c_str(), R_OK | W_OK) == 0 && access(file.parent_path().c_str(), W_OK | X_OK) == 0;
+}
+
+void checkVersion(sql::Connection& connection) {
+    const auto current = static_cast<int>(migrations().size());
+    if (schemaVersion(connection) < current)
+        throw StoreError(Reason::readOnly,
+                         "The address book " + connection.file().string() +
+                             " is of an older version and may not be written: open it once where it "
+                             "may be written.");
+    migrate(connection); // nothing to do, or the error about a newer version
+}
+
+} // namespace
+
+fs::path Store::defaultFolder() {
+    if (const char* home = environment("ADDRESSBOOK_HOME"))
+        return home;
+    if (const char* data = environment("XDG_DATA_HOME"))
+        return fs::path(data) / "AddressBook";
+    const char* home = environment("HOME");
+    return fs::path(home != nullptr ? home : "/") / ".local/share/AddressBook";
+}
+
+OpenedFile openAddressBook(const fs::path& folder, Store::Access mode, std::chrono::milliseconds patience) {
+    const bool wantsWrite = mode == Store::Access::readWrite;
+    if (!prepareFolder(folder, wantsWrite))
+        throw StoreError(Reason::missingFolder, "The address book's folder " + folder.string() +
+                                                    " does not exist: make it, or correct ADDRESSBOOK_HOME.");
+    const fs::path file = folder / kFileName;
+    std::error_code error;
+    const fs::file_status status = fs::status(file, error);
+    if (!fs::exists(status)) {
+        if (status.type() != fs::file_type::not_found)
+            throw systemError("Could not look for the address book", file, error.value(),
+                              "check that you may enter its folder");
+        if (!wantsWrite)
+            throw StoreError(Reason::missingFolder,
+                             "There is no address book in " + folder.string() +
+                                 ": import something first, or correct ADDRESSBOOK_HOME.");
+        makeFile(file, patience);
+    } else if (!fs::is_regular_file(status) || fs::file_size(file, error) == 0) {
+        throw StoreError(Reason::notADatabase,
+                         "The address book " + file.string() +
+                             (fs::is_regular_file(status) ? " is an empty file" : " is no file") +
+                             ": restore it from a backup, or move it away to begin a new one.");
+    }
+    if (wantsWrite && isWritable(file)) {
+        auto connection = connect(file, "", SQLITE_OPEN_READWRITE, patience);
+        migrate(*connection);
+        connection->execute("PRAGMA journal_mode = WAL; PRAGMA journal_size_limit = 4194304");
+        return {std::move(connection), false};
+    }
+    auto connection = connectReadOnly(file, patience);
+    checkVersion(*connection);
+    return {std::move(connection), true};
+}
+
+} // namespace addressbook

@@ -1,0 +1,69 @@
+#pragma once
+
+// What the parts of Store share; included by its sources only.
+
+#include "folder.h"
+#include "sql.h"
+#include "store.h"
+
+#include <optional>
+#include <string>
+#include <string_view>
+#include <unordered_map>
+#include <utility>
+
+namespace addressbook {
+
+// A unique id as the database keeps it.
+class StoredUid {
+  public:
+    explicit StoredUid(std::string_view uid);
+    // Binds it as the next parameter; this object must outlive the run.
+    void bind(sql::Run& run) const;
+
+  private:
+    std::string stored_;
+    bool packed_;
+};
+
+// One row of the table `record`.
+struct RecordRow {
+    RowId id = 0;
+    Kind kind = Kind::person;
+    std::string uid;
+    Date creation, modification;
+    std::string card;
+};
+
+struct Store::Impl {
+    Impl(const std::filesystem::path& folder, Access access, std::chrono::milliseconds patience);
+
+    OpenedFile opened;
+    sql::Connection& db;
+    // Numbers of property names that this connection has met.
+    std::unordered_map<std::string, std::int64_t> propertyIds[2];
+
+    // The number of a property, none when no record ever had it.
+    std::optional<std::int64_t> propertyId(Kind kind, std::string_view name);
+    // The same, giving it a number when it has none; inside a write transaction.
+    std::int64_t ensureProperty(Kind kind, std::string_view name);
+
+    // A record's row.
+    std::optional<RecordRow> record(RowId id);
+    std::optional<RecordRow> record(std::string_view uid);
+
+    // The value that a row holds of any property but the picture.
+    Value valueOf(const RecordRow& row, std::string_view property) const;
+    // The row that a run over (id, kind, uid, creation, modification, card) stands on.
+    RecordRow rowFrom(const sql::Run& run) const;
+    // The values of the card alone.
+    std::map<std::string, Value> cardValues(const RecordRow& row) const;
+
+    // The unique id in a column.
+    std::string uidIn(const sql::Run& run, int column) const;
+
+    // Reports that the content of a record makes no sense.
+    [[noreturn]] void damaged(RowId row, const std::string& what) const;
+};
+
+} // namespace addressbook

@@ -1,0 +1,179 @@
+#include "index.h"
+
+#include "card.h"
+#include "comparison.h"
+#include "text.h"
+
+#include <algorithm>
+#include <cmath>
+
+namespace addressbook {
+namespace {
+
+constexpr std::size_t kGathered = 100'000; // terms kept in memory before they are written
+
+// Binds a term's columns in the order of its key.
+void bind(sql::Run& run, const Term& term) {
+    const auto word = [&](const TermWord& value) {
+        if (const auto* text = std::get_if<std::string>(&value))
+            run.bindText(*text);
+        else
+            run.bindInteger(std::get<std::int64_t>(value));
+    };
+    run.bindInteger(term.property);
+    if (const auto* text = std::get_if<std::string>(&term.folded))
+        run.bindText(*text);
+    else if (const auto* whole = std::get_if<std::int64_t>(&term.folded))
+        run.bindInteger(*whole);
+    else if (const auto* real = std::get_if<double>(&term.folded))
+        run.bindReal(*real);
+    else
+        run.bindBytes({});
+    run.bindText(term.exact).bindInteger(term.record);
+    word(term.label);
+    word(term.key);
+    run.bindInteger(term.type);
+}
+
+Term termOf(std::int64_t record, std::int64_t property, const Leaf& leaf) {
+    Term term;
+    term.property = property;
+    term.record = record;
+    term.label = termWord(leaf.label);
+    term.key = termWord(leaf.key);
+    term.type = static_cast<int>(leaf.value.index());
+    if (const auto* text = leaf.value.as<std::string>()) {
+        const std::string normalized = normalize(*text);
+        const std::string folded = foldNormalized(normalized);
+        term.exact = beginning(normalized, kTermBytes);
+        term.folded = std::string(beginning(folded, kTermBytes));
+        if (normalized.size() > kTermBytes || folded.size() > kTermBytes)
+            term.type |= kCutTerm;
+    } else if (const auto* whole = leaf.value.as<std::int64_t>()) {
+        term.folded = *whole;
+    } else if (const auto* real = leaf.value.as<double>(); real != nullptr && !std::isnan(*real)) {
+        term.folded = *real;
+    } else if (const auto* date = leaf.value.as<Date>(); date != nullptr && !std::isnan(date->seconds)) {
+        term.folded = date->seconds;
+    } else {
+        term.folded = Bytes();
+    }
+    return term;
+}
+
+// Appends [folded] as the trigram index keeps it; answers whether nothing was replaced.
+bool appendIndexed(std::string& out, std::string_view folded) {
+    bool unchanged = true;
+    for (std::size_t i = 0; i < folded.size(); ++i) {
+        const char c = folded[i];
+        if (c == '\0' || c == kTextBorder || c == kReplaced) {
+            out.push_back(kReplaced);
+            unchanged = false;
+        } else if (c == '\xED' && i + 2 < folded.size() &&
+                   static_cast<unsigned char>(folded[i + 1]) >= 0xA0) {
+            out.push_back(kReplaced); // a surrogate
+            unchanged = false;
+            i += 2;
+        } else if (c == '\xEF' && folded.substr(i, 2) == "\xEF\xBF" && i + 2 < folded.size() &&
+                   folded[i + 2] >= '\xBD') {
+            out.push_back(kReplaced); // U+FFFD, and what the tokenizer turns into it
+            unchanged = false;
+            i += 2;
+        } else {
+            out.push_back(c);
+        }
+    }
+    return unchanged;
+}
+
+} // namespace
+
+TermWord termWord(const std::string* word) {
+    if (word == nullptr)
+        return std::int64_t{0};
+    if (const int code = wordCode(*word))
+        return std::int64_t{code};
+    return *word;
+}
+
+std::vector<Term> termsOf(std::int64_t record, std::int64_t property, const Value& value) {
+    std::vector<Term> terms;
+    visitLeaves(value, [&](const Leaf& leaf) {
+        // A dictionary is known by its fields, if it has any.
+        const auto* fields = leaf.value.as<Dictionary>();
+        if (fields == nullptr || fields->empty() || leaf.key != nullptr)
+            terms.push_back(termOf(record, property, leaf));
+        return false;
+    });
+    if (terms.empty() && !value.empty()) {
+        Term& term = terms.emplace_back();
+        term.property = property;
+        term.record = record;
+        term.folded = Bytes();
+        term.type = kEmptyList;
+    }
+    std::sort(terms.begin(), terms.end());
+    terms.erase(std::unique(terms.begin(), terms.end()), terms.end());
+    return terms;
+}
+
+std::string trigramText(const Value& value) {
+    std::string out;
+    visitLeaves(value, [&](const Leaf& leaf) {
+        if (const auto* text = leaf.value.as<std::string>()) {
+            if (out.empty())
+                out.push_back(kTextBorder);
+            appendIndexed(out, fold(*text));
+            out.push_back(kTextBorder);
+        }
+        return false;
+    });
+    return out;
+}
+
+TrigramNeedle trigramNeedle(std::string_view folded) {
+    TrigramNeedle needle;
+    needle.exact = appendIndexed(needle.text, folded);
+    return needle;
+}
+
+void IndexWriter::add(std::int64_t record, std::int64_t property, const Value& value) {
+    auto terms = termsOf(record, property, value);
+    std::move(terms.begin(), terms.end(), std::back_inserter(terms_));
+    if (const std::string text = trigramText(value); !text.empty())
+        connection_.run("INSERT INTO trigram(rowid, text) VALUES (?, ?)")
+            .bindInteger(trigramRow(record, property))
+            .bindText(text)
+            .finish();
+    if (terms_.size() >= kGathered)
+        flush();
+}
+
+void IndexWriter::remove(std::int64_t record, std::int64_t property, const Value& value) {
+    flush();
+    for (const Term& term : termsOf(record, property, value)) {
+        auto run =
+            connection_.run("DELETE FROM term WHERE property = ? AND folded = ? AND exact = ? AND record = ? "
+                            "AND label = ? AND key = ? AND type = ?");
+        bind(run, term);
+        run.finish();
+    }
+    if (const std::string text = trigramText(value); !text.empty())
+        connection_.run("INSERT INTO trigram(trigram, rowid, text) VALUES ('delete', ?, ?)")
+            .bindInteger(trigramRow(record, property))
+            .bindText(text)
+            .finish();
+}
+
+void IndexWriter::flush() {
+    std::sort(terms_.begin(), terms_.end());
+    for (const Term& term : terms_) {
+        auto run = connection_.run("INSERT INTO term(property, folded, exact, record, label, key, type) "
+                                   "VALUES (?, ?, ?, ?, ?, ?, ?)");
+        bind(run, term);
+        run.finish();
+    }
+    terms_.clear();
+}
+
+} // namespace addressbook

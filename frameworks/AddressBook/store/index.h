@@ -1,0 +1,82 @@
+#pragma once
+
+// What makes searches fast: for each value a row in `term`, ordered by its folded text or its number, and for
+// each property's text the trigrams of its folded form. Everything here follows from the cards and can be
+// made again.
+
+#include "sql.h"
+#include "value.h"
+
+#include <cstdint>
+#include <map>
+#include <string>
+#include <string_view>
+#include <variant>
+#include <vector>
+
+namespace addressbook {
+
+// Terms keep this many bytes of a text; a longer one is looked up in its card.
+inline constexpr std::size_t kTermBytes = 64;
+// Added to a term's type when its text was cut.
+inline constexpr int kCutTerm = 0x100;
+// The type of the term that stands for a list without entries; no search finds it.
+inline constexpr int kEmptyList = 9;
+
+// A label or key in a term: 0 for none, a well-known word's number, or its text.
+using TermWord = std::variant<std::int64_t, std::string>;
+TermWord termWord(const std::string* word);
+
+// One row of the table `term`.
+struct Term {
+    std::int64_t property = 0;
+    // Text: the folded and the normalized form, both perhaps cut. Numbers and dates: the number, and nothing.
+    // Anything else: no bytes, and nothing.
+    std::variant<std::string, std::int64_t, double, Bytes> folded;
+    std::string exact;
+    std::int64_t record = 0;
+    TermWord label, key;
+    int type = 0; // Value::index(), perhaps with kCutTerm
+    auto operator<=>(const Term&) const = default;
+};
+
+// All terms of a property's value, ordered, each once.
+std::vector<Term> termsOf(std::int64_t record, std::int64_t property, const Value& value);
+
+// The text whose trigrams are kept: each text value folded, with a kTextBorder before and behind it; empty
+// when there is no text. Characters that the tokenizer would not take one for one are replaced by kReplaced.
+inline constexpr char kTextBorder = '\x1F';
+inline constexpr char kReplaced = '\x1E';
+std::string trigramText(const Value& value);
+
+// A folded text as trigramText writes it, and whether it is written unchanged, so that what is found by it is
+// exact.
+struct TrigramNeedle {
+    std::string text;
+    bool exact = true;
+};
+TrigramNeedle trigramNeedle(std::string_view folded);
+
+// The rowid of a property's text in the table `trigram`.
+inline constexpr std::int64_t kMostProperties = 65536;
+constexpr std::int64_t trigramRow(std::int64_t record, std::int64_t property) {
+    return record * kMostProperties + property;
+}
+
+// Writes both indexes inside the caller's transaction. Additions are gathered and written in order, which is
+// many times faster than one by one; flush() before the transaction ends.
+class IndexWriter {
+  public:
+    explicit IndexWriter(sql::Connection& connection) : connection_(connection) {}
+
+    void add(std::int64_t record, std::int64_t property, const Value& value);
+    // [value] is the one that was added.
+    void remove(std::int64_t record, std::int64_t property, const Value& value);
+    void flush();
+
+  private:
+    sql::Connection& connection_;
+    std::vector<Term> terms_;
+};
+
+} // namespace addressbook

@@ -1,0 +1,348 @@
+// Saving: one transaction that writes everything or nothing.
+
+#include "impl.h"
+
+#include "card.h"
+#include "index.h"
+
+#include <algorithm>
+#include <stdexcept>
+#include <unordered_set>
+
+namespace addressbook {
+namespace {
+
+using Reason = StoreError::Reason;
+
+constexpr std::size_t kMostLogged =
+    100'000; // unique ids that one save logs; more are "anything may have changed"
+constexpr std::int64_t kLoggedSaves = 1'000; // saves that the log keeps
+
+bool isKept(std::string_view property) {
+    return property == property::kUid || property == property::kCreation ||
+           property == property::kModification;
+}
+
+// The work of one save, inside its transaction.
+class Saver {
+  public:
+    Saver(Store::Impl& impl, const ChangeSet& changes)
+        : impl_(impl), db_(impl.db), changes_(changes), index_(db_) {}
+
+    SaveResult run() {
+        for (const PropertyDefinition& definition : changes_.removedDefinitions)
+            undefine(definition);
+        for (const PropertyDefinition& definition : changes_.definitions)
+            define(definition);
+        for (const std::string& uid : changes_.removed)
+            removeRecord(uid);
+        for (const RecordChange& change : changes_.records)
+            writeRecord(change);
+        for (const MembershipChange& change : changes_.memberships)
+            writeMembership(change);
+        if (changes_.me)
+            writeMe(*changes_.me);
+        index_.flush();
+        if (wrote_ || !changed_.empty() || !result_.deleted.empty())
+            log();
+        return std::move(result_);
+    }
+
+  private:
+    // Definitions.
+    void define(const PropertyDefinition& definition);
+    void undefine(const PropertyDefinition& definition);
+
+    // Records.
+    void removeRecord(const std::string& uid);
+    void writeRecord(const RecordChange& change);
+    void insertRecord(const RecordChange& change);
+    void updateRecord(RecordRow row, const std::map<std::string, Value>& values);
+    void writePicture(RowId row, const Value& value);
+    void touch(const RecordRow& row);
+    void updated(const RecordRow& row);
+
+    // What refers to records.
+    void writeMembership(const MembershipChange& change);
+    void refuseCycle(RowId group, RowId member, const MembershipChange& change);
+    void writeMe(const std::string& uid);
+    void missing(const std::string& uid);
+    void log();
+
+    [[noreturn]] void refuse(const std::string& what) const {
+        throw StoreError(Reason::refused,
+                         "The address book " + db_.file().string() + " was not changed: " + what + ".");
+    }
+    std::int64_t propertyOf(const RecordRow& row, std::string_view name) {
+        return impl_.ensureProperty(row.kind, name);
+    }
+
+    Store::Impl& impl_;
+    sql::Connection& db_;
+    const ChangeSet& changes_;
+    IndexWriter index_;
+    SaveResult result_;
+    std::unordered_set<RowId> changed_; // inserted or updated
+    bool wrote_ = false;                // something that belongs to no record
+    std::unordered_set<std::string> missing_;
+    const std::unordered_set<std::string_view> removed_{changes_.removed.begin(), changes_.removed.end()};
+};
+
+void Saver::define(const PropertyDefinition& definition) {
+    if (isInternal(definition.name) || builtInType(definition.kind, definition.name) != 0)
+        refuse("the property \"" + definition.name + "\" belongs to the address book itself");
+    db_.run("INSERT OR IGNORE INTO definition(property, type) VALUES (?, ?)")
+        .bindInteger(impl_.ensureProperty(definition.kind, definition.name))
+        .bindInteger(definition.type)
+        .finish();
+    wrote_ |= db_.changes() > 0;
+}
+
+void Saver::undefine(const PropertyDefinition& definition) {
+    const auto property = impl_.propertyId(definition.kind, definition.name);
+    if (!property)
+        return;
+    db_.run("DELETE FROM definition WHERE property = ?").bindInteger(*property).finish();
+    if (db_.changes() == 0)
+        return;
+    wrote_ = true;
+    std::vector<RowId> rows;
+    for (auto run = std::move(db_.run("SELECT DISTINCT record FROM term WHERE property = ? ORDER BY record")
+                                  .bindInteger(*property));
+         run.step();)
+        rows.push_back(run.integer(0));
+    for (const RowId id : rows)
+        if (auto row = impl_.record(id))
+            updateRecord(std::move(*row), {{definition.name, Value()}});
+}
+
+void Saver::removeRecord(const std::string& uid) {
+    const auto row = impl_.record(uid);
+    if (!row)
+        return;
+    for (const auto& [name, value] : impl_.cardValues(*row))
+        if (!isInternal(name))
+            index_.remove(row->id, propertyOf(*row, name), value);
+    index_.remove(row->id, propertyOf(*row, property::kCreation), row->creation);
+    index_.remove(row->id, propertyOf(*row, property::kModification), row->modification);
+    db_.run("DELETE FROM picture WHERE record = ?").bindInteger(row->id).finish();
+    db_.run("DELETE FROM membership WHERE parent = ?").bindInteger(row->id).finish();
+    db_.run("DELETE FROM membership WHERE member = ?").bindInteger(row->id).finish();
+    db_.run("DELETE FROM meta WHERE name = 'me' AND value = ?").bindText(uid).finish();
+    db_.run("DELETE FROM record WHERE id = ?").bindInteger(row->id).finish();
+    result_.deleted.push_back(uid);
+}
+
+void Saver::writeRecord(const RecordChange& change) {
+    if (change.insert)
+        return insertRecord(change);
+    if (auto row = impl_.record(change.uid))
+        updateRecord(std::move(*row), change.values);
+    else if (!removed_.contains(change.uid))
+        missing(change.uid);
+}
+
+void Saver::insertRecord(const RecordChange& change) {
+    RecordRow row{.id = 0,
+                  .kind = change.kind,
+                  .uid = change.uid,
+                  .creation = changes_.time,
+                  .modification = changes_.time,
+                  .card = {}};
+    std::map<std::string, std::string> values;
+    for (const auto& [name, value] : change.values)
+        if (!value.empty() && !isKept(name) && name != property::kImage)
+            values.emplace(name, encodeValue(value));
+    row.card = makeCard(values);
+    if (const auto creation = change.values.find(std::string(property::kCreation));
+        creation != change.values.end())
+        if (const auto* date = creation->second.as<Date>())
+            row.creation = *date;
+    {
+        const StoredUid uid(row.uid);
+        auto run = db_.run(
+            "INSERT OR IGNORE INTO record(kind, uid, creation, modification, card) VALUES (?, ?, ?, ?, ?)");
+        run.bindInteger(static_cast<int>(row.kind));
+        uid.bind(run);
+        run.bindReal(row.creation.seconds).bindReal(row.modification.seconds).bindBytes(row.card).finish();
+    }
+    if (db_.changes() == 0)
+        refuse("there is already a record " + row.uid);
+    row.id = db_.lastRow();
+    for (const auto& [name, value] : change.values) {
+        if (name == property::kImage)
+            writePicture(row.id, value);
+        else if (!value.empty() && !isKept(name) && !isInternal(name))
+            index_.add(row.id, propertyOf(row, name), value);
+    }
+    index_.add(row.id, propertyOf(row, property::kCreation), row.creation);
+    index_.add(row.id, propertyOf(row, property::kModification), row.modification);
+    changed_.insert(row.id);
+    result_.inserted.push_back(row.uid);
+}
+
+void Saver::updateRecord(RecordRow row, const std::map<std::string, Value>& values) {
+    std::map<std::string, std::string> kept;
+    try {
+        visitCard(row.card,
+                  [&](std::string_view name, std::string_view bytes) { kept.emplace(name, bytes); });
+        for (const auto& [name, value] : values) {
+            if (isKept(name))
+                continue;
+            if (name == property::kImage) {
+                writePicture(row.id, value);
+                continue;
+            }
+            const auto old = kept.find(name);
+            std::string bytes = value.empty() ? std::string() : encodeValue(value);
+            if (old == kept.end() ? value.empty() : old->second == bytes)
+                continue;
+            const bool searched = !isInternal(name);
+            if (searched && old != kept.end())
+                index_.remove(row.id, propertyOf(row, name), decodeValue(old->second));
+            if (searched && !value.empty())
+                index_.add(row.id, propertyOf(row, name), value);
+            if (value.empty())
+                kept.erase(old);
+            else
+                kept.insert_or_assign(name, std::move(bytes));
+        }
+    } catch (const DamagedCard& error) {
+        impl_.damaged(row.id, error.what());
+    }
+    db_.run("UPDATE record SET card = ? WHERE id = ?").bindBytes(makeCard(kept)).bindInteger(row.id).finish();
+    touch(row);
+}
+
+void Saver::writePicture(RowId row, const Value& value) {
+    if (value.empty()) {
+        db_.run("DELETE FROM picture WHERE record = ?").bindInteger(row).finish();
+        return;
+    }
+    const auto* data = value.as<Bytes>();
+    if (data == nullptr)
+        refuse("a picture must be data");
+    db_.run("INSERT OR REPLACE INTO picture(record, data) VALUES (?, ?)")
+        .bindInteger(row)
+        .bindBytes({reinterpret_cast<const char*>(data->data()), data->size()})
+        .finish();
+}
+
+void Saver::touch(const RecordRow& row) {
+    if (!changed_.insert(row.id).second)
+        return;
+    result_.updated.push_back(row.uid);
+    if (row.modification == changes_.time)
+        return;
+    const std::int64_t property = propertyOf(row, property::kModification);
+    index_.remove(row.id, property, row.modification);
+    index_.add(row.id, property, changes_.time);
+    db_.run("UPDATE record SET modification = ? WHERE id = ?")
+        .bindReal(changes_.time.seconds)
+        .bindInteger(row.id)
+        .finish();
+}
+
+void Saver::writeMembership(const MembershipChange& change) {
+    if (removed_.contains(change.group))
+        return;
+    const auto group = impl_.record(change.group);
+    if (!group || group->kind != Kind::group)
+        return missing(change.group);
+    const auto member = impl_.record(change.member);
+    if (!member) {
+        if (change.add && !removed_.contains(change.member))
+            missing(change.member);
+        return;
+    }
+    if (change.add) {
+        if (member->kind == Kind::group)
+            refuseCycle(group->id, member->id, change);
+        db_.run("INSERT OR IGNORE INTO membership(parent, place, member, kind) VALUES "
+                "(?1, (SELECT coalesce(max(place), 0) + 1 FROM membership WHERE parent = ?1), ?2, ?3)")
+            .bindInteger(group->id)
+            .bindInteger(member->id)
+            .bindInteger(static_cast<int>(member->kind))
+            .finish();
+    } else {
+        db_.run("DELETE FROM membership WHERE member = ? AND parent = ?")
+            .bindInteger(member->id)
+            .bindInteger(group->id)
+            .finish();
+    }
+    if (db_.changes() > 0)
+        touch(*group);
+}
+
+void Saver::refuseCycle(RowId group, RowId member, const MembershipChange& change) {
+    auto run =
+        db_.run("WITH RECURSIVE above(id) AS (VALUES (?1) UNION SELECT parent FROM membership JOIN above ON "
+                "member = above.id) SELECT 1 FROM above WHERE id = ?2");
+    run.bindInteger(group).bindInteger(member);
+    if (run.step())
+        refuse("the group " + change.group + " would contain itself through " + change.member);
+}
+
+void Saver::writeMe(const std::string& uid) {
+    if (uid.empty()) {
+        db_.run("DELETE FROM meta WHERE name = 'me'").finish();
+        wrote_ |= db_.changes() > 0;
+        return;
+    }
+    if (removed_.contains(uid))
+        return;
+    if (!impl_.record(uid))
+        return missing(uid);
+    db_.run("INSERT OR REPLACE INTO meta(name, value) VALUES ('me', ?)").bindText(uid).finish();
+    wrote_ = true;
+}
+
+void Saver::missing(const std::string& uid) {
+    if (missing_.insert(uid).second)
+        result_.missing.push_back(uid);
+}
+
+void Saver::log() {
+    const bool all = result_.inserted.size() + result_.updated.size() + result_.deleted.size() > kMostLogged;
+    const auto encoded = [&](const std::vector<std::string>& uids) {
+        return encodeUids(all ? std::vector<std::string>() : uids);
+    };
+    const std::string inserted = encoded(result_.inserted);
+    const std::string updated = encoded(result_.updated);
+    const std::string deleted = encoded(result_.deleted);
+    db_.run("INSERT INTO change(inserted, updated, deleted) VALUES (?, ?, ?)")
+        .bindBytes(inserted)
+        .bindBytes(updated)
+        .bindBytes(deleted)
+        .finish();
+    result_.change = db_.lastRow();
+    db_.run("DELETE FROM change WHERE id <= ?").bindInteger(result_.change - kLoggedSaves).finish();
+}
+
+} // namespace
+
+SaveResult Store::save(const ChangeSet& changes) {
+    if (changes.empty())
+        return {};
+    if (impl_->opened.readOnly)
+        throw StoreError(Reason::readOnly,
+                         "The address book " + file().string() +
+                             " may only be read: make the file and its folder writable and try again.");
+    try {
+        sql::Transaction transaction(impl_->db, sql::Transaction::Mode::write);
+        SaveResult result = Saver(*impl_, changes).run();
+        transaction.commit();
+        return result;
+    } catch (const std::length_error& error) {
+        for (auto& known : impl_->propertyIds)
+            known.clear();
+        throw StoreError(Reason::refused,
+                         "The address book " + file().string() + " was not changed: " + error.what() + ".");
+    } catch (...) {
+        for (auto& known : impl_->propertyIds)
+            known.clear(); // numbers given in the transaction are gone with it
+        throw;
+    }
+}
+
+} // namespace addressbook

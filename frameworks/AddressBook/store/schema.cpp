@@ -1,0 +1,130 @@
+#include "schema.h"
+
+namespace addressbook {
+namespace {
+
+// Columns without a type keep numbers, text and bytes exactly as they are given.
+constexpr const char* kVersion1 = R"(
+-- People and groups. A row's number is never used again, so that order is the order of adding for ever. The card holds
+-- the values of all properties but the picture (see card.h); uid is packed where it can be (packUid).
+CREATE TABLE record (
+    id INTEGER PRIMARY KEY AUTOINCREMENT,
+    kind INTEGER NOT NULL,
+    uid NOT NULL UNIQUE,
+    creation REAL NOT NULL,
+    modification REAL NOT NULL,
+    card BLOB NOT NULL
+);
+CREATE INDEX record_kind ON record (kind);
+
+CREATE TABLE picture (
+    record INTEGER PRIMARY KEY,
+    data BLOB NOT NULL
+);
+
+-- Numbers for the names of properties, one for each kind of record.
+CREATE TABLE property (
+    id INTEGER PRIMARY KEY,
+    kind INTEGER NOT NULL,
+    name NOT NULL,
+    UNIQUE (kind, name)
+);
+
+-- Properties that users added.
+CREATE TABLE definition (
+    id INTEGER PRIMARY KEY AUTOINCREMENT,
+    property INTEGER NOT NULL UNIQUE,
+    type INTEGER NOT NULL
+);
+
+-- Every value that searches look at, and every property that is set: the values in their compared forms, cut to a
+-- length that is good for an index (see index.h).
+CREATE TABLE term (
+    property INTEGER NOT NULL,
+    folded NOT NULL,
+    exact NOT NULL,
+    record INTEGER NOT NULL,
+    label NOT NULL,
+    key NOT NULL,
+    type INTEGER NOT NULL,
+    PRIMARY KEY (property, folded, exact, record, label, key, type)
+) WITHOUT ROWID;
+
+-- The folded text of one property of one record, by trigrams; rowid = record * 65536 + property.
+CREATE VIRTUAL TABLE trigram USING fts5(text, content='', columnsize=0, tokenize='trigram case_sensitive 1');
+
+CREATE TABLE membership (
+    parent INTEGER NOT NULL,
+    place INTEGER NOT NULL,
+    member INTEGER NOT NULL,
+    kind INTEGER NOT NULL,
+    PRIMARY KEY (parent, place)
+) WITHOUT ROWID;
+CREATE UNIQUE INDEX membership_member ON membership (member, parent);
+
+-- One row per save; the lists are unique ids (encodeUids). All empty: anything may have changed.
+CREATE TABLE change (
+    id INTEGER PRIMARY KEY AUTOINCREMENT,
+    inserted BLOB NOT NULL,
+    updated BLOB NOT NULL,
+    deleted BLOB NOT NULL
+);
+
+CREATE TABLE meta (
+    name TEXT PRIMARY KEY,
+    value
+) WITHOUT ROWID;
+)";
+
+std::int64_t pragma(sql::Connection& connection, const char* sql) {
+    auto run = connection.run(sql);
+    return run.step() ? run.integer(0) : 0;
+}
+
+} // namespace
+
+std::span<const Migration> migrations() {
+    static const Migration steps[] = {
+        [](sql::Connection& connection) { connection.execute(kVersion1); },
+    };
+    return steps;
+}
+
+int schemaVersion(sql::Connection& connection) {
+    const auto application = pragma(connection, "PRAGMA application_id");
+    const auto version = pragma(connection, "PRAGMA user_version");
+    const bool isEmpty = pragma(connection, "SELECT count(*) FROM sqlite_schema") == 0;
+    if (application == kApplicationId && version > 0)
+        return static_cast<int>(version);
+    if (application == 0 && version == 0 && isEmpty)
+        return 0;
+    throw StoreError(
+        StoreError::Reason::notADatabase,
+        "The file " + connection.file().string() +
+            " is a database of another program, not an address book: move it away or choose another "
+            "folder.");
+}
+
+void migrate(sql::Connection& connection, std::span<const Migration> steps) {
+    const auto current = static_cast<int>(steps.size());
+    const auto lacking = [&] {
+        const int version = schemaVersion(connection);
+        if (version > current)
+            throw StoreError(StoreError::Reason::newerSchema,
+                             "The address book " + connection.file().string() +
+                                 " was written by a newer version (" + std::to_string(version) +
+                                 ", this one knows " + std::to_string(current) +
+                                 "): install that version to use it.");
+        return steps.subspan(static_cast<std::size_t>(version));
+    };
+    if (lacking().empty())
+        return;
+    sql::Transaction transaction(connection, sql::Transaction::Mode::write);
+    for (const Migration& step : lacking()) // asked again: another process may have been first
+        step(connection);
+    connection.execute("PRAGMA application_id = " + std::to_string(kApplicationId) +
+                       "; PRAGMA user_version = " + std::to_string(current));
+    transaction.commit();
+}
+
+} // namespace addressbook

@@ -1,0 +1,425 @@
+// Searching. Each condition is answered as an ascending list of rows, from the index that serves it;
+// compounds join the lists. An index only has to find every record that may match: what decides is always the
+// Matcher.
+
+#include "impl.h"
+
+#include "card.h"
+#include "comparison.h"
+#include "index.h"
+#include "text.h"
+
+#include <algorithm>
+#include <iterator>
+
+namespace addressbook {
+namespace {
+
+using Rows = std::vector<RowId>;
+
+constexpr std::size_t kTrigram = 3;
+
+// How a condition is answered, cheapest first.
+enum class Plan { nothing, exact, prefix, trigram, range, scan, everyUid };
+
+// So many records are rather looked at one by one than searching a further condition of a plan, by Plan.
+constexpr std::size_t kFewForPlan[] = {0, 20, 200, 500, 2'000, 20'000, 20'000};
+
+Rows sorted(Rows rows) {
+    if (!std::is_sorted(rows.begin(), rows.end()))
+        std::sort(rows.begin(), rows.end());
+    rows.erase(std::unique(rows.begin(), rows.end()), rows.end());
+    return rows;
+}
+
+std::size_t characters(std::string_view text) {
+    return static_cast<std::size_t>(std::count_if(
+        text.begin(), text.end(), [](char c) { return (static_cast<unsigned char>(c) & 0xC0) != 0x80; }));
+}
+
+// The longest end of [text] that has at most [bytes] bytes and begins with a whole character.
+std::string_view ending(std::string_view text, std::size_t bytes) {
+    if (text.size() <= bytes)
+        return text;
+    text.remove_prefix(text.size() - bytes);
+    while (!text.empty() && (static_cast<unsigned char>(text.front()) & 0xC0) == 0x80)
+        text.remove_prefix(1);
+    return text;
+}
+
+bool isNumeric(const Value& value) {
+    return value.as<std::int64_t>() != nullptr || value.as<double>() != nullptr ||
+           value.as<Date>() != nullptr;
+}
+
+// The least text that sorts behind all texts with this beginning; empty when there is none.
+std::string behindPrefix(std::string prefix) {
+    while (!prefix.empty() && static_cast<unsigned char>(prefix.back()) == 0xFF)
+        prefix.pop_back();
+    if (!prefix.empty())
+        ++prefix.back();
+    return prefix;
+}
+
+// A record in the database as conditions look at it.
+class StoredRecord final : public RecordView {
+  public:
+    StoredRecord(const Store::Impl& impl, const RecordRow& row) : impl_(impl), row_(row) {}
+    Kind kind() const override { return row_.kind; }
+    const Value& value(std::string_view property) const override {
+        return value_ = impl_.valueOf(row_, property);
+    }
+
+  private:
+    const Store::Impl& impl_;
+    const RecordRow& row_;
+    mutable Value value_;
+};
+
+// One condition with all that its SQL binds.
+class ConditionSearch {
+  public:
+    ConditionSearch(Store::Impl& impl, const Condition& condition, Date now)
+        : impl_(impl), matcher_(condition, now), condition_(condition) {
+        plan_ = choose();
+    }
+
+    // What is dear about a negative comparison is the list of all others.
+    Plan plan() const { return matcher_.negative() ? std::max(plan_, Plan::scan) : plan_; }
+
+    Rows find() {
+        if (hopeless())
+            return {};
+        Rows met = sorted(positive());
+        if (!matcher_.negative())
+            return met;
+        Rows all = everyRow();
+        Rows rest;
+        std::set_difference(all.begin(), all.end(), met.begin(), met.end(), std::back_inserter(rest));
+        return rest;
+    }
+
+  private:
+    // A nil value goes with two comparisons only; with the others nothing matches.
+    bool hopeless() const {
+        return condition_.value.empty() && condition_.comparison != Comparison::equal &&
+               condition_.comparison != Comparison::notEqual;
+    }
+
+    Plan choose();
+    Rows positive();
+    Rows terms();
+    Rows trigrams();
+    Rows uids();
+    Rows everyRow();
+    bool verify(RowId row);
+    Value termValue(const sql::Run& run, int type) const;
+
+    // The wanted text in folded form, cut as terms are.
+    std::string foldedTerm() const { return std::string(beginning(folded_, kTermBytes)); }
+
+    Store::Impl& impl_;
+    Matcher matcher_;
+    const Condition& condition_;
+    std::optional<std::int64_t> property_;
+    std::string folded_; // of a wanted text
+    TrigramNeedle needle_;
+    Plan plan_ = Plan::nothing;
+};
+
+Plan ConditionSearch::choose() {
+    if (condition_.property == property::kUid)
+        return Plan::everyUid;
+    if (isInternal(condition_.property))
+        return Plan::nothing;
+    property_ = impl_.propertyId(condition_.kind, condition_.property);
+    if (!property_)
+        return Plan::nothing;
+    const Operation operation = matcher_.facts().operation;
+    if (isNumeric(condition_.value)) {
+        if (operation == Operation::equal)
+            return Plan::exact;
+        const bool ranged = operation == Operation::less || operation == Operation::lessOrEqual ||
+                            operation == Operation::greater || operation == Operation::greaterOrEqual;
+        return ranged ? Plan::range : Plan::scan;
+    }
+    if (!matcher_.wantedText())
+        return Plan::scan;
+    folded_ = matcher_.facts().ignoresCase ? *matcher_.wantedText() : foldNormalized(*matcher_.wantedText());
+    if (operation == Operation::equal)
+        return Plan::exact;
+    if (operation == Operation::prefix)
+        return Plan::prefix;
+    if (operation != Operation::contains && operation != Operation::suffix)
+        return Plan::scan;
+    // A long text is looked for by a part of it.
+    const std::string_view part =
+        operation == Operation::suffix ? ending(folded_, kTermBytes) : beginning(folded_, kTermBytes);
+    needle_ = trigramNeedle(part);
+    needle_.exact = needle_.exact && part.size() == folded_.size();
+    if (operation == Operation::suffix)
+        needle_.text.push_back(kTextBorder);
+    return characters(needle_.text) >= kTrigram ? Plan::trigram : Plan::scan;
+}
+
+Rows ConditionSearch::positive() {
+    switch (plan_) {
+    case Plan::nothing:
+        return {};
+    case Plan::everyUid:
+        return uids();
+    case Plan::trigram:
+        return trigrams();
+    default:
+        return terms();
+    }
+}
+
+// The term's value when it is whole and one that the Matcher can judge by itself.
+Value ConditionSearch::termValue(const sql::Run& run, int type) const {
+    static const int kInteger = static_cast<int>(Value(std::int64_t{}).index());
+    static const int kReal = static_cast<int>(Value(double{}).index());
+    static const int kDate = static_cast<int>(Value(Date{}).index());
+    if (!run.isNumber(2))
+        return {};
+    if (type == kInteger)
+        return run.integer(2);
+    if (type == kReal)
+        return run.real(2);
+    return type == kDate ? Value(Date{run.real(2)}) : Value();
+}
+
+Rows ConditionSearch::terms() {
+    static const int kText = static_cast<int>(Value(std::string()).index());
+    static const int kDictionary = static_cast<int>(Value(Dictionary()).index());
+
+    std::string sql = "SELECT record, type, folded, exact, key FROM term WHERE property = ?";
+    const std::string low = foldedTerm();
+    const std::string high = behindPrefix(low);
+    const std::string exact(matcher_.wantedText() ? beginning(*matcher_.wantedText(), kTermBytes)
+                                                  : std::string_view());
+    const bool numeric = isNumeric(condition_.value);
+    const bool caseCounts = !matcher_.facts().ignoresCase;
+    switch (plan_) {
+    case Plan::exact:
+        sql += numeric || !caseCounts ? " AND folded = ?" : " AND folded = ? AND exact = ?";
+        break;
+    case Plan::prefix:
+        sql += high.empty() ? " AND folded >= ?" : " AND folded >= ? AND folded < ?";
+        break;
+    case Plan::range:
+        // Numbers sort before text.
+        sql += matcher_.facts().operation == Operation::less          ? " AND folded < ?"
+               : matcher_.facts().operation == Operation::lessOrEqual ? " AND folded <= ?"
+               : matcher_.facts().operation == Operation::greater     ? " AND folded > ? AND folded < ''"
+                                                                      : " AND folded >= ? AND folded < ''";
+        break;
+    default:
+        break;
+    }
+    if (condition_.label)
+        sql += " AND (label = 0 OR label = ?)";
+    if (condition_.key)
+        sql += " AND (key = 0 OR key = ?)";
+
+    const TermWord label = termWord(condition_.label ? &*condition_.label : nullptr);
+    const TermWord key = termWord(condition_.key ? &*condition_.key : nullptr);
+    Rows met;
+    Rows doubtful;
+    {
+        auto run = impl_.db.runText(sql);
+        run.bindInteger(*property_);
+        if (plan_ != Plan::scan) {
+            if (const auto* whole = condition_.value.as<std::int64_t>())
+                run.bindInteger(*whole);
+            else if (const auto* real = condition_.value.as<double>())
+                run.bindReal(*real);
+            else if (const auto* date = condition_.value.as<Date>())
+                run.bindReal(date->seconds);
+            else
+                run.bindText(low);
+            if (plan_ == Plan::exact && !numeric && caseCounts)
+                run.bindText(exact);
+            if (plan_ == Plan::prefix && !high.empty())
+                run.bindText(high);
+        }
+        for (const TermWord* word : {condition_.label ? &label : nullptr, condition_.key ? &key : nullptr}) {
+            if (word == nullptr)
+                continue;
+            if (const auto* text = std::get_if<std::string>(word))
+                run.bindText(*text);
+            else
+                run.bindInteger(std::get<std::int64_t>(*word));
+        }
+        while (run.step()) {
+            const RowId row = run.integer(0);
+            const auto type = static_cast<int>(run.integer(1));
+            const bool noField = run.isNumber(4) && run.integer(4) == 0;
+            if (type == kEmptyList || (condition_.key && noField && type == kDictionary))
+                continue;
+            if (condition_.value.empty()) {
+                met.push_back(row);
+            } else if (type == kText) {
+                const bool meets = matcher_.wantedText() && matcher_.meetsText(run.text(3), run.text(2));
+                if (meets)
+                    met.push_back(row);
+                else if (condition_.value.as<Dictionary>() != nullptr)
+                    doubtful.push_back(row);
+            } else if (const Value value = termValue(run, type); !value.empty()) {
+                if (matcher_.meets(value))
+                    met.push_back(row);
+                else if (condition_.value.as<Dictionary>() != nullptr)
+                    doubtful.push_back(row);
+            } else {
+                doubtful.push_back(row);
+            }
+        }
+    }
+    met = sorted(std::move(met));
+    Rows verified;
+    for (const RowId row : sorted(std::move(doubtful)))
+        if (!std::binary_search(met.begin(), met.end(), row) && verify(row))
+            verified.push_back(row);
+    met.insert(met.end(), verified.begin(), verified.end());
+    return met;
+}
+
+Rows ConditionSearch::trigrams() {
+    std::string phrase = "\"";
+    for (const char c : needle_.text) {
+        phrase.push_back(c);
+        if (c == '"')
+            phrase.push_back(c);
+    }
+    phrase.push_back('"');
+    const bool exact = needle_.exact && matcher_.facts().ignoresCase && !condition_.label && !condition_.key;
+    Rows found;
+    auto run = impl_.db.run(
+        "SELECT rowid FROM trigram WHERE trigram MATCH ? AND (rowid & 65535) = ? ORDER BY rowid");
+    run.bindText(phrase).bindInteger(*property_);
+    while (run.step()) {
+        const RowId row = run.integer(0) / kMostProperties;
+        if (exact || verify(row))
+            found.push_back(row);
+    }
+    return found;
+}
+
+// Unique ids that are packed are found by looking them up; the few others are looked at.
+Rows ConditionSearch::uids() {
+    const bool lookUp = matcher_.facts().operation == Operation::equal && !matcher_.facts().ignoresCase &&
+                        condition_.value.as<std::string>() != nullptr;
+    Rows found;
+    if (lookUp)
+        if (const auto row = impl_.record(*condition_.value.as<std::string>());
+            row && row->kind == condition_.kind)
+            found.push_back(row->id);
+    auto run = lookUp ? impl_.db.run("SELECT id, uid FROM record WHERE uid >= '' AND uid < x'' AND kind = ?")
+                      : impl_.db.run("SELECT id, uid FROM record WHERE kind = ?");
+    run.bindInteger(static_cast<int>(condition_.kind));
+    while (run.step())
+        if (matcher_.anyMeets(impl_.uidIn(run, 1)))
+            found.push_back(run.integer(0));
+    return found;
+}
+
+Rows ConditionSearch::everyRow() {
+    auto run = impl_.db.run("SELECT id FROM record WHERE kind = ? ORDER BY id");
+    run.bindInteger(static_cast<int>(condition_.kind));
+    Rows rows;
+    while (run.step())
+        rows.push_back(run.integer(0));
+    return rows;
+}
+
+bool ConditionSearch::verify(RowId row) {
+    const auto record = impl_.record(row);
+    return record && matcher_.anyMeets(impl_.valueOf(*record, condition_.property));
+}
+
+// A query's conditions made ready, in the same shape.
+class QuerySearch {
+  public:
+    QuerySearch(Store::Impl& impl, const Query& query, Date now) : impl_(impl), query_(query), now_(now) {
+        if (const auto* compound = std::get_if<Query::Compound>(&query.node)) {
+            all_ = compound->join == Query::Join::all;
+            for (const Query& child : compound->children)
+                children_.push_back(std::make_unique<QuerySearch>(impl, child, now));
+            std::stable_sort(children_.begin(), children_.end(),
+                             [](const auto& a, const auto& b) { return a->plan() < b->plan(); });
+        } else {
+            condition_.emplace(impl, std::get<Condition>(query.node), now);
+        }
+    }
+
+    // The plan that says how dear the whole is.
+    Plan plan() const {
+        if (condition_)
+            return condition_->plan();
+        if (children_.empty())
+            return all_ ? Plan::scan : Plan::nothing;
+        return all_ ? children_.front()->plan() : children_.back()->plan();
+    }
+
+    Rows find() {
+        if (condition_)
+            return condition_->find();
+        if (children_.empty())
+            return all_ ? everyRecord() : Rows();
+        Rows rows = children_.front()->find();
+        for (auto child = std::next(children_.begin()); child != children_.end(); ++child)
+            rows = all_ ? (*child)->among(std::move(rows)) : united(rows, (*child)->find());
+        return rows;
+    }
+
+  private:
+    // Those of [rows] that match: looked at one by one when they are few.
+    Rows among(Rows rows) {
+        if (rows.size() > kFewForPlan[static_cast<int>(plan())]) {
+            const Rows mine = find();
+            Rows both;
+            std::set_intersection(rows.begin(), rows.end(), mine.begin(), mine.end(),
+                                  std::back_inserter(both));
+            return both;
+        }
+        rows.erase(std::remove_if(rows.begin(), rows.end(),
+                                  [&](RowId row) {
+                                      const auto record = impl_.record(row);
+                                      return !record || !matches(query_, StoredRecord(impl_, *record), now_);
+                                  }),
+                   rows.end());
+        return rows;
+    }
+
+    static Rows united(const Rows& a, const Rows& b) {
+        Rows both;
+        std::set_union(a.begin(), a.end(), b.begin(), b.end(), std::back_inserter(both));
+        return both;
+    }
+
+    Rows everyRecord() {
+        auto run = impl_.db.run("SELECT id FROM record ORDER BY id");
+        Rows rows;
+        while (run.step())
+            rows.push_back(run.integer(0));
+        return rows;
+    }
+
+    Store::Impl& impl_;
+    const Query& query_;
+    Date now_;
+    bool all_ = true;
+    std::optional<ConditionSearch> condition_;
+    std::vector<std::unique_ptr<QuerySearch>> children_; // cheapest first
+};
+
+} // namespace
+
+std::vector<RowId> Store::search(const Query& query, Date now) const {
+    sql::Transaction transaction(impl_->db, sql::Transaction::Mode::read);
+    auto rows = QuerySearch(*impl_, query, now).find();
+    transaction.commit();
+    return rows;
+}
+
+} // namespace addressbook

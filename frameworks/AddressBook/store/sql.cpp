@@ -1,0 +1,206 @@
+#include "sql.h"
+
+#include <sqlite3.h>
+
+namespace addressbook::sql {
+namespace {
+
+using Reason = StoreError::Reason;
+
+struct Failure {
+    Reason reason;
+    const char* what;   // follows "The address book [file] "
+    const char* remedy; // the second half of the sentence
+};
+
+Failure failureOf(int code) {
+    switch (code & 0xFF) {
+    case SQLITE_BUSY:
+    case SQLITE_LOCKED:
+        return {Reason::locked, "is locked by another program",
+                "wait until that program is done or end it, then try again"};
+    case SQLITE_NOTADB:
+        return {Reason::notADatabase, "is no address book: the file is not a database",
+                "move it away or choose another folder"};
+    case SQLITE_CORRUPT:
+        return {Reason::damaged, "is damaged", "check it, or restore it from a backup"};
+    case SQLITE_FULL:
+        return {Reason::full, "could not be written because the disk is full",
+                "free some space and try again"};
+    case SQLITE_READONLY:
+        return {Reason::readOnly, "cannot be written", "make the file and its folder writable and try again"};
+    case SQLITE_CANTOPEN:
+    case SQLITE_PERM:
+    case SQLITE_AUTH:
+        return {Reason::io, "cannot be opened", "check that you may read and write the file and its folder"};
+    case SQLITE_TOOBIG:
+        return {Reason::refused, "cannot keep a value of this size", "use a smaller one"};
+    case SQLITE_NOMEM:
+        return {Reason::io, "could not be used because memory ran out", "close other programs and try again"};
+    case SQLITE_INTERRUPT:
+        return {Reason::io, "was interrupted at its work", "try again"};
+    default:
+        return {Reason::io, "could not be read or written", "check the disk and try again"};
+    }
+}
+
+} // namespace
+
+Run::~Run() {
+    if (statement_ != nullptr) {
+        sqlite3_reset(statement_);
+        sqlite3_clear_bindings(statement_);
+    }
+}
+
+Run& Run::bindInteger(std::int64_t value) {
+    if (const int code = sqlite3_bind_int64(statement_, ++bound_, value); code != SQLITE_OK)
+        connection_.fail(code);
+    return *this;
+}
+
+Run& Run::bindReal(double value) {
+    if (const int code = sqlite3_bind_double(statement_, ++bound_, value); code != SQLITE_OK)
+        connection_.fail(code);
+    return *this;
+}
+
+Run& Run::bindText(std::string_view value) {
+    const char* data = value.data() != nullptr ? value.data() : "";
+    if (const int code =
+            sqlite3_bind_text64(statement_, ++bound_, data, value.size(), SQLITE_STATIC, SQLITE_UTF8);
+        code != SQLITE_OK)
+        connection_.fail(code);
+    return *this;
+}
+
+Run& Run::bindBytes(std::string_view value) {
+    const char* data = value.data() != nullptr ? value.data() : "";
+    if (const int code = sqlite3_bind_blob64(statement_, ++bound_, data, value.size(), SQLITE_STATIC);
+        code != SQLITE_OK)
+        connection_.fail(code);
+    return *this;
+}
+
+bool Run::step() {
+    const int code = sqlite3_step(statement_);
+    if (code != SQLITE_ROW && code != SQLITE_DONE)
+        connection_.fail(code);
+    return code == SQLITE_ROW;
+}
+
+void Run::finish() {
+    while (step()) {
+    }
+}
+
+bool Run::isNull(int column) const {
+    return sqlite3_column_type(statement_, column) == SQLITE_NULL;
+}
+bool Run::isText(int column) const {
+    return sqlite3_column_type(statement_, column) == SQLITE_TEXT;
+}
+bool Run::isReal(int column) const {
+    return sqlite3_column_type(statement_, column) == SQLITE_FLOAT;
+}
+bool Run::isNumber(int column) const {
+    const int type = sqlite3_column_type(statement_, column);
+    return type == SQLITE_FLOAT || type == SQLITE_INTEGER;
+}
+std::int64_t Run::integer(int column) const {
+    return sqlite3_column_int64(statement_, column);
+}
+double Run::real(int column) const {
+    return sqlite3_column_double(statement_, column);
+}
+std::string_view Run::text(int column) const {
+    const auto* data = reinterpret_cast<const char*>(sqlite3_column_text(statement_, column));
+    return {data != nullptr ? data : "", static_cast<std::size_t>(sqlite3_column_bytes(statement_, column))};
+}
+std::string_view Run::bytes(int column) const {
+    const auto* data = static_cast<const char*>(sqlite3_column_blob(statement_, column));
+    return {data != nullptr ? data : "", static_cast<std::size_t>(sqlite3_column_bytes(statement_, column))};
+}
+
+Connection::Connection(std::filesystem::path file, const std::string& uri, int flags,
+                       std::chrono::milliseconds patience)
+    : file_(std::move(file)) {
+    const int code =
+        sqlite3_open_v2(uri.c_str(), &handle_, flags | SQLITE_OPEN_NOMUTEX | SQLITE_OPEN_EXRESCODE, nullptr);
+    if (code != SQLITE_OK) {
+        sqlite3_close(std::exchange(handle_, nullptr));
+        fail(code);
+    }
+    sqlite3_busy_timeout(handle_, static_cast<int>(patience.count()));
+}
+
+Connection::~Connection() {
+    for (const auto& [sql, statement] : literals_)
+        sqlite3_finalize(statement);
+    for (const auto& [sql, statement] : texts_)
+        sqlite3_finalize(statement);
+    sqlite3_close(handle_);
+}
+
+void Connection::execute(const std::string& statements) {
+    if (const int code = sqlite3_exec(handle_, statements.c_str(), nullptr, nullptr, nullptr);
+        code != SQLITE_OK)
+        fail(code);
+}
+
+Run Connection::run(const char* sql) {
+    sqlite3_stmt*& statement = literals_[sql];
+    if (statement == nullptr)
+        statement = prepare(sql);
+    return {*this, statement};
+}
+
+Run Connection::runText(const std::string& sql) {
+    sqlite3_stmt*& statement = texts_[sql];
+    if (statement == nullptr)
+        statement = prepare(sql);
+    return {*this, statement};
+}
+
+std::int64_t Connection::lastRow() const {
+    return sqlite3_last_insert_rowid(handle_);
+}
+
+int Connection::changes() const {
+    return sqlite3_changes(handle_);
+}
+
+void Connection::fail(int code) const {
+    const Failure failure = failureOf(code);
+    std::string detail = sqlite3_errstr(code);
+    if (handle_ != nullptr && sqlite3_extended_errcode(handle_) == code)
+        detail = sqlite3_errmsg(handle_);
+    throw StoreError(failure.reason, "The address book " + file_.string() + " " + failure.what + " (" +
+                                         detail + "): " + failure.remedy + ".");
+}
+
+sqlite3_stmt* Connection::prepare(std::string_view sql) {
+    sqlite3_stmt* statement = nullptr;
+    const int code = sqlite3_prepare_v3(handle_, sql.data(), static_cast<int>(sql.size()),
+                                        SQLITE_PREPARE_PERSISTENT, &statement, nullptr);
+    if (code != SQLITE_OK)
+        fail(code);
+    return statement;
+}
+
+Transaction::Transaction(Connection& connection, Mode mode) : connection_(connection) {
+    connection_.run(mode == Mode::write ? "BEGIN IMMEDIATE" : "BEGIN").finish();
+}
+
+Transaction::~Transaction() {
+    // SQLite may have undone the transaction by itself, when a disk filled up for instance.
+    if (open_ && sqlite3_get_autocommit(connection_.handle()) == 0)
+        sqlite3_exec(connection_.handle(), "ROLLBACK", nullptr, nullptr, nullptr);
+}
+
+void Transaction::commit() {
+    connection_.run("COMMIT").finish();
+    open_ = false;
+}
+
+} // namespace addressbook::sql

@@ -1,0 +1,91 @@
+// Opening, unique ids, and what the other parts share.
+
+#include "impl.h"
+
+#include "card.h"
+#include "index.h"
+
+#include <random>
+
+namespace addressbook {
+
+StoredUid::StoredUid(std::string_view uid) {
+    auto packed = packUid(uid);
+    packed_ = packed.has_value();
+    stored_ = packed ? std::move(*packed) : std::string(uid);
+}
+
+void StoredUid::bind(sql::Run& run) const {
+    if (packed_)
+        run.bindBytes(stored_);
+    else
+        run.bindText(stored_);
+}
+
+Store::Impl::Impl(const std::filesystem::path& folder, Access access, std::chrono::milliseconds patience)
+    : opened(openAddressBook(folder, access, patience)), db(*opened.connection) {}
+
+std::optional<std::int64_t> Store::Impl::propertyId(Kind kind, std::string_view name) {
+    auto& known = propertyIds[static_cast<int>(kind)];
+    std::string key(name);
+    if (const auto found = known.find(key); found != known.end())
+        return found->second;
+    auto run = db.run("SELECT id FROM property WHERE kind = ? AND name = ?");
+    run.bindInteger(static_cast<int>(kind)).bindText(name);
+    if (!run.step())
+        return std::nullopt;
+    return known.emplace(std::move(key), run.integer(0)).first->second;
+}
+
+std::int64_t Store::Impl::ensureProperty(Kind kind, std::string_view name) {
+    if (const auto known = propertyId(kind, name))
+        return *known;
+    db.run("INSERT INTO property(kind, name) VALUES (?, ?)")
+        .bindInteger(static_cast<int>(kind))
+        .bindText(name)
+        .finish();
+    const std::int64_t id = db.lastRow();
+    if (id >= kMostProperties)
+        throw StoreError(StoreError::Reason::refused,
+                         "The address book " + db.file().string() +
+                             " has room for 65535 names of properties: use one of those.");
+    propertyIds[static_cast<int>(kind)].emplace(name, id);
+    return id;
+}
+
+Store::Store(const std::filesystem::path& folder, Access access, std::chrono::milliseconds patience)
+    : impl_(std::make_unique<Impl>(folder, access, patience)) {}
+
+Store::~Store() = default;
+
+const std::filesystem::path& Store::file() const {
+    return impl_->db.file();
+}
+
+bool Store::readOnly() const {
+    return impl_->opened.readOnly;
+}
+
+bool ChangeSet::empty() const {
+    return definitions.empty() && removedDefinitions.empty() && records.empty() && removed.empty() &&
+           memberships.empty() && !me;
+}
+
+std::string newUuid() {
+    thread_local std::random_device source;
+    std::string bytes;
+    while (bytes.size() < 16) {
+        const unsigned random = source();
+        for (int shift = 0; shift < 32; shift += 8)
+            bytes.push_back(static_cast<char>(random >> shift));
+    }
+    bytes[6] = static_cast<char>((bytes[6] & 0x0F) | 0x40); // random, as opposed to made from a clock
+    bytes[8] = static_cast<char>((bytes[8] & 0x3F) | 0x80);
+    return *unpackUid(bytes);
+}
+
+std::string newUid(Kind kind) {
+    return newUuid() + (kind == Kind::person ? ":ABPerson" : ":ABGroup");
+}
+
+} // namespace addressbook

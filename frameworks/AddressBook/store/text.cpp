@@ -1,0 +1,190 @@
+#include "text.h"
+
+#include <unicode/unorm2.h>
+#include <unicode/ustring.h>
+
+#include <cstdint>
+#include <cstring>
+#include <new>
+#include <stdexcept>
+
+namespace addressbook {
+namespace {
+
+constexpr char32_t kReplacement = 0xFFFD;
+
+bool isHigh(char32_t unit) {
+    return unit >= 0xD800 && unit < 0xDC00;
+}
+bool isLow(char32_t unit) {
+    return unit >= 0xDC00 && unit < 0xE000;
+}
+
+void appendUtf8(std::string& out, char32_t code) {
+    const auto byte = [&](char32_t bits) { out.push_back(static_cast<char>(bits)); };
+    if (code < 0x80) {
+        byte(code);
+    } else if (code < 0x800) {
+        byte(0xC0 | (code >> 6));
+        byte(0x80 | (code & 0x3F));
+    } else if (code < 0x10000) {
+        byte(0xE0 | (code >> 12));
+        byte(0x80 | ((code >> 6) & 0x3F));
+        byte(0x80 | (code & 0x3F));
+    } else {
+        byte(0xF0 | (code >> 18));
+        byte(0x80 | ((code >> 12) & 0x3F));
+        byte(0x80 | ((code >> 6) & 0x3F));
+        byte(0x80 | (code & 0x3F));
+    }
+}
+
+// The code point that begins at [at], which moves behind it; surrogates pass, anything ill-formed is U+FFFD.
+char32_t nextCodePoint(std::string_view text, std::size_t& at) {
+    const auto lead = static_cast<unsigned char>(text[at++]);
+    if (lead < 0x80)
+        return lead;
+    int more = 0;
+    char32_t code = 0;
+    char32_t least = 0;
+    if (lead >= 0xC2 && lead < 0xE0) {
+        more = 1, code = lead & 0x1F, least = 0x80;
+    } else if (lead >= 0xE0 && lead < 0xF0) {
+        more = 2, code = lead & 0x0F, least = 0x800;
+    } else if (lead >= 0xF0 && lead < 0xF5) {
+        more = 3, code = lead & 0x07, least = 0x10000;
+    } else {
+        return kReplacement;
+    }
+    std::size_t behind = at;
+    for (; more > 0; --more, ++behind) {
+        if (behind == text.size() || (static_cast<unsigned char>(text[behind]) & 0xC0) != 0x80)
+            return kReplacement;
+        code = (code << 6) | (static_cast<unsigned char>(text[behind]) & 0x3F);
+    }
+    if (code < least || code > 0x10FFFF)
+        return kReplacement;
+    at = behind;
+    return code;
+}
+
+const UNormalizer2* composer() {
+    static const UNormalizer2* const instance = [] {
+        UErrorCode status = U_ZERO_ERROR;
+        const UNormalizer2* nfc = unorm2_getNFCInstance(&status);
+        if (U_FAILURE(status))
+            throw std::runtime_error(std::string("ICU's normalization data is missing: ") +
+                                     u_errorName(status));
+        return nfc;
+    }();
+    return instance;
+}
+
+std::int32_t unitCount(std::u16string_view text) {
+    if (text.size() > INT32_MAX / 4)
+        throw std::length_error("a text is too long to compare");
+    return static_cast<std::int32_t>(text.size());
+}
+
+// Runs an ICU function that writes UTF-16 into a buffer; again with a larger one when it asks for that.
+template <typename Function>
+std::u16string converted(std::size_t guess, Function function) {
+    std::u16string out(guess, u'\0');
+    for (;;) {
+        UErrorCode status = U_ZERO_ERROR;
+        const std::int32_t length = function(out.data(), static_cast<std::int32_t>(out.size()), &status);
+        if (status == U_BUFFER_OVERFLOW_ERROR) {
+            out.resize(static_cast<std::size_t>(length));
+            continue;
+        }
+        if (U_FAILURE(status))
+            throw std::runtime_error(std::string("ICU could not convert a text: ") + u_errorName(status));
+        out.resize(static_cast<std::size_t>(length));
+        return out;
+    }
+}
+
+std::string asciiFolded(std::string_view text) {
+    std::string out(text);
+    for (char& c : out)
+        if (c >= 'A' && c <= 'Z')
+            c = static_cast<char>(c + ('a' - 'A'));
+    return out;
+}
+
+} // namespace
+
+std::string utf8FromUtf16(std::u16string_view text) {
+    std::string out;
+    out.reserve(text.size());
+    for (std::size_t i = 0; i < text.size(); ++i) {
+        char32_t code = text[i];
+        if (isHigh(code) && i + 1 < text.size() && isLow(text[i + 1]))
+            code = 0x10000 + ((code - 0xD800) << 10) + (text[++i] - 0xDC00);
+        appendUtf8(out, code);
+    }
+    return out;
+}
+
+std::u16string utf16FromUtf8(std::string_view text) {
+    std::u16string out;
+    out.reserve(text.size());
+    for (std::size_t at = 0; at < text.size();) {
+        const char32_t code = nextCodePoint(text, at);
+        if (code < 0x10000) {
+            out.push_back(static_cast<char16_t>(code));
+        } else {
+            out.push_back(static_cast<char16_t>(0xD800 + ((code - 0x10000) >> 10)));
+            out.push_back(static_cast<char16_t>(0xDC00 + ((code - 0x10000) & 0x3FF)));
+        }
+    }
+    return out;
+}
+
+bool isAscii(std::string_view text) {
+    std::size_t at = 0;
+    for (; at + 8 <= text.size(); at += 8) {
+        std::uint64_t word = 0;
+        std::memcpy(&word, text.data() + at, 8);
+        if ((word & 0x8080808080808080U) != 0)
+            return false;
+    }
+    for (; at < text.size(); ++at)
+        if (static_cast<unsigned char>(text[at]) >= 0x80)
+            return false;
+    return true;
+}
+
+std::string normalize(std::string_view text) {
+    if (isAscii(text))
+        return std::string(text);
+    const std::u16string wide = utf16FromUtf8(text);
+    return utf8FromUtf16(
+        converted(wide.size() + 16, [&](char16_t* out, std::int32_t capacity, UErrorCode* status) {
+            return unorm2_normalize(composer(), wide.data(), unitCount(wide), out, capacity, status);
+        }));
+}
+
+std::string foldNormalized(std::string_view text) {
+    if (isAscii(text))
+        return asciiFolded(text);
+    const std::u16string wide = utf16FromUtf8(text);
+    return utf8FromUtf16(
+        converted(wide.size() + 16, [&](char16_t* out, std::int32_t capacity, UErrorCode* status) {
+            return u_strFoldCase(out, capacity, wide.data(), unitCount(wide), U_FOLD_CASE_DEFAULT, status);
+        }));
+}
+
+std::string fold(std::string_view text) {
+    return isAscii(text) ? asciiFolded(text) : foldNormalized(normalize(text));
+}
+
+std::string_view beginning(std::string_view text, std::size_t bytes) {
+    if (text.size() <= bytes)
+        return text;
+    while (bytes > 0 && (static_cast<unsigned char>(text[bytes]) & 0xC0) == 0x80)
+        --bytes;
+    return text.substr(0, bytes);
+}
+
+} // namespace addressbook

@@ -1,0 +1,33 @@
+#pragma once
+
+// Text: the two encodings, and the two forms in which it is compared. UTF-8 here may hold a lone surrogate as
+// the three-byte sequence of its code point, and zero characters; nothing in it is ever lost or mistaken for
+// an end.
+
+#include <string>
+#include <string_view>
+
+namespace addressbook {
+
+// UTF-16 to UTF-8 and back: every UTF-16 text returns unchanged. Bytes that are no UTF-8 become U+FFFD.
+std::string utf8FromUtf16(std::u16string_view text);
+std::u16string utf16FromUtf8(std::string_view text);
+
+// The composed form (NFC), in which canonically equivalent texts are the same bytes.
+std::string normalize(std::string_view text);
+
+// The form for comparisons that ignore case: NFC, then full Unicode case folding. Accents stay. Folding maps
+// each character by itself, so a text that begins with, ends with or contains another does so when both are
+// folded too.
+std::string fold(std::string_view text);
+
+// The same for a text that is in NFC already.
+std::string foldNormalized(std::string_view text);
+
+// Whether every byte is below 0x80: such text is in NFC.
+bool isAscii(std::string_view text);
+
+// The longest beginning of [text] that has at most [bytes] bytes and ends between two characters.
+std::string_view beginning(std::string_view text, std::size_t bytes);
+
+} // namespace addressbook
