@@ -276,4 +276,17 @@ std::string_view matchedValue(const CardLine& line) {
     return line.property == property::kImage ? std::string_view() : std::string_view(line.value);
 }
 
+std::string GroupNames::renamed(const std::string& group) {
+    if (group.empty())
+        return group;
+    std::string& name = names_[upperCase(group)];
+    if (name.empty())
+        name = fresh();
+    return name;
+}
+
+std::string GroupNames::fresh() {
+    return "item" + std::to_string(++last_);
+}
+
 } // namespace addressbook::vcard

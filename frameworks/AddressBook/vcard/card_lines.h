@@ -5,6 +5,7 @@
 #include "vcard.h"
 
 #include <cstddef>
+#include <map>
 #include <string>
 #include <string_view>
 #include <vector>
@@ -32,5 +33,18 @@ inline constexpr char kAddition = '+';
 
 // What an addition repeats of the line it belongs to, to find it again: the value, but nothing of a picture.
 std::string_view matchedValue(const CardLine& line);
+
+// Gives the groups of a card the names item1, item2 and so on, in the order in which they are asked for.
+class GroupNames {
+  public:
+    // The new name of [group]; the same for the same group in any letter case, empty for none.
+    std::string renamed(const std::string& group);
+    // A name for a group that had none.
+    std::string fresh();
+
+  private:
+    std::map<std::string, std::string> names_;
+    int last_ = 0;
+};
 
 } // namespace addressbook::vcard

@@ -87,8 +87,12 @@ Param parseParam(std::string_view text) {
             param.values.push_back(std::move(value));
             continue;
         }
-        for (const std::string_view word : splitEscaped(value, ','))
-            param.values.emplace_back(trim(word));
+        for (std::string_view word : splitEscaped(value, ',')) {
+            word = trim(word);
+            if (word.size() > 5 && equalsIgnoringCase(word.substr(0, 5), "TYPE=")) // TYPE=HOME,TYPE=VOICE
+                word.remove_prefix(5);
+            param.values.emplace_back(word);
+        }
     }
     return param;
 }

@@ -17,6 +17,25 @@ namespace {
 constexpr std::string_view kBase64 = "ABCDEFGHIJKLMNOPQRSTUVWXYZabcdefghijklmnopqrstuvwxyz0123456789+/";
 constexpr std::string_view kHex = "0123456789ABCDEF";
 
+// The bytes of the UTF-8 character that begins [bytes], a lone surrogate in three bytes included; 0 when none
+// does.
+std::size_t utf8Length(std::string_view bytes) {
+    const auto lead = static_cast<unsigned char>(bytes[0]);
+    if (lead < 0x80)
+        return 1;
+    const std::size_t length = lead >= 0xF0 ? 4 : lead >= 0xE0 ? 3 : 2;
+    if (lead < 0xC2 || lead > 0xF4 || length > bytes.size())
+        return 0;
+    char32_t code = lead & (0x7Fu >> length);
+    for (std::size_t at = 1; at < length; ++at) {
+        const auto byte = static_cast<unsigned char>(bytes[at]);
+        if ((byte & 0xC0) != 0x80)
+            return 0;
+        code = code << 6 | (byte & 0x3F);
+    }
+    return (length == 3 && code < 0x800) || (length == 4 && (code < 0x10000 || code > 0x10FFFF)) ? 0 : length;
+}
+
 struct CloseConverter {
     void operator()(UConverter* converter) const { ucnv_close(converter); }
 };
@@ -52,30 +71,6 @@ std::optional<std::string> convert(std::string_view bytes, const std::string& ch
 
 } // namespace
 
-bool isUtf8(std::string_view bytes) {
-    for (std::size_t at = 0; at < bytes.size();) {
-        const auto lead = static_cast<unsigned char>(bytes[at]);
-        if (lead < 0x80) {
-            ++at;
-            continue;
-        }
-        const int more = lead >= 0xF0 ? 3 : lead >= 0xE0 ? 2 : 1;
-        if (lead < 0xC2 || lead > 0xF4 || at + static_cast<std::size_t>(more) >= bytes.size())
-            return false;
-        char32_t code = lead & (0x3F >> more);
-        for (int next = 1; next <= more; ++next) {
-            const auto byte = static_cast<unsigned char>(bytes[at + next]);
-            if ((byte & 0xC0) != 0x80)
-                return false;
-            code = code << 6 | (byte & 0x3F);
-        }
-        if ((more == 2 && code < 0x800) || (more == 3 && (code < 0x10000 || code > 0x10FFFF)))
-            return false;
-        at += static_cast<std::size_t>(more) + 1;
-    }
-    return true;
-}
-
 std::string toUtf8(std::string bytes, std::string_view charset) {
     const bool ascii =
         std::none_of(bytes.begin(), bytes.end(), [](char byte) { return byte < 0 || byte == 0x1B; });
@@ -86,8 +81,15 @@ std::string toUtf8(std::string bytes, std::string_view charset) {
     if (!charset.empty() && !latin && !equalsIgnoringCase(charset, "UTF-8"))
         if (auto text = convert(bytes, std::string(charset)))
             return *std::move(text);
-    if (!latin && isUtf8(bytes))
-        return bytes;
+    std::size_t good = 0, bad = 0; // characters of more than one byte, and bytes that belong to none
+    for (std::string_view rest = bytes; !rest.empty();) {
+        const std::size_t length = utf8Length(rest);
+        good += length > 1 ? 1 : 0;
+        bad += length == 0 ? 1 : 0;
+        rest.remove_prefix(std::max<std::size_t>(length, 1));
+    }
+    if (!latin && good > bad)
+        return bad ? utf8FromUtf16(utf16FromUtf8(bytes)) : bytes;
     return convert(bytes, "windows-1252").value_or(bytes);
 }
 
@@ -112,7 +114,7 @@ std::string decodeQuotedPrintable(std::string_view text) {
     return bytes;
 }
 
-std::optional<Bytes> decodeBase64(std::string_view text) {
+Base64 decodeBase64(std::string_view text) {
     static const std::array<signed char, 256> kDigits = [] {
         std::array<signed char, 256> digits{};
         digits.fill(-1);
@@ -120,7 +122,8 @@ std::optional<Bytes> decodeBase64(std::string_view text) {
             digits[static_cast<unsigned char>(kBase64[at])] = static_cast<signed char>(at);
         return digits;
     }();
-    Bytes bytes;
+    Base64 result;
+    Bytes& bytes = result.bytes;
     bytes.reserve(text.size() * 3 / 4);
     std::uint32_t bits = 0;
     int count = 0, padding = 0;
@@ -131,7 +134,7 @@ std::optional<Bytes> decodeBase64(std::string_view text) {
         if (byte == '=')
             ++padding;
         else if (digit < 0 || padding > 0)
-            return std::nullopt;
+            return result;
         else {
             bits = bits << 6 | static_cast<std::uint32_t>(digit);
             if (++count == 4) {
@@ -143,13 +146,15 @@ std::optional<Bytes> decodeBase64(std::string_view text) {
             }
         }
     }
-    if (count == 1 || padding > 2)
-        return std::nullopt;
+    if (padding > 2)
+        return result;
+    result.valid = true;
+    result.complete = count != 1;
     if (count >= 2)
         bytes.push_back(static_cast<std::uint8_t>(bits >> (count == 2 ? 4 : 10)));
     if (count == 3)
         bytes.push_back(static_cast<std::uint8_t>(bits >> 2));
-    return bytes;
+    return result;
 }
 
 std::string encodeBase64(const Bytes& bytes) {

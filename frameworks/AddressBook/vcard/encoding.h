@@ -4,15 +4,11 @@
 
 #include "frameworks/AddressBook/store/value.h"
 
-#include <optional>
 #include <string>
 #include <string_view>
 #include <vector>
 
 namespace addressbook::vcard {
-
-// Whether [bytes] are UTF-8, lone surrogates in three bytes included.
-bool isUtf8(std::string_view bytes);
 
 // Bytes in [charset] as UTF-8. With no charset, an unknown one, or bytes that are not in it: as they are when
 // they are UTF-8, else read as windows-1252, which most programs that declare nothing wrote.
@@ -21,8 +17,13 @@ std::string toUtf8(std::string bytes, std::string_view charset);
 // The bytes that quoted-printable text stands for. Malformed escapes stay as they are.
 std::string decodeQuotedPrintable(std::string_view text);
 
-// The bytes of base64 text, white space ignored, padding optional; nothing when it is no base64.
-std::optional<Bytes> decodeBase64(std::string_view text);
+// Base64 text decoded: white space is ignored, padding is optional.
+struct Base64 {
+    Bytes bytes;
+    bool valid = false;   // no character that is none of base64, nothing after the padding
+    bool complete = true; // false: a last character is left over that makes no byte
+};
+Base64 decodeBase64(std::string_view text);
 std::string encodeBase64(const Bytes& bytes);
 
 // Takes the backslashes of a text value away: "\n" is a line end (unless [keepN]), "\," "\;" "\:" "\\" and

@@ -198,18 +198,19 @@ class CardReader {
     }
 
     bool readName(ContentLine& line) {
+        if (!names_.empty())
+            return false;
         std::vector<std::string> parts = line.components(6);
-        if (!names_.empty() || parts.size() > 5)
-            if (!names_.empty() || !parts[5].empty())
-                return false;
+        const bool more = parts.size() > 5 && !parts[5].empty(); // which the line itself has to keep
         parts.resize(5);
         constexpr std::string_view kParts[] = {property::kLast, property::kFirst, property::kMiddle,
                                                property::kTitle, property::kSuffix};
         for (std::size_t at = 0; at < parts.size(); ++at)
             setText(kParts[at], parts[at]);
         names_ = std::move(parts);
-        keepParams(property::kLast, line);
-        return true;
+        if (!more)
+            keepParams(property::kLast, line);
+        return !more;
     }
 
     bool readPhoneticName(const ContentLine& line) {
@@ -300,7 +301,7 @@ class CardReader {
         }
         if (line.transfer == Transfer::base64)
             return value;
-        if (!scheme.empty() || !line.param("VALUE").empty() || !decodeBase64(value))
+        if (!scheme.empty() || !line.param("VALUE").empty() || !decodeBase64(value).valid)
             return std::nullopt;
         return value;
     }
@@ -311,14 +312,16 @@ class CardReader {
         const auto data = pictureData(line);
         if (!data || isSet(property::kImage))
             return false;
-        auto bytes = decodeBase64(*data);
-        if (!bytes) {
+        Base64 picture = decodeBase64(*data);
+        if (!picture.valid) {
             problem_ = "the picture is no base64 data";
             return true;
         }
-        if (bytes->empty())
+        if (!picture.complete)
+            card_.skipped.push_back({card_.number, line.number, "the picture's data is incomplete"});
+        if (picture.bytes.empty())
             return true;
-        card_.values[std::string(property::kImage)] = std::move(*bytes);
+        card_.values[std::string(property::kImage)] = std::move(picture.bytes);
         std::erase_if(line.params, [](const Param& param) {
             return param.name == "TYPE" || param.name == "VALUE" || param.name == "MEDIATYPE";
         });
@@ -592,14 +595,11 @@ class CardReader {
     void finishName() {
         const bool named =
             std::any_of(names_.begin(), names_.end(), [](const auto& part) { return !part.empty(); });
-        const std::string& organization = text(property::kOrganization);
         if (!named && !fullName_.empty()) {
-            if (fullName_ == organization) {
-                if (!company_)
-                    company_ = true;
-            } else if (!isSaidElsewhere(fullName_)) {
+            if (fullName_ == text(property::kOrganization))
+                company_ = company_.value_or(true);
+            else if (!isSaidElsewhere(fullName_))
                 splitFullName();
-            }
         }
         if (const int flags = (company_.value_or(false) ? 1 : 0) | order_)
             card_.values[std::string(property::kPersonFlags)] = std::int64_t{flags};
@@ -661,32 +661,32 @@ class CardReader {
         keepUid_ = !uid_.empty() && uid_ != uuid;
     }
 
-    // The additions as stored lines, each with the line that it belongs to.
+    // The additions as stored lines, each with the line that it belongs to, in the order in which those are
+    // written.
     std::vector<std::string> additionLines() {
         std::set<std::string> groups;
         for (const ContentLine* line : unknown_)
             if (!line->group.empty() && !isUsedLabel(*line))
                 groups.insert(upperCase(line->group));
+        std::map<std::pair<std::string_view, std::size_t>, const Addition*> wanted;
+        for (const Addition& each : additions_)
+            if (!each.params.empty() || groups.contains(upperCase(each.group)))
+                wanted.emplace(std::pair(each.property, each.entry), &each);
         std::vector<std::string> result;
-        std::map<std::pair<std::string_view, std::size_t>, CardLine> written;
-        for (const Addition& addition : additions_) {
-            const bool grouped = groups.contains(upperCase(addition.group));
-            if (addition.params.empty() && !grouped)
+        if (wanted.empty())
+            return result;
+        for (const CardLine& line : cardLines(card_)) {
+            const auto found = wanted.find({line.property, line.entry});
+            if (found == wanted.end())
                 continue;
-            if (written.empty())
-                for (CardLine& line : cardLines(card_)) {
-                    const auto key = std::pair(line.property, line.entry);
-                    written.emplace(key, std::move(line));
-                }
-            const auto line = written.find({addition.property, addition.entry});
-            if (line == written.end())
-                continue;
+            const Addition& addition = *found->second;
             std::string text(1, kAddition);
-            if (grouped)
-                text += addition.group + '.';
-            text += line->second.name + renderParams(addition.params) + ':';
-            text += matchedValue(line->second);
+            if (groups.contains(upperCase(addition.group)))
+                text += groupNames_.renamed(addition.group) + '.';
+            text += line.name + renderParams(addition.params) + ':';
+            text += matchedValue(line);
             result.push_back(std::move(text));
+            wanted.erase(found);
         }
         return result;
     }
@@ -699,9 +699,11 @@ class CardReader {
     void keepUnknown(std::vector<std::string> lines) {
         if (keepUid_)
             lines.push_back("UID:" + escape(uid_));
-        for (const ContentLine* line : unknown_)
-            if (!isUsedLabel(*line))
+        for (ContentLine* line : unknown_)
+            if (!isUsedLabel(*line)) {
+                line->group = groupNames_.renamed(line->group);
                 lines.push_back(render(*line));
+            }
         if (lines.empty())
             return;
         Array array;
@@ -724,6 +726,7 @@ class CardReader {
     std::optional<bool> company_; // unless X-ABShowAs or KIND says nothing
     int order_ = 0;
     bool keepUid_ = false;
+    GroupNames groupNames_; // of the stored lines
 };
 
 } // namespace

@@ -104,7 +104,7 @@ std::variant<Card, Problem> Reader::Impl::readBody() {
                 return *std::move(problem);
             auto card = readCard(std::move(content), number, begin);
             if (auto* read = std::get_if<Card>(&card))
-                read->skipped = std::move(skipped);
+                read->skipped.insert(read->skipped.begin(), skipped.begin(), skipped.end());
             return card;
         }
         if (isBegin(current.text)) {

@@ -18,24 +18,6 @@ std::optional<ContentLine> parseStored(std::string text) {
     return parseContentLine(line);
 }
 
-// Gives groups the names item1, item2 and so on; lines of one old group stay together.
-class Groups {
-  public:
-    std::string renamed(const std::string& group) {
-        if (group.empty())
-            return group;
-        std::string& name = names_[upperCase(group)];
-        if (name.empty())
-            name = fresh();
-        return name;
-    }
-    std::string fresh() { return "item" + std::to_string(++last_); }
-
-  private:
-    std::map<std::string, std::string> names_;
-    int last_ = 0;
-};
-
 std::string inGroup(const std::string& group, std::string_view line) {
     std::string text = group.empty() ? std::string() : group + '.';
     text += line;
@@ -78,7 +60,7 @@ std::string write(const Card& card) {
     applyAdditions(lines, stored);
 
     std::string out = "BEGIN:VCARD\r\nVERSION:3.0\r\n";
-    Groups groups;
+    GroupNames groups;
     for (const CardLine& line : lines) {
         std::string group = groups.renamed(line.group);
         if (group.empty() && (!line.label.empty() || !line.country.empty()))
