@@ -1,0 +1,184 @@
+#include "plugin/shell/entry.h"
+
+#import "plugin/records/plugin_state.h"
+#import "plugin/shell/error_state.h"
+#include "plugin/shell/function_table.h"
+#include "tests/plugin/host_double.h"
+#include "tests/plugin/support.h"
+#include <numeric>
+
+namespace {
+
+constexpr fmx::ptrtype kUntouched = 0x5EED;
+constexpr auto kRefused = static_cast<fmx::ptrtype>(-1);
+
+class EntryTest : public testing::Test {
+  protected:
+    EntryTest() {
+        host_double::reset();
+        resetErrorsForTests();
+        resetStateForTests();
+    }
+    ~EntryTest() override {
+        host_double::reset();
+        gFMX_ExternCallPtr = nullptr;
+    }
+
+    static FMX_ExternCallStruct send(FMX_ExternCallStruct message) {
+        message.result = kUntouched;
+        FMExternCallProc(&message);
+        return message;
+    }
+
+    static FMX_ExternCallStruct startUp(int version) {
+        FMX_ExternCallStruct message = messageOf(kFMXT_Init);
+        message.extnVersion = static_cast<fmx::int16>(version);
+        return send(message);
+    }
+
+    Pool pool_;
+};
+
+TEST_F(EntryTest, VersionsFrom50To255AreAcceptedAndAnswered54) {
+    for (const int version : {50, 54, 63, 255}) {
+        EXPECT_EQ(startUp(version).result, 54U) << version;
+        EXPECT_EQ(host_double::registrations().size(), externalFunctions().size());
+        host_double::reset();
+    }
+}
+
+TEST_F(EntryTest, OtherVersionsAreRefusedAndNothingHappens) {
+    for (const int version : {49, 256, 0, -1, 32767, -32768, 306}) {
+        EXPECT_EQ(startUp(version).result, kRefused) << version;
+        EXPECT_TRUE(host_double::registrations().empty()) << version;
+        EXPECT_EQ(errors.error, nil) << version;
+    }
+}
+
+TEST_F(EntryTest, FunctionsAreRegisteredAsTheTableSays) {
+    EXPECT_EQ(startUp(54).result, 54U);
+    const auto& registrations = host_double::registrations();
+    ASSERT_EQ(registrations.size(), externalFunctions().size());
+    for (std::size_t i = 0; i < registrations.size(); ++i) {
+        const auto& registration = registrations[i];
+        const ExternalFunction& function = externalFunctions()[i];
+        EXPECT_EQ(registration.plugin, "KORU");
+        EXPECT_EQ(registration.id, function.id);
+        EXPECT_EQ(registration.minimum, function.minimum);
+        EXPECT_EQ(registration.maximum, function.maximum);
+        EXPECT_EQ(registration.flags, 0xFF01U);
+        EXPECT_EQ(registration.function, function.handler);
+        if (i > 0) {
+            EXPECT_LT(registrations[i - 1].id, registration.id);
+        }
+    }
+}
+
+TEST_F(EntryTest, NamesAndPrototypesComeFromTheBundlesStrings) {
+    const Bundle bundle(
+        "\"KORUFMPlugin 204\" = \"Version ( {format} )\";\n\"KORUFMPlugin 207\" = \"Delete\";\n");
+    FMX_ExternCallStruct message = messageOf(kFMXT_Init);
+    message.instanceID = bundle.instance();
+    EXPECT_EQ(send(message).result, 54U);
+    ASSERT_GE(host_double::registrations().size(), 3U);
+    EXPECT_EQ(host_double::registrations()[0].name, "Version ");
+    EXPECT_EQ(host_double::registrations()[0].prototype, "Version ( {format} )");
+    EXPECT_EQ(host_double::registrations()[1].name, "Delete");
+    EXPECT_EQ(host_double::registrations()[1].prototype, "Delete");
+    EXPECT_EQ(host_double::registrations()[2].name, "");
+}
+
+TEST_F(EntryTest, StartUpMakesTheErrorObjectAndResetsTheSearchType) {
+    state.g_lastSearchType = kGroupType;
+    startUp(54);
+    ASSERT_NE(errors.error, nil);
+    EXPECT_EQ(utf8([errors.error getError]), "Success");
+    EXPECT_EQ(state.g_lastSearchType, kPersonType);
+}
+
+TEST_F(EntryTest, StartUpForgetsTheExceptionTextWithoutReleasingIt) {
+    NSString* text = [[NSMutableString alloc] initWithString:@"held elsewhere, too"];
+    errors.g_sExceptionTxt = Retained<NSString>::retain(text);
+    startUp(54);
+    EXPECT_EQ(errors.g_sExceptionTxt.get(), nil);
+    EXPECT_EQ([text retainCount], 2U);
+    [text release];
+    [text release];
+}
+
+TEST_F(EntryTest, ShutDownUnregistersInItsOwnOrder) {
+    const auto answer = send(messageOf(kFMXT_Shutdown));
+    EXPECT_EQ(answer.result, kUntouched);
+    std::vector<std::pair<std::string, short>> expected;
+    for (short number = 0; number <= 34; ++number) {
+        expected.emplace_back("KORU", number);
+    }
+    for (const int number : {45, 39, 40, 35, 36, 37, 38, 41, 42, 43}) {
+        expected.emplace_back("KORU", static_cast<short>(number));
+    }
+    EXPECT_EQ(host_double::unregistrations(), expected);
+}
+
+TEST_F(EntryTest, ShutDownTearsNothingDown) {
+    startUp(54);
+    koru_PluginError* error = errors.error;
+    state.g_searchelement = Retained<ABSearchElement>::adopt([[ABSearchElement alloc] init]);
+    send(messageOf(kFMXT_Shutdown));
+    EXPECT_EQ(errors.error, error);
+    EXPECT_TRUE(state.g_searchelement);
+    resetStateForTests();
+}
+
+TEST_F(EntryTest, OtherMessagesLeaveTheResultAlone) {
+    for (const int code : {2, 3, 5, 6, 8, 9, 10, 255}) {
+        EXPECT_EQ(send(messageOf(code)).result, kUntouched) << code;
+    }
+    for (int level = 0; level <= 4; ++level) {
+        EXPECT_EQ(send(messageOf(kFMXT_Idle, level)).result, kUntouched) << level;
+    }
+    EXPECT_TRUE(host_double::registrations().empty());
+    EXPECT_TRUE(host_double::unregistrations().empty());
+}
+
+TEST_F(EntryTest, EveryMessageIsKeptBeforeAnythingElse) {
+    FMX_ExternCallStruct message = messageOf(6);
+    FMExternCallProc(&message);
+    EXPECT_EQ(gFMX_ExternCallPtr, &message);
+}
+
+TEST_F(EntryTest, AFailureOfTheHostEndsTheMessageAndReleasesWhatWasMade) {
+    const int before = host_double::livingObjects();
+    int failures = 0;
+    for (int calls = 0;; ++calls) {
+        resetErrorsForTests();
+        host_double::failAfter(calls, 1 + calls % 2);
+        FMX_ExternCallStruct message = messageOf(kFMXT_Init);
+        message.result = kUntouched;
+        try {
+            FMExternCallProc(&message);
+            EXPECT_FALSE(host_double::hasFailed());
+            break;
+        } catch (const std::bad_alloc&) {
+            EXPECT_EQ(calls % 2, 0);
+        } catch (const std::exception&) {
+            EXPECT_EQ(calls % 2, 1);
+        }
+        ++failures;
+        EXPECT_EQ(message.result, kUntouched);
+        EXPECT_EQ(errors.error, nil);
+        EXPECT_EQ(host_double::livingObjects(), before) << "after " << calls << " calls";
+    }
+    EXPECT_GT(failures, 3 * static_cast<int>(externalFunctions().size()));
+    EXPECT_EQ(host_double::livingObjects(), before);
+}
+
+TEST_F(EntryTest, AFailureOfTheHostEndsTheShutDown) {
+    const int before = host_double::livingObjects();
+    host_double::failAfter(10, 2); // the identifier, then nine ids
+    FMX_ExternCallStruct message = messageOf(kFMXT_Shutdown);
+    EXPECT_THROW(FMExternCallProc(&message), std::exception);
+    EXPECT_EQ(host_double::unregistrations().size(), 9U);
+    EXPECT_EQ(host_double::livingObjects(), before);
+}
+
+} // namespace

@@ -1,0 +1,197 @@
+#import "plugin/shell/handler_frame.h"
+
+#include "tests/plugin/host_double.h"
+#include "tests/plugin/support.h"
+
+// Notes that it was deallocated.
+@interface VelocardWitness : NSObject {
+  @public
+    bool* gone;
+}
+@end
+
+@implementation VelocardWitness
+- (void)dealloc {
+    *gone = true;
+    [super dealloc];
+}
+@end
+
+namespace {
+
+// Not in the function table, so that any number of arguments goes.
+constexpr short kNoFunction = 1000;
+
+class FrameTest : public PluginTest {
+  protected:
+    template <typename Work>
+    std::string run(Work work, const FrameRules& rules = kUsualFrame, short function = kNoFunction) {
+        const fmx::DataVectAutoPtr none;
+        EXPECT_EQ(runHandler(function, *none, *result_, work, rules), 0);
+        NSString* text = stringFromText(result_->GetAsText());
+        return text == nil ? "" : utf8(text);
+    }
+
+    fmx::DataAutoPtr result_;
+};
+
+TEST_F(FrameTest, TheWorksTextIsTheResult) {
+    EXPECT_EQ(run([]() -> Answer { return @"Grüße 😀"; }), "Grüße 😀");
+    EXPECT_EQ(run([]() -> Answer { return @""; }), "");
+    EXPECT_EQ(run([]() -> Answer { return nil; }), "");
+    const std::string longText(5000, 'x');
+    EXPECT_EQ(run([&]() -> Answer { return string(longText); }), longText);
+    EXPECT_EQ(errors.g_llasterror, kSuccess);
+}
+
+TEST_F(FrameTest, TheResultEndsAtAZeroUnit) {
+    const unichar units[] = {'a', 0, 'b'};
+    EXPECT_EQ(run([&]() -> Answer { return [NSString stringWithCharacters:units length:3]; }), "a");
+}
+
+TEST_F(FrameTest, AFailedCallAnswersTheMarkerWhateverTheWorkAnswered) {
+    EXPECT_EQ(run([]() -> Answer {
+                  setError(kRecordReadOnly);
+                  return @"0";
+              }),
+              "!!ERROR!!");
+    EXPECT_EQ(lastErrorText(), "Record is read only ");
+    EXPECT_EQ(run([]() -> Answer {
+                  setErrorCodeOnly(kInvalidParameterValue);
+                  return @"0";
+              }),
+              "!!ERROR!!");
+    EXPECT_EQ(lastErrorText(), "Success");
+}
+
+TEST_F(FrameTest, EntryForgetsTheLastCall) {
+    errors.globalError = Retained<NSObject>::adopt([[NSObject alloc] init]);
+    errors.g_sExceptionTxt = Retained<NSString>::retain(@"old");
+    setError(kExceptionCaught, errors.g_sExceptionTxt.get());
+    run([]() -> Answer {
+        EXPECT_FALSE(errors.globalError);
+        EXPECT_FALSE(errors.g_sExceptionTxt);
+        EXPECT_EQ(errors.g_llasterror, kSuccess);
+        EXPECT_EQ(utf8([errors.error getError]), "Success");
+        return nil;
+    });
+}
+
+TEST_F(FrameTest, TheVersionFunctionLeavesTheExceptionText) {
+    errors.g_sExceptionTxt = Retained<NSString>::retain(@"old");
+    setError(kExceptionCaught, errors.g_sExceptionTxt.get());
+    EXPECT_EQ(call(Do_KORU_Version), "3.0.3.1");
+    EXPECT_EQ(utf8(errors.g_sExceptionTxt.get()), "old");
+    EXPECT_EQ(errors.g_llasterror, kSuccess);
+    EXPECT_EQ(lastErrorText(), "Success");
+}
+
+TEST_F(FrameTest, APlatformExceptionIsTheCallsError) {
+    EXPECT_EQ(run([]() -> Answer {
+                  [NSException raise:NSInvalidArgumentException format:@"no such thing as %d", 42];
+                  return @"never";
+              }),
+              "!!ERROR!!");
+    EXPECT_EQ(lastErrorText(), "Exception caught in function no such thing as 42");
+    EXPECT_EQ(lastErrorNumber(), "-8000");
+    EXPECT_EQ(run([]() -> Answer { return @"next"; }), "next");
+    EXPECT_EQ(lastErrorText(), "Success");
+    EXPECT_FALSE(errors.g_sExceptionTxt);
+}
+
+TEST_F(FrameTest, AnExceptionUnwindsTheWork) {
+    struct Witness {
+        bool& released;
+        ~Witness() { released = true; }
+    };
+    bool released = false;
+    run([&]() -> Answer {
+        const Witness witness{released};
+        [NSException raise:NSGenericException format:@"out"];
+        return nil;
+    });
+    EXPECT_TRUE(released);
+}
+
+TEST_F(FrameTest, OtherObjectsAndStandardExceptionsPass) {
+    const fmx::DataVectAutoPtr none;
+    const int before = host_double::livingObjects();
+    EXPECT_THROW(runHandler(kNoFunction, *none, *result_, []() -> Answer { throw std::bad_alloc(); }),
+                 std::bad_alloc);
+    EXPECT_THROW(runHandler(kNoFunction, *none, *result_, []() -> Answer { throw std::exception(); }),
+                 std::exception);
+    EXPECT_THROW(runHandler(kNoFunction, *none, *result_, []() -> Answer { throw 7; }), int);
+    EXPECT_EQ(host_double::livingObjects(), before);
+    EXPECT_EQ(lastErrorText(), "Success");
+}
+
+TEST_F(FrameTest, WhatTheWorkAutoreleasesGoesWithTheCallAlsoWhenItThrows) {
+    bool gone = false;
+    const auto leave = [&] {
+        VelocardWitness* witness = [[[VelocardWitness alloc] init] autorelease];
+        witness->gone = &gone;
+    };
+    run([&]() -> Answer {
+        leave();
+        EXPECT_FALSE(gone);
+        return nil;
+    });
+    EXPECT_TRUE(gone);
+    gone = false;
+    const fmx::DataVectAutoPtr none;
+    EXPECT_THROW(runHandler(kNoFunction, *none, *result_,
+                            [&]() -> Answer {
+                                leave();
+                                throw std::bad_alloc();
+                            }),
+                 std::bad_alloc);
+    EXPECT_TRUE(gone);
+}
+
+TEST_F(FrameTest, AWrongNumberOfArgumentsIsRefusedByItsCodeAlone) {
+    bool ran = false;
+    const short open = 7; // takes one argument
+    EXPECT_EQ(run(
+                  [&]() -> Answer {
+                      ran = true;
+                      return nil;
+                  },
+                  kUsualFrame, open),
+              "!!ERROR!!");
+    EXPECT_FALSE(ran);
+    EXPECT_EQ(errors.g_llasterror, kInvalidParameterCount);
+    EXPECT_EQ(lastErrorText(), "Success");
+    EXPECT_EQ(lastErrorNumber(), "0");
+}
+
+TEST_F(FrameTest, AWrittenResultIsLeftAloneEvenWithAnError) {
+    EXPECT_EQ(run([&]() -> Answer {
+                  const fmx::DataAutoPtr other = textData("the work's own");
+                  result_->SetAsText(other->GetAsText(), result_->GetLocale());
+                  setError(kNoBitmap);
+                  return Answer::written();
+              }),
+              "the work's own");
+    EXPECT_EQ(lastErrorNumber(), "-8025");
+}
+
+TEST_F(FrameTest, AnEmptyOrMissingArgumentIsNil) {
+    const fmx::DataVectAutoPtr arguments = vectorOf({"", "x"});
+    EXPECT_EQ(textArgument(*arguments, 0), nil);
+    EXPECT_EQ(utf8(textArgument(*arguments, 1)), "x");
+    EXPECT_EQ(textArgument(*arguments, 2), nil);
+}
+
+TEST_F(FrameTest, AnArgumentKeepsEveryUnit) {
+    fmx::TextAutoPtr text;
+    const fmx::uint16 units[] = {'a', 0, 0xD800, 'b'};
+    text->AssignUnicodeWithLength(units, 4);
+    NSString* string = stringFromText(*text);
+    ASSERT_EQ([string length], 4U);
+    EXPECT_EQ([string characterAtIndex:1], 0);
+    EXPECT_EQ([string characterAtIndex:2], 0xD800);
+    const std::string longText(5000, 'y');
+    EXPECT_EQ(utf8(textArgument(*vectorOf({longText}), 0)), longText);
+}
+
+} // namespace

@@ -1,0 +1,39 @@
+#pragma once
+
+#include "FMWrapper/FMXCalcEngine.h"
+#include <string>
+#include <vector>
+
+// Stands between the plug-in and the host's library in the tests: notes which functions are registered,
+// counts the host's objects that live, and can make the host's calls fail.
+namespace host_double {
+
+// One registration, as the host got it.
+struct Registration {
+    std::string plugin;
+    short id;
+    std::string name;
+    std::string prototype;
+    short minimum;
+    short maximum;
+    fmx::uint32 flags;
+    fmx::ExtPluginType function;
+};
+
+// What was registered and unregistered (plug-in and id) since the last reset, in order.
+[[nodiscard]] const std::vector<Registration>& registrations();
+[[nodiscard]] const std::vector<std::pair<std::string, short>>& unregistrations();
+
+// Forgets them, and lets every call succeed.
+void reset();
+
+// Texts, dates and identifiers that the plug-in has made and not deleted.
+[[nodiscard]] int livingObjects();
+
+// Makes the call after so many others fail with the code (1 no memory, 2 unknown).
+void failAfter(int calls, int code);
+
+// Whether the call that was to fail has come.
+[[nodiscard]] bool hasFailed();
+
+} // namespace host_double

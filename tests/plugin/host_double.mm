@@ -1,0 +1,169 @@
+// Functions of the host's library, defined here again: the program's own definitions win over a library's,
+// and pass the call on.
+
+#include "tests/plugin/host_double.h"
+
+#include <dlfcn.h>
+#include <optional>
+
+namespace {
+
+std::vector<host_double::Registration> registered;
+std::vector<std::pair<std::string, short>> unregistered;
+int living = 0;
+std::optional<int> callsUntilFailure;
+int failureCode = 0;
+bool failed = false;
+
+// Whether this call is the one that fails; its block then says so.
+bool failsNow(fmx::_fmxcpt& block) {
+    if (!callsUntilFailure || (*callsUntilFailure)-- > 0) {
+        return false;
+    }
+    callsUntilFailure.reset();
+    failed = true;
+    block.code = failureCode;
+    return true;
+}
+
+template <typename Function>
+Function* real(Function* /*own*/, const char* name) {
+    return reinterpret_cast<Function*>(dlsym(RTLD_NEXT, name));
+}
+
+std::string characters(const fmx::QuadChar& identifier) {
+    std::string text;
+    for (fmx::uint32 i = 0; i < 4; ++i) {
+        text += static_cast<char>(identifier[i]);
+    }
+    return text;
+}
+
+std::string bytes(const fmx::Text& text) {
+    std::string result(4 * text.GetSize() + 1, '\0');
+    text.GetBytes(result.data(), static_cast<fmx::uint32>(result.size()), 0, fmx::Text::kSize_End,
+                  fmx::Text::kEncoding_UTF8);
+    result.resize(result.find('\0'));
+    return result;
+}
+
+} // namespace
+
+namespace host_double {
+
+const std::vector<Registration>& registrations() {
+    return registered;
+}
+
+const std::vector<std::pair<std::string, short>>& unregistrations() {
+    return unregistered;
+}
+
+void reset() {
+    registered.clear();
+    unregistered.clear();
+    callsUntilFailure.reset();
+    failed = false;
+}
+
+int livingObjects() {
+    return living;
+}
+
+void failAfter(int calls, int code) {
+    callsUntilFailure = calls;
+    failureCode = code;
+    failed = false;
+}
+
+bool hasFailed() {
+    return failed;
+}
+
+} // namespace host_double
+
+// A function that makes an object, or deletes one.
+#define MAKES(type, name, parameters, ...)                                                                   \
+    fmx::type* name parameters noexcept {                                                                    \
+        if (failsNow(block)) {                                                                               \
+            return nullptr;                                                                                  \
+        }                                                                                                    \
+        ++living;                                                                                            \
+        return real(name, #name)(__VA_ARGS__);                                                               \
+    }
+#define DELETES(name)                                                                                        \
+    void name(void* self, fmx::_fmxcpt& block) noexcept {                                                    \
+        --living;                                                                                            \
+        real(name, #name)(self, block);                                                                      \
+    }
+
+// Any other function: the call is made even when it is then reported as failed, so that there is a result.
+#define PASSES(result, name, parameters, ...)                                                                \
+    result name parameters noexcept {                                                                        \
+        failsNow(block);                                                                                     \
+        return real(name, #name)(__VA_ARGS__);                                                               \
+    }
+
+extern "C" {
+
+MAKES(Text, FM_Text_Constructor1, (fmx::_fmxcpt & block), block)
+MAKES(DateTime, FM_DateTime_Constructor1, (fmx::_fmxcpt & block), block)
+MAKES(QuadChar, FM_QuadChar_Constructor2, (char c0, char c1, char c2, char c3, fmx::_fmxcpt& block), c0, c1,
+      c2, c3, block)
+DELETES(FM_Text_Delete)
+DELETES(FM_DateTime_Delete)
+DELETES(FM_QuadChar_Delete)
+
+PASSES(fmx::uint32, FM_Text_GetSize, (const void* self, fmx::_fmxcpt& block), self, block)
+PASSES(void, FM_Text_Assign, (void* self, const char* text, fmx::int32 encoding, fmx::_fmxcpt& block), self,
+       text, encoding, block)
+PASSES(void, FM_Text_AssignUnicode, (void* self, const fmx::uint16* text, fmx::_fmxcpt& block), self, text,
+       block)
+PASSES(void, FM_Text_GetUnicode,
+       (const void* self, fmx::uint16* buffer, fmx::uint32 position, fmx::uint32 size, fmx::_fmxcpt& block),
+       self, buffer, position, size, block)
+PASSES(fmx::uint32, FM_Text_Find,
+       (const void* self, const fmx::Text& wanted, fmx::uint32 position, fmx::_fmxcpt& block), self, wanted,
+       position, block)
+PASSES(void, FM_Text_DeleteText, (void* self, fmx::uint32 position, fmx::uint32 size, fmx::_fmxcpt& block),
+       self, position, size, block)
+PASSES(fmx::uint32, FM_DataVect_Size, (const void* self, fmx::_fmxcpt& block), self, block)
+PASSES(const fmx::Text&, FM_DataVect_AtAsText, (const void* self, fmx::uint32 index, fmx::_fmxcpt& block),
+       self, index, block)
+PASSES(bool, FM_DataVect_AtAsBoolean, (const void* self, fmx::uint32 index, fmx::_fmxcpt& block), self, index,
+       block)
+PASSES(const fmx::Locale&, FM_Data_GetLocale, (const void* self, fmx::_fmxcpt& block), self, block)
+PASSES(fmx::errcode, FM_Data_SetAsText,
+       (void* self, const fmx::Text& value, const fmx::Locale& locale, fmx::int32 type, fmx::_fmxcpt& block),
+       self, value, locale, type, block)
+PASSES(fmx::errcode, FM_Data_SetAsTimeStamp,
+       (void* self, const fmx::DateTime& value, fmx::int32 type, fmx::_fmxcpt& block), self, value, type,
+       block)
+PASSES(fmx::errcode, FM_DateTime_SetNormalizedDate1,
+       (void* self, fmx::int16 month, fmx::int16 day, fmx::int16 year, fmx::_fmxcpt& block), self, month, day,
+       year, block)
+PASSES(fmx::errcode, FM_DateTime_SetNormalizedTime1,
+       (void* self, fmx::int64 hour, fmx::int16 minute, fmx::int16 second, fmx::int32 microseconds,
+        fmx::_fmxcpt& block),
+       self, hour, minute, second, microseconds, block)
+
+fmx::errcode FM_ExprEnv_RegisterExternalFunction(const fmx::QuadChar& plugin, short id, const fmx::Text& name,
+                                                 const fmx::Text& prototype, short minimum, short maximum,
+                                                 fmx::uint32 flags, fmx::ExtPluginType function,
+                                                 fmx::_fmxcpt& block) noexcept {
+    if (!failsNow(block)) {
+        registered.push_back(
+            {characters(plugin), id, bytes(name), bytes(prototype), minimum, maximum, flags, function});
+    }
+    return 1; // refused, for all that the plug-in cares
+}
+
+fmx::errcode FM_ExprEnv_UnRegisterExternalFunction(const fmx::QuadChar& plugin, short id,
+                                                   fmx::_fmxcpt& block) noexcept {
+    if (!failsNow(block)) {
+        unregistered.emplace_back(characters(plugin), id);
+    }
+    return 1;
+}
+
+} // extern "C"

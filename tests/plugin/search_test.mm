@@ -1,0 +1,267 @@
+#import "plugin/records/search.h"
+
+#import "plugin/records/cursor.h"
+#import "plugin/records/plugin_state.h"
+#import "plugin/records/record_type.h"
+#import "plugin/shell/error_state.h"
+#include "tests/plugin/support.h"
+
+namespace {
+
+class SearchTest : public PluginTest {
+  protected:
+    static std::string search(const std::string& type, const std::string& property, const std::string& value,
+                              const std::string& comparison = "Equal") {
+        return call(Do_KORU_Search, {type, property, "", "", value, comparison});
+    }
+    static std::string join(const std::string& property, const std::string& value,
+                            const std::string& conjunction) {
+        return call(Do_KORU_Search, {"person", property, "", "", value, "Equal", conjunction});
+    }
+};
+
+TEST_F(SearchTest, TheTypeWordSetsTheRecordType) {
+    const auto setType = [](const std::string& word) {
+        SetType(*vectorOf({word}), 0);
+        return state.g_currentRecordType;
+    };
+    EXPECT_EQ(setType("GROUP"), kGroupType);
+    EXPECT_EQ(setType("company"), kGroupType);
+    EXPECT_EQ(setType(""), kGroupType);
+    EXPECT_EQ(setType("Contact"), kPersonType);
+    EXPECT_EQ(setType("Group"), kGroupType);
+    EXPECT_EQ(setType("pErSoN"), kPersonType);
+    EXPECT_EQ(setType("groups"), kPersonType);
+    EXPECT_EQ(errors.g_llasterror, kSuccess);
+}
+
+TEST_F(SearchTest, WithoutATypeWordAnUndeterminedTypeIsTheLastSearchs) {
+    state.g_lastSearchType = kGroupType;
+    SetType(*vectorOf({}), 0);
+    EXPECT_EQ(state.g_currentRecordType, kPersonType);
+    state.g_currentRecordType = 2;
+    SetType(*vectorOf({"group"}), 1);
+    EXPECT_EQ(state.g_currentRecordType, kGroupType);
+    state.g_currentRecordType = 7;
+    state.g_lastSearchType = kPersonType;
+    SetType(*vectorOf({""}), 0);
+    EXPECT_EQ(state.g_currentRecordType, kPersonType);
+}
+
+TEST_F(SearchTest, TheCountIsTheResultAndTheListIsKept) {
+    addPerson(@"Anna", @"Smith");
+    addPerson(@"Ben", @"Smith");
+    addPerson(@"Clara", @"Jones");
+    EXPECT_EQ(search("person", "lastname", "Smith"), "2");
+    EXPECT_EQ([state.g_personSearchResults.get() count], 2U);
+    EXPECT_FALSE(state.g_groupSearchResults);
+    EXPECT_EQ(search("person", "Last Name", "Nobody"), "0");
+    ASSERT_TRUE(state.g_personSearchResults);
+    EXPECT_EQ([state.g_personSearchResults.get() count], 0U);
+    EXPECT_EQ(call(Do_KORU_OpenFirstRecord), "END");
+    EXPECT_EQ(lastErrorText(), "Success");
+}
+
+TEST_F(SearchTest, PersonsAndGroupsAreKeptApart) {
+    addPerson(@"Anna", @"Smith");
+    addGroup(@"Harbour");
+    EXPECT_EQ(search("contact", "firstname", "Anna"), "1");
+    EXPECT_EQ(state.g_currentRecordType, kPersonType);
+    const std::string person = call(Do_KORU_OpenFirstRecord);
+    EXPECT_EQ(search("GROUP", "name", "Harbour"), "1");
+    EXPECT_EQ(state.g_currentRecordType, kGroupType);
+    EXPECT_EQ(state.g_lastSearchType, kGroupType);
+    EXPECT_NE(call(Do_KORU_OpenFirstRecord), person);
+    EXPECT_TRUE(state.g_person);
+    EXPECT_EQ(call(Do_KORU_OpenFirstRecord, {"person"}), person);
+    EXPECT_TRUE(state.g_group);
+}
+
+TEST_F(SearchTest, ATypeIsRequired) {
+    state.g_lastSearchType = kGroupType;
+    EXPECT_EQ(search("", "lastname", "Smith"), "!!ERROR!!");
+    EXPECT_EQ(lastErrorText(), "Invalid Parameter value(s) ");
+    EXPECT_EQ(lastErrorNumber(), "-4");
+    EXPECT_EQ(state.g_lastSearchType, kGroupType);
+}
+
+TEST_F(SearchTest, AnotherTypeWordSearchesGroupsButFilesThemWithThePersons) {
+    addGroup(@"Harbour");
+    state.g_currentRecordType = kGroupType;
+    EXPECT_EQ(search("company", "name", "Harbour"), "1");
+    EXPECT_EQ(state.g_currentRecordType, kPersonType);
+    EXPECT_FALSE(state.g_groupSearchResults);
+    EXPECT_EQ(call(Do_KORU_OpenFirstRecord).substr(36), ":ABGroup");
+    EXPECT_TRUE(state.g_person);
+}
+
+TEST_F(SearchTest, AConjunctionNeedsAnEarlierCondition) {
+    EXPECT_EQ(join("lastname", "Smith", "constrain"), "!!ERROR!!");
+    EXPECT_EQ(lastErrorText(), "Function call order is invalid ");
+    EXPECT_EQ(lastErrorNumber(), "-8004");
+    // So it is with a word that is none.
+    EXPECT_EQ(join("lastname", "Smith", "and"), "!!ERROR!!");
+    EXPECT_EQ(lastErrorNumber(), "-8004");
+    EXPECT_FALSE(state.g_personSearchResults);
+}
+
+TEST_F(SearchTest, ConjunctionsWidenAndNarrow) {
+    addPerson(@"Anna", @"Smith");
+    addPerson(@"Ben", @"Smith");
+    addPerson(@"Anna", @"Jones");
+    EXPECT_EQ(search("person", "lastname", "Smith"), "2");
+    EXPECT_EQ(join("firstname", "Anna", "Constrain"), "1");
+    EXPECT_EQ(join("lastname", "Jones", "EXPAND"), "2");
+    EXPECT_EQ(join("lastname", "Smith", ""), "2");
+    EXPECT_EQ(join("lastname", "Jones", "expand"), "3");
+}
+
+TEST_F(SearchTest, AnotherConjunctionIsRefusedAndTheConditionStays) {
+    addPerson(@"Anna", @"Smith");
+    EXPECT_EQ(search("person", "lastname", "Smith"), "1");
+    ABSearchElement* condition = state.g_searchelement.get();
+    NSArray* results = state.g_personSearchResults.get();
+    state.g_currentRecordType = kGroupType;
+    EXPECT_EQ(join("lastname", "Jones", "and"), "!!ERROR!!");
+    EXPECT_EQ(lastErrorText(), "Invalid Parameter value(s) ");
+    EXPECT_EQ(state.g_searchelement.get(), condition);
+    EXPECT_EQ(state.g_personSearchResults.get(), results);
+    EXPECT_EQ(state.g_currentRecordType, kGroupType);
+    EXPECT_EQ(state.g_lastSearchType, kPersonType);
+}
+
+TEST_F(SearchTest, AnUnknownComparisonIsEqual) {
+    addPerson(@"Anna", @"Smith");
+    addPerson(@"Ben", @"Smithson");
+    EXPECT_EQ(search("person", "lastname", "Smith", "equal"), "1");
+    EXPECT_EQ(search("person", "lastname", "Smith", "prefixmatch"), "1");
+    EXPECT_EQ(search("person", "lastname", "Smith", ""), "1");
+    EXPECT_EQ(search("person", "lastname", "Smith", "PrefixMatch"), "2");
+}
+
+TEST_F(SearchTest, WhatTheAddressBookRefusesIsAnException) {
+    addPerson(@"Anna", @"Smith");
+    EXPECT_EQ(search("person", "lastname", "Smith"), "1");
+    NSArray* results = state.g_personSearchResults.get();
+    // Neither a property nor, with this comparison, a value.
+    for (const auto& [property, comparison] :
+         {std::pair{"", "Equal"}, std::pair{"lastname", "PrefixMatch"}}) {
+        EXPECT_EQ(call(Do_KORU_Search, {"person", property, "", "", "", comparison}), "!!ERROR!!");
+        EXPECT_EQ(lastErrorNumber(), "-8000");
+        const std::string text = lastErrorText();
+        EXPECT_EQ(text.find("Exception caught in function "), 0U) << text;
+        EXPECT_GT(text.size(), std::string("Exception caught in function ").size());
+        EXPECT_EQ(text.find("0x"), std::string::npos) << text;
+        EXPECT_EQ(state.g_personSearchResults.get(), results);
+    }
+}
+
+TEST_F(SearchTest, ASearchMovesNeitherTheCursorNorTheCurrentRecord) {
+    addPerson(@"Anna", @"Smith");
+    addPerson(@"Ben", @"Smith");
+    EXPECT_EQ(search("person", "lastname", "Smith"), "2");
+    call(Do_KORU_OpenFirstRecord);
+    call(Do_KORU_OpenNextRecord);
+    ABPerson* current = state.g_person.get();
+    EXPECT_EQ(search("person", "firstname", "Anna"), "1");
+    EXPECT_EQ(state.g_person.get(), current);
+    EXPECT_EQ(state.gCurrentPersonIndex, 1U);
+    EXPECT_EQ(call(Do_KORU_OpenNextRecord), "END");
+    EXPECT_EQ(state.gCurrentPersonIndex, 2U);
+}
+
+TEST_F(SearchTest, TheWalkGoesToTheEndAndBeyond) {
+    const std::string ids[] = {utf8([addPerson(@"A", @"Smith") uniqueId]),
+                               utf8([addPerson(@"B", @"Smith") uniqueId]),
+                               utf8([addPerson(@"C", @"Smith") uniqueId])};
+    EXPECT_EQ(search("person", "lastname", "Smith"), "3");
+    for (int round = 0; round < 2; ++round) {
+        EXPECT_EQ(call(Do_KORU_OpenFirstRecord), ids[0]);
+        EXPECT_EQ(call(Do_KORU_OpenNextRecord), ids[1]);
+        EXPECT_EQ(call(Do_KORU_OpenNextRecord), ids[2]);
+        for (int beyond = 0; beyond < 3; ++beyond) {
+            EXPECT_EQ(call(Do_KORU_OpenNextRecord), "END");
+            EXPECT_FALSE(state.g_person);
+            EXPECT_EQ(lastErrorText(), "Success");
+        }
+        EXPECT_EQ(state.gCurrentPersonIndex, 5U);
+    }
+}
+
+TEST_F(SearchTest, ACursorNeedsASearchOfItsType) {
+    addPerson(@"Anna", @"Smith");
+    EXPECT_EQ(call(Do_KORU_OpenFirstRecord), "!!ERROR!!");
+    EXPECT_EQ(lastErrorNumber(), "-8004");
+    EXPECT_EQ(search("person", "lastname", "Smith"), "1");
+    call(Do_KORU_OpenFirstRecord);
+    state.g_group = Retained<ABGroup>::retain(addGroup(@"Harbour"));
+    EXPECT_EQ(call(Do_KORU_OpenFirstRecord, {"group"}), "!!ERROR!!");
+    EXPECT_EQ(lastErrorText(), "Function call order is invalid ");
+    EXPECT_FALSE(state.g_group) << "the current group goes first";
+    EXPECT_TRUE(state.g_person);
+}
+
+TEST_F(SearchTest, OnlyNextWithoutAnArgumentFallsBackToTheLastSearchType) {
+    addPerson(@"Anna", @"Smith");
+    addGroup(@"Harbour");
+    EXPECT_EQ(search("group", "name", "Harbour"), "1");
+    EXPECT_EQ(search("person", "lastname", "Smith"), "1");
+    state.g_currentRecordType = kGroupType;
+    call(Do_KORU_OpenNextRecord, {""});
+    EXPECT_EQ(state.gCurrentGroupIndex, 1U);
+    EXPECT_EQ(state.gCurrentPersonIndex, 0U);
+    call(Do_KORU_OpenNextRecord);
+    EXPECT_EQ(state.gCurrentPersonIndex, 1U);
+    EXPECT_EQ(state.g_currentRecordType, kPersonType);
+    state.g_currentRecordType = kGroupType;
+    EXPECT_EQ(call(Do_KORU_OpenFirstRecord).substr(36), ":ABGroup");
+}
+
+TEST_F(SearchTest, OpenMakesARecordOfEitherClassCurrent) {
+    const std::string person = utf8([addPerson(@"Anna", @"Smith") uniqueId]);
+    const std::string group = utf8([addGroup(@"Harbour") uniqueId]);
+    state.gCurrentProperty = Retained<NSString>::retain(@"open");
+    state.gCurrentPersonIndex = 4;
+    EXPECT_EQ(call(Do_KORU_Open, {group}), "0");
+    EXPECT_FALSE(state.gCurrentProperty);
+    EXPECT_EQ(utf8([state.g_group.get() uniqueId]), group);
+    EXPECT_EQ(state.g_currentRecordType, kGroupType);
+    EXPECT_EQ(state.g_lastSearchType, kGroupType);
+    EXPECT_EQ(call(Do_KORU_Open, {person}), "0");
+    EXPECT_EQ(utf8([state.g_person.get() uniqueId]), person);
+    EXPECT_TRUE(state.g_group);
+    EXPECT_EQ(state.g_currentRecordType, kPersonType);
+    EXPECT_EQ(state.g_lastSearchType, kPersonType);
+    EXPECT_EQ(state.gCurrentPersonIndex, 4U);
+}
+
+TEST_F(SearchTest, AnUnknownIdIsAPersonsAndLeavesNoneCurrent) {
+    state.g_person = Retained<ABPerson>::retain(addPerson(@"Anna", @"Smith"));
+    state.g_group = Retained<ABGroup>::retain(addGroup(@"Harbour"));
+    for (const char* id : {"nobody", "", "nobody:ABGroup"}) {
+        state.g_currentRecordType = kGroupType;
+        state.g_lastSearchType = kGroupType;
+        EXPECT_EQ(call(Do_KORU_Open, {id}), "!!ERROR!!");
+        EXPECT_EQ(lastErrorText(), "Record does not exist ");
+        EXPECT_EQ(state.g_currentRecordType, kPersonType);
+        EXPECT_EQ(state.g_lastSearchType, kPersonType);
+        EXPECT_FALSE(state.g_person);
+        EXPECT_TRUE(state.g_group);
+    }
+}
+
+TEST_F(SearchTest, OpeningClosesThePropertyAndNothingElse) {
+    addPerson(@"Anna", @"Smith");
+    search("person", "lastname", "Smith");
+    state.gParentGroups = Retained<NSArray>::retain([NSArray array]);
+    state.gValues = Retained<ABMutableMultiValue>::adopt([[ABMutableMultiValue alloc] init]);
+    for (const HandlerFunction* handler : {Do_KORU_OpenFirstRecord, Do_KORU_OpenNextRecord}) {
+        state.gCurrentProperty = Retained<NSString>::retain(@"open");
+        call(*handler);
+        EXPECT_FALSE(state.gCurrentProperty);
+        EXPECT_TRUE(state.gValues);
+        EXPECT_TRUE(state.gParentGroups);
+    }
+}
+
+} // namespace

@@ -1,0 +1,77 @@
+#pragma once
+
+#include "FMWrapper/FMXCalcEngine.h"
+#include "FMWrapper/FMXExtern.h"
+#include "plugin/shell/entry.h"
+#include "plugin/shell/handlers.h"
+#include "plugin/support/host_text.h"
+#include "plugin/support/pool.h"
+#import <AddressBook/AddressBook.h>
+#include <filesystem>
+#include <gtest/gtest.h>
+#include <initializer_list>
+#include <optional>
+#include <string>
+
+// What the tests of the plug-in share: a message to the entry point, a call of a handler, and a fixture in
+// which the plug-in has just been started and the address book, of the test run alone, is empty.
+
+// UTF-8 of a string; "(nil)" of none.
+std::string utf8(NSString* string);
+NSString* string(const std::string& text);
+
+// A message of the host, all zero but for the fields given, with the current interface version.
+FMX_ExternCallStruct messageOf(int whichCall, int parm1 = 0);
+
+// An argument of a call.
+fmx::DataAutoPtr textData(const std::string& text);
+
+// The arguments of a call.
+fmx::DataVectAutoPtr vectorOf(std::initializer_list<std::string> arguments);
+
+// Calls a handler with the id that the function table has for it, checks that it answers 0 and that the
+// result is text, and answers that.
+std::string call(HandlerFunction handler, std::initializer_list<std::string> arguments = {});
+
+// The last error's message and number, as the last-error function gives them.
+std::string lastErrorText();
+std::string lastErrorNumber();
+
+// A folder that goes away with the object.
+class TemporaryFolder {
+  public:
+    TemporaryFolder();
+    ~TemporaryFolder();
+    TemporaryFolder(const TemporaryFolder&) = delete;
+    TemporaryFolder& operator=(const TemporaryFolder&) = delete;
+    [[nodiscard]] const std::filesystem::path& path() const { return path_; }
+
+  private:
+    std::filesystem::path path_;
+};
+
+// A plug-in's bundle with the given string table.
+class Bundle {
+  public:
+    explicit Bundle(const std::string& stringTable);
+    ~Bundle();
+    Bundle(const Bundle&) = delete;
+    Bundle& operator=(const Bundle&) = delete;
+    // The host's name for it.
+    [[nodiscard]] fmx::ptrtype instance() const { return reinterpret_cast<fmx::ptrtype>(handle_); }
+
+  private:
+    TemporaryFolder folder_;
+    void* handle_ = nullptr;
+};
+
+class PluginTest : public testing::Test {
+  protected:
+    void SetUp() override;
+
+    // A saved person or group.
+    static ABPerson* addPerson(NSString* first, NSString* last);
+    static ABGroup* addGroup(NSString* name);
+
+    Pool pool_;
+};

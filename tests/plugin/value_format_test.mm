@@ -1,0 +1,136 @@
+#import "plugin/vocabulary/value_format.h"
+
+#import "plugin/records/plugin_state.h"
+#import "plugin/shell/error_state.h"
+#include "tests/plugin/support.h"
+
+namespace {
+
+class ValueFormatTest : public PluginTest {
+  protected:
+    ValueFormatTest() {
+        state.g_person = Retained<ABPerson>::adopt(
+            [[ABPerson alloc] initWithAddressBook:[ABAddressBook sharedAddressBook]]);
+    }
+
+    // Gives the person two addresses; answers the first one's identifier.
+    static NSString* addAddresses() {
+        ABMutableMultiValue* addresses = [[[ABMutableMultiValue alloc] init] autorelease];
+        NSString* identifier = [addresses
+             addValue:[NSDictionary dictionaryWithObjectsAndKeys:@"12 Quay Street", kABAddressStreetKey,
+                                                                 @"Bristol", kABAddressCityKey, @"gb",
+                                                                 kABAddressCountryCodeKey, nil]
+            withLabel:kABHomeLabel];
+        [addresses addValue:[NSDictionary dictionaryWithObject:@"Bath" forKey:kABAddressCityKey]
+                  withLabel:kABWorkLabel];
+        EXPECT_TRUE([state.g_person.get() setValue:addresses forProperty:kABAddressProperty]);
+        return identifier;
+    }
+
+    std::string single(id value, ABPropertyType type, NSString* name = @"note") {
+        return utf8(singleValueAnswer(value, type, name, *result_).text());
+    }
+
+    fmx::DataAutoPtr result_;
+};
+
+NSDate* date(NSString* text) {
+    return [NSDate dateWithTimeIntervalSince1970:[text doubleValue]];
+}
+
+TEST_F(ValueFormatTest, AWholeValue) {
+    [state.g_person.get() setValue:@"Anna" forProperty:kABFirstNameProperty];
+    EXPECT_EQ(utf8(GetPropertyValue(@"firstname", nil, nil, 0)), "Anna");
+    EXPECT_EQ(GetPropertyValue(@"nickname", nil, nil, 99), nil);
+    EXPECT_EQ(errors.g_llasterror, kSuccess);
+}
+
+TEST_F(ValueFormatTest, AnEntryAndAFieldOfAnAddress) {
+    NSString* identifier = addAddresses();
+    EXPECT_TRUE([GetPropertyValue(@"address", identifier, nil, 0) isKindOfClass:[NSDictionary class]]);
+    EXPECT_EQ(utf8(GetPropertyValue(@"address", identifier, @"Street 2", 0)), "12 Quay Street");
+    EXPECT_EQ(utf8(GetPropertyValue(@"address", identifier, @"countrycode", 0)), "gb");
+    EXPECT_EQ(GetPropertyValue(@"address", identifier, @"Country Code", 0), nil)
+        << "the country, which it lacks";
+    EXPECT_EQ(errors.g_llasterror, kSuccess);
+}
+
+TEST_F(ValueFormatTest, WhatAnEntryIsRefusedFor) {
+    NSString* identifier = addAddresses();
+    const auto codeAfter = [](NSString* name, NSString* entry, NSString* key) {
+        errors.g_llasterror = kSuccess;
+        EXPECT_EQ(GetPropertyValue(name, entry, key, 0), nil);
+        return errors.g_llasterror;
+    };
+    EXPECT_EQ(codeAfter(@"address", nil, @"City"), kUidMissing);
+    EXPECT_EQ(codeAfter(@"firstname", identifier, nil), kInvalidPropertyType);
+    EXPECT_EQ(codeAfter(@"address", @"another", nil), kUidDoesNotExist);
+    EXPECT_EQ(codeAfter(@"address", identifier, @"Postcode"), kInvalidKey);
+    EXPECT_EQ(codeAfter(@"phone", identifier, nil), kInvalidPropertyType) << "a list that has no value";
+    EXPECT_EQ(codeAfter(@"shoe size", nil, nil), kInvalidPropertyName);
+    EXPECT_EQ(codeAfter(@"name", nil, nil), kErrorInProperty);
+    [state.g_person.get() setValue:@"Anna" forProperty:kABFirstNameProperty];
+    EXPECT_EQ(codeAfter(@"firstname", nil, @"City"), kNotAnAddress);
+}
+
+TEST_F(ValueFormatTest, SingleValuesAsText) {
+    EXPECT_EQ(singleValueAnswer(nil, kABDateProperty, @"birthday", *result_).text(), nil);
+    EXPECT_FALSE(singleValueAnswer(nil, kABDateProperty, @"birthday", *result_).isWritten());
+    EXPECT_EQ(single(@"Anna", kABStringProperty), "Anna");
+    EXPECT_EQ(single([NSNumber numberWithInt:-7], kABIntegerProperty), "-7");
+}
+
+TEST_F(ValueFormatTest, FlagsAreWordsForOneSpellingOnly) {
+    const auto flags = [&](int value, NSString* name) {
+        return single([NSNumber numberWithInt:value], kABIntegerProperty, name);
+    };
+    EXPECT_EQ(flags(1, @"Person Flags"), "ShowAsCompany");
+    EXPECT_EQ(flags(17, @"Person Flags"), "ShowAsCompany");
+    EXPECT_EQ(flags(4, @"Person Flags"), "ShowAsCompany");
+    EXPECT_EQ(flags(0, @"Person Flags"), "ShowAsPerson");
+    EXPECT_EQ(flags(16, @"Person Flags"), "ShowAsPerson");
+    EXPECT_EQ(flags(1, @"PersonFlags"), "1");
+    EXPECT_EQ(flags(1, @"person flags"), "1");
+}
+
+TEST_F(ValueFormatTest, ADateIsATimeStampInTheSystemsTimeZone) {
+    // 29 February 2012, 13:14:15 UTC.
+    const Answer answer = singleValueAnswer(date(@"1330521255.75"), kABDateProperty, @"birthday", *result_);
+    EXPECT_TRUE(answer.isWritten());
+    ASSERT_EQ(result_->GetNativeType(), fmx::Data::kDTTimeStamp);
+    const fmx::DateTime& stamp = result_->GetAsTimeStamp();
+    EXPECT_EQ(stamp.GetYear(), 2012);
+    EXPECT_EQ(stamp.GetMonth(), 2);
+    EXPECT_EQ(stamp.GetDay(), 29);
+    EXPECT_EQ(stamp.GetHour(), 13);
+    EXPECT_EQ(stamp.GetMinute(), 14);
+    EXPECT_EQ(stamp.GetSec(), 15);
+    EXPECT_EQ(stamp.GetUSec(), 0);
+}
+
+TEST_F(ValueFormatTest, OtherTypesWithTheDateBitTakeTheDatePath) {
+    for (const ABPropertyType type : {kABArrayProperty, kABDictionaryProperty, kABDataProperty}) {
+        EXPECT_TRUE(singleValueAnswer(date(@"0"), type, @"x", *result_).isWritten()) << type;
+    }
+    EXPECT_FALSE(singleValueAnswer(date(@"0"), kABDateComponentsProperty, @"x", *result_).isWritten());
+}
+
+TEST_F(ValueFormatTest, EntriesOfLists) {
+    NSDictionary* address = [NSDictionary dictionaryWithObject:@"Bristol" forKey:kABAddressCityKey];
+    const auto entry = [&](id value, ABPropertyType type, NSString* key) {
+        errors.g_llasterror = kSuccess;
+        return utf8(entryAnswer(value, type, key, *result_).text());
+    };
+    EXPECT_EQ(entry(address, kABMultiDictionaryProperty, @"City"), "Bristol");
+    EXPECT_EQ(entry(address, kABMultiDictionaryProperty, @"zip"), "(nil)");
+    EXPECT_EQ(errors.g_llasterror, kSuccess);
+    EXPECT_EQ(entry(address, kABMultiDictionaryProperty, @"Postcode"), "(nil)");
+    EXPECT_EQ(errors.g_llasterror, kInvalidKey);
+    EXPECT_EQ(entry(address, kABMultiDictionaryProperty, nil), utf8([address description]));
+    EXPECT_EQ(entry(@"555-1234", kABMultiStringProperty, @"City"), "555-1234");
+    for (const ABPropertyType type : {kABMultiDateProperty, kABDateProperty}) {
+        EXPECT_TRUE(entryAnswer(date(@"0"), type, nil, *result_).isWritten());
+    }
+}
+
+} // namespace
