@@ -47,7 +47,7 @@ class Number {
     double toDouble() const;
 
     // The number without its fraction, held to the range of 64 bits.
-    int64_t toInt64() const noexcept;
+    int64_t toInt64() const;
 
     bool isZero() const noexcept { return !large_ && small_ == 0; }
     bool isInteger() const noexcept;
@@ -77,8 +77,8 @@ class Number {
     static Number modulo(const Number& left, const Number& right);
     static Number power(const Number& base, const Number& exponent);
 
-    friend bool operator==(const Number& left, const Number& right) noexcept { return (left <=> right) == 0; }
-    friend std::strong_ordering operator<=>(const Number& left, const Number& right) noexcept;
+    friend bool operator==(const Number& left, const Number& right) { return (left <=> right) == 0; }
+    friend std::strong_ordering operator<=>(const Number& left, const Number& right);
 
   private:
     struct Decimal; // whole mantissa and power of ten, for what 64 bits cannot hold
