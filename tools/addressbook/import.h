@@ -1,0 +1,89 @@
+#pragma once
+
+// Bringing vCards into an address book.
+
+#include "frameworks/AddressBook/store/store.h"
+#include "frameworks/AddressBook/vcard/vcard.h"
+
+#include <cstddef>
+#include <cstdint>
+#include <functional>
+#include <istream>
+#include <map>
+#include <string>
+#include <string_view>
+#include <unordered_map>
+#include <vector>
+
+namespace addressbook::tool {
+
+// What an import did, in cards.
+struct ImportSummary {
+    std::size_t read = 0, added = 0, updated = 0, unchanged = 0, refused = 0;
+    std::size_t groups = 0;         // of the cards read, those of groups
+    std::size_t namedGroups = 0;    // groups made because a card names one
+    std::size_t unknownMembers = 0; // members of groups whose cards are not there; kept for a later import
+    std::size_t skippedLines = 0;
+};
+
+class Importer {
+  public:
+    // Called with a file's name and what is wrong with a card or a line of it.
+    using Report = std::function<void(const std::string& file, const vcard::Problem& problem)>;
+    // Called often, with the bytes of the file that are read.
+    using Progress = std::function<void(std::size_t bytes, const ImportSummary& soFar)>;
+
+    // [store] may be null, for an address book that does not exist yet; then, or with [dryRun], nothing is
+    // written.
+    Importer(Store* store, bool dryRun, Report report, Progress progress);
+
+    // Reads one file's cards; answers what was done so far. They are saved by finish(), or before when there
+    // are very many.
+    const ImportSummary& read(std::istream& input, const std::string& file);
+
+    // Joins groups and members and saves what is left. Until then no group is saved.
+    ImportSummary finish();
+
+  private:
+    // A record of this import.
+    struct Seen {
+        std::size_t file = 0;
+        std::size_t pending =
+            0;              // index into changes_.records or groups_; kNone when there is nothing to save
+        std::string digest; // of the card's contents
+    };
+    // The members that a group's card lists.
+    struct GroupMembers {
+        std::string uid;
+        std::vector<std::string> members; // UUIDs
+    };
+    static constexpr std::size_t kNone = static_cast<std::size_t>(-1);
+
+    void take(vcard::Card& card, const std::string& file);
+    void addGroup(const std::string& uid, vcard::Card& card, Seen& seen);
+    void addPerson(const std::string& uid, vcard::Card& card, Seen& seen, bool again);
+    bool takeDifference(RecordChange& change) const;
+    std::string resolve(const std::string& uuid) const;
+    void joinGroup(const GroupMembers& group);
+    void joinNamedGroups();
+    bool wouldCycle(const std::string& group, const std::string& subgroup) const;
+    bool exists(const std::string& uid) const;
+    void flush();
+
+    Store* store_;
+    bool dryRun_;
+    Report report_;
+    Progress progress_;
+    ImportSummary summary_;
+    std::size_t files_ = 0;
+    std::unordered_map<std::string, Seen> seen_;            // by unique id
+    std::unordered_map<std::string, std::string> aliases_;  // UUID of a UID -> unique id
+    std::map<std::string, std::vector<std::string>> named_; // group's name -> people's unique ids
+    std::vector<GroupMembers> members_;
+    std::map<std::string, std::vector<std::string>> subgroups_; // joined in this import
+    std::vector<RecordChange> groups_;                          // held back until all members are known
+    ChangeSet changes_;
+    std::size_t pendingBytes_ = 0;
+};
+
+} // namespace addressbook::tool

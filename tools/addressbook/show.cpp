@@ -1,0 +1,226 @@
+#include "show.h"
+
+#include <nlohmann/json.hpp>
+
+#include <algorithm>
+
+namespace addressbook::tool {
+
+namespace {
+
+using Json = nlohmann::ordered_json;
+
+Json jsonOf(const Value& value) {
+    if (const auto* text = value.as<std::string>())
+        return *text;
+    if (const auto* number = value.as<std::int64_t>())
+        return *number;
+    if (const auto* real = value.as<double>())
+        return *real;
+    if (const auto* array = value.as<Array>()) {
+        Json list = Json::array();
+        for (const Value& each : *array)
+            list.push_back(jsonOf(each));
+        return list;
+    }
+    if (const auto* fields = value.as<Dictionary>()) {
+        Json object = Json::object();
+        for (const auto& [key, each] : *fields)
+            object[key] = jsonOf(each);
+        return object;
+    }
+    if (const auto* list = value.as<MultiValue>()) {
+        Json entries = Json::array();
+        for (const Entry& entry : list->entries) {
+            Json object{{"label", labelText(entry.label)}, {"value", jsonOf(entry.value)}};
+            if (!list->primary.empty() && entry.identifier == list->primary)
+                object["primary"] = true;
+            entries.push_back(std::move(object));
+        }
+        return entries;
+    }
+    if (value.empty())
+        return nullptr;
+    return valueText(value);
+}
+
+// Text that is no UTF-8 (a lone surrogate) is replaced, not refused.
+std::string dump(const Json& json, int indent = -1) {
+    return json.dump(indent, ' ', false, Json::error_handler_t::replace);
+}
+
+Json fieldJson(const Store& store, const RecordRef& record, const Field& field) {
+    if (field.property.empty())
+        return fieldText(store, record, field);
+    return jsonOf(store.value(record.row, field.property));
+}
+
+// A list as JSON with one element a line.
+class JsonLines {
+  public:
+    explicit JsonLines(Output& output) : output_(output) { output_.write("["); }
+    void add(const Json& json) {
+        output_.write((first_ ? "\n" : ",\n") + dump(json));
+        first_ = false;
+    }
+    void finish() { output_.write(first_ ? "]\n" : "\n]\n"); }
+
+  private:
+    Output& output_;
+    bool first_ = true;
+};
+
+// The names of the groups that a record is in.
+std::vector<std::string> groupNames(const Store& store, const RecordRef& record) {
+    std::vector<std::string> names;
+    for (const RowId row : store.parents(record.row))
+        names.push_back(valueText(store.value(row, property::kGroupName)));
+    return names;
+}
+
+// A line of a single record: name, label and value in columns; the value's further lines are indented.
+std::string column(std::string text, std::size_t width) {
+    std::size_t characters = 0;
+    for (const char byte : text)
+        characters += (static_cast<unsigned char>(byte) & 0xC0) == 0x80 ? 0 : 1;
+    text.append(characters < width ? width - characters : 1, ' ');
+    return text;
+}
+
+void writeRow(Output& output, const std::string& name, const std::string& label, std::string_view value) {
+    constexpr std::size_t kName = 18, kLabel = 14;
+    std::string row = column(name, kName) + column(label, kLabel);
+    for (std::size_t start = 0;;) {
+        const std::size_t end = std::min(value.find_first_of("\r\n", start), value.size());
+        row += escaped(value.substr(start, end - start)) + '\n';
+        if (end == value.size())
+            break;
+        row += std::string(kName + kLabel, ' ');
+        start = end + (value.substr(end, 2) == "\r\n" ? 2 : 1);
+    }
+    output.write(row);
+}
+
+void writeValue(Output& output, const std::string& name, const Value& value) {
+    if (const auto* list = value.as<MultiValue>()) {
+        for (std::size_t at = 0; at < list->entries.size(); ++at) {
+            const Entry& entry = list->entries[at];
+            writeRow(output, at ? "" : name, escaped(labelText(entry.label)), valueText(entry.value));
+        }
+    } else if (const auto* array = value.as<Array>()) {
+        for (std::size_t at = 0; at < array->size(); ++at)
+            writeRow(output, at ? "" : name, "", valueText((*array)[at]));
+    } else {
+        writeRow(output, name, "", valueText(value));
+    }
+}
+
+// What users call a property; its own name when they have no other.
+std::string friendlyName(const std::vector<Field>& fields, const std::string& property) {
+    if (property == property::kUnknownLines)
+        return "vcard";
+    if (property == property::kGroupName)
+        return "name";
+    const auto found = std::find_if(fields.begin(), fields.end(),
+                                    [&](const Field& field) { return field.property == property; });
+    return found == fields.end() ? property : found->name;
+}
+
+} // namespace
+
+void listPeople(const Store& store, const std::vector<Field>& fields, Output& output) {
+    for (const RowId row : store.rows(Kind::person)) {
+        const auto record = store.find(row);
+        if (!record)
+            continue;
+        std::string line = record->uid;
+        for (const Field& field : fields)
+            line += '\t' + escaped(fieldText(store, *record, field));
+        output.write(line + '\n');
+    }
+    output.finish();
+}
+
+void listPeopleAsJson(const Store& store, const std::vector<Field>& fields, Output& output) {
+    JsonLines lines(output);
+    for (const RowId row : store.rows(Kind::person)) {
+        const auto record = store.find(row);
+        if (!record)
+            continue;
+        Json object{{"id", record->uid}};
+        for (const Field& field : fields)
+            object[field.name] = fieldJson(store, *record, field);
+        lines.add(object);
+    }
+    lines.finish();
+    output.finish();
+}
+
+void listGroups(const Store& store, bool json, Output& output) {
+    if (json) {
+        JsonLines lines(output);
+        for (const RowId row : store.rows(Kind::group))
+            if (const auto group = store.find(row))
+                lines.add({{"id", group->uid},
+                           {"name", displayName(store, *group)},
+                           {"members", store.members(row).size()},
+                           {"subgroups", store.subgroups(row).size()}});
+        lines.finish();
+    } else {
+        for (const RowId row : store.rows(Kind::group))
+            if (const auto group = store.find(row))
+                output.write(group->uid + '\t' + escaped(displayName(store, *group)) + '\t' +
+                             std::to_string(store.members(row).size()) + '\t' +
+                             std::to_string(store.subgroups(row).size()) + '\n');
+    }
+    output.finish();
+}
+
+void showRecord(const Store& store, const RecordRef& record, bool json, Output& output) {
+    std::map<std::string, Value> values = store.values(record.row);
+    const std::vector<Field> fields = allFields(store);
+    const Value image = store.value(record.row, property::kImage);
+    values.erase(std::string(property::kDistribution));
+    values.erase(std::string(property::kUid));
+    if (json) {
+        Json object{{"id", record.uid}, {"name", displayName(store, record)}};
+        for (const auto& [property, value] : values)
+            object[friendlyName(fields, property)] = jsonOf(value);
+        if (const auto* bytes = image.as<Bytes>())
+            object["picture"] = {{"bytes", bytes->size()}};
+        object["groups"] = groupNames(store, record);
+        if (record.kind == Kind::group)
+            for (const auto& [key, rows] : {std::pair("members", store.members(record.row)),
+                                            std::pair("subgroups", store.subgroups(record.row))}) {
+                object[key] = Json::array();
+                for (const RowId row : rows)
+                    if (const auto member = store.find(row))
+                        object[key].push_back({{"id", member->uid}, {"name", displayName(store, *member)}});
+            }
+        output.write(dump(object, 2) + '\n');
+        output.finish();
+        return;
+    }
+    output.write(escaped(displayName(store, record)) + '\n');
+    writeRow(output, "id", "", record.uid);
+    // In the order of the fields, then what is left.
+    for (const Field& field : fields)
+        if (const auto found = values.find(field.property); found != values.end()) {
+            writeValue(output, field.name, found->second);
+            values.erase(found);
+        }
+    for (const auto& [property, value] : values)
+        writeValue(output, friendlyName(fields, property), value);
+    if (!image.empty())
+        writeRow(output, "picture", "", valueText(image));
+    for (const std::string& name : groupNames(store, record))
+        writeRow(output, "in group", "", name);
+    for (const auto& rows : {store.members(record.row), store.subgroups(record.row)})
+        if (record.kind == Kind::group)
+            for (const RowId row : rows)
+                if (const auto member = store.find(row))
+                    writeRow(output, "member", "", displayName(store, *member) + "  " + member->uid);
+    output.finish();
+}
+
+} // namespace addressbook::tool
