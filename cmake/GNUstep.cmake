@@ -18,7 +18,8 @@ foreach(flag IN LISTS gnustep_flags)
   endif()
 endforeach()
 list(REMOVE_DUPLICATES gnustep_options)
-target_compile_options(velocard_foundation INTERFACE ${gnustep_options}
+target_compile_options(velocard_foundation INTERFACE
+  "$<$<COMPILE_LANGUAGE:OBJC,OBJCXX>:${gnustep_options}>"
   "$<$<COMPILE_LANGUAGE:OBJC,OBJCXX>:-Wno-import;-Werror=undeclared-selector>"
   "$<$<COMPILE_LANGUAGE:OBJCXX>:-Wno-subobject-linkage>")
 target_link_libraries(velocard_foundation INTERFACE gnustep-base objc)

@@ -525,6 +525,8 @@ void Book::refresh() {
     if (newest == seen_)
         return;
     for (const auto& change : store_->changesSince(seen_)) {
+        if (change.inserted.empty() && change.updated.empty() && change.deleted.empty())
+            distrust();
         for (const auto& uid : change.updated)
             if (const auto card = live(uid))
                 card->read.reset();
@@ -535,6 +537,18 @@ void Book::refresh() {
     }
     definitions_ = store_->definitions();
     seen_ = newest;
+}
+
+// Anything may have changed.
+void Book::distrust() {
+    for (const auto& [uid, weak] : cards_) {
+        const auto card = weak.lock();
+        if (!card || card->standing != Card::Standing::stored)
+            continue;
+        card->read.reset();
+        if (!changed_.contains(card->row) && !store_->find(uid))
+            card->standing = Card::Standing::gone;
+    }
 }
 
 } // namespace addressbook

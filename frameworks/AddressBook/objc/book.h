@@ -117,6 +117,7 @@ class Book : public std::enable_shared_from_this<Book> {
     void load(Card& card);
     void touch(const CardPtr& card);
     void refresh();
+    void distrust();
     bool ascendsTo(const CardPtr& from, const Card& target);
     bool discarded(Kind kind, std::string_view property) const;
     bool mentionsDiscarded(const Query& query) const;

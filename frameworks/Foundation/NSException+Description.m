@@ -1,0 +1,11 @@
+// An exception describes itself by its reason, as on macOS: no address and no user info in what people read.
+
+#import <Foundation/Foundation.h>
+
+@implementation NSException (Description)
+
+- (NSString*)description {
+    return [self reason] != nil ? [self reason] : [self name];
+}
+
+@end

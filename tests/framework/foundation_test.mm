@@ -1,0 +1,58 @@
+#include "support.h"
+
+#include <cstdlib>
+
+namespace {
+
+TEST(Exception, DescribesItselfByItsReason) {
+    NSException* exception = raised([] { [NSException raise:@"Name" format:@"Nothing in %@", @"here"]; });
+    EXPECT_EQ(text(exception), "Nothing in here");
+    EXPECT_EQ(text([NSException exceptionWithName:@"Name" reason:nil userInfo:nil]), "Name");
+    EXPECT_EQ(text(raised([] { [[NSArray array] objectAtIndex:3]; })).find("0x"), std::string::npos);
+}
+
+class DateTest : public testing::Test {
+  protected:
+    void SetUp() override {
+        ::setenv("TZ", "America/New_York", 1);
+        ::setenv("LC_ALL", "en_US.UTF-8", 1);
+        [NSTimeZone resetSystemTimeZone];
+    }
+    static NSDate* parse(NSString* string) { return [NSDate dateWithNaturalLanguageString:string]; }
+    static double seconds(NSString* string) { return [parse(string) timeIntervalSince1970]; }
+};
+
+TEST_F(DateTest, IsInTheSystemTimeZone) {
+    EXPECT_EQ(seconds(@"12/25/2010 14:30"), 1293305400); // five hours behind
+    EXPECT_EQ(seconds(@"2010-12-25"), 1293296400);
+    EXPECT_EQ(seconds(@"July 4, 2010"), 1278259200); // four in summer
+    EXPECT_EQ(seconds(@"2010-12-25T14:30:00Z"), 1293287400);
+    EXPECT_EQ(seconds(@"2010-12-25T14:30:00+02:00"), 1293280200);
+    EXPECT_EQ(seconds(@"3/12/1970"), 6120000);
+}
+
+TEST_F(DateTest, FollowsTheLocale) {
+    ::setenv("LC_ALL", "", 1);
+    ::setenv("LANG", "en_US.UTF-8", 1);
+    ::setenv("LC_TIME", "de_DE.UTF-8", 1);
+    EXPECT_TRUE([parse(@"3/12/1970") isEqual:parse(@"December 3, 1970")]);
+    NSDictionary* american = [NSDictionary dictionaryWithObject:@"MDYH" forKey:@"NSDateTimeOrdering"];
+    EXPECT_TRUE([[NSDate dateWithNaturalLanguageString:@"3/12/1970"
+                                                locale:american] isEqual:parse(@"March 12, 1970")]);
+}
+
+TEST_F(DateTest, CountsWordsFromToday) {
+    const double today = seconds(@"today");
+    EXPECT_NEAR(today, [[NSDate date] timeIntervalSince1970], 12 * 3600 + 3600);
+    EXPECT_NEAR(seconds(@"tomorrow") - today, 86400, 3600);
+    EXPECT_NEAR(today - seconds(@"1 week ago"), 7 * 86400, 3600);
+}
+
+TEST_F(DateTest, IsNilForWhatIsNoDate) {
+    EXPECT_EQ(parse(@"not a date"), nil);
+    EXPECT_EQ(parse(@""), nil);
+    EXPECT_EQ(parse(nil), nil);
+    EXPECT_EQ(parse(@"\u00e9"), nil);
+}
+
+} // namespace

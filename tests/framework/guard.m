@@ -1,0 +1,12 @@
+// Catching by type works in plain Objective-C only.
+
+#import "guard.h"
+
+NSException* exceptionOf(void (*work)(void*), void* context) {
+    @try {
+        work(context);
+    } @catch (NSException* exception) {
+        return [[exception retain] autorelease];
+    }
+    return nil;
+}

@@ -1,0 +1,142 @@
+#include "support.h"
+
+namespace {
+
+ABMutableMultiValue* phones() {
+    ABMutableMultiValue* list = [[[ABMutableMultiValue alloc] init] autorelease];
+    [list addValue:@"1" withLabel:kABHomeLabel];
+    [list addValue:@"2" withLabel:kABWorkLabel];
+    return list;
+}
+
+TEST(MultiValue, GivesEachEntryAnIdentifierOfItsOwn) {
+    ABMutableMultiValue* list = phones();
+    NSString* added = [list addValue:@"3" withLabel:@"Cottage"];
+    EXPECT_EQ([added length], 36u);
+    EXPECT_EQ([list count], 3u);
+    EXPECT_EQ([list indexForIdentifier:added], 2u);
+    EXPECT_EQ(text([list valueForIdentifier:added]), "3");
+    EXPECT_EQ(text([list labelForIdentifier:added]), "Cottage");
+    EXPECT_FALSE([[list identifierAtIndex:0] isEqual:[list identifierAtIndex:1]]);
+}
+
+TEST(MultiValue, AnswersNothingForUnknownIdentifiers) {
+    ABMutableMultiValue* list = phones();
+    EXPECT_EQ([list indexForIdentifier:@"?"], static_cast<NSUInteger>(NSNotFound));
+    EXPECT_EQ([list indexForIdentifier:nil], static_cast<NSUInteger>(NSNotFound));
+    EXPECT_EQ([list valueForIdentifier:@"?"], nil);
+    EXPECT_EQ([list labelForIdentifier:@"?"], nil);
+    EXPECT_FALSE([list setPrimaryIdentifier:@"?"]);
+    EXPECT_FALSE([list setPrimaryIdentifier:nil]);
+}
+
+TEST(MultiValue, RaisesOutOfBounds) {
+    ABMutableMultiValue* list = phones();
+    const auto outOfBounds = [](NSException* exception) {
+        return [[exception name] isEqual:NSRangeException];
+    };
+    EXPECT_TRUE(outOfBounds(raised([&] { [list valueAtIndex:2]; })));
+    EXPECT_TRUE(outOfBounds(raised([&] { [list labelAtIndex:2]; })));
+    EXPECT_TRUE(outOfBounds(raised([&] { [list identifierAtIndex:NSNotFound]; })));
+    EXPECT_TRUE(outOfBounds(raised([&] { [list removeValueAndLabelAtIndex:2]; })));
+    EXPECT_TRUE(outOfBounds(raised([&] { [list replaceValueAtIndex:2 withValue:@"x"]; })));
+    EXPECT_TRUE(outOfBounds(raised([&] { [list replaceLabelAtIndex:2 withLabel:@"x"]; })));
+    EXPECT_TRUE(outOfBounds(raised([&] { [list insertValue:@"x" withLabel:@"y" atIndex:3]; })));
+    EXPECT_EQ(text(raised([&] { [list valueAtIndex:2]; })), "There is no entry 2: the list has 2");
+}
+
+TEST(MultiValue, RefusesNil) {
+    ABMutableMultiValue* list = phones();
+    EXPECT_EQ([list addValue:nil withLabel:@"x"], nil);
+    EXPECT_EQ([list addValue:@"x" withLabel:nil], nil);
+    EXPECT_EQ([list insertValue:nil withLabel:@"x" atIndex:0], nil);
+    EXPECT_FALSE([list replaceValueAtIndex:0 withValue:nil]);
+    EXPECT_FALSE([list replaceLabelAtIndex:0 withLabel:nil]);
+    EXPECT_EQ([list count], 2u);
+}
+
+TEST(MultiValue, ChangesEntriesInPlace) {
+    ABMutableMultiValue* list = phones();
+    NSString* first = [list identifierAtIndex:0];
+    EXPECT_TRUE([list replaceValueAtIndex:0 withValue:@"one"]);
+    EXPECT_TRUE([list replaceLabelAtIndex:0 withLabel:@"first"]);
+    NSString* inserted = [list insertValue:@"0" withLabel:@"zero" atIndex:0];
+    EXPECT_EQ([list indexForIdentifier:inserted], 0u);
+    EXPECT_EQ([list indexForIdentifier:first], 1u);
+    EXPECT_EQ(text([list valueAtIndex:1]), "one");
+    EXPECT_EQ(text([list labelAtIndex:1]), "first");
+    EXPECT_TRUE([list removeValueAndLabelAtIndex:0]);
+    EXPECT_EQ([list indexForIdentifier:inserted], static_cast<NSUInteger>(NSNotFound));
+    EXPECT_EQ([list count], 2u);
+}
+
+TEST(MultiValue, HasTheFirstEntryAsPrimaryUntilAnotherIsChosen) {
+    ABMutableMultiValue* list = phones();
+    EXPECT_EQ([[[[ABMultiValue alloc] init] autorelease] primaryIdentifier], nil);
+    EXPECT_EQ([list primaryIdentifier], [list identifierAtIndex:0]);
+    EXPECT_TRUE([list setPrimaryIdentifier:[list identifierAtIndex:1]]);
+    EXPECT_TRUE([[list primaryIdentifier] isEqual:[list identifierAtIndex:1]]);
+    [list removeValueAndLabelAtIndex:1];
+    EXPECT_EQ([list primaryIdentifier], [list identifierAtIndex:0]);
+}
+
+TEST(MultiValue, KnowsTheTypeOfItsEntries) {
+    ABMutableMultiValue* list = [[[ABMutableMultiValue alloc] init] autorelease];
+    EXPECT_EQ([list propertyType], kABErrorInProperty);
+    [list addValue:@"x" withLabel:@"l"];
+    EXPECT_EQ([list propertyType], kABMultiStringProperty);
+    [list addValue:[NSDate date] withLabel:@"l"];
+    EXPECT_EQ([list propertyType], kABErrorInProperty);
+    [list removeValueAndLabelAtIndex:0];
+    EXPECT_EQ([list propertyType], kABMultiDateProperty);
+    [list replaceValueAtIndex:0 withValue:[NSDictionary dictionary]];
+    EXPECT_EQ([list propertyType], kABMultiDictionaryProperty);
+}
+
+TEST(MultiValue, CopiesKeepIdentifiersAndGoTheirOwnWay) {
+    ABMutableMultiValue* list = phones();
+    [list setPrimaryIdentifier:[list identifierAtIndex:1]];
+    ABMultiValue* copy = [[list copy] autorelease];
+    ABMutableMultiValue* mutableCopy = [[copy mutableCopy] autorelease];
+    EXPECT_FALSE([copy isKindOfClass:[ABMutableMultiValue class]]);
+    EXPECT_TRUE([mutableCopy isKindOfClass:[ABMutableMultiValue class]]);
+    EXPECT_TRUE([copy isEqual:list]);
+    EXPECT_TRUE([[mutableCopy primaryIdentifier] isEqual:[list identifierAtIndex:1]]);
+    [mutableCopy addValue:@"3" withLabel:@"x"];
+    [list removeValueAndLabelAtIndex:0];
+    EXPECT_EQ([copy count], 2u);
+    EXPECT_EQ([list count], 1u);
+    EXPECT_EQ([mutableCopy count], 3u);
+    EXPECT_EQ([copy copy], copy);
+    [copy release];
+}
+
+TEST(MultiValue, KeepsWhatItWasGivenEvenWhenTheGiverChangesIt) {
+    ABMutableMultiValue* list = [[[ABMutableMultiValue alloc] init] autorelease];
+    NSMutableString* value = [NSMutableString stringWithString:@"before"];
+    [list addValue:value withLabel:value];
+    [value setString:@"after"];
+    EXPECT_EQ(text([list valueAtIndex:0]), "before");
+    EXPECT_EQ(text([list labelAtIndex:0]), "before");
+}
+
+TEST(MultiValue, IsWalkedValueByValue) {
+    ABMutableMultiValue* list = [[[ABMutableMultiValue alloc] init] autorelease];
+    for (int i = 0; i < 40; ++i)
+        [list addValue:[NSNumber numberWithInt:i] withLabel:@"n"];
+    NSFastEnumerationState state{};
+    id buffer[16];
+    int expected = 0;
+    const unsigned long* mutations = nullptr;
+    while (const NSUInteger given = [list countByEnumeratingWithState:&state objects:buffer count:16]) {
+        for (NSUInteger i = 0; i < given; ++i)
+            EXPECT_EQ([state.itemsPtr[i] intValue], expected++);
+        mutations = state.mutationsPtr;
+    }
+    EXPECT_EQ(expected, 40);
+    const unsigned long before = *mutations;
+    [list removeValueAndLabelAtIndex:0];
+    EXPECT_NE(*mutations, before);
+}
+
+} // namespace
