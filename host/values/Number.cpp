@@ -253,6 +253,10 @@ bool Number::isInteger() const noexcept {
     return !large_ || large_->exponent == 0;
 }
 
+int Number::places() const noexcept {
+    return large_ ? -large_->exponent : 0;
+}
+
 int Number::sign() const noexcept {
     return large_ ? large_->mantissa.sign() : (small_ > 0 ? 1 : 0) - (small_ < 0 ? 1 : 0);
 }

@@ -51,7 +51,8 @@ class Number {
 
     bool isZero() const noexcept { return !large_ && small_ == 0; }
     bool isInteger() const noexcept;
-    int sign() const noexcept; // -1, 0 or 1
+    int sign() const noexcept;   // -1, 0 or 1
+    int places() const noexcept; // digits behind the point
 
     // Rounded to that many places behind the point, halves away from zero; a negative count rounds before the
     // point.

@@ -79,7 +79,7 @@ class DateTime {
 
     /// Takes the day of another object and keeps the time.
     void SetDate(const DateTime& date) { Call(FM_DateTime_SetDate, this, date); }
-    /// Months and days outside their range carry over: month 13 is January of the next year.
+    /// Non-zero for what is no day of the calendar.
     errcode SetNormalizedDate(int16 month, int16 day, int16 year) {
         return Call(FM_DateTime_SetNormalizedDate1, this, month, day, year);
     }
@@ -91,14 +91,15 @@ class DateTime {
 
     /// Takes the time of another object and keeps the day.
     void SetTime(const DateTime& time) { Call(FM_DateTime_SetTime, this, time); }
-    /// Minutes, seconds and microseconds outside their range carry over; a time may be longer than a day, and
-    /// negative.
+    /// The hour may be more than 23; non-zero for a negative part, and for minutes, seconds and microseconds
+    /// that make a minute, an hour or a second.
     errcode SetNormalizedTime(int64 hour, int16 minute, int16 second, int32 microseconds) {
         return Call(FM_DateTime_SetNormalizedTime1, this, hour, minute, second, microseconds);
     }
     errcode SetNormalizedTime(const FixPt& hour, const FixPt& minute, const FixPt& second) {
         return Call(FM_DateTime_SetNormalizedTime2, this, hour, minute, second);
     }
+    /// A time may be negative, and longer than a day.
     errcode SetSecsSinceMidnight(const FixPt& seconds) {
         return Call(FM_DateTime_SetSecsSinceMidnight, this, seconds);
     }

@@ -41,7 +41,8 @@ FMX_API double FM_FixPt_AsFloat(const void* self, fmx::_fmxcpt&) noexcept;
 
 namespace fmx {
 
-/// A decimal number with a precision: the number of significant digits it keeps, 16 to 400.
+/// A decimal number, with a precision: the digits behind the point that it keeps, 0 to 400. The result of a
+/// calculation has the greater precision of its operands.
 class FixPt {
   public:
     FMX_OPAQUE_CLASS(FixPt)
