@@ -20,6 +20,20 @@ class UnicharBuffer {
     std::vector<fmx::unichar> large_;
 };
 
+// A string of exactly the units. Foundation may refuse text that is not well-formed, and take a byte-order
+// mark away: such text is put together unit by unit.
+NSString* stringOfUnits(const fmx::unichar* units, NSUInteger count) {
+    NSString* string = [NSString stringWithCharacters:units length:count];
+    if ([string length] == count) {
+        return string;
+    }
+    NSMutableString* exact = [NSMutableString stringWithCapacity:count];
+    for (NSUInteger i = 0; i < count; ++i) {
+        [exact appendFormat:@"%C", units[i]];
+    }
+    return exact;
+}
+
 } // namespace
 
 NSString* stringFromText(const fmx::Text& text) {
@@ -29,7 +43,7 @@ NSString* stringFromText(const fmx::Text& text) {
     }
     UnicharBuffer buffer(size);
     text.GetUnicode(buffer.data(), 0, size);
-    return [NSString stringWithCharacters:buffer.data() length:size];
+    return stringOfUnits(buffer.data(), size);
 }
 
 NSString* textArgument(const fmx::DataVect& arguments, fmx::uint32 position) {

@@ -183,13 +183,18 @@ TEST_F(FrameTest, AnEmptyOrMissingArgumentIsNil) {
 }
 
 TEST_F(FrameTest, AnArgumentKeepsEveryUnit) {
-    fmx::TextAutoPtr text;
-    const fmx::uint16 units[] = {'a', 0, 0xD800, 'b'};
-    text->AssignUnicodeWithLength(units, 4);
-    NSString* string = stringFromText(*text);
-    ASSERT_EQ([string length], 4U);
-    EXPECT_EQ([string characterAtIndex:1], 0);
-    EXPECT_EQ([string characterAtIndex:2], 0xD800);
+    // A zero, half a pair, and what could be taken for byte-order marks.
+    const std::vector<std::vector<fmx::uint16>> texts = {{'a', 0, 'b'}, {'a', 0xD800, 'b'}, {0xDC00},
+                                                         {0xFEFF, 'a'}, {0xFFFE, 'a'},      {0xD83D, 0xDE00}};
+    for (const std::vector<fmx::uint16>& units : texts) {
+        fmx::TextAutoPtr text;
+        text->AssignUnicodeWithLength(units.data(), static_cast<fmx::uint32>(units.size()));
+        NSString* string = stringFromText(*text);
+        ASSERT_EQ([string length], units.size());
+        for (std::size_t i = 0; i < units.size(); ++i) {
+            EXPECT_EQ([string characterAtIndex:i], units[i]);
+        }
+    }
     const std::string longText(5000, 'y');
     EXPECT_EQ(utf8(textArgument(*vectorOf({longText}), 0)), longText);
 }

@@ -8,7 +8,8 @@ namespace {
 
 class ValueFormatTest : public PluginTest {
   protected:
-    ValueFormatTest() {
+    void SetUp() override {
+        PluginTest::SetUp();
         state.g_person = Retained<ABPerson>::adopt(
             [[ABPerson alloc] initWithAddressBook:[ABAddressBook sharedAddressBook]]);
     }
