@@ -1,0 +1,154 @@
+#include "host/console/Commands.h"
+
+#include "host/calc/Builtins.h"
+#include "host/calc/Parser.h"
+#include "host/console/CalcTest.h"
+#include "host/console/InputReader.h"
+#include "host/console/Show.h"
+#include "host/values/Text.h"
+
+#include <iomanip>
+#include <iostream>
+#include <nlohmann/json.hpp>
+
+namespace host {
+
+namespace {
+
+std::string range(int least, int most) {
+    if (most == ExternalFunction::kAnyNumber) {
+        return std::to_string(least) + "+";
+    }
+    return least == most ? std::to_string(least) : std::to_string(least) + "-" + std::to_string(most);
+}
+
+std::vector<FunctionInfo> languageFunctions() {
+    std::vector<FunctionInfo> result;
+    for (const Builtin& builtin : builtins()) {
+        FunctionInfo info;
+        info.name = builtin.name();
+        info.prototype = builtin.prototype;
+        info.least = builtin.least();
+        info.most = builtin.most();
+        result.push_back(std::move(info));
+    }
+    return result;
+}
+
+void printTable(const std::vector<FunctionInfo>& functions) {
+    for (const FunctionInfo& function : functions) {
+        std::cout << std::left << std::setw(5) << range(function.least, function.most)
+                  << toUtf8(function.prototype) << '\n';
+    }
+}
+
+void printJson(const std::vector<FunctionInfo>& functions) {
+    auto list = nlohmann::ordered_json::array();
+    for (const FunctionInfo& function : functions) {
+        nlohmann::ordered_json row;
+        row["name"] = toUtf8(function.name);
+        row["prototype"] = toUtf8(function.prototype);
+        row["min"] = function.least;
+        row["max"] = function.most == ExternalFunction::kAnyNumber ? nlohmann::ordered_json()
+                                                                   : nlohmann::ordered_json(function.most);
+        if (!function.plugin.empty()) {
+            row["plugin"] = toUtf8(function.plugin);
+            row["id"] = function.id;
+            row["flags"] = function.flags;
+        }
+        list.push_back(std::move(row));
+    }
+    std::cout << list.dump(2) << '\n';
+}
+
+void evaluateAndPrint(Host& host, const Calculation& calculation) {
+    const Value result = host.session().evaluate(calculation);
+    std::cout << oneLine(result) << std::endl;
+    host.idle();
+}
+
+void evaluateInput(Host& host) {
+    InputReader reader(host.session().functions(), "standard input");
+    for (std::string line; std::getline(std::cin, line);) {
+        if (line.ends_with('\r')) {
+            line.pop_back();
+        }
+        if (const auto calculation = reader.addLine(line)) {
+            evaluateAndPrint(host, *calculation);
+        }
+    }
+    reader.finish();
+}
+
+} // namespace
+
+ExitCode exitCodeOf(const CalcError& error) {
+    return error.kind() == ErrorKind::evaluation ? ExitCode::failure : ExitCode::parse;
+}
+
+ExitCode listFunctions(const Host& host, bool all, bool asJson) {
+    std::vector<FunctionInfo> functions = host.functions();
+    if (all) {
+        const std::vector<FunctionInfo> more = languageFunctions();
+        functions.insert(functions.end(), more.begin(), more.end());
+    }
+    asJson ? printJson(functions) : printTable(functions);
+    return ExitCode::ok;
+}
+
+ExitCode showInfo(const Host& host) {
+    const PluginInfo* plugin = host.plugin();
+    if (plugin == nullptr) {
+        std::cerr << "fmhost: no plug-in is loaded" << std::endl;
+        return ExitCode::usage;
+    }
+    std::cout << "Name:       " << toUtf8(plugin->name) << "\nHelp text:  " << toUtf8(plugin->helpText)
+              << "\nOptions:    " << toUtf8(plugin->options) << "\nInterface:  " << plugin->version
+              << "\nFunctions:  " << host.functions().size() << "\nFile:       " << plugin->path.string()
+              << '\n';
+    return ExitCode::ok;
+}
+
+ExitCode evaluateAll(Host& host, const std::vector<std::string>& calculations) {
+    for (const std::string& text : calculations) {
+        if (text == "-") {
+            evaluateInput(host);
+        } else {
+            const auto source = std::make_shared<Source>("", fromUtf8(text));
+            evaluateAndPrint(host, parseCalculation(source, host.session().functions()));
+        }
+    }
+    return ExitCode::ok;
+}
+
+ExitCode runScript(Host& host, const std::string& script, const std::string& parameter, bool showResult) {
+    std::filesystem::path file = script;
+    if (file.extension() != ".fmscript") {
+        const auto found = host.scripts().find(u"", fromUtf8(script));
+        if (!found) {
+            throw FileError("there is no script called " + script + "; expected a file " + script +
+                            ".fmscript");
+        }
+        file = *found;
+    }
+    const Value result = host.run(file, Value::text(fromUtf8(parameter)));
+    if (showResult && !result.isEmpty()) {
+        std::cout << severalLines(result) << std::endl;
+    }
+    host.idle();
+    return ExitCode::ok;
+}
+
+ExitCode runTests(const HostOptions& options, const std::vector<std::string>& files) {
+    CalcTestCount total;
+    for (const std::string& file : files) {
+        Host host(options);
+        const CalcTestCount count = runCalcTest(host, file, std::cout);
+        total.passed += count.passed;
+        total.failed += count.failed;
+    }
+    std::cout << total.passed << " passed, " << total.failed << " failed\n";
+    return total.failed == 0 ? ExitCode::ok : ExitCode::failure;
+}
+
+} // namespace host

@@ -1,0 +1,14 @@
+// The exit statuses of the program; scripts and continuous integration rely on the numbers.
+#pragma once
+
+namespace host {
+
+enum class ExitCode : int {
+    ok = 0,
+    failure = 1, // an evaluation, a script or a test failed
+    usage = 2,   // wrong options, or a file that can not be read
+    parse = 3,   // a calculation or a script that can not be understood
+    load = 4,    // the plug-in could not be loaded, or refused to run
+};
+
+} // namespace host

@@ -1,0 +1,78 @@
+#include "host/console/Host.h"
+
+#include "host/console/Show.h"
+#include "host/values/Text.h"
+
+#include <cstdlib>
+#include <iostream>
+
+namespace host {
+
+namespace fs = std::filesystem;
+
+fs::path defaultPlugin() {
+    if (const char* path = std::getenv("FMHOST_PLUGIN"); path != nullptr && *path != '\0') {
+        return path;
+    }
+    std::error_code error;
+    const fs::path program = fs::read_symlink("/proc/self/exe", error);
+    return program.parent_path().parent_path() / "lib" / "Velocard";
+}
+
+Host::Host(const HostOptions& options)
+    : library_(options.scripts, session_.functions()), runner_(session_, library_, *this),
+      plugins_(session_,
+               [this](const std::u16string& file, const std::u16string& script, const Value& parameter) {
+                   const auto found = library_.find(file, script);
+                   if (!found) {
+                       return kScriptMissing;
+                   }
+                   queue_.push({*found, parameter});
+                   return 0;
+               }),
+      trace_(options.trace) {
+    if (options.plugin) {
+        plugin_ = &plugins_.load(*options.plugin, options.hostVersion);
+    }
+    printWarnings();
+}
+
+Value Host::run(const fs::path& script, Value parameter) {
+    return runner_.run(script, std::move(parameter));
+}
+
+void Host::idle() {
+    plugins_.idle(IdleLevel::userIdle);
+    while (const auto request = queue_.pop()) {
+        try {
+            runner_.run(request->file, request->parameter);
+        } catch (const CalcError& error) {
+            std::cerr << error.report() << std::endl;
+        } catch (const FileError& error) {
+            std::cerr << "fmhost: " << error.what() << std::endl;
+        }
+    }
+    printWarnings();
+}
+
+void Host::dialog(const Value& title, const Value& message) {
+    const std::string head = severalLines(title);
+    const std::string body = severalLines(message);
+    std::cout << head << (head.empty() || body.empty() ? "" : "\n") << body << std::endl;
+}
+
+// A step as it stands in the script, the value below it.
+void Host::evaluated(const Script& script, const Step& step, const Value& result) {
+    if (trace_) {
+        std::cout << toUtf8(script.source->text().substr(step.begin, step.end - step.begin))
+                  << "\n    \u2192 " << oneLine(result) << std::endl;
+    }
+}
+
+void Host::printWarnings() {
+    for (const std::string& warning : plugins_.takeWarnings()) {
+        std::cerr << "fmhost: " << warning << std::endl;
+    }
+}
+
+} // namespace host

@@ -1,0 +1,17 @@
+// How values and errors look in a terminal.
+#pragma once
+
+#include "host/values/Value.h"
+
+#include <string>
+
+namespace host {
+
+// The value in UTF-8 on one line: a return and a line feed are shown as a paragraph mark. A container is
+// "[container: N streams]".
+std::string oneLine(const Value& value);
+
+// The value in UTF-8 with line feeds for its returns.
+std::string severalLines(const Value& value);
+
+} // namespace host

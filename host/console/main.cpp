@@ -1,0 +1,148 @@
+// The command line.
+#include "host/console/CalcTest.h"
+#include "host/console/Commands.h"
+#include "host/console/Host.h"
+#include "host/console/Prompt.h"
+
+#include <CLI/CLI.hpp>
+#include <iostream>
+#include <unistd.h>
+
+namespace {
+
+using namespace host;
+
+// What the options say, before anything is done about it.
+struct CommandLine {
+    std::string plugin;
+    bool noPlugin = false;
+    int hostVersion = kHostVersion;
+    std::string folder;
+    bool asJson = false;
+    bool all = false;
+    std::vector<std::string> calculations;
+    std::string script;
+    std::string parameter;
+    bool trace = false;
+    std::vector<std::string> tests;
+};
+
+HostOptions hostOptions(const CommandLine& line) {
+    HostOptions options;
+    if (!line.noPlugin) {
+        options.plugin = line.plugin.empty() ? defaultPlugin() : std::filesystem::path(line.plugin);
+    }
+    options.hostVersion = line.hostVersion;
+    options.trace = line.trace;
+    if (!line.folder.empty()) {
+        options.scripts = line.folder;
+    } else if (const auto folder = std::filesystem::path(line.script).parent_path(); !folder.empty()) {
+        options.scripts = folder;
+    }
+    return options;
+}
+
+void defineOptions(CLI::App& app, CommandLine& line) {
+    app.fallthrough();
+    app.add_option("--plugin", line.plugin,
+                   "The plug-in: an .fmx file or the folder around it [$FMHOST_PLUGIN, or Velocard beside "
+                   "this program]")
+        ->type_name("PATH");
+    app.add_flag("--no-plugin", line.noPlugin, "Load no plug-in: the language alone");
+    app.add_option("--host-version", line.hostVersion, "The interface version that the host says it has [54]")
+        ->type_name("N");
+    app.add_option("--folder", line.folder,
+                   "The database file: a folder of scripts [the script's own, or this one]")
+        ->type_name("DIR");
+}
+
+void defineCommands(CLI::App& app, CommandLine& line) {
+    CLI::App* functions = app.add_subcommand(
+        "functions", "List the plug-in's functions with their prototypes and argument ranges");
+    functions->add_flag("--json", line.asJson, "As JSON, with ids and flags");
+    functions->add_flag("--all", line.all, "The functions of the language as well");
+    functions->footer("Example:\n  fmhost functions --json | jq '.[].name'");
+
+    app.add_subcommand("info", "Show the plug-in's name, help text, options string and interface version")
+        ->footer("Example:\n  fmhost info --plugin build/release/lib/Velocard");
+
+    CLI::App* eval = app.add_subcommand("eval", "Evaluate calculations in one session, one result a line");
+    eval->add_option("CALCULATION", line.calculations,
+                     "A calculation; - reads calculations from standard input, one a line")
+        ->required();
+    eval->footer("A return in a result is shown as \u00B6. The first error ends the command.\n\nExamples:\n"
+                 "  fmhost eval 'KORU_Version' 'Upper ( \"abc\" )'\n"
+                 "  fmhost eval 'Let ( $x = 20 ; $x )' '$x + 1'\n"
+                 "  fmhost eval - < calculations.txt");
+
+    CLI::App* run = app.add_subcommand("run", "Run a script");
+    run->add_option("SCRIPT", line.script, "A file, or the name of a script in --folder")->required();
+    run->add_option("--parameter", line.parameter, "What Get ( ScriptParameter ) answers in it")
+        ->type_name("TEXT");
+    run->add_flag("--trace", line.trace, "Print each step and the value of its calculation");
+    run->footer("Prints what the script shows, then its result.\n\nExamples:\n"
+                "  fmhost run examples/typical.fmscript --trace\n"
+                "  fmhost run --folder scripts Import --parameter contacts.vcf");
+
+    CLI::App* test = app.add_subcommand("test", "Run files of calculations with their expected results");
+    test->add_option("FILE", line.tests,
+                     "A .calc file, or a .md file with blocks fenced as calc; each is one session")
+        ->required();
+    test->footer(
+        "After a calculation stands one of\n  = RESULT     the whole result, with \u00B6 for a return\n"
+        "  ~ PATTERN    a regular expression that matches the whole result\n"
+        "  ! MESSAGE    a part of the error message\n\nExample:\n  fmhost test tests/calculations/*.calc");
+
+    app.require_subcommand(0, 1);
+    app.footer("Without a command: a prompt on a terminal, else calculations from standard input.\n\n"
+               "Exit status: 0 ok, 1 a calculation or test failed, 2 wrong usage, 3 a calculation or script "
+               "can not be\n"
+               "understood, 4 the plug-in can not be loaded.\n\nExamples:\n  fmhost\n  fmhost --no-plugin "
+               "eval '1 + 1'\n"
+               "  fmhost functions --plugin Other.fmx");
+}
+
+ExitCode runCommand(const CLI::App& app, const CommandLine& line) {
+    const HostOptions options = hostOptions(line);
+    if (app.got_subcommand("test")) {
+        return runTests(options, line.tests);
+    }
+    Host host(options);
+    if (app.got_subcommand("functions")) {
+        return listFunctions(host, line.all, line.asJson);
+    }
+    if (app.got_subcommand("info")) {
+        return showInfo(host);
+    }
+    if (app.got_subcommand("eval")) {
+        return evaluateAll(host, line.calculations);
+    }
+    if (app.got_subcommand("run")) {
+        return runScript(host, line.script, line.parameter, !line.trace);
+    }
+    return isatty(STDIN_FILENO) != 0 ? runPrompt(host) : evaluateAll(host, {"-"});
+}
+
+} // namespace
+
+int main(int argc, char** argv) {
+    CommandLine line;
+    CLI::App app("Loads a FileMaker plug-in, evaluates calculations and runs scripts with it.", "fmhost");
+    defineOptions(app, line);
+    defineCommands(app, line);
+    try {
+        app.parse(argc, argv);
+        return static_cast<int>(runCommand(app, line));
+    } catch (const CLI::ParseError& error) {
+        return app.exit(error) == 0 ? static_cast<int>(ExitCode::ok) : static_cast<int>(ExitCode::usage);
+    } catch (const LoadError& error) {
+        std::cerr << "fmhost: " << error.what() << std::endl;
+        return static_cast<int>(ExitCode::load);
+    } catch (const FileError& error) {
+        std::cerr << "fmhost: " << error.what() << std::endl;
+        return static_cast<int>(ExitCode::usage);
+    } catch (const CalcError& error) {
+        std::cerr << error.report() << std::endl;
+        return static_cast<int>(exitCodeOf(error));
+    }
+}

@@ -1,0 +1,32 @@
+#include "host/loader/PluginFunction.h"
+
+#include "host/calc/Session.h"
+#include "host/loader/Conversion.h"
+
+#include <new>
+
+namespace host {
+
+Value PluginFunction::call(Session& session, std::span<Value> arguments) {
+    try {
+        const CallFrames::Lease frame(frames_);
+        frame->arguments->Clear();
+        for (const Value& argument : arguments) {
+            setData(*frame->argument, argument, frame->tools);
+            frame->arguments->PushBack(*frame->argument);
+        }
+        frame->result->Clear();
+        const fmx::errcode code =
+            handler_(identity_.id, *frame->environment, *frame->arguments, *frame->result);
+        session.setLastError(code);
+        return code == 0 ? valueOf(*frame->result) : Value::invalid();
+    } catch (const std::bad_alloc&) {
+        throw ExternalFailure("out of memory");
+    } catch (const std::exception& error) {
+        throw ExternalFailure(error.what());
+    } catch (...) {
+        throw ExternalFailure("it threw something that is no standard exception");
+    }
+}
+
+} // namespace host
