@@ -5,7 +5,7 @@
 @implementation NSException (Description)
 
 - (NSString*)description {
-    return [self reason] != nil ? [self reason] : [self name];
+    return _e_reason != nil ? [self reason] : [self name]; // -reason makes one up for nil
 }
 
 @end

@@ -44,6 +44,10 @@ Date currentTime() {
     return {since1970.count() - kReferenceDate};
 }
 
+int publicType(Kind kind, std::string_view property) {
+    return isInternal(property) ? 0 : builtInType(kind, property);
+}
+
 std::unique_ptr<Card> makeCard(Kind kind) {
     auto card = std::make_unique<Card>();
     card->uid = newUid(kind);
@@ -55,14 +59,7 @@ std::unique_ptr<Card> makeCard(Kind kind) {
 }
 
 std::shared_ptr<Book> Book::open() {
-    const auto folder = Store::defaultFolder();
-    try {
-        return std::make_shared<Book>(std::make_unique<Store>(folder));
-    } catch (const StoreError& error) {
-        if (error.reason() != StoreError::Reason::readOnly)
-            throw;
-    }
-    return std::make_shared<Book>(std::make_unique<Store>(folder, Store::Access::readOnly));
+    return std::make_shared<Book>(std::make_unique<Store>(Store::defaultFolder()));
 }
 
 Book::Book(std::unique_ptr<Store> store)
@@ -294,11 +291,13 @@ std::vector<CardPtr> Book::members(Card& group, Kind kind) {
 
 std::vector<CardPtr> Book::parents(const Card& card) {
     std::vector<CardPtr> found;
+    if (!card.inBook())
+        return found;
     const auto joinedHere = [&card](const Card& group) {
         return std::any_of(group.joined.begin(), group.joined.end(),
                            [&card](const CardPtr& member) { return member.get() == &card; });
     };
-    if (card.row != 0 && card.inBook())
+    if (card.row != 0)
         for (const RowId row : store_->parents(card.row)) {
             auto group = at(row, Kind::group);
             if (group->inBook() && !group->left.contains(card.uid))
@@ -388,7 +387,7 @@ bool Book::mentionsDiscarded(const Query& query) const {
 }
 
 int Book::typeOf(Kind kind, std::string_view property) const {
-    if (const int type = builtInType(kind, property))
+    if (const int type = publicType(kind, property))
         return type;
     const auto same = named(kind, property);
     if (const auto found = std::find_if(defined_.begin(), defined_.end(), same); found != defined_.end())
@@ -402,7 +401,7 @@ int Book::typeOf(Kind kind, std::string_view property) const {
 std::vector<std::string> Book::properties(Kind kind) const {
     std::vector<std::string> names;
     for (const auto& row : builtInProperties())
-        if (builtInType(kind, row.name) != 0)
+        if (publicType(kind, row.name) != 0)
             names.emplace_back(row.name);
     for (const auto& definition : definitions_)
         if (definition.kind == kind && !discarded(kind, definition.name))
@@ -415,7 +414,7 @@ std::vector<std::string> Book::properties(Kind kind) const {
 
 int Book::define(Kind kind, const std::map<std::string, int>& properties) {
     for (const auto& [name, type] : properties)
-        if (name.empty() || name.front() == '.' || !validType(type))
+        if (name.empty() || isInternal(name) || !validType(type))
             return -1;
     int count = 0;
     for (const auto& [name, type] : properties)
@@ -429,7 +428,7 @@ int Book::define(Kind kind, const std::map<std::string, int>& properties) {
 int Book::undefine(Kind kind, const std::vector<std::string>& properties) {
     int count = 0;
     for (const auto& name : properties) {
-        if (builtInType(kind, name) != 0 || typeOf(kind, name) == 0)
+        if (publicType(kind, name) != 0 || typeOf(kind, name) == 0)
             continue;
         const auto same = named(kind, name);
         if (std::erase_if(defined_, same) == 0)

@@ -42,6 +42,9 @@ struct Card {
 };
 using CardPtr = std::shared_ptr<Card>;
 
+// The type of a built-in property that users may see, else 0.
+int publicType(Kind kind, std::string_view property);
+
 // A new record with a new unique id.
 std::unique_ptr<Card> makeCard(Kind kind);
 
@@ -50,7 +53,7 @@ Date currentTime();
 
 class Book : public std::enable_shared_from_this<Book> {
   public:
-    // Opens the default folder's address book; read-only when it may only be read.
+    // Opens the default folder's address book.
     static std::shared_ptr<Book> open();
 
     explicit Book(std::unique_ptr<Store> store);

@@ -90,7 +90,7 @@ NSArray* propertyNames(Kind kind) {
             [names addObject:stringFrom(name)];
     } else {
         for (const auto& row : builtInProperties())
-            if (builtInType(kind, row.name) != 0)
+            if (publicType(kind, row.name) != 0)
                 [names addObject:stringFrom(row.name)];
     }
     return [[names copy] autorelease];
@@ -100,7 +100,7 @@ ABPropertyType typeOfProperty(Kind kind, NSString* property) {
     if (property == nil)
         return kABErrorInProperty;
     const std::string name = textFrom(property);
-    if (const int type = builtInType(kind, name))
+    if (const int type = publicType(kind, name))
         return type;
     const BookPtr book = sharedBook();
     return book ? book->typeOf(kind, name) : kABErrorInProperty;
