@@ -59,10 +59,12 @@ struct Store::Impl {
     // The values of the card alone.
     std::map<std::string, Value> cardValues(const RecordRow& row) const;
 
-    // The unique id in a column.
+    // The unique id and the kind in a column.
     std::string uidIn(const sql::Run& run, int column) const;
+    Kind kindIn(const sql::Run& run, int column) const;
 
-    // Reports that the content of a record makes no sense.
+    // Reports that what the database holds makes no sense.
+    [[noreturn]] void damaged(const std::string& what) const;
     [[noreturn]] void damaged(RowId row, const std::string& what) const;
 };
 

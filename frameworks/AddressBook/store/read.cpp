@@ -19,7 +19,7 @@ std::vector<RowId> rowsOf(sql::Run run) {
 RecordRow Store::Impl::rowFrom(const sql::Run& run) const {
     RecordRow row;
     row.id = run.integer(0);
-    row.kind = static_cast<Kind>(run.integer(1));
+    row.kind = kindIn(run, 1);
     row.uid = uidIn(run, 2);
     row.creation = Date{run.real(3)};
     row.modification = Date{run.real(4)};
@@ -72,17 +72,24 @@ std::string Store::Impl::uidIn(const sql::Run& run, int column) const {
         return std::string(run.text(column));
     auto uid = unpackUid(run.bytes(column));
     if (!uid)
-        throw StoreError(
-            StoreError::Reason::damaged,
-            "The address book " + db.file().string() +
-                " is damaged (a unique id has the wrong length): check it, or restore it from a backup.");
+        damaged("a unique id has the wrong length");
     return std::move(*uid);
 }
 
-void Store::Impl::damaged(RowId row, const std::string& what) const {
-    throw StoreError(StoreError::Reason::damaged, "The address book " + db.file().string() +
-                                                      " is damaged (record " + std::to_string(row) + ": " +
+Kind Store::Impl::kindIn(const sql::Run& run, int column) const {
+    const std::int64_t kind = run.integer(column);
+    if (kind != static_cast<int>(Kind::person) && kind != static_cast<int>(Kind::group))
+        damaged("a record is neither person nor group");
+    return static_cast<Kind>(kind);
+}
+
+void Store::Impl::damaged(const std::string& what) const {
+    throw StoreError(StoreError::Reason::damaged, "The address book " + db.file().string() + " is damaged (" +
                                                       what + "): check it, or restore it from a backup.");
+}
+
+void Store::Impl::damaged(RowId row, const std::string& what) const {
+    damaged("record " + std::to_string(row) + ": " + what);
 }
 
 std::optional<RecordRef> Store::find(std::string_view uid) const {
@@ -91,7 +98,7 @@ std::optional<RecordRef> Store::find(std::string_view uid) const {
     stored.bind(run);
     if (!run.step())
         return std::nullopt;
-    return RecordRef{run.integer(0), static_cast<Kind>(run.integer(1)), std::string(uid)};
+    return RecordRef{run.integer(0), impl_->kindIn(run, 1), std::string(uid)};
 }
 
 std::optional<RecordRef> Store::find(RowId row) const {
@@ -99,7 +106,7 @@ std::optional<RecordRef> Store::find(RowId row) const {
     run.bindInteger(row);
     if (!run.step())
         return std::nullopt;
-    return RecordRef{row, static_cast<Kind>(run.integer(0)), impl_->uidIn(run, 1)};
+    return RecordRef{row, impl_->kindIn(run, 0), impl_->uidIn(run, 1)};
 }
 
 std::vector<RowId> Store::rows(Kind kind) const {
@@ -168,7 +175,7 @@ std::vector<PropertyDefinition> Store::definitions() const {
     std::vector<PropertyDefinition> definitions;
     while (run.step())
         definitions.push_back(
-            {static_cast<Kind>(run.integer(0)), std::string(run.text(1)), static_cast<int>(run.integer(2))});
+            {impl_->kindIn(run, 0), std::string(run.text(1)), static_cast<int>(run.integer(2))});
     return definitions;
 }
 

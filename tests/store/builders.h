@@ -1,0 +1,79 @@
+#pragma once
+
+// Short ways to write what the tests say often.
+
+#include "frameworks/AddressBook/store/store.h"
+
+#include <map>
+#include <string>
+#include <utility>
+#include <vector>
+
+namespace addressbook::test {
+
+using Values = std::map<std::string, Value>;
+
+inline RecordChange inserted(const std::string& uid, Values values, Kind kind = Kind::person) {
+    return {uid, kind, true, std::move(values)};
+}
+inline RecordChange updated(const std::string& uid, Values values, Kind kind = Kind::person) {
+    return {uid, kind, false, std::move(values)};
+}
+
+inline ChangeSet changesAt(double seconds) {
+    ChangeSet changes;
+    changes.time = Date{seconds};
+    return changes;
+}
+
+// Saves these records alone.
+inline SaveResult saveRecords(Store& store, std::vector<RecordChange> records, double seconds = 1) {
+    ChangeSet changes = changesAt(seconds);
+    changes.records = std::move(records);
+    return store.save(changes);
+}
+
+// A new person; answers the unique id.
+inline std::string addPerson(Store& store, Values values) {
+    const std::string uid = newUid(Kind::person);
+    saveRecords(store, {inserted(uid, std::move(values))});
+    return uid;
+}
+
+inline Query query(std::string property, Comparison comparison, Value value) {
+    return Query{Condition{Kind::person, std::move(property), {}, {}, std::move(value), comparison}};
+}
+
+// The unique ids that a search finds.
+inline std::vector<std::string> found(const Store& store, const Query& wanted, Date now = Date{0}) {
+    std::vector<std::string> uids;
+    for (const RowId row : store.search(wanted, now))
+        uids.push_back(store.find(row)->uid);
+    return uids;
+}
+
+inline Value text(std::string_view value) {
+    return std::string(value);
+}
+inline Value number(std::int64_t value) {
+    return value;
+}
+
+// A record in memory.
+class MemoryRecord final : public RecordView {
+  public:
+    MemoryRecord(Kind kind, Values values) : kind_(kind), values_(std::move(values)) {}
+    Kind kind() const override { return kind_; }
+    const Value& value(std::string_view property) const override {
+        static const Value kNone;
+        const auto found = values_.find(std::string(property));
+        return found == values_.end() ? kNone : found->second;
+    }
+    Values& values() { return values_; }
+
+  private:
+    Kind kind_;
+    Values values_;
+};
+
+} // namespace addressbook::test

@@ -1,0 +1,121 @@
+#include "frameworks/AddressBook/store/card.h"
+#include "frameworks/AddressBook/store/property.h"
+
+#include <gmock/gmock.h>
+
+namespace addressbook::test {
+namespace {
+
+const Value kManyTypes = MultiValue{
+    {{"0F0E0D0C-0B0A-4908-8706-050403020100", "_$!<Home>!$_",
+      Dictionary{{"City", std::string("Ulm")},
+                 {"own", Array{1.5, std::int64_t{-3}, Date{2}, Bytes{1}, Value()}}}},
+     {"short", "own label",
+      DateComponents{.year = 1604, .month = 2, .day = 29, .hour = {}, .minute = {}, .second = {}}}},
+    "short"};
+
+TEST(Card, valuesReturnUnchanged) {
+    EXPECT_EQ(decodeValue(encodeValue(kManyTypes)), kManyTypes);
+}
+
+TEST(Card, everyCutEndIsNoticed) {
+    const std::string bytes = encodeValue(kManyTypes);
+    for (std::size_t length = 0; length < bytes.size(); ++length)
+        EXPECT_THROW(decodeValue(std::string_view(bytes).substr(0, length)), DamagedCard) << length;
+    EXPECT_THROW(decodeValue(bytes + "x"), DamagedCard);
+}
+
+TEST(Card, everyFlippedBitIsNoticed) {
+    const std::string card =
+        makeCard({{"First", encodeValue(std::string("Ada"))}, {"Phone", encodeValue(kManyTypes)}});
+    for (std::size_t bit = 0; bit < card.size() * 8; ++bit) {
+        std::string flipped = card;
+        flipped[bit / 8] = static_cast<char>(flipped[bit / 8] ^ (1 << (bit % 8)));
+        EXPECT_THROW(findInCard(flipped, "Phone"), DamagedCard) << bit;
+    }
+}
+
+TEST(Card, randomBytesAreNoValueOrSomeValueButNeverACrash) {
+    unsigned state = 1;
+    for (int round = 0; round < 20000; ++round) {
+        std::string bytes;
+        for (int i = 0; i < 24; ++i) {
+            state = state * 1664525 + 1013904223;
+            bytes.push_back(static_cast<char>((state >> 24) % 11));
+        }
+        try {
+            const Value value = decodeValue(bytes);
+            EXPECT_EQ(encodeValue(decodeValue(encodeValue(value))), encodeValue(value));
+        } catch (const DamagedCard&) {
+        }
+    }
+}
+
+TEST(Card, tooDeepANestIsRefused) {
+    Value value;
+    for (int depth = 0; depth < kDeepestValue; ++depth)
+        value = Array{value};
+    EXPECT_EQ(decodeValue(encodeValue(value)), value);
+    EXPECT_THROW(encodeValue(Array{value}), std::length_error);
+}
+
+TEST(Card, uniqueIdsArePackedOnlyWhenTheyReturnUnchanged) {
+    for (const char* text :
+         {"0F0E0D0C-0B0A-4908-8706-050403020100", "0F0E0D0C-0B0A-4908-8706-050403020100:ABPerson",
+          "0F0E0D0C-0B0A-4908-8706-050403020100:ABGroup"}) {
+        const auto packed = packUid(text);
+        ASSERT_TRUE(packed) << text;
+        EXPECT_EQ(unpackUid(*packed), text);
+    }
+    for (const char* text :
+         {"", "0f0e0d0c-0b0a-4908-8706-050403020100", "0F0E0D0C-0B0A-4908-8706-050403020100:Other",
+          "0F0E0D0C00B0A-4908-8706-050403020100", "0F0E0D0C-0B0A-4908-8706-05040302010"})
+        EXPECT_FALSE(packUid(text)) << text;
+    const std::vector<std::string> uids{"odd", "0F0E0D0C-0B0A-4908-8706-050403020100:ABGroup", ""};
+    EXPECT_EQ(decodeUids(encodeUids(uids)), uids);
+}
+
+// The numbers are in every database: this fails when a word is moved instead of added at the end.
+TEST(Card, theNumbersOfWordsStay) {
+    EXPECT_EQ(wordCode("First"), 1);
+    EXPECT_EQ(wordCode("GroupName"), 32);
+    EXPECT_EQ(wordCode("Street"), 35);
+    EXPECT_EQ(wordCode("_$!<Home>!$_"), 41);
+    EXPECT_EQ(wordCode("UID"), 65);
+    EXPECT_EQ(wordCode("no such word"), 0);
+    EXPECT_EQ(wordOf(66), "");
+    for (std::uint64_t code = 1; code <= 65; ++code)
+        EXPECT_EQ(wordCode(wordOf(code)), static_cast<int>(code));
+}
+
+TEST(Properties, haveTheTypesOfTheFramework) {
+    EXPECT_EQ(builtInProperties().size(), 35U);
+    EXPECT_EQ(builtInType(Kind::person, "UID"), 1);
+    EXPECT_EQ(builtInType(Kind::group, "Modification"), 4);
+    EXPECT_EQ(builtInType(Kind::person, "Birthday"), 4);
+    EXPECT_EQ(builtInType(Kind::person, "ABPersonFlags"), 2);
+    EXPECT_EQ(builtInType(Kind::person, "Phone"), 257);
+    EXPECT_EQ(builtInType(Kind::person, "ABDate"), 260);
+    EXPECT_EQ(builtInType(Kind::person, "Address"), 262);
+    EXPECT_EQ(builtInType(Kind::group, "GroupName"), 1);
+    EXPECT_EQ(builtInType(Kind::person, "GroupName"), 0);
+    EXPECT_EQ(builtInType(Kind::group, "First"), 0);
+    EXPECT_EQ(builtInType(Kind::person, ".Image"), 7);
+    for (const BuiltInProperty& row : builtInProperties())
+        EXPECT_FALSE(isInternal(row.name)) << row.name;
+}
+
+TEST(Values, knowTheirType) {
+    EXPECT_EQ(typeOf(Value()), 0);
+    EXPECT_EQ(typeOf(Value(std::string("x"))), 1);
+    EXPECT_EQ(typeOf(Value(DateComponents{})), 8);
+    EXPECT_EQ(typeOf(Value(Bytes{})), 7);
+    EXPECT_EQ(typeOf(Value(Dictionary{})), 6);
+    EXPECT_EQ(typeOf(Value(Array{})), 5);
+    EXPECT_EQ(typeOf(Value(MultiValue{{{"", "", 1.5}, {"", "", 2.5}}, ""})), 259);
+    EXPECT_EQ(typeOf(Value(MultiValue{{{"", "", 1.5}, {"", "", std::int64_t{2}}}, ""})), 0);
+    EXPECT_EQ(typeOf(Value(MultiValue{})), 0);
+}
+
+} // namespace
+} // namespace addressbook::test

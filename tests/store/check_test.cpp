@@ -1,0 +1,98 @@
+// check() finds damage that is planted behind the store's back.
+
+#include "builders.h"
+#include "scratch.h"
+
+#include <gmock/gmock.h>
+#include <sqlite3.h>
+
+namespace addressbook::test {
+namespace {
+
+struct Planted {
+    const char* name;
+    const char* sql;
+    const char* found; // part of some line of the report
+};
+
+void PrintTo(const Planted& planted, std::ostream* out) {
+    *out << planted.name;
+}
+
+class Check : public Scratch, public testing::WithParamInterface<Planted> {
+  protected:
+    Check() {
+        Store store(folder());
+        const std::string group = newUid(Kind::group);
+        const std::string person = newUid(Kind::person);
+        ChangeSet changes = changesAt(1);
+        changes.definitions = {{Kind::person, "own", 1}};
+        changes.records = {
+            inserted(person, {{"First", text("Ada Müller")}, {".Image", Bytes{1}}, {"own", text("o")}}),
+            inserted(group, {{"GroupName", text("Friends")}}, Kind::group)};
+        changes.memberships = {{group, person, true}};
+        changes.me = person;
+        store.save(changes);
+        file_ = store.file();
+        sound_ = store.check().empty();
+    }
+    void plant(const char* sql) {
+        sqlite3* database = nullptr;
+        ASSERT_EQ(sqlite3_open(file_.c_str(), &database), SQLITE_OK);
+        EXPECT_EQ(sqlite3_exec(database, sql, nullptr, nullptr, nullptr), SQLITE_OK)
+            << sqlite3_errmsg(database);
+        EXPECT_GT(sqlite3_total_changes(database), 0) << "nothing was damaged";
+        sqlite3_close(database);
+    }
+    std::filesystem::path file_;
+    bool sound_ = false;
+};
+
+TEST_P(Check, finds) {
+    ASSERT_TRUE(sound_);
+    plant(GetParam().sql);
+    const auto report = Store(folder()).check();
+    EXPECT_THAT(report, testing::Contains(testing::HasSubstr(GetParam().found)));
+    EXPECT_THAT(Store(folder(), Store::Access::readOnly).check(),
+                testing::Contains(testing::HasSubstr(GetParam().found)));
+}
+
+INSTANTIATE_TEST_SUITE_P(
+    Planted, Check,
+    testing::Values(
+        Planted{"card", "UPDATE record SET card = x'00' || substr(card, 2) WHERE kind = 0", "checksum"},
+        Planted{"shortCard", "UPDATE record SET card = x'0102' WHERE kind = 0", "end early"},
+        Planted{"uid", "UPDATE record SET uid = x'0102' WHERE kind = 0", "unique id has the wrong length"},
+        Planted{"kind", "UPDATE record SET kind = 7 WHERE kind = 0", "neither person nor group"},
+        Planted{"picture", "INSERT INTO picture VALUES (77, x'00')", "pictures belong to no record"},
+        Planted{"member", "UPDATE membership SET member = 77", "members of groups do not exist"},
+        Planted{"parent", "UPDATE membership SET parent = 1", "memberships belong to no group"},
+        Planted{"memberKind", "UPDATE membership SET kind = 1", "take a person for a group"},
+        Planted{"cycle", "INSERT INTO membership VALUES (2, 9, 2, 1)", "contain themselves"},
+        Planted{"definition", "UPDATE definition SET property = 999", "belong to no property"},
+        Planted{"me", "UPDATE meta SET value = 'nobody' WHERE name = 'me'", "own card nobody does not exist"},
+        Planted{"lostTerm", "DELETE FROM term WHERE exact = 'Friends'", "index (values) does not agree"},
+        Planted{"wrongTerm", "UPDATE term SET exact = 'Foes' WHERE exact = 'Friends'",
+                "index (values) does not agree"},
+        Planted{"strayTerm", "UPDATE term SET record = 77 WHERE exact = 'Friends'",
+                "search index do not exist"},
+        Planted{"trigram", "INSERT INTO trigram(rowid, text) VALUES (65540, 'abcd')",
+                "index (text) does not agree"},
+        Planted{"lostText", "DELETE FROM trigram_data WHERE id > 10", "amaged"}),
+    [](const auto& planted) { return std::string(planted.param.name); });
+
+using Damage = Check;
+
+TEST_F(Damage, isReportedByReading) {
+    plant("UPDATE record SET card = x'00' || substr(card, 2) WHERE kind = 0");
+    Store store(folder());
+    try {
+        store.values(store.rows(Kind::person).front());
+        ADD_FAILURE() << "read a damaged card";
+    } catch (const StoreError& error) {
+        EXPECT_EQ(error.reason(), StoreError::Reason::damaged);
+    }
+}
+
+} // namespace
+} // namespace addressbook::test

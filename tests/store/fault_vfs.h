@@ -1,0 +1,77 @@
+#pragma once
+
+// A file system for SQLite whose n-th write or sync fails: what a full or broken disk does to a save.
+
+#include <sqlite3.h>
+
+#include <list>
+
+namespace addressbook::test {
+
+// While it lives, databases that are opened go through it.
+class FaultVfs {
+  public:
+    FaultVfs() {
+        state().base = sqlite3_vfs_find(nullptr);
+        vfs_ = *state().base;
+        vfs_.zName = "faults";
+        vfs_.xOpen = &open;
+        sqlite3_vfs_register(&vfs_, 1);
+    }
+    ~FaultVfs() {
+        sqlite3_vfs_unregister(&vfs_);
+        sqlite3_vfs_register(state().base, 1);
+    }
+    FaultVfs(const FaultVfs&) = delete;
+    FaultVfs& operator=(const FaultVfs&) = delete;
+
+    // Lets [good] writes and syncs pass; all after them fail with [code] until disarm().
+    void arm(int good, int code) {
+        state().left = good;
+        state().code = code;
+    }
+    void disarm() { state().code = SQLITE_OK; }
+
+  private:
+    // The methods of one kind of file, with ours among them; what SQLite holds is the first member.
+    struct Patched {
+        sqlite3_io_methods methods{};
+        const sqlite3_io_methods* original = nullptr;
+    };
+    struct State {
+        sqlite3_vfs* base = nullptr;
+        std::list<Patched> patched;
+        int left = 0;
+        int code = SQLITE_OK;
+    };
+    static State& state() {
+        static State instance;
+        return instance;
+    }
+    static const sqlite3_io_methods* originalOf(sqlite3_file* file) {
+        return reinterpret_cast<const Patched*>(file->pMethods)->original;
+    }
+    static bool fails() { return state().code != SQLITE_OK && state().left-- <= 0; }
+    static int open(sqlite3_vfs*, const char* name, sqlite3_file* file, int flags, int* outFlags) {
+        const int result = state().base->xOpen(state().base, name, file, flags, outFlags);
+        if (result == SQLITE_OK && file->pMethods != nullptr) {
+            Patched& patched = state().patched.emplace_back();
+            patched.original = file->pMethods;
+            patched.methods = *file->pMethods;
+            patched.methods.xWrite = &write;
+            patched.methods.xSync = &sync;
+            file->pMethods = &patched.methods;
+        }
+        return result;
+    }
+    static int write(sqlite3_file* file, const void* data, int size, sqlite3_int64 offset) {
+        return fails() ? state().code : originalOf(file)->xWrite(file, data, size, offset);
+    }
+    static int sync(sqlite3_file* file, int flags) {
+        return fails() ? SQLITE_IOERR_FSYNC : originalOf(file)->xSync(file, flags);
+    }
+
+    sqlite3_vfs vfs_{};
+};
+
+} // namespace addressbook::test

@@ -1,0 +1,328 @@
+// What a save does and does not do, alone and beside other stores on the same folder.
+
+#include "builders.h"
+#include "fault_vfs.h"
+#include "scratch.h"
+
+#include <gmock/gmock.h>
+#include <sqlite3.h>
+
+#include <cstring>
+
+namespace addressbook::test {
+namespace {
+
+using testing::ElementsAre;
+using testing::IsEmpty;
+using testing::UnorderedElementsAre;
+
+class Save : public Scratch {
+  protected:
+    Value valueOf(const Store& from, const std::string& uid, std::string_view property) const {
+        const auto record = from.find(uid);
+        return record ? from.value(record->row, property) : Value();
+    }
+    void expectRefused(const ChangeSet& changes) {
+        const auto before = store.rows(Kind::person);
+        const auto last = store.lastChange();
+        try {
+            store.save(changes);
+            FAIL() << "was not refused";
+        } catch (const StoreError& error) {
+            EXPECT_EQ(error.reason(), StoreError::Reason::refused) << error.what();
+            EXPECT_THAT(error.what(), testing::HasSubstr(store.file().string()));
+        }
+        EXPECT_EQ(store.rows(Kind::person), before);
+        EXPECT_EQ(store.lastChange(), last);
+        EXPECT_THAT(store.check(), IsEmpty());
+    }
+
+    Store store{folder()};
+};
+
+TEST_F(Save, anEmptyOneWritesNothing) {
+    const SaveResult result = store.save(ChangeSet());
+    EXPECT_EQ(result.change, 0);
+    EXPECT_EQ(store.lastChange(), 0);
+}
+
+TEST_F(Save, writesOnlyTheChangedPropertiesAndTheDate) {
+    const std::string uid =
+        addPerson(store, {{"First", text("Ada")}, {"Note", text("n")}, {"Creation", Date{-5}}});
+    const SaveResult result =
+        saveRecords(store, {updated(uid, {{"First", text("Eve")}, {"Last", text("L")}})}, 7);
+    EXPECT_THAT(result.updated, ElementsAre(uid));
+    EXPECT_THAT(result.inserted, IsEmpty());
+    EXPECT_EQ(store.values(store.find(uid)->row), (Values{{"First", text("Eve")},
+                                                          {"Last", text("L")},
+                                                          {"Note", text("n")},
+                                                          {"UID", uid},
+                                                          {"Creation", Date{-5}},
+                                                          {"Modification", Date{7}}}));
+    saveRecords(store, {updated(uid, {{"First", Value()}, {"Creation", Date{1}}, {"UID", text("x")}})}, 8);
+    EXPECT_EQ(store.values(store.find(uid)->row), (Values{{"Last", text("L")},
+                                                          {"Note", text("n")},
+                                                          {"UID", uid},
+                                                          {"Creation", Date{-5}},
+                                                          {"Modification", Date{8}}}));
+    EXPECT_THAT(found(store, query("First", Comparison::equal, Value())), IsEmpty());
+    EXPECT_THAT(found(store, query("Modification", Comparison::equal, Date{8})), ElementsAre(uid));
+    EXPECT_THAT(store.check(), IsEmpty());
+}
+
+TEST_F(Save, twoStoresThatChangeDifferentPropertiesBothWin) {
+    const std::string uid = addPerson(store, {{"First", text("a")}, {"Last", text("b")}});
+    Store other(folder());
+    EXPECT_EQ(valueOf(other, uid, "Last"), text("b"));
+    saveRecords(store, {updated(uid, {{"First", text("first")}})}, 2);
+    saveRecords(other, {updated(uid, {{"Last", text("last")}})}, 3);
+    EXPECT_EQ(valueOf(store, uid, "First"), text("first"));
+    EXPECT_EQ(valueOf(store, uid, "Last"), text("last"));
+    saveRecords(store, {updated(uid, {{"Last", text("again")}})}, 4);
+    EXPECT_EQ(valueOf(other, uid, "Last"), text("again")); // on the same property the last one wins
+}
+
+TEST_F(Save, aRecordDeletedElsewhereIsReportedAndTheRestKept) {
+    const std::string gone = addPerson(store, {});
+    const std::string kept = addPerson(store, {});
+    Store other(folder());
+    ChangeSet removal;
+    removal.removed = {gone};
+    other.save(removal);
+    ChangeSet changes = changesAt(3);
+    const std::string group = newUid(Kind::group);
+    changes.records = {updated(gone, {{"First", text("x")}}), inserted(group, {}, Kind::group),
+                       updated(kept, {{"First", text("y")}})};
+    changes.memberships = {{group, gone, true}, {group, kept, true}, {"no such group", kept, true}};
+    changes.me = gone;
+    const SaveResult result = store.save(changes);
+    EXPECT_THAT(result.missing, ElementsAre(gone, "no such group"));
+    EXPECT_THAT(result.updated, ElementsAre(kept));
+    EXPECT_EQ(valueOf(store, kept, "First"), text("y"));
+    EXPECT_FALSE(store.find(gone));
+    EXPECT_FALSE(store.me());
+    EXPECT_THAT(store.members(store.find(group)->row), ElementsAre(store.find(kept)->row));
+    const SaveResult nothing = saveRecords(store, {updated(gone, {})}, 4);
+    EXPECT_EQ(nothing.change, 0);
+}
+
+TEST_F(Save, aRemovedRecordLeavesNothingBehind) {
+    const std::string person =
+        addPerson(store, {{"First", text("Ada")}, {".Image", Bytes{1}}, {"Phone", MultiValue{}}});
+    const std::string group = newUid(Kind::group);
+    ChangeSet changes = changesAt(2);
+    changes.records = {inserted(group, {}, Kind::group)};
+    changes.memberships = {{group, person, true}};
+    changes.me = person;
+    store.save(changes);
+    EXPECT_EQ(store.me(), person);
+    const RowId row = store.find(person)->row;
+    ChangeSet removal = changesAt(3);
+    removal.removed = {person, "never there"};
+    removal.records = {updated(person, {{"First", text("late")}})};
+    const SaveResult result = store.save(removal);
+    EXPECT_THAT(result.deleted, ElementsAre(person));
+    EXPECT_THAT(result.missing, IsEmpty());
+    EXPECT_FALSE(store.me());
+    EXPECT_FALSE(store.find(row));
+    EXPECT_TRUE(store.values(row).empty());
+    EXPECT_EQ(store.value(row, property::kImage), Value());
+    EXPECT_THAT(store.members(store.find(group)->row), IsEmpty());
+    EXPECT_THAT(found(store, query("First", Comparison::containsSubStringCaseInsensitive, text("ada"))),
+                IsEmpty());
+    EXPECT_THAT(store.check(), IsEmpty());
+    addPerson(store, {});
+    EXPECT_GT(store.rows(Kind::person).back(), row) << "a row's number was used again";
+}
+
+TEST_F(Save, membershipsKeepTheOrderOfJoining) {
+    std::vector<std::string> people;
+    for (int i = 0; i < 4; ++i)
+        people.push_back(addPerson(store, {}));
+    const std::string outer = newUid(Kind::group);
+    const std::string inner = newUid(Kind::group);
+    ChangeSet changes = changesAt(2);
+    changes.records = {inserted(outer, {}, Kind::group), inserted(inner, {}, Kind::group)};
+    for (const int i : {2, 0, 3})
+        changes.memberships.push_back({outer, people[static_cast<std::size_t>(i)], true});
+    changes.memberships.push_back({outer, inner, true});
+    changes.memberships.push_back({inner, people[2], true});
+    store.save(changes);
+    const auto row = [&](const std::string& uid) { return store.find(uid)->row; };
+    EXPECT_THAT(store.members(row(outer)), ElementsAre(row(people[2]), row(people[0]), row(people[3])));
+    EXPECT_THAT(store.subgroups(row(outer)), ElementsAre(row(inner)));
+    EXPECT_THAT(store.parents(row(people[2])), ElementsAre(row(outer), row(inner)));
+    EXPECT_THAT(store.parents(row(inner)), ElementsAre(row(outer)));
+
+    ChangeSet moves = changesAt(5);
+    moves.memberships = {{outer, people[2], false}, {outer, people[2], true}, {outer, people[0], true}};
+    EXPECT_THAT(store.save(moves).updated, ElementsAre(outer));
+    EXPECT_THAT(store.members(row(outer)), ElementsAre(row(people[0]), row(people[3]), row(people[2])));
+    EXPECT_EQ(valueOf(store, outer, "Modification"), Value(Date{5}));
+    EXPECT_EQ(valueOf(store, inner, "Modification"), Value(Date{2}));
+    ChangeSet same = changesAt(6);
+    same.memberships = {{outer, people[0], true}, {inner, people[0], false}};
+    EXPECT_EQ(store.save(same).change, 0);
+    ChangeSet cycle;
+    cycle.memberships = {{inner, outer, true}};
+    expectRefused(cycle);
+    cycle.memberships = {{outer, outer, true}};
+    expectRefused(cycle);
+}
+
+TEST_F(Save, whatIsRefusedChangesNothing) {
+    const std::string uid = addPerson(store, {});
+    ChangeSet changes = changesAt(2);
+    changes.records = {inserted(newUid(Kind::person), {{"First", text("x")}, {"new name", text("y")}}),
+                       inserted(uid, {})};
+    expectRefused(changes);
+    changes.records = {inserted(newUid(Kind::person), {{"First", text("x")}}),
+                       updated(uid, {{".Image", text("x")}})};
+    expectRefused(changes);
+    Value deep;
+    for (int i = 0; i < 100; ++i)
+        deep = Array{deep};
+    changes.records = {updated(uid, {{"First", text("x")}, {"Note", deep}})};
+    expectRefused(changes);
+    changes.records = {updated(uid, {{"First", text("x")}})};
+    for (const PropertyDefinition& definition :
+         {PropertyDefinition{Kind::person, "First", 1}, PropertyDefinition{Kind::group, ".own", 1}}) {
+        changes.definitions = {definition};
+        expectRefused(changes);
+    }
+    EXPECT_EQ(valueOf(store, uid, "First"), Value());
+    const std::string later = addPerson(store, {{"new name", text("y")}});
+    EXPECT_THAT(found(store, query("new name", Comparison::equal, text("y"))), ElementsAre(later));
+}
+
+TEST_F(Save, customPropertiesComeAndGoWithTheirValues) {
+    const PropertyDefinition own{Kind::person, "own", 1};
+    const PropertyDefinition list{Kind::person, "list", 257};
+    const PropertyDefinition ofGroups{Kind::group, "own", 2};
+    ChangeSet changes = changesAt(1);
+    changes.definitions = {own, list, ofGroups, {Kind::person, "own", 3}};
+    store.save(changes);
+    EXPECT_THAT(store.definitions(), ElementsAre(own, list, ofGroups));
+    const std::string uid =
+        addPerson(store, {{"own", text("Wert")}, {"list", MultiValue{}}, {"First", text("f")}});
+    ChangeSet removal = changesAt(9);
+    removal.removedDefinitions = {own, list, {Kind::person, "never", 1}};
+    const SaveResult result = store.save(removal);
+    EXPECT_THAT(result.updated, ElementsAre(uid));
+    EXPECT_THAT(store.definitions(), ElementsAre(ofGroups));
+    EXPECT_EQ(store.values(store.find(uid)->row),
+              (Values{{"First", text("f")}, {"UID", uid}, {"Creation", Date{1}}, {"Modification", Date{9}}}));
+    EXPECT_THAT(found(store, query("own", Comparison::containsSubStringCaseInsensitive, text("WERT"))),
+                IsEmpty());
+    EXPECT_THAT(store.check(), IsEmpty());
+}
+
+TEST_F(Save, theChangeLogTellsWhatEachSaveDid) {
+    Store other(folder());
+    EXPECT_EQ(other.lastChange(), 0);
+    const std::string first = addPerson(store, {});
+    const std::string second = addPerson(store, {});
+    ChangeSet changes = changesAt(4);
+    changes.records = {updated(first, {{"First", text("x")}})};
+    changes.removed = {second};
+    const SaveResult result = store.save(changes);
+    EXPECT_EQ(other.lastChange(), result.change);
+    const auto log = other.changesSince(0);
+    ASSERT_EQ(log.size(), 3U);
+    EXPECT_THAT(log[0].inserted, ElementsAre(first));
+    EXPECT_THAT(log[1].inserted, ElementsAre(second));
+    EXPECT_THAT(log[2].updated, ElementsAre(first));
+    EXPECT_THAT(log[2].deleted, ElementsAre(second));
+    EXPECT_EQ(log[2].change, result.change);
+    EXPECT_EQ(other.changesSince(result.change - 1).size(), 1U);
+    EXPECT_TRUE(other.changesSince(result.change).empty());
+}
+
+TEST_F(Save, aLogThatNoLongerReachesBackSaysThatAnythingMayHaveChanged) {
+    const std::string uid = addPerson(store, {});
+    sqlite3* database = nullptr;
+    ASSERT_EQ(sqlite3_open(store.file().c_str(), &database), SQLITE_OK);
+    sqlite3_exec(database, "UPDATE sqlite_sequence SET seq = 5000 WHERE name = 'change'", nullptr, nullptr,
+                 nullptr);
+    sqlite3_close(database);
+    saveRecords(store, {updated(uid, {{"First", text("x")}})}, 3);
+    const auto log = store.changesSince(1);
+    ASSERT_EQ(log.size(), 2U);
+    EXPECT_TRUE(log[0].inserted.empty() && log[0].updated.empty() && log[0].deleted.empty());
+    EXPECT_EQ(log[0].change, 5000);
+    EXPECT_THAT(log[1].updated, ElementsAre(uid));
+}
+
+TEST_F(Save, meIsSetAndCleared) {
+    const std::string uid = addPerson(store, {});
+    ChangeSet changes;
+    changes.me = uid;
+    EXPECT_NE(store.save(changes).change, 0);
+    EXPECT_EQ(store.me(), uid);
+    changes.me = "";
+    store.save(changes);
+    EXPECT_FALSE(store.me());
+    EXPECT_EQ(store.save(changes).change, 0);
+}
+
+TEST_F(Save, waitsForAnotherWriterOnlySoLong) {
+    sqlite3* database = nullptr;
+    ASSERT_EQ(sqlite3_open(store.file().c_str(), &database), SQLITE_OK);
+    Store hasty(folder(), Store::Access::readWrite, std::chrono::milliseconds(20));
+    ASSERT_EQ(sqlite3_exec(database, "BEGIN IMMEDIATE", nullptr, nullptr, nullptr), SQLITE_OK);
+    const std::string uid = newUid(Kind::person);
+    try {
+        saveRecords(hasty, {inserted(uid, {{"p", text("x")}})});
+        ADD_FAILURE() << "saved under another's lock";
+    } catch (const StoreError& error) {
+        EXPECT_EQ(error.reason(), StoreError::Reason::locked);
+        EXPECT_THAT(error.what(), testing::HasSubstr(hasty.file().string()));
+    }
+    EXPECT_FALSE(hasty.find(uid));
+    sqlite3_exec(database, "ROLLBACK", nullptr, nullptr, nullptr);
+    sqlite3_close(database);
+    saveRecords(hasty, {inserted(uid, {{"p", text("x")}})});
+    EXPECT_TRUE(store.find(uid));
+}
+
+class FailingDisk : public Scratch, public testing::WithParamInterface<int> {};
+
+// Whichever write or sync of a save fails, nothing is changed, and the same save succeeds later.
+TEST_P(FailingDisk, everyWriteOfASaveMayFail) {
+    FaultVfs disk;
+    Store store(folder());
+    const std::string uid = addPerson(store, {{"First", text("before")}});
+    const Values before = store.values(store.find(uid)->row);
+    int good = 0;
+    for (bool failed = true; failed; ++good) {
+        ASSERT_LT(good, 500);
+        ChangeSet changes = changesAt(good + 2);
+        const std::string added = newUid(Kind::person);
+        changes.records = {updated(uid, {{"Note", text("after")}, {".Image", Bytes(40'000)}}),
+                           inserted(added, {})};
+        disk.arm(good, GetParam());
+        try {
+            store.save(changes);
+            failed = false;
+            disk.disarm();
+            EXPECT_TRUE(store.find(added));
+        } catch (const StoreError& error) {
+            disk.disarm();
+            EXPECT_EQ(error.reason(),
+                      GetParam() == SQLITE_FULL && !std::strstr(error.what(), "disk I/O error")
+                          ? StoreError::Reason::full
+                          : StoreError::Reason::io)
+                << error.what();
+            ASSERT_EQ(store.values(store.find(uid)->row), before) << "after " << good << " writes";
+            ASSERT_FALSE(store.find(added));
+        }
+    }
+    EXPECT_GT(good, 10);
+    EXPECT_EQ(store.value(store.find(uid)->row, "Note"), text("after"));
+    EXPECT_THAT(store.check(), IsEmpty());
+}
+
+INSTANTIATE_TEST_SUITE_P(Errors, FailingDisk, testing::Values(SQLITE_FULL, SQLITE_IOERR_WRITE));
+
+} // namespace
+} // namespace addressbook::test

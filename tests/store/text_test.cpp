@@ -1,0 +1,66 @@
+#include "frameworks/AddressBook/store/text.h"
+
+#include <gtest/gtest.h>
+
+#include <random>
+
+namespace addressbook::test {
+namespace {
+
+TEST(Text, everyUtf16TextReturnsUnchanged) {
+    std::mt19937 random(7);
+    static constexpr char16_t kUnits[] = {u'\0',  u'a',   0xE9,   0x7FF,  0x800,  0xD7FF, 0xD800,
+                                          0xDBFF, 0xDC00, 0xDFFF, 0xE000, 0xFFFD, 0xFFFF};
+    for (int round = 0; round < 5000; ++round) {
+        std::u16string text;
+        for (std::size_t length = random() % 8; length > 0; --length)
+            text.push_back(kUnits[random() % std::size(kUnits)]);
+        EXPECT_EQ(utf16FromUtf8(utf8FromUtf16(text)), text) << "round " << round;
+    }
+}
+
+TEST(Text, loneSurrogatesTakeThreeBytesAndPairsFour) {
+    EXPECT_EQ(utf8FromUtf16(u"\xD83D\xDE00"), "\xF0\x9F\x98\x80");
+    EXPECT_EQ(utf8FromUtf16(std::u16string{0xD83D}), "\xED\xA0\xBD");
+    EXPECT_EQ(utf8FromUtf16(std::u16string{0xDE00, 0xD83D}), "\xED\xB8\x80\xED\xA0\xBD");
+}
+
+TEST(Text, whatIsNoUtf8BecomesReplacementCharacters) {
+    EXPECT_EQ(utf16FromUtf8("a\xFF"), u"a\xFFFD");
+    EXPECT_EQ(utf16FromUtf8("\xC0\x80"), u"\xFFFD\xFFFD");        // too long a form
+    EXPECT_EQ(utf16FromUtf8("\xE2\x82"), u"\xFFFD\xFFFD");        // cut short
+    EXPECT_EQ(utf16FromUtf8("\xF4\x90\x80\x80").front(), 0xFFFD); // beyond Unicode
+    std::mt19937 random(3);
+    for (int round = 0; round < 5000; ++round) {
+        std::string bytes;
+        for (std::size_t length = random() % 12; length > 0; --length)
+            bytes.push_back(static_cast<char>(random()));
+        const std::string folded = fold(bytes);
+        EXPECT_EQ(utf8FromUtf16(utf16FromUtf8(folded)), folded) << "round " << round;
+    }
+}
+
+TEST(Text, canonicallyEquivalentTextsNormalizeAlike) {
+    EXPECT_EQ(normalize("e\u0301"), "\u00E9");
+    EXPECT_EQ(normalize("\u212B"), normalize("A\u030A"));
+    EXPECT_EQ(normalize("\uAC00"), normalize("\u1100\u1161"));
+    EXPECT_EQ(normalize(std::string_view("a\0e\u0301", 5)), std::string_view("a\0\u00E9", 4));
+    EXPECT_EQ(normalize("\xED\xA0\x80"), "\xED\xA0\x80");
+}
+
+TEST(Text, foldingIgnoresCaseButNotAccents) {
+    EXPECT_EQ(fold("Straße"), fold("STRASSE"));
+    EXPECT_EQ(fold("ΌΔΟΣ"), fold("όδος"));
+    EXPECT_EQ(fold("É"), fold("e\u0301"));
+    EXPECT_EQ(fold("ABC xyz 09"), "abc xyz 09");
+    EXPECT_NE(fold("é"), fold("e"));
+}
+
+TEST(Text, beginningsEndBetweenCharacters) {
+    EXPECT_EQ(beginning("aé", 2), "a");
+    EXPECT_EQ(beginning("aé", 3), "aé");
+    EXPECT_EQ(beginning("\u20AC", 2), "");
+}
+
+} // namespace
+} // namespace addressbook::test
