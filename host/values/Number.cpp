@@ -44,9 +44,9 @@ int digitCount(const BigInteger& value) {
         return 0;
     }
     const BigInteger size = mp::abs(value);
-    const int estimate =
-        static_cast<int>(static_cast<double>(mp::msb(size)) * std::log10(2.0)); // or one less than the count
-    return size >= powerOfTen(estimate) ? estimate + 1 : estimate;
+    // Of the power of ten below the number; or one less.
+    const int power = static_cast<int>(static_cast<double>(mp::msb(size)) * std::log10(2.0));
+    return size >= powerOfTen(power + 1) ? power + 2 : power + 1;
 }
 
 BigInteger shiftedDown(const BigInteger& value, int digits) {
@@ -61,27 +61,28 @@ BigInteger shiftedDown(const BigInteger& value, int digits) {
 Number::Number(Decimal&& decimal) {
     BigInteger& mantissa = decimal.mantissa;
     int& exponent = decimal.exponent;
-    const auto shiftDown = [&](int digits) {
-        mantissa = shiftedDown(mantissa, digits);
-        exponent += digits;
-    };
     const int digits = digitCount(mantissa);
+    if (digits == 0) {
+        return;
+    }
     if (digits + exponent > kMaxDigits) {
         throw NumberError("the number has more than 400 whole digits");
     }
     if (digits + exponent < -kMaxDigits) {
         return; // too small to tell from 0
     }
-    shiftDown(std::max({digits - kMaxDigits, -kMaxDigits - exponent, 0}));
+    const int excess = std::max({digits - kMaxDigits, -kMaxDigits - exponent, 0});
+    mantissa = shiftedDown(mantissa, excess);
+    exponent += excess;
     if (mantissa.is_zero()) {
         return;
     }
     if (exponent > 0) {
         mantissa *= powerOfTen(exponent);
         exponent = 0;
-        if (digitCount(mantissa) > kMaxDigits) { // rounding has carried into one digit more
-            throw NumberError("the number has more than 400 whole digits");
-        }
+    }
+    if (digitCount(mantissa) + exponent > kMaxDigits) { // rounding has carried into one digit more
+        throw NumberError("the number has more than 400 whole digits");
     }
     BigInteger quotient;
     BigInteger rest;
