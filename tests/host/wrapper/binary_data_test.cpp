@@ -1,0 +1,129 @@
+#include "support.h"
+
+#include <array>
+#include <vector>
+
+namespace {
+
+using fmx::BinaryDataAutoPtr;
+using fmx::QuadCharAutoPtr;
+
+void add(fmx::BinaryData& container, const fmx::QuadChar& type, std::string bytes) {
+    EXPECT_EQ(container.Add(type, static_cast<fmx::uint32>(bytes.size()), bytes.data()), 0);
+}
+
+std::string streamOf(const fmx::BinaryData& container, fmx::int32 index) {
+    std::string bytes(container.GetSize(index), '\0');
+    EXPECT_EQ(container.GetData(index, 0, static_cast<fmx::uint32>(bytes.size()), bytes.data()), 0);
+    return bytes;
+}
+
+TEST(WrapperQuadChar, HoldsFourCharacters) {
+    const QuadCharAutoPtr empty;
+    EXPECT_EQ(empty->GetMacType(), 0U);
+    const QuadCharAutoPtr png('P', 'N', 'G', 'f');
+    EXPECT_EQ(png->GetMacType(), 0x504E4766U);
+    const fmx::QuadChar& constant = *png;
+    EXPECT_EQ(constant[3], 'f');
+    const QuadCharAutoPtr copy(*png);
+    EXPECT_TRUE(*copy == *png);
+    (*copy)[0] = 'Q';
+    EXPECT_TRUE(*copy != *png);
+    EXPECT_TRUE(*png < *copy);
+    EXPECT_TRUE(*png <= *copy);
+    EXPECT_TRUE(*copy > *png);
+    EXPECT_TRUE(*copy >= *png);
+    EXPECT_EQ(&(*empty = *copy), empty.get());
+    EXPECT_EQ((*empty)[0], 'Q');
+    empty->SetMacType(0xFF4E4766U);
+    EXPECT_TRUE(*empty > *copy); // characters are unsigned
+    EXPECT_THROW((*empty)[4], std::exception);
+    EXPECT_THROW(constant[0xFFFFFFFF], std::exception);
+}
+
+class WrapperBinaryData : public testing::Test {
+  protected:
+    QuadCharAutoPtr png_{'P', 'N', 'G', 'f'};
+    QuadCharAutoPtr jpeg_{'J', 'P', 'E', 'G'};
+    QuadCharAutoPtr gif_{'G', 'I', 'F', 'f'};
+    BinaryDataAutoPtr container_;
+};
+
+TEST_F(WrapperBinaryData, KeepsStreamsInOrder) {
+    EXPECT_EQ(container_->GetCount(), 0);
+    EXPECT_EQ(container_->GetTotalSize(), 0U);
+    EXPECT_EQ(container_->GetIndex(*png_), -1);
+    add(*container_, *png_, "png");
+    add(*container_, *jpeg_, "jpeg");
+    add(*container_, *gif_, "");
+    add(*container_, *jpeg_, std::string("\0J", 2)); // replaces, in its place
+    EXPECT_EQ(container_->GetCount(), 3);
+    EXPECT_EQ(container_->GetIndex(*png_), 0);
+    EXPECT_EQ(container_->GetIndex(*jpeg_), 1);
+    EXPECT_EQ(container_->GetIndex(*gif_), 2);
+    EXPECT_EQ(container_->GetTotalSize(), 5U);
+    EXPECT_EQ(streamOf(*container_, 1), std::string("\0J", 2));
+    const QuadCharAutoPtr type;
+    container_->GetType(1, *type);
+    EXPECT_TRUE(*type == *jpeg_);
+    EXPECT_TRUE(container_->Remove(*png_));
+    EXPECT_FALSE(container_->Remove(*png_));
+    EXPECT_EQ(container_->GetIndex(*jpeg_), 0);
+    container_->RemoveAll();
+    EXPECT_EQ(container_->GetCount(), 0);
+}
+
+TEST_F(WrapperBinaryData, GivesRangesAndRefusesOthers) {
+    add(*container_, *png_, "0123");
+    std::array<char, 4> buffer{'#', '#', '#', '#'};
+    EXPECT_EQ(container_->GetData(0, 1, 2, buffer.data()), 0);
+    EXPECT_EQ(buffer, (std::array<char, 4>{'1', '2', '#', '#'}));
+    EXPECT_EQ(container_->GetData(0, 4, 0, nullptr), 0);
+    EXPECT_NE(container_->GetData(0, 1, 4, buffer.data()), 0);
+    EXPECT_NE(container_->GetData(0, 5, 0, buffer.data()), 0);
+    EXPECT_NE(container_->GetData(0, 1, 0xFFFFFFFF, buffer.data()), 0);
+    EXPECT_NE(container_->GetData(1, 0, 1, buffer.data()), 0);
+    EXPECT_NE(container_->GetData(-1, 0, 1, buffer.data()), 0);
+    EXPECT_EQ(buffer, (std::array<char, 4>{'1', '2', '#', '#'}));
+    EXPECT_THROW(container_->GetData(0, 0, 1, nullptr), std::exception);
+    EXPECT_THROW(container_->GetSize(1), std::exception);
+    EXPECT_THROW(container_->GetSize(-1), std::exception);
+    EXPECT_THROW(container_->GetType(1, *gif_), std::exception);
+    EXPECT_THROW(container_->Add(*gif_, 1, nullptr), std::exception);
+    EXPECT_EQ(container_->Add(*gif_, 0, nullptr), 0);
+}
+
+TEST_F(WrapperBinaryData, IsCopiedAndCompared) {
+    add(*container_, *png_, "png");
+    const BinaryDataAutoPtr copy(*container_);
+    EXPECT_TRUE(*copy == *container_);
+    add(*copy, *gif_, "gif");
+    EXPECT_TRUE(*copy != *container_);
+    EXPECT_EQ(container_->GetCount(), 1);
+    EXPECT_EQ(&(*container_ = *copy), container_.get());
+    EXPECT_TRUE(*copy == *container_);
+}
+
+TEST_F(WrapperBinaryData, KeepsNamesAndSize) {
+    short width = 1;
+    short height = 2;
+    const auto text = hostText(u"kept");
+    EXPECT_NE(container_->GetFNAMData(*text), 0);
+    EXPECT_NE(container_->GetSIZEData(width, height), 0);
+    EXPECT_EQ(unitsOf(*text), u"kept");
+    EXPECT_EQ(width, 1);
+    EXPECT_EQ(height, 2);
+    const std::u16string name = {u'a', 0, 0xD800};
+    EXPECT_EQ(container_->AddFNAMData(*hostText(name)), 0);
+    EXPECT_EQ(container_->AddSIZEData(-5, 300), 0);
+    EXPECT_EQ(container_->AddSIZEData(-6, 301), 0);
+    EXPECT_EQ(container_->GetFNAMData(*text), 0);
+    EXPECT_EQ(container_->GetSIZEData(width, height), 0);
+    EXPECT_EQ(unitsOf(*text), name);
+    EXPECT_EQ(width, -6);
+    EXPECT_EQ(height, 301);
+    EXPECT_EQ(container_->GetIndex(*QuadCharAutoPtr('F', 'N', 'A', 'M')), 0);
+    EXPECT_EQ(container_->GetIndex(*QuadCharAutoPtr('S', 'I', 'Z', 'E')), 1);
+}
+
+} // namespace

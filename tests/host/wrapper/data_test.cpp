@@ -1,0 +1,162 @@
+#include "support.h"
+
+namespace {
+
+using fmx::Data;
+using fmx::DataAutoPtr;
+
+class WrapperData : public testing::Test {
+  protected:
+    fmx::errcode setText(std::u16string_view text, fmx::int32 type = Data::kDTText) {
+        return data_->SetAsText(*hostText(text), data_->GetLocale(), type);
+    }
+    std::u16string text() { return unitsOf(data_->GetAsText()); }
+
+    DataAutoPtr data_;
+};
+
+TEST_F(WrapperData, IsEmptyTextAtFirst) {
+    EXPECT_TRUE(data_->IsEmpty());
+    EXPECT_TRUE(data_->IsValid());
+    EXPECT_FALSE(data_->IsFindRequest());
+    EXPECT_EQ(data_->GetNativeType(), Data::kDTText);
+    EXPECT_EQ(text(), u"");
+    EXPECT_FALSE(data_->GetAsBoolean());
+    EXPECT_EQ(data_->GetBinaryData().GetCount(), 0);
+}
+
+TEST_F(WrapperData, ReadsTextAsEveryType) {
+    EXPECT_EQ(setText(u"12/25/2010 14:30"), 0);
+    EXPECT_EQ(data_->GetNativeType(), Data::kDTText);
+    EXPECT_EQ(text(), u"12/25/2010 14:30");
+    EXPECT_EQ(data_->GetAsNumber().AsFloat(), 122520101430.0);
+    EXPECT_EQ(data_->GetAsDate().GetDay(), 25);
+    EXPECT_EQ(data_->GetAsDate().GetHour(), 0);
+    EXPECT_EQ(data_->GetAsTime().GetHour(), 14);
+    EXPECT_EQ(data_->GetAsTime().GetYear(), 1);
+    EXPECT_EQ(data_->GetAsTimeStamp().GetHour(), 14);
+    EXPECT_EQ(data_->GetAsTimeStamp().GetMonth(), 12);
+    EXPECT_TRUE(data_->GetAsBoolean());
+}
+
+TEST_F(WrapperData, AnswersStandUntilItIsSetAgain) {
+    setText(u"7");
+    const fmx::Text& text = data_->GetAsText();
+    const fmx::FixPt& number = data_->GetAsNumber();
+    data_->GetAsDate();
+    data_->GetAsTime();
+    data_->GetAsTimeStamp();
+    EXPECT_EQ(&data_->GetAsText(), &text);
+    EXPECT_EQ(&data_->GetAsNumber(), &number);
+    EXPECT_EQ(number.AsLong(), 7);
+    setText(u"8");
+    EXPECT_EQ(unitsOf(data_->GetAsText()), u"8");
+    EXPECT_EQ(data_->GetAsNumber().AsLong(), 8);
+    // From its own answers.
+    EXPECT_EQ(data_->SetAsNumber(data_->GetAsNumber()), 0);
+    EXPECT_EQ(data_->SetAsText(data_->GetAsText(), data_->GetLocale()), 0);
+    EXPECT_EQ(data_->SetAsTimeStamp(data_->GetAsTimeStamp()), 0);
+    EXPECT_EQ(data_->SetBinaryData(data_->GetBinaryData()), 0);
+    EXPECT_TRUE(data_->IsEmpty());
+}
+
+TEST_F(WrapperData, IsSetWithANativeType) {
+    const fmx::FixPtAutoPtr number(5);
+    EXPECT_EQ(data_->SetAsNumber(*number), 0);
+    EXPECT_EQ(data_->GetNativeType(), Data::kDTNumber);
+    EXPECT_EQ(text(), u"5");
+    EXPECT_EQ(data_->SetAsNumber(*number, Data::kDTText), 0);
+    EXPECT_EQ(data_->GetNativeType(), Data::kDTText);
+    EXPECT_EQ(data_->SetAsNumber(*number, Data::kDTBoolean), 0);
+    EXPECT_EQ(data_->GetNativeType(), Data::kDTBoolean);
+    EXPECT_EQ(text(), u"1");
+    EXPECT_EQ(setText(u"a1,5", Data::kDTNumber), 0);
+    EXPECT_EQ(text(), u"15");
+    EXPECT_EQ(setText(u"2:30 PM", Data::kDTTime), 0);
+    EXPECT_EQ(text(), u"14:30:00");
+}
+
+TEST_F(WrapperData, HoldsDatesAndTimes) {
+    const fmx::DateTimeAutoPtr moment;
+    EXPECT_EQ(moment->SetNormalizedDate(12, 25, 2010), 0);
+    EXPECT_EQ(moment->SetNormalizedTime(1, 2, 3, 0), 0);
+    EXPECT_EQ(data_->SetAsDate(*moment), 0);
+    EXPECT_EQ(data_->GetNativeType(), Data::kDTDate);
+    EXPECT_EQ(text(), u"12/25/2010");
+    EXPECT_EQ(data_->SetAsTime(*moment), 0);
+    EXPECT_EQ(data_->GetNativeType(), Data::kDTTime);
+    EXPECT_EQ(text(), u"1:02:03");
+    EXPECT_EQ(data_->SetAsTimeStamp(*moment), 0);
+    EXPECT_EQ(data_->GetNativeType(), Data::kDTTimeStamp);
+    EXPECT_EQ(text(), u"12/25/2010 1:02:03");
+    EXPECT_TRUE(data_->GetAsTimeStamp() == *moment);
+    EXPECT_EQ(data_->SetDateTime(*moment, Data::kDTDate, Data::kDTText), 0);
+    EXPECT_EQ(data_->GetNativeType(), Data::kDTText);
+    EXPECT_EQ(text(), u"12/25/2010");
+    EXPECT_EQ(data_->SetDateTime(*moment, Data::kDTTime, Data::kDTTime), 0);
+    EXPECT_EQ(text(), u"1:02:03");
+    EXPECT_EQ(data_->SetDateTime(*moment, Data::kDTTimeStamp, Data::kDTTimeStamp), 0);
+    EXPECT_EQ(text(), u"12/25/2010 1:02:03");
+    EXPECT_NE(data_->SetDateTime(*moment, Data::kDTNumber, Data::kDTNumber), 0);
+    EXPECT_EQ(text(), u"12/25/2010 1:02:03");
+}
+
+TEST_F(WrapperData, IsInvalidWhenItCannotBeReadAsItsType) {
+    EXPECT_NE(setText(u"rubbish", Data::kDTDate), 0);
+    EXPECT_FALSE(data_->IsValid());
+    EXPECT_FALSE(data_->IsEmpty());
+    EXPECT_EQ(data_->GetNativeType(), Data::kDTInvalid);
+    EXPECT_EQ(text(), u"?");
+    EXPECT_EQ(setText(u"5"), 0);
+    EXPECT_TRUE(data_->IsValid());
+    EXPECT_THROW(setText(u"5", 99), std::exception);
+    EXPECT_THROW(data_->Clear(-1), std::exception);
+    EXPECT_EQ(text(), u"5");
+}
+
+TEST_F(WrapperData, IsClearedAndConverted) {
+    setText(u"12/25/2010");
+    data_->ConvertData(Data::kDTTimeStamp);
+    EXPECT_EQ(data_->GetNativeType(), Data::kDTTimeStamp);
+    EXPECT_EQ(text(), u"12/25/2010 0:00:00");
+    data_->ConvertData(Data::kDTNumber);
+    EXPECT_EQ(text(), u"63428832000");
+    data_->ConvertData(Data::kDTBinary);
+    EXPECT_FALSE(data_->IsValid());
+    for (fmx::int32 type = Data::kDTText; type <= Data::kDTBoolean; ++type) {
+        data_->Clear(type);
+        EXPECT_TRUE(data_->IsEmpty());
+        EXPECT_EQ(data_->GetNativeType(), type);
+    }
+    data_->Clear(Data::kDTInvalid);
+    EXPECT_FALSE(data_->IsValid());
+    data_->Clear();
+    EXPECT_EQ(data_->GetNativeType(), Data::kDTText);
+}
+
+TEST_F(WrapperData, HoldsContainers) {
+    const fmx::BinaryDataAutoPtr container;
+    container->AddFNAMData(*hostText(u"a.png"));
+    EXPECT_EQ(data_->SetBinaryData(*container), 0);
+    EXPECT_EQ(data_->GetNativeType(), Data::kDTText);
+    EXPECT_EQ(text(), u"a.png");
+    EXPECT_EQ(data_->SetBinaryData(*container, true), 0);
+    EXPECT_EQ(data_->GetNativeType(), Data::kDTBinary);
+    EXPECT_TRUE(data_->GetBinaryData() == *container);
+    EXPECT_EQ(text(), u"a.png");
+    EXPECT_TRUE(data_->GetAsBoolean());
+    container->RemoveAll();
+    EXPECT_EQ(data_->SetBinaryData(*container, true), 0);
+    EXPECT_EQ(data_->GetNativeType(), Data::kDTBinary);
+    EXPECT_TRUE(data_->IsEmpty());
+}
+
+TEST_F(WrapperData, KeepsItsLocale) {
+    const fmx::LocaleAutoPtr locale(fmx::Locale::kType_RawUnicode);
+    EXPECT_EQ(data_->SetAsText(*hostText(u"x"), *locale), 0);
+    const fmx::Locale& kept = data_->GetLocale();
+    EXPECT_NE(&kept, locale.get());
+    EXPECT_EQ(&data_->GetLocale(), &kept);
+}
+
+} // namespace
