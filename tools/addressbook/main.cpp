@@ -137,8 +137,9 @@ int runImport(const Options& options) {
         store ? &*store : nullptr, options.import.dryRun,
         [&](const std::string& file, const vcard::Problem& problem) {
             progress.clear();
-            std::cerr << file << ": card " << problem.number << ", line " << problem.line << ": "
-                      << problem.reason << '\n';
+            const std::string line = file + ": card " + std::to_string(problem.number) + ", line " +
+                                     std::to_string(problem.line) + ": " + problem.reason + '\n';
+            std::fwrite(line.data(), 1, line.size(), stderr);
         },
         [&](std::size_t bytes, const ImportSummary& soFar) { progress.update(bytes, soFar); });
     bool unread = false;

@@ -87,13 +87,13 @@ bool LineReader::next(PropertyLine& line) {
             return false;
         hasAhead_ = false;
         last_ = ahead_.number;
-    } while (trim(ahead_.text).empty());
+    } while (!ahead_.tooLong && trim(ahead_.text).empty());
 
     std::swap(line.text, ahead_.text);
     line.number = ahead_.number;
     line.utf8 = ahead_.utf8;
     line.tooLong = ahead_.tooLong;
-    line.continued = isBlankByte(line.text.front());
+    line.continued = !line.text.empty() && isBlankByte(line.text.front());
     line.physical = 1;
 
     std::size_t colon = headerEnd(line.text);
@@ -121,7 +121,8 @@ bool LineReader::next(PropertyLine& line) {
         last_ = ahead_.number;
         hasAhead_ = false;
         ++line.physical;
-        if (colon == std::string::npos && line.text.size() < kMaxHeader) {
+        if (colon == std::string::npos && line.text.size() < kMaxHeader &&
+            more.find_first_of(":\"") != std::string_view::npos) {
             colon = headerEnd(line.text);
             if (colon != std::string::npos)
                 transfer = declaredTransfer(std::string_view(line.text).substr(0, colon));

@@ -27,9 +27,10 @@ struct Addition {
     std::string_view property;
     std::size_t entry = 0;
     int preference = kNotPreferred; // 1 is the most preferred
-    bool numbered = false;          // by PREF=n and not by TYPE=pref
     std::string group;
+    std::string source;        // the vCard property's name in upper case
     std::vector<Param> params; // that no property holds
+    bool messaging = false;    // the property holds names at one messaging service
 };
 
 struct LabelInGroup {
@@ -55,6 +56,12 @@ std::string withoutPrefix(std::string text, std::string_view prefix) {
     if (equalsIgnoringCase(std::string_view(text).substr(0, prefix.size()), prefix))
         text.erase(0, prefix.size());
     return text;
+}
+
+bool isMessaging(std::string_view property) {
+    const auto services = messagingServices();
+    return std::any_of(services.begin(), services.end(),
+                       [&](const MessagingService& each) { return each.property == property; });
 }
 
 class CardReader {
@@ -194,7 +201,7 @@ class CardReader {
 
     // Keeps the parameters of a line that fills a property which is no list.
     void keepParams(std::string_view property, ContentLine& line) {
-        additions_.push_back({property, 0, kNotPreferred, false, line.group, std::move(line.params)});
+        additions_.push_back({property, 0, kNotPreferred, line.group, line.key, std::move(line.params)});
     }
 
     bool readName(ContentLine& line) {
@@ -290,20 +297,21 @@ class CardReader {
 
     // The picture's data: declared as base64, in a data URI, or undeclared and plainly no address. Nothing
     // when the line only says where the picture is.
-    std::optional<std::string_view> pictureData(const ContentLine& line) const {
+    static std::optional<std::string> pictureData(const ContentLine& line) {
         const std::string_view value = trim(line.value);
         const std::string_view scheme = schemeOf(value);
         if (equalsIgnoringCase(scheme, "data")) {
-            const std::size_t comma = value.find(',');
-            if (comma == std::string_view::npos || !upperCase(value.substr(0, comma)).ends_with(";BASE64"))
+            const std::string uri = line.text();
+            const std::size_t comma = uri.find(',');
+            if (comma == std::string::npos || !upperCase(uri.substr(0, comma)).ends_with(";BASE64"))
                 return std::nullopt;
-            return value.substr(comma + 1);
+            return uri.substr(comma + 1);
         }
         if (line.transfer == Transfer::base64)
-            return value;
+            return std::string(value);
         if (!scheme.empty() || !line.param("VALUE").empty() || !decodeBase64(value).valid)
             return std::nullopt;
-        return value;
+        return std::string(value);
     }
 
     bool readPicture(ContentLine& line) {
@@ -515,14 +523,13 @@ class CardReader {
         std::vector<Entry>& entries = slot.as<MultiValue>()->entries;
 
         // Programs write a messaging name under several properties for the sake of older readers.
-        const bool messaging =
-            std::any_of(messagingServices().begin(), messagingServices().end(),
-                        [&](const MessagingService& each) { return each.property == property; });
-        if (messaging && std::any_of(entries.begin(), entries.end(),
-                                     [&](const Entry& entry) { return entry.value == value; }))
-            return;
+        for (const Addition& each : additions_)
+            if (each.messaging && each.property == property && each.source != line.key &&
+                entries[each.entry].value == value)
+                return;
 
-        Addition addition{property, entries.size(), kNotPreferred, false, line.group, {}};
+        Addition addition{property, entries.size(), kNotPreferred, line.group, line.key, {}};
+        addition.messaging = isMessaging(property);
         std::string label = takeParams(line, addition);
         if (const auto found = labels_.find(upperCase(line.group));
             found != labels_.end() && !line.group.empty()) {
@@ -551,7 +558,6 @@ class CardReader {
             if (param.name == "PREF") {
                 const std::string number(line.param("PREF").substr(0, 3));
                 addition.preference = std::max(1, std::atoi(number.c_str()));
-                addition.numbered = true;
             }
             addition.params.push_back(param);
         }

@@ -3,6 +3,7 @@
 #include "frameworks/AddressBook/store/text.h"
 #include "vcard.h"
 
+#include <algorithm>
 #include <istream>
 
 namespace addressbook::vcard {
@@ -94,10 +95,8 @@ void TextSource::readBytes(TextLine& line) {
         while (length < window_.size() && window_[length] != '\n' && window_[length] != '\r')
             ++length;
         const bool ended = length < window_.size();
-        if (line.text.size() + length > kMaxCardBytes)
-            line.tooLong = true;
-        else
-            line.text.append(window_.substr(0, length));
+        line.text.append(window_.substr(0, std::min(length, kMaxCardBytes - line.text.size())));
+        line.tooLong = line.tooLong || line.text.size() == kMaxCardBytes;
         consume(length);
         if (!ended)
             continue;

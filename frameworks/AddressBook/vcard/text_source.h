@@ -15,7 +15,7 @@ struct TextLine {
     std::string text;
     std::size_t number = 0; // from 1
     bool utf8 = false;      // was UTF-16 and is UTF-8 now; otherwise the bytes as they stand
-    bool tooLong = false;   // longer than kMaxCardBytes; text holds its start
+    bool tooLong = false;   // kMaxCardBytes or more; text holds its start
 };
 
 class TextSource {

@@ -1,0 +1,143 @@
+// Bad cards: each gives one problem with its number, line and reason, and the good card behind it is read.
+
+#include "tests/vcard/support.h"
+
+#include <gtest/gtest.h>
+
+#include <chrono>
+#include <sstream>
+
+namespace addressbook::vcard {
+namespace {
+
+struct Row {
+    std::string name;
+    std::string text;
+    std::size_t line;
+    std::string reason;
+};
+
+const std::string kGood = "BEGIN:VCARD\r\nN:Good\r\nEND:VCARD\r\n";
+
+TEST(BadCards, EachIsOneProblemAndTheNextIsRead) {
+    const std::vector<Row> rows{
+        {"no END", "BEGIN:VCARD\nN:A\n", 1, "no END:VCARD before the BEGIN:VCARD in line 3"},
+        {"no BEGIN", "END:VCARD\n", 1, "END:VCARD without BEGIN:VCARD"},
+        {"text", "Dear all,\nhere are\n", 1, "no vCard begins here: \"Dear all,\""},
+        {"binary",
+         std::string("\x7F"
+                     "ELF\0\0",
+                     6) +
+             "\n",
+         1, "binary data, no vCard"},
+        {"empty", "\n\nBEGIN:VCARD\nVERSION:3.0\nEND:VCARD\n", 3,
+         "the card has nothing that an address book shows"},
+        {"nothing shown", "BEGIN:VCARD\nX-A:1\nEND:VCARD\n", 1,
+         "the card has nothing that an address book shows"},
+        {"binary inside", "BEGIN:VCARD\nN:A\nNOTE:a" + std::string(1, '\0') + "b\nEND:VCARD\n", 3,
+         "binary data inside the card"},
+        {"picture", "BEGIN:VCARD\nN:A\nPHOTO;ENCODING=b:QU*D\nEND:VCARD\n", 3,
+         "the picture is no base64 data"},
+        {"other component", "BEGIN:VCARD\nN:A\nBEGIN:VEVENT\nEND:VEVENT\nEND:VCARD\n", 3,
+         "wrong nesting: \"BEGIN:VEVENT\" inside the card"},
+        {"calendar", "BEGIN:VCALENDAR\nEND:VCALENDAR\n", 1, "no vCard begins here: \"BEGIN:VCALENDAR\""},
+    };
+    for (const Row& row : rows) {
+        const ReadResult result = readAll(row.text + kGood);
+        EXPECT_EQ(result.cards.size(), 1u) << row.name;
+        ASSERT_EQ(result.problems.size(), 1u) << row.name;
+        EXPECT_EQ(result.problems[0].number, 1u) << row.name;
+        EXPECT_EQ(result.problems[0].line, row.line) << row.name;
+        EXPECT_EQ(result.problems[0].reason, row.reason) << row.name;
+        EXPECT_EQ(result.cards.at(0).number, 2u) << row.name;
+    }
+}
+
+TEST(BadCards, TruncatedAnywhere) {
+    const std::string text =
+        cardText({"N:Berg;Ida", "NOTE;QUOTED-PRINTABLE:a=", "b", "PHOTO;ENCODING=b:QUJD", " REVG"});
+    const std::size_t whole = text.rfind("END:VCARD") + 9;
+    for (std::size_t length = 1; length < text.size(); ++length) {
+        const ReadResult result = readAll(std::string_view(text).substr(0, length));
+        EXPECT_EQ(result.cards.size(), length >= whole ? 1u : 0u) << length;
+        EXPECT_EQ(result.problems.size(), length >= whole ? 0u : 1u) << length;
+    }
+}
+
+TEST(BadCards, UnbalancedNestingLosesOnlyItself) {
+    const ReadResult result =
+        readAll("BEGIN:VCARD\nN:Outer\nBEGIN:VCARD\nN:Inner\nEND:VCARD\nTEL:1\nEND:VCARD\n" + kGood);
+    ASSERT_EQ(result.cards.size(), 2u);
+    EXPECT_EQ(describe(result.cards[0], property::kLast), "Inner");
+    ASSERT_EQ(result.problems.size(), 2u);
+    EXPECT_EQ(result.problems[1].reason, "no vCard begins here: \"TEL:1\"");
+}
+
+TEST(BadCards, IncompletePictureIsNamed) {
+    const Card card = readOne(cardText({"N:A", "PHOTO;ENCODING=b:QUJDR"}));
+    EXPECT_EQ(describe(card, property::kImage), "3 bytes");
+    ASSERT_EQ(card.skipped.size(), 1u);
+    EXPECT_EQ(card.skipped[0].reason, "the picture's data is incomplete");
+}
+
+TEST(BadCards, EmptyInput) {
+    EXPECT_FALSE(Reader(std::string_view()).next());
+    EXPECT_FALSE(Reader(std::string_view("\xFF\xFE\x00")).next());
+    EXPECT_FALSE(Reader(std::string_view("\r\n\r\n")).next());
+}
+
+// Hostile sizes are answered, and soon: the time would be minutes or hours if any of them took quadratic
+// time.
+TEST(BadCards, HugeInputIsRefusedSoon) {
+    const std::string begin = "BEGIN:VCARD\r\nN:A\r\n", end = "\r\nEND:VCARD\r\n";
+    const std::size_t much = kMaxCardBytes + 1;
+    struct Huge {
+        std::string name, text, reason;
+    };
+    std::string telephones, folds;
+    for (std::size_t at = 0; at <= kMaxCardLines; ++at)
+        telephones += "TEL:1\r\n";
+    for (std::size_t at = 0; at < 400'000; ++at)
+        folds += "\r\n x";
+    const std::vector<Huge> rows{
+        {"one line", begin + "NOTE:" + std::string(much, 'x') + end, "the card is larger than 32 MB"},
+        {"no line end", std::string(much, 'x') + "\n",
+         "no vCard begins here: \"" + std::string(40, 'x') + "...\""},
+        {"properties", begin + telephones + end, "the card has more than 20000 properties"},
+        {"folds", begin + "NOTE:" + folds + end, ""},
+        {"folded name", begin + "NOTE" + folds + end, ""},
+        {"semicolons", begin + "ORG" + std::string(much / 4, ';') + ":" + std::string(much / 4, ';') + end,
+         ""},
+        {"carriage returns", begin + std::string(much / 16, '\r') + end, ""},
+    };
+    for (const Huge& row : rows) {
+        const auto start = std::chrono::steady_clock::now();
+        const ReadResult result = readAll(row.text + kGood);
+        EXPECT_EQ(result.cards.empty() ? "" : describe(result.cards.back(), property::kLast), "Good")
+            << row.name;
+        EXPECT_EQ(result.problems.empty() ? "" : result.problems[0].reason, row.reason) << row.name;
+        EXPECT_LT(std::chrono::steady_clock::now() - start, std::chrono::seconds(20)) << row.name;
+    }
+}
+
+TEST(Reading, StreamsAndTextsAgree) {
+    std::string text;
+    for (int at = 0; at < 5000; ++at)
+        text += cardText(
+            {"N:Card " + std::to_string(at), "NOTE:" + std::string(static_cast<std::size_t>(at % 300), 'n')});
+    std::istringstream stream(text);
+    Reader fromStream(stream);
+    Reader fromText{std::string_view(text)};
+    std::size_t cards = 0;
+    while (auto left = fromStream.next()) {
+        const auto right = fromText.next();
+        ASSERT_TRUE(right);
+        ASSERT_TRUE(sameContents(std::get<Card>(*left), std::get<Card>(*right)));
+        ++cards;
+    }
+    EXPECT_EQ(cards, 5000u);
+    EXPECT_EQ(fromStream.bytesRead(), text.size());
+}
+
+} // namespace
+} // namespace addressbook::vcard
