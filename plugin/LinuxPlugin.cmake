@@ -1,5 +1,5 @@
 # Velocard.fmx in a folder of its own, lib/Velocard/. It stays loaded for good: Objective-C classes cannot be taken
-# away again.
+# away again. Linked as C++, since CMake 3.25 sets no run path for Objective-C++.
 
 target_link_libraries(velocard_plugin PUBLIC AddressBook fmwrapper)
 
@@ -8,7 +8,7 @@ set(exports "${CMAKE_CURRENT_SOURCE_DIR}/Velocard.version")
 add_library(velocard MODULE)
 target_link_libraries(velocard PRIVATE velocard_plugin velocard_settings)
 set_target_properties(velocard PROPERTIES
-  PREFIX "" OUTPUT_NAME Velocard SUFFIX .fmx LINKER_LANGUAGE OBJCXX
+  PREFIX "" OUTPUT_NAME Velocard SUFFIX .fmx LINKER_LANGUAGE CXX
   LIBRARY_OUTPUT_DIRECTORY "${plugin_folder}"
   LINK_DEPENDS "${exports}"
   BUILD_WITH_INSTALL_RPATH ON INSTALL_RPATH "$ORIGIN/..")
