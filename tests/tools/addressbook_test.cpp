@@ -1,0 +1,280 @@
+// The program addressbook, as its users call it.
+
+#include "tests/tools/program.h"
+
+#include <gmock/gmock.h>
+#include <gtest/gtest.h>
+#include <nlohmann/json.hpp>
+
+#include <algorithm>
+
+namespace addressbook {
+namespace {
+
+using testing::ContainsRegex;
+using testing::HasSubstr;
+using testing::StartsWith;
+
+std::string card(const std::string& lines) {
+    return "BEGIN:VCARD\r\nVERSION:3.0\r\n" + lines + "END:VCARD\r\n";
+}
+
+const std::string kIda = "11111111-1111-4111-8111-111111111111:ABPerson";
+const std::string kOle = "22222222-2222-4222-8222-222222222222:ABPerson";
+
+// Two people, a card that is bad, a group of both.
+const std::string kFile =
+    card(
+        "N:Berg;Ida;;;\r\nFN:Ida Berg\r\nORG:Mill;Bread\r\nTEL;type=CELL;type=pref:12\r\nTEL;type=boat:34\r\n"
+        "NOTE:one\\ntwo\ttabbed\r\nBDAY:1980-03-22\r\nUID:11111111-1111-4111-8111-111111111111\r\n"
+        "X-OTHER:kept\r\nPHOTO;ENCODING=b;TYPE=JPEG:/9j/AAE=\r\n") +
+    card("N:A\r\nPHOTO;ENCODING=b:***\r\n") +
+    card("N:Tal;Ole;;;\r\nEMAIL;type=HOME:ole@tal.example\r\nUID:22222222-2222-4222-8222-222222222222\r\n") +
+    card("FN:Rowers\r\nUID:33333333-3333-4333-8333-333333333333\r\nX-ADDRESSBOOKSERVER-KIND:group\r\n"
+         "X-ADDRESSBOOKSERVER-MEMBER:urn:uuid:11111111-1111-4111-8111-111111111111\r\n"
+         "X-ADDRESSBOOKSERVER-MEMBER:urn:uuid:22222222-2222-4222-8222-222222222222\r\n");
+
+class Program : public testing::Test, public Sandbox {
+  protected:
+    void importFile() {
+        const Outcome outcome = run({"import", file("people.vcf", kFile)});
+        ASSERT_EQ(outcome.status, 1) << outcome.err;
+    }
+    std::size_t count(const std::string& command) {
+        const std::string out = run({command}).out;
+        return static_cast<std::size_t>(std::count(out.begin(), out.end(), '\n'));
+    }
+};
+
+TEST_F(Program, ImportReportsBadCardsAndTakesTheOthers) {
+    const std::string path = file("people.vcf", kFile);
+    const Outcome outcome = run({"import", path});
+    EXPECT_EQ(outcome.status, 1);
+    EXPECT_EQ(outcome.out, "");
+    EXPECT_EQ(outcome.err, path + ": card 2, line 17: the picture is no base64 data\n"
+                                  "4 cards read (1 group): 3 added, 0 updated, 0 unchanged, 1 refused\n");
+    EXPECT_EQ(count("list"), 2u);
+    EXPECT_EQ(run({"groups"}).out, "33333333-3333-4333-8333-333333333333:ABGroup\tRowers\t2\t0\n");
+    EXPECT_EQ(run({"check"}).status, 0);
+}
+
+TEST_F(Program, ImportAgainChangesNothing) {
+    importFile();
+    const std::string before = run({"export"}).out;
+    const Outcome outcome = run({"import", file("people.vcf", kFile)});
+    EXPECT_THAT(outcome.err, HasSubstr("0 added, 0 updated, 3 unchanged, 1 refused"));
+    EXPECT_EQ(run({"export"}).out, before);
+    EXPECT_EQ(count("list"), 2u);
+}
+
+TEST_F(Program, CardsWithoutAnIdAreKnownAgain) {
+    const std::string text =
+        card("N:Berg;Ida\r\nCATEGORIES:Rowers,Chess\r\n") + card("N:Tal\r\n") + card("N:Tal\r\n");
+    EXPECT_THAT(
+        run({"import", "-"}, text).err,
+        HasSubstr("3 cards read: 2 added, 0 updated, 1 unchanged, 0 refused; 2 groups made from categories"));
+    EXPECT_THAT(run({"import", "-"}, text).err,
+                HasSubstr("3 cards read: 0 added, 0 updated, 3 unchanged, 0 refused\n"));
+    EXPECT_EQ(count("list"), 2u);
+    EXPECT_EQ(count("groups"), 2u);
+    EXPECT_EQ(run({"list", "--fields", "groups"}).out.find("Chess; Rowers") == std::string::npos, false);
+}
+
+TEST_F(Program, ImportUpdatesWhatTheCardHas) {
+    importFile();
+    const std::string text = card("N:Berg;Ida;;;\r\nTEL;type=CELL;type=pref:99\r\nTEL;type=boat:34\r\n"
+                                  "UID:11111111-1111-4111-8111-111111111111\r\n");
+    EXPECT_THAT(run({"import", "-"}, text).err, HasSubstr("0 added, 1 updated"));
+    EXPECT_EQ(run({"list", "--fields", "phones,birthday,organization"}).out,
+              kIda + "\t99; 34\t1980-03-22\tMill\n" + kOle + "\t\t\t\n");
+}
+
+TEST_F(Program, DifferentPeopleOfOneIdAreNotMerged) {
+    const std::string text = card("N:Berg\r\nUID:7\r\n") + card("N:Tal\r\nUID:7\r\n");
+    const Outcome outcome = run({"import", "-"}, text);
+    EXPECT_EQ(outcome.err,
+              "standard input: card 2, line 6: its id is that of a card before; added as another record\n"
+              "2 cards read: 2 added, 0 updated, 0 unchanged, 0 refused\n");
+    EXPECT_THAT(run({"import", "-"}, text).err, HasSubstr("0 added, 0 updated, 2 unchanged"));
+    EXPECT_EQ(count("list"), 2u);
+}
+
+TEST_F(Program, DryRunSavesNothing) {
+    const Outcome outcome = run({"import", "--dry-run", file("people.vcf", kFile)});
+    EXPECT_THAT(outcome.err,
+                HasSubstr("3 added, 0 updated, 0 unchanged, 1 refused (dry run, nothing saved)"));
+    EXPECT_TRUE(std::filesystem::is_empty(book()));
+    importFile();
+    const Outcome again = run({"import", "--dry-run", file("more.vcf", card("N:New\r\n"))});
+    EXPECT_THAT(again.err, HasSubstr("1 added"));
+    EXPECT_EQ(count("list"), 2u);
+}
+
+TEST_F(Program, GroupsFindTheirMembersWhereverTheyCome) {
+    const std::string group = file("group.vcf", card("FN:G\r\nX-ADDRESSBOOKSERVER-KIND:group\r\nUID:g\r\n"
+                                                     "X-ADDRESSBOOKSERVER-MEMBER:urn:uuid:p\r\n"
+                                                     "X-ADDRESSBOOKSERVER-MEMBER:urn:uuid:h\r\n"));
+    EXPECT_THAT(run({"import", group}).err, HasSubstr("2 group members not in the address book"));
+    // A subgroup that contains its parent would go round in a circle; that membership is left out.
+    const std::string rest = file(
+        "rest.vcf", card("N:P\r\nUID:p\r\n") + card("FN:H\r\nKIND:group\r\nUID:h\r\nMEMBER:urn:uuid:g\r\n"));
+    EXPECT_EQ(run({"import", rest}).status, 0);
+    EXPECT_THAT(run({"groups"}).out, HasSubstr("\tG\t0\t0\n"));
+    EXPECT_THAT(run({"groups"}).out, HasSubstr("\tH\t0\t1\n"));
+    EXPECT_EQ(run({"import", group, rest}).status, 0);
+    EXPECT_THAT(run({"groups"}).out, HasSubstr("\tG\t1\t0\n"));
+    EXPECT_EQ(run({"check"}).status, 0);
+}
+
+TEST_F(Program, ExportAndImportElsewhereIsTheSameBook) {
+    importFile();
+    const std::string path = folder() / "out.vcf";
+    const Outcome outcome = run({"export", path});
+    EXPECT_EQ(outcome.status, 0) << outcome.err;
+    EXPECT_EQ(outcome.err, "2 people and 1 group exported\n");
+    std::filesystem::create_directory(folder() / "other");
+    const std::string other = folder() / "other";
+    EXPECT_EQ(run({"--book", other, "import", path}).status, 0);
+    EXPECT_EQ(run({"export", "--book", other, "-"}).out, contentsOf(path));
+    EXPECT_THAT(contentsOf(path), HasSubstr("PHOTO;ENCODING=b;TYPE=JPEG:/9j/AAE=\r\n"));
+    EXPECT_THAT(contentsOf(path), HasSubstr("X-OTHER:kept\r\n"));
+    EXPECT_THAT(contentsOf(path), HasSubstr("X-ABLabel:boat\r\n"));
+}
+
+TEST_F(Program, ExportOfAGroup) {
+    importFile();
+    run({"import", "-"}, card("N:Alone\r\n"));
+    EXPECT_THAT(run({"export", "--group", "rowers"}).err, HasSubstr("2 people and 1 group"));
+    const Outcome outcome = run({"export", "--group", "Divers"});
+    EXPECT_EQ(outcome.status, 1);
+    EXPECT_EQ(outcome.err, "addressbook: no group is named \"Divers\"\n");
+}
+
+TEST_F(Program, ExportReplacesItsFileOnlyWhenWhole) {
+    importFile();
+    const std::string path = file("out.vcf", "before");
+    EXPECT_EQ(run({"export", "--group", "Divers", path}).status, 1);
+    EXPECT_EQ(contentsOf(path), "before");
+    EXPECT_EQ(run({"export", path}).status, 0);
+    EXPECT_THAT(contentsOf(path), StartsWith("BEGIN:VCARD"));
+    EXPECT_EQ(run({"export", (folder() / "none/out.vcf").string()}).status, 1);
+    for (const auto& each : std::filesystem::directory_iterator(folder()))
+        EXPECT_EQ(each.path().string().find("out.vcf."), std::string::npos) << each.path();
+}
+
+TEST_F(Program, ListEscapesAndQuotes) {
+    importFile();
+    EXPECT_EQ(run({"list", "--fields", "Name, phones,NOTE"}).out,
+              kIda + "\tIda Berg\t12; 34\tone\\ntwo\\ttabbed\n" + kOle + "\tOle Tal\t\t\n");
+    const auto json = nlohmann::json::parse(run({"list", "--json", "--fields", "lastname,phones,note"}).out);
+    ASSERT_EQ(json.size(), 2u);
+    EXPECT_EQ(json[0]["id"], kIda);
+    EXPECT_EQ(json[0]["lastname"], "Berg");
+    EXPECT_EQ(json[0]["phones"][1]["label"], "boat");
+    EXPECT_EQ(json[0]["note"], "one\ntwo\ttabbed");
+    EXPECT_TRUE(json[1]["note"].is_null());
+    EXPECT_EQ(nlohmann::json::parse(run({"groups", "--json"}).out)[0]["members"], 2);
+}
+
+TEST_F(Program, WrongFieldsAreAnsweredWithTheNearest) {
+    importFile();
+    const Outcome outcome = run({"list", "--fields", "fistname"});
+    EXPECT_EQ(outcome.status, 2);
+    EXPECT_THAT(
+        outcome.err,
+        StartsWith("addressbook: no field is named \"fistname\"; did you mean firstname? Fields: id,"));
+    EXPECT_EQ(std::count(outcome.err.begin(), outcome.err.end(), '\n'), 1);
+}
+
+TEST_F(Program, ShowAndMe) {
+    importFile();
+    EXPECT_THAT(run({"show", kIda}).out, ContainsRegex("phones +Mobile +12\n +boat +34\n"));
+    EXPECT_THAT(run({"show", "11111111-1111-4111-8111-111111111111"}).out, HasSubstr("in group"));
+    const auto json = nlohmann::json::parse(run({"show", "--json", kIda}).out);
+    EXPECT_EQ(json["birthday"], "1980-03-22");
+    EXPECT_EQ(json["picture"]["bytes"], 5);
+    EXPECT_EQ(run({"show", "nobody"}).status, 1);
+    EXPECT_EQ(run({"show", "nobody"}).err, "addressbook: no person or group has the id nobody\n");
+
+    EXPECT_EQ(run({"me"}).status, 1);
+    EXPECT_EQ(run({"me", kOle}).status, 0);
+    EXPECT_EQ(run({"me"}).out, kOle + "\tOle Tal\n");
+    EXPECT_EQ(run({"me", "33333333-3333-4333-8333-333333333333"}).status, 1);
+    EXPECT_EQ(run({"me", "--clear"}).status, 0);
+    EXPECT_EQ(run({"me"}).status, 1);
+}
+
+TEST_F(Program, HelpOnEveryLevel) {
+    for (const std::string command : {"import", "export", "list", "show", "me", "groups", "check"}) {
+        const Outcome outcome = run({command, "--help"});
+        EXPECT_EQ(outcome.status, 0);
+        EXPECT_THAT(outcome.out, HasSubstr("Examples:\n  addressbook " + command));
+        EXPECT_THAT(run({"--help"}).out, HasSubstr("  " + command));
+    }
+    EXPECT_THAT(run({"--help"}).out, HasSubstr("Exit status: 0 done;"));
+}
+
+TEST_F(Program, UsageErrors) {
+    for (const std::vector<std::string>& arguments : {std::vector<std::string>{},
+                                                      {"import"},
+                                                      {"frobnicate"},
+                                                      {"list", "--nonsense"},
+                                                      {"me", "x", "--clear"}}) {
+        const Outcome outcome = run(arguments);
+        EXPECT_EQ(outcome.status, 2);
+        EXPECT_THAT(outcome.err, StartsWith("addressbook: "));
+        EXPECT_EQ(std::count(outcome.err.begin(), outcome.err.end(), '\n'), 1) << outcome.err;
+    }
+}
+
+TEST_F(Program, BooksThatCannotBeOpened) {
+    file("book/AddressBook.db", std::string(5000, 'x'));
+    for (const std::string command : {"list", "check", "groups", "export"}) {
+        const Outcome outcome = run({command});
+        EXPECT_EQ(outcome.status, 3) << command;
+        EXPECT_THAT(outcome.err, StartsWith("addressbook: "));
+        EXPECT_EQ(std::count(outcome.err.begin(), outcome.err.end(), '\n'), 1) << outcome.err;
+    }
+    EXPECT_EQ(run({"import", file("a.vcf", card("N:A\r\n"))}).status, 3);
+    EXPECT_EQ(contentsOf(book() / "AddressBook.db"), std::string(5000, 'x'));
+    EXPECT_EQ(run({"list", "--book", (folder() / "no/such").string()}).status, 3);
+}
+
+TEST_F(Program, FilesThatCannotBeRead) {
+    const Outcome outcome =
+        run({"import", "no-such.vcf", file("empty.vcf", ""), file("a.vcf", card("N:A\r\n")), "."});
+    EXPECT_EQ(outcome.status, 1);
+    EXPECT_THAT(outcome.err, HasSubstr("addressbook: no-such.vcf: No such file or directory\n"));
+    EXPECT_THAT(outcome.err, ContainsRegex("empty.vcf: no vCard in it\n"));
+    EXPECT_THAT(outcome.err, HasSubstr("addressbook: .: Is a directory\n"));
+    EXPECT_THAT(outcome.err, HasSubstr("1 card read: 1 added"));
+}
+
+TEST_F(Program, ClosedOutputIsNoFailure) {
+    std::string text;
+    for (int at = 0; at < 20'000; ++at)
+        text += card("N:Somebody " + std::to_string(at) + "\r\n");
+    EXPECT_EQ(run({"import", file("many.vcf", text)}).status, 0);
+    const Outcome outcome = shell("{ \"$A\" list; echo $? >&2; } | head -n 1");
+    EXPECT_EQ(outcome.err, "0\n");
+    EXPECT_EQ(std::count(outcome.out.begin(), outcome.out.end(), '\n'), 1);
+    EXPECT_THAT(shell("\"$A\" list >/dev/full").err, HasSubstr("addressbook: standard output: cannot write"));
+}
+
+TEST_F(Program, ProgressOnRequest) {
+    const Outcome outcome = run({"import", "--progress", file("a.vcf", card("N:A\r\n"))});
+    EXPECT_THAT(outcome.err, HasSubstr("a.vcf: 1 card, 100 %\n"));
+    EXPECT_EQ(outcome.err.find('\r'), std::string::npos);
+}
+
+TEST_F(Program, Utf8InJsonIsAlwaysValid) {
+    run({"import", "-"},
+        std::string(
+            "\xFE\xFF\0B\0E\0G\0I\0N\0:\0V\0C\0A\0R\0D\0\n\0N\0:\xD8\x3F\0\n\0E\0N\0D\0:\0V\0C\0A\0R\0D",
+            52));
+    EXPECT_EQ(count("list"), 1u);
+    EXPECT_EQ(nlohmann::json::parse(run({"list", "--json"}).out).size(), 1u);
+}
+
+} // namespace
+} // namespace addressbook
