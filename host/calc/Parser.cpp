@@ -39,7 +39,7 @@ std::string rangeText(int least, int most) {
     if (least == most) {
         return least == 0 ? "no arguments" : countText(least);
     }
-    return std::to_string(least) + " to " + countText(most);
+    return std::to_string(least) + " to " + std::to_string(most) + " arguments";
 }
 
 } // namespace

@@ -64,8 +64,9 @@ void Host::dialog(const Value& title, const Value& message) {
 // A step as it stands in the script, the value below it.
 void Host::evaluated(const Script& script, const Step& step, const Value& result) {
     if (trace_) {
-        std::cout << toUtf8(script.source->text().substr(step.begin, step.end - step.begin))
-                  << "\n    \u2192 " << oneLine(result) << std::endl;
+        const std::string value = oneLine(result);
+        std::cout << toUtf8(script.source->text().substr(step.begin, step.end - step.begin)) << "\n    \u2192"
+                  << (value.empty() ? "" : " ") << value << std::endl;
     }
 }
 

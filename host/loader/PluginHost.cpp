@@ -34,6 +34,13 @@ std::u16string identifierText(uint32_t plugin) {
     return fromUtf8({characters.characters.data(), characters.characters.size()});
 }
 
+// A name without the blanks around it: plug-ins cut it out of a prototype.
+std::u16string trimmed(const std::u16string& text) {
+    const size_t first = text.find_first_not_of(u' ');
+    const size_t last = text.find_last_not_of(u' ');
+    return first == std::u16string::npos ? std::u16string() : text.substr(first, last - first + 1);
+}
+
 // A loaded plug-in: from the library to the end of its work.
 class Plugin {
   public:
@@ -270,8 +277,8 @@ class PluginHost::Implementation {
                                      short most, fmx::uint32 flags, fmx::ExtPluginType handler) {
         const PluginFunction::Identity identity{plugin.GetMacType(), id};
         return of(context).add(std::make_shared<PluginFunction>(
-            identity, textOf(name), textOf(prototype), least, most < 0 ? ExternalFunction::kAnyNumber : most,
-            flags, handler, of(context).frames_));
+            identity, trimmed(textOf(name)), trimmed(textOf(prototype)), least,
+            most < 0 ? ExternalFunction::kAnyNumber : most, flags, handler, of(context).frames_));
     }
 
     static fmx::errcode unregisterHook(void* context, const fmx::QuadChar& plugin, short id) {
