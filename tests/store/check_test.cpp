@@ -94,5 +94,17 @@ TEST_F(Damage, isReportedByReading) {
     }
 }
 
+// Indexes made by another version of Unicode's rules are made again when the book is opened for writing.
+TEST_F(Damage, ofTheIndexesIsMendedWhenTheirUnicodeIsAnother) {
+    plant("UPDATE meta SET value = '1.0.0' WHERE name = 'unicode'; DELETE FROM term; "
+          "INSERT INTO trigram(rowid, text) VALUES (65540, 'abcd')");
+    EXPECT_FALSE(Store(folder(), Store::Access::readOnly).check().empty());
+    Store store(folder());
+    EXPECT_THAT(store.check(), testing::IsEmpty());
+    EXPECT_EQ(found(store, query("First", Comparison::suffixMatchCaseInsensitive, text("MÜLLER"))).size(),
+              1U);
+    EXPECT_EQ(found(store, query("First", Comparison::equal, text("Ada Müller"))).size(), 1U);
+}
+
 } // namespace
 } // namespace addressbook::test

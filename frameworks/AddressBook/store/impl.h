@@ -52,6 +52,8 @@ struct Store::Impl {
     std::optional<RecordRow> record(RowId id);
     std::optional<RecordRow> record(std::string_view uid);
 
+    // One property of a record but the picture; no value when the record does not exist.
+    Value value(RowId id, std::string_view property);
     // The value that a row holds of any property but the picture.
     Value valueOf(const RecordRow& row, std::string_view property) const;
     // The row that a run over (id, kind, uid, creation, modification, card) stands on.
@@ -62,6 +64,9 @@ struct Store::Impl {
     // The unique id and the kind in a column.
     std::string uidIn(const sql::Run& run, int column) const;
     Kind kindIn(const sql::Run& run, int column) const;
+
+    // Makes the search indexes again from the records, in one transaction.
+    void rebuildIndexes();
 
     // Reports that what the database holds makes no sense.
     [[noreturn]] void damaged(const std::string& what) const;

@@ -40,6 +40,24 @@ std::optional<RecordRow> Store::Impl::record(std::string_view uid) {
     return run.step() ? std::optional(rowFrom(run)) : std::nullopt;
 }
 
+Value Store::Impl::value(RowId id, std::string_view property) {
+    if (property == property::kUid || property == property::kCreation ||
+        property == property::kModification) {
+        const auto row = record(id);
+        return row ? valueOf(*row, property) : Value();
+    }
+    auto run = db.run("SELECT card FROM record WHERE id = ?");
+    run.bindInteger(id);
+    if (!run.step())
+        return {};
+    try {
+        const auto found = findInCard(run.bytes(0), property);
+        return found ? decodeValue(*found) : Value();
+    } catch (const DamagedCard& error) {
+        damaged(id, error.what());
+    }
+}
+
 Value Store::Impl::valueOf(const RecordRow& row, std::string_view property) const {
     if (property == property::kUid)
         return row.uid;
@@ -130,8 +148,7 @@ Value Store::value(RowId row, std::string_view property) const {
         const std::string_view data = run.bytes(0);
         return Bytes(data.begin(), data.end());
     }
-    const auto record = impl_->record(row);
-    return record ? impl_->valueOf(*record, property) : Value();
+    return impl_->value(row, property);
 }
 
 std::map<std::string, Value> Store::values(RowId row) const {

@@ -1,5 +1,7 @@
 #include "schema.h"
 
+#include "text.h"
+
 namespace addressbook {
 namespace {
 
@@ -50,8 +52,10 @@ CREATE TABLE term (
     PRIMARY KEY (property, folded, exact, record, label, key, type)
 ) WITHOUT ROWID;
 
--- The folded text of one property of one record, by trigrams; rowid = record * 65536 + property.
+-- The folded text of one property of one record, by trigrams; rowid = record * 65536 + property. A large save writes
+-- it in fewer and larger pieces: 16 MB are gathered in memory first.
 CREATE VIRTUAL TABLE trigram USING fts5(text, content='', columnsize=0, tokenize='trigram case_sensitive 1');
+INSERT INTO trigram(trigram, rank) VALUES ('hashsize', 16777216);
 
 CREATE TABLE membership (
     parent INTEGER NOT NULL,
@@ -70,6 +74,7 @@ CREATE TABLE change (
     deleted BLOB NOT NULL
 );
 
+-- me: the unique id of the user's own card. unicode: whose rules the search indexes follow.
 CREATE TABLE meta (
     name TEXT PRIMARY KEY,
     value
@@ -85,7 +90,11 @@ std::int64_t pragma(sql::Connection& connection, const char* sql) {
 
 std::span<const Migration> migrations() {
     static const Migration steps[] = {
-        [](sql::Connection& connection) { connection.execute(kVersion1); },
+        [](sql::Connection& connection) {
+            connection.execute(kVersion1);
+            const std::string unicode = unicodeVersion();
+            connection.run("INSERT INTO meta(name, value) VALUES ('unicode', ?)").bindText(unicode).finish();
+        },
     };
     return steps;
 }

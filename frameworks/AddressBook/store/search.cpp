@@ -333,8 +333,7 @@ Rows ConditionSearch::everyRow() {
 }
 
 bool ConditionSearch::verify(RowId row) {
-    const auto record = impl_.record(row);
-    return record && matcher_.anyMeets(impl_.valueOf(*record, condition_.property));
+    return matcher_.anyMeets(impl_.value(row, condition_.property));
 }
 
 // A query's conditions made ready, in the same shape.

@@ -4,6 +4,7 @@
 
 #include "card.h"
 #include "index.h"
+#include "text.h"
 
 #include <random>
 
@@ -23,7 +24,38 @@ void StoredUid::bind(sql::Run& run) const {
 }
 
 Store::Impl::Impl(const std::filesystem::path& folder, Access access, std::chrono::milliseconds patience)
-    : opened(openAddressBook(folder, access, patience)), db(*opened.connection) {}
+    : opened(openAddressBook(folder, access, patience)), db(*opened.connection) {
+    if (opened.readOnly)
+        return;
+    const bool current = [this] {
+        auto run = db.run("SELECT value FROM meta WHERE name = 'unicode'");
+        return run.step() && run.text(0) == unicodeVersion();
+    }();
+    if (!current)
+        rebuildIndexes();
+}
+
+void Store::Impl::rebuildIndexes() {
+    sql::Transaction transaction(db, sql::Transaction::Mode::write);
+    db.run("DELETE FROM term").finish();
+    db.run("INSERT INTO trigram(trigram) VALUES ('delete-all')").finish();
+    IndexWriter index(db);
+    {
+        auto run = db.run("SELECT id, kind, uid, creation, modification, card FROM record ORDER BY id");
+        while (run.step()) {
+            const RecordRow row = rowFrom(run);
+            index.add(row.id, ensureProperty(row.kind, property::kCreation), row.creation);
+            index.add(row.id, ensureProperty(row.kind, property::kModification), row.modification);
+            for (const auto& [name, held] : cardValues(row))
+                if (!isInternal(name))
+                    index.add(row.id, ensureProperty(row.kind, name), held);
+        }
+    }
+    index.flush();
+    const std::string unicode = unicodeVersion();
+    db.run("INSERT OR REPLACE INTO meta(name, value) VALUES ('unicode', ?)").bindText(unicode).finish();
+    transaction.commit();
+}
 
 std::optional<std::int64_t> Store::Impl::propertyId(Kind kind, std::string_view name) {
     auto& known = propertyIds[static_cast<int>(kind)];

@@ -1,5 +1,6 @@
 #include "text.h"
 
+#include <unicode/uchar.h>
 #include <unicode/unorm2.h>
 #include <unicode/ustring.h>
 
@@ -177,6 +178,12 @@ std::string foldNormalized(std::string_view text) {
 
 std::string fold(std::string_view text) {
     return isAscii(text) ? asciiFolded(text) : foldNormalized(normalize(text));
+}
+
+std::string unicodeVersion() {
+    UVersionInfo version{};
+    u_getUnicodeVersion(version);
+    return std::to_string(version[0]) + "." + std::to_string(version[1]) + "." + std::to_string(version[2]);
 }
 
 std::string_view beginning(std::string_view text, std::size_t bytes) {

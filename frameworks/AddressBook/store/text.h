@@ -24,6 +24,10 @@ std::string fold(std::string_view text);
 // The same for a text that is in NFC already.
 std::string foldNormalized(std::string_view text);
 
+// The version of Unicode that normalizing and folding follow; a newer one may treat new characters
+// differently.
+std::string unicodeVersion();
+
 // Whether every byte is below 0x80: such text is in NFC.
 bool isAscii(std::string_view text);
 
