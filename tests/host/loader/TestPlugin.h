@@ -1,0 +1,55 @@
+// What the plug-ins of these tests share: registering functions and answering the host's questions for
+// strings.
+#pragma once
+
+#include "FMWrapper/FMXCalcEngine.h"
+#include "FMWrapper/FMXExtern.h"
+
+#include <cstring>
+
+#define TEST_PLUGIN_EXPORT extern "C" __attribute__((visibility("default")))
+
+namespace test_plugin {
+
+inline void assign(fmx::Text& text, const char* value) {
+    text.Assign(value, fmx::Text::kEncoding_UTF8);
+}
+
+inline fmx::errcode registerFunction(short id, const char* name, const char* prototype, short least,
+                                     short most, fmx::ExtPluginType handler) {
+    const fmx::QuadCharAutoPtr plugin('T', 'E', 'S', 'T');
+    const fmx::TextAutoPtr nameText;
+    const fmx::TextAutoPtr prototypeText;
+    assign(*nameText, name);
+    assign(*prototypeText, prototype);
+    return fmx::ExprEnv::RegisterExternalFunction(*plugin, id, *nameText, *prototypeText, least, most, 0xFF01,
+                                                  handler);
+}
+
+inline fmx::errcode unregisterFunction(short id) {
+    const fmx::QuadCharAutoPtr plugin('T', 'E', 'S', 'T');
+    return fmx::ExprEnv::UnRegisterExternalFunction(*plugin, id);
+}
+
+// Puts ASCII text into the buffer of a get-string message, if it fits.
+inline void answerString(FMX_ExternCallPtr call, const char* text) {
+    const size_t size = std::strlen(text);
+    if (size + 1 < call->parm3) {
+        auto* buffer = reinterpret_cast<fmx::unichar*>(call->result);
+        for (size_t i = 0; i <= size; ++i) {
+            buffer[i] = static_cast<unsigned char>(text[i]);
+        }
+    }
+}
+
+inline void setText(fmx::Data& result, const fmx::Text& text) {
+    const fmx::LocaleAutoPtr locale(fmx::Locale::kType_System);
+    result.SetAsText(text, *locale);
+}
+
+inline void setNumber(fmx::Data& result, int number) {
+    const fmx::FixPtAutoPtr value(number);
+    result.SetAsNumber(*value);
+}
+
+} // namespace test_plugin

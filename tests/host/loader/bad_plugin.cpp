@@ -1,0 +1,60 @@
+// A plug-in that goes wrong at start-up, in the way that BAD_PLUGIN says.
+#include "TestPlugin.h"
+
+#include <stdexcept>
+
+FMX_ExternCallPtr gFMX_ExternCallPtr = nullptr;
+
+namespace {
+
+enum Way { kRefusesVersion, kNotEnabled, kThrows, kThrowsInt, kBadFunctions, kThrowsWhenIdle };
+
+fmx::errcode empty(short, const fmx::ExprEnv&, const fmx::DataVect&, fmx::Data&) {
+    return 0;
+}
+
+void registerBadFunctions() {
+    using test_plugin::registerFunction;
+    registerFunction(1, "Bad_Backwards", "Bad_Backwards", 3, 1, empty);
+    registerFunction(2, "Bad_Negative", "Bad_Negative", -1, 1, empty);
+    registerFunction(3, "Left", "Left ( all ; mine )", 2, 2, empty);
+    registerFunction(4, "", "", 0, 0, empty);
+    registerFunction(5, "Bad_Good", "Bad_Good", 0, 0, empty);
+    registerFunction(6, "bad_good", "bad_good", 0, 0, empty);
+    registerFunction(5, "Bad_Twice", "Bad_Twice", 0, 0, empty);
+}
+
+} // namespace
+
+TEST_PLUGIN_EXPORT void FMExternCallProc(FMX_ExternCallPtr call) {
+    gFMX_ExternCallPtr = call;
+    if (call->whichCall == kFMXT_GetString && call->parm1 == kFMXT_OptionsStr) {
+        test_plugin::answerString(call, BAD_PLUGIN == kThrowsWhenIdle ? "BAD_1nnYYnn" : "BAD_1nnYnnn");
+    }
+    if (call->whichCall == kFMXT_Idle) {
+        throw std::runtime_error(BAD_PLUGIN == kThrowsWhenIdle ? "too tired"
+                                                               : "nobody asked for idle messages");
+    }
+    if (call->whichCall != kFMXT_Init) {
+        return;
+    }
+    if (BAD_PLUGIN == kBadFunctions) {
+        registerBadFunctions();
+    } else {
+        test_plugin::registerFunction(7, "Bad_Left", "Bad_Left", 0, 0, empty);
+    }
+    switch (BAD_PLUGIN) {
+    case kRefusesVersion:
+        call->result = static_cast<fmx::ptrtype>(kBadExtnVersion);
+        break;
+    case kNotEnabled:
+        call->result = static_cast<fmx::ptrtype>(kDoNotEnable);
+        break;
+    case kThrows:
+        throw std::runtime_error("no paper");
+    case kThrowsInt:
+        throw 42; // NOLINT(hicpp-exception-baseclass): what this is about
+    default:
+        call->result = k80ExtnVersion;
+    }
+}

@@ -1,0 +1,207 @@
+// A plug-in that behaves, with functions that show what arrives and functions that misbehave when asked to.
+#include "TestPlugin.h"
+
+#include <new>
+#include <stdexcept>
+#include <string>
+
+using namespace test_plugin;
+using fmx::Data;
+using fmx::DataVect;
+using fmx::errcode;
+using fmx::ExprEnv;
+
+FMX_ExternCallPtr gFMX_ExternCallPtr = nullptr;
+
+namespace {
+
+int idles = 0;
+int lastIdleLevel = -1;
+int calls = 0;
+int starts = 0;
+int shutDowns = 0;
+errcode secondRegistration = 0;
+errcode unknownUnregistration = 0;
+
+enum Function : short {
+    kEcho,
+    kJoin,
+    kCount,
+    kThrow,
+    kEvaluate,
+    kStartScript,
+    kIdle,
+    kEmpty,
+    kType,
+    kVanish,
+    kInstance,
+    kNested,
+    kAnswer
+};
+
+errcode echo(short, const ExprEnv&, const DataVect& in, Data& result) {
+    const Data& value = in.At(0);
+    if (value.IsEmpty()) {
+        result.Clear(value.GetNativeType());
+        return 0;
+    }
+    switch (value.GetNativeType()) {
+    case Data::kDTNumber:
+        return result.SetAsNumber(value.GetAsNumber());
+    case Data::kDTDate:
+        return result.SetAsDate(value.GetAsDate());
+    case Data::kDTTime:
+        return result.SetAsTime(value.GetAsTime());
+    case Data::kDTTimeStamp:
+        return result.SetAsTimeStamp(value.GetAsTimeStamp());
+    case Data::kDTBinary:
+        return result.SetBinaryData(value.GetBinaryData(), true);
+    default:
+        setText(result, value.GetAsText());
+        return 0;
+    }
+}
+
+errcode join(short, const ExprEnv&, const DataVect& in, Data& result) {
+    const fmx::TextAutoPtr text;
+    for (fmx::uint32 i = 0; i < in.Size(); ++i) {
+        text->AppendText(in.AtAsText(i));
+    }
+    setText(result, *text);
+    return 0;
+}
+
+errcode count(short, const ExprEnv&, const DataVect&, Data& result) {
+    setNumber(result, ++calls);
+    return 0;
+}
+
+errcode misbehave(short, const ExprEnv&, const DataVect& in, Data&) {
+    char how[32] = "";
+    in.AtAsText(0).GetBytes(how, sizeof how);
+    const std::string what = how;
+    if (what == "runtime") {
+        throw std::runtime_error("the printer is on fire");
+    }
+    if (what == "alloc") {
+        throw std::bad_alloc();
+    }
+    if (what == "int") {
+        throw 42; // NOLINT(hicpp-exception-baseclass): what this is about
+    }
+    in.At(99); // the host throws
+    return 0;
+}
+
+errcode evaluate(short, const ExprEnv& environment, const DataVect& in, Data& result) {
+    FMX_SetToCurrentEnv(const_cast<ExprEnv*>(&environment));
+    const errcode code = environment.Evaluate(in.AtAsText(0), result);
+    if (code != 0) {
+        setNumber(result, code);
+    }
+    return 0;
+}
+
+errcode startScript(short, const ExprEnv&, const DataVect& in, Data& result) {
+    const bool hasParameter = in.Size() > 2;
+    setNumber(result, FMX_StartScript(&in.AtAsText(0), &in.AtAsText(1), kFMXT_Pause,
+                                      hasParameter ? &in.At(2) : nullptr));
+    return 0;
+}
+
+errcode idle(short, const ExprEnv&, const DataVect&, Data& result) {
+    setNumber(result, idles * 10 + lastIdleLevel);
+    return 0;
+}
+
+errcode empty(short, const ExprEnv&, const DataVect&, Data&) {
+    return 0;
+}
+
+errcode type(short, const ExprEnv&, const DataVect& in, Data& result) {
+    setNumber(result, in.At(0).GetNativeType());
+    return 0;
+}
+
+// Unregisters a function while a calculation that calls it is running.
+errcode vanish(short, const ExprEnv&, const DataVect& in, Data& result) {
+    setNumber(result, unregisterFunction(static_cast<short>(in.AtAsNumber(0).AsLong())));
+    return 0;
+}
+
+// What start-up told: the version, whether the instance handle is there, what registering twice answered.
+errcode instance(short, const ExprEnv&, const DataVect&, Data& result) {
+    setNumber(result, (gFMX_ExternCallPtr->instanceID != 0 ? 1 : 0) + (secondRegistration != 0 ? 10 : 0) +
+                          (unknownUnregistration != 0 ? 100 : 0) + gFMX_ExternCallPtr->extnVersion * 1000);
+    return 0;
+}
+
+// Its own arguments must survive what the evaluation does with others.
+errcode nested(short, const ExprEnv& environment, const DataVect& in, Data& result) {
+    const errcode code = environment.Evaluate(in.AtAsText(1), result);
+    const fmx::TextAutoPtr text;
+    text->SetText(in.AtAsText(0));
+    text->AppendText(result.GetAsText());
+    setText(result, *text);
+    return code;
+}
+
+errcode answer(short, const ExprEnv&, const DataVect& in, Data& result) {
+    setNumber(result, 1);
+    return static_cast<errcode>(in.AtAsNumber(0).AsLong());
+}
+
+void start() {
+    ++starts;
+    registerFunction(kEcho, "Test_Echo", "Test_Echo ( value )", 1, 1, echo);
+    registerFunction(kJoin, "Test_Join ", "Test_Join ( value ... )", 0, -1, join);
+    registerFunction(kCount, "Test_Count", "Test_Count ( a ; b {; c } )", 2, 3, count);
+    registerFunction(kThrow, "Test_Throw", "Test_Throw ( how )", 1, 1, misbehave);
+    registerFunction(kEvaluate, "Test_Evaluate", "Test_Evaluate ( calculation )", 1, 1, evaluate);
+    registerFunction(kStartScript, "Test_StartScript", "Test_StartScript ( file ; script {; parameter } )", 2,
+                     3, startScript);
+    registerFunction(kIdle, "Test_Idle", "Test_Idle", 0, 0, idle);
+    registerFunction(kEmpty, "Test_Empty", "Test_Empty {( value )}", 0, 1, empty);
+    registerFunction(kType, "Test_Type", "Test_Type ( value )", 1, 1, type);
+    registerFunction(kVanish, "Test_Vanish", "Test_Vanish ( id )", 1, 1, vanish);
+    registerFunction(kInstance, "Test_Instance", "Test_Instance", 0, 0, instance);
+    registerFunction(kNested, "Test_Nested", "Test_Nested ( text ; calculation )", 2, 2, nested);
+    registerFunction(kAnswer, "Test_Answer", "Test_Answer ( code )", 1, 1, answer);
+    secondRegistration = registerFunction(kEcho, "Test_Echo2", "Test_Echo2", 0, 0, empty);
+    unknownUnregistration = unregisterFunction(999);
+}
+
+} // namespace
+
+// For the test, which looks it up by dlsym.
+TEST_PLUGIN_EXPORT int testShutDowns() {
+    return shutDowns;
+}
+TEST_PLUGIN_EXPORT int testStarts() {
+    return starts;
+}
+
+TEST_PLUGIN_EXPORT void FMExternCallProc(FMX_ExternCallPtr call) {
+    gFMX_ExternCallPtr = call;
+    switch (call->whichCall) {
+    case kFMXT_Init:
+        start();
+        call->result = k130ExtnVersion;
+        break;
+    case kFMXT_Idle:
+        ++idles;
+        lastIdleLevel = call->parm1;
+        break;
+    case kFMXT_Shutdown:
+        ++shutDowns;
+        unregisterFunction(kEcho);
+        break;
+    case kFMXT_GetString:
+        answerString(call, call->parm1 == kFMXT_NameStr      ? "Test plug-in"
+                           : call->parm1 == kFMXT_OptionsStr ? "TEST1nnYYnn"
+                                                             : "Helps testing.");
+        break;
+    default:
+        break;
+    }
+}

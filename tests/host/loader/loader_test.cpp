@@ -1,0 +1,305 @@
+#include "host/calc/Parser.h"
+#include "host/loader/PluginHost.h"
+#include "host/values/Text.h"
+#include "host/wrapper/host_hooks.h"
+
+#include <chrono>
+#include <cstdlib>
+#include <dlfcn.h>
+#include <fstream>
+#include <gtest/gtest.h>
+#include <thread>
+#include <vector>
+
+namespace host {
+namespace {
+
+namespace fs = std::filesystem;
+
+const fs::path kPlugins = TEST_PLUGINS;
+
+// A number that a test plug-in exports.
+int exported(const fs::path& plugin, const char* name) {
+    void* handle = dlopen(plugin.c_str(), RTLD_NOW | RTLD_LOCAL);
+    const int number = reinterpret_cast<int (*)()>(dlsym(handle, name))();
+    dlclose(handle);
+    return number;
+}
+
+class Loader : public testing::Test {
+  protected:
+    Loader()
+        : host_(session_, [this](const std::u16string& file, const std::u16string& script,
+                                 const Value& parameter) {
+              started_.push_back(toUtf8(file) + "/" + toUtf8(script) + "/" + toUtf8(parameter.asText()));
+              return script == u"Missing" ? 104 : 0;
+          }) {}
+
+    // The result of a calculation as text, or "error " and the message.
+    std::string run(const std::string& calculation) {
+        try {
+            return toUtf8(session_.evaluate(fromUtf8(calculation)).asText());
+        } catch (const CalcError& error) {
+            return std::string("error ") + error.what();
+        }
+    }
+
+    std::string loadError(const fs::path& path, int version = kHostVersion) {
+        try {
+            host_.load(path, version);
+        } catch (const LoadError& error) {
+            return error.what();
+        }
+        return "loaded";
+    }
+
+    void loadGood() { host_.load(kPlugins / "good_plugin.fmx"); }
+
+    std::vector<std::string> started_;
+    Session session_;
+    PluginHost host_;
+};
+
+// A folder of its own.
+class TemporaryFolder {
+  public:
+    TemporaryFolder() {
+        char pattern[] = "/tmp/loader-test-XXXXXX";
+        path_ = mkdtemp(pattern);
+    }
+    ~TemporaryFolder() { fs::remove_all(path_); }
+    TemporaryFolder(const TemporaryFolder&) = delete;
+    TemporaryFolder& operator=(const TemporaryFolder&) = delete;
+    const fs::path& path() const { return path_; }
+
+  private:
+    fs::path path_;
+};
+
+TEST_F(Loader, AsksForTheStringsAndKeepsTheFunctions) {
+    const PluginInfo& info = host_.load(kPlugins / "good_plugin.fmx");
+    EXPECT_EQ(info.name, u"Test plug-in");
+    EXPECT_EQ(info.helpText, u"Helps testing.");
+    EXPECT_EQ(info.options, u"TEST1nnYYnn");
+    EXPECT_EQ(info.version, 54);
+    EXPECT_EQ(info.path, kPlugins / "good_plugin.fmx");
+    const auto functions = host_.functions();
+    ASSERT_EQ(functions.size(), 13U);
+    EXPECT_EQ(functions[2].plugin, u"TEST");
+    EXPECT_EQ(functions[2].id, 2);
+    EXPECT_EQ(functions[2].name, u"Test_Count");
+    EXPECT_EQ(functions[2].prototype, u"Test_Count ( a ; b {; c } )");
+    EXPECT_EQ(functions[2].least, 2);
+    EXPECT_EQ(functions[2].most, 3);
+    EXPECT_EQ(functions[2].flags, 0xFF01U);
+    EXPECT_EQ(functions[1].name, u"Test_Join"); // registered with a blank behind it
+    EXPECT_EQ(functions[1].most, ExternalFunction::kAnyNumber);
+    EXPECT_EQ(host_.takeWarnings().size(), 1U); // one function with an id that is taken
+    EXPECT_EQ(run("Test_Instance"), "54111");
+}
+
+TEST_F(Loader, LoadsTheOnePluginOfAFolder) {
+    const TemporaryFolder folder;
+    EXPECT_EQ(loadError(folder.path()), "the folder " + folder.path().string() + " holds no .fmx file");
+    fs::create_directory(folder.path() / "Resources");
+    fs::copy_file(kPlugins / "good_plugin.fmx", folder.path() / "Some.fmx");
+    EXPECT_EQ(loadError(folder.path()), "loaded");
+    fs::copy_file(kPlugins / "good_plugin.fmx", folder.path() / "Other.fmx");
+    EXPECT_EQ(loadError(folder.path()), "the folder " + folder.path().string() +
+                                            " holds more than one .fmx file; name the one to load");
+}
+
+TEST_F(Loader, RefusesWhatIsNoPlugin) {
+    EXPECT_EQ(loadError("/nowhere/at/all"), "there is no plug-in at /nowhere/at/all");
+    const std::string noEntry = (kPlugins / "no_entry_plugin.fmx").string();
+    EXPECT_EQ(loadError(noEntry), noEntry + " is no plug-in: it has no function FMExternCallProc");
+    const TemporaryFolder folder;
+    const fs::path text = folder.path() / "text.fmx";
+    std::ofstream(text) << "no library";
+    EXPECT_EQ(loadError(text), "can not load " + text.string() + ": file too short");
+    EXPECT_EQ(loadError(fs::path("/proc/self/mem")).substr(0, 29), "can not load /proc/self/mem: ");
+}
+
+TEST_F(Loader, HonoursTheAnswerToTheStartUp) {
+    const auto message = [&](const char* name, const std::string& rest) {
+        const std::string path = (kPlugins / (std::string(name) + ".fmx")).string();
+        EXPECT_EQ(loadError(path, 53), "the plug-in " + path + " " + rest);
+    };
+    message("refusing_plugin", "refused version 53");
+    message("not_enabled_plugin", "asked not to be enabled");
+    message("throwing_plugin", "failed on message 0: no paper");
+    message("throwing_int_plugin", "failed on message 0: it threw something that is no standard exception");
+    EXPECT_TRUE(host_.functions().empty());
+    EXPECT_EQ(run("Bad_Left"), "error there is no function or variable called Bad_Left");
+    EXPECT_EQ(host_.load(kPlugins / "tired_plugin.fmx", 53).version, 51);
+}
+
+TEST_F(Loader, RefusesBadRegistrations) {
+    host_.load(kPlugins / "bad_functions_plugin.fmx");
+    EXPECT_EQ(
+        host_.takeWarnings(),
+        (std::vector<std::string>{
+            "the plug-in function Bad_Backwards (TEST 1) is not registered: it takes 3 to 1 arguments",
+            "the plug-in function Bad_Negative (TEST 2) is not registered: it takes -1 to 1 arguments",
+            "the plug-in function Left (TEST 3) is not registered: the calculation language has a function "
+            "of that name",
+            "the plug-in function  (TEST 4) is not registered: it has no name",
+            "the plug-in function bad_good (TEST 6) is not registered: there is a function of that name "
+            "already",
+            "the plug-in function Bad_Twice (TEST 5) is not registered: its id is registered already"}));
+    ASSERT_EQ(host_.functions().size(), 1U);
+    EXPECT_EQ(run("Left ( \"abc\" ; 2 ) & BAD_GOOD"), "ab");
+}
+
+TEST_F(Loader, ValuesCrossUnchanged) {
+    loadGood();
+    for (const char* calculation :
+         {"\"\"", "\"text 日本 😀\"", "\"a¶b\"", "0", "-12.5", "1 / 3", "12345678901234567890123456789.5",
+          "Date ( 12 ; 25 ; 2010 )", "Time ( 1 ; 2 ; 3 )",
+          "Timestamp ( Date ( 12 ; 25 ; 2010 ) ; Time ( 14 ; 30 ; 5 ) )", "GetAsNumber ( \"\" )"}) {
+        const Value direct = session_.evaluate(fromUtf8(calculation));
+        const Value echoed = session_.evaluate(u"Test_Echo ( " + fromUtf8(calculation) + u" )");
+        EXPECT_EQ(echoed.asText(), direct.asText()) << calculation;
+        EXPECT_EQ(echoed.type(), direct.type()) << calculation;
+    }
+    EXPECT_EQ(
+        run("Test_Type ( \"1\" ) & Test_Type ( 1 ) & Test_Type ( Date ( 1 ; 1 ; 1 ) ) & Test_Type ( 1 / 0 )"),
+        "1230");
+    const std::string megabyte(1'000'000, 'x');
+    EXPECT_EQ(run("Test_Echo ( \"" + megabyte + "\" )"), megabyte);
+}
+
+TEST_F(Loader, ContainersCrossUnchanged) {
+    loadGood();
+    Container container;
+    container.setFileNames(u"image:picture.png");
+    container.setPictureSize(20, 10);
+    container.set(StreamType::of("PNGf"), {0x89, 0x50, 0x4E, 0x47, 0x00, 0xFF});
+    container.set(StreamType::of("NONE"), {});
+    session_.setVariable(u"$picture", Value::container(container));
+    EXPECT_EQ(run("Test_Type ( $picture )"), "6");
+    EXPECT_EQ(session_.evaluate(u"Test_Echo ( $picture )").asContainer(), container);
+}
+
+TEST_F(Loader, ArgumentCountsAreCheckedBeforeTheHandlerRuns) {
+    loadGood();
+    EXPECT_EQ(run("Test_Count ( 1 )"),
+              "error Test_Count takes 2 to 3 arguments, 1 given: Test_Count ( a ; b {; c } )");
+    EXPECT_EQ(run("Test_Count ( 1 ; 2 ; 3 ; 4 )"),
+              "error Test_Count takes 2 to 3 arguments, 4 given: Test_Count ( a ; b {; c } )");
+    EXPECT_EQ(run("Test_Count"),
+              "error Test_Count takes 2 to 3 arguments, 0 given: Test_Count ( a ; b {; c } )");
+    EXPECT_EQ(run("Test_Evaluate ( \"Test_Count ( 1 )\" )"), "1201");
+    EXPECT_EQ(run("Test_Evaluate ( \"Test_Count ( 1 ; 2 ; 3 ; 4 )\" )"), "1202");
+    const int before = std::stoi(run("Test_Count ( 1 ; 2 )"));
+    EXPECT_EQ(run("Test_Count ( 1 ; 2 ; 3 )"), std::to_string(before + 1));
+    EXPECT_EQ(run("Test_Join"), "");
+    EXPECT_EQ(run("Test_Join ( )"), "");
+    EXPECT_EQ(run("test_JOIN ( 1 ; \"b\" ; 3 ; 4 ; 5 ; 6 ; 7 ; 8 ; 9 )"), "1b3456789");
+}
+
+TEST_F(Loader, WhatAHandlerThrowsEndsTheCalculationAlone) {
+    loadGood();
+    EXPECT_EQ(run("1 + Test_Throw ( \"runtime\" )"), "error Test_Throw failed: the printer is on fire");
+    EXPECT_EQ(run("Test_Throw ( \"alloc\" )"), "error Test_Throw failed: out of memory");
+    EXPECT_EQ(run("Test_Throw ( \"int\" )"),
+              "error Test_Throw failed: it threw something that is no standard exception");
+    EXPECT_EQ(run("Test_Throw ( \"host\" )"), "error Test_Throw failed: std::exception");
+    EXPECT_EQ(run("Evaluate ( \"Test_Throw ( \\\"int\\\" )\" )"), "?");
+    EXPECT_EQ(run("Test_Nested ( \"a\" ; \"Test_Throw ( \\\"runtime\\\" )\" )"), "?");
+    EXPECT_EQ(run("Test_Echo ( 1 )"), "1");
+}
+
+TEST_F(Loader, AFailureOfTheHostIsAFailedCall) {
+    loadGood();
+    FM_Host_FailNextCall(1);
+    EXPECT_EQ(run("Test_Echo ( 1 )"), "error Test_Echo failed: out of memory");
+    FM_Host_FailNextCall(2, 3);
+    EXPECT_EQ(run("Test_Echo ( 1 )"), "error Test_Echo failed: std::exception");
+    EXPECT_EQ(run("Test_Echo ( 1 )"), "1");
+}
+
+TEST_F(Loader, AnErrorCodeOfAHandlerIsTheLastError) {
+    loadGood();
+    EXPECT_EQ(run("Test_Answer ( 7 ) & \"/\" & Get ( LastError )"), "?/7");
+    EXPECT_EQ(run("Test_Answer ( 0 ) & \"/\" & Get ( LastError )"), "1/0");
+}
+
+TEST_F(Loader, HandlersMayEvaluate) {
+    loadGood();
+    EXPECT_EQ(run("Test_Evaluate ( \"1 + 1\" )"), "2");
+    EXPECT_EQ(run("Let ( $x = 5 ; Test_Evaluate ( \"$x * 2\" ) )"), "10");
+    EXPECT_EQ(run("Test_Evaluate ( \"1 +\" )"), "1203");
+    EXPECT_EQ(run("Test_Nested ( \"a\" ; \"Test_Nested ( \\\"b\\\" ; \\\"Test_Echo ( 1 )\\\" )\" )"), "ab1");
+    EXPECT_EQ(run("Test_Join ( 1 ; Test_Join ( 2 ; Test_Join ( 3 ; 4 ) ) ; 5 )"), "12345");
+    EXPECT_EQ(run("Let ( $code = \"Test_Evaluate ( $code )\" ; Test_Evaluate ( $code ) )"), "1200");
+}
+
+TEST_F(Loader, HandlersMayStartScripts) {
+    loadGood();
+    EXPECT_EQ(run("Test_StartScript ( \"file\" ; \"Script\" ; 5 )"), "0");
+    EXPECT_EQ(run("Test_StartScript ( \"\" ; \"Missing\" )"), "104");
+    EXPECT_EQ(started_, (std::vector<std::string>{"file/Script/5", "/Missing/"}));
+}
+
+TEST_F(Loader, AFunctionUnregisteredSinceIsNoLongerCalled) {
+    loadGood();
+    const Calculation calculation =
+        parseCalculation(std::make_shared<Source>("", u"Test_Echo ( 1 )"), session_.functions());
+    EXPECT_EQ(session_.evaluate(calculation).asText(), u"1");
+    EXPECT_EQ(run("Test_Vanish ( 0 ) & Test_Vanish ( 0 )"), "01210");
+    EXPECT_EQ(run("Test_Echo ( 1 )"), "error there is no function called Test_Echo");
+    try {
+        session_.evaluate(calculation);
+        FAIL();
+    } catch (const CalcError& error) {
+        EXPECT_STREQ(error.what(), "Test_Echo is no longer registered");
+    }
+}
+
+TEST_F(Loader, IdleGoesToThePluginsThatAskForIt) {
+    loadGood();
+    const int before = std::stoi(run("Test_Idle")) / 10;
+    host_.idle(IdleLevel::scriptRunning);
+    host_.idle(IdleLevel::userIdle);
+    EXPECT_EQ(run("Test_Idle"), std::to_string(before + 2) + "0");
+    host_.takeWarnings();
+    host_.load(kPlugins / "bad_functions_plugin.fmx"); // throws when it is idle, and does not ask to be
+    host_.takeWarnings();
+    host_.idle(IdleLevel::userIdle);
+    EXPECT_TRUE(host_.takeWarnings().empty());
+    host_.load(kPlugins / "tired_plugin.fmx");
+    host_.takeWarnings();
+    host_.idle(IdleLevel::userIdle);
+    EXPECT_EQ(host_.takeWarnings(),
+              std::vector<std::string>{"the plug-in " + (kPlugins / "tired_plugin.fmx").string() +
+                                       " failed on message 1: too tired"});
+}
+
+TEST(LoaderLife, TheEndShutsDownAndTakesTheFunctionsAway) {
+    const fs::path plugin = kPlugins / "good_plugin.fmx";
+    const int starts = exported(plugin, "testStarts");
+    const int shutDowns = exported(plugin, "testShutDowns");
+    Session session;
+    for (int i = 0; i < 2; ++i) {
+        PluginHost host(session, {});
+        host.load(plugin);
+        EXPECT_NE(session.functions().find(u"test_join"), nullptr);
+        EXPECT_EQ(exported(plugin, "testStarts"), starts + i + 1);
+        EXPECT_EQ(exported(plugin, "testShutDowns"), shutDowns + i);
+    }
+    EXPECT_EQ(exported(plugin, "testShutDowns"), shutDowns + 2);
+    EXPECT_TRUE(session.functions().all().empty());
+}
+
+TEST(LoaderLife, AProcessHasOneHostAtATime) {
+    Session session;
+    {
+        const PluginHost host(session, {});
+        EXPECT_THROW(PluginHost(session, {}), std::logic_error);
+    }
+    EXPECT_NO_THROW(PluginHost(session, {}));
+}
+
+} // namespace
+} // namespace host
