@@ -1,22 +1,23 @@
 # Velocard.fmplugin, against the host maker's framework (FMWRAPPER_SDK is the folder with FMWrapper.framework). The
 # AddressBook framework is linked weakly: the plug-in starts without loading it.
 
-target_compile_options(velocard_plugin PRIVATE -fno-objc-arc -Wno-deprecated-declarations)
-target_include_directories(velocard_plugin PUBLIC "${PROJECT_SOURCE_DIR}/sdk")
+target_compile_options(velocard_plugin PRIVATE -fno-objc-arc -fexceptions -Wno-deprecated-declarations)
 
 set(exports "${CMAKE_CURRENT_SOURCE_DIR}/Velocard.exp")
-add_library(velocard MODULE ${resources}/Info.plist ${resources}/English.lproj/KORUFMPlugin.strings)
-target_link_libraries(velocard PRIVATE velocard_plugin velocard_settings "-weak_framework AddressBook"
-  "-framework CoreFoundation")
+set(strings "${resources}/English.lproj/KORUFMPlugin.strings")
+add_library(velocard MODULE "${strings}")
+target_link_libraries(velocard PRIVATE velocard_plugin velocard_settings
+  "-framework CoreFoundation" "-weak_framework AddressBook")
 if(EXISTS "${FMWRAPPER_SDK}/FMWrapper.framework")
-  target_link_libraries(velocard PRIVATE "-F${FMWRAPPER_SDK}" "-framework FMWrapper")
+  target_compile_options(velocard_plugin PUBLIC "-F${FMWRAPPER_SDK}")
+  target_link_options(velocard PRIVATE "-F${FMWRAPPER_SDK}")
+  target_link_libraries(velocard PRIVATE "-framework FMWrapper")
 else()
-  # Without the framework at hand the host itself gives its functions when it loads the plug-in.
+  # Without the framework at hand, the host that loads the plug-in gives it the framework's functions.
   target_link_options(velocard PRIVATE LINKER:-undefined,dynamic_lookup)
 endif()
 target_link_options(velocard PRIVATE "LINKER:-exported_symbols_list,${exports}")
 set_target_properties(velocard PROPERTIES
   BUNDLE ON BUNDLE_EXTENSION fmplugin OUTPUT_NAME Velocard LINKER_LANGUAGE OBJCXX
   MACOSX_BUNDLE_INFO_PLIST "${resources}/Info.plist" LINK_DEPENDS "${exports}")
-set_source_files_properties(${resources}/English.lproj/KORUFMPlugin.strings PROPERTIES
-  MACOSX_PACKAGE_LOCATION Resources/English.lproj)
+set_source_files_properties("${strings}" PROPERTIES MACOSX_PACKAGE_LOCATION Resources/English.lproj)
