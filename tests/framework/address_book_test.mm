@@ -271,6 +271,25 @@ TEST_F(AddressBook, DropsChangesOfARecordThatAnotherDeleted) {
     EXPECT_EQ([[book() people] count], 0u);
 }
 
+TEST_F(AddressBook, FindsARecordThatAnotherBroughtBack) {
+    ABPerson* one = person(@"Ann", @"Lee");
+    const std::string uid = text([one uniqueId]);
+    ASSERT_TRUE([book() save]);
+    [book() removeRecord:one];
+    person(@"Bob", @"Lee");
+    ASSERT_TRUE([book() save]);
+    addressbook::ChangeSet elsewhere;
+    elsewhere.records.push_back({uid, Kind::person, true, {{"First", "Again"}}});
+    store().save(elsewhere);
+    EXPECT_EQ([book() recordForUniqueId:[one uniqueId]], one);
+    EXPECT_EQ(text([one valueForProperty:kABFirstNameProperty]), "Again");
+    EXPECT_EQ(names([book() people]), (std::vector<std::string>{"Bob", "Again"}));
+    EXPECT_EQ([[book() people] lastObject], one);
+    EXPECT_TRUE([book() removeRecord:one]);
+    ASSERT_TRUE([book() save]);
+    EXPECT_EQ(store().count(Kind::person), 1);
+}
+
 TEST_F(AddressBook, AListOutlivesItsRecords) {
     ABPerson* one = person(@"Ann", @"Lee");
     ASSERT_TRUE([book() save]);

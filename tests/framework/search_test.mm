@@ -89,15 +89,15 @@ TEST_F(SearchTest, ComparesNumbers) {
 }
 
 TEST_F(SearchTest, ComparesDatesWithToday) {
-    NSNumber* week = number(7);
+    NSNumber* week = number(7 * 86400);
     expect(kABBirthdayProperty, week, kABWithinIntervalAroundToday, {"Ann"});
     expect(kABBirthdayProperty, week, kABWithinIntervalAroundTodayYearless, {"Ann", "Bob"});
     expect(kABBirthdayProperty, week, kABNotWithinIntervalAroundToday, {"Bob", "Cid", "Dot"});
     expect(kABBirthdayProperty, week, kABNotWithinIntervalAroundTodayYearless, {"Cid", "Dot"});
     expect(kABBirthdayProperty, week, kABWithinIntervalFromToday, {"Ann"});
     expect(kABBirthdayProperty, week, kABNotWithinIntervalFromToday, {"Bob", "Cid", "Dot"});
-    expect(kABBirthdayProperty, number(200), kABWithinIntervalFromTodayYearless, {"Ann", "Bob"});
-    expect(kABBirthdayProperty, number(200), kABNotWithinIntervalFromTodayYearless, {"Cid", "Dot"});
+    expect(kABBirthdayProperty, number(200 * 86400), kABWithinIntervalFromTodayYearless, {"Ann", "Bob"});
+    expect(kABBirthdayProperty, number(200 * 86400), kABNotWithinIntervalFromTodayYearless, {"Cid", "Dot"});
     expect(kABBirthdayProperty, [NSDate date], kABGreaterThan, { "Ann" });
 }
 

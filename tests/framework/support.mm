@@ -22,7 +22,7 @@ class PoolAroundEachTest : public testing::EmptyTestEventListener {
 
 // Foundation keeps classes, constants and caches for as long as the process lives; those are no leaks of
 // ours.
-extern "C" const char* __lsan_default_suppressions();
+extern "C" __attribute__((visibility("default"))) const char* __lsan_default_suppressions();
 extern "C" const char* __lsan_default_suppressions() {
     return "leak:libgnustep-base\nleak:libobjc\n";
 }

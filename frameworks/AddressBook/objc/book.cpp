@@ -1,3 +1,6 @@
+// In this order: cards, lists and searches, values, adding and removing, groups, the user's own card,
+// properties, saving.
+
 #include "book.h"
 
 #include <algorithm>
@@ -97,8 +100,15 @@ CardPtr Book::live(const std::string& uid) const {
 }
 
 CardPtr Book::card(const RecordRef& ref) {
-    if (auto known = live(ref.uid))
+    if (auto known = live(ref.uid)) {
+        if (known->standing == Card::Standing::gone) { // deleted, and then brought back by another process
+            known->standing = Card::Standing::stored;
+            known->row = ref.row;
+            known->read.reset();
+            rows_[ref.row] = known;
+        }
         return known;
+    }
     auto made = std::make_unique<Card>();
     made->uid = ref.uid;
     made->kind = ref.kind;
@@ -109,7 +119,7 @@ CardPtr Book::card(const RecordRef& ref) {
 
 CardPtr Book::find(std::string_view uid) {
     refresh();
-    if (auto known = live(std::string(uid)))
+    if (auto known = live(std::string(uid)); known && known->standing != Card::Standing::gone)
         return known->inBook() ? known : nullptr;
     const auto ref = store_->find(uid);
     return ref ? card(*ref) : nullptr;
@@ -121,10 +131,16 @@ CardPtr Book::at(RowId row, Kind kind) {
             return known;
     if (const auto ref = store_->find(row))
         return card(*ref);
-    auto lost = create(kind);
+    const auto gone = gone_.find(row);
+    auto lost = makeCard(kind);
+    if (gone != gone_.end()) {
+        if (auto known = live(gone->second))
+            return known;
+        lost->uid = gone->second;
+    }
     lost->standing = Card::Standing::gone;
     lost->changes.clear();
-    return lost;
+    return own(lost.release());
 }
 
 // Lists and searches
@@ -175,6 +191,10 @@ std::vector<Book::Place> Book::search(const Query& query, Date now) {
 void Book::load(Card& card) {
     if (card.read)
         return;
+    if (card.standing == Card::Standing::gone) {
+        card.read.emplace();
+        return;
+    }
     card.read = store_->values(card.row);
     if (const auto found = cards_.find(card.uid); found != cards_.end())
         loaded_.push_back(found->second);
@@ -505,8 +525,10 @@ void Book::settle(const SaveResult& result) {
     }
     for (const auto& [row, card] : std::exchange(changed_, {}))
         clean(*card);
-    for (const auto& [row, card] : std::exchange(removed_, {}))
+    for (const auto& [row, card] : std::exchange(removed_, {})) {
         card->standing = Card::Standing::gone;
+        gone_[row] = card->uid;
+    }
     for (const auto& uid : result.missing)
         if (const auto card = live(uid))
             card->standing = Card::Standing::gone;

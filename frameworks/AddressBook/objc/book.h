@@ -64,7 +64,8 @@ class Book : public std::enable_shared_from_this<Book> {
 
     // The record with this id, null when the address book has none.
     CardPtr find(std::string_view uid);
-    // The record in this row. It is never null: a row that another process deleted answers an empty card.
+    // The record in this row. It is never null: a row that was deleted answers an empty card, with the id
+    // that the record had when it was deleted here.
     CardPtr at(RowId row, Kind kind);
 
     // A record in a list: a row, or the card where it has none yet.
@@ -133,8 +134,9 @@ class Book : public std::enable_shared_from_this<Book> {
     std::vector<PropertyDefinition> definitions_; // as stored
     std::unordered_map<std::string, std::weak_ptr<Card>> cards_;
     std::unordered_map<RowId, std::weak_ptr<Card>> rows_;
-    std::deque<std::weak_ptr<Card>> loaded_; // whose stored values are in memory, oldest first
-    Value scratch_;                          // what value() refers to when no card holds it
+    std::unordered_map<RowId, std::string> gone_; // ids of records deleted here, which lists may still name
+    std::deque<std::weak_ptr<Card>> loaded_;      // whose stored values are in memory, oldest first
+    Value scratch_;                               // what value() refers to when no card holds it
 
     // What is unsaved.
     std::vector<CardPtr> added_;

@@ -40,10 +40,9 @@ std::string displayName(Book& book, Card& card) {
     const auto* stored = book.value(card, property::kPersonFlags).as<std::int64_t>();
     const std::int64_t flags = stored ? *stored : 0;
     const auto of = [&](std::string_view property) { return text(book, card, property); };
-    const std::string names =
-        (flags & kNameOrderMask) == kLastNameFirst
-            ? joined({of(property::kLast), of(property::kFirst), of(property::kMiddle)})
-            : joined({of(property::kFirst), of(property::kMiddle), of(property::kLast)});
+    std::string names = (flags & kNameOrderMask) == kLastNameFirst
+                            ? joined({of(property::kLast), of(property::kFirst), of(property::kMiddle)})
+                            : joined({of(property::kFirst), of(property::kMiddle), of(property::kLast)});
     if (!names.empty() && (flags & kShowAsMask) != kShowAsCompany)
         return names;
     if (auto company = of(property::kOrganization); !company.empty())
