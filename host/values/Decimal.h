@@ -8,7 +8,13 @@
 
 namespace host {
 
-using BigInteger = boost::multiprecision::cpp_int;
+// Without expression templates: they are slower to compile and analyse than they are faster to run.
+using BigInteger =
+    boost::multiprecision::number<boost::multiprecision::cpp_int_backend<>, boost::multiprecision::et_off>;
+
+inline BigInteger sizeOf(const BigInteger& value) {
+    return value.sign() < 0 ? -value : value;
+}
 
 // 10 to a power that is not negative.
 BigInteger powerOfTen(int exponent);

@@ -35,15 +35,18 @@ BigInteger powerOfTen(int exponent) {
         }
         return made;
     }();
-    return exponent < kPowersKept ? powers[static_cast<size_t>(exponent)]
-                                  : mp::pow(BigInteger(10), static_cast<unsigned>(exponent));
+    BigInteger power = powers[static_cast<size_t>(std::min(exponent, kPowersKept - 1))];
+    for (int missing = exponent - (kPowersKept - 1); missing > 0; missing -= kPowersKept - 1) {
+        power *= powers[static_cast<size_t>(std::min(missing, kPowersKept - 1))];
+    }
+    return power;
 }
 
 int digitCount(const BigInteger& value) {
     if (value.is_zero()) {
         return 0;
     }
-    const BigInteger size = mp::abs(value);
+    const BigInteger size = sizeOf(value);
     // Of the power of ten below the number; or one less.
     const int power = static_cast<int>(static_cast<double>(mp::msb(size)) * std::log10(2.0));
     return size >= powerOfTen(power + 1) ? power + 2 : power + 1;
@@ -55,7 +58,7 @@ BigInteger shiftedDown(const BigInteger& value, int digits) {
     }
     const BigInteger divisor = powerOfTen(digits);
     const BigInteger half = divisor / 2;
-    return (value.sign() < 0 ? BigInteger(value - half) : BigInteger(value + half)) / divisor;
+    return (value.sign() < 0 ? value - half : value + half) / divisor;
 }
 
 Number::Number(Decimal&& decimal) {
@@ -120,7 +123,7 @@ Number Number::parsed(bool negative, std::string digits, int exponent) {
         throw NumberError("the number has more than 400 whole digits");
     }
     // What stands far behind the last digit that is kept cannot change it.
-    const size_t kept = 2 * kMaxDigits;
+    constexpr size_t kept = size_t{2} * kMaxDigits;
     if (digits.size() > kept) {
         exponent += static_cast<int>(digits.size() - kept);
         digits.resize(kept);
@@ -131,7 +134,7 @@ Number Number::parsed(bool negative, std::string digits, int exponent) {
         return {negative ? -value : value};
     }
     BigInteger mantissa(digits);
-    return Number(Decimal{negative ? BigInteger(-mantissa) : mantissa, exponent});
+    return Number(Decimal{negative ? -mantissa : mantissa, exponent});
 }
 
 bool Number::standsIn(std::u16string_view text) noexcept {
@@ -207,7 +210,7 @@ std::u16string Number::toText() const {
         const std::string text = std::to_string(small_);
         return {text.begin(), text.end()};
     }
-    std::string digits = BigInteger(mp::abs(large_->mantissa)).str();
+    std::string digits = sizeOf(large_->mantissa).str();
     if (large_->exponent < 0) {
         const auto places = static_cast<size_t>(-large_->exponent);
         if (digits.size() < places) {
@@ -247,7 +250,7 @@ int64_t Number::toInt64() const {
     if (*this < Number(kLeast)) {
         return kLeast;
     }
-    return static_cast<int64_t>(BigInteger(large_->mantissa / powerOfTen(-large_->exponent)));
+    return static_cast<int64_t>(large_->mantissa / powerOfTen(-large_->exponent));
 }
 
 bool Number::isInteger() const noexcept {
@@ -339,12 +342,12 @@ Number Number::divide(const Number& left, const Number& right, int places) {
     // mantissa / mantissa * 10^(exponents) = quotient * 10^-kept, so the dividend is scaled by what that
     // leaves.
     const int scale = a.exponent - b.exponent + kept;
-    const BigInteger dividend = scale > 0 ? BigInteger(a.mantissa * powerOfTen(scale)) : a.mantissa;
-    const BigInteger divisor = scale < 0 ? BigInteger(b.mantissa * powerOfTen(-scale)) : b.mantissa;
+    const BigInteger dividend = scale > 0 ? a.mantissa * powerOfTen(scale) : a.mantissa;
+    const BigInteger divisor = scale < 0 ? b.mantissa * powerOfTen(-scale) : b.mantissa;
     BigInteger quotient;
     BigInteger rest;
     mp::divide_qr(dividend, divisor, quotient, rest);
-    if (mp::abs(rest) * 2 >= mp::abs(divisor)) {
+    if (sizeOf(rest) * 2 >= sizeOf(divisor)) {
         quotient += left.sign() == right.sign() ? 1 : -1;
     }
     return Number(Decimal{std::move(quotient), -kept});

@@ -14,7 +14,7 @@ namespace {
 // Digits that a power with a fraction in its exponent is computed with, and those that are sure to be right.
 constexpr int kComputedDigits = 100;
 constexpr int kSureDigits = 80;
-using Real = mp::number<mp::cpp_dec_float<kComputedDigits>>;
+using Real = mp::number<mp::cpp_dec_float<kComputedDigits>, mp::et_off>;
 
 // Keeps as much as a quotient keeps, when there is a fraction.
 Number asQuotient(const Number& value) {
@@ -59,8 +59,7 @@ Number Number::power(const Number& base, const Number& exponent) {
     if (base == Number(-1)) {
         return modulo(exponent, 2).isZero() ? 1 : -1;
     }
-    const Real size =
-        mp::log10(mp::abs(toReal(base))) * toReal(exponent); // the decimal logarithm of the result
+    const Real size = mp::log10(toReal(base.abs())) * toReal(exponent); // the decimal logarithm of the result
     if (size > kMaxDigits) {
         throw NumberError("the number has more than 400 whole digits");
     }
@@ -78,7 +77,7 @@ Number Number::power(const Number& base, const Number& exponent) {
     }
     std::ostringstream text;
     text << std::scientific << std::setprecision(kSureDigits)
-         << mp::pow(mp::abs(toReal(base)), toReal(exponent));
+         << mp::pow(toReal(base.abs()), toReal(exponent));
     const std::string digits = text.str();
     const Number result = asQuotient(fromText(std::u16string(digits.begin(), digits.end())));
     return base.sign() < 0 && !modulo(exponent, 2).isZero() ? -result : result;

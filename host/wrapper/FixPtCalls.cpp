@@ -19,7 +19,7 @@ using host::self;
 
 namespace host {
 
-void assign(FixPtObject& result, Number value, int precision) {
+void assign(FixPtObject& result, const Number& value, int precision) {
     result.precision = std::clamp(precision, 0, Number::kMaxDigits);
     result.value = value.rounded(result.precision);
 }

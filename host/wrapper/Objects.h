@@ -179,7 +179,7 @@ inline void requireBuffer(const void* buffer, size_t size) {
 }
 
 // Sets a number and its precision; what stands further behind the point is rounded away.
-void assign(FixPtObject& result, Number value, int precision);
+void assign(FixPtObject& result, const Number& value, int precision);
 // Sets a number that keeps all of its own places.
 void assign(FixPtObject& result, Number value);
 

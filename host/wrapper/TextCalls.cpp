@@ -40,7 +40,7 @@ std::u16string decodedWide(const wchar_t* characters, size_t length) {
     std::u16string text;
     text.reserve(length);
     for (const wchar_t* at = characters; at != characters + length; ++at) {
-        const auto c = static_cast<uint32>(*at);
+        const auto c = static_cast<char32_t>(*at);
         if (c < 0x10000) {
             text += static_cast<char16_t>(c);
         } else if (c < 0x110000) {

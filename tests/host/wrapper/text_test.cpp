@@ -68,7 +68,7 @@ TEST(WrapperText, GivesBytesInWholeCharacters) {
                            fmx::uint32 size = Text::kSize_End) {
         buffer.assign(8, '#');
         text->GetBytes(buffer.data(), capacity, position, size, Text::kEncoding_UTF8);
-        return std::string(buffer.c_str());
+        return buffer.substr(0, buffer.find('\0'));
     };
     EXPECT_EQ(bytes(8), "a\xE2\x82\xAC"
                         "b");
