@@ -2,6 +2,9 @@
 
 #include "plugin/records/plugin_state.h"
 #include "plugin/shell/error_state.h"
+#include <algorithm>
+#include <string>
+#include <unordered_map>
 
 namespace {
 
@@ -43,6 +46,44 @@ const PropertyName kPropertyNames[] = {
     {@"imyahoo", &kABYahooInstantProperty},
 };
 
+// What can be typed for a property, and the first row that it fits.
+using Lookup = std::unordered_map<std::u16string, std::size_t>;
+
+std::u16string unitsOf(NSString* text) {
+    std::u16string units([text length], u'\0');
+    [text getCharacters:reinterpret_cast<unichar*>(units.data()) range:NSMakeRange(0, units.size())];
+    return units;
+}
+
+// In lower case and without blanks. The usual name is short and plain, and needs no string of its own for
+// that.
+std::u16string normalised(NSString* name, std::u16string units) {
+    if (std::any_of(units.begin(), units.end(), [](char16_t unit) { return unit > 0x7F; })) {
+        units = unitsOf([name lowercaseString]);
+    }
+    std::erase(units, u' ');
+    for (char16_t& unit : units) {
+        unit = u'A' <= unit && unit <= u'Z' ? static_cast<char16_t>(unit - u'A' + u'a') : unit;
+    }
+    return units;
+}
+
+// The table by one of its columns. Where two rows have the same text the first counts.
+template <typename TextOf>
+Lookup lookupBy(TextOf textOf) {
+    Lookup lookup;
+    for (std::size_t row = 0; row < std::size(kPropertyNames); ++row) {
+        lookup.emplace(unitsOf(textOf(kPropertyNames[row])), row);
+    }
+    return lookup;
+}
+
+// The row of a text, or behind the last.
+std::size_t find(const Lookup& lookup, const std::u16string& text) {
+    const auto found = lookup.find(text);
+    return found == lookup.end() ? std::size(kPropertyNames) : found->second;
+}
+
 } // namespace
 
 std::span<const PropertyName> propertyNames() {
@@ -53,13 +94,11 @@ NSString* toPropertyString(NSString* name) {
     if (name == nil) {
         return *kPropertyNames[0].property;
     }
-    NSString* normalised = [[name lowercaseString] stringByReplacingOccurrencesOfString:@" " withString:@""];
-    for (const PropertyName& row : kPropertyNames) {
-        if ([normalised isEqualToString:row.key] || [name isEqualToString:*row.property]) {
-            return *row.property;
-        }
-    }
-    return nil;
+    static const Lookup byKey = lookupBy([](const PropertyName& row) { return row.key; });
+    static const Lookup byProperty = lookupBy([](const PropertyName& row) { return *row.property; });
+    const std::u16string units = unitsOf(name);
+    const std::size_t row = std::min(find(byProperty, units), find(byKey, normalised(name, units)));
+    return row < std::size(kPropertyNames) ? *kPropertyNames[row].property : nil;
 }
 
 int OpenProperty(NSString* name) {

@@ -9,14 +9,21 @@ namespace {
 // Years to seconds, by the numbers that every version of the framework has given these units.
 constexpr NSUInteger kDateAndTimeUnits = 4 | 8 | 16 | 32 | 64 | 128;
 
+// The Gregorian calendar in the system's time zone. It is costly to make, so there is one for the process.
+NSCalendar* gregorianCalendar() {
+    static NSCalendar* const calendar = [[NSCalendar alloc] initWithCalendarIdentifier:NSGregorianCalendar];
+    NSTimeZone* zone = [NSTimeZone systemTimeZone];
+    if (![zone isEqual:[calendar timeZone]]) {
+        [calendar setTimeZone:zone];
+    }
+    return calendar;
+}
+
 // Stores a date in the result as a time stamp of the Gregorian calendar in the system's time zone, to the
 // second.
 Answer writeTimeStamp(NSDate* date, fmx::Data& result) {
-    const auto calendar =
-        Retained<NSCalendar>::adopt([[NSCalendar alloc] initWithCalendarIdentifier:NSGregorianCalendar]);
-    [calendar.get() setTimeZone:[NSTimeZone systemTimeZone]];
-    NSDateComponents* parts = [calendar.get() components:static_cast<NSCalendarUnit>(kDateAndTimeUnits)
-                                                fromDate:date];
+    NSDateComponents* parts = [gregorianCalendar() components:static_cast<NSCalendarUnit>(kDateAndTimeUnits)
+                                                     fromDate:date];
     fmx::DateTimeAutoPtr stamp;
     stamp->SetNormalizedDate(static_cast<fmx::int16>([parts month]), static_cast<fmx::int16>([parts day]),
                              static_cast<fmx::int16>([parts year]));
