@@ -57,7 +57,7 @@ class Saver {
     void removeRecord(const std::string& uid);
     void writeRecord(const RecordChange& change);
     void insertRecord(const RecordChange& change);
-    void updateRecord(RecordRow row, const std::map<std::string, Value>& values);
+    void updateRecord(const RecordRow& row, const std::map<std::string, Value>& values);
     void writePicture(RowId row, const Value& value);
     void touch(const RecordRow& row);
     void updated(const RecordRow& row);
@@ -112,8 +112,8 @@ void Saver::undefine(const PropertyDefinition& definition) {
          run.step();)
         rows.push_back(run.integer(0));
     for (const RowId id : rows)
-        if (auto row = impl_.record(id))
-            updateRecord(std::move(*row), {{definition.name, Value()}});
+        if (const auto row = impl_.record(id))
+            updateRecord(*row, {{definition.name, Value()}});
 }
 
 void Saver::removeRecord(const std::string& uid) {
@@ -136,8 +136,8 @@ void Saver::removeRecord(const std::string& uid) {
 void Saver::writeRecord(const RecordChange& change) {
     if (change.insert)
         return insertRecord(change);
-    if (auto row = impl_.record(change.uid))
-        updateRecord(std::move(*row), change.values);
+    if (const auto row = impl_.record(change.uid))
+        updateRecord(*row, change.values);
     else if (!removed_.contains(change.uid))
         missing(change.uid);
 }
@@ -181,7 +181,7 @@ void Saver::insertRecord(const RecordChange& change) {
     result_.inserted.push_back(row.uid);
 }
 
-void Saver::updateRecord(RecordRow row, const std::map<std::string, Value>& values) {
+void Saver::updateRecord(const RecordRow& row, const std::map<std::string, Value>& values) {
     std::map<std::string, std::string> kept;
     try {
         visitCard(row.card,
