@@ -4,7 +4,8 @@
 #include <cstdint>
 #include <span>
 
-// A comparison of the search function. The interval comparisons take a number of seconds.
+// A comparison of the search function. The interval comparisons take a number whatever the type of the
+// property.
 struct Comparison {
     NSString* name;
     ABSearchComparison value;
