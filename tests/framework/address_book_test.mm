@@ -162,6 +162,16 @@ TEST_F(AddressBook, RemovedRecordsAreGoneAtOnce) {
     EXPECT_TRUE([book() addRecord:added]);
 }
 
+TEST_F(AddressBook, ARemovedRecordCanStillBeReadByItsHolder) {
+    NSString* uid = [person(@"Ann", @"Lee") uniqueId];
+    reopen();
+    ABRecord* one = [book() recordForUniqueId:uid]; // nothing of it was read yet
+    ASSERT_TRUE([book() removeRecord:one]);
+    ASSERT_TRUE([book() save]);
+    EXPECT_EQ(text([one valueForProperty:kABFirstNameProperty]), "Ann");
+    EXPECT_TRUE([[one uniqueId] isEqual:uid]);
+}
+
 TEST_F(AddressBook, ARemovalCanBeTakenBack) {
     ABPerson* one = person(@"Ann", @"Lee");
     ASSERT_TRUE([book() save]);
@@ -300,6 +310,18 @@ TEST_F(AddressBook, AListOutlivesItsRecords) {
     EXPECT_TRUE([[people objectAtIndex:0] isKindOfClass:[ABPerson class]]);
     EXPECT_EQ([[people objectAtIndex:0] valueForProperty:kABFirstNameProperty], nil);
     [people release];
+}
+
+TEST_F(AddressBook, AListKnowsTheIdsOfRecordsDeletedHere) {
+    NSString* uid = [[[person(@"Ann", @"Lee") uniqueId] retain] autorelease];
+    reopen();
+    NSArray* people = [book() people];
+    NSAutoreleasePool* removing = [[NSAutoreleasePool alloc] init];
+    ASSERT_TRUE([book() removeRecord:[book() recordForUniqueId:uid]]);
+    ASSERT_TRUE([book() save]);
+    [removing release]; // nobody holds the record any more
+    EXPECT_TRUE([[[people objectAtIndex:0] uniqueId] isEqual:uid]);
+    EXPECT_FALSE([book() removeRecord:[people objectAtIndex:0]]);
 }
 
 TEST_F(AddressBook, KnowsItsOwner) {
