@@ -55,6 +55,11 @@ inline std::vector<std::string> found(const Store& store, const Query& wanted, D
 inline Value text(std::string_view value) {
     return std::string(value);
 }
+// An interval of so many days, as the interval comparisons take it: in seconds.
+inline Value days(std::int64_t value) {
+    return value * 86400;
+}
+
 inline Value number(std::int64_t value) {
     return value;
 }

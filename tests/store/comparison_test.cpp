@@ -150,20 +150,21 @@ TEST_F(Comparisons, withoutAValueEqualAsksWhetherThereIsOne) {
 
 TEST_F(Comparisons, intervalsCountCalendarDays) {
     const Date now{noon(2026, 3, 28).seconds + 11.5 * 3600}; // 23:30, the clocks change in the night
-    EXPECT_TRUE(meets(noon(2026, 3, 29), withinIntervalAroundToday, number(1), now));
-    EXPECT_TRUE(meets(noon(2026, 3, 27), withinIntervalAroundToday, number(1), now));
-    EXPECT_FALSE(meets(noon(2026, 3, 30), withinIntervalAroundToday, number(1), now));
-    EXPECT_TRUE(meets(noon(2026, 3, 30), notWithinIntervalAroundToday, number(1), now));
-    EXPECT_FALSE(meets(now, withinIntervalAroundToday, number(-1), now));
-    EXPECT_TRUE(meets(noon(2026, 3, 29), withinIntervalFromToday, number(1), now));
-    EXPECT_TRUE(meets(noon(2026, 3, 28), withinIntervalFromToday, number(0), now));
-    EXPECT_FALSE(meets(noon(2026, 3, 27), withinIntervalFromToday, number(1), now));
-    EXPECT_TRUE(meets(noon(2026, 3, 27), withinIntervalFromToday, number(-1), now));
-    EXPECT_FALSE(meets(noon(2026, 3, 29), withinIntervalFromToday, number(-1), now));
-    EXPECT_TRUE(meets(components(2026, 3, 30), withinIntervalFromToday, number(2), now));
-    EXPECT_FALSE(meets(components({}, 3, 30), withinIntervalFromToday, number(2), now));
-    EXPECT_TRUE(meets(components({}, 3, 30), withinIntervalFromTodayYearless, number(2), now));
-    EXPECT_FALSE(meets(text("soon"), withinIntervalAroundToday, number(9), now));
+    EXPECT_TRUE(meets(noon(2026, 3, 29), withinIntervalAroundToday, days(1), now));
+    EXPECT_FALSE(meets(noon(2026, 3, 29), withinIntervalAroundToday, number(86399), now)); // whole days count
+    EXPECT_TRUE(meets(noon(2026, 3, 27), withinIntervalAroundToday, days(1), now));
+    EXPECT_FALSE(meets(noon(2026, 3, 30), withinIntervalAroundToday, days(1), now));
+    EXPECT_TRUE(meets(noon(2026, 3, 30), notWithinIntervalAroundToday, days(1), now));
+    EXPECT_FALSE(meets(now, withinIntervalAroundToday, days(-1), now));
+    EXPECT_TRUE(meets(noon(2026, 3, 29), withinIntervalFromToday, days(1), now));
+    EXPECT_TRUE(meets(noon(2026, 3, 28), withinIntervalFromToday, days(0), now));
+    EXPECT_FALSE(meets(noon(2026, 3, 27), withinIntervalFromToday, days(1), now));
+    EXPECT_TRUE(meets(noon(2026, 3, 27), withinIntervalFromToday, days(-1), now));
+    EXPECT_FALSE(meets(noon(2026, 3, 29), withinIntervalFromToday, days(-1), now));
+    EXPECT_TRUE(meets(components(2026, 3, 30), withinIntervalFromToday, days(2), now));
+    EXPECT_FALSE(meets(components({}, 3, 30), withinIntervalFromToday, days(2), now));
+    EXPECT_TRUE(meets(components({}, 3, 30), withinIntervalFromTodayYearless, days(2), now));
+    EXPECT_FALSE(meets(text("soon"), withinIntervalAroundToday, days(9), now));
     EXPECT_FALSE(meets(now, withinIntervalAroundToday, text("9"), now));
     EXPECT_TRUE(meets(now, notWithinIntervalAroundToday, text("9"), now));
     EXPECT_FALSE(meets(Date{1e300}, withinIntervalAroundToday, number(INT64_MAX), now));
@@ -172,21 +173,21 @@ TEST_F(Comparisons, intervalsCountCalendarDays) {
 TEST_F(Comparisons, yearlessIntervalsCrossTheYear) {
     const Date newYearsEve = noon(2026, 12, 31);
     const Date newYear = noon(2027, 1, 1);
-    EXPECT_TRUE(meets(noon(1970, 1, 2), withinIntervalFromTodayYearless, number(2), newYearsEve));
-    EXPECT_FALSE(meets(noon(1970, 1, 3), withinIntervalFromTodayYearless, number(2), newYearsEve));
-    EXPECT_TRUE(meets(noon(1970, 12, 30), withinIntervalAroundTodayYearless, number(2), newYear));
-    EXPECT_FALSE(meets(noon(1970, 12, 30), withinIntervalFromTodayYearless, number(2), newYear));
-    EXPECT_TRUE(meets(noon(1970, 12, 30), withinIntervalFromTodayYearless, number(-2), newYear));
-    EXPECT_TRUE(meets(noon(1970, 12, 30), withinIntervalFromTodayYearless, number(364), newYear));
-    EXPECT_TRUE(meets(noon(1970, 12, 30), notWithinIntervalFromTodayYearless, number(2), newYear));
+    EXPECT_TRUE(meets(noon(1970, 1, 2), withinIntervalFromTodayYearless, days(2), newYearsEve));
+    EXPECT_FALSE(meets(noon(1970, 1, 3), withinIntervalFromTodayYearless, days(2), newYearsEve));
+    EXPECT_TRUE(meets(noon(1970, 12, 30), withinIntervalAroundTodayYearless, days(2), newYear));
+    EXPECT_FALSE(meets(noon(1970, 12, 30), withinIntervalFromTodayYearless, days(2), newYear));
+    EXPECT_TRUE(meets(noon(1970, 12, 30), withinIntervalFromTodayYearless, days(-2), newYear));
+    EXPECT_TRUE(meets(noon(1970, 12, 30), withinIntervalFromTodayYearless, days(364), newYear));
+    EXPECT_TRUE(meets(noon(1970, 12, 30), notWithinIntervalFromTodayYearless, days(2), newYear));
 }
 
 TEST_F(Comparisons, theLeapDayFallsOnTheLastOfFebruary) {
-    EXPECT_TRUE(meets(noon(2000, 2, 29), withinIntervalFromTodayYearless, number(0), noon(2027, 2, 28)));
-    EXPECT_FALSE(meets(noon(2000, 2, 29), withinIntervalFromTodayYearless, number(0), noon(2028, 2, 28)));
-    EXPECT_TRUE(meets(components({}, 2, 29), withinIntervalFromTodayYearless, number(0), noon(2028, 2, 29)));
+    EXPECT_TRUE(meets(noon(2000, 2, 29), withinIntervalFromTodayYearless, days(0), noon(2027, 2, 28)));
+    EXPECT_FALSE(meets(noon(2000, 2, 29), withinIntervalFromTodayYearless, days(0), noon(2028, 2, 28)));
+    EXPECT_TRUE(meets(components({}, 2, 29), withinIntervalFromTodayYearless, days(0), noon(2028, 2, 29)));
     EXPECT_FALSE(
-        meets(components({}, 2, 30), withinIntervalAroundTodayYearless, number(400), noon(2028, 2, 29)));
+        meets(components({}, 2, 30), withinIntervalAroundTodayYearless, days(400), noon(2028, 2, 29)));
 }
 
 TEST_F(Comparisons, recordsOfAnotherKindAreNeverFound) {

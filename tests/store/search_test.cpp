@@ -190,7 +190,7 @@ class Generator {
         if (const auto* text = near.as<std::string>())
             return part(*text);
         if (near.as<Date>() != nullptr && oneIn(2))
-            return std::int64_t(below(30)) - 8;
+            return oneIn(2) ? days(std::int64_t(below(30)) - 8) : Value(std::int64_t(below(2000000)));
         return near;
     }
 

@@ -135,6 +135,8 @@ double saturated(const Value& number) {
     return whole != nullptr ? static_cast<double>(*whole) : *number.as<double>();
 }
 
+constexpr double kSecondsPerDay = 86400;
+
 // Whether a day that lies [offset] days ahead of today is in the interval.
 bool inInterval(Operation operation, double offset, double days) {
     if (operation == around)
@@ -174,9 +176,9 @@ Matcher::Matcher(const Condition& condition, Date now)
     if (facts_.operation == around || facts_.operation == ahead) {
         today_ = localDay(now);
         if (isNumber(condition.value))
-            days_ = saturated(condition.value);
+            days_ = std::trunc(saturated(condition.value) / kSecondsPerDay);
         else
-            today_.reset(); // an interval needs a number of days: nothing is within any other
+            today_.reset(); // an interval is a number: nothing is within any other
     }
 }
 

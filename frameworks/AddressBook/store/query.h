@@ -96,8 +96,8 @@ class RecordView {
     virtual const Value& value(std::string_view property) const = 0;
 };
 
-// Whether the record meets the query. [now] is the moment that "today" means for the interval comparisons;
-// days are those of the process's time zone.
+// Whether the record meets the query. [now] is the moment that "today" means for the interval comparisons,
+// which take a number of seconds and count the whole days in it; days are those of the process's time zone.
 bool matches(const Query& query, const RecordView& record, Date now);
 
 } // namespace addressbook
