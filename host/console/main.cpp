@@ -50,6 +50,7 @@ void defineOptions(CLI::App& app, CommandLine& line) {
         ->type_name("PATH");
     app.add_flag("--no-plugin", line.noPlugin, "Load no plug-in: the language alone");
     app.add_option("--host-version", line.hostVersion, "The interface version that the host says it has [54]")
+        ->check(CLI::Range(0, 32767))
         ->type_name("N");
     app.add_option("--folder", line.folder,
                    "The database file: a folder of scripts [the script's own, or this one]")

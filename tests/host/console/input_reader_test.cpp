@@ -1,0 +1,75 @@
+#include "host/console/InputReader.h"
+
+#include "host/calc/Session.h"
+
+#include <gtest/gtest.h>
+
+namespace host {
+namespace {
+
+TEST(InputReader, OneLineIsOneCalculation) {
+    Session session;
+    InputReader reader(session.functions(), "");
+    const auto calculation = reader.addLine("1 + 1");
+    ASSERT_TRUE(calculation);
+    EXPECT_EQ(session.evaluate(*calculation).asText(), u"2");
+    EXPECT_FALSE(reader.isOpen());
+}
+
+TEST(InputReader, AnIncompleteLineGoesOn) {
+    Session session;
+    InputReader reader(session.functions(), "");
+    EXPECT_FALSE(reader.addLine("Let ( [ a = 1 ;"));
+    EXPECT_TRUE(reader.isOpen());
+    EXPECT_FALSE(reader.addLine("  b = \"x"));
+    EXPECT_FALSE(reader.addLine(""));
+    EXPECT_FALSE(reader.addLine("y\" ] ;"));
+    const auto calculation = reader.addLine("a & b )");
+    ASSERT_TRUE(calculation);
+    EXPECT_EQ(session.evaluate(*calculation).asText(), u"1x\r\ry");
+    EXPECT_FALSE(reader.isOpen());
+}
+
+TEST(InputReader, LinesWithoutACalculationAreNone) {
+    Session session;
+    InputReader reader(session.functions(), "");
+    for (const char* line : {"", "  \t", "// a comment", "/* another */"}) {
+        EXPECT_FALSE(reader.addLine(line)) << line;
+        EXPECT_FALSE(reader.isOpen()) << line;
+    }
+    EXPECT_NO_THROW(reader.finish());
+    EXPECT_FALSE(reader.addLine("/* a comment"));
+    EXPECT_TRUE(reader.isOpen());
+    EXPECT_FALSE(reader.addLine("that ends */"));
+    EXPECT_FALSE(reader.isOpen());
+}
+
+TEST(InputReader, AMistakeForgetsTheLines) {
+    Session session;
+    InputReader reader(session.functions(), "input");
+    EXPECT_FALSE(reader.addLine("1 +"));
+    try {
+        reader.addLine(")");
+        FAIL();
+    } catch (const CalcError& error) {
+        EXPECT_EQ(error.summary().substr(0, 10), "input:2:1:");
+    }
+    EXPECT_FALSE(reader.isOpen());
+    EXPECT_TRUE(reader.addLine("5"));
+}
+
+TEST(InputReader, TheEndMustNotComeInTheMiddle) {
+    Session session;
+    InputReader reader(session.functions(), "input");
+    EXPECT_TRUE(reader.addLine("5"));
+    EXPECT_FALSE(reader.addLine("( 1"));
+    try {
+        reader.finish();
+        FAIL();
+    } catch (const CalcError& error) {
+        EXPECT_EQ(error.summary(), "input:2:4: expected an operator or \")\", found the end");
+    }
+}
+
+} // namespace
+} // namespace host

@@ -1,0 +1,245 @@
+// The program from the outside: what it prints where, and its exit status.
+#include "host/console/ExitCode.h"
+
+#include <array>
+#include <cstdio>
+#include <cstdlib>
+#include <filesystem>
+#include <fstream>
+#include <gmock/gmock.h>
+#include <gtest/gtest.h>
+#include <iterator>
+#include <sys/wait.h>
+
+namespace host {
+namespace {
+
+namespace fs = std::filesystem;
+using testing::HasSubstr;
+using testing::StartsWith;
+
+const std::string kGood = std::string(TEST_PLUGINS) + "/good_plugin.fmx";
+
+// What the host has to say about that plug-in.
+const std::string kWarning =
+    "fmhost: the plug-in function Test_Echo2 (TEST 0) is not registered: its id is registered already\n";
+
+struct Outcome {
+    int status;
+    std::string out;
+    std::string err;
+};
+
+class Program : public testing::Test {
+  protected:
+    Program() {
+        char pattern[] = "/tmp/console-test-XXXXXX";
+        folder_ = mkdtemp(pattern);
+        setenv("HOME", folder_.c_str(), 1);
+        setenv("XDG_STATE_HOME", (folder_ / "state").c_str(), 1);
+        unsetenv("FMHOST_PLUGIN");
+    }
+    ~Program() override { fs::remove_all(folder_); }
+
+    // Runs the program with the arguments as the shell reads them.
+    Outcome run(const std::string& arguments, const std::string& input = "") {
+        const fs::path out = folder_ / "out";
+        const fs::path err = folder_ / "err";
+        write("in", input);
+        const std::string command =
+            "cd " + folder_.string() + " && " FMHOST " " + arguments + " <in >out 2>err";
+        const int status = std::system(command.c_str());
+        return {WIFEXITED(status) ? WEXITSTATUS(status) : -1, read(out), read(err)};
+    }
+    Outcome plain(const std::string& arguments, const std::string& input = "") {
+        return run("--no-plugin " + arguments, input);
+    }
+    Outcome good(const std::string& arguments, const std::string& input = "") {
+        return run("--plugin " + kGood + " " + arguments, input);
+    }
+
+    fs::path write(const std::string& name, const std::string& text) const {
+        const fs::path file = folder_ / name;
+        fs::create_directories(file.parent_path());
+        std::ofstream(file, std::ios::binary) << text;
+        return file;
+    }
+    static std::string read(const fs::path& file) {
+        std::ifstream in(file, std::ios::binary);
+        return {std::istreambuf_iterator<char>(in), {}};
+    }
+
+    void expect(const Outcome& result, ExitCode code, const std::string& out, const std::string& err) const {
+        EXPECT_EQ(result.status, static_cast<int>(code));
+        EXPECT_EQ(result.out, out);
+        EXPECT_EQ(result.err, err);
+    }
+
+    fs::path folder_;
+};
+
+TEST_F(Program, EvaluatesInOneSession) {
+    expect(plain("eval '1 + 1' 'Let ( $x = 5 ; $x )' '$x * 2' '\"a¶b\"' '\"\"' '1 / 0'"), ExitCode::ok,
+           "2\n5\n10\na¶b\n\n?\n", "");
+}
+
+TEST_F(Program, EvaluatesStandardInput) {
+    const std::string lines = "1 + 1\n\n// comment\nLet ( a = 2 ;\r\n a )\n\"x\"";
+    expect(plain("eval -", lines), ExitCode::ok, "2\n2\nx\n", "");
+    expect(plain("", lines), ExitCode::ok, "2\n2\nx\n", "");
+    expect(plain("eval 5 - 6", "7\n"), ExitCode::ok, "5\n7\n6\n", "");
+    expect(plain("", ""), ExitCode::ok, "", "");
+    expect(plain("", "1\n\n2 +\n"), ExitCode::parse, "1\n",
+           "standard input:3:4: expected a value (a number, a text in quotes, a variable, a function or "
+           "\"(\"), found the end\n"
+           "    2 +\n       ^\n");
+}
+
+TEST_F(Program, MistakesInACalculation) {
+    expect(plain("eval 1 'Lenght ( 2 )' 3"), ExitCode::parse, "1\n",
+           "1:1: there is no function called Lenght; did you mean Length?\n    Lenght ( 2 )\n    ^\n");
+    expect(good("eval 'Test_Throw ( \"int\" )'"), ExitCode::failure, "",
+           kWarning +
+               "1:1: Test_Throw failed: it threw something that is no standard exception\n    Test_Throw ( "
+               "\"int\" )\n    ^\n");
+    expect(good("eval 'Test_Count ( 1 )'"), ExitCode::parse, "",
+           kWarning + "1:1: Test_Count takes 2 to 3 arguments, 1 given: Test_Count ( a ; b {; c } )\n    "
+                      "Test_Count ( 1 "
+                      ")\n    ^\n");
+}
+
+TEST_F(Program, PluginsThatCanNotBeLoaded) {
+    const auto expectLoadError = [&](const std::string& arguments, const std::string& message) {
+        expect(run(arguments), ExitCode::load, "", "fmhost: " + message + "\n");
+    };
+    const std::string folder = TEST_PLUGINS;
+    expectLoadError("--plugin none.fmx eval 1", "there is no plug-in at none.fmx");
+    expectLoadError("eval 1 --plugin " + folder + "/no_entry_plugin.fmx",
+                    folder + "/no_entry_plugin.fmx is no plug-in: it has no function FMExternCallProc");
+    expectLoadError("--host-version 51 --plugin " + folder + "/refusing_plugin.fmx info",
+                    "the plug-in " + folder + "/refusing_plugin.fmx refused version 51");
+    expectLoadError("--plugin " + folder + "/not_enabled_plugin.fmx functions",
+                    "the plug-in " + folder + "/not_enabled_plugin.fmx asked not to be enabled");
+    write("a.calc", "1\n= 1\n");
+    expectLoadError("--plugin none.fmx test a.calc", "there is no plug-in at none.fmx");
+    expectLoadError("--plugin none.fmx test a.calc a.calc", "there is no plug-in at none.fmx");
+    setenv("FMHOST_PLUGIN", "from-the-environment", 1);
+    expectLoadError("eval 1", "there is no plug-in at from-the-environment");
+    setenv("FMHOST_PLUGIN", kGood.c_str(), 1);
+    EXPECT_EQ(run("eval 'Test_Echo ( 1 )'").out, "1\n");
+}
+
+TEST_F(Program, Functions) {
+    const Outcome table = good("functions");
+    EXPECT_EQ(table.status, 0);
+    EXPECT_THAT(table.out, HasSubstr("1    Test_Echo ( value )\n"));
+    EXPECT_THAT(table.out, HasSubstr("2-3  Test_Count ( a ; b {; c } )\n"));
+    EXPECT_THAT(table.out, HasSubstr("0+   Test_Join ( value ... )\n"));
+    EXPECT_THAT(table.out, testing::Not(HasSubstr("Upper")));
+    EXPECT_THAT(good("functions --all").out, HasSubstr("1    Upper ( text )\n"));
+    const Outcome json = good("functions --json");
+    EXPECT_THAT(
+        json.out,
+        StartsWith("[\n  {\n    \"name\": \"Test_Echo\",\n    \"prototype\": \"Test_Echo ( value )\",\n"
+                   "    \"min\": 1,\n    \"max\": 1,\n    \"plugin\": \"TEST\",\n    \"id\": 0,\n"
+                   "    \"flags\": 65281\n  },\n"));
+    EXPECT_THAT(json.out, HasSubstr("\"max\": null"));
+    expect(plain("functions"), ExitCode::ok, "", "");
+}
+
+TEST_F(Program, Info) {
+    const Outcome info = good("info");
+    EXPECT_EQ(
+        info.out,
+        "Name:       Test plug-in\nHelp text:  Helps testing.\nOptions:    TEST1nnYYnn\nInterface:  54\n"
+        "Functions:  13\nFile:       " +
+            kGood + "\n");
+    EXPECT_EQ(info.err, kWarning);
+    expect(plain("info"), ExitCode::usage, "", "fmhost: no plug-in is loaded\n");
+}
+
+TEST_F(Program, Scripts) {
+    write("scripts/Main.fmscript",
+          "Show Custom Dialog [ \"Title\" ; \"a¶\" & Get ( ScriptParameter ) ]\n"
+          "Perform Script [ “other” ]\nExit Script [ Text Result: \"r1¶\" & Get ( ScriptResult ) ]\n");
+    write("scripts/Other.fmscript", "Exit Script [ Text Result: \"r2\" ]");
+    const std::string shown = "Title\na\nüx\nr1\nr2\n";
+    expect(plain("run scripts/Main.fmscript --parameter üx"), ExitCode::ok, shown, "");
+    expect(plain("run --folder scripts main --parameter üx"), ExitCode::ok, shown, "");
+    expect(plain("run scripts/Other.fmscript --trace"), ExitCode::ok,
+           "Exit Script [ Text Result: \"r2\" ]\n    → r2\n", "");
+    expect(plain("run nothing"), ExitCode::usage, "",
+           "fmhost: there is no script called nothing; expected a file nothing.fmscript\n");
+    expect(plain("run nothing.fmscript"), ExitCode::usage, "",
+           "fmhost: can not read nothing.fmscript: No such file or directory\n");
+    write("bad.fmscript", "\nBep\n");
+    expect(plain("run bad.fmscript"), ExitCode::parse, "",
+           "bad.fmscript:2:1: there is no script step called Bep\n    Bep\n    ^\n");
+}
+
+TEST_F(Program, ScriptsThatPluginsStartRunAfterwards) {
+    write("Later.fmscript", "Show Custom Dialog [ \"later\" ; Get ( ScriptParameter ) ]");
+    write("Now.fmscript", "Set Variable [ $x ; Value: Test_StartScript ( \"\" ; \"Later\" ; \"p\" ) ]\nShow "
+                          "Custom Dialog [ \"now\" ]");
+    EXPECT_EQ(good("run Now.fmscript").out, "now\nlater\np\n");
+    EXPECT_EQ(good("eval 'Test_StartScript ( \"\" ; \"later\" ; 1 )' 2").out, "0\nlater\n1\n2\n");
+    EXPECT_EQ(good("eval 'Test_StartScript ( \"\" ; \"never\" )'").out, "104\n");
+    EXPECT_EQ(good("eval Test_Idle Test_Idle Test_Idle").out, "-1\n10\n20\n");
+}
+
+TEST_F(Program, Tests) {
+    write("good.calc", "# two\nLet ( $x = 1 ; $x )\n= 1\n\"a¶\" & \\\n $x\n= a¶1\n$x\n~ \\d\nLenght ( 1 )\n! "
+                       "mean Length\n\"\"\n=\n");
+    expect(plain("test good.calc"), ExitCode::ok, "5 passed, 0 failed\n", "");
+    write("bad.calc", "1 + 1\n= 3\n\n\"abc\"\n~ ab\n1\n! x\nNothing\n= 1\n1\n~ (\nNothing\n! else\n2\n= 2\n");
+    expect(plain("test bad.calc"), ExitCode::failure,
+           "bad.calc:1: 1 + 1\n  expected: 3\n  got: 2\n"
+           "bad.calc:4: \"abc\"\n  expected: a match of ab\n  got: abc\n"
+           "bad.calc:6: 1\n  expected: an error with \"x\"\n  got: 1\n"
+           "bad.calc:8: Nothing\n  expected: 1\n  got: the error: there is no function or variable called "
+           "Nothing\n"
+           "bad.calc:10: 1\n  expected: a match of this pattern, which is none: (\n  got: 1\n"
+           "bad.calc:12: Nothing\n  expected: an error with \"else\"\n"
+           "  got: the error: there is no function or variable called Nothing\n"
+           "1 passed, 6 failed\n",
+           "");
+    write("empty.calc", "# nothing\n");
+    expect(plain("test empty.calc"), ExitCode::failure,
+           "empty.calc: there are no checks in this file\n0 passed, 1 failed\n", "");
+    write("form.calc", "1\n2\n= 2\n");
+    expect(plain("test form.calc"), ExitCode::failure,
+           "form.calc:1: a calculation without a check; expected a line with =, ~ or ! after it\n1 passed, 1 "
+           "failed\n",
+           "");
+    expect(plain("test none.calc"), ExitCode::usage, "",
+           "fmhost: can not read none.calc: No such file or directory\n");
+}
+
+TEST_F(Program, SeveralTestFilesDoNotSeeEachOther) {
+    write("one.calc", "Let ( $$x = Test_Count ( 1 ; 1 ) ; $$x )\n= 1\n");
+    EXPECT_EQ(good("test one.calc one.calc").out, "2 passed, 0 failed\n");
+    write("two.calc", "$$x\n=\n1\n= 2\n");
+    const Outcome result = good("test one.calc two.calc");
+    EXPECT_EQ(result.status, 1);
+    EXPECT_EQ(result.out, "two.calc:3: 1\n  expected: 2\n  got: 1\n2 passed, 1 failed\n");
+}
+
+TEST_F(Program, Usage) {
+    for (const char* arguments : {"nothing", "eval", "run", "test", "--wrong", "--host-version x eval 1",
+                                  "functions info", "--host-version 99999 info"}) {
+        const Outcome result = run(arguments);
+        EXPECT_EQ(result.status, static_cast<int>(ExitCode::usage)) << arguments;
+        EXPECT_EQ(result.out, "") << arguments;
+        EXPECT_NE(result.err, "") << arguments;
+    }
+    for (const char* arguments :
+         {"--help", "eval --help", "run --help", "functions --help", "test --help", "info --help"}) {
+        const Outcome result = run(arguments);
+        EXPECT_EQ(result.status, 0) << arguments;
+        EXPECT_THAT(result.out, HasSubstr("Example")) << arguments;
+        EXPECT_EQ(result.err, "") << arguments;
+    }
+}
+
+} // namespace
+} // namespace host

@@ -1,0 +1,153 @@
+// The interactive prompt, on a pseudo-terminal.
+#include <chrono>
+#include <cstdlib>
+#include <filesystem>
+#include <fstream>
+#include <gmock/gmock.h>
+#include <gtest/gtest.h>
+#include <iterator>
+#include <poll.h>
+#include <pty.h>
+#include <string>
+#include <sys/wait.h>
+#include <unistd.h>
+
+namespace host {
+namespace {
+
+namespace fs = std::filesystem;
+using testing::HasSubstr;
+
+constexpr int kPatience = 20'000; // milliseconds for an answer of the program
+
+class Prompt : public testing::Test {
+  protected:
+    Prompt() {
+        char pattern[] = "/tmp/prompt-test-XXXXXX";
+        folder_ = mkdtemp(pattern);
+        start();
+    }
+    ~Prompt() override {
+        if (terminal_ >= 0) {
+            close(terminal_);
+            waitpid(program_, nullptr, 0);
+        }
+        fs::remove_all(folder_);
+    }
+
+    void start() {
+        program_ = forkpty(&terminal_, nullptr, nullptr, nullptr);
+        if (program_ == 0) {
+            setenv("HOME", folder_.c_str(), 1);
+            setenv("XDG_STATE_HOME", (folder_ / "state").c_str(), 1);
+            setenv("TERM", "dumb", 1);
+            setenv("LC_ALL", "C", 1);
+            execl(FMHOST, FMHOST, "--plugin", TEST_PLUGINS "/good_plugin.fmx", nullptr);
+            _exit(127);
+        }
+        waitFor("> ");
+    }
+
+    void type(const std::string& text) {
+        seen_.clear();
+        ASSERT_EQ(write(terminal_, text.data(), text.size()), static_cast<ssize_t>(text.size()));
+    }
+
+    // Reads until [text] has appeared since the last typing.
+    void waitFor(const std::string& text) {
+        while (seen_.find(text) == std::string::npos) {
+            pollfd input{terminal_, POLLIN, 0};
+            char buffer[4096];
+            ssize_t size = 0;
+            if (poll(&input, 1, kPatience) > 0) {
+                size = read(terminal_, buffer, sizeof buffer);
+            }
+            if (size <= 0) {
+                FAIL() << "no " << text << " in: " << seen_;
+            }
+            seen_.append(buffer, static_cast<size_t>(size));
+        }
+    }
+
+    // Types a line and waits for what follows its echo.
+    void enter(const std::string& line, const std::string& answer) {
+        type(line + "\r");
+        waitFor("\n" + answer);
+    }
+
+    int exitStatus() {
+        int status = 0;
+        char buffer[4096];
+        while (read(terminal_, buffer, sizeof buffer) > 0) {
+        }
+        waitpid(program_, &status, 0);
+        close(terminal_);
+        terminal_ = -1;
+        return WIFEXITED(status) ? WEXITSTATUS(status) : -1;
+    }
+
+    fs::path folder_;
+    std::string seen_;
+    int terminal_ = -1;
+    pid_t program_ = 0;
+};
+
+TEST_F(Prompt, EvaluatesAndKeepsVariables) {
+    enter("Let ( $x = 20 ; $x )", "20\r\n");
+    enter("$x + 1", "21\r\n");
+    enter("\"a¶b\"", "a\r\nb\r\n");
+    enter("quit", "");
+    EXPECT_EQ(exitStatus(), 0);
+}
+
+TEST_F(Prompt, AMistakeDoesNotEndIt) {
+    enter("Lenght ( 1 )", "1:1: there is no function called Lenght; did you mean Length?\r\n");
+    enter("Test_Throw ( \"runtime\" )", "1:1: Test_Throw failed: the printer is on fire\r\n");
+    enter("1 + 1", "2\r\n");
+}
+
+TEST_F(Prompt, AnIncompleteLineGoesOnAndControlCDropsIt) {
+    enter("1 +", ". ");
+    enter("2", "3\r\n");
+    enter("( 1", ". ");
+    type("\x03");
+    waitFor("> ");
+    enter("5", "5\r\n");
+}
+
+TEST_F(Prompt, ControlCStopsACalculation) {
+    type("While ( [ i = 0 ] ; i < 40000 ; [ i = i + 1 ; s = While ( j = 0 ; j < 40000 ; j = j + 1 ; j ) ] ; "
+         "i )\r");
+    waitFor("\n");
+    usleep(100'000);
+    type("\x03");
+    waitFor(": stopped\r\n");
+    enter("5", "5\r\n");
+}
+
+TEST_F(Prompt, ControlDLeaves) {
+    type("\x04");
+    EXPECT_EQ(exitStatus(), 0);
+}
+
+TEST_F(Prompt, KeepsAHistory) {
+    enter("1 + 41", "42\r\n");
+    enter("quit", "");
+    EXPECT_EQ(exitStatus(), 0);
+    std::ifstream file(folder_ / "state" / "fmhost" / "history");
+    const std::string history{std::istreambuf_iterator<char>(file), {}};
+    EXPECT_THAT(history, HasSubstr("1\\040+\\04041"));
+    start();
+    type("\x10"); // the line before
+    waitFor("1 + 41");
+    enter("", "42\r\n");
+}
+
+TEST_F(Prompt, ThePluginIsIdleWhileItWaits) {
+    usleep(600'000);
+    type("Test_Idle > 0\r");
+    waitFor("\n1\r\n");
+}
+
+} // namespace
+} // namespace host
