@@ -165,5 +165,33 @@ TEST(RoundTrip, UnknownLines) {
     EXPECT_GT(unknownLines(card).size(), 15u);
 }
 
+// Each line with what was once lost or doubled by it.
+TEST(RoundTrip, UnknownLinesThatAreHardToTellApart) {
+    const std::vector<std::vector<std::string>> cards{
+        {"TEL;type=HOME:1", "TEL;PREF=1:2", "TEL;type=HOME;PREF=3:1"}, // equal lines, one with parameters
+        {"item1.TEL:1", "item1.EMAIL:a", "item1.X-ABLabel:both", "item1.X-MORE:x"},
+        {"item1.TEL:1", "item1.X-ABLabel:one", "item1.X-ABLabel:two", "item1.X-MORE:x"},
+        {"item1.ADR:;;a", "item1.ADR:;;b", "item1.X-ABADR:dk", "item1.X-MORE:x"},
+        {"NOTE;QUOTED-PRINTABLE:a=00b", "X-A;QUOTED-PRINTABLE:a=00b"},
+    };
+    for (std::vector<std::string> lines : cards) {
+        lines.insert(lines.begin(), "N:A");
+        const Card card = readOne(cardText(lines));
+        const Card again = readOne(write(card));
+        EXPECT_EQ(unknownLines(again), unknownLines(card)) << write(card);
+        EXPECT_TRUE(sameContents(card, again)) << write(card);
+        EXPECT_EQ(write(again), write(card));
+    }
+}
+
+TEST(RoundTrip, LabelsChangedInsideAGroupStayApart) {
+    Card card =
+        readOne(cardText({"N:A", "item1.TEL:1", "item1.EMAIL:a", "item1.X-ABLabel:both", "item1.X-MORE:x"}));
+    card.values["Email"].as<MultiValue>()->entries[0].label = "other";
+    const Card again = readOne(write(card));
+    EXPECT_EQ(describe(again, property::kPhone), "[both:1]");
+    EXPECT_EQ(describe(again, property::kEmail), "[other:a]");
+}
+
 } // namespace
 } // namespace addressbook::vcard

@@ -14,15 +14,10 @@ struct BareParam {
     std::string_view word, name;
 };
 constexpr std::array kBareParams{
-    BareParam{"7BIT", "ENCODING"},
-    BareParam{"8BIT", "ENCODING"},
-    BareParam{"BASE64", "ENCODING"},
-    BareParam{"B", "ENCODING"},
-    BareParam{"QUOTED-PRINTABLE", "ENCODING"},
-    BareParam{"CID", "VALUE"},
-    BareParam{"CONTENT-ID", "VALUE"},
-    BareParam{"INLINE", "VALUE"},
-    BareParam{"URL", "VALUE"},
+    BareParam{"7BIT", "ENCODING"},   BareParam{"8BIT", "ENCODING"},
+    BareParam{"BASE64", "ENCODING"}, BareParam{"QUOTED-PRINTABLE", "ENCODING"},
+    BareParam{"CID", "VALUE"},       BareParam{"CONTENT-ID", "VALUE"},
+    BareParam{"INLINE", "VALUE"},    BareParam{"URL", "VALUE"},
 };
 
 bool isNameByte(char byte) {
@@ -30,8 +25,11 @@ bool isNameByte(char byte) {
            byte == '-' || byte == '_';
 }
 
+// Longer ones are no names but data; and a longer one could be folded, so that it reads like data.
+constexpr std::size_t kMaxName = 67;
+
 bool isName(std::string_view text) {
-    return !text.empty() && std::all_of(text.begin(), text.end(), isNameByte);
+    return !text.empty() && text.size() <= kMaxName && std::all_of(text.begin(), text.end(), isNameByte);
 }
 
 // A parameter value with its quotes and the caret escapes taken away.
@@ -51,38 +49,23 @@ std::string parameterText(std::string_view raw) {
     return text;
 }
 
-// Splits at [separator] outside quotes.
-std::vector<std::string_view> splitQuoted(std::string_view text, char separator) {
-    std::vector<std::string_view> parts;
-    const bool balanced = std::count(text.begin(), text.end(), '"') % 2 == 0;
-    bool quoted = false;
-    std::size_t start = 0;
-    for (std::size_t at = 0; at < text.size(); ++at) {
-        if (text[at] == '"' && balanced)
-            quoted = !quoted;
-        else if (text[at] == separator && !quoted) {
-            parts.push_back(text.substr(start, at - start));
-            start = at + 1;
-        }
-    }
-    parts.push_back(text.substr(start));
-    return parts;
-}
-
 Param parseParam(std::string_view text) {
-    const std::size_t equals = text.find('=');
-    if (equals == std::string_view::npos) {
-        const std::string upper = upperCase(trim(text));
+    Param param{"TYPE", {}};
+    if (const std::size_t equals = text.find('='); equals != std::string_view::npos) {
+        param.name = upperCase(trim(text.substr(0, equals)));
+        text = trim(text.substr(equals + 1));
+    } else {
+        text = trim(text);
+        const std::string upper = upperCase(text);
         const auto* row = std::find_if(kBareParams.begin(), kBareParams.end(),
                                        [&](const BareParam& bare) { return bare.word == upper; });
-        return {std::string(row == kBareParams.end() ? "TYPE" : row->name), {parameterText(trim(text))}};
+        if (row != kBareParams.end())
+            param.name = row->name;
     }
-    Param param{upperCase(trim(text.substr(0, equals))), {}};
-    text = trim(text.substr(equals + 1));
-    // Only these hold lists; a comma in any other is a comma. TYPE="work,voice" is a list as well.
+    // TYPE="work,voice" is a list as well.
     const bool isType = param.name == "TYPE";
     for (const std::string_view part : splitQuoted(text, ',')) {
-        std::string value = parameterText(part);
+        std::string value(trim(parameterText(part)));
         if (!isType) {
             param.values.push_back(std::move(value));
             continue;
@@ -147,7 +130,7 @@ std::optional<ContentLine> parseContentLine(const PropertyLine& line) {
         Param param = parseParam(parts[at]);
         if (param.name == "CHARSET")
             charset = param.values.empty() ? std::string() : param.values.front();
-        else if (param.name != "ENCODING")
+        else if (param.name != "ENCODING" && isName(param.name))
             result.params.push_back(std::move(param));
     }
 
@@ -158,6 +141,7 @@ std::optional<ContentLine> parseContentLine(const PropertyLine& line) {
         result.value = value;
     else
         result.value = toUtf8(std::string(value), charset);
+    std::erase(result.value, '\0');
     return result;
 }
 

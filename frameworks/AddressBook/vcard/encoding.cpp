@@ -235,6 +235,23 @@ std::vector<std::string_view> splitEscaped(std::string_view text, char separator
     return parts;
 }
 
+std::vector<std::string_view> splitQuoted(std::string_view text, char separator) {
+    std::vector<std::string_view> parts;
+    const bool balanced = std::count(text.begin(), text.end(), '"') % 2 == 0;
+    bool quoted = false;
+    std::size_t start = 0;
+    for (std::size_t at = 0; at < text.size(); ++at) {
+        if (text[at] == '"' && balanced)
+            quoted = !quoted;
+        else if (text[at] == separator && !quoted) {
+            parts.push_back(text.substr(start, at - start));
+            start = at + 1;
+        }
+    }
+    parts.push_back(text.substr(start));
+    return parts;
+}
+
 std::string upperCase(std::string_view text) {
     std::string upper(text);
     for (char& byte : upper)

@@ -37,6 +37,9 @@ std::string escape(std::string_view text);
 // the parts are still escaped.
 std::vector<std::string_view> splitEscaped(std::string_view text, char separator, std::size_t most = 1000);
 
+// Splits at each [separator] outside quotes, with the quotes kept; everywhere when a quote is left open.
+std::vector<std::string_view> splitQuoted(std::string_view text, char separator);
+
 // ASCII helpers; other bytes stay as they are.
 std::string upperCase(std::string_view text);
 bool equalsIgnoringCase(std::string_view left, std::string_view right);

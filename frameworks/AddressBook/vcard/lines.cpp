@@ -49,12 +49,19 @@ std::size_t headerEnd(std::string_view line) {
 Transfer declaredTransfer(std::string_view header) {
     if (header.find(';') == std::string_view::npos)
         return Transfer::none;
-    const std::string upper = upperCase(header) + ';';
-    if (upper.find("QUOTED-PRINTABLE;") != std::string::npos)
-        return Transfer::quotedPrintable;
-    if (upper.find(";BASE64;") != std::string::npos || upper.find("=BASE64;") != std::string::npos ||
-        upper.find(";ENCODING=B;") != std::string::npos)
-        return Transfer::base64;
+    for (const std::string_view part : splitQuoted(header, ';')) {
+        std::string encoding = upperCase(trim(part));
+        if (encoding.starts_with("ENCODING=")) {
+            encoding.erase(0, encoding.find('=') + 1);
+            std::erase(encoding, '"');
+        } else if (encoding == "B") {
+            continue; // alone it may be any TYPE
+        }
+        if (encoding == "QUOTED-PRINTABLE")
+            return Transfer::quotedPrintable;
+        if (encoding == "BASE64" || encoding == "B")
+            return Transfer::base64;
+    }
     return Transfer::none;
 }
 

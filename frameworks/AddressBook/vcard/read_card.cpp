@@ -179,10 +179,12 @@ class CardReader {
         }
     }
 
-    // Whether an entry took the label; lines that come before their entry are asked for again at the end.
+    // Whether an entry took the label, or one that says the same; lines that come before their entry are
+    // asked for again at the end.
     bool usedLabel(const std::unordered_map<std::string, LabelInGroup>& lines, const ContentLine& line) {
         const auto found = lines.find(upperCase(line.group));
-        return found != lines.end() && found->second.line == &line && found->second.used;
+        return found != lines.end() && found->second.used &&
+               (found->second.line == &line || found->second.text == line.text());
     }
 
     const std::string& text(std::string_view property) const {
@@ -346,10 +348,12 @@ class CardReader {
                 abUuid_ = uuidOf(uid);
             return true;
         }
-        if (!uid_.empty())
-            return false;
-        uid_ = uid;
-        return true;
+        if (uid_.empty())
+            uid_ = uid;
+        if (uid == uid_)
+            return true;
+        keepUid_ = true; // so that it is again the first one
+        return false;
     }
 
     bool readMember(const ContentLine& line) {
@@ -664,7 +668,7 @@ class CardReader {
         if (uuid.empty())
             return;
         card_.uid = uuid + (card_.kind == Kind::group ? ":ABGroup" : ":ABPerson");
-        keepUid_ = !uid_.empty() && uid_ != uuid;
+        keepUid_ = keepUid_ || (!uid_.empty() && uid_ != uuid);
     }
 
     // The additions as stored lines, each with the line that it belongs to, in the order in which those are
@@ -674,25 +678,38 @@ class CardReader {
         for (const ContentLine* line : unknown_)
             if (!line->group.empty() && !isUsedLabel(*line))
                 groups.insert(upperCase(line->group));
-        std::map<std::pair<std::string_view, std::size_t>, const Addition*> wanted;
-        for (const Addition& each : additions_)
-            if (!each.params.empty() || groups.contains(upperCase(each.group)))
-                wanted.emplace(std::pair(each.property, each.entry), &each);
+        const auto isWanted = [&](const Addition& each) {
+            return !each.params.empty() || groups.contains(upperCase(each.group));
+        };
         std::vector<std::string> result;
-        if (wanted.empty())
+        if (std::none_of(additions_.begin(), additions_.end(), isWanted))
             return result;
-        for (const CardLine& line : cardLines(card_)) {
-            const auto found = wanted.find({line.property, line.entry});
-            if (found == wanted.end())
+        std::map<std::pair<std::string_view, std::size_t>, const Addition*> byEntry;
+        for (const Addition& each : additions_)
+            byEntry.emplace(std::pair(each.property, each.entry), &each);
+        // Of equal lines each needs an addition as soon as one does: they are told apart by their order.
+        const std::vector<CardLine> lines = cardLines(card_);
+        const auto additionOf = [&](const CardLine& line) {
+            const auto found = byEntry.find({line.property, line.entry});
+            return found == byEntry.end() ? nullptr : found->second;
+        };
+        const auto textOf = [](const CardLine& line) {
+            return std::pair<std::string_view, std::string_view>(line.name, matchedValue(line));
+        };
+        std::set<std::pair<std::string_view, std::string_view>> texts;
+        for (const CardLine& line : lines)
+            if (const Addition* addition = additionOf(line); addition && isWanted(*addition))
+                texts.insert(textOf(line));
+        for (const CardLine& line : lines) {
+            const Addition* addition = additionOf(line);
+            if (!addition || !texts.contains(textOf(line)))
                 continue;
-            const Addition& addition = *found->second;
             std::string text(1, kAddition);
-            if (groups.contains(upperCase(addition.group)))
-                text += groupNames_.renamed(addition.group) + '.';
-            text += line.name + renderParams(addition.params) + ':';
+            if (groups.contains(upperCase(addition->group)))
+                text += groupNames_.renamed(addition->group) + '.';
+            text += line.name + renderParams(addition->params) + ':';
             text += matchedValue(line);
             result.push_back(std::move(text));
-            wanted.erase(found);
         }
         return result;
     }

@@ -61,12 +61,20 @@ std::string write(const Card& card) {
 
     std::string out = "BEGIN:VCARD\r\nVERSION:3.0\r\n";
     GroupNames groups;
+    std::map<std::string, const CardLine*> firstInGroup;
     for (const CardLine& line : lines) {
         std::string group = groups.renamed(line.group);
+        bool hasLabel = false;
+        if (const CardLine*& first = firstInGroup[group]; !group.empty() && !first)
+            first = &line;
+        else if (!group.empty() && first->label == line.label && line.country.empty())
+            hasLabel = true;
+        else
+            group.clear(); // what belongs to the group's first line would be taken for this one's
         if (group.empty() && (!line.label.empty() || !line.country.empty()))
             group = groups.fresh();
         appendFolded(out, inGroup(group, line.name + line.params + ':' + line.value));
-        if (!line.label.empty())
+        if (!line.label.empty() && !hasLabel)
             appendFolded(out, inGroup(group, "X-ABLabel:" + escape(line.label)));
         if (!line.country.empty())
             appendFolded(out, inGroup(group, "X-ABADR:" + escape(line.country)));
@@ -87,6 +95,7 @@ std::string write(const Card& card) {
             appendFolded(out, "UID:" + uuidOf(card.uid));
         appendFolded(out, "X-ABUID:" + card.uid);
     }
+    std::erase(out, '\0'); // no reader takes it for text
     return out + "END:VCARD\r\n";
 }
 
