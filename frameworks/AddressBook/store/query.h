@@ -21,12 +21,11 @@
 // - Equality is for every type, item by item in arrays and dictionaries; case is ignored in text alone.
 // - Order is for text, numbers and dates; contained text, prefix and suffix are for text.
 // - A bit field matches when (value & wanted) == wanted; both are integers.
-// - The interval comparisons take a number of seconds, of which the n whole days count, and compare n with
-// the
-//   calendar days from today to a date or to date components. Around today: at most n before or after, none
-//   for n < 0. From today: 0 to n ahead, or for n < 0 0 to -n ago. Yearless: some anniversary of month and
-//   day lies there, across the turn of the year too, and 29 February falls on 28 February where there is
-//   none. Components without a year have only yearless intervals.
+// - The interval comparisons take a number of seconds. The n whole days in it are compared with the calendar
+//   days from today to a date or to date components. Around today: at most n before or after, none for n < 0.
+//   From today: 0 to n ahead, or for n < 0 0 to -n ago. Yearless: some anniversary of month and day lies
+//   there, across the turn of the year too, and 29 February falls on 28 February where there is none.
+//   Components without a year have only yearless intervals.
 
 #include "value.h"
 
