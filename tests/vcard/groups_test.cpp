@@ -10,10 +10,10 @@ namespace {
 TEST(Groups, BothSpellings) {
     const std::string a = "11111111-AAAA-4111-8111-111111111111", b = "22222222-AAAA-4222-8222-222222222222";
     for (const std::string prefix : {"X-ADDRESSBOOKSERVER-", ""}) {
-        const Card card = readOne(
-            cardText({"N:Rowers;;;;", "FN:The Rowers", prefix + "KIND:group", prefix + "MEMBER:urn:uuid:" + a,
-                      prefix + "MEMBER:urn:uuid:22222222-aaaa-4222-8222-222222222222",
-                      prefix + "MEMBER:urn:uuid:" + a, "UID:" + b, "X-COLOR:red"}));
+        const std::string member = prefix + "MEMBER:urn:uuid:";
+        const Card card = readOne(cardText({"N:Rowers;;;;", "FN:The Rowers", prefix + "KIND:group",
+                                            member + a, member + "22222222-aaaa-4222-8222-222222222222",
+                                            member + a, "UID:" + b, "X-COLOR:red"}));
         EXPECT_EQ(card.kind, Kind::group);
         EXPECT_EQ(card.uid, b + ":ABGroup");
         EXPECT_EQ(describe(card, property::kGroupName), "The Rowers");

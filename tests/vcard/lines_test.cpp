@@ -7,7 +7,7 @@
 namespace addressbook::vcard {
 namespace {
 
-std::string withLineEnds(std::string text, const std::string& end) {
+std::string withLineEnds(const std::string& text, const std::string& end) {
     std::string result;
     for (const char byte : text)
         result += byte == '\n' ? end : std::string(1, byte);

@@ -119,6 +119,7 @@ std::string text(const Store& store, const RecordRef& record, std::string_view p
 
 std::vector<Field> allFields(const Store& store) {
     std::vector<Field> fields;
+    fields.reserve(kFields.size());
     for (const Row& row : kFields)
         fields.push_back({std::string(row.name), std::string(row.property)});
     for (const PropertyDefinition& own : store.definitions())

@@ -98,7 +98,7 @@ void Importer::take(vcard::Card& card, const std::string& file) {
         if (copy == 2)
             report_(file,
                     {card.number, card.line, "its id is that of a card before; added as another record"});
-        uid = uidOf(vcard::uuidOf(uid + '#' + std::to_string(copy)), card.kind);
+        uid = uidOf(vcard::uuidOf(uid.append("#").append(std::to_string(copy))), card.kind);
     }
     if (!card.otherUuid.empty())
         aliases_.emplace(card.otherUuid, uid);

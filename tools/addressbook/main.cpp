@@ -377,5 +377,10 @@ int run(int argc, char** argv) {
 
 int main(int argc, char** argv) {
     std::signal(SIGPIPE, SIG_IGN); // a reader that has seen enough is no reason to die
-    return addressbook::tool::run(argc, argv);
+    try {
+        return addressbook::tool::run(argc, argv);
+    } catch (const std::exception& error) {
+        std::fprintf(stderr, "addressbook: %s\n", error.what());
+        return addressbook::tool::kIncomplete;
+    }
 }

@@ -115,11 +115,11 @@ std::string decodeQuotedPrintable(std::string_view text) {
 }
 
 Base64 decodeBase64(std::string_view text) {
-    static const std::array<signed char, 256> kDigits = [] {
-        std::array<signed char, 256> digits{};
+    static const std::array<int, 256> kDigits = [] {
+        std::array<int, 256> digits{};
         digits.fill(-1);
         for (std::size_t at = 0; at < kBase64.size(); ++at)
-            digits[static_cast<unsigned char>(kBase64[at])] = static_cast<signed char>(at);
+            digits[static_cast<unsigned char>(kBase64[at])] = static_cast<int>(at);
         return digits;
     }();
     Base64 result;

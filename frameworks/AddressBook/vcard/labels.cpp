@@ -71,6 +71,7 @@ TypeMeaning meaningOf(const std::vector<std::string>& types) {
             meaning.extra.push_back(type);
         }
     }
+    meaning.words = meaning.extra;
     const auto* row = std::find_if(kRows.begin(), kRows.end(), [&](const Row& each) {
         return contains(words, each.types[0]) && (each.types[1].empty() || contains(words, each.types[1]));
     });

@@ -17,7 +17,8 @@ inline constexpr std::string_view kHomePageLabel = "_$!<HomePage>!$_";
 struct TypeMeaning {
     std::string label;              // empty: none of them names a label
     bool preferred = false;         // "pref" is among them
-    std::vector<std::string> extra; // those that the label does not say, in their order
+    std::vector<std::string> words; // without those that say nothing about the entry, in their order
+    std::vector<std::string> extra; // of these, those that the label does not say
 };
 
 // Reads TYPE words. A word that no table knows becomes the label itself, so that custom labels survive.

@@ -1,17 +1,16 @@
-// Reading order: readCard at the end, CardReader from its run() down, helpers on values first.
+// Reading order: readCard at the end, then CardReader from its run() down.
 
 #include "read_card.h"
 
+#include "additions.h"
 #include "card_lines.h"
-#include "dates.h"
 #include "encoding.h"
 #include "frameworks/AddressBook/store/store.h"
 #include "labels.h"
+#include "line_values.h"
 #include "rules.h"
 
 #include <algorithm>
-#include <limits>
-#include <map>
 #include <set>
 #include <unordered_map>
 #include <utility>
@@ -20,49 +19,11 @@ namespace addressbook::vcard {
 
 namespace {
 
-constexpr int kNotPreferred = std::numeric_limits<int>::max();
-
-// What a line says about its entry besides label and value.
-struct Addition {
-    std::string_view property;
-    std::size_t entry = 0;
-    int preference = kNotPreferred; // 1 is the most preferred
-    std::string group;
-    std::string source;        // the vCard property's name in upper case
-    std::vector<Param> params; // that no property holds
-    bool messaging = false;    // the property holds names at one messaging service
-};
-
 struct LabelInGroup {
     ContentLine* line = nullptr;
     std::string text;
     bool used = false;
 };
-
-// "scheme" of "scheme:rest" when it looks like one.
-std::string_view schemeOf(std::string_view uri) {
-    const std::size_t colon = uri.find(':');
-    if (colon == std::string_view::npos || colon == 0)
-        return {};
-    const std::string_view scheme = uri.substr(0, colon);
-    const bool plain = std::all_of(scheme.begin(), scheme.end(), [](char byte) {
-        return (byte >= 'a' && byte <= 'z') || (byte >= 'A' && byte <= 'Z') || (byte >= '0' && byte <= '9') ||
-               byte == '+' || byte == '-' || byte == '.';
-    });
-    return plain ? scheme : std::string_view();
-}
-
-std::string withoutPrefix(std::string text, std::string_view prefix) {
-    if (equalsIgnoringCase(std::string_view(text).substr(0, prefix.size()), prefix))
-        text.erase(0, prefix.size());
-    return text;
-}
-
-bool isMessaging(std::string_view property) {
-    const auto services = messagingServices();
-    return std::any_of(services.begin(), services.end(),
-                       [&](const MessagingService& each) { return each.property == property; });
-}
 
 class CardReader {
   public:
@@ -270,20 +231,6 @@ class CardReader {
         return true;
     }
 
-    // The date of [line], its year left out when a parameter says so. Takes the parameters that it
-    // understands away.
-    static std::optional<Date> takeDay(ContentLine& line) {
-        int omitted = 0;
-        for (const char byte : line.param("X-APPLE-OMIT-YEAR").substr(0, 4))
-            omitted = byte >= '0' && byte <= '9' ? omitted * 10 + (byte - '0') : 0;
-        const auto date = parseDay(line.text(), omitted);
-        if (date)
-            std::erase_if(line.params, [](const Param& param) {
-                return param.name == "X-APPLE-OMIT-YEAR" || param.name == "VALUE";
-            });
-        return date;
-    }
-
     bool readDay(const Rule& rule, ContentLine& line) {
         if (trim(line.value).empty())
             return true;
@@ -295,25 +242,6 @@ class CardReader {
         card_.values[std::string(rule.property)] = *date;
         keepParams(rule.property, line);
         return true;
-    }
-
-    // The picture's data: declared as base64, in a data URI, or undeclared and plainly no address. Nothing
-    // when the line only says where the picture is.
-    static std::optional<std::string> pictureData(const ContentLine& line) {
-        const std::string_view value = trim(line.value);
-        const std::string_view scheme = schemeOf(value);
-        if (equalsIgnoringCase(scheme, "data")) {
-            const std::string uri = line.text();
-            const std::size_t comma = uri.find(',');
-            if (comma == std::string::npos || !upperCase(uri.substr(0, comma)).ends_with(";BASE64"))
-                return std::nullopt;
-            return uri.substr(comma + 1);
-        }
-        if (line.transfer == Transfer::base64)
-            return std::string(value);
-        if (!scheme.empty() || !line.param("VALUE").empty() || !decodeBase64(value).valid)
-            return std::nullopt;
-        return std::string(value);
     }
 
     bool readPicture(ContentLine& line) {
@@ -383,14 +311,14 @@ class CardReader {
             value = readAddress(line);
             break;
         case Shape::messaging:
-            value = readMessaging(line, property);
+            value = takeMessaging(line, property);
             break;
         case Shape::messagingNames:
             fallback = kOtherLabel;
             value = messagingValue(rule.label, std::string(trim(line.text())), property);
             break;
         case Shape::profiles:
-            value = readProfile(line);
+            value = takeProfile(line);
             break;
         case Shape::relations:
             if (equalsIgnoringCase(line.param("VALUE"), "uri") ||
@@ -399,10 +327,10 @@ class CardReader {
                 equalsIgnoringCase(schemeOf(line.value), "mailto"))
                 return false;
             fallback = takeRelation(line);
-            value = textValue(rule, line);
+            value = takeText(rule, line);
             break;
         default:
-            value = textValue(rule, line);
+            value = takeText(rule, line);
         }
         if (value.empty())
             return true;
@@ -410,113 +338,16 @@ class CardReader {
         return true;
     }
 
-    static Value textValue(const Rule& rule, ContentLine& line) {
-        std::string value(trim(line.text()));
-        if (rule.shape == Shape::telephones)
-            value = withoutPrefix(std::move(value), "tel:");
-        else if (rule.shape == Shape::links)
-            value = withoutPrefix(std::move(value), "mailto:");
-        std::erase_if(line.params, [](const Param& param) { return param.name == "VALUE"; });
-        return value.empty() ? Value() : Value(std::move(value));
-    }
-
-    static std::string takeRelation(ContentLine& line) {
-        for (auto param = line.params.begin(); param != line.params.end(); ++param)
-            if (param->name == "TYPE") {
-                std::string label = relationLabel(param->values);
-                line.params.erase(param);
-                if (!label.empty())
-                    return label;
-                break;
-            }
-        return std::string(kOtherLabel);
-    }
-
+    // The address in [line]; the country code stands in another line of its group.
     Value readAddress(const ContentLine& line) {
-        std::vector<std::string> parts = line.components(7);
-        parts.resize(7);
-        // Post-office box and extended address are lines of the street here.
-        std::string street;
-        for (std::size_t at = 0; at < 3; ++at)
-            if (!parts[at].empty())
-                street += (street.empty() ? "" : "\n") + parts[at];
-        Dictionary fields;
-        const auto set = [&fields](const char* key, std::string text) {
-            if (!text.empty())
-                fields[key] = std::move(text);
-        };
-        set("Street", std::move(street));
-        set("City", std::move(parts[3]));
-        set("State", std::move(parts[4]));
-        set("ZIP", std::move(parts[5]));
-        set("Country", std::move(parts[6]));
-        if (const auto code = countries_.find(upperCase(line.group));
-            code != countries_.end() && !line.group.empty()) {
-            // Some programs write a whole address there; that stays a line of its own.
-            if (code->second.text.size() == 2 && !code->second.used) {
-                set("CountryCode", code->second.text);
-                code->second.used = true;
-            }
+        Dictionary fields = addressFields(line);
+        const auto code = countries_.find(upperCase(line.group));
+        // Some programs write a whole address there; that stays a line of its own.
+        if (code != countries_.end() && !line.group.empty() && code->second.text.size() == 2 &&
+            !code->second.used) {
+            fields["CountryCode"] = code->second.text;
+            code->second.used = true;
         }
-        return fields.empty() ? Value() : Value(std::move(fields));
-    }
-
-    // A name at a messaging service; [property] becomes the one that holds it.
-    static Value messagingValue(std::string_view service, std::string user, std::string_view& property) {
-        if (user.empty())
-            return {};
-        for (const MessagingService& each : messagingServices())
-            if (equalsIgnoringCase(each.name, service)) {
-                service = each.name;
-                if (!each.property.empty()) {
-                    property = each.property;
-                    return user;
-                }
-            }
-        Dictionary fields{{std::string(kInstantMessageUsername), std::move(user)}};
-        if (!service.empty())
-            fields[std::string(kInstantMessageService)] = std::string(service);
-        return fields;
-    }
-
-    static Value readMessaging(ContentLine& line, std::string_view& property) {
-        std::string user(trim(line.text()));
-        const std::string scheme(schemeOf(user));
-        if (!scheme.empty())
-            user.erase(0, scheme.size() + 1);
-        std::string service(line.param("X-SERVICE-TYPE"));
-        if (service.empty() && !equalsIgnoringCase(scheme, "x-apple"))
-            service = scheme;
-        for (const MessagingService& each : messagingServices())
-            if (equalsIgnoringCase(service, each.scheme))
-                service = each.name;
-        std::erase_if(line.params, [](const Param& param) { return param.name == "X-SERVICE-TYPE"; });
-        return messagingValue(service, std::move(user), property);
-    }
-
-    static Value readProfile(ContentLine& line) {
-        Dictionary fields;
-        const auto take = [&](std::string_view name, std::string_view key) {
-            for (Param& param : line.params)
-                if (param.name == name) {
-                    // The first TYPE that is not "pref" is the service.
-                    const auto word =
-                        std::find_if(param.values.begin(), param.values.end(), [](const auto& each) {
-                            return !each.empty() && !equalsIgnoringCase(each, "pref");
-                        });
-                    if (word == param.values.end())
-                        continue;
-                    fields[std::string(key)] = std::move(*word);
-                    param.values.erase(word);
-                    break;
-                }
-            std::erase_if(line.params, [](const Param& param) { return param.values.empty(); });
-        };
-        take("TYPE", kSocialProfileService);
-        take("X-USER", kSocialProfileUsername);
-        take("X-USERID", kSocialProfileIdentifier);
-        if (std::string url(trim(line.text())); !url.empty())
-            fields[std::string(kSocialProfileUrl)] = std::move(url);
         return fields.empty() ? Value() : Value(std::move(fields));
     }
 
@@ -534,50 +365,14 @@ class CardReader {
 
         Addition addition{property, entries.size(), kNotPreferred, line.group, line.key, {}};
         addition.messaging = isMessaging(property);
-        std::string label = takeParams(line, addition);
-        if (const auto found = labels_.find(upperCase(line.group));
-            found != labels_.end() && !line.group.empty()) {
-            if (!label.empty() && !found->second.text.empty()) // the words stay beside the label
-                addition.params = std::move(typesBeside_);
-            if (!found->second.text.empty()) {
-                label = found->second.text;
-                found->second.used = true;
-            }
-        }
+        const auto found = labels_.find(upperCase(line.group));
+        const bool labelled = found != labels_.end() && !line.group.empty() && !found->second.text.empty();
+        if (labelled)
+            found->second.used = true;
+        std::string label = takeLabel(line, labelled ? found->second.text : std::string(), addition);
         entries.push_back(
             {newUuid(), label.empty() ? std::move(fallback) : std::move(label), std::move(value)});
         additions_.push_back(std::move(addition));
-    }
-
-    // Takes the parameters of an entry: the label that its TYPE words say is the answer, the rest goes to
-    // [addition]. typesBeside_ is what the rest would be if the label came from elsewhere.
-    std::string takeParams(ContentLine& line, Addition& addition) {
-        std::vector<std::string> types;
-        typesBeside_.clear();
-        for (Param& param : line.params) {
-            if (param.name == "TYPE") {
-                std::move(param.values.begin(), param.values.end(), std::back_inserter(types));
-                continue;
-            }
-            if (param.name == "PREF") {
-                const std::string number(line.param("PREF").substr(0, 3));
-                addition.preference = std::max(1, std::atoi(number.c_str()));
-            }
-            addition.params.push_back(param);
-        }
-        TypeMeaning meaning = meaningOf(types);
-        if (meaning.preferred && addition.preference == kNotPreferred)
-            addition.preference = 1;
-        typesBeside_ = addition.params;
-        std::erase_if(types, [](const std::string& type) {
-            const std::string upper = upperCase(type);
-            return upper.empty() || upper == "PREF" || upper == "INTERNET" || upper == "VOICE";
-        });
-        if (!types.empty())
-            typesBeside_.push_back({"TYPE", std::move(types)});
-        if (!meaning.extra.empty())
-            addition.params.push_back({"TYPE", std::move(meaning.extra)});
-        return meaning.label;
     }
 
     // The end: what only the whole card tells.
@@ -594,11 +389,15 @@ class CardReader {
 
     std::string finishPerson() {
         finishName();
-        if (card_.values.empty())
+        if (card_.values.size() == (isSet(property::kPersonFlags) ? 1 : 0))
             return lines_.empty() ? "the card is empty" : "the card has nothing that an address book shows";
-        setPrimaries();
+        setPrimaries(additions_, card_);
         finishUid();
-        keepUnknown(additionLines());
+        std::set<std::string> groups;
+        for (const ContentLine* line : unknown_)
+            if (!line->group.empty() && !isUsedLabel(*line))
+                groups.insert(upperCase(line->group));
+        keepUnknown(additionLines(additions_, card_, groups, groupNames_));
         return {};
     }
 
@@ -639,23 +438,6 @@ class CardReader {
         setText(property::kLast, fullName_.substr(space + 1));
     }
 
-    // Each list's primary entry: the first of those with the best preference. PREF=n of the others stays.
-    void setPrimaries() {
-        std::map<std::string_view, Addition*> best;
-        for (Addition& each : additions_)
-            if (each.preference != kNotPreferred) {
-                Addition*& chosen = best[each.property];
-                if (!chosen || each.preference < chosen->preference)
-                    chosen = &each;
-            }
-        for (auto& [property, chosen] : best) {
-            auto& list = *card_.values[std::string(property)].as<MultiValue>();
-            if (chosen->entry > 0)
-                list.primary = list.entries[chosen->entry].identifier;
-            std::erase_if(chosen->params, [](const Param& param) { return param.name == "PREF"; });
-        }
-    }
-
     void finishUid() {
         std::string uuid = abUuid_;
         if (!uid_.empty()) {
@@ -669,49 +451,6 @@ class CardReader {
             return;
         card_.uid = uuid + (card_.kind == Kind::group ? ":ABGroup" : ":ABPerson");
         keepUid_ = keepUid_ || (!uid_.empty() && uid_ != uuid);
-    }
-
-    // The additions as stored lines, each with the line that it belongs to, in the order in which those are
-    // written.
-    std::vector<std::string> additionLines() {
-        std::set<std::string> groups;
-        for (const ContentLine* line : unknown_)
-            if (!line->group.empty() && !isUsedLabel(*line))
-                groups.insert(upperCase(line->group));
-        const auto isWanted = [&](const Addition& each) {
-            return !each.params.empty() || groups.contains(upperCase(each.group));
-        };
-        std::vector<std::string> result;
-        if (std::none_of(additions_.begin(), additions_.end(), isWanted))
-            return result;
-        std::map<std::pair<std::string_view, std::size_t>, const Addition*> byEntry;
-        for (const Addition& each : additions_)
-            byEntry.emplace(std::pair(each.property, each.entry), &each);
-        // Of equal lines each needs an addition as soon as one does: they are told apart by their order.
-        const std::vector<CardLine> lines = cardLines(card_);
-        const auto additionOf = [&](const CardLine& line) {
-            const auto found = byEntry.find({line.property, line.entry});
-            return found == byEntry.end() ? nullptr : found->second;
-        };
-        const auto textOf = [](const CardLine& line) {
-            return std::pair<std::string_view, std::string_view>(line.name, matchedValue(line));
-        };
-        std::set<std::pair<std::string_view, std::string_view>> texts;
-        for (const CardLine& line : lines)
-            if (const Addition* addition = additionOf(line); addition && isWanted(*addition))
-                texts.insert(textOf(line));
-        for (const CardLine& line : lines) {
-            const Addition* addition = additionOf(line);
-            if (!addition || !texts.contains(textOf(line)))
-                continue;
-            std::string text(1, kAddition);
-            if (groups.contains(upperCase(addition->group)))
-                text += groupNames_.renamed(addition->group) + '.';
-            text += line.name + renderParams(addition->params) + ':';
-            text += matchedValue(line);
-            result.push_back(std::move(text));
-        }
-        return result;
     }
 
     bool isUsedLabel(const ContentLine& line) {
@@ -742,7 +481,6 @@ class CardReader {
     std::unordered_map<std::string, LabelInGroup> labels_, countries_; // by group in upper case
     std::vector<ContentLine*> unknown_;
     std::vector<Addition> additions_;
-    std::vector<Param> typesBeside_;
     std::vector<std::string> names_; // of N
     std::string fullName_, uid_, abUuid_;
     std::set<std::string> members_;

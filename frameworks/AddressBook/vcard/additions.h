@@ -1,0 +1,43 @@
+#pragma once
+
+// What a property line says besides its label and value: which entry is the primary one, and the parameters
+// and group that have to come back with the line when the card is written.
+
+#include "card_lines.h"
+#include "content_line.h"
+#include "vcard.h"
+
+#include <cstddef>
+#include <limits>
+#include <set>
+#include <string>
+#include <string_view>
+#include <vector>
+
+namespace addressbook::vcard {
+
+inline constexpr int kNotPreferred = std::numeric_limits<int>::max();
+
+struct Addition {
+    std::string_view property;      // of the address book
+    std::size_t entry = 0;          // of the property, when it is a list
+    int preference = kNotPreferred; // 1 is the most preferred
+    std::string group;
+    std::string source;        // the vCard property's name in upper case
+    std::vector<Param> params; // that no property holds
+    bool messaging = false;    // the property holds names at one messaging service
+};
+
+// The label of an entry: [groupLabel] if there is one, else what the TYPE words say, else empty. The line's
+// preference and all parameters that the label does not say go to [addition].
+std::string takeLabel(const ContentLine& line, const std::string& groupLabel, Addition& addition);
+
+// Marks each list's primary entry: the first of those with the best preference. PREF=n of the others stays.
+void setPrimaries(std::vector<Addition>& additions, Card& card);
+
+// The additions as stored lines, each with the line that it belongs to, in the order in which those are
+// written. [groups] are those, in upper case, that unknown lines belong to.
+std::vector<std::string> additionLines(const std::vector<Addition>& additions, const Card& card,
+                                       const std::set<std::string>& groups, GroupNames& groupNames);
+
+} // namespace addressbook::vcard
