@@ -95,6 +95,24 @@ TEST_F(RecordTest, KeepsEveryText) {
     EXPECT_EQ([[last copy] autorelease], last);
 }
 
+// GNUstep takes these for byte-order marks when it makes a string of units: it drops the first, and turns
+// what follows the second round.
+TEST_F(RecordTest, KeepsByteOrderMarksInFront) {
+    for (const unichar mark : {unichar(0xFEFF), unichar(0xFFFE)}) {
+        NSMutableString* text = [NSMutableString stringWithString:@"?abc"];
+        [text replaceCharactersInRange:NSMakeRange(0, 1) withString:[NSString stringWithFormat:@"%C", mark]];
+        ASSERT_EQ([text length], 4u);
+        ASSERT_EQ([text characterAtIndex:0], mark);
+        ABPerson* one = person(text, nil);
+        NSString* uid = [one uniqueId];
+        reopen();
+        NSString* read = [[book() recordForUniqueId:uid] valueForProperty:kABFirstNameProperty];
+        ASSERT_EQ([read length], 4u);
+        EXPECT_EQ([read characterAtIndex:0], mark);
+        EXPECT_EQ([read characterAtIndex:3], 'c');
+    }
+}
+
 TEST_F(RecordTest, EntriesKeepIdentifierLabelAndPrimary) {
     ABMutableMultiValue* phones = [[[ABMutableMultiValue alloc] init] autorelease];
     NSString* home = [phones addValue:@"1" withLabel:kABHomeLabel];

@@ -52,8 +52,11 @@ namespace addressbook {
 
 namespace {
 
-// Whether the units hold half of a surrogate pair without the other half.
-bool hasLoneSurrogate(const std::u16string& units) {
+// Whether GNUstep's strings would not keep the units as they are: it refuses half of a surrogate pair without
+// the other half, and takes a byte-order mark in front for one that says how to read the rest.
+bool needsRawText(const std::u16string& units) {
+    if (!units.empty() && (units[0] == 0xFEFF || units[0] == 0xFFFE))
+        return true;
     for (std::size_t i = 0; i < units.size(); ++i) {
         if ((units[i] & 0xF800) != 0xD800)
             continue;
@@ -191,7 +194,7 @@ std::string textFrom(NSString* string) {
 
 NSString* stringFrom(std::string_view text) {
     const std::u16string units = utf16FromUtf8(text);
-    if (hasLoneSurrogate(units))
+    if (needsRawText(units))
         return [[[ABRawText alloc] initWithUnits:units] autorelease];
     return [NSString stringWithCharacters:reinterpret_cast<const unichar*>(units.data()) length:units.size()];
 }
