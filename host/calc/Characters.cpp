@@ -23,7 +23,7 @@ size_t Characters::offsetOf(size_t character) const {
         return character;
     }
     size_t offset = 0;
-    U16_FWD_N(text_.data(), offset, text_.size(), character);
+    U16_FWD_N(text_.data(), offset, text_.size(), character); // NOLINT(readability-container-size-empty)
     return offset;
 }
 

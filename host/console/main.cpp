@@ -126,7 +126,7 @@ ExitCode runCommand(const CLI::App& app, const CommandLine& line) {
 
 } // namespace
 
-int main(int argc, char** argv) {
+int main(int argc, char** argv) { // NOLINT(bugprone-exception-escape): writing the message may fail
     CommandLine line;
     CLI::App app("Loads a FileMaker plug-in, evaluates calculations and runs scripts with it.", "fmhost");
     defineOptions(app, line);
@@ -145,5 +145,8 @@ int main(int argc, char** argv) {
     } catch (const CalcError& error) {
         std::cerr << error.report() << std::endl;
         return static_cast<int>(exitCodeOf(error));
+    } catch (const std::exception& error) {
+        std::cerr << "fmhost: " << error.what() << std::endl;
+        return static_cast<int>(ExitCode::failure);
     }
 }

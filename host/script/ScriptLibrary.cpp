@@ -41,7 +41,7 @@ SourcePtr readSource(const fs::path& file) {
     return std::make_shared<Source>(file.string(), std::move(text));
 }
 
-ScriptLibrary::ScriptLibrary(fs::path folder, const FunctionRegistry& functions)
+ScriptLibrary::ScriptLibrary(const fs::path& folder, const FunctionRegistry& functions)
     : folder_(fs::absolute(folder).lexically_normal()), functions_(functions) {
     if (!folder_.has_filename()) {
         folder_ = folder_.parent_path(); // "scripts/" is "scripts"
