@@ -59,7 +59,7 @@ class Program : public testing::Test {
     }
 
     fs::path write(const std::string& name, const std::string& text) const {
-        const fs::path file = folder_ / name;
+        fs::path file = folder_ / name;
         fs::create_directories(file.parent_path());
         std::ofstream(file, std::ios::binary) << text;
         return file;

@@ -26,7 +26,7 @@ class Scripts : public testing::Test, protected ScriptListener {
     ~Scripts() override { fs::remove_all(root_); }
 
     fs::path write(const std::string& name, const std::string& text) const {
-        const fs::path file = root_ / "main" / (name + ".fmscript");
+        fs::path file = root_ / "main" / (name + ".fmscript");
         fs::create_directories(file.parent_path());
         std::ofstream(file, std::ios::binary) << text;
         return file;
