@@ -2,6 +2,7 @@
 
 #import "plugin/records/plugin_state.h"
 #import "plugin/records/record_type.h"
+#import "plugin/records/shared_book.h"
 #import "plugin/shell/handler_frame.h"
 #include "plugin/shell/handlers.h"
 
@@ -31,8 +32,7 @@ NSString* openAt(std::uint32_t index, const Retained<NSArray>& results, Retained
 template <typename Record>
 NSString* openById(NSString* uniqueId, std::uint32_t type, Retained<Record>& current) {
     current.reset();
-    current = Retained<Record>::retain(
-        static_cast<Record*>([[ABAddressBook sharedAddressBook] recordForUniqueId:uniqueId]));
+    current = Retained<Record>::retain(static_cast<Record*>([sharedBook() recordForUniqueId:uniqueId]));
     state.g_currentRecordType = type;
     state.g_lastSearchType = type;
     if (!current) {

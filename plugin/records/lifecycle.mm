@@ -1,20 +1,17 @@
 #import "plugin/records/lifecycle.h"
 
 #import "plugin/records/plugin_state.h"
+#import "plugin/records/shared_book.h"
 #import "plugin/shell/handler_frame.h"
 #include "plugin/shell/handlers.h"
 
 namespace {
 
-ABAddressBook* book() {
-    return [ABAddressBook sharedAddressBook];
-}
-
 // A new record in place of a side's current one; answers its unique id.
 template <typename Record>
 NSString* makeCurrent(Retained<Record>& current) {
     current.reset();
-    current = Retained<Record>::adopt([[Record alloc] initWithAddressBook:book()]);
+    current = Retained<Record>::adopt([[Record alloc] initWithAddressBook:sharedBook()]);
     state.gNewRecord = true;
     return [current.get() valueForProperty:kABUIDProperty];
 }
@@ -22,7 +19,7 @@ NSString* makeCurrent(Retained<Record>& current) {
 // Adds a side's current record to the address book, where it is to be opened by its id from then on.
 template <typename Record>
 void addCurrent(Retained<Record>& current) {
-    [book() addRecord:current.get()];
+    [sharedBook() addRecord:current.get()];
     current.reset();
     state.gNewRecord = false;
 }
@@ -35,10 +32,10 @@ class Clearing {
     // Chooses what to remove. Everything is listed before anything is removed.
     void choose(NSString* what) {
         if (what == nil || [what caseInsensitiveCompare:@"members"] == NSOrderedSame) {
-            people_ = group_ != nil ? [group_ members] : [book() people];
+            people_ = group_ != nil ? [group_ members] : [sharedBook() people];
         }
         if (what == nil || [what caseInsensitiveCompare:@"groups"] == NSOrderedSame) {
-            groups_ = group_ != nil ? [group_ subgroups] : [book() groups];
+            groups_ = group_ != nil ? [group_ subgroups] : [sharedBook() groups];
         }
     }
 
@@ -47,7 +44,7 @@ class Clearing {
         for (NSUInteger i = 0; i < [people_ count]; ++i) {
             ABPerson* person = [people_ objectAtIndex:i];
             if (group_ != nil || ownCard_ == nil || ![person isEqual:ownCard_]) {
-                [book() removeRecord:person];
+                [sharedBook() removeRecord:person];
             }
         }
     }
@@ -59,7 +56,7 @@ class Clearing {
             if (group_ != nil) {
                 [group_ removeSubgroup:each];
             } else {
-                [book() removeRecord:each];
+                [sharedBook() removeRecord:each];
             }
         }
     }
@@ -78,7 +75,8 @@ bool openGroup(NSString* groupId) {
         return false;
     }
     state.g_group.reset();
-    state.g_group = Retained<ABGroup>::retain(static_cast<ABGroup*>([book() recordForUniqueId:groupId]));
+    state.g_group =
+        Retained<ABGroup>::retain(static_cast<ABGroup*>([sharedBook() recordForUniqueId:groupId]));
     if (!state.g_group) {
         setError(kRecordDoesNotExist);
         return false;
@@ -124,7 +122,7 @@ NSString* saveRecords() {
         }
     }
     NSError* error = nil;
-    if (![book() saveAndReturnError:&error]) {
+    if (![sharedBook() saveAndReturnError:&error]) {
         setError(kSaveFailed);
         if (error != nil) {
             keepExceptionText(error);
@@ -141,12 +139,12 @@ NSString* saveRecords() {
 }
 
 NSString* deleteRecord(NSString* uniqueId) {
-    ABRecord* record = [book() recordForUniqueId:uniqueId];
-    if (record == nil || ![book() removeRecord:record]) {
+    ABRecord* record = [sharedBook() recordForUniqueId:uniqueId];
+    if (record == nil || ![sharedBook() removeRecord:record]) {
         setError(kRecordDoesNotExist);
         return nil;
     }
-    if (![book() save]) {
+    if (![sharedBook() save]) {
         setError(kDeleteFailed);
         return nil;
     }
@@ -154,7 +152,7 @@ NSString* deleteRecord(NSString* uniqueId) {
 }
 
 NSString* clearAll(NSString* groupId, NSString* what, bool keepOwnCard) {
-    ABPerson* ownCard = keepOwnCard ? [book() me] : nil;
+    ABPerson* ownCard = keepOwnCard ? [sharedBook() me] : nil;
     if (groupId != nil && !openGroup(groupId)) {
         return nil;
     }
@@ -163,7 +161,7 @@ NSString* clearAll(NSString* groupId, NSString* what, bool keepOwnCard) {
     clearing.removePeople();
     clearing.removeGroups();
     NSError* error = nil;
-    [book() saveAndReturnError:&error];
+    [sharedBook() saveAndReturnError:&error];
     if (error != nil) {
         keepExceptionText(error);
         setError(kSaveFailed);

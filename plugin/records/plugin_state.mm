@@ -1,5 +1,6 @@
 #import "plugin/records/plugin_state.h"
 
+#import "plugin/records/shared_book.h"
 #include "plugin/shell/error_state.h"
 #include "plugin/support/immortal.h"
 
@@ -24,7 +25,7 @@ ABPropertyType typeOfCurrentProperty(NSString* property) {
 }
 
 bool isPersonId(NSString* uniqueId) {
-    NSString* recordClass = [[ABAddressBook sharedAddressBook] recordClassFromUniqueId:uniqueId];
+    NSString* recordClass = [sharedBook() recordClassFromUniqueId:uniqueId];
     return recordClass == nil || [recordClass isEqualToString:@"ABPerson"];
 }
 

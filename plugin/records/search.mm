@@ -1,6 +1,7 @@
 #import "plugin/records/search.h"
 
 #import "plugin/records/plugin_state.h"
+#import "plugin/records/shared_book.h"
 #import "plugin/shell/handler_frame.h"
 #include "plugin/shell/handlers.h"
 #include "plugin/support/numbers.h"
@@ -169,8 +170,7 @@ NSString* search(const SearchArguments& arguments) {
     if (errors.g_llasterror != kSuccess) {
         return nil;
     }
-    NSArray* found =
-        [[ABAddressBook sharedAddressBook] recordsMatchingSearchElement:state.g_searchelement.get()];
+    NSArray* found = [sharedBook() recordsMatchingSearchElement:state.g_searchelement.get()];
     NSString* count = [NSString stringWithFormat:@"%u", static_cast<unsigned>([found count])];
     auto& results =
         state.g_lastSearchType == kGroupType ? state.g_groupSearchResults : state.g_personSearchResults;

@@ -20,15 +20,19 @@ NSCalendar* gregorianCalendar() {
 }
 
 // Stores a date in the result as a time stamp of the Gregorian calendar in the system's time zone, to the
-// second.
+// second. Answers nothing when the host has no such date, as after the year 4000.
 Answer writeTimeStamp(NSDate* date, fmx::Data& result) {
     NSDateComponents* parts = [gregorianCalendar() components:static_cast<NSCalendarUnit>(kDateAndTimeUnits)
                                                      fromDate:date];
     fmx::DateTimeAutoPtr stamp;
-    stamp->SetNormalizedDate(static_cast<fmx::int16>([parts month]), static_cast<fmx::int16>([parts day]),
-                             static_cast<fmx::int16>([parts year]));
-    stamp->SetNormalizedTime([parts hour], static_cast<fmx::int16>([parts minute]),
-                             static_cast<fmx::int16>([parts second]), 0);
+    const fmx::errcode dateError =
+        stamp->SetNormalizedDate(static_cast<fmx::int16>([parts month]), static_cast<fmx::int16>([parts day]),
+                                 static_cast<fmx::int16>([parts year]));
+    const fmx::errcode timeError = stamp->SetNormalizedTime(
+        [parts hour], static_cast<fmx::int16>([parts minute]), static_cast<fmx::int16>([parts second]), 0);
+    if (dateError != 0 || timeError != 0) {
+        return {};
+    }
     result.SetAsTimeStamp(*stamp, fmx::Data::kDTTimeStamp);
     return Answer::written();
 }
@@ -38,7 +42,8 @@ Answer textAnswer(id value) {
     return [value description];
 }
 
-// The steps of GetPropertyValue once the property is open; the value is set as soon as it is found.
+// The steps of GetPropertyValue once the property is open. The value is set as soon as it is found, so that
+// an exception leaves what there is by then: an address whose field could not be read, for one.
 void findValue(NSString* identifier, NSString* key, id& value) {
     if (identifier == nil) {
         value = [currentRecord() valueForProperty:state.gCurrentProperty.get()];
@@ -57,17 +62,18 @@ void findValue(NSString* identifier, NSString* key, id& value) {
     if (key == nil) {
         return;
     }
-    id address = std::exchange(value, nil);
-    if (![address isKindOfClass:[NSDictionary class]]) {
+    if (![value isKindOfClass:[NSDictionary class]]) {
+        value = nil;
         setError(kNotAnAddress);
         return;
     }
     NSString* field = toKeyString(key);
     if (field == nil) {
+        value = nil;
         setError(kInvalidKey);
         return;
     }
-    value = [address objectForKey:field];
+    value = [value objectForKey:field];
 }
 
 } // namespace

@@ -3,8 +3,50 @@
 #import "plugin/records/plugin_state.h"
 #import "plugin/shell/error_state.h"
 #include "tests/plugin/support.h"
+#include <array>
+#include <cstdlib>
+
+// An address whose fields cannot be read, and a person whose every value it is.
+@interface VelocardFailingAddress : NSDictionary
+@end
+@implementation VelocardFailingAddress
+- (NSUInteger)count {
+    return 1;
+}
+- (id)objectForKey:(id)key {
+    [NSException raise:NSInternalInconsistencyException format:@"cannot read %@", key];
+    return nil;
+}
+- (NSEnumerator*)keyEnumerator {
+    return [[NSArray array] objectEnumerator];
+}
+@end
+
+@interface VelocardFailingAddressPerson : ABPerson
+@end
+@implementation VelocardFailingAddressPerson
+- (id)valueForProperty:(NSString*)property {
+    (void)property;
+    return [[[VelocardFailingAddress alloc] init] autorelease];
+}
+@end
 
 namespace {
+
+// Another time zone of the system for the rest of the block.
+class SystemTimeZone {
+  public:
+    explicit SystemTimeZone(const char* name) { set(name); }
+    ~SystemTimeZone() { set("UTC"); }
+    SystemTimeZone(const SystemTimeZone&) = delete;
+    SystemTimeZone& operator=(const SystemTimeZone&) = delete;
+
+  private:
+    static void set(const char* name) {
+        setenv("TZ", name, 1);
+        [NSTimeZone resetSystemTimeZone];
+    }
+};
 
 class ValueFormatTest : public PluginTest {
   protected:
@@ -107,6 +149,57 @@ TEST_F(ValueFormatTest, ADateIsATimeStampInTheSystemsTimeZone) {
     EXPECT_EQ(stamp.GetMinute(), 14);
     EXPECT_EQ(stamp.GetSec(), 15);
     EXPECT_EQ(stamp.GetUSec(), 0);
+}
+
+TEST_F(ValueFormatTest, ATimeStampFollowsTheClocksOfTheTimeZone) {
+    // Year, month, day, hour, minute, second.
+    using Parts = std::array<int, 6>;
+    const auto partsOf = [&](NSString* seconds) {
+        EXPECT_TRUE(singleValueAnswer(date(seconds), kABDateProperty, @"birthday", *result_).isWritten());
+        const fmx::DateTime& stamp = result_->GetAsTimeStamp();
+        return Parts{stamp.GetYear(),   stamp.GetMonth(), stamp.GetDay(), static_cast<int>(stamp.GetHour()),
+                     stamp.GetMinute(), stamp.GetSec()};
+    };
+    {
+        const SystemTimeZone zone("America/New_York");
+        EXPECT_EQ(partsOf(@"1330495200"), (Parts{2012, 2, 29, 1, 0, 0}));
+        // The clocks go from 2 to 3 on 11 March, and from 2 back to 1 on 4 November.
+        EXPECT_EQ(partsOf(@"1331449199"), (Parts{2012, 3, 11, 1, 59, 59}));
+        EXPECT_EQ(partsOf(@"1331449200"), (Parts{2012, 3, 11, 3, 0, 0}));
+        EXPECT_EQ(partsOf(@"1352006999"), (Parts{2012, 11, 4, 1, 29, 59}));
+        EXPECT_EQ(partsOf(@"1352010599"), (Parts{2012, 11, 4, 1, 29, 59}));
+        // The day before, there.
+        EXPECT_EQ(partsOf(@"1356999600"), (Parts{2012, 12, 31, 19, 20, 0}));
+    }
+    EXPECT_EQ(partsOf(@"1330495200"), (Parts{2012, 2, 29, 6, 0, 0}));
+}
+
+TEST_F(ValueFormatTest, ADateThatTheHostHasNotIsEmpty) {
+    // The last second of the year 4000, the next, and a day of the year 9999.
+    EXPECT_TRUE(singleValueAnswer(date(@"64092211199"), kABDateProperty, @"birthday", *result_).isWritten());
+    EXPECT_EQ(result_->GetAsTimeStamp().GetYear(), 4000);
+    for (NSString* seconds : {@"64092211200", @"253370764800"}) {
+        const Answer answer = singleValueAnswer(date(seconds), kABDateProperty, @"birthday", *result_);
+        EXPECT_FALSE(answer.isWritten()) << utf8(seconds);
+        EXPECT_EQ(answer.text(), nil);
+        EXPECT_FALSE(entryAnswer(date(seconds), kABMultiDateProperty, nil, *result_).isWritten());
+    }
+    EXPECT_EQ(errors.g_llasterror, kSuccess);
+    [state.g_person.get() setValue:date(@"253370764800") forProperty:kABBirthdayProperty];
+    EXPECT_EQ(call(Do_KORU_GetValueForProperty, {"birthday"}), "");
+    EXPECT_EQ(lastErrorText(), "Success");
+}
+
+TEST_F(ValueFormatTest, AnExceptionLeavesTheValueFoundSoFar) {
+    state.g_person = Retained<ABPerson>::adopt(
+        [[VelocardFailingAddressPerson alloc] initWithAddressBook:[ABAddressBook sharedAddressBook]]);
+    id value = GetPropertyValue(@"firstname", nil, @"City", 0);
+    EXPECT_TRUE([value isKindOfClass:[VelocardFailingAddress class]]);
+    EXPECT_EQ(errors.g_llasterror, kExceptionCaught);
+    EXPECT_EQ(utf8([errors.error getError]), "Exception caught in function cannot read City");
+    errors.g_llasterror = kSuccess;
+    EXPECT_EQ(GetPropertyValue(@"firstname", nil, @"Postcode", 0), nil);
+    EXPECT_EQ(errors.g_llasterror, kInvalidKey);
 }
 
 TEST_F(ValueFormatTest, OtherTypesWithTheDateBitTakeTheDatePath) {

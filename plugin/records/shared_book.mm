@@ -1,0 +1,9 @@
+#import "plugin/records/shared_book.h"
+
+ABAddressBook* sharedBook() {
+    ABAddressBook* book = [ABAddressBook sharedAddressBook];
+    if (book == nil) {
+        [NSException raise:NSInternalInconsistencyException format:@"The address book cannot be opened."];
+    }
+    return book;
+}
