@@ -145,6 +145,9 @@ TEST_F(Program, ExportOfAGroup) {
     importFile();
     run({"import", "-"}, card("N:Alone\r\n"));
     EXPECT_THAT(run({"export", "--group", "rowers"}).err, HasSubstr("2 people and 1 group"));
+    run({"import", "-"}, card("N:Other\r\nCATEGORIES:rowers\r\n"));
+    EXPECT_THAT(run({"export", "--group", "rowers"}).err, HasSubstr("1 person and 1 group"));
+    EXPECT_THAT(run({"export", "--group", "Rowers"}).err, HasSubstr("2 people and 1 group"));
     const Outcome outcome = run({"export", "--group", "Divers"});
     EXPECT_EQ(outcome.status, 1);
     EXPECT_EQ(outcome.err, "addressbook: no group is named \"Divers\"\n");

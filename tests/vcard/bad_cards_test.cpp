@@ -38,6 +38,8 @@ TEST(BadCards, EachIsOneProblemAndTheNextIsRead) {
          "binary data inside the card"},
         {"picture", "BEGIN:VCARD\nN:A\nPHOTO;ENCODING=b:QU*D\nEND:VCARD\n", 3,
          "the picture is no base64 data"},
+        {"padding inside a picture", "BEGIN:VCARD\nN:A\nPHOTO;ENCODING=b:QU==QUJD\nEND:VCARD\n", 3,
+         "the picture is no base64 data"},
         {"other component", "BEGIN:VCARD\nN:A\nBEGIN:VEVENT\nEND:VEVENT\nEND:VCARD\n", 3,
          "wrong nesting: \"BEGIN:VEVENT\" inside the card"},
         {"calendar", "BEGIN:VCALENDAR\nEND:VCALENDAR\n", 1, "no vCard begins here: \"BEGIN:VCALENDAR\""},

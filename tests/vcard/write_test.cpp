@@ -63,7 +63,7 @@ TEST(Writing, FullNames) {
 
 TEST(Writing, FoldsAt75BytesInsideNoCharacter) {
     for (std::size_t shift = 0; shift < 5; ++shift) {
-        std::string note(shift, 'a');
+        std::string note(200 + shift, 'a');
         for (int at = 0; at < 200; ++at)
             note += at % 3 ? "\xE2\x82\xAC" : "\xF0\x9F\x9A\xA3";
         Card card = readOne(cardText({"N:A", "NOTE:" + note}));
