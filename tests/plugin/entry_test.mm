@@ -4,6 +4,7 @@
 #import "plugin/shell/error_state.h"
 #include "plugin/shell/function_table.h"
 #include "tests/plugin/host_double.h"
+#include "tests/plugin/idle_double.h"
 #include "tests/plugin/support.h"
 #include <numeric>
 
@@ -72,6 +73,50 @@ TEST_F(EntryTest, FunctionsAreRegisteredAsTheTableSays) {
             EXPECT_LT(registrations[i - 1].id, registration.id);
         }
     }
+}
+
+TEST_F(EntryTest, TheFunctionsAndTheirRanges) {
+    struct Row {
+        short id;
+        unsigned long stringId;
+        short minimum;
+        short maximum;
+        fmx::ExtPluginType handler;
+    };
+    const Row expected[] = {
+        {0, 204, 0, 1, Do_KORU_Version},
+        {3, 207, 1, 1, Do_KORU_Delete},
+        {4, 208, 6, 7, Do_KORU_Search},
+        {5, 209, 0, 1, Do_KORU_OpenFirstRecord},
+        {6, 210, 0, 1, Do_KORU_OpenNextRecord},
+        {7, 211, 1, 1, Do_KORU_Open},
+        {8, 212, 1, 3, Do_KORU_New},
+        {9, 213, 0, 1, Do_KORU_Save},
+        {13, 217, 1, 2, Do_KORU_GetValueForProperty},
+        {17, 221, 2, 3, Do_KORU_SetValueForProperty},
+        {22, 226, 1, 2, Do_KORU_DeleteValueForProperty},
+        {34, 238, 0, 1, Do_KORU_GetLastError},
+        {42, 246, 3, 3, Do_KORU_ClearAll},
+    };
+    ASSERT_EQ(externalFunctions().size(), std::size(expected));
+    for (std::size_t i = 0; i < std::size(expected); ++i) {
+        const ExternalFunction& function = externalFunctions()[i];
+        EXPECT_EQ(function.id, expected[i].id);
+        EXPECT_EQ(stringIdOf(function.id), expected[i].stringId);
+        EXPECT_EQ(function.minimum, expected[i].minimum) << function.id;
+        EXPECT_EQ(function.maximum, expected[i].maximum) << function.id;
+        EXPECT_EQ(function.handler, expected[i].handler) << function.id;
+    }
+}
+
+TEST_F(EntryTest, OnlyTheUsersIdlenessCallsTheHook) {
+    const int before = idle_double::calls();
+    for (const int level : {1, 2, 3, 4, 255}) {
+        send(messageOf(kFMXT_Idle, level));
+    }
+    EXPECT_EQ(idle_double::calls(), before);
+    send(messageOf(kFMXT_Idle, 0));
+    EXPECT_EQ(idle_double::calls(), before + 1);
 }
 
 TEST_F(EntryTest, NamesAndPrototypesComeFromTheBundlesStrings) {

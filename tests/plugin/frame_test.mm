@@ -2,6 +2,7 @@
 
 #include "tests/plugin/host_double.h"
 #include "tests/plugin/support.h"
+#include "tests/plugin/thrown_object.h"
 
 // Notes that it was deallocated.
 @interface VelocardWitness : NSObject {
@@ -121,6 +122,23 @@ TEST_F(FrameTest, OtherObjectsAndStandardExceptionsPass) {
     EXPECT_THROW(runHandler(kNoFunction, *none, *result_, []() -> Answer { throw std::exception(); }),
                  std::exception);
     EXPECT_THROW(runHandler(kNoFunction, *none, *result_, []() -> Answer { throw 7; }), int);
+    EXPECT_EQ(host_double::livingObjects(), before);
+    EXPECT_EQ(lastErrorText(), "Success");
+}
+
+TEST_F(FrameTest, AThrownObjectThatIsNoExceptionPassesUnchanged) {
+    NSString* object = @"no exception";
+    const auto calling = [&] {
+        const fmx::DataVectAutoPtr none;
+        runHandler(kNoFunction, *none, *result_, [&]() -> Answer {
+            throwObject(object);
+            return nil;
+        });
+    };
+    const int before = host_double::livingObjects();
+    EXPECT_EQ(objectThrownBy([](void* work) { (*static_cast<decltype(calling)*>(work))(); },
+                             const_cast<void*>(static_cast<const void*>(&calling))),
+              static_cast<void*>(object));
     EXPECT_EQ(host_double::livingObjects(), before);
     EXPECT_EQ(lastErrorText(), "Success");
 }

@@ -119,6 +119,70 @@ TEST_F(LifecycleTest, SaveAddsTheCurrentRecordOfTheTypeAtHand) {
     EXPECT_FALSE(state.gNewRecord);
 }
 
+TEST_F(LifecycleTest, SaveWithNoRecordOfTheTypeAtHandAddsNone) {
+    const std::string person = call(Do_KORU_New, {"person"});
+    state.g_currentRecordType = kGroupType;
+    EXPECT_EQ(call(Do_KORU_Save), "0");
+    EXPECT_FALSE(state.gNewRecord);
+    EXPECT_TRUE(state.g_person);
+    EXPECT_EQ(state.g_lastSearchType, kGroupType);
+    EXPECT_EQ(state.savedCount, 1U);
+    EXPECT_EQ([[book() people] count] + [[book() groups] count], 0U);
+}
+
+TEST_F(LifecycleTest, OpeningAnotherRecordLosesTheNewOne) {
+    const std::string other = utf8([addPerson(@"Anna", @"Smith") uniqueId]);
+    const std::string person = call(Do_KORU_New, {"person"});
+    EXPECT_EQ(call(Do_KORU_Open, {other}), "0");
+    EXPECT_TRUE(state.gNewRecord);
+    EXPECT_EQ(call(Do_KORU_SetValueForProperty, {"nickname", "Annie"}), "0");
+    EXPECT_EQ(call(Do_KORU_Save), "0");
+    EXPECT_FALSE(state.gNewRecord);
+    EXPECT_FALSE(state.g_person) << "as after any save of a new record";
+    EXPECT_EQ([book() recordForUniqueId:string(person)], nil);
+    EXPECT_EQ([[book() people] count], 1U);
+    EXPECT_EQ(call(Do_KORU_Open, {other}), "0");
+    EXPECT_EQ(call(Do_KORU_GetValueForProperty, {"nickname"}), "Annie");
+}
+
+TEST_F(LifecycleTest, AnExceptionFailsTheCall) {
+    const std::string id = utf8([addPerson(@"Anna", @"Smith") uniqueId]);
+    const auto raise = +[](id, SEL, id) -> id {
+        [NSException raise:NSInternalInconsistencyException format:@"the book is on fire"];
+        return nil;
+    };
+    const auto expectFailure = [](const std::string& answer) {
+        EXPECT_EQ(answer, "!!ERROR!!");
+        EXPECT_EQ(lastErrorText(), "Exception caught in function the book is on fire");
+        EXPECT_EQ(lastErrorNumber(), "-8000");
+    };
+    {
+        const ReplacedMethod opening(object_getClass([ABAddressBook class]), @selector(sharedAddressBook),
+                                     raise);
+        expectFailure(call(Do_KORU_New, {"person"}));
+    }
+    {
+        const ReplacedMethod naming([ABRecord class], @selector(setValue:forProperty:), raise);
+        expectFailure(call(Do_KORU_New, {"group", "Harbour"}));
+    }
+    {
+        const ReplacedMethod adding([ABAddressBook class], @selector(addRecord:), raise);
+        expectFailure(call(Do_KORU_Save));
+        EXPECT_TRUE(state.gNewRecord);
+        EXPECT_EQ(state.savedCount, 0U);
+    }
+    {
+        const ReplacedMethod removing([ABAddressBook class], @selector(removeRecord:), raise);
+        expectFailure(call(Do_KORU_Delete, {id}));
+        expectFailure(call(Do_KORU_ClearAll, {"", "members", "0"}));
+    }
+    {
+        const ReplacedMethod saving([ABAddressBook class], kSaving, raise);
+        expectFailure(call(Do_KORU_ClearAll, {"", "nothing", "0"}));
+    }
+    EXPECT_EQ([[book() people] count], 1U);
+}
+
 TEST_F(LifecycleTest, AFailedSaveKeepsTheDescriptionBesideAnEmptyExtendedText) {
     state.g_currentRecordType = kGroupType;
     {
@@ -217,6 +281,55 @@ TEST_F(LifecycleTest, ClearAllOfAGroupDeletesItsMembersAndDetachesItsSubgroups) 
     EXPECT_EQ(call(Do_KORU_ClearAll, {id, "members", "1"}), "0");
     EXPECT_EQ([[book() people] count], 1U) << "a member goes although it is the own card";
     EXPECT_EQ([[group members] count], 0U);
+}
+
+TEST_F(LifecycleTest, ClearAllMayKeepAnOwnCardThatThereIsNot) {
+    addPerson(@"Anna", @"Smith");
+    addPerson(@"Ben", @"Smith");
+    EXPECT_EQ([book() me], nil);
+    EXPECT_EQ(call(Do_KORU_ClearAll, {"", "members", "1"}), "0");
+    EXPECT_EQ([[book() people] count], 0U);
+}
+
+TEST_F(LifecycleTest, ClearAllOfEverythingMayKeepTheOwnCard) {
+    ABPerson* own = addPerson(@"Anna", @"Smith");
+    addPerson(@"Ben", @"Smith");
+    addGroup(@"Harbour");
+    [book() setMe:own];
+    EXPECT_EQ(call(Do_KORU_ClearAll, {"", "", "1"}), "0");
+    ASSERT_EQ([[book() people] count], 1U);
+    EXPECT_EQ(utf8([[[book() people] objectAtIndex:0] uniqueId]), utf8([own uniqueId]));
+    EXPECT_EQ([[book() groups] count], 0U);
+}
+
+TEST_F(LifecycleTest, ClearAllOfAGroupGoesByTheWordToo) {
+    ABGroup* group = addGroup(@"Harbour");
+    ABGroup* inner = addGroup(@"Crew");
+    ASSERT_TRUE([group addMember:addPerson(@"Anna", @"Smith")]);
+    ASSERT_TRUE([group addSubgroup:inner]);
+    addPerson(@"Ben", @"Smith");
+    ASSERT_TRUE([book() save]);
+    const std::string id = utf8([group uniqueId]);
+    EXPECT_EQ(call(Do_KORU_ClearAll, {id, "everything", "0"}), "0");
+    EXPECT_EQ(utf8([state.g_group.get() uniqueId]), id) << "current, though nothing went";
+    EXPECT_EQ([[group members] count], 1U);
+    EXPECT_EQ([[group subgroups] count], 1U);
+    EXPECT_EQ(call(Do_KORU_ClearAll, {id, "", "0"}), "0");
+    EXPECT_EQ([[group members] count], 0U);
+    EXPECT_EQ([[group subgroups] count], 0U);
+    EXPECT_EQ([[book() people] count], 1U);
+    EXPECT_EQ([[book() groups] count], 2U);
+    EXPECT_FALSE([book() hasUnsavedChanges]);
+}
+
+TEST_F(LifecycleTest, ClearAllRefusesANewGroupThatIsNotSaved) {
+    const std::string id = call(Do_KORU_New, {"group", "Harbour"});
+    EXPECT_EQ(call(Do_KORU_ClearAll, {id, "", "0"}), "!!ERROR!!");
+    EXPECT_EQ(lastErrorText(), "Invalid record type ");
+    EXPECT_EQ(lastErrorNumber(), "-8018");
+    EXPECT_TRUE(state.g_group);
+    EXPECT_EQ(call(Do_KORU_Save), "0");
+    EXPECT_EQ(call(Do_KORU_ClearAll, {id, "", "0"}), "0");
 }
 
 TEST_F(LifecycleTest, ClearAllRefusesPersonsAndUnknownIds) {

@@ -3,7 +3,12 @@
 #import "plugin/records/plugin_state.h"
 #import "plugin/shell/error_state.h"
 #import "plugin/vocabulary/property_names.h"
+#include "tests/plugin/replaced_method.h"
 #include "tests/plugin/support.h"
+
+namespace {
+Retained<NSObject> taken;
+}
 
 // A person that must not be changed, and one that fails.
 @interface VelocardReadOnlyPerson : ABPerson
@@ -25,6 +30,17 @@
     (void)value;
     (void)property;
     return NO;
+}
+@end
+
+// A person that takes any value, and shows the last.
+@interface VelocardTakingPerson : ABPerson
+@end
+@implementation VelocardTakingPerson
+- (BOOL)setValue:(id)value forProperty:(NSString*)property {
+    (void)property;
+    taken = Retained<NSObject>::retain(value);
+    return YES;
 }
 @end
 
@@ -217,6 +233,62 @@ TEST_F(PropertyTest, DatesAreReadAsTextsAndAnsweredAsTimeStamps) {
     EXPECT_EQ(set("Birthday", ""), "0");
     EXPECT_EQ([state.g_person.get() valueForProperty:kABBirthdayProperty], nil);
     EXPECT_EQ(get("Birthday"), "");
+}
+
+TEST_F(PropertyTest, AFailedReadOfADateIsText) {
+    openPerson();
+    EXPECT_EQ(set("Birthday", "25 December 2010"), "0");
+    const fmx::ExprEnvAutoPtr environment;
+    const fmx::DataAutoPtr result;
+    const auto read = [&] {
+        EXPECT_EQ(Do_KORU_GetValueForProperty(13, *environment, *vectorOf({"birthday"}), *result), 0);
+        return result->GetNativeType();
+    };
+    EXPECT_EQ(read(), fmx::Data::kDTTimeStamp);
+    openPerson([VelocardFailingPerson class]);
+    EXPECT_EQ(read(), fmx::Data::kDTText);
+    EXPECT_EQ(utf8(stringFromText(result->GetAsText())), "!!ERROR!!");
+}
+
+TEST_F(PropertyTest, NamesOpenPropertiesWhateverTheirCaseAndBlanks) {
+    openPerson();
+    for (NSString* name : {@"First Name", @"first name", @"FIRSTNAME"}) {
+        EXPECT_EQ(OpenProperty(name), 1);
+        EXPECT_EQ(utf8(state.gCurrentProperty.get()), utf8(kABFirstNameProperty)) << utf8(name);
+        state.gCurrentProperty.reset();
+    }
+    for (NSString* name : {@"Home Page", @"Web Pages"}) {
+        EXPECT_EQ(OpenProperty(name), 0);
+        EXPECT_EQ(utf8(state.gCurrentProperty.get()), utf8(kABURLsProperty)) << utf8(name);
+        state.gCurrentProperty.reset();
+    }
+    EXPECT_EQ(errors.g_llasterror, kSuccess);
+}
+
+TEST_F(PropertyTest, ARealNumberLosesItsFraction) {
+    openPerson([VelocardTakingPerson class]);
+    const auto realType = +[](id, SEL, NSString*) -> ABPropertyType { return kABRealProperty; };
+    const ReplacedMethod type(object_getClass([ABPerson class]), @selector(typeOfProperty:), realType);
+    // The last is the nearest number of single precision.
+    const std::pair<const char*, const char*> numbers[] = {
+        {"2.7", "2"}, {"-2.7", "-2"}, {"3.999", "3"}, {"many", "0"}, {"16777217", "16777216"}};
+    for (const auto& [text, stored] : numbers) {
+        EXPECT_EQ(set("note", text), "0");
+        ASSERT_TRUE([taken.get() isKindOfClass:[NSNumber class]]);
+        EXPECT_EQ(utf8([taken.get() description]), stored) << text;
+    }
+    taken.reset();
+}
+
+TEST_F(PropertyTest, OtherTypesCannotBeSet) {
+    openPerson([VelocardTakingPerson class]);
+    const auto dataType = +[](id, SEL, NSString*) -> ABPropertyType { return kABDataProperty; };
+    const ReplacedMethod type(object_getClass([ABPerson class]), @selector(typeOfProperty:), dataType);
+    EXPECT_EQ(set("note", "x"), "!!ERROR!!");
+    EXPECT_EQ(lastErrorText(), "Invalid property type ");
+    EXPECT_EQ(lastErrorNumber(), "-8006");
+    EXPECT_FALSE(taken);
+    EXPECT_EQ(set("note", ""), "0") << "but removed";
 }
 
 TEST_F(PropertyTest, AnEmptyTextRemovesTheValue) {

@@ -4,6 +4,7 @@
 #import "plugin/records/plugin_state.h"
 #import "plugin/records/record_type.h"
 #import "plugin/shell/error_state.h"
+#include "tests/plugin/replaced_method.h"
 #include "tests/plugin/support.h"
 
 namespace {
@@ -215,6 +216,138 @@ TEST_F(SearchTest, OnlyNextWithoutAnArgumentFallsBackToTheLastSearchType) {
     EXPECT_EQ(state.g_currentRecordType, kPersonType);
     state.g_currentRecordType = kGroupType;
     EXPECT_EQ(call(Do_KORU_OpenFirstRecord).substr(36), ":ABGroup");
+}
+
+TEST_F(SearchTest, NextAfterOpeningAGroupMovesTheGroupsCursor) {
+    addPerson(@"Anna", @"Smith");
+    const std::string group = utf8([addGroup(@"Harbour") uniqueId]);
+    EXPECT_EQ(search("group", "name", "Harbour"), "1");
+    EXPECT_EQ(search("person", "lastname", "Smith"), "1");
+    EXPECT_EQ(call(Do_KORU_Open, {group}), "0");
+    EXPECT_EQ(call(Do_KORU_OpenNextRecord), "END");
+    EXPECT_EQ(state.gCurrentGroupIndex, 1U);
+    EXPECT_EQ(state.gCurrentPersonIndex, 0U);
+    EXPECT_FALSE(state.g_group);
+}
+
+TEST_F(SearchTest, OpenLeavesTheEntriesAndTheGroupsCursors) {
+    const std::string person = utf8([addPerson(@"Anna", @"Smith") uniqueId]);
+    const std::string group = utf8([addGroup(@"Harbour") uniqueId]);
+    search("person", "lastname", "Smith");
+    NSArray* results = state.g_personSearchResults.get();
+    NSArray* list = [NSArray arrayWithObject:@"element"];
+    state.gValues = Retained<ABMutableMultiValue>::adopt([[ABMutableMultiValue alloc] init]);
+    ABMutableMultiValue* values = state.gValues.get();
+    state.gCurrentValuesIndex = 2;
+    state.gParentGroups = state.gGroupMembers = state.gGroupSubgroups = Retained<NSArray>::retain(list);
+    state.gCurrentGroupParentID = state.gCurrentMember = state.gCurrentSubgroup =
+        Retained<NSObject>::retain(list);
+    state.gCurrentGroupParentIDIndex = 3;
+    state.gCurrentMemberIndex = 4;
+    state.gCurrentSubgroupIndex = 5;
+    for (const std::string& id : {person, group, std::string("nobody")}) {
+        call(Do_KORU_Open, {id});
+        EXPECT_EQ(state.g_personSearchResults.get(), results);
+        EXPECT_EQ(state.gValues.get(), values);
+        EXPECT_EQ(state.gCurrentValuesIndex, 2U);
+        for (const auto* held : {&state.gParentGroups, &state.gGroupMembers, &state.gGroupSubgroups}) {
+            EXPECT_EQ(held->get(), list);
+        }
+        for (const auto* held :
+             {&state.gCurrentGroupParentID, &state.gCurrentMember, &state.gCurrentSubgroup}) {
+            EXPECT_EQ(held->get(), list);
+        }
+        EXPECT_EQ(state.gCurrentGroupParentIDIndex, 3U);
+        EXPECT_EQ(state.gCurrentMemberIndex, 4U);
+        EXPECT_EQ(state.gCurrentSubgroupIndex, 5U);
+    }
+}
+
+TEST_F(SearchTest, AFailedSearchLeavesItsOwnTypeAsTheLast) {
+    addPerson(@"Anna", @"Smith");
+    EXPECT_EQ(search("person", "lastname", "Smith"), "1");
+    NSArray* results = state.g_personSearchResults.get();
+    EXPECT_EQ(call(Do_KORU_Search, {"group", "name", "", "", "Harbour", "Equal", "and"}), "!!ERROR!!");
+    EXPECT_EQ(state.g_lastSearchType, kGroupType);
+    EXPECT_EQ(state.g_currentRecordType, kPersonType);
+    EXPECT_EQ(state.g_personSearchResults.get(), results);
+    EXPECT_FALSE(state.g_groupSearchResults);
+    EXPECT_EQ(call(Do_KORU_Search, {"Contact", "lastname", "", "", "Smith", "Equal", "and"}), "!!ERROR!!");
+    EXPECT_EQ(state.g_lastSearchType, kPersonType);
+}
+
+TEST_F(SearchTest, AnExceptionLeavesTheConditionAsItWas) {
+    addPerson(@"Anna", @"Smith");
+    EXPECT_EQ(search("person", "lastname", "Smith"), "1");
+    ABSearchElement* condition = state.g_searchelement.get();
+    for (const char* conjunction : {"", "expand"}) {
+        EXPECT_EQ(call(Do_KORU_Search, {"person", "", "", "", "Smith", "Equal", conjunction}), "!!ERROR!!");
+        EXPECT_EQ(lastErrorNumber(), "-8000");
+        EXPECT_EQ(state.g_searchelement.get(), condition);
+    }
+}
+
+// The arguments of the last conjunction made, in place of which its first child is answered.
+ABSearchConjunction lastConjunction;
+Retained<NSArray> lastChildren;
+
+ABSearchElement* noteConjunction(id, SEL, ABSearchConjunction conjunction, NSArray* children) {
+    lastConjunction = conjunction;
+    lastChildren = Retained<NSArray>::retain(children);
+    return [children objectAtIndex:0];
+}
+
+TEST_F(SearchTest, TheNewConditionStandsBeforeTheKeptOne) {
+    const ReplacedMethod joining(object_getClass([ABSearchElement class]),
+                                 @selector(searchElementForConjunction:children:), noteConjunction);
+    EXPECT_EQ(search("person", "lastname", "Smith"), "0");
+    for (const auto& [word, conjunction] :
+         {std::pair{"expand", kABSearchOr}, std::pair{"constrain", kABSearchAnd}}) {
+        const Retained<ABSearchElement> kept = state.g_searchelement;
+        EXPECT_EQ(join("firstname", "Anna", word), "0");
+        EXPECT_EQ(lastConjunction, conjunction);
+        ASSERT_EQ([lastChildren.get() count], 2U);
+        EXPECT_EQ([lastChildren.get() objectAtIndex:0], state.g_searchelement.get());
+        EXPECT_EQ([lastChildren.get() objectAtIndex:1], kept.get());
+        EXPECT_NE(state.g_searchelement.get(), kept.get());
+    }
+    lastChildren.reset();
+}
+
+TEST_F(SearchTest, AConditionCanBeOnPersonsAndOnGroups) {
+    addPerson(@"Anna", @"Smith");
+    addPerson(@"Ben", @"Jones");
+    addGroup(@"Harbour");
+    EXPECT_EQ(search("person", "lastname", "Smith"), "1");
+    EXPECT_EQ(call(Do_KORU_Search, {"group", "name", "", "", "Harbour", "Equal", "expand"}), "2");
+    EXPECT_EQ(state.g_currentRecordType, kGroupType);
+    EXPECT_EQ([state.g_groupSearchResults.get() count], 2U);
+    EXPECT_EQ([state.g_personSearchResults.get() count], 1U);
+    EXPECT_EQ(call(Do_KORU_Search, {"group", "name", "", "", "Harbour", "Equal", "constrain"}), "1");
+}
+
+TEST_F(SearchTest, APropertyWithoutANameOfOursIsPassedAsWrittenAndRealNumbersLoseTheirFraction) {
+    NSDictionary* added = [NSDictionary dictionaryWithObject:[NSNumber numberWithInt:kABRealProperty]
+                                                      forKey:@"Shoe Size"];
+    ASSERT_GE([ABPerson addPropertiesAndTypes:added], 0);
+    ABPerson* person = addPerson(@"Anna", @"Smith");
+    ASSERT_TRUE([person setValue:[NSNumber numberWithDouble:2] forProperty:@"Shoe Size"]);
+    EXPECT_EQ(search("person", "Shoe Size", "2.7"), "1");
+    EXPECT_EQ(search("person", "Shoe Size", "-2.7"), "0");
+    EXPECT_EQ(search("person", "shoesize", "2.7"), "0");
+    ASSERT_TRUE([person setValue:[NSNumber numberWithDouble:2.7] forProperty:@"Shoe Size"]);
+    EXPECT_EQ(search("person", "Shoe Size", "2.7"), "0");
+    EXPECT_EQ(search("person", "Shoe Size", "2.7", "GreaterThan"), "1");
+    [ABPerson removeProperties:[NSArray arrayWithObject:@"Shoe Size"]];
+}
+
+TEST_F(SearchTest, ATextThatIsNoDateIsNoValue) {
+    ABPerson* person = addPerson(@"Anna", @"Smith");
+    addPerson(@"Ben", @"Smith");
+    ASSERT_TRUE([person setValue:[NSDate date] forProperty:kABBirthdayProperty]);
+    EXPECT_EQ(search("person", "birthday", "not a date", "Equal"), "1") << "who has a birthday";
+    EXPECT_EQ(search("person", "birthday", "not a date", "NotEqual"), "1");
+    EXPECT_EQ(search("person", "birthday", "1 January 1950", "Equal"), "0");
 }
 
 TEST_F(SearchTest, OpenMakesARecordOfEitherClassCurrent) {

@@ -115,6 +115,12 @@ TEST_F(VocabularyTest, ExchangeLabelsKeepTheirOddities) {
     }
 }
 
+TEST_F(VocabularyTest, ALabelsWordMayBeInAnyLetterCase) {
+    for (NSString* word : {@"Work Fax", @"WORK FAX", @"work fax"}) {
+        EXPECT_EQ(utf8(StringToLabel(word)), utf8(kABPhoneWorkFAXLabel)) << utf8(word);
+    }
+}
+
 TEST_F(VocabularyTest, OtherLabelsAreLeftToTheCaller) {
     EXPECT_EQ(StringToLabel(@"workfax"), nil);
     EXPECT_EQ(StringToLabel(@"Cottage"), nil);

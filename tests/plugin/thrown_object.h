@@ -1,0 +1,15 @@
+#pragma once
+
+#ifdef __cplusplus
+extern "C" {
+#endif
+
+// Throws an object of any class (borrowed).
+void throwObject(void* object);
+
+// Runs work(context) and answers what it throws; null when it throws nothing.
+void* objectThrownBy(void (*work)(void* context), void* context);
+
+#ifdef __cplusplus
+}
+#endif
