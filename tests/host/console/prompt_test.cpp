@@ -45,6 +45,7 @@ class Prompt : public testing::Test {
             execl(FMHOST, FMHOST, "--plugin", TEST_PLUGINS "/good_plugin.fmx", nullptr);
             _exit(127);
         }
+        ASSERT_GT(program_, 0) << "no pseudo-terminal: is /dev/pts there?";
         waitFor("> ");
     }
 
