@@ -20,8 +20,7 @@ Failure failureOf(int code) {
         return {Reason::locked, "is locked by another program",
                 "wait until that program is done or end it, then try again"};
     case SQLITE_NOTADB:
-        return {Reason::notADatabase, "is no address book: the file is not a database",
-                "move it away or choose another folder"};
+        return {Reason::notADatabase, "is no address book", "move it away or choose another folder"};
     case SQLITE_CORRUPT:
         return {Reason::damaged, "is damaged", "check it, or restore it from a backup"};
     case SQLITE_FULL:
