@@ -93,6 +93,8 @@ class Prompt {
         while (true) {
             int size = 0;
             gInterrupted = 0;
+            // Raw before the prompt shows: a Ctrl-D typed at once would else be the terminal's, and be lost.
+            el_set(line_.get(), EL_PREP_TERM, 1);
             const char* text = el_gets(line_.get(), &size);
             if (gInterrupted != 0) {
                 std::cout << std::endl;

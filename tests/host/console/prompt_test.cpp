@@ -1,5 +1,6 @@
 // The interactive prompt, on a pseudo-terminal.
 #include <chrono>
+#include <csignal>
 #include <cstdlib>
 #include <filesystem>
 #include <fstream>
@@ -79,7 +80,12 @@ class Prompt : public testing::Test {
     int exitStatus() {
         int status = 0;
         char buffer[4096];
-        while (read(terminal_, buffer, sizeof buffer) > 0) {
+        pollfd output{terminal_, POLLIN, 0};
+        while (poll(&output, 1, kPatience) > 0 && read(terminal_, buffer, sizeof buffer) > 0) {
+        }
+        if (output.revents == 0) {
+            ADD_FAILURE() << "the program does not end";
+            kill(program_, SIGKILL);
         }
         waitpid(program_, &status, 0);
         close(terminal_);
