@@ -39,7 +39,7 @@ void handleException(NSException* exception);
 // Runs the work; a platform exception in it fails the current call (handleException). C++ exceptions pass.
 template <typename Work>
 void guardedCall(Work work) {
-    guarded(work, [](void* exception) { handleException(static_cast<NSException*>(exception)); });
+    guarded(work, handleException);
 }
 
 // The state as it is before start-up, for tests.

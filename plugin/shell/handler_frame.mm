@@ -13,11 +13,10 @@ void clearLastError() {
     errors.g_llasterror = kSuccess;
 }
 
-} // namespace
-
-fmx::errcode runFrame(short function, const fmx::DataVect& arguments, fmx::Data& result,
-                      const FrameRules& rules, Answer (*fetchAnswer)(void* work), void* work) {
-    const Pool pool;
+// The frame but for its autorelease pool. Writing the result is outside the guard of the work; what it raises
+// is kept for the caller.
+void runInPool(short function, const fmx::DataVect& arguments, fmx::Data& result, const FrameRules& rules,
+               Answer (*fetchAnswer)(void* work), void* work, Retained<NSException>& escaping) {
     if (rules.clearsError) {
         clearLastError();
     }
@@ -33,13 +32,31 @@ fmx::errcode runFrame(short function, const fmx::DataVect& arguments, fmx::Data&
         guardedCall([&] { answer = fetchAnswer(work); });
     }
     if (answer.isWritten()) {
-        return 0;
+        return;
     }
-    if (rules.marksErrors && errors.g_llasterror != kSuccess) {
-        text->Assign(kErrorMarker);
-    } else {
-        assignString(*text, answer.text());
+    const auto write = [&] {
+        if (rules.marksErrors && errors.g_llasterror != kSuccess) {
+            text->Assign(kErrorMarker);
+        } else {
+            assignString(*text, answer.text());
+        }
+        result.SetAsText(*text, result.GetLocale(), fmx::Data::kDTText);
+    };
+    guarded(write, [&](NSException* exception) { escaping = Retained<NSException>::retain(exception); });
+}
+
+} // namespace
+
+fmx::errcode runFrame(short function, const fmx::DataVect& arguments, fmx::Data& result,
+                      const FrameRules& rules, Answer (*fetchAnswer)(void* work), void* work) {
+    Retained<NSException> escaping;
+    {
+        const Pool pool;
+        runInPool(function, arguments, result, rules, fetchAnswer, work, escaping);
     }
-    result.SetAsText(*text, result.GetLocale(), fmx::Data::kDTText);
+    if (escaping) {
+        // It leaves once the pool can no longer take it along; nobody out there is sure to release it.
+        [escaping.leak() raise];
+    }
     return 0;
 }

@@ -5,10 +5,10 @@
 #include "plugin/support/objc_guard.h"
 #import <Foundation/Foundation.h>
 
-void koruGuard(KoruGuardedWork work, void* context, KoruExceptionHandler caught) {
+void koruGuard(KoruGuardedWork work, KoruExceptionHandler caught, void* context) {
     @try {
         work(context);
     } @catch (NSException* exception) {
-        caught(exception);
+        caught(context, exception);
     }
 }
