@@ -23,6 +23,9 @@ struct Label {
 // The caller then stores the word itself.
 [[nodiscard]] NSString* StringToLabel(NSString* text);
 
+// The label to store for a text: a word's (StringToLabel), any other text as it stands. nil for nil.
+[[nodiscard]] NSString* labelToStore(NSString* text);
+
 // The word for a stored label; nil when the label is none of the tables', and for nil. The caller then shows
 // the label itself.
 [[nodiscard]] NSString* LabelToString(NSString* label);

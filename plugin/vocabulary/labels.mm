@@ -107,6 +107,11 @@ NSString* StringToLabel(NSString* text) {
     return nil;
 }
 
+NSString* labelToStore(NSString* text) {
+    NSString* label = StringToLabel(text);
+    return label != nil ? label : text;
+}
+
 NSString* LabelToString(NSString* label) {
     for (const auto labels : {frameworkLabels(), exchangeLabels(), messagingLabels()}) {
         for (const Label& row : labels) {

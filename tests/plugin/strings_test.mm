@@ -178,7 +178,7 @@ std::pair<int, int> arityOf(const std::string& prototype) {
 TEST_F(StringTableTest, EveryFunctionHasAPrototypeThatFitsItsRange) {
     for (const ExternalFunction& function : externalFunctions()) {
         const std::string prototype = load(stringIdOf(function.id));
-        EXPECT_TRUE(std::regex_match(prototype, std::regex(R"(KORU_[A-Za-z]+( \( .* \))?)"))) << prototype;
+        EXPECT_TRUE(std::regex_match(prototype, std::regex(R"(KORU_[A-Za-z]+(\( .* \))?)"))) << prototype;
         EXPECT_EQ(arityOf(prototype), std::pair(int{function.minimum}, int{function.maximum})) << prototype;
     }
 }

@@ -1,0 +1,102 @@
+#import "plugin/groups/membership.h"
+
+#import "plugin/records/plugin_state.h"
+#import "plugin/records/shared_book.h"
+#import "plugin/shell/handler_frame.h"
+#include "plugin/shell/handlers.h"
+
+namespace {
+
+// The record with the identifier, once the current group may be changed; nil when the call failed.
+ABRecord* recordToJoin(NSString* uniqueId) {
+    if (!requireWritableRecord()) {
+        return nil;
+    }
+    if (!state.g_group) {
+        setError(kInvalidCallOrder);
+        return nil;
+    }
+    // The current record need not be the group.
+    if ([state.g_group.get() isReadOnly]) {
+        setError(kRecordReadOnly);
+        return nil;
+    }
+    ABRecord* record = [sharedBook() recordForUniqueId:uniqueId];
+    if (record == nil) {
+        setError(kUidDoesNotExist);
+    }
+    return record;
+}
+
+// The group with the identifier, likewise.
+ABGroup* groupToJoin(NSString* uniqueId) {
+    ABRecord* record = recordToJoin(uniqueId);
+    if (record != nil && ![record isKindOfClass:[ABGroup class]]) {
+        setError(kInvalidRecordType);
+        return nil;
+    }
+    return static_cast<ABGroup*>(record);
+}
+
+// The address book's own answers are not asked for: what it refuses is answered as done.
+NSString* done() {
+    return errors.g_llasterror == kSuccess ? @"0" : nil;
+}
+
+} // namespace
+
+NSString* addPerson(NSString* uniqueId) {
+    if (!requireActiveRecord()) {
+        return nil;
+    }
+    // Whether it is a person is the address book's affair, here and in removePerson.
+    if (ABRecord* record = recordToJoin(uniqueId); record != nil) {
+        [state.g_group.get() addMember:static_cast<ABPerson*>(record)];
+    }
+    return done();
+}
+
+NSString* removePerson(NSString* uniqueId) {
+    if (ABRecord* record = recordToJoin(uniqueId); record != nil) {
+        [state.g_group.get() removeMember:static_cast<ABPerson*>(record)];
+    }
+    return done();
+}
+
+NSString* addSubgroup(NSString* uniqueId) {
+    if (ABGroup* group = groupToJoin(uniqueId); group != nil) {
+        [state.g_group.get() addSubgroup:group];
+    }
+    return done();
+}
+
+NSString* removeSubgroup(NSString* uniqueId) {
+    if (ABGroup* group = groupToJoin(uniqueId); group != nil) {
+        [state.g_group.get() removeSubgroup:group];
+    }
+    return done();
+}
+
+fmx::errcode Do_KORU_AddPerson(short function, const fmx::ExprEnv& /*env*/, const fmx::DataVect& arguments,
+                               fmx::Data& result) {
+    const auto work = [&]() -> Answer { return addPerson(textArgument(arguments, 0)); };
+    return runHandler(function, arguments, result, work);
+}
+
+fmx::errcode Do_KORU_RemovePerson(short function, const fmx::ExprEnv& /*env*/, const fmx::DataVect& arguments,
+                                  fmx::Data& result) {
+    const auto work = [&]() -> Answer { return removePerson(textArgument(arguments, 0)); };
+    return runHandler(function, arguments, result, work);
+}
+
+fmx::errcode Do_KORU_AddSubgroup(short function, const fmx::ExprEnv& /*env*/, const fmx::DataVect& arguments,
+                                 fmx::Data& result) {
+    const auto work = [&]() -> Answer { return addSubgroup(textArgument(arguments, 0)); };
+    return runHandler(function, arguments, result, work);
+}
+
+fmx::errcode Do_KORU_RemoveSubgroup(short function, const fmx::ExprEnv& /*env*/,
+                                    const fmx::DataVect& arguments, fmx::Data& result) {
+    const auto work = [&]() -> Answer { return removeSubgroup(textArgument(arguments, 0)); };
+    return runHandler(function, arguments, result, work);
+}

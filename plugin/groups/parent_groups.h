@@ -1,0 +1,9 @@
+#pragma once
+
+#import "plugin/records/plugin_state.h"
+
+// The groups that contain the current record; nil when there is no such record.
+[[nodiscard]] inline NSArray* parentGroupsOfCurrentRecord() {
+    return state.g_currentRecordType == kPersonType ? [state.g_person.get() parentGroups]
+                                                    : [state.g_group.get() parentGroups];
+}
