@@ -185,18 +185,20 @@ Value quote(Session& /*session*/, Arguments in) {
     return Value::text(result + u"\"");
 }
 
-// A character holds five digits of the number, the last five the first character.
+// A character holds five digits of the number, the last five the first character. Any code counts: half of a
+// pair and U+0000 as well, so that a calculation can make every text. Nothing for a negative number, and for
+// none.
 Value character(Session& /*session*/, Arguments in) {
     constexpr int64_t kDigits = 100'000;
     std::u16string result;
-    for (int64_t rest = std::max<int64_t>(integer(in[0]), 0); rest > 0; rest /= kDigits) {
+    int64_t rest = in[0].asNumber() ? integer(in[0]) : -1;
+    while (rest >= 0) {
         const auto point = static_cast<UChar32>(rest % kDigits);
-        if (point > 0 && !U_IS_SURROGATE(point)) {
-            char16_t units[2];
-            int size = 0;
-            U16_APPEND_UNSAFE(units, size, point);
-            result.append(units, static_cast<size_t>(size));
-        }
+        char16_t units[2];
+        int size = 0;
+        U16_APPEND_UNSAFE(units, size, point);
+        result.append(units, static_cast<size_t>(size));
+        rest = rest < kDigits ? -1 : rest / kDigits;
     }
     return Value::text(result);
 }

@@ -15,6 +15,10 @@ std::string shown(const Value& value, std::string_view lineEnd) {
     std::string result;
     const std::string text = toUtf8(value.asText());
     for (size_t i = 0; i < text.size(); ++i) {
+        if (text[i] == '\0') {
+            result += "\u2400"; // its symbol
+            continue;
+        }
         if (text[i] != '\r' && text[i] != '\n') {
             result += text[i];
             continue;

@@ -66,10 +66,36 @@ TEST(Functions, Text) {
         {"Evaluate ( Quote ( \"a\\\"b¶\\¶\" ) ) = \"a\\\"b¶\\¶\"", "1"},
         {"Char ( 65 )", "A"},
         {"Char ( 6600065 )", "AB"},
-        {"Char ( 0 )", ""},
-        {"Char ( 55296 )", ""},
+        {"Char ( 5683255357 )", "😀"},
+        {"Char ( 55357 ) & Char ( 56832 )", "😀"},
+        {"Char ( -1 ) & Char ( \"\" ) & Char ( \"x\" )", ""},
         {"Code ( \"A\" )", "65"},
         {"Code ( \"\" )", ""},
+    });
+}
+
+// A text that no keyboard makes: what plug-ins must bear.
+TEST(Functions, HalfPairsAndZeroCharacters) {
+    Session session;
+    EXPECT_EQ(session.evaluate(u"Char ( 0 )").asText(), std::u16string(1, u'\0'));
+    EXPECT_EQ(session.evaluate(u"Char ( 55296 )").asText(), std::u16string(1, 0xD800));
+    EXPECT_EQ(session.evaluate(u"Char ( 65000005734300065 )").asText(),
+              (std::u16string{u'A', 0xDFFF, u'\0', u'A'}));
+    expectRows({
+        {"Code ( Char ( 0 ) )", "0"},
+        {"Code ( Char ( 55296 ) )", "55296"},
+        {"Code ( Char ( 57343 ) )", "57343"},
+        {"Code ( Char ( 55357 ) & Char ( 56832 ) )", "128512"},
+        {"Length ( \"a\" & Char ( 0 ) & Char ( 56832 ) & Char ( 55357 ) & \"b\" )", "5"},
+        {"IsEmpty ( Char ( 0 ) )", "0"},
+        {"Code ( Right ( \"a\" & Char ( 0 ) ; 1 ) )", "0"},
+        {"Position ( \"a\" & Char ( 0 ) & Char ( 55296 ) ; Char ( 55296 ) ; 1 ; 1 )", "3"},
+        {"Exact ( Upper ( \"é\" & Char ( 55296 ) & Char ( 0 ) ) ; \"É\" & Char ( 55296 ) & Char ( 0 ) )",
+         "1"},
+        {"Char ( 55296 ) = Char ( 55297 )", "0"},
+        {"\"a\" & Char ( 0 ) = \"A\" & Char ( 0 )", "1"},
+        {"GetAsNumber ( 1 & Char ( 0 ) & 2 )", "12"},
+        {"EvaluationError ( Evaluate ( \"1 + \" & Char ( 0 ) ) )", "1208"},
     });
 }
 

@@ -83,6 +83,14 @@ TEST_F(Program, EvaluatesInOneSession) {
            "2\n5\n10\na¶b\n\n?\n", "");
 }
 
+TEST_F(Program, WhatItPrintsIsAlwaysUtf8) {
+    expect(plain("eval '\"a\" & Char ( 0 ) & Char ( 55296 ) & \"b\" & Char ( 57343 )'"), ExitCode::ok,
+           "a\u2400\uFFFDb\uFFFD\n", "");
+    write("Odd.fmscript", "Show Custom Dialog [ Char ( 0 ) ; Char ( 55296 ) ]\nExit Script [ Text Result: "
+                          "Char ( 0 ) & \"¶\" & Char ( 56320 ) ]");
+    expect(plain("run Odd.fmscript"), ExitCode::ok, "\u2400\n\uFFFD\n\u2400\n\uFFFD\n", "");
+}
+
 TEST_F(Program, EvaluatesStandardInput) {
     const std::string lines = "1 + 1\n\n// comment\nLet ( a = 2 ;\r\n a )\n\"x\"";
     expect(plain("eval -", lines), ExitCode::ok, "2\n2\nx\n", "");
