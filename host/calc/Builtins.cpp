@@ -16,8 +16,8 @@ namespace {
 class Index {
   public:
     Index() {
-        for (const auto group :
-             {logicFunctions(), textFunctions(), listFunctions(), numberFunctions(), dateFunctions()}) {
+        for (const auto group : {logicFunctions(), textFunctions(), listFunctions(), numberFunctions(),
+                                 dateFunctions(), containerFunctions()}) {
             rows_.insert(rows_.end(), group.begin(), group.end());
         }
         std::sort(rows_.begin(), rows_.end(),

@@ -14,6 +14,7 @@ std::span<const Builtin> textFunctions();
 std::span<const Builtin> listFunctions();
 std::span<const Builtin> numberFunctions();
 std::span<const Builtin> dateFunctions();
+std::span<const Builtin> containerFunctions();
 
 // The whole part of a value's number; beyond 64 bits the nearest number that fits.
 int64_t integer(const Value& value);

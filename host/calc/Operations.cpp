@@ -58,6 +58,12 @@ std::optional<Number> comparable(const Value& value, ValueType other) {
     return value.asNumber();
 }
 
+// By their names, then by all they hold, so that only containers with the same streams are equal.
+std::strong_ordering compareContainers(const Value& left, const Value& right) {
+    const auto names = compareIgnoringCase(left.asText(), right.asText());
+    return names != 0 ? names : left.asContainer() <=> right.asContainer();
+}
+
 bool holds(Operator op, std::strong_ordering order) {
     switch (op) {
     case Operator::equal:
@@ -111,6 +117,9 @@ Value applyBinary(Operator op, const Value& left, const Value& right) {
 }
 
 std::strong_ordering compareValues(const Value& left, const Value& right) {
+    if (left.type() == ValueType::container && right.type() == ValueType::container) {
+        return compareContainers(left, right);
+    }
     if (left.type() != ValueType::text || right.type() != ValueType::text) {
         const std::optional<Number> leftNumber = comparable(left, right.type());
         const std::optional<Number> rightNumber = comparable(right, left.type());

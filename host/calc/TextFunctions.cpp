@@ -1,6 +1,7 @@
 #include "host/calc/Characters.h"
 #include "host/calc/Evaluator.h"
 #include "host/calc/FunctionGroups.h"
+#include "host/values/ContainerFile.h"
 #include "host/values/Text.h"
 
 #include <algorithm>
@@ -12,11 +13,20 @@ namespace {
 
 using Arguments = std::span<const Value>;
 
+// Of containers every stream counts.
 Value exact(Session& /*session*/, Arguments in) {
+    if (in[0].type() == ValueType::container && in[1].type() == ValueType::container) {
+        return integerValue(in[0].asContainer() == in[1].asContainer() ? 1 : 0);
+    }
     return integerValue(in[0].asText() == in[1].asText() ? 1 : 0);
 }
 
+// Of a container the bytes of its file.
 Value length(Session& /*session*/, Arguments in) {
+    if (in[0].type() == ValueType::container) {
+        const Container::Stream* stream = fileStream(in[0].asContainer());
+        return integerValue(stream == nullptr ? 0 : static_cast<int64_t>(stream->bytes().size()));
+    }
     const std::u16string text = in[0].asText();
     return integerValue(static_cast<int64_t>(Characters(text).count()));
 }

@@ -3,8 +3,10 @@
 #include "host/console/Show.h"
 #include "host/values/Text.h"
 
+#include <algorithm>
 #include <cstdlib>
 #include <iostream>
+#include <thread>
 
 namespace host {
 
@@ -41,18 +43,41 @@ Value Host::run(const fs::path& script, Value parameter) {
     return runner_.run(script, std::move(parameter));
 }
 
-void Host::idle() {
-    plugins_.idle(IdleLevel::userIdle);
-    while (const auto request = queue_.pop()) {
-        try {
-            runner_.run(request->file, request->parameter);
-        } catch (const CalcError& error) {
-            std::cerr << error.report() << std::endl;
-        } catch (const FileError& error) {
-            std::cerr << "fmhost: " << error.what() << std::endl;
+void Host::idle(IdleLevel level) {
+    plugins_.idle(level);
+    while (runner_.canRun()) {
+        const auto request = queue_.pop();
+        if (!request) {
+            break;
         }
+        runStarted(*request);
     }
     printWarnings();
+}
+
+void Host::runStarted(const ScriptQueue::Request& request) {
+    try {
+        runner_.run(request.file, request.parameter);
+        return;
+    } catch (const CalcError& error) {
+        std::cerr << error.report() << std::endl;
+    } catch (const FileError& error) {
+        std::cerr << "fmhost: " << error.what() << std::endl;
+    }
+    startedScriptFailed_ = true;
+}
+
+// A paused script leaves the host to the plug-ins, and to the scripts that they start. One of these that runs
+// longer than the pause makes it longer.
+void Host::paused(std::chrono::duration<double> time) {
+    using Clock = std::chrono::steady_clock;
+    constexpr auto kInterval = std::chrono::milliseconds(50);
+    const auto end = Clock::now() + std::chrono::duration_cast<Clock::duration>(time);
+    idle(IdleLevel::scriptPaused);
+    while (Clock::now() < end && !session_.interruptFlag()) {
+        std::this_thread::sleep_for(std::min<Clock::duration>(kInterval, end - Clock::now()));
+        idle(IdleLevel::scriptPaused);
+    }
 }
 
 void Host::dialog(const Value& title, const Value& message) {

@@ -37,11 +37,17 @@ class Host : private ScriptListener {
 
     // Between two calculations or scripts: the plug-in's idle time, then the scripts that it has started.
     // Their errors go to standard error.
-    void idle();
+    void idle() { idle(IdleLevel::userIdle); }
+
+    // Whether a script that the plug-in has started failed.
+    bool startedScriptFailed() const { return startedScriptFailed_; }
 
   private:
     void dialog(const Value& title, const Value& message) override;
     void evaluated(const Script& script, const Step& step, const Value& result) override;
+    void paused(std::chrono::duration<double> time) override;
+    void idle(IdleLevel level);
+    void runStarted(const ScriptQueue::Request& request);
     void printWarnings();
 
     Session session_;
@@ -51,6 +57,7 @@ class Host : private ScriptListener {
     PluginHost plugins_;
     const PluginInfo* plugin_ = nullptr;
     bool trace_;
+    bool startedScriptFailed_ = false;
 };
 
 } // namespace host

@@ -25,7 +25,7 @@ namespace fs = std::filesystem;
 namespace {
 
 constexpr int kHistorySize = 1000;
-constexpr int kIdleMilliseconds = 250;
+constexpr int kIdleMilliseconds = 100;
 constexpr const char* kHelp =
     "Type a calculation, for instance: Let ( x = 2 ; x * 21 )\n"
     "A line that is not complete goes on in the next one; Ctrl-C drops it, and stops a calculation.\n"
@@ -93,6 +93,8 @@ class Prompt {
         while (true) {
             int size = 0;
             gInterrupted = 0;
+            host_.session().interruptFlag() =
+                false; // Ctrl-C stops what it met, not the script that comes next
             // Raw before the prompt shows: a Ctrl-D typed at once would else be the terminal's, and be lost.
             el_set(line_.get(), EL_PREP_TERM, 1);
             const char* text = el_gets(line_.get(), &size);
@@ -173,7 +175,6 @@ class Prompt {
     void evaluate(const std::string& text) {
         try {
             if (const auto calculation = reader_.addLine(text)) {
-                host_.session().interruptFlag() = false;
                 std::cout << severalLines(host_.session().evaluate(*calculation)) << std::endl;
                 host_.idle();
             }

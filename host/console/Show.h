@@ -9,7 +9,7 @@
 namespace host {
 
 // The value in UTF-8 on one line: a return and a line feed are shown as a paragraph mark. A container is
-// "[container: N streams]".
+// shown as its name, its size and its streams: [container: "a.png", 20 x 10, PNGf 312 bytes].
 std::string oneLine(const Value& value);
 
 // The value in UTF-8 with line feeds for its returns.

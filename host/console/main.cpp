@@ -103,12 +103,7 @@ void defineCommands(CLI::App& app, CommandLine& line) {
                "  fmhost functions --plugin Other.fmx");
 }
 
-ExitCode runCommand(const CLI::App& app, const CommandLine& line) {
-    const HostOptions options = hostOptions(line);
-    if (app.got_subcommand("test")) {
-        return runTests(options, line.tests);
-    }
-    Host host(options);
+ExitCode runOnHost(Host& host, const CLI::App& app, const CommandLine& line) {
     if (app.got_subcommand("functions")) {
         return listFunctions(host, line.all, line.asJson);
     }
@@ -121,7 +116,20 @@ ExitCode runCommand(const CLI::App& app, const CommandLine& line) {
     if (app.got_subcommand("run")) {
         return runScript(host, line.script, line.parameter, !line.trace);
     }
-    return isatty(STDIN_FILENO) != 0 ? runPrompt(host) : evaluateAll(host, {"-"});
+    return evaluateAll(host, {"-"});
+}
+
+ExitCode runCommand(const CLI::App& app, const CommandLine& line) {
+    const HostOptions options = hostOptions(line);
+    if (app.got_subcommand("test")) {
+        return runTests(options, line.tests);
+    }
+    Host host(options);
+    if (app.get_subcommands().empty() && isatty(STDIN_FILENO) != 0) {
+        return runPrompt(host);
+    }
+    const ExitCode code = runOnHost(host, app, line);
+    return code == ExitCode::ok && host.startedScriptFailed() ? ExitCode::failure : code;
 }
 
 } // namespace

@@ -17,6 +17,13 @@ struct CallFrame {
     fmx::DataAutoPtr argument; // what is put into [arguments] next
     fmx::DataAutoPtr result;
     ConversionTools tools;
+
+    // Lets go of the values of a call.
+    void release() {
+        arguments->Clear();
+        argument->Clear();
+        result->Clear();
+    }
 };
 
 // Calls may be inside each other: each takes a frame of its own. One thread uses it.

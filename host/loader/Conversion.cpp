@@ -43,10 +43,11 @@ Container containerOf(const fmx::BinaryData& data) {
 void setContainer(fmx::Data& data, const Container& container) {
     const fmx::BinaryDataAutoPtr binary;
     const fmx::QuadCharAutoPtr type;
-    for (size_t i = 0; i < container.count(); ++i) {
-        Bytes bytes = container.at(i).bytes; // the interface wants them writable
-        type->SetMacType(container.at(i).type.code());
-        binary->Add(*type, static_cast<fmx::uint32>(bytes.size()), bytes.data());
+    for (const Container::Stream& stream : container) {
+        const Bytes& bytes = stream.bytes();
+        type->SetMacType(stream.type().code());
+        // The interface takes them as writable, and only reads them.
+        binary->Add(*type, static_cast<fmx::uint32>(bytes.size()), const_cast<unsigned char*>(bytes.data()));
     }
     data.SetBinaryData(*binary, true);
 }

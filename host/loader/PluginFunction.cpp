@@ -3,9 +3,19 @@
 #include "host/calc/Session.h"
 #include "host/loader/Conversion.h"
 
+#include <algorithm>
 #include <new>
 
 namespace host {
+
+namespace {
+
+bool holdsContainer(std::span<const Value> values) {
+    return std::any_of(values.begin(), values.end(),
+                       [](const Value& value) { return value.type() == ValueType::container; });
+}
+
+} // namespace
 
 Value PluginFunction::call(Session& session, std::span<Value> arguments) {
     try {
@@ -19,7 +29,11 @@ Value PluginFunction::call(Session& session, std::span<Value> arguments) {
         const fmx::errcode code =
             handler_(identity_.id, *frame->environment, *frame->arguments, *frame->result);
         session.setLastError(code);
-        return code == 0 ? valueOf(*frame->result) : Value::invalid();
+        Value result = code == 0 ? valueOf(*frame->result) : Value::invalid();
+        if (holdsContainer(arguments) || result.type() == ValueType::container) {
+            frame->release(); // large ones are not kept until the next call
+        }
+        return result;
     } catch (const std::bad_alloc&) {
         throw ExternalFailure("out of memory");
     } catch (const std::exception& error) {

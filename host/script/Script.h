@@ -19,6 +19,10 @@ enum class StepKind : uint8_t {
     showCustomDialog, // title first, message second
     performScript,    // name or first; parameter second
     exitScript,       // result first
+    insertPicture,    // variable := the picture in the file that first names
+    insertFile,       // variable := the file that first names
+    exportContents,   // writes the container first to the file that second names
+    pause,            // waits for first seconds
 };
 
 struct Step {
@@ -27,7 +31,8 @@ struct Step {
     size_t end = 0;
     std::optional<Calculation> first;
     std::optional<Calculation> second;
-    std::u16string name; // setVariable: the folded name; performScript: the script's name when it is fixed
+    std::u16string
+        name; // setVariable, insert...: the folded name; performScript: the script's name when it is fixed
     std::u16string database; // performScript: the file that holds the script; empty for the script's own
     size_t target = 0;       // of a jump: an index into steps, at most their number
 };

@@ -23,6 +23,10 @@ enum class StepName : uint8_t {
     showCustomDialog,
     performScript,
     exitScript,
+    insertPicture,
+    insertFile,
+    exportFieldContents,
+    pauseScript,
 };
 
 struct StepRow {
@@ -43,6 +47,10 @@ constexpr std::array kSteps = {
     StepRow{u"Show Custom Dialog", StepName::showCustomDialog, true},
     StepRow{u"Perform Script", StepName::performScript, true},
     StepRow{u"Exit Script", StepName::exitScript, false},
+    StepRow{u"Insert Picture", StepName::insertPicture, true},
+    StepRow{u"Insert File", StepName::insertFile, true},
+    StepRow{u"Export Field Contents", StepName::exportFieldContents, true},
+    StepRow{u"Pause/Resume Script", StepName::pauseScript, true},
 };
 
 bool isLineEnd(char16_t c) {
@@ -197,14 +205,23 @@ class ScriptParser {
             return performScript(*in);
         case StepName::exitScript:
             return exitScript(in);
+        case StepName::insertPicture:
+            return insert(StepKind::insertPicture, *in);
+        case StepName::insertFile:
+            return insert(StepKind::insertFile, *in);
+        case StepName::exportFieldContents:
+            return exportContents(*in);
+        case StepName::pauseScript:
+            return pause(*in);
         }
     }
 
-    void setVariable(Parser& in) {
+    // The variable that a step sets, with or without its repetition.
+    static std::u16string targetVariable(Parser& in) {
         if (in.current().kind != TokenKind::variable) {
             in.failExpected("a $local or $$global variable", CalcCode::nameMissing);
         }
-        add(StepKind::setVariable).name = foldName(in.current().text);
+        std::u16string name = foldName(in.current().text);
         in.advance();
         if (in.accept(TokenKind::leftBracket)) {
             if (in.current().kind != TokenKind::number || in.current().text != u"1") {
@@ -214,6 +231,11 @@ class ScriptParser {
             in.expect(TokenKind::rightBracket, "\"]\" after the repetition");
         }
         in.expect(TokenKind::semicolon, "\";\" after the variable");
+        return name;
+    }
+
+    void setVariable(Parser& in) {
+        add(StepKind::setVariable).name = targetVariable(in);
         label(in, {u"value"}, "\"Value:\"");
         steps_.back().first = in.calculation();
     }
@@ -339,6 +361,33 @@ class ScriptParser {
         if (in->current().kind != TokenKind::rightBracket) {
             leave.first = in->calculation();
         }
+    }
+
+    // [ Target: $variable ; path ]; the word Target may be left out.
+    void insert(StepKind kind, Parser& in) {
+        Step& step = add(kind);
+        if (in.current().kind == TokenKind::identifier) {
+            label(in, {u"target"}, "\"Target:\"");
+        }
+        step.name = targetVariable(in);
+        step.first = in.calculation();
+    }
+
+    void exportContents(Parser& in) {
+        Step& step = add(StepKind::exportContents);
+        step.first = in.calculation();
+        in.expect(TokenKind::semicolon, "\";\" after what is exported");
+        step.second = in.calculation();
+    }
+
+    void pause(Parser& in) {
+        constexpr std::string_view kLabel = "\"Duration (seconds):\"";
+        Step& step = add(StepKind::pause);
+        if (!in.acceptWord(u"duration") || !in.accept(TokenKind::leftParen) || !in.acceptWord(u"seconds") ||
+            !in.accept(TokenKind::rightParen) || !in.accept(TokenKind::colon)) {
+            in.failExpected(kLabel, CalcCode::nameMissing);
+        }
+        step.first = in.calculation();
     }
 
     // Takes words and a colon, as in "Text Result:".

@@ -1,10 +1,20 @@
 #include "host/script/ScriptRunner.h"
 
+#include "host/script/FileBytes.h"
 #include "host/values/Text.h"
+
+#include <algorithm>
 
 namespace host {
 
-Value ScriptRunner::run(const std::filesystem::path& file, Value parameter) {
+namespace fs = std::filesystem;
+
+Value ScriptRunner::run(const fs::path& file, Value parameter) {
+    struct Deeper {
+        int& depth;
+        explicit Deeper(int& counter) : depth(counter) { ++depth; }
+        ~Deeper() { --depth; }
+    } const deeper(depth_);
     const ScriptPtr script = library_.load(file);
     const ScriptFrame frame(session_, fromUtf8(file.stem().string()), std::move(parameter));
     return run(*script);
@@ -14,6 +24,9 @@ Value ScriptRunner::run(const Script& script) {
     size_t at = 0;
     while (at < script.steps.size()) {
         const Step& step = script.steps[at];
+        if (session_.interruptFlag().load(std::memory_order_relaxed)) {
+            throw CalcError(ErrorKind::evaluation, CalcCode::generic, script.source, step.begin, "stopped");
+        }
         ++at;
         switch (step.kind) {
         case StepKind::setVariable:
@@ -38,6 +51,18 @@ Value ScriptRunner::run(const Script& script) {
             break;
         case StepKind::exitScript:
             return step.first ? evaluate(script, step) : Value();
+        case StepKind::insertPicture:
+            insert(script, step, pictureContainer);
+            break;
+        case StepKind::insertFile:
+            insert(script, step, fileContainer);
+            break;
+        case StepKind::exportContents:
+            exportContents(script, step);
+            break;
+        case StepKind::pause:
+            pause(script, step);
+            break;
         }
     }
     return {};
@@ -58,19 +83,73 @@ void ScriptRunner::perform(const Script& script, const Step& step) {
         session_.setLastError(kScriptMissing);
         return;
     }
-    if (depth_ == kMaxScriptDepth) {
+    if (!canRun()) {
         throw CalcError(ErrorKind::evaluation, CalcCode::generic, script.source, step.begin,
                         "scripts perform each other too deeply: at most " + std::to_string(kMaxScriptDepth) +
                             " levels");
     }
-    struct Deeper {
-        int& depth;
-        explicit Deeper(int& counter) : depth(counter) { ++depth; }
-        ~Deeper() { --depth; }
-    } const deeper(depth_);
     Value result = run(*file, std::move(parameter));
     session_.frame().scriptResult = std::move(result);
     session_.setLastError(0);
+}
+
+void ScriptRunner::insert(const Script& script, const Step& step, ContainerMaker make) {
+    const fs::path file = path(script, *step.first);
+    Value contents;
+    try {
+        contents = Value::container(make(fromUtf8(file.filename().string()), readBytes(file)));
+    } catch (const FileError& error) {
+        fail(script, *step.first, error.what());
+    }
+    listener_.evaluated(script, step, contents);
+    session_.setVariable(step.name, std::move(contents));
+    session_.setLastError(0);
+}
+
+void ScriptRunner::exportContents(const Script& script, const Step& step) {
+    const Value source = evaluate(script, step);
+    if (source.type() != ValueType::container) {
+        fail(script, *step.first, "expected a container to export");
+    }
+    const Container::Stream* stream = fileStream(source.asContainer());
+    if (stream == nullptr) {
+        fail(script, *step.first, "the container to export is empty");
+    }
+    try {
+        writeBytes(path(script, *step.second), stream->bytes());
+    } catch (const FileError& error) {
+        fail(script, *step.second, error.what());
+    }
+    session_.setLastError(0);
+}
+
+// The path that a calculation gives, from the script's own folder; what FileMaker writes before a path to say
+// what kind it is does not count.
+fs::path ScriptRunner::path(const Script& script, const Calculation& calculation) {
+    constexpr std::string_view kKinds[] = {"file:", "image:", "filelinux:", "imagelinux:"};
+    std::string text = toUtf8(session_.evaluate(calculation).asText());
+    for (const std::string_view kind : kKinds) {
+        if (text.starts_with(kind)) {
+            text.erase(0, kind.size());
+            break;
+        }
+    }
+    if (text.empty()) {
+        fail(script, calculation, "the path is empty");
+    }
+    return fs::path(script.source->name()).parent_path() / text;
+}
+
+void ScriptRunner::pause(const Script& script, const Step& step) {
+    constexpr double kLongest = 1e9; // seconds, some thirty years
+    const auto seconds = evaluate(script, step).asNumber().value_or(0);
+    listener_.paused(std::chrono::duration<double>(std::clamp(seconds.toDouble(), 0.0, kLongest)));
+    session_.setLastError(0);
+}
+
+void ScriptRunner::fail(const Script& script, const Calculation& calculation, std::string message) const {
+    throw CalcError(ErrorKind::evaluation, CalcCode::generic, script.source, calculation.root.begin,
+                    std::move(message));
 }
 
 void ScriptQueue::push(Request request) {

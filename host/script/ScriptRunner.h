@@ -3,7 +3,9 @@
 
 #include "host/calc/Session.h"
 #include "host/script/ScriptLibrary.h"
+#include "host/values/ContainerFile.h"
 
+#include <chrono>
 #include <mutex>
 #include <optional>
 #include <queue>
@@ -27,6 +29,9 @@ class ScriptListener {
 
     // A step has evaluated the calculation that it depends on.
     virtual void evaluated(const Script& /*script*/, const Step& /*step*/, const Value& /*result*/) {}
+
+    // Pause/Resume Script: the script goes on when this returns.
+    virtual void paused(std::chrono::duration<double> /*time*/) {}
 };
 
 class ScriptRunner {
@@ -37,10 +42,20 @@ class ScriptRunner {
     // Runs a file's script to its end and answers its result. Throws CalcError, FileError.
     Value run(const std::filesystem::path& file, Value parameter);
 
+    // False when as many scripts as may be are inside each other.
+    bool canRun() const { return depth_ <= kMaxScriptDepth; }
+
   private:
+    using ContainerMaker = Container (*)(std::u16string_view name, Bytes contents);
+
     Value run(const Script& script);
     void perform(const Script& script, const Step& step);
     Value evaluate(const Script& script, const Step& step);
+    void insert(const Script& script, const Step& step, ContainerMaker make);
+    void exportContents(const Script& script, const Step& step);
+    void pause(const Script& script, const Step& step);
+    std::filesystem::path path(const Script& script, const Calculation& calculation);
+    [[noreturn]] void fail(const Script& script, const Calculation& calculation, std::string message) const;
 
     Session& session_;
     ScriptLibrary& library_;

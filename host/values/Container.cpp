@@ -19,28 +19,33 @@ void StreamType::setCode(uint32_t code) noexcept {
     }
 }
 
+std::strong_ordering operator<=>(const Container::Stream& left, const Container::Stream& right) noexcept {
+    const auto types = left.type_ <=> right.type_;
+    return types != 0 || left.bytes_ == right.bytes_ ? types : *left.bytes_ <=> *right.bytes_;
+}
+
 size_t Container::totalSize() const noexcept {
     return std::accumulate(streams_.begin(), streams_.end(), size_t{0},
-                           [](size_t sum, const Stream& stream) { return sum + stream.bytes.size(); });
+                           [](size_t sum, const Stream& stream) { return sum + stream.bytes().size(); });
 }
 
 std::optional<size_t> Container::find(StreamType type) const noexcept {
     const auto found = std::find_if(streams_.begin(), streams_.end(),
-                                    [type](const Stream& stream) { return stream.type == type; });
+                                    [type](const Stream& stream) { return stream.type() == type; });
     return found == streams_.end() ? std::nullopt
                                    : std::optional(static_cast<size_t>(found - streams_.begin()));
 }
 
 void Container::set(StreamType type, Bytes bytes) {
     if (const auto index = find(type)) {
-        streams_[*index].bytes = std::move(bytes);
+        streams_[*index] = Stream(type, std::move(bytes));
     } else {
-        streams_.push_back({type, std::move(bytes)});
+        streams_.emplace_back(type, std::move(bytes));
     }
 }
 
 bool Container::remove(StreamType type) {
-    return std::erase_if(streams_, [type](const Stream& stream) { return stream.type == type; }) > 0;
+    return std::erase_if(streams_, [type](const Stream& stream) { return stream.type() == type; }) > 0;
 }
 
 std::optional<std::u16string> Container::fileNames() const {
@@ -48,7 +53,7 @@ std::optional<std::u16string> Container::fileNames() const {
     if (!index) {
         return std::nullopt;
     }
-    const Bytes& bytes = streams_[*index].bytes;
+    const Bytes& bytes = streams_[*index].bytes();
     std::u16string names;
     for (size_t i = 0; i + 1 < bytes.size(); i += 2) {
         names += static_cast<char16_t>(bytes[i] | bytes[i + 1] << 8);
@@ -68,10 +73,10 @@ void Container::setFileNames(std::u16string_view names) {
 
 std::optional<std::pair<int16_t, int16_t>> Container::pictureSize() const {
     const auto index = find(kSize);
-    if (!index || streams_[*index].bytes.size() != 4) {
+    if (!index || streams_[*index].bytes().size() != 4) {
         return std::nullopt;
     }
-    const auto number = [&bytes = streams_[*index].bytes](size_t i) {
+    const auto number = [&bytes = streams_[*index].bytes()](size_t i) {
         return static_cast<int16_t>(bytes[i] << 8 | bytes[i + 1]);
     };
     return std::pair(number(0), number(2));

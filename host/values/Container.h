@@ -2,7 +2,9 @@
 #pragma once
 
 #include <array>
+#include <compare>
 #include <cstdint>
+#include <memory>
 #include <optional>
 #include <string>
 #include <string_view>
@@ -29,6 +31,7 @@ struct StreamType {
 
 using Bytes = std::vector<unsigned char>;
 
+// Copying is cheap: the bytes of a stream are shared.
 class Container {
   public:
     // The streams that hold the file names (UTF-16, low byte first) and the size of a picture (two numbers of
@@ -36,15 +39,29 @@ class Container {
     static constexpr StreamType kFileNames = StreamType::of("FNAM");
     static constexpr StreamType kSize = StreamType::of("SIZE");
 
-    struct Stream {
-        StreamType type;
-        Bytes bytes;
+    class Stream {
+      public:
+        Stream(StreamType type, Bytes bytes)
+            : type_(type), bytes_(std::make_shared<const Bytes>(std::move(bytes))) {}
 
-        friend bool operator==(const Stream&, const Stream&) = default;
+        StreamType type() const noexcept { return type_; }
+        const Bytes& bytes() const noexcept { return *bytes_; }
+
+        friend bool operator==(const Stream& left, const Stream& right) noexcept {
+            return (left <=> right) == 0;
+        }
+        // By type, then by bytes.
+        friend std::strong_ordering operator<=>(const Stream& left, const Stream& right) noexcept;
+
+      private:
+        StreamType type_;
+        std::shared_ptr<const Bytes> bytes_;
     };
 
     size_t count() const noexcept { return streams_.size(); }
     bool isEmpty() const noexcept { return streams_.empty(); }
+    auto begin() const noexcept { return streams_.begin(); }
+    auto end() const noexcept { return streams_.end(); }
     // Bytes of all streams together.
     size_t totalSize() const noexcept;
     // The stream at a place below the count.
@@ -64,6 +81,8 @@ class Container {
     void setPictureSize(int16_t width, int16_t height);
 
     friend bool operator==(const Container&, const Container&) = default;
+    // By the streams, the first difference decides.
+    friend std::strong_ordering operator<=>(const Container&, const Container&) = default;
 
   private:
     std::vector<Stream> streams_;

@@ -108,11 +108,11 @@ uint32 FM_BinaryData_GetTotalSize(const void* object, _fmxcpt& block) noexcept {
     return guarded(block, [&] { return host::size32(self<BinaryData>(object).totalSize()); });
 }
 void FM_BinaryData_GetType(const void* object, int32 index, QuadChar& type, _fmxcpt& block) noexcept {
-    guarded(block, [&] { inside(type) = streamAt(self<BinaryData>(object), index).type; });
+    guarded(block, [&] { inside(type) = streamAt(self<BinaryData>(object), index).type(); });
 }
 uint32 FM_BinaryData_GetSize(const void* object, int32 index, _fmxcpt& block) noexcept {
     return guarded(block,
-                   [&] { return host::size32(streamAt(self<BinaryData>(object), index).bytes.size()); });
+                   [&] { return host::size32(streamAt(self<BinaryData>(object), index).bytes().size()); });
 }
 errcode FM_BinaryData_GetData(const void* object, int32 index, uint32 offset, uint32 amount, void* buffer,
                               _fmxcpt& block) noexcept {
@@ -122,7 +122,7 @@ errcode FM_BinaryData_GetData(const void* object, int32 index, uint32 offset, ui
         if (index < 0 || static_cast<size_t>(index) >= container.count()) {
             return host::kUnavailable;
         }
-        const host::Bytes& bytes = streamAt(container, index).bytes;
+        const host::Bytes& bytes = streamAt(container, index).bytes();
         if (offset > bytes.size() || amount > bytes.size() - offset) {
             return host::kUnavailable;
         }

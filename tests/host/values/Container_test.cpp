@@ -20,7 +20,7 @@ TEST(Container, KeepsOneStreamOfEachTypeInOrder) {
     EXPECT_EQ(container.totalSize(), 5U);
     EXPECT_EQ(container.find(Container::kSize), 0U);
     EXPECT_EQ(container.find(kPng), 1U);
-    EXPECT_EQ(container.at(1).bytes, (Bytes{4}));
+    EXPECT_EQ(container.at(1).bytes(), (Bytes{4}));
     EXPECT_TRUE(container.remove(kPng));
     EXPECT_FALSE(container.remove(kPng));
     EXPECT_EQ(container.find(kPng), std::nullopt);
