@@ -164,7 +164,9 @@ void writeBytes(const fs::path& file, const Bytes& bytes) {
                             (S_ISDIR(status.st_mode) ? " is a folder" : " is no regular file"));
         }
         std::error_code error;
-        target = fs::canonical(file, error);
+        if (fs::is_symlink(file, error)) {
+            target = fs::canonical(file, error);
+        }
         if (error) {
             fail("write", file, error.value());
         }

@@ -1,82 +1,17 @@
 // The program from the outside: what it prints where, and its exit status.
-#include "host/console/ExitCode.h"
+#include "tests/host/console/Program.h"
 
-#include <array>
-#include <cstdio>
-#include <cstdlib>
-#include <filesystem>
-#include <fstream>
 #include <gmock/gmock.h>
-#include <gtest/gtest.h>
-#include <iterator>
-#include <sys/wait.h>
 
 namespace host {
 namespace {
 
-namespace fs = std::filesystem;
 using testing::HasSubstr;
 using testing::StartsWith;
-
-const std::string kGood = std::string(TEST_PLUGINS) + "/good_plugin.fmx";
 
 // What the host has to say about that plug-in.
 const std::string kWarning =
     "fmhost: the plug-in function Test_Echo2 (TEST 0) is not registered: its id is registered already\n";
-
-struct Outcome {
-    int status;
-    std::string out;
-    std::string err;
-};
-
-class Program : public testing::Test {
-  protected:
-    Program() {
-        char pattern[] = "/tmp/console-test-XXXXXX";
-        folder_ = mkdtemp(pattern);
-        setenv("HOME", folder_.c_str(), 1);
-        setenv("XDG_STATE_HOME", (folder_ / "state").c_str(), 1);
-        unsetenv("FMHOST_PLUGIN");
-    }
-    ~Program() override { fs::remove_all(folder_); }
-
-    // Runs the program with the arguments as the shell reads them.
-    Outcome run(const std::string& arguments, const std::string& input = "") {
-        const fs::path out = folder_ / "out";
-        const fs::path err = folder_ / "err";
-        write("in", input);
-        const std::string command =
-            "cd " + folder_.string() + " && " FMHOST " " + arguments + " <in >out 2>err";
-        const int status = std::system(command.c_str());
-        return {WIFEXITED(status) ? WEXITSTATUS(status) : -1, read(out), read(err)};
-    }
-    Outcome plain(const std::string& arguments, const std::string& input = "") {
-        return run("--no-plugin " + arguments, input);
-    }
-    Outcome good(const std::string& arguments, const std::string& input = "") {
-        return run("--plugin " + kGood + " " + arguments, input);
-    }
-
-    fs::path write(const std::string& name, const std::string& text) const {
-        fs::path file = folder_ / name;
-        fs::create_directories(file.parent_path());
-        std::ofstream(file, std::ios::binary) << text;
-        return file;
-    }
-    static std::string read(const fs::path& file) {
-        std::ifstream in(file, std::ios::binary);
-        return {std::istreambuf_iterator<char>(in), {}};
-    }
-
-    void expect(const Outcome& result, ExitCode code, const std::string& out, const std::string& err) const {
-        EXPECT_EQ(result.status, static_cast<int>(code));
-        EXPECT_EQ(result.out, out);
-        EXPECT_EQ(result.err, err);
-    }
-
-    fs::path folder_;
-};
 
 TEST_F(Program, EvaluatesInOneSession) {
     expect(plain("eval '1 + 1' 'Let ( $x = 5 ; $x )' '$x * 2' '\"a¶b\"' '\"\"' '1 / 0'"), ExitCode::ok,
@@ -160,7 +95,7 @@ TEST_F(Program, Info) {
     EXPECT_EQ(
         info.out,
         "Name:       Test plug-in\nHelp text:  Helps testing.\nOptions:    TEST1nnYYnn\nInterface:  54\n"
-        "Functions:  13\nFile:       " +
+        "Functions:  17\nFile:       " +
             kGood + "\n");
     EXPECT_EQ(info.err, kWarning);
     expect(plain("info"), ExitCode::usage, "", "fmhost: no plug-in is loaded\n");

@@ -39,6 +39,9 @@ class Prompt : public testing::Test {
     void start() {
         program_ = forkpty(&terminal_, nullptr, nullptr, nullptr);
         if (program_ == 0) {
+            if (chdir(folder_.c_str()) != 0) {
+                _exit(127);
+            }
             setenv("HOME", folder_.c_str(), 1);
             setenv("XDG_STATE_HOME", (folder_ / "state").c_str(), 1);
             setenv("TERM", "dumb", 1);
@@ -148,6 +151,13 @@ TEST_F(Prompt, KeepsAHistory) {
     type("\x10"); // the line before
     waitFor("1 + 41");
     enter("", "42\r\n");
+}
+
+TEST_F(Prompt, AStartedScriptRunsWhileItWaits) {
+    std::ofstream(folder_ / "Greets.fmscript") << "Show Custom Dialog [ \"hel\" & \"lo\" ]";
+    enter("Test_StartLater ( \"Greets\" ; 200 )", "0\r\n");
+    waitFor("hello\r\n");
+    enter("1 + 1", "2\r\n");
 }
 
 TEST_F(Prompt, ThePluginIsIdleWhileItWaits) {

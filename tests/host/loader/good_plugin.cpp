@@ -1,9 +1,13 @@
 // A plug-in that behaves, with functions that show what arrives and functions that misbehave when asked to.
 #include "TestPlugin.h"
 
+#include <chrono>
 #include <new>
 #include <stdexcept>
 #include <string>
+#include <thread>
+#include <utility>
+#include <vector>
 
 using namespace test_plugin;
 using fmx::Data;
@@ -36,8 +40,15 @@ enum Function : short {
     kVanish,
     kInstance,
     kNested,
-    kAnswer
+    kAnswer,
+    kStartLater,
+    kStartWhenIdle,
+    kPicture,
+    kStreams
 };
+
+std::vector<std::thread> threads; // that start scripts; ended by the shut-down
+std::string scriptForIdle;
 
 errcode echo(short, const ExprEnv&, const DataVect& in, Data& result) {
     const Data& value = in.At(0);
@@ -102,10 +113,97 @@ errcode evaluate(short, const ExprEnv& environment, const DataVect& in, Data& re
     return 0;
 }
 
+// Without arguments it asks for nothing at all.
 errcode startScript(short, const ExprEnv&, const DataVect& in, Data& result) {
-    const bool hasParameter = in.Size() > 2;
-    setNumber(result, FMX_StartScript(&in.AtAsText(0), &in.AtAsText(1), kFMXT_Pause,
-                                      hasParameter ? &in.At(2) : nullptr));
+    if (in.IsEmpty()) {
+        setNumber(result, FMX_StartScript(nullptr, nullptr, kFMXT_Pause, nullptr));
+        return 0;
+    }
+    const fmx::int32 control = in.Size() > 3 ? in.AtAsNumber(3).AsLong() : fmx::int32{kFMXT_Pause};
+    setNumber(result, FMX_StartScript(&in.AtAsText(0), &in.AtAsText(1), static_cast<fmx::uchar>(control),
+                                      in.Size() > 2 ? &in.At(2) : nullptr));
+    return 0;
+}
+
+std::string bytesOf(const fmx::Text& text) {
+    char bytes[64] = "";
+    text.GetBytes(bytes, sizeof bytes);
+    return bytes;
+}
+
+void startNamed(const std::string& name) {
+    const fmx::TextAutoPtr file;
+    const fmx::TextAutoPtr script;
+    assign(*script, name.c_str());
+    FMX_StartScript(&*file, &*script, kFMXT_Pause, nullptr);
+}
+
+// Starts a script on a thread of its own after so many milliseconds.
+errcode startLater(short, const ExprEnv&, const DataVect& in, Data& result) {
+    const std::chrono::milliseconds delay(in.AtAsNumber(1).AsLong());
+    threads.emplace_back([script = bytesOf(in.AtAsText(0)), delay] {
+        std::this_thread::sleep_for(delay);
+        startNamed(script);
+    });
+    setNumber(result, 0);
+    return 0;
+}
+
+// The next idle message starts the script.
+errcode startWhenIdle(short, const ExprEnv&, const DataVect& in, Data& result) {
+    scriptForIdle = bytesOf(in.AtAsText(0));
+    setNumber(result, 0);
+    return 0;
+}
+
+void idleMessage(int level) {
+    ++idles;
+    lastIdleLevel = level;
+    if (!scriptForIdle.empty()) {
+        startNamed(std::exchange(scriptForIdle, {}));
+    }
+}
+
+void add(fmx::BinaryData& container, const char* type, const void* bytes, size_t size) {
+    const fmx::QuadCharAutoPtr code(type[0], type[1], type[2], type[3]);
+    container.Add(*code, static_cast<fmx::uint32>(size), const_cast<void*>(bytes));
+}
+
+// A picture without a name: several streams that all hold the same 2 by 3 pixels in BMP, whatever their code
+// says, and a size that is wrong.
+errcode picture(short, const ExprEnv&, const DataVect&, Data& result) {
+    unsigned char bytes[54 + 3 * 8] = {
+        'B', 'M', sizeof bytes, 0, 0, 0, 0, 0, 0, 0, 54, 0, 0, 0, 40, 0, 0, 0, 2, 0, 0, 0, 3, 0, 0, 0,
+        1,   0,   24,           0};
+    const fmx::BinaryDataAutoPtr container;
+    container->AddSIZEData(9, 9);
+    for (const char* type : {"GIFf", "BMPf", "PNGf"}) {
+        add(*container, type, bytes, sizeof bytes);
+    }
+    result.SetBinaryData(*container, true);
+    return 0;
+}
+
+// The streams of a container as the plug-in sees them: "FNAM 10 SIZE 4 PNGf 312 20x10".
+errcode streams(short, const ExprEnv&, const DataVect& in, Data& result) {
+    const fmx::BinaryData& container = in.AtAsBinaryData(0);
+    const fmx::QuadCharAutoPtr type;
+    std::string text;
+    for (fmx::int32 i = 0; i < container.GetCount(); ++i) {
+        container.GetType(i, *type);
+        for (fmx::uint32 c = 0; c < 4; ++c) {
+            text += (*type)[c];
+        }
+        text += " " + std::to_string(container.GetSize(i)) + " ";
+    }
+    short width = 0;
+    short height = 0;
+    if (container.GetSIZEData(width, height) == 0) {
+        text += std::to_string(width) + "x" + std::to_string(height);
+    }
+    const fmx::TextAutoPtr answer;
+    assign(*answer, text.c_str());
+    setText(result, *answer);
     return 0;
 }
 
@@ -158,8 +256,8 @@ void start() {
     registerFunction(kCount, "Test_Count", "Test_Count ( a ; b {; c } )", 2, 3, count);
     registerFunction(kThrow, "Test_Throw", "Test_Throw ( how )", 1, 1, misbehave);
     registerFunction(kEvaluate, "Test_Evaluate", "Test_Evaluate ( calculation )", 1, 1, evaluate);
-    registerFunction(kStartScript, "Test_StartScript", "Test_StartScript ( file ; script {; parameter } )", 2,
-                     3, startScript);
+    registerFunction(kStartScript, "Test_StartScript",
+                     "Test_StartScript ( file ; script {; parameter ; control } )", 0, 4, startScript);
     registerFunction(kIdle, "Test_Idle", "Test_Idle", 0, 0, idle);
     registerFunction(kEmpty, "Test_Empty", "Test_Empty {( value )}", 0, 1, empty);
     registerFunction(kType, "Test_Type", "Test_Type ( value )", 1, 1, type);
@@ -167,6 +265,12 @@ void start() {
     registerFunction(kInstance, "Test_Instance", "Test_Instance", 0, 0, instance);
     registerFunction(kNested, "Test_Nested", "Test_Nested ( text ; calculation )", 2, 2, nested);
     registerFunction(kAnswer, "Test_Answer", "Test_Answer ( code )", 1, 1, answer);
+    registerFunction(kStartLater, "Test_StartLater", "Test_StartLater ( script ; milliseconds )", 2, 2,
+                     startLater);
+    registerFunction(kStartWhenIdle, "Test_StartWhenIdle", "Test_StartWhenIdle ( script )", 1, 1,
+                     startWhenIdle);
+    registerFunction(kPicture, "Test_Picture", "Test_Picture", 0, 0, picture);
+    registerFunction(kStreams, "Test_Streams", "Test_Streams ( container )", 1, 1, streams);
     secondRegistration = registerFunction(kEcho, "Test_Echo2", "Test_Echo2", 0, 0, empty);
     unknownUnregistration = unregisterFunction(999);
 }
@@ -189,11 +293,14 @@ TEST_PLUGIN_EXPORT void FMExternCallProc(FMX_ExternCallPtr call) {
         call->result = k130ExtnVersion;
         break;
     case kFMXT_Idle:
-        ++idles;
-        lastIdleLevel = call->parm1;
+        idleMessage(call->parm1);
         break;
     case kFMXT_Shutdown:
         ++shutDowns;
+        for (std::thread& thread : threads) {
+            thread.join();
+        }
+        threads.clear();
         unregisterFunction(kEcho);
         break;
     case kFMXT_GetString:

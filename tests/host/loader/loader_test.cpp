@@ -7,7 +7,9 @@
 #include <cstdlib>
 #include <dlfcn.h>
 #include <fstream>
+#include <gmock/gmock.h>
 #include <gtest/gtest.h>
+#include <mutex>
 #include <thread>
 #include <vector>
 
@@ -31,6 +33,7 @@ class Loader : public testing::Test {
     Loader()
         : host_(session_, [this](const std::u16string& file, const std::u16string& script,
                                  const Value& parameter) {
+              const std::lock_guard lock(mutex_);
               started_.push_back(toUtf8(file) + "/" + toUtf8(script) + "/" + toUtf8(parameter.asText()));
               return script == u"Missing" ? 104 : 0;
           }) {}
@@ -55,6 +58,7 @@ class Loader : public testing::Test {
 
     void loadGood() { host_.load(kPlugins / "good_plugin.fmx"); }
 
+    std::mutex mutex_;
     std::vector<std::string> started_;
     Session session_;
     PluginHost host_;
@@ -84,7 +88,7 @@ TEST_F(Loader, AsksForTheStringsAndKeepsTheFunctions) {
     EXPECT_EQ(info.version, 54);
     EXPECT_EQ(info.path, kPlugins / "good_plugin.fmx");
     const auto functions = host_.functions();
-    ASSERT_EQ(functions.size(), 13U);
+    ASSERT_EQ(functions.size(), 17U);
     EXPECT_EQ(functions[2].plugin, u"TEST");
     EXPECT_EQ(functions[2].id, 2);
     EXPECT_EQ(functions[2].name, u"Test_Count");
@@ -236,11 +240,29 @@ TEST_F(Loader, HandlersMayEvaluate) {
     EXPECT_EQ(run("Let ( $code = \"Test_Evaluate ( $code )\" ; Test_Evaluate ( $code ) )"), "1200");
 }
 
+TEST_F(Loader, AnyThreadMayStartScripts) {
+    loadGood();
+    const std::string calls = "Test_StartLater ( \"A\" ; 0 ) & Test_StartLater ( \"B\" ; 0 )";
+    EXPECT_EQ(run(calls), "00");
+    EXPECT_EQ(run("Test_StartWhenIdle ( \"C\" )"), "0");
+    host_.idle(IdleLevel::userIdle);
+    const auto isComplete = [&] {
+        const std::lock_guard lock(mutex_);
+        return started_.size() == 3;
+    };
+    for (int i = 0; i < 1000 && !isComplete(); ++i) {
+        std::this_thread::sleep_for(std::chrono::milliseconds(10));
+    }
+    const std::lock_guard lock(mutex_);
+    EXPECT_THAT(started_, testing::UnorderedElementsAre("/A/", "/B/", "/C/"));
+}
+
 TEST_F(Loader, HandlersMayStartScripts) {
     loadGood();
     EXPECT_EQ(run("Test_StartScript ( \"file\" ; \"Script\" ; 5 )"), "0");
     EXPECT_EQ(run("Test_StartScript ( \"\" ; \"Missing\" )"), "104");
-    EXPECT_EQ(started_, (std::vector<std::string>{"file/Script/5", "/Missing/"}));
+    EXPECT_EQ(run("Test_StartScript"), "0"); // neither file nor script nor parameter
+    EXPECT_EQ(started_, (std::vector<std::string>{"file/Script/5", "/Missing/", "//"}));
 }
 
 TEST_F(Loader, AFunctionUnregisteredSinceIsNoLongerCalled) {
