@@ -43,16 +43,19 @@ Value Host::run(const fs::path& script, Value parameter) {
     return runner_.run(script, std::move(parameter));
 }
 
-void Host::idle(IdleLevel level) {
+bool Host::idle(IdleLevel level) {
+    bool ran = false;
     plugins_.idle(level);
     while (runner_.canRun()) {
         const auto request = queue_.pop();
         if (!request) {
             break;
         }
+        ran = true;
         runStarted(*request);
     }
     printWarnings();
+    return ran;
 }
 
 void Host::runStarted(const ScriptQueue::Request& request) {

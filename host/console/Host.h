@@ -36,8 +36,8 @@ class Host : private ScriptListener {
     Value run(const std::filesystem::path& script, Value parameter);
 
     // Between two calculations or scripts: the plug-in's idle time, then the scripts that it has started.
-    // Their errors go to standard error.
-    void idle() { idle(IdleLevel::userIdle); }
+    // Their errors go to standard error. Answers whether a script ran.
+    bool idle() { return idle(IdleLevel::userIdle); }
 
     // Whether a script that the plug-in has started failed.
     bool startedScriptFailed() const { return startedScriptFailed_; }
@@ -46,7 +46,7 @@ class Host : private ScriptListener {
     void dialog(const Value& title, const Value& message) override;
     void evaluated(const Script& script, const Step& step, const Value& result) override;
     void paused(std::chrono::duration<double> time) override;
-    void idle(IdleLevel level);
+    bool idle(IdleLevel level);
     void runStarted(const ScriptQueue::Request& request);
     void printWarnings();
 

@@ -132,7 +132,9 @@ class Prompt {
                 return -1;
             }
             if (ready <= 0) {
-                static_cast<Prompt*>(self)->host_.idle();
+                if (static_cast<Prompt*>(self)->host_.idle()) {
+                    el_set(line, EL_REFRESH); // a script may have written over the line
+                }
                 continue;
             }
             char byte = 0;

@@ -156,8 +156,21 @@ TEST_F(Prompt, KeepsAHistory) {
 TEST_F(Prompt, AStartedScriptRunsWhileItWaits) {
     std::ofstream(folder_ / "Greets.fmscript") << "Show Custom Dialog [ \"hel\" & \"lo\" ]";
     enter("Test_StartLater ( \"Greets\" ; 200 )", "0\r\n");
-    waitFor("hello\r\n");
+    waitFor("hello\r\n> "); // the prompt is there again
     enter("1 + 1", "2\r\n");
+}
+
+TEST_F(Prompt, ControlCStopsAStartedScript) {
+    std::ofstream(folder_ / "Endless.fmscript") << "Show Custom Dialog [ \"begins\" ]\nLoop\nEnd Loop";
+    std::ofstream(folder_ / "Pauses.fmscript")
+        << "Show Custom Dialog [ \"begins\" ]\nPause/Resume Script [ Duration (seconds): 1000 ]\nExit Script";
+    for (const char* script : {"Endless", "Pauses"}) {
+        type("Test_StartScript ( \"\" ; \"" + std::string(script) + "\" )\r");
+        waitFor("begins\r\n");
+        type("\x03");
+        waitFor(": stopped\r\n");
+        enter("1 + 1", "2\r\n");
+    }
 }
 
 TEST_F(Prompt, ThePluginIsIdleWhileItWaits) {

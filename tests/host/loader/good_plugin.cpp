@@ -286,7 +286,9 @@ TEST_PLUGIN_EXPORT int testStarts() {
 }
 
 TEST_PLUGIN_EXPORT void FMExternCallProc(FMX_ExternCallPtr call) {
-    gFMX_ExternCallPtr = call;
+    if (call->whichCall == kFMXT_Init) { // later threads of the plug-in read it
+        gFMX_ExternCallPtr = call;
+    }
     switch (call->whichCall) {
     case kFMXT_Init:
         start();
