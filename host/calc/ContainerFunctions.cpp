@@ -21,7 +21,7 @@ constexpr std::u16string_view kLineEnd = u"\r\n";
 
 // Lines of [columns] characters, a multiple of 4, with line ends between them; 0 for a single line.
 std::u16string encoded(std::span<const unsigned char> bytes, size_t columns) {
-    constexpr size_t kPiece = 3 * 16; // bytes of a piece of a single line
+    constexpr size_t kPiece = 48; // bytes of a piece of a single line
     const size_t piece = columns == 0 ? kPiece : columns / 4 * 3;
     const size_t length = BASE64_ENCODE_RAW_LENGTH(bytes.size());
     std::u16string result;
