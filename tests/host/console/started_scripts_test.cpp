@@ -102,13 +102,18 @@ TEST_F(StartedScripts, MayStartOthersAndPauseThemselves) {
     EXPECT_EQ(shown(start("First") +
                     "Pause/Resume Script [ Duration (seconds): 0 ]\nShow Custom Dialog [ \"Main\" ]"),
               "Hellofrom First\nFirst\nMain\n");
-    // One that starts itself and pauses, and so on: only so many at a time. The last ones find no room in a
-    // pause, and run when the others have ended.
-    write("Again.fmscript", "Set Variable [ $$n ; Value: $$n + 1 ]\nIf [ $$n < 500 ]\n" + start("Again") +
-                                "End If\nPause/Resume Script [ Duration (seconds): 0 ]");
-    EXPECT_EQ(
-        shown(start("Again") + "Pause/Resume Script [ Duration (seconds): 0 ]\nShow Custom Dialog [ $$n ]"),
-        "500\n");
+    // One that starts itself and pauses, and so on: only so many inside each other. The others find no room
+    // in a pause, and run when some have ended.
+    write("Again.fmscript",
+          "Set Variable [ $$n ; Value: $$n + 1 ]\nSet Variable [ $$inside ; Value: $$inside + 1 ]\n"
+          "Set Variable [ $$most ; Value: Case ( $$inside > $$most ; $$inside ; $$most ) ]\nIf [ $$n < 500 "
+          "]\n" +
+              start("Again") +
+              "End If\nPause/Resume Script [ Duration (seconds): 0 ]\n"
+              "Set Variable [ $$inside ; Value: $$inside - 1 ]");
+    EXPECT_EQ(shown(start("Again") +
+                    "Pause/Resume Script [ Duration (seconds): 0 ]\nShow Custom Dialog [ $$n ; $$most ]"),
+              "500\n200\n");
 }
 
 TEST_F(StartedScripts, TheirMistakesAreReportedAndTheOthersRun) {
