@@ -72,8 +72,8 @@ TEST(Picture, FindsTheFrameOfAJpeg) {
 }
 
 TEST(Picture, EverythingElseIsNone) {
-    for (const char* text : {"", "B", "BM", "BMW is no picture, it is a text that begins like one",
-                                    "GIF89", "GIF90a....", "\xFF\xD8\xFF", "\x89PNG\r\n\x1A\n", "hello"}) {
+    for (const char* text : {"", "B", "BM", "BMW is no picture, it is a text that begins like one", "GIF89",
+                             "GIF90a....", "\xFF\xD8\xFF", "\x89PNG\r\n\x1A\n", "hello"}) {
         EXPECT_FALSE(readPictureHeader(bytesOf(text))) << text;
     }
     EXPECT_FALSE(readPictureHeader(bmp(0, 5)));
