@@ -6,6 +6,9 @@ execute_process(COMMAND "${GNUSTEP_CONFIG}" --objc-flags OUTPUT_VARIABLE gnustep
   OUTPUT_STRIP_TRAILING_WHITESPACE COMMAND_ERROR_IS_FATAL ANY)
 separate_arguments(gnustep_flags UNIX_COMMAND "${gnustep_flags}")
 
+# Our headers stand in front of GNUstep's of the same name and include them.
+target_include_directories(velocard_foundation INTERFACE "${PROJECT_SOURCE_DIR}/frameworks/Foundation/include")
+
 set(gnustep_options)
 foreach(flag IN LISTS gnustep_flags)
   if(flag MATCHES "^-I/")
