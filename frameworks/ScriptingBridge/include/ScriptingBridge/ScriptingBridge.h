@@ -1,0 +1,8 @@
+#pragma once
+
+// The Scripting Bridge: speaks to the address book application, which on Linux is a program on the D-Bus
+// session bus.
+
+#import <ScriptingBridge/SBApplication.h>
+#import <ScriptingBridge/SBElementArray.h>
+#import <ScriptingBridge/SBObject.h>
