@@ -12,7 +12,7 @@ TEST(DistributedCentre, IsUnsuspendedWithoutANotificationServer) {
     NSDistributedNotificationCenter* centre = [NSDistributedNotificationCenter defaultCenter];
     EXPECT_EQ(raised([&] { [centre setSuspended:NO]; }), nil);
     EXPECT_FALSE([centre suspended]);
-    EXPECT_LT(-[start timeIntervalSinceNow], 1);
+    EXPECT_LT(-[start timeIntervalSinceNow], 5);
 
     Ivar remote = class_getInstanceVariable([NSDistributedNotificationCenter class], "_remote");
     ASSERT_NE(remote, nullptr);

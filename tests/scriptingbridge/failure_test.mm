@@ -40,7 +40,7 @@ TEST_F(ScriptingBridgeTest, WithoutABusNothingRuns) {
         EXPECT_FALSE([application() isRunning]) << address;
         EXPECT_THAT(select(application(), @"a"), HasSubstr("session bus cannot be reached")) << address;
         EXPECT_THAT(activate(application()), HasSubstr("session bus cannot be reached")) << address;
-        EXPECT_LE(watch.seconds(), 1) << address;
+        EXPECT_LE(watch.seconds(), 4) << address;
     }
 }
 
@@ -73,7 +73,7 @@ TEST_F(ScriptingBridgeTest, AnApplicationThatNeverAnswersIsWaitedForFiveSeconds)
     EXPECT_TRUE([book isRunning]);
     const Stopwatch watch;
     EXPECT_EQ(select(book, @"a"), "The application org.gnome.Contacts does not answer");
-    EXPECT_THAT(watch.seconds(), AllOf(Ge(4.9), Le(6)));
+    EXPECT_THAT(watch.seconds(), AllOf(Ge(4.9), Le(15)));
     EXPECT_TRUE([book isRunning]);
 }
 
@@ -83,7 +83,7 @@ TEST_F(ScriptingBridgeTest, OrForAsLongAsTheTimeoutSays) {
     SBApplication* book = impatient();
     const Stopwatch watch;
     EXPECT_EQ(activate(book), "The application org.gnome.Contacts does not answer");
-    EXPECT_THAT(watch.seconds(), AllOf(Ge(0.45), Le(2)));
+    EXPECT_THAT(watch.seconds(), AllOf(Ge(0.45), Le(4)));
     EXPECT_EQ(record(), "started\nactivate\n");
 }
 
@@ -94,7 +94,7 @@ TEST_F(ScriptingBridgeTest, AnApplicationMayEndInsteadOfAnswering) {
     EXPECT_TRUE([book isRunning]);
     const Stopwatch watch;
     EXPECT_EQ(select(book, @"a"), "The application org.gnome.Contacts ended before it answered");
-    EXPECT_LE(watch.seconds(), 2);
+    EXPECT_LE(watch.seconds(), 4);
     EXPECT_EQ(activate(book), "The application org.gnome.Contacts is not running");
     EXPECT_FALSE([book isRunning]);
     EXPECT_EQ(record(), "started\nshow-contact a\n");
@@ -121,7 +121,7 @@ TEST_F(ScriptingBridgeTest, ABusThatStopsIsNotWaitedForWithoutEnd) {
     EXPECT_FALSE([book isRunning]);
     EXPECT_NE(select(book, @"a"), "");
     EXPECT_NE(activate(book), "");
-    EXPECT_THAT(watch.seconds(), AllOf(Ge(1.35), Le(4)));
+    EXPECT_THAT(watch.seconds(), AllOf(Ge(1.35), Le(12)));
     ASSERT_EQ(::kill(bus, SIGCONT), 0);
     EXPECT_TRUE([book isRunning]);
 }
@@ -164,7 +164,7 @@ TEST_F(ScriptingBridgeTest, ABusThatNeverGreetsIsWaitedForAsLongAsTheTimeoutSays
     const Stopwatch watch;
     EXPECT_FALSE([impatient() isRunning]);
     EXPECT_THAT(select(impatient(), @"a"), HasSubstr("session bus cannot be reached"));
-    EXPECT_THAT(watch.seconds(), AllOf(Ge(0.9), Le(3)));
+    EXPECT_THAT(watch.seconds(), AllOf(Ge(0.9), Le(8)));
 }
 
 TEST_F(ScriptingBridgeTest, ABusThatHangsUpIsNone) {

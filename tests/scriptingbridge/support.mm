@@ -5,13 +5,6 @@
 #include <sstream>
 #include <thread>
 
-// Foundation keeps classes, constants and caches for as long as the process lives; those are no leaks of
-// ours.
-extern "C" __attribute__((visibility("default"))) const char* __lsan_default_suppressions();
-extern "C" const char* __lsan_default_suppressions() {
-    return "leak:libgnustep-base\nleak:libobjc\n";
-}
-
 namespace {
 
 // Runs [work] and answers the reason of the exception that it raised; empty when it raised none.

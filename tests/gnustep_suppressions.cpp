@@ -1,0 +1,16 @@
+// What the sanitizers report about GNUstep and the Objective-C runtime, in every program that is linked with
+// them.
+
+// Foundation keeps classes, constants and caches for as long as the process lives; those are no leaks of
+// ours.
+extern "C" __attribute__((visibility("default"))) const char* __lsan_default_suppressions();
+extern "C" const char* __lsan_default_suppressions() {
+    return "leak:libgnustep-base\nleak:libobjc\n";
+}
+
+// One thread takes the runtime's lock and Foundation's in both orders while classes are set up. No race is
+// suppressed.
+extern "C" __attribute__((visibility("default"))) const char* __tsan_default_suppressions();
+extern "C" const char* __tsan_default_suppressions() {
+    return "deadlock:libgnustep-base\ndeadlock:libobjc\n";
+}
