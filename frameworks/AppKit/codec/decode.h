@@ -1,0 +1,10 @@
+#pragma once
+
+#include "codec.h"
+
+namespace appkit {
+
+// As Codec::decode says.
+std::optional<Picture> decode(std::span<const unsigned char> file, Orientation orientation);
+
+} // namespace appkit

@@ -1,0 +1,151 @@
+#include "support.h"
+
+#include <cstdlib>
+#include <cstring>
+#include <fstream>
+#include <sstream>
+#include <sys/resource.h>
+
+namespace {
+
+// Foundation wants a pool around everything; one around each test.
+class PoolAroundEachTest : public testing::EmptyTestEventListener {
+    void OnTestStart(const testing::TestInfo&) override { pool_ = [[NSAutoreleasePool alloc] init]; }
+    void OnTestEnd(const testing::TestInfo&) override { [pool_ release]; }
+    NSAutoreleasePool* pool_ = nil;
+};
+
+[[maybe_unused]] const bool kListening = [] {
+    testing::UnitTest::GetInstance()->listeners().Append(new PoolAroundEachTest);
+    return true;
+}();
+
+std::string contents(const std::filesystem::path& path) {
+    std::ifstream file(path, std::ios::binary);
+    std::ostringstream out;
+    out << file.rdbuf();
+    return out.str();
+}
+
+void run(const std::string& arguments) {
+    const std::string command = MAKE_PICTURES " " + arguments;
+    ASSERT_EQ(std::system(command.c_str()), 0) << command;
+}
+
+Shown shownIn(const std::filesystem::path& path) {
+    const std::string file = contents(path);
+    const std::size_t head = file.find('\n');
+    std::istringstream words(file.substr(0, head));
+    Shown shown;
+    std::string mode;
+    words >> shown.format >> shown.width >> shown.height >> mode >> shown.bits;
+    shown.samplesPerPixel = static_cast<unsigned>(mode.size());
+    const auto* bytes = reinterpret_cast<const unsigned char*>(file.data()) + head + 1;
+    const std::size_t samples = std::size_t{1} * shown.samplesPerPixel * shown.width * shown.height;
+    EXPECT_EQ(file.size() - head - 1, samples * shown.bits / 8);
+    if (shown.bits == 8)
+        shown.samples.assign(bytes, bytes + samples);
+    else
+        for (std::size_t i = 0; i < samples; ++i)
+            shown.samples.push_back(static_cast<std::uint16_t>(bytes[2 * i] << 8 | bytes[2 * i + 1]));
+    return shown;
+}
+
+} // namespace
+
+// Foundation keeps classes, constants and caches for as long as the process lives; those are no leaks of
+// ours.
+extern "C" __attribute__((visibility("default"))) const char* __lsan_default_suppressions();
+extern "C" const char* __lsan_default_suppressions() {
+    return "leak:libgnustep-base\nleak:libobjc\n";
+}
+
+std::vector<std::uint8_t> Shown::rgba() const {
+    std::vector<std::uint8_t> all;
+    all.reserve(4UL * width * height);
+    for (std::size_t i = 0; i < samples.size(); i += samplesPerPixel) {
+        const auto sample = [&](unsigned n) {
+            return static_cast<std::uint8_t>(bits == 16 ? (samples[i + n] + 128) / 257 : samples[i + n]);
+        };
+        const bool grey = samplesPerPixel < 3;
+        all.insert(all.end(), {sample(0), sample(grey ? 0 : 1), sample(grey ? 0 : 2),
+                               hasAlpha() ? sample(samplesPerPixel - 1) : std::uint8_t{255}});
+    }
+    return all;
+}
+
+Shown shownBy(NSBitmapImageRep* bitmap) {
+    Shown shown;
+    shown.width = static_cast<unsigned>([bitmap pixelsWide]);
+    shown.height = static_cast<unsigned>([bitmap pixelsHigh]);
+    shown.samplesPerPixel = static_cast<unsigned>([bitmap samplesPerPixel]);
+    shown.bits = static_cast<unsigned>([bitmap bitsPerSample]);
+    shown.samples.resize(shown.samplesPerPixel * shown.width * shown.height);
+    const unsigned char* bytes = [bitmap bitmapData];
+    if (shown.bits == 16)
+        std::memcpy(shown.samples.data(), bytes, 2 * shown.samples.size());
+    else
+        std::copy(bytes, bytes + shown.samples.size(), shown.samples.begin());
+    return shown;
+}
+
+int difference(const Shown& one, const Shown& other, bool visible) {
+    EXPECT_EQ(one.width, other.width);
+    EXPECT_EQ(one.height, other.height);
+    if (one.samples == other.samples && one.samplesPerPixel == other.samplesPerPixel)
+        return 0;
+    const auto a = one.rgba();
+    const auto b = other.rgba();
+    EXPECT_EQ(a.size(), b.size());
+    if (a.size() != b.size())
+        return 256;
+    int largest = 0;
+    for (std::size_t i = 0; i < a.size(); ++i)
+        if (!visible || a[i | 3] != 0 || b[i | 3] != 0)
+            largest = std::max(largest, std::abs(a[i] - b[i]));
+    return largest;
+}
+
+NSData* dataOf(const std::string& bytes) {
+    return [NSData dataWithBytes:bytes.data() length:bytes.size()];
+}
+
+std::string bytesOf(NSData* data) {
+    return {static_cast<const char*>([data bytes]), [data length]};
+}
+
+long mostMemory() {
+    rusage usage = {};
+    ::getrusage(RUSAGE_SELF, &usage);
+    return usage.ru_maxrss / 1024;
+}
+
+void PictureTest::SetUp() {
+    std::string pattern = std::filesystem::temp_directory_path() / "picture-test-XXXXXX";
+    ASSERT_NE(::mkdtemp(pattern.data()), nullptr);
+    folder_ = pattern;
+    for (const char* variable : {"HOME", "XDG_DATA_HOME", "XDG_CONFIG_HOME"})
+        ::setenv(variable, folder_.c_str(), 1);
+}
+
+void PictureTest::TearDown() {
+    std::filesystem::remove_all(folder_);
+}
+
+PictureTest::Made PictureTest::make(const std::string& name) {
+    const std::string path = folder_ / name;
+    run("make " + name + " " + path);
+    return {contents(path), shownIn(path + ".raw")};
+}
+
+Shown PictureTest::readBack(NSData* file) {
+    const std::string path = folder_ / "written";
+    std::ofstream(path, std::ios::binary) << bytesOf(file);
+    run("read " + path);
+    return shownIn(path + ".raw");
+}
+
+NSBitmapImageRep* PictureTest::bitmapOf(const std::string& file) {
+    NSImage* image = [[[NSImage alloc] initWithData:dataOf(file)] autorelease];
+    return [[image representations] lastObject];
+}
