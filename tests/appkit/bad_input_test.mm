@@ -1,6 +1,5 @@
 #include "support.h"
 
-#include <chrono>
 #include <random>
 
 namespace {
@@ -51,35 +50,34 @@ TEST_F(BadInput, ASignatureThatLies) {
 }
 
 TEST_F(BadInput, StopsShort) {
-    for (const char* name : {"png", "png_alpha", "png_palette", "jpeg", "jpeg_progressive", "jpeg_cmyk",
-                             "gif", "bmp", "bmp_alpha"}) {
-        SCOPED_TRACE(name);
-        const std::string whole = make(name).file;
-        for (const double part : {0.01, 0.1, 0.5, 0.9, 0.99})
-            expectRefused(
-                whole.substr(0, static_cast<std::size_t>(static_cast<double>(whole.size()) * part)));
-    }
+    for (const Made& whole : make({"png", "png_alpha", "png_palette", "jpeg", "jpeg_progressive", "jpeg_cmyk",
+                                   "gif", "bmp", "bmp_alpha"}))
+        for (const int percent : {1, 10, 50, 90, 99}) {
+            SCOPED_TRACE(whole.shown.format + ", " + std::to_string(percent) + "%");
+            expectRefused(whole.file.substr(0, whole.file.size() * percent / 100));
+        }
 }
 
 TEST_F(BadInput, ClaimsTooMany) {
+    const std::vector<std::string> names = {
+        "bomb_png_wide",   "bomb_png_high",     "bomb_png_both",  "bomb_png_most",  "bomb_jpeg",
+        "bomb_gif_screen", "bomb_gif_area",     "bomb_gif_place", "bomb_gif_frame", "bomb_bmp",
+        "bomb_bmp_most",   "bomb_bmp_negative", "bomb_bmp_masks"};
+    const std::vector<Made> bombs = make(names);
+    bitmapOf("BM"); // loads the codec
     const long before = mostMemory();
-    const auto start = std::chrono::steady_clock::now();
-    for (const char* name :
-         {"bomb_png_wide", "bomb_png_high", "bomb_png_both", "bomb_png_most", "bomb_jpeg", "bomb_gif_screen",
-          "bomb_gif_frame", "bomb_bmp", "bomb_bmp_most", "bomb_bmp_negative", "bomb_bmp_masks"}) {
-        SCOPED_TRACE(name);
-        expectRefused(make(name).file);
+    for (std::size_t i = 0; i < names.size(); ++i) {
+        SCOPED_TRACE(names[i]);
+        expectRefused(bombs[i].file);
     }
-    EXPECT_LT(mostMemory() - before, 100);
-    const std::chrono::duration<double> taken = std::chrono::steady_clock::now() - start;
-    EXPECT_LT(taken.count(), 60);
+    EXPECT_LT(mostMemory() - before, 16);
 }
 
 // What is compressed beside the pixels is not unpacked without bounds.
 TEST_F(BadInput, CompressedTextInAPicture) {
     const std::string file = make("bomb_png_text").file; // 1 GiB of it
     const long before = mostMemory();
-    bitmapOf(file);
+    EXPECT_NE(bitmapOf(file), nil);
     EXPECT_LT(mostMemory() - before, 100);
 }
 

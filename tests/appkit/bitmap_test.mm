@@ -25,8 +25,8 @@ TEST_F(BitmapTest, SaysHowItsSamplesLie) {
 TEST_F(BitmapTest, WritesChangedSamples) {
     NSBitmapImageRep* bitmap = bitmapOf(make("png_dot").file);
     [bitmap bitmapData][1] = 200;
-    const Shown read = readBack([bitmap representationUsingType:NSBitmapImageFileTypePNG properties:nil]);
-    EXPECT_EQ(read.samples, (std::vector<std::uint16_t>{1, 200, 3}));
+    NSData* file = [bitmap representationUsingType:NSBitmapImageFileTypePNG properties:nil];
+    EXPECT_EQ(readBack({file})[0].samples, (std::vector<std::uint16_t>{1, 200, 3}));
 }
 
 TEST_F(BitmapTest, SizeInPointsIsNotTheSizeInPixels) {

@@ -47,13 +47,14 @@ INSTANTIATE_TEST_SUITE_P(
     testing::Values(Case{"png", 3, 0}, Case{"png_dot", 3, 0}, Case{"png_alpha", 4, 0}, Case{"png_grey", 1, 0},
                     Case{"png_grey_alpha", 2, 0}, Case{"png_bits", 1, 0}, Case{"png_palette", 3, 0},
                     Case{"png_palette_alpha", 4, 0}, Case{"png_deep", 3, 0}, Case{"png_deep_alpha", 4, 0},
-                    Case{"png_deep_grey", 1, 0}, Case{"png_large", 3, 0}, Case{"jpeg", 3, 2},
-                    Case{"jpeg_dot", 3, 2}, Case{"jpeg_grey", 1, 2}, Case{"jpeg_cmyk", 3, 2},
-                    Case{"jpeg_progressive", 3, 2}, Case{"jpeg_large", 3, 2}, Case{"gif", 3, 0},
-                    Case{"gif_dot", 1, 0}, Case{"gif_animated", 4, 0}, Case{"gif_corner", 4, 0},
-                    Case{"bmp", 3, 0}, Case{"bmp_dot", 3, 0}, Case{"bmp_grey", 1, 0},
-                    Case{"bmp_palette", 3, 0}, Case{"bmp_bits", 1, 0}, Case{"bmp_alpha", 4, 0},
-                    Case{"bmp_alpha_downward", 4, 0}, Case{"bmp_no_alpha", 3, 0}, Case{"bmp_downward", 3, 0}),
+                    Case{"png_deep_grey", 1, 0}, Case{"png_widest", 1, 0}, Case{"png_highest", 1, 0},
+                    Case{"png_large", 3, 0}, Case{"jpeg", 3, 2}, Case{"jpeg_dot", 3, 2},
+                    Case{"jpeg_grey", 1, 2}, Case{"jpeg_cmyk", 3, 2}, Case{"jpeg_progressive", 3, 2},
+                    Case{"jpeg_large", 3, 2}, Case{"gif", 3, 0}, Case{"gif_dot", 1, 0},
+                    Case{"gif_animated", 4, 0}, Case{"gif_corner", 4, 0}, Case{"bmp", 3, 0},
+                    Case{"bmp_dot", 3, 0}, Case{"bmp_grey", 1, 0}, Case{"bmp_palette", 3, 0},
+                    Case{"bmp_bits", 1, 0}, Case{"bmp_alpha", 4, 0}, Case{"bmp_alpha_downward", 4, 0},
+                    Case{"bmp_no_alpha", 3, 0}, Case{"bmp_downward", 3, 0}),
     [](const auto& info) { return info.param.name; });
 
 using OrientationTest = PictureTest;

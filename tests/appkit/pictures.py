@@ -1,7 +1,7 @@
 """Makes the pictures of the tests and reads back what the codec wrote, by means that the codec knows nothing of.
 
-  pictures.py make NAME FILE   writes the picture NAME to FILE, and what it shows to FILE.raw
-  pictures.py read FILE        writes what FILE shows, as Pillow reads it, to FILE.raw
+  pictures.py make FOLDER NAME...   writes each picture to the file NAME in FOLDER, and what it shows to NAME.raw
+  pictures.py read FILE...          writes what each file shows, as Pillow reads it, to FILE.raw
 
 A .raw file is one line, "FORMAT WIDTH HEIGHT MODE BITS", and the samples behind it: rows from the top, the samples of a
 pixel next to each other, 16-bit samples with the high byte first. MODE is L (grey), LA (grey and alpha), RGB or RGBA.
@@ -164,9 +164,15 @@ def resized(name, at, format, *numbers):
     return data[:at] + size + data[at + len(size) :], shown
 
 
-def huge_png(width, height):
+def plain_png(width, height):
+    """A whole picture, all black, of one bit a pixel: a few bytes whatever its size."""
+    row = bytes(1 + (width + 7) // 8)
+    return png(width, height, 1, 0, row * height), f"PNG {width} {height} L 8\n".encode() + bytes(width * height)
+
+
+def huge_png():
     """An honest header, and next to nothing behind it."""
-    return png(width, height, 8, 6, b"\0" * 1000), b"PNG 0 0 RGB 8\n"
+    return png(0x7FFFFFFF, 0x7FFFFFFF, 8, 6, b"\0" * 1000), b"PNG 0 0 RGB 8\n"
 
 
 def huge_jpeg():
@@ -186,6 +192,7 @@ pictures = {
     "png": lambda: lossless(photo(301, 203), "PNG"),
     "png_dot": lambda: lossless(Image.new("RGB", (1, 1), (1, 2, 3)), "PNG"),
     "png_alpha": lambda: lossless(photo(64, 48, "RGBA"), "PNG"),
+    "png_opaque": lambda: lossless(photo(64, 48).convert("RGBA"), "PNG"),
     "png_grey": lambda: lossless(photo(64, 48, "L"), "PNG"),
     "png_grey_alpha": lambda: lossless(photo(64, 48, "RGBA").convert("LA"), "PNG"),
     "png_bits": lambda: lossless(photo(65, 33).convert("1"), "PNG"),
@@ -216,13 +223,17 @@ pictures = {
     "bmp_downward": downward_bmp,
 }
 pictures |= {
-    "bomb_png_wide": lambda: huge_png(32768, 1),
-    "bomb_png_high": lambda: huge_png(1, 32768),
-    "bomb_png_both": lambda: huge_png(0x7FFFFFFF, 0x7FFFFFFF),
-    "bomb_png_most": lambda: huge_png(8192, 8193),
+    "png_widest": lambda: plain_png(32767, 1),
+    "png_highest": lambda: plain_png(1, 32767),
+    "bomb_png_wide": lambda: plain_png(32768, 1),
+    "bomb_png_high": lambda: plain_png(1, 32768),
+    "bomb_png_most": lambda: plain_png(8192, 8193),
+    "bomb_png_both": huge_png,
     "bomb_png_text": text_png,
     "bomb_jpeg": huge_jpeg,
     "bomb_gif_screen": lambda: resized("gif_corner", 6, "<HH", 65535, 65535),
+    "bomb_gif_area": lambda: resized("gif_corner", 6, "<HH", 20000, 20000),
+    "bomb_gif_place": lambda: resized("gif_corner", 20, "<HH", 20000, 20000),
     "bomb_gif_frame": lambda: resized("gif_corner", 24, "<HH", 65535, 65535),
     "bomb_bmp": lambda: resized("bmp", 18, "<ii", 0x7FFFFFFF, 0x7FFFFFFF),
     "bomb_bmp_most": lambda: resized("bmp", 18, "<ii", 32767, 32767),
@@ -232,23 +243,22 @@ pictures |= {
 pictures |= {f"jpeg_orientation_{n}": lambda n=n: lying(photo(60, 40), n) for n in range(1, 9)}
 
 
-def make(name, path):
-    data, shown = pictures[name]()
-    with open(path, "wb") as file:
-        file.write(data)
-    with open(path + ".raw", "wb") as file:
-        file.write(shown)
+def make(folder, *names):
+    for name in names:
+        data, shown = pictures[name]()
+        with open(f"{folder}/{name}", "wb") as file:
+            file.write(data)
+        with open(f"{folder}/{name}.raw", "wb") as file:
+            file.write(shown)
 
 
-def read(path):
-    image = Image.open(path)
-    format = image.format
-    image.load()
-    with open(path + ".raw", "wb") as file:
-        file.write(raw(image, format))
+def read(*paths):
+    for path in paths:
+        image = Image.open(path)
+        format = image.format
+        image.load()
+        with open(path + ".raw", "wb") as file:
+            file.write(raw(image, format))
 
 
-if sys.argv[1] == "make":
-    make(*sys.argv[2:])
-else:
-    read(*sys.argv[2:])
+{"make": make, "read": read}[sys.argv[1]](*sys.argv[2:])

@@ -32,7 +32,7 @@ int difference(const Shown& one, const Shown& other, bool visible = false);
 NSData* dataOf(const std::string& bytes);
 std::string bytesOf(NSData* data);
 
-// The most memory that the process ever had, in MiB.
+// The most memory that the process ever had, in MiB; 0 where a sanitizer leaves no meaning in it.
 long mostMemory();
 
 // Each test has a folder of its own.
@@ -47,8 +47,9 @@ class PictureTest : public testing::Test {
     };
     // A picture of pictures.py.
     Made make(const std::string& name);
-    // What Pillow sees in the file.
-    Shown readBack(NSData* file);
+    std::vector<Made> make(const std::vector<std::string>& names);
+    // What Pillow sees in the files.
+    std::vector<Shown> readBack(const std::vector<NSData*>& files);
     // The one bitmap of the image; nil when the image cannot be read.
     static NSBitmapImageRep* bitmapOf(const std::string& file);
 
