@@ -27,15 +27,36 @@ Walk subgroups() {
     return {state.gGroupSubgroups, state.gCurrentSubgroup, state.gCurrentSubgroupIndex};
 }
 
-// Makes the element at the index the current one and moves on. The element's identifier; "END" at the end.
-NSString* step(const Walk& walk) {
+// Makes the element at the index the current one; nil, and nothing is changed, at the end.
+ABRecord* take(const Walk& walk) {
     if (walk.index >= [walk.list.get() count]) {
-        return @"END";
+        return nil;
     }
     walk.current.reset();
     walk.current = Retained<NSObject>::retain([walk.list.get() objectAtIndex:walk.index]);
+    return static_cast<ABRecord*>(walk.current.get());
+}
+
+// Moves on, and answers the identifier of the element; "END" at the end.
+NSString* step(const Walk& walk) {
+    ABRecord* record = take(walk);
+    if (record == nil) {
+        return @"END";
+    }
+    NSString* uniqueId = [record uniqueId];
     ++walk.index;
-    return [static_cast<ABRecord*>(walk.current.get()) uniqueId];
+    return uniqueId;
+}
+
+// The same among the parents, where the walk also moves on past an element whose identifier cannot be had.
+NSString* stepParents() {
+    const Walk walk = parents();
+    ABRecord* record = take(walk);
+    if (record == nil) {
+        return @"END";
+    }
+    ++walk.index;
+    return [record uniqueId];
 }
 
 // Fails the call, and answers false, when a walk that needs a group has none.
@@ -70,14 +91,14 @@ NSString* firstParentId() {
         return @"END";
     }
     walk.index = 0;
-    return step(walk);
+    return stepParents();
 }
 
 NSString* nextParentId() {
     if (!requireActiveRecord() || !requireList(parents())) {
         return nil;
     }
-    return step(parents());
+    return stepParents();
 }
 
 NSString* firstMemberId() {

@@ -170,6 +170,20 @@ TEST_F(Save, membershipsKeepTheOrderOfJoining) {
     expectRefused(cycle);
 }
 
+TEST_F(Save, groupsChangePlacesInWhateverOrderTheyAreTold) {
+    const std::string outer = newUid(Kind::group);
+    const std::string inner = newUid(Kind::group);
+    ChangeSet changes = changesAt(2);
+    changes.records = {inserted(outer, {}, Kind::group), inserted(inner, {}, Kind::group)};
+    changes.memberships = {{outer, inner, true}};
+    store.save(changes);
+    changes = changesAt(3);
+    changes.memberships = {{inner, outer, true}, {outer, inner, false}};
+    EXPECT_THAT(store.save(changes).updated, testing::UnorderedElementsAre(outer, inner));
+    EXPECT_THAT(store.subgroups(store.find(inner)->row), ElementsAre(store.find(outer)->row));
+    EXPECT_TRUE(store.subgroups(store.find(outer)->row).empty());
+}
+
 TEST_F(Save, whatIsRefusedChangesNothing) {
     const std::string uid = addPerson(store, {});
     ChangeSet changes = changesAt(2);

@@ -38,8 +38,11 @@ class Saver {
             removeRecord(uid);
         for (const RecordChange& change : changes_.records)
             writeRecord(change);
-        for (const MembershipChange& change : changes_.memberships)
-            writeMembership(change);
+        // First who leaves: groups that changed places are no circle.
+        for (const bool add : {false, true})
+            for (const MembershipChange& change : changes_.memberships)
+                if (change.add == add)
+                    writeMembership(change);
         if (changes_.me)
             writeMe(*changes_.me);
         index_.flush();
