@@ -162,7 +162,7 @@ TEST_F(LifecycleTest, AnExceptionFailsTheCall) {
         expectFailure(call(Do_KORU_New, {"person"}));
     }
     {
-        const ReplacedMethod naming([ABRecord class], @selector(setValue:forProperty:), raise);
+        const ReplacedMethod naming([ABGroup class], @selector(setValue:forProperty:), raise);
         expectFailure(call(Do_KORU_New, {"group", "Harbour"}));
     }
     {
