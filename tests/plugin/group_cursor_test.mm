@@ -155,6 +155,18 @@ TEST_F(GroupCursorTest, OnlyFirstParentSettlesAnUndeterminedType) {
     EXPECT_EQ(state.g_currentRecordType, kPersonType);
 }
 
+TEST_F(GroupCursorTest, EveryTypeButPersonsMeansTheParentsOfTheGroup) {
+    open(crew_);
+    open(anna_);
+    state.g_currentRecordType = 2;
+    state.g_lastSearchType = 2;
+    EXPECT_EQ(call(Do_KORU_GetFirstParentID), idOf(fleet_));
+    state.g_group.reset();
+    EXPECT_EQ(call(Do_KORU_GetFirstParentID), "END") << "refused only while groups are current";
+    EXPECT_FALSE(state.gParentGroups);
+    EXPECT_EQ(state.g_currentRecordType, 2U);
+}
+
 TEST_F(GroupCursorTest, AnArgumentIsRefusedBeforeAnythingElse) {
     open(anna_);
     for (HandlerFunction* handler :
