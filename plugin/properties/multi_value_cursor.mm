@@ -26,7 +26,9 @@ NSString* openNextEntry() {
     if (!state.gValues || state.gCurrentValuesIndex >= [state.gValues.get() count]) {
         return @"END";
     }
-    return [state.gValues.get() identifierAtIndex:state.gCurrentValuesIndex++];
+    NSString* identifier = [state.gValues.get() identifierAtIndex:state.gCurrentValuesIndex];
+    ++state.gCurrentValuesIndex;
+    return identifier;
 }
 
 fmx::errcode Do_KORU_OpenFirstMVProperty(short function, const fmx::ExprEnv& /*env*/,

@@ -35,9 +35,11 @@ const Label kAddedLabels[] = {
     {@"manager", &kABManagerLabel},
 };
 
+// The label to store for a text; nil for nil, which is none of the words (a message to nil would say that it
+// is).
 NSString* addedLabel(NSString* text) {
     for (const Label& row : kAddedLabels) {
-        if ([text caseInsensitiveCompare:row.word] == NSOrderedSame) {
+        if (text != nil && [text caseInsensitiveCompare:row.word] == NSOrderedSame) {
             return row.stored();
         }
     }
