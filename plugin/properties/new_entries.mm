@@ -35,11 +35,13 @@ const Label kAddedLabels[] = {
     {@"manager", &kABManagerLabel},
 };
 
-// The label to store for a text; nil for nil, which is none of the words (a message to nil would say that it
-// is).
+// The label for the text; none for none, which no entry can have.
 NSString* addedLabel(NSString* text) {
+    if (text == nil) {
+        return nil;
+    }
     for (const Label& row : kAddedLabels) {
-        if (text != nil && [text caseInsensitiveCompare:row.word] == NSOrderedSame) {
+        if ([text caseInsensitiveCompare:row.word] == NSOrderedSame) {
             return row.stored();
         }
     }
