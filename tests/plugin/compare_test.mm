@@ -2,6 +2,22 @@
 
 #include "tests/plugin/entries_fixture.h"
 
+// An address whose fields cannot be read.
+@interface VelocardUnreadableAddress : NSDictionary
+@end
+@implementation VelocardUnreadableAddress
+- (NSUInteger)count {
+    return 1;
+}
+- (id)objectForKey:(id)key {
+    [NSException raise:NSInternalInconsistencyException format:@"cannot read %@", key];
+    return nil;
+}
+- (NSEnumerator*)keyEnumerator {
+    return [[NSArray array] objectEnumerator];
+}
+@end
+
 namespace {
 
 class CompareTest : public EntriesTest {
@@ -67,6 +83,13 @@ TEST_F(CompareTest, ExceptionsFailTheCall) {
     personDouble.failsReading = true;
     expectFailure(compare("phone", "one", "0"), "Exception caught in function cannot read Phone", "-8000");
     expectFailure(compare("note", ""), "Exception caught in function cannot read Note", "-8000");
+}
+
+// The value found before an exception is not compared any more.
+TEST_F(CompareTest, AnExceptionEndsTheComparison) {
+    personDouble.values = Retained<NSObject>::adopt([[VelocardUnreadableAddress alloc] init]);
+    expectFailure(compare("note", "Bath", "", "City"), "Exception caught in function cannot read City",
+                  "-8000");
 }
 
 } // namespace

@@ -26,7 +26,7 @@ class EntriesTest : public PluginTest {
         for (id value : values) {
             [list.get() addValue:value withLabel:@"Cottage"];
         }
-        personDouble.values = Retained<ABMultiValue>::retain(list.get());
+        personDouble.values = Retained<NSObject>::retain(list.get());
     }
 
     // Checks that a call has failed so: the result, the message and the code.
