@@ -1,6 +1,8 @@
 #import "plugin/properties/new_entries.h"
 
+#import "plugin/vocabulary/labels.h"
 #include "tests/plugin/entries_fixture.h"
+#include <algorithm>
 
 namespace {
 
@@ -45,6 +47,56 @@ TEST_F(NewEntriesTest, TheListIsWrittenBackWithTheNewEntryAtItsEnd) {
     EXPECT_EQ(openProperty(), "Phone");
     EXPECT_EQ([state.gValues.get() count], 2U);
     EXPECT_EQ(state.gCurrentValuesIndex, 0U);
+}
+
+// The words are fewer than those for changing a label. It is meant.
+TEST_F(NewEntriesTest, TheWordsForLabels) {
+    giveList({});
+    const auto stored = [](const std::string& label) {
+        EXPECT_EQ(add("phone", "1", label).size(), 36U);
+        return utf8([personDouble.taken.get() labelAtIndex:0]);
+    };
+    const std::pair<const char*, NSString*> words[] = {
+        {"Home", kABHomeLabel},
+        {"Work", kABWorkLabel},
+        {"Other", kABOtherLabel},
+        {"Home Fax", kABPhoneHomeFAXLabel},
+        {"Work Fax", kABPhoneWorkFAXLabel},
+        {"Main", kABPhoneMainLabel},
+        {"Mobile", kABPhoneMobileLabel},
+        {"Pager", kABPhonePagerLabel},
+        {"Home Page", kABHomePageLabel},
+        {"Anniversary", kABAnniversaryLabel},
+        {"Mother", kABMotherLabel},
+        {"Father", kABFatherLabel},
+        {"Parent", kABParentLabel},
+        {"Sister", kABSisterLabel},
+        {"Brother", kABBrotherLabel},
+        {"Child", kABChildLabel},
+        {"Friend", kABFriendLabel},
+        {"Spouse", kABSpouseLabel},
+        {"Assistant", kABAssistantLabel},
+        {"Manager", kABManagerLabel},
+    };
+    for (const auto& [word, label] : words) {
+        NSString* text = string(word);
+        EXPECT_EQ(stored(word), utf8(label));
+        EXPECT_EQ(stored(utf8([text lowercaseString])), utf8(label));
+        EXPECT_EQ(stored(utf8([text uppercaseString])), utf8(label));
+    }
+    for (const Label& row : frameworkLabels()) {
+        const bool listed = std::any_of(std::begin(words), std::end(words), [&](const auto& entry) {
+            return [string(entry.first) caseInsensitiveCompare:row.word] == NSOrderedSame;
+        });
+        EXPECT_EQ(stored(utf8(row.word)), listed ? utf8(row.stored()) : utf8(row.word));
+    }
+    for (const auto labels : {messagingLabels(), exchangeLabels()}) {
+        for (const Label& row : labels) {
+            EXPECT_EQ(stored(utf8(row.word)), utf8(row.word));
+        }
+    }
+    EXPECT_EQ(stored("Cottage"), "Cottage");
+    EXPECT_EQ(stored("home "), "home ");
 }
 
 TEST_F(NewEntriesTest, ANumberIsTheTextsWholeNumber) {
