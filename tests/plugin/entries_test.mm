@@ -118,6 +118,15 @@ TEST_F(EntriesTest, ARealNumberKeepsItsFraction) {
     EXPECT_EQ([[personDouble.taken.get() valueAtIndex:0] doubleValue], 16777216) << "of single precision";
 }
 
+// The date bit alone makes no date here, unlike for a single value.
+TEST_F(EntriesTest, OnlyDatesAreReadAsDates) {
+    giveList({@"one"});
+    const EveryPropertyHasType<kABMultiDataProperty> data;
+    EXPECT_EQ(getValue("phone", "0"), "one");
+    const EveryPropertyHasType<kABMultiArrayProperty> array;
+    EXPECT_EQ(getValue("phone", "0"), "one");
+}
+
 TEST_F(EntriesTest, OtherTypesCannotBeSet) {
     giveList({@"one"});
     const EveryPropertyHasType<kABMultiDataProperty> type;
@@ -203,6 +212,8 @@ TEST_F(EntriesTest, AnAddressKeepsTheFieldsThatAreNotNamed) {
     EXPECT_EQ(setValue("address", "0", "BA5", "zip"), "0");
     EXPECT_EQ(written(0), "{City = Bath; CountryCode = us; ZIP = BA5; }")
         << "of the person's list, not the copy before";
+    EXPECT_EQ(setValue("address", "0", "", "city"), "0");
+    EXPECT_EQ(written(0), "{City = \"\"; CountryCode = us; }") << "an empty field is there";
     EXPECT_EQ(deleteValue("address", "0", "countrycode"), "0");
     EXPECT_EQ(written(0), "{City = Bath; }");
     EXPECT_EQ(written(1), "text");
