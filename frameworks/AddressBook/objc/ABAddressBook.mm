@@ -1,5 +1,6 @@
 #import <AddressBook/ABAddressBook.h>
 
+#include "announcer.h"
 #include "bridge.h"
 #include "frameworks/Foundation/locale.h"
 #include "record.h"
@@ -44,24 +45,12 @@ NSInteger codeOf(StoreError::Reason reason) {
     }
 }
 
-void putUids(NSMutableDictionary* info, NSString* key, const std::vector<std::string>& uids) {
-    if (uids.empty())
-        return;
-    NSMutableArray* array = [NSMutableArray arrayWithCapacity:uids.size()];
-    for (const auto& uid : uids)
-        [array addObject:stringFrom(uid)];
-    [info setObject:array forKey:key];
-}
-
 void announce(ABAddressBook* book, const SaveResult& result) {
-    NSMutableDictionary* info = [NSMutableDictionary dictionary];
-    putUids(info, kABInsertedRecords, result.inserted);
-    putUids(info, kABUpdatedRecords, result.updated);
-    putUids(info, kABDeletedRecords, result.deleted);
-    if (announcing && [info count] != 0)
-        [[NSNotificationCenter defaultCenter] postNotificationName:kABDatabaseChangedNotification
-                                                            object:book
-                                                          userInfo:info];
+    if (announcing && result.change != 0)
+        [[NSNotificationCenter defaultCenter]
+            postNotificationName:kABDatabaseChangedNotification
+                          object:book
+                        userInfo:changeInfo(result.inserted, result.updated, result.deleted)];
 }
 
 } // namespace
@@ -78,9 +67,12 @@ BookPtr sharedBook() {
 @implementation ABAddressBook
 
 + (ABAddressBook*)sharedAddressBook {
-    announcing = true;
-    if (sharedInstance == nil)
+    if (sharedInstance == nil) {
+        announcing = true;
         sharedInstance = [[ABAddressBook alloc] init];
+        if (sharedInstance != nil)
+            startAnnouncing(sharedInstance, *[sharedInstance book]);
+    }
     return sharedInstance;
 }
 
@@ -227,6 +219,7 @@ BookPtr sharedBook() {
 }
 
 + (void)closeSharedAddressBook {
+    stopAnnouncing();
     [sharedInstance release];
     sharedInstance = nil;
 }

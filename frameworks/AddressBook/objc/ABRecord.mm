@@ -112,7 +112,7 @@ BookPtr bookOf(ABRecord* record) {
         raiseInvalid(@"A value was set without a property");
     Book& book = *[self book];
     const std::string name = textFrom(property);
-    const int type = book.typeOf([self card]->kind, name);
+    const int type = reading([&] { return book.typeOf([self card]->kind, name); });
     if (type == 0)
         return refuse(error, ABPropertyUnsupportedBySourceError,
                       [NSString stringWithFormat:@"%@ has no property %@", [self class], property]);

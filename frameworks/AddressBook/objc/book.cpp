@@ -1,5 +1,5 @@
 // In this order: cards, lists and searches, values, adding and removing, groups, the user's own card,
-// properties, saving.
+// properties. Saving, and taking notice of what others saved, are in book_save.cpp.
 
 #include "book.h"
 
@@ -21,7 +21,7 @@ class CardView : public RecordView {
   public:
     CardView(Book& book, Card& card) : book_(book), card_(card) {}
     Kind kind() const override { return card_.kind; }
-    const Value& value(std::string_view property) const override { return book_.value(card_, property); }
+    const Value& value(std::string_view property) const override { return book_.current(card_, property); }
 
   private:
     Book& book_;
@@ -37,6 +37,10 @@ auto named(Kind kind, std::string_view name) {
     return [kind, name](const PropertyDefinition& definition) {
         return definition.kind == kind && definition.name == name;
     };
+}
+
+bool contains(const std::vector<CardPtr>& cards, const Card& one) {
+    return std::any_of(cards.begin(), cards.end(), [&](const CardPtr& card) { return card.get() == &one; });
 }
 
 } // namespace
@@ -65,8 +69,11 @@ std::shared_ptr<Book> Book::open() {
     return std::make_shared<Book>(std::make_unique<Store>(Store::defaultFolder()));
 }
 
+std::atomic<std::uint64_t> Book::stirred_{0};
+
 Book::Book(std::unique_ptr<Store> store)
-    : store_(std::move(store)), seen_(store_->lastChange()), definitions_(store_->definitions()) {}
+    : store_(std::move(store)), noticed_(stirred_.load()), seen_(store_->lastChange()),
+      definitions_(store_->definitions()) {}
 
 // Cards
 
@@ -101,12 +108,8 @@ CardPtr Book::live(const std::string& uid) const {
 
 CardPtr Book::card(const RecordRef& ref) {
     if (auto known = live(ref.uid)) {
-        if (known->standing == Card::Standing::gone) { // deleted, and then brought back by another process
-            known->standing = Card::Standing::stored;
-            known->row = ref.row;
-            known->read.reset();
-            rows_[ref.row] = known;
-        }
+        if (known->standing == Card::Standing::gone) // deleted, and then brought back by another process
+            renew(known);
         return known;
     }
     auto made = std::make_unique<Card>();
@@ -131,16 +134,24 @@ CardPtr Book::at(RowId row, Kind kind) {
             return known;
     if (const auto ref = store_->find(row))
         return card(*ref);
-    const auto gone = gone_.find(row);
-    auto lost = makeCard(kind);
-    if (gone != gone_.end()) {
-        if (auto known = live(gone->second))
-            return known;
-        lost->uid = gone->second;
+    if (const auto gone = gone_.find(row); gone != gone_.end()) {
+        auto known = live(gone->second);
+        return known ? known : lost(gone->second, kind);
     }
-    lost->standing = Card::Standing::gone;
-    lost->changes.clear();
-    return own(lost.release());
+    return lost(newUid(kind), kind);
+}
+
+CardPtr Book::at(RowId row, Kind kind, int edition) {
+    return edition == edition_ ? at(row, kind) : lost(newUid(kind), kind);
+}
+
+// A card for a record that the address book does not have any more.
+CardPtr Book::lost(const std::string& uid, Kind kind) {
+    auto card = std::make_unique<Card>();
+    card->uid = uid;
+    card->kind = kind;
+    card->standing = Card::Standing::gone;
+    return own(card.release());
 }
 
 // Lists and searches
@@ -158,6 +169,11 @@ std::vector<Book::Place> Book::records(Kind kind) {
 }
 
 bool Book::matches(const Query& query, Card& card, Date now) {
+    notice();
+    return matchesNow(query, card, now);
+}
+
+bool Book::matchesNow(const Query& query, Card& card, Date now) {
     return addressbook::matches(query, CardView(*this, card), now);
 }
 
@@ -169,19 +185,19 @@ std::vector<Book::Place> Book::search(const Query& query, Date now) {
         // truth.
         for (const Kind kind : {Kind::person, Kind::group})
             for (const RowId row : store_->rows(kind))
-                if (!removed_.contains(row) && matches(query, *at(row, kind), now))
+                if (!removed_.contains(row) && matchesNow(query, *at(row, kind), now))
                     places.push_back({row, nullptr});
     } else {
         for (const RowId row : store_->search(query, now))
             if (!removed_.contains(row) && !changed_.contains(row))
                 places.push_back({row, nullptr});
         for (const auto& [row, card] : changed_)
-            if (matches(query, *card, now))
+            if (matchesNow(query, *card, now))
                 places.push_back({row, card});
     }
     std::sort(places.begin(), places.end(), [](const Place& a, const Place& b) { return a.row < b.row; });
     for (const auto& card : added_)
-        if (matches(query, *card, now))
+        if (matchesNow(query, *card, now))
             places.push_back({0, card});
     return places;
 }
@@ -206,6 +222,11 @@ void Book::load(Card& card) {
 }
 
 const Value& Book::value(Card& card, std::string_view property) {
+    notice();
+    return current(card, property);
+}
+
+const Value& Book::current(Card& card, std::string_view property) {
     if (property == property::kUid) {
         scratch_ = card.uid;
         return scratch_;
@@ -216,7 +237,7 @@ const Value& Book::value(Card& card, std::string_view property) {
     if (card.row == 0 || discarded(card.kind, property))
         return kNone;
     if (property == property::kImage) {
-        scratch_ = store_->value(card.row, property);
+        scratch_ = card.inDatabase() ? store_->value(card.row, property) : Value();
         return scratch_;
     }
     load(card);
@@ -225,11 +246,12 @@ const Value& Book::value(Card& card, std::string_view property) {
 }
 
 std::map<std::string, Value> Book::values(Card& card) {
+    notice();
     std::map<std::string, Value> all;
     if (card.row != 0) {
         load(card);
         all = *card.read;
-        all[std::string(property::kImage)] = value(card, property::kImage);
+        all[std::string(property::kImage)] = current(card, property::kImage);
         std::erase_if(all, [&](const auto& one) { return discarded(card.kind, one.first); });
     }
     for (const auto& [name, value] : card.changes)
@@ -265,7 +287,7 @@ bool Book::add(const CardPtr& card) {
     case Card::Standing::removed:
         card->standing = Card::Standing::stored;
         removed_.erase(card->row);
-        if (!card->changes.empty() || !card->joined.empty() || !card->left.empty())
+        if (card->unsaved())
             touch(card);
         return true;
     case Card::Standing::added:
@@ -294,8 +316,9 @@ bool Book::remove(const CardPtr& card) {
 // Groups
 
 std::vector<CardPtr> Book::members(Card& group, Kind kind) {
+    notice();
     std::vector<CardPtr> found;
-    if (group.row != 0) {
+    if (group.inDatabase()) {
         const auto rows = kind == Kind::person ? store_->members(group.row) : store_->subgroups(group.row);
         for (const RowId row : rows) {
             auto member = at(row, kind);
@@ -304,19 +327,17 @@ std::vector<CardPtr> Book::members(Card& group, Kind kind) {
         }
     }
     for (const auto& member : group.joined)
-        if (member->kind == kind && member->inBook())
+        if (member->kind == kind && member->inBook() && !contains(found, *member))
             found.push_back(member);
     return found;
 }
 
 std::vector<CardPtr> Book::parents(const Card& card) {
+    notice();
     std::vector<CardPtr> found;
     if (!card.inBook())
         return found;
-    const auto joinedHere = [&card](const Card& group) {
-        return std::any_of(group.joined.begin(), group.joined.end(),
-                           [&card](const CardPtr& member) { return member.get() == &card; });
-    };
+    const auto joinedHere = [&](const Card& group) { return contains(group.joined, card); };
     if (card.row != 0)
         for (const RowId row : store_->parents(card.row)) {
             auto group = at(row, Kind::group);
@@ -324,7 +345,7 @@ std::vector<CardPtr> Book::parents(const Card& card) {
                 found.push_back(std::move(group));
         }
     for (const auto& [row, group] : changed_)
-        if (joinedHere(*group))
+        if (joinedHere(*group) && !contains(found, *group))
             found.push_back(group);
     std::sort(found.begin(), found.end(), [](const CardPtr& a, const CardPtr& b) { return a->row < b->row; });
     for (const auto& group : added_)
@@ -334,8 +355,7 @@ std::vector<CardPtr> Book::parents(const Card& card) {
 }
 
 bool Book::isMember(Card& group, const Card& member) {
-    const auto list = members(group, member.kind);
-    return std::any_of(list.begin(), list.end(), [&](const CardPtr& one) { return one.get() == &member; });
+    return contains(members(group, member.kind), member);
 }
 
 bool Book::ascendsTo(const CardPtr& from, const Card& target) {
@@ -359,7 +379,8 @@ bool Book::join(const CardPtr& group, const CardPtr& member) {
         return false;
     if (member->kind == Kind::group && ascendsTo(group, *member))
         return false;
-    if (group->left.erase(member->uid) == 0)
+    group->left.erase(member->uid);
+    if (!isMember(*group, *member)) // it had left elsewhere, too
         group->joined.push_back(member);
     touch(group);
     return true;
@@ -368,7 +389,8 @@ bool Book::join(const CardPtr& group, const CardPtr& member) {
 bool Book::leave(const CardPtr& group, const Card& member) {
     if (!isMember(*group, member))
         return false;
-    if (std::erase_if(group->joined, [&](const CardPtr& one) { return one.get() == &member; }) == 0)
+    std::erase_if(group->joined, [&](const CardPtr& one) { return one.get() == &member; });
+    if (isMember(*group, member)) // the database says so
         group->left.insert(member.uid);
     touch(group);
     return true;
@@ -406,9 +428,10 @@ bool Book::mentionsDiscarded(const Query& query) const {
                        [this](const Query& child) { return mentionsDiscarded(child); });
 }
 
-int Book::typeOf(Kind kind, std::string_view property) const {
+int Book::typeOf(Kind kind, std::string_view property) {
     if (const int type = publicType(kind, property))
         return type;
+    notice();
     const auto same = named(kind, property);
     if (const auto found = std::find_if(defined_.begin(), defined_.end(), same); found != defined_.end())
         return found->type;
@@ -418,7 +441,8 @@ int Book::typeOf(Kind kind, std::string_view property) const {
     return found == definitions_.end() ? 0 : found->type;
 }
 
-std::vector<std::string> Book::properties(Kind kind) const {
+std::vector<std::string> Book::properties(Kind kind) {
+    notice();
     std::vector<std::string> names;
     for (const auto& row : builtInProperties())
         if (publicType(kind, row.name) != 0)
@@ -459,117 +483,6 @@ int Book::undefine(Kind kind, const std::vector<std::string>& properties) {
         ++count;
     }
     return count;
-}
-
-// Saving
-
-bool Book::changed() const {
-    return !added_.empty() || !changed_.empty() || !removed_.empty() || me_ || !defined_.empty() ||
-           !undefined_.empty();
-}
-
-ChangeSet Book::changes(Date now) const {
-    ChangeSet set;
-    set.time = now;
-    set.definitions = defined_;
-    set.removedDefinitions = undefined_;
-    const auto memberships = [&set](const Card& group) {
-        for (const auto& uid : group.left)
-            set.memberships.push_back({group.uid, uid, false});
-        for (const auto& member : group.joined)
-            if (member->inBook())
-                set.memberships.push_back({group.uid, member->uid, true});
-    };
-    for (const auto& card : added_) {
-        set.records.push_back({card->uid, card->kind, true, card->changes});
-        memberships(*card);
-    }
-    for (const auto& [row, card] : changed_) {
-        if (!card->changes.empty())
-            set.records.push_back({card->uid, card->kind, false, card->changes});
-        memberships(*card);
-    }
-    for (const auto& [row, card] : removed_)
-        set.removed.push_back(card->uid);
-    if (me_) {
-        const auto own = live(*me_);
-        set.me = own && !own->inBook() ? "" : *me_;
-    }
-    return set;
-}
-
-SaveResult Book::save(Date now) {
-    refresh();
-    const ChangeSet set = changes(now);
-    SaveResult result;
-    if (!set.empty())
-        result = store_->save(set);
-    settle(result);
-    return result;
-}
-
-void Book::settle(const SaveResult& result) {
-    const auto clean = [](Card& card) {
-        card.changes.clear();
-        card.joined.clear();
-        card.left.clear();
-        card.read.reset();
-    };
-    for (const auto& card : std::exchange(added_, {})) {
-        clean(*card);
-        const auto ref = store_->find(card->uid);
-        card->standing = ref ? Card::Standing::stored : Card::Standing::gone;
-        card->row = ref ? ref->row : 0;
-        if (ref)
-            rows_[card->row] = card;
-    }
-    for (const auto& [row, card] : std::exchange(changed_, {}))
-        clean(*card);
-    for (const auto& [row, card] : std::exchange(removed_, {})) {
-        card->standing = Card::Standing::gone;
-        gone_[row] = card->uid;
-    }
-    for (const auto& uid : result.missing)
-        if (const auto card = live(uid))
-            card->standing = Card::Standing::gone;
-    me_.reset();
-    if (!defined_.empty() || !undefined_.empty())
-        definitions_ = store_->definitions();
-    defined_.clear();
-    undefined_.clear();
-}
-
-// Takes notice of what was saved since, here and elsewhere: what is in memory of those records is out of
-// date.
-void Book::refresh() {
-    const auto newest = store_->lastChange();
-    if (newest == seen_)
-        return;
-    for (const auto& change : store_->changesSince(seen_)) {
-        if (change.inserted.empty() && change.updated.empty() && change.deleted.empty())
-            distrust();
-        for (const auto& uid : change.updated)
-            if (const auto card = live(uid))
-                card->read.reset();
-        for (const auto& uid : change.deleted)
-            if (const auto card = live(uid);
-                card && card->standing == Card::Standing::stored && !changed_.contains(card->row))
-                card->standing = Card::Standing::gone;
-    }
-    definitions_ = store_->definitions();
-    seen_ = newest;
-}
-
-// Anything may have changed.
-void Book::distrust() {
-    for (const auto& [uid, weak] : cards_) {
-        const auto card = weak.lock();
-        if (!card || card->standing != Card::Standing::stored)
-            continue;
-        card->read.reset();
-        if (!changed_.contains(card->row) && !store_->find(uid))
-            card->standing = Card::Standing::gone;
-    }
 }
 
 } // namespace addressbook

@@ -1,11 +1,17 @@
 #pragma once
 
 // The address book as this process sees it: the store, with everything that was changed here and is not saved
-// yet laid over it. Free of Objective-C; the framework's classes are thin over this. One thread at a time;
-// every function that reads or writes the store throws StoreError when it cannot.
+// yet laid over it. Free of Objective-C; the framework's classes are thin over this. One thread at a time,
+// but for stir(); every function that reads or writes the store throws StoreError when it cannot.
+//
+// What others save shows at the next call. Values changed here and not saved stay as they are here, all
+// others become the new ones. A record that was deleted elsewhere is gone at once: lists and searches no
+// longer have it, whoever holds it still reads what it had. Its unsaved changes wait for the save, which
+// tells that it is missing; should it be brought back before that, they are there again.
 
 #include "frameworks/AddressBook/store/store.h"
 
+#include <atomic>
 #include <deque>
 #include <map>
 #include <memory>
@@ -39,6 +45,8 @@ struct Card {
     void* object = nullptr; // the live Objective-C object of this record; it clears this when it goes
 
     bool inBook() const { return standing == Standing::added || standing == Standing::stored; }
+    bool inDatabase() const { return standing == Standing::stored || standing == Standing::removed; }
+    bool unsaved() const { return !changes.empty() || !joined.empty() || !left.empty(); }
 };
 using CardPtr = std::shared_ptr<Card>;
 
@@ -58,6 +66,12 @@ class Book : public std::enable_shared_from_this<Book> {
 
     explicit Book(std::unique_ptr<Store> store);
     bool readOnly() const { return store_->readOnly(); }
+    // The database's file, and the newest save in it that this book knows.
+    const std::filesystem::path& file() const { return store_->file(); }
+    std::int64_t seen() const { return seen_; }
+
+    // Says, from any thread, that something was saved: every book looks before it is next read.
+    static void stir() { stirred_.fetch_add(1, std::memory_order_release); }
 
     // A new record, added to no address book yet.
     CardPtr create(Kind kind);
@@ -65,8 +79,12 @@ class Book : public std::enable_shared_from_this<Book> {
     // The record with this id, null when the address book has none.
     CardPtr find(std::string_view uid);
     // The record in this row. It is never null: a row that was deleted answers an empty card, with the id
-    // that the record had when it was deleted here.
+    // that the record had when that is known.
     CardPtr at(RowId row, Kind kind);
+    // The same for a row that was found in an earlier edition(), and that may mean nothing any more: with
+    // another file in the database's place a new edition begins.
+    CardPtr at(RowId row, Kind kind, int edition);
+    int edition() const { return edition_; }
 
     // A record in a list: a row, or the card where it has none yet.
     struct Place {
@@ -80,6 +98,8 @@ class Book : public std::enable_shared_from_this<Book> {
 
     // A value as changed here, else as stored. The reference lives until the next call.
     const Value& value(Card& card, std::string_view property);
+    // The same, without looking first whether others saved something.
+    const Value& current(Card& card, std::string_view property);
     // All values that are set, the picture included.
     std::map<std::string, Value> values(Card& card);
     // Sets a value; no value removes it.
@@ -104,8 +124,8 @@ class Book : public std::enable_shared_from_this<Book> {
     void setMe(const CardPtr& card);
 
     // Properties: 0 for an unknown one; all names, the built-in ones first.
-    int typeOf(Kind kind, std::string_view property) const;
-    std::vector<std::string> properties(Kind kind) const;
+    int typeOf(Kind kind, std::string_view property);
+    std::vector<std::string> properties(Kind kind);
     // How many were added or removed; -1, and nothing is changed, when a name or a type is not valid.
     int define(Kind kind, const std::map<std::string, int>& properties);
     int undefine(Kind kind, const std::vector<std::string>& properties);
@@ -117,11 +137,21 @@ class Book : public std::enable_shared_from_this<Book> {
   private:
     CardPtr own(Card* card);
     CardPtr card(const RecordRef& ref);
+    CardPtr lost(const std::string& uid, Kind kind);
     void forget(const Card& card);
     void load(Card& card);
     void touch(const CardPtr& card);
+    bool matchesNow(const Query& query, Card& card, Date now);
+    void notice() {
+        if (stirred_.load(std::memory_order_acquire) != noticed_)
+            catchUp();
+    }
+    void catchUp();
     void refresh();
-    void distrust();
+    void reopen();
+    void renew(const CardPtr& card);
+    void renewAll();
+    void takeDefinitions();
     bool ascendsTo(const CardPtr& from, const Card& target);
     bool discarded(Kind kind, std::string_view property) const;
     bool mentionsDiscarded(const Query& query) const;
@@ -129,18 +159,23 @@ class Book : public std::enable_shared_from_this<Book> {
     void settle(const SaveResult& result);
     CardPtr live(const std::string& uid) const;
 
+    static std::atomic<std::uint64_t> stirred_;
+
     std::unique_ptr<Store> store_;
+    int edition_ = 0;
+    std::uint64_t noticed_;
     std::int64_t seen_ = 0;                       // the newest save whose changes this book knows
     std::vector<PropertyDefinition> definitions_; // as stored
     std::unordered_map<std::string, std::weak_ptr<Card>> cards_;
     std::unordered_map<RowId, std::weak_ptr<Card>> rows_;
-    std::unordered_map<RowId, std::string> gone_; // ids of records deleted here, which lists may still name
+    std::unordered_map<RowId, std::string> gone_; // ids of deleted records, which lists may still name
     std::deque<std::weak_ptr<Card>> loaded_;      // whose stored values are in memory, oldest first
     Value scratch_;                               // what value() refers to when no card holds it
 
     // What is unsaved.
     std::vector<CardPtr> added_;
     std::map<RowId, CardPtr> changed_;
+    std::vector<CardPtr> lost_; // changed here, and deleted elsewhere
     std::unordered_map<RowId, CardPtr> removed_;
     std::optional<std::string> me_;
     std::vector<PropertyDefinition> defined_, undefined_;

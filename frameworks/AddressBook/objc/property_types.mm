@@ -66,7 +66,7 @@ NSInteger addProperties(Kind kind, NSDictionary* properties) {
             return -1;
         types[textFrom(name)] = [type intValue];
     }
-    return book->define(kind, types);
+    return reading([&] { return book->define(kind, types); });
 }
 
 NSInteger removeProperties(Kind kind, NSArray* properties) {
@@ -80,13 +80,13 @@ NSInteger removeProperties(Kind kind, NSArray* properties) {
             return -1;
         names.push_back(textFrom(name));
     }
-    return book->undefine(kind, names);
+    return reading([&] { return book->undefine(kind, names); });
 }
 
 NSArray* propertyNames(Kind kind) {
     NSMutableArray* names = [NSMutableArray array];
     if (const BookPtr book = sharedBook()) {
-        for (const auto& name : book->properties(kind))
+        for (const auto& name : reading([&] { return book->properties(kind); }))
             [names addObject:stringFrom(name)];
     } else {
         for (const auto& row : builtInProperties())
@@ -103,7 +103,7 @@ ABPropertyType typeOfProperty(Kind kind, NSString* property) {
     if (const int type = publicType(kind, name))
         return type;
     const BookPtr book = sharedBook();
-    return book ? book->typeOf(kind, name) : kABErrorInProperty;
+    return book ? reading([&] { return book->typeOf(kind, name); }) : kABErrorInProperty;
 }
 
 ABSearchElement* searchElement(Kind kind, NSString* property, NSString* label, NSString* key, id value,

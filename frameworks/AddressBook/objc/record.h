@@ -60,6 +60,6 @@ auto reading(Work&& work) -> decltype(work()) {
 
 @interface ABAddressBook (Internal)
 - (const addressbook::BookPtr&)book;
-// Forgets the shared address book: the next one that asks opens it again.
+// Forgets the shared address book and ends its notifications: the next one that asks opens it again.
 + (void)closeSharedAddressBook;
 @end

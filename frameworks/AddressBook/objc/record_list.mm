@@ -13,6 +13,7 @@ namespace {
 
 struct List {
     BookPtr book;
+    int edition;
     Kind kind;
     std::vector<Book::Place> places;
     std::vector<ABRecord*> made; // retained, or nil where nobody asked yet
@@ -25,7 +26,7 @@ struct List {
 - (id)initWithBook:(const BookPtr&)book kind:(Kind)kind places:(std::vector<Book::Place>)places {
     if ((self = [super init]) != nil) {
         std::vector<ABRecord*> made(places.size(), nil);
-        _list = new List{book, kind, std::move(places), std::move(made)};
+        _list = new List{book, book->edition(), kind, std::move(places), std::move(made)};
     }
     return self;
 }
@@ -51,8 +52,9 @@ struct List {
                            (unsigned long)list.places.size()];
     if (list.made[index] == nil) {
         const auto& place = list.places[index];
-        const CardPtr card =
-            place.card ? place.card : reading([&] { return list.book->at(place.row, list.kind); });
+        const CardPtr card = place.card
+                                 ? place.card
+                                 : reading([&] { return list.book->at(place.row, list.kind, list.edition); });
         list.made[index] = [recordFrom(list.book, card) retain];
     }
     return list.made[index];

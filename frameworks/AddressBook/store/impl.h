@@ -26,6 +26,9 @@ class StoredUid {
     bool packed_;
 };
 
+// What marks the saves of this process in the change log: random bytes, others in a child that was forked.
+std::string processMark();
+
 // One row of the table `record`.
 struct RecordRow {
     RowId id = 0;

@@ -203,18 +203,24 @@ std::int64_t Store::lastChange() const {
 
 std::vector<LoggedChange> Store::changesSince(std::int64_t change) const {
     std::vector<LoggedChange> changes;
-    auto run = impl_->db.run("SELECT id, inserted, updated, deleted FROM change WHERE id > ? ORDER BY id");
+    auto run =
+        impl_->db.run("SELECT id, inserted, updated, deleted, origin FROM change WHERE id > ? ORDER BY id");
     run.bindInteger(change);
+    const std::string mark = processMark();
     while (run.step()) {
         const std::int64_t id = run.integer(0);
         if (changes.empty() && id > change + 1)
-            changes.push_back({id - 1, {}, {}, {}}); // the log no longer tells what happened before
+            changes.push_back({id - 1, {}, {}, {}, false}); // the log no longer tells what happened before
+        const bool own = run.bytes(4) == mark;
+        LoggedChange one{id, {}, {}, {}, own};
         try {
-            changes.push_back(
-                {id, decodeUids(run.bytes(1)), decodeUids(run.bytes(2)), decodeUids(run.bytes(3))});
+            one.inserted = decodeUids(run.bytes(1));
+            one.updated = decodeUids(run.bytes(2));
+            one.deleted = decodeUids(run.bytes(3));
         } catch (const DamagedCard&) {
-            changes.push_back({id, {}, {}, {}});
+            one = {id, {}, {}, {}, own};
         }
+        changes.push_back(std::move(one));
     }
     return changes;
 }

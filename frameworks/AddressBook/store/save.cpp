@@ -4,6 +4,7 @@
 
 #include "card.h"
 #include "index.h"
+#include "watch.h"
 
 #include <algorithm>
 #include <stdexcept>
@@ -16,7 +17,10 @@ using Reason = StoreError::Reason;
 
 constexpr std::size_t kMostLogged =
     100'000; // unique ids that one save logs; more are "anything may have changed"
-constexpr std::int64_t kLoggedSaves = 1'000; // saves that the log keeps
+constexpr std::int64_t kLoggedSaves = 10'000; // saves that the log keeps
+// Saves of this many records and more make sure that the log's lists stay below this many bytes, too.
+constexpr std::size_t kLargeSave = 100;
+constexpr std::int64_t kMostLogBytes = 16 << 20;
 
 bool isKept(std::string_view property) {
     return property == property::kUid || property == property::kCreation ||
@@ -306,20 +310,31 @@ void Saver::missing(const std::string& uid) {
 }
 
 void Saver::log() {
-    const bool all = result_.inserted.size() + result_.updated.size() + result_.deleted.size() > kMostLogged;
+    const std::size_t count = result_.inserted.size() + result_.updated.size() + result_.deleted.size();
+    const bool all = count > kMostLogged;
     const auto encoded = [&](const std::vector<std::string>& uids) {
         return encodeUids(all ? std::vector<std::string>() : uids);
     };
     const std::string inserted = encoded(result_.inserted);
     const std::string updated = encoded(result_.updated);
     const std::string deleted = encoded(result_.deleted);
-    db_.run("INSERT INTO change(inserted, updated, deleted) VALUES (?, ?, ?)")
+    const std::string mark = processMark();
+    db_.run("INSERT INTO change(inserted, updated, deleted, origin) VALUES (?, ?, ?, ?)")
         .bindBytes(inserted)
         .bindBytes(updated)
         .bindBytes(deleted)
+        .bindBytes(mark)
         .finish();
     result_.change = db_.lastRow();
     db_.run("DELETE FROM change WHERE id <= ?").bindInteger(result_.change - kLoggedSaves).finish();
+    if (count < kLargeSave)
+        return;
+    db_.run("DELETE FROM change WHERE id < ?1 AND id IN (SELECT id FROM (SELECT id, "
+            "sum(length(inserted) + length(updated) + length(deleted)) OVER (ORDER BY id DESC) AS bytes "
+            "FROM change) WHERE bytes > ?2)")
+        .bindInteger(result_.change)
+        .bindInteger(kMostLogBytes)
+        .finish();
 }
 
 } // namespace
@@ -333,8 +348,14 @@ SaveResult Store::save(const ChangeSet& changes) {
                              " may only be read: make the file and its folder writable and try again.");
     try {
         sql::Transaction transaction(impl_->db, sql::Transaction::Mode::write);
+        if (moved())
+            throw StoreError(Reason::io, "The address book " + file().string() +
+                                             " was moved, removed or replaced while it was open: put it back, "
+                                             "or start this program again.");
         SaveResult result = Saver(*impl_, changes).run();
         transaction.commit();
+        if (result.change != 0)
+            ringBell(file());
         return result;
     } catch (const std::length_error& error) {
         for (auto& known : impl_->propertyIds)

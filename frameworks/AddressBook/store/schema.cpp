@@ -86,6 +86,9 @@ std::int64_t pragma(sql::Connection& connection, const char* sql) {
     return run.step() ? run.integer(0) : 0;
 }
 
+// Which process made each save (processMark); null where a program of the version before wrote the row.
+constexpr const char* kVersion2 = "ALTER TABLE change ADD COLUMN origin";
+
 } // namespace
 
 std::span<const Migration> migrations() {
@@ -95,6 +98,7 @@ std::span<const Migration> migrations() {
             const std::string unicode = unicodeVersion();
             connection.run("INSERT INTO meta(name, value) VALUES ('unicode', ?)").bindText(unicode).finish();
         },
+        [](sql::Connection& connection) { connection.execute(kVersion2); },
     };
     return steps;
 }

@@ -169,6 +169,11 @@ int Connection::changes() const {
     return sqlite3_changes(handle_);
 }
 
+bool Connection::moved() const {
+    int moved = 0;
+    return sqlite3_file_control(handle_, "main", SQLITE_FCNTL_HAS_MOVED, &moved) == SQLITE_OK && moved != 0;
+}
+
 void Connection::fail(int code) const {
     const Failure failure = failureOf(code);
     std::string detail = sqlite3_errstr(code);

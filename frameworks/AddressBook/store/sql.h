@@ -83,6 +83,9 @@ class Connection {
     std::int64_t lastRow() const;
     int changes() const;
 
+    // Whether the file that is open is no longer the one of its name.
+    bool moved() const;
+
     // Throws what an SQLite result code means for this file.
     [[noreturn]] void fail(int code) const;
 

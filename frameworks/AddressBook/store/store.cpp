@@ -6,7 +6,9 @@
 #include "index.h"
 #include "text.h"
 
+#include <mutex>
 #include <random>
+#include <unistd.h>
 
 namespace addressbook {
 
@@ -21,6 +23,19 @@ void StoredUid::bind(sql::Run& run) const {
         run.bindBytes(stored_);
     else
         run.bindText(stored_);
+}
+
+std::string processMark() {
+    struct Mark {
+        pid_t process = 0;
+        std::string bytes;
+    };
+    static std::mutex lock;
+    static Mark mark;
+    const std::lock_guard<std::mutex> guard(lock);
+    if (mark.process != getpid())
+        mark = {getpid(), newUuid()};
+    return mark.bytes;
 }
 
 Store::Impl::Impl(const std::filesystem::path& folder, Access access, std::chrono::milliseconds patience)
@@ -96,6 +111,10 @@ const std::filesystem::path& Store::file() const {
 
 bool Store::readOnly() const {
     return impl_->opened.readOnly;
+}
+
+bool Store::moved() const {
+    return impl_->db.moved();
 }
 
 bool ChangeSet::empty() const {

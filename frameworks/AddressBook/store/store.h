@@ -99,6 +99,8 @@ struct SaveResult {
 struct LoggedChange {
     std::int64_t change = 0;
     std::vector<std::string> inserted, updated, deleted;
+    bool own = false; // saved by this process, through whatever store
+    bool tellsNothing() const { return inserted.empty() && updated.empty() && deleted.empty(); }
 };
 
 class Store {
@@ -120,6 +122,8 @@ class Store {
 
     const std::filesystem::path& file() const;
     bool readOnly() const;
+    // Whether the file is no longer in its place: it was removed, or another one was put there.
+    bool moved() const;
 
     // Records. The lists are in the order in which records were added.
     std::optional<RecordRef> find(std::string_view uid) const;
@@ -145,10 +149,12 @@ class Store {
     // The records that meet the query, in the order in which they were added.
     std::vector<RowId> search(const Query& query, Date now) const;
 
-    // Writes everything or nothing; durable when it returns. Throws StoreError.
+    // Writes everything or nothing; durable when it returns. Throws StoreError, also when the file is no
+    // longer in its place: the changes would be lost with it.
     SaveResult save(const ChangeSet& changes);
 
-    // The change log: the number of the newest save, and all saves after [change].
+    // The change log: the number of the newest save, and all saves after [change]. A number lower than one
+    // that was seen before says that an older state of the book was restored.
     std::int64_t lastChange() const;
     std::vector<LoggedChange> changesSince(std::int64_t change) const;
 

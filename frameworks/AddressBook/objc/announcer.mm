@@ -1,0 +1,168 @@
+#include "announcer.h"
+
+#include "bridge.h"
+#include "frameworks/AddressBook/store/watch.h"
+
+#include <chrono>
+#include <condition_variable>
+#include <cstdlib>
+#include <memory>
+#include <mutex>
+#include <unistd.h>
+#include <utility>
+
+using namespace addressbook;
+
+namespace {
+
+// How long the end of the process waits for an observer that is still at work on the thread; it may itself be
+// waiting for the thread that ends the process.
+constexpr std::chrono::seconds kPatienceAtExit{1};
+
+void post(ABAddressBook* sender, const LoggedChange& change) {
+    Book::stir();
+    if (change.own)
+        return;
+    NSAutoreleasePool* pool = [[NSAutoreleasePool alloc] init];
+    [[NSNotificationCenter defaultCenter]
+        postNotificationName:kABDatabaseChangedExternallyNotification
+                      object:sender
+                    userInfo:changeInfo(change.inserted, change.updated, change.deleted)];
+    [pool release];
+}
+
+void log(const std::string& sentence) {
+    NSAutoreleasePool* pool = [[NSAutoreleasePool alloc] init];
+    NSLog(@"AddressBook: %@", stringFrom(sentence));
+    [pool release];
+}
+
+// The watch and the thread that runs it.
+class Announcer {
+  public:
+    Announcer(ABAddressBook* sender, const Book& book)
+        : watch_(book.file(), book.seen(),
+                 {[sender](const LoggedChange& change) { post(sender, change); }, log}) {}
+
+    // The thread's work.
+    void run() {
+        {
+            const std::lock_guard<std::mutex> guard(lock_);
+            thread_ = pthread_self();
+            running_ = true;
+        }
+        watch_.run();
+        const std::lock_guard<std::mutex> guard(lock_);
+        ended_ = true;
+        end_.notify_all();
+    }
+
+    // Waits for the thread, but not for ever when [patience] is given.
+    void stop(const std::chrono::seconds* patience) {
+        if (process_ != getpid())
+            return; // a forked child has no such thread
+        watch_.stop();
+        std::unique_lock<std::mutex> guard(lock_);
+        if (running_ && pthread_equal(thread_, pthread_self()) != 0)
+            return;
+        const auto ended = [this] { return ended_; };
+        if (patience != nullptr)
+            end_.wait_until(guard, std::chrono::system_clock::now() + *patience, ended);
+        else
+            end_.wait(guard, ended);
+    }
+
+  private:
+    const pid_t process_ = getpid();
+    Watch watch_;
+    std::mutex lock_;
+    std::condition_variable end_;
+    pthread_t thread_{};
+    bool running_ = false;
+    bool ended_ = false;
+};
+
+// Never taken down with the process: the thread may outlive its last statements.
+std::shared_ptr<Announcer>& current() {
+    static auto* announcer = new std::shared_ptr<Announcer>;
+    return *announcer;
+}
+
+void stopAtExit() {
+    if (const auto announcer = current())
+        announcer->stop(&kPatienceAtExit);
+}
+
+} // namespace
+
+// Foundation wants to know the threads that use it: this one is an NSThread, which keeps its target.
+@interface ABAnnouncerThread : NSObject {
+    void* _announcer;
+}
+- (id)initWithAnnouncer:(const std::shared_ptr<Announcer>&)announcer;
+- (void)run;
+@end
+
+@implementation ABAnnouncerThread
+
+- (id)initWithAnnouncer:(const std::shared_ptr<Announcer>&)announcer {
+    if ((self = [super init]) != nil)
+        _announcer = new std::shared_ptr<Announcer>(announcer);
+    return self;
+}
+
+- (void)dealloc {
+    delete static_cast<std::shared_ptr<Announcer>*>(_announcer);
+    [super dealloc];
+}
+
+- (void)run {
+    NSAutoreleasePool* pool = [[NSAutoreleasePool alloc] init];
+    (*static_cast<std::shared_ptr<Announcer>*>(_announcer))->run();
+    [pool release];
+}
+
+@end
+
+namespace addressbook {
+namespace {
+
+void putUids(NSMutableDictionary* info, NSString* key, const std::vector<std::string>& uids) {
+    if (uids.empty())
+        return;
+    NSMutableArray* array = [NSMutableArray arrayWithCapacity:uids.size()];
+    for (const auto& uid : uids)
+        [array addObject:stringFrom(uid)];
+    [info setObject:array forKey:key];
+}
+
+} // namespace
+
+NSDictionary* changeInfo(const std::vector<std::string>& inserted, const std::vector<std::string>& updated,
+                         const std::vector<std::string>& deleted) {
+    NSMutableDictionary* info = [NSMutableDictionary dictionary];
+    putUids(info, kABInsertedRecords, inserted);
+    putUids(info, kABUpdatedRecords, updated);
+    putUids(info, kABDeletedRecords, deleted);
+    return info;
+}
+
+void startAnnouncing(ABAddressBook* sender, const Book& book) {
+    try {
+        current() = std::make_shared<Announcer>(sender, book);
+    } catch (const StoreError& error) {
+        log(error.what());
+        return;
+    }
+    [[maybe_unused]] static const int registered = std::atexit(stopAtExit);
+    ABAnnouncerThread* thread = [[ABAnnouncerThread alloc] initWithAnnouncer:current()];
+    [NSThread detachNewThreadSelector:@selector(run) toTarget:thread withObject:nil];
+    [thread release];
+}
+
+void stopAnnouncing() {
+    if (const auto announcer = std::exchange(current(), nullptr))
+        announcer->stop(nullptr);
+}
+
+} // namespace addressbook

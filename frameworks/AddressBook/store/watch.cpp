@@ -1,0 +1,157 @@
+#include "watch.h"
+
+#include <fcntl.h>
+#include <poll.h>
+#include <sys/eventfd.h>
+#include <sys/inotify.h>
+#include <sys/stat.h>
+#include <unistd.h>
+
+#include <array>
+#include <cerrno>
+#include <cstring>
+#include <system_error>
+#include <utility>
+
+namespace addressbook {
+namespace {
+
+namespace fs = std::filesystem;
+
+constexpr std::chrono::milliseconds kLookEvery{1000}; // where nobody tells when
+constexpr std::chrono::milliseconds kPatience{1000};
+
+// The bell; a file that comes or goes; the end of a process that had the file open; the folder's own end.
+constexpr std::uint32_t kEvents = IN_ATTRIB | IN_CREATE | IN_MOVED_TO | IN_MOVED_FROM | IN_DELETE |
+                                  IN_CLOSE_WRITE | IN_DELETE_SELF | IN_MOVE_SELF | IN_ONLYDIR;
+constexpr std::uint32_t kEndOfFolder = IN_DELETE_SELF | IN_MOVE_SELF | IN_UNMOUNT | IN_IGNORED;
+
+// Takes what the kernel has told so far; false when that is that the folder is no longer in its place.
+bool takeEvents(int events) {
+    alignas(inotify_event) std::array<char, 16 * 1024> buffer;
+    bool inPlace = true;
+    for (ssize_t size; (size = read(events, buffer.data(), buffer.size())) > 0;)
+        for (ssize_t at = 0; at < size;) {
+            inotify_event event;
+            std::memcpy(&event, buffer.data() + at, sizeof event);
+            inPlace = inPlace && (event.mask & kEndOfFolder) == 0;
+            at += static_cast<ssize_t>(sizeof event + event.len);
+        }
+    return inPlace;
+}
+
+// The folder in which the database lies, behind symbolic links.
+fs::path folderOf(const fs::path& file) {
+    std::error_code error;
+    const fs::path real = fs::canonical(file, error);
+    return error ? file.parent_path() : real.parent_path();
+}
+
+} // namespace
+
+void ringBell(const fs::path& file) {
+    utimensat(AT_FDCWD, file.c_str(), nullptr, 0);
+}
+
+Watch::Watch(fs::path file, std::int64_t since, Listener listener)
+    : file_(std::move(file)), listener_(std::move(listener)), seen_(since),
+      stopped_(eventfd(0, EFD_CLOEXEC | EFD_NONBLOCK)) {
+    if (stopped_ < 0)
+        throw StoreError(StoreError::Reason::io, "The address book " + file_.string() +
+                                                     " cannot be watched for changes (" +
+                                                     std::generic_category().message(errno) +
+                                                     "): close some files and start this program again.");
+}
+
+Watch::~Watch() {
+    if (events_ >= 0)
+        close(events_);
+    close(stopped_);
+}
+
+void Watch::stop() {
+    stopping_ = true;
+    eventfd_write(stopped_, 1);
+}
+
+void Watch::run() {
+    while (!stopping_) {
+        const bool listening = listen(); // before looking, so that nothing falls in between
+        const bool looked = look();
+        if (listening && looked)
+            troubled_ = false;
+        wait(listening && looked);
+    }
+}
+
+// Asks the kernel to tell of changes, when it does not do so already.
+bool Watch::listen() {
+    if (events_ >= 0)
+        return true;
+    const int events = inotify_init1(IN_CLOEXEC | IN_NONBLOCK);
+    if (events >= 0 && inotify_add_watch(events, folderOf(file_).c_str(), kEvents) >= 0) {
+        events_ = events;
+        return true;
+    }
+    const int error = errno;
+    if (events >= 0)
+        close(events);
+    looksBecause("The folder of the address book " + file_.string() + " cannot be watched (" +
+                 std::generic_category().message(error) +
+                 "): it is looked at for changes once a second instead.");
+    return false;
+}
+
+// Tells what is new; false when the book cannot be read just now.
+bool Watch::look() {
+    try {
+        const bool moved = store_ && store_->moved();
+        if (moved)
+            replaced_ = true;
+        struct stat status;
+        if (moved || !store_) {
+            store_.reset();
+            if (stat(file_.c_str(), &status) != 0)
+                return true; // its return is an event
+            store_ = std::make_unique<Store>(file_.parent_path(), Store::Access::readOnly, kPatience);
+        }
+        tell();
+        return true;
+    } catch (const StoreError& error) {
+        store_.reset();
+        looksBecause(error.what());
+        return false;
+    }
+}
+
+void Watch::tell() {
+    const std::int64_t newest = store_->lastChange();
+    if (std::exchange(replaced_, false) || newest < seen_) {
+        seen_ = newest;
+        listener_.saved({newest, {}, {}, {}, false});
+    }
+    if (newest == seen_)
+        return;
+    for (const LoggedChange& change : store_->changesSince(seen_)) {
+        if (stopping_)
+            return;
+        seen_ = change.change;
+        listener_.saved(change);
+    }
+}
+
+void Watch::looksBecause(const std::string& reason) {
+    if (!std::exchange(troubled_, true))
+        listener_.looksInstead(reason);
+}
+
+// Waits for something to happen: for an event when [toldWhen], else for the time to look again.
+void Watch::wait(bool toldWhen) {
+    std::array<pollfd, 2> awaited{pollfd{stopped_, POLLIN, 0}, pollfd{toldWhen ? events_ : -1, POLLIN, 0}};
+    if (poll(awaited.data(), awaited.size(), toldWhen ? -1 : static_cast<int>(kLookEvery.count())) <= 0)
+        return;
+    if (awaited[1].revents != 0 && !takeEvents(events_))
+        close(std::exchange(events_, -1));
+}
+
+} // namespace addressbook

@@ -1,0 +1,66 @@
+#pragma once
+
+// Learning of saves while they happen, those of other processes too.
+//
+// A process that saved touches the database's file once the save can be seen (ringBell): the write itself is
+// too early, for SQLite shows a save only after it was written. The kernel tells this, the end of a process
+// that was killed in between, and a file put in the book's place to whoever watches the folder. Then the
+// change log, read on a connection of the watch's own, says what happened.
+
+#include "store.h"
+
+#include <atomic>
+#include <cstdint>
+#include <filesystem>
+#include <functional>
+#include <memory>
+#include <string>
+
+namespace addressbook {
+
+// Tells everybody who watches this database file that a save is done.
+void ringBell(const std::filesystem::path& file);
+
+// A watch over one address book. One thread runs it, any other may stop it.
+class Watch {
+  public:
+    // What it tells, on the thread that runs it.
+    struct Listener {
+        // One save: all in their order, each once. One that tells nothing of records says that anything may
+        // have changed.
+        std::function<void(const LoggedChange&)> saved;
+        // The kernel watches no folder (its limits are used up, or the folder is gone), or the book cannot be
+        // read: until that passes, the watch looks once a second. Called with a sentence that says why.
+        std::function<void(const std::string&)> looksInstead;
+    };
+
+    // Tells of all saves after number [since] to the database [file], also of those that are done already.
+    Watch(std::filesystem::path file, std::int64_t since, Listener listener);
+    ~Watch();
+    Watch(const Watch&) = delete;
+    Watch& operator=(const Watch&) = delete;
+
+    // Watches until it is stopped. Throws nothing of its own.
+    void run();
+    // Makes run() return as soon as the listener does.
+    void stop();
+
+  private:
+    bool listen();
+    bool look();
+    void tell();
+    void looksBecause(const std::string& reason);
+    void wait(bool toldWhen);
+
+    const std::filesystem::path file_;
+    const Listener listener_;
+    std::unique_ptr<Store> store_;
+    std::int64_t seen_;
+    bool replaced_ = false; // another file is in the book's place, and nobody was told yet
+    bool troubled_ = false; // looks once a second, and has told why
+    int events_ = -1;       // the kernel's; -1 while it gives none
+    int stopped_ = -1;      // readable once stop() was called
+    std::atomic<bool> stopping_{false};
+};
+
+} // namespace addressbook
