@@ -263,6 +263,22 @@ TEST_F(Migrations, runFromAnyOlderVersionInOneTransaction) {
     EXPECT_THROW(migrate(connection, std::span(steps).first(2)), StoreError);
 }
 
+TEST_F(Migrations, keepTheChangeLog) {
+    fs::create_directory(folder());
+    {
+        sql::Connection connection(file(), file(), SQLITE_OPEN_READWRITE | SQLITE_OPEN_CREATE,
+                                   std::chrono::milliseconds(0));
+        migrate(connection, migrations().first(1));
+        connection.execute("INSERT INTO change(inserted, updated, deleted) VALUES (x'', x'', x'')");
+    }
+    Store store(folder());
+    addPerson(store, {});
+    const auto log = store.changesSince(0);
+    ASSERT_EQ(log.size(), 2U);
+    EXPECT_FALSE(log[0].own); // who made it is not known
+    EXPECT_TRUE(log[1].own);
+}
+
 TEST_F(Migrations, thatFailLeaveTheOlderVersion) {
     const Migration steps[] = {
         [](sql::Connection& db) { db.execute("CREATE TABLE a(x)"); },

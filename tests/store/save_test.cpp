@@ -267,6 +267,42 @@ TEST_F(Save, aLogThatNoLongerReachesBackSaysThatAnythingMayHaveChanged) {
     EXPECT_THAT(log[1].updated, ElementsAre(uid));
 }
 
+TEST_F(Save, theLogOfLargeSavesStaysSmall) {
+    constexpr std::size_t kLength = 20'000;
+    std::size_t size = 0;
+    for (int save = 0; save < 10; ++save) {
+        std::vector<RecordChange> records;
+        for (int i = 0; i < 100; ++i)
+            records.push_back(inserted(newUid(Kind::person) + std::string(kLength, 'x'), {}));
+        saveRecords(store, std::move(records));
+    }
+    const auto log = store.changesSince(0);
+    for (const LoggedChange& change : log)
+        size += change.inserted.size() * kLength;
+    EXPECT_TRUE(log.front().tellsNothing());
+    EXPECT_LT(size, 16U << 20);
+    EXPECT_GT(size, 12U << 20);
+    EXPECT_EQ(log.back().change, 10);
+    EXPECT_TRUE(log.back().own);
+}
+
+TEST_F(Save, isRefusedWhenTheFileIsNoLongerThere) {
+    const std::string uid = addPerson(store, {});
+    const auto aside = folder() / "aside";
+    std::filesystem::rename(store.file(), aside);
+    EXPECT_TRUE(store.moved());
+    try {
+        saveRecords(store, {updated(uid, {{"First", text("x")}})});
+        ADD_FAILURE() << "was saved";
+    } catch (const StoreError& error) {
+        EXPECT_THAT(error.what(), testing::HasSubstr(store.file().string()));
+    }
+    std::filesystem::rename(aside, store.file());
+    EXPECT_FALSE(store.moved());
+    saveRecords(store, {updated(uid, {{"First", text("x")}})});
+    EXPECT_EQ(valueOf(store, uid, "First"), text("x"));
+}
+
 TEST_F(Save, meIsSetAndCleared) {
     const std::string uid = addPerson(store, {});
     ChangeSet changes;

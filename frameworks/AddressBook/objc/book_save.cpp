@@ -67,7 +67,7 @@ ChangeSet Book::changes(Date now) const {
 }
 
 SaveResult Book::save(Date now) {
-    refresh();
+    catchUp();
     const ChangeSet set = changes(now);
     SaveResult result;
     if (!set.empty())

@@ -1,0 +1,256 @@
+// What a watch tells of a book: every save once and in order, whatever becomes of the folder and the file.
+
+#include "builders.h"
+#include "frameworks/AddressBook/store/watch.h"
+#include "scratch.h"
+
+#include <gmock/gmock.h>
+#include <sqlite3.h>
+#include <sys/inotify.h>
+#include <unistd.h>
+
+#include <chrono>
+#include <mutex>
+#include <thread>
+
+namespace addressbook::test {
+namespace {
+
+namespace fs = std::filesystem;
+using testing::ElementsAre;
+using testing::IsEmpty;
+
+// A watch on a thread of its own, and what it told.
+class Watching {
+  public:
+    Watching(const fs::path& file, std::int64_t since)
+        : watch_(file, since,
+                 {[this](const LoggedChange& change) {
+                      const std::lock_guard<std::mutex> guard(lock_);
+                      told_.push_back(change);
+                  },
+                  [this](const std::string& reason) {
+                      const std::lock_guard<std::mutex> guard(lock_);
+                      reasons_.push_back(reason);
+                  }}),
+          thread_([this] { watch_.run(); }) {}
+    ~Watching() {
+        watch_.stop();
+        thread_.join();
+    }
+    Watching(const Watching&) = delete;
+    Watching& operator=(const Watching&) = delete;
+
+    // The numbers of what was told, once so many are there.
+    std::vector<std::int64_t> numbers(std::size_t count) {
+        std::vector<std::int64_t> numbers;
+        for (const LoggedChange& change : wait(told_, count))
+            numbers.push_back(change.change);
+        return numbers;
+    }
+    std::vector<LoggedChange> changes(std::size_t count) { return wait(told_, count); }
+    std::vector<std::string> reasons(std::size_t count) { return wait(reasons_, count); }
+
+  private:
+    template <typename Item>
+    std::vector<Item> wait(const std::vector<Item>& items, std::size_t count) {
+        const auto end = std::chrono::steady_clock::now() + std::chrono::seconds(20);
+        for (;;) {
+            {
+                const std::lock_guard<std::mutex> guard(lock_);
+                if (items.size() >= count || std::chrono::steady_clock::now() > end)
+                    return items;
+            }
+            std::this_thread::sleep_for(std::chrono::milliseconds(1));
+        }
+    }
+
+    std::mutex lock_;
+    std::vector<LoggedChange> told_;
+    std::vector<std::string> reasons_;
+    Watch watch_;
+    std::thread thread_;
+};
+
+void sql(const fs::path& file, const std::string& statement) {
+    sqlite3* database = nullptr;
+    ASSERT_EQ(sqlite3_open(file.c_str(), &database), SQLITE_OK);
+    EXPECT_EQ(sqlite3_exec(database, statement.c_str(), nullptr, nullptr, nullptr), SQLITE_OK)
+        << sqlite3_errmsg(database);
+    sqlite3_close(database);
+}
+
+class WatchTest : public Scratch {
+  protected:
+    // An empty change: a save that tells nothing of records.
+    static std::string emptyChange() {
+        return "INSERT INTO change(inserted, updated, deleted) VALUES (x'', x'', x'')";
+    }
+};
+
+TEST_F(WatchTest, tellsOfSavesBeforeAndAfterItBegan) {
+    Store store(folder());
+    addPerson(store, {});
+    addPerson(store, {});
+    addPerson(store, {});
+    Watching watching(store.file(), 1);
+    EXPECT_THAT(watching.numbers(2), ElementsAre(2, 3));
+    addPerson(store, {});
+    EXPECT_THAT(watching.numbers(3), ElementsAre(2, 3, 4));
+    const std::string uid = addPerson(store, {});
+    const auto changes = watching.changes(4);
+    ASSERT_EQ(changes.size(), 4U);
+    EXPECT_THAT(changes[3].inserted, ElementsAre(uid));
+    EXPECT_THAT(watching.reasons(0), IsEmpty());
+}
+
+TEST_F(WatchTest, knowsTheSavesOfThisProcess) {
+    Store store(folder());
+    Watching watching(store.file(), 0);
+    addPerson(store, {});
+    addPerson(store, {});
+    for (const LoggedChange& change : watching.changes(2))
+        EXPECT_TRUE(change.own);
+    sql(store.file(), "UPDATE change SET origin = NULL; UPDATE change SET origin = 'other' WHERE id = 2");
+    for (const LoggedChange& change : store.changesSince(0))
+        EXPECT_FALSE(change.own);
+}
+
+TEST_F(WatchTest, learnsOfAWriterThatEndedBeforeItCouldTell) {
+    Store store(folder());
+    Watching watching(store.file(), 0);
+    addPerson(store, {});
+    EXPECT_THAT(watching.numbers(1), ElementsAre(1));
+    sql(store.file(), emptyChange()); // touches nothing, but closes the file
+    EXPECT_THAT(watching.numbers(2), ElementsAre(1, 2));
+}
+
+TEST_F(WatchTest, tellsThatSavesAreLostFromTheLog) {
+    Store store(folder());
+    const std::string uid = addPerson(store, {});
+    sql(store.file(), "UPDATE sqlite_sequence SET seq = 50000 WHERE name = 'change'");
+    saveRecords(store, {updated(uid, {{"First", text("x")}})});
+    Watching watching(store.file(), 1);
+    const auto changes = watching.changes(2);
+    ASSERT_EQ(changes.size(), 2U);
+    EXPECT_TRUE(changes[0].tellsNothing());
+    EXPECT_FALSE(changes[0].own);
+    EXPECT_THAT(changes[1].updated, ElementsAre(uid));
+}
+
+TEST_F(WatchTest, tellsThatAnOlderStateWasRestored) {
+    Store store(folder());
+    addPerson(store, {});
+    addPerson(store, {});
+    Watching watching(store.file(), 0);
+    EXPECT_THAT(watching.numbers(2), ElementsAre(1, 2));
+    sql(store.file(), "DELETE FROM change WHERE id = 2; UPDATE sqlite_sequence SET seq = 1 "
+                      "WHERE name = 'change'");
+    const auto changes = watching.changes(3);
+    ASSERT_EQ(changes.size(), 3U);
+    EXPECT_TRUE(changes[2].tellsNothing());
+    addPerson(store, {});
+    EXPECT_THAT(watching.numbers(4), ElementsAre(1, 2, 1, 2));
+}
+
+TEST_F(WatchTest, goesOnWithAnotherFileInTheBooksPlace) {
+    fs::path file;
+    {
+        Store store(folder());
+        file = store.file();
+        addPerson(store, {});
+    }
+    Watching watching(file, 0);
+    EXPECT_THAT(watching.numbers(1), ElementsAre(1));
+    fs::create_directory(root() / "away");
+    for (const auto& entry : fs::directory_iterator(folder()))
+        fs::rename(entry.path(), root() / "away" / entry.path().filename());
+    Store store(folder()); // begins a new book
+    addPerson(store, {});
+    // Whether it saw the new book before that save or only after, its first word is that all is new.
+    const auto changes = watching.changes(2);
+    ASSERT_GE(changes.size(), 2U);
+    EXPECT_TRUE(changes[1].tellsNothing());
+    addPerson(store, {});
+    while (watching.numbers(0).back() != 2)
+        std::this_thread::sleep_for(std::chrono::milliseconds(1));
+    EXPECT_THAT(watching.reasons(0), IsEmpty());
+}
+
+TEST_F(WatchTest, looksByTheClockWhileTheFolderIsGone) {
+    Store store(folder());
+    addPerson(store, {});
+    Watching watching(store.file(), 0);
+    EXPECT_THAT(watching.numbers(1), ElementsAre(1));
+    fs::rename(folder(), root() / "elsewhere");
+    const auto reasons = watching.reasons(1);
+    ASSERT_EQ(reasons.size(), 1U);
+    EXPECT_THAT(reasons[0], testing::HasSubstr(store.file().string()));
+    fs::rename(root() / "elsewhere", folder());
+    addPerson(store, {});
+    EXPECT_EQ(watching.numbers(2).back(), 2);
+    addPerson(store, {});
+    EXPECT_EQ(watching.numbers(3).back(), 3);
+    EXPECT_EQ(watching.reasons(1).size(), 1U);
+}
+
+TEST_F(WatchTest, waitsUntilADamagedBookCanBeReadAgain) {
+    Store store(folder());
+    addPerson(store, {});
+    Watching watching(store.file(), 0);
+    EXPECT_THAT(watching.numbers(1), ElementsAre(1));
+    sql(store.file(), "ALTER TABLE change RENAME TO hidden");
+    EXPECT_EQ(watching.reasons(1).size(), 1U);
+    sql(store.file(), "ALTER TABLE hidden RENAME TO change");
+    addPerson(store, {});
+    EXPECT_EQ(watching.numbers(2).back(), 2);
+}
+
+// Another user for a while, whose watches can be used up without disturbing anybody.
+class AsSomebodyElse {
+  public:
+    AsSomebodyElse() { EXPECT_EQ(setresuid(kUser, kUser, 0), 0); }
+    ~AsSomebodyElse() {
+        if (setresuid(0, 0, 0) != 0)
+            std::abort();
+    }
+    AsSomebodyElse(const AsSomebodyElse&) = delete;
+    AsSomebodyElse& operator=(const AsSomebodyElse&) = delete;
+    static constexpr uid_t kUser = 61234;
+};
+
+TEST_F(WatchTest, looksByTheClockWhileTheKernelHasNoWatches) {
+    if (geteuid() != 0)
+        GTEST_SKIP() << "only the super-user can become somebody whose watches are used up";
+    ASSERT_EQ(chown(root().c_str(), AsSomebodyElse::kUser, AsSomebodyElse::kUser), 0);
+    const AsSomebodyElse somebody;
+    std::vector<int> used;
+    for (int one; used.size() < 1000 && (one = inotify_init1(IN_CLOEXEC)) >= 0;)
+        used.push_back(one);
+    const auto release = [&used] {
+        for (const int one : std::exchange(used, {}))
+            close(one);
+    };
+    if (used.size() == 1000) {
+        release();
+        GTEST_SKIP() << "this machine has too many watches";
+    }
+    Store store(folder());
+    Watching watching(store.file(), 0);
+    EXPECT_EQ(watching.reasons(1).size(), 1U);
+    addPerson(store, {});
+    addPerson(store, {});
+    EXPECT_THAT(watching.numbers(2), ElementsAre(1, 2));
+    release();
+    addPerson(store, {});
+    EXPECT_THAT(watching.numbers(3), ElementsAre(1, 2, 3));
+    EXPECT_EQ(watching.reasons(1).size(), 1U);
+}
+
+TEST_F(WatchTest, ofABookThatIsNotThereEndsWhenItIsTold) {
+    for (int i = 0; i < 20; ++i)
+        Watching(folder() / "AddressBook.db", 0);
+}
+
+} // namespace
+} // namespace addressbook::test
