@@ -5,14 +5,16 @@
 
 @class ABPerson, ABRecord, ABSearchElement;
 
-// The user's address book. Use it from one thread at a time. Changes to it and to its records stay in memory,
-// where searches and lists see them, until they are saved.
+// The user's address book. Use it from one thread at a time, and not from the one on which
+// kABDatabaseChangedExternallyNotification arrives. Changes to it and to its records stay in memory, where
+// searches and lists see them, until they are saved; what others save shows in all that was not changed here.
 @interface ABAddressBook : NSObject {
   @private
     void* _book;
 }
 
 // The address book of this process; nil, with a line in the log, when its database cannot be opened.
+// Notifications are sent from the first call on.
 + (ABAddressBook*)sharedAddressBook;
 + (ABAddressBook*)addressBook;
 

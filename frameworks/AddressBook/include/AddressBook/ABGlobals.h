@@ -94,8 +94,10 @@ FOUNDATION_EXPORT NSString* const kABYahooWorkLabel;
 FOUNDATION_EXPORT NSString* const kABICQHomeLabel;
 FOUNDATION_EXPORT NSString* const kABICQWorkLabel;
 
-// Sent after this process saved, and after another one did; the user info may hold arrays of unique ids under
-// the three keys. None of them: everything may have changed.
+// Sent by the default notification center after this process saved, on the thread that saved; and after
+// another process did, on a thread of the framework's: one for each save, in their order, from the first call
+// of sharedAddressBook on. The user info may hold arrays of unique ids under the three keys. None of them:
+// everything may have changed.
 FOUNDATION_EXPORT NSString* const kABDatabaseChangedNotification;
 FOUNDATION_EXPORT NSString* const kABDatabaseChangedExternallyNotification;
 FOUNDATION_EXPORT NSString* const kABInsertedRecords;
