@@ -44,6 +44,10 @@ class OtherProcess {
     NSThread* _home;
 }
 - (void)changed:(NSNotification*)notification;
+- (id)sender;
+// From now on it raises an exception whenever it is told.
+- (void)raise;
+- (bool)wasToldOnThisThread;
 // Waits until so many came, at most 30 seconds, and a moment longer for some that should not; answers them.
 - (std::vector<std::string>)wait:(std::size_t)count;
 // The same without the moment longer; nothing is forgotten.

@@ -95,14 +95,31 @@ std::string OtherProcess::operator()(const std::string& order) {
     tell("+", kABInsertedRecords);
     tell("~", kABUpdatedRecords);
     tell("-", kABDeletedRecords);
+    bool raises = false;
     {
         const std::lock_guard<std::mutex> guard(*_lock);
+        raises = _raises;
         _told->push_back(told.empty() ? "?" : told);
         _sender = [notification object];
         _onThisThread = _onThisThread || [NSThread currentThread] == _home;
     }
-    if (_raises)
+    if (raises)
         [NSException raise:NSGenericException format:@"An observer's mistake"];
+}
+
+- (void)raise {
+    const std::lock_guard<std::mutex> guard(*_lock);
+    _raises = true;
+}
+
+- (id)sender {
+    const std::lock_guard<std::mutex> guard(*_lock);
+    return _sender;
+}
+
+- (bool)wasToldOnThisThread {
+    const std::lock_guard<std::mutex> guard(*_lock);
+    return _onThisThread;
 }
 
 - (bool)comes:(std::size_t)count {

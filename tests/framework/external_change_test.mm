@@ -69,8 +69,8 @@ class ExternalChange : public AddressBookTest {
 
 TEST_F(ExternalChange, IsToldOncePerSave) {
     const std::string ann = stranger("Ann");
-    EXPECT_EQ(listener_->_sender, book());
-    EXPECT_FALSE(listener_->_onThisThread);
+    EXPECT_EQ([listener_ sender], book());
+    EXPECT_FALSE([listener_ wasToldOnThisThread]);
     const std::string bob = addressbook::newUid(Kind::person);
     const std::string cid = addressbook::newUid(Kind::person);
     const std::string friends = addressbook::newUid(Kind::group);
@@ -272,7 +272,7 @@ TEST_F(ExternalChange, IsToldOnlyOnceTheSharedAddressBookWasAskedFor) {
 }
 
 TEST_F(ExternalChange, AnObserverThatRaisesDisturbsNobody) {
-    listener_->_raises = true;
+    [listener_ raise];
     const std::string ann = stranger("Ann");
     other("update " + ann + " First A");
     EXPECT_THAT([listener_ wait:1], ElementsAre("~" + ann));

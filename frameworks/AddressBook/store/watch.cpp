@@ -28,7 +28,7 @@ constexpr std::uint32_t kEndOfFolder = IN_DELETE_SELF | IN_MOVE_SELF | IN_UNMOUN
 
 // Takes what the kernel has told so far; false when that is that the folder is no longer in its place.
 bool takeEvents(int events) {
-    alignas(inotify_event) std::array<char, 16 * 1024> buffer;
+    alignas(inotify_event) std::array<char, 16384> buffer;
     bool inPlace = true;
     for (ssize_t size; (size = read(events, buffer.data(), buffer.size())) > 0;)
         for (ssize_t at = 0; at < size;) {
