@@ -94,6 +94,22 @@ TEST_F(ExternalChange, OfNoRecordSaysThatAnythingMayHaveChanged) {
     EXPECT_EQ([ABPerson typeOfProperty:@"nickname2"], kABStringProperty);
 }
 
+TEST_F(ExternalChange, APropertyIsDefinedOnce) {
+    [ABPerson
+        addPropertiesAndTypes:[NSDictionary dictionaryWithObject:[NSNumber numberWithInt:kABStringProperty]
+                                                          forKey:@"Shoe"]];
+    other("define Shoe");
+    ASSERT_TRUE([listener_ comes:1]);
+    const auto known = [&] {
+        NSMutableArray* names = [[[ABPerson properties] mutableCopy] autorelease];
+        const auto all = [names count];
+        [names removeObject:@"Shoe"];
+        return all - [names count];
+    };
+    EXPECT_EQ(known(), 1u);
+    EXPECT_FALSE([book() hasUnsavedChanges]);
+}
+
 TEST_F(ExternalChange, ABurstIsToldInOrder) {
     Told uids;
     std::string order = "burst 1000";

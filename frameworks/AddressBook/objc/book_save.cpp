@@ -142,8 +142,11 @@ void Book::refresh() {
 
 void Book::takeDefinitions() {
     definitions_ = store_->definitions();
-    std::erase_if(defined_, [this](const auto& one) { return contains(definitions_, one); });
     std::erase_if(undefined_, [this](const auto& one) { return !contains(definitions_, one); });
+    // One that is removed here may come back with another type.
+    std::erase_if(defined_, [this](const auto& one) {
+        return contains(definitions_, one) && !contains(undefined_, one);
+    });
 }
 
 // Another file is in the database's place.
