@@ -20,13 +20,6 @@ class PoolAroundEachTest : public testing::EmptyTestEventListener {
 
 } // namespace
 
-// Foundation keeps classes, constants and caches for as long as the process lives; those are no leaks of
-// ours.
-extern "C" __attribute__((visibility("default"))) const char* __lsan_default_suppressions();
-extern "C" const char* __lsan_default_suppressions() {
-    return "leak:libgnustep-base\nleak:libobjc\n";
-}
-
 std::string text(id object) {
     NSData* bytes = [[object description] dataUsingEncoding:NSUTF8StringEncoding];
     return object ? std::string(static_cast<const char*>([bytes bytes]), [bytes length]) : "nil";
