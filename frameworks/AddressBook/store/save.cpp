@@ -349,9 +349,10 @@ SaveResult Store::save(const ChangeSet& changes) {
     try {
         sql::Transaction transaction(impl_->db, sql::Transaction::Mode::write);
         if (moved())
-            throw StoreError(Reason::io, "The address book " + file().string() +
-                                             " was moved, removed or replaced while it was open: put it back, "
-                                             "or start this program again.");
+            throw StoreError(Reason::io,
+                             "The address book " + file().string() +
+                                 " was moved, removed or replaced while it was open: put it back, "
+                                 "or start this program again.");
         SaveResult result = Saver(*impl_, changes).run();
         transaction.commit();
         if (result.change != 0)
