@@ -4,6 +4,7 @@
 #import "plugin/records/plugin_state.h"
 #import "plugin/shell/error_state.h"
 #include "plugin/shell/function_table.h"
+#import "plugin/shell/run_loop.h"
 #include "plugin/shell/strings.h"
 #include "plugin/support/pool.h"
 #include <cstdint>
@@ -41,6 +42,7 @@ void dispatch(FMX_ExternCallStruct& message) {
         startUp(message);
         break;
     case kFMXT_Idle:
+        turnRunLoop();
         if (message.parm1 == kUserIdle) {
             runScript();
         }

@@ -27,7 +27,7 @@ struct Registration {
 // Forgets them, and lets every call succeed.
 void reset();
 
-// Texts, dates and identifiers that the plug-in has made and not deleted.
+// Values of the host (texts, dates, containers, ...) that have been made and not deleted.
 [[nodiscard]] int livingObjects();
 
 // Makes the call after so many others fail with the code (1 no memory, 2 unknown).

@@ -123,9 +123,42 @@ MAKES(Text, FM_Text_Constructor1, (fmx::_fmxcpt & block), block)
 MAKES(DateTime, FM_DateTime_Constructor1, (fmx::_fmxcpt & block), block)
 MAKES(QuadChar, FM_QuadChar_Constructor2, (char c0, char c1, char c2, char c3, fmx::_fmxcpt& block), c0, c1,
       c2, c3, block)
+MAKES(Locale, FM_Locale_Constructor1, (fmx::int32 type, fmx::_fmxcpt& block), type, block)
+MAKES(Data, FM_Data_Constructor1, (fmx::_fmxcpt & block), block)
+MAKES(BinaryData, FM_BinaryData_Constructor1, (fmx::_fmxcpt & block), block)
+MAKES(BinaryData, FM_BinaryData_Constructor2, (const fmx::BinaryData& other, fmx::_fmxcpt& block), other,
+      block)
 DELETES(FM_Text_Delete)
 DELETES(FM_DateTime_Delete)
 DELETES(FM_QuadChar_Delete)
+DELETES(FM_Locale_Delete)
+DELETES(FM_Data_Delete)
+DELETES(FM_BinaryData_Delete)
+
+PASSES(fmx::uint32, FM_BinaryData_GetTotalSize, (const void* self, fmx::_fmxcpt& block), self, block)
+PASSES(fmx::int32, FM_BinaryData_GetIndex, (const void* self, const fmx::QuadChar& type, fmx::_fmxcpt& block),
+       self, type, block)
+PASSES(fmx::uint32, FM_BinaryData_GetSize, (const void* self, fmx::int32 index, fmx::_fmxcpt& block), self,
+       index, block)
+PASSES(fmx::errcode, FM_BinaryData_GetData,
+       (const void* self, fmx::int32 index, fmx::uint32 offset, fmx::uint32 amount, void* buffer,
+        fmx::_fmxcpt& block),
+       self, index, offset, amount, buffer, block)
+PASSES(fmx::errcode, FM_BinaryData_GetSIZEData,
+       (const void* self, short& width, short& height, fmx::_fmxcpt& block), self, width, height, block)
+PASSES(fmx::errcode, FM_BinaryData_AddSIZEData, (void* self, short width, short height, fmx::_fmxcpt& block),
+       self, width, height, block)
+PASSES(fmx::errcode, FM_BinaryData_Add,
+       (void* self, const fmx::QuadChar& type, fmx::uint32 amount, void* buffer, fmx::_fmxcpt& block), self,
+       type, amount, buffer, block)
+PASSES(fmx::errcode, FM_Data_SetBinaryData,
+       (void* self, const fmx::BinaryData& value, bool forced, fmx::_fmxcpt& block), self, value, forced,
+       block)
+PASSES(const fmx::BinaryData&, FM_DataVect_AtAsBinaryData,
+       (const void* self, fmx::uint32 index, fmx::_fmxcpt& block), self, index, block)
+PASSES(void, FM_Text_AssignUnicodeWithLength,
+       (void* self, const fmx::uint16* text, fmx::uint32 length, fmx::_fmxcpt& block), self, text, length,
+       block)
 
 PASSES(fmx::uint32, FM_Text_GetSize, (const void* self, fmx::_fmxcpt& block), self, block)
 PASSES(void, FM_Text_Assign, (void* self, const char* text, fmx::int32 encoding, fmx::_fmxcpt& block), self,

@@ -1,0 +1,130 @@
+#import "plugin/notify/notification_listener.h"
+
+#include "FMWrapper/FMXExtern.h"
+#include "plugin/support/retained.h"
+#import <AddressBook/AddressBook.h>
+#import <Foundation/NSPort.h>
+
+namespace {
+
+// Holds the lock to the end of the block.
+class Locked {
+  public:
+    explicit Locked(NSLock* lock) : lock_(lock) { [lock_ lock]; }
+    ~Locked() { [lock_ unlock]; }
+    Locked(const Locked&) = delete;
+    Locked& operator=(const Locked&) = delete;
+
+  private:
+    NSLock* lock_;
+};
+
+// What a script is told of a change.
+struct Change {
+    NSString* const* key;
+    NSString* format;
+};
+
+// In the order in which they are looked for.
+const Change kChanges[] = {
+    {&kABInsertedRecords, @"New %@"},
+    {&kABUpdatedRecords, @"Updated %@"},
+    {&kABDeletedRecords, @"Deleted %@"},
+};
+
+// The script's parameter: the first record of the first kind of change there is. Without any it is the
+// notification itself, which is no string; its first use as one raises.
+NSString* parameterOf(NSNotification* notification) {
+    NSDictionary* changes = [notification userInfo];
+    for (const Change& change : kChanges) {
+        if (NSArray* ids = [changes objectForKey:*change.key]; ids != nil) {
+            return [NSString stringWithFormat:change.format, [ids objectAtIndex:0]];
+        }
+    }
+    return static_cast<NSString*>(static_cast<id>(notification));
+}
+
+// Gives the host's text the string's units: encoded behind a byte-order mark, which is left out.
+void assignEncoded(fmx::Text& text, NSString* string) {
+    constexpr NSUInteger kMarkUnits = 1;
+    NSData* encoded = [string dataUsingEncoding:NSUnicodeStringEncoding];
+    text.AssignUnicodeWithLength(static_cast<const fmx::uint16*>([encoded bytes]) + kMarkUnits,
+                                 static_cast<fmx::uint32>([string length]));
+}
+
+} // namespace
+
+@implementation KORUXNotificationListener
+
+- (id)init {
+    if ((self = [super init]) != nil) {
+        auto undo = Retained<KORUXNotificationListener>::adopt(self);
+        theDB.construct();
+        theScript.construct();
+        theParam.construct();
+        locale.construct(fmx::Locale::kType_System);
+        data.construct();
+        (void)undo.leak();
+    }
+    return self;
+}
+
+- (void)dealloc {
+    data.destroy();
+    locale.destroy();
+    theParam.destroy();
+    theScript.destroy();
+    theDB.destroy();
+    [notificationPort invalidate];
+    [notificationPort release];
+    [notificationLock release];
+    [notificationThread release];
+    [notifications release];
+    [super dealloc];
+}
+
+- (void)setUpThreadingSupport {
+    if (notifications != nil) {
+        return;
+    }
+    notifications = [[NSMutableArray alloc] init];
+    notificationLock = [[NSLock alloc] init];
+    notificationThread = [[NSThread currentThread] retain];
+    notificationPort = [[NSMachPort alloc] init];
+    [notificationPort setDelegate:self];
+    [[NSRunLoop currentRunLoop] addPort:notificationPort forMode:(NSString*)kCFRunLoopCommonModes];
+}
+
+- (void)handleMachMessage:(void*)message {
+    (void)message;
+    for (;;) {
+        Retained<NSNotification> notification;
+        {
+            const Locked locked(notificationLock);
+            if ([notifications count] == 0) {
+                return;
+            }
+            notification = Retained<NSNotification>::retain([notifications objectAtIndex:0]);
+            [notifications removeObjectAtIndex:0];
+        }
+        [self processNotification:notification.get()];
+    }
+}
+
+- (void)processNotification:(NSNotification*)notification {
+    if ([NSThread currentThread] != notificationThread) {
+        {
+            const Locked locked(notificationLock);
+            [notifications addObject:notification];
+        }
+        [notificationPort sendBeforeDate:[NSDate date] components:nil from:nil reserved:0];
+        return;
+    }
+    NSString* parameter = parameterOf(notification);
+    const fmx::TextAutoPtr text;
+    assignEncoded(*text, parameter);
+    data->SetAsText(*text, *locale, fmx::Data::kDTText);
+    err = FMX_StartScript(theDB.get().get(), theScript.get().get(), kFMXT_Pause, data.get().get());
+}
+
+@end

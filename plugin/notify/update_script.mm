@@ -1,0 +1,44 @@
+#import "plugin/notify/update_script.h"
+
+#import "plugin/records/plugin_state.h"
+#import "plugin/shell/handler_frame.h"
+#include "plugin/shell/handlers.h"
+#include "plugin/support/immortal.h"
+
+namespace {
+constinit Immortal<Retained<KORUXNotificationListener>> storage;
+}
+
+constinit Retained<KORUXNotificationListener>& listner = storage.value;
+
+NSString* registerUpdateScript(const fmx::Text& file, const fmx::Text& script,
+                               const fmx::ExprEnv& environment, const fmx::Locale& locale) {
+    // The guard of the functions that change a record, though none is changed here.
+    if (!requireWritableRecord()) {
+        return nil;
+    }
+    if (!listner) {
+        listner = Retained<KORUXNotificationListener>::adopt([[KORUXNotificationListener alloc] init]);
+    }
+    KORUXNotificationListener* listener = listner.get();
+    listener->environment = &environment;
+    [listener setUpThreadingSupport];
+    // Once more with every call: n registrations start the script n times.
+    [[NSNotificationCenter defaultCenter] addObserver:listener
+                                             selector:@selector(processNotification:)
+                                                 name:kABDatabaseChangedExternallyNotification
+                                               object:nil];
+    [[NSDistributedNotificationCenter defaultCenter] setSuspended:NO];
+    *listener->locale = locale;
+    listener->theDB->SetText(file, 0, fmx::Text::kSize_End);
+    listener->theScript->SetText(script, 0, fmx::Text::kSize_End);
+    return @"0";
+}
+
+fmx::errcode Do_KORU_RegisterUpdateScript(short function, const fmx::ExprEnv& env,
+                                          const fmx::DataVect& arguments, fmx::Data& result) {
+    const auto work = [&]() -> Answer {
+        return registerUpdateScript(arguments.AtAsText(0), arguments.AtAsText(1), env, result.GetLocale());
+    };
+    return runHandler(function, arguments, result, work);
+}

@@ -1,0 +1,3 @@
+#import "plugin/shell/run_loop.h"
+
+void turnRunLoop() {}
