@@ -1,7 +1,7 @@
 # Velocard.fmx in a folder of its own, lib/Velocard/. It stays loaded for good: Objective-C classes cannot be taken
 # away again. Linked as C++, since CMake 3.25 sets no run path for Objective-C++.
 
-target_link_libraries(velocard_plugin PUBLIC AddressBook fmwrapper)
+target_link_libraries(velocard_plugin PUBLIC AddressBook AppKit ScriptingBridge fmwrapper)
 
 set(plugin_folder "${CMAKE_LIBRARY_OUTPUT_DIRECTORY}/Velocard")
 set(exports "${CMAKE_CURRENT_SOURCE_DIR}/Velocard.version")

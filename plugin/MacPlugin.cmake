@@ -7,7 +7,7 @@ set(exports "${CMAKE_CURRENT_SOURCE_DIR}/Velocard.exp")
 set(strings "${resources}/English.lproj/KORUFMPlugin.strings")
 add_library(velocard MODULE "${strings}")
 target_link_libraries(velocard PRIVATE velocard_plugin velocard_settings
-  "-framework CoreFoundation" "-weak_framework AddressBook")
+  "-framework AppKit" "-framework CoreFoundation" "-framework ScriptingBridge" "-weak_framework AddressBook")
 if(EXISTS "${FMWRAPPER_SDK}/FMWrapper.framework")
   target_compile_options(velocard_plugin PUBLIC "-F${FMWRAPPER_SDK}")
   target_link_options(velocard PRIVATE "-F${FMWRAPPER_SDK}")

@@ -44,8 +44,12 @@ constexpr auto kFunctions = std::to_array<ExternalFunction>({
     {36, 2, 2, Do_KORU_RemoveCustomField},
     {37, 3, 3, Do_KORU_SetCustomField},
     {38, 2, 2, Do_KORU_GetCustomField},
+    {39, 0, 0, Do_KORU_GetImage},
+    {40, 1, 1, Do_KORU_SetImage},
     {41, 3, 3, Do_KORU_GetListOfValues},
     {42, 3, 3, Do_KORU_ClearAll},
+    {43, 1, 1, Do_KORU_Display},
+    {45, 0, 0, Do_KORU_Reload},
 });
 
 static_assert(std::is_sorted(kFunctions.begin(), kFunctions.end(),

@@ -20,6 +20,8 @@ HandlerFunction Do_KORU_New;
 HandlerFunction Do_KORU_Save;
 HandlerFunction Do_KORU_Delete;
 HandlerFunction Do_KORU_ClearAll;
+HandlerFunction Do_KORU_Display;
+HandlerFunction Do_KORU_Reload;
 
 // properties/
 HandlerFunction Do_KORU_GetValueForProperty;
@@ -55,3 +57,10 @@ HandlerFunction Do_KORU_AddCustomField;
 HandlerFunction Do_KORU_RemoveCustomField;
 HandlerFunction Do_KORU_SetCustomField;
 HandlerFunction Do_KORU_GetCustomField;
+
+// images/
+HandlerFunction Do_KORU_GetImage;
+HandlerFunction Do_KORU_SetImage;
+
+// notify/
+HandlerFunction Do_KORU_RegisterUpdateScript; // not in the function table: kept ready

@@ -120,8 +120,12 @@ TEST_F(EntryTest, TheFunctionsAndTheirRanges) {
         {36, 240, 2, 2, Do_KORU_RemoveCustomField},
         {37, 241, 3, 3, Do_KORU_SetCustomField},
         {38, 242, 2, 2, Do_KORU_GetCustomField},
+        {39, 243, 0, 0, Do_KORU_GetImage},
+        {40, 244, 1, 1, Do_KORU_SetImage},
         {41, 245, 3, 3, Do_KORU_GetListOfValues},
         {42, 246, 3, 3, Do_KORU_ClearAll},
+        {43, 247, 1, 1, Do_KORU_Display},
+        {45, 249, 0, 0, Do_KORU_Reload},
     };
     ASSERT_EQ(externalFunctions().size(), std::size(expected));
     for (std::size_t i = 0; i < std::size(expected); ++i) {

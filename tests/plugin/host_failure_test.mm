@@ -2,6 +2,7 @@
 #import "plugin/shell/error_state.h"
 #include "plugin/shell/function_table.h"
 #include "tests/plugin/host_double.h"
+#include "tests/plugin/pictures.h"
 #include "tests/plugin/support.h"
 
 namespace {
@@ -27,6 +28,7 @@ class HostFailureTest : public PluginTest {
         call(Do_KORU_Search, {"person", "lastname", "", "", "Smith", "Equal"});
         call(Do_KORU_Open, {id_});
         call(Do_KORU_SetValueForProperty, {"birthday", "25 December 2010"});
+        [state.g_person.get() setImageData:dataOf(bmp(3, 2))];
     }
 
     std::vector<GoodCall> calls() const {
@@ -67,6 +69,9 @@ class HostFailureTest : public PluginTest {
             {Do_KORU_RemovePerson, {id_}},
             {Do_KORU_AddSubgroup, {id_}},
             {Do_KORU_RemoveSubgroup, {id_}},
+            {Do_KORU_Display, {id_}},
+            {Do_KORU_GetImage, {}},
+            {Do_KORU_SetImage, {""}},
             {Do_KORU_AddCustomField, {"person", "Customer"}},
             {Do_KORU_RemoveCustomField, {"person", "Customer"}},
             {Do_KORU_SetCustomField, {"person", "Customer", "1"}},
@@ -91,6 +96,9 @@ short idOf(HandlerFunction* handler) {
 TEST_F(HostFailureTest, EveryFunctionHasAGoodCall) {
     for (const ExternalFunction& function : externalFunctions()) {
         const auto all = calls();
+        if (function.handler == Do_KORU_Reload) {
+            continue; // ends the process
+        }
         EXPECT_TRUE(std::any_of(all.begin(), all.end(), [&](const GoodCall& good) {
             return good.handler == function.handler;
         })) << function.id;
