@@ -1,0 +1,19 @@
+// The plug-in with one function more: the one that names the script to start when another process changes the
+// address book. It is part of the plug-in, but not in its table. The linker lets this stand in front of the
+// plug-in's own registration (--wrap).
+
+#include "plugin/shell/handlers.h"
+
+void realRegisterFunctions() __asm__("__real__Z17registerFunctionsv");
+void wrappedRegisterFunctions() __asm__("__wrap__Z17registerFunctionsv");
+
+void wrappedRegisterFunctions() {
+    realRegisterFunctions();
+    const fmx::QuadCharAutoPtr plugin('K', 'O', 'R', 'U');
+    fmx::TextAutoPtr name;
+    fmx::TextAutoPtr prototype;
+    name->Assign("KORU_RegisterUpdateScript");
+    prototype->Assign("KORU_RegisterUpdateScript( file ; script )");
+    fmx::ExprEnv::RegisterExternalFunction(*plugin, 44, *name, *prototype, 2, 2, 0xFF01,
+                                           Do_KORU_RegisterUpdateScript);
+}
