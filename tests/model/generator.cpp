@@ -237,21 +237,15 @@ Call Generator::callOf(const Function& function) {
 }
 
 Call Generator::next() {
-    static const int total = [] {
-        int sum = 0;
+    // Each function as often as its weight says.
+    static const std::vector<const Function*> urn = [] {
+        std::vector<const Function*> all;
         for (const Function& function : functions()) {
-            sum += useOf(function.name).weight;
+            all.insert(all.end(), static_cast<std::size_t>(useOf(function.name).weight), &function);
         }
-        return sum;
+        return all;
     }();
-    int left = number(total);
-    for (const Function& function : functions()) {
-        left -= useOf(function.name).weight;
-        if (left < 0) {
-            return callOf(function);
-        }
-    }
-    std::abort();
+    return callOf(*urn[static_cast<std::size_t>(number(static_cast<int>(urn.size())))]);
 }
 
 std::optional<Call> Generator::preparation() {

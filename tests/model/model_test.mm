@@ -51,8 +51,11 @@ class Sequence {
                 return false;
             }
         }
-        const std::string books = differenceOfBooks(model_);
-        return books.empty() || report(books);
+        std::string difference = differenceOfBooks(model_);
+        if (difference.empty() && seed_ % 4 == 0) { // opening the database takes its time
+            difference = differenceOfDatabases(model_);
+        }
+        return difference.empty() || report(difference);
     }
 
   private:

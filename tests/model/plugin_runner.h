@@ -23,8 +23,9 @@ void resetPlugin();
 // In what the plug-in's variables differ from the model's; empty when they agree.
 std::string differenceOfStates(const State& state);
 
-// In what the address book differs from the model's: in memory and, opened a second time, in the database.
+// In what the address book differs from the model's: in memory; in the database, opened a second time.
 std::string differenceOfBooks(const Model& model);
+std::string differenceOfDatabases(const Model& model);
 
 // Whether the plug-in's table and the model's have the same functions and numbers of arguments; what differs.
 std::string differenceOfTables();

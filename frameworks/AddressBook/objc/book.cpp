@@ -379,9 +379,8 @@ bool Book::join(const CardPtr& group, const CardPtr& member) {
         return false;
     if (member->kind == Kind::group && ascendsTo(group, *member))
         return false;
-    group->left.erase(member->uid);
-    if (!isMember(*group, *member)) // it had left elsewhere, too
-        group->joined.push_back(member);
+    // One that left and comes back stands behind the others, so it stays in the list of those that left.
+    group->joined.push_back(member);
     touch(group);
     return true;
 }

@@ -100,6 +100,8 @@ void Book::settle(const SaveResult& result) {
         clean(*card);
     for (const auto& [row, card] : std::exchange(removed_, {})) {
         card->standing = Card::Standing::gone;
+        card->joined.clear(); // a group that is gone has no members
+        card->left.clear();
         gone_[row] = card->uid;
     }
     me_.reset();
