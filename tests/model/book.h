@@ -14,7 +14,7 @@ using RecordPtr = std::shared_ptr<Record>;
 
 struct Record {
     bool isGroup = false;
-    std::string id; // empty until an answer has told it
+    std::string id;    // empty until an answer has told it
     bool loose = true; // new, and not added yet
     bool inBook = false;
     bool unsaved = false; // differs from what was last saved
@@ -66,8 +66,7 @@ class Book {
 
     // False when there is one; when there is none that was added.
     bool define(bool ofGroups, const std::string& property);
-    bool undefine(bool ofGroups, const std::string& property,
-                  const std::vector<RecordPtr>& otherRecords);
+    bool undefine(bool ofGroups, const std::string& property, const std::vector<RecordPtr>& otherRecords);
 
     // In the order in which the records were added.
     std::vector<RecordPtr> search(const Search& search) const;

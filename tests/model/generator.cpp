@@ -79,7 +79,8 @@ Arguments writeEntry(Generator& g) {
     const bool address = propertyNamed(property) == "Address";
     if (address != g.chance(10)) {
         const std::string key = g.key();
-        return {property, id, lower(key) == "countrycode" ? g.pick({"DE", "us", "xx", "", "uk"}) : g.text(), key};
+        return {property, id, lower(key) == "countrycode" ? g.pick({"DE", "us", "xx", "", "uk"}) : g.text(),
+                key};
     }
     return {property, id, g.valueFor(property)};
 }
@@ -113,7 +114,8 @@ Arguments compare(Generator& g) {
         return {property, g.valueFor(property)};
     }
     const auto [property, id] = g.entry();
-    Arguments arguments{property, g.chance(30) ? g.pick({"Springfield", "12345", "us", ""}) : g.valueFor(property), id};
+    Arguments arguments{property,
+                        g.chance(30) ? g.pick({"Springfield", "12345", "us", ""}) : g.valueFor(property), id};
     if (g.chance(40)) {
         arguments.push_back(g.key());
     }
@@ -172,7 +174,10 @@ Arguments customValue(Generator& g) {
 }
 
 constexpr Use kUses[] = {
-    {"KORU_Version", 1, [](Generator& g) { return g.chance(30) ? Arguments{} : Arguments{g.odd(g.pick({"Long", "Long ", "short", ""}))}; }},
+    {"KORU_Version", 1,
+     [](Generator& g) {
+         return g.chance(30) ? Arguments{} : Arguments{g.odd(g.pick({"Long", "Long ", "short", ""}))};
+     }},
     {"KORU_Delete", 4, anyRecord},
     {"KORU_Search", 12, search},
     {"KORU_OpenFirstRecord", 7, optionalType},
@@ -203,7 +208,10 @@ constexpr Use kUses[] = {
     {"KORU_GetNextSubgroupID", 3, none},
     {"KORU_AddMV", 9, newEntry},
     {"KORU_AddAddress", 5, address},
-    {"KORU_GetLastError", 2, [](Generator& g) { return g.chance(30) ? Arguments{} : Arguments{g.odd(g.pick({"TEXT", "NUM", "x", ""}))}; }},
+    {"KORU_GetLastError", 2,
+     [](Generator& g) {
+         return g.chance(30) ? Arguments{} : Arguments{g.odd(g.pick({"TEXT", "NUM", "x", ""}))};
+     }},
     {"KORU_AddCustomField", 4, customField},
     {"KORU_RemoveCustomField", 3, customField},
     {"KORU_SetCustomField", 5, customValue},
@@ -297,14 +305,18 @@ std::string Generator::odd(std::string word) {
     }
     for (char& c : word) {
         if (chance(50)) {
-            c = static_cast<char>(c >= 'a' && c <= 'z' ? c - 'a' + 'A' : c >= 'A' && c <= 'Z' ? c - 'A' + 'a' : c);
+            c = static_cast<char>(c >= 'a' && c <= 'z'   ? c - 'a' + 'A'
+                                  : c >= 'A' && c <= 'Z' ? c - 'A' + 'a'
+                                                         : c);
         }
     }
     return word;
 }
 
 std::string Generator::wrong() {
-    return chance(40) ? "" : pick({"company", "nonsense", " ", "0", "-1", "persons", "phone", "UID", "\xC3\xA9t\xC3\xA9"});
+    return chance(40) ? ""
+                      : pick({"company", "nonsense", " ", "0", "-1", "persons", "phone", "UID",
+                              "\xC3\xA9t\xC3\xA9"});
 }
 
 std::string Generator::typeWord() {
@@ -320,7 +332,8 @@ std::string Generator::property(bool list) {
                          "web pages", "related names", "imicq", "Calendars"}));
     }
     if (chance(10)) {
-        return pick({"First", "ABPersonFlags", "Title", "GroupName", "UID", "HomePage", "email", "First-Name"});
+        return pick(
+            {"First", "ABPersonFlags", "Title", "GroupName", "UID", "HomePage", "email", "First-Name"});
     }
     return chance(20) ? pick({"Person Flags", "name", "Name"})
                       : odd(pick({"firstname", "First Name", "lastname", "nickname", "birthday", "birthday",
@@ -344,7 +357,8 @@ std::string Generator::valueFor(const std::string& property) {
                      "2001-02-03 04:05", "not a date", ""});
     }
     if (name == "ABPersonFlags") {
-        return pick({"ShowAsCompany", "ShowAsPerson", "FirstNameFirst", "LastNameFirst", "33", "1", "showascompany"});
+        return pick(
+            {"ShowAsCompany", "ShowAsPerson", "FirstNameFirst", "LastNameFirst", "33", "1", "showascompany"});
     }
     if (name == "UID" && !ids_.empty()) {
         return ids_[static_cast<std::size_t>(number(static_cast<int>(ids_.size())))];
@@ -376,9 +390,10 @@ std::string Generator::label() {
 }
 
 std::string Generator::key() {
-    return chance(8) ? wrong()
-                     : pick({"Street", "street", "City", "CITY", "Zip", "zip", "Zip code", "State", "Country",
-                             "Country Code", "CountryCode", "countrycode", "Street 2", "Postcode", "country"});
+    return chance(8)
+               ? wrong()
+               : pick({"Street", "street", "City", "CITY", "Zip", "zip", "Zip code", "State", "Country",
+                       "Country Code", "CountryCode", "countrycode", "Street 2", "Postcode", "country"});
 }
 
 std::string Generator::customName() {
@@ -390,14 +405,31 @@ std::string Generator::comparison() {
     if (chance(10)) {
         return chance(50) ? "equal" : wrong();
     }
-    return pick({"Equal", "Equal", "Equal", "NotEqual", "LessThan", "LessThanOrEqual", "GreaterThan",
-                 "GreaterThanOrEqual", "EqualCaseInsensitive", "ContainsSubString",
-                 "ContainsSubStringCaseInsensitive", "PrefixMatch", "PrefixMatchCaseInsensitive",
-                 "BitsInBitFieldMatch", "DoesNotContainSubString", "DoesNotContainSubStringCaseInsensitive",
-                 "NotEqualCaseInsensitive", "SuffixMatch", "SuffixMatchCaseInsensitive",
-                 "WithinIntervalAroundToday", "WithinIntervalAroundTodayYearless",
-                 "NotWithinIntervalAroundToday", "WithinIntervalFromTodayYearless",
-                 "NotWithinIntervalFromToday", "WithinIntervalFromToday"});
+    return pick({"Equal",
+                 "Equal",
+                 "Equal",
+                 "NotEqual",
+                 "LessThan",
+                 "LessThanOrEqual",
+                 "GreaterThan",
+                 "GreaterThanOrEqual",
+                 "EqualCaseInsensitive",
+                 "ContainsSubString",
+                 "ContainsSubStringCaseInsensitive",
+                 "PrefixMatch",
+                 "PrefixMatchCaseInsensitive",
+                 "BitsInBitFieldMatch",
+                 "DoesNotContainSubString",
+                 "DoesNotContainSubStringCaseInsensitive",
+                 "NotEqualCaseInsensitive",
+                 "SuffixMatch",
+                 "SuffixMatchCaseInsensitive",
+                 "WithinIntervalAroundToday",
+                 "WithinIntervalAroundTodayYearless",
+                 "NotWithinIntervalAroundToday",
+                 "WithinIntervalFromTodayYearless",
+                 "NotWithinIntervalFromToday",
+                 "WithinIntervalFromToday"});
 }
 
 std::pair<std::string, std::string> Generator::entry() {

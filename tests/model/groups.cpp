@@ -178,8 +178,7 @@ Expected GetListOfValues(Model& model, const Arguments& arguments) {
         return answer(list);
     }
     bool first = true;
-    for (const RecordPtr& record :
-         members ? listOf(model, false) : model.book.parents(model.current())) {
+    for (const RecordPtr& record : members ? listOf(model, false) : model.book.parents(model.current())) {
         list += first ? "" : "\r";
         first = false;
         if (ids) {

@@ -130,8 +130,10 @@ Expected Model::call(const Function& function, const Arguments& arguments) {
         if (function.run != run::Version && (count < function.minimum || count > function.maximum)) {
             failCodeOnly(-3);
         }
-        const Expected expected = function.run(*this, arguments);
+        Expected expected = function.run(*this, arguments);
         if (error.code == 0) {
+            // Texts go to the host with a zero character for their end.
+            expected.text = expected.text.substr(0, expected.text.find('\0'));
             return expected;
         }
     } catch (const Failed&) {
@@ -251,9 +253,10 @@ std::vector<RecordPtr> Model::strays() const {
 bool Model::held(const Record& record) const {
     const auto records = inHand();
     return std::any_of(records.begin(), records.end(), [&](const RecordPtr& one) {
-        return one.get() == &record ||
-               (!one->inBook && std::any_of(one->members.begin(), one->members.end(),
-                                            [&](const RecordPtr& member) { return member.get() == &record; }));
+        return one.get() == &record || (!one->inBook && std::any_of(one->members.begin(), one->members.end(),
+                                                                    [&](const RecordPtr& member) {
+                                                                        return member.get() == &record;
+                                                                    }));
     });
 }
 

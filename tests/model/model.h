@@ -34,11 +34,11 @@ struct Expected {
 
 // The last call's outcome, as the last-error function tells it.
 struct LastError {
-    int code = 0;                        // what makes a call answer the error marker
-    int number = 0;                      // what the last-error function answers
-    Text message;                        // none: "Success"
-    Text detail;                         // behind the message
-    bool anyDetail = false;              // an exception: what it says is the framework's affair
+    int code = 0;           // what makes a call answer the error marker
+    int number = 0;         // what the last-error function answers
+    Text message;           // none: "Success"
+    Text detail;            // behind the message
+    bool anyDetail = false; // an exception: what it says is the framework's affair
     std::string text() const;
 };
 

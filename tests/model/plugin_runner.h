@@ -8,9 +8,9 @@ namespace model {
 
 // What a call answered.
 struct Answered {
-    bool escaped = false;      // a platform exception left the handler
-    bool date = false;         // a time stamp
-    std::string text;          // UTF-8
+    bool escaped = false; // a platform exception left the handler
+    bool date = false;    // a time stamp
+    std::string text;     // UTF-8
     Civil stamp;
 };
 
@@ -29,5 +29,8 @@ std::string differenceOfDatabases(const Model& model);
 
 // Whether the plug-in's table and the model's have the same functions and numbers of arguments; what differs.
 std::string differenceOfTables();
+
+// Identifiers of a person and a group in another address book.
+std::pair<std::string, std::string> recordsElsewhere();
 
 } // namespace model

@@ -5,9 +5,11 @@
 #import "plugin/shell/error_state.h"
 #include "plugin/shell/function_table.h"
 #include "plugin/support/guard.h"
+#include "tests/model/units.h"
 #include "tests/plugin/support.h"
 
 #include <algorithm>
+#include <cstdlib>
 #include <sstream>
 #include <stdexcept>
 
@@ -17,6 +19,24 @@ namespace {
 using Plugin = ::PluginState;
 Plugin& plugin() {
     return ::state;
+}
+
+// Every unit of a string, well-formed or not.
+std::string exact(NSString* string) {
+    std::u16string units([string length], u'\0');
+    [string getCharacters:reinterpret_cast<unichar*>(units.data()) range:NSMakeRange(0, units.size())];
+    return string == nil ? "(nil)" : bytesOf(units);
+}
+
+// An argument of a call, likewise.
+fmx::DataAutoPtr argumentOf(const std::string& bytes) {
+    const std::u16string units = unitsOf(bytes);
+    fmx::TextAutoPtr text;
+    text->AssignUnicodeWithLength(reinterpret_cast<const fmx::uint16*>(units.data()),
+                                  static_cast<fmx::uint32>(units.size()));
+    fmx::DataAutoPtr data;
+    data->SetAsText(*text, data->GetLocale());
+    return data;
 }
 
 const ExternalFunction* rowOf(short id) {
@@ -29,7 +49,7 @@ const ExternalFunction* rowOf(short id) {
 }
 
 std::string idOf(id record) {
-    return record == nil ? "none" : utf8([record uniqueId]);
+    return record == nil ? "none" : exact([record uniqueId]);
 }
 
 std::string idOf(const RecordPtr& record) {
@@ -73,7 +93,7 @@ Value valueOf(id object) {
         return {};
     }
     if ([object isKindOfClass:[NSString class]]) {
-        return utf8(object);
+        return exact(object);
     }
     if ([object isKindOfClass:[NSNumber class]]) {
         return [object longLongValue];
@@ -91,15 +111,15 @@ Value valueOf(id object) {
         Address address;
         NSArray* keys = [object allKeys];
         for (NSUInteger i = 0; i < [keys count]; ++i) {
-            address[utf8([keys objectAtIndex:i])] = utf8([object objectForKey:[keys objectAtIndex:i]]);
+            address[exact([keys objectAtIndex:i])] = exact([object objectForKey:[keys objectAtIndex:i]]);
         }
         return address;
     }
     ABMultiValue* list = object;
     Entries entries;
     for (NSUInteger i = 0; i < [list count]; ++i) {
-        entries.push_back(
-            {utf8([list identifierAtIndex:i]), utf8([list labelAtIndex:i]), valueOf([list valueAtIndex:i])});
+        entries.push_back({exact([list identifierAtIndex:i]), exact([list labelAtIndex:i]),
+                           valueOf([list valueAtIndex:i])});
     }
     return entries;
 }
@@ -117,14 +137,14 @@ Book::Saved contentsOf(ABRecord* record) {
         const bool kept = [name isEqualToString:kABCreationDateProperty] ||
                           [name isEqualToString:kABModificationDateProperty];
         if (Value value = valueOf([record valueForProperty:name]); !value.empty()) {
-            contents.values[utf8(name)] = kept ? Value(Clock{}) : std::move(value);
+            contents.values[exact(name)] = kept ? Value(Clock{}) : std::move(value);
         }
     }
     if (contents.isGroup) {
         ABGroup* group = static_cast<ABGroup*>(record);
         for (NSArray* list : {[group members], [group subgroups]}) {
             for (NSUInteger i = 0; i < [list count]; ++i) {
-                contents.members.push_back(utf8([[list objectAtIndex:i] uniqueId]));
+                contents.members.push_back(exact([[list objectAtIndex:i] uniqueId]));
             }
         }
     }
@@ -136,7 +156,7 @@ std::map<std::string, Book::Saved> contentsOf(ABAddressBook* book) {
     for (NSArray* list : {[book people], [book groups]}) {
         for (NSUInteger i = 0; i < [list count]; ++i) {
             ABRecord* record = [list objectAtIndex:i];
-            all[utf8([record uniqueId])] = contentsOf(record);
+            all[exact([record uniqueId])] = contentsOf(record);
         }
     }
     return all;
@@ -145,9 +165,8 @@ std::map<std::string, Book::Saved> contentsOf(ABAddressBook* book) {
 // People before groups, as they are read.
 std::map<std::string, Book::Saved> ordered(std::map<std::string, Book::Saved> all) {
     for (auto& [id, contents] : all) {
-        std::stable_partition(contents.members.begin(), contents.members.end(), [&](const std::string& member) {
-            return member.ends_with(":ABPerson");
-        });
+        std::stable_partition(contents.members.begin(), contents.members.end(),
+                              [&](const std::string& member) { return member.ends_with(":ABPerson"); });
     }
     return all;
 }
@@ -191,7 +210,7 @@ Answered callPlugin(const Function& function, const Arguments& arguments) {
     const fmx::ExprEnvAutoPtr environment;
     fmx::DataVectAutoPtr vector;
     for (const std::string& argument : arguments) {
-        vector->PushBack(*textData(argument));
+        vector->PushBack(*argumentOf(argument));
     }
     const fmx::DataAutoPtr result;
     Answered answered;
@@ -204,12 +223,13 @@ Answered callPlugin(const Function& function, const Arguments& arguments) {
     if (result->GetNativeType() == fmx::Data::kDTTimeStamp) {
         const fmx::DateTime& stamp = result->GetAsTimeStamp();
         answered.date = true;
-        answered.stamp = {stamp.GetYear(), stamp.GetMonth(),  stamp.GetDay(),
-                          static_cast<int>(stamp.GetHour()), stamp.GetMinute(), stamp.GetSec()};
+        answered.stamp = {stamp.GetYear(),   stamp.GetMonth(),
+                          stamp.GetDay(),    static_cast<int>(stamp.GetHour()),
+                          stamp.GetMinute(), stamp.GetSec()};
         return answered;
     }
     NSString* text = stringFromText(result->GetAsText());
-    answered.text = text == nil ? "" : utf8(text);
+    answered.text = text == nil ? "" : exact(text);
     return answered;
 }
 
@@ -251,10 +271,9 @@ std::string differenceOfStates(const State& expected) {
                         countOf(expected.groupResults));
     number("gCurrentPersonIndex", actual.gCurrentPersonIndex, expected.personIndex);
     number("gCurrentGroupIndex", actual.gCurrentGroupIndex, expected.groupIndex);
-    differences.compare("gCurrentProperty", utf8(actual.gCurrentProperty.get()),
+    differences.compare("gCurrentProperty", exact(actual.gCurrentProperty.get()),
                         expected.property.value_or("(nil)"));
-    differences.compare("gValues",
-                        actual.gValues ? static_cast<long>([actual.gValues.get() count]) : -1L,
+    differences.compare("gValues", actual.gValues ? static_cast<long>([actual.gValues.get() count]) : -1L,
                         countOf(expected.values));
     number("gCurrentValuesIndex", actual.gCurrentValuesIndex, expected.valuesIndex);
     compareWalk(differences, "the walk of parents", actual.gParentGroups.get(),
@@ -279,6 +298,23 @@ std::string differenceOfBooks(const Model& model) {
 std::string differenceOfDatabases(const Model& model) {
     const Pool pool;
     return differenceOf("the database", contentsOf([ABAddressBook addressBook]), ordered(model.book.saved()));
+}
+
+std::pair<std::string, std::string> recordsElsewhere() {
+    const Pool pool;
+    const TemporaryFolder folder;
+    const std::string home = std::getenv("ADDRESSBOOK_HOME");
+    setenv("ADDRESSBOOK_HOME", folder.path().c_str(), 1);
+    ABAddressBook* book = [ABAddressBook addressBook];
+    setenv("ADDRESSBOOK_HOME", home.c_str(), 1);
+    ABPerson* person = [[[ABPerson alloc] initWithAddressBook:book] autorelease];
+    ABGroup* group = [[[ABGroup alloc] initWithAddressBook:book] autorelease];
+    [book addRecord:person];
+    [book addRecord:group];
+    if (![book save]) {
+        throw std::runtime_error("another address book cannot be made");
+    }
+    return {exact([person uniqueId]), exact([group uniqueId])};
 }
 
 std::string differenceOfTables() {

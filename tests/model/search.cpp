@@ -9,14 +9,25 @@ namespace model {
 namespace {
 
 // What the comparisons do, by their numbers.
-enum class Operation { equal, less, lessEqual, greater, greaterEqual, contains, prefix, suffix, bits, interval };
+enum class Operation {
+    equal,
+    less,
+    lessEqual,
+    greater,
+    greaterEqual,
+    contains,
+    prefix,
+    suffix,
+    bits,
+    interval
+};
 
 Operation operationOf(int comparison) {
     constexpr Operation kOperations[] = {
-        Operation::equal,   Operation::equal,        Operation::less,   Operation::lessEqual,
-        Operation::greater, Operation::greaterEqual, Operation::equal,  Operation::contains,
-        Operation::contains, Operation::prefix,      Operation::prefix, Operation::bits,
-        Operation::contains, Operation::contains,    Operation::equal,  Operation::suffix,
+        Operation::equal,    Operation::equal,        Operation::less,   Operation::lessEqual,
+        Operation::greater,  Operation::greaterEqual, Operation::equal,  Operation::contains,
+        Operation::contains, Operation::prefix,       Operation::prefix, Operation::bits,
+        Operation::contains, Operation::contains,     Operation::equal,  Operation::suffix,
         Operation::suffix,
     };
     return comparison < 17 ? kOperations[comparison] : Operation::interval;

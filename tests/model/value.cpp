@@ -1,7 +1,7 @@
 #include "tests/model/value.h"
 
-#include <array>
 #include <cctype>
+#include <limits>
 #include <utility>
 
 namespace model {
@@ -34,11 +34,17 @@ long long integerFromText(const std::string& text) {
     if (at < text.size() && (text[at] == '-' || text[at] == '+')) {
         ++at;
     }
+    // Counted below zero, where there is one number more; beyond the last it stays there.
+    constexpr auto kLimits = std::numeric_limits<long long>();
     long long number = 0;
     for (; at < text.size() && text[at] >= '0' && text[at] <= '9'; ++at) {
-        number = number * 10 + (text[at] - '0');
+        const int digit = text[at] - '0';
+        number = number < (kLimits.min() + digit) / 10 ? kLimits.min() : number * 10 - digit;
     }
-    return negative ? -number : number;
+    if (negative) {
+        return number;
+    }
+    return number == kLimits.min() ? kLimits.max() : -number;
 }
 
 } // namespace model

@@ -62,7 +62,8 @@ std::string lower(std::string text);
 // The date that a text names; none for a text that is no date. Only the forms that the generator uses.
 std::optional<Civil> dateFromText(const std::string& text);
 
-// The number that a text begins with, after leading white space and a sign; 0 for none.
+// The number that a text begins with, after leading white space and a sign; 0 for none, the last
+// there is for one beyond it.
 long long integerFromText(const std::string& text);
 
 } // namespace model

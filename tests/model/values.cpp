@@ -116,10 +116,10 @@ Expected append(Model& model, const Value& value, const Text& label, int refused
     }
     state.values->push_back({"", *label, value});
     writeBack(model);
-    return identifierOf(state.values->back(), [&state, record = state.person,
-                                               property = *state.property](const std::string& id) {
-        learnEntry(state, record, property, id);
-    });
+    return identifierOf(state.values->back(),
+                        [&state, record = state.person, property = *state.property](const std::string& id) {
+                            learnEntry(state, record, property, id);
+                        });
 }
 
 // What the comparison looks at; none when there is no value.
@@ -202,8 +202,7 @@ Expected DeleteValueForProperty(Model& model, const Arguments& arguments) {
 
 Expected CompareProperty(Model& model, const Arguments& arguments) {
     model.requireActive();
-    const Value value =
-        stored(model, argument(arguments, 0), argument(arguments, 2), argument(arguments, 3));
+    const Value value = stored(model, argument(arguments, 0), argument(arguments, 2), argument(arguments, 3));
     const Text text = argument(arguments, 1);
     if (value.empty() || !text) {
         return answer(value.empty() && !text ? "0" : "-1");

@@ -103,26 +103,16 @@ constexpr Pair kLabels[] = {
 };
 
 constexpr Pair kNewLabels[] = {
-    {"home", "_$!<Home>!$_"},
-    {"work", "_$!<Work>!$_"},
-    {"other", "_$!<Other>!$_"},
-    {"home fax", "_$!<HomeFAX>!$_"},
-    {"work fax", "_$!<WorkFAX>!$_"},
-    {"main", "_$!<Main>!$_"},
-    {"mobile", "_$!<Mobile>!$_"},
-    {"pager", "_$!<Pager>!$_"},
-    {"home page", "_$!<HomePage>!$_"},
-    {"anniversary", "_$!<Anniversary>!$_"},
-    {"mother", "_$!<Mother>!$_"},
-    {"father", "_$!<Father>!$_"},
-    {"parent", "_$!<Parent>!$_"},
-    {"sister", "_$!<Sister>!$_"},
-    {"brother", "_$!<Brother>!$_"},
-    {"child", "_$!<Child>!$_"},
-    {"friend", "_$!<Friend>!$_"},
-    {"spouse", "_$!<Spouse>!$_"},
-    {"assistant", "_$!<Assistant>!$_"},
-    {"manager", "_$!<Manager>!$_"},
+    {"home", "_$!<Home>!$_"},           {"work", "_$!<Work>!$_"},
+    {"other", "_$!<Other>!$_"},         {"home fax", "_$!<HomeFAX>!$_"},
+    {"work fax", "_$!<WorkFAX>!$_"},    {"main", "_$!<Main>!$_"},
+    {"mobile", "_$!<Mobile>!$_"},       {"pager", "_$!<Pager>!$_"},
+    {"home page", "_$!<HomePage>!$_"},  {"anniversary", "_$!<Anniversary>!$_"},
+    {"mother", "_$!<Mother>!$_"},       {"father", "_$!<Father>!$_"},
+    {"parent", "_$!<Parent>!$_"},       {"sister", "_$!<Sister>!$_"},
+    {"brother", "_$!<Brother>!$_"},     {"child", "_$!<Child>!$_"},
+    {"friend", "_$!<Friend>!$_"},       {"spouse", "_$!<Spouse>!$_"},
+    {"assistant", "_$!<Assistant>!$_"}, {"manager", "_$!<Manager>!$_"},
 };
 
 constexpr const char* kComparisons[] = {
@@ -173,13 +163,13 @@ int builtInType(bool ofGroups, const std::string& property) {
     if (ofGroups) {
         return property == "GroupName" ? 1 : 0;
     }
-    static const std::set<std::string> kTexts{
-        "First", "Last",         "FirstPhonetic", "LastPhonetic", "Middle",       "MiddlePhonetic",
-        "Title", "Suffix",       "Nickname",      "MaidenName",   "Organization", "JobTitle",
-        "Note",  "ABDepartment", "HomePage"};
-    static const std::set<std::string> kLists{
-        "URLs",       "calendarURIs",  "Email",      "Phone",        "ABRelatedNames",
-        "AIMInstant", "JabberInstant", "MSNInstant", "YahooInstant", "ICQInstant"};
+    static const std::set<std::string> kTexts{"First",    "Last",           "FirstPhonetic", "LastPhonetic",
+                                              "Middle",   "MiddlePhonetic", "Title",         "Suffix",
+                                              "Nickname", "MaidenName",     "Organization",  "JobTitle",
+                                              "Note",     "ABDepartment",   "HomePage"};
+    static const std::set<std::string> kLists{"URLs",           "calendarURIs", "Email",         "Phone",
+                                              "ABRelatedNames", "AIMInstant",   "JabberInstant", "MSNInstant",
+                                              "YahooInstant",   "ICQInstant"};
     if (kTexts.contains(property)) {
         return 1;
     }

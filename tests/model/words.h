@@ -1,6 +1,7 @@
 #pragma once
 
-// The vocabulary as the model knows it: names of properties, words for labels, fields of addresses, countries.
+// The vocabulary as the model knows it: names of properties, words for labels, fields of addresses,
+// countries.
 
 #include "tests/model/value.h"
 
