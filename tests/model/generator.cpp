@@ -152,6 +152,9 @@ Arguments newRecord(Generator& g) {
 }
 
 Arguments listOfValues(Generator& g) {
+    if (g.chance(50)) {
+        return {"group", "members", g.odd("name")};
+    }
     return {g.chance(60) ? g.typeWord() : "", g.chance(90) ? g.odd(g.pick({"members", "groups"})) : g.wrong(),
             g.chance(90) ? g.odd(g.pick({"UID", "name"})) : g.wrong()};
 }
@@ -269,6 +272,8 @@ std::optional<Call> Generator::preparation() {
             prepared_.push_back(call("KORU_New", {"person"}));
             prepared_.push_back(call("KORU_SetValueForProperty", {"firstname", text()}));
             prepared_.push_back(call("KORU_SetValueForProperty", {"lastname", text()}));
+            prepared_.push_back(call("KORU_SetValueForProperty",
+                                     {pick({"namesuffix", "nameprefix", "middle name", "note"}), text()}));
             for (int entries = number(3); entries > 0; --entries) {
                 prepared_.push_back(callOf(functionNamed(chance(70) ? "KORU_AddMV" : "KORU_AddAddress")));
             }
