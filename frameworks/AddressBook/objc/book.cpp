@@ -135,8 +135,10 @@ CardPtr Book::at(RowId row, Kind kind) {
     if (const auto ref = store_->find(row))
         return card(*ref);
     if (const auto gone = gone_.find(row); gone != gone_.end()) {
-        auto known = live(gone->second);
-        return known ? known : lost(gone->second, kind);
+        // The list may be one of both kinds, but an id tells its own.
+        const std::string& uid = gone->second;
+        auto known = live(uid);
+        return known ? known : lost(uid, uid.ends_with(":ABGroup") ? Kind::group : kind);
     }
     return lost(newUid(kind), kind);
 }
