@@ -320,6 +320,10 @@ std::pair<std::string, std::string> recordsElsewhere() {
 std::string differenceOfTables() {
     std::ostringstream text;
     for (const ExternalFunction& row : externalFunctions()) {
+        // Images, display and reload meet the world outside the address book and have tests of their own.
+        if (row.id == 39 || row.id == 40 || row.id == 43 || row.id == 45) {
+            continue;
+        }
         const auto table = functions();
         const auto found =
             std::find_if(table.begin(), table.end(), [&](const Function& one) { return one.id == row.id; });
