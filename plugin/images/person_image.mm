@@ -100,8 +100,9 @@ Answer getImage(fmx::Data& result) {
     NSData* bytes = encoded(bitmap, NSBitmapImageFileTypeBMP);
     // The width is both values, and the bytes are the same whatever a stream's code says. It is meant.
     const auto width = static_cast<short>([bitmap pixelsWide]);
+    const auto height = static_cast<short>([bitmap pixelsWide]);
     const fmx::BinaryDataAutoPtr container;
-    container->AddSIZEData(width, width);
+    container->AddSIZEData(width, height);
     for (const auto& code : kWritten) {
         const fmx::QuadCharAutoPtr type(code[0], code[1], code[2], code[3]);
         container->Add(*type, static_cast<fmx::uint32>([bytes length]), const_cast<void*>([bytes bytes]));

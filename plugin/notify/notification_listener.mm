@@ -4,6 +4,7 @@
 #include "plugin/support/retained.h"
 #import <AddressBook/AddressBook.h>
 #import <Foundation/NSPort.h>
+#include <algorithm>
 
 namespace {
 
@@ -44,12 +45,16 @@ NSString* parameterOf(NSNotification* notification) {
     return static_cast<NSString*>(static_cast<id>(notification));
 }
 
-// Gives the host's text the string's units: encoded behind a byte-order mark, which is left out.
+// Gives the host's text the string's units: encoded behind a byte-order mark, which is left out. Of text that
+// is not well-formed Foundation may encode the beginning only.
 void assignEncoded(fmx::Text& text, NSString* string) {
     constexpr NSUInteger kMarkUnits = 1;
     NSData* encoded = [string dataUsingEncoding:NSUnicodeStringEncoding];
-    text.AssignUnicodeWithLength(static_cast<const fmx::uint16*>([encoded bytes]) + kMarkUnits,
-                                 static_cast<fmx::uint32>([string length]));
+    const NSUInteger units = std::min([string length] + kMarkUnits, [encoded length] / sizeof(fmx::uint16));
+    if (units > kMarkUnits) {
+        text.AssignUnicodeWithLength(static_cast<const fmx::uint16*>([encoded bytes]) + kMarkUnits,
+                                     static_cast<fmx::uint32>(units - kMarkUnits));
+    }
 }
 
 } // namespace

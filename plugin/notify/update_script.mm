@@ -11,8 +11,8 @@ constinit Immortal<Retained<KORUXNotificationListener>> storage;
 
 constinit Retained<KORUXNotificationListener>& listner = storage.value;
 
-NSString* registerUpdateScript(const fmx::Text& file, const fmx::Text& script,
-                               const fmx::ExprEnv& environment, const fmx::Locale& locale) {
+NSString* registerUpdateScript(const fmx::ExprEnv& environment, const fmx::DataVect& arguments,
+                               const fmx::Data& result) {
     // The guard of the functions that change a record, though none is changed here.
     if (!requireWritableRecord()) {
         return nil;
@@ -29,16 +29,14 @@ NSString* registerUpdateScript(const fmx::Text& file, const fmx::Text& script,
                                                  name:kABDatabaseChangedExternallyNotification
                                                object:nil];
     [[NSDistributedNotificationCenter defaultCenter] setSuspended:NO];
-    *listener->locale = locale;
-    listener->theDB->SetText(file, 0, fmx::Text::kSize_End);
-    listener->theScript->SetText(script, 0, fmx::Text::kSize_End);
+    *listener->locale = result.GetLocale();
+    listener->theDB->SetText(arguments.AtAsText(0), 0, fmx::Text::kSize_End);
+    listener->theScript->SetText(arguments.AtAsText(1), 0, fmx::Text::kSize_End);
     return @"0";
 }
 
 fmx::errcode Do_KORU_RegisterUpdateScript(short function, const fmx::ExprEnv& env,
                                           const fmx::DataVect& arguments, fmx::Data& result) {
-    const auto work = [&]() -> Answer {
-        return registerUpdateScript(arguments.AtAsText(0), arguments.AtAsText(1), env, result.GetLocale());
-    };
+    const auto work = [&]() -> Answer { return registerUpdateScript(env, arguments, result); };
     return runHandler(function, arguments, result, work);
 }
