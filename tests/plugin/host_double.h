@@ -2,6 +2,7 @@
 
 #include "FMWrapper/FMXCalcEngine.h"
 #include <string>
+#include <string_view>
 #include <vector>
 
 // Stands between the plug-in and the host's library in the tests: notes which functions are registered,
@@ -23,6 +24,13 @@ struct Registration {
 // What was registered and unregistered (plug-in and id) since the last reset, in order.
 [[nodiscard]] const std::vector<Registration>& registrations();
 [[nodiscard]] const std::vector<std::pair<std::string, short>>& unregistrations();
+
+// The values of the host that were made ("+ FM_Text_Constructor1") and deleted ("- FM_Text_Delete") since the
+// last reset, in order.
+[[nodiscard]] const std::vector<std::string_view>& lives();
+
+// The type of the locale that was made last.
+[[nodiscard]] fmx::int32 localeType();
 
 // Forgets them, and lets every call succeed.
 void reset();

@@ -12,6 +12,8 @@ namespace {
 std::vector<host_double::Registration> registered;
 std::vector<std::pair<std::string, short>> unregistered;
 int living = 0;
+std::vector<std::string_view> madeAndDeleted;
+fmx::int32 madeLocaleType = 0;
 std::optional<int> callsUntilFailure;
 int failureCode = 0;
 bool failed = false;
@@ -72,9 +74,18 @@ const std::vector<std::pair<std::string, short>>& unregistrations() {
     return unregistered;
 }
 
+const std::vector<std::string_view>& lives() {
+    return madeAndDeleted;
+}
+
+fmx::int32 localeType() {
+    return madeLocaleType;
+}
+
 void reset() {
     registered.clear();
     unregistered.clear();
+    madeAndDeleted.clear();
     callsUntilFailure.reset();
     failed = false;
 }
@@ -102,11 +113,13 @@ bool hasFailed() {
             return nullptr;                                                                                  \
         }                                                                                                    \
         ++living;                                                                                            \
+        madeAndDeleted.emplace_back("+ " #name);                                                             \
         return real(name, #name)(__VA_ARGS__);                                                               \
     }
 #define DELETES(name)                                                                                        \
     void name(void* self, fmx::_fmxcpt& block) noexcept {                                                    \
         --living;                                                                                            \
+        madeAndDeleted.emplace_back("- " #name);                                                             \
         real(name, #name)(self, block);                                                                      \
     }
 
@@ -123,7 +136,7 @@ MAKES(Text, FM_Text_Constructor1, (fmx::_fmxcpt & block), block)
 MAKES(DateTime, FM_DateTime_Constructor1, (fmx::_fmxcpt & block), block)
 MAKES(QuadChar, FM_QuadChar_Constructor2, (char c0, char c1, char c2, char c3, fmx::_fmxcpt& block), c0, c1,
       c2, c3, block)
-MAKES(Locale, FM_Locale_Constructor1, (fmx::int32 type, fmx::_fmxcpt& block), type, block)
+MAKES(Locale, FM_Locale_Constructor1, (fmx::int32 type, fmx::_fmxcpt& block), madeLocaleType = type, block)
 MAKES(Data, FM_Data_Constructor1, (fmx::_fmxcpt & block), block)
 MAKES(BinaryData, FM_BinaryData_Constructor1, (fmx::_fmxcpt & block), block)
 MAKES(BinaryData, FM_BinaryData_Constructor2, (const fmx::BinaryData& other, fmx::_fmxcpt& block), other,
@@ -159,6 +172,12 @@ PASSES(const fmx::BinaryData&, FM_DataVect_AtAsBinaryData,
 PASSES(void, FM_Text_AssignUnicodeWithLength,
        (void* self, const fmx::uint16* text, fmx::uint32 length, fmx::_fmxcpt& block), self, text, length,
        block)
+
+PASSES(void, FM_Text_SetText,
+       (void* self, const fmx::Text& other, fmx::uint32 position, fmx::uint32 size, fmx::_fmxcpt& block),
+       self, other, position, size, block)
+PASSES(const fmx::Locale&, FM_Locale_operatorAS, (void* self, const fmx::Locale& other, fmx::_fmxcpt& block),
+       self, other, block)
 
 PASSES(fmx::uint32, FM_Text_GetSize, (const void* self, fmx::_fmxcpt& block), self, block)
 PASSES(void, FM_Text_Assign, (void* self, const char* text, fmx::int32 encoding, fmx::_fmxcpt& block), self,
