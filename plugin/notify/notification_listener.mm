@@ -4,7 +4,7 @@
 #include "plugin/support/retained.h"
 #import <AddressBook/AddressBook.h>
 #import <Foundation/NSPort.h>
-#include <algorithm>
+#include <vector>
 
 namespace {
 
@@ -45,15 +45,19 @@ NSString* parameterOf(NSNotification* notification) {
     return static_cast<NSString*>(static_cast<id>(notification));
 }
 
-// Gives the host's text the string's units: encoded behind a byte-order mark, which is left out. Of text that
-// is not well-formed Foundation may encode the beginning only.
+// Gives the host's text the string's units: encoded behind a byte-order mark, which is left out. GNUstep's
+// encoding lacks the last unit of half a character, and of a whole one at the end; then they are copied.
 void assignEncoded(fmx::Text& text, NSString* string) {
     constexpr NSUInteger kMarkUnits = 1;
     NSData* encoded = [string dataUsingEncoding:NSUnicodeStringEncoding];
-    const NSUInteger units = std::min([string length] + kMarkUnits, [encoded length] / sizeof(fmx::uint16));
-    if (units > kMarkUnits) {
-        text.AssignUnicodeWithLength(static_cast<const fmx::uint16*>([encoded bytes]) + kMarkUnits,
-                                     static_cast<fmx::uint32>(units - kMarkUnits));
+    const NSUInteger length = [string length];
+    if ([encoded length] == (kMarkUnits + length) * sizeof(fmx::unichar)) {
+        text.AssignUnicodeWithLength(static_cast<const fmx::unichar*>([encoded bytes]) + kMarkUnits,
+                                     static_cast<fmx::uint32>(length));
+    } else {
+        std::vector<fmx::unichar> units(length);
+        [string getCharacters:units.data() range:NSMakeRange(0, length)];
+        text.AssignUnicodeWithLength(units.data(), static_cast<fmx::uint32>(length));
     }
 }
 

@@ -1,6 +1,8 @@
 #import "plugin/images/person_image.h"
 
 #import "plugin/records/plugin_state.h"
+#import "plugin/shell/error_state.h"
+#include "tests/plugin/host_double.h"
 #include "tests/plugin/pictures.h"
 #include "tests/plugin/replaced_method.h"
 #include "tests/plugin/support.h"
@@ -253,19 +255,171 @@ TEST_F(ImageTest, APictureThatCannotBeReadAnswersAContainerAllTheSame) {
     }
 }
 
-NSInteger hugeWidth(id /*self*/, SEL /*selector*/) {
-    return 70000;
+// What the bitmap was asked for: its width, its height, and representations.
+std::vector<NSInteger> widths;
+std::size_t widthQuestions;
+int heightQuestions;
+struct Representation {
+    NSBitmapImageFileType format;
+    NSDictionary* properties;
+};
+std::vector<Representation> representations;
+
+NSInteger nextWidth(id /*self*/, SEL /*selector*/) {
+    return widths.at(widthQuestions++);
 }
 
-TEST_F(ImageTest, AWidthBeyondTheRecordIsCutToItsBits) {
+NSInteger countHeight(id /*self*/, SEL /*selector*/) {
+    ++heightQuestions;
+    return 200;
+}
+
+// Encodes nothing.
+NSData* noteRepresentation(id /*self*/, SEL /*selector*/, NSBitmapImageFileType format,
+                           NSDictionary* properties) {
+    representations.push_back({format, properties});
+    return nil;
+}
+
+TEST_F(ImageTest, TheWidthIsAskedForTwiceAndCutToItsBits) {
     EXPECT_EQ(set(*containerOf({{"BMPf", bmp(3, 2)}})), "0");
-    const ReplacedMethod replaced([NSBitmapImageRep class], @selector(pixelsWide), hugeWidth);
-    const fmx::DataAutoPtr result = get();
+    const ReplacedMethod width([NSBitmapImageRep class], @selector(pixelsWide), nextWidth);
+    const ReplacedMethod height([NSBitmapImageRep class], @selector(pixelsHigh), countHeight);
+    const std::pair<std::vector<NSInteger>, std::pair<int, int>> all[] = {
+        {{300, 301}, {300, 301}},
+        {{70000, 70000}, {4464, 4464}},
+        {{32768, 65535}, {-32768, -1}},
+    };
+    for (const auto& [asked, answered] : all) {
+        widths = asked;
+        widthQuestions = 0;
+        heightQuestions = 0;
+        const fmx::DataAutoPtr result = get();
+        short first = 0;
+        short second = 0;
+        EXPECT_EQ(result->GetBinaryData().GetSIZEData(first, second), 0);
+        EXPECT_EQ(first, answered.first);
+        EXPECT_EQ(second, answered.second);
+        EXPECT_EQ(widthQuestions, 2U);
+        EXPECT_EQ(heightQuestions, 0) << "the height is nobody's business";
+    }
+}
+
+// A bitmap that cannot be encoded is as good as none, but no failure: the picture is taken away.
+TEST_F(ImageTest, TheBitmapIsEncodedInTheFormatOfTheCode) {
+    EXPECT_EQ(set(*containerOf({{"BMPf", bmp(30, 20)}})), "0");
+    const ReplacedMethod replaced([NSBitmapImageRep class], @selector(representationUsingType:properties:),
+                                  noteRepresentation);
+    representations.clear();
+    get();
+    for (const std::string code : {"PNGf", "BMPf", "JPEG", "GIFf"}) {
+        ASSERT_TRUE([person_ setImageData:dataOf(bmp(3, 2))]);
+        EXPECT_EQ(set(*containerOf({{code, bmp(30, 20)}})), "0");
+        EXPECT_EQ(lastErrorNumber(), "0");
+        EXPECT_FALSE(hasPicture());
+    }
+    ASSERT_EQ(representations.size(), 5U) << "reading encodes once";
+    const int formats[] = {1, 4, 1, 3, 2};
+    for (std::size_t i = 0; i < representations.size(); ++i) {
+        EXPECT_EQ(static_cast<int>(representations[i].format), formats[i]);
+        EXPECT_EQ(representations[i].properties, nil);
+    }
+}
+
+NSArray* shownRepresentations;
+NSArray* answerRepresentations(id /*self*/, SEL /*selector*/) {
+    return shownRepresentations;
+}
+
+TEST_F(ImageTest, TheFirstBitmapOfAnImageCounts) {
+    ASSERT_TRUE([person_ setImageData:dataOf(bmp(3, 2))]);
+    const ReplacedMethod replaced([NSImage class], @selector(representations), answerRepresentations);
+    NSImageRep* other = [[[NSImageRep alloc] init] autorelease];
+    NSBitmapImageRep* first = [NSBitmapImageRep imageRepWithData:dataOf(bmp(11, 5))];
+    NSBitmapImageRep* second = [NSBitmapImageRep imageRepWithData:dataOf(bmp(22, 5))];
+    shownRepresentations = [NSArray arrayWithObjects:other, first, second, nil];
     short width = 0;
     short height = 0;
-    EXPECT_EQ(result->GetBinaryData().GetSIZEData(width, height), 0);
-    EXPECT_EQ(width, 70000 - 65536);
-    EXPECT_EQ(height, width);
+    EXPECT_EQ(get()->GetBinaryData().GetSIZEData(width, height), 0);
+    EXPECT_EQ(width, 11);
+    shownRepresentations = [NSArray arrayWithObject:other];
+    EXPECT_EQ(get()->GetNativeType(), fmx::Data::kDTBinary);
+    EXPECT_EQ(lastErrorNumber(), "-8025");
+    EXPECT_EQ(set(*containerOf({{"BMPf", bmp(3, 2)}})), "!!ERROR!!");
+    EXPECT_EQ(lastErrorNumber(), "-8025");
+    EXPECT_FALSE(hasPicture());
+}
+
+TEST_F(ImageTest, NothingIsSaved) {
+    ABAddressBook* book = [ABAddressBook sharedAddressBook];
+    EXPECT_EQ(set(*containerOf({{"BMPf", bmp(3, 2)}})), "0");
+    EXPECT_TRUE([book hasUnsavedChanges]);
+    EXPECT_TRUE([book save]);
+    get();
+    EXPECT_FALSE([book hasUnsavedChanges]);
+    EXPECT_EQ(set(*fmx::BinaryDataAutoPtr()), "0");
+    EXPECT_TRUE([book hasUnsavedChanges]);
+}
+
+BOOL refuse(id /*self*/, SEL /*selector*/, NSData* /*data*/) {
+    return NO;
+}
+
+TEST_F(ImageTest, ARefusalOfThePersonIsTheLastWord) {
+    const ReplacedMethod replaced([ABPerson class], @selector(setImageData:), refuse);
+    for (const auto& container : {containerOf({{"BMPf", bmp(3, 2)}}), containerOf({{"BMPf", "no picture"}}),
+                                  fmx::BinaryDataAutoPtr()}) {
+        EXPECT_EQ(set(*container), "!!ERROR!!");
+        EXPECT_EQ(lastErrorNumber(), "-8026");
+    }
+}
+
+TEST_F(ImageTest, AWrongNumberOfArgumentsIsRefused) {
+    EXPECT_EQ(set(*containerOf({{"BMPf", bmp(3, 2)}})), "0");
+    EXPECT_EQ(call(Do_KORU_SetImage), "!!ERROR!!");
+    EXPECT_EQ(errors.g_llasterror, kInvalidParameterCount);
+    EXPECT_EQ(call(Do_KORU_SetImage, {"", ""}), "!!ERROR!!");
+    EXPECT_EQ(call(Do_KORU_GetImage, {""}), "!!ERROR!!");
+    EXPECT_EQ(errors.g_llasterror, kInvalidParameterCount);
+    EXPECT_TRUE(hasPicture());
+}
+
+// Each call of the host fails once, with either code: the exception passes, nothing of the host's stays
+// behind, and the picture is the old or the new one.
+TEST_F(ImageTest, AFailureOfTheHostPasses) {
+    const std::string old = bmp(3, 2);
+    const fmx::BinaryDataAutoPtr container =
+        containerOf({{"FILE", "x"}, {"GIFf", picture(30, 20, NSBitmapImageFileTypeGIF)}});
+    int failures = 0;
+    for (int before = 0;; ++before) {
+        ASSERT_TRUE([person_ setImageData:dataOf(old)]);
+        const fmx::ExprEnvAutoPtr environment;
+        const fmx::DataAutoPtr argument;
+        argument->SetBinaryData(*container, true);
+        const fmx::DataVectAutoPtr arguments;
+        arguments->PushBack(*argument);
+        const fmx::DataAutoPtr result;
+        const int living = host_double::livingObjects();
+        host_double::failAfter(before, 1 + before % 2);
+        try {
+            EXPECT_EQ(Do_KORU_SetImage(40, *environment, *arguments, *result), 0);
+        } catch (const std::bad_alloc&) {
+            EXPECT_EQ(before % 2, 0);
+            ++failures;
+        } catch (const std::exception&) {
+            EXPECT_EQ(before % 2, 1);
+            ++failures;
+        }
+        const bool failed = host_double::hasFailed();
+        host_double::reset();
+        EXPECT_EQ(host_double::livingObjects(), living) << before;
+        EXPECT_TRUE(start(old.size()) == old || start(3) == "GIF") << before;
+        if (!failed) {
+            EXPECT_EQ(failures, before);
+            EXPECT_GE(failures, 14);
+            break;
+        }
+    }
 }
 
 BOOL raiseOnSet(id /*self*/, SEL /*selector*/, NSData* /*data*/) {
@@ -277,6 +431,17 @@ TEST_F(ImageTest, AnExceptionIsTheCallsError) {
     const ReplacedMethod replaced([ABPerson class], @selector(setImageData:), raiseOnSet);
     EXPECT_EQ(set(*containerOf({{"BMPf", bmp(3, 2)}})), "!!ERROR!!");
     EXPECT_EQ(lastErrorText(), "Exception caught in function no room for pictures");
+}
+
+NSData* raiseOnGet(id /*self*/, SEL /*selector*/) {
+    [NSException raise:NSGenericException format:@"no pictures to be seen"];
+    return nil;
+}
+
+TEST_F(ImageTest, AnExceptionInReadingIsTheErrorText) {
+    const ReplacedMethod replaced([ABPerson class], @selector(imageData), raiseOnGet);
+    EXPECT_EQ(call(Do_KORU_GetImage), "!!ERROR!!");
+    EXPECT_EQ(lastErrorText(), "Exception caught in function no pictures to be seen");
 }
 
 } // namespace

@@ -183,6 +183,32 @@ TEST_F(NotificationTest, AnyTextOfAnIdentifierArrives) {
     EXPECT_EQ(starts[0].parameter, "New ü🙂");
 }
 
+std::u16string arrived;
+fmx::errcode keepParameter(const fmx::Text* /*file*/, const fmx::Text* /*script*/, fmx::uchar /*control*/,
+                           const fmx::Data* parameter) {
+    const fmx::Text& text = parameter->GetAsText();
+    arrived.resize(text.GetSize());
+    text.GetUnicode(reinterpret_cast<fmx::unichar*>(arrived.data()), 0, text.GetSize());
+    return 0;
+}
+
+// A zero does not end it, and characters beyond 16 bits may stand at its end or be halved.
+TEST_F(NotificationTest, EveryUnitOfAnIdentifierArrives) {
+    EXPECT_EQ(registerScript("Contacts", "Changed"), "0");
+    message_.cStartScript = keepParameter;
+    const std::u16string all[] = {{u'a', 0, u'b'},      {u'a', 0xD83D, 0xDE42}, {0xD83D, 0xDE42, u'b'},
+                                  {u'a', 0xD83D, u'b'}, {u'a', 0xDE42, u'b'},   {u'a', 0xD83D},
+                                  {u'a', 0xDE42},       {0xFEFF, u'a'}};
+    for (const std::u16string& units : all) {
+        NSMutableString* identifier = [NSMutableString string];
+        for (const char16_t unit : units) {
+            [identifier appendFormat:@"%C", unit];
+        }
+        post(changes(ids(identifier), nil, nil));
+        EXPECT_TRUE(arrived == u"New " + units) << &units - all;
+    }
+}
+
 TEST_F(NotificationTest, ForeignNotificationsWaitForTheRunLoopAndKeepTheirOrder) {
     EXPECT_EQ(registerScript("Contacts", "Changed"), "0");
     postElsewhere(1, 3);
@@ -194,6 +220,98 @@ TEST_F(NotificationTest, ForeignNotificationsWaitForTheRunLoopAndKeepTheirOrder)
     }
     turnRunLoop();
     EXPECT_EQ(starts.size(), 3U);
+}
+
+// Only what comes from elsewhere waits.
+TEST_F(NotificationTest, AChangeOnTheOwningThreadOvertakesTheQueue) {
+    EXPECT_EQ(registerScript("Contacts", "Changed"), "0");
+    postElsewhere(1, 2);
+    post(changes(ids(@"now"), nil, nil));
+    EXPECT_EQ(parameters(), std::vector<std::string>{"New now"});
+    EXPECT_EQ([listner.get()->notifications count], 2U);
+    turnRunLoop();
+    EXPECT_EQ(parameters(), (std::vector<std::string>{"New now", "New 1", "New 2"}));
+}
+
+TEST_F(NotificationTest, EveryCommonModeDeliversAndNoOther) {
+    EXPECT_EQ(registerScript("Contacts", "Changed"), "0");
+    postElsewhere(1, 1);
+    const auto turn = [](NSString* mode) {
+        const Pool pool;
+        [[NSRunLoop currentRunLoop] runMode:mode beforeDate:[NSDate dateWithTimeIntervalSinceNow:0]];
+    };
+    turn(@"a mode of its own");
+    EXPECT_TRUE(starts.empty());
+    int number = 1;
+    NSString* const modes[] = {NSDefaultRunLoopMode, @"NSModalPanelRunLoopMode",
+                               @"NSEventTrackingRunLoopMode"};
+    for (NSString* mode : modes) {
+        turn(mode);
+        EXPECT_EQ(starts.size(), static_cast<std::size_t>(number)) << utf8(mode);
+        postElsewhere(++number, 1);
+    }
+}
+
+TEST_F(NotificationTest, TheListenerIsReadyAfterTheRegistration) {
+    EXPECT_EQ(registerScript("Contacts", "Changed"), "0");
+    KORUXNotificationListener* listener = listner.get();
+    EXPECT_EQ([listener->notifications count], 0U);
+    EXPECT_TRUE([listener->notificationLock isKindOfClass:[NSLock class]]);
+    EXPECT_TRUE([listener->notificationPort isKindOfClass:[NSMachPort class]]);
+    EXPECT_EQ([listener->notificationPort delegate], listener);
+    EXPECT_EQ(listener->scriptName, nil);
+    EXPECT_EQ(listener->theParam->GetSize(), 0U);
+}
+
+// What a message to the port was sent with.
+struct Sent {
+    double seconds;
+    bool empty;
+    bool unlocked;
+};
+std::vector<Sent> sent;
+
+BOOL noteSent(id /*self*/, SEL /*selector*/, NSDate* limit, NSMutableArray* components, NSPort* from,
+              NSUInteger reserved) {
+    NSLock* lock = listner.get()->notificationLock;
+    const bool unlocked = [lock tryLock];
+    if (unlocked) {
+        [lock unlock];
+    }
+    sent.push_back(
+        {[limit timeIntervalSinceNow], components == nil && from == nil && reserved == 0, unlocked});
+    return YES;
+}
+
+TEST_F(NotificationTest, AForeignThreadSendsAnEmptyMessageWithoutWaitingOrHoldingTheLock) {
+    EXPECT_EQ(registerScript("Contacts", "Changed"), "0");
+    sent.clear();
+    const ReplacedMethod replaced([NSMachPort class], @selector(sendBeforeDate:components:from:reserved:),
+                                  noteSent);
+    postElsewhere(1, 1);
+    ASSERT_EQ(sent.size(), 1U);
+    EXPECT_NEAR(sent[0].seconds, 0, 1);
+    EXPECT_TRUE(sent[0].empty);
+    EXPECT_TRUE(sent[0].unlocked);
+    post(changes(ids(@"a"), nil, nil));
+    EXPECT_EQ(sent.size(), 1U) << "the owning thread sends none";
+}
+
+// The script may do what it likes, for another thread's changes as for its own.
+TEST_F(NotificationTest, TheLockIsFreeWhileAScriptIsStarted) {
+    EXPECT_EQ(registerScript("Contacts", "Changed"), "0");
+    int free = 0;
+    duringStart = [&] {
+        NSLock* lock = listner.get()->notificationLock;
+        if ([lock tryLock]) {
+            ++free;
+            [lock unlock];
+        }
+    };
+    postElsewhere(1, 2);
+    turnRunLoop();
+    post(changes(ids(@"a"), nil, nil));
+    EXPECT_EQ(free, 3);
 }
 
 TEST_F(NotificationTest, ABurstFromManyThreadsLosesNothing) {
@@ -342,6 +460,24 @@ TEST_F(NotificationTest, ANotificationThatNamesNothingLeavesAsAnException) {
     EXPECT_EQ(starts.size(), 1U) << "the next one works";
 }
 
+// The first kind that is there counts, even if it names no record.
+TEST_F(NotificationTest, AKindOfChangeWithoutRecordsIsAnExceptionToo) {
+    EXPECT_EQ(registerScript("Contacts", "Changed"), "0");
+    for (NSDictionary* info : {changes([NSArray array], ids(@"a"), ids(@"b")),
+                               changes(nil, [NSArray array], nil), static_cast<NSDictionary*>(nil)}) {
+        const auto process = [](void* userInfo) {
+            [listner.get()
+                processNotification:[NSNotification
+                                        notificationWithName:kABDatabaseChangedExternallyNotification
+                                                      object:nil
+                                                    userInfo:static_cast<NSDictionary*>(userInfo)]];
+        };
+        id thrown = static_cast<id>(objectThrownBy(process, info));
+        EXPECT_TRUE([thrown isKindOfClass:[NSException class]]);
+    }
+    EXPECT_TRUE(starts.empty());
+}
+
 TEST_F(NotificationTest, AnExceptionInTheDrainLeavesTheRestForTheNextMessage) {
     EXPECT_EQ(registerScript("Contacts", "Changed"), "0");
     std::thread([] {
@@ -363,8 +499,9 @@ TEST_F(NotificationTest, AFailureOfTheHostLeavesTheListenerAndStartsNothing) {
     EXPECT_EQ(registerScript("Contacts", "Changed"), "0");
     const int living = host_double::livingObjects();
     for (int before = 0;; ++before) {
-        host_double::failAfter(before, 1);
-        bool thrown = false;
+        host_double::failAfter(before, 1 + before % 2);
+        bool noMemory = false;
+        bool unknown = false;
         try {
             [listner.get()
                 processNotification:[NSNotification
@@ -372,11 +509,14 @@ TEST_F(NotificationTest, AFailureOfTheHostLeavesTheListenerAndStartsNothing) {
                                                       object:nil
                                                     userInfo:changes(ids(@"a"), nil, nil)]];
         } catch (const std::bad_alloc&) {
-            thrown = true;
+            noMemory = true;
+        } catch (const std::exception&) {
+            unknown = true;
         }
         const bool failed = host_double::hasFailed();
         host_double::reset();
-        EXPECT_EQ(thrown, failed);
+        EXPECT_EQ(noMemory, failed && before % 2 == 0);
+        EXPECT_EQ(unknown, failed && before % 2 == 1);
         EXPECT_EQ(host_double::livingObjects(), living);
         if (!failed) {
             EXPECT_GE(before, 3);
@@ -385,6 +525,67 @@ TEST_F(NotificationTest, AFailureOfTheHostLeavesTheListenerAndStartsNothing) {
         EXPECT_TRUE(starts.empty());
     }
     EXPECT_EQ(starts.size(), 1U);
+}
+
+// A failure in one of its steps leaves the steps before it done.
+TEST_F(NotificationTest, AFailureOfTheHostLeavesTheRegistration) {
+    std::vector<std::string> names;
+    const fmx::ExprEnvAutoPtr environment;
+    const fmx::DataVectAutoPtr arguments = vectorOf({"B", "S2"});
+    const fmx::DataAutoPtr result;
+    int failures = 0;
+    for (int before = 0;; ++before) {
+        EXPECT_EQ(registerScript("A", "S1"), "0");
+        [[NSNotificationCenter defaultCenter] removeObserver:listner.get()];
+        const int living = host_double::livingObjects();
+        host_double::failAfter(before, 1 + before % 2);
+        try {
+            EXPECT_EQ(Do_KORU_RegisterUpdateScript(44, *environment, *arguments, *result), 0);
+        } catch (const std::bad_alloc&) {
+            EXPECT_EQ(before % 2, 0);
+            ++failures;
+        } catch (const std::exception&) {
+            EXPECT_EQ(before % 2, 1);
+            ++failures;
+        }
+        const bool failed = host_double::hasFailed();
+        host_double::reset();
+        EXPECT_EQ(host_double::livingObjects(), living);
+        starts.clear();
+        post(changes(ids(@"a"), nil, nil));
+        names.push_back(starts.empty() ? "none" : starts[0].file + " " + starts[0].script);
+        if (!failed) {
+            EXPECT_EQ(failures, before);
+            break;
+        }
+    }
+    // Text and count of the frame; locale, its assignment, argument, name, argument, name; the frame's
+    // result.
+    const std::vector<std::string> expected = {"none", "none", "A S1", "A S1", "A S1", "B S1",
+                                               "B S1", "B S2", "B S2", "B S2", "B S2", "B S2"};
+    EXPECT_EQ(names, expected);
+}
+
+TEST_F(NotificationTest, TheEnvironmentIsThatOfTheLastCall) {
+    const fmx::ExprEnvAutoPtr first;
+    const fmx::ExprEnvAutoPtr second;
+    const fmx::DataVectAutoPtr arguments = vectorOf({"A", "S1"});
+    const fmx::DataAutoPtr result;
+    for (const fmx::ExprEnvAutoPtr* environment : {&first, &second}) {
+        EXPECT_EQ(Do_KORU_RegisterUpdateScript(44, **environment, *arguments, *result), 0);
+        EXPECT_EQ(listner.get()->environment, environment->get());
+    }
+}
+
+TEST_F(NotificationTest, TheHostsObjectsAreMadeInOrderAndGoInReverse) {
+    host_double::reset();
+    [[[KORUXNotificationListener alloc] init] release];
+    EXPECT_EQ(host_double::localeType(), 1);
+    EXPECT_EQ(host_double::lives(),
+              (std::vector<std::string_view>{
+                  "+ FM_Text_Constructor1", "+ FM_Text_Constructor1", "+ FM_Text_Constructor1",
+                  "+ FM_Locale_Constructor1", "+ FM_Data_Constructor1", "- FM_Data_Delete",
+                  "- FM_Locale_Delete", "- FM_Text_Delete", "- FM_Text_Delete", "- FM_Text_Delete"}));
 }
 
 TEST_F(NotificationTest, TheHostsObjectsAreMadeOnceAndGoWithTheListener) {
