@@ -3,11 +3,10 @@
 #import "plugin/records/plugin_state.h"
 #import "plugin/shell/error_state.h"
 #include "tests/plugin/host_double.h"
+#include "tests/plugin/image_support.h"
 #include "tests/plugin/pictures.h"
 #include "tests/plugin/replaced_method.h"
-#include "tests/plugin/support.h"
 #import <AppKit/AppKit.h>
-#include <algorithm>
 
 namespace {
 
@@ -19,93 +18,16 @@ std::string picture(int width, int height, NSBitmapImageFileType format) {
     return {static_cast<const char*>([data bytes]), [data length]};
 }
 
-struct Stream {
-    std::string code;
-    std::string bytes;
-};
-
-void add(fmx::BinaryData& container, const Stream& stream) {
-    const fmx::QuadCharAutoPtr type(stream.code[0], stream.code[1], stream.code[2], stream.code[3]);
-    std::string bytes = stream.bytes;
-    EXPECT_EQ(container.Add(*type, static_cast<fmx::uint32>(bytes.size()), bytes.data()), 0);
-}
-
-// The streams behind a first one that is no picture, as the host makes its containers.
-fmx::BinaryDataAutoPtr containerOf(std::initializer_list<Stream> streams) {
-    fmx::BinaryDataAutoPtr container;
-    container->AddSIZEData(30, 20);
-    for (const Stream& stream : streams) {
-        add(*container, stream);
-    }
-    return container;
-}
-
-std::string set(const fmx::BinaryData& container) {
-    const fmx::ExprEnvAutoPtr environment;
-    fmx::DataAutoPtr argument;
-    argument->SetBinaryData(container, true);
-    fmx::DataVectAutoPtr arguments;
-    arguments->PushBack(*argument);
-    const fmx::DataAutoPtr result;
-    EXPECT_EQ(Do_KORU_SetImage(40, *environment, *arguments, *result), 0);
-    return utf8(stringFromText(result->GetAsText()));
-}
-
-// The result of reading the picture.
-fmx::DataAutoPtr get() {
-    const fmx::ExprEnvAutoPtr environment;
-    const fmx::DataVectAutoPtr arguments;
-    fmx::DataAutoPtr result;
-    EXPECT_EQ(Do_KORU_GetImage(39, *environment, *arguments, *result), 0);
-    return result;
-}
-
-std::vector<Stream> streamsOf(const fmx::BinaryData& container) {
-    std::vector<Stream> streams;
-    for (fmx::int32 i = 0; i < container.GetCount(); ++i) {
-        fmx::QuadCharAutoPtr type;
-        container.GetType(i, *type);
-        Stream stream;
-        for (fmx::uint32 c = 0; c < 4; ++c) {
-            stream.code.push_back((*type)[c]);
-        }
-        stream.bytes.resize(container.GetSize(i));
-        EXPECT_EQ(container.GetData(i, 0, static_cast<fmx::uint32>(stream.bytes.size()), stream.bytes.data()),
-                  0);
-        streams.push_back(std::move(stream));
-    }
-    return streams;
-}
-
-class ImageTest : public PluginTest {
-  protected:
-    void SetUp() override {
-        PluginTest::SetUp();
-        person_ = addPerson(@"Anna", @"Smith");
-        EXPECT_EQ(call(Do_KORU_Open, {utf8([person_ uniqueId])}), "0");
-    }
-
-    // How the person's picture begins; empty without one.
-    std::string start(std::size_t length) const {
-        NSData* data = [person_ imageData];
-        return {static_cast<const char*>([data bytes]), std::min<std::size_t>([data length], length)};
-    }
-
-    bool hasPicture() const { return [person_ imageData] != nil; }
-
-    ABPerson* person_ = nil;
-};
-
 constexpr const char* kPng = "\x89PNG";
 
 TEST_F(ImageTest, EachFormatIsStoredAsItself) {
-    EXPECT_EQ(set(*containerOf({{"PNGf", picture(30, 20, NSBitmapImageFileTypePNG)}})), "0");
+    EXPECT_EQ(setPicture(*containerOf({{"PNGf", picture(30, 20, NSBitmapImageFileTypePNG)}})), "0");
     EXPECT_EQ(start(4), kPng);
-    EXPECT_EQ(set(*containerOf({{"JPEG", picture(30, 20, NSBitmapImageFileTypeJPEG)}})), "0");
+    EXPECT_EQ(setPicture(*containerOf({{"JPEG", picture(30, 20, NSBitmapImageFileTypeJPEG)}})), "0");
     EXPECT_EQ(start(2), "\xFF\xD8");
-    EXPECT_EQ(set(*containerOf({{"GIFf", picture(30, 20, NSBitmapImageFileTypeGIF)}})), "0");
+    EXPECT_EQ(setPicture(*containerOf({{"GIFf", picture(30, 20, NSBitmapImageFileTypeGIF)}})), "0");
     EXPECT_EQ(start(3), "GIF");
-    EXPECT_EQ(set(*containerOf({{"BMPf", bmp(30, 20)}})), "0");
+    EXPECT_EQ(setPicture(*containerOf({{"BMPf", bmp(30, 20)}})), "0");
     EXPECT_EQ(start(2), "BM");
 }
 
@@ -113,16 +35,16 @@ TEST_F(ImageTest, TheFirstKnownCodeOfTheListFixesTheFormat) {
     const std::string jpeg = picture(30, 20, NSBitmapImageFileTypeJPEG);
     const std::string gif = picture(30, 20, NSBitmapImageFileTypeGIF);
     const std::string png = picture(30, 20, NSBitmapImageFileTypePNG);
-    EXPECT_EQ(set(*containerOf({{"JPEG", jpeg}, {"PNGf", png}})), "0");
+    EXPECT_EQ(setPicture(*containerOf({{"JPEG", jpeg}, {"PNGf", png}})), "0");
     EXPECT_EQ(start(4), kPng);
-    EXPECT_EQ(set(*containerOf({{"GIFf", gif}, {"JPEG", jpeg}, {"BMPf", bmp(30, 20)}})), "0");
+    EXPECT_EQ(setPicture(*containerOf({{"GIFf", gif}, {"JPEG", jpeg}, {"BMPf", bmp(30, 20)}})), "0");
     EXPECT_EQ(start(2), "BM");
-    EXPECT_EQ(set(*containerOf({{"GIFf", gif}, {"JPEG", jpeg}})), "0");
+    EXPECT_EQ(setPicture(*containerOf({{"GIFf", gif}, {"JPEG", jpeg}})), "0");
     EXPECT_EQ(start(2), "\xFF\xD8");
 }
 
 TEST_F(ImageTest, TheCodeDecidesNotTheBytes) {
-    EXPECT_EQ(set(*containerOf({{"PNGf", picture(30, 20, NSBitmapImageFileTypeJPEG)}})), "0");
+    EXPECT_EQ(setPicture(*containerOf({{"PNGf", picture(30, 20, NSBitmapImageFileTypeJPEG)}})), "0");
     EXPECT_EQ(start(4), kPng);
 }
 
@@ -130,34 +52,34 @@ TEST_F(ImageTest, TheCodeDecidesNotTheBytes) {
 TEST_F(ImageTest, TheFirstStreamIsNotTaken) {
     fmx::BinaryDataAutoPtr container;
     add(*container, {"PNGf", picture(30, 20, NSBitmapImageFileTypePNG)});
-    EXPECT_EQ(set(*container), "!!ERROR!!");
+    EXPECT_EQ(setPicture(*container), "!!ERROR!!");
     EXPECT_EQ(lastErrorNumber(), "-8027");
     EXPECT_EQ(lastErrorText(), "Unsupported image type ");
     EXPECT_FALSE(hasPicture());
     add(*container, {"JPEG", picture(30, 20, NSBitmapImageFileTypeJPEG)});
-    EXPECT_EQ(set(*container), "0");
+    EXPECT_EQ(setPicture(*container), "0");
     EXPECT_EQ(start(2), "\xFF\xD8");
 }
 
 TEST_F(ImageTest, AContainerOfOtherStreamsChangesNothing) {
-    EXPECT_EQ(set(*containerOf({{"BMPf", bmp(30, 20)}})), "0");
-    EXPECT_EQ(set(*containerOf({{"TIFF", "x"}, {"FILE", "y"}, {"pngf", "z"}})), "!!ERROR!!");
+    EXPECT_EQ(setPicture(*containerOf({{"BMPf", bmp(30, 20)}})), "0");
+    EXPECT_EQ(setPicture(*containerOf({{"TIFF", "x"}, {"FILE", "y"}, {"pngf", "z"}})), "!!ERROR!!");
     EXPECT_EQ(lastErrorNumber(), "-8027");
     EXPECT_EQ(start(2), "BM");
 }
 
 TEST_F(ImageTest, AnEmptyContainerTakesThePictureAway) {
-    EXPECT_EQ(set(*containerOf({{"BMPf", bmp(30, 20)}})), "0");
-    EXPECT_EQ(set(*fmx::BinaryDataAutoPtr()), "0");
+    EXPECT_EQ(setPicture(*containerOf({{"BMPf", bmp(30, 20)}})), "0");
+    EXPECT_EQ(setPicture(*fmx::BinaryDataAutoPtr()), "0");
     EXPECT_FALSE(hasPicture());
-    EXPECT_EQ(set(*fmx::BinaryDataAutoPtr()), "0");
+    EXPECT_EQ(setPicture(*fmx::BinaryDataAutoPtr()), "0");
 }
 
 // Meant: the work goes on without a bitmap, and takes the picture away.
 TEST_F(ImageTest, WhatIsNoPictureTakesThePictureAwayAndFails) {
     for (const std::string& bytes : {std::string("no picture"), std::string()}) {
-        EXPECT_EQ(set(*containerOf({{"BMPf", bmp(30, 20)}})), "0");
-        EXPECT_EQ(set(*containerOf({{"PNGf", bytes}})), "!!ERROR!!");
+        EXPECT_EQ(setPicture(*containerOf({{"BMPf", bmp(30, 20)}})), "0");
+        EXPECT_EQ(setPicture(*containerOf({{"PNGf", bytes}})), "!!ERROR!!");
         EXPECT_EQ(lastErrorNumber(), "-8025");
         EXPECT_EQ(lastErrorText(), "Unable to obtain bitmap of image ");
         EXPECT_FALSE(hasPicture());
@@ -166,20 +88,20 @@ TEST_F(ImageTest, WhatIsNoPictureTakesThePictureAwayAndFails) {
 
 TEST_F(ImageTest, WithoutAPersonSettingIsRefused) {
     state.g_person.reset();
-    EXPECT_EQ(set(*containerOf({{"BMPf", bmp(30, 20)}})), "!!ERROR!!");
+    EXPECT_EQ(setPicture(*containerOf({{"BMPf", bmp(30, 20)}})), "!!ERROR!!");
     EXPECT_EQ(lastErrorNumber(), "-8026");
-    EXPECT_EQ(set(*fmx::BinaryDataAutoPtr()), "!!ERROR!!");
+    EXPECT_EQ(setPicture(*fmx::BinaryDataAutoPtr()), "!!ERROR!!");
     EXPECT_EQ(lastErrorText(), "Unable to set image data ");
     // The refusal hides that there was no bitmap either.
-    EXPECT_EQ(set(*containerOf({{"PNGf", "no picture"}})), "!!ERROR!!");
+    EXPECT_EQ(setPicture(*containerOf({{"PNGf", "no picture"}})), "!!ERROR!!");
     EXPECT_EQ(lastErrorNumber(), "-8026");
 }
 
 TEST_F(ImageTest, TheRecordTypeDoesNotMatter) {
     state.g_currentRecordType = kGroupType;
-    EXPECT_EQ(set(*containerOf({{"BMPf", bmp(30, 20)}})), "0");
+    EXPECT_EQ(setPicture(*containerOf({{"BMPf", bmp(30, 20)}})), "0");
     EXPECT_TRUE(hasPicture());
-    EXPECT_EQ(get()->GetNativeType(), fmx::Data::kDTBinary);
+    EXPECT_EQ(getPicture()->GetNativeType(), fmx::Data::kDTBinary);
     EXPECT_EQ(state.g_currentRecordType, kGroupType);
 }
 
@@ -191,21 +113,21 @@ void keepSize(id /*self*/, SEL /*selector*/, NSSize size) {
 TEST_F(ImageTest, TheSizeOfTheContainerIsTheImagesSize) {
     const ReplacedMethod replaced([NSImage class], @selector(setSize:), keepSize);
     shownSize = NSMakeSize(-1, -1);
-    EXPECT_EQ(set(*containerOf({{"BMPf", bmp(3, 2)}})), "0");
+    EXPECT_EQ(setPicture(*containerOf({{"BMPf", bmp(3, 2)}})), "0");
     EXPECT_EQ(shownSize.width, 30);
     EXPECT_EQ(shownSize.height, 20);
     fmx::BinaryDataAutoPtr unsized;
     add(*unsized, {"FILE", "x"});
     add(*unsized, {"BMPf", bmp(3, 2)});
-    EXPECT_EQ(set(*unsized), "0");
+    EXPECT_EQ(setPicture(*unsized), "0");
     EXPECT_EQ(shownSize.width, 0);
     EXPECT_EQ(shownSize.height, 0);
 }
 
 // Meant: the width twice, and BMP in all four streams.
 TEST_F(ImageTest, APictureIsAnsweredAsFourStreamsOfBmp) {
-    EXPECT_EQ(set(*containerOf({{"PNGf", picture(300, 200, NSBitmapImageFileTypePNG)}})), "0");
-    const fmx::DataAutoPtr result = get();
+    EXPECT_EQ(setPicture(*containerOf({{"PNGf", picture(300, 200, NSBitmapImageFileTypePNG)}})), "0");
+    const fmx::DataAutoPtr result = getPicture();
     ASSERT_EQ(result->GetNativeType(), fmx::Data::kDTBinary);
     const fmx::BinaryData& container = result->GetBinaryData();
     short width = 0;
@@ -239,7 +161,7 @@ TEST_F(ImageTest, NoPictureIsTheEmptyText) {
 // Meant: the container is answered, and only the last error tells of it.
 TEST_F(ImageTest, APictureThatCannotBeReadAnswersAContainerAllTheSame) {
     ASSERT_TRUE([person_ setImageData:dataOf("no picture")]);
-    const fmx::DataAutoPtr result = get();
+    const fmx::DataAutoPtr result = getPicture();
     EXPECT_EQ(lastErrorNumber(), "-8025");
     ASSERT_EQ(result->GetNativeType(), fmx::Data::kDTBinary);
     const fmx::BinaryData& container = result->GetBinaryData();
@@ -282,7 +204,7 @@ NSData* noteRepresentation(id /*self*/, SEL /*selector*/, NSBitmapImageFileType 
 }
 
 TEST_F(ImageTest, TheWidthIsAskedForTwiceAndCutToItsBits) {
-    EXPECT_EQ(set(*containerOf({{"BMPf", bmp(3, 2)}})), "0");
+    EXPECT_EQ(setPicture(*containerOf({{"BMPf", bmp(3, 2)}})), "0");
     const ReplacedMethod width([NSBitmapImageRep class], @selector(pixelsWide), nextWidth);
     const ReplacedMethod height([NSBitmapImageRep class], @selector(pixelsHigh), countHeight);
     const std::pair<std::vector<NSInteger>, std::pair<int, int>> all[] = {
@@ -294,7 +216,7 @@ TEST_F(ImageTest, TheWidthIsAskedForTwiceAndCutToItsBits) {
         widths = asked;
         widthQuestions = 0;
         heightQuestions = 0;
-        const fmx::DataAutoPtr result = get();
+        const fmx::DataAutoPtr result = getPicture();
         short first = 0;
         short second = 0;
         EXPECT_EQ(result->GetBinaryData().GetSIZEData(first, second), 0);
@@ -307,14 +229,14 @@ TEST_F(ImageTest, TheWidthIsAskedForTwiceAndCutToItsBits) {
 
 // A bitmap that cannot be encoded is as good as none, but no failure: the picture is taken away.
 TEST_F(ImageTest, TheBitmapIsEncodedInTheFormatOfTheCode) {
-    EXPECT_EQ(set(*containerOf({{"BMPf", bmp(30, 20)}})), "0");
+    EXPECT_EQ(setPicture(*containerOf({{"BMPf", bmp(30, 20)}})), "0");
     const ReplacedMethod replaced([NSBitmapImageRep class], @selector(representationUsingType:properties:),
                                   noteRepresentation);
     representations.clear();
-    get();
+    getPicture();
     for (const std::string code : {"PNGf", "BMPf", "JPEG", "GIFf"}) {
         ASSERT_TRUE([person_ setImageData:dataOf(bmp(3, 2))]);
-        EXPECT_EQ(set(*containerOf({{code, bmp(30, 20)}})), "0");
+        EXPECT_EQ(setPicture(*containerOf({{code, bmp(30, 20)}})), "0");
         EXPECT_EQ(lastErrorNumber(), "0");
         EXPECT_FALSE(hasPicture());
     }
@@ -340,24 +262,24 @@ TEST_F(ImageTest, TheFirstBitmapOfAnImageCounts) {
     shownRepresentations = [NSArray arrayWithObjects:other, first, second, nil];
     short width = 0;
     short height = 0;
-    EXPECT_EQ(get()->GetBinaryData().GetSIZEData(width, height), 0);
+    EXPECT_EQ(getPicture()->GetBinaryData().GetSIZEData(width, height), 0);
     EXPECT_EQ(width, 11);
     shownRepresentations = [NSArray arrayWithObject:other];
-    EXPECT_EQ(get()->GetNativeType(), fmx::Data::kDTBinary);
+    EXPECT_EQ(getPicture()->GetNativeType(), fmx::Data::kDTBinary);
     EXPECT_EQ(lastErrorNumber(), "-8025");
-    EXPECT_EQ(set(*containerOf({{"BMPf", bmp(3, 2)}})), "!!ERROR!!");
+    EXPECT_EQ(setPicture(*containerOf({{"BMPf", bmp(3, 2)}})), "!!ERROR!!");
     EXPECT_EQ(lastErrorNumber(), "-8025");
     EXPECT_FALSE(hasPicture());
 }
 
 TEST_F(ImageTest, NothingIsSaved) {
     ABAddressBook* book = [ABAddressBook sharedAddressBook];
-    EXPECT_EQ(set(*containerOf({{"BMPf", bmp(3, 2)}})), "0");
+    EXPECT_EQ(setPicture(*containerOf({{"BMPf", bmp(3, 2)}})), "0");
     EXPECT_TRUE([book hasUnsavedChanges]);
     EXPECT_TRUE([book save]);
-    get();
+    getPicture();
     EXPECT_FALSE([book hasUnsavedChanges]);
-    EXPECT_EQ(set(*fmx::BinaryDataAutoPtr()), "0");
+    EXPECT_EQ(setPicture(*fmx::BinaryDataAutoPtr()), "0");
     EXPECT_TRUE([book hasUnsavedChanges]);
 }
 
@@ -369,13 +291,13 @@ TEST_F(ImageTest, ARefusalOfThePersonIsTheLastWord) {
     const ReplacedMethod replaced([ABPerson class], @selector(setImageData:), refuse);
     for (const auto& container : {containerOf({{"BMPf", bmp(3, 2)}}), containerOf({{"BMPf", "no picture"}}),
                                   fmx::BinaryDataAutoPtr()}) {
-        EXPECT_EQ(set(*container), "!!ERROR!!");
+        EXPECT_EQ(setPicture(*container), "!!ERROR!!");
         EXPECT_EQ(lastErrorNumber(), "-8026");
     }
 }
 
 TEST_F(ImageTest, AWrongNumberOfArgumentsIsRefused) {
-    EXPECT_EQ(set(*containerOf({{"BMPf", bmp(3, 2)}})), "0");
+    EXPECT_EQ(setPicture(*containerOf({{"BMPf", bmp(3, 2)}})), "0");
     EXPECT_EQ(call(Do_KORU_SetImage), "!!ERROR!!");
     EXPECT_EQ(errors.g_llasterror, kInvalidParameterCount);
     EXPECT_EQ(call(Do_KORU_SetImage, {"", ""}), "!!ERROR!!");
@@ -429,7 +351,7 @@ BOOL raiseOnSet(id /*self*/, SEL /*selector*/, NSData* /*data*/) {
 
 TEST_F(ImageTest, AnExceptionIsTheCallsError) {
     const ReplacedMethod replaced([ABPerson class], @selector(setImageData:), raiseOnSet);
-    EXPECT_EQ(set(*containerOf({{"BMPf", bmp(3, 2)}})), "!!ERROR!!");
+    EXPECT_EQ(setPicture(*containerOf({{"BMPf", bmp(3, 2)}})), "!!ERROR!!");
     EXPECT_EQ(lastErrorText(), "Exception caught in function no room for pictures");
 }
 
