@@ -41,6 +41,8 @@ TEST_F(ImageTest, TheFirstKnownCodeOfTheListFixesTheFormat) {
     EXPECT_EQ(start(2), "BM");
     EXPECT_EQ(setPicture(*containerOf({{"GIFf", gif}, {"JPEG", jpeg}})), "0");
     EXPECT_EQ(start(2), "\xFF\xD8");
+    EXPECT_EQ(setPicture(*containerOf({{"BMPf", bmp(30, 20)}, {"PNGf", png}})), "0");
+    EXPECT_EQ(start(4), kPng);
 }
 
 TEST_F(ImageTest, TheCodeDecidesNotTheBytes) {
