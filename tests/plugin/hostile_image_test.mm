@@ -9,6 +9,8 @@
 #include <malloc.h>
 #include <random>
 
+using namespace std::literals;
+
 namespace {
 
 using HostileImageTest = ImageTest;
@@ -17,9 +19,9 @@ constexpr const char* kCodes[] = {"PNGf", "BMPf", "JPEG", "GIFf"};
 
 // How files of the known formats begin, each a little further than what it is known by.
 const std::string kStarts[] = {
-    std::string("\x89PNG\r\n\x1a\n\0\0\0\rIHDR\x7f\xff\xff\xff\x7f\xff\xff\xff\x08\x06\0\0\0", 33),
-    "GIF89a\xff\xff\xff\xff\xf7", std::string("\xff\xd8\xff\xe0\0\x10JFIF\0\x01\x02", 13),
-    bmp(30000, 1).substr(0, 22) + std::string("\x30\x75\0\0", 4) + bmp(30000, 1).substr(26, 28), // as high
+    "\x89PNG\r\n\x1a\n\0\0\0\rIHDR\x7f\xff\xff\xff\x7f\xff\xff\xff\x08\x06\0\0\0"s,
+    "GIF89a\xff\xff\xff\xff\xf7"s, "\xff\xd8\xff\xe0\0\x10JFIF\0\x01\x02"s,
+    bmp(30000, 1).substr(0, 22) + "\x30\x75\0\0"s + bmp(30000, 1).substr(26, 28), // as high as wide
 };
 
 std::string junk(std::size_t size) {
