@@ -274,6 +274,24 @@ TEST_F(ImageTest, TheFirstBitmapOfAnImageCounts) {
     EXPECT_FALSE(hasPicture());
 }
 
+NSImage* shownImage;
+NSArray* keepImage(id self, SEL /*selector*/) {
+    shownImage = [self retain];
+    return shownRepresentations;
+}
+
+TEST_F(ImageTest, TheImageGoesWithTheCall) {
+    ASSERT_TRUE([person_ setImageData:dataOf(bmp(3, 2))]);
+    const ReplacedMethod replaced([NSImage class], @selector(representations), keepImage);
+    shownRepresentations = [NSArray arrayWithObject:[NSBitmapImageRep imageRepWithData:dataOf(bmp(3, 2))]];
+    getPicture();
+    EXPECT_EQ([shownImage retainCount], 1U);
+    [shownImage release];
+    EXPECT_EQ(setPicture(*containerOf({{"BMPf", bmp(3, 2)}})), "0");
+    EXPECT_EQ([shownImage retainCount], 1U);
+    [shownImage release];
+}
+
 TEST_F(ImageTest, NothingIsSaved) {
     ABAddressBook* book = [ABAddressBook sharedAddressBook];
     EXPECT_EQ(setPicture(*containerOf({{"BMPf", bmp(3, 2)}})), "0");
