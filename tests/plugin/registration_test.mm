@@ -3,6 +3,7 @@
 #include "tests/plugin/host_double.h"
 #include "tests/plugin/notification_support.h"
 #include "tests/plugin/replaced_method.h"
+#include <future>
 
 // Records that must not be changed.
 @interface VelocardLockedPerson : ABPerson
@@ -72,6 +73,25 @@ TEST_F(RegistrationTest, TheFirstThreadStaysTheOwner) {
     post(changes(ids(@"a"), nil, nil));
     ASSERT_EQ(starts.size(), 2U);
     EXPECT_EQ(starts[0].script, "Changed 2");
+}
+
+TEST_F(RegistrationTest, AnyThreadMayBeTheOwner) {
+    std::promise<void> registered;
+    std::thread::id owner;
+    std::thread thread([&] {
+        const Pool pool;
+        owner = std::this_thread::get_id();
+        EXPECT_EQ(registerScript("Contacts", "Changed"), "0");
+        registered.set_value();
+        NSDate* end = [NSDate dateWithTimeIntervalSinceNow:10];
+        while (starts.empty() && [end timeIntervalSinceNow] > 0) {
+            [[NSRunLoop currentRunLoop] runMode:NSDefaultRunLoopMode beforeDate:end];
+        }
+    });
+    registered.get_future().wait();
+    post(changes(ids(@"a"), nil, nil));
+    thread.join();
+    EXPECT_EQ(starts, (std::vector<Start>{{"Contacts", "Changed", 3, "New a", owner}}));
 }
 
 TEST_F(RegistrationTest, TheEnvironmentIsThatOfTheLastCall) {
