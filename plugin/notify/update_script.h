@@ -7,8 +7,9 @@
 extern Retained<KORUXNotificationListener>& listner;
 
 // Lets the listener start a script whenever another process has changed the address book; the arguments are
-// its file and its name, which may be empty. Each call adds one start for each change, all of the script named
-// last; there is no way to take one back. The environment is the calculation's; the locale is its result's.
-// "0", or nil when it failed the call with kRecordReadOnly: the current record must not be a read-only one.
+// its file and its name, which may be empty. Each call adds one start for each change, all of the script
+// named last; there is no way to take one back. The environment is the calculation's; the locale is its
+// result's. "0", or nil when it failed the call with kRecordReadOnly: the current record must not be a
+// read-only one.
 [[nodiscard]] NSString* registerUpdateScript(const fmx::ExprEnv& environment, const fmx::DataVect& arguments,
                                              const fmx::Data& result);
