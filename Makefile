@@ -1,4 +1,4 @@
-# The two commands: `make demo` shows the main job on real input, `make test` runs everything CI runs.
+# The two commands: `make demo` shows the main job on real input, `make test` runs the tests. CI adds lint and test-tsan.
 # Both install what is missing from packages.txt by themselves (Debian 12; root, or sudo).
 
 .PHONY: help demo test test-asan test-tsan lint format build setup clean
@@ -10,15 +10,19 @@ help: ## this list
 demo: setup ## build, import contacts into a throw-away address book, run the typical calculation
 	@scripts/demo
 
-test: setup lint ## every check and test: lint, the release build's tests, then the same under the sanitizers
+test: setup ## all tests, in the release build and again under the address and undefined-behaviour sanitizers
 	@scripts/run-tests release
 	@scripts/run-tests asan
 
 test-asan: setup ## the tests under the address and undefined-behaviour sanitizers
 	@scripts/run-tests asan
 
-test-tsan: setup ## the tests under the thread sanitizer
-	@scripts/run-tests tsan
+# Only tests that have more than one thread, or a thread beside them in the library.
+threaded_targets = foundation_test framework_test store_test plugin_test loader_test velocard_updates fmhost addressbook
+threaded_tests = ^foundation_test|^framework_test.*(Change|Process)|^store_test.Watch|^plugin_test.Notification|^loader_test|^live.updates
+
+test-tsan: setup ## the tests with threads, under the thread sanitizer
+	@TARGETS="$(threaded_targets)" scripts/run-tests tsan -R '$(threaded_tests)'
 
 lint: setup ## clang-format and clang-tidy over all sources
 	@scripts/lint

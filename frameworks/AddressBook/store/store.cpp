@@ -31,7 +31,8 @@ std::string processMark() {
         std::string bytes;
     };
     static std::mutex lock;
-    static Mark mark;
+    // Never destroyed: a watch's thread may still ask while the process ends.
+    static Mark& mark = *new Mark;
     const std::lock_guard<std::mutex> guard(lock);
     if (mark.process != getpid())
         mark = {getpid(), newUuid()};
