@@ -7,6 +7,7 @@
 #include "output.h"
 #include "show.h"
 
+#include "frameworks/AddressBook/store/backup.h"
 #include "frameworks/AddressBook/store/store.h"
 
 #include <CLI/CLI.hpp>
@@ -47,10 +48,19 @@ struct Options {
         bool clear = false;
     } me;
     bool groupsJson = false;
+    struct {
+        std::string file;
+        bool force = false;
+    } backup;
 };
 
 std::string counted(std::size_t count, const std::string& singular, const std::string& plural) {
     return std::to_string(count) + ' ' + (count == 1 ? singular : plural);
+}
+
+std::string contents(std::int64_t people, std::int64_t groups) {
+    return counted(static_cast<std::size_t>(people), "person", "people") + " and " +
+           counted(static_cast<std::size_t>(groups), "group", "groups");
 }
 
 std::filesystem::path folder(const Options& options) {
@@ -253,8 +263,26 @@ int runCheck(const Options& options) {
         return kIncomplete;
     }
     std::cerr << store.file().string() << ": sound, "
-              << counted(static_cast<std::size_t>(store.count(Kind::person)), "person", "people") << " and "
-              << counted(static_cast<std::size_t>(store.count(Kind::group)), "group", "groups") << '\n';
+              << contents(store.count(Kind::person), store.count(Kind::group)) << '\n';
+    return kDone;
+}
+
+int runBackup(const Options& options) {
+    const CopySummary summary = backUp(folder(options), options.backup.file, options.backup.force);
+    std::cerr << options.backup.file << ": " << contents(summary.people, summary.groups) << " backed up\n";
+    return kDone;
+}
+
+// Tells where the book is that another one has taken the place of.
+void tellKept(const std::filesystem::path& kept) {
+    if (!kept.empty())
+        std::cerr << "the address book that was there is kept as " << kept.string() << '\n';
+}
+
+int runRestore(const Options& options) {
+    const CopySummary summary = restore(folder(options), options.backup.file);
+    std::cerr << options.backup.file << ": " << contents(summary.people, summary.groups) << " restored\n";
+    tellKept(summary.kept);
     return kDone;
 }
 
@@ -340,6 +368,20 @@ void declare(CLI::App& app, Options& options, int (*&work)(const Options&)) {
 
     command("check", "Look for damage in the address book", "  addressbook check --book /srv/contacts",
             runCheck);
+
+    sub = command("backup", "Copy the whole address book into one file, while it may be in use",
+                  "  addressbook backup contacts.backup\n"
+                  "  addressbook backup --force contacts.backup",
+                  runBackup);
+    sub->add_option("FILE", options.backup.file, "Where to; it appears only when it is whole and sound")
+        ->required();
+    sub->add_flag("--force", options.backup.force, "Replace the file when there is one");
+
+    sub = command("restore", "Put a backup in the place of the address book",
+                  "  addressbook restore contacts.backup\n"
+                  "The book that was there is kept beside it, under a name with the date and time.",
+                  runRestore);
+    sub->add_option("FILE", options.backup.file, "A file that addressbook backup wrote")->required();
 }
 
 int run(int argc, char** argv) {

@@ -20,21 +20,13 @@ using Reason = StoreError::Reason;
 
 constexpr mode_t kFolderMode = 0700;
 constexpr mode_t kFileMode = 0600;
+constexpr int kAttempts = 3; // at opening a file that others replace
 constexpr int kCacheKilobytes = 16 * 1024;
 
 // The value of an environment variable; null when it is unset or empty.
 const char* environment(const char* name) {
     const char* value = std::getenv(name);
     return value != nullptr && *value != '\0' ? value : nullptr;
-}
-
-StoreError systemError(const std::string& sentence, const fs::path& path, int error, const char* remedy) {
-    const bool denied = error == EACCES || error == EPERM || error == EROFS;
-    const Reason reason = denied                               ? Reason::readOnly
-                          : error == ENOSPC || error == EDQUOT ? Reason::full
-                                                               : Reason::io;
-    return {reason, sentence + " " + path.string() + " (" + std::generic_category().message(error) +
-                        "): " + remedy + "."};
 }
 
 void makeFolder(const fs::path& folder) {
@@ -51,7 +43,7 @@ void makeFolderAndParents(const fs::path& folder) {
 }
 
 // Answers whether the folder is there, having made it when it may.
-bool prepareFolder(const fs::path& folder, bool mayMake) {
+bool hasFolder(const fs::path& folder, bool mayMake) {
     std::error_code error;
     const fs::file_status status = fs::status(folder, error);
     if (fs::is_directory(status))
@@ -72,37 +64,21 @@ bool prepareFolder(const fs::path& folder, bool mayMake) {
     return true;
 }
 
-std::string uriOf(const fs::path& file, const char* query) {
-    static constexpr char kDigits[] = "0123456789ABCDEF";
-    std::string uri = "file:";
-    for (const char c : fs::absolute(file).string()) {
-        const auto byte = static_cast<unsigned char>(c);
-        if (c == '?' || c == '#' || c == '%') {
-            uri += {'%', kDigits[byte >> 4], kDigits[byte & 0xF]};
-        } else {
-            uri += c;
-        }
-    }
-    return uri + query;
+void requireFolder(const fs::path& folder, bool mayMake) {
+    if (!hasFolder(folder, mayMake))
+        throw StoreError(Reason::missingFolder, "The address book's folder " + folder.string() +
+                                                    " does not exist: make it, or correct ADDRESSBOOK_HOME.");
 }
 
 std::unique_ptr<sql::Connection> connect(const fs::path& file, const char* query, int flags,
                                          std::chrono::milliseconds patience) {
     auto connection =
-        std::make_unique<sql::Connection>(file, uriOf(file, query), flags | SQLITE_OPEN_URI, patience);
+        std::make_unique<sql::Connection>(file, databaseUri(file, query), flags | SQLITE_OPEN_URI, patience);
     connection->execute(
         "PRAGMA trusted_schema = OFF; PRAGMA cell_size_check = ON; PRAGMA temp_store = MEMORY;"
         "PRAGMA synchronous = FULL; PRAGMA cache_size = -" +
         std::to_string(kCacheKilobytes));
     return connection;
-}
-
-void syncFolder(const fs::path& folder) {
-    const int descriptor = open(folder.c_str(), O_RDONLY | O_DIRECTORY | O_CLOEXEC);
-    if (descriptor < 0)
-        return;
-    fsync(descriptor);
-    close(descriptor);
 }
 
 // Makes an empty address book beside its place and gives it its name only when it is whole: a file of that
@@ -124,7 +100,8 @@ void makeFile(const fs::path& file, std::chrono::milliseconds patience) {
         }
     } const remover{draft};
     {
-        sql::Connection connection(file, uriOf(draft, ""), SQLITE_OPEN_READWRITE | SQLITE_OPEN_URI, patience);
+        sql::Connection connection(file, databaseUri(draft, ""), SQLITE_OPEN_READWRITE | SQLITE_OPEN_URI,
+                                   patience);
         connection.execute("PRAGMA synchronous = FULL; PRAGMA journal_mode = WAL");
         migrate(connection);
     }
@@ -173,7 +150,61 @@ void checkVersion(sql::Connection& connection) {
     migrate(connection); // nothing to do, or the error about a newer version
 }
 
+OpenedFile openFile(const fs::path& file, bool wantsWrite, std::chrono::milliseconds patience) {
+    if (wantsWrite && isWritable(file)) {
+        auto connection = connect(file, "", SQLITE_OPEN_READWRITE, patience);
+        migrate(*connection);
+        connection->execute("PRAGMA journal_mode = WAL; PRAGMA journal_size_limit = 4194304");
+        return {std::move(connection), false};
+    }
+    auto connection = connectReadOnly(file, patience);
+    checkVersion(*connection);
+    return {std::move(connection), true};
+}
+
 } // namespace
+
+StoreError systemError(const std::string& sentence, const fs::path& path, int error, const char* remedy) {
+    const bool denied = error == EACCES || error == EPERM || error == EROFS;
+    const Reason reason = denied                               ? Reason::readOnly
+                          : error == ENOSPC || error == EDQUOT ? Reason::full
+                                                               : Reason::io;
+    return {reason, sentence + " " + path.string() + " (" + std::generic_category().message(error) +
+                        "): " + remedy + "."};
+}
+
+std::string databaseUri(const fs::path& file, const char* query) {
+    static constexpr char kDigits[] = "0123456789ABCDEF";
+    std::string uri = "file:";
+    for (const char c : fs::absolute(file).string()) {
+        const auto byte = static_cast<unsigned char>(c);
+        if (c == '?' || c == '#' || c == '%') {
+            uri += {'%', kDigits[byte >> 4], kDigits[byte & 0xF]};
+        } else {
+            uri += c;
+        }
+    }
+    return uri + query;
+}
+
+void syncFolder(const fs::path& folder) {
+    const int descriptor = open(folder.c_str(), O_RDONLY | O_DIRECTORY | O_CLOEXEC);
+    if (descriptor < 0)
+        return;
+    fsync(descriptor);
+    close(descriptor);
+}
+
+void prepareFolder(const fs::path& folder) {
+    requireFolder(folder, true);
+}
+
+void makePrivateFile(const fs::path& file) {
+    const int descriptor = open(file.c_str(), O_RDWR | O_CREAT | O_EXCL | O_CLOEXEC, kFileMode);
+    if (descriptor < 0)
+        throw systemError("Could not make the file", file, errno, "make its folder writable");
+    close(descriptor);
+}
 
 fs::path Store::defaultFolder() {
     if (const char* home = environment("ADDRESSBOOK_HOME"))
@@ -186,9 +217,7 @@ fs::path Store::defaultFolder() {
 
 OpenedFile openAddressBook(const fs::path& folder, Store::Access mode, std::chrono::milliseconds patience) {
     const bool wantsWrite = mode == Store::Access::readWrite;
-    if (!prepareFolder(folder, wantsWrite))
-        throw StoreError(Reason::missingFolder, "The address book's folder " + folder.string() +
-                                                    " does not exist: make it, or correct ADDRESSBOOK_HOME.");
+    requireFolder(folder, wantsWrite);
     const fs::path file = folder / kFileName;
     std::error_code error;
     const fs::file_status status = fs::status(file, error);
@@ -207,15 +236,12 @@ OpenedFile openAddressBook(const fs::path& folder, Store::Access mode, std::chro
                              (fs::is_regular_file(status) ? " is an empty file" : " is no file") +
                              ": restore it from a backup, or move it away to begin a new one.");
     }
-    if (wantsWrite && isWritable(file)) {
-        auto connection = connect(file, "", SQLITE_OPEN_READWRITE, patience);
-        migrate(*connection);
-        connection->execute("PRAGMA journal_mode = WAL; PRAGMA journal_size_limit = 4194304");
-        return {std::move(connection), false};
-    }
-    auto connection = connectReadOnly(file, patience);
-    checkVersion(*connection);
-    return {std::move(connection), true};
+    // A file that was replaced just when it was being opened is not the book any more.
+    for (int attempt = 0; attempt < kAttempts; ++attempt)
+        if (OpenedFile opened = openFile(file, wantsWrite, patience); !opened.connection->moved())
+            return opened;
+    throw StoreError(Reason::io, "The address book " + file.string() +
+                                     " was replaced while it was being opened: try again.");
 }
 
 } // namespace addressbook

@@ -8,6 +8,7 @@
 #include <chrono>
 #include <filesystem>
 #include <memory>
+#include <string>
 
 namespace addressbook {
 
@@ -24,5 +25,21 @@ struct OpenedFile {
 // current schema. A file or folder that may not be written is opened for reading. Throws StoreError.
 OpenedFile openAddressBook(const std::filesystem::path& folder, Store::Access mode,
                            std::chrono::milliseconds patience);
+
+// Makes the book's [folder] as Store's constructor says. Throws StoreError when it is not there.
+void prepareFolder(const std::filesystem::path& folder);
+
+// The name under which SQLite opens a file; [query] holds its options, "?immutable=1" for instance.
+std::string databaseUri(const std::filesystem::path& file, const char* query = "");
+
+// Makes an empty file for its owner only. Throws StoreError, also when there is one.
+void makePrivateFile(const std::filesystem::path& file);
+
+// Makes sure that what was named, renamed and removed in a folder stays so.
+void syncFolder(const std::filesystem::path& folder);
+
+// A system call's [error] as one sentence: "[sentence] [path] (reason): [remedy]."
+StoreError systemError(const std::string& sentence, const std::filesystem::path& path, int error,
+                       const char* remedy);
 
 } // namespace addressbook

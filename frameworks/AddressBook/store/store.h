@@ -158,8 +158,10 @@ class Store {
     std::int64_t lastChange() const;
     std::vector<LoggedChange> changesSince(std::int64_t change) const;
 
-    // Looks for damage: SQLite's own check, then dangling and contradictory rows. Empty: sound.
-    std::vector<std::string> check() const;
+    // Looks for damage: SQLite's own check, then dangling and contradictory rows; with everything, also
+    // whether the search indexes say what the records do, which takes far longer. Empty: sound.
+    enum class Depth { records, everything };
+    std::vector<std::string> check(Depth depth = Depth::everything) const;
 
     struct Impl; // shared by the store's sources
 

@@ -1,0 +1,136 @@
+#include "backup.h"
+
+#include "exchange.h"
+#include "folder.h"
+#include "impl.h"
+#include "schema.h"
+
+#include <fcntl.h>
+#include <sqlite3.h>
+#include <sys/stat.h>
+#include <unistd.h>
+
+#include <cerrno>
+#include <cstdio>
+#include <system_error>
+
+namespace addressbook {
+namespace {
+
+namespace fs = std::filesystem;
+using Reason = StoreError::Reason;
+
+constexpr std::chrono::seconds kPatience{10};
+
+fs::path folderOf(const fs::path& file) {
+    return file.has_parent_path() ? file.parent_path() : fs::path(".");
+}
+
+[[noreturn]] void fail(const fs::path& file, const std::string& what) {
+    throw BackupError(file.string() + ": " + what);
+}
+
+// Looks whether the copy in the workshop is a sound address book, and counts what is in it. An older one is
+// brought up to date on the way.
+CopySummary inspect(const Workshop& workshop, const fs::path& file, const char* remedy) {
+    std::string problem;
+    try {
+        const Store store(workshop.folder());
+        const auto problems = store.check(Store::Depth::records);
+        if (problems.empty())
+            return {store.count(Kind::person), store.count(Kind::group), {}};
+        problem = problems.front();
+    } catch (const StoreError& error) {
+        if (error.reason() != Reason::damaged && error.reason() != Reason::notADatabase)
+            throw;
+        problem = error.what();
+    }
+    const std::string draft = workshop.draft().string();
+    for (std::size_t at; (at = problem.find(draft)) != std::string::npos;)
+        problem.replace(at, draft.size(), file.string());
+    fail(file, std::string("it is damaged and was not copied: ") + remedy + " (" + problem + ")");
+}
+
+// Makes the database one file that needs nothing beside it, and safe on the disk.
+void settle(const fs::path& file) {
+    {
+        sql::Connection connection(file, databaseUri(file), SQLITE_OPEN_READWRITE | SQLITE_OPEN_URI,
+                                   kPatience);
+        connection.execute("PRAGMA journal_mode = DELETE");
+    }
+    const int descriptor = open(file.c_str(), O_RDONLY | O_CLOEXEC);
+    if (descriptor < 0 || fsync(descriptor) != 0)
+        fail(file, "cannot write: " + std::generic_category().message(errno));
+    close(descriptor);
+}
+
+// Gives the draft its name.
+void publish(const fs::path& draft, const fs::path& file, bool replace) {
+    if (replace) {
+        if (std::rename(draft.c_str(), file.c_str()) != 0)
+            fail(file, "cannot write: " + std::generic_category().message(errno));
+    } else if (renameat2(AT_FDCWD, draft.c_str(), AT_FDCWD, file.c_str(), RENAME_NOREPLACE) != 0) {
+        // A file system that knows no such renaming: there was no file a moment ago.
+        if (errno != EINVAL || std::rename(draft.c_str(), file.c_str()) != 0)
+            fail(file, errno == EEXIST ? "there is such a file; --force replaces it"
+                                       : "cannot write: " + std::generic_category().message(errno));
+    }
+    syncFolder(folderOf(file));
+}
+
+bool isOpenBook(const fs::path& book, const fs::path& file) {
+    std::error_code error;
+    return fs::equivalent(book, file, error);
+}
+
+} // namespace
+
+CopySummary backUp(const fs::path& folder, const fs::path& file, bool replace) {
+    const Store::Impl book(folder, Store::Access::readOnly, kPatience);
+    std::error_code error;
+    const fs::file_status status = fs::symlink_status(file, error);
+    if (isOpenBook(book.db.file(), file))
+        fail(file, "this is the address book itself; name another file");
+    if (fs::exists(status) && !fs::is_regular_file(status))
+        fail(file, "this is no ordinary file; name another");
+    if (fs::exists(status) && !replace)
+        fail(file, "there is such a file; --force replaces it");
+    if (!fs::is_directory(folderOf(file), error))
+        fail(file, "its folder does not exist; make it, or name another file");
+    const Workshop workshop(folderOf(file));
+    copyDatabase(book.db, workshop.draft());
+    const CopySummary summary =
+        inspect(workshop, book.db.file(), "addressbook repair rescues what can be read");
+    settle(workshop.draft());
+    publish(workshop.draft(), file, replace);
+    return summary;
+}
+
+CopySummary restore(const fs::path& folder, const fs::path& file) {
+    std::error_code error;
+    const fs::file_status status = fs::status(file, error);
+    if (!fs::exists(status))
+        fail(file, "there is no such file");
+    if (!fs::is_regular_file(status) || fs::file_size(file, error) == 0)
+        fail(file, "this is no backup of an address book");
+    if (isOpenBook(folder / kFileName, file))
+        fail(file, "this is the address book itself; name its backup");
+    prepareFolder(folder);
+    const Workshop workshop(folder);
+    try {
+        sql::Connection backup(file, databaseUri(file), SQLITE_OPEN_READONLY | SQLITE_OPEN_URI, kPatience);
+        if (schemaVersion(backup) > static_cast<int>(migrations().size()))
+            fail(file, "it was written by a newer version; install that to restore it");
+        copyDatabase(backup, workshop.draft());
+    } catch (const StoreError& problem) {
+        if (problem.reason() == Reason::full)
+            throw;
+        throw BackupError(problem.what());
+    }
+    CopySummary summary = inspect(workshop, file, "restore another backup");
+    HeldBook book(folder);
+    summary.kept = book.replaceBy(workshop.draft());
+    return summary;
+}
+
+} // namespace addressbook

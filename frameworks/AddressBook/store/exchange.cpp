@@ -1,0 +1,155 @@
+#include "exchange.h"
+
+#include "folder.h"
+
+#include <fcntl.h>
+#include <sqlite3.h>
+#include <sys/stat.h>
+#include <unistd.h>
+
+#include <cerrno>
+#include <chrono>
+#include <ctime>
+#include <system_error>
+
+namespace addressbook {
+namespace {
+
+namespace fs = std::filesystem;
+using Reason = StoreError::Reason;
+
+constexpr std::chrono::seconds kPatience{10};
+// What SQLite keeps beside a database and would take for part of whatever lies there.
+constexpr const char* kCompanions[] = {"-wal", "-journal", "-shm"};
+constexpr const char* kKept[] = {"", "-wal", "-journal"};
+
+fs::path with(fs::path file, const char* suffix) {
+    file += suffix;
+    return file;
+}
+
+// Keeps every SQLite from opening a database: all of them take this byte for a moment before they read.
+class Barrier {
+  public:
+    explicit Barrier(const fs::path& file) : descriptor_(open(file.c_str(), O_RDWR | O_CLOEXEC)) {
+        constexpr off_t kPendingByte = 0x40000000;
+        struct flock lock {};
+        lock.l_type = F_WRLCK;
+        lock.l_whence = SEEK_SET;
+        lock.l_start = kPendingByte;
+        lock.l_len = 1;
+        if (descriptor_ < 0 || fcntl(descriptor_, F_SETLK, &lock) != 0 || fsync(descriptor_) != 0) {
+            const int error = errno;
+            close(descriptor_);
+            throw systemError("Could not prepare the file", file, error, "check the disk and try again");
+        }
+    }
+    ~Barrier() { close(descriptor_); }
+    Barrier(const Barrier&) = delete;
+    Barrier& operator=(const Barrier&) = delete;
+
+  private:
+    int descriptor_;
+};
+
+// A second name for the file; a copy where the file system has no links.
+void keep(const fs::path& file, const fs::path& name) {
+    if (link(file.c_str(), name.c_str()) == 0 || errno == ENOENT)
+        return;
+    std::error_code error;
+    fs::copy_file(file, name, error);
+    if (error)
+        throw systemError("Could not keep the present address book as", name, error.value(),
+                          "make room in its folder and try again");
+}
+
+// A free name beside the book that tells when.
+fs::path keptName(const fs::path& file) {
+    const std::time_t now = std::time(nullptr);
+    std::tm local{};
+    localtime_r(&now, &local);
+    char stamp[32];
+    std::strftime(stamp, sizeof stamp, "%Y-%m-%d-%H%M%S", &local);
+    const std::string stem = (file.parent_path() / file.stem()).string() + "-" + stamp;
+    const std::string extension = file.extension().string();
+    fs::path name = stem + extension;
+    const auto taken = [&] {
+        struct stat status {};
+        for (const char* suffix : kKept)
+            if (lstat(with(name, suffix).c_str(), &status) == 0)
+                return true;
+        return false;
+    };
+    for (int number = 2; taken(); ++number)
+        name = stem + "-" + std::to_string(number) + extension;
+    return name;
+}
+
+} // namespace
+
+Workshop::Workshop(const fs::path& folder) {
+    std::string pattern = (folder / (std::string(".") + kFileName + "-XXXXXX")).string();
+    if (mkdtemp(pattern.data()) == nullptr)
+        throw systemError("Could not write in the folder", folder, errno,
+                          "make it writable, or choose another");
+    folder_ = pattern;
+}
+
+Workshop::~Workshop() {
+    std::error_code ignored;
+    fs::remove_all(folder_, ignored);
+}
+
+fs::path Workshop::draft() const {
+    return folder_ / kFileName;
+}
+
+void copyDatabase(const sql::Connection& from, const fs::path& to) {
+    makePrivateFile(to);
+    const sql::Connection copy(to, databaseUri(to), SQLITE_OPEN_READWRITE | SQLITE_OPEN_URI, kPatience);
+    sqlite3_backup* work = sqlite3_backup_init(copy.handle(), "main", from.handle(), "main");
+    if (work == nullptr)
+        copy.fail(sqlite3_extended_errcode(copy.handle()));
+    sqlite3_backup_step(work, -1); // all at once: what is saved meanwhile does not begin it anew
+    if (const int code = sqlite3_backup_finish(work); code != SQLITE_OK)
+        (code == SQLITE_FULL || (code & 0xFF) == SQLITE_IOERR ? copy : from).fail(code);
+}
+
+HeldBook::HeldBook(const fs::path& folder) : file_(folder / kFileName) {
+    std::error_code error;
+    if (const fs::path real = fs::canonical(file_, error); !error)
+        file_ = real; // the book may be a symbolic link
+    if (!fs::is_regular_file(file_, error))
+        return;
+    try {
+        auto connection = std::make_unique<sql::Connection>(
+            file_, databaseUri(file_), SQLITE_OPEN_READWRITE | SQLITE_OPEN_URI, kPatience);
+        // A log that is not this database's must not be written into it.
+        sqlite3_db_config(connection->handle(), SQLITE_DBCONFIG_NO_CKPT_ON_CLOSE, 1, nullptr);
+        connection->execute("BEGIN IMMEDIATE");
+        connection_ = std::move(connection);
+    } catch (const StoreError& failure) {
+        if (failure.reason() == Reason::locked || failure.reason() == Reason::readOnly)
+            throw;
+    }
+}
+
+fs::path HeldBook::replaceBy(const fs::path& draft) {
+    fs::path kept;
+    const Barrier barrier(draft); // until the old log is away, which the new database would take for its own
+    std::error_code error;
+    if (fs::exists(file_, error)) {
+        kept = keptName(file_);
+        for (const char* suffix : kKept)
+            if (fs::file_size(with(file_, suffix), error) > 0 && !error)
+                keep(with(file_, suffix), with(kept, suffix));
+    }
+    if (std::rename(draft.c_str(), file_.c_str()) != 0)
+        throw systemError("Could not replace the address book", file_, errno, "check its folder");
+    for (const char* suffix : kCompanions)
+        unlink(with(file_, suffix).c_str());
+    syncFolder(file_.parent_path());
+    return kept;
+}
+
+} // namespace addressbook
