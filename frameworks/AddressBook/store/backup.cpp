@@ -118,7 +118,10 @@ CopySummary restore(const fs::path& folder, const fs::path& file) {
     prepareFolder(folder);
     const Workshop workshop(folder);
     try {
-        sql::Connection backup(file, databaseUri(file), SQLITE_OPEN_READONLY | SQLITE_OPEN_URI, kPatience);
+        // Alone it is the whole truth, may lie where nothing can be written, and gets nothing beside it.
+        const bool alone = !fs::exists(file.string() + "-wal");
+        sql::Connection backup(file, databaseUri(file, alone ? "?immutable=1" : ""),
+                               SQLITE_OPEN_READONLY | SQLITE_OPEN_URI, kPatience);
         if (schemaVersion(backup) > static_cast<int>(migrations().size()))
             fail(file, "it was written by a newer version; install that to restore it");
         copyDatabase(backup, workshop.draft());
