@@ -227,5 +227,30 @@ TEST_F(Backup, waitsForNoSaveToBeLostWhileItIsRestored) {
     EXPECT_EQ(outcome.status, 0) << outcome.err;
 }
 
+TEST_F(Backup, repairTellsWhatIsLostAndKeepsTheDamagedBook) {
+    std::string ada;
+    {
+        Store store(book());
+        ada = addPerson(store, {{"First", text("Ada")}, {"Note", text(std::string(20'000, 'n'))}});
+    }
+    EXPECT_EQ(run({"repair"}).err, database().string() + ": sound, nothing to repair\n");
+    std::string content = contentsOf(database());
+    content[content.find("nnnnnnnn")] = 'm';
+    std::ofstream(database(), std::ios::binary) << content;
+    EXPECT_EQ(run({"check"}).status, 1);
+    const Outcome outcome = run({"repair"});
+    EXPECT_EQ(outcome.status, 1);
+    EXPECT_EQ(outcome.out, ada + " is damaged: 2 of its values were readable; look at it.\n");
+    ASSERT_THAT(beside(), SizeIs(1));
+    EXPECT_EQ(outcome.err, "1 person and 0 groups rescued\nthe address book that was there is kept as " +
+                               beside()[0].string() + "\n");
+    EXPECT_TRUE(contentsOf(beside()[0]) == content);
+    EXPECT_EQ(run({"check"}).status, 0);
+    EXPECT_EQ(names(), line(ada, "Ada"));
+    file("book/AddressBook.db", std::string(9000, 'x'));
+    EXPECT_EQ(run({"repair"}).status, 3);
+    EXPECT_EQ(contentsOf(database()), std::string(9000, 'x'));
+}
+
 } // namespace
 } // namespace addressbook

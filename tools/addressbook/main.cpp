@@ -8,6 +8,7 @@
 #include "show.h"
 
 #include "frameworks/AddressBook/store/backup.h"
+#include "frameworks/AddressBook/store/repair.h"
 #include "frameworks/AddressBook/store/store.h"
 
 #include <CLI/CLI.hpp>
@@ -286,6 +287,21 @@ int runRestore(const Options& options) {
     return kDone;
 }
 
+int runRepair(const Options& options) {
+    const RepairReport report = repair(folder(options));
+    if (!report.needed) {
+        std::cerr << (folder(options) / "AddressBook.db").string() << ": sound, nothing to repair\n";
+        return kDone;
+    }
+    Output output;
+    for (const std::string& lost : report.lost)
+        output.write(lost + '\n');
+    output.finish();
+    std::cerr << contents(report.people, report.groups) << " rescued\n";
+    tellKept(report.kept);
+    return report.lost.empty() ? kDone : kIncomplete;
+}
+
 constexpr const char* kExitCodes =
     "Exit status: 0 done; 1 some cards refused, something not found, a file not read or "
     "written; 2 wrong usage; 3 the address book cannot be opened or written.";
@@ -382,6 +398,11 @@ void declare(CLI::App& app, Options& options, int (*&work)(const Options&)) {
                   "The book that was there is kept beside it, under a name with the date and time.",
                   runRestore);
     sub->add_option("FILE", options.backup.file, "A file that addressbook backup wrote")->required();
+
+    command("repair", "Make a new address book of what can be read in a damaged one",
+            "  addressbook repair\n"
+            "What is lost or doubtful is told, a line each; the damaged book is kept beside the new one.",
+            runRepair);
 }
 
 int run(int argc, char** argv) {

@@ -404,6 +404,20 @@ void visitCard(std::string_view card, const std::function<void(std::string_view,
     });
 }
 
+void visitDamagedCard(std::string_view card,
+                      const std::function<void(std::string_view, std::string_view)>& visit) {
+    try {
+        Reader reader(card);
+        reader.eightBytes();
+        while (!reader.atEnd()) {
+            const std::string_view name = reader.word();
+            visit(name, reader.bytes());
+        }
+    } catch (const DamagedCard&) { // nothing behind this place can be told apart
+        return;
+    }
+}
+
 std::optional<std::string_view> findInCard(std::string_view card, std::string_view name) {
     std::optional<std::string_view> found;
     walk(card, [&](std::string_view candidate, std::string_view value) {

@@ -31,6 +31,10 @@ Value decodeValue(std::string_view bytes);
 // Calls [visit] with each property's name and encoded value, in the order of names. Throws DamagedCard.
 void visitCard(std::string_view card, const std::function<void(std::string_view, std::string_view)>& visit);
 
+// The same for what can be read in a damaged card, whatever its checksum says; some of it may be wrong.
+void visitDamagedCard(std::string_view card,
+                      const std::function<void(std::string_view, std::string_view)>& visit);
+
 // The encoded value of one property. Throws DamagedCard.
 std::optional<std::string_view> findInCard(std::string_view card, std::string_view name);
 

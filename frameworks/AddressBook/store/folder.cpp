@@ -9,7 +9,10 @@
 
 #include <cstdlib>
 #include <cstring>
+#include <functional>
+#include <optional>
 #include <string>
+#include <string_view>
 #include <system_error>
 
 namespace addressbook {
@@ -20,7 +23,8 @@ using Reason = StoreError::Reason;
 
 constexpr mode_t kFolderMode = 0700;
 constexpr mode_t kFileMode = 0600;
-constexpr int kAttempts = 3; // at opening a file that others replace
+constexpr int kAttempts = 3;                   // at opening a file that others replace
+constexpr std::string_view kBookMark = "book"; // in sqlite_sequence, which every save writes; no table of it
 constexpr int kCacheKilobytes = 16 * 1024;
 
 // The value of an environment variable; null when it is unset or empty.
@@ -70,10 +74,16 @@ void requireFolder(const fs::path& folder, bool mayMake) {
                                                     " does not exist: make it, or correct ADDRESSBOOK_HOME.");
 }
 
+// Whether the last connection that closes leaves the log as it is.
+void keepLogAtClose(const sql::Connection& connection, bool keep) {
+    sqlite3_db_config(connection.handle(), SQLITE_DBCONFIG_NO_CKPT_ON_CLOSE, keep ? 1 : 0, nullptr);
+}
+
 std::unique_ptr<sql::Connection> connect(const fs::path& file, const char* query, int flags,
                                          std::chrono::milliseconds patience) {
     auto connection =
         std::make_unique<sql::Connection>(file, databaseUri(file, query), flags | SQLITE_OPEN_URI, patience);
+    keepLogAtClose(*connection, true);
     connection->execute(
         "PRAGMA trusted_schema = OFF; PRAGMA cell_size_check = ON; PRAGMA temp_store = MEMORY;"
         "PRAGMA synchronous = FULL; PRAGMA cache_size = -" +
@@ -104,6 +114,9 @@ void makeFile(const fs::path& file, std::chrono::milliseconds patience) {
                                    patience);
         connection.execute("PRAGMA synchronous = FULL; PRAGMA journal_mode = WAL");
         migrate(connection);
+        connection.run("INSERT INTO sqlite_sequence(name, seq) VALUES (?, random())")
+            .bindText(kBookMark)
+            .finish();
     }
     if (link(draft.c_str(), file.c_str()) != 0 && errno != EEXIST) {
         // A file system without links: the name is free unless another process was faster by a hair.
@@ -150,14 +163,86 @@ void checkVersion(sql::Connection& connection) {
     migrate(connection); // nothing to do, or the error about a newer version
 }
 
+// What every save writes on one page of the database: a number that is this book's own, 0 in an old one, and
+// how many saves there were.
+struct Mark {
+    std::int64_t book = 0, saves = 0;
+};
+
+Mark markOf(sql::Connection& connection) {
+    Mark mark;
+    auto run = connection.run("SELECT name, seq FROM sqlite_sequence");
+    while (run.step()) {
+        if (run.text(0) == "change")
+            mark.saves = run.integer(1);
+        else if (run.text(0) == kBookMark)
+            mark.book = run.integer(1);
+    }
+    return mark;
+}
+
+// The mark in the file alone; nothing when no log is there, or it cannot be read.
+std::optional<Mark> markWithoutLog(const fs::path& file) {
+    std::error_code error;
+    if (const auto size = fs::file_size(file.string() + "-wal", error); error || size == 0)
+        return std::nullopt;
+    try {
+        sql::Connection alone(file, databaseUri(file, "?immutable=1"), SQLITE_OPEN_READONLY | SQLITE_OPEN_URI,
+                              std::chrono::milliseconds(0));
+        return markOf(alone);
+    } catch (const StoreError&) {
+        return std::nullopt; // another process is just writing there, or what follows will say what is wrong
+    }
+}
+
+bool isOwnLog(sql::Connection& connection, const Mark& alone) {
+    const Mark now = markOf(connection); // no earlier than the other
+    return now.book == alone.book && now.saves >= alone.saves;
+}
+
+// Opens a file by [open] and refuses a log that is not the file's own, before anything of it gets into the
+// file.
+std::unique_ptr<sql::Connection> withOwnLog(const fs::path& file,
+                                            const std::function<std::unique_ptr<sql::Connection>()>& open) {
+    const auto alone = markWithoutLog(file);
+    bool own = true;
+    try {
+        auto connection = open();
+        own = !alone || isOwnLog(*connection, *alone) || connection->moved();
+        if (own) {
+            keepLogAtClose(*connection, false);
+            return connection;
+        }
+    } catch (const StoreError& error) {
+        if (!alone || error.reason() != Reason::damaged)
+            throw;
+    }
+    throw StoreError(Reason::damaged,
+                     "The address book " + file.string() + " is damaged (the log beside it, " +
+                         file.filename().string() +
+                         "-wal, belongs to another file or to an older state): repair it, or "
+                         "restore it from a backup.");
+}
+
+// Files get their name when they are whole: one without tables has lost them.
+void requireTables(sql::Connection& connection) {
+    if (schemaVersion(connection) == 0)
+        throw StoreError(Reason::notADatabase, "The address book " + connection.file().string() +
+                                                   " is an empty database: restore it from a backup, or move "
+                                                   "it away to begin a new one.");
+}
+
 OpenedFile openFile(const fs::path& file, bool wantsWrite, std::chrono::milliseconds patience) {
     if (wantsWrite && isWritable(file)) {
-        auto connection = connect(file, "", SQLITE_OPEN_READWRITE, patience);
+        auto connection =
+            withOwnLog(file, [&] { return connect(file, "", SQLITE_OPEN_READWRITE, patience); });
+        requireTables(*connection);
         migrate(*connection);
         connection->execute("PRAGMA journal_mode = WAL; PRAGMA journal_size_limit = 4194304");
         return {std::move(connection), false};
     }
-    auto connection = connectReadOnly(file, patience);
+    auto connection = withOwnLog(file, [&] { return connectReadOnly(file, patience); });
+    requireTables(*connection);
     checkVersion(*connection);
     return {std::move(connection), true};
 }
@@ -197,6 +282,15 @@ void syncFolder(const fs::path& folder) {
 
 void prepareFolder(const fs::path& folder) {
     requireFolder(folder, true);
+}
+
+bool hasOwnLog(const fs::path& file) {
+    try {
+        withOwnLog(file, [&] { return connect(file, "", SQLITE_OPEN_READONLY, std::chrono::seconds(10)); });
+        return true;
+    } catch (const StoreError& error) {
+        return error.reason() != Reason::damaged || !markWithoutLog(file);
+    }
 }
 
 void makePrivateFile(const fs::path& file) {

@@ -29,6 +29,10 @@ OpenedFile openAddressBook(const std::filesystem::path& folder, Store::Access mo
 // Makes the book's [folder] as Store's constructor says. Throws StoreError when it is not there.
 void prepareFolder(const std::filesystem::path& folder);
 
+// Whether the log beside a database file is its own: one of another file, or of an older state of this one,
+// would make a mixture of both. What cannot be read is taken for its own.
+bool hasOwnLog(const std::filesystem::path& file);
+
 // The name under which SQLite opens a file; [query] holds its options, "?immutable=1" for instance.
 std::string databaseUri(const std::filesystem::path& file, const char* query = "");
 
