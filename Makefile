@@ -1,7 +1,7 @@
 # The two commands: `make demo` shows the main job on real input, `make test` runs the tests. CI adds lint and test-tsan.
 # Both install what is missing from packages.txt by themselves (Debian 12; root, or sudo).
 
-.PHONY: help demo test test-asan test-tsan lint format build setup clean
+.PHONY: help demo test test-asan test-tsan test-long lint format build setup clean
 .DEFAULT_GOAL := help
 
 help: ## this list
@@ -23,6 +23,9 @@ threaded_tests = ^foundation_test|^framework_test.*(Change|Process)|^store_test.
 
 test-tsan: setup ## the tests with threads, under the thread sanitizer
 	@TARGETS="$(threaded_targets)" scripts/run-tests tsan -R '$(threaded_tests)'
+
+test-long: setup ## the tests that gain by time, for minutes: 500 killed processes, 30 seconds of eight at once
+	@VELOCARD_KILLS=500 VELOCARD_SECONDS=30 scripts/run-tests release -R '^store_test\.(Kill|Processes)'
 
 lint: setup ## clang-format and clang-tidy over all sources
 	@scripts/lint

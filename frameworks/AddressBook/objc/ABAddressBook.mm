@@ -45,6 +45,19 @@ NSInteger codeOf(StoreError::Reason reason) {
     }
 }
 
+// Says which records' changes a save had to leave out.
+std::string missingText(const std::vector<std::string>& uids) {
+    constexpr std::size_t kNamed = 10;
+    std::string text =
+        "Everything else is saved, but these records were deleted by another program, and what was "
+        "changed in them here is not saved:";
+    for (std::size_t i = 0; i < std::min(uids.size(), kNamed); ++i)
+        text += (i == 0 ? " " : ", ") + uids[i];
+    if (uids.size() > kNamed)
+        text += " and " + std::to_string(uids.size() - kNamed) + " more";
+    return text + ".";
+}
+
 void announce(ABAddressBook* book, const SaveResult& result) {
     if (announcing && result.change != 0)
         [[NSNotificationCenter defaultCenter]
@@ -128,6 +141,8 @@ BookPtr sharedBook() {
     if (code != 0)
         return refuse(error, code, stringFrom(failure));
     announce(self, result);
+    if (!result.missing.empty())
+        refuse(error, ABAddRecordsError, stringFrom(missingText(result.missing)));
     return YES;
 }
 

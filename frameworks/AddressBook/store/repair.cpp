@@ -249,7 +249,7 @@ std::string Rescue::uidFor(RowId id, const sql::Run& run) {
             lost_.push_back(indexed + " had a damaged unique id, " + *own + ".");
         return indexed;
     }
-    const std::string made = newUid(run.integer(0) == 1 ? Kind::group : Kind::person);
+    std::string made = newUid(run.integer(0) == 1 ? Kind::group : Kind::person);
     lost_.push_back("Record " + std::to_string(id) + " has lost its unique id and got " + made + ".");
     return made;
 }

@@ -2,6 +2,10 @@
 
 #include <sqlite3.h>
 
+#include <algorithm>
+#include <random>
+#include <thread>
+
 namespace addressbook::sql {
 namespace {
 
@@ -123,14 +127,30 @@ std::string_view Run::bytes(int column) const {
 
 Connection::Connection(std::filesystem::path file, const std::string& uri, int flags,
                        std::chrono::milliseconds patience)
-    : file_(std::move(file)) {
+    : file_(std::move(file)), patience_(patience) {
     const int code =
         sqlite3_open_v2(uri.c_str(), &handle_, flags | SQLITE_OPEN_NOMUTEX | SQLITE_OPEN_EXRESCODE, nullptr);
     if (code != SQLITE_OK) {
         sqlite3_close(std::exchange(handle_, nullptr));
         fail(code);
     }
-    sqlite3_busy_timeout(handle_, static_cast<int>(patience.count()));
+    sqlite3_busy_handler(handle_, &waitForLock, this);
+}
+
+// SQLite asks this between two attempts at a lock: answers whether to try again. The pauses stay short and
+// differ, so that of several processes that save all the time each has its turn; SQLite's own grow to 100 ms,
+// in which others that wait less come first again and again.
+int Connection::waitForLock(void* connection, int attempt) {
+    auto& self = *static_cast<Connection*>(connection);
+    const auto now = std::chrono::steady_clock::now();
+    if (attempt == 0)
+        self.waitsSince_ = now;
+    if (now - self.waitsSince_ >= self.patience_)
+        return 0;
+    thread_local std::minstd_rand random{std::random_device{}()};
+    const std::uint_fast32_t longest = 1000 + 500 * static_cast<std::uint_fast32_t>(std::min(attempt, 8));
+    std::this_thread::sleep_for(std::chrono::microseconds(200 + random() % longest));
+    return 1;
 }
 
 Connection::~Connection() {

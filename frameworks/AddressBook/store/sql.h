@@ -91,8 +91,11 @@ class Connection {
 
   private:
     sqlite3_stmt* prepare(std::string_view sql);
+    static int waitForLock(void* connection, int attempt);
 
     std::filesystem::path file_;
+    std::chrono::milliseconds patience_;
+    std::chrono::steady_clock::time_point waitsSince_;
     sqlite3* handle_ = nullptr;
     std::unordered_map<const char*, sqlite3_stmt*> literals_;
     std::unordered_map<std::string, sqlite3_stmt*> texts_;

@@ -22,7 +22,8 @@
 // for nil.
 - (NSArray*)recordsMatchingSearchElement:(ABSearchElement*)search;
 
-// Writes all changes or none; YES also when there are none.
+// Writes all changes or none; YES also when there are none. When other programs deleted records that were
+// changed here, everything else is written: YES, with an error that names those records.
 - (BOOL)save;
 - (BOOL)saveAndReturnError:(NSError**)error;
 - (BOOL)hasUnsavedChanges;
