@@ -1,6 +1,6 @@
 #pragma once
 
-// A file system for SQLite whose n-th write or sync fails: what a full or broken disk does to a save.
+// A file system for SQLite whose n-th write, sync or open fails: what a full or broken disk does to a save.
 
 #include <sqlite3.h>
 
@@ -25,7 +25,7 @@ class FaultVfs {
     FaultVfs(const FaultVfs&) = delete;
     FaultVfs& operator=(const FaultVfs&) = delete;
 
-    // Lets [good] writes and syncs pass; all after them fail with [code] until disarm().
+    // Lets [good] writes, syncs and opens pass; all after them fail with [code] until disarm().
     void arm(int good, int code) {
         state().left = good;
         state().code = code;
@@ -53,6 +53,9 @@ class FaultVfs {
     }
     static bool fails() { return state().code != SQLITE_OK && state().left-- <= 0; }
     static int open(sqlite3_vfs*, const char* name, sqlite3_file* file, int flags, int* outFlags) {
+        file->pMethods = nullptr;
+        if (fails())
+            return SQLITE_CANTOPEN;
         const int result = state().base->xOpen(state().base, name, file, flags, outFlags);
         if (result == SQLITE_OK && file->pMethods != nullptr) {
             Patched& patched = state().patched.emplace_back();
