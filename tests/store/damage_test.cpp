@@ -31,17 +31,23 @@ struct Contents {
     bool operator==(const Contents&) const = default;
 };
 
+// The id of a record that an index names; it may be lost.
+std::string uidAt(const Store& store, RowId row) {
+    const auto record = store.find(row);
+    return record ? record->uid : "lost";
+}
+
 Contents contentsOf(const Store& store) {
     Contents contents;
     for (const Kind kind : {Kind::person, Kind::group})
         for (const RowId row : store.rows(kind)) {
-            const std::string uid = store.find(row)->uid;
+            const std::string uid = uidAt(store, row);
             Values values = store.values(row);
             if (const Value picture = store.value(row, property::kImage); !picture.empty())
                 values.emplace(property::kImage, picture);
             contents.records.emplace(uid, values);
             for (const RowId member : store.members(row))
-                contents.members[uid].push_back(store.find(member)->uid);
+                contents.members[uid].push_back(uidAt(store, member));
         }
     contents.definitions = store.definitions();
     contents.me = store.me();
