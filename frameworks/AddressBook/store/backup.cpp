@@ -99,8 +99,7 @@ CopySummary backUp(const fs::path& folder, const fs::path& file, bool replace) {
         fail(file, "its folder does not exist; make it, or name another file");
     const Workshop workshop(folderOf(file));
     copyDatabase(book.db, workshop.draft());
-    CopySummary summary =
-        inspect(workshop, book.db.file(), "addressbook repair rescues what can be read");
+    CopySummary summary = inspect(workshop, book.db.file(), "addressbook repair rescues what can be read");
     settle(workshop.draft());
     publish(workshop.draft(), file, replace);
     return summary;
