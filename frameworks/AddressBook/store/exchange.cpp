@@ -81,7 +81,7 @@ fs::path keptName(const fs::path& file) {
         return false;
     };
     for (int number = 2; taken(); ++number)
-        name = stem + "-" + std::to_string(number) + extension;
+        name = fs::path(stem).concat("-").concat(std::to_string(number)).concat(extension);
     return name;
 }
 

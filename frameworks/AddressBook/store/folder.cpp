@@ -241,7 +241,10 @@ OpenedFile openFile(const fs::path& file, bool wantsWrite, std::chrono::millisec
         connection->execute("PRAGMA journal_mode = WAL; PRAGMA journal_size_limit = 4194304");
         return {std::move(connection), false};
     }
-    auto connection = withOwnLog(file, [&] { return connectReadOnly(file, patience); });
+    // Who only reads spoils nothing, and need not look again at what others have open.
+    auto connection = fs::exists(file.string() + "-shm")
+                          ? connectReadOnly(file, patience)
+                          : withOwnLog(file, [&] { return connectReadOnly(file, patience); });
     requireTables(*connection);
     checkVersion(*connection);
     return {std::move(connection), true};
