@@ -245,6 +245,7 @@ OpenedFile openFile(const fs::path& file, bool wantsWrite, std::chrono::millisec
     auto connection = fs::exists(file.string() + "-shm")
                           ? connectReadOnly(file, patience)
                           : withOwnLog(file, [&] { return connectReadOnly(file, patience); });
+    keepLogAtClose(*connection, false);
     requireTables(*connection);
     checkVersion(*connection);
     return {std::move(connection), true};

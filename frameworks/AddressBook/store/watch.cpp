@@ -82,6 +82,8 @@ void Watch::run() {
             troubled_ = false;
         wait(listening && looked);
     }
+    // Closed by now, not some time later: who closes the book last tidies up its log.
+    store_.reset();
 }
 
 // Asks the kernel to tell of changes, when it does not do so already.
