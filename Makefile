@@ -1,7 +1,7 @@
 # The two commands: `make demo` shows the main job on real input, `make test` runs the tests. CI adds lint and test-tsan.
 # Both install what is missing from packages.txt by themselves (Debian 12; root, or sudo).
 
-.PHONY: help demo test test-asan test-tsan test-long lint format build setup clean
+.PHONY: help demo bench test test-asan test-tsan test-long lint format build setup clean
 .DEFAULT_GOAL := help
 
 help: ## this list
@@ -26,6 +26,9 @@ test-tsan: setup ## the tests with threads, under the thread sanitizer
 
 test-long: setup ## the tests that gain by time, for minutes: 500 killed processes, 30 seconds of eight at once
 	@VELOCARD_KILLS=500 VELOCARD_SECONDS=30 scripts/run-tests release -R '^store_test\.(Kill|Processes)'
+
+bench: setup ## measure speed and memory against plain SQLite; PEOPLE=1000000 for the largest books
+	@scripts/bench
 
 lint: setup ## clang-format and clang-tidy over all sources
 	@scripts/lint

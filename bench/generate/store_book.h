@@ -1,0 +1,12 @@
+#pragma once
+
+#include <cstddef>
+#include <filesystem>
+
+namespace bench {
+
+// Makes the address book of [people] generated people and their groups in [folder], which must exist, through
+// the store: 50,000 people a save. Throws addressbook::StoreError.
+void makeStoreBook(const std::filesystem::path& folder, std::size_t people);
+
+} // namespace bench

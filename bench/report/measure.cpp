@@ -1,0 +1,305 @@
+#include "figures.h"
+
+#include "bench/baseline/baseline_book.h"
+#include "bench/framework/framework_book.h"
+#include "bench/generate/people.h"
+#include "bench/generate/store_book.h"
+#include "bench/host/calculations.h"
+
+#include <algorithm>
+#include <benchmark/benchmark.h>
+#include <chrono>
+#include <fstream>
+#include <functional>
+#include <optional>
+#include <stdexcept>
+#include <vector>
+
+namespace bench {
+namespace {
+
+namespace fs = std::filesystem;
+using Clock = std::chrono::steady_clock;
+
+constexpr int kRepetitions = 5;
+
+double secondsSince(Clock::time_point start) {
+    return std::chrono::duration<double>(Clock::now() - start).count();
+}
+
+// Keeps the median of the repetitions of each benchmark.
+class Medians : public benchmark::BenchmarkReporter {
+  public:
+    bool ReportContext(const Context&) override { return true; }
+    void ReportRuns(const std::vector<Run>& runs) override {
+        for (const Run& run : runs) {
+            if (run.error_occurred)
+                throw std::runtime_error(run.benchmark_name() + ": " + run.error_message);
+            if (run.run_type == Run::RT_Iteration)
+                times_[run.run_name.function_name].push_back(run.real_accumulated_time /
+                                                             static_cast<double>(run.iterations));
+        }
+    }
+    Figures figures() {
+        Figures figures;
+        for (auto& [name, times] : times_) {
+            std::sort(times.begin(), times.end());
+            figures[name] = times[times.size() / 2];
+        }
+        return figures;
+    }
+
+  private:
+    std::map<std::string, std::vector<double>> times_;
+};
+
+// Measures the wall-clock time of [work]. Repetitions of different benchmarks take turns, so that whatever
+// else the machine does is shared by all of them.
+void repeat(const std::string& name, std::function<void()> work) {
+    benchmark::RegisterBenchmark(name.c_str(),
+                                 [work = std::move(work)](benchmark::State& state) {
+                                     for ([[maybe_unused]] auto turn : state)
+                                         work();
+                                 })
+        ->UseRealTime()
+        ->Repetitions(kRepetitions);
+}
+
+// The same for work that needs something made ready each time, which is not measured; once a repetition.
+template <typename Prepare, typename Work>
+void repeatPrepared(const std::string& name, int repetitions, Prepare prepare, Work work) {
+    benchmark::RegisterBenchmark(name.c_str(),
+                                 [prepare, work](benchmark::State& state) {
+                                     for ([[maybe_unused]] auto turn : state) {
+                                         auto ready = prepare();
+                                         const auto start = Clock::now();
+                                         work(*ready);
+                                         state.SetIterationTime(secondsSince(start));
+                                     }
+                                 })
+        ->UseManualTime()
+        ->Iterations(1)
+        ->Repetitions(repetitions);
+}
+
+struct NamedSearch {
+    Search search;
+    const char* name;
+};
+constexpr NamedSearch kSearches[] = {{Search::lastEqual, "exact last name"},
+                                     {Search::lastContains, "part of a name"},
+                                     {Search::phoneContains, "part of a phone"},
+                                     {Search::noteContains, "part of a note"},
+                                     {Search::lastPrefix, "prefix"},
+                                     {Search::lastSuffix, "suffix"},
+                                     {Search::cityEqual, "city"},
+                                     {Search::mobilePrefix, "label"},
+                                     {Search::compound, "compound"}};
+
+[[noreturn]] void differ(const std::string& what) {
+    throw std::runtime_error("the baseline and the address book do not answer the same: " + what);
+}
+
+// The same people in the same order, the same texts: else the figures would compare different work.
+void compareAnswers(BaselineBook& baseline, FrameworkBook& book) {
+    for (const auto& [search, name] : kSearches) {
+        std::vector<std::string> uids;
+        for (const std::int64_t id : baseline.search(search))
+            uids.push_back(personUid(static_cast<std::size_t>(id - 1)));
+        if (uids != book.found(search))
+            differ(name);
+    }
+    if (baseline.walk() != book.walkedBytes())
+        differ("the walk");
+}
+
+// Unique ids of people all over the book, one after the other.
+class Turns {
+  public:
+    explicit Turns(std::size_t people) {
+        for (std::size_t i = 0; i < 4096; ++i)
+            uids_.push_back(personUid(i * 7919 % people));
+    }
+    const std::string& next() { return uids_[++turn_ % uids_.size()]; }
+
+  private:
+    std::vector<std::string> uids_;
+    std::size_t turn_ = 0;
+};
+
+// An empty folder for a book that is made and thrown away.
+class Scratch {
+  public:
+    explicit Scratch(const fs::path& folder) : folder_(folder / "scratch") {
+        fs::remove_all(folder_);
+        fs::create_directories(folder_);
+    }
+    ~Scratch() {
+        std::error_code ignored;
+        fs::remove_all(folder_, ignored);
+    }
+    Scratch(const Scratch&) = delete;
+    Scratch& operator=(const Scratch&) = delete;
+    const fs::path& folder() const { return folder_; }
+
+  private:
+    fs::path folder_;
+};
+
+template <typename Book>
+struct ScratchBook {
+    explicit ScratchBook(const fs::path& folder) : scratch(folder), book(scratch.folder()) {}
+    Scratch scratch;
+    Book book;
+};
+
+// Who the calculations read; and what.
+constexpr std::size_t kHeld = 17;
+struct NamedRead {
+    FrameworkBook::Read read;
+    const char* name;
+    const char* calculation;
+};
+constexpr NamedRead kReads[] = {
+    {FrameworkBook::Read::text, "text", "KORU_GetValueForProperty ( \"firstname\" )"},
+    {FrameworkBook::Read::date, "date", "KORU_GetValueForProperty ( \"birthday\" )"},
+    {FrameworkBook::Read::phone, "phone", "KORU_GetValueForUID ( \"phone\" ; $held )"},
+    {FrameworkBook::Read::phoneLabel, "phone label", "KORU_GetLabelForUID ( \"phone\" ; $held )"}};
+
+void registerBooks(const Place& place, BaselineBook& baseline, FrameworkBook& book, Turns& turns) {
+    for (const auto& [search, name] : kSearches) {
+        repeat(std::string("baseline/") + name,
+               [&baseline, search = search] { benchmark::DoNotOptimize(baseline.search(search)); });
+        repeat(std::string("framework/") + name,
+               [&book, search = search] { benchmark::DoNotOptimize(book.search(search)); });
+    }
+    repeat("baseline/by id", [&] { benchmark::DoNotOptimize(baseline.lastName(turns.next())); });
+    repeat("framework/by id", [&] { book.readLastName(turns.next()); });
+
+    repeatPrepared(
+        "baseline/walk", kRepetitions, [&place] { return std::make_unique<BaselineBook>(place.folder); },
+        [](BaselineBook& fresh) { benchmark::DoNotOptimize(fresh.walk()); });
+    repeatPrepared(
+        "framework/walk", kRepetitions, [&place] { return std::make_unique<FrameworkBook>(place.folder); },
+        [](FrameworkBook& fresh) { benchmark::DoNotOptimize(fresh.walk()); });
+
+    repeat("baseline/save one", [&, count = std::size_t{0}]() mutable {
+        ++count;
+        baseline.changeJob(static_cast<std::int64_t>(count * 7919 % place.people + 1),
+                           "Job " + std::to_string(count));
+    });
+    repeat("framework/save one",
+           [&, count = 0]() mutable { book.changeJob(turns.next(), "Job " + std::to_string(++count)); });
+
+    // A million objects before one save are more than this is about.
+    if (place.people > 100'000)
+        return;
+    const int repetitions = place.people < 100'000 ? 3 : 1;
+    repeatPrepared(
+        "baseline/add all", repetitions,
+        [&place] { return std::make_unique<ScratchBook<BaselineBook>>(place.folder); },
+        [&place](ScratchBook<BaselineBook>& fresh) { fresh.book.add(0, place.people); });
+    repeatPrepared(
+        "framework/add all", repetitions,
+        [&place] { return std::make_unique<ScratchBook<FrameworkBook>>(place.folder); },
+        [&place](ScratchBook<FrameworkBook>& fresh) {
+            fresh.book.add(place.people);
+            fresh.book.save();
+        });
+}
+
+void registerCalculations(Calculations& host, FrameworkBook& book) {
+    int number = 0;
+    const auto calculation = [&](const std::string& name, const char* text) {
+        host.prepare(++number, text);
+        repeat(name, [&host, number] { host.run(number); });
+    };
+    calculation("host/nothing", Calculations::kEmptyCall);
+    calculation("host/version", "KORU_Version");
+    calculation("host/last error", "KORU_GetLastError");
+
+    book.hold(personUid(kHeld));
+    host.evaluate("KORU_Open ( \"" + personUid(kHeld) + "\" )");
+    host.evaluate("Let ( $held = \"" + book.firstPhone() + "\" ; 1 )");
+    for (const auto& [read, name, text] : kReads) {
+        repeat(std::string("framework/read ") + name, [&book, read = read] { book.read(read); });
+        calculation(std::string("host/read ") + name, text);
+    }
+}
+
+// The walk moves the plug-in to other records: it is measured after all the others.
+double walkTime(Calculations& host) {
+    std::vector<double> times;
+    for (int i = 0; i < kRepetitions; ++i) {
+        host.searchEverybody();
+        const auto start = Clock::now();
+        host.walk(false);
+        times.push_back(secondsSince(start));
+    }
+    std::sort(times.begin(), times.end());
+    return times[times.size() / 2];
+}
+
+// A line of /proc/self/status in bytes.
+double memory(const std::string& name) {
+    std::ifstream status("/proc/self/status");
+    for (std::string word; status >> word;)
+        if (double kilobytes = 0; word == name + ":" && status >> kilobytes)
+            return kilobytes * 1024;
+    throw std::runtime_error("the system does not tell the memory in use");
+}
+
+} // namespace
+
+void makeBooks(const Place& place) {
+    fs::create_directories(place.folder);
+    makeStoreBook(place.folder, place.people);
+    BaselineBook baseline(place.folder);
+    constexpr std::size_t kPeopleInASave = 50'000;
+    for (std::size_t first = 0; first < place.people; first += kPeopleInASave)
+        baseline.add(first, std::min(place.people, first + kPeopleInASave));
+    baseline.addGroups(place.people);
+}
+
+Figures measureWork(const Place& place, const fs::path& plugin) {
+    BaselineBook baseline(place.folder);
+    FrameworkBook book(place.folder);
+    compareAnswers(baseline, book);
+    Turns turns(place.people);
+    Calculations host(plugin);
+    host.searchEverybody();
+    if (host.walk(true) != baseline.walk())
+        differ("the walk of a script");
+
+    std::string name = "bench";
+    std::string interleaved = "--benchmark_enable_random_interleaving=true";
+    std::string least = "--benchmark_min_time=0.1";
+    std::vector<char*> arguments{name.data(), interleaved.data(), least.data(), nullptr};
+    int count = 3;
+    benchmark::Initialize(&count, arguments.data());
+    registerBooks(place, baseline, book, turns);
+    registerCalculations(host, book);
+    Medians medians;
+    benchmark::RunSpecifiedBenchmarks(&medians);
+    Figures figures = medians.figures();
+    figures["host/walk"] = walkTime(host) / static_cast<double>(place.people);
+    return figures;
+}
+
+Figures measureOpening(const Place& place) {
+    const auto start = Clock::now();
+    FrameworkBook book(place.folder);
+    if (book.search(Search::lastEqual) == 0 && place.people >= 10'000)
+        throw std::runtime_error("the first search finds nobody");
+    return {{std::string(figure::kOpenTime), secondsSince(start)},
+            {std::string(figure::kOpenMemory), memory("VmRSS")}};
+}
+
+Figures measureWalkMemory(const Place& place) {
+    FrameworkBook book(place.folder);
+    if (book.walk() != 5 * place.people)
+        throw std::runtime_error("the walk does not see everybody");
+    return {{std::string(figure::kWalkMemory), memory("VmHWM")}};
+}
+
+} // namespace bench

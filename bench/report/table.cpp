@@ -1,0 +1,170 @@
+#include "table.h"
+
+#include <algorithm>
+#include <cstdarg>
+#include <cstdio>
+#include <iterator>
+#include <optional>
+#include <span>
+
+namespace bench {
+namespace {
+
+// What a target limits.
+enum class Kind {
+    ratio,  // measured / reference
+    excess, // measured - reference, in seconds
+    time,   // measured, in seconds
+    memory  // measured, in bytes
+};
+
+constexpr double kMicro = 1e-6;
+constexpr double kMega = 1e6;
+constexpr std::size_t kMillion = 1'000'000;
+
+// One line of the table.
+struct Row {
+    const char* level; // F: the framework's interface; C: a calculation in the host
+    const char* work;
+    const char* measured;
+    const char* reference; // none for time and memory
+    Kind kind;
+    double limit;
+    std::size_t people = 0; // the size that the target is about; 0: every size
+};
+
+constexpr const char* kOpen = "framework/open and search";
+
+constexpr Row kRows[] = {
+    {"F", "open the book, first exact search", kOpen, nullptr, Kind::time, 20e-3, kMillion},
+    {"F", "the same: memory resident", "framework/open and search, memory", nullptr, Kind::memory, 40 * kMega,
+     kMillion},
+    {"F", "exact last name, 0.1% hits", "framework/exact last name", "baseline/exact last name", Kind::ratio,
+     2},
+    {"F", "part of a name, ignoring case, 2.8%", "framework/part of a name", "baseline/part of a name",
+     Kind::ratio, 3},
+    {"F", "part of a phone, 0.2%", "framework/part of a phone", "baseline/part of a phone", Kind::ratio, 3},
+    {"F", "part of a note, 0.2%", "framework/part of a note", "baseline/part of a note", Kind::ratio, 3},
+    {"F", "prefix ignoring case, 2.5%", "framework/prefix", "baseline/prefix", Kind::ratio, 3},
+    {"F", "suffix ignoring case, 2.8%", "framework/suffix", "baseline/suffix", Kind::ratio, 3},
+    {"F", "address city, 2%", "framework/city", "baseline/city", Kind::ratio, 3},
+    {"F", "prefix of mobile phones, 0.1%", "framework/label", "baseline/label", Kind::ratio, 3},
+    {"F", "compound of four", "framework/compound", "baseline/compound", Kind::ratio, 3},
+    {"F", "walk: 3 properties, all phones, cold", "framework/walk", "baseline/walk", Kind::ratio, 4},
+    {"F", "person by id, one property", "framework/by id", "baseline/by id", Kind::ratio, 3},
+    {"F", "change one property, save durably", "framework/save one", "baseline/save one", Kind::ratio, 1.5},
+    {"F", "add all people, one save", "framework/add all", "baseline/add all", Kind::ratio, 3},
+    {"F", "walk: most memory resident", "framework/walk, memory", nullptr, Kind::memory, 150 * kMega,
+     kMillion},
+    {"C", "version, above an empty function", "host/version", "host/nothing", Kind::excess, 1 * kMicro},
+    {"C", "last error, above an empty function", "host/last error", "host/nothing", Kind::excess, 1 * kMicro},
+    {"C", "read a text, above F", "host/read text", "framework/read text", Kind::excess, 3 * kMicro},
+    {"C", "read a date, above F", "host/read date", "framework/read date", Kind::excess, 3 * kMicro},
+    {"C", "read a phone by id, above F", "host/read phone", "framework/read phone", Kind::excess, 3 * kMicro},
+    {"C", "read a phone's label, above F", "host/read phone label", "framework/read phone label",
+     Kind::excess, 3 * kMicro},
+    {"C", "walk: next, 3 properties, phones; a person", "host/walk", nullptr, Kind::time, 15 * kMicro},
+};
+
+[[gnu::format(printf, 1, 2)]] std::string format(const char* pattern, ...) {
+    char text[64];
+    va_list arguments;
+    va_start(arguments, pattern);
+    std::vsnprintf(text, sizeof text, pattern, arguments);
+    va_end(arguments);
+    return text;
+}
+
+std::string duration(double seconds) {
+    if (seconds < 1e-3)
+        return format("%.3g us", seconds / kMicro);
+    return seconds < 1 ? format("%.3g ms", seconds * 1e3) : format("%.3g s", seconds);
+}
+
+std::string megabytes(double bytes) {
+    return format("%.0f MB", bytes / kMega);
+}
+
+// A figure as the target counts it; none when it was not measured.
+std::optional<double> figureOf(const Row& row, const Figures& figures) {
+    const auto measured = figures.find(row.measured);
+    if (measured == figures.end())
+        return std::nullopt;
+    if (row.reference == nullptr)
+        return measured->second;
+    const auto reference = figures.find(row.reference);
+    if (reference == figures.end())
+        return std::nullopt;
+    return row.kind == Kind::ratio ? measured->second / reference->second
+                                   : measured->second - reference->second;
+}
+
+std::string target(const Row& row) {
+    switch (row.kind) {
+    case Kind::ratio:
+        return format("%.3gx", row.limit);
+    case Kind::excess:
+        return "+" + duration(row.limit);
+    case Kind::time:
+        return duration(row.limit);
+    case Kind::memory:
+        return megabytes(row.limit);
+    }
+    return {};
+}
+
+std::string cell(const Row& row, const Figures& figures) {
+    const auto figure = figureOf(row, figures);
+    if (!figure)
+        return "-";
+    switch (row.kind) {
+    case Kind::ratio:
+        return format("%.2fx", *figure) + " " + duration(figures.at(row.measured));
+    case Kind::excess:
+        return format("%+.2f us", *figure / kMicro);
+    case Kind::time:
+        return duration(*figure);
+    case Kind::memory:
+        return megabytes(*figure);
+    }
+    return {};
+}
+
+std::string verdict(const Row& row, const std::map<std::size_t, Figures>& all) {
+    bool judged = false;
+    bool met = true;
+    for (const auto& [people, figures] : all)
+        if (row.people == 0 || row.people == people)
+            if (const auto figure = figureOf(row, figures)) {
+                judged = true;
+                met = met && *figure <= row.limit;
+            }
+    if (!judged)
+        return "needs PEOPLE=" + std::to_string(row.people);
+    return met ? "met" : "missed";
+}
+
+// [text] in a column of [width] characters, on the left or on the right of it.
+std::string padded(const std::string& text, std::size_t width, bool right = false) {
+    const std::string blanks(width - std::min(width, text.size()), ' ');
+    return right ? blanks + text : text + blanks;
+}
+
+} // namespace
+
+std::string table(const std::map<std::size_t, Figures>& figures) {
+    constexpr std::size_t kWork = 44, kTarget = 9, kCell = 16;
+    std::string text = padded("", 3) + padded("work", kWork) + padded("target", kTarget, true);
+    for (const auto& [people, one] : figures)
+        text += padded(std::to_string(people) + " people", kCell + 2, true);
+    text += "   verdict\n";
+    for (const Row& row : kRows) {
+        text += padded(row.level, 3) + padded(row.work, kWork) + padded(target(row), kTarget, true);
+        for (const auto& [people, one] : figures)
+            text += padded(cell(row, one), kCell + 2, true);
+        text += "   " + verdict(row, figures) + "\n";
+    }
+    return text;
+}
+
+} // namespace bench
