@@ -16,6 +16,7 @@ using Figures = std::map<std::string, double>;
 namespace figure {
 inline constexpr std::string_view kOpenTime = "framework/open and search";
 inline constexpr std::string_view kOpenMemory = "framework/open and search, memory";
+inline constexpr std::string_view kHostWalk = "host/walk"; // a person
 inline constexpr std::string_view kWalkMemory = "framework/walk, memory";
 } // namespace figure
 
@@ -33,8 +34,8 @@ struct Place {
 void makeBooks(const Place& place);
 
 // Everything that Google Benchmark repeats: each work of the baseline, of the framework, of calculations.
-// [plugin] is the plug-in's library.
-Figures measureWork(const Place& place, const std::filesystem::path& plugin);
+// [plugin] is the plug-in's library. Of the works, only those whose names contain [only].
+Figures measureWork(const Place& place, const std::filesystem::path& plugin, const std::string& only);
 
 // From nothing to the first answer of an exact search, and the memory resident then.
 Figures measureOpening(const Place& place);

@@ -132,16 +132,17 @@ std::string cell(const Row& row, const Figures& figures) {
 
 std::string verdict(const Row& row, const std::map<std::size_t, Figures>& all) {
     bool judged = false;
-    bool met = true;
+    std::string missed;
     for (const auto& [people, figures] : all)
         if (row.people == 0 || row.people == people)
             if (const auto figure = figureOf(row, figures)) {
                 judged = true;
-                met = met && *figure <= row.limit;
+                if (*figure > row.limit)
+                    missed += (missed.empty() ? "" : ", ") + std::to_string(people);
             }
     if (!judged)
         return "needs PEOPLE=" + std::to_string(row.people);
-    return met ? "met" : "missed";
+    return missed.empty() ? "met" : "missed at " + missed;
 }
 
 // [text] in a column of [width] characters, on the left or on the right of it.
@@ -159,6 +160,9 @@ std::string table(const std::map<std::size_t, Figures>& figures) {
         text += padded(std::to_string(people) + " people", kCell + 2, true);
     text += "   verdict\n";
     for (const Row& row : kRows) {
+        if (std::none_of(figures.begin(), figures.end(),
+                         [&](const auto& one) { return figureOf(row, one.second).has_value(); }))
+            continue;
         text += padded(row.level, 3) + padded(row.work, kWork) + padded(target(row), kTarget, true);
         for (const auto& [people, one] : figures)
             text += padded(cell(row, one), kCell + 2, true);

@@ -98,9 +98,10 @@ BookPtr bookOf(ABRecord* record) {
         raiseInvalid(@"A value was asked for without a property");
     const std::string name = textFrom(property);
     Book& book = *[self book];
-    const Value value = reading(
-        [&] { return book.typeOf([self card]->kind, name) == 0 ? Value() : book.value(*[self card], name); });
-    return objectFrom(value);
+    Card& card = *[self card];
+    const Value* value =
+        reading([&] { return book.typeOf(card.kind, name) != 0 ? &book.value(card, name) : nullptr; });
+    return value != nullptr ? objectFrom(*value) : nil;
 }
 
 - (BOOL)setValue:(id)value forProperty:(NSString*)property {

@@ -14,6 +14,9 @@ namespace {
 // So many records keep their stored values in memory; older ones read them again.
 constexpr std::size_t kLoadedLimit = 1024;
 
+// A walk that goes on in order reads so many records at once.
+constexpr std::size_t kReadAhead = 64;
+
 const Value kNone;
 
 // A record for queries: its values as this process sees them.
@@ -106,34 +109,58 @@ CardPtr Book::live(const std::string& uid) const {
     return found == cards_.end() ? nullptr : found->second.lock();
 }
 
-CardPtr Book::card(const RecordRef& ref) {
-    if (auto known = live(ref.uid)) {
+CardPtr Book::card(RecordRow record) {
+    if (auto known = live(record.uid)) {
         if (known->standing == Card::Standing::gone) // deleted, and then brought back by another process
             renew(known);
         return known;
     }
     auto made = std::make_unique<Card>();
-    made->uid = ref.uid;
-    made->kind = ref.kind;
+    made->uid = record.uid;
+    made->kind = record.kind;
     made->standing = Card::Standing::stored;
-    made->row = ref.row;
-    return own(made.release());
+    made->row = record.id;
+    auto owned = own(made.release());
+    keep(*owned, std::move(record));
+    return owned;
+}
+
+// Reads a record. Whoever asks for one that follows closely on the one before is on a walk, and will ask for
+// the next ones.
+std::optional<RecordRow> Book::fetch(RowId row) {
+    const bool walks = row > walked_ && row - walked_ <= 4;
+    walked_ = row;
+    if (!walks) {
+        ahead_.clear();
+        return store_->read(row);
+    }
+    while (!ahead_.empty() && ahead_.front().id < row)
+        ahead_.pop_front();
+    if (ahead_.empty())
+        for (RecordRow& record : store_->readFrom(row, kReadAhead))
+            ahead_.push_back(std::move(record));
+    if (ahead_.empty() || ahead_.front().id != row)
+        return std::nullopt;
+    std::optional<RecordRow> record(std::move(ahead_.front()));
+    ahead_.pop_front();
+    return record;
 }
 
 CardPtr Book::find(std::string_view uid) {
+    const Store::Reading reading(*store_);
     refresh();
     if (auto known = live(std::string(uid)); known && known->standing != Card::Standing::gone)
         return known->inBook() ? known : nullptr;
-    const auto ref = store_->find(uid);
-    return ref ? card(*ref) : nullptr;
+    auto record = store_->read(uid);
+    return record ? card(std::move(*record)) : nullptr;
 }
 
 CardPtr Book::at(RowId row, Kind kind) {
     if (const auto found = rows_.find(row); found != rows_.end())
         if (auto known = found->second.lock())
             return known;
-    if (const auto ref = store_->find(row))
-        return card(*ref);
+    if (auto record = fetch(row))
+        return card(std::move(*record));
     if (const auto gone = gone_.find(row); gone != gone_.end()) {
         // The list may be one of both kinds, but an id tells its own.
         const std::string& uid = gone->second;
@@ -144,6 +171,7 @@ CardPtr Book::at(RowId row, Kind kind) {
 }
 
 CardPtr Book::at(RowId row, Kind kind, int edition) {
+    notice();
     return edition == edition_ ? at(row, kind) : lost(newUid(kind), kind);
 }
 
@@ -180,6 +208,7 @@ bool Book::matchesNow(const Query& query, Card& card, Date now) {
 }
 
 std::vector<Book::Place> Book::search(const Query& query, Date now) {
+    const Store::Reading reading(*store_);
     refresh();
     std::vector<Place> places;
     if (mentionsDiscarded(query)) {
@@ -213,7 +242,12 @@ void Book::load(Card& card) {
         card.read.emplace();
         return;
     }
-    card.read = store_->values(card.row);
+    auto record = fetch(card.row);
+    keep(card, record ? std::move(*record) : RecordRow());
+}
+
+void Book::keep(Card& card, RecordRow record) {
+    card.read = std::move(record);
     if (const auto found = cards_.find(card.uid); found != cards_.end())
         loaded_.push_back(found->second);
     while (loaded_.size() > kLoadedLimit) {
@@ -233,9 +267,9 @@ const Value& Book::current(Card& card, std::string_view property) {
         scratch_ = card.uid;
         return scratch_;
     }
-    const std::string name(property);
-    if (const auto change = card.changes.find(name); change != card.changes.end())
-        return change->second;
+    if (!card.changes.empty())
+        if (const auto change = card.changes.find(std::string(property)); change != card.changes.end())
+            return change->second;
     if (card.row == 0 || discarded(card.kind, property))
         return kNone;
     if (property == property::kImage) {
@@ -243,8 +277,8 @@ const Value& Book::current(Card& card, std::string_view property) {
         return scratch_;
     }
     load(card);
-    const auto stored = card.read->find(name);
-    return stored == card.read->end() ? kNone : stored->second;
+    scratch_ = store_->value(*card.read, property);
+    return scratch_;
 }
 
 std::map<std::string, Value> Book::values(Card& card) {
@@ -252,7 +286,7 @@ std::map<std::string, Value> Book::values(Card& card) {
     std::map<std::string, Value> all;
     if (card.row != 0) {
         load(card);
-        all = *card.read;
+        all = store_->values(*card.read);
         all[std::string(property::kImage)] = current(card, property::kImage);
         std::erase_if(all, [&](const auto& one) { return discarded(card.kind, one.first); });
     }

@@ -41,7 +41,7 @@ struct Card {
     std::map<std::string, Value> changes;      // unsaved values; no value: removed
     std::vector<std::shared_ptr<Card>> joined; // of a group: members and subgroups that joined, unsaved
     std::set<std::string> left;                // of a group: uids that left, unsaved
-    std::optional<std::map<std::string, Value>> read; // the stored values, once they were asked for
+    std::optional<RecordRow> read;             // what is stored, once it was asked for
     void* object = nullptr; // the live Objective-C object of this record; it clears this when it goes
 
     bool inBook() const { return standing == Standing::added || standing == Standing::stored; }
@@ -136,7 +136,9 @@ class Book : public std::enable_shared_from_this<Book> {
 
   private:
     CardPtr own(Card* card);
-    CardPtr card(const RecordRef& ref);
+    CardPtr card(RecordRow record);
+    std::optional<RecordRow> fetch(RowId row);
+    void keep(Card& card, RecordRow record);
     CardPtr lost(const std::string& uid, Kind kind);
     void forget(const Card& card);
     void load(Card& card);
@@ -170,6 +172,8 @@ class Book : public std::enable_shared_from_this<Book> {
     std::unordered_map<RowId, std::weak_ptr<Card>> rows_;
     std::unordered_map<RowId, std::string> gone_; // ids of deleted records, which lists may still name
     std::deque<std::weak_ptr<Card>> loaded_;      // whose stored values are in memory, oldest first
+    std::deque<RecordRow> ahead_;                 // read ahead for a walk, ascending
+    RowId walked_ = -1'000;                       // the row that was fetched last
     Value scratch_;                               // what value() refers to when no card holds it
 
     // What is unsaved.

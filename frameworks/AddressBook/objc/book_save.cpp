@@ -77,6 +77,7 @@ SaveResult Book::save(Date now) {
 }
 
 void Book::settle(const SaveResult& result) {
+    ahead_.clear();
     for (const auto& card : std::exchange(added_, {})) {
         clean(*card);
         card->read.reset();
@@ -128,6 +129,7 @@ void Book::refresh() {
     if (newest == seen_)
         return;
     takeDefinitions();
+    ahead_.clear();
     bool all = newest < seen_; // an older state was restored
     std::unordered_set<std::string> renewed;
     for (const auto& change : store_->changesSince(seen_)) {
@@ -155,6 +157,7 @@ void Book::takeDefinitions() {
 void Book::reopen() {
     store_ = std::make_unique<Store>(store_->file().parent_path());
     ++edition_;
+    ahead_.clear();
     rows_.clear();
     seen_ = store_->lastChange();
     takeDefinitions();

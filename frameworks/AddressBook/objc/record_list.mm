@@ -1,8 +1,12 @@
 #include "record.h"
 
+#include <algorithm>
+
 using namespace addressbook;
 
-// An array of records that makes each when it is asked for, and keeps it from then on as every array does.
+// An array of records that makes each when it is asked for. A short list keeps them from then on, as every
+// array does. A long one keeps those that were asked for of late, so that a walk through a whole address book
+// does not end with all of it in memory; each record that it answers lives at least as long as the pool.
 @interface ABRecordList : NSArray {
     void* _list;
 }
@@ -11,12 +15,20 @@ using namespace addressbook;
 
 namespace {
 
+// So many records a list keeps: each place has a slot, which it shares with others in a longer list.
+constexpr std::size_t kSlots = 1024;
+
+struct Slot {
+    std::size_t index = 0;
+    ABRecord* record = nil; // retained; nil where nobody asked yet
+};
+
 struct List {
     BookPtr book;
     int edition;
     Kind kind;
     std::vector<Book::Place> places;
-    std::vector<ABRecord*> made; // retained, or nil where nobody asked yet
+    std::vector<Slot> slots;
 };
 
 } // namespace
@@ -25,16 +37,16 @@ struct List {
 
 - (id)initWithBook:(const BookPtr&)book kind:(Kind)kind places:(std::vector<Book::Place>)places {
     if ((self = [super init]) != nil) {
-        std::vector<ABRecord*> made(places.size(), nil);
-        _list = new List{book, book->edition(), kind, std::move(places), std::move(made)};
+        std::vector<Slot> slots(std::min(places.size(), kSlots));
+        _list = new List{book, book->edition(), kind, std::move(places), std::move(slots)};
     }
     return self;
 }
 
 - (void)dealloc {
     if (auto* list = static_cast<List*>(_list)) {
-        for (ABRecord* record : list->made)
-            [record release];
+        for (const Slot& slot : list->slots)
+            [slot.record release];
         delete list;
     }
     [super dealloc];
@@ -50,14 +62,17 @@ struct List {
         [NSException raise:NSRangeException
                     format:@"There is no record %lu: the list has %lu", (unsigned long)index,
                            (unsigned long)list.places.size()];
-    if (list.made[index] == nil) {
+    Slot& slot = list.slots[index % kSlots];
+    if (slot.record == nil || slot.index != index) {
         const auto& place = list.places[index];
         const CardPtr card = place.card
                                  ? place.card
                                  : reading([&] { return list.book->at(place.row, list.kind, list.edition); });
-        list.made[index] = [recordFrom(list.book, card) retain];
+        ABRecord* record = [recordFrom(list.book, card) retain];
+        [slot.record autorelease]; // whoever asked for it may still use it
+        slot = {index, record};
     }
-    return list.made[index];
+    return slot.record;
 }
 
 - (id)copyWithZone:(NSZone*)zone {

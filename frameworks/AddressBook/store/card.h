@@ -35,7 +35,10 @@ void visitCard(std::string_view card, const std::function<void(std::string_view,
 void visitDamagedCard(std::string_view card,
                       const std::function<void(std::string_view, std::string_view)>& visit);
 
-// The encoded value of one property. Throws DamagedCard.
+// Throws DamagedCard when the card's checksum is wrong.
+void checkCard(std::string_view card);
+
+// The encoded value of one property, in a card that was checked. Throws DamagedCard.
 std::optional<std::string_view> findInCard(std::string_view card, std::string_view name);
 
 // A card of these properties and their encoded values.

@@ -29,20 +29,13 @@ class StoredUid {
 // What marks the saves of this process in the change log: random bytes, others in a child that was forked.
 std::string processMark();
 
-// One row of the table `record`.
-struct RecordRow {
-    RowId id = 0;
-    Kind kind = Kind::person;
-    std::string uid;
-    Date creation, modification;
-    std::string card;
-};
-
 struct Store::Impl {
     Impl(const std::filesystem::path& folder, Access access, std::chrono::milliseconds patience);
 
     OpenedFile opened;
     sql::Connection& db;
+    int readings = 0; // Store::Readings that live, in one transaction
+    std::optional<sql::Transaction> reading;
     // Numbers of property names that this connection has met.
     std::unordered_map<std::string, std::int64_t> propertyIds[2];
 

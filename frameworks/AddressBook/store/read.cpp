@@ -51,6 +51,7 @@ Value Store::Impl::value(RowId id, std::string_view property) {
     if (!run.step())
         return {};
     try {
+        checkCard(run.bytes(0));
         const auto found = findInCard(run.bytes(0), property);
         return found ? decodeValue(*found) : Value();
     } catch (const DamagedCard& error) {
@@ -66,6 +67,9 @@ Value Store::Impl::valueOf(const RecordRow& row, std::string_view property) cons
     if (property == property::kModification)
         return row.modification;
     try {
+        if (!row.sound)
+            checkCard(row.card);
+        row.sound = true;
         const auto found = findInCard(row.card, property);
         return found ? decodeValue(*found) : Value();
     } catch (const DamagedCard& error) {
@@ -153,13 +157,55 @@ Value Store::value(RowId row, std::string_view property) const {
 
 std::map<std::string, Value> Store::values(RowId row) const {
     const auto record = impl_->record(row);
-    if (!record)
+    return record ? values(*record) : std::map<std::string, Value>();
+}
+
+std::optional<RecordRow> Store::read(std::string_view uid) const {
+    return impl_->record(uid);
+}
+
+std::optional<RecordRow> Store::read(RowId row) const {
+    return impl_->record(row);
+}
+
+std::vector<RecordRow> Store::readFrom(RowId row, std::size_t count) const {
+    auto run = impl_->db.run("SELECT id, kind, uid, creation, modification, card FROM record WHERE id >= ? "
+                             "ORDER BY id LIMIT ?");
+    run.bindInteger(row).bindInteger(static_cast<std::int64_t>(count));
+    std::vector<RecordRow> records;
+    while (run.step())
+        records.push_back(impl_->rowFrom(run));
+    return records;
+}
+
+Value Store::value(const RecordRow& record, std::string_view property) const {
+    return record.id != 0 ? impl_->valueOf(record, property) : Value();
+}
+
+std::map<std::string, Value> Store::values(const RecordRow& record) const {
+    if (record.id == 0)
         return {};
-    auto values = impl_->cardValues(*record);
-    values.insert_or_assign(std::string(property::kUid), record->uid);
-    values.insert_or_assign(std::string(property::kCreation), record->creation);
-    values.insert_or_assign(std::string(property::kModification), record->modification);
+    auto values = impl_->cardValues(record);
+    values.insert_or_assign(std::string(property::kUid), record.uid);
+    values.insert_or_assign(std::string(property::kCreation), record.creation);
+    values.insert_or_assign(std::string(property::kModification), record.modification);
     return values;
+}
+
+Store::Reading::Reading(const Store& store) : store_(store) {
+    if (store_.impl_->readings == 0)
+        store_.impl_->reading.emplace(store_.impl_->db, sql::Transaction::Mode::read);
+    ++store_.impl_->readings;
+}
+
+Store::Reading::~Reading() {
+    if (--store_.impl_->readings != 0)
+        return;
+    try {
+        store_.impl_->reading->commit();
+    } catch (const StoreError&) { // nothing was written; it is undone
+    }
+    store_.impl_->reading.reset();
 }
 
 std::vector<RowId> Store::members(RowId group) const {

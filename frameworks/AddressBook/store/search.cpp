@@ -415,10 +415,8 @@ class QuerySearch {
 } // namespace
 
 std::vector<RowId> Store::search(const Query& query, Date now) const {
-    sql::Transaction transaction(impl_->db, sql::Transaction::Mode::read);
-    auto rows = QuerySearch(*impl_, query, now).find();
-    transaction.commit();
-    return rows;
+    const Reading reading(*this);
+    return QuerySearch(*impl_, query, now).find();
 }
 
 } // namespace addressbook

@@ -30,6 +30,16 @@ struct RecordRef {
     std::string uid;
 };
 
+// A record as it was read at once; Store::value and values say what is in it.
+struct RecordRow {
+    RowId id = 0; // 0: no record, without values
+    Kind kind = Kind::person;
+    std::string uid;
+    Date creation, modification;
+    std::string card;           // see card.h
+    mutable bool sound = false; // the card's checksum was seen to be right
+};
+
 // Why a store could not be opened, read or written. what() is one sentence that names the file and what to
 // do.
 class StoreError : public std::runtime_error {
@@ -134,6 +144,27 @@ class Store {
     // One property (kImage included), or all that are set but kImage. An unknown row has no values.
     Value value(RowId row, std::string_view property) const;
     std::map<std::string, Value> values(RowId row) const;
+
+    // A whole record to take values from, the picture apart; and the record in this row with those that were
+    // added next, at most [count]. A damaged record is reported when a value is taken from it.
+    std::optional<RecordRow> read(std::string_view uid) const;
+    std::optional<RecordRow> read(RowId row) const;
+    std::vector<RecordRow> readFrom(RowId row, std::size_t count) const;
+    Value value(const RecordRow& record, std::string_view property) const;
+    std::map<std::string, Value> values(const RecordRow& record) const;
+
+    // While one of these lives, everything that is read from the store shows one moment, and is read faster.
+    // Keep it short, and save nothing.
+    class Reading {
+      public:
+        explicit Reading(const Store& store);
+        ~Reading();
+        Reading(const Reading&) = delete;
+        Reading& operator=(const Reading&) = delete;
+
+      private:
+        const Store& store_;
+    };
 
     // Membership; a group's lists are in the order of joining, parents in the order of adding.
     std::vector<RowId> members(RowId group) const;
