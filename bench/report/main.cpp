@@ -114,7 +114,7 @@ class Books {
     fs::path folder_;
 };
 
-int run(std::size_t people, const std::string& named, const std::string& only) {
+int run(std::size_t least, std::size_t people, const std::string& named, const std::string& only) {
     const Books books(named);
     for (const char* variable :
          {"HOME", "XDG_DATA_HOME", "XDG_CONFIG_HOME", "XDG_STATE_HOME", "GNUSTEP_USER_DEFAULTS_DIR"})
@@ -123,7 +123,7 @@ int run(std::size_t people, const std::string& named, const std::string& only) {
     const fs::path plugin = program.parent_path().parent_path() / "lib" / "Velocard";
     std::map<std::size_t, Figures> figures;
     for (const std::size_t size : kSizes)
-        if (size <= people)
+        if (size >= least && size <= people)
             figures[size] = measure({books.folder() / std::to_string(size), size}, plugin, only);
     std::cout << table(figures);
     return 0;
@@ -134,10 +134,12 @@ int run(std::size_t people, const std::string& named, const std::string& only) {
 int main(int argc, char** argv) {
     CLI::App app("Measures the address book against a hand-written program on SQLite.", "bench");
     std::size_t people = 100'000;
+    std::size_t least = 1'000;
     std::string books;
     std::string only;
     app.add_option("--people", people, "The largest book [100000]; the smaller ones are measured too")
         ->check(CLI::Range(std::size_t{1'000}, std::size_t{1'000'000}));
+    app.add_option("--from", least, "The smallest book [1000]");
     app.add_option("--books", books,
                    "Where the books are made, and kept for the next time [a temporary folder]");
     app.add_option(
@@ -148,7 +150,7 @@ int main(int argc, char** argv) {
         "Exit status: 0 when everything was measured, whatever the verdicts; 1 when something failed.");
     CLI11_PARSE(app, argc, argv);
     try {
-        return run(people, books, only);
+        return run(least, people, books, only);
     } catch (const std::exception& error) {
         std::cerr << "bench: " << error.what() << std::endl;
         return 1;

@@ -20,7 +20,7 @@ using namespace addressbook;
 @implementation ABMultiValueEntry
 - (id)initWithValue:(id)value label:(NSString*)label identifier:(NSString*)identifier {
     if ((self = [super init]) != nil) {
-        _value = [value conformsToProtocol:@protocol(NSCopying)] ? [value copy] : [value retain];
+        _value = [value respondsToSelector:@selector(copyWithZone:)] ? [value copy] : [value retain];
         _label = [label copy];
         _identifier = [identifier copy];
     }

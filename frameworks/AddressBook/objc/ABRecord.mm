@@ -1,3 +1,4 @@
+#import <AddressBook/ABMultiValue.h>
 #import <AddressBook/ABRecord.h>
 
 #include "bridge.h"
@@ -9,10 +10,23 @@ using namespace addressbook;
 
 namespace {
 
-// What a record object holds.
+// What a record object holds. The list that was read last is kept: whoever walks its entries asks for it
+// again and again.
 struct State {
     BookPtr book;
     CardPtr card;
+    ABMultiValue* list = nil; // retained
+    std::string listName;
+    std::uint64_t listState = 0; // the book's state in which it was read
+
+    void keep(id value, const std::string& name) {
+        if (![value isKindOfClass:[ABMultiValue class]])
+            return;
+        [list release];
+        list = [value retain];
+        listName = name;
+        listState = book->state();
+    }
 };
 
 } // namespace
@@ -88,6 +102,7 @@ BookPtr bookOf(ABRecord* record) {
 - (void)dealloc {
     if (auto* state = static_cast<State*>(_record)) {
         state->card->object = nullptr;
+        [state->list release];
         delete state;
     }
     [super dealloc];
@@ -98,10 +113,18 @@ BookPtr bookOf(ABRecord* record) {
         raiseInvalid(@"A value was asked for without a property");
     const std::string name = textFrom(property);
     Book& book = *[self book];
-    Card& card = *[self card];
+    auto& state = *static_cast<State*>(_record);
+    Card& card = *state.card;
+    if (state.list != nil && state.listName == name &&
+        reading([&] { return book.state(); }) == state.listState)
+        return [[state.list retain] autorelease];
     const Value* value =
         reading([&] { return book.typeOf(card.kind, name) != 0 ? &book.value(card, name) : nullptr; });
-    return value != nullptr ? objectFrom(*value) : nil;
+    if (value == nullptr)
+        return nil;
+    id object = objectFrom(*value);
+    state.keep(object, name);
+    return object;
 }
 
 - (BOOL)setValue:(id)value forProperty:(NSString*)property {
@@ -157,7 +180,7 @@ BookPtr bookOf(ABRecord* record) {
 
 - (id)initWithCard:(const CardPtr&)card book:(const BookPtr&)book {
     if ((self = [super init]) != nil) {
-        _record = new State{book, card};
+        _record = new State{.book = book, .card = card, .listName = {}};
         card->object = self;
     }
     return self;

@@ -303,6 +303,7 @@ void Book::set(const CardPtr& card, const std::string& property, Value value) {
         card->changes.erase(property);
     else
         card->changes[property] = std::move(value);
+    ++state_;
     touch(card);
 }
 
@@ -492,6 +493,7 @@ std::vector<std::string> Book::properties(Kind kind) {
 }
 
 int Book::define(Kind kind, const std::map<std::string, int>& properties) {
+    ++state_;
     for (const auto& [name, type] : properties)
         if (name.empty() || isInternal(name) || !validType(type))
             return -1;
@@ -505,6 +507,7 @@ int Book::define(Kind kind, const std::map<std::string, int>& properties) {
 }
 
 int Book::undefine(Kind kind, const std::vector<std::string>& properties) {
+    ++state_;
     int count = 0;
     for (const auto& name : properties) {
         if (publicType(kind, name) != 0 || typeOf(kind, name) == 0)

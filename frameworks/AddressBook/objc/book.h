@@ -100,6 +100,11 @@ class Book : public std::enable_shared_from_this<Book> {
     const Value& value(Card& card, std::string_view property);
     // The same, without looking first whether others saved something.
     const Value& current(Card& card, std::string_view property);
+    // A number that changes whenever values may have changed, here or elsewhere.
+    std::uint64_t state() {
+        notice();
+        return state_;
+    }
     // All values that are set, the picture included.
     std::map<std::string, Value> values(Card& card);
     // Sets a value; no value removes it.
@@ -172,6 +177,7 @@ class Book : public std::enable_shared_from_this<Book> {
     std::unordered_map<RowId, std::weak_ptr<Card>> rows_;
     std::unordered_map<RowId, std::string> gone_; // ids of deleted records, which lists may still name
     std::deque<std::weak_ptr<Card>> loaded_;      // whose stored values are in memory, oldest first
+    std::uint64_t state_ = 1;
     std::deque<RecordRow> ahead_;                 // read ahead for a walk, ascending
     RowId walked_ = -1'000;                       // the row that was fetched last
     Value scratch_;                               // what value() refers to when no card holds it

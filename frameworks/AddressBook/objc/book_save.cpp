@@ -77,7 +77,9 @@ SaveResult Book::save(Date now) {
 }
 
 void Book::settle(const SaveResult& result) {
+    ++state_;
     ahead_.clear();
+    const Store::Reading reading(*store_);
     for (const auto& card : std::exchange(added_, {})) {
         clean(*card);
         card->read.reset();
@@ -130,6 +132,7 @@ void Book::refresh() {
         return;
     takeDefinitions();
     ahead_.clear();
+    ++state_;
     bool all = newest < seen_; // an older state was restored
     std::unordered_set<std::string> renewed;
     for (const auto& change : store_->changesSince(seen_)) {
@@ -157,6 +160,7 @@ void Book::takeDefinitions() {
 void Book::reopen() {
     store_ = std::make_unique<Store>(store_->file().parent_path());
     ++edition_;
+    ++state_;
     ahead_.clear();
     rows_.clear();
     seen_ = store_->lastChange();
@@ -176,6 +180,7 @@ void Book::renewAll() {
 
 // Brings a card that is or was in the database up to date with it.
 void Book::renew(const CardPtr& card) {
+    ++state_;
     if (card->standing == Card::Standing::loose || card->standing == Card::Standing::added)
         return;
     const auto unfile = [&](auto& cards) {

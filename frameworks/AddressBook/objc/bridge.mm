@@ -1,5 +1,6 @@
 #include "bridge.h"
 
+#include "frameworks/AddressBook/store/card.h"
 #include "frameworks/AddressBook/store/text.h"
 #include "multi_value.h"
 
@@ -140,6 +141,19 @@ std::optional<Value> entriesFrom(ABMultiValue* list) {
     return values;
 }
 
+// Labels and keys: the well-known ones are made once.
+NSString* wordFrom(const std::string& word) {
+    static std::vector<NSString*> known;
+    const auto code = static_cast<std::size_t>(wordCode(word));
+    if (code == 0)
+        return stringFrom(word);
+    if (known.size() <= code)
+        known.resize(code + 1, nil);
+    if (known[code] == nil)
+        known[code] = [stringFrom(word) retain];
+    return known[code];
+}
+
 struct ToObject {
     id operator()(std::monostate) const { return nil; }
     id operator()(const std::string& text) const { return stringFrom(text); }
@@ -161,14 +175,14 @@ struct ToObject {
     id operator()(const Dictionary& values) const {
         NSMutableDictionary* dictionary = [NSMutableDictionary dictionaryWithCapacity:values.size()];
         for (const auto& [key, value] : values)
-            [dictionary setObject:objectOrNull(value) forKey:stringFrom(key)];
+            [dictionary setObject:objectOrNull(value) forKey:wordFrom(key)];
         return [[dictionary copy] autorelease];
     }
     id operator()(const MultiValue& values) const {
         ABMultiValue* list = [[[ABMultiValue alloc] init] autorelease];
         for (const auto& entry : values.entries)
             [list appendValue:objectOrNull(entry.value)
-                        label:stringFrom(entry.label)
+                        label:wordFrom(entry.label)
                    identifier:stringFrom(entry.identifier)];
         if (!values.primary.empty())
             [list choosePrimary:stringFrom(values.primary)];
@@ -193,6 +207,9 @@ std::string textFrom(NSString* string) {
 }
 
 NSString* stringFrom(std::string_view text) {
+    if (isAscii(text))
+        return [[[NSString alloc] initWithBytes:text.data() length:text.size()
+                                       encoding:NSASCIIStringEncoding] autorelease];
     const std::u16string units = utf16FromUtf8(text);
     if (needsRawText(units))
         return [[[ABRawText alloc] initWithUnits:units] autorelease];

@@ -49,7 +49,7 @@ class Saver {
                     writeMembership(change);
         if (changes_.me)
             writeMe(*changes_.me);
-        index_.flush();
+        index_.finish();
         if (wrote_ || !changed_.empty() || !result_.deleted.empty())
             log();
         return std::move(result_);

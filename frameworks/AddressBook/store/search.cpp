@@ -193,13 +193,18 @@ Rows ConditionSearch::terms() {
     static const int kText = static_cast<int>(Value(std::string()).index());
     static const int kDictionary = static_cast<int>(Value(Dictionary()).index());
 
-    std::string sql = "SELECT record, type, folded, exact, key FROM term WHERE property = ?";
     const std::string low = foldedTerm();
     const std::string high = behindPrefix(low);
     const std::string exact(matcher_.wantedText() ? beginning(*matcher_.wantedText(), kTermBytes)
                                                   : std::string_view());
     const bool numeric = isNumeric(condition_.value);
     const bool caseCounts = !matcher_.facts().ignoresCase;
+    // What the index finds is then what is wanted, text for text.
+    const bool certain = matcher_.wantedText() && folded_.size() <= kTermBytes &&
+                         matcher_.wantedText()->size() <= kTermBytes &&
+                         (plan_ == Plan::exact || (plan_ == Plan::prefix && !caseCounts));
+    std::string sql = certain ? "SELECT record, type FROM term WHERE property = ?"
+                              : "SELECT record, type, folded, exact, key FROM term WHERE property = ?";
     switch (plan_) {
     case Plan::exact:
         sql += numeric || !caseCounts ? " AND folded = ?" : " AND folded = ? AND exact = ?";
@@ -254,6 +259,13 @@ Rows ConditionSearch::terms() {
         while (run.step()) {
             const RowId row = run.integer(0);
             const auto type = static_cast<int>(run.integer(1));
+            if (certain) {
+                if (type == kText || (plan_ == Plan::prefix && type == (kText | kCutTerm)))
+                    met.push_back(row);
+                else
+                    doubtful.push_back(row);
+                continue;
+            }
             const bool noField = run.isNumber(4) && run.integer(4) == 0;
             if (type == kEmptyList || (condition_.key && noField && type == kDictionary))
                 continue;

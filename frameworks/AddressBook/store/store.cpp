@@ -6,8 +6,9 @@
 #include "index.h"
 #include "text.h"
 
+#include <cerrno>
 #include <mutex>
-#include <random>
+#include <system_error>
 #include <unistd.h>
 
 namespace addressbook {
@@ -67,7 +68,7 @@ void Store::Impl::rebuildIndexes() {
                     index.add(row.id, ensureProperty(row.kind, name), held);
         }
     }
-    index.flush();
+    index.finish();
     const std::string unicode = unicodeVersion();
     db.run("INSERT OR REPLACE INTO meta(name, value) VALUES ('unicode', ?)").bindText(unicode).finish();
     transaction.commit();
@@ -124,13 +125,9 @@ bool ChangeSet::empty() const {
 }
 
 std::string newUuid() {
-    thread_local std::random_device source;
-    std::string bytes;
-    while (bytes.size() < 16) {
-        const unsigned random = source();
-        for (int shift = 0; shift < 32; shift += 8)
-            bytes.push_back(static_cast<char>(random >> shift));
-    }
+    std::string bytes(16, '\0');
+    if (getentropy(bytes.data(), bytes.size()) != 0)
+        throw std::system_error(errno, std::generic_category(), "no random number can be had");
     bytes[6] = static_cast<char>((bytes[6] & 0x0F) | 0x40); // random, as opposed to made from a clock
     bytes[8] = static_cast<char>((bytes[8] & 0x3F) | 0x80);
     return *unpackUid(bytes);
