@@ -31,7 +31,7 @@ TEST(Card, everyFlippedBitIsNoticed) {
     for (std::size_t bit = 0; bit < card.size() * 8; ++bit) {
         std::string flipped = card;
         flipped[bit / 8] = static_cast<char>(flipped[bit / 8] ^ (1 << (bit % 8)));
-        EXPECT_THROW(findInCard(flipped, "Phone"), DamagedCard) << bit;
+        EXPECT_THROW(checkCard(flipped), DamagedCard) << bit;
     }
 }
 
