@@ -142,10 +142,7 @@ int main(int argc, char** argv) {
     app.add_option("--from", least, "The smallest book [1000]");
     app.add_option("--books", books,
                    "Where the books are made, and kept for the next time [a temporary folder]");
-    app.add_option(
-        "--only", only,
-        "Measure only the works whose names contain this, as \"suffix\", without checking that the "
-        "answers agree");
+    app.add_option("--only", only, "Measure only the works whose names contain this, as \"suffix\"");
     app.footer(
         "Exit status: 0 when everything was measured, whatever the verdicts; 1 when something failed.");
     CLI11_PARSE(app, argc, argv);

@@ -145,7 +145,6 @@ void IndexWriter::add(std::int64_t record, std::int64_t property, const Value& v
             .bindInteger(trigramRow(record, property))
             .bindText(text)
             .finish();
-    wroteTrigrams_ = true;
     if (terms_.size() >= kGathered)
         flush();
 }
@@ -159,21 +158,11 @@ void IndexWriter::remove(std::int64_t record, std::int64_t property, const Value
         bind(run, term);
         run.finish();
     }
-    wroteTrigrams_ = true;
     if (const std::string text = trigramText(value); !text.empty())
         connection_.run("INSERT INTO trigram(trigram, rowid, text) VALUES ('delete', ?, ?)")
             .bindInteger(trigramRow(record, property))
             .bindText(text)
             .finish();
-}
-
-// Many small saves would leave many small pieces of the trigram index, all of which every search looks into.
-// Each save merges as much as it may have added.
-void IndexWriter::finish() {
-    flush();
-    if (wroteTrigrams_)
-        connection_.run("INSERT INTO trigram(trigram, rank) VALUES ('merge', 16)").finish();
-    wroteTrigrams_ = false;
 }
 
 void IndexWriter::flush() {

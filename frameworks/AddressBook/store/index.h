@@ -64,7 +64,7 @@ constexpr std::int64_t trigramRow(std::int64_t record, std::int64_t property) {
 }
 
 // Writes both indexes inside the caller's transaction. Additions are gathered and written in order, which is
-// many times faster than one by one; finish() before the transaction ends.
+// many times faster than one by one; flush() before the transaction ends.
 class IndexWriter {
   public:
     explicit IndexWriter(sql::Connection& connection) : connection_(connection) {}
@@ -72,14 +72,11 @@ class IndexWriter {
     void add(std::int64_t record, std::int64_t property, const Value& value);
     // [value] is the one that was added.
     void remove(std::int64_t record, std::int64_t property, const Value& value);
-    void finish();
-
-  private:
     void flush();
 
+  private:
     sql::Connection& connection_;
     std::vector<Term> terms_;
-    bool wroteTrigrams_ = false;
 };
 
 } // namespace addressbook

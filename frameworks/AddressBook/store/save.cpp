@@ -49,7 +49,7 @@ class Saver {
                     writeMembership(change);
         if (changes_.me)
             writeMe(*changes_.me);
-        index_.finish();
+        index_.flush();
         if (wrote_ || !changed_.empty() || !result_.deleted.empty())
             log();
         return std::move(result_);

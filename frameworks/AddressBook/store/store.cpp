@@ -68,7 +68,7 @@ void Store::Impl::rebuildIndexes() {
                     index.add(row.id, ensureProperty(row.kind, name), held);
         }
     }
-    index.finish();
+    index.flush();
     const std::string unicode = unicodeVersion();
     db.run("INSERT OR REPLACE INTO meta(name, value) VALUES ('unicode', ?)").bindText(unicode).finish();
     transaction.commit();
