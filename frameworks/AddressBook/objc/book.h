@@ -178,9 +178,9 @@ class Book : public std::enable_shared_from_this<Book> {
     std::unordered_map<RowId, std::string> gone_; // ids of deleted records, which lists may still name
     std::deque<std::weak_ptr<Card>> loaded_;      // whose stored values are in memory, oldest first
     std::uint64_t state_ = 1;
-    std::deque<RecordRow> ahead_;                 // read ahead for a walk, ascending
-    RowId walked_ = -1'000;                       // the row that was fetched last
-    Value scratch_;                               // what value() refers to when no card holds it
+    std::deque<RecordRow> ahead_; // read ahead for a walk, ascending
+    RowId walked_ = -1'000;       // the row that was fetched last
+    Value scratch_;               // what value() refers to when no card holds it
 
     // What is unsaved.
     std::vector<CardPtr> added_;
