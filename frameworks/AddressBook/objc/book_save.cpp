@@ -79,7 +79,6 @@ SaveResult Book::save(Date now) {
 void Book::settle(const SaveResult& result) {
     ++state_;
     ahead_.clear();
-    const Store::Reading reading(*store_);
     for (const auto& card : std::exchange(added_, {})) {
         clean(*card);
         card->read.reset();
