@@ -263,6 +263,10 @@ bool isCountry(const std::string& code) {
     return codes.contains(code);
 }
 
+std::span<const char* const> comparisonNames() {
+    return kComparisons;
+}
+
 int comparisonNamed(const Text& name) {
     const auto* const found = std::find(std::begin(kComparisons), std::end(kComparisons), name.value_or(""));
     return found == std::end(kComparisons) ? 0 : static_cast<int>(found - std::begin(kComparisons));

@@ -5,6 +5,8 @@
 
 #include "tests/model/value.h"
 
+#include <span>
+
 namespace model {
 
 // The type of a property that the address book has by itself for people (false) or groups (true): 1 text,
@@ -26,6 +28,9 @@ Text keyForReading(const Text& word);
 Text keyForWriting(const std::string& word);
 
 bool isCountry(const std::string& code);
+
+// The names of the search comparisons, in the order of their numbers.
+std::span<const char* const> comparisonNames();
 
 // The number of a search comparison; 0 for none and for any other text.
 int comparisonNamed(const Text& name);

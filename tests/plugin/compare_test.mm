@@ -2,22 +2,6 @@
 
 #include "tests/plugin/entries_fixture.h"
 
-// An address whose fields cannot be read.
-@interface VelocardUnreadableAddress : NSDictionary
-@end
-@implementation VelocardUnreadableAddress
-- (NSUInteger)count {
-    return 1;
-}
-- (id)objectForKey:(id)key {
-    [NSException raise:NSInternalInconsistencyException format:@"cannot read %@", key];
-    return nil;
-}
-- (NSEnumerator*)keyEnumerator {
-    return [[NSArray array] objectEnumerator];
-}
-@end
-
 namespace {
 
 class CompareTest : public EntriesTest {
@@ -87,7 +71,7 @@ TEST_F(CompareTest, ExceptionsFailTheCall) {
 
 // The value found before an exception is not compared any more.
 TEST_F(CompareTest, AnExceptionEndsTheComparison) {
-    personDouble.values = Retained<NSObject>::adopt([[VelocardUnreadableAddress alloc] init]);
+    personDouble.values = Retained<NSObject>::adopt([[VelocardFailingAddress alloc] init]);
     expectFailure(compare("note", "Bath", "", "City"), "Exception caught in function cannot read City",
                   "-8000");
 }

@@ -34,3 +34,7 @@ extern ListDoubleScript listDouble;
 // A list whose mutable copy does as the script says.
 @interface VelocardListDouble : ABMutableMultiValue
 @end
+
+// An address whose fields cannot be read.
+@interface VelocardFailingAddress : NSDictionary
+@end

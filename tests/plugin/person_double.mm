@@ -65,3 +65,16 @@ void resetPersonDouble() {
     return !listDouble.refusesRemoving && [super removeValueAndLabelAtIndex:index];
 }
 @end
+
+@implementation VelocardFailingAddress
+- (NSUInteger)count {
+    return 1;
+}
+- (id)objectForKey:(id)key {
+    [NSException raise:NSInternalInconsistencyException format:@"cannot read %@", key];
+    return nil;
+}
+- (NSEnumerator*)keyEnumerator {
+    return [[NSArray array] objectEnumerator];
+}
+@end

@@ -2,26 +2,12 @@
 
 #import "plugin/records/plugin_state.h"
 #import "plugin/shell/error_state.h"
+#include "tests/plugin/person_double.h"
 #include "tests/plugin/support.h"
 #include <array>
 #include <cstdlib>
 
-// An address whose fields cannot be read, and a person whose every value it is.
-@interface VelocardFailingAddress : NSDictionary
-@end
-@implementation VelocardFailingAddress
-- (NSUInteger)count {
-    return 1;
-}
-- (id)objectForKey:(id)key {
-    [NSException raise:NSInternalInconsistencyException format:@"cannot read %@", key];
-    return nil;
-}
-- (NSEnumerator*)keyEnumerator {
-    return [[NSArray array] objectEnumerator];
-}
-@end
-
+// A person whose every value is an address that cannot be read.
 @interface VelocardFailingAddressPerson : ABPerson
 @end
 @implementation VelocardFailingAddressPerson
