@@ -1,5 +1,7 @@
 #include "frameworks/AddressBook/store/card.h"
+#include "frameworks/AddressBook/store/packed_uid.h"
 #include "frameworks/AddressBook/store/property.h"
+#include "frameworks/AddressBook/store/words.h"
 
 #include <gmock/gmock.h>
 
@@ -18,10 +20,44 @@ TEST(Card, valuesReturnUnchanged) {
     EXPECT_EQ(decodeValue(encodeValue(kManyTypes)), kManyTypes);
 }
 
+// What the list in place holds, decoded.
+Value decodedList(std::string_view bytes) {
+    const EncodedList list = listIn(bytes);
+    MultiValue values{{}, list.primary.text()};
+    for (const EncodedEntry& entry : list.entries)
+        values.entries.push_back(
+            {entry.identifier.text(), std::string(entry.label), decodeValue(entry.value)});
+    return values;
+}
+
+TEST(Card, listsAndTextsAreReadInPlace) {
+    EXPECT_TRUE(holdsList(encodeValue(kManyTypes)));
+    EXPECT_EQ(decodedList(encodeValue(kManyTypes)), kManyTypes);
+    EXPECT_EQ(decodedList(encodeValue(MultiValue{})), Value(MultiValue{}));
+    EXPECT_FALSE(holdsList(encodeValue(Array{})));
+    EXPECT_FALSE(holdsList(""));
+    EXPECT_THROW(listIn(encodeValue(Array{})), DamagedCard);
+    EXPECT_EQ(textIn(encodeValue(std::string("a\0b", 3))), std::string_view("a\0b", 3));
+    EXPECT_EQ(textIn(encodeValue(Bytes{1})), std::nullopt);
+    EXPECT_EQ(textIn(""), std::nullopt);
+    EXPECT_THROW(textIn(encodeValue(std::string("text")) + "x"), DamagedCard);
+}
+
+TEST(Card, propertiesAreFoundByWellKnownAndByOtherNames) {
+    const std::string card = makeCard({{"First", "1"}, {"own", "2"}, {"Last", "3"}});
+    EXPECT_EQ(findInCard(card, "First"), "1");
+    EXPECT_EQ(findInCard(card, "Last"), "3");
+    EXPECT_EQ(findInCard(card, "own"), "2");
+    EXPECT_EQ(findInCard(card, "Middle"), std::nullopt);
+    EXPECT_EQ(findInCard(card, "other"), std::nullopt);
+}
+
 TEST(Card, everyCutEndIsNoticed) {
     const std::string bytes = encodeValue(kManyTypes);
-    for (std::size_t length = 0; length < bytes.size(); ++length)
+    for (std::size_t length = 0; length < bytes.size(); ++length) {
         EXPECT_THROW(decodeValue(std::string_view(bytes).substr(0, length)), DamagedCard) << length;
+        EXPECT_THROW(listIn(std::string_view(bytes).substr(0, length)), DamagedCard) << length;
+    }
     EXPECT_THROW(decodeValue(bytes + "x"), DamagedCard);
 }
 
@@ -33,6 +69,26 @@ TEST(Card, everyFlippedBitIsNoticed) {
         flipped[bit / 8] = static_cast<char>(flipped[bit / 8] ^ (1 << (bit % 8)));
         EXPECT_THROW(checkCard(flipped), DamagedCard) << bit;
     }
+}
+
+// A list in place is handed out in parts, so its damage has to be seen at once.
+TEST(Card, aListInPlaceIsDamagedWhenTheDecodedOneIs) {
+    const std::string bytes = encodeValue(kManyTypes);
+    int damaged = 0;
+    for (std::size_t bit = 8; bit < bytes.size() * 8; ++bit) {
+        std::string flipped = bytes;
+        flipped[bit / 8] = static_cast<char>(flipped[bit / 8] ^ (1 << (bit % 8)));
+        std::optional<Value> whole;
+        try {
+            whole = decodeValue(flipped);
+        } catch (const DamagedCard&) {
+            ++damaged;
+            EXPECT_THROW(listIn(flipped), DamagedCard) << bit;
+            continue;
+        }
+        EXPECT_EQ(encodeValue(decodedList(flipped)), encodeValue(*whole)) << bit;
+    }
+    EXPECT_GT(damaged, 100);
 }
 
 TEST(Card, randomBytesAreNoValueOrSomeValueButNeverACrash) {

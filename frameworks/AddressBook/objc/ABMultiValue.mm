@@ -1,106 +1,69 @@
 #import <AddressBook/ABMultiValue.h>
 
 #include "bridge.h"
+#include "list_entries.h"
 #include "multi_value.h"
 
 #include "frameworks/AddressBook/store/store.h"
 
 using namespace addressbook;
 
-// One entry; it never changes, so that copies of a list share it.
-@interface ABMultiValueEntry : NSObject {
-  @public
-    NSString* _identifier;
-    NSString* _label;
-    id _value;
-}
-- (id)initWithValue:(id)value label:(NSString*)label identifier:(NSString*)identifier;
-@end
-
-@implementation ABMultiValueEntry
-- (id)initWithValue:(id)value label:(NSString*)label identifier:(NSString*)identifier {
-    if ((self = [super init]) != nil) {
-        _value = [value respondsToSelector:@selector(copyWithZone:)] ? [value copy] : [value retain];
-        _label = [label copy];
-        _identifier = [identifier copy];
-    }
-    return self;
-}
-- (void)dealloc {
-    [_value release];
-    [_label release];
-    [_identifier release];
-    [super dealloc];
-}
-- (BOOL)isEqual:(id)other {
-    if (![other isKindOfClass:[ABMultiValueEntry class]])
-        return NO;
-    ABMultiValueEntry* entry = other;
-    return [_identifier isEqual:entry->_identifier] && [_label isEqual:entry->_label] &&
-           [_value isEqual:entry->_value];
-}
-- (NSUInteger)hash {
-    return [_identifier hash];
-}
-- (NSString*)description {
-    return [NSString stringWithFormat:@"%@ %@ (%@)", _label, _value, _identifier];
-}
+@interface ABMultiValue (Entries)
+- (ListEntries&)list;
+- (const ListEntry&)entryAtIndex:(NSUInteger)index;
 @end
 
 @implementation ABMultiValue
 
 - (id)init {
-    if ((self = [super init]) != nil)
-        _entries = [[NSMutableArray alloc] init];
-    return self;
+    return [self initWithEntries:std::make_unique<ListEntries>()];
 }
 
 - (void)dealloc {
-    [_entries release];
-    [_primary release];
+    delete static_cast<ListEntries*>(_list);
     [super dealloc];
 }
 
-- (ABMultiValueEntry*)entryAtIndex:(NSUInteger)index {
-    if (index >= [_entries count])
-        [NSException raise:NSRangeException
-                    format:@"There is no entry %lu: the list has %lu", (unsigned long)index,
-                           (unsigned long)[_entries count]];
-    return [_entries objectAtIndex:index];
+- (ListEntries&)list {
+    return *static_cast<ListEntries*>(_list);
 }
 
-- (void)takeEntriesOf:(ABMultiValue*)other {
-    [_entries setArray:other->_entries];
-    [self choosePrimary:other->_primary];
+- (const ListEntry&)entryAtIndex:(NSUInteger)index {
+    const auto& entries = static_cast<ListEntries*>(_list)->entries;
+    if (index >= entries.size())
+        [NSException raise:NSRangeException
+                    format:@"There is no entry %lu: the list has %lu", (unsigned long)index,
+                           (unsigned long)entries.size()];
+    return entries[index];
 }
 
 - (NSUInteger)count {
-    return [_entries count];
+    return static_cast<ListEntries*>(_list)->entries.size();
 }
 
 - (id)valueAtIndex:(NSUInteger)index {
-    return [self entryAtIndex:index]->_value;
+    return [self entryAtIndex:index].value();
 }
 
 - (NSString*)labelAtIndex:(NSUInteger)index {
-    return [self entryAtIndex:index]->_label;
+    return [self entryAtIndex:index].label();
 }
 
 - (NSString*)identifierAtIndex:(NSUInteger)index {
-    return [self entryAtIndex:index]->_identifier;
+    return [self entryAtIndex:index].identifier();
 }
 
 - (NSUInteger)indexForIdentifier:(NSString*)identifier {
-    for (NSUInteger i = 0, count = [_entries count]; identifier != nil && i < count; ++i)
+    for (NSUInteger i = 0, count = [self count]; identifier != nil && i < count; ++i)
         if ([[self identifierAtIndex:i] isEqualToString:identifier])
             return i;
     return NSNotFound;
 }
 
 - (NSString*)primaryIdentifier {
-    if (_primary != nil)
-        return _primary;
-    return [_entries count] == 0 ? nil : [self identifierAtIndex:0];
+    if (id chosen = [self chosenPrimary])
+        return chosen;
+    return [self count] == 0 ? nil : [self identifierAtIndex:0];
 }
 
 - (ABPropertyType)propertyType {
@@ -121,15 +84,12 @@ using namespace addressbook;
 - (id)copyWithZone:(NSZone*)zone {
     if ([self isMemberOfClass:[ABMultiValue class]])
         return [self retain];
-    ABMultiValue* copy = [[ABMultiValue allocWithZone:zone] init];
-    [copy takeEntriesOf:self];
-    return copy;
+    return [[ABMultiValue allocWithZone:zone] initWithEntries:std::make_unique<ListEntries>([self list])];
 }
 
 - (id)mutableCopyWithZone:(NSZone*)zone {
-    ABMutableMultiValue* copy = [[ABMutableMultiValue allocWithZone:zone] init];
-    [copy takeEntriesOf:self];
-    return copy;
+    return
+        [[ABMutableMultiValue allocWithZone:zone] initWithEntries:std::make_unique<ListEntries>([self list])];
 }
 
 // Walks the values, in order.
@@ -139,7 +99,7 @@ using namespace addressbook;
     state->itemsPtr = buffer;
     state->mutationsPtr = &_mutations;
     NSUInteger given = 0;
-    for (; given < length && state->state < [_entries count]; ++given, ++state->state)
+    for (; given < length && state->state < [self count]; ++given, ++state->state)
         buffer[given] = [self valueAtIndex:state->state];
     return given;
 }
@@ -148,36 +108,41 @@ using namespace addressbook;
     if (![other isKindOfClass:[ABMultiValue class]])
         return NO;
     ABMultiValue* list = other;
-    return [_entries isEqual:list->_entries] &&
-           ([self count] == 0 || [[self primaryIdentifier] isEqual:[list primaryIdentifier]]);
+    const NSUInteger count = [self count];
+    if ([list count] != count)
+        return NO;
+    for (NSUInteger i = 0; i < count; ++i)
+        if (![[self identifierAtIndex:i] isEqual:[list identifierAtIndex:i]] ||
+            ![[self labelAtIndex:i] isEqual:[list labelAtIndex:i]] ||
+            ![[self valueAtIndex:i] isEqual:[list valueAtIndex:i]])
+            return NO;
+    return count == 0 || [[self primaryIdentifier] isEqual:[list primaryIdentifier]];
 }
 
 - (NSUInteger)hash {
-    return [_entries count];
+    return [self count];
 }
 
 - (NSString*)description {
-    return [_entries description];
+    NSMutableArray* entries = [NSMutableArray array];
+    for (NSUInteger i = 0, count = [self count]; i < count; ++i)
+        [entries addObject:[NSString stringWithFormat:@"%@ %@ (%@)", [self labelAtIndex:i],
+                                                      [self valueAtIndex:i], [self identifierAtIndex:i]]];
+    return [entries description];
 }
 
 @end
 
 @implementation ABMultiValue (Internal)
 
-- (void)appendValue:(id)value label:(NSString*)label identifier:(NSString*)identifier {
-    [_entries addObject:[[[ABMultiValueEntry alloc] initWithValue:value label:label
-                                                       identifier:identifier] autorelease]];
-}
-
-- (void)choosePrimary:(NSString*)identifier {
-    if (identifier == _primary)
-        return;
-    [_primary release];
-    _primary = [identifier copy];
+- (id)initWithEntries:(std::unique_ptr<ListEntries>)entries {
+    if ((self = [super init]) != nil)
+        _list = entries.release();
+    return self;
 }
 
 - (NSString*)chosenPrimary {
-    return _primary;
+    return [self list].primary.get();
 }
 
 @end
@@ -185,36 +150,32 @@ using namespace addressbook;
 @implementation ABMutableMultiValue
 
 - (NSString*)addValue:(id)value withLabel:(NSString*)label {
-    return [self insertValue:value withLabel:label atIndex:[_entries count]];
+    return [self insertValue:value withLabel:label atIndex:[self count]];
 }
 
 - (NSString*)insertValue:(id)value withLabel:(NSString*)label atIndex:(NSUInteger)index {
     if (value == nil || label == nil)
         return nil;
-    if (index > [_entries count])
-        [self identifierAtIndex:index]; // raises
+    auto& entries = [self list].entries;
+    if (index > entries.size())
+        [self entryAtIndex:index]; // raises
     NSString* identifier = stringFrom(newUuid());
-    [_entries insertObject:[[[ABMultiValueEntry alloc] initWithValue:value label:label
-                                                          identifier:identifier] autorelease]
-                   atIndex:index];
+    entries.emplace(entries.begin() + static_cast<std::ptrdiff_t>(index), value, label, identifier);
     ++_mutations;
     return identifier;
 }
 
 - (BOOL)removeValueAndLabelAtIndex:(NSUInteger)index {
-    if ([[self identifierAtIndex:index] isEqual:_primary])
-        [self choosePrimary:nil];
-    [_entries removeObjectAtIndex:index];
+    ListEntries& list = [self list];
+    if ([[self identifierAtIndex:index] isEqual:list.primary.get()])
+        list.primary = Retained();
+    list.entries.erase(list.entries.begin() + static_cast<std::ptrdiff_t>(index));
     ++_mutations;
     return YES;
 }
 
 - (void)replaceEntryAtIndex:(NSUInteger)index withValue:(id)value label:(NSString*)label {
-    ABMultiValueEntry* entry = [[ABMultiValueEntry alloc] initWithValue:value
-                                                                  label:label
-                                                             identifier:[self identifierAtIndex:index]];
-    [_entries replaceObjectAtIndex:index withObject:entry];
-    [entry release];
+    [self list].entries[index] = ListEntry(value, label, [self identifierAtIndex:index]);
     ++_mutations;
 }
 
@@ -237,7 +198,7 @@ using namespace addressbook;
 - (BOOL)setPrimaryIdentifier:(NSString*)identifier {
     if ([self indexForIdentifier:identifier] == NSNotFound)
         return NO;
-    [self choosePrimary:identifier];
+    [self list].primary = copied(identifier);
     return YES;
 }
 

@@ -6,6 +6,8 @@
 #include "property_types.h"
 #include "record.h"
 
+#include "frameworks/AddressBook/store/card.h"
+
 using namespace addressbook;
 
 namespace {
@@ -20,14 +22,24 @@ struct State {
     std::uint64_t listState = 0; // the book's state in which it was read
 
     void keep(id value, const std::string& name) {
-        if (![value isKindOfClass:[ABMultiValue class]])
-            return;
         [list release];
         list = [value retain];
         listName = name;
         listState = book->state();
     }
 };
+
+// A stored value is turned into an object from its bytes.
+id valueOf(Book& book, Card& card, const std::string& property) {
+    const auto encoded = book.encoded(card, property);
+    if (!encoded)
+        return objectFrom(book.current(card, property));
+    try {
+        return objectFromEncoded(*encoded);
+    } catch (const DamagedCard& error) {
+        book.damaged(card, error.what());
+    }
+}
 
 } // namespace
 
@@ -62,8 +74,9 @@ ABRecord* recordFrom(const BookPtr& book, const CardPtr& card) {
         return nil;
     if (card->object != nullptr)
         return [[static_cast<ABRecord*>(card->object) retain] autorelease];
-    Class type = card->kind == Kind::group ? [ABGroup class] : [ABPerson class];
-    return [[[type alloc] initWithCard:card book:book] autorelease];
+    static Class const person = [ABPerson class];
+    static Class const group = [ABGroup class];
+    return [[[card->kind == Kind::group ? group : person alloc] initWithCard:card book:book] autorelease];
 }
 
 NSArray* recordsFrom(const BookPtr& book, const std::vector<CardPtr>& cards) {
@@ -118,12 +131,12 @@ BookPtr bookOf(ABRecord* record) {
     if (state.list != nil && state.listName == name &&
         reading([&] { return book.state(); }) == state.listState)
         return [[state.list retain] autorelease];
-    const Value* value =
-        reading([&] { return book.typeOf(card.kind, name) != 0 ? &book.value(card, name) : nullptr; });
-    if (value == nullptr)
+    const int type = reading([&] { return book.typeOf(card.kind, name); });
+    if (type == 0)
         return nil;
-    id object = objectFrom(*value);
-    state.keep(object, name);
+    id object = reading([&] { return valueOf(book, card, name); });
+    if ((type & kMultiValue) != 0)
+        state.keep(object, name);
     return object;
 }
 

@@ -14,8 +14,9 @@ namespace {
 // So many records keep their stored values in memory; older ones read them again.
 constexpr std::size_t kLoadedLimit = 1024;
 
-// A walk that goes on in order reads so many records at once.
-constexpr std::size_t kReadAhead = 64;
+// A walk that goes on in order reads so many records at once: few at first, as it may end soon.
+constexpr std::size_t kFirstAhead = 16;
+constexpr std::size_t kMostAhead = 256;
 
 const Value kNone;
 
@@ -40,6 +41,20 @@ auto named(Kind kind, std::string_view name) {
     return [kind, name](const PropertyDefinition& definition) {
         return definition.kind == kind && definition.name == name;
     };
+}
+
+// The unsaved value of a property, which is no value when it was removed; null when it was not changed.
+const Value* changeOf(const Card& card, std::string_view property) {
+    if (card.changes.empty())
+        return nullptr;
+    const auto change = card.changes.find(std::string(property));
+    return change == card.changes.end() ? nullptr : &change->second;
+}
+
+// Whether the database keeps a property beside the card.
+bool keptApart(std::string_view property) {
+    return property == property::kUid || property == property::kCreation ||
+           property == property::kModification || property == property::kImage;
 }
 
 bool contains(const std::vector<CardPtr>& cards, const Card& one) {
@@ -90,10 +105,19 @@ CardPtr Book::own(Card* card) {
             owner->forget(*last);
         delete last;
     });
-    cards_[owned->uid] = owned;
+    file(owned);
     if (owned->row != 0)
         rows_[owned->row] = owned;
     return owned;
+}
+
+// Makes this the card of its unique id.
+void Book::file(const CardPtr& card) {
+    const auto [place, fresh] = cards_.try_emplace(card->uid, card);
+    if (fresh)
+        return;
+    cards_.erase(place); // its key belongs to another card
+    cards_.emplace(card->uid, card);
 }
 
 void Book::forget(const Card& card) {
@@ -104,7 +128,7 @@ void Book::forget(const Card& card) {
         rows_.erase(found);
 }
 
-CardPtr Book::live(const std::string& uid) const {
+CardPtr Book::live(std::string_view uid) const {
     const auto found = cards_.find(uid);
     return found == cards_.end() ? nullptr : found->second.lock();
 }
@@ -116,7 +140,7 @@ CardPtr Book::card(RecordRow record) {
         return known;
     }
     auto made = std::make_unique<Card>();
-    made->uid = record.uid;
+    made->uid = std::move(record.uid);
     made->kind = record.kind;
     made->standing = Card::Standing::stored;
     made->row = record.id;
@@ -132,13 +156,16 @@ std::optional<RecordRow> Book::fetch(RowId row) {
     walked_ = row;
     if (!walks) {
         ahead_.clear();
+        aheadNext_ = kFirstAhead;
         return store_->read(row);
     }
     while (!ahead_.empty() && ahead_.front().id < row)
         ahead_.pop_front();
-    if (ahead_.empty())
-        for (RecordRow& record : store_->readFrom(row, kReadAhead))
+    if (ahead_.empty()) {
+        for (RecordRow& record : store_->readFrom(row, aheadNext_))
             ahead_.push_back(std::move(record));
+        aheadNext_ = std::min(aheadNext_ * 2, kMostAhead);
+    }
     if (ahead_.empty() || ahead_.front().id != row)
         return std::nullopt;
     std::optional<RecordRow> record(std::move(ahead_.front()));
@@ -149,7 +176,7 @@ std::optional<RecordRow> Book::fetch(RowId row) {
 CardPtr Book::find(std::string_view uid) {
     const Store::Reading reading(*store_);
     refresh();
-    if (auto known = live(std::string(uid)); known && known->standing != Card::Standing::gone)
+    if (auto known = live(uid); known && known->standing != Card::Standing::gone)
         return known->inBook() ? known : nullptr;
     auto record = store_->read(uid);
     return record ? card(std::move(*record)) : nullptr;
@@ -248,8 +275,7 @@ void Book::load(Card& card) {
 
 void Book::keep(Card& card, RecordRow record) {
     card.read = std::move(record);
-    if (const auto found = cards_.find(card.uid); found != cards_.end())
-        loaded_.push_back(found->second);
+    loaded_.push_back(card.weak_from_this());
     while (loaded_.size() > kLoadedLimit) {
         if (const auto oldest = loaded_.front().lock(); oldest && oldest.get() != &card)
             oldest->read.reset();
@@ -267,9 +293,8 @@ const Value& Book::current(Card& card, std::string_view property) {
         scratch_ = card.uid;
         return scratch_;
     }
-    if (!card.changes.empty())
-        if (const auto change = card.changes.find(std::string(property)); change != card.changes.end())
-            return change->second;
+    if (const Value* change = changeOf(card, property))
+        return *change;
     if (card.row == 0 || discarded(card.kind, property))
         return kNone;
     if (property == property::kImage) {
@@ -281,12 +306,26 @@ const Value& Book::current(Card& card, std::string_view property) {
     return scratch_;
 }
 
+std::optional<std::string_view> Book::encoded(Card& card, std::string_view property) {
+    notice();
+    if (card.row == 0 || changeOf(card, property) != nullptr || keptApart(property) ||
+        discarded(card.kind, property))
+        return std::nullopt;
+    load(card);
+    return store_->encodedValue(*card.read, property);
+}
+
+void Book::damaged(const Card& card, const std::string& what) const {
+    store_->damaged(card.read.value_or(RecordRow()), what);
+}
+
 std::map<std::string, Value> Book::values(Card& card) {
     notice();
     std::map<std::string, Value> all;
     if (card.row != 0) {
         load(card);
         all = store_->values(*card.read);
+        all[std::string(property::kUid)] = card.uid;
         all[std::string(property::kImage)] = current(card, property::kImage);
         std::erase_if(all, [&](const auto& one) { return discarded(card.kind, one.first); });
     }
@@ -319,7 +358,7 @@ bool Book::add(const CardPtr& card) {
     case Card::Standing::loose:
         card->standing = Card::Standing::added;
         added_.push_back(card);
-        cards_[card->uid] = card;
+        file(card);
         return true;
     case Card::Standing::removed:
         card->standing = Card::Standing::stored;

@@ -26,7 +26,7 @@
 namespace addressbook {
 
 // One record as this process sees it. There is one card per unique id for as long as anybody holds it.
-struct Card {
+struct Card : std::enable_shared_from_this<Card> {
     enum class Standing {
         loose,   // made here, not added
         added,   // added, not saved
@@ -41,7 +41,7 @@ struct Card {
     std::map<std::string, Value> changes;      // unsaved values; no value: removed
     std::vector<std::shared_ptr<Card>> joined; // of a group: members and subgroups that joined, unsaved
     std::set<std::string> left;                // of a group: uids that left, unsaved
-    std::optional<RecordRow> read;             // what is stored, once it was asked for
+    std::optional<RecordRow> read;             // what is stored, once it was asked for; without the uid
     void* object = nullptr; // the live Objective-C object of this record; it clears this when it goes
 
     bool inBook() const { return standing == Standing::added || standing == Standing::stored; }
@@ -100,6 +100,12 @@ class Book : public std::enable_shared_from_this<Book> {
     const Value& value(Card& card, std::string_view property);
     // The same, without looking first whether others saved something.
     const Value& current(Card& card, std::string_view property);
+    // The same for a value that is as stored, as its bytes (encodeValue): they live until the next call, and
+    // are empty for no value. Nothing for a value that was changed here, or that is kept apart from the
+    // others.
+    std::optional<std::string_view> encoded(Card& card, std::string_view property);
+    // Reports that such bytes make no sense.
+    [[noreturn]] void damaged(const Card& card, const std::string& what) const;
     // A number that changes whenever values may have changed, here or elsewhere.
     std::uint64_t state() {
         notice();
@@ -164,7 +170,8 @@ class Book : public std::enable_shared_from_this<Book> {
     bool mentionsDiscarded(const Query& query) const;
     ChangeSet changes(Date now) const;
     void settle(const SaveResult& result);
-    CardPtr live(const std::string& uid) const;
+    CardPtr live(std::string_view uid) const;
+    void file(const CardPtr& card);
 
     static std::atomic<std::uint64_t> stirred_;
 
@@ -173,12 +180,13 @@ class Book : public std::enable_shared_from_this<Book> {
     std::uint64_t noticed_;
     std::int64_t seen_ = 0;                       // the newest save whose changes this book knows
     std::vector<PropertyDefinition> definitions_; // as stored
-    std::unordered_map<std::string, std::weak_ptr<Card>> cards_;
+    std::unordered_map<std::string_view, std::weak_ptr<Card>> cards_; // by the uid that the card itself holds
     std::unordered_map<RowId, std::weak_ptr<Card>> rows_;
     std::unordered_map<RowId, std::string> gone_; // ids of deleted records, which lists may still name
     std::deque<std::weak_ptr<Card>> loaded_;      // whose stored values are in memory, oldest first
     std::uint64_t state_ = 1;
     std::deque<RecordRow> ahead_; // read ahead for a walk, ascending
+    std::size_t aheadNext_ = 0;   // so many are read the next time
     RowId walked_ = -1'000;       // the row that was fetched last
     Value scratch_;               // what value() refers to when no card holds it
 

@@ -24,4 +24,13 @@ std::optional<Value> valueFrom(id object);
 // An immutable, autoreleased object; nil for no value.
 id objectFrom(const Value& value);
 
+// The same for a value's bytes (encodeValue), nil for none. Throws DamagedCard.
+id objectFromEncoded(std::string_view value);
+
+// A label or key: the well-known ones are made once.
+NSString* wordFrom(std::string_view word);
+
+// A value that a list holds: NSNull for no value.
+id objectOrNull(id object);
+
 } // namespace addressbook

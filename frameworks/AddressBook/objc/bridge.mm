@@ -2,10 +2,13 @@
 
 #include "frameworks/AddressBook/store/card.h"
 #include "frameworks/AddressBook/store/text.h"
+#include "frameworks/AddressBook/store/words.h"
 #include "multi_value.h"
 
 #import <AddressBook/ABMultiValue.h>
 #include <algorithm>
+#include <cstring>
+#include <objc/runtime.h>
 
 // Text that Foundation's own strings refuse: UTF-16 with lone surrogates.
 @interface ABRawText : NSString {
@@ -141,17 +144,9 @@ std::optional<Value> entriesFrom(ABMultiValue* list) {
     return values;
 }
 
-// Labels and keys: the well-known ones are made once.
-NSString* wordFrom(const std::string& word) {
-    static std::vector<NSString*> known;
-    const auto code = static_cast<std::size_t>(wordCode(word));
-    if (code == 0)
-        return stringFrom(word);
-    if (known.size() <= code)
-        known.resize(code + 1, nil);
-    if (known[code] == nil)
-        known[code] = [stringFrom(word) retain];
-    return known[code];
+ABMultiValue* listOf(std::unique_ptr<ListEntries> entries) {
+    static Class const type = [ABMultiValue class];
+    return [[[type alloc] initWithEntries:std::move(entries)] autorelease];
 }
 
 struct ToObject {
@@ -169,30 +164,23 @@ struct ToObject {
     id operator()(const Array& values) const {
         NSMutableArray* array = [NSMutableArray arrayWithCapacity:values.size()];
         for (const auto& value : values)
-            [array addObject:objectOrNull(value)];
+            [array addObject:objectOrNull(objectFrom(value))];
         return [[array copy] autorelease];
     }
     id operator()(const Dictionary& values) const {
         NSMutableDictionary* dictionary = [NSMutableDictionary dictionaryWithCapacity:values.size()];
         for (const auto& [key, value] : values)
-            [dictionary setObject:objectOrNull(value) forKey:wordFrom(key)];
+            [dictionary setObject:objectOrNull(objectFrom(value)) forKey:wordFrom(key)];
         return [[dictionary copy] autorelease];
     }
     id operator()(const MultiValue& values) const {
-        ABMultiValue* list = [[[ABMultiValue alloc] init] autorelease];
+        auto list = std::make_unique<ListEntries>();
         for (const auto& entry : values.entries)
-            [list appendValue:objectOrNull(entry.value)
-                        label:wordFrom(entry.label)
-                   identifier:stringFrom(entry.identifier)];
+            list->entries.emplace_back(objectOrNull(objectFrom(entry.value)), wordFrom(entry.label),
+                                       stringFrom(entry.identifier));
         if (!values.primary.empty())
-            [list choosePrimary:stringFrom(values.primary)];
-        return list;
-    }
-
-  private:
-    static id objectOrNull(const Value& value) {
-        id object = objectFrom(value);
-        return object ? object : [NSNull null];
+            list->primary = Retained(stringFrom(values.primary));
+        return listOf(std::move(list));
     }
 };
 
@@ -200,6 +188,12 @@ struct ToObject {
 
 std::string textFrom(NSString* string) {
     static_assert(sizeof(unichar) == sizeof(char16_t));
+    // The compiler's constants, as names of properties are, know their bytes. With as many bytes as units
+    // they are ASCII.
+    static Class const constant = [NSConstantString class];
+    if (string != nil && object_getClass(string) == constant)
+        if (const char* bytes = [string UTF8String]; std::strlen(bytes) == [string length])
+            return bytes;
     std::u16string units([string length], u'\0');
     if (!units.empty())
         [string getCharacters:reinterpret_cast<unichar*>(units.data()) range:NSMakeRange(0, units.size())];
@@ -207,9 +201,11 @@ std::string textFrom(NSString* string) {
 }
 
 NSString* stringFrom(std::string_view text) {
+    static Class const type =
+        [NSString class]; // looking a class up by its name takes as long as making a text
     if (isAscii(text))
-        return [[[NSString alloc] initWithBytes:text.data() length:text.size()
-                                       encoding:NSASCIIStringEncoding] autorelease];
+        return [[[type alloc] initWithBytes:text.data() length:text.size()
+                                   encoding:NSASCIIStringEncoding] autorelease];
     const std::u16string units = utf16FromUtf8(text);
     if (needsRawText(units))
         return [[[ABRawText alloc] initWithUnits:units] autorelease];
@@ -246,6 +242,32 @@ std::optional<Value> valueFrom(id object) {
 
 id objectFrom(const Value& value) {
     return std::visit(ToObject{}, static_cast<const Value::variant&>(value));
+}
+
+id objectFromEncoded(std::string_view value) {
+    if (value.empty())
+        return nil;
+    if (const auto text = textIn(value))
+        return stringFrom(*text);
+    if (holdsList(value))
+        return listOf(std::make_unique<ListEntries>(value));
+    return objectFrom(decodeValue(value));
+}
+
+NSString* wordFrom(std::string_view word) {
+    static std::vector<NSString*> known;
+    const auto code = static_cast<std::size_t>(wordCode(word));
+    if (code == 0)
+        return stringFrom(word);
+    if (known.size() <= code)
+        known.resize(code + 1, nil);
+    if (known[code] == nil)
+        known[code] = [stringFrom(word) retain];
+    return known[code];
+}
+
+id objectOrNull(id object) {
+    return object ? object : [NSNull null];
 }
 
 } // namespace addressbook

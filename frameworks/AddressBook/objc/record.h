@@ -37,7 +37,7 @@ BOOL refuse(NSError** error, NSInteger code, NSString* sentence);
 [[noreturn]] void raiseInvalid(NSString* sentence);
 [[noreturn]] void raiseUnreadable(const std::string& sentence);
 
-// Runs [work] (C++ only), which reads the store; a failure is raised as an NSException with the store's
+// Runs [work], which reads the store; a failure is raised as an NSException with the store's
 // sentence.
 template <typename Work>
 auto reading(Work&& work) -> decltype(work()) {

@@ -1,94 +1,14 @@
 #include "card.h"
 
-#include "property.h"
+#include "packed_uid.h"
+#include "words.h"
 
 #include <algorithm>
-#include <array>
 #include <bit>
 #include <cstring>
-#include <unordered_map>
 
 namespace addressbook {
 namespace {
-
-namespace p = property;
-
-// Words that most cards hold. Their places are what the database keeps: only ever add at the end.
-constexpr std::array<std::string_view, 65> kWords{p::kFirst,
-                                                  p::kLast,
-                                                  p::kFirstPhonetic,
-                                                  p::kLastPhonetic,
-                                                  p::kMiddle,
-                                                  p::kMiddlePhonetic,
-                                                  p::kTitle,
-                                                  p::kSuffix,
-                                                  p::kNickname,
-                                                  p::kMaidenName,
-                                                  p::kBirthday,
-                                                  p::kOrganization,
-                                                  p::kJobTitle,
-                                                  p::kDepartment,
-                                                  p::kNote,
-                                                  p::kHomePage,
-                                                  p::kPersonFlags,
-                                                  p::kUrls,
-                                                  p::kCalendarUris,
-                                                  p::kEmail,
-                                                  p::kPhone,
-                                                  p::kRelatedNames,
-                                                  p::kAim,
-                                                  p::kJabber,
-                                                  p::kMsn,
-                                                  p::kYahoo,
-                                                  p::kIcq,
-                                                  p::kAddress,
-                                                  p::kOtherDates,
-                                                  p::kSocialProfile,
-                                                  p::kInstantMessage,
-                                                  p::kGroupName,
-                                                  p::kUnknownLines,
-                                                  p::kDistribution,
-                                                  "Street",
-                                                  "City",
-                                                  "State",
-                                                  "ZIP",
-                                                  "Country",
-                                                  "CountryCode",
-                                                  "_$!<Home>!$_",
-                                                  "_$!<Work>!$_",
-                                                  "_$!<Other>!$_",
-                                                  "_$!<HomePage>!$_",
-                                                  "_$!<Mobile>!$_",
-                                                  "_$!<Main>!$_",
-                                                  "_$!<HomeFAX>!$_",
-                                                  "_$!<WorkFAX>!$_",
-                                                  "_$!<Pager>!$_",
-                                                  "_$!<Anniversary>!$_",
-                                                  "_$!<Father>!$_",
-                                                  "_$!<Mother>!$_",
-                                                  "_$!<Parent>!$_",
-                                                  "_$!<Brother>!$_",
-                                                  "_$!<Sister>!$_",
-                                                  "_$!<Child>!$_",
-                                                  "_$!<Friend>!$_",
-                                                  "_$!<Spouse>!$_",
-                                                  "_$!<Partner>!$_",
-                                                  "_$!<Assistant>!$_",
-                                                  "_$!<Manager>!$_",
-                                                  p::kCreation,
-                                                  p::kModification,
-                                                  p::kImage,
-                                                  p::kUid};
-
-const std::unordered_map<std::string_view, int>& wordCodes() {
-    static const std::unordered_map<std::string_view, int> codes = [] {
-        std::unordered_map<std::string_view, int> map;
-        for (std::size_t i = 0; i < kWords.size(); ++i)
-            map.emplace(kWords[i], static_cast<int>(i + 1));
-        return map;
-    }();
-    return codes;
-}
 
 // What a value's first byte says; the numbers are stored.
 enum class Tag : std::uint8_t {
@@ -104,20 +24,8 @@ enum class Tag : std::uint8_t {
     multiValue = 9
 };
 
-constexpr std::size_t kUuidBytes = 16;
-
-std::optional<int> hexDigit(char c) {
-    if (c >= '0' && c <= '9')
-        return c - '0';
-    if (c >= 'A' && c <= 'F')
-        return c - 'A' + 10;
-    return std::nullopt;
-}
-
-constexpr bool isDash(std::size_t at) {
-    return at == 8 || at == 13 || at == 18 || at == 23;
-}
-constexpr std::size_t kUuidText = 36;
+// Which parts of a date are there: six bits.
+constexpr unsigned kAllDateParts = 0x3F;
 
 class Writer {
   public:
@@ -225,6 +133,8 @@ class Reader {
     bool atEnd() const { return rest_.empty(); }
     std::uint8_t byte() { return static_cast<std::uint8_t>(take(1).front()); }
     std::uint64_t count() {
+        if (!rest_.empty() && static_cast<unsigned char>(rest_.front()) < 0x80) // nearly always
+            return byte();
         std::uint64_t value = 0;
         for (int shift = 0; shift < 64; shift += 7) {
             const std::uint8_t part = byte();
@@ -256,17 +166,22 @@ class Reader {
             throw DamagedCard("a word of an unknown number");
         return known;
     }
-    std::string identifier() {
+    EncodedIdentifier identifier() {
         const std::uint64_t size = count();
-        const std::string_view stored = take(size / 2);
-        if (size % 2 == 0)
-            return std::string(stored);
-        auto text = unpackUid(stored);
-        if (!text)
+        const EncodedIdentifier found{take(size / 2), size % 2 != 0};
+        if (found.packed && !isPackedUid(found.bytes))
             throw DamagedCard("an identifier of the wrong length");
-        return std::move(*text);
+        return found;
     }
     Value value(int depth = 0);
+    // Goes past a value, and finds all that value() would find damaged in it.
+    void skip(int depth = 0);
+    // The bytes of the value that comes next.
+    std::string_view encoded(int depth = 0) {
+        const std::string_view before = rest_;
+        skip(depth);
+        return before.substr(0, before.size() - rest_.size());
+    }
     std::string_view take(std::uint64_t size) {
         if (size > rest_.size())
             throw DamagedCard("the bytes end early");
@@ -336,17 +251,60 @@ Value Reader::value(int depth) {
     }
     case Tag::multiValue: {
         MultiValue list;
-        list.primary = identifier();
+        list.primary = identifier().text();
         const std::size_t number = items();
         list.entries.reserve(number);
         for (std::size_t i = 0; i < number; ++i) {
             Entry& entry = list.entries.emplace_back();
-            entry.identifier = identifier();
+            entry.identifier = identifier().text();
             entry.label = word();
             entry.value = value(depth + 1);
         }
         return list;
     }
+    }
+    throw DamagedCard("a value of an unknown type");
+}
+
+void Reader::skip(int depth) {
+    if (depth > kDeepestValue)
+        throw DamagedCard("a value is nested too deeply");
+    switch (static_cast<Tag>(byte())) {
+    case Tag::none:
+        return;
+    case Tag::string:
+    case Tag::data:
+        bytes();
+        return;
+    case Tag::integer:
+        count();
+        return;
+    case Tag::real:
+    case Tag::date:
+        take(8);
+        return;
+    case Tag::dateComponents:
+        for (int left = std::popcount(byte() & kAllDateParts); left > 0; --left)
+            count();
+        return;
+    case Tag::array:
+        for (std::size_t left = items(); left > 0; --left)
+            skip(depth + 1);
+        return;
+    case Tag::dictionary:
+        for (std::size_t left = items(); left > 0; --left) {
+            word();
+            skip(depth + 1);
+        }
+        return;
+    case Tag::multiValue:
+        identifier();
+        for (std::size_t left = items(); left > 0; --left) {
+            identifier();
+            word();
+            skip(depth + 1);
+        }
+        return;
     }
     throw DamagedCard("a value of an unknown type");
 }
@@ -368,18 +326,6 @@ std::uint64_t checksum(std::string_view bytes) {
     return sum;
 }
 
-// Calls [visit] until it answers true.
-template <typename Visit>
-void walk(std::string_view card, Visit visit) {
-    Reader reader(card);
-    reader.eightBytes(); // the checksum
-    while (!reader.atEnd()) {
-        const std::string_view name = reader.word();
-        if (visit(name, reader.bytes()))
-            return;
-    }
-}
-
 } // namespace
 
 std::string encodeValue(const Value& value) {
@@ -395,6 +341,41 @@ Value decodeValue(std::string_view bytes) {
     return value;
 }
 
+std::string EncodedIdentifier::text() const {
+    return packed ? unpackUid(bytes).value_or("") : std::string(bytes);
+}
+
+std::optional<std::string_view> textIn(std::string_view value) {
+    if (value.empty() || static_cast<Tag>(value.front()) != Tag::string)
+        return std::nullopt;
+    Reader reader(value.substr(1));
+    const std::string_view text = reader.bytes();
+    reader.expectEnd();
+    return text;
+}
+
+bool holdsList(std::string_view value) {
+    return !value.empty() && static_cast<Tag>(value.front()) == Tag::multiValue;
+}
+
+EncodedList listIn(std::string_view value) {
+    Reader reader(value);
+    if (static_cast<Tag>(reader.byte()) != Tag::multiValue)
+        throw DamagedCard("a list of an unknown type");
+    EncodedList list;
+    list.primary = reader.identifier();
+    const std::size_t number = reader.items();
+    list.entries.reserve(number);
+    for (std::size_t left = number; left > 0; --left) {
+        EncodedEntry& entry = list.entries.emplace_back();
+        entry.identifier = reader.identifier();
+        entry.label = reader.word();
+        entry.value = reader.encoded(1);
+    }
+    reader.expectEnd();
+    return list;
+}
+
 void checkCard(std::string_view card) {
     Reader reader(card);
     const std::uint64_t sum = reader.eightBytes();
@@ -404,10 +385,11 @@ void checkCard(std::string_view card) {
 
 void visitCard(std::string_view card, const std::function<void(std::string_view, std::string_view)>& visit) {
     checkCard(card);
-    walk(card, [&](std::string_view name, std::string_view value) {
-        visit(name, value);
-        return false;
-    });
+    Reader reader(card.substr(8));
+    while (!reader.atEnd()) {
+        const std::string_view name = reader.word();
+        visit(name, reader.bytes());
+    }
 }
 
 void visitDamagedCard(std::string_view card,
@@ -425,13 +407,17 @@ void visitDamagedCard(std::string_view card,
 }
 
 std::optional<std::string_view> findInCard(std::string_view card, std::string_view name) {
-    std::optional<std::string_view> found;
-    walk(card, [&](std::string_view candidate, std::string_view value) {
-        if (candidate == name)
-            found = value;
-        return found.has_value();
-    });
-    return found;
+    const auto wanted = static_cast<std::uint64_t>(wordCode(name));
+    Reader reader(card);
+    reader.eightBytes(); // the checksum
+    while (!reader.atEnd()) {
+        const std::uint64_t code = reader.count(); // see word()
+        const bool found = code == 0 ? reader.bytes() == name : code == wanted;
+        const std::string_view value = reader.bytes();
+        if (found)
+            return value;
+    }
+    return std::nullopt;
 }
 
 std::string makeCard(const std::map<std::string, std::string>& values) {
@@ -447,50 +433,6 @@ std::string makeCard(const std::map<std::string, std::string>& values) {
     return card.take();
 }
 
-std::optional<std::string> packUid(std::string_view text) {
-    if (text.size() < kUuidText)
-        return std::nullopt;
-    const std::string_view kind = text.substr(kUuidText);
-    if (!kind.empty() && kind != ":ABPerson" && kind != ":ABGroup")
-        return std::nullopt;
-    std::string packed;
-    packed.reserve(kUuidBytes + 1);
-    for (std::size_t at = 0; at < kUuidText; ++at) {
-        if (isDash(at)) {
-            if (text[at] != '-')
-                return std::nullopt;
-            continue;
-        }
-        const auto high = hexDigit(text[at]);
-        const auto low = hexDigit(text[at + 1]);
-        if (!high || !low)
-            return std::nullopt;
-        packed.push_back(static_cast<char>(*high * 16 + *low));
-        ++at;
-    }
-    if (!kind.empty())
-        packed.push_back(kind == ":ABPerson" ? 'P' : 'G');
-    return packed;
-}
-
-std::optional<std::string> unpackUid(std::string_view bytes) {
-    if (bytes.size() != kUuidBytes && bytes.size() != kUuidBytes + 1)
-        return std::nullopt;
-    static constexpr char kDigits[] = "0123456789ABCDEF";
-    std::string text;
-    text.reserve(kUuidText + 9);
-    for (std::size_t i = 0; i < kUuidBytes; ++i) {
-        if (isDash(text.size()))
-            text.push_back('-');
-        const auto byte = static_cast<unsigned char>(bytes[i]);
-        text.push_back(kDigits[byte >> 4]);
-        text.push_back(kDigits[byte & 0xF]);
-    }
-    if (bytes.size() > kUuidBytes)
-        text += bytes.back() == 'P' ? ":ABPerson" : ":ABGroup";
-    return text;
-}
-
 std::string encodeUids(const std::vector<std::string>& uids) {
     Writer writer;
     writer.count(uids.size());
@@ -503,19 +445,9 @@ std::vector<std::string> decodeUids(std::string_view bytes) {
     Reader reader(bytes);
     std::vector<std::string> uids(reader.items());
     for (std::string& uid : uids)
-        uid = reader.identifier();
+        uid = reader.identifier().text();
     reader.expectEnd();
     return uids;
-}
-
-int wordCode(std::string_view word) {
-    const auto& codes = wordCodes();
-    const auto found = codes.find(word);
-    return found == codes.end() ? 0 : found->second;
-}
-
-std::string_view wordOf(std::uint64_t code) {
-    return code >= 1 && code <= kWords.size() ? kWords[code - 1] : std::string_view();
 }
 
 } // namespace addressbook

@@ -28,6 +28,32 @@ inline constexpr int kDeepestValue = 64;
 std::string encodeValue(const Value& value);
 Value decodeValue(std::string_view bytes);
 
+// Reading encoded values where they are: what is found refers to their bytes. Throws DamagedCard, also for
+// what would only be seen when the parts are decoded.
+
+// An identifier, perhaps packed.
+struct EncodedIdentifier {
+    std::string_view bytes;
+    bool packed = false;
+    std::string text() const;
+};
+
+// A multi-value's entries, each value encoded.
+struct EncodedEntry {
+    EncodedIdentifier identifier;
+    std::string_view label;
+    std::string_view value;
+};
+struct EncodedList {
+    EncodedIdentifier primary;
+    std::vector<EncodedEntry> entries;
+};
+
+// Whether an encoded value is a multi-value, and its entries; the text that it is, nothing when it is none.
+bool holdsList(std::string_view value);
+EncodedList listIn(std::string_view value);
+std::optional<std::string_view> textIn(std::string_view value);
+
 // Calls [visit] with each property's name and encoded value, in the order of names. Throws DamagedCard.
 void visitCard(std::string_view card, const std::function<void(std::string_view, std::string_view)>& visit);
 
@@ -44,19 +70,8 @@ std::optional<std::string_view> findInCard(std::string_view card, std::string_vi
 // A card of these properties and their encoded values.
 std::string makeCard(const std::map<std::string, std::string>& values);
 
-// A unique id, or an identifier, in less space: a UUID in capitals, alone or before ":ABPerson" or
-// ":ABGroup", takes 16 or 17 bytes. Anything else is not packed.
-std::optional<std::string> packUid(std::string_view text);
-std::optional<std::string> unpackUid(std::string_view bytes);
-
 // A list of unique ids. decodeUids throws DamagedCard.
 std::string encodeUids(const std::vector<std::string>& uids);
 std::vector<std::string> decodeUids(std::string_view bytes);
-
-// The number, 1 or more, that stands for a well-known label, key or property name in the database; 0 for any
-// other.
-int wordCode(std::string_view word);
-// The word that a number stands for; empty when there is none.
-std::string_view wordOf(std::uint64_t code);
 
 } // namespace addressbook

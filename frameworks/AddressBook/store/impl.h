@@ -52,6 +52,9 @@ struct Store::Impl {
     Value value(RowId id, std::string_view property);
     // The value that a row holds of any property but the picture.
     Value valueOf(const RecordRow& row, std::string_view property) const;
+    // The same as its bytes in the card, empty for no value; not for the id and the dates, which are not in
+    // it. Throws DamagedCard.
+    std::string_view encodedIn(const RecordRow& row, std::string_view property) const;
     // The row that a run over (id, kind, uid, creation, modification, card) stands on.
     RecordRow rowFrom(const sql::Run& run) const;
     // The values of the card alone.

@@ -1,8 +1,8 @@
 #include "index.h"
 
-#include "card.h"
 #include "comparison.h"
 #include "text.h"
+#include "words.h"
 
 #include <algorithm>
 #include <cmath>

@@ -3,6 +3,7 @@
 #include "impl.h"
 
 #include "card.h"
+#include "packed_uid.h"
 
 namespace addressbook {
 namespace {
@@ -67,14 +68,18 @@ Value Store::Impl::valueOf(const RecordRow& row, std::string_view property) cons
     if (property == property::kModification)
         return row.modification;
     try {
-        if (!row.sound)
-            checkCard(row.card);
-        row.sound = true;
-        const auto found = findInCard(row.card, property);
-        return found ? decodeValue(*found) : Value();
+        const auto found = encodedIn(row, property);
+        return found.empty() ? Value() : decodeValue(found);
     } catch (const DamagedCard& error) {
         damaged(row.id, error.what());
     }
+}
+
+std::string_view Store::Impl::encodedIn(const RecordRow& row, std::string_view property) const {
+    if (!row.sound)
+        checkCard(row.card);
+    row.sound = true;
+    return findInCard(row.card, property).value_or(std::string_view());
 }
 
 std::map<std::string, Value> Store::Impl::cardValues(const RecordRow& row) const {
@@ -180,6 +185,20 @@ std::vector<RecordRow> Store::readFrom(RowId row, std::size_t count) const {
 
 Value Store::value(const RecordRow& record, std::string_view property) const {
     return record.id != 0 ? impl_->valueOf(record, property) : Value();
+}
+
+std::string_view Store::encodedValue(const RecordRow& record, std::string_view property) const {
+    if (record.id == 0)
+        return {};
+    try {
+        return impl_->encodedIn(record, property);
+    } catch (const DamagedCard& error) {
+        damaged(record, error.what());
+    }
+}
+
+void Store::damaged(const RecordRow& record, const std::string& what) const {
+    impl_->damaged(record.id, what);
 }
 
 std::map<std::string, Value> Store::values(const RecordRow& record) const {

@@ -2,8 +2,8 @@
 
 #include "impl.h"
 
-#include "card.h"
 #include "index.h"
+#include "packed_uid.h"
 #include "text.h"
 
 #include <cerrno>

@@ -152,6 +152,11 @@ class Store {
     std::vector<RecordRow> readFrom(RowId row, std::size_t count) const;
     Value value(const RecordRow& record, std::string_view property) const;
     std::map<std::string, Value> values(const RecordRow& record) const;
+    // The bytes (encodeValue) of a value, which live as long as the record's; empty for no value. The id, the
+    // two dates and the picture have none.
+    std::string_view encodedValue(const RecordRow& record, std::string_view property) const;
+    // Reports that such bytes make no sense.
+    [[noreturn]] void damaged(const RecordRow& record, const std::string& what) const;
 
     // While one of these lives, everything that is read from the store shows one moment, and is read faster.
     // Keep it short, and save nothing.

@@ -6,8 +6,7 @@
 // The entries of a property that holds several values: each has a value, a label and an identifier that stays
 // the same when the list is copied, saved and read again. Indexes out of bounds raise NSRangeException.
 @interface ABMultiValue : NSObject <NSCopying, NSMutableCopying, NSFastEnumeration> {
-    NSMutableArray* _entries;
-    NSString* _primary;
+    void* _list;
     unsigned long _mutations;
 }
 

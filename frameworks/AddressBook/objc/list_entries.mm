@@ -1,0 +1,45 @@
+#include "list_entries.h"
+
+#include "bridge.h"
+
+namespace addressbook {
+namespace {
+
+// The object that [held] holds, made by [make] when it is asked for the first time.
+template <typename Make>
+id madeOnce(Retained& held, Make make) {
+    if (held.get() == nil)
+        held = Retained(make());
+    return held.get();
+}
+
+} // namespace
+
+Retained copied(id object) {
+    return Retained([object respondsToSelector:@selector(copyWithZone:)] ? [[object copy] autorelease]
+                                                                         : object);
+}
+
+ListEntry::ListEntry(id value, NSString* label, NSString* identifier)
+    : value_(copied(value)), label_(copied(label)), identifier_(copied(identifier)) {}
+
+id ListEntry::value() const {
+    return madeOnce(value_, [this] { return objectOrNull(objectFromEncoded(encoded_.value)); });
+}
+
+NSString* ListEntry::label() const {
+    return madeOnce(label_, [this] { return wordFrom(encoded_.label); });
+}
+
+NSString* ListEntry::identifier() const {
+    return madeOnce(identifier_, [this] { return stringFrom(encoded_.identifier.text()); });
+}
+
+ListEntries::ListEntries(std::string_view encoded) : bytes(std::make_shared<const std::string>(encoded)) {
+    const EncodedList list = listIn(*bytes);
+    entries.assign(list.entries.begin(), list.entries.end());
+    if (!list.primary.bytes.empty())
+        primary = Retained(stringFrom(list.primary.text()));
+}
+
+} // namespace addressbook

@@ -1,0 +1,75 @@
+#include "packed_uid.h"
+
+namespace addressbook {
+namespace {
+
+constexpr std::size_t kUuidBytes = 16;
+
+std::optional<int> hexDigit(char c) {
+    if (c >= '0' && c <= '9')
+        return c - '0';
+    if (c >= 'A' && c <= 'F')
+        return c - 'A' + 10;
+    return std::nullopt;
+}
+
+constexpr bool isDash(std::size_t at) {
+    return at == 8 || at == 13 || at == 18 || at == 23;
+}
+constexpr std::size_t kUuidText = 36;
+
+} // namespace
+
+std::optional<std::string> packUid(std::string_view text) {
+    if (text.size() < kUuidText)
+        return std::nullopt;
+    const std::string_view kind = text.substr(kUuidText);
+    if (!kind.empty() && kind != ":ABPerson" && kind != ":ABGroup")
+        return std::nullopt;
+    std::string packed;
+    packed.reserve(kUuidBytes + 1);
+    for (std::size_t at = 0; at < kUuidText; ++at) {
+        if (isDash(at)) {
+            if (text[at] != '-')
+                return std::nullopt;
+            continue;
+        }
+        const auto high = hexDigit(text[at]);
+        const auto low = hexDigit(text[at + 1]);
+        if (!high || !low)
+            return std::nullopt;
+        packed.push_back(static_cast<char>(*high * 16 + *low));
+        ++at;
+    }
+    if (!kind.empty())
+        packed.push_back(kind == ":ABPerson" ? 'P' : 'G');
+    return packed;
+}
+
+bool isPackedUid(std::string_view bytes) {
+    return bytes.size() == kUuidBytes || bytes.size() == kUuidBytes + 1;
+}
+
+std::optional<std::string> unpackUid(std::string_view bytes) {
+    if (!isPackedUid(bytes))
+        return std::nullopt;
+    static constexpr char kDigits[] = "0123456789ABCDEF";
+    char text[kUuidText];
+    std::size_t at = 0;
+    for (const char c : bytes.substr(0, kUuidBytes)) {
+        if (isDash(at))
+            text[at++] = '-';
+        const auto byte = static_cast<unsigned char>(c);
+        text[at++] = kDigits[byte >> 4];
+        text[at++] = kDigits[byte & 0xF];
+    }
+    const std::string_view kind = bytes.size() == kUuidBytes ? ""
+                                  : bytes.back() == 'P'      ? ":ABPerson"
+                                                             : ":ABGroup";
+    std::string uid;
+    uid.reserve(kUuidText + kind.size());
+    uid.append(text, kUuidText).append(kind);
+    return uid;
+}
+
+} // namespace addressbook

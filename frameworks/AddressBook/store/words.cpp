@@ -1,0 +1,102 @@
+#include "words.h"
+
+#include "property.h"
+
+#include <array>
+#include <unordered_map>
+
+namespace addressbook {
+namespace {
+
+namespace p = property;
+
+// Words that most cards hold. Their places are what the database keeps: only ever add at the end.
+constexpr std::array<std::string_view, 65> kWords{p::kFirst,
+                                                  p::kLast,
+                                                  p::kFirstPhonetic,
+                                                  p::kLastPhonetic,
+                                                  p::kMiddle,
+                                                  p::kMiddlePhonetic,
+                                                  p::kTitle,
+                                                  p::kSuffix,
+                                                  p::kNickname,
+                                                  p::kMaidenName,
+                                                  p::kBirthday,
+                                                  p::kOrganization,
+                                                  p::kJobTitle,
+                                                  p::kDepartment,
+                                                  p::kNote,
+                                                  p::kHomePage,
+                                                  p::kPersonFlags,
+                                                  p::kUrls,
+                                                  p::kCalendarUris,
+                                                  p::kEmail,
+                                                  p::kPhone,
+                                                  p::kRelatedNames,
+                                                  p::kAim,
+                                                  p::kJabber,
+                                                  p::kMsn,
+                                                  p::kYahoo,
+                                                  p::kIcq,
+                                                  p::kAddress,
+                                                  p::kOtherDates,
+                                                  p::kSocialProfile,
+                                                  p::kInstantMessage,
+                                                  p::kGroupName,
+                                                  p::kUnknownLines,
+                                                  p::kDistribution,
+                                                  "Street",
+                                                  "City",
+                                                  "State",
+                                                  "ZIP",
+                                                  "Country",
+                                                  "CountryCode",
+                                                  "_$!<Home>!$_",
+                                                  "_$!<Work>!$_",
+                                                  "_$!<Other>!$_",
+                                                  "_$!<HomePage>!$_",
+                                                  "_$!<Mobile>!$_",
+                                                  "_$!<Main>!$_",
+                                                  "_$!<HomeFAX>!$_",
+                                                  "_$!<WorkFAX>!$_",
+                                                  "_$!<Pager>!$_",
+                                                  "_$!<Anniversary>!$_",
+                                                  "_$!<Father>!$_",
+                                                  "_$!<Mother>!$_",
+                                                  "_$!<Parent>!$_",
+                                                  "_$!<Brother>!$_",
+                                                  "_$!<Sister>!$_",
+                                                  "_$!<Child>!$_",
+                                                  "_$!<Friend>!$_",
+                                                  "_$!<Spouse>!$_",
+                                                  "_$!<Partner>!$_",
+                                                  "_$!<Assistant>!$_",
+                                                  "_$!<Manager>!$_",
+                                                  p::kCreation,
+                                                  p::kModification,
+                                                  p::kImage,
+                                                  p::kUid};
+
+const std::unordered_map<std::string_view, int>& wordCodes() {
+    static const std::unordered_map<std::string_view, int> codes = [] {
+        std::unordered_map<std::string_view, int> map;
+        for (std::size_t i = 0; i < kWords.size(); ++i)
+            map.emplace(kWords[i], static_cast<int>(i + 1));
+        return map;
+    }();
+    return codes;
+}
+
+} // namespace
+
+int wordCode(std::string_view word) {
+    const auto& codes = wordCodes();
+    const auto found = codes.find(word);
+    return found == codes.end() ? 0 : found->second;
+}
+
+std::string_view wordOf(std::uint64_t code) {
+    return code >= 1 && code <= kWords.size() ? kWords[code - 1] : std::string_view();
+}
+
+} // namespace addressbook
