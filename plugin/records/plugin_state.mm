@@ -16,12 +16,13 @@ ABRecord* currentRecord() {
 }
 
 Class currentRecordClass() {
-    return state.g_currentRecordType == kPersonType ? [ABPerson class] : [ABGroup class];
+    static Class const person = [ABPerson class]; // GNUstep looks a class up by its name each time
+    static Class const group = [ABGroup class];
+    return state.g_currentRecordType == kPersonType ? person : group;
 }
 
 ABPropertyType typeOfCurrentProperty(NSString* property) {
-    return state.g_currentRecordType == kPersonType ? [ABPerson typeOfProperty:property]
-                                                    : [ABGroup typeOfProperty:property];
+    return [currentRecordClass() typeOfProperty:property];
 }
 
 bool isPersonId(NSString* uniqueId) {

@@ -6,7 +6,10 @@
 // the guard: a platform exception is itself autoreleased, and must outlive the frames that it passes.
 class Pool {
   public:
-    Pool() : pool_([[NSAutoreleasePool alloc] init]) {}
+    Pool() {
+        static Class const type = [NSAutoreleasePool class]; // GNUstep looks a class up by its name each time
+        pool_ = [[type alloc] init];
+    }
     ~Pool() { [pool_ drain]; }
     Pool(const Pool&) = delete;
     Pool& operator=(const Pool&) = delete;

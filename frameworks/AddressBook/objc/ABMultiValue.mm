@@ -6,6 +6,8 @@
 
 #include "frameworks/AddressBook/store/store.h"
 
+#include <algorithm>
+
 using namespace addressbook;
 
 @interface ABMultiValue (Entries)
@@ -54,10 +56,15 @@ using namespace addressbook;
 }
 
 - (NSUInteger)indexForIdentifier:(NSString*)identifier {
-    for (NSUInteger i = 0, count = [self count]; identifier != nil && i < count; ++i)
-        if ([[self identifierAtIndex:i] isEqualToString:identifier])
-            return i;
-    return NSNotFound;
+    const auto& entries = [self list].entries;
+    if (identifier == nil || entries.empty())
+        return NSNotFound;
+    const ListEntry::Sought sought(identifier);
+    const auto found = std::find_if(entries.begin(), entries.end(),
+                                    [&](const ListEntry& entry) { return entry.isNamed(sought); });
+    if (found == entries.end())
+        return NSNotFound;
+    return static_cast<NSUInteger>(found - entries.begin());
 }
 
 - (NSString*)primaryIdentifier {

@@ -7,6 +7,7 @@
 
 #import <Foundation/Foundation.h>
 #include <memory>
+#include <optional>
 #include <string>
 #include <string_view>
 #include <vector>
@@ -40,6 +41,16 @@ class ListEntry {
     ListEntry(id value, NSString* label, NSString* identifier);
     // One whose parts are made of bytes, which must outlive it.
     ListEntry(const EncodedEntry& encoded) : encoded_(encoded) {}
+
+    // Whether this is the entry's identifier, which is given as an object, as text and, where it can be,
+    // packed.
+    struct Sought {
+        explicit Sought(NSString* identifier);
+        NSString* object;
+        std::string text;
+        std::optional<std::string> packed;
+    };
+    bool isNamed(const Sought& sought) const;
 
     id value() const;
     NSString* label() const;

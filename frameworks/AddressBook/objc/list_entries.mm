@@ -2,6 +2,8 @@
 
 #include "bridge.h"
 
+#include "frameworks/AddressBook/store/packed_uid.h"
+
 namespace addressbook {
 namespace {
 
@@ -22,6 +24,16 @@ Retained copied(id object) {
 
 ListEntry::ListEntry(id value, NSString* label, NSString* identifier)
     : value_(copied(value)), label_(copied(label)), identifier_(copied(identifier)) {}
+
+ListEntry::Sought::Sought(NSString* identifier)
+    : object(identifier), text(textFrom(identifier)), packed(packUid(text)) {}
+
+bool ListEntry::isNamed(const Sought& sought) const {
+    if (identifier_.get() != nil)
+        return [identifier_.get() isEqualToString:sought.object];
+    const EncodedIdentifier& stored = encoded_.identifier;
+    return stored.packed ? stored.bytes == sought.packed : stored.bytes == sought.text;
+}
 
 id ListEntry::value() const {
     return madeOnce(value_, [this] { return objectOrNull(objectFromEncoded(encoded_.value)); });
