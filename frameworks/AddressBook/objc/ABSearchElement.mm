@@ -16,7 +16,8 @@ const Query& queryOf(ABSearchElement* element) {
 }
 
 ABSearchElement* elementFrom(Query query) {
-    return [[[ABSearchElement alloc] initWithQuery:std::move(query)] autorelease];
+    static Class const type = [ABSearchElement class];
+    return [[[type alloc] initWithQuery:std::move(query)] autorelease];
 }
 
 } // namespace addressbook

@@ -217,10 +217,13 @@ Date dateFrom(NSDate* date) {
 }
 
 std::optional<Value> valueFrom(id object) {
-    if (object == nil || [object isKindOfClass:[NSNull class]])
+    static Class const text = [NSString class];
+    if (object == nil)
         return Value();
-    if ([object isKindOfClass:[NSString class]])
+    if ([object isKindOfClass:text])
         return textFrom(object);
+    if ([object isKindOfClass:[NSNull class]])
+        return Value();
     if ([object isKindOfClass:[NSNumber class]])
         return numberFrom(object);
     if ([object isKindOfClass:[NSDate class]])

@@ -85,7 +85,8 @@ struct List {
 namespace addressbook {
 
 NSArray* listFrom(const BookPtr& book, Kind kind, std::vector<Book::Place> places) {
-    return [[[ABRecordList alloc] initWithBook:book kind:kind places:std::move(places)] autorelease];
+    static Class const type = [ABRecordList class];
+    return [[[type alloc] initWithBook:book kind:kind places:std::move(places)] autorelease];
 }
 
 } // namespace addressbook
