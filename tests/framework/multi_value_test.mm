@@ -139,4 +139,49 @@ TEST(MultiValue, IsWalkedValueByValue) {
     EXPECT_NE(*mutations, before);
 }
 
+// Lists as they are read from a saved record: their parts are made when they are asked for.
+class StoredList : public AddressBookTest {
+  protected:
+    void SetUp() override {
+        AddressBookTest::SetUp();
+        [person(@"Ada", nil) setValue:phones() forProperty:kABPhoneProperty];
+        reopen();
+    }
+    ABPerson* ada() { return [[book() people] objectAtIndex:0]; }
+    ABMultiValue* stored() { return [ada() valueForProperty:kABPhoneProperty]; }
+};
+
+TEST_F(StoredList, AnswersTheSameObjectsAgain) {
+    ABMultiValue* list = stored();
+    EXPECT_EQ([list valueAtIndex:1], [list valueAtIndex:1]);
+    EXPECT_EQ([list identifierAtIndex:1], [list identifierAtIndex:1]);
+    EXPECT_EQ(text([list valueAtIndex:1]), "2");
+    EXPECT_EQ(text([list labelAtIndex:1]), text(kABWorkLabel));
+}
+
+TEST_F(StoredList, FindsIdentifiersThatNobodyHasAskedFor) {
+    NSString* second = [[[stored() identifierAtIndex:1] mutableCopy] autorelease];
+    reopen();
+    EXPECT_EQ([stored() indexForIdentifier:second], 1u);
+    EXPECT_EQ([stored() indexForIdentifier:[second lowercaseString]], static_cast<NSUInteger>(NSNotFound));
+    EXPECT_EQ([stored() indexForIdentifier:@""], static_cast<NSUInteger>(NSNotFound));
+    EXPECT_EQ(text([stored() valueForIdentifier:second]), "2");
+}
+
+TEST_F(StoredList, StaysAsItWasReadAndOutlivesItsRecord) {
+    NSAutoreleasePool* pool = [[NSAutoreleasePool alloc] init];
+    ABMutableMultiValue* copy = [stored() mutableCopy];
+    [ada() setValue:list({{kABHomeLabel, @"9"}}) forProperty:kABPhoneProperty];
+    reopen();
+    [copy addValue:@"3" withLabel:@"Cottage"];
+    ABMultiValue* second = [copy copy];
+    [copy release];
+    [pool release];
+    EXPECT_EQ(text([second valueAtIndex:0]), "1");
+    EXPECT_EQ(text([second labelAtIndex:2]), "Cottage");
+    EXPECT_EQ(text([second primaryIdentifier]), text([second identifierAtIndex:0]));
+    EXPECT_EQ(text([stored() valueAtIndex:0]), "9");
+    [second release];
+}
+
 } // namespace
