@@ -138,27 +138,38 @@ class Checker {
 
     // Every card must be whole; what the indexes should hold is summed up on the way.
     void checkRecords() {
+        recordsAreSound_ = false;
+        const Backlog backlog = readBacklog(impl_);
+        recordsAreSound_ = true;
         auto run = db_.run("SELECT id, kind, uid, creation, modification, card FROM record");
         while (run.step()) {
             try {
                 const RecordRow row = impl_.rowFrom(run);
-                expect(row, property::kCreation, row.creation);
-                expect(row, property::kModification, row.modification);
+                const auto current = [&](std::string_view name, const Value& value) {
+                    const Slot slot{impl_.propertyId(row.kind, name).value_or(0), row.id};
+                    if (!backlog.contains(slot))
+                        expect(slot, value);
+                };
+                current(property::kCreation, row.creation);
+                current(property::kModification, row.modification);
                 for (const auto& [name, value] : impl_.cardValues(row))
                     if (!isInternal(name))
-                        expect(row, name, value);
+                        current(name, value);
             } catch (const StoreError& error) {
                 recordsAreSound_ = false;
                 found_.emplace_back(error.what());
             }
         }
+        for (const auto& [slot, held] : backlog)
+            if (!held.empty())
+                expect(slot, decodeValue(held));
     }
 
-    void expect(const RecordRow& row, std::string_view name, const Value& value) {
+    // The indexes should hold this value.
+    void expect(const Slot& slot, const Value& value) {
         if (!indexes_)
             return;
-        const std::int64_t property = impl_.propertyId(row.kind, name).value_or(0);
-        for (const Term& term : termsOf(row.id, property, value))
+        for (const Term& term : termsOf(slot.record, slot.property, value))
             terms_.add(termText(term));
         const std::string text = trigramText(value);
         std::vector<std::size_t> starts;
@@ -167,8 +178,9 @@ class Checker {
                 starts.push_back(i);
         starts.push_back(text.size());
         for (std::size_t i = 0; i + 3 < starts.size(); ++i)
-            trigrams_.add(joined({text.substr(starts[i], starts[i + 3] - starts[i]),
-                                  std::to_string(trigramRow(row.id, property)), std::to_string(i)}));
+            trigrams_.add(
+                joined({text.substr(starts[i], starts[i + 3] - starts[i]),
+                        std::to_string(trigramRow(slot.record, slot.property)), std::to_string(i)}));
     }
 
     void checkTerms() {

@@ -2,6 +2,7 @@
 
 // What the parts of Store share; included by its sources only.
 
+#include "backlog.h"
 #include "folder.h"
 #include "sql.h"
 #include "store.h"
@@ -38,11 +39,19 @@ struct Store::Impl {
     std::optional<sql::Transaction> reading;
     // Numbers of property names that this connection has met.
     std::unordered_map<std::string, std::int64_t> propertyIds[2];
+    Backlog knownBacklog;
+    std::optional<std::uint32_t> backlogState; // the state of the database in which it was read
 
     // The number of a property, none when no record ever had it.
     std::optional<std::int64_t> propertyId(Kind kind, std::string_view name);
     // The same, giving it a number when it has none; inside a write transaction.
     std::int64_t ensureProperty(Kind kind, std::string_view name);
+
+    // The name that has this number; empty when there is none.
+    std::string propertyName(std::int64_t id);
+
+    // What the search indexes do not know yet, as of the transaction that is open.
+    const Backlog& backlog();
 
     // A record's row.
     std::optional<RecordRow> record(RowId id);

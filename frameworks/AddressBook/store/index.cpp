@@ -140,32 +140,36 @@ TrigramNeedle trigramNeedle(std::string_view folded) {
 void IndexWriter::add(std::int64_t record, std::int64_t property, const Value& value) {
     auto terms = termsOf(record, property, value);
     std::move(terms.begin(), terms.end(), std::back_inserter(terms_));
-    if (const std::string text = trigramText(value); !text.empty())
-        connection_.run("INSERT INTO trigram(rowid, text) VALUES (?, ?)")
-            .bindInteger(trigramRow(record, property))
-            .bindText(text)
-            .finish();
+    addText(record, property, value, true);
     if (terms_.size() >= kGathered)
         flush();
 }
 
 void IndexWriter::remove(std::int64_t record, std::int64_t property, const Value& value) {
-    flush();
-    for (const Term& term : termsOf(record, property, value)) {
+    if (!terms_.empty())
+        flush(); // it may have been added just now
+    auto terms = termsOf(record, property, value);
+    std::move(terms.begin(), terms.end(), std::back_inserter(removed_));
+    addText(record, property, value, false);
+    if (removed_.size() >= kGathered)
+        flush();
+}
+
+void IndexWriter::addText(std::int64_t record, std::int64_t property, const Value& value, bool added) {
+    if (std::string text = trigramText(value); !text.empty())
+        texts_.push_back({trigramRow(record, property), added, std::move(text)});
+}
+
+void IndexWriter::flush() {
+    std::sort(removed_.begin(), removed_.end());
+    for (const Term& term : removed_) {
         auto run =
             connection_.run("DELETE FROM term WHERE property = ? AND folded = ? AND exact = ? AND record = ? "
                             "AND label = ? AND key = ? AND type = ?");
         bind(run, term);
         run.finish();
     }
-    if (const std::string text = trigramText(value); !text.empty())
-        connection_.run("INSERT INTO trigram(trigram, rowid, text) VALUES ('delete', ?, ?)")
-            .bindInteger(trigramRow(record, property))
-            .bindText(text)
-            .finish();
-}
-
-void IndexWriter::flush() {
+    removed_.clear();
     std::sort(terms_.begin(), terms_.end());
     for (const Term& term : terms_) {
         auto run = connection_.run("INSERT INTO term(property, folded, exact, record, label, key, type) "
@@ -174,6 +178,16 @@ void IndexWriter::flush() {
         run.finish();
     }
     terms_.clear();
+    // A row that does not follow the one before would make the text index write a piece of its own.
+    std::sort(texts_.begin(), texts_.end());
+    for (const Text& text : texts_)
+        connection_
+            .run(text.added ? "INSERT INTO trigram(rowid, text) VALUES (?, ?)"
+                            : "INSERT INTO trigram(trigram, rowid, text) VALUES ('delete', ?, ?)")
+            .bindInteger(text.row)
+            .bindText(text.text)
+            .finish();
+    texts_.clear();
 }
 
 } // namespace addressbook

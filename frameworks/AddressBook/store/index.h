@@ -63,8 +63,8 @@ constexpr std::int64_t trigramRow(std::int64_t record, std::int64_t property) {
     return record * kMostProperties + property;
 }
 
-// Writes both indexes inside the caller's transaction. Additions are gathered and written in order, which is
-// many times faster than one by one; flush() before the transaction ends.
+// Writes both indexes inside the caller's transaction. Additions and removals are gathered and written in
+// order, which is many times faster than one by one; flush() before the transaction ends.
 class IndexWriter {
   public:
     explicit IndexWriter(sql::Connection& connection) : connection_(connection) {}
@@ -75,8 +75,18 @@ class IndexWriter {
     void flush();
 
   private:
+    // One text in the trigram index, removed before it is added.
+    struct Text {
+        std::int64_t row;
+        bool added;
+        std::string text;
+        auto operator<=>(const Text&) const = default;
+    };
+    void addText(std::int64_t record, std::int64_t property, const Value& value, bool added);
+
     sql::Connection& connection_;
-    std::vector<Term> terms_;
+    std::vector<Term> terms_, removed_;
+    std::vector<Text> texts_;
 };
 
 } // namespace addressbook

@@ -17,10 +17,16 @@ using Reason = StoreError::Reason;
 
 constexpr std::size_t kMostLogged =
     100'000; // unique ids that one save logs; more are "anything may have changed"
-constexpr std::int64_t kLoggedSaves = 10'000; // saves that the log keeps
+constexpr std::int64_t kLoggedSaves = 10'000; // saves that the log keeps at least
 // Saves of this many records and more make sure that the log's lists stay below this many bytes, too.
 constexpr std::size_t kLargeSave = 100;
 constexpr std::int64_t kMostLogBytes = 16 << 20;
+// A save of so few records and memberships may leave the search indexes to a later one, when what they hold
+// of the values that it replaces takes no more than so many bytes.
+constexpr std::size_t kSmallSave = 8;
+constexpr std::size_t kMostBacklogBytes = 2048;
+// A large save brings the indexes up to date whenever so many values of records were replaced.
+constexpr std::size_t kMostReplaced = 20'000;
 
 bool isKept(std::string_view property) {
     return property == property::kUid || property == property::kCreation ||
@@ -34,6 +40,8 @@ class Saver {
         : impl_(impl), db_(impl.db), changes_(changes), index_(db_) {}
 
     SaveResult run() {
+        if (!small_)
+            settleBacklog(impl_, index_, {});
         for (const PropertyDefinition& definition : changes_.removedDefinitions)
             undefine(definition);
         for (const PropertyDefinition& definition : changes_.definitions)
@@ -49,7 +57,8 @@ class Saver {
                     writeMembership(change);
         if (changes_.me)
             writeMe(*changes_.me);
-        index_.flush();
+        if (!small_)
+            settleReplaced();
         if (wrote_ || !changed_.empty() || !result_.deleted.empty())
             log();
         return std::move(result_);
@@ -67,7 +76,12 @@ class Saver {
     void updateRecord(const RecordRow& row, const std::map<std::string, Value>& values);
     void writePicture(RowId row, const Value& value);
     void touch(const RecordRow& row);
-    void updated(const RecordRow& row);
+    bool updated(const RecordRow& row);
+
+    // What the search indexes do not know yet.
+    void inserted(const RecordRow& row, std::string_view property, const Value& value);
+    void replaced(const RecordRow& row, std::string_view property, std::string before);
+    void settleReplaced();
 
     // What refers to records.
     void writeMembership(const MembershipChange& change);
@@ -88,11 +102,14 @@ class Saver {
     sql::Connection& db_;
     const ChangeSet& changes_;
     IndexWriter index_;
+    Backlog replaced_; // the indexes hold something else of these than the records do
     SaveResult result_;
     std::unordered_set<RowId> changed_; // inserted or updated
     bool wrote_ = false;                // something that belongs to no record
     std::unordered_set<std::string> missing_;
     const std::unordered_set<std::string_view> removed_{changes_.removed.begin(), changes_.removed.end()};
+    const bool small_ = removed_.empty() && changes_.removedDefinitions.empty() &&
+                        changes_.records.size() + changes_.memberships.size() <= kSmallSave;
 };
 
 void Saver::define(const PropertyDefinition& definition) {
@@ -124,6 +141,7 @@ void Saver::undefine(const PropertyDefinition& definition) {
 }
 
 void Saver::removeRecord(const std::string& uid) {
+    settleReplaced();
     const auto row = impl_.record(uid);
     if (!row)
         return;
@@ -180,10 +198,10 @@ void Saver::insertRecord(const RecordChange& change) {
         if (name == property::kImage)
             writePicture(row.id, value);
         else if (!value.empty() && !isKept(name) && !isInternal(name))
-            index_.add(row.id, propertyOf(row, name), value);
+            inserted(row, name, value);
     }
-    index_.add(row.id, propertyOf(row, property::kCreation), row.creation);
-    index_.add(row.id, propertyOf(row, property::kModification), row.modification);
+    inserted(row, property::kCreation, row.creation);
+    inserted(row, property::kModification, row.modification);
     changed_.insert(row.id);
     result_.inserted.push_back(row.uid);
 }
@@ -204,11 +222,8 @@ void Saver::updateRecord(const RecordRow& row, const std::map<std::string, Value
             std::string bytes = value.empty() ? std::string() : encodeValue(value);
             if (old == kept.end() ? value.empty() : old->second == bytes)
                 continue;
-            const bool searched = !isInternal(name);
-            if (searched && old != kept.end())
-                index_.remove(row.id, propertyOf(row, name), decodeValue(old->second));
-            if (searched && !value.empty())
-                index_.add(row.id, propertyOf(row, name), value);
+            if (!isInternal(name))
+                replaced(row, name, old == kept.end() ? std::string() : old->second);
             if (value.empty())
                 kept.erase(old);
             else
@@ -217,8 +232,15 @@ void Saver::updateRecord(const RecordRow& row, const std::map<std::string, Value
     } catch (const DamagedCard& error) {
         impl_.damaged(row.id, error.what());
     }
-    db_.run("UPDATE record SET card = ? WHERE id = ?").bindBytes(makeCard(kept)).bindInteger(row.id).finish();
-    touch(row);
+    const std::string card = makeCard(kept);
+    db_.run("UPDATE record SET card = ?, modification = ? WHERE id = ?")
+        .bindBytes(card)
+        .bindReal(changes_.time.seconds)
+        .bindInteger(row.id)
+        .finish();
+    updated(row);
+    if (replaced_.size() >= kMostReplaced)
+        settleReplaced();
 }
 
 void Saver::writePicture(RowId row, const Value& value) {
@@ -235,19 +257,43 @@ void Saver::writePicture(RowId row, const Value& value) {
         .finish();
 }
 
+// Gives a record the date of this save.
 void Saver::touch(const RecordRow& row) {
-    if (!changed_.insert(row.id).second)
+    if (!updated(row))
         return;
-    result_.updated.push_back(row.uid);
-    if (row.modification == changes_.time)
-        return;
-    const std::int64_t property = propertyOf(row, property::kModification);
-    index_.remove(row.id, property, row.modification);
-    index_.add(row.id, property, changes_.time);
     db_.run("UPDATE record SET modification = ? WHERE id = ?")
         .bindReal(changes_.time.seconds)
         .bindInteger(row.id)
         .finish();
+}
+
+// Notes that a record gets the date of this save; false when it has had it.
+bool Saver::updated(const RecordRow& row) {
+    if (!changed_.insert(row.id).second)
+        return false;
+    result_.updated.push_back(row.uid);
+    if (row.modification == changes_.time)
+        return false;
+    replaced(row, property::kModification, encodeValue(row.modification));
+    return true;
+}
+
+// Notes that a new record has this value.
+void Saver::inserted(const RecordRow& row, std::string_view property, const Value& value) {
+    if (small_)
+        replaced(row, property, {});
+    else
+        index_.add(row.id, propertyOf(row, property), value);
+}
+
+// Notes that a record has another value than the one that was encoded as [before]; empty when it had none.
+void Saver::replaced(const RecordRow& row, std::string_view property, std::string before) {
+    replaced_.try_emplace({propertyOf(row, property), row.id}, std::move(before));
+}
+
+void Saver::settleReplaced() {
+    settle(impl_, index_, replaced_);
+    replaced_.clear();
 }
 
 void Saver::writeMembership(const MembershipChange& change) {
@@ -319,14 +365,22 @@ void Saver::log() {
     const std::string updated = encoded(result_.updated);
     const std::string deleted = encoded(result_.deleted);
     const std::string mark = processMark();
-    db_.run("INSERT INTO change(inserted, updated, deleted, origin) VALUES (?, ?, ?, ?)")
-        .bindBytes(inserted)
-        .bindBytes(updated)
-        .bindBytes(deleted)
-        .bindBytes(mark)
-        .finish();
+    const std::string backlog = replaced_.empty() ? std::string() : encodeBacklog(replaced_);
+    const bool leaves = !backlog.empty() && backlog.size() <= kMostBacklogBytes;
+    {
+        auto run = db_.run(
+            "INSERT INTO change(inserted, updated, deleted, origin, replaced) VALUES (?, ?, ?, ?, ?)");
+        run.bindBytes(inserted).bindBytes(updated).bindBytes(deleted).bindBytes(mark);
+        if (leaves)
+            run.bindBytes(backlog);
+        run.finish();
+    }
     result_.change = db_.lastRow();
-    db_.run("DELETE FROM change WHERE id <= ?").bindInteger(result_.change - kLoggedSaves).finish();
+    const bool tidies = result_.change % kSavesInBacklog == 0;
+    if (tidies || !(leaves || backlog.empty()))
+        settleBacklog(impl_, index_, std::move(replaced_));
+    if (tidies || count >= kLargeSave)
+        db_.run("DELETE FROM change WHERE id <= ?").bindInteger(result_.change - kLoggedSaves).finish();
     if (count < kLargeSave)
         return;
     db_.run("DELETE FROM change WHERE id < ?1 AND id IN (SELECT id FROM (SELECT id, "

@@ -89,6 +89,10 @@ std::int64_t pragma(sql::Connection& connection, const char* sql) {
 // Which process made each save (processMark); null where a program of the version before wrote the row.
 constexpr const char* kVersion2 = "ALTER TABLE change ADD COLUMN origin";
 
+// What the search indexes still hold of the values that a small save replaced (encodeBacklog); null where
+// they are up to date.
+constexpr const char* kVersion3 = "ALTER TABLE change ADD COLUMN replaced";
+
 } // namespace
 
 std::span<const Migration> migrations() {
@@ -99,6 +103,7 @@ std::span<const Migration> migrations() {
             connection.run("INSERT INTO meta(name, value) VALUES ('unicode', ?)").bindText(unicode).finish();
         },
         [](sql::Connection& connection) { connection.execute(kVersion2); },
+        [](sql::Connection& connection) { connection.execute(kVersion3); },
     };
     return steps;
 }

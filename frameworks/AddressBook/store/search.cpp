@@ -32,6 +32,12 @@ Rows sorted(Rows rows) {
     return rows;
 }
 
+Rows united(const Rows& a, const Rows& b) {
+    Rows both;
+    std::set_union(a.begin(), a.end(), b.begin(), b.end(), std::back_inserter(both));
+    return both;
+}
+
 std::size_t characters(std::string_view text) {
     return static_cast<std::size_t>(std::count_if(
         text.begin(), text.end(), [](char c) { return (static_cast<unsigned char>(c) & 0xC0) != 0x80; }));
@@ -90,7 +96,7 @@ class ConditionSearch {
     Rows find() {
         if (hopeless())
             return {};
-        Rows met = sorted(positive());
+        Rows met = upToDate(sorted(positive()));
         if (!matcher_.negative())
             return met;
         Rows all = everyRow();
@@ -108,6 +114,7 @@ class ConditionSearch {
 
     Plan choose();
     Rows positive();
+    Rows upToDate(Rows met);
     Rows terms();
     Rows trigrams();
     Rows uids();
@@ -173,6 +180,25 @@ Rows ConditionSearch::positive() {
     default:
         return terms();
     }
+}
+
+// What the indexes found, corrected by the values that they do not know yet.
+Rows ConditionSearch::upToDate(Rows met) {
+    const Backlog& backlog = impl_.backlog();
+    if (backlog.empty() || !property_)
+        return met;
+    const auto first = backlog.lower_bound({*property_, 0});
+    const auto last = backlog.lower_bound({*property_ + 1, 0});
+    Rows stale;
+    Rows now;
+    for (auto one = first; one != last; ++one) {
+        stale.push_back(one->first.record);
+        if (verify(stale.back()))
+            now.push_back(stale.back());
+    }
+    Rows fresh;
+    std::set_difference(met.begin(), met.end(), stale.begin(), stale.end(), std::back_inserter(fresh));
+    return united(fresh, now);
 }
 
 // The term's value when it is whole and one that the Matcher can judge by itself.
@@ -400,12 +426,6 @@ class QuerySearch {
                                   }),
                    rows.end());
         return rows;
-    }
-
-    static Rows united(const Rows& a, const Rows& b) {
-        Rows both;
-        std::set_union(a.begin(), a.end(), b.begin(), b.end(), std::back_inserter(both));
-        return both;
     }
 
     Rows everyRecord() {

@@ -189,6 +189,16 @@ int Connection::changes() const {
     return sqlite3_changes(handle_);
 }
 
+std::uint32_t Connection::state() {
+    if (sqlite3_txn_state(handle_, "main") == SQLITE_TXN_NONE)
+        run("SELECT 1 FROM meta").step(); // begins to read
+    std::uint32_t state = 0;
+    if (const int code = sqlite3_file_control(handle_, "main", SQLITE_FCNTL_DATA_VERSION, &state);
+        code != SQLITE_OK)
+        fail(code);
+    return state;
+}
+
 bool Connection::moved() const {
     int moved = 0;
     return sqlite3_file_control(handle_, "main", SQLITE_FCNTL_HAS_MOVED, &moved) == SQLITE_OK && moved != 0;

@@ -83,6 +83,10 @@ class Connection {
     std::int64_t lastRow() const;
     int changes() const;
 
+    // A number that changes whenever the database does, here or elsewhere; inside a transaction, which keeps
+    // it.
+    std::uint32_t state();
+
     // Whether the file that is open is no longer the one of its name.
     bool moved() const;
 

@@ -52,8 +52,19 @@ Store::Impl::Impl(const std::filesystem::path& folder, Access access, std::chron
         rebuildIndexes();
 }
 
+const Backlog& Store::Impl::backlog() {
+    const std::uint32_t state = db.state();
+    if (state != backlogState) {
+        backlogState.reset();
+        knownBacklog = readBacklog(*this);
+        backlogState = state;
+    }
+    return knownBacklog;
+}
+
 void Store::Impl::rebuildIndexes() {
     sql::Transaction transaction(db, sql::Transaction::Mode::write);
+    db.run("UPDATE change SET replaced = NULL WHERE replaced IS NOT NULL").finish();
     db.run("DELETE FROM term").finish();
     db.run("INSERT INTO trigram(trigram) VALUES ('delete-all')").finish();
     IndexWriter index(db);
@@ -84,6 +95,12 @@ std::optional<std::int64_t> Store::Impl::propertyId(Kind kind, std::string_view 
     if (!run.step())
         return std::nullopt;
     return known.emplace(std::move(key), run.integer(0)).first->second;
+}
+
+std::string Store::Impl::propertyName(std::int64_t id) {
+    auto run = db.run("SELECT name FROM property WHERE id = ?");
+    run.bindInteger(id);
+    return run.step() ? std::string(run.text(0)) : std::string();
 }
 
 std::int64_t Store::Impl::ensureProperty(Kind kind, std::string_view name) {

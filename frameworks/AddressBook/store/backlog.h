@@ -1,0 +1,48 @@
+#pragma once
+
+// What small saves leave to do. The entries of one changed property lie all over the search indexes: writing
+// them costs a save ten pages and more. A small save enters in the change log what the indexes hold of the
+// values that it replaced; one save in kSavesInBacklog, and each large one, brings the indexes up to date.
+// Until then searches look at those few values themselves.
+
+#include "store.h"
+
+#include <cstdint>
+#include <map>
+#include <string>
+#include <string_view>
+#include <vector>
+
+namespace addressbook {
+
+class IndexWriter;
+
+// At most so many saves wait.
+inline constexpr std::int64_t kSavesInBacklog = 64;
+
+// One property of one record.
+struct Slot {
+    std::int64_t property = 0;
+    RowId record = 0;
+    auto operator<=>(const Slot&) const = default;
+};
+
+// What the indexes hold of properties that were changed since: encoded values, empty for none.
+using Backlog = std::map<Slot, std::string>;
+
+// A backlog as the change log keeps it. decodeBacklog adds to [backlog] what it does not know yet: the first
+// change of a property says what the indexes hold. Throws DamagedCard.
+std::string encodeBacklog(const Backlog& backlog);
+void decodeBacklog(std::string_view bytes, Backlog& backlog);
+
+// Reads what waits in the database. Throws StoreError.
+Backlog readBacklog(Store::Impl& impl);
+
+// Brings the indexes up to date: what they hold by [backlog] becomes what the records hold.
+void settle(Store::Impl& impl, IndexWriter& index, const Backlog& backlog);
+
+// The same for what waits in the database and, after that, [newer]; then nothing waits any more. Inside a
+// write transaction.
+void settleBacklog(Store::Impl& impl, IndexWriter& index, Backlog newer);
+
+} // namespace addressbook

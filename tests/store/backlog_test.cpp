@@ -1,0 +1,182 @@
+// Small saves leave the search indexes to later ones: nobody may notice but the disk.
+
+#include "builders.h"
+#include "frameworks/AddressBook/store/card.h"
+#include "frameworks/AddressBook/store/schema.h"
+#include "scratch.h"
+
+#include <gmock/gmock.h>
+#include <sqlite3.h>
+
+namespace addressbook::test {
+namespace {
+
+using testing::ElementsAre;
+using testing::IsEmpty;
+
+class BacklogTest : public Scratch {
+  protected:
+    // The first number that a statement answers, asked behind the store's back.
+    std::int64_t ask(const std::string& sql) const {
+        sqlite3* database = nullptr;
+        sqlite3_stmt* statement = nullptr;
+        EXPECT_EQ(sqlite3_open(store.file().c_str(), &database), SQLITE_OK);
+        EXPECT_EQ(sqlite3_prepare_v2(database, sql.c_str(), -1, &statement, nullptr), SQLITE_OK);
+        sqlite3_step(statement);
+        const std::int64_t answer = sqlite3_column_int64(statement, 0);
+        sqlite3_finalize(statement);
+        sqlite3_close(database);
+        return answer;
+    }
+    std::int64_t waiting() const { return ask("SELECT count(*) FROM change WHERE replaced IS NOT NULL"); }
+    std::int64_t indexed(const std::string& name) const {
+        return ask("SELECT count(*) FROM term WHERE exact = '" + name + "'");
+    }
+    std::vector<std::string> named(const Store& from, std::string_view part) const {
+        return found(from, query("First", Comparison::containsSubStringCaseInsensitive, text(part)));
+    }
+
+    Store store{folder()};
+};
+
+TEST_F(BacklogTest, oneSaveInManyWritesTheIndexes) {
+    const std::string uid = addPerson(store, {{"First", text("name 0")}});
+    const Store reader(folder(), Store::Access::readOnly);
+    for (int i = 1; i <= 200; ++i) {
+        const std::string name = "name " + std::to_string(i);
+        const std::string old = "name " + std::to_string(i - 1) + "\x1F";
+        saveRecords(store, {updated(uid, {{"First", text(name)}})}, i + 1);
+        EXPECT_LT(waiting(), 64);
+        EXPECT_EQ(indexed(name), waiting() == 0 ? 1 : 0);
+        for (const Store* any : {static_cast<const Store*>(&store), &reader}) {
+            ASSERT_THAT(named(*any, name), ElementsAre(uid)) << i;
+            ASSERT_THAT(found(*any, query("First", Comparison::equal, text("name " + std::to_string(i - 1)))),
+                        IsEmpty())
+                << i;
+            ASSERT_THAT(found(*any, query("Modification", Comparison::equal, Date{i + 1.0})),
+                        ElementsAre(uid));
+            ASSERT_THAT(found(*any, query("Modification", Comparison::lessThan, Date{i + 1.0})), IsEmpty());
+        }
+        if (i % 20 == 0) {
+            EXPECT_THAT(store.check(), IsEmpty()) << i;
+            EXPECT_THAT(reader.check(), IsEmpty()) << i;
+        }
+    }
+    EXPECT_EQ(indexed("name 191"), 1) << "no save has written the indexes";
+}
+
+TEST_F(BacklogTest, aNewPersonMayChangeAndGoBeforeTheIndexesKnow) {
+    const std::string uid = addPerson(store, {{"First", text("Ada")}, {"own", text("1")}});
+    const std::string other = addPerson(store, {{"First", text("Adam")}});
+    saveRecords(store, {updated(uid, {{"First", text("Ida")}, {"own", Value()}, {"Note", text("n")}})}, 2);
+    EXPECT_EQ(ask("SELECT count(*) FROM term"), 0);
+    EXPECT_THAT(named(store, "da"), ElementsAre(uid, other));
+    EXPECT_THAT(named(store, "ada"), ElementsAre(other));
+    EXPECT_THAT(found(store, query("own", Comparison::equal, Value())), IsEmpty());
+    ChangeSet removal = changesAt(3);
+    removal.removed = {uid};
+    store.save(removal);
+    EXPECT_EQ(waiting(), 0);
+    EXPECT_THAT(named(store, "da"), ElementsAre(other));
+    EXPECT_THAT(store.check(), IsEmpty());
+}
+
+TEST_F(BacklogTest, aPropertyMayGoBeforeTheIndexesKnow) {
+    ChangeSet changes = changesAt(1);
+    changes.definitions = {{Kind::person, "own", 1}};
+    store.save(changes);
+    const std::string uid = addPerson(store, {{"own", text("1")}});
+    ChangeSet removal = changesAt(2);
+    removal.removedDefinitions = changes.definitions;
+    EXPECT_THAT(store.save(removal).updated, ElementsAre(uid));
+    EXPECT_EQ(store.value(store.find(uid)->row, "own"), Value());
+    EXPECT_THAT(store.check(), IsEmpty());
+}
+
+TEST_F(BacklogTest, aLargeTextIsIndexedAtOnce) {
+    const std::string uid = addPerson(store, {{"First", text("Ada")}});
+    saveRecords(store, {updated(uid, {{"Note", text(std::string(5000, 'n') + " needle")}})}, 2);
+    EXPECT_EQ(waiting(), 2) << "what is new need not be kept";
+    saveRecords(store, {updated(uid, {{"Note", text("short")}})}, 3);
+    EXPECT_EQ(waiting(), 0);
+    EXPECT_EQ(indexed("short"), 1);
+    EXPECT_THAT(store.check(), IsEmpty());
+}
+
+TEST_F(BacklogTest, manyRecordsInOneSaveAreIndexedAtOnce) {
+    std::vector<RecordChange> records;
+    for (int i = 0; i < 9; ++i)
+        records.push_back(inserted(newUid(Kind::person), {{"First", text("Ada")}}));
+    saveRecords(store, records);
+    EXPECT_EQ(waiting(), 0);
+    EXPECT_EQ(indexed("Ada"), 9);
+    for (RecordChange& record : records)
+        record = updated(record.uid, {{"First", text("Ida")}});
+    saveRecords(store, {updated(records[0].uid, {{"First", text("Eve")}})}, 2); // waits
+    saveRecords(store, records, 3);
+    EXPECT_EQ(waiting(), 0);
+    EXPECT_EQ(indexed("Ida"), 9);
+    EXPECT_EQ(ask("SELECT count(*) FROM term WHERE exact IN ('Ada', 'Eve')"), 0);
+    EXPECT_THAT(store.check(), IsEmpty());
+}
+
+// What a save costs on a disk is the pages that it writes.
+TEST_F(BacklogTest, aSmallSaveWritesThreePages) {
+    constexpr std::uintmax_t kFrame = 4096 + 24;
+    const std::string uid = addPerson(store, {{"First", text("Ada")}});
+    const std::filesystem::path log = store.file().string() + "-wal";
+    for (int i = 2; i < 20; ++i) {
+        const auto before = std::filesystem::file_size(log);
+        saveRecords(store, {updated(uid, {{"First", text(std::to_string(i))}})}, i);
+        EXPECT_LE(std::filesystem::file_size(log) - before, 3 * kFrame);
+    }
+}
+
+TEST_F(BacklogTest, theLogOfChangesStaysShort) {
+    const std::string uid = addPerson(store, {});
+    sqlite3* database = nullptr;
+    ASSERT_EQ(sqlite3_open(store.file().c_str(), &database), SQLITE_OK);
+    sqlite3_exec(database, "UPDATE sqlite_sequence SET seq = 10100 WHERE name = 'change'", nullptr, nullptr,
+                 nullptr);
+    sqlite3_close(database);
+    for (int i = 0; i < 64; ++i)
+        saveRecords(store, {updated(uid, {{"First", text(std::to_string(i))}})}, i + 2);
+    EXPECT_EQ(ask("SELECT min(id) FROM change"), 10101);
+    EXPECT_THAT(store.check(), IsEmpty());
+}
+
+TEST_F(BacklogTest, aDamagedOneIsToldBySearches) {
+    const std::string uid = addPerson(store, {{"First", text("Ada")}});
+    ask("UPDATE change SET replaced = x'0501'");
+    try {
+        named(store, "Ada");
+        ADD_FAILURE() << "searched";
+    } catch (const StoreError& error) {
+        EXPECT_EQ(error.reason(), StoreError::Reason::damaged);
+    }
+}
+
+// A book of the version before has no backlog and gets one.
+TEST_F(BacklogTest, comesToAnOlderBook) {
+    const std::string uid = addPerson(store, {{"First", text("Ada")}});
+    settleIndexes(store);
+    const std::filesystem::path older = root() / "older";
+    std::filesystem::create_directory(older);
+    ask("VACUUM INTO '" + (older / "AddressBook.db").string() + "'");
+    sqlite3* database = nullptr;
+    ASSERT_EQ(sqlite3_open((older / "AddressBook.db").c_str(), &database), SQLITE_OK);
+    ASSERT_EQ(sqlite3_exec(database, "ALTER TABLE change DROP COLUMN replaced; PRAGMA user_version = 2",
+                           nullptr, nullptr, nullptr),
+              SQLITE_OK);
+    sqlite3_close(database);
+    Store migrated(older);
+    EXPECT_THAT(named(migrated, "ada"), ElementsAre(uid));
+    EXPECT_EQ(migrated.changesSince(0).size(), 1U);
+    saveRecords(migrated, {updated(uid, {{"First", text("Ida")}})}, 2);
+    EXPECT_THAT(named(migrated, "ada"), IsEmpty());
+    EXPECT_THAT(named(migrated, "ida"), ElementsAre(uid));
+    EXPECT_THAT(migrated.check(), IsEmpty());
+}
+
+} // namespace
+} // namespace addressbook::test
