@@ -73,21 +73,26 @@ SaveResult Book::save(Date now) {
     if (!set.empty())
         result = store_->save(set);
     settle(result);
+    // Others saved nothing in between: what this save did is known.
+    if (result.change == seen_ + 1)
+        seen_ = result.change;
     return result;
 }
 
 void Book::settle(const SaveResult& result) {
     ++state_;
     ahead_.clear();
-    for (const auto& card : std::exchange(added_, {})) {
+    auto place = result.insertedRows.begin();
+    for (const auto& card : std::exchange(added_, {})) { // inserted in this order
         clean(*card);
         card->read.reset();
-        const auto ref = store_->find(card->uid);
-        card->standing = ref ? Card::Standing::stored : Card::Standing::gone;
-        card->row = ref ? ref->row : 0;
-        if (ref)
-            rows_[card->row] = card;
+        card->standing = Card::Standing::stored;
+        card->row = *place++;
+        rows_[card->row] = card;
     }
+    for (const auto& uid : result.updated) // also by a property that went, or by a member
+        if (const auto card = live(uid); card && card->inDatabase())
+            card->read.reset();
     for (const auto& uid : result.missing) // deleted elsewhere a moment ago
         if (const auto card = live(uid); card && card->inDatabase()) {
             card->standing = Card::Standing::gone;

@@ -82,6 +82,7 @@ class IndexWriter {
         std::string text;
         auto operator<=>(const Text&) const = default;
     };
+    void flushTexts();
     void addText(std::int64_t record, std::int64_t property, const Value& value, bool added);
 
     sql::Connection& connection_;

@@ -204,6 +204,7 @@ void Saver::insertRecord(const RecordChange& change) {
     inserted(row, property::kModification, row.modification);
     changed_.insert(row.id);
     result_.inserted.push_back(row.uid);
+    result_.insertedRows.push_back(row.id);
 }
 
 void Saver::updateRecord(const RecordRow& row, const std::map<std::string, Value>& values) {

@@ -97,6 +97,11 @@ void Run::finish() {
     }
 }
 
+void Run::again() {
+    sqlite3_reset(statement_);
+    bound_ = 0;
+}
+
 bool Run::isNull(int column) const {
     return sqlite3_column_type(statement_, column) == SQLITE_NULL;
 }

@@ -41,6 +41,8 @@ class Run {
     bool step();
     // Steps to the end, rows or none.
     void finish();
+    // Makes the statement ready for another run with other values, all of which must be bound.
+    void again();
 
     bool isNull(int column) const;
     bool isText(int column) const;

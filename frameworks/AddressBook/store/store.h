@@ -98,6 +98,7 @@ struct ChangeSet {
 // What a save did: unique ids, each at most once.
 struct SaveResult {
     std::vector<std::string> inserted, updated, deleted;
+    std::vector<RowId> insertedRows; // where those inserted are, in the same order
     std::vector<std::string>
         missing;             // changed here, but deleted by another process; their changes were dropped
     std::int64_t change = 0; // the number of this save in the change log; 0 when nothing was written
