@@ -16,12 +16,17 @@ NSString* makeCurrent(Retained<Record>& current) {
     return [current.get() valueForProperty:kABUIDProperty];
 }
 
-// Adds a side's current record to the address book, where it is to be opened by its id from then on.
+// Adds a side's current record to the address book, where it is to be opened by its id from then on. False,
+// with the error, when the address book may only be read; another refusal means that it is there already.
 template <typename Record>
-void addCurrent(Retained<Record>& current) {
-    [sharedBook() addRecord:current.get()];
+bool addCurrent(Retained<Record>& current, NSError** error) {
+    if (![sharedBook() addRecord:current.get()] && [current.get() isReadOnly]) {
+        [sharedBook() addRecord:current.get() error:error];
+        return false;
+    }
     current.reset();
     state.gNewRecord = false;
+    return true;
 }
 
 // What KORU_ClearAll is about: a group or, with nil, the whole address book.
@@ -113,15 +118,17 @@ NSString* newRecord(NSString* type, NSString* name) {
 }
 
 NSString* saveRecords() {
+    NSError* error = nil;
     if (state.gNewRecord) {
         // The current record is added, be it the new one or not: the type may have changed since.
-        if (state.g_currentRecordType == kGroupType) {
-            addCurrent(state.g_group);
-        } else {
-            addCurrent(state.g_person);
+        const bool added = state.g_currentRecordType == kGroupType ? addCurrent(state.g_group, &error)
+                                                                   : addCurrent(state.g_person, &error);
+        if (!added) {
+            keepExceptionText(error);
+            setError(kSaveFailed, errors.g_sExceptionTxt.get());
+            return nil;
         }
     }
-    NSError* error = nil;
     if (![sharedBook() saveAndReturnError:&error]) {
         setError(kSaveFailed);
         if (error != nil) {
@@ -144,9 +151,14 @@ NSString* deleteRecord(NSString* uniqueId) {
         setError(kRecordDoesNotExist);
         return nil;
     }
-    if (![sharedBook() save]) {
+    NSError* error = nil;
+    if (![sharedBook() saveAndReturnError:&error]) {
         setError(kDeleteFailed);
         return nil;
+    }
+    if (error != nil) { // the record is deleted; something else that was unsaved could not be saved with that
+        keepExceptionText(error);
+        setError(kSaveFailed, errors.g_sExceptionTxt.get());
     }
     return @"0";
 }

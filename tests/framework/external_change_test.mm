@@ -10,7 +10,9 @@
 #include <unistd.h>
 
 using addressbook::Kind;
+using testing::AllOf;
 using testing::ElementsAre;
+using testing::HasSubstr;
 using testing::IsEmpty;
 
 // Counts the notifications of this process's own saves.
@@ -61,6 +63,12 @@ class ExternalChange : public AddressBookTest {
     }
     static std::string last(ABRecord* record) { return text([record valueForProperty:kABLastNameProperty]); }
     static std::string idOf(ABRecord* record) { return text([record uniqueId]); }
+    // What the error says of a save that is done; "" without one.
+    std::string saveWithError() {
+        NSError* error = nil;
+        EXPECT_TRUE([book() saveAndReturnError:&error]);
+        return error != nil ? text([error localizedDescription]) : "";
+    }
     std::vector<std::string> everybody() { return names([book() people]); }
 
     ExternalListener* listener_ = nil;
@@ -254,8 +262,51 @@ TEST_F(ExternalChange, DeletesTheOwnerChosenHere) {
     [book() setMe:(ABPerson*)record(ann)];
     other("delete " + ann + ";me " + bob);
     EXPECT_THAT([listener_ wait:1], ElementsAre("-" + ann));
-    ASSERT_TRUE([book() save]);
+    EXPECT_THAT(saveWithError(), HasSubstr(ann));
     EXPECT_EQ(idOf([book() me]), bob);
+}
+
+TEST_F(ExternalChange, DeletesAMemberChosenHere) {
+    const std::string ann = stranger("Ann");
+    const std::string bob = stranger("Bob");
+    ABGroup* friends = group(@"Friends");
+    for (const std::string& uid : {ann, bob})
+        ASSERT_TRUE([friends addMember:(ABPerson*)record(uid)]);
+    other("delete " + ann);
+    EXPECT_THAT([listener_ wait:1], ElementsAre("-" + ann));
+    EXPECT_THAT(saveWithError(), AllOf(HasSubstr("deleted by another program"), HasSubstr(ann)));
+    EXPECT_THAT(names([friends members]), ElementsAre("Bob"));
+    EXPECT_EQ(saveWithError(), "");
+}
+
+TEST_F(ExternalChange, PutsAGroupIntoOneThatIsPutIntoItHere) {
+    const std::string ann = stranger("Ann");
+    ABGroup* family = group(@"Family");
+    ABGroup* friends = group(@"Friends");
+    ASSERT_TRUE([book() save]);
+    ASSERT_TRUE([friends addSubgroup:family]);
+    ASSERT_TRUE([friends addMember:(ABPerson*)record(ann)]);
+    ASSERT_TRUE([record(ann) setValue:@"Mine" forProperty:kABFirstNameProperty]);
+    other("join " + idOf(family) + " " + idOf(friends));
+    EXPECT_THAT([listener_ wait:1], ElementsAre("~" + idOf(family)));
+    EXPECT_EQ([[friends parentGroups] count], 1u); // both show until one is saved
+    EXPECT_EQ([[family parentGroups] count], 1u);
+    EXPECT_EQ(
+        saveWithError(),
+        "Everything else is saved, but no group can contain itself: \"Family\" was not put into \"Friends\", "
+        "because another program has put \"Friends\" into \"Family\", itself or inside other groups; to have "
+        "it, take \"Friends\" out of \"Family\" and try again.");
+    EXPECT_FALSE([book() hasUnsavedChanges]);
+    EXPECT_EQ(other("get " + ann + " First"), "Mine");
+    EXPECT_THAT(names([friends members]), ElementsAre("Mine"));
+    EXPECT_EQ([[friends subgroups] count], 0u);
+    EXPECT_EQ([[family subgroups] objectAtIndex:0], friends);
+    EXPECT_EQ(saveWithError(), ""); // told once
+    // What the sentence advises.
+    ASSERT_TRUE([family removeSubgroup:friends]);
+    ASSERT_TRUE([friends addSubgroup:family]);
+    EXPECT_EQ(saveWithError(), "");
+    EXPECT_EQ([[friends subgroups] objectAtIndex:0], family);
 }
 
 TEST_F(ExternalChange, MembersAreThereOnce) {

@@ -32,9 +32,6 @@ BOOL succeedWithError(id, SEL, NSError** error) {
     return YES;
 }
 
-BOOL refuse(id, SEL) {
-    return NO;
-}
 
 const SEL kSaving = @selector(saveAndReturnError:);
 
@@ -230,7 +227,7 @@ TEST_F(LifecycleTest, DeleteRemovesTheRecordAndLeavesTheStateAlone) {
 TEST_F(LifecycleTest, DeleteReportsAFailedSave) {
     const std::string id = utf8([addPerson(@"Anna", @"Smith") uniqueId]);
     {
-        const ReplacedMethod saving([ABAddressBook class], @selector(save), refuse);
+        const ReplacedMethod saving([ABAddressBook class], kSaving, failWithoutError);
         EXPECT_EQ(call(Do_KORU_Delete, {id}), "!!ERROR!!");
     }
     EXPECT_EQ(lastErrorText(), "Failed to delete record ");

@@ -5,11 +5,20 @@
 #include "plugin/shell/function_table.h"
 #include "tests/plugin/support.h"
 #include "tests/store/fault_vfs.h"
+#include "tests/store/system_calls.h"
 
+#include <cstdlib>
 #include <gmock/gmock.h>
+#include <optional>
+
+@interface ABAddressBook (ForTests)
+// The framework's own; see record.h there.
++ (void)closeSharedAddressBook;
+@end
 
 namespace {
 
+using testing::AllOf;
 using testing::HasSubstr;
 
 // From the start of the program, so that whatever opens the address book first goes through it.
@@ -91,6 +100,94 @@ TEST_F(DeletedElsewhereTest, IsToldByTheSaveAndTheOtherChangesAreKept) {
     NSError* error = nil;
     EXPECT_TRUE([book saveAndReturnError:&error]); // told once
     EXPECT_EQ(error, nil);
+}
+
+TEST_F(DeletedElsewhereTest, IsToldByTheSaveOfADeletionAsWell) {
+    const std::string gone = utf8([addPerson(@"Anna", @"Smith") uniqueId]);
+    const std::string deleted = utf8([addPerson(@"Ben", @"Smith") uniqueId]);
+    ASSERT_EQ(call(Do_KORU_Open, {gone}), "0");
+    ASSERT_EQ(call(Do_KORU_SetValueForProperty, {"note", "lost"}), "0");
+    ABAddressBook* other = anotherBook();
+    [other removeRecord:[other recordForUniqueId:string(gone)]];
+    ASSERT_TRUE([other save]);
+    EXPECT_EQ(call(Do_KORU_Delete, {deleted}), "!!ERROR!!");
+    EXPECT_EQ(lastErrorNumber(), "-8005");
+    EXPECT_THAT(lastErrorText(), AllOf(HasSubstr("Everything else is saved"), HasSubstr(gone)));
+    EXPECT_EQ([anotherBook() recordForUniqueId:string(deleted)], nil);
+}
+
+TEST_F(DeletedElsewhereTest, ACircleOfGroupsIsToldAndTheOtherChangesAreKept) {
+    ABGroup* inner = addGroup(@"Inner");
+    ABGroup* outer = addGroup(@"Outer");
+    const std::string person = utf8([addPerson(@"Anna", @"Smith") uniqueId]);
+    ABAddressBook* book = [ABAddressBook sharedAddressBook];
+    [[book recordForUniqueId:string(person)] setValue:@"kept" forProperty:kABNoteProperty];
+    ASSERT_EQ(call(Do_KORU_Open, {utf8([outer uniqueId])}), "0");
+    ASSERT_EQ(call(Do_KORU_AddSubgroup, {utf8([inner uniqueId])}), "0");
+    ABAddressBook* other = anotherBook();
+    ABGroup* theirs = (ABGroup*)[other recordForUniqueId:[inner uniqueId]];
+    ASSERT_TRUE([theirs addSubgroup:(ABGroup*)[other recordForUniqueId:[outer uniqueId]]]);
+    ASSERT_TRUE([other save]);
+    EXPECT_EQ(call(Do_KORU_Save), "!!ERROR!!");
+    EXPECT_EQ(lastErrorNumber(), "-8005");
+    EXPECT_THAT(lastErrorText(), AllOf(HasSubstr("Everything else is saved"),
+                                       HasSubstr("\"Inner\" was not put into \"Outer\""),
+                                       HasSubstr("take \"Outer\" out of \"Inner\" and try again")));
+    EXPECT_EQ(noteIn(anotherBook(), person), "kept");
+    EXPECT_EQ([[theirs subgroups] count], 1U);
+    EXPECT_EQ([[(ABGroup*)[anotherBook() recordForUniqueId:[outer uniqueId]] subgroups] count], 0U);
+    EXPECT_EQ(call(Do_KORU_Save), "0");
+}
+
+// The disk with the address book is mounted for reading only.
+class ReadOnlyDiskTest : public PluginTest {
+  protected:
+    void SetUp() override {
+        PluginTest::SetUp();
+        anna_ = utf8([addPerson(@"Anna", @"Smith") uniqueId]);
+        mount();
+    }
+    void TearDown() override {
+        disk_.reset();
+        close();
+    }
+    void mount() {
+        close();
+        disk_.emplace(std::getenv("ADDRESSBOOK_HOME"));
+    }
+    // The file is closed once nobody holds a record of it.
+    static void close() {
+        resetStateForTests();
+        [ABAddressBook closeSharedAddressBook];
+        Do_Init();
+    }
+
+    std::string anna_;
+    std::optional<addressbook::test::ReadOnlyDisk> disk_;
+};
+
+TEST_F(ReadOnlyDiskTest, ItIsReadAndSearchedAndNothingIsLostSilently) {
+    ASSERT_EQ(call(Do_KORU_Open, {anna_}), "0");
+    EXPECT_TRUE([currentRecord() isReadOnly]);
+    EXPECT_EQ(call(Do_KORU_GetValueForProperty, {"firstname"}), "Anna");
+    EXPECT_EQ(call(Do_KORU_SetValueForProperty, {"note", "new"}), "!!ERROR!!");
+    EXPECT_EQ(lastErrorNumber(), "-8017");
+    EXPECT_NE(call(Do_KORU_Delete, {anna_}), "0");
+    for (const char* kind : {"person", "group"}) {
+        const std::string made = call(Do_KORU_New, {kind});
+        for (int attempt = 0; attempt < 2; ++attempt) {
+            EXPECT_EQ(call(Do_KORU_Save), "!!ERROR!!");
+            EXPECT_EQ(lastErrorNumber(), "-8005");
+            EXPECT_THAT(lastErrorText(),
+                        AllOf(HasSubstr("Failed to save record The address book /"),
+                              HasSubstr("AddressBook.db may only be read: make the file, its "
+                                        "folder and its disk writable")));
+        }
+        EXPECT_EQ(utf8([currentRecord() uniqueId]), made); // it is still there
+    }
+    NSArray* people = [[ABAddressBook sharedAddressBook] people];
+    ASSERT_EQ([people count], 1U);
+    EXPECT_EQ(utf8([[people objectAtIndex:0] uniqueId]), anna_);
 }
 
 } // namespace

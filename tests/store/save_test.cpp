@@ -163,11 +163,34 @@ TEST_F(Save, membershipsKeepTheOrderOfJoining) {
     ChangeSet same = changesAt(6);
     same.memberships = {{outer, people[0], true}, {inner, people[0], false}};
     EXPECT_EQ(store.save(same).change, 0);
-    ChangeSet cycle;
-    cycle.memberships = {{inner, outer, true}};
-    expectRefused(cycle);
-    cycle.memberships = {{outer, outer, true}};
-    expectRefused(cycle);
+}
+
+TEST_F(Save, aMembershipThatWouldMakeACircleIsReportedAndTheRestKept) {
+    const std::string person = addPerson(store, {});
+    const std::string outer = newUid(Kind::group);
+    const std::string middle = newUid(Kind::group);
+    const std::string inner = newUid(Kind::group);
+    ChangeSet changes = changesAt(2);
+    for (const std::string& uid : {outer, middle, inner})
+        changes.records.push_back(inserted(uid, {}, Kind::group));
+    changes.memberships = {{outer, middle, true}, {middle, inner, true}};
+    store.save(changes);
+    changes = changesAt(3);
+    changes.records = {updated(person, {{"First", text("kept")}})};
+    changes.memberships = {{inner, outer, true}, {inner, person, true}, {outer, outer, true}};
+    const SaveResult result = store.save(changes);
+    ASSERT_EQ(result.circular.size(), 2U);
+    EXPECT_EQ(result.circular[0].group, inner);
+    EXPECT_EQ(result.circular[0].member, outer);
+    EXPECT_EQ(result.circular[1].member, outer);
+    EXPECT_THAT(result.updated, UnorderedElementsAre(person, inner));
+    EXPECT_EQ(valueOf(store, person, "First"), text("kept"));
+    EXPECT_THAT(store.members(store.find(inner)->row), ElementsAre(store.find(person)->row));
+    EXPECT_THAT(store.subgroups(store.find(inner)->row), IsEmpty());
+    EXPECT_THAT(store.check(), IsEmpty());
+    changes = changesAt(4);
+    changes.memberships = {{inner, outer, true}};
+    EXPECT_EQ(store.save(changes).change, 0); // nothing was written, and nobody is told of a change
 }
 
 TEST_F(Save, groupsChangePlacesInWhateverOrderTheyAreTold) {

@@ -45,17 +45,57 @@ NSInteger codeOf(StoreError::Reason reason) {
     }
 }
 
-// Says which records' changes a save had to leave out.
-std::string missingText(const std::vector<std::string>& uids) {
+// The first of many items, in a sentence.
+template <typename Items, typename Text>
+std::string listed(const Items& items, const char* between, Text text) {
     constexpr std::size_t kNamed = 10;
-    std::string text =
-        "Everything else is saved, but these records were deleted by another program, and what was "
-        "changed in them here is not saved:";
-    for (std::size_t i = 0; i < std::min(uids.size(), kNamed); ++i)
-        text += (i == 0 ? " " : ", ") + uids[i];
-    if (uids.size() > kNamed)
-        text += " and " + std::to_string(uids.size() - kNamed) + " more";
-    return text + ".";
+    std::string list;
+    for (std::size_t i = 0; i < std::min(items.size(), kNamed); ++i)
+        list += (i == 0 ? "" : between) + text(items[i]);
+    if (items.size() > kNamed)
+        list += " and " + std::to_string(items.size() - kNamed) + " more";
+    return list;
+}
+
+// A group's name in quotes; its id when it has none, or it cannot be read.
+std::string groupName(Book& book, const std::string& uid) {
+    std::string name = uid;
+    try {
+        if (const CardPtr group = book.find(uid))
+            if (const auto* text = book.value(*group, property::kGroupName).as<std::string>())
+                name = *text;
+    } catch (const StoreError&) { // what is told is that the save is done
+    }
+    return '"' + name + '"';
+}
+
+// Says what a save had to leave out; empty when that is nothing.
+std::string leftOutText(Book& book, const SaveResult& result) {
+    std::string text;
+    if (!result.missing.empty())
+        text = "Everything else is saved, but these records were deleted by another program, and what was "
+               "changed in them here is not saved: " +
+               listed(result.missing, ", ", [](const std::string& uid) { return uid; }) + ".";
+    if (!result.circular.empty()) {
+        text += text.empty() ? "Everything else is saved, but no group can contain itself: "
+                             : " And no group can contain itself: ";
+        text += listed(result.circular, "; ", [&](const MembershipChange& left) {
+            const std::string group = groupName(book, left.group);
+            const std::string member = groupName(book, left.member);
+            return member + " was not put into " + group + ", because another program has put " + group +
+                   " into " + member + ", itself or inside other groups; to have it, take " + group +
+                   " out of " + member + " and try again";
+        });
+        text += ".";
+    }
+    return text;
+}
+
+NSString* readOnlyText(const Book& book) {
+    return stringFrom(
+        "The address book " + book.file().string() +
+        " may only be read: make the file, its folder and its disk writable and start this program "
+        "again.");
 }
 
 void announce(ABAddressBook* book, const SaveResult& result) {
@@ -141,8 +181,8 @@ BookPtr sharedBook() {
     if (code != 0)
         return refuse(error, code, stringFrom(failure));
     announce(self, result);
-    if (!result.missing.empty())
-        refuse(error, ABAddRecordsError, stringFrom(missingText(result.missing)));
+    if (const std::string leftOut = leftOutText(*[self book], result); !leftOut.empty())
+        refuse(error, ABAddRecordsError, stringFrom(leftOut));
     return YES;
 }
 
@@ -189,7 +229,7 @@ BookPtr sharedBook() {
 
 - (BOOL)addRecord:(ABRecord*)record error:(NSError**)error {
     if ([self book]->readOnly())
-        return refuse(error, ABPropertyReadOnlyError, @"The address book can only be read");
+        return refuse(error, ABPropertyReadOnlyError, readOnlyText(*[self book]));
     if (![self owns:record] || ![self book]->add([record card]))
         return refuse(error, ABAddRecordsError,
                       @"The record cannot be added: it is in the address book already, or "
@@ -203,7 +243,7 @@ BookPtr sharedBook() {
 
 - (BOOL)removeRecord:(ABRecord*)record error:(NSError**)error {
     if ([self book]->readOnly())
-        return refuse(error, ABPropertyReadOnlyError, @"The address book can only be read");
+        return refuse(error, ABPropertyReadOnlyError, readOnlyText(*[self book]));
     if (![self owns:record] || !reading([&] { return [self book]->remove([record card]); }))
         return refuse(error, ABRemoveRecordsError, @"The record is not in the address book");
     return YES;

@@ -38,7 +38,7 @@ ChangeSet Book::changes(Date now) const {
         for (const auto& uid : group.left)
             set.memberships.push_back({group.uid, uid, false});
         for (const auto& member : group.joined)
-            if (member->inBook())
+            if (member->inBook() || member->standing == Card::Standing::gone) // which the save tells
                 set.memberships.push_back({group.uid, member->uid, true});
     };
     for (const auto& card : added_) {
@@ -58,10 +58,8 @@ ChangeSet Book::changes(Date now) const {
         set.removed.push_back(card->uid);
     if (me_) {
         const auto own = live(*me_);
-        if (!own || own->inBook())
-            set.me = *me_;
-        else if (own->standing != Card::Standing::gone)
-            set.me = "";
+        const bool tells = !own || own->inBook() || own->standing == Card::Standing::gone;
+        set.me = tells ? *me_ : "";
     }
     return set;
 }

@@ -1,6 +1,7 @@
 #include "exchange.h"
 
 #include "folder.h"
+#include "leftovers.h"
 
 #include <fcntl.h>
 #include <sqlite3.h>
@@ -22,11 +23,6 @@ constexpr std::chrono::seconds kPatience{10};
 // What SQLite keeps beside a database and would take for part of whatever lies there.
 constexpr const char* kCompanions[] = {"-wal", "-journal", "-shm"};
 constexpr const char* kKept[] = {"", "-wal", "-journal"};
-
-fs::path with(fs::path file, const char* suffix) {
-    file += suffix;
-    return file;
-}
 
 // Keeps every SQLite from opening a database: all of them take this byte for a moment before they read.
 class Barrier {
@@ -76,7 +72,7 @@ fs::path keptName(const fs::path& file) {
     const auto taken = [&] {
         struct stat status {};
         for (const char* suffix : kKept)
-            if (lstat(with(name, suffix).c_str(), &status) == 0)
+            if (lstat(beside(name, suffix).c_str(), &status) == 0)
                 return true;
         return false;
     };
@@ -137,17 +133,16 @@ HeldBook::HeldBook(const fs::path& folder) : file_(folder / kFileName) {
 fs::path HeldBook::replaceBy(const fs::path& draft) {
     fs::path kept;
     const Barrier barrier(draft); // until the old log is away, which the new database would take for its own
-    std::error_code error;
-    if (fs::exists(file_, error)) {
-        kept = keptName(file_);
-        for (const char* suffix : kKept)
-            if (fs::file_size(with(file_, suffix), error) > 0 && !error)
-                keep(with(file_, suffix), with(kept, suffix));
-    }
+    const fs::path name = keptName(file_);
+    for (const char* suffix : kKept) // a log whose file is gone may be wanted as well
+        if (hasBeside(file_, suffix)) {
+            keep(beside(file_, suffix), beside(name, suffix));
+            kept = name;
+        }
     if (std::rename(draft.c_str(), file_.c_str()) != 0)
         throw systemError("Could not replace the address book", file_, errno, "check its folder");
     for (const char* suffix : kCompanions)
-        unlink(with(file_, suffix).c_str());
+        unlink(beside(file_, suffix).c_str());
     syncFolder(file_.parent_path());
     return kept;
 }

@@ -1,5 +1,6 @@
 #include "folder.h"
 
+#include "leftovers.h"
 #include "schema.h"
 
 #include <fcntl.h>
@@ -23,9 +24,10 @@ using Reason = StoreError::Reason;
 
 constexpr mode_t kFolderMode = 0700;
 constexpr mode_t kFileMode = 0600;
-constexpr int kAttempts = 3;                   // at opening a file that others replace
-constexpr std::string_view kBookMark = "book"; // in sqlite_sequence, which every save writes; no table of it
+constexpr int kAttempts = 3; // at opening a file that others replace
 constexpr int kCacheKilobytes = 16 * 1024;
+// For a database whose log has to be read and nobody writes; with the exclusive locking mode.
+constexpr std::string_view kWithoutIndex = "?vfs=unix-none";
 
 // The value of an environment variable; null when it is unset or empty.
 const char* environment(const char* name) {
@@ -74,16 +76,13 @@ void requireFolder(const fs::path& folder, bool mayMake) {
                                                     " does not exist: make it, or correct ADDRESSBOOK_HOME.");
 }
 
-// Whether the last connection that closes leaves the log as it is.
-void keepLogAtClose(const sql::Connection& connection, bool keep) {
-    sqlite3_db_config(connection.handle(), SQLITE_DBCONFIG_NO_CKPT_ON_CLOSE, keep ? 1 : 0, nullptr);
-}
-
-std::unique_ptr<sql::Connection> connect(const fs::path& file, const char* query, int flags,
+std::unique_ptr<sql::Connection> connect(const fs::path& file, std::string_view query, int flags,
                                          std::chrono::milliseconds patience) {
     auto connection =
         std::make_unique<sql::Connection>(file, databaseUri(file, query), flags | SQLITE_OPEN_URI, patience);
     keepLogAtClose(*connection, true);
+    if (query == kWithoutIndex)
+        connection->execute("PRAGMA locking_mode = EXCLUSIVE");
     connection->execute(
         "PRAGMA trusted_schema = OFF; PRAGMA cell_size_check = ON; PRAGMA temp_store = MEMORY;"
         "PRAGMA synchronous = FULL; PRAGMA cache_size = -" +
@@ -130,23 +129,39 @@ void makeFile(const fs::path& file, std::chrono::milliseconds patience) {
     syncFolder(file.parent_path());
 }
 
-// A database in WAL mode needs a file beside it even to be read. Where none can be made and no saved changes
-// wait in the log, the file alone is the whole truth and nobody can be writing it.
-std::unique_ptr<sql::Connection> connectReadOnly(const fs::path& file, std::chrono::milliseconds patience) {
+// Saves may wait in a log whose database is gone; a new one would not be theirs.
+void requireNoLeftovers(const fs::path& file) {
+    for (const char* suffix : {"-wal", "-journal"})
+        if (hasBeside(file, suffix) && !fs::exists(file)) // else another process has just made it
+            throw StoreError(Reason::notADatabase,
+                             "The address book " + file.string() + " is gone, but not " +
+                                 beside(file, suffix).filename().string() +
+                                 " beside it: put the file back or restore it from a backup; to begin a new "
+                                 "one, move what is left away.");
+}
+
+// A database in WAL mode needs a file beside it even to be read. Where none can be made, nobody here has it
+// open: its files are read as they are, without locks, the log with an index in memory.
+OpenedFile connectReadOnly(const fs::path& file, std::chrono::milliseconds patience) {
+    const Snapshot snapshot(file);
     try {
         auto connection = connect(file, "", SQLITE_OPEN_READONLY, patience);
         schemaVersion(*connection);
-        return connection;
+        return {std::move(connection), true, {}};
     } catch (const StoreError& error) {
         if (error.reason() != Reason::io && error.reason() != Reason::readOnly)
             throw;
-        fs::path log = file;
-        log += "-wal";
-        std::error_code ignored;
-        if (fs::exists(log, ignored) && fs::file_size(log, ignored) != 0)
+        if (hasBeside(file, "-journal"))
+            throw StoreError(Reason::readOnly,
+                             "The address book " + file.string() +
+                                 " was left in the middle of a save and may not be written: "
+                                 "open it once where it may be written.");
+        const bool logged = hasBeside(file, "-wal");
+        if (logged && fs::exists(beside(file, "-shm")))
             throw;
+        return {connect(file, logged ? kWithoutIndex : "?immutable=1", SQLITE_OPEN_READONLY, patience), true,
+                snapshot};
     }
-    return connect(file, "?immutable=1", SQLITE_OPEN_READONLY, patience);
 }
 
 bool isWritable(const fs::path& file) {
@@ -163,67 +178,6 @@ void checkVersion(sql::Connection& connection) {
     migrate(connection); // nothing to do, or the error about a newer version
 }
 
-// What every save writes on one page of the database: a number that is this book's own, 0 in an old one, and
-// how many saves there were.
-struct Mark {
-    std::int64_t book = 0, saves = 0;
-};
-
-Mark markOf(sql::Connection& connection) {
-    Mark mark;
-    auto run = connection.run("SELECT name, seq FROM sqlite_sequence");
-    while (run.step()) {
-        if (run.text(0) == "change")
-            mark.saves = run.integer(1);
-        else if (run.text(0) == kBookMark)
-            mark.book = run.integer(1);
-    }
-    return mark;
-}
-
-// The mark in the file alone; nothing when no log is there, or it cannot be read.
-std::optional<Mark> markWithoutLog(const fs::path& file) {
-    std::error_code error;
-    if (const auto size = fs::file_size(file.string() + "-wal", error); error || size == 0)
-        return std::nullopt;
-    try {
-        sql::Connection alone(file, databaseUri(file, "?immutable=1"), SQLITE_OPEN_READONLY | SQLITE_OPEN_URI,
-                              std::chrono::milliseconds(0));
-        return markOf(alone);
-    } catch (const StoreError&) {
-        return std::nullopt; // another process is just writing there, or what follows will say what is wrong
-    }
-}
-
-bool isOwnLog(sql::Connection& connection, const Mark& alone) {
-    const Mark now = markOf(connection); // no earlier than the other
-    return now.book == alone.book && now.saves >= alone.saves;
-}
-
-// Opens a file by [open] and refuses a log that is not the file's own, before anything of it gets into the
-// file.
-std::unique_ptr<sql::Connection> withOwnLog(const fs::path& file,
-                                            const std::function<std::unique_ptr<sql::Connection>()>& open) {
-    const auto alone = markWithoutLog(file);
-    bool own = true;
-    try {
-        auto connection = open();
-        own = !alone || isOwnLog(*connection, *alone) || connection->moved();
-        if (own) {
-            keepLogAtClose(*connection, false);
-            return connection;
-        }
-    } catch (const StoreError& error) {
-        if (!alone || error.reason() != Reason::damaged)
-            throw;
-    }
-    throw StoreError(Reason::damaged,
-                     "The address book " + file.string() + " is damaged (the log beside it, " +
-                         file.filename().string() +
-                         "-wal, belongs to another file or to an older state): repair it, or "
-                         "restore it from a backup.");
-}
-
 // Files get their name when they are whole: one without tables has lost them.
 void requireTables(sql::Connection& connection) {
     if (schemaVersion(connection) == 0)
@@ -234,21 +188,25 @@ void requireTables(sql::Connection& connection) {
 
 OpenedFile openFile(const fs::path& file, bool wantsWrite, std::chrono::milliseconds patience) {
     if (wantsWrite && isWritable(file)) {
+        requireOwnJournal(file);
         auto connection =
-            withOwnLog(file, [&] { return connect(file, "", SQLITE_OPEN_READWRITE, patience); });
+            openWithOwnLog(file, [&] { return connect(file, "", SQLITE_OPEN_READWRITE, patience); });
         requireTables(*connection);
         migrate(*connection);
         connection->execute("PRAGMA journal_mode = WAL; PRAGMA journal_size_limit = 4194304");
-        return {std::move(connection), false};
+        return {std::move(connection), false, {}};
     }
-    // Who only reads spoils nothing, and need not look again at what others have open.
-    auto connection = fs::exists(file.string() + "-shm")
-                          ? connectReadOnly(file, patience)
-                          : withOwnLog(file, [&] { return connectReadOnly(file, patience); });
-    keepLogAtClose(*connection, false);
+    if (hasBeside(file, "-journal") && isWritable(file))
+        openFile(file, true, patience); // undoes what was interrupted
+    std::optional<Snapshot> snapshot;
+    auto connection = openWithOwnLog(file, [&] {
+        OpenedFile opened = connectReadOnly(file, patience);
+        snapshot = std::move(opened.snapshot);
+        return std::move(opened.connection);
+    });
     requireTables(*connection);
     checkVersion(*connection);
-    return {std::move(connection), true};
+    return {std::move(connection), true, std::move(snapshot)};
 }
 
 } // namespace
@@ -262,7 +220,7 @@ StoreError systemError(const std::string& sentence, const fs::path& path, int er
                         "): " + remedy + "."};
 }
 
-std::string databaseUri(const fs::path& file, const char* query) {
+std::string databaseUri(const fs::path& file, std::string_view query) {
     static constexpr char kDigits[] = "0123456789ABCDEF";
     std::string uri = "file:";
     for (const char c : fs::absolute(file).string()) {
@@ -273,7 +231,7 @@ std::string databaseUri(const fs::path& file, const char* query) {
             uri += c;
         }
     }
-    return uri + query;
+    return uri.append(query);
 }
 
 void syncFolder(const fs::path& folder) {
@@ -286,15 +244,6 @@ void syncFolder(const fs::path& folder) {
 
 void prepareFolder(const fs::path& folder) {
     requireFolder(folder, true);
-}
-
-bool hasOwnLog(const fs::path& file) {
-    try {
-        withOwnLog(file, [&] { return connect(file, "", SQLITE_OPEN_READONLY, std::chrono::seconds(10)); });
-        return true;
-    } catch (const StoreError& error) {
-        return error.reason() != Reason::damaged || !markWithoutLog(file);
-    }
 }
 
 void makePrivateFile(const fs::path& file) {
@@ -327,6 +276,7 @@ OpenedFile openAddressBook(const fs::path& folder, Store::Access mode, std::chro
             throw StoreError(Reason::missingFolder,
                              "There is no address book in " + folder.string() +
                                  ": import something first, or correct ADDRESSBOOK_HOME.");
+        requireNoLeftovers(file);
         makeFile(file, patience);
     } else if (!fs::is_regular_file(status) || fs::file_size(file, error) == 0) {
         throw StoreError(Reason::notADatabase,

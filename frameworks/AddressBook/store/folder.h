@@ -3,22 +3,26 @@
 // Where the address book lies, and how its file comes to be: for its owner only, and complete from the first
 // moment.
 
+#include "snapshot.h"
 #include "sql.h"
 
 #include <chrono>
 #include <filesystem>
 #include <memory>
+#include <optional>
 #include <string>
+#include <string_view>
 
 namespace addressbook {
 
 // The database's name inside its folder.
 inline constexpr const char* kFileName = "AddressBook.db";
 
-// A connection and whether it can write.
+// A connection and what it can do.
 struct OpenedFile {
     std::unique_ptr<sql::Connection> connection;
     bool readOnly = false;
+    std::optional<Snapshot> snapshot; // of files that the connection looks at no more
 };
 
 // Opens the database in [folder], making folder and file as Store's constructor says, and brings it to the
@@ -29,12 +33,8 @@ OpenedFile openAddressBook(const std::filesystem::path& folder, Store::Access mo
 // Makes the book's [folder] as Store's constructor says. Throws StoreError when it is not there.
 void prepareFolder(const std::filesystem::path& folder);
 
-// Whether the log beside a database file is its own: one of another file, or of an older state of this one,
-// would make a mixture of both. What cannot be read is taken for its own.
-bool hasOwnLog(const std::filesystem::path& file);
-
 // The name under which SQLite opens a file; [query] holds its options, "?immutable=1" for instance.
-std::string databaseUri(const std::filesystem::path& file, const char* query = "");
+std::string databaseUri(const std::filesystem::path& file, std::string_view query = "");
 
 // Makes an empty file for its owner only. Throws StoreError, also when there is one.
 void makePrivateFile(const std::filesystem::path& file);

@@ -42,6 +42,9 @@ struct Store::Impl {
     Backlog knownBacklog;
     std::optional<std::uint32_t> backlogState; // the state of the database in which it was read
 
+    // Opens files that are read as they were again when they have changed; nothing while a Reading lives.
+    void follow();
+
     // The number of a property, none when no record ever had it.
     std::optional<std::int64_t> propertyId(Kind kind, std::string_view name);
     // The same, giving it a number when it has none; inside a write transaction.

@@ -212,6 +212,7 @@ std::map<std::string, Value> Store::values(const RecordRow& record) const {
 }
 
 Store::Reading::Reading(const Store& store) : store_(store) {
+    store_.impl_->follow();
     if (store_.impl_->readings == 0)
         store_.impl_->reading.emplace(store_.impl_->db, sql::Transaction::Mode::read);
     ++store_.impl_->readings;
@@ -262,6 +263,7 @@ std::vector<PropertyDefinition> Store::definitions() const {
 }
 
 std::int64_t Store::lastChange() const {
+    impl_->follow();
     auto run = impl_->db.run("SELECT max(id) FROM change");
     return run.step() ? run.integer(0) : 0;
 }

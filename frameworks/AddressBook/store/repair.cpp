@@ -6,6 +6,7 @@
 #include "exchange.h"
 #include "folder.h"
 #include "impl.h"
+#include "leftovers.h"
 #include "packed_uid.h"
 
 #include <sqlite3.h>

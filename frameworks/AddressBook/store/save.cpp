@@ -85,7 +85,7 @@ class Saver {
 
     // What refers to records.
     void writeMembership(const MembershipChange& change);
-    void refuseCycle(RowId group, RowId member, const MembershipChange& change);
+    bool contains(RowId group, RowId within);
     void writeMe(const std::string& uid);
     void missing(const std::string& uid);
     void log();
@@ -310,8 +310,10 @@ void Saver::writeMembership(const MembershipChange& change) {
         return;
     }
     if (change.add) {
-        if (member->kind == Kind::group)
-            refuseCycle(group->id, member->id, change);
+        if (member->kind == Kind::group && contains(member->id, group->id)) {
+            result_.circular.push_back(change);
+            return;
+        }
         db_.run("INSERT OR IGNORE INTO membership(parent, place, member, kind) VALUES "
                 "(?1, (SELECT coalesce(max(place), 0) + 1 FROM membership WHERE parent = ?1), ?2, ?3)")
             .bindInteger(group->id)
@@ -328,13 +330,13 @@ void Saver::writeMembership(const MembershipChange& change) {
         touch(*group);
 }
 
-void Saver::refuseCycle(RowId group, RowId member, const MembershipChange& change) {
+// Whether a group is in another one, through any number of groups, or is that one.
+bool Saver::contains(RowId group, RowId within) {
     auto run =
         db_.run("WITH RECURSIVE above(id) AS (VALUES (?1) UNION SELECT parent FROM membership JOIN above ON "
                 "member = above.id) SELECT 1 FROM above WHERE id = ?2");
-    run.bindInteger(group).bindInteger(member);
-    if (run.step())
-        refuse("the group " + change.group + " would contain itself through " + change.member);
+    run.bindInteger(within).bindInteger(group);
+    return run.step();
 }
 
 void Saver::writeMe(const std::string& uid) {
@@ -400,7 +402,8 @@ SaveResult Store::save(const ChangeSet& changes) {
     if (impl_->opened.readOnly)
         throw StoreError(Reason::readOnly,
                          "The address book " + file().string() +
-                             " may only be read: make the file and its folder writable and try again.");
+                             " may only be read: make the file, its folder and its disk writable and start this "
+                         "program again.");
     try {
         sql::Transaction transaction(impl_->db, sql::Transaction::Mode::write);
         if (moved())

@@ -166,6 +166,16 @@ Connection::~Connection() {
     sqlite3_close(handle_);
 }
 
+void Connection::exchange(Connection& other) {
+    std::swap(file_, other.file_);
+    std::swap(patience_, other.patience_);
+    std::swap(handle_, other.handle_);
+    std::swap(literals_, other.literals_);
+    std::swap(texts_, other.texts_);
+    for (Connection* one : {this, &other})
+        sqlite3_busy_handler(one->handle_, &waitForLock, one);
+}
+
 void Connection::execute(const std::string& statements) {
     if (const int code = sqlite3_exec(handle_, statements.c_str(), nullptr, nullptr, nullptr);
         code != SQLITE_OK)

@@ -73,6 +73,9 @@ class Connection {
     const std::filesystem::path& file() const { return file_; }
     sqlite3* handle() const { return handle_; }
 
+    // Takes the database that the other has open, and leaves it its own. No run may be under way in either.
+    void exchange(Connection& other);
+
     // Runs statements that have no parameters and whose rows do not matter.
     void execute(const std::string& statements);
 

@@ -85,6 +85,17 @@ void Store::Impl::rebuildIndexes() {
     transaction.commit();
 }
 
+void Store::Impl::follow() {
+    if (!opened.snapshot || readings != 0 || !opened.snapshot->outdated())
+        return;
+    // With no patience: who asks has the older state to go on with.
+    OpenedFile now = openAddressBook(db.file().parent_path(), Access::readOnly, std::chrono::seconds(1));
+    db.exchange(*now.connection);
+    opened.snapshot = std::move(now.snapshot);
+    for (auto& known : propertyIds)
+        known.clear();
+}
+
 std::optional<std::int64_t> Store::Impl::propertyId(Kind kind, std::string_view name) {
     auto& known = propertyIds[static_cast<int>(kind)];
     std::string key(name);
@@ -130,6 +141,10 @@ const std::filesystem::path& Store::file() const {
 
 bool Store::readOnly() const {
     return impl_->opened.readOnly;
+}
+
+bool Store::isSnapshot() const {
+    return impl_->opened.snapshot.has_value();
 }
 
 bool Store::moved() const {

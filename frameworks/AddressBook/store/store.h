@@ -82,8 +82,7 @@ struct MembershipChange {
 // Everything one save writes, in one transaction. A group whose memberships change counts as changed, and so
 // does a record that loses a value because its custom property is removed. Refused
 // (StoreError::Reason::refused, nothing written): an insertion with the unique id of a record that exists, a
-// definition of a built-in or internal name, a group that would contain itself, a picture that is not data,
-// values nested beyond reason.
+// definition of a built-in or internal name, a picture that is not data, values nested beyond reason.
 struct ChangeSet {
     Date time;                                   // becomes the Modification date of every changed record
     std::vector<PropertyDefinition> definitions; // custom properties added
@@ -101,6 +100,7 @@ struct SaveResult {
     std::vector<RowId> insertedRows; // where those inserted are, in the same order
     std::vector<std::string>
         missing;             // changed here, but deleted by another process; their changes were dropped
+    std::vector<MembershipChange> circular; // left out: the group would contain itself
     std::int64_t change = 0; // the number of this save in the change log; 0 when nothing was written
 };
 
@@ -133,6 +133,9 @@ class Store {
 
     const std::filesystem::path& file() const;
     bool readOnly() const;
+    // Whether it reads the files as they were, because nothing can be made beside them. lastChange() and the
+    // beginning of a Reading look whether they have changed; nothing tells of it.
+    bool isSnapshot() const;
     // Whether the file is no longer in its place: it was removed, or another one was put there.
     bool moved() const;
 

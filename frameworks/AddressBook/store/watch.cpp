@@ -80,7 +80,7 @@ void Watch::run() {
         const bool looked = look();
         if (listening && looked)
             troubled_ = false;
-        wait(listening && looked);
+        wait(listening && looked, store_ && store_->isSnapshot());
     }
     // Closed by now, not some time later: who closes the book last tidies up its log.
     store_.reset();
@@ -147,10 +147,12 @@ void Watch::looksBecause(const std::string& reason) {
         listener_.looksInstead(reason);
 }
 
-// Waits for something to happen: for an event when [toldWhen], else for the time to look again.
-void Watch::wait(bool toldWhen) {
+// Waits for something to happen: for an event when [toldWhen], and for the time to look again when nobody
+// tells of everything.
+void Watch::wait(bool toldWhen, bool looksAnyway) {
     std::array<pollfd, 2> awaited{pollfd{stopped_, POLLIN, 0}, pollfd{toldWhen ? events_ : -1, POLLIN, 0}};
-    if (poll(awaited.data(), awaited.size(), toldWhen ? -1 : static_cast<int>(kLookEvery.count())) <= 0)
+    const int time = toldWhen && !looksAnyway ? -1 : static_cast<int>(kLookEvery.count());
+    if (poll(awaited.data(), awaited.size(), time) <= 0)
         return;
     if (awaited[1].revents != 0 && !takeEvents(events_))
         close(std::exchange(events_, -1));

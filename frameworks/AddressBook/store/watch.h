@@ -5,7 +5,9 @@
 // A process that saved touches the database's file once the save can be seen (ringBell): the write itself is
 // too early, for SQLite shows a save only after it was written. The kernel tells this, the end of a process
 // that was killed in between, and a file put in the book's place to whoever watches the folder. Then the
-// change log, read on a connection of the watch's own, says what happened.
+// change log, read on a connection of the watch's own, says what happened. A book that is read as a snapshot
+// may lie on another machine's disk, of which the kernel tells nothing: it is looked at once a second as
+// well.
 
 #include "store.h"
 
@@ -50,7 +52,7 @@ class Watch {
     bool look();
     void tell();
     void looksBecause(const std::string& reason);
-    void wait(bool toldWhen);
+    void wait(bool toldWhen, bool looksAnyway);
 
     const std::filesystem::path file_;
     const Listener listener_;

@@ -1,0 +1,154 @@
+#include "leftovers.h"
+
+#include "exchange.h"
+#include "folder.h"
+
+#include <sqlite3.h>
+#include <sys/stat.h>
+
+#include <chrono>
+#include <optional>
+#include <string>
+#include <system_error>
+
+namespace addressbook {
+namespace {
+
+namespace fs = std::filesystem;
+using Reason = StoreError::Reason;
+
+constexpr int kAttempts = 3; // at looking at a file that others replace
+
+// What every save writes on one page of the database: a number that is this book's own, 0 in an old one, and
+// how many saves there were.
+struct Mark {
+    std::int64_t book = 0, saves = 0;
+};
+
+Mark markOf(sql::Connection& connection) {
+    Mark mark;
+    auto run = connection.run("SELECT name, seq FROM sqlite_sequence");
+    while (run.step()) {
+        if (run.text(0) == "change")
+            mark.saves = run.integer(1);
+        else if (run.text(0) == kBookMark)
+            mark.book = run.integer(1);
+    }
+    return mark;
+}
+
+// The mark in the file alone; nothing when it cannot be read.
+std::optional<Mark> markWithin(const fs::path& file) {
+    try {
+        sql::Connection alone(file, databaseUri(file, "?immutable=1"), SQLITE_OPEN_READONLY | SQLITE_OPEN_URI,
+                              std::chrono::milliseconds(0));
+        return markOf(alone);
+    } catch (const StoreError&) {
+        return std::nullopt; // another process is just writing there, or what follows will say what is wrong
+    }
+}
+
+std::optional<Mark> markWithoutLog(const fs::path& file) {
+    return hasBeside(file, "-wal") ? markWithin(file) : std::nullopt;
+}
+
+bool isOwnLog(sql::Connection& connection, const Mark& alone) {
+    const Mark now = markOf(connection); // no earlier than the other
+    return now.book == alone.book && now.saves >= alone.saves;
+}
+
+[[noreturn]] void refuse(const fs::path& file, const char* what, const char* suffix) {
+    throw StoreError(Reason::damaged, "The address book " + file.string() + " is damaged (the " + what +
+                                          " beside it, " + beside(file, suffix).filename().string() +
+                                          ", belongs to another file or to an older state): repair it, or "
+                                          "restore it from a backup.");
+}
+
+// Which file is there; 0 when none is.
+ino_t identityOf(const fs::path& file) {
+    struct stat status {};
+    return stat(file.c_str(), &status) == 0 ? status.st_ino : 0;
+}
+
+} // namespace
+
+fs::path beside(fs::path file, const char* suffix) {
+    file += suffix;
+    return file;
+}
+
+bool hasBeside(const fs::path& file, const char* suffix) {
+    std::error_code error;
+    const auto size = fs::file_size(beside(file, suffix), error);
+    return !error && size != 0;
+}
+
+void keepLogAtClose(const sql::Connection& connection, bool keep) {
+    sqlite3_db_config(connection.handle(), SQLITE_DBCONFIG_NO_CKPT_ON_CLOSE, keep ? 1 : 0, nullptr);
+}
+
+std::unique_ptr<sql::Connection>
+openWithOwnLog(const fs::path& file, const std::function<std::unique_ptr<sql::Connection>()>& open) {
+    for (int attempt = 0; attempt < kAttempts; ++attempt) {
+        const ino_t identity = identityOf(file);
+        const auto alone = markWithoutLog(file);
+        try {
+            auto connection = open();
+            if (!alone || isOwnLog(*connection, *alone)) {
+                keepLogAtClose(*connection, false);
+                return connection;
+            }
+        } catch (const StoreError& error) {
+            if (!alone || error.reason() != Reason::damaged)
+                throw;
+        }
+        if (identityOf(file) == identity) // else the mark may be that of the file before
+            refuse(file, "log", "-wal");
+    }
+    throw StoreError(Reason::io, "The address book " + file.string() +
+                                     " was replaced while it was being opened: try again.");
+}
+
+bool hasOwnLog(const fs::path& file) {
+    try {
+        openWithOwnLog(file, [&] {
+            auto connection = std::make_unique<sql::Connection>(
+                file, databaseUri(file), SQLITE_OPEN_READONLY | SQLITE_OPEN_URI, std::chrono::seconds(10));
+            keepLogAtClose(*connection, true);
+            return connection;
+        });
+        return true;
+    } catch (const StoreError& error) {
+        return error.reason() != Reason::damaged || !markWithoutLog(file);
+    }
+}
+
+void requireOwnJournal(const fs::path& file) {
+    if (!hasBeside(file, "-journal"))
+        return;
+    const auto alone = markWithin(file);
+    if (!alone)
+        return; // what is half written says nothing
+    bool own = false;
+    const Workshop workshop(file.parent_path());
+    try {
+        fs::copy_file(file, workshop.draft());
+        fs::copy_file(beside(file, "-journal"), beside(workshop.draft(), "-journal"));
+        sql::Connection undone(file, databaseUri(workshop.draft()), SQLITE_OPEN_READWRITE | SQLITE_OPEN_URI,
+                               std::chrono::milliseconds(0));
+        const Mark then = markOf(undone);
+        own = then.book == alone->book && then.saves >= alone->saves - 1; // it undoes one save
+    } catch (const fs::filesystem_error& error) {
+        if (error.code() == std::errc::no_such_file_or_directory)
+            return; // another process has just ended its save
+        throw systemError("Could not look at the journal of the address book", file, error.code().value(),
+                          "make room in its folder and try again");
+    } catch (const StoreError& error) {
+        if (error.reason() != Reason::damaged && error.reason() != Reason::notADatabase)
+            throw;
+    }
+    if (!own)
+        refuse(file, "journal", "-journal");
+}
+
+} // namespace addressbook

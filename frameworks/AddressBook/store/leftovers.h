@@ -1,0 +1,41 @@
+#pragma once
+
+// What SQLite leaves beside a database when a program is killed, for the next one that opens it: a log of
+// saves that are not in the file yet (-wal), and a journal to undo a save that was interrupted (-journal).
+// One of another file, or of an older state of this one, would make a mixture of both.
+
+#include "sql.h"
+
+#include <filesystem>
+#include <functional>
+#include <memory>
+#include <string_view>
+
+namespace addressbook {
+
+// In sqlite_sequence, which every save writes, with a number that is this book's own; no table of that name.
+inline constexpr std::string_view kBookMark = "book";
+
+// The file beside a database file, "-wal" for instance.
+std::filesystem::path beside(std::filesystem::path file, const char* suffix);
+
+// Whether there is such a file, and something in it.
+bool hasBeside(const std::filesystem::path& file, const char* suffix);
+
+// Whether the last connection that closes leaves the log as it is.
+void keepLogAtClose(const sql::Connection& connection, bool keep);
+
+// Opens a file by [open], whose connection keeps the log at its close, and refuses a log that is not the
+// file's own before anything of it gets into the file. Throws StoreError.
+std::unique_ptr<sql::Connection>
+openWithOwnLog(const std::filesystem::path& file,
+               const std::function<std::unique_ptr<sql::Connection>()>& open);
+
+// Whether the log beside a database file is its own. What cannot be read is taken for its own.
+bool hasOwnLog(const std::filesystem::path& file);
+
+// Refuses a journal that is not the file's own; SQLite would write what is in it over the file. Throws
+// StoreError.
+void requireOwnJournal(const std::filesystem::path& file);
+
+} // namespace addressbook
