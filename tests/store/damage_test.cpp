@@ -1,7 +1,7 @@
 // Damage of every kind: an error that says so or a book that reads as before, never a crash, never a loss
 // that nobody is told of; and what repair() makes of it.
 
-#include "builders.h"
+#include "contents.h"
 #include "frameworks/AddressBook/store/folder.h"
 #include "frameworks/AddressBook/store/repair.h"
 #include "scratch.h"
@@ -21,43 +21,6 @@ using testing::AnyOf;
 using testing::Contains;
 using testing::HasSubstr;
 using testing::IsEmpty;
-
-// Everything that a book says of its records.
-struct Contents {
-    std::map<std::string, Values> records;
-    std::map<std::string, std::vector<std::string>> members;
-    std::vector<PropertyDefinition> definitions;
-    std::optional<std::string> me;
-    bool operator==(const Contents&) const = default;
-};
-
-// The id of a record that an index names; it may be lost.
-std::string uidAt(const Store& store, RowId row) {
-    const auto record = store.find(row);
-    return record ? record->uid : "lost";
-}
-
-Contents contentsOf(const Store& store) {
-    Contents contents;
-    for (const Kind kind : {Kind::person, Kind::group})
-        for (const RowId row : store.rows(kind)) {
-            const std::string uid = uidAt(store, row);
-            Values values = store.values(row);
-            if (const Value picture = store.value(row, property::kImage); !picture.empty())
-                values.emplace(property::kImage, picture);
-            contents.records.emplace(uid, values);
-            for (const RowId member : store.members(row))
-                contents.members[uid].push_back(uidAt(store, member));
-        }
-    contents.definitions = store.definitions();
-    contents.me = store.me();
-    return contents;
-}
-
-std::string bytesOf(const fs::path& file) {
-    std::ifstream stream(file, std::ios::binary);
-    return {std::istreambuf_iterator<char>(stream), {}};
-}
 
 void write(const fs::path& file, const std::string& bytes) {
     std::ofstream(file, std::ios::binary) << bytes;

@@ -82,6 +82,22 @@ TEST_F(Open, makesFolderAndFilesForTheirOwnerOnly) {
     EXPECT_EQ(std::distance(fs::directory_iterator(folder()), {}), 1) << "something is left beside the file";
 }
 
+TEST_F(Open, removesWhatAKilledProcessLeftLongAgo) {
+    const fs::path old = folder() / (std::string(".") + kFileName + "-AbCdEf");
+    const fs::path recent = folder() / (std::string(".") + kFileName + "-GhIjKl");
+    const fs::path other = folder() / "other";
+    for (const fs::path& one : {old, recent, other}) {
+        fs::create_directories(one);
+        std::ofstream(one / kFileName) << "x";
+    }
+    for (const fs::path& one : {old, other})
+        fs::last_write_time(one, fs::file_time_type::clock::now() - std::chrono::hours(25));
+    { const Store store(folder()); }
+    EXPECT_FALSE(fs::exists(old));
+    EXPECT_TRUE(fs::exists(recent / kFileName));
+    EXPECT_TRUE(fs::exists(other / kFileName));
+}
+
 TEST_F(Open, makesTheDefaultFolderWithItsParents) {
     setenv("XDG_DATA_HOME", (root() / "a/b").c_str(), 1);
     Store store(Store::defaultFolder());

@@ -1,13 +1,10 @@
 // What a save does and does not do, alone and beside other stores on the same folder.
 
 #include "builders.h"
-#include "fault_vfs.h"
 #include "scratch.h"
 
 #include <gmock/gmock.h>
 #include <sqlite3.h>
-
-#include <cstring>
 
 namespace addressbook::test {
 namespace {
@@ -357,45 +354,6 @@ TEST_F(Save, waitsForAnotherWriterOnlySoLong) {
     saveRecords(hasty, {inserted(uid, {{"p", text("x")}})});
     EXPECT_TRUE(store.find(uid));
 }
-
-class FailingDisk : public Scratch, public testing::WithParamInterface<int> {};
-
-// Whichever write or sync of a save fails, nothing is changed, and the same save succeeds later.
-TEST_P(FailingDisk, everyWriteOfASaveMayFail) {
-    FaultVfs disk;
-    Store store(folder());
-    const std::string uid = addPerson(store, {{"First", text("before")}});
-    const Values before = store.values(store.find(uid)->row);
-    int good = 0;
-    for (bool failed = true; failed; ++good) {
-        ASSERT_LT(good, 500);
-        ChangeSet changes = changesAt(good + 2);
-        const std::string added = newUid(Kind::person);
-        changes.records = {updated(uid, {{"Note", text("after")}, {".Image", Bytes(40'000)}}),
-                           inserted(added, {})};
-        disk.arm(good, GetParam());
-        try {
-            store.save(changes);
-            failed = false;
-            disk.disarm();
-            EXPECT_TRUE(store.find(added));
-        } catch (const StoreError& error) {
-            disk.disarm();
-            EXPECT_EQ(error.reason(),
-                      GetParam() == SQLITE_FULL && !std::strstr(error.what(), "disk I/O error")
-                          ? StoreError::Reason::full
-                          : StoreError::Reason::io)
-                << error.what();
-            ASSERT_EQ(store.values(store.find(uid)->row), before) << "after " << good << " writes";
-            ASSERT_FALSE(store.find(added));
-        }
-    }
-    EXPECT_GT(good, 10);
-    EXPECT_EQ(store.value(store.find(uid)->row, "Note"), text("after"));
-    EXPECT_THAT(store.check(), IsEmpty());
-}
-
-INSTANTIATE_TEST_SUITE_P(Errors, FailingDisk, testing::Values(SQLITE_FULL, SQLITE_IOERR_WRITE));
 
 } // namespace
 } // namespace addressbook::test

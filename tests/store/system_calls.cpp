@@ -236,6 +236,10 @@ void killAfterCalls(int count) {
     state().left = count;
 }
 
+int callsLeft() {
+    return state().left;
+}
+
 bool isUnsynced(const std::filesystem::path& file) {
     struct stat status {};
     const std::lock_guard<std::mutex> guard(state().lock);

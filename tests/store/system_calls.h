@@ -24,6 +24,8 @@ class ReadOnlyDisk {
 
 // Kills this process at the call after so many that change files; a write is done in half by then.
 void killAfterCalls(int calls);
+// How many of these calls are left.
+int callsLeft();
 
 // Whether what was last written to this file by this process was not brought to the disk since.
 bool isUnsynced(const std::filesystem::path& file);

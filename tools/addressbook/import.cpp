@@ -231,9 +231,12 @@ void Importer::joinGroup(const GroupMembers& group) {
             unresolved.emplace_back("X-ADDRESSBOOKSERVER-MEMBER:urn:uuid:" + uuid);
             continue;
         }
-        if (!listed.insert(member).second || old.contains(member) ||
-            (subgroup && wouldCycle(group.uid, member)))
+        if (!listed.insert(member).second || old.contains(member))
             continue;
+        if (subgroup && wouldCycle(group.uid, member)) {
+            ++summary_.circular;
+            continue;
+        }
         if (subgroup)
             subgroups_[group.uid].push_back(member);
         changes_.memberships.push_back({group.uid, member, true});
@@ -314,7 +317,9 @@ ImportSummary Importer::finish() {
 void Importer::flush() {
     if (!dryRun_ && !changes_.empty()) {
         changes_.time = now();
-        store_->save(changes_);
+        const SaveResult result = store_->save(changes_);
+        summary_.circular += result.circular.size();
+        summary_.missing += result.missing.size();
     }
     changes_ = ChangeSet();
     pendingBytes_ = 0;

@@ -125,6 +125,12 @@ std::string summaryText(const ImportSummary& summary, bool dryRun) {
     if (summary.unknownMembers > 0)
         text += "; " + counted(summary.unknownMembers, "group member", "group members") +
                 " not in the address book";
+    if (summary.circular > 0)
+        text +=
+            "; " + counted(summary.circular, "group", "groups") + " not put into another that it contains";
+    if (summary.missing > 0)
+        text += "; " + counted(summary.missing, "record", "records") +
+                " deleted by another program meanwhile, not changed";
     return text + (dryRun ? " (dry run, nothing saved)" : "");
 }
 
@@ -185,7 +191,7 @@ int runImport(const Options& options) {
     const ImportSummary summary = importer.finish();
     progress.clear();
     std::cerr << summaryText(summary, options.import.dryRun) << '\n';
-    return unread || summary.refused > 0 ? kIncomplete : kDone;
+    return unread || summary.refused + summary.missing > 0 ? kIncomplete : kDone;
 }
 
 int runExport(const Options& options) {
@@ -248,7 +254,8 @@ int runMe(const Options& options) {
             throw Failure(record.uid + " is a group; the user's own card is a person");
         changes.me = record.uid;
     }
-    store.save(changes);
+    if (!store.save(changes).missing.empty())
+        throw Failure(options.me.id + " was deleted by another program just now");
     return kDone;
 }
 

@@ -81,10 +81,22 @@ fs::path keptName(const fs::path& file) {
     return name;
 }
 
+// Removes the workshops of processes that were killed.
+void removeOld(const fs::path& folder, const std::string& name) {
+    const auto longAgo = fs::file_time_type::clock::now() - std::chrono::hours(24);
+    std::error_code error;
+    for (const auto& entry : fs::directory_iterator(folder, error))
+        if (entry.path().filename().string().starts_with(name) && entry.is_directory(error) &&
+            entry.last_write_time(error) < longAgo && !error)
+            fs::remove_all(entry.path(), error);
+}
+
 } // namespace
 
 Workshop::Workshop(const fs::path& folder) {
-    std::string pattern = (folder / (std::string(".") + kFileName + "-XXXXXX")).string();
+    const std::string name = std::string(".") + kFileName + "-";
+    removeOld(folder, name);
+    std::string pattern = (folder / (name + "XXXXXX")).string();
     if (mkdtemp(pattern.data()) == nullptr)
         throw systemError("Could not write in the folder", folder, errno,
                           "make it writable, or choose another");
@@ -115,8 +127,8 @@ HeldBook::HeldBook(const fs::path& folder) : file_(folder / kFileName) {
     std::error_code error;
     if (const fs::path real = fs::canonical(file_, error); !error)
         file_ = real; // the book may be a symbolic link
-    if (!fs::is_regular_file(file_, error))
-        return;
+    if (!fs::is_regular_file(file_, error) || !hasOwnJournal(file_))
+        return; // to open it would write the journal over it
     try {
         auto connection = std::make_unique<sql::Connection>(
             file_, databaseUri(file_), SQLITE_OPEN_READWRITE | SQLITE_OPEN_URI, kPatience);
@@ -130,8 +142,23 @@ HeldBook::HeldBook(const fs::path& folder) : file_(folder / kFileName) {
     }
 }
 
+// Takes the log over into the database: closing it does so, too, but says nothing when it cannot.
+void HeldBook::settle(const fs::path& draft) const {
+    {
+        sql::Connection connection(file_, databaseUri(draft), SQLITE_OPEN_READWRITE | SQLITE_OPEN_URI,
+                                   kPatience);
+        connection.execute("PRAGMA synchronous = FULL; PRAGMA wal_checkpoint(TRUNCATE)");
+    }
+    if (hasBeside(draft, "-wal") || hasBeside(draft, "-journal"))
+        throw StoreError(Reason::io,
+                         "The address book " + file_.string() +
+                             " was not replaced, for what is to replace it could not be written as "
+                             "a whole: check the disk and try again.");
+}
+
 fs::path HeldBook::replaceBy(const fs::path& draft) {
     fs::path kept;
+    settle(draft);
     const Barrier barrier(draft); // until the old log is away, which the new database would take for its own
     const fs::path name = keptName(file_);
     for (const char* suffix : kKept) // a log whose file is gone may be wanted as well

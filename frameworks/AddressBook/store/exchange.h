@@ -10,7 +10,7 @@
 namespace addressbook {
 
 // A folder for its owner only, in which a database is made beside the place where it will be; it goes with
-// everything that is left in it.
+// everything that is left in it. What a killed process left is removed by the next one a day later.
 class Workshop {
   public:
     // A new folder in [folder]. Throws StoreError.
@@ -37,13 +37,15 @@ class HeldBook {
   public:
     explicit HeldBook(const std::filesystem::path& folder);
 
-    // Puts the database [draft], which must be closed and whole, into the book's place in one step. What was
+    // Puts the database [draft], which must be closed, into the book's place in one step. What was
     // there stays in the folder under a name with the date; answers it, or nothing when there was no book.
     // Programs that have the book open see that it was replaced (Store::moved). Throws StoreError, and then
     // the old book is in its place.
     std::filesystem::path replaceBy(const std::filesystem::path& draft);
 
   private:
+    void settle(const std::filesystem::path& draft) const;
+
     std::filesystem::path file_;
     std::unique_ptr<sql::Connection> connection_; // the transaction ends with it
 };

@@ -1,5 +1,6 @@
 #include "folder.h"
 
+#include "exchange.h"
 #include "leftovers.h"
 #include "schema.h"
 
@@ -94,28 +95,18 @@ std::unique_ptr<sql::Connection> connect(const fs::path& file, std::string_view 
 // name is never half-made, whatever ends this process, and of two processes at this the second finds the
 // first one's file.
 void makeFile(const fs::path& file, std::chrono::milliseconds patience) {
-    fs::path draft = file;
-    draft += "." + newUuid() + ".new";
-    const int descriptor = open(draft.c_str(), O_RDWR | O_CREAT | O_EXCL | O_CLOEXEC, kFileMode);
-    if (descriptor < 0)
-        throw systemError("Could not make the address book", file, errno,
-                          "make its folder writable, or choose another place in ADDRESSBOOK_HOME");
-    close(descriptor);
-    struct Remover {
-        const fs::path& path;
-        ~Remover() {
-            std::error_code ignored;
-            fs::remove(path, ignored);
-        }
-    } const remover{draft};
+    const Workshop workshop(file.parent_path());
+    const fs::path draft = workshop.draft();
+    makePrivateFile(draft);
     {
-        sql::Connection connection(file, databaseUri(draft, ""), SQLITE_OPEN_READWRITE | SQLITE_OPEN_URI,
+        sql::Connection connection(file, databaseUri(draft), SQLITE_OPEN_READWRITE | SQLITE_OPEN_URI,
                                    patience);
-        connection.execute("PRAGMA synchronous = FULL; PRAGMA journal_mode = WAL");
+        connection.execute("PRAGMA synchronous = FULL");
         migrate(connection);
         connection.run("INSERT INTO sqlite_sequence(name, seq) VALUES (?, random())")
             .bindText(kBookMark)
             .finish();
+        connection.execute("PRAGMA journal_mode = WAL"); // last, so that nothing is in the log
     }
     if (link(draft.c_str(), file.c_str()) != 0 && errno != EEXIST) {
         // A file system without links: the name is free unless another process was faster by a hair.

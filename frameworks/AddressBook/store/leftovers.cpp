@@ -123,13 +123,12 @@ bool hasOwnLog(const fs::path& file) {
     }
 }
 
-void requireOwnJournal(const fs::path& file) {
+bool hasOwnJournal(const fs::path& file) {
     if (!hasBeside(file, "-journal"))
-        return;
+        return true;
     const auto alone = markWithin(file);
     if (!alone)
-        return; // what is half written says nothing
-    bool own = false;
+        return true; // what is half written says nothing
     const Workshop workshop(file.parent_path());
     try {
         fs::copy_file(file, workshop.draft());
@@ -137,17 +136,21 @@ void requireOwnJournal(const fs::path& file) {
         sql::Connection undone(file, databaseUri(workshop.draft()), SQLITE_OPEN_READWRITE | SQLITE_OPEN_URI,
                                std::chrono::milliseconds(0));
         const Mark then = markOf(undone);
-        own = then.book == alone->book && then.saves >= alone->saves - 1; // it undoes one save
+        return then.book == alone->book && then.saves >= alone->saves - 1; // it undoes one save
     } catch (const fs::filesystem_error& error) {
         if (error.code() == std::errc::no_such_file_or_directory)
-            return; // another process has just ended its save
+            return true; // another process has just ended its save
         throw systemError("Could not look at the journal of the address book", file, error.code().value(),
                           "make room in its folder and try again");
     } catch (const StoreError& error) {
         if (error.reason() != Reason::damaged && error.reason() != Reason::notADatabase)
             throw;
+        return false;
     }
-    if (!own)
+}
+
+void requireOwnJournal(const fs::path& file) {
+    if (!hasOwnJournal(file))
         refuse(file, "journal", "-journal");
 }
 

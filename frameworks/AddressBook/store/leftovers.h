@@ -34,8 +34,11 @@ openWithOwnLog(const std::filesystem::path& file,
 // Whether the log beside a database file is its own. What cannot be read is taken for its own.
 bool hasOwnLog(const std::filesystem::path& file);
 
-// Refuses a journal that is not the file's own; SQLite would write what is in it over the file. Throws
-// StoreError.
+// The same of the journal, which SQLite writes over the file when it opens that. Throws StoreError when that
+// cannot be found out.
+bool hasOwnJournal(const std::filesystem::path& file);
+
+// Throws StoreError when the journal is not the file's own.
 void requireOwnJournal(const std::filesystem::path& file);
 
 } // namespace addressbook

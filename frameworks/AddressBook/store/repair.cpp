@@ -362,6 +362,7 @@ RepairReport repair(const fs::path& folder) {
         return report;
     report.needed = true;
     std::ifstream source(file, std::ios::binary); // closed last: closing it ends the hold on the file
+    const bool foreignJournal = !hasOwnJournal(file);
     HeldBook book(folder);
     const Workshop workshop(folder);
     {
@@ -377,6 +378,8 @@ RepairReport repair(const fs::path& folder) {
         report.lost = Rescue(file, damaged, made).run();
         if (foreign)
             report.lost.emplace_back("The log beside the file belongs to another and is left out.");
+        if (foreignJournal)
+            report.lost.emplace_back("The journal beside the file belongs to another and is left out.");
     }
     {
         const Store made(workshop.folder());

@@ -400,10 +400,11 @@ SaveResult Store::save(const ChangeSet& changes) {
     if (changes.empty())
         return {};
     if (impl_->opened.readOnly)
-        throw StoreError(Reason::readOnly,
-                         "The address book " + file().string() +
-                             " may only be read: make the file, its folder and its disk writable and start this "
-                         "program again.");
+        throw StoreError(
+            Reason::readOnly,
+            "The address book " + file().string() +
+                " may only be read: make the file, its folder and its disk writable and start this "
+                "program again.");
     try {
         sql::Transaction transaction(impl_->db, sql::Transaction::Mode::write);
         if (moved())

@@ -1,0 +1,317 @@
+// A process that is killed at each of its calls that change files, while it makes a book, saves, takes a log
+// over into the file, brings an older book up to date, backs up, restores or repairs: the book is as before
+// or as after.
+
+#include "contents.h"
+#include "frameworks/AddressBook/store/backup.h"
+#include "frameworks/AddressBook/store/folder.h"
+#include "frameworks/AddressBook/store/repair.h"
+#include "long_run.h"
+#include "scratch.h"
+#include "system_calls.h"
+
+#include <gmock/gmock.h>
+#include <signal.h>
+#include <sqlite3.h>
+#include <sys/mman.h>
+#include <sys/wait.h>
+#include <unistd.h>
+
+#include <climits>
+#include <functional>
+
+namespace addressbook::test {
+namespace {
+
+namespace fs = std::filesystem;
+using testing::AnyOf;
+using testing::Eq;
+using testing::IsEmpty;
+
+class KillPoints : public Scratch {
+  protected:
+    ~KillPoints() override { munmap(answered_, sizeof(bool)); }
+
+    fs::path file() const { return folder() / kFileName; }
+    fs::path kept() const { return root() / "kept"; }
+    fs::path backup() const { return root() / "backups" / "backup"; }
+
+    // Each process begins with what is in the book's folder, and among the backups, now.
+    void begin() {
+        fs::create_directory(kept());
+        for (const fs::path& one : {folder(), backup().parent_path()})
+            if (fs::exists(one))
+                fs::copy(one, kept() / one.filename(), fs::copy_options::recursive);
+    }
+    void beginAgain() {
+        for (const fs::path& one : {folder(), backup().parent_path()}) {
+            fs::remove_all(one);
+            if (fs::exists(kept() / one.filename()))
+                fs::copy(kept() / one.filename(), one, fs::copy_options::recursive);
+        }
+    }
+
+    // Runs [work] in a process that is killed after so many calls; answers how many it had left, or nothing
+    // when it was killed before [work] was done.
+    std::optional<int> run(const std::function<void()>& work, int calls) {
+        int ends[2];
+        EXPECT_EQ(pipe(ends), 0);
+        const pid_t child = fork();
+        if (child == 0) {
+            try {
+                killAfterCalls(calls);
+                work();
+                const int left = callsLeft();
+                killAfterCalls(-1);
+                _exit(::write(ends[1], &left, sizeof left) == sizeof left ? 0 : 2);
+            } catch (const std::exception& error) {
+                fprintf(stderr, "%s\n", error.what());
+                _exit(3);
+            }
+        }
+        close(ends[1]);
+        int left = 0;
+        const bool done = read(ends[0], &left, sizeof left) == sizeof left;
+        close(ends[0]);
+        int status = 0;
+        waitpid(child, &status, 0);
+        EXPECT_TRUE(done ? status == 0 : WIFSIGNALED(status) && WTERMSIG(status) == SIGKILL) << status;
+        return done ? std::optional(left) : std::nullopt;
+    }
+
+    // Kills [work] at many of its calls, evenly spread, and looks at what it left each time.
+    void kill(const std::function<void()>& work, const std::function<void()>& look) {
+        begin();
+        const int calls = INT_MAX - run(work, INT_MAX).value_or(INT_MAX);
+        ASSERT_GT(calls, 10);
+        look();
+        const int times = std::min(calls, numberFrom("VELOCARD_KILLS", 10));
+        for (int time = 0; time < times; ++time) {
+            const int point = static_cast<int>(static_cast<std::int64_t>(calls) * time / times);
+            SCOPED_TRACE("killed at call " + std::to_string(point) + " of " + std::to_string(calls));
+            beginAgain();
+            *answered_ = false;
+            EXPECT_FALSE(run(work, point));
+            look();
+            if (HasFatalFailure())
+                return;
+        }
+    }
+
+    static Contents contentsIn(const fs::path& folder) {
+        const Store store(folder);
+        EXPECT_THAT(store.check(), IsEmpty());
+        return contentsOf(store);
+    }
+    // What a backup holds.
+    Contents contentsOfBackup() const {
+        const fs::path probe = root() / "probe";
+        fs::remove_all(probe);
+        restore(probe, backup());
+        return contentsIn(probe);
+    }
+
+    // A book of some records.
+    void makeBook() {
+        Store store(folder());
+        ChangeSet changes = changesAt(1);
+        changes.records.push_back(inserted(group_, {{"GroupName", text("Friends")}}, Kind::group));
+        for (const std::string& uid : people_) {
+            changes.records.push_back(inserted(uid, {{"First", text("Ann")}, {"own", text("x")}}));
+            changes.memberships.push_back({group_, uid, true});
+        }
+        changes.definitions = {{Kind::person, "own", 1}};
+        changes.me = people_[0];
+        store.save(changes);
+    }
+    // A save that does everything that a save can do.
+    ChangeSet largeSave(std::size_t pictureSize) const {
+        ChangeSet changes = changesAt(2);
+        const std::string inner = uid(7, "ABGroup");
+        changes.records = {updated(people_[1], {{"First", text("Bea")}, {"own", Value()}}),
+                           updated(group_, {{"GroupName", text("Family")}}, Kind::group),
+                           inserted(inner, {{"GroupName", text("Inner")}}, Kind::group)};
+        for (int i = 0; i < 5; ++i) {
+            const std::string added = uid(10 + i, "ABPerson");
+            changes.records.push_back(inserted(
+                added, {{"First", text("Cid")}, {property::kImage.data(), Bytes(pictureSize, 'p')}}));
+            changes.memberships.push_back({inner, added, true});
+        }
+        changes.memberships.push_back({group_, inner, true});
+        changes.memberships.push_back({group_, people_[1], false});
+        changes.removed = {people_[0]};
+        changes.definitions = {{Kind::group, "theirs", 1}};
+        changes.me = people_[2];
+        return changes;
+    }
+    static std::string uid(int number, const char* kind) {
+        char uid[64];
+        std::snprintf(uid, sizeof uid, "00000000-0000-4000-8000-%012d:%s", number, kind);
+        return uid;
+    }
+    void execute(const char* statements) const {
+        sqlite3* database = nullptr;
+        ASSERT_EQ(sqlite3_open(file().c_str(), &database), SQLITE_OK);
+        ASSERT_EQ(sqlite3_exec(database, statements, nullptr, nullptr, nullptr), SQLITE_OK);
+        sqlite3_close(database);
+    }
+    // A save and the end of its store, which takes the log over into the file.
+    void killAtSaving(std::size_t pictureSize) {
+        makeBook();
+        const Contents before = contentsIn(folder());
+        const ChangeSet changes = largeSave(pictureSize);
+        std::optional<Contents> after;
+        kill(
+            [&] {
+                Store store(folder());
+                store.save(changes);
+                *answered_ = true;
+            },
+            [&] {
+                const Contents now = contentsIn(folder());
+                if (!after)
+                    after = now;
+                EXPECT_TRUE(now == *after || (now == before && !*answered_));
+            });
+        EXPECT_FALSE(*after == before);
+        EXPECT_EQ(after->members.at(group_).size(), 2U);
+    }
+    // A book of the version before.
+    void killAtMigrating(const char* journal) {
+        makeBook();
+        execute("ALTER TABLE change DROP COLUMN origin; PRAGMA user_version = 1");
+        execute(journal);
+        const Contents before = contentsOf(Store(folder()));
+        execute("ALTER TABLE change DROP COLUMN origin; PRAGMA user_version = 1");
+        execute(journal);
+        kill([&] { Store{folder()}; },
+             [&] {
+                 EXPECT_EQ(contentsIn(folder()), before);
+                 EXPECT_EQ(Store(folder()).changesSince(0).size(), 1U);
+             });
+    }
+
+    // Whether the killed process was told that its save is done; it shares this.
+    bool* const answered_ = static_cast<bool*>(
+        mmap(nullptr, sizeof(bool), PROT_READ | PROT_WRITE, MAP_SHARED | MAP_ANONYMOUS, -1, 0));
+    const std::vector<std::string> people_{uid(1, "ABPerson"), uid(2, "ABPerson"), uid(3, "ABPerson")};
+    const std::string group_ = uid(4, "ABGroup");
+};
+
+TEST_F(KillPoints, ofMakingABook) {
+    kill([&] { addPerson(*std::make_unique<Store>(folder()), {}); },
+         [&] {
+             Store store(folder());
+             EXPECT_LE(store.count(Kind::person), 1);
+             addPerson(store, {});
+             EXPECT_THAT(store.check(), IsEmpty());
+         });
+}
+
+TEST_F(KillPoints, ofASave) {
+    killAtSaving(6'000);
+}
+
+// One that is so large that the log is taken over in the middle of it.
+TEST_F(KillPoints, ofALargeSave) {
+    killAtSaving(1'000'000);
+}
+
+TEST_F(KillPoints, ofBringingAnOlderBookUpToDate) {
+    killAtMigrating("PRAGMA journal_mode = WAL");
+}
+
+// As it is after a backup was copied into the book's place by hand.
+TEST_F(KillPoints, ofBringingAnOlderBackupUpToDate) {
+    killAtMigrating("PRAGMA journal_mode = DELETE");
+}
+
+TEST_F(KillPoints, ofABackup) {
+    makeBook();
+    fs::create_directory(backup().parent_path());
+    backUp(folder(), backup(), false);
+    const Contents older = contentsIn(folder());
+    Store(folder()).save(largeSave(6'000));
+    const Contents newer = contentsIn(folder());
+    kill([&] { backUp(folder(), backup(), true); },
+         [&] {
+             EXPECT_THAT(contentsOfBackup(), AnyOf(Eq(older), Eq(newer)));
+             EXPECT_EQ(contentsIn(folder()), newer);
+         });
+}
+
+TEST_F(KillPoints, ofRestoring) {
+    makeBook();
+    fs::create_directory(backup().parent_path());
+    backUp(folder(), backup(), false);
+    const Contents older = contentsIn(folder());
+    addPerson(*std::make_unique<Store>(folder()), {}); // what the file says without its log
+    {
+        Store store(folder()); // while it lives, its save is in the log
+        store.save(largeSave(6'000));
+        fs::copy(folder(), root() / "killed");
+    }
+    const Contents newer = contentsIn(folder());
+    fs::remove_all(folder());
+    fs::rename(root() / "killed", folder());
+    kill([&] { restore(folder(), backup()); },
+         [&] {
+             try {
+                 EXPECT_THAT(contentsIn(folder()), AnyOf(Eq(older), Eq(newer)));
+             } catch (const StoreError& error) {
+                 // Between putting the file into its place and taking the log away.
+                 EXPECT_THAT(error.what(), testing::HasSubstr("belongs to another file"));
+                 const RepairReport report = repair(folder());
+                 EXPECT_THAT(report.lost,
+                             testing::ElementsAre(testing::HasSubstr("The log beside the file")));
+                 EXPECT_EQ(contentsIn(folder()), older);
+             }
+             EXPECT_EQ(contentsOfBackup(), older);
+         });
+}
+
+TEST_F(KillPoints, ofARepair) {
+    makeBook();
+    std::string bytes = bytesOf(file());
+    bytes[bytes.find("Ann")] = 'E';
+    std::ofstream(file(), std::ios::binary) << bytes;
+    kill([&] { repair(folder()); },
+         [&] {
+             if (bytesOf(file()) == bytes) {
+                 EXPECT_TRUE(repair(folder()).needed);
+             } else {
+                 EXPECT_FALSE(repair(folder()).needed);
+             }
+             EXPECT_EQ(contentsIn(folder()).records.size(), 4U);
+             bool found = false;
+             for (const auto& entry : fs::directory_iterator(folder()))
+                 found =
+                     found || (entry.path() != file() && entry.is_regular_file() && bytesOf(entry) == bytes);
+             EXPECT_TRUE(found) << "the damaged book is not kept";
+         });
+}
+
+using Durable = KillPoints;
+
+TEST_F(Durable, whatIsSavedIsOnTheDiskWhenTheSaveAnswers) {
+    const auto expectSynced = [&](const char* when) {
+        for (const char* suffix : {"", "-wal"})
+            EXPECT_FALSE(isUnsynced(file().string() + suffix)) << when << suffix;
+    };
+    makeBook();
+    expectSynced("made");
+    Store store(folder());
+    store.save(largeSave(6'000));
+    expectSynced("saved");
+    for (int i = 0; i < 50; ++i) // beyond the size at which the log is taken over
+        addPerson(store, {{property::kImage.data(), Bytes(100'000, 'p')}});
+    expectSynced("log taken over");
+    fs::create_directory(backup().parent_path());
+    backUp(folder(), backup(), false);
+    EXPECT_FALSE(isUnsynced(backup()));
+    restore(folder(), backup());
+    expectSynced("restored");
+}
+
+} // namespace
+} // namespace addressbook::test

@@ -1,0 +1,160 @@
+// What lies beside a book that is not its own, or beside none: it is refused and kept, and nothing of it gets
+// into the book.
+
+#include "contents.h"
+#include "frameworks/AddressBook/store/backup.h"
+#include "frameworks/AddressBook/store/folder.h"
+#include "frameworks/AddressBook/store/repair.h"
+#include "scratch.h"
+
+#include <gmock/gmock.h>
+#include <signal.h>
+#include <sqlite3.h>
+#include <sys/wait.h>
+#include <unistd.h>
+
+namespace addressbook::test {
+namespace {
+
+namespace fs = std::filesystem;
+using Reason = StoreError::Reason;
+using testing::HasSubstr;
+
+class Leftovers : public Scratch {
+  protected:
+    fs::path beside(const char* suffix) const { return (folder() / kFileName).string() + suffix; }
+
+    // A book with one person; answers what it says.
+    static Contents makeBook(const fs::path& folder, const char* first) {
+        Store store(folder);
+        addPerson(store, {{"First", text(first)}});
+        return contentsOf(store);
+    }
+    // Leaves a book in the middle of a change that a journal is to undo.
+    static void interrupt(const fs::path& folder) {
+        const pid_t child = fork();
+        ASSERT_GE(child, 0);
+        if (child == 0) {
+            sqlite3* database = nullptr;
+            sqlite3_open((folder / kFileName).c_str(), &database);
+            sqlite3_exec(database,
+                         "PRAGMA journal_mode = DELETE; PRAGMA cache_size = 1; BEGIN; DELETE FROM record;"
+                         "UPDATE sqlite_sequence SET seq = seq + 1 WHERE name = 'change';"
+                         "CREATE TABLE filler(x); INSERT INTO filler VALUES (zeroblob(1000000))",
+                         nullptr, nullptr, nullptr);
+            kill(getpid(), SIGKILL);
+        }
+        waitpid(child, nullptr, 0);
+        ASSERT_GT(fs::file_size((folder / kFileName).string() + "-journal"), 0U);
+    }
+    void expectRefused(Reason reason, const char* sentence,
+                       Store::Access access = Store::Access::readWrite) const {
+        const bool there = fs::exists(beside(""));
+        const std::string before = bytesOf(beside(""));
+        try {
+            const Store store(folder(), access);
+            ADD_FAILURE() << "opened";
+        } catch (const StoreError& error) {
+            EXPECT_EQ(error.reason(), reason) << error.what();
+            EXPECT_THAT(error.what(), testing::AllOf(HasSubstr(sentence), HasSubstr(folder().string()),
+                                                     testing::EndsWith(".")));
+        }
+        EXPECT_EQ(fs::exists(beside("")), there);
+        EXPECT_TRUE(bytesOf(beside("")) == before);
+    }
+    // The files in the book's folder whose bytes are these.
+    std::vector<std::string> named(const std::string& bytes) const {
+        std::vector<std::string> names;
+        for (const auto& entry : fs::directory_iterator(folder()))
+            if (bytesOf(entry) == bytes)
+                names.push_back(entry.path().filename());
+        return names;
+    }
+};
+
+TEST_F(Leftovers, aLogWhoseBookIsGoneIsNoNewBook) {
+    const fs::path backup = root() / "backup";
+    makeBook(folder(), "Ann");
+    backUp(folder(), backup, false);
+    const Contents backedUp = contentsOf(Store(folder()));
+    {
+        Store store(folder());
+        addPerson(store, {});
+        fs::copy_file(beside("-wal"), root() / "log");
+    }
+    const std::string book = bytesOf(beside(""));
+    fs::rename(beside(""), root() / "away");
+    fs::rename(root() / "log", beside("-wal"));
+    const std::string log = bytesOf(beside("-wal"));
+    expectRefused(Reason::notADatabase, "is gone, but not AddressBook.db-wal beside it: put the file back");
+    expectRefused(Reason::missingFolder, "There is no address book", Store::Access::readOnly);
+    EXPECT_TRUE(bytesOf(beside("-wal")) == log);
+    // It stays beside a book that is restored there, too.
+    const fs::path kept = restore(folder(), backup).kept;
+    EXPECT_THAT(named(log), testing::ElementsAre(kept.filename().string() + "-wal"));
+    EXPECT_EQ(contentsOf(Store(folder())), backedUp);
+    // One without anything in it is none.
+    fs::remove(beside(""));
+    std::ofstream(beside("-wal")).flush();
+    EXPECT_EQ(Store(folder()).count(Kind::person), 0);
+}
+
+// The index of a log is made again by the first that opens a book, but its file may be that of another book.
+TEST_F(Leftovers, aLogAndItsIndexOfAnotherBookAreRefused) {
+    const Contents before = makeBook(folder(), "Ann");
+    {
+        Store other(root() / "other");
+        addPerson(other, {{"First", text("Eve")}});
+        for (const char* suffix : {"-wal", "-shm"})
+            fs::copy_file(other.file().string() + suffix, beside(suffix));
+    }
+    for (const Store::Access access : {Store::Access::readOnly, Store::Access::readWrite})
+        expectRefused(Reason::damaged, "the log beside it, AddressBook.db-wal, belongs to another file",
+                      access);
+    EXPECT_THROW(backUp(folder(), root() / "backup", false), std::exception);
+    repair(folder());
+    EXPECT_EQ(contentsOf(Store(folder())), before);
+}
+
+TEST_F(Leftovers, aJournalOfItsOwnIsUndone) {
+    const Contents before = makeBook(folder(), "Ann");
+    for (const Store::Access access : {Store::Access::readOnly, Store::Access::readWrite}) {
+        interrupt(folder());
+        EXPECT_EQ(contentsOf(Store(folder(), access)), before);
+        EXPECT_FALSE(fs::exists(beside("-journal")));
+    }
+}
+
+TEST_F(Leftovers, aJournalOfAnotherBookIsRefused) {
+    const Contents before = makeBook(folder(), "Ann");
+    makeBook(root() / "other", "Eve");
+    interrupt(root() / "other");
+    fs::copy_file(root() / "other" / "AddressBook.db-journal", beside("-journal"));
+    for (const Store::Access access : {Store::Access::readOnly, Store::Access::readWrite})
+        expectRefused(Reason::damaged,
+                      "the journal beside it, AddressBook.db-journal, belongs to another file", access);
+    repair(folder());
+    EXPECT_EQ(contentsOf(Store(folder())), before);
+}
+
+TEST_F(Leftovers, aJournalOfAnOlderStateIsRefused) {
+    makeBook(folder(), "Ann");
+    interrupt(folder());
+    fs::copy_file(beside("-journal"), root() / "journal");
+    for (const char* first : {"Bea", "Cid", "Dan"})
+        makeBook(folder(), first);
+    const Contents before = contentsOf(Store(folder()));
+    fs::copy_file(root() / "journal", beside("-journal"));
+    expectRefused(Reason::damaged, "to an older state");
+    fs::remove(beside("-journal"));
+    EXPECT_EQ(contentsOf(Store(folder())), before);
+}
+
+TEST_F(Leftovers, aFileThatIsNoJournalDoesNoHarm) {
+    const Contents before = makeBook(folder(), "Ann");
+    std::ofstream(beside("-journal")) << std::string(5000, 'x');
+    EXPECT_EQ(contentsOf(Store(folder())), before);
+}
+
+} // namespace
+} // namespace addressbook::test
