@@ -24,7 +24,7 @@ threaded_tests = ^foundation_test|^framework_test.*(Change|Process)|^store_test.
 test-tsan: setup ## the tests with threads, under the thread sanitizer
 	@TARGETS="$(threaded_targets)" scripts/run-tests tsan -R '$(threaded_tests)'
 
-test-long: setup ## the tests that gain by time, for minutes: 500 killed processes, 30 seconds of eight at once
+test-long: setup ## the tests that gain by time, for minutes: 500 killed processes, all points of a kill, 30 seconds of eight at once
 	@VELOCARD_KILLS=500 VELOCARD_SECONDS=30 scripts/run-tests release -R '^store_test\.(Kill|Processes)'
 
 bench: setup ## measure speed and memory against plain SQLite; PEOPLE=1000000 for the largest books

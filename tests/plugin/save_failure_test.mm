@@ -32,6 +32,19 @@ std::string noteIn(ABAddressBook* book, const std::string& id) {
     return utf8([[book recordForUniqueId:string(id)] valueForProperty:kABNoteProperty]);
 }
 
+NSUInteger membersIn(ABAddressBook* book, ABGroup* group) {
+    return [[(ABGroup*)[book recordForUniqueId:[group uniqueId]] members] count];
+}
+
+// A new group with this member, not saved.
+ABGroup* unsavedGroupOf(ABPerson* member) {
+    ABAddressBook* book = [ABAddressBook sharedAddressBook];
+    ABGroup* group = [[[ABGroup alloc] initWithAddressBook:book] autorelease];
+    EXPECT_TRUE([book addRecord:group]);
+    EXPECT_TRUE([group addMember:member]);
+    return group;
+}
+
 class SaveFailureTest : public PluginTest, public testing::WithParamInterface<int> {
   protected:
     ~SaveFailureTest() override { disk.disarm(); }
@@ -47,11 +60,14 @@ TEST_P(SaveFailureTest, IsToldAndKeepsWhatIsUnsavedUntilALaterSave) {
         const std::string before = call(Do_KORU_GetValueForProperty, {"note"});
         const std::string note = "note " + std::to_string(good);
         ASSERT_EQ(call(Do_KORU_SetValueForProperty, {"note", note}), "0");
+        ABGroup* group = unsavedGroupOf((ABPerson*)currentRecord());
+        const NSUInteger groups = [[anotherBook() groups] count];
         disk.arm(good, GetParam());
         const std::string answer = call(Do_KORU_Save);
         disk.disarm();
         if (answer == "0") {
             EXPECT_EQ(noteIn(anotherBook(), id), note);
+            EXPECT_EQ(membersIn(anotherBook(), group), 1U);
             break;
         }
         ++failures;
@@ -63,9 +79,12 @@ TEST_P(SaveFailureTest, IsToldAndKeepsWhatIsUnsavedUntilALaterSave) {
         EXPECT_EQ(call(Do_KORU_GetValueForProperty, {"note"}), note);
         EXPECT_TRUE([[ABAddressBook sharedAddressBook] hasUnsavedChanges]);
         EXPECT_EQ(noteIn(anotherBook(), id), before.empty() ? "(nil)" : before);
+        EXPECT_EQ([[group members] count], 1U);
+        EXPECT_EQ([[anotherBook() groups] count], groups);
         EXPECT_EQ(call(Do_KORU_Save), "0");
         EXPECT_FALSE([[ABAddressBook sharedAddressBook] hasUnsavedChanges]);
         EXPECT_EQ(noteIn(anotherBook(), id), note);
+        EXPECT_EQ(membersIn(anotherBook(), group), 1U);
     }
     EXPECT_GT(failures, 5);
 }

@@ -1,6 +1,7 @@
 #pragma once
 
-// A file system for SQLite whose n-th write, sync or open fails: what a full or broken disk does to a save.
+// A file system for SQLite whose n-th write, sync, truncation, opening or mapping of the log's index fails:
+// what a full or broken disk does to a save.
 
 #include <sqlite3.h>
 
@@ -25,7 +26,8 @@ class FaultVfs {
     FaultVfs(const FaultVfs&) = delete;
     FaultVfs& operator=(const FaultVfs&) = delete;
 
-    // Lets [good] writes, syncs and opens pass; all after them fail with [code] until disarm().
+    // Lets so many of them pass; all after them fail with [code], or what is usual for their kind, until
+    // disarm().
     void arm(int good, int code) {
         state().left = good;
         state().code = code;
@@ -63,6 +65,8 @@ class FaultVfs {
             patched.methods = *file->pMethods;
             patched.methods.xWrite = &write;
             patched.methods.xSync = &sync;
+            patched.methods.xTruncate = &truncate;
+            patched.methods.xShmMap = &mapIndex;
             file->pMethods = &patched.methods;
         }
         return result;
@@ -72,6 +76,12 @@ class FaultVfs {
     }
     static int sync(sqlite3_file* file, int flags) {
         return fails() ? SQLITE_IOERR_FSYNC : originalOf(file)->xSync(file, flags);
+    }
+    static int truncate(sqlite3_file* file, sqlite3_int64 size) {
+        return fails() ? SQLITE_IOERR_TRUNCATE : originalOf(file)->xTruncate(file, size);
+    }
+    static int mapIndex(sqlite3_file* file, int page, int size, int extend, void volatile** memory) {
+        return fails() ? SQLITE_IOERR_SHMMAP : originalOf(file)->xShmMap(file, page, size, extend, memory);
     }
 
     sqlite3_vfs vfs_{};
