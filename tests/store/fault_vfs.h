@@ -4,6 +4,7 @@
 // what a full or broken disk does to a save.
 
 #include <sqlite3.h>
+#include <unistd.h>
 
 #include <list>
 
@@ -56,7 +57,9 @@ class FaultVfs {
     static bool fails() { return state().code != SQLITE_OK && state().left-- <= 0; }
     static int open(sqlite3_vfs*, const char* name, sqlite3_file* file, int flags, int* outFlags) {
         file->pMethods = nullptr;
-        if (fails())
+        // On a full disk the files that are there can still be opened.
+        const bool works = state().code == SQLITE_FULL && (name == nullptr || ::access(name, F_OK) == 0);
+        if (!works && fails())
             return SQLITE_CANTOPEN;
         const int result = state().base->xOpen(state().base, name, file, flags, outFlags);
         if (result == SQLITE_OK && file->pMethods != nullptr) {

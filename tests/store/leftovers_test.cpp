@@ -3,6 +3,7 @@
 
 #include "contents.h"
 #include "frameworks/AddressBook/store/backup.h"
+#include "frameworks/AddressBook/store/exchange.h"
 #include "frameworks/AddressBook/store/folder.h"
 #include "frameworks/AddressBook/store/repair.h"
 #include "scratch.h"
@@ -154,6 +155,22 @@ TEST_F(Leftovers, aFileThatIsNoJournalDoesNoHarm) {
     const Contents before = makeBook(folder(), "Ann");
     std::ofstream(beside("-journal")) << std::string(5000, 'x');
     EXPECT_EQ(contentsOf(Store(folder())), before);
+}
+
+// Closing a database takes its log over, but says nothing when it cannot.
+TEST_F(Leftovers, aLogOfWhatReplacesABookIsTakenOver) {
+    makeBook(folder(), "Ann");
+    const fs::path made = root() / "made";
+    Contents newer;
+    {
+        Store store(root() / "other");
+        addPerson(store, {{"First", text("Eve")}});
+        newer = contentsOf(store);
+        fs::copy(root() / "other", made);
+    }
+    const fs::path kept = HeldBook(folder()).replaceBy(made / kFileName);
+    EXPECT_EQ(contentsOf(Store(folder())), newer);
+    EXPECT_TRUE(fs::exists(kept));
 }
 
 } // namespace

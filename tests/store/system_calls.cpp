@@ -22,6 +22,7 @@ struct Calls {
     std::string folder; // on the read-only disk
     bool readOnly = false;
     int left = -1; // before this process is killed; negative: never
+    std::string made;
     std::set<ino_t> unsynced;
 };
 
@@ -42,13 +43,16 @@ bool isReadOnly(const char* path) {
     return state().readOnly && strncmp(path, state().folder.c_str(), state().folder.size()) == 0;
 }
 
-// Counts a call that changes something; answers whether it is the last.
-bool isLast() {
-    return state().left >= 0 && state().left-- == 0;
+// Notes a call that changes something; answers whether it is the last.
+bool isLast(char kind) {
+    if (state().left < 0)
+        return false;
+    state().made += kind;
+    return state().left-- == 0;
 }
 
-void changeFile() {
-    if (isLast())
+void changeFile(char kind) {
+    if (isLast(kind))
         kill(getpid(), SIGKILL);
 }
 
@@ -68,7 +72,7 @@ ssize_t writing(int file, size_t size, Write write) {
         const std::lock_guard<std::mutex> guard(state().lock);
         state().unsynced.insert(identityOf(file));
     }
-    if (isLast()) {
+    if (isLast('w')) {
         write(size / 2);
         kill(getpid(), SIGKILL);
     }
@@ -76,7 +80,7 @@ ssize_t writing(int file, size_t size, Write write) {
 }
 
 int syncing(int (*real)(int), int file) {
-    changeFile();
+    changeFile('w');
     const int result = real(file);
     const std::lock_guard<std::mutex> guard(state().lock);
     state().unsynced.erase(identityOf(file));
@@ -90,7 +94,7 @@ int opening(int (*real)(const char*, int, ...), const char* path, int flags, mod
     if (isReadOnly(path) && (makes || (writes && stat(path, &status) == 0)))
         return refuse();
     if (makes)
-        changeFile();
+        changeFile('n');
     return real(path, flags, mode);
 }
 
@@ -131,7 +135,7 @@ int mkdir(const char* path, mode_t mode) noexcept {
     static const auto real = next<int(const char*, mode_t)>("mkdir");
     if (isReadOnly(path))
         return refuse();
-    changeFile();
+    changeFile('n');
     return real(path, mode);
 }
 
@@ -141,43 +145,43 @@ char* mkdtemp(char* pattern) noexcept {
         errno = EROFS;
         return nullptr;
     }
-    changeFile();
+    changeFile('n');
     return real(pattern);
 }
 
 int link(const char* from, const char* to) noexcept {
     static const auto real = next<int(const char*, const char*)>("link");
-    changeFile();
+    changeFile('n');
     return real(from, to);
 }
 
 int rename(const char* from, const char* to) noexcept {
     static const auto real = next<int(const char*, const char*)>("rename");
-    changeFile();
+    changeFile('n');
     return real(from, to);
 }
 
 int renameat2(int fromFolder, const char* from, int toFolder, const char* to, unsigned flags) noexcept {
     static const auto real = next<int(int, const char*, int, const char*, unsigned)>("renameat2");
-    changeFile();
+    changeFile('n');
     return real(fromFolder, from, toFolder, to, flags);
 }
 
 int unlink(const char* path) noexcept {
     static const auto real = next<int(const char*)>("unlink");
-    changeFile();
+    changeFile('n');
     return real(path);
 }
 
 int ftruncate(int file, off_t size) noexcept {
     static const auto real = next<int(int, off_t)>("ftruncate");
-    changeFile();
+    changeFile('w');
     return real(file, size);
 }
 
 int ftruncate64(int file, off64_t size) noexcept {
     static const auto real = next<int(int, off64_t)>("ftruncate64");
-    changeFile();
+    changeFile('w');
     return real(file, size);
 }
 
@@ -234,10 +238,11 @@ void ReadOnlyDisk::writable(const std::function<void()>& work) const {
 
 void killAfterCalls(int count) {
     state().left = count;
+    state().made.clear();
 }
 
-int callsLeft() {
-    return state().left;
+std::string callsMade() {
+    return state().made;
 }
 
 bool isUnsynced(const std::filesystem::path& file) {

@@ -7,6 +7,7 @@
 
 #include <filesystem>
 #include <functional>
+#include <string>
 
 namespace addressbook::test {
 
@@ -24,8 +25,9 @@ class ReadOnlyDisk {
 
 // Kills this process at the call after so many that change files; a write is done in half by then.
 void killAfterCalls(int calls);
-// How many of these calls are left.
-int callsLeft();
+// What these calls were since killAfterCalls(), one letter each: "w" is a write or a sync, "n" gives or takes
+// a name.
+std::string callsMade();
 
 // Whether what was last written to this file by this process was not brought to the disk since.
 bool isUnsynced(const std::filesystem::path& file);
