@@ -106,7 +106,8 @@ TEST_P(FailingDisk, atMakingABook) {
                  return;
              EXPECT_THAT(Store(folder()).check(), IsEmpty());
              fs::remove(file());
-         });
+         },
+         3);
     EXPECT_THAT(Store(folder()).check(), IsEmpty());
 }
 
