@@ -6,6 +6,9 @@
 #include <gmock/gmock.h>
 #include <sqlite3.h>
 
+#include <atomic>
+#include <thread>
+
 namespace addressbook::test {
 namespace {
 
@@ -29,7 +32,7 @@ class Check : public Scratch, public testing::WithParamInterface<Planted> {
         changes.definitions = {{Kind::person, "own", 1}};
         changes.records = {
             inserted(person, {{"First", text("Ada Müller")}, {".Image", Bytes{1}}, {"own", text("o")}}),
-            inserted(group, {{"GroupName", text("Friends")}}, Kind::group)};
+            inserted(group, {{"GroupName", text("Friends")}, {"own", text("abcabdab")}}, Kind::group)};
         changes.memberships = {{group, person, true}};
         changes.me = person;
         store.save(changes);
@@ -76,6 +79,17 @@ INSTANTIATE_TEST_SUITE_P(
         Planted{"lostTerm", "DELETE FROM term WHERE exact = 'Friends'", "index (values) does not agree"},
         Planted{"wrongTerm", "UPDATE term SET exact = 'Foes' WHERE exact = 'Friends'",
                 "index (values) does not agree"},
+        Planted{"termNumber", "UPDATE term SET folded = folded + 1 WHERE type = 4",
+                "(values) does not agree"},
+        Planted{"termAsBytes", "UPDATE term SET folded = CAST(folded AS BLOB) WHERE exact = 'Friends'",
+                "(values) does not agree"},
+        Planted{"termLabel", "UPDATE term SET label = 1 WHERE exact = 'Friends'", "(values) does not agree"},
+        Planted{"termKey", "UPDATE term SET key = '0' WHERE exact = 'Friends'", "(values) does not agree"},
+        Planted{"termType", "UPDATE term SET type = 257 WHERE exact = 'Friends'", "(values) does not agree"},
+        Planted{"termProperty", "UPDATE term SET property = 9 WHERE exact = 'Friends'",
+                "(values) does not agree"},
+        Planted{"termOfAnother", "UPDATE term SET record = 3 - record WHERE exact = 'Friends'",
+                "(values) does not agree"},
         Planted{"strayTerm", "UPDATE term SET record = 77 WHERE exact = 'Friends'",
                 "search index do not exist"},
         Planted{"trigram", "INSERT INTO trigram(rowid, text) VALUES (65540, 'abcd')",
@@ -83,8 +97,41 @@ INSTANTIATE_TEST_SUITE_P(
         Planted{"lostBacklog", "UPDATE change SET replaced = NULL", "index (values) does not agree"},
         Planted{"badBacklog", "UPDATE change SET replaced = x'0102' WHERE replaced IS NOT NULL",
                 "the change log: "},
+        Planted{"textOfAnother",
+                "INSERT INTO trigram(trigram, rowid, text) SELECT 'delete', record * 65536 + property, "
+                "char(31) || 'friends' || char(31) FROM term WHERE exact = 'Friends'; "
+                "INSERT INTO trigram(rowid, text) SELECT (3 - record) * 65536 + property, "
+                "char(31) || 'friends' || char(31) FROM term WHERE exact = 'Friends'",
+                "index (text) does not agree"},
+        Planted{"otherOrder", // the same trigrams
+                "INSERT INTO trigram(trigram, rowid, text) SELECT 'delete', record * 65536 + property, "
+                "char(31) || 'abcabdab' || char(31) FROM term WHERE exact = 'abcabdab'; "
+                "INSERT INTO trigram(rowid, text) SELECT record * 65536 + property, "
+                "char(31) || 'abdabcab' || char(31) FROM term WHERE exact = 'abcabdab'",
+                "index (text) does not agree"},
         Planted{"lostText", "DELETE FROM trigram_data WHERE id > 10", "amaged"}),
     [](const auto& planted) { return std::string(planted.param.name); });
+
+using SoundBook = Check;
+
+// Another store saves more and more meanwhile.
+TEST_F(SoundBook, takesNoSaveOfOthersForDamage) {
+    std::atomic<bool> done = false;
+    std::thread other([&] {
+        Store store(folder());
+        while (!done)
+            addPerson(store, {{"First", text("Eve")}, {"Note", text("comes later")}});
+    });
+    std::size_t people = 0;
+    for (int i = 0; i < 30; ++i) {
+        const Store store(folder(), i % 2 == 0 ? Store::Access::readOnly : Store::Access::readWrite);
+        EXPECT_THAT(store.check(), testing::IsEmpty());
+        people = store.rows(Kind::person).size();
+    }
+    done = true;
+    other.join();
+    EXPECT_GT(people, 30U) << "hardly anything was saved meanwhile";
+}
 
 using Damage = Check;
 

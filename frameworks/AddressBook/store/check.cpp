@@ -5,7 +5,11 @@
 #include "card.h"
 #include "index.h"
 
+#include <algorithm>
+#include <bit>
+#include <cstring>
 #include <functional>
+#include <set>
 
 namespace addressbook {
 namespace {
@@ -31,74 +35,143 @@ constexpr Rule kRules[] = {
      "groups contain themselves"},
     {"SELECT id FROM definition WHERE property NOT IN (SELECT id FROM property)",
      "definitions of properties belong to no property"},
-    {"SELECT DISTINCT record FROM term WHERE record NOT IN (SELECT id FROM record)",
-     "records in the search index do not exist"},
 };
 
-// A sum that does not depend on the order in which things are added to it.
+// A hash of all that is added to it, in this order.
+class Hash {
+  public:
+    Hash& number(std::int64_t value) { return word(static_cast<std::uint64_t>(value)); }
+    // Whole numbers and reals of one worth are one.
+    Hash& real(double value) { return word(std::bit_cast<std::uint64_t>(value + 0.0)); }
+    Hash& bytes(std::string_view bytes) {
+        word(bytes.size());
+        for (; bytes.size() >= 8; bytes.remove_prefix(8)) {
+            std::uint64_t eight = 0;
+            std::memcpy(&eight, bytes.data(), 8);
+            word(eight);
+        }
+        std::uint64_t rest = 0;
+        for (const char c : bytes)
+            rest = rest << 8 | static_cast<unsigned char>(c);
+        return word(rest);
+    }
+    std::uint64_t value() const { return state_; }
+
+  private:
+    Hash& word(std::uint64_t word) {
+        state_ = (state_ ^ word) * 0x9E3779B97F4A7C15U;
+        state_ = (state_ ^ state_ >> 32) * 0xD6E8FEB86659FD93U;
+        state_ ^= state_ >> 29;
+        return *this;
+    }
+    std::uint64_t state_ = 0x2545F4914F6CDD1DU;
+};
+
+// A sum that does not depend on the order in which hashes are added to it.
 class Sum {
   public:
-    void add(const std::string& thing) {
-        total_ += std::hash<std::string>()(thing);
+    void add(const Hash& hash) {
+        total_ += hash.value();
         ++count_;
     }
     bool operator==(const Sum&) const = default;
 
   private:
-    std::size_t total_ = 0;
+    std::uint64_t total_ = 0;
     std::size_t count_ = 0;
 };
 
-std::string joined(std::initializer_list<std::string_view> parts) {
-    std::string out;
-    for (const std::string_view part : parts) {
-        out += std::to_string(part.size());
-        out += ':';
-        out += part;
-    }
-    return out;
+// What is hashed says first of which type it is, so that 1 is not taken for "1".
+enum class Typed { number, text, bytes };
+
+void add(Hash& hash, Typed type) {
+    hash.number(static_cast<int>(type));
 }
 
-std::string wordText(const TermWord& word) {
+void add(Hash& hash, const TermWord& word) {
     const auto* text = std::get_if<std::string>(&word);
-    return text != nullptr ? "t" + *text : "n" + std::to_string(std::get<std::int64_t>(word));
+    add(hash, text != nullptr ? Typed::text : Typed::number);
+    text != nullptr ? hash.bytes(*text) : hash.number(std::get<std::int64_t>(word));
 }
 
-std::string numberText(double value) {
-    return "n" + std::string(reinterpret_cast<const char*>(&value), sizeof value);
+Hash hashOf(const Term& term) {
+    Hash hash;
+    hash.number(term.property);
+    if (const auto* text = std::get_if<std::string>(&term.folded)) {
+        add(hash, Typed::text);
+        hash.bytes(*text);
+    } else if (const auto* bytes = std::get_if<Bytes>(&term.folded)) {
+        add(hash, Typed::bytes);
+        hash.bytes({reinterpret_cast<const char*>(bytes->data()), bytes->size()});
+    } else {
+        const auto* whole = std::get_if<std::int64_t>(&term.folded);
+        add(hash, Typed::number);
+        hash.real(whole != nullptr ? static_cast<double>(*whole) : std::get<double>(term.folded));
+    }
+    hash.bytes(term.exact).number(term.record);
+    add(hash, term.label);
+    add(hash, term.key);
+    return hash.number(term.type);
 }
 
-std::string termText(const Term& term) {
-    std::string folded = "b";
-    if (const auto* text = std::get_if<std::string>(&term.folded))
-        folded = "t" + *text;
-    else if (const auto* whole = std::get_if<std::int64_t>(&term.folded))
-        folded = numberText(static_cast<double>(*whole));
-    else if (const auto* real = std::get_if<double>(&term.folded))
-        folded = numberText(*real + 0.0);
-    return joined({std::to_string(term.property), folded, term.exact, std::to_string(term.record),
-                   wordText(term.label), wordText(term.key), std::to_string(term.type)});
+// The same for a row: property, folded, exact, record, label, key, type.
+Hash hashOfTerm(const sql::Run& run) {
+    Hash hash;
+    const auto value = [&](int column) {
+        if (run.isText(column)) {
+            add(hash, Typed::text);
+            hash.bytes(run.text(column));
+        } else if (run.isNumber(column)) {
+            add(hash, Typed::number);
+            hash.real(run.real(column));
+        } else {
+            add(hash, Typed::bytes);
+            hash.bytes(run.bytes(column));
+        }
+    };
+    const auto word = [&](int column) {
+        const bool isText = run.isText(column);
+        add(hash, isText ? Typed::text : Typed::number);
+        isText ? hash.bytes(run.text(column)) : hash.number(run.integer(column));
+    };
+    hash.number(run.integer(0));
+    value(1);
+    hash.bytes(run.text(2)).number(run.integer(3));
+    word(4);
+    word(5);
+    return hash.number(run.integer(6));
+}
+
+// One occurrence of a trigram: in which text, and how many characters before it.
+Hash hashOf(Hash trigram, std::int64_t text, std::int64_t place) {
+    return trigram.number(text).number(place);
 }
 
 class Checker {
   public:
-    Checker(Store::Impl& impl, Store::Depth depth)
-        : impl_(impl), db_(impl.db), indexes_(depth == Store::Depth::everything) {}
+    Checker(const Store& store, Store::Impl& impl, Store::Depth depth)
+        : store_(store), impl_(impl), db_(impl.db), indexes_(depth == Store::Depth::everything) {}
 
     std::vector<std::string> run() {
+        checkOneMoment();
+        attempt([this] { checkTrigramStructure(); });
+        return std::move(found_);
+    }
+
+  private:
+    // What others save meanwhile is no contradiction.
+    void checkOneMoment() {
+        const Store::Reading oneMoment(store_);
         attempt([this] { checkDatabase(); });
         for (const Rule& rule : kRules)
             attempt([&] { checkRule(rule); });
         attempt([this] { checkMe(); });
         attempt([this] { checkRecords(); });
-        if (recordsAreSound_ && indexes_) {
-            attempt([this] { checkTerms(); });
+        attempt([this] { checkTerms(); });
+        if (indexes_ && recordsAreKnown_ && recordsAreSound_)
             attempt([this] { checkTrigrams(); });
-        }
-        return std::move(found_);
     }
 
-  private:
     void attempt(const std::function<void()>& part) {
         try {
             part();
@@ -113,21 +186,17 @@ class Checker {
         while (run.step())
             if (run.text(0) != "ok")
                 found_.push_back("The database is damaged: " + std::string(run.text(0)) + ".");
-        if (!impl_.opened.readOnly && indexes_) {
-            sql::Transaction transaction(db_, sql::Transaction::Mode::write);
-            db_.run("INSERT INTO trigram(trigram) VALUES ('integrity-check')").finish();
-        }
     }
 
     void checkRule(const Rule& rule) {
-        std::int64_t number = 0;
-        std::string first;
+        std::size_t number = 0;
+        std::int64_t first = 0;
         auto run = db_.run(rule.sql);
         while (run.step())
             if (number++ == 0)
-                first = std::to_string(run.integer(0));
+                first = run.integer(0);
         if (number > 0)
-            found_.push_back(std::to_string(number) + " " + rule.sentence + " (the first: " + first + ").");
+            report(number, rule.sentence, first);
     }
 
     void checkMe() {
@@ -141,8 +210,9 @@ class Checker {
         recordsAreSound_ = false;
         const Backlog backlog = readBacklog(impl_);
         recordsAreSound_ = true;
-        auto run = db_.run("SELECT id, kind, uid, creation, modification, card FROM record");
+        auto run = db_.run("SELECT id, kind, uid, creation, modification, card FROM record ORDER BY id");
         while (run.step()) {
+            rows_.push_back(run.integer(0));
             try {
                 const RecordRow row = impl_.rowFrom(run);
                 const auto current = [&](std::string_view name, const Value& value) {
@@ -163,6 +233,7 @@ class Checker {
         for (const auto& [slot, held] : backlog)
             if (!held.empty())
                 expect(slot, decodeValue(held));
+        recordsAreKnown_ = true;
     }
 
     // The indexes should hold this value.
@@ -170,63 +241,88 @@ class Checker {
         if (!indexes_)
             return;
         for (const Term& term : termsOf(slot.record, slot.property, value))
-            terms_.add(termText(term));
-        const std::string text = trigramText(value);
-        std::vector<std::size_t> starts;
-        for (std::size_t i = 0; i < text.size(); ++i)
-            if ((static_cast<unsigned char>(text[i]) & 0xC0) != 0x80)
-                starts.push_back(i);
-        starts.push_back(text.size());
-        for (std::size_t i = 0; i + 3 < starts.size(); ++i)
-            trigrams_.add(
-                joined({text.substr(starts[i], starts[i + 3] - starts[i]),
-                        std::to_string(trigramRow(slot.record, slot.property)), std::to_string(i)}));
+            terms_.add(hashOf(term));
+        expectTrigrams(trigramText(value), trigramRow(slot.record, slot.property));
     }
 
-    void checkTerms() {
-        Sum held;
-        auto run = db_.run("SELECT property, folded, exact, record, label, key, type FROM term");
-        const auto word = [&](int column) {
-            return run.isText(column) ? TermWord(std::string(run.text(column)))
-                                      : TermWord(run.integer(column));
+    void expectTrigrams(std::string_view text, std::int64_t row) {
+        // Where three characters begin that follow one another, and where the third ends.
+        std::size_t starts[3] = {};
+        std::int64_t characters = 0;
+        const auto behind = [&](std::size_t end) {
+            if (characters >= 3)
+                trigrams_.add(
+                    hashOf(Hash().bytes(text.substr(starts[characters % 3], end - starts[characters % 3])),
+                           row, characters - 3));
         };
+        for (std::size_t i = 0; i < text.size(); ++i)
+            if ((static_cast<unsigned char>(text[i]) & 0xC0) != 0x80) {
+                behind(i);
+                starts[characters++ % 3] = i;
+            }
+        behind(text.size());
+    }
+
+    // The terms must be those that the records have; without sound ones, at least of records.
+    void checkTerms() {
+        if (!recordsAreKnown_)
+            return;
+        Sum held;
+        std::set<RowId> strays;
+        RowId first = 0;
+        auto run = db_.run("SELECT property, folded, exact, record, label, key, type FROM term");
         while (run.step()) {
-            Term term;
-            term.property = run.integer(0);
-            if (run.isText(1))
-                term.folded = std::string(run.text(1));
-            else if (run.isReal(1))
-                term.folded = run.real(1);
-            else if (run.isNumber(1))
-                term.folded = run.integer(1);
-            else
-                term.folded = Bytes();
-            term.exact = run.text(2);
-            term.record = run.integer(3);
-            term.label = word(4);
-            term.key = word(5);
-            term.type = static_cast<int>(run.integer(6));
-            held.add(termText(term));
+            if (indexes_)
+                held.add(hashOfTerm(run));
+            const RowId row = run.integer(3);
+            if (!std::binary_search(rows_.begin(), rows_.end(), row) && strays.insert(row).second &&
+                strays.size() == 1)
+                first = row;
         }
-        if (held != terms_)
+        if (!strays.empty())
+            report(strays.size(), "records in the search index do not exist", first);
+        if (indexes_ && recordsAreSound_ && held != terms_)
             found_.emplace_back("The search index (values) does not agree with the records.");
     }
 
+    // One table tells how often each trigram occurs, the other one where, in the same order.
     void checkTrigrams() {
         db_.execute(
-            "CREATE VIRTUAL TABLE IF NOT EXISTS temp.trigram_words USING fts5vocab(main, trigram, instance)");
+            "CREATE VIRTUAL TABLE IF NOT EXISTS temp.trigram_terms USING fts5vocab(main, trigram, row);"
+            "CREATE VIRTUAL TABLE IF NOT EXISTS temp.trigram_places USING fts5vocab(main, trigram, "
+            "instance)");
         Sum held;
-        auto run = db_.run("SELECT term, doc, offset FROM temp.trigram_words");
-        while (run.step())
-            held.add(joined({run.text(0), std::to_string(run.integer(1)), std::to_string(run.integer(2))}));
+        auto terms = db_.run("SELECT term, cnt FROM temp.trigram_terms");
+        auto places = db_.run("SELECT doc, offset FROM temp.trigram_places");
+        while (terms.step()) {
+            const Hash trigram = Hash().bytes(terms.text(0));
+            for (std::int64_t left = terms.integer(1); left > 0 && places.step(); --left)
+                held.add(hashOf(trigram, places.integer(0), places.integer(1)));
+        }
         if (held != trigrams_)
             found_.emplace_back("The search index (text) does not agree with the records.");
     }
 
+    // Only who may write can ask for this.
+    void checkTrigramStructure() {
+        if (impl_.opened.readOnly || !indexes_)
+            return;
+        sql::Transaction transaction(db_, sql::Transaction::Mode::write);
+        db_.run("INSERT INTO trigram(trigram) VALUES ('integrity-check')").finish();
+    }
+
+    void report(std::size_t number, const char* sentence, std::int64_t first) {
+        found_.push_back(std::to_string(number) + " " + sentence + " (the first: " + std::to_string(first) +
+                         ").");
+    }
+
+    const Store& store_;
     Store::Impl& impl_;
     sql::Connection& db_;
-    bool indexes_; // whether they are compared with the records
-    bool recordsAreSound_ = true;
+    bool indexes_;                 // whether they are compared with the records
+    std::vector<RowId> rows_;      // of all records, ascending
+    bool recordsAreKnown_ = false; // all their rows
+    bool recordsAreSound_ = true;  // and what is in them
     Sum terms_, trigrams_;
     std::vector<std::string> found_;
 };
@@ -234,7 +330,7 @@ class Checker {
 } // namespace
 
 std::vector<std::string> Store::check(Depth depth) const {
-    return Checker(*impl_, depth).run();
+    return Checker(*this, *impl_, depth).run();
 }
 
 } // namespace addressbook
