@@ -7,7 +7,7 @@ namespace addressbook {
 namespace {
 
 constexpr double kReferenceEpoch = 978307200; // 2001-01-01 in seconds since 1970-01-01
-constexpr double kFarthest = 1e14;            // seconds; some three million years either way
+constexpr double kSecondsPerDay = 86400;
 
 struct Civil {
     std::int64_t year;
@@ -58,6 +58,16 @@ std::int64_t yearOf(std::int64_t dayNumber) {
     return civil(dayNumber).year;
 }
 
+double utcMidnight(double dayNumber) {
+    return dayNumber * kSecondsPerDay - kReferenceEpoch;
+}
+
+std::optional<std::int64_t> utcDay(Date date) {
+    if (!(std::fabs(date.seconds) < kFarthest))
+        return std::nullopt;
+    return static_cast<std::int64_t>(std::floor((date.seconds + kReferenceEpoch) / kSecondsPerDay));
+}
+
 std::optional<std::int64_t> localDay(Date date) {
     if (!(std::fabs(date.seconds) < kFarthest))
         return std::nullopt;
@@ -78,11 +88,15 @@ std::optional<std::int64_t> dayOf(const Value& value) {
     return day ? std::optional(anniversary(*parts->year, *day)) : std::nullopt;
 }
 
+MonthDay dayOfYear(std::int64_t dayNumber) {
+    return civil(dayNumber).day;
+}
+
 std::optional<MonthDay> monthDayOf(const Value& value) {
     if (const auto* parts = value.as<DateComponents>())
         return checked(*parts);
     const auto day = dayOf(value);
-    return day ? std::optional(civil(*day).day) : std::nullopt;
+    return day ? std::optional(dayOfYear(*day)) : std::nullopt;
 }
 
 std::int64_t anniversary(std::int64_t year, MonthDay day) {

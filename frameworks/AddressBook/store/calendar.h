@@ -16,17 +16,29 @@ struct MonthDay {
     int day = 1;   // 1 to 31
 };
 
+// Moments are less than so many seconds from 2001: some three million years either way.
+inline constexpr double kFarthest = 1e14;
+
 // The number of a day; month and day must be in range.
 std::int64_t dayNumber(std::int64_t year, MonthDay day);
 
 // The year in which a day lies.
 std::int64_t yearOf(std::int64_t dayNumber);
 
+// The second of Date at which a day begins in UTC; in other time zones it is up to a day away.
+double utcMidnight(double dayNumber);
+
+// The day of a moment in UTC; none for what is no moment.
+std::optional<std::int64_t> utcDay(Date date);
+
 // The local day of a moment; none for what is no moment (NaN, infinite, beyond the calendar).
 std::optional<std::int64_t> localDay(Date date);
 
 // The day that a value names: of a date its local day, of components their year, month and day.
 std::optional<std::int64_t> dayOf(const Value& value);
+
+// The day of the year on which a day falls.
+MonthDay dayOfYear(std::int64_t dayNumber);
 
 // The day of the year that a value names; components may lack the year.
 std::optional<MonthDay> monthDayOf(const Value& value);

@@ -137,11 +137,9 @@ double saturated(const Value& number) {
 
 constexpr double kSecondsPerDay = 86400;
 
-// Whether a day that lies [offset] days ahead of today is in the interval.
-bool inInterval(Operation operation, double offset, double days) {
-    if (operation == around)
-        return std::fabs(offset) <= days;
-    return days >= 0 ? offset >= 0 && offset <= days : offset <= 0 && offset >= days;
+bool isWithin(std::int64_t day, const DayRange& days) {
+    const auto number = static_cast<double>(day);
+    return days.first <= number && number <= days.last;
 }
 
 bool visitOne(const Value& value, const std::string* label, const std::function<bool(const Leaf&)>& visit) {
@@ -173,20 +171,23 @@ Matcher::Matcher(const Condition& condition, Date now)
     : condition_(condition), facts_(factsOf(condition.comparison)) {
     if (const auto* text = condition.value.as<std::string>())
         text_ = facts_.ignoresCase ? fold(*text) : normalize(*text);
-    if (facts_.operation == around || facts_.operation == ahead) {
-        today_ = localDay(now);
-        if (isNumber(condition.value))
-            days_ = std::trunc(saturated(condition.value) / kSecondsPerDay);
-        else
-            today_.reset(); // an interval is a number: nothing is within any other
+    const bool isInterval = facts_.operation == around || facts_.operation == ahead;
+    if (const auto today = isInterval ? localDay(now) : std::nullopt; today && isNumber(condition.value)) {
+        const auto day = static_cast<double>(*today);
+        const double days = std::trunc(saturated(condition.value) / kSecondsPerDay);
+        year_ = yearOf(*today);
+        days_ = facts_.operation == around ? DayRange{day - days, day + days}
+                                           : DayRange{day + std::min(days, 0.0), day + std::max(days, 0.0)};
     }
 }
 
+bool Matcher::hopeless() const {
+    return condition_.value.empty() && condition_.comparison != Comparison::equal &&
+           condition_.comparison != Comparison::notEqual;
+}
+
 bool Matcher::holds(const Value& value) const {
-    if (condition_.value.empty() && condition_.comparison != Comparison::equal &&
-        condition_.comparison != Comparison::notEqual)
-        return false;
-    return anyMeets(value) != facts_.negative;
+    return !hopeless() && anyMeets(value) != facts_.negative;
 }
 
 bool Matcher::anyMeets(const Value& value) const {
@@ -251,18 +252,17 @@ bool Matcher::meetsText(std::string_view normalized, std::string_view folded) co
 }
 
 bool Matcher::meetsInterval(const Value& value) const {
-    if (!today_)
+    if (!days_)
         return false;
     if (!facts_.yearless) {
         const auto day = dayOf(value);
-        return day && inInterval(facts_.operation, static_cast<double>(*day - *today_), days_);
+        return day && isWithin(*day, *days_);
     }
     const auto day = monthDayOf(value);
     if (!day)
         return false;
-    const std::int64_t year = yearOf(*today_);
-    for (std::int64_t candidate = year - 1; candidate <= year + 1; ++candidate)
-        if (inInterval(facts_.operation, static_cast<double>(anniversary(candidate, *day) - *today_), days_))
+    for (std::int64_t candidate = year_ - 1; candidate <= year_ + 1; ++candidate)
+        if (isWithin(anniversary(candidate, *day), *days_))
             return true;
     return false;
 }

@@ -51,6 +51,11 @@ struct Leaf {
 // whole and each of its fields; stops when it answers true, and answers whether it did.
 bool visitLeaves(const Value& value, const std::function<bool(const Leaf&)>& visit);
 
+// Days, counted as in calendar.h; none when the first is behind the last or either is no number.
+struct DayRange {
+    double first, last;
+};
+
 // A condition made ready to look at many records. It keeps a reference to the condition.
 class Matcher {
   public:
@@ -80,6 +85,14 @@ class Matcher {
     // Holds when no value meets the positive form.
     bool negative() const { return facts_.negative; }
 
+    // Whether no record meets the condition, not even when it is negative: no wanted value, and a comparison
+    // that needs one.
+    bool hopeless() const;
+
+    // The days that a comparison with an interval looks for; yearless ones in the years around this one. None
+    // for other comparisons and for a wanted value that is no number.
+    const std::optional<DayRange>& wantedDays() const { return days_; }
+
     // The wanted text as the comparison compares it; none when the wanted value is no text.
     const std::optional<std::string>& wantedText() const { return text_; }
 
@@ -89,8 +102,8 @@ class Matcher {
     const Condition& condition_;
     const ComparisonFacts& facts_;
     std::optional<std::string> text_;
-    std::optional<std::int64_t> today_;
-    double days_ = 0;
+    std::int64_t year_ = 0; // of today
+    std::optional<DayRange> days_;
 };
 
 } // namespace addressbook

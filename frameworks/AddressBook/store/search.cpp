@@ -5,8 +5,7 @@
 #include "impl.h"
 
 #include "card.h"
-#include "comparison.h"
-#include "index.h"
+#include "plan.h"
 #include "text.h"
 
 #include <algorithm>
@@ -17,13 +16,8 @@ namespace {
 
 using Rows = std::vector<RowId>;
 
-constexpr std::size_t kTrigram = 3;
-
-// How a condition is answered, cheapest first.
-enum class Plan { nothing, exact, prefix, trigram, range, scan, everyUid };
-
 // So many records are rather looked at one by one than searching a further condition of a plan, by Plan.
-constexpr std::size_t kFewForPlan[] = {0, 20, 200, 500, 2'000, 20'000, 20'000};
+constexpr std::size_t kFewForPlan[] = {0, 20, 20, 200, 500, 2'000, 2'000, 20'000, 20'000};
 
 Rows sorted(Rows rows) {
     if (!std::is_sorted(rows.begin(), rows.end()))
@@ -38,33 +32,31 @@ Rows united(const Rows& a, const Rows& b) {
     return both;
 }
 
-std::size_t characters(std::string_view text) {
-    return static_cast<std::size_t>(std::count_if(
-        text.begin(), text.end(), [](char c) { return (static_cast<unsigned char>(c) & 0xC0) != 0x80; }));
-}
+// Adds the time it lives.
+class Stopwatch {
+  public:
+    explicit Stopwatch(std::chrono::nanoseconds& time) : time_(time) {}
+    ~Stopwatch() { time_ += Clock::now() - start_; }
+    Stopwatch(const Stopwatch&) = delete;
+    Stopwatch& operator=(const Stopwatch&) = delete;
 
-// The longest end of [text] that has at most [bytes] bytes and begins with a whole character.
-std::string_view ending(std::string_view text, std::size_t bytes) {
-    if (text.size() <= bytes)
-        return text;
-    text.remove_prefix(text.size() - bytes);
-    while (!text.empty() && (static_cast<unsigned char>(text.front()) & 0xC0) == 0x80)
-        text.remove_prefix(1);
-    return text;
-}
+  private:
+    using Clock = std::chrono::steady_clock;
+    std::chrono::nanoseconds& time_;
+    Clock::time_point start_ = Clock::now();
+};
 
-bool isNumeric(const Value& value) {
-    return value.as<std::int64_t>() != nullptr || value.as<double>() != nullptr ||
-           value.as<Date>() != nullptr;
-}
-
-// The least text that sorts behind all texts with this beginning; empty when there is none.
-std::string behindPrefix(std::string prefix) {
-    while (!prefix.empty() && static_cast<unsigned char>(prefix.back()) == 0xFF)
-        prefix.pop_back();
-    if (!prefix.empty())
-        ++prefix.back();
-    return prefix;
+void bind(sql::Run& run, const Value& value) {
+    if (const auto* whole = value.as<std::int64_t>())
+        run.bindInteger(*whole);
+    else if (const auto* real = value.as<double>())
+        run.bindReal(*real);
+    else if (const auto* date = value.as<Date>())
+        run.bindReal(date->seconds);
+    else if (const auto* text = value.as<std::string>())
+        run.bindText(*text);
+    else if (const auto* bytes = value.as<Bytes>())
+        run.bindBytes({reinterpret_cast<const char*>(bytes->data()), bytes->size()});
 }
 
 // A record in the database as conditions look at it.
@@ -82,37 +74,33 @@ class StoredRecord final : public RecordView {
     mutable Value value_;
 };
 
-// One condition with all that its SQL binds.
+// One condition, and in [step] what was done for it.
 class ConditionSearch {
   public:
-    ConditionSearch(Store::Impl& impl, const Condition& condition, Date now)
-        : impl_(impl), matcher_(condition, now), condition_(condition) {
-        plan_ = choose();
+    ConditionSearch(Store::Impl& impl, const Condition& condition, Date now, SearchStep& step)
+        : impl_(impl), matcher_(condition, now), condition_(condition), plan_(planOf(impl, matcher_)),
+          step_(step) {
+        step_.plan = plan_.plan;
+        step_.indexRows = plan_.rows;
     }
 
     // What is dear about a negative comparison is the list of all others.
-    Plan plan() const { return matcher_.negative() ? std::max(plan_, Plan::scan) : plan_; }
+    Plan plan() const { return matcher_.negative() ? std::max(plan_.plan, Plan::scan) : plan_.plan; }
 
     Rows find() {
-        if (hopeless())
+        if (matcher_.hopeless())
             return {};
         Rows met = upToDate(sorted(positive()));
         if (!matcher_.negative())
             return met;
         Rows all = everyRow();
+        step_.everyone = static_cast<std::int64_t>(all.size());
         Rows rest;
         std::set_difference(all.begin(), all.end(), met.begin(), met.end(), std::back_inserter(rest));
         return rest;
     }
 
   private:
-    // A nil value goes with two comparisons only; with the others nothing matches.
-    bool hopeless() const {
-        return condition_.value.empty() && condition_.comparison != Comparison::equal &&
-               condition_.comparison != Comparison::notEqual;
-    }
-
-    Plan choose();
     Rows positive();
     Rows upToDate(Rows met);
     Rows terms();
@@ -122,57 +110,18 @@ class ConditionSearch {
     bool verify(RowId row);
     Value termValue(const sql::Run& run, int type) const;
 
-    // The wanted text in folded form, cut as terms are.
-    std::string foldedTerm() const { return std::string(beginning(folded_, kTermBytes)); }
-
     Store::Impl& impl_;
     Matcher matcher_;
     const Condition& condition_;
-    std::optional<std::int64_t> property_;
-    std::string folded_; // of a wanted text
-    TrigramNeedle needle_;
-    Plan plan_ = Plan::nothing;
+    const ConditionPlan plan_;
+    SearchStep& step_;
 };
 
-Plan ConditionSearch::choose() {
-    if (condition_.property == property::kUid)
-        return Plan::everyUid;
-    if (isInternal(condition_.property))
-        return Plan::nothing;
-    property_ = impl_.propertyId(condition_.kind, condition_.property);
-    if (!property_)
-        return Plan::nothing;
-    const Operation operation = matcher_.facts().operation;
-    if (isNumeric(condition_.value)) {
-        if (operation == Operation::equal)
-            return Plan::exact;
-        const bool ranged = operation == Operation::less || operation == Operation::lessOrEqual ||
-                            operation == Operation::greater || operation == Operation::greaterOrEqual;
-        return ranged ? Plan::range : Plan::scan;
-    }
-    if (!matcher_.wantedText())
-        return Plan::scan;
-    folded_ = matcher_.facts().ignoresCase ? *matcher_.wantedText() : foldNormalized(*matcher_.wantedText());
-    if (operation == Operation::equal)
-        return Plan::exact;
-    if (operation == Operation::prefix)
-        return Plan::prefix;
-    if (operation != Operation::contains && operation != Operation::suffix)
-        return Plan::scan;
-    // A long text is looked for by a part of it.
-    const std::string_view part =
-        operation == Operation::suffix ? ending(folded_, kTermBytes) : beginning(folded_, kTermBytes);
-    needle_ = trigramNeedle(part);
-    needle_.exact = needle_.exact && part.size() == folded_.size();
-    if (operation == Operation::suffix)
-        needle_.text.push_back(kTextBorder);
-    return characters(needle_.text) >= kTrigram ? Plan::trigram : Plan::scan;
-}
-
 Rows ConditionSearch::positive() {
-    switch (plan_) {
+    switch (plan_.plan) {
     case Plan::nothing:
         return {};
+    case Plan::uid:
     case Plan::everyUid:
         return uids();
     case Plan::trigram:
@@ -185,10 +134,10 @@ Rows ConditionSearch::positive() {
 // What the indexes found, corrected by the values that they do not know yet.
 Rows ConditionSearch::upToDate(Rows met) {
     const Backlog& backlog = impl_.backlog();
-    if (backlog.empty() || !property_)
+    if (backlog.empty() || plan_.property == 0)
         return met;
-    const auto first = backlog.lower_bound({*property_, 0});
-    const auto last = backlog.lower_bound({*property_ + 1, 0});
+    const auto first = backlog.lower_bound({plan_.property, 0});
+    const auto last = backlog.lower_bound({plan_.property + 1, 0});
     Rows stale;
     Rows now;
     for (auto one = first; one != last; ++one) {
@@ -219,24 +168,24 @@ Rows ConditionSearch::terms() {
     static const int kText = static_cast<int>(Value(std::string()).index());
     static const int kDictionary = static_cast<int>(Value(Dictionary()).index());
 
-    const std::string low = foldedTerm();
-    const std::string high = behindPrefix(low);
     const std::string exact(matcher_.wantedText() ? beginning(*matcher_.wantedText(), kTermBytes)
                                                   : std::string_view());
     const bool numeric = isNumeric(condition_.value);
     const bool caseCounts = !matcher_.facts().ignoresCase;
+    const Plan plan = plan_.plan;
     // What the index finds is then what is wanted, text for text.
-    const bool certain = matcher_.wantedText() && folded_.size() <= kTermBytes &&
+    const bool certain = matcher_.wantedText() && plan_.folded.size() <= kTermBytes &&
                          matcher_.wantedText()->size() <= kTermBytes &&
-                         (plan_ == Plan::exact || (plan_ == Plan::prefix && !caseCounts));
+                         (plan == Plan::exact || (plan == Plan::prefix && !caseCounts));
     std::string sql = certain ? "SELECT record, type FROM term WHERE property = ?"
                               : "SELECT record, type, folded, exact, key FROM term WHERE property = ?";
-    switch (plan_) {
+    switch (plan) {
     case Plan::exact:
         sql += numeric || !caseCounts ? " AND folded = ?" : " AND folded = ? AND exact = ?";
         break;
     case Plan::prefix:
-        sql += high.empty() ? " AND folded >= ?" : " AND folded >= ? AND folded < ?";
+    case Plan::interval:
+        sql += " AND folded >= ? AND folded < ?";
         break;
     case Plan::range:
         // Numbers sort before text.
@@ -257,23 +206,13 @@ Rows ConditionSearch::terms() {
     const TermWord key = termWord(condition_.key ? &*condition_.key : nullptr);
     Rows met;
     Rows doubtful;
-    {
+    for (const Span& span : plan_.spans) {
         auto run = impl_.db.runText(sql);
-        run.bindInteger(*property_);
-        if (plan_ != Plan::scan) {
-            if (const auto* whole = condition_.value.as<std::int64_t>())
-                run.bindInteger(*whole);
-            else if (const auto* real = condition_.value.as<double>())
-                run.bindReal(*real);
-            else if (const auto* date = condition_.value.as<Date>())
-                run.bindReal(date->seconds);
-            else
-                run.bindText(low);
-            if (plan_ == Plan::exact && !numeric && caseCounts)
-                run.bindText(exact);
-            if (plan_ == Plan::prefix && !high.empty())
-                run.bindText(high);
-        }
+        run.bindInteger(plan_.property);
+        bind(run, span.low);
+        if (plan == Plan::exact && !numeric && caseCounts)
+            run.bindText(exact);
+        bind(run, span.high);
         for (const TermWord* word : {condition_.label ? &label : nullptr, condition_.key ? &key : nullptr}) {
             if (word == nullptr)
                 continue;
@@ -283,10 +222,11 @@ Rows ConditionSearch::terms() {
                 run.bindInteger(std::get<std::int64_t>(*word));
         }
         while (run.step()) {
+            ++step_.indexRows;
             const RowId row = run.integer(0);
             const auto type = static_cast<int>(run.integer(1));
             if (certain) {
-                if (type == kText || (plan_ == Plan::prefix && type == (kText | kCutTerm)))
+                if (type == kText || (plan == Plan::prefix && type == (kText | kCutTerm)))
                     met.push_back(row);
                 else
                     doubtful.push_back(row);
@@ -323,19 +263,22 @@ Rows ConditionSearch::terms() {
 }
 
 Rows ConditionSearch::trigrams() {
+    const TrigramNeedle& needle = plan_.needle;
     std::string phrase = "\"";
-    for (const char c : needle_.text) {
+    for (const char c : needle.text) {
         phrase.push_back(c);
         if (c == '"')
             phrase.push_back(c);
     }
     phrase.push_back('"');
-    const bool exact = needle_.exact && matcher_.facts().ignoresCase && !condition_.label && !condition_.key;
+    const bool exact = needle.exact && matcher_.facts().ignoresCase && !condition_.label && !condition_.key;
     Rows found;
-    auto run = impl_.db.run(
-        "SELECT rowid FROM trigram WHERE trigram MATCH ? AND (rowid & 65535) = ? ORDER BY rowid");
-    run.bindText(phrase).bindInteger(*property_);
+    auto run = impl_.db.run("SELECT rowid FROM trigram WHERE trigram MATCH ? ORDER BY rowid");
+    run.bindText(phrase);
     while (run.step()) {
+        ++step_.indexRows;
+        if (run.integer(0) % kMostProperties != plan_.property)
+            continue;
         const RowId row = run.integer(0) / kMostProperties;
         if (exact || verify(row))
             found.push_back(row);
@@ -345,19 +288,22 @@ Rows ConditionSearch::trigrams() {
 
 // Unique ids that are packed are found by looking them up; the few others are looked at.
 Rows ConditionSearch::uids() {
-    const bool lookUp = matcher_.facts().operation == Operation::equal && !matcher_.facts().ignoresCase &&
-                        condition_.value.as<std::string>() != nullptr;
+    const bool lookUp = plan_.plan == Plan::uid;
     Rows found;
-    if (lookUp)
+    if (lookUp) {
+        ++step_.indexRows;
         if (const auto row = impl_.record(*condition_.value.as<std::string>());
             row && row->kind == condition_.kind)
             found.push_back(row->id);
+    }
     auto run = lookUp ? impl_.db.run("SELECT id, uid FROM record WHERE uid >= '' AND uid < x'' AND kind = ?")
                       : impl_.db.run("SELECT id, uid FROM record WHERE kind = ?");
     run.bindInteger(static_cast<int>(condition_.kind));
-    while (run.step())
+    while (run.step()) {
+        ++step_.indexRows;
         if (matcher_.anyMeets(impl_.uidIn(run, 1)))
             found.push_back(run.integer(0));
+    }
     return found;
 }
 
@@ -371,6 +317,7 @@ Rows ConditionSearch::everyRow() {
 }
 
 bool ConditionSearch::verify(RowId row) {
+    ++step_.records;
     return matcher_.anyMeets(impl_.value(row, condition_.property));
 }
 
@@ -378,6 +325,7 @@ bool ConditionSearch::verify(RowId row) {
 class QuerySearch {
   public:
     QuerySearch(Store::Impl& impl, const Query& query, Date now) : impl_(impl), query_(query), now_(now) {
+        step_.query = &query;
         if (const auto* compound = std::get_if<Query::Compound>(&query.node)) {
             all_ = compound->join == Query::Join::all;
             for (const Query& child : compound->children)
@@ -385,9 +333,11 @@ class QuerySearch {
             std::stable_sort(children_.begin(), children_.end(),
                              [](const auto& a, const auto& b) { return a->plan() < b->plan(); });
         } else {
-            condition_.emplace(impl, std::get<Condition>(query.node), now);
+            condition_.emplace(impl, std::get<Condition>(query.node), now, step_);
         }
     }
+    QuerySearch(const QuerySearch&) = delete;
+    QuerySearch& operator=(const QuerySearch&) = delete;
 
     // The plan that says how dear the whole is.
     Plan plan() const {
@@ -399,8 +349,24 @@ class QuerySearch {
     }
 
     Rows find() {
-        if (condition_)
-            return condition_->find();
+        const Stopwatch watch(step_.time);
+        step_.way = SearchStep::Way::searched;
+        Rows rows = condition_ ? condition_->find() : join();
+        step_.hits = static_cast<std::int64_t>(rows.size());
+        return rows;
+    }
+
+    // What find() did.
+    SearchStep steps() const {
+        SearchStep step = step_;
+        if (step.way == SearchStep::Way::searched)
+            for (const auto& child : children_)
+                step.parts.push_back(child->steps());
+        return step;
+    }
+
+  private:
+    Rows join() {
         if (children_.empty())
             return all_ ? everyRecord() : Rows();
         Rows rows = children_.front()->find();
@@ -409,7 +375,6 @@ class QuerySearch {
         return rows;
     }
 
-  private:
     // Those of [rows] that match: looked at one by one when they are few.
     Rows among(Rows rows) {
         if (rows.size() > kFewForPlan[static_cast<int>(plan())]) {
@@ -419,12 +384,18 @@ class QuerySearch {
                                   std::back_inserter(both));
             return both;
         }
+        if (rows.empty())
+            return rows;
+        const Stopwatch watch(step_.time);
+        step_.way = SearchStep::Way::oneByOne;
+        step_.records = static_cast<std::int64_t>(rows.size());
         rows.erase(std::remove_if(rows.begin(), rows.end(),
                                   [&](RowId row) {
                                       const auto record = impl_.record(row);
                                       return !record || !matches(query_, StoredRecord(impl_, *record), now_);
                                   }),
                    rows.end());
+        step_.hits = static_cast<std::int64_t>(rows.size());
         return rows;
     }
 
@@ -433,6 +404,7 @@ class QuerySearch {
         Rows rows;
         while (run.step())
             rows.push_back(run.integer(0));
+        step_.everyone = static_cast<std::int64_t>(rows.size());
         return rows;
     }
 
@@ -440,6 +412,7 @@ class QuerySearch {
     const Query& query_;
     Date now_;
     bool all_ = true;
+    SearchStep step_;
     std::optional<ConditionSearch> condition_;
     std::vector<std::unique_ptr<QuerySearch>> children_; // cheapest first
 };
@@ -449,6 +422,13 @@ class QuerySearch {
 std::vector<RowId> Store::search(const Query& query, Date now) const {
     const Reading reading(*this);
     return QuerySearch(*impl_, query, now).find();
+}
+
+SearchStep Store::explain(const Query& query, Date now) const {
+    const Reading reading(*this);
+    QuerySearch search(*impl_, query, now);
+    search.find();
+    return search.steps();
 }
 
 } // namespace addressbook

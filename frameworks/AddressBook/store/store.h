@@ -23,6 +23,8 @@ namespace addressbook {
 // A record's place in the database; ascending in the order in which records were added.
 using RowId = std::int64_t;
 
+struct SearchStep;
+
 // What names a record. A unique id reads "<UUID>:ABPerson" or "<UUID>:ABGroup".
 struct RecordRef {
     RowId row = 0;
@@ -188,6 +190,9 @@ class Store {
 
     // The records that meet the query, in the order in which they were added.
     std::vector<RowId> search(const Query& query, Date now) const;
+
+    // The same search, and how it was answered; see explain.h. What it answers refers to the query.
+    SearchStep explain(const Query& query, Date now) const;
 
     // Writes everything or nothing; durable when it returns. Throws StoreError, also when the file is no
     // longer in its place: the changes would be lost with it.

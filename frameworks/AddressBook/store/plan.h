@@ -1,0 +1,36 @@
+#pragma once
+
+// Which index serves a condition, and what is looked up in it.
+
+#include "comparison.h"
+#include "explain.h"
+#include "impl.h"
+#include "index.h"
+
+#include <string>
+#include <vector>
+
+namespace addressbook {
+
+// What is bound to a look-up in the table `term`: the value or limit wanted, or the least value and the one
+// behind the last.
+struct Span {
+    Value low, high; // no value: nothing is bound
+};
+
+// A condition's plan with all that its SQL binds.
+struct ConditionPlan {
+    Plan plan = Plan::nothing;
+    std::int64_t property = 0; // its number
+    std::string folded;        // the wanted text
+    TrigramNeedle needle;      // Plan::trigram
+    std::vector<Span> spans;   // looked up one after the other; a record may be in several
+    std::int64_t rows = 0;     // rows of the index that were looked at to find them
+};
+
+ConditionPlan planOf(Store::Impl& impl, const Matcher& matcher);
+
+// Whether an index keeps this value as a number.
+bool isNumeric(const Value& value);
+
+} // namespace addressbook

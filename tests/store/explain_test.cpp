@@ -1,0 +1,345 @@
+// How searches are answered: by which index, how much of it is looked at, and that this grows with the hits
+// and not with the book where an index serves.
+
+#include "builders.h"
+#include "frameworks/AddressBook/store/explain.h"
+#include "scratch.h"
+
+#include <gmock/gmock.h>
+
+namespace addressbook::test {
+namespace {
+
+using enum Comparison;
+using Way = SearchStep::Way;
+
+constexpr double kNow = 800'000'000; // 2026-05-09
+constexpr double kDay = 86'400;
+constexpr double kYear = 365.25 * kDay;
+constexpr const char* kMobile = "_$!<Mobile>!$_";
+constexpr const char* kHome = "_$!<Home>!$_";
+
+// A person who has everything that the searches look for, or nothing of it.
+Values person(int place, bool isHit) {
+    const std::string own = std::to_string(1000 + place);
+    const Dictionary address{{"City", text(isHit ? "Meißen" : "City" + own)}, {"ZIP", text(own)}};
+    return {
+        {"First", text((isHit ? "Mei " : "Ole ") + own)},
+        {"Last", text(isHit ? "Lindström" : "Name" + own)},
+        {"Note", text(isHit ? "plays the piano" : "note " + own)},
+        {"ABPersonFlags", number(isHit ? 77 : 1)},
+        // The others' are in August to January from 1997 to 2026.
+        {"Birthday", isHit ? Date{kNow + 2 * kDay - 20 * kYear}
+                           : Date{kNow - place % 30 * kYear + (100 + place % 150) * kDay}},
+        {"seen", isHit ? Date{kNow + 2 * kDay} : Date{kNow - (100 + place) * kDay}},
+        {"Phone", MultiValue{{{newUuid(), kMobile, text(isHit ? "+41 79 471" : "+1 " + own)},
+                              {newUuid(), kHome, text("+2 " + own)}},
+                             {}}},
+        {"Address", MultiValue{{{newUuid(), kHome, address}}, {}}},
+    };
+}
+
+// A book of so many people, of whom three in the middle are hits, and a group.
+void fill(Store& store, int people) {
+    std::vector<RecordChange> records;
+    for (int i = 0; i < people; ++i)
+        records.push_back(inserted(newUid(Kind::person), person(i, i >= people / 2 && i < people / 2 + 3)));
+    records.push_back(inserted("Friends:ABGroup", {{"GroupName", text("Friends")}}, Kind::group));
+    saveRecords(store, records, kNow);
+}
+
+// A number that is the same in every book, and one that grows with it.
+struct Count {
+    int fixed = 0;
+    int perPerson = 0;
+    std::int64_t of(int people) const { return fixed + std::int64_t{perPerson} * people; }
+};
+constexpr Count kNone;
+constexpr Count kThree{3, 0};
+constexpr Count kAll{0, 1};
+
+// One search, and how it is answered.
+struct Explained {
+    const char* name;
+    Condition condition;
+    Plan plan;
+    Count rows, records, hits;
+    Count everyone = {};
+};
+
+void PrintTo(const Explained& explained, std::ostream* out) {
+    *out << explained.name;
+}
+
+Condition where(std::string property, Comparison comparison, Value value) {
+    return {Kind::person, std::move(property), {}, {}, std::move(value), comparison};
+}
+
+Condition within(Condition condition, std::optional<std::string> label, std::optional<std::string> key) {
+    condition.label = std::move(label);
+    condition.key = std::move(key);
+    return condition;
+}
+
+Value components(int month, int day) {
+    DateComponents parts;
+    parts.month = month;
+    parts.day = day;
+    return parts;
+}
+
+std::vector<Explained> explained() {
+    return {
+        // name, condition, plan, index rows, records, hits, everyone
+        {"equal", where("Last", equal, text("Lindström")), Plan::exact, kThree, kNone, kThree},
+        {"equalIgnoringCase", where("Last", equalCaseInsensitive, text("LINDSTRÖM")), Plan::exact, kThree,
+         kNone, kThree},
+        {"equalLongText", where("Last", equal, text(std::string(70, 'x'))), Plan::exact, kNone, kNone, kNone},
+        {"equalNumber", where("ABPersonFlags", equal, number(77)), Plan::exact, kThree, kNone, kThree},
+        {"equalField", where("Address", equal, text("Meißen")), Plan::exact, kThree, kNone, kThree},
+        {"equalKey", within(where("Address", equal, text("Meißen")), {}, "City"), Plan::exact, kThree, kNone,
+         kThree},
+        {"equalOtherKey", within(where("Address", equal, text("Meißen")), {}, "ZIP"), Plan::exact, kNone,
+         kNone, kNone},
+        {"equalKeyAndLabel", within(where("Address", equal, text("Meißen")), kHome, "City"), Plan::exact,
+         kThree, kNone, kThree},
+        {"notEqual", where("Last", notEqual, text("Lindström")), Plan::exact, kThree, kNone, {-3, 1}, kAll},
+        {"prefix", where("Last", prefixMatch, text("Lind")), Plan::prefix, kThree, kNone, kThree},
+        {"prefixOtherCase", where("Last", prefixMatch, text("LIND")), Plan::prefix, kThree, kNone, kNone},
+        {"prefixOfOne", where("Last", prefixMatchCaseInsensitive, text("l")), Plan::prefix, kThree, kNone,
+         kThree},
+        {"prefixLabel", within(where("Phone", prefixMatch, text("+41")), kMobile, {}), Plan::prefix, kThree,
+         kNone, kThree},
+        {"prefixOtherLabel", within(where("Phone", prefixMatch, text("+41")), kHome, {}), Plan::prefix, kNone,
+         kNone, kNone},
+        {"suffix", where("Last", suffixMatchCaseInsensitive, text("STRÖM")), Plan::trigram, kThree, kNone,
+         kThree},
+        {"suffixCaseCounts", where("Last", suffixMatch, text("ström")), Plan::trigram, kThree, kThree,
+         kThree},
+        {"suffixOfTwo", where("Last", suffixMatchCaseInsensitive, text("öM")), Plan::trigram, kThree, kNone,
+         kThree},
+        {"suffixOfOne", where("Last", suffixMatchCaseInsensitive, text("M")), Plan::scan, kAll, kNone,
+         kThree},
+        {"contains", where("Last", containsSubStringCaseInsensitive, text("DST")), Plan::trigram, kThree,
+         kNone, kThree},
+        {"containsCaseCounts", where("Last", containsSubString, text("DST")), Plan::trigram, kThree, kThree,
+         kNone},
+        {"containsLabel",
+         within(where("Phone", containsSubStringCaseInsensitive, text("9 471")), kMobile, {}), Plan::trigram,
+         kThree, kThree, kThree},
+        {"containsInOtherProperty", where("First", containsSubStringCaseInsensitive, text("piano")),
+         Plan::trigram, kThree, kNone, kNone},
+        {"containsTwo", where("Last", containsSubStringCaseInsensitive, text("DS")), Plan::scan, kAll, kNone,
+         kThree},
+        {"containsOne", where("Last", containsSubString, text("ö")), Plan::scan, kAll, kNone, kThree},
+        {"containsNothing", where("Last", containsSubString, text("")), Plan::scan, kAll, kNone, kAll},
+        {"doesNotContain",
+         where("Last", doesNotContainSubString, text("ström")),
+         Plan::trigram,
+         kThree,
+         kThree,
+         {-3, 1},
+         kAll},
+        {"greater", where("ABPersonFlags", greaterThan, number(1)), Plan::range, kThree, kNone, kThree},
+        {"greaterOrEqual", where("ABPersonFlags", greaterThanOrEqual, Value(76.5)), Plan::range, kThree,
+         kNone, kThree},
+        {"less", where("ABPersonFlags", lessThan, number(2)), Plan::range, {-3, 1}, kNone, {-3, 1}},
+        {"lessDate",
+         where("seen", lessThanOrEqual, Date{kNow - 100 * kDay}),
+         Plan::range,
+         {-3, 1},
+         kNone,
+         {-3, 1}},
+        {"greaterText", where("Last", greaterThan, text("Z")), Plan::scan, kAll, kNone, kNone},
+        {"bits", where("ABPersonFlags", bitsInBitFieldMatch, number(76)), Plan::scan, kAll, kNone, kThree},
+        {"around", where("seen", withinIntervalAroundToday, days(3)), Plan::interval, kThree, kNone, kThree},
+        {"fromToday", where("seen", withinIntervalFromToday, days(2)), Plan::interval, kThree, kNone, kThree},
+        {"notAround",
+         where("seen", notWithinIntervalAroundToday, days(3)),
+         Plan::interval,
+         kThree,
+         kNone,
+         {-3, 1},
+         kAll},
+        // A row for each of 30 years, to find them, and the hits.
+        {"yearless",
+         where("Birthday", withinIntervalFromTodayYearless, days(7)),
+         Plan::interval,
+         {33, 0},
+         kNone,
+         kThree},
+        {"notYearless",
+         where("Birthday", notWithinIntervalAroundTodayYearless, days(7)),
+         Plan::interval,
+         {33, 0},
+         kNone,
+         {-3, 1},
+         kAll},
+        {"wholeYear", where("Birthday", withinIntervalAroundTodayYearless, days(183)), Plan::scan, kAll,
+         kNone, kAll},
+        {"noDays", where("seen", withinIntervalAroundToday, days(-1)), Plan::nothing, kNone, kNone, kNone},
+        {"noInterval", where("seen", withinIntervalAroundToday, text("7")), Plan::nothing, kNone, kNone,
+         kNone},
+        {"uid", where("UID", equal, text("nobody")), Plan::uid, {1, 0}, kNone, kNone},
+        {"uidContains", where("UID", containsSubString, text(":ABPer")), Plan::everyUid, kAll, kNone, kAll},
+        {"uidNot", where("UID", notEqual, text("nobody")), Plan::uid, {1, 0}, kNone, kAll, kAll},
+        {"isSet", where("Last", equal, Value()), Plan::scan, kAll, kNone, kAll},
+        {"isNotSet", where("Last", notEqual, Value()), Plan::scan, kAll, kNone, kNone, kAll},
+        {"otherwiseNothing", where("Last", prefixMatch, Value()), Plan::nothing, kNone, kNone, kNone},
+        {"notEvenNegative", where("Last", doesNotContainSubString, Value()), Plan::nothing, kNone, kNone,
+         kNone},
+        {"components", where("Birthday", equal, components(5, 11)), Plan::scan, kAll, kNone, kNone},
+        {"dictionary",
+         where("Address", equal, Dictionary{{"City", text("x")}}),
+         Plan::scan,
+         {0, 2},
+         kAll,
+         kNone},
+        {"neverSet", where("Nickname", equal, text("x")), Plan::nothing, kNone, kNone, kNone},
+        {"neverSetNegative", where("Nickname", notEqual, text("x")), Plan::nothing, kNone, kNone, kAll, kAll},
+        {"unknownProperty", where("shoe", containsSubString, text("lace")), Plan::nothing, kNone, kNone,
+         kNone},
+        {"internalProperty", where(".Image", equal, Value()), Plan::nothing, kNone, kNone, kNone},
+    };
+}
+
+class Explain : public Scratch, public testing::WithParamInterface<Explained> {};
+
+TEST_P(Explain, tellsThePlanAndWhatItLookedAt) {
+    const Explained& wanted = GetParam();
+    for (const int people : {100, 600}) {
+        Store store(root() / std::to_string(people));
+        fill(store, people);
+        const Query query{wanted.condition};
+        const SearchStep step = store.explain(query, Date{kNow});
+        EXPECT_EQ(step.query, &query);
+        EXPECT_EQ(step.way, Way::searched);
+        EXPECT_EQ(step.plan, wanted.plan);
+        EXPECT_EQ(step.indexRows, wanted.rows.of(people));
+        EXPECT_EQ(step.records, wanted.records.of(people));
+        EXPECT_EQ(step.hits, wanted.hits.of(people));
+        EXPECT_EQ(step.everyone, wanted.everyone.of(people));
+        EXPECT_EQ(step.hits, static_cast<std::int64_t>(store.search(query, Date{kNow}).size()));
+        EXPECT_GT(step.time.count(), 0);
+        EXPECT_THAT(step.parts, testing::IsEmpty());
+    }
+}
+
+INSTANTIATE_TEST_SUITE_P(Conditions, Explain, testing::ValuesIn(explained()),
+                         [](const auto& one) { return std::string(one.param.name); });
+
+using ExplainYears = Scratch;
+
+// Of too many years, looking up each one is no better than looking at all dates.
+TEST_F(ExplainYears, thatAreTooManyAreScanned) {
+    Store store(folder());
+    const Query query{where("founded", withinIntervalAroundTodayYearless, days(2))};
+    for (int year = 0; year < 600; year += 300) {
+        std::vector<RecordChange> records;
+        for (int i = 0; i < 300; ++i)
+            records.push_back(inserted(newUid(Kind::person), {{"founded", Date{kNow - (year + i) * kYear}}}));
+        saveRecords(store, records, kNow);
+        const SearchStep step = store.explain(query, Date{kNow});
+        EXPECT_EQ(step.plan, year == 0 ? Plan::interval : Plan::scan);
+        EXPECT_GT(step.hits, 200);
+    }
+}
+
+class ExplainCompound : public Scratch {
+  protected:
+    ExplainCompound() : store_(folder()) { fill(store_, 200); }
+
+    // The steps of this compound.
+    SearchStep explain(Query::Join join, std::vector<Query> children) {
+        query_.node = Query::Compound{join, std::move(children)};
+        SearchStep step = store_.explain(query_, Date{kNow});
+        EXPECT_EQ(step.query, &query_);
+        EXPECT_EQ(step.hits, static_cast<std::int64_t>(store_.search(query_, Date{kNow}).size()));
+        return step;
+    }
+    // The place of a step among the children as they were given.
+    std::ptrdiff_t place(const SearchStep& step) {
+        return step.query - std::get<Query::Compound>(query_.node).children.data();
+    }
+
+    const Query lindstrom_{where("Last", equal, text("Lindström"))};
+    const Query ordinary_{where("ABPersonFlags", equal, number(1))};
+    const Query short_{where("Note", containsSubString, text("pi"))};
+    const Query nobody_{where("Last", equal, text("Nobody"))};
+
+    Store store_;
+    Query query_;
+};
+
+TEST_F(ExplainCompound, cheapestComesFirstAndTheRestIsLookedAt) {
+    const SearchStep all = explain(Query::Join::all, {short_, lindstrom_});
+    EXPECT_EQ(all.hits, 3);
+    ASSERT_EQ(all.parts.size(), 2U);
+    EXPECT_EQ(place(all.parts[0]), 1);
+    EXPECT_EQ(all.parts[0].way, Way::searched);
+    EXPECT_EQ(all.parts[0].plan, Plan::exact);
+    EXPECT_EQ(place(all.parts[1]), 0);
+    EXPECT_EQ(all.parts[1].way, Way::oneByOne);
+    EXPECT_EQ(all.parts[1].records, 3);
+    EXPECT_EQ(all.parts[1].indexRows, 0);
+    EXPECT_EQ(all.parts[1].hits, 3);
+    EXPECT_GE(all.time, all.parts[0].time + all.parts[1].time);
+}
+
+TEST_F(ExplainCompound, manyAreSearchedAndIntersected) {
+    const SearchStep all = explain(Query::Join::all, {ordinary_, lindstrom_});
+    EXPECT_EQ(all.hits, 0);
+    ASSERT_EQ(all.parts.size(), 2U);
+    EXPECT_EQ(all.parts[0].hits, 197);
+    EXPECT_EQ(all.parts[1].way, Way::searched);
+    EXPECT_EQ(all.parts[1].hits, 3);
+}
+
+TEST_F(ExplainCompound, afterNobodyNothingIsLookedAt) {
+    const SearchStep all = explain(Query::Join::all, {short_, nobody_});
+    ASSERT_EQ(all.parts.size(), 2U);
+    EXPECT_EQ(place(all.parts[1]), 0);
+    EXPECT_EQ(all.parts[1].way, Way::skipped);
+    EXPECT_EQ(all.parts[1].indexRows + all.parts[1].records + all.parts[1].time.count(), 0);
+}
+
+TEST_F(ExplainCompound, aUniqueIdComesFirst) {
+    const Query uid{where("UID", equal, text(store_.find(store_.rows(Kind::person).front())->uid))};
+    const SearchStep all = explain(Query::Join::all, {lindstrom_, uid});
+    ASSERT_EQ(all.parts.size(), 2U);
+    EXPECT_EQ(place(all.parts[0]), 1);
+    EXPECT_EQ(all.parts[0].plan, Plan::uid);
+    EXPECT_EQ(all.parts[1].way, Way::oneByOne);
+}
+
+TEST_F(ExplainCompound, anyIsSearchedFromEach) {
+    const SearchStep any = explain(Query::Join::any, {short_, lindstrom_, ordinary_});
+    EXPECT_EQ(any.hits, 200);
+    ASSERT_EQ(any.parts.size(), 3U);
+    EXPECT_THAT((std::array{place(any.parts[0]), place(any.parts[1]), place(any.parts[2])}),
+                testing::ElementsAre(1, 2, 0));
+    for (const SearchStep& part : any.parts)
+        EXPECT_EQ(part.way, Way::searched);
+    EXPECT_EQ(any.parts[2].indexRows, 200);
+}
+
+TEST_F(ExplainCompound, inACompound) {
+    const Query either{Query::Compound{Query::Join::any, {short_, lindstrom_}}};
+    const SearchStep few = explain(Query::Join::all, {either, lindstrom_});
+    ASSERT_EQ(few.parts.size(), 2U);
+    EXPECT_EQ(few.parts[1].way, Way::oneByOne);
+    EXPECT_THAT(few.parts[1].parts, testing::IsEmpty());
+    const SearchStep any = explain(Query::Join::any, {either, lindstrom_});
+    ASSERT_EQ(any.parts.size(), 2U);
+    ASSERT_EQ(any.parts[1].parts.size(), 2U);
+    EXPECT_EQ(any.parts[1].parts[1].plan, Plan::scan);
+}
+
+TEST_F(ExplainCompound, ofNothing) {
+    EXPECT_EQ(explain(Query::Join::all, {}).everyone, 201);
+    EXPECT_EQ(explain(Query::Join::all, {}).hits, 201);
+    EXPECT_EQ(explain(Query::Join::any, {}).hits, 0);
+}
+
+} // namespace
+} // namespace addressbook::test
