@@ -180,9 +180,10 @@ std::vector<Explained> explained() {
         {"noDays", where("seen", withinIntervalAroundToday, days(-1)), Plan::nothing, kNone, kNone, kNone},
         {"noInterval", where("seen", withinIntervalAroundToday, text("7")), Plan::nothing, kNone, kNone,
          kNone},
-        {"uid", where("UID", equal, text("nobody")), Plan::uid, {1, 0}, kNone, kNone},
+        // The row of the id, and the group's, whose id is no UUID.
+        {"uid", where("UID", equal, text("nobody")), Plan::uid, {2, 0}, kNone, kNone},
         {"uidContains", where("UID", containsSubString, text(":ABPer")), Plan::everyUid, kAll, kNone, kAll},
-        {"uidNot", where("UID", notEqual, text("nobody")), Plan::uid, {1, 0}, kNone, kAll, kAll},
+        {"uidNot", where("UID", notEqual, text("nobody")), Plan::uid, {2, 0}, kNone, kAll, kAll},
         {"isSet", where("Last", equal, Value()), Plan::scan, kAll, kNone, kAll},
         {"isNotSet", where("Last", notEqual, Value()), Plan::scan, kAll, kNone, kNone, kAll},
         {"otherwiseNothing", where("Last", prefixMatch, Value()), Plan::nothing, kNone, kNone, kNone},

@@ -55,23 +55,6 @@ constexpr std::array kFields{
     Row{"modified", property::kModification},
 };
 
-// How many letters must change to make one word the other.
-std::size_t distance(std::string_view left, std::string_view right) {
-    std::vector<std::size_t> row(right.size() + 1);
-    for (std::size_t at = 0; at < row.size(); ++at)
-        row[at] = at;
-    for (std::size_t line = 0; line < left.size(); ++line) {
-        std::size_t diagonal = row[0];
-        row[0] = line + 1;
-        for (std::size_t at = 0; at < right.size(); ++at) {
-            const std::size_t above = row[at + 1];
-            row[at + 1] = std::min({above + 1, row[at] + 1, diagonal + (left[line] == right[at] ? 0 : 1)});
-            diagonal = above;
-        }
-    }
-    return row.back();
-}
-
 std::string join(const std::vector<std::string>& parts, std::string_view separator) {
     std::string joined;
     for (const std::string& part : parts)
@@ -126,6 +109,22 @@ std::vector<Field> allFields(const Store& store) {
         if (own.kind == Kind::person)
             fields.push_back({own.name, own.name});
     return fields;
+}
+
+std::size_t distance(std::string_view left, std::string_view right) {
+    std::vector<std::size_t> row(right.size() + 1);
+    for (std::size_t at = 0; at < row.size(); ++at)
+        row[at] = at;
+    for (std::size_t line = 0; line < left.size(); ++line) {
+        std::size_t diagonal = row[0];
+        row[0] = line + 1;
+        for (std::size_t at = 0; at < right.size(); ++at) {
+            const std::size_t above = row[at + 1];
+            row[at + 1] = std::min({above + 1, row[at] + 1, diagonal + (left[line] == right[at] ? 0 : 1)});
+            diagonal = above;
+        }
+    }
+    return row.back();
 }
 
 std::vector<Field> parseFields(std::string_view list, const Store& store) {

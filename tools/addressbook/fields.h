@@ -23,6 +23,9 @@ std::vector<Field> allFields(const Store& store);
 // std::invalid_argument with a message that names the nearest field.
 std::vector<Field> parseFields(std::string_view list, const Store& store);
 
+// How many letters must change to make one word the other.
+std::size_t distance(std::string_view left, std::string_view right);
+
 // The name to show for a record.
 std::string displayName(const Store& store, const RecordRef& record);
 

@@ -1,6 +1,8 @@
 // The program addressbook: an address book from the command line. Data goes to standard output, everything
 // else to standard error.
 
+#include "condition.h"
+#include "explain.h"
 #include "export.h"
 #include "fields.h"
 #include "import.h"
@@ -49,6 +51,7 @@ struct Options {
         bool clear = false;
     } me;
     bool groupsJson = false;
+    std::vector<std::string> searches; // to explain
     struct {
         std::string file;
         bool force = false;
@@ -259,7 +262,31 @@ int runMe(const Options& options) {
     return kDone;
 }
 
+Date now() {
+    constexpr std::chrono::sys_days kReference = std::chrono::year(2001) / 1 / 1;
+    return Date{std::chrono::duration<double>(std::chrono::system_clock::now() - kReference).count()};
+}
+
+int runExplain(const Options& options) {
+    const Store store = open(options, Store::Access::readOnly);
+    std::vector<Query> queries;
+    for (const std::string& text : options.searches) {
+        try {
+            queries.push_back(parseSearch(text, store));
+        } catch (const std::invalid_argument& error) {
+            throw std::invalid_argument("--explain " + escaped(text) + ": " + error.what());
+        }
+    }
+    Output output;
+    for (const Query& query : queries)
+        explainSearch(store, query, now(), output);
+    output.finish();
+    return kDone;
+}
+
 int runCheck(const Options& options) {
+    if (!options.searches.empty())
+        return runExplain(options);
     const Store store = open(options, Store::Access::readOnly);
     const std::vector<std::string> problems = store.check();
     Output output;
@@ -389,8 +416,27 @@ void declare(CLI::App& app, Options& options, int (*&work)(const Options&)) {
                   "  addressbook groups\n  addressbook groups --json", runGroups);
     sub->add_flag("--json", options.groupsJson, "A JSON array with one object a line");
 
-    command("check", "Look for damage in the address book", "  addressbook check --book /srv/contacts",
-            runCheck);
+    const std::string searches =
+        "  addressbook check --book /srv/contacts\n"
+        "  addressbook check --explain 'Last contains \"mei\"'\n"
+        "  addressbook check --explain 'Address key City label Home is \"zürich\" or Phone label Mobile "
+        "beginsWith \"+41 79\"'\n"
+        "  addressbook check --explain 'Birthday WithinIntervalFromTodayYearless 7 days and (Note contains "
+        "\"piano\" or Note != nil)'\n"
+        "A SEARCH is: PROPERTY [key FIELD] [label LABEL] COMPARISON VALUE; several with and, or and ( ).\n"
+        "  PROPERTY    by the framework's name (Last, Phone) or as in addressbook list (lastname, phones)\n"
+        "  COMPARISON  by the framework's name without kAB, as PrefixMatch, or a short one:\n              " +
+        shortComparisons() +
+        "\n"
+        "  VALUE       text in quotes, a number, a number of days, a date as 2026-01-31, or nil (= nil: it "
+        "is set)\n"
+        "Each condition is told in the order in which they ran: how it was looked up, index rows looked at, "
+        "records "
+        "read, hits, time.";
+    sub = command("check", "Look for damage in the address book, or tell how searches are answered",
+                  searches.c_str(), runCheck);
+    sub->add_option("--explain", options.searches, "Tell which index serves a search, and look for no damage")
+        ->type_name("SEARCH");
 
     sub = command("backup", "Copy the whole address book into one file, while it may be in use",
                   "  addressbook backup contacts.backup\n"

@@ -35,9 +35,11 @@ struct SearchStep {
 
     const Query* query = nullptr; // the part of the query that was explained; it does not live longer
     Way way = Way::skipped;
-    Plan plan = Plan::nothing;  // of a condition that was searched
-    std::int64_t indexRows = 0; // rows of indexes that were looked at
-    std::int64_t records = 0;   // records that were read and looked at one by one
+    Plan plan = Plan::nothing; // of a condition that was searched
+    // Rows that indexes gave; those of other labels and keys than the wanted ones are left out on the way.
+    // Rows that indexes gave; those of other labels and keys than the wanted ones are left out on the way.
+    std::int64_t indexRows = 0;
+    std::int64_t records = 0;  // records that were read and looked at one by one
     std::int64_t everyone = 0; // of a negative comparison: all records, from which the others were taken away
     std::int64_t hits = 0;     // of this step alone
     std::chrono::nanoseconds time{};

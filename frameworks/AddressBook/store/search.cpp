@@ -296,12 +296,14 @@ Rows ConditionSearch::uids() {
             row && row->kind == condition_.kind)
             found.push_back(row->id);
     }
-    auto run = lookUp ? impl_.db.run("SELECT id, uid FROM record WHERE uid >= '' AND uid < x'' AND kind = ?")
-                      : impl_.db.run("SELECT id, uid FROM record WHERE kind = ?");
-    run.bindInteger(static_cast<int>(condition_.kind));
+    // Asked for the kind as well, SQLite would look through all records of it.
+    auto run = impl_.db.run(lookUp ? "SELECT id, uid, kind FROM record WHERE uid >= '' AND uid < x''"
+                                   : "SELECT id, uid, kind FROM record WHERE kind = ?");
+    if (!lookUp)
+        run.bindInteger(static_cast<int>(condition_.kind));
     while (run.step()) {
         ++step_.indexRows;
-        if (matcher_.anyMeets(impl_.uidIn(run, 1)))
+        if (impl_.kindIn(run, 2) == condition_.kind && matcher_.anyMeets(impl_.uidIn(run, 1)))
             found.push_back(run.integer(0));
     }
     return found;
