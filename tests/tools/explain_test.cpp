@@ -148,7 +148,8 @@ TEST_F(ExplainProgram, SaysWhereASearchCannotBeRead) {
         {"Last contian \"x\"", "column 6: expected \"key\", \"label\" or a comparison, as contains or =, not "
                                "\"contian\"; did you mean contains?"},
         {"Last \"x\"", "column 6: expected \"key\", \"label\" or a comparison, as contains or =, not \"x\""},
-        {"Phone label Home >> 1", "column 18: expected a comparison, as contains or =, not \">>\"; did you mean >?"},
+        {"Phone label Home >> 1",
+         "column 18: expected a comparison, as contains or =, not \">>\"; did you mean >?"},
         {"Address key = 1", "column 13: expected the name of a field, as City, not \"=\""},
         {"Phone label = 1", "column 13: expected a label, as Home, not \"=\""},
         {"Last = x",

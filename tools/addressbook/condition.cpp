@@ -3,8 +3,8 @@
 #include "condition.h"
 
 #include "fields.h"
-#include "frameworks/AddressBook/store/card.h"
 #include "frameworks/AddressBook/store/text.h"
+#include "frameworks/AddressBook/store/words.h"
 #include "frameworks/AddressBook/vcard/dates.h"
 #include "output.h"
 
@@ -50,6 +50,7 @@ constexpr std::array<ComparisonName, kComparisonCount> kComparisons{{
 }};
 
 constexpr std::int64_t kSecondsPerDay = 86400;
+constexpr const char* kComparisonWord = "a comparison, as contains or =";
 constexpr std::string_view kSigns = "=!<>";
 
 struct Token {
@@ -282,9 +283,9 @@ class Parser {
     }
 
     Comparison comparison(const Condition& condition) {
-        std::string what = "a comparison, as contains or =";
-        if (!condition.label)
-            what = condition.key ? "\"label\" or " + what : "\"key\", \"label\" or " + what;
+        const std::string what = condition.label ? kComparisonWord
+                                 : condition.key ? std::string("\"label\" or ") + kComparisonWord
+                                                 : std::string("\"key\", \"label\" or ") + kComparisonWord;
         const Token& token = tokens_.next();
         if (token.kind == Token::Kind::end || token.kind == Token::Kind::quoted)
             tokens_.failExpecting(what);
