@@ -147,6 +147,10 @@ TEST_F(ExplainProgram, SaysWhereASearchCannotBeRead) {
         {"Kühlschrank = 1", "column 1: expected a property; none is named \"Kühlschrank\""},
         {"Last contian \"x\"", "column 6: expected \"key\", \"label\" or a comparison, as contains or =, not "
                                "\"contian\"; did you mean contains?"},
+        {"Last kAB \"x\"",
+         "column 6: expected \"key\", \"label\" or a comparison, as contains or =, not \"kAB\""},
+        {"Birthday WithinIntervalAroundToday -9223372036854775808 days",
+         "column 57: expected a whole number before it, not \"days\""},
         {"Last \"x\"", "column 6: expected \"key\", \"label\" or a comparison, as contains or =, not \"x\""},
         {"Phone label Home >> 1",
          "column 18: expected a comparison, as contains or =, not \">>\"; did you mean >?"},

@@ -98,9 +98,10 @@ class Tokens {
         return (token_.kind == Token::Kind::word || token_.kind == Token::Kind::sign) &&
                fold(token_.text) == word;
     }
-    [[noreturn]] void failExpecting(const std::string& what) const {
-        const std::string found = token_.kind == Token::Kind::end ? "the end" : '"' + token_.text + '"';
-        fail(token_.column, "expected " + what + ", not " + found);
+    [[noreturn]] void failExpecting(const std::string& what, const std::string& hint = "") const {
+        std::string message = "expected " + what + ", not ";
+        message += token_.kind == Token::Kind::end ? "the end" : '"' + token_.text + '"';
+        fail(token_.column, message + hint);
     }
 
   private:
@@ -290,7 +291,7 @@ class Parser {
         if (token.kind == Token::Kind::end || token.kind == Token::Kind::quoted)
             tokens_.failExpecting(what);
         std::string_view text = token.text;
-        if (fold(text).starts_with("kab"))
+        if (text.size() > 3 && fold(text).starts_with("kab"))
             text.remove_prefix(3);
         for (const auto name : {&ComparisonName::name, &ComparisonName::shortName})
             if (const auto row = named(kComparisons, text, [name](const auto& each) { return each.*name; });
@@ -302,7 +303,7 @@ class Parser {
             if (const std::string hint = suggestion(
                     kComparisons, text, [name](const auto& each) { return std::string(each.*name); });
                 !hint.empty())
-                fail(token.column, "expected " + what + ", not \"" + token.text + '"' + hint);
+                tokens_.failExpecting(what, hint);
         tokens_.failExpecting(what);
     }
 
@@ -327,7 +328,7 @@ class Parser {
         tokens_.take();
         if (value.as<Date>() == nullptr && (tokens_.is("days") || tokens_.is("day"))) {
             const auto* whole = value.as<std::int64_t>();
-            if (whole == nullptr || std::abs(*whole) > INT32_MAX)
+            if (whole == nullptr || *whole < -INT32_MAX || *whole > INT32_MAX)
                 tokens_.failExpecting("a whole number before it");
             value = *whole * kSecondsPerDay;
             tokens_.take();
