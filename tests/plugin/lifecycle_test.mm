@@ -32,7 +32,6 @@ BOOL succeedWithError(id, SEL, NSError** error) {
     return YES;
 }
 
-
 const SEL kSaving = @selector(saveAndReturnError:);
 
 class LifecycleTest : public PluginTest {};

@@ -101,7 +101,7 @@ struct SaveResult {
     std::vector<std::string> inserted, updated, deleted;
     std::vector<RowId> insertedRows; // where those inserted are, in the same order
     std::vector<std::string>
-        missing;             // changed here, but deleted by another process; their changes were dropped
+        missing; // changed here, but deleted by another process; their changes were dropped
     std::vector<MembershipChange> circular; // left out: the group would contain itself
     std::int64_t change = 0; // the number of this save in the change log; 0 when nothing was written
 };
