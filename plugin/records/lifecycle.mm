@@ -16,17 +16,12 @@ NSString* makeCurrent(Retained<Record>& current) {
     return [current.get() valueForProperty:kABUIDProperty];
 }
 
-// Adds a side's current record to the address book, where it is to be opened by its id from then on. False,
-// with the error, when the address book may only be read; another refusal means that it is there already.
+// Adds a side's current record to the address book, where it is to be opened by its id from then on.
 template <typename Record>
-bool addCurrent(Retained<Record>& current, NSError** error) {
-    if (![sharedBook() addRecord:current.get()] && [current.get() isReadOnly]) {
-        [sharedBook() addRecord:current.get() error:error];
-        return false;
-    }
+void addCurrent(Retained<Record>& current) {
+    [sharedBook() addRecord:current.get()];
     current.reset();
     state.gNewRecord = false;
-    return true;
 }
 
 // What KORU_ClearAll is about: a group or, with nil, the whole address book.
@@ -118,17 +113,15 @@ NSString* newRecord(NSString* type, NSString* name) {
 }
 
 NSString* saveRecords() {
-    NSError* error = nil;
     if (state.gNewRecord) {
         // The current record is added, be it the new one or not: the type may have changed since.
-        const bool added = state.g_currentRecordType == kGroupType ? addCurrent(state.g_group, &error)
-                                                                   : addCurrent(state.g_person, &error);
-        if (!added) {
-            keepExceptionText(error);
-            setError(kSaveFailed, errors.g_sExceptionTxt.get());
-            return nil;
+        if (state.g_currentRecordType == kGroupType) {
+            addCurrent(state.g_group);
+        } else {
+            addCurrent(state.g_person);
         }
     }
+    NSError* error = nil;
     if (![sharedBook() saveAndReturnError:&error]) {
         setError(kSaveFailed);
         if (error != nil) {
@@ -151,14 +144,9 @@ NSString* deleteRecord(NSString* uniqueId) {
         setError(kRecordDoesNotExist);
         return nil;
     }
-    NSError* error = nil;
-    if (![sharedBook() saveAndReturnError:&error]) {
+    if (![sharedBook() save]) {
         setError(kDeleteFailed);
         return nil;
-    }
-    if (error != nil) { // the record is deleted; something else that was unsaved could not be saved with that
-        keepExceptionText(error);
-        setError(kSaveFailed, errors.g_sExceptionTxt.get());
     }
     return @"0";
 }
