@@ -105,6 +105,7 @@ TEST_F(BacklogTest, aLargeTextIsIndexedAtOnce) {
 
 TEST_F(BacklogTest, manyRecordsInOneSaveAreIndexedAtOnce) {
     std::vector<RecordChange> records;
+    records.reserve(9);
     for (int i = 0; i < 9; ++i)
         records.push_back(inserted(newUid(Kind::person), {{"First", text("Ada")}}));
     saveRecords(store, records);
