@@ -184,10 +184,13 @@ class KillPoints : public Scratch {
     // A book of the version before.
     void killAtMigrating(const char* journal) {
         makeBook();
-        execute("ALTER TABLE change DROP COLUMN origin; PRAGMA user_version = 1");
+        settleIndexes(*std::make_unique<Store>(folder()));
+        execute("ALTER TABLE change DROP COLUMN replaced; ALTER TABLE change DROP COLUMN origin; PRAGMA "
+                "user_version = 1");
         execute(journal);
         const Contents before = contentsOf(Store(folder()));
-        execute("ALTER TABLE change DROP COLUMN origin; PRAGMA user_version = 1");
+        execute("ALTER TABLE change DROP COLUMN replaced; ALTER TABLE change DROP COLUMN origin; PRAGMA "
+                "user_version = 1");
         execute(journal);
         kill([&] { Store{folder()}; },
              [&] {

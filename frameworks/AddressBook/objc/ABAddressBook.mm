@@ -170,19 +170,26 @@ BookPtr sharedBook() {
     SaveResult result;
     std::string failure;
     NSInteger code = 0;
-    if (![self hasUnsavedChanges])
-        return YES;
+    const bool unsaved = [self hasUnsavedChanges];
+    // Who adds a record and saves may look at the save's answer only.
+    if (!unsaved && [self book]->takeRefusal())
+        return refuse(error, ABPropertyReadOnlyError, readOnlyText(*[self book]));
     try {
-        result = [self book]->save(currentTime());
+        if (unsaved)
+            result = [self book]->save(currentTime());
     } catch (const StoreError& refusal) {
         failure = refusal.what();
         code = codeOf(refusal.reason());
     }
     if (code != 0)
         return refuse(error, code, stringFrom(failure));
-    announce(self, result);
-    if (const std::string leftOut = leftOutText(*[self book], result); !leftOut.empty())
-        refuse(error, ABAddRecordsError, stringFrom(leftOut));
+    if (unsaved) {
+        announce(self, result);
+        [self book]->noteLeftOut(leftOutText(*[self book], result));
+    }
+    if (error != nullptr)
+        if (const std::string leftOut = [self book]->takeLeftOut(); !leftOut.empty())
+            refuse(error, ABAddRecordsError, stringFrom(leftOut));
     return YES;
 }
 
@@ -228,8 +235,10 @@ BookPtr sharedBook() {
 }
 
 - (BOOL)addRecord:(ABRecord*)record error:(NSError**)error {
-    if ([self book]->readOnly())
+    if ([self book]->readOnly()) {
+        [self book]->noteRefusal();
         return refuse(error, ABPropertyReadOnlyError, readOnlyText(*[self book]));
+    }
     if (![self owns:record] || ![self book]->add([record card]))
         return refuse(error, ABAddRecordsError,
                       @"The record cannot be added: it is in the address book already, or "

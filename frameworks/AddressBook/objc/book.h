@@ -21,6 +21,7 @@
 #include <string_view>
 #include <unordered_map>
 #include <unordered_set>
+#include <utility>
 #include <vector>
 
 namespace addressbook {
@@ -42,6 +43,7 @@ struct Card : std::enable_shared_from_this<Card> {
     std::vector<std::shared_ptr<Card>> joined; // of a group: members and subgroups that joined, unsaved
     std::set<std::string> left;                // of a group: uids that left, unsaved
     std::optional<RecordRow> read;             // what is stored, once it was asked for; without the uid
+    bool removedHere = false;                  // of one that is gone: by this process
     void* object = nullptr; // the live Objective-C object of this record; it clears this when it goes
 
     bool inBook() const { return standing == Standing::added || standing == Standing::stored; }
@@ -141,6 +143,17 @@ class Book : public std::enable_shared_from_this<Book> {
     int define(Kind kind, const std::map<std::string, int>& properties);
     int undefine(Kind kind, const std::vector<std::string>& properties);
 
+    // A record was refused, as the book may only be read; and whether that happened since this was last
+    // asked.
+    void noteRefusal() { refused_ = true; }
+    bool takeRefusal() { return std::exchange(refused_, false); }
+
+    // What saves left out, in sentences, until somebody asks for it.
+    void noteLeftOut(const std::string& sentence) {
+        leftOut_ += leftOut_.empty() || sentence.empty() ? sentence : " " + sentence;
+    }
+    std::string takeLeftOut() { return std::exchange(leftOut_, {}); }
+
     bool changed() const;
     // Writes everything that is unsaved; keeps it when that fails.
     SaveResult save(Date now);
@@ -189,6 +202,9 @@ class Book : public std::enable_shared_from_this<Book> {
     std::size_t aheadNext_ = 0;   // so many are read the next time
     RowId walked_ = -1'000;       // the row that was fetched last
     Value scratch_;               // what value() refers to when no card holds it
+
+    bool refused_ = false;
+    std::string leftOut_;
 
     // What is unsaved.
     std::vector<CardPtr> added_;

@@ -15,6 +15,11 @@ bool contains(const std::vector<PropertyDefinition>& definitions, const Property
     });
 }
 
+// Whether another process deleted it.
+bool goneElsewhere(const Card& card) {
+    return card.standing == Card::Standing::gone && !card.removedHere;
+}
+
 // Forgets what is unsaved.
 void clean(Card& card) {
     card.changes.clear();
@@ -38,7 +43,7 @@ ChangeSet Book::changes(Date now) const {
         for (const auto& uid : group.left)
             set.memberships.push_back({group.uid, uid, false});
         for (const auto& member : group.joined)
-            if (member->inBook() || member->standing == Card::Standing::gone) // which the save tells
+            if (member->inBook() || goneElsewhere(*member)) // which the save tells
                 set.memberships.push_back({group.uid, member->uid, true});
     };
     for (const auto& card : added_) {
@@ -58,7 +63,7 @@ ChangeSet Book::changes(Date now) const {
         set.removed.push_back(card->uid);
     if (me_) {
         const auto own = live(*me_);
-        const bool tells = !own || own->inBook() || own->standing == Card::Standing::gone;
+        const bool tells = !own || own->inBook() || goneElsewhere(*own);
         set.me = tells ? *me_ : "";
     }
     return set;
@@ -105,6 +110,7 @@ void Book::settle(const SaveResult& result) {
         clean(*card);
     for (const auto& [row, card] : std::exchange(removed_, {})) {
         card->standing = Card::Standing::gone;
+        card->removedHere = true;
         card->joined.clear(); // a group that is gone has no members
         card->left.clear();
         gone_[row] = card->uid;
@@ -207,6 +213,7 @@ void Book::renew(const CardPtr& card) {
         if (!wasLost)
             clean(*card);
         card->standing = Card::Standing::stored;
+        card->removedHere = false;
     }
     card->read.reset();
     if (const auto old = rows_.find(card->row);

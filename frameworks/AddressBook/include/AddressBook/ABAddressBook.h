@@ -23,7 +23,9 @@
 - (NSArray*)recordsMatchingSearchElement:(ABSearchElement*)search;
 
 // Writes all changes or none; YES also when there are none. When other programs deleted records that were
-// changed here, everything else is written: YES, with an error that names those records.
+// changed here, everything else is written: YES, with an error that names those records; a save without
+// [error] leaves that to the next one. NO also when a record was refused since, as the address book may only
+// be read.
 - (BOOL)save;
 - (BOOL)saveAndReturnError:(NSError**)error;
 - (BOOL)hasUnsavedChanges;
