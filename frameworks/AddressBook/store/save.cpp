@@ -80,7 +80,7 @@ class Saver {
 
     // What the search indexes do not know yet.
     void inserted(const RecordRow& row, std::string_view property, const Value& value);
-    void replaced(const RecordRow& row, std::string_view property, std::string before);
+    void replaced(const RecordRow& row, std::string_view property, std::string_view before);
     void settleReplaced();
 
     // What refers to records.
@@ -224,7 +224,7 @@ void Saver::updateRecord(const RecordRow& row, const std::map<std::string, Value
             if (old == kept.end() ? value.empty() : old->second == bytes)
                 continue;
             if (!isInternal(name))
-                replaced(row, name, old == kept.end() ? std::string() : old->second);
+                replaced(row, name, old == kept.end() ? std::string_view() : old->second);
             if (value.empty())
                 kept.erase(old);
             else
@@ -288,8 +288,8 @@ void Saver::inserted(const RecordRow& row, std::string_view property, const Valu
 }
 
 // Notes that a record has another value than the one that was encoded as [before]; empty when it had none.
-void Saver::replaced(const RecordRow& row, std::string_view property, std::string before) {
-    replaced_.try_emplace({propertyOf(row, property), row.id}, std::move(before));
+void Saver::replaced(const RecordRow& row, std::string_view property, std::string_view before) {
+    replaced_.try_emplace({propertyOf(row, property), row.id}, before);
 }
 
 void Saver::settleReplaced() {
