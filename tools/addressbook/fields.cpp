@@ -1,5 +1,6 @@
 #include "fields.h"
 
+#include "frameworks/AddressBook/store/calendar.h"
 #include "frameworks/AddressBook/store/text.h"
 #include "frameworks/AddressBook/vcard/vcard.h"
 #include "output.h"
@@ -64,7 +65,7 @@ std::string join(const std::vector<std::string>& parts, std::string_view separat
 }
 
 std::string dateText(Date date) {
-    const double seconds = std::floor(date.seconds + 978307200); // from 2001 to 1970
+    const double seconds = std::floor(date.seconds + kReferenceDate);
     if (!(std::fabs(seconds) < 1e12))
         return {};
     const auto time = static_cast<std::time_t>(seconds);

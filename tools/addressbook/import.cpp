@@ -1,9 +1,9 @@
 #include "import.h"
 
+#include "frameworks/AddressBook/store/calendar.h"
 #include "frameworks/AddressBook/store/text.h"
 
 #include <algorithm>
-#include <chrono>
 #include <set>
 
 namespace addressbook::tool {
@@ -18,11 +18,6 @@ constexpr std::string_view kPersonSuffix = ":ABPerson", kGroupSuffix = ":ABGroup
 
 std::string uidOf(std::string uuid, Kind kind) {
     return uuid.append(kind == Kind::group ? kGroupSuffix : kPersonSuffix);
-}
-
-Date now() {
-    const auto time = std::chrono::system_clock::now().time_since_epoch();
-    return {std::chrono::duration<double>(time).count() - 978307200};
 }
 
 // Entries that are there already keep their identifiers, so that a second import changes nothing.
@@ -316,7 +311,7 @@ ImportSummary Importer::finish() {
 
 void Importer::flush() {
     if (!dryRun_ && !changes_.empty()) {
-        changes_.time = now();
+        changes_.time = currentTime();
         const SaveResult result = store_->save(changes_);
         summary_.circular += result.circular.size();
         summary_.missing += result.missing.size();

@@ -4,7 +4,6 @@
 #include "book.h"
 
 #include <algorithm>
-#include <chrono>
 #include <utility>
 
 namespace addressbook {
@@ -62,12 +61,6 @@ bool contains(const std::vector<CardPtr>& cards, const Card& one) {
 }
 
 } // namespace
-
-Date currentTime() {
-    constexpr double kReferenceDate = 978307200; // 2001-01-01 in seconds since 1970
-    const std::chrono::duration<double> since1970 = std::chrono::system_clock::now().time_since_epoch();
-    return {since1970.count() - kReferenceDate};
-}
 
 int publicType(Kind kind, std::string_view property) {
     return isInternal(property) ? 0 : builtInType(kind, property);

@@ -9,6 +9,7 @@
 // longer have it, whoever holds it still reads what it had. Its unsaved changes wait for the save, which
 // tells that it is missing; should it be brought back before that, they are there again.
 
+#include "frameworks/AddressBook/store/calendar.h"
 #include "frameworks/AddressBook/store/store.h"
 
 #include <atomic>
@@ -57,9 +58,6 @@ int publicType(Kind kind, std::string_view property);
 
 // A new record with a new unique id.
 std::unique_ptr<Card> makeCard(Kind kind);
-
-// This moment.
-Date currentTime();
 
 class Book : public std::enable_shared_from_this<Book> {
   public:

@@ -1,12 +1,12 @@
 #include "calendar.h"
 
+#include <chrono>
 #include <cmath>
 #include <ctime>
 
 namespace addressbook {
 namespace {
 
-constexpr double kReferenceEpoch = 978307200; // 2001-01-01 in seconds since 1970-01-01
 constexpr double kSecondsPerDay = 86400;
 
 struct Civil {
@@ -45,6 +45,11 @@ std::optional<MonthDay> checked(const DateComponents& parts) {
 
 } // namespace
 
+Date currentTime() {
+    const std::chrono::duration<double> since1970 = std::chrono::system_clock::now().time_since_epoch();
+    return {since1970.count() - kReferenceDate};
+}
+
 std::int64_t dayNumber(std::int64_t year, MonthDay day) {
     const std::int64_t fromMarch = day.month > 2 ? day.month - 3 : day.month + 9;
     const std::int64_t shifted = day.month > 2 ? year : year - 1;
@@ -59,19 +64,19 @@ std::int64_t yearOf(std::int64_t dayNumber) {
 }
 
 double utcMidnight(double dayNumber) {
-    return dayNumber * kSecondsPerDay - kReferenceEpoch;
+    return dayNumber * kSecondsPerDay - kReferenceDate;
 }
 
 std::optional<std::int64_t> utcDay(Date date) {
     if (!(std::fabs(date.seconds) < kFarthest))
         return std::nullopt;
-    return static_cast<std::int64_t>(std::floor((date.seconds + kReferenceEpoch) / kSecondsPerDay));
+    return static_cast<std::int64_t>(std::floor((date.seconds + kReferenceDate) / kSecondsPerDay));
 }
 
 std::optional<std::int64_t> localDay(Date date) {
     if (!(std::fabs(date.seconds) < kFarthest))
         return std::nullopt;
-    const auto moment = static_cast<std::time_t>(std::floor(date.seconds + kReferenceEpoch));
+    const auto moment = static_cast<std::time_t>(std::floor(date.seconds + kReferenceDate));
     std::tm parts{};
     if (localtime_r(&moment, &parts) == nullptr)
         return std::nullopt;

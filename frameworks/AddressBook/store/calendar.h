@@ -10,6 +10,12 @@
 
 namespace addressbook {
 
+// What Date counts from, 2001-01-01 00:00 UTC, in seconds since 1970.
+inline constexpr double kReferenceDate = 978307200;
+
+// This moment.
+Date currentTime();
+
 // A day of the year.
 struct MonthDay {
     int month = 1; // 1 to 12

@@ -11,8 +11,6 @@ namespace addressbook::vcard {
 
 namespace {
 
-constexpr double kReference = 978307200; // 2001-01-01 00:00 UTC in seconds since 1970
-
 // [count] digits at the start of [text], taken away; -1 when they are not there.
 int takeDigits(std::string_view& text, std::size_t count) {
     if (text.size() < count)
@@ -63,7 +61,7 @@ std::optional<Date> parseDay(std::string_view text, int omittedYear) {
     parts.tm_mday = day;
     parts.tm_hour = 12;
     parts.tm_isdst = -1;
-    return Date{static_cast<double>(std::mktime(&parts)) - kReference};
+    return Date{static_cast<double>(std::mktime(&parts)) - kReferenceDate};
 }
 
 std::optional<std::string> dayText(Date date) {

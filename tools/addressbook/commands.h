@@ -1,0 +1,52 @@
+#pragma once
+
+// The work of each command. Each answers the exit status, and throws what Store, Output and Failure throw;
+// std::invalid_argument for what the user wrote and nobody can read.
+
+#include <string>
+#include <vector>
+
+namespace addressbook::tool {
+
+// What the command line says.
+struct Options {
+    std::string book; // folder; empty: the user's own
+    struct {
+        std::vector<std::string> files;
+        bool dryRun = false, progress = false;
+    } import;
+    struct {
+        std::string group, file;
+    } write;
+    struct {
+        std::string fields = "name,organization,phones,emails";
+        bool json = false;
+    } list;
+    struct {
+        std::string id;
+        bool json = false;
+    } show;
+    struct {
+        std::string id;
+        bool clear = false;
+    } me;
+    bool groupsJson = false;
+    std::vector<std::string> searches; // to explain
+    struct {
+        std::string file;
+        bool force = false;
+    } backup;
+};
+
+int runImport(const Options& options);
+int runExport(const Options& options);
+int runList(const Options& options);
+int runShow(const Options& options);
+int runGroups(const Options& options);
+int runMe(const Options& options);
+int runCheck(const Options& options);
+int runBackup(const Options& options);
+int runRestore(const Options& options);
+int runRepair(const Options& options);
+
+} // namespace addressbook::tool
