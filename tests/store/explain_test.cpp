@@ -336,6 +336,37 @@ TEST_F(ExplainCompound, inACompound) {
     EXPECT_EQ(any.parts[1].parts[1].plan, Plan::scan);
 }
 
+// A few records are left: whether the next condition is searched depends on how many records it would find.
+TEST_F(ExplainCompound, afterAFewOnlyWhatIsFoundInNoTimeIsSearched) {
+    std::vector<RecordChange> records;
+    for (int i = 0; i < 45; ++i)
+        records.push_back(inserted(newUid(Kind::person), {{"Last", std::string(i < 10 ? "Aalto" : "Aalund")},
+                                                          {"First", std::string(i % 2 != 0 ? "Ida" : "Ivo")},
+                                                          {"City", std::string(i < 30 ? "Oulu" : "Turku")}}));
+    saveRecords(store_, records, kNow);
+    const Query aalto{where("Last", equal, text("Aalto"))};
+    const auto second = [&](const Query& query, std::int64_t hits) {
+        const SearchStep all = explain(Query::Join::all, {aalto, query});
+        EXPECT_EQ(all.hits, hits);
+        EXPECT_EQ(place(all.parts[0]), 0);
+        return all.parts[1];
+    };
+    const SearchStep few = second({where("First", equal, text("Ida"))}, 5);
+    EXPECT_EQ(few.way, Way::searched);
+    EXPECT_EQ(few.records, 0);
+    EXPECT_EQ(few.hits, 22);
+    const SearchStep many = second({where("First", prefixMatch, text("I"))}, 10); // 45 are more than 40
+    EXPECT_EQ(many.way, Way::oneByOne);
+    EXPECT_EQ(many.records, 10);
+    EXPECT_EQ(many.hits, 10);
+    const SearchStep city = second({where("City", prefixMatch, text("O"))}, 10);
+    EXPECT_EQ(city.way, Way::searched);
+    EXPECT_EQ(city.hits, 30);
+    // Of a negative one, everybody would be looked at.
+    const SearchStep others = second({where("First", notEqual, text("Ivo"))}, 5);
+    EXPECT_EQ(others.way, Way::oneByOne);
+}
+
 TEST_F(ExplainCompound, ofNothing) {
     EXPECT_EQ(explain(Query::Join::all, {}).everyone, 201);
     EXPECT_EQ(explain(Query::Join::all, {}).hits, 201);

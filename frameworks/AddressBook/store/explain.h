@@ -30,13 +30,13 @@ struct SearchStep {
     enum class Way {
         skipped, // nothing was left to look at
         searched,
-        oneByOne // the few records that the steps before had left were looked at
+        oneByOne // the few records that the steps before had left were looked at, perhaps after a search
+                 // that was given up
     };
 
     const Query* query = nullptr; // the part of the query that was explained; it does not live longer
     Way way = Way::skipped;
     Plan plan = Plan::nothing; // of a condition that was searched
-    // Rows that indexes gave; those of other labels and keys than the wanted ones are left out on the way.
     // Rows that indexes gave; those of other labels and keys than the wanted ones are left out on the way.
     std::int64_t indexRows = 0;
     std::int64_t records = 0;  // records that were read and looked at one by one

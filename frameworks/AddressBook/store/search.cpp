@@ -10,6 +10,8 @@
 
 #include <algorithm>
 #include <iterator>
+#include <limits>
+#include <optional>
 
 namespace addressbook {
 namespace {
@@ -18,6 +20,11 @@ using Rows = std::vector<RowId>;
 
 // So many records are rather looked at one by one than searching a further condition of a plan, by Plan.
 constexpr std::size_t kFewForPlan[] = {0, 20, 20, 200, 500, 2'000, 2'000, 20'000, 20'000};
+// Where more than a handful are left, the values that a condition asks for may be fewer still. An index gives
+// at least so many rows in the time that it takes to look at one record; the search gives up when there are
+// more.
+constexpr std::size_t kHandful = 4;
+constexpr std::size_t kIndexRowsForRecord = 4;
 
 Rows sorted(Rows rows) {
     if (!std::is_sorted(rows.begin(), rows.end()))
@@ -87,10 +94,22 @@ class ConditionSearch {
     // What is dear about a negative comparison is the list of all others.
     Plan plan() const { return matcher_.negative() ? std::max(plan_.plan, Plan::scan) : plan_.plan; }
 
-    Rows find() {
+    // Whether the rows of the index that a search looks at are those that it asks for, and all are counted.
+    bool countsRows() const {
+        return plan() != Plan::nothing && plan() != Plan::uid && plan() < Plan::scan &&
+               plan() != Plan::trigram && !condition_.label && !condition_.key;
+    }
+
+    Rows find() { return *findWithin(std::numeric_limits<std::int64_t>::max()); }
+
+    // Nothing when the index has more than so many rows to look at; all are looked at unless countsRows().
+    std::optional<Rows> findWithin(std::int64_t mostRows) {
         if (matcher_.hopeless())
-            return {};
-        Rows met = upToDate(sorted(positive()));
+            return Rows();
+        std::optional<Rows> found = positive(mostRows);
+        if (!found)
+            return std::nullopt;
+        Rows met = upToDate(sorted(std::move(*found)));
         if (!matcher_.negative())
             return met;
         Rows all = everyRow();
@@ -101,9 +120,9 @@ class ConditionSearch {
     }
 
   private:
-    Rows positive();
+    std::optional<Rows> positive(std::int64_t mostRows);
     Rows upToDate(Rows met);
-    Rows terms();
+    std::optional<Rows> terms(std::int64_t mostRows);
     Rows trigrams();
     Rows uids();
     Rows everyRow();
@@ -117,17 +136,17 @@ class ConditionSearch {
     SearchStep& step_;
 };
 
-Rows ConditionSearch::positive() {
+std::optional<Rows> ConditionSearch::positive(std::int64_t mostRows) {
     switch (plan_.plan) {
     case Plan::nothing:
-        return {};
+        return Rows();
     case Plan::uid:
     case Plan::everyUid:
         return uids();
     case Plan::trigram:
         return trigrams();
     default:
-        return terms();
+        return terms(mostRows);
     }
 }
 
@@ -164,7 +183,7 @@ Value ConditionSearch::termValue(const sql::Run& run, int type) const {
     return type == kDate ? Value(Date{run.real(2)}) : Value();
 }
 
-Rows ConditionSearch::terms() {
+std::optional<Rows> ConditionSearch::terms(std::int64_t mostRows) {
     static const int kText = static_cast<int>(Value(std::string()).index());
     static const int kDictionary = static_cast<int>(Value(Dictionary()).index());
 
@@ -222,7 +241,8 @@ Rows ConditionSearch::terms() {
                 run.bindInteger(std::get<std::int64_t>(*word));
         }
         while (run.step()) {
-            ++step_.indexRows;
+            if (++step_.indexRows > mostRows)
+                return std::nullopt;
             const RowId row = run.integer(0);
             const auto type = static_cast<int>(run.integer(1));
             if (certain) {
@@ -377,12 +397,12 @@ class QuerySearch {
         return rows;
     }
 
-    // Those of [rows] that match: looked at one by one when they are few.
+    // Those of [rows] that match: looked at one by one when they are few, and fewer than a search would find.
     Rows among(Rows rows) {
-        if (rows.size() > kFewForPlan[static_cast<int>(plan())]) {
-            const Rows mine = find();
+        const bool few = rows.size() <= kFewForPlan[static_cast<int>(plan())];
+        if (const auto mine = few ? findAtMost(rows.size()) : find()) {
             Rows both;
-            std::set_intersection(rows.begin(), rows.end(), mine.begin(), mine.end(),
+            std::set_intersection(rows.begin(), rows.end(), mine->begin(), mine->end(),
                                   std::back_inserter(both));
             return both;
         }
@@ -398,6 +418,19 @@ class QuerySearch {
                                   }),
                    rows.end());
         step_.hits = static_cast<std::int64_t>(rows.size());
+        return rows;
+    }
+
+    // What find() answers, if that is quicker than looking at so many records.
+    std::optional<Rows> findAtMost(std::size_t records) {
+        if (records <= kHandful || !condition_ || !condition_->countsRows())
+            return std::nullopt;
+        const Stopwatch watch(step_.time);
+        auto rows = condition_->findWithin(static_cast<std::int64_t>(records * kIndexRowsForRecord));
+        if (rows) {
+            step_.way = SearchStep::Way::searched;
+            step_.hits = static_cast<std::int64_t>(rows->size());
+        }
         return rows;
     }
 
