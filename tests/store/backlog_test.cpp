@@ -1,6 +1,7 @@
 // Small saves leave the search indexes to later ones: nobody may notice but the disk.
 
 #include "builders.h"
+#include "frameworks/AddressBook/store/backlog.h"
 #include "frameworks/AddressBook/store/card.h"
 #include "frameworks/AddressBook/store/schema.h"
 #include "scratch.h"
@@ -63,6 +64,16 @@ TEST_F(BacklogTest, oneSaveInManyWritesTheIndexes) {
         }
     }
     EXPECT_EQ(indexed("name 191"), 1) << "no save has written the indexes";
+}
+
+// Each time that the indexes are written the text index gets a new piece, which every search would look into.
+TEST_F(BacklogTest, theTextIndexStaysInFewPieces) {
+    const std::string uid = addPerson(store, {{"Note", text("note 0")}});
+    constexpr int kPieces = 15; // at 16 SQLite makes them one by itself
+    for (int i = 1; i <= kPieces * kSavesInBacklog; ++i)
+        saveRecords(store, {updated(uid, {{"Note", text("note " + std::to_string(i))}})}, i);
+    EXPECT_LE(ask("SELECT count(DISTINCT segid) FROM trigram_idx"), 4);
+    EXPECT_THAT(store.check(), IsEmpty());
 }
 
 TEST_F(BacklogTest, aNewPersonMayChangeAndGoBeforeTheIndexesKnow) {

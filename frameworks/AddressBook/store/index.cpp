@@ -14,6 +14,8 @@ namespace {
 // So many terms and texts are kept in memory before they are written.
 constexpr std::size_t kGatheredTerms = 200'000;
 constexpr std::size_t kGatheredTexts = 10'000;
+// So many pages of the text index are written at most to have fewer pieces.
+constexpr std::int64_t kTidiedPages = 64;
 
 // Binds a term's columns in the order of its key.
 void bind(sql::Run& run, const Term& term) {
@@ -188,6 +190,12 @@ TrigramNeedle trigramNeedle(std::string_view folded) {
     TrigramNeedle needle;
     needle.exact = appendIndexed(needle.text, folded);
     return needle;
+}
+
+void tidyTexts(sql::Connection& connection) {
+    connection.run("INSERT INTO trigram(trigram, rank) VALUES ('merge', ?)")
+        .bindInteger(kTidiedPages)
+        .finish();
 }
 
 void IndexWriter::add(std::int64_t record, std::int64_t property, const Value& value) {

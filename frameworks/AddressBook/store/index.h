@@ -63,6 +63,10 @@ constexpr std::int64_t trigramRow(std::int64_t record, std::int64_t property) {
     return record * kMostProperties + property;
 }
 
+// Makes some of the text index's pieces one, inside the caller's transaction: each flush() writes a piece of
+// its own, and a search looks into all. The work is bounded; it goes on where the last one ended.
+void tidyTexts(sql::Connection& connection);
+
 // Writes both indexes inside the caller's transaction. Additions and removals are gathered and written in
 // order, which is many times faster than one by one; flush() before the transaction ends.
 class IndexWriter {

@@ -382,6 +382,8 @@ void Saver::log() {
     const bool tidies = result_.change % kSavesInBacklog == 0;
     if (tidies || !(leaves || backlog.empty()))
         settleBacklog(impl_, index_, std::move(replaced_));
+    if (tidies)
+        tidyTexts(db_);
     if (tidies || count >= kLargeSave)
         db_.run("DELETE FROM change WHERE id <= ?").bindInteger(result_.change - kLoggedSaves).finish();
     if (count < kLargeSave)

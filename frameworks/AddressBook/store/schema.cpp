@@ -93,6 +93,9 @@ constexpr const char* kVersion2 = "ALTER TABLE change ADD COLUMN origin";
 // they are up to date.
 constexpr const char* kVersion3 = "ALTER TABLE change ADD COLUMN replaced";
 
+// Two pieces of the text index that are about as large are enough to be made one (tidyTexts).
+constexpr const char* kVersion4 = "INSERT INTO trigram(trigram, rank) VALUES ('usermerge', 2)";
+
 } // namespace
 
 std::span<const Migration> migrations() {
@@ -104,6 +107,7 @@ std::span<const Migration> migrations() {
         },
         [](sql::Connection& connection) { connection.execute(kVersion2); },
         [](sql::Connection& connection) { connection.execute(kVersion3); },
+        [](sql::Connection& connection) { connection.execute(kVersion4); },
     };
     return steps;
 }
