@@ -14,8 +14,10 @@ namespace {
 // So many terms and texts are kept in memory before they are written.
 constexpr std::size_t kGatheredTerms = 200'000;
 constexpr std::size_t kGatheredTexts = 10'000;
-// So many pages of the text index are written at most to have fewer pieces.
+// So many pages of a text index are written at most to have fewer pieces; in one of more than so many pages
+// the pieces' number counts for little, and to make the large ones one would take long.
 constexpr std::int64_t kTidiedPages = 64;
+constexpr std::int64_t kSmallTextIndex = 512;
 
 // Binds a term's columns in the order of its key.
 void bind(sql::Run& run, const Term& term) {
@@ -193,9 +195,15 @@ TrigramNeedle trigramNeedle(std::string_view folded) {
 }
 
 void tidyTexts(sql::Connection& connection) {
-    connection.run("INSERT INTO trigram(trigram, rank) VALUES ('merge', ?)")
-        .bindInteger(kTidiedPages)
-        .finish();
+    const bool isSmall = [&] {
+        auto pages = connection.run("SELECT count(*) FROM (SELECT 1 FROM trigram_data LIMIT ?)");
+        pages.bindInteger(kSmallTextIndex + 1);
+        return pages.step() && pages.integer(0) <= kSmallTextIndex;
+    }();
+    if (isSmall)
+        connection.run("INSERT INTO trigram(trigram, rank) VALUES ('merge', ?)")
+            .bindInteger(kTidiedPages)
+            .finish();
 }
 
 void IndexWriter::add(std::int64_t record, std::int64_t property, const Value& value) {

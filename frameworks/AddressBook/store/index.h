@@ -63,8 +63,8 @@ constexpr std::int64_t trigramRow(std::int64_t record, std::int64_t property) {
     return record * kMostProperties + property;
 }
 
-// Makes some of the text index's pieces one, inside the caller's transaction: each flush() writes a piece of
-// its own, and a search looks into all. The work is bounded; it goes on where the last one ended.
+// Makes some of a small text index's pieces one, inside the caller's transaction: each flush() writes a piece
+// of its own, and a search looks into all. The work is bounded; it goes on where the last one ended.
 void tidyTexts(sql::Connection& connection);
 
 // Writes both indexes inside the caller's transaction. Additions and removals are gathered and written in
