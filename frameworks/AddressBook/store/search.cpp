@@ -94,15 +94,17 @@ class ConditionSearch {
     // What is dear about a negative comparison is the list of all others.
     Plan plan() const { return matcher_.negative() ? std::max(plan_.plan, Plan::scan) : plan_.plan; }
 
-    // Whether the rows of the index that a search looks at are those that it asks for, and all are counted.
+    // Whether findWithin() keeps to its limit: with a label or a key SQLite passes over rows by itself.
     bool countsRows() const {
-        return plan() != Plan::nothing && plan() != Plan::uid && plan() < Plan::scan &&
-               plan() != Plan::trigram && !condition_.label && !condition_.key;
+        const Plan mine = plan();
+        const bool looksUpValues =
+            mine == Plan::exact || mine == Plan::prefix || mine == Plan::range || mine == Plan::interval;
+        return looksUpValues && !condition_.label && !condition_.key;
     }
 
     Rows find() { return *findWithin(std::numeric_limits<std::int64_t>::max()); }
 
-    // Nothing when the index has more than so many rows to look at; all are looked at unless countsRows().
+    // Nothing when the index of values has more than so many rows to look at.
     std::optional<Rows> findWithin(std::int64_t mostRows) {
         if (matcher_.hopeless())
             return Rows();
@@ -397,7 +399,7 @@ class QuerySearch {
         return rows;
     }
 
-    // Those of [rows] that match: looked at one by one when they are few, and fewer than a search would find.
+    // Those of [rows] that match: looked at one by one when they are few, unless a search is quicker.
     Rows among(Rows rows) {
         const bool few = rows.size() <= kFewForPlan[static_cast<int>(plan())];
         if (const auto mine = few ? findAtMost(rows.size()) : find()) {
