@@ -1,4 +1,4 @@
-#include "baseline_book.h"
+#include "bench/baseline/baseline_book.h"
 
 #include <algorithm>
 #include <sqlite3.h>

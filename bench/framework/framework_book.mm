@@ -1,4 +1,4 @@
-#include "framework_book.h"
+#include "bench/framework/framework_book.h"
 
 #import <AddressBook/AddressBook.h>
 #include <cstdlib>

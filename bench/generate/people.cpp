@@ -1,4 +1,4 @@
-#include "people.h"
+#include "bench/generate/people.h"
 
 #include <array>
 #include <cstdio>

@@ -1,6 +1,6 @@
-#include "store_book.h"
+#include "bench/generate/store_book.h"
 
-#include "people.h"
+#include "bench/generate/people.h"
 
 #include "frameworks/AddressBook/store/property.h"
 #include "frameworks/AddressBook/store/store.h"

@@ -1,4 +1,4 @@
-#include "calculations.h"
+#include "bench/host/calculations.h"
 
 #include "host/calc/External.h"
 #include "host/calc/Parser.h"

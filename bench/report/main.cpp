@@ -1,7 +1,7 @@
 // The command line: runs each measurement in a process of its own and prints the table.
 
-#include "figures.h"
-#include "table.h"
+#include "bench/report/figures.h"
+#include "bench/report/table.h"
 
 #include <CLI/CLI.hpp>
 #include <algorithm>

@@ -1,4 +1,4 @@
-#include "figures.h"
+#include "bench/report/figures.h"
 
 #include "bench/baseline/baseline_book.h"
 #include "bench/framework/framework_book.h"

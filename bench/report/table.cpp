@@ -1,4 +1,4 @@
-#include "table.h"
+#include "bench/report/table.h"
 
 #include <algorithm>
 #include <cstdarg>

@@ -1,6 +1,6 @@
 #pragma once
 
-#include "figures.h"
+#include "bench/report/figures.h"
 
 #include <cstddef>
 #include <map>

@@ -1,8 +1,8 @@
 // Natural-language dates as macOS reads them; Foundation's own reader here knows fewer forms and reads some
 // of them wrongly.
 
-#include "locale.h"
-#include "natural_date.h"
+#include "frameworks/Foundation/locale.h"
+#include "frameworks/Foundation/natural_date.h"
 
 #import <Foundation/Foundation.h>
 #include <string>

@@ -1,4 +1,4 @@
-#include "locale.h"
+#include "frameworks/Foundation/locale.h"
 
 #include <algorithm>
 #include <array>

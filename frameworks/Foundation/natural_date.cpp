@@ -1,7 +1,7 @@
 // Reading order: days of the calendar, the words, tokens, then the parser. The parser walks the tokens once;
 // at each place the first rule that fits takes as many tokens as it understands.
 
-#include "natural_date.h"
+#include "frameworks/Foundation/natural_date.h"
 
 #include <algorithm>
 #include <array>

@@ -1,7 +1,7 @@
 #import <ScriptingBridge/SBApplication.h>
 
-#include "SBObjectInternal.h"
-#include "remote_application.h"
+#include "frameworks/ScriptingBridge/SBObjectInternal.h"
+#include "frameworks/ScriptingBridge/remote_application.h"
 
 #include <algorithm>
 #include <cstdlib>

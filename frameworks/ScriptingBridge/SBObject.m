@@ -1,4 +1,4 @@
-#import "SBObjectInternal.h"
+#import "frameworks/ScriptingBridge/SBObjectInternal.h"
 
 @implementation SBObject
 

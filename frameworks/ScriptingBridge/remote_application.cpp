@@ -1,7 +1,7 @@
 // sd-bus of libsystemd: Foundation is linked with it already, so it costs nothing to load; it starts no bus
 // of its own accord, and every wait takes a limit.
 
-#include "remote_application.h"
+#include "frameworks/ScriptingBridge/remote_application.h"
 
 #include <algorithm>
 #include <cerrno>

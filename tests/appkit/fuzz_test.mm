@@ -1,4 +1,4 @@
-#include "support.h"
+#include "tests/appkit/support.h"
 
 #include <chrono>
 #include <cstdlib>

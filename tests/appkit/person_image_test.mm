@@ -1,7 +1,7 @@
 // Pictures of people: what is written here is kept byte for byte, and reaches other processes.
 
 #include "frameworks/AddressBook/objc/record.h"
-#include "support.h"
+#include "tests/appkit/support.h"
 
 #import <AddressBook/AddressBook.h>
 #include <cstdlib>

@@ -1,6 +1,6 @@
 // How long a port lives, and what is left when it is invalidated.
 
-#include "support.h"
+#include "tests/foundation/support.h"
 
 #include <chrono>
 #include <sys/resource.h>

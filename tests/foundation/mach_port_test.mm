@@ -1,6 +1,6 @@
 // Messages: who gets them, where, how many, in which modes.
 
-#include "support.h"
+#include "tests/foundation/support.h"
 
 #include <array>
 #include <atomic>

@@ -1,4 +1,4 @@
-#include "support.h"
+#include "tests/foundation/support.h"
 
 @implementation CountingDelegate
 

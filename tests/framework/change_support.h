@@ -2,7 +2,7 @@
 
 // What the tests of external changes need: the other process, and somebody who keeps the notifications.
 
-#include "support.h"
+#include "tests/framework/support.h"
 
 #include <chrono>
 #include <cstdio>

@@ -1,4 +1,4 @@
-#include "change_support.h"
+#include "tests/framework/change_support.h"
 
 #include <cstdlib>
 #include <fcntl.h>

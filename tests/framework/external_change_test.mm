@@ -1,6 +1,6 @@
 // What another process saves: how it is told here, and what becomes of what is in memory here.
 
-#include "change_support.h"
+#include "tests/framework/change_support.h"
 
 #include "frameworks/AddressBook/objc/record.h"
 

@@ -1,6 +1,6 @@
 // Catching by type works in plain Objective-C only.
 
-#import "guard.h"
+#import "tests/framework/guard.h"
 
 NSException* exceptionOf(void (*work)(void*), void* context) {
     @try {

@@ -1,4 +1,4 @@
-#include "support.h"
+#include "tests/framework/support.h"
 
 namespace {
 

@@ -4,7 +4,7 @@
 // things.
 
 #include "frameworks/AddressBook/store/store.h"
-#include "guard.h"
+#include "tests/framework/guard.h"
 
 #import <AddressBook/AddressBook.h>
 #include <filesystem>

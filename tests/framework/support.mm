@@ -1,4 +1,4 @@
-#include "support.h"
+#include "tests/framework/support.h"
 
 #include "frameworks/AddressBook/objc/record.h"
 

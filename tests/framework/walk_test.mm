@@ -1,6 +1,6 @@
 // Walks through long lists, and the lists of a record that are kept while nothing changes.
 
-#include "support.h"
+#include "tests/framework/support.h"
 
 using addressbook::Kind;
 

@@ -1,6 +1,6 @@
 // An application that runs and answers.
 
-#include "support.h"
+#include "tests/scriptingbridge/support.h"
 
 #include <cstdlib>
 #include <unistd.h>

@@ -1,6 +1,6 @@
 // No bus, no application, and applications and buses that do not answer.
 
-#include "support.h"
+#include "tests/scriptingbridge/support.h"
 
 #include <chrono>
 #include <csignal>

@@ -2,8 +2,8 @@
 
 // What the tests of the Scripting Bridge share.
 
-#include "test_bus.h"
 #include "tests/framework/guard.h"
+#include "tests/scriptingbridge/test_bus.h"
 
 #import <ScriptingBridge/ScriptingBridge.h>
 #include <gmock/gmock.h>

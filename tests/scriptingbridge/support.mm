@@ -1,4 +1,4 @@
-#include "support.h"
+#include "tests/scriptingbridge/support.h"
 
 #include <cstdlib>
 #include <fstream>

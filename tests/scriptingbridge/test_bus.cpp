@@ -1,4 +1,4 @@
-#include "test_bus.h"
+#include "tests/scriptingbridge/test_bus.h"
 
 #include <cstdlib>
 #include <fcntl.h>

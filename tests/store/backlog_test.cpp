@@ -1,10 +1,10 @@
 // Small saves leave the search indexes to later ones: nobody may notice but the disk.
 
-#include "builders.h"
 #include "frameworks/AddressBook/store/backlog.h"
 #include "frameworks/AddressBook/store/card.h"
 #include "frameworks/AddressBook/store/schema.h"
-#include "scratch.h"
+#include "tests/store/builders.h"
+#include "tests/store/scratch.h"
 
 #include <gmock/gmock.h>
 #include <sqlite3.h>

@@ -1,7 +1,7 @@
 // check() finds damage that is planted behind the store's back.
 
-#include "builders.h"
-#include "scratch.h"
+#include "tests/store/builders.h"
+#include "tests/store/scratch.h"
 
 #include <gmock/gmock.h>
 #include <sqlite3.h>

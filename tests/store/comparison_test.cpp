@@ -1,9 +1,9 @@
 // What each comparison means, said case by case on records in memory.
 
-#include "builders.h"
 #include "frameworks/AddressBook/store/calendar.h"
 #include "frameworks/AddressBook/store/comparison.h"
-#include "scratch.h"
+#include "tests/store/builders.h"
+#include "tests/store/scratch.h"
 
 #include <cmath>
 #include <ctime>

@@ -2,7 +2,7 @@
 
 // Everything that a book says, to compare it with what it said before; and the bytes of files.
 
-#include "builders.h"
+#include "tests/store/builders.h"
 
 #include <filesystem>
 #include <fstream>

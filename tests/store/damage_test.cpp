@@ -1,10 +1,10 @@
 // Damage of every kind: an error that says so or a book that reads as before, never a crash, never a loss
 // that nobody is told of; and what repair() makes of it.
 
-#include "contents.h"
 #include "frameworks/AddressBook/store/folder.h"
 #include "frameworks/AddressBook/store/repair.h"
-#include "scratch.h"
+#include "tests/store/contents.h"
+#include "tests/store/scratch.h"
 
 #include <gmock/gmock.h>
 #include <sqlite3.h>

@@ -1,9 +1,9 @@
 // How searches are answered: by which index, how much of it is looked at, and that this grows with the hits
 // and not with the book where an index serves.
 
-#include "builders.h"
 #include "frameworks/AddressBook/store/explain.h"
-#include "scratch.h"
+#include "tests/store/builders.h"
+#include "tests/store/scratch.h"
 
 #include <gmock/gmock.h>
 

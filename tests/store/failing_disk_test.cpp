@@ -1,12 +1,12 @@
 // A disk that is full or broken, at whichever write, sync, truncation or opening of a file: nothing is
 // changed, the error says what it is, and the same succeeds later.
 
-#include "contents.h"
-#include "fault_vfs.h"
 #include "frameworks/AddressBook/store/backup.h"
 #include "frameworks/AddressBook/store/folder.h"
 #include "frameworks/AddressBook/store/repair.h"
-#include "scratch.h"
+#include "tests/store/contents.h"
+#include "tests/store/fault_vfs.h"
+#include "tests/store/scratch.h"
 
 #include <gmock/gmock.h>
 #include <sqlite3.h>

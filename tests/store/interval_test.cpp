@@ -1,9 +1,9 @@
 // Searches for the days around today, which look at a part of the index only, find what `matches` finds:
 // across turns of the year, leap days, distant years and time zones.
 
-#include "builders.h"
 #include "frameworks/AddressBook/store/explain.h"
-#include "scratch.h"
+#include "tests/store/builders.h"
+#include "tests/store/scratch.h"
 
 #include <gmock/gmock.h>
 

@@ -2,13 +2,13 @@
 // over into the file, brings an older book up to date, backs up, restores or repairs: the book is as before
 // or as after.
 
-#include "contents.h"
 #include "frameworks/AddressBook/store/backup.h"
 #include "frameworks/AddressBook/store/folder.h"
 #include "frameworks/AddressBook/store/repair.h"
-#include "long_run.h"
-#include "scratch.h"
-#include "system_calls.h"
+#include "tests/store/contents.h"
+#include "tests/store/long_run.h"
+#include "tests/store/scratch.h"
+#include "tests/store/system_calls.h"
 
 #include <gmock/gmock.h>
 #include <signal.h>

@@ -1,8 +1,8 @@
 // A process that is killed at any moment of its saves: what was acknowledged is there, and nothing in part.
 
-#include "builders.h"
-#include "long_run.h"
-#include "scratch.h"
+#include "tests/store/builders.h"
+#include "tests/store/long_run.h"
+#include "tests/store/scratch.h"
 
 #include <gmock/gmock.h>
 #include <signal.h>

@@ -1,12 +1,12 @@
 // What lies beside a book that is not its own, or beside none: it is refused and kept, and nothing of it gets
 // into the book.
 
-#include "contents.h"
 #include "frameworks/AddressBook/store/backup.h"
 #include "frameworks/AddressBook/store/exchange.h"
 #include "frameworks/AddressBook/store/folder.h"
 #include "frameworks/AddressBook/store/repair.h"
-#include "scratch.h"
+#include "tests/store/contents.h"
+#include "tests/store/scratch.h"
 
 #include <gmock/gmock.h>
 #include <signal.h>

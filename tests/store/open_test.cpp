@@ -1,9 +1,9 @@
 // Opening: where the book is, how it comes to be, and everything that can be wrong with it.
 
-#include "builders.h"
 #include "frameworks/AddressBook/store/folder.h"
 #include "frameworks/AddressBook/store/schema.h"
-#include "scratch.h"
+#include "tests/store/builders.h"
+#include "tests/store/scratch.h"
 
 #include <gmock/gmock.h>
 #include <sqlite3.h>

@@ -1,9 +1,9 @@
 // Eight processes in one book: no update is lost, the last one on one property wins, everybody sees
 // everything and nobody hears of locks.
 
-#include "builders.h"
-#include "long_run.h"
-#include "scratch.h"
+#include "tests/store/builders.h"
+#include "tests/store/long_run.h"
+#include "tests/store/scratch.h"
 
 #include <gmock/gmock.h>
 #include <sys/wait.h>

@@ -1,11 +1,11 @@
 // A book on a disk that is mounted for reading only: it is read whole, with what a killed process left, it
 // says that it may only be read, and what others save there is seen.
 
-#include "builders.h"
 #include "frameworks/AddressBook/store/backup.h"
 #include "frameworks/AddressBook/store/folder.h"
-#include "scratch.h"
-#include "system_calls.h"
+#include "tests/store/builders.h"
+#include "tests/store/scratch.h"
+#include "tests/store/system_calls.h"
 
 #include <gmock/gmock.h>
 #include <sqlite3.h>

@@ -1,7 +1,7 @@
 // Reading many records at once, and at one moment.
 
-#include "builders.h"
-#include "scratch.h"
+#include "tests/store/builders.h"
+#include "tests/store/scratch.h"
 
 #include <gtest/gtest.h>
 #include <sqlite3.h>

@@ -1,7 +1,7 @@
 // Every type of value returns from the database as it was.
 
 #include "frameworks/AddressBook/store/store.h"
-#include "scratch.h"
+#include "tests/store/scratch.h"
 
 #include <gmock/gmock.h>
 

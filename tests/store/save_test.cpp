@@ -1,7 +1,7 @@
 // What a save does and does not do, alone and beside other stores on the same folder.
 
-#include "builders.h"
-#include "scratch.h"
+#include "tests/store/builders.h"
+#include "tests/store/scratch.h"
 
 #include <gmock/gmock.h>
 #include <sqlite3.h>

@@ -2,9 +2,9 @@
 // and random queries of every comparison, with and without label, key and value. The seed is printed when
 // they disagree.
 
-#include "builders.h"
 #include "frameworks/AddressBook/store/text.h"
-#include "scratch.h"
+#include "tests/store/builders.h"
+#include "tests/store/scratch.h"
 
 #include <gmock/gmock.h>
 

@@ -1,4 +1,4 @@
-#include "system_calls.h"
+#include "tests/store/system_calls.h"
 
 #include <dlfcn.h>
 #include <fcntl.h>

@@ -1,9 +1,9 @@
 // What a watch tells of a book: every save once and in order, whatever becomes of the folder and the file.
 
-#include "builders.h"
 #include "frameworks/AddressBook/store/watch.h"
-#include "scratch.h"
-#include "system_calls.h"
+#include "tests/store/builders.h"
+#include "tests/store/scratch.h"
+#include "tests/store/system_calls.h"
 
 #include <gmock/gmock.h>
 #include <sqlite3.h>

@@ -1,6 +1,6 @@
 // addressbook check --explain: what it tells of searches, and what it says to those that it cannot read.
 
-#include "program.h"
+#include "tests/tools/program.h"
 
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>

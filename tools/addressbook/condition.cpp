@@ -1,12 +1,12 @@
 // In this order: the table of comparisons, tokens, the parser, conditions as text.
 
-#include "condition.h"
+#include "tools/addressbook/condition.h"
 
-#include "fields.h"
 #include "frameworks/AddressBook/store/text.h"
 #include "frameworks/AddressBook/store/words.h"
 #include "frameworks/AddressBook/vcard/dates.h"
-#include "output.h"
+#include "tools/addressbook/fields.h"
+#include "tools/addressbook/output.h"
 
 #include <algorithm>
 #include <array>

@@ -1,7 +1,7 @@
-#include "explain.h"
+#include "tools/addressbook/explain.h"
 
-#include "condition.h"
 #include "frameworks/AddressBook/store/explain.h"
+#include "tools/addressbook/condition.h"
 
 #include <array>
 

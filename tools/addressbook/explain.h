@@ -3,7 +3,7 @@
 // How searches are answered, for users.
 
 #include "frameworks/AddressBook/store/store.h"
-#include "output.h"
+#include "tools/addressbook/output.h"
 
 namespace addressbook::tool {
 

@@ -1,4 +1,4 @@
-#include "export.h"
+#include "tools/addressbook/export.h"
 
 #include "frameworks/AddressBook/store/text.h"
 #include "frameworks/AddressBook/vcard/vcard.h"

@@ -3,7 +3,7 @@
 // Writing an address book, or a group of it, as vCards.
 
 #include "frameworks/AddressBook/store/store.h"
-#include "output.h"
+#include "tools/addressbook/output.h"
 
 #include <cstddef>
 #include <string>

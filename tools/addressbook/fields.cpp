@@ -1,9 +1,9 @@
-#include "fields.h"
+#include "tools/addressbook/fields.h"
 
 #include "frameworks/AddressBook/store/calendar.h"
 #include "frameworks/AddressBook/store/text.h"
 #include "frameworks/AddressBook/vcard/vcard.h"
-#include "output.h"
+#include "tools/addressbook/output.h"
 
 #include <algorithm>
 #include <array>

@@ -1,4 +1,4 @@
-#include "import.h"
+#include "tools/addressbook/import.h"
 
 #include "frameworks/AddressBook/store/calendar.h"
 #include "frameworks/AddressBook/store/text.h"

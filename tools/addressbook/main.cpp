@@ -1,9 +1,9 @@
 // The program addressbook: an address book from the command line. Data goes to standard output, everything
 // else to standard error.
 
-#include "commands.h"
-#include "condition.h"
-#include "output.h"
+#include "tools/addressbook/commands.h"
+#include "tools/addressbook/condition.h"
+#include "tools/addressbook/output.h"
 
 #include "frameworks/AddressBook/store/store.h"
 

@@ -1,4 +1,4 @@
-#include "output.h"
+#include "tools/addressbook/output.h"
 
 #include <cerrno>
 #include <cstring>

@@ -1,4 +1,4 @@
-#include "show.h"
+#include "tools/addressbook/show.h"
 
 #include <nlohmann/json.hpp>
 

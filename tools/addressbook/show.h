@@ -2,9 +2,9 @@
 
 // Showing records: lists and single ones, as text and as JSON.
 
-#include "fields.h"
 #include "frameworks/AddressBook/store/store.h"
-#include "output.h"
+#include "tools/addressbook/fields.h"
+#include "tools/addressbook/output.h"
 
 #include <vector>
 

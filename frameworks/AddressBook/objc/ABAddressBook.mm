@@ -1,9 +1,9 @@
 #import <AddressBook/ABAddressBook.h>
 
-#include "announcer.h"
-#include "bridge.h"
+#include "frameworks/AddressBook/objc/announcer.h"
+#include "frameworks/AddressBook/objc/bridge.h"
+#include "frameworks/AddressBook/objc/record.h"
 #include "frameworks/Foundation/locale.h"
-#include "record.h"
 
 using namespace addressbook;
 

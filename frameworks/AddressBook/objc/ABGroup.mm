@@ -1,8 +1,8 @@
 #import <AddressBook/ABGroup.h>
 
-#include "bridge.h"
-#include "property_types.h"
-#include "record.h"
+#include "frameworks/AddressBook/objc/bridge.h"
+#include "frameworks/AddressBook/objc/property_types.h"
+#include "frameworks/AddressBook/objc/record.h"
 
 using namespace addressbook;
 

@@ -1,8 +1,8 @@
 #import <AddressBook/ABMultiValue.h>
 
-#include "bridge.h"
-#include "list_entries.h"
-#include "multi_value.h"
+#include "frameworks/AddressBook/objc/bridge.h"
+#include "frameworks/AddressBook/objc/list_entries.h"
+#include "frameworks/AddressBook/objc/multi_value.h"
 
 #include "frameworks/AddressBook/store/store.h"
 

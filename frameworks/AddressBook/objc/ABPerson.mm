@@ -1,9 +1,9 @@
 #import <AddressBook/ABPerson.h>
 
-#include "bridge.h"
+#include "frameworks/AddressBook/objc/bridge.h"
+#include "frameworks/AddressBook/objc/property_types.h"
+#include "frameworks/AddressBook/objc/record.h"
 #include "frameworks/AddressBook/vcard/vcard.h"
-#include "property_types.h"
-#include "record.h"
 
 using namespace addressbook;
 

@@ -1,10 +1,10 @@
 #import <AddressBook/ABMultiValue.h>
 #import <AddressBook/ABRecord.h>
 
-#include "bridge.h"
-#include "display_name.h"
-#include "property_types.h"
-#include "record.h"
+#include "frameworks/AddressBook/objc/bridge.h"
+#include "frameworks/AddressBook/objc/display_name.h"
+#include "frameworks/AddressBook/objc/property_types.h"
+#include "frameworks/AddressBook/objc/record.h"
 
 #include "frameworks/AddressBook/store/card.h"
 

@@ -1,6 +1,6 @@
 #import <AddressBook/ABSearchElement.h>
 
-#include "record.h"
+#include "frameworks/AddressBook/objc/record.h"
 
 using namespace addressbook;
 

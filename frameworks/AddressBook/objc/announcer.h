@@ -2,7 +2,7 @@
 
 // The address book's notifications.
 
-#include "book.h"
+#include "frameworks/AddressBook/objc/book.h"
 
 #import <AddressBook/AddressBook.h>
 

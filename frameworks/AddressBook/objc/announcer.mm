@@ -1,6 +1,6 @@
-#include "announcer.h"
+#include "frameworks/AddressBook/objc/announcer.h"
 
-#include "bridge.h"
+#include "frameworks/AddressBook/objc/bridge.h"
 #include "frameworks/AddressBook/store/watch.h"
 
 #include <chrono>

@@ -1,6 +1,6 @@
 // Saving, and taking notice of what others saved.
 
-#include "book.h"
+#include "frameworks/AddressBook/objc/book.h"
 
 #include <algorithm>
 #include <utility>

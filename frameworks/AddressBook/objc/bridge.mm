@@ -1,9 +1,9 @@
-#include "bridge.h"
+#include "frameworks/AddressBook/objc/bridge.h"
 
+#include "frameworks/AddressBook/objc/multi_value.h"
 #include "frameworks/AddressBook/store/card.h"
 #include "frameworks/AddressBook/store/text.h"
 #include "frameworks/AddressBook/store/words.h"
-#include "multi_value.h"
 
 #import <AddressBook/ABMultiValue.h>
 #include <algorithm>

@@ -1,4 +1,4 @@
-#include "display_name.h"
+#include "frameworks/AddressBook/objc/display_name.h"
 
 namespace addressbook {
 

@@ -1,6 +1,6 @@
 #pragma once
 
-#include "book.h"
+#include "frameworks/AddressBook/objc/book.h"
 
 namespace addressbook {
 

@@ -1,6 +1,6 @@
-#include "list_entries.h"
+#include "frameworks/AddressBook/objc/list_entries.h"
 
-#include "bridge.h"
+#include "frameworks/AddressBook/objc/bridge.h"
 
 #include "frameworks/AddressBook/store/packed_uid.h"
 

@@ -2,7 +2,7 @@
 
 // What the framework itself does with multi-values beyond the public interface.
 
-#include "list_entries.h"
+#include "frameworks/AddressBook/objc/list_entries.h"
 
 #import <AddressBook/ABMultiValue.h>
 

@@ -3,7 +3,7 @@
 // Properties by class: their types, the check of values against them, and searches by them. People and groups
 // differ only in the kind.
 
-#include "record.h"
+#include "frameworks/AddressBook/objc/record.h"
 
 namespace addressbook {
 

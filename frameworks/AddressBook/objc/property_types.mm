@@ -1,6 +1,6 @@
-#include "property_types.h"
+#include "frameworks/AddressBook/objc/property_types.h"
 
-#include "bridge.h"
+#include "frameworks/AddressBook/objc/bridge.h"
 
 namespace addressbook {
 

@@ -1,4 +1,4 @@
-#include "record.h"
+#include "frameworks/AddressBook/objc/record.h"
 
 #include <algorithm>
 

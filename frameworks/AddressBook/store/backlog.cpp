@@ -1,8 +1,8 @@
-#include "backlog.h"
+#include "frameworks/AddressBook/store/backlog.h"
 
-#include "card.h"
-#include "impl.h"
-#include "index.h"
+#include "frameworks/AddressBook/store/card.h"
+#include "frameworks/AddressBook/store/impl.h"
+#include "frameworks/AddressBook/store/index.h"
 
 #include <optional>
 

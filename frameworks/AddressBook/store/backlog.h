@@ -5,7 +5,7 @@
 // values that it replaced; one save in kSavesInBacklog, and each large one, brings the indexes up to date.
 // Until then searches look at those few values themselves.
 
-#include "store.h"
+#include "frameworks/AddressBook/store/store.h"
 
 #include <cstdint>
 #include <map>

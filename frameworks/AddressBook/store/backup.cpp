@@ -1,9 +1,9 @@
-#include "backup.h"
+#include "frameworks/AddressBook/store/backup.h"
 
-#include "exchange.h"
-#include "folder.h"
-#include "impl.h"
-#include "schema.h"
+#include "frameworks/AddressBook/store/exchange.h"
+#include "frameworks/AddressBook/store/folder.h"
+#include "frameworks/AddressBook/store/impl.h"
+#include "frameworks/AddressBook/store/schema.h"
 
 #include <fcntl.h>
 #include <sqlite3.h>

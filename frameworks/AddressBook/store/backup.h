@@ -2,7 +2,7 @@
 
 // Copies of the whole address book, and putting one back.
 
-#include "store.h"
+#include "frameworks/AddressBook/store/store.h"
 
 #include <filesystem>
 #include <stdexcept>

@@ -1,4 +1,4 @@
-#include "calendar.h"
+#include "frameworks/AddressBook/store/calendar.h"
 
 #include <chrono>
 #include <cmath>

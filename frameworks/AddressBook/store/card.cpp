@@ -1,7 +1,7 @@
-#include "card.h"
+#include "frameworks/AddressBook/store/card.h"
 
-#include "packed_uid.h"
-#include "words.h"
+#include "frameworks/AddressBook/store/packed_uid.h"
+#include "frameworks/AddressBook/store/words.h"
 
 #include <algorithm>
 #include <bit>

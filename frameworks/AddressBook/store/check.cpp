@@ -1,9 +1,9 @@
 // Looking for damage: what SQLite can see, and what only the address book knows.
 
-#include "impl.h"
+#include "frameworks/AddressBook/store/impl.h"
 
-#include "card.h"
-#include "index.h"
+#include "frameworks/AddressBook/store/card.h"
+#include "frameworks/AddressBook/store/index.h"
 
 #include <algorithm>
 #include <bit>

@@ -1,7 +1,7 @@
-#include "comparison.h"
+#include "frameworks/AddressBook/store/comparison.h"
 
-#include "property.h"
-#include "text.h"
+#include "frameworks/AddressBook/store/property.h"
+#include "frameworks/AddressBook/store/text.h"
 
 #include <algorithm>
 #include <array>

@@ -1,7 +1,7 @@
-#include "exchange.h"
+#include "frameworks/AddressBook/store/exchange.h"
 
-#include "folder.h"
-#include "leftovers.h"
+#include "frameworks/AddressBook/store/folder.h"
+#include "frameworks/AddressBook/store/leftovers.h"
 
 #include <fcntl.h>
 #include <sqlite3.h>

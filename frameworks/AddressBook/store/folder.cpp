@@ -1,8 +1,8 @@
-#include "folder.h"
+#include "frameworks/AddressBook/store/folder.h"
 
-#include "exchange.h"
-#include "leftovers.h"
-#include "schema.h"
+#include "frameworks/AddressBook/store/exchange.h"
+#include "frameworks/AddressBook/store/leftovers.h"
+#include "frameworks/AddressBook/store/schema.h"
 
 #include <fcntl.h>
 #include <sqlite3.h>

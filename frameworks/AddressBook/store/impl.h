@@ -2,10 +2,10 @@
 
 // What the parts of Store share; included by its sources only.
 
-#include "backlog.h"
-#include "folder.h"
-#include "sql.h"
-#include "store.h"
+#include "frameworks/AddressBook/store/backlog.h"
+#include "frameworks/AddressBook/store/folder.h"
+#include "frameworks/AddressBook/store/sql.h"
+#include "frameworks/AddressBook/store/store.h"
 
 #include <optional>
 #include <string>

@@ -1,8 +1,8 @@
-#include "index.h"
+#include "frameworks/AddressBook/store/index.h"
 
-#include "comparison.h"
-#include "text.h"
-#include "words.h"
+#include "frameworks/AddressBook/store/comparison.h"
+#include "frameworks/AddressBook/store/text.h"
+#include "frameworks/AddressBook/store/words.h"
 
 #include <algorithm>
 #include <bit>

@@ -4,8 +4,8 @@
 // each property's text the trigrams of its folded form. Everything here follows from the cards and can be
 // made again.
 
-#include "sql.h"
-#include "value.h"
+#include "frameworks/AddressBook/store/sql.h"
+#include "frameworks/AddressBook/store/value.h"
 
 #include <cstdint>
 #include <map>

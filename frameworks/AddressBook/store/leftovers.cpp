@@ -1,7 +1,7 @@
-#include "leftovers.h"
+#include "frameworks/AddressBook/store/leftovers.h"
 
-#include "exchange.h"
-#include "folder.h"
+#include "frameworks/AddressBook/store/exchange.h"
+#include "frameworks/AddressBook/store/folder.h"
 
 #include <sqlite3.h>
 #include <sys/stat.h>

@@ -1,4 +1,4 @@
-#include "packed_uid.h"
+#include "frameworks/AddressBook/store/packed_uid.h"
 
 namespace addressbook {
 namespace {

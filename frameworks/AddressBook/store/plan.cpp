@@ -1,7 +1,7 @@
-#include "plan.h"
+#include "frameworks/AddressBook/store/plan.h"
 
-#include "calendar.h"
-#include "text.h"
+#include "frameworks/AddressBook/store/calendar.h"
+#include "frameworks/AddressBook/store/text.h"
 
 #include <algorithm>
 #include <limits>

@@ -1,4 +1,4 @@
-#include "property.h"
+#include "frameworks/AddressBook/store/property.h"
 
 #include <algorithm>
 #include <array>

@@ -1,9 +1,9 @@
 // Reading records, memberships, definitions and the change log.
 
-#include "impl.h"
+#include "frameworks/AddressBook/store/impl.h"
 
-#include "card.h"
-#include "packed_uid.h"
+#include "frameworks/AddressBook/store/card.h"
+#include "frameworks/AddressBook/store/packed_uid.h"
 
 namespace addressbook {
 namespace {

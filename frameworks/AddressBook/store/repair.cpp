@@ -1,13 +1,13 @@
 // In this order: opening what is damaged, reading its records and what refers to them, writing the new book.
 
-#include "repair.h"
+#include "frameworks/AddressBook/store/repair.h"
 
-#include "card.h"
-#include "exchange.h"
-#include "folder.h"
-#include "impl.h"
-#include "leftovers.h"
-#include "packed_uid.h"
+#include "frameworks/AddressBook/store/card.h"
+#include "frameworks/AddressBook/store/exchange.h"
+#include "frameworks/AddressBook/store/folder.h"
+#include "frameworks/AddressBook/store/impl.h"
+#include "frameworks/AddressBook/store/leftovers.h"
+#include "frameworks/AddressBook/store/packed_uid.h"
 
 #include <sqlite3.h>
 

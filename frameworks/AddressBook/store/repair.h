@@ -2,7 +2,7 @@
 
 // Rescuing what can be read of a damaged address book.
 
-#include "store.h"
+#include "frameworks/AddressBook/store/store.h"
 
 #include <filesystem>
 #include <string>

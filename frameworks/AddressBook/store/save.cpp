@@ -1,10 +1,10 @@
 // Saving: one transaction that writes everything or nothing.
 
-#include "impl.h"
+#include "frameworks/AddressBook/store/impl.h"
 
-#include "card.h"
-#include "index.h"
-#include "watch.h"
+#include "frameworks/AddressBook/store/card.h"
+#include "frameworks/AddressBook/store/index.h"
+#include "frameworks/AddressBook/store/watch.h"
 
 #include <algorithm>
 #include <stdexcept>

@@ -1,6 +1,6 @@
-#include "schema.h"
+#include "frameworks/AddressBook/store/schema.h"
 
-#include "text.h"
+#include "frameworks/AddressBook/store/text.h"
 
 namespace addressbook {
 namespace {

@@ -2,11 +2,11 @@
 // compounds join the lists. An index only has to find every record that may match: what decides is always the
 // Matcher.
 
-#include "impl.h"
+#include "frameworks/AddressBook/store/impl.h"
 
-#include "card.h"
-#include "plan.h"
-#include "text.h"
+#include "frameworks/AddressBook/store/card.h"
+#include "frameworks/AddressBook/store/plan.h"
+#include "frameworks/AddressBook/store/text.h"
 
 #include <algorithm>
 #include <iterator>

@@ -1,6 +1,6 @@
-#include "snapshot.h"
+#include "frameworks/AddressBook/store/snapshot.h"
 
-#include "leftovers.h"
+#include "frameworks/AddressBook/store/leftovers.h"
 
 #include <sys/stat.h>
 

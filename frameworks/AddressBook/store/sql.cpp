@@ -1,4 +1,4 @@
-#include "sql.h"
+#include "frameworks/AddressBook/store/sql.h"
 
 #include <sqlite3.h>
 

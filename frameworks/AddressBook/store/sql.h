@@ -3,7 +3,7 @@
 // A thin, owning layer over SQLite: connections, statements that are prepared once, transactions. Every
 // failure leaves here as a StoreError that names the database file.
 
-#include "store.h"
+#include "frameworks/AddressBook/store/store.h"
 
 #include <chrono>
 #include <cstdint>

@@ -1,10 +1,10 @@
 // Opening, unique ids, and what the other parts share.
 
-#include "impl.h"
+#include "frameworks/AddressBook/store/impl.h"
 
-#include "index.h"
-#include "packed_uid.h"
-#include "text.h"
+#include "frameworks/AddressBook/store/index.h"
+#include "frameworks/AddressBook/store/packed_uid.h"
+#include "frameworks/AddressBook/store/text.h"
 
 #include <cerrno>
 #include <mutex>

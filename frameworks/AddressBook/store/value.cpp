@@ -1,4 +1,4 @@
-#include "value.h"
+#include "frameworks/AddressBook/store/value.h"
 
 namespace addressbook {
 

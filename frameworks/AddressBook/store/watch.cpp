@@ -1,4 +1,4 @@
-#include "watch.h"
+#include "frameworks/AddressBook/store/watch.h"
 
 #include <fcntl.h>
 #include <poll.h>

@@ -9,7 +9,7 @@
 // may lie on another machine's disk, of which the kernel tells nothing: it is looked at once a second as
 // well.
 
-#include "store.h"
+#include "frameworks/AddressBook/store/store.h"
 
 #include <atomic>
 #include <cstdint>

@@ -1,6 +1,6 @@
-#include "words.h"
+#include "frameworks/AddressBook/store/words.h"
 
-#include "property.h"
+#include "frameworks/AddressBook/store/property.h"
 
 #include <array>
 #include <unordered_map>

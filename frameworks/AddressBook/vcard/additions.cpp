@@ -1,7 +1,7 @@
-#include "additions.h"
+#include "frameworks/AddressBook/vcard/additions.h"
 
-#include "encoding.h"
-#include "labels.h"
+#include "frameworks/AddressBook/vcard/encoding.h"
+#include "frameworks/AddressBook/vcard/labels.h"
 
 #include <algorithm>
 #include <cstdlib>

@@ -3,9 +3,9 @@
 // What a property line says besides its label and value: which entry is the primary one, and the parameters
 // and group that have to come back with the line when the card is written.
 
-#include "card_lines.h"
-#include "content_line.h"
-#include "vcard.h"
+#include "frameworks/AddressBook/vcard/card_lines.h"
+#include "frameworks/AddressBook/vcard/content_line.h"
+#include "frameworks/AddressBook/vcard/vcard.h"
 
 #include <cstddef>
 #include <limits>

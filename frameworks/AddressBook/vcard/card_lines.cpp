@@ -1,10 +1,10 @@
-#include "card_lines.h"
+#include "frameworks/AddressBook/vcard/card_lines.h"
 
-#include "content_line.h"
-#include "dates.h"
-#include "encoding.h"
-#include "labels.h"
-#include "rules.h"
+#include "frameworks/AddressBook/vcard/content_line.h"
+#include "frameworks/AddressBook/vcard/dates.h"
+#include "frameworks/AddressBook/vcard/encoding.h"
+#include "frameworks/AddressBook/vcard/labels.h"
+#include "frameworks/AddressBook/vcard/rules.h"
 
 #include <algorithm>
 #include <array>

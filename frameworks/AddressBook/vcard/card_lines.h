@@ -2,7 +2,7 @@
 
 // The property lines that say what the address book knows of a card, before unknown lines join them.
 
-#include "vcard.h"
+#include "frameworks/AddressBook/vcard/vcard.h"
 
 #include <cstddef>
 #include <map>

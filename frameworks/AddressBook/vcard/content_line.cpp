@@ -1,6 +1,6 @@
-#include "content_line.h"
+#include "frameworks/AddressBook/vcard/content_line.h"
 
-#include "encoding.h"
+#include "frameworks/AddressBook/vcard/encoding.h"
 
 #include <algorithm>
 #include <array>

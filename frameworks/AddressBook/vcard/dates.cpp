@@ -1,7 +1,7 @@
-#include "dates.h"
+#include "frameworks/AddressBook/vcard/dates.h"
 
-#include "encoding.h"
 #include "frameworks/AddressBook/store/calendar.h"
+#include "frameworks/AddressBook/vcard/encoding.h"
 
 #include <array>
 #include <cstdio>

@@ -1,4 +1,4 @@
-#include "encoding.h"
+#include "frameworks/AddressBook/vcard/encoding.h"
 
 #include "frameworks/AddressBook/store/text.h"
 

@@ -1,6 +1,6 @@
-#include "labels.h"
+#include "frameworks/AddressBook/vcard/labels.h"
 
-#include "encoding.h"
+#include "frameworks/AddressBook/vcard/encoding.h"
 
 #include <algorithm>
 #include <array>

@@ -1,9 +1,9 @@
-#include "line_values.h"
+#include "frameworks/AddressBook/vcard/line_values.h"
 
-#include "dates.h"
-#include "encoding.h"
-#include "labels.h"
-#include "vcard.h"
+#include "frameworks/AddressBook/vcard/dates.h"
+#include "frameworks/AddressBook/vcard/encoding.h"
+#include "frameworks/AddressBook/vcard/labels.h"
+#include "frameworks/AddressBook/vcard/vcard.h"
 
 #include <algorithm>
 

@@ -3,8 +3,8 @@
 // The values that single property lines hold. A function named "take" removes the parameters that it
 // understands from the line; what is left of them has to be kept otherwise.
 
-#include "content_line.h"
-#include "rules.h"
+#include "frameworks/AddressBook/vcard/content_line.h"
+#include "frameworks/AddressBook/vcard/rules.h"
 
 #include "frameworks/AddressBook/store/value.h"
 

@@ -1,7 +1,7 @@
-#include "lines.h"
+#include "frameworks/AddressBook/vcard/lines.h"
 
-#include "encoding.h"
-#include "vcard.h"
+#include "frameworks/AddressBook/vcard/encoding.h"
+#include "frameworks/AddressBook/vcard/vcard.h"
 
 namespace addressbook::vcard {
 

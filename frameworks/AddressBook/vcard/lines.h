@@ -3,7 +3,7 @@
 // The second layer of reading: lines of the file into whole property lines, with the folds, the soft line
 // breaks of quoted-printable values and the blocks of base64 data joined.
 
-#include "text_source.h"
+#include "frameworks/AddressBook/vcard/text_source.h"
 
 #include <cstddef>
 #include <string>

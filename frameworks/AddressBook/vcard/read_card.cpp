@@ -1,14 +1,14 @@
 // Reading order: readCard at the end, then CardReader from its run() down.
 
-#include "read_card.h"
+#include "frameworks/AddressBook/vcard/read_card.h"
 
-#include "additions.h"
-#include "card_lines.h"
-#include "encoding.h"
 #include "frameworks/AddressBook/store/store.h"
-#include "labels.h"
-#include "line_values.h"
-#include "rules.h"
+#include "frameworks/AddressBook/vcard/additions.h"
+#include "frameworks/AddressBook/vcard/card_lines.h"
+#include "frameworks/AddressBook/vcard/encoding.h"
+#include "frameworks/AddressBook/vcard/labels.h"
+#include "frameworks/AddressBook/vcard/line_values.h"
+#include "frameworks/AddressBook/vcard/rules.h"
 
 #include <algorithm>
 #include <set>

@@ -2,8 +2,8 @@
 
 // The last layer of reading: the property lines of one card into the values of a person or a group.
 
-#include "content_line.h"
-#include "vcard.h"
+#include "frameworks/AddressBook/vcard/content_line.h"
+#include "frameworks/AddressBook/vcard/vcard.h"
 
 #include <variant>
 #include <vector>

@@ -1,10 +1,10 @@
 // The reader: finds the cards in a file and keeps going after a bad one.
 
-#include "content_line.h"
-#include "encoding.h"
-#include "lines.h"
-#include "read_card.h"
-#include "vcard.h"
+#include "frameworks/AddressBook/vcard/content_line.h"
+#include "frameworks/AddressBook/vcard/encoding.h"
+#include "frameworks/AddressBook/vcard/lines.h"
+#include "frameworks/AddressBook/vcard/read_card.h"
+#include "frameworks/AddressBook/vcard/vcard.h"
 
 #include <utility>
 

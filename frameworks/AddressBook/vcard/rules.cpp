@@ -1,4 +1,4 @@
-#include "rules.h"
+#include "frameworks/AddressBook/vcard/rules.h"
 
 #include <algorithm>
 #include <array>

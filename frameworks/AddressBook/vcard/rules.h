@@ -4,7 +4,7 @@
 // written.
 
 #include "frameworks/AddressBook/store/property.h"
-#include "labels.h"
+#include "frameworks/AddressBook/vcard/labels.h"
 
 #include <span>
 #include <string_view>

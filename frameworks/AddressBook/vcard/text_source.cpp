@@ -1,7 +1,7 @@
-#include "text_source.h"
+#include "frameworks/AddressBook/vcard/text_source.h"
 
 #include "frameworks/AddressBook/store/text.h"
-#include "vcard.h"
+#include "frameworks/AddressBook/vcard/vcard.h"
 
 #include <algorithm>
 #include <istream>

@@ -1,5 +1,5 @@
-#include "encoding.h"
-#include "vcard.h"
+#include "frameworks/AddressBook/vcard/encoding.h"
+#include "frameworks/AddressBook/vcard/vcard.h"
 
 #include <boost/uuid/name_generator_sha1.hpp>
 #include <boost/uuid/string_generator.hpp>

@@ -1,9 +1,9 @@
 // Writing: the lines that the address book knows, joined by those that it only keeps.
 
-#include "card_lines.h"
-#include "content_line.h"
-#include "encoding.h"
-#include "vcard.h"
+#include "frameworks/AddressBook/vcard/card_lines.h"
+#include "frameworks/AddressBook/vcard/content_line.h"
+#include "frameworks/AddressBook/vcard/encoding.h"
+#include "frameworks/AddressBook/vcard/vcard.h"
 
 #include <map>
 

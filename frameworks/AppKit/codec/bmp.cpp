@@ -1,4 +1,4 @@
-#include "bmp.h"
+#include "frameworks/AppKit/codec/bmp.h"
 
 #include <cstddef>
 #include <cstdint>

@@ -1,7 +1,7 @@
-#include "codec.h"
+#include "frameworks/AppKit/codec/codec.h"
 
-#include "decode.h"
-#include "encode.h"
+#include "frameworks/AppKit/codec/decode.h"
+#include "frameworks/AppKit/codec/encode.h"
 
 namespace appkit {
 

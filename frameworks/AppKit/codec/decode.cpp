@@ -1,9 +1,9 @@
 // From the bottom up: which format, reading, where the pixels belong, the samples.
 
-#include "decode.h"
+#include "frameworks/AppKit/codec/decode.h"
 
-#include "bmp.h"
-#include "library.h"
+#include "frameworks/AppKit/codec/bmp.h"
+#include "frameworks/AppKit/codec/library.h"
 
 #include <algorithm>
 #include <cstring>

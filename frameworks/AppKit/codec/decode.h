@@ -1,6 +1,6 @@
 #pragma once
 
-#include "codec.h"
+#include "frameworks/AppKit/codec/codec.h"
 
 namespace appkit {
 

@@ -1,6 +1,6 @@
-#include "encode.h"
+#include "frameworks/AppKit/codec/encode.h"
 
-#include "library.h"
+#include "frameworks/AppKit/codec/library.h"
 
 #include <algorithm>
 #include <cmath>

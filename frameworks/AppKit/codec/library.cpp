@@ -1,4 +1,4 @@
-#include "library.h"
+#include "frameworks/AppKit/codec/library.h"
 
 #include <cstdio>
 #include <mutex>

@@ -3,7 +3,7 @@
 // GraphicsMagick, set up for pictures that come from anywhere: the codec is chosen here, never by a file's
 // name; no disk, no threads, no signal handlers, no picture beyond the limits.
 
-#include "codec.h"
+#include "frameworks/AppKit/codec/codec.h"
 
 #include <magick/api.h>
 #include <memory>

@@ -1,7 +1,7 @@
 #import <AppKit/NSBitmapImageRep.h>
 
-#include "bitmap.h"
-#include "codec_loader.h"
+#include "frameworks/AppKit/objc/bitmap.h"
+#include "frameworks/AppKit/objc/codec_loader.h"
 
 #include <bit>
 #include <memory>

@@ -1,6 +1,6 @@
 #import <AppKit/NSImage.h>
 
-#include "bitmap.h"
+#include "frameworks/AppKit/objc/bitmap.h"
 
 using namespace appkit;
 

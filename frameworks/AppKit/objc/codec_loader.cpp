@@ -1,4 +1,4 @@
-#include "codec_loader.h"
+#include "frameworks/AppKit/objc/codec_loader.h"
 
 #include <cstdio>
 #include <dlfcn.h>

@@ -1,5 +1,5 @@
 // A plug-in that behaves, with functions that show what arrives and functions that misbehave when asked to.
-#include "TestPlugin.h"
+#include "tests/host/loader/TestPlugin.h"
 
 #include <chrono>
 #include <new>

@@ -1,4 +1,4 @@
-#include "support.h"
+#include "tests/host/wrapper/support.h"
 
 #include "host/wrapper/host_hooks.h"
 

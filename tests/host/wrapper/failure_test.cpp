@@ -1,5 +1,5 @@
 // What a failure of the library looks like to a plug-in, and the hook that makes one.
-#include "support.h"
+#include "tests/host/wrapper/support.h"
 
 #include "host/wrapper/host_hooks.h"
 

@@ -1,4 +1,4 @@
-#include "support.h"
+#include "tests/host/wrapper/support.h"
 
 fmx::TextAutoPtr hostText(std::u16string_view text) {
     fmx::TextAutoPtr result;
