@@ -1,10 +1,10 @@
 #include "bench/host/calculations.h"
 
-#include "host/calc/External.h"
-#include "host/calc/Parser.h"
-#include "host/calc/Session.h"
-#include "host/loader/PluginHost.h"
-#include "host/values/Text.h"
+#include "host/calc/function_registry.h"
+#include "host/calc/parser.h"
+#include "host/calc/session.h"
+#include "host/loader/plugin_host.h"
+#include "host/values/text.h"
 
 #include <map>
 #include <stdexcept>

@@ -1,8 +1,8 @@
 // The command line.
-#include "host/console/CalcTest.h"
-#include "host/console/Commands.h"
-#include "host/console/Host.h"
-#include "host/console/Prompt.h"
+#include "host/console/calc_test.h"
+#include "host/console/commands.h"
+#include "host/console/host.h"
+#include "host/console/prompt.h"
 
 #include <CLI/CLI.hpp>
 #include <iostream>

@@ -1,5 +1,5 @@
-#include "host/values/ContainerFile.h"
-#include "tests/host/calc/CalcTable.h"
+#include "host/values/container_file.h"
+#include "tests/host/calc/calc_table.h"
 
 namespace host {
 

@@ -1,6 +1,6 @@
 // The exact texts of errors, the places they name, and the limits.
-#include "host/calc/Parser.h"
-#include "tests/host/calc/CalcTable.h"
+#include "host/calc/parser.h"
+#include "tests/host/calc/calc_table.h"
 
 namespace host {
 namespace {

@@ -1,5 +1,5 @@
-#include "host/calc/Builtins.h"
-#include "tests/host/calc/CalcTable.h"
+#include "host/calc/builtins.h"
+#include "tests/host/calc/calc_table.h"
 
 #include <set>
 

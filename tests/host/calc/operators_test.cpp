@@ -1,4 +1,4 @@
-#include "tests/host/calc/CalcTable.h"
+#include "tests/host/calc/calc_table.h"
 
 namespace host {
 namespace {

@@ -1,4 +1,4 @@
-#include "host/console/CalcTest.h"
+#include "host/console/calc_test.h"
 
 #include <gtest/gtest.h>
 

@@ -1,5 +1,5 @@
 // Files in containers, through the program: the steps that read and write them, and what plug-ins make.
-#include "tests/host/console/Program.h"
+#include "tests/host/console/program.h"
 
 #include <filesystem>
 #include <gmock/gmock.h>

@@ -1,6 +1,6 @@
-#include "host/console/InputReader.h"
+#include "host/console/input_reader.h"
 
-#include "host/calc/Session.h"
+#include "host/calc/session.h"
 
 #include <gtest/gtest.h>
 

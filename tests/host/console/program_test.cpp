@@ -1,5 +1,5 @@
 // The program from the outside: what it prints where, and its exit status.
-#include "tests/host/console/Program.h"
+#include "tests/host/console/program.h"
 
 #include <gmock/gmock.h>
 

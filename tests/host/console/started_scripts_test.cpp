@@ -1,5 +1,5 @@
 // Scripts that plug-ins start, and pauses, through the program.
-#include "tests/host/console/Program.h"
+#include "tests/host/console/program.h"
 
 #include <chrono>
 #include <gmock/gmock.h>

@@ -1,5 +1,5 @@
 // A plug-in that goes wrong at start-up, in the way that BAD_PLUGIN says.
-#include "tests/host/loader/TestPlugin.h"
+#include "tests/host/loader/test_plugin.h"
 
 #include <stdexcept>
 

@@ -1,5 +1,5 @@
 // A plug-in that behaves, with functions that show what arrives and functions that misbehave when asked to.
-#include "tests/host/loader/TestPlugin.h"
+#include "tests/host/loader/test_plugin.h"
 
 #include <chrono>
 #include <new>

@@ -1,6 +1,6 @@
-#include "host/calc/Parser.h"
-#include "host/loader/PluginHost.h"
-#include "host/values/Text.h"
+#include "host/calc/parser.h"
+#include "host/loader/plugin_host.h"
+#include "host/values/text.h"
 #include "host/wrapper/host_hooks.h"
 
 #include <chrono>

@@ -1,5 +1,5 @@
-#include "host/script/ScriptRunner.h"
-#include "host/values/Text.h"
+#include "host/script/script_runner.h"
+#include "host/values/text.h"
 
 #include <chrono>
 #include <cstdlib>

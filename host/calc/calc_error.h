@@ -1,0 +1,66 @@
+// What goes wrong with a calculation: the kinds, the codes, and the one exception that carries them.
+#pragma once
+
+#include "host/calc/source.h"
+
+#include <exception>
+#include <optional>
+#include <string>
+
+namespace host {
+
+enum class ErrorKind {
+    incomplete, // the text ends too early: more input can make it right
+    syntax,     // the text can not be understood
+    evaluation, // the text was understood, and its evaluation failed
+};
+
+// The codes that EvaluationError and a plug-in's evaluation report; the numbers are FileMaker's own.
+enum class CalcCode : int {
+    generic = 1200,
+    tooFewArguments = 1201,
+    tooManyArguments = 1202,
+    unexpectedEnd = 1203,
+    valueExpected = 1204,
+    unterminatedComment = 1205,
+    unterminatedText = 1206,
+    unbalancedParenthesis = 1207,
+    operatorOrFunctionExpected = 1208,
+    nameMissing = 1209,
+    listNotAllowed = 1211,
+    badGetArgument = 1215,
+};
+
+// The kind that a code belongs to while a text is being parsed.
+constexpr ErrorKind parseErrorKind(CalcCode code) {
+    return code == CalcCode::unexpectedEnd || code == CalcCode::unterminatedComment ||
+                   code == CalcCode::unterminatedText
+               ? ErrorKind::incomplete
+               : ErrorKind::syntax;
+}
+
+// An error at a place of a source. what() is the message alone, in UTF-8.
+class CalcError : public std::exception {
+  public:
+    CalcError(ErrorKind kind, CalcCode code, SourcePtr source, size_t offset, std::string message);
+
+    ErrorKind kind() const { return kind_; }
+    CalcCode code() const { return code_; }
+    Place place() const { return source_->place(offset_); }
+    const char* what() const noexcept override { return message_.c_str(); }
+
+    // "name:line:column: message", without "name:" for a text that has none.
+    std::string summary() const;
+
+    // The summary, then the line with a caret under the place; no line end at the end.
+    std::string report() const;
+
+  private:
+    ErrorKind kind_;
+    CalcCode code_;
+    SourcePtr source_;
+    size_t offset_;
+    std::string message_;
+};
+
+} // namespace host

@@ -1,0 +1,170 @@
+#include "host/calc/evaluator.h"
+
+#include "host/calc/operations.h"
+#include "host/values/text.h"
+
+namespace host {
+
+namespace {
+
+// Counts a level of evaluation for as long as it lives.
+class Level {
+  public:
+    explicit Level(int& depth) : depth_(depth) { ++depth_; }
+    ~Level() { --depth_; }
+    Level(const Level&) = delete;
+    Level& operator=(const Level&) = delete;
+
+  private:
+    int& depth_;
+};
+
+} // namespace
+
+Evaluator::Evaluator(Session& session, const Calculation& calculation)
+    : session_(session), calculation_(calculation), slots_(calculation.slots) {}
+
+void Evaluator::fail(const Node& node, std::string message) const {
+    throw CalcError(ErrorKind::evaluation, CalcCode::generic, calculation_.source, node.begin,
+                    std::move(message));
+}
+
+Value Evaluator::evaluate(const Node& node) {
+    const Level level(session_.depth_);
+    if (session_.depth_ > kMaxEvaluationDepth) {
+        fail(node, "the evaluation is nested too deeply: at most " + std::to_string(kMaxEvaluationDepth) +
+                       " levels");
+    }
+    if (session_.interrupted_.load(std::memory_order_relaxed)) {
+        fail(node, "stopped");
+    }
+    try {
+        return std::visit([&](const auto& form) { return evaluateForm(node, form); }, node.form);
+    } catch (const NumberError&) { // a division by zero, a number of too many digits
+        return Value::invalid();
+    }
+}
+
+Value Evaluator::evaluateForm(const Node& /*node*/, const Literal& form) {
+    return form.value;
+}
+
+Value Evaluator::evaluateForm(const Node& /*node*/, const Variable& form) {
+    const Value* value = session_.variable(form.key);
+    return value == nullptr ? Value() : *value;
+}
+
+Value Evaluator::evaluateForm(const Node& /*node*/, const Slot& form) {
+    return slots_[form.index];
+}
+
+Value Evaluator::evaluateForm(const Node& /*node*/, const Unary& form) {
+    return applyUnary(form.op, evaluate(*form.operand));
+}
+
+// `and` and `or` leave out what can not change the answer; a chain of & makes one text.
+Value Evaluator::evaluateForm(const Node& /*node*/, const Chain& form) {
+    if (form.rest.front().op == Operator::join) {
+        return joined(form);
+    }
+    Value left = evaluate(*form.first);
+    for (const Chain::Link& link : form.rest) {
+        const bool decided = (link.op == Operator::logicalAnd && !left.asBoolean()) ||
+                             (link.op == Operator::logicalOr && left.asBoolean());
+        left = decided ? truth(link.op == Operator::logicalOr)
+                       : applyBinary(link.op, left, evaluate(link.operand));
+    }
+    return left;
+}
+
+Value Evaluator::joined(const Chain& chain) {
+    std::u16string text;
+    appendText(text, evaluate(*chain.first));
+    for (const Chain::Link& link : chain.rest) {
+        appendText(text, evaluate(link.operand));
+    }
+    return Value::text(std::move(text));
+}
+
+std::vector<Value> Evaluator::evaluateAll(std::span<const Node> nodes) {
+    std::vector<Value> values;
+    values.reserve(nodes.size());
+    for (const Node& node : nodes) {
+        values.push_back(evaluate(node));
+    }
+    return values;
+}
+
+Value Evaluator::evaluateForm(const Node& /*node*/, const BuiltinCall& form) {
+    if (form.function->lazy != nullptr) {
+        return form.function->lazy(*this, form.arguments);
+    }
+    return form.function->eager(session_, evaluateAll(form.arguments));
+}
+
+ExternalFunctionPtr Evaluator::function(const Node& node, const ExternalCall& call) const {
+    if (!call.function->registered()) {
+        const ExternalFunctionPtr again = session_.functions_.find(call.key);
+        if (again == nullptr) {
+            fail(node, toUtf8(call.function->name()) + " is no longer registered");
+        }
+        if (!again->accepts(call.arguments.size())) {
+            fail(node, toUtf8(again->name()) + " no longer takes " + std::to_string(call.arguments.size()) +
+                           " arguments: " + toUtf8(again->prototype()));
+        }
+        call.function = again;
+    }
+    return call.function;
+}
+
+Value Evaluator::evaluateForm(const Node& node, const ExternalCall& form) {
+    std::vector<Value> arguments = evaluateAll(form.arguments);
+    const ExternalFunctionPtr callee = function(node, form);
+    try {
+        return callee->call(session_, arguments);
+    } catch (const ExternalFailure& failure) {
+        fail(node, toUtf8(callee->name()) + " failed: " + failure.what());
+    }
+}
+
+Value Evaluator::evaluateForm(const Node& node, const Brackets& /*form*/) {
+    fail(node, "a list in brackets has no value of its own");
+}
+
+void Evaluator::assign(const std::vector<Assignment>& assignments) {
+    for (const Assignment& assignment : assignments) {
+        Value value = evaluate(assignment.value);
+        if (const auto* slot = std::get_if<Slot>(&assignment.target)) {
+            slots_[slot->index] = std::move(value);
+        } else {
+            session_.setVariable(std::get<Variable>(assignment.target).key, std::move(value));
+        }
+    }
+}
+
+Value Evaluator::evaluateForm(const Node& /*node*/, const Let& form) {
+    assign(form.assignments);
+    return evaluate(*form.result);
+}
+
+Value Evaluator::evaluateForm(const Node& /*node*/, const While& form) {
+    for (const Assignment& assignment : form.logic) { // what an outer loop's last turn left behind
+        if (const auto* slot = std::get_if<Slot>(&assignment.target)) {
+            slots_[slot->index] = Value();
+        }
+    }
+    assign(form.start);
+    for (int turns = 0; evaluate(*form.condition).asBoolean(); ++turns) {
+        if (turns == kMaxTurns) {
+            return Value::invalid();
+        }
+        assign(form.logic);
+    }
+    return evaluate(*form.result);
+}
+
+Value Evaluator::evaluateForm(const Node& /*node*/, const Get& form) {
+    return form.row->function(session_);
+}
+
+} // namespace host

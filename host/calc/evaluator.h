@@ -1,0 +1,49 @@
+// Walks a parsed calculation and computes its value.
+#pragma once
+
+#include "host/calc/ast.h"
+#include "host/calc/session.h"
+
+#include <span>
+#include <vector>
+
+namespace host {
+
+// One evaluation of one calculation.
+class Evaluator {
+  public:
+    Evaluator(Session& session, const Calculation& calculation);
+
+    // The calculation's value. Throws CalcError.
+    Value run() { return evaluate(calculation_.root); }
+
+    Value evaluate(const Node& node);
+    Session& session() { return session_; }
+
+    // Throws the error that a calculation at [node] can not be evaluated.
+    [[noreturn]] void fail(const Node& node, std::string message) const;
+
+  private:
+    Value evaluateForm(const Node& node, const Literal& form);
+    Value evaluateForm(const Node& node, const Variable& form);
+    Value evaluateForm(const Node& node, const Slot& form);
+    Value evaluateForm(const Node& node, const Unary& form);
+    Value evaluateForm(const Node& node, const Chain& form);
+    Value evaluateForm(const Node& node, const BuiltinCall& form);
+    Value evaluateForm(const Node& node, const ExternalCall& form);
+    Value evaluateForm(const Node& node, const Brackets& form);
+    Value evaluateForm(const Node& node, const Let& form);
+    Value evaluateForm(const Node& node, const While& form);
+    Value evaluateForm(const Node& node, const Get& form);
+
+    std::vector<Value> evaluateAll(std::span<const Node> nodes);
+    Value joined(const Chain& chain);
+    void assign(const std::vector<Assignment>& assignments);
+    ExternalFunctionPtr function(const Node& node, const ExternalCall& call) const;
+
+    Session& session_;
+    const Calculation& calculation_;
+    std::vector<Value> slots_;
+};
+
+} // namespace host

@@ -1,0 +1,229 @@
+#include "host/calc/lexer.h"
+
+#include "host/values/text.h"
+
+#include <cstdio>
+#include <unicode/uchar.h>
+#include <unicode/utf16.h>
+
+namespace host {
+
+namespace {
+
+constexpr char16_t kReturn = u'\r';
+constexpr char16_t kParagraphMark = u'\u00B6';
+constexpr char16_t kOpenCurlyQuote = u'\u201C';
+constexpr char16_t kCloseCurlyQuote = u'\u201D';
+
+bool isDigit(char16_t c) {
+    return c >= u'0' && c <= u'9';
+}
+
+// A no-break space counts: text pasted from a page is full of them.
+bool isBlank(char16_t c) {
+    return c == u' ' || (c >= u'\t' && c <= u'\r') || c == u'\u00A0' || c == u'\uFEFF';
+}
+
+bool equalsIgnoringCase(std::u16string_view word, std::u16string_view lower) {
+    return std::equal(word.begin(), word.end(), lower.begin(), lower.end(), [](char16_t a, char16_t b) {
+        return a == b || (a >= u'A' && a <= u'Z' && a - u'A' + u'a' == b);
+    });
+}
+
+struct Mark {
+    char16_t character;
+    TokenKind kind;
+};
+
+constexpr Mark kMarks[] = {
+    {u'(', TokenKind::leftParen},    {u')', TokenKind::rightParen}, {u'[', TokenKind::leftBracket},
+    {u']', TokenKind::rightBracket}, {u';', TokenKind::semicolon},  {u':', TokenKind::colon},
+};
+
+} // namespace
+
+bool startsName(char32_t c) {
+    return c == U'_' || c == U'~' || c == U'@' || c == U'#' || u_isalpha(static_cast<UChar32>(c));
+}
+
+bool continuesName(char32_t c) {
+    const auto character = static_cast<UChar32>(c);
+    return startsName(c) || c == U'.' || u_isalnum(character) ||
+           (U_GET_GC_MASK(character) & U_GC_M_MASK) != 0; // accents of decomposed letters
+}
+
+char16_t Lexer::peek(size_t ahead) const {
+    const std::u16string_view text = source_->text();
+    return at_ + ahead < text.size() ? text[at_ + ahead] : u'\0';
+}
+
+char32_t Lexer::codePoint() const {
+    const char16_t lead = peek();
+    return U16_IS_LEAD(lead) && U16_IS_TRAIL(peek(1)) ? U16_GET_SUPPLEMENTARY(lead, peek(1)) : lead;
+}
+
+void Lexer::fail(CalcCode code, size_t offset, std::string message) const {
+    throw CalcError(parseErrorKind(code), code, source_, offset, std::move(message));
+}
+
+Token Lexer::next() {
+    skipBlanks();
+    Token token;
+    token.begin = at_;
+    if (at_ == source_->text().size()) {
+        token.end = at_;
+        return token;
+    }
+    const char16_t c = peek();
+    if (c == u'"') {
+        readText(token);
+    } else if (c == kOpenCurlyQuote) {
+        readQuoted(token);
+    } else if (isDigit(c) || (c == u'.' && isDigit(peek(1)))) {
+        readNumber(token);
+    } else if (c == u'$' || startsName(codePoint())) {
+        readWord(token);
+    } else {
+        readSymbol(token);
+    }
+    token.end = at_;
+    return token;
+}
+
+void Lexer::skipBlanks() {
+    const size_t size = source_->text().size();
+    while (at_ < size) {
+        if (isBlank(peek())) {
+            ++at_;
+        } else if (peek() == u'/' && peek(1) == u'/') {
+            while (at_ < size && peek() != u'\r' && peek() != u'\n') {
+                ++at_;
+            }
+        } else if (peek() == u'/' && peek(1) == u'*') {
+            const size_t close = source_->text().find(u"*/", at_ + 2);
+            if (close == std::u16string_view::npos) {
+                fail(CalcCode::unterminatedComment, at_, "this comment is not closed; expected \"*/\"");
+            }
+            at_ = close + 2;
+        } else {
+            return;
+        }
+    }
+}
+
+// Inside quotes a backslash keeps a quote, a backslash and a paragraph mark; a bare paragraph mark and every
+// line end stand for a return.
+void Lexer::readText(Token& token) {
+    token.kind = TokenKind::text;
+    const size_t size = source_->text().size();
+    for (++at_; at_ < size; ++at_) {
+        const char16_t c = peek();
+        const char16_t after = peek(1);
+        if (c == u'"') {
+            ++at_;
+            return;
+        }
+        if (c == u'\\' && (after == u'"' || after == u'\\' || after == kParagraphMark)) {
+            token.text += after;
+            ++at_;
+        } else if (c == kParagraphMark || c == u'\n') {
+            token.text += kReturn;
+        } else if (c == u'\r') {
+            token.text += kReturn;
+            at_ += after == u'\n' ? 1 : 0;
+        } else {
+            token.text += c;
+        }
+    }
+    fail(CalcCode::unterminatedText, token.begin, "this text is not closed; expected \"\\\"\"");
+}
+
+void Lexer::readQuoted(Token& token) {
+    const size_t close = source_->text().find(kCloseCurlyQuote, at_);
+    if (close == std::u16string_view::npos) {
+        fail(CalcCode::unterminatedText, token.begin, "this name is not closed; expected \"\u201D\"");
+    }
+    token.kind = TokenKind::quoted;
+    token.text = source_->text().substr(at_ + 1, close - at_ - 1);
+    at_ = close + 1;
+}
+
+void Lexer::readNumber(Token& token) {
+    token.kind = TokenKind::number;
+    while (isDigit(peek())) {
+        ++at_;
+    }
+    if (peek() == u'.') {
+        ++at_;
+        while (isDigit(peek())) {
+            ++at_;
+        }
+    }
+    if (peek() == u'e' || peek() == u'E') {
+        const size_t sign = peek(1) == u'+' || peek(1) == u'-' ? 1 : 0;
+        if (isDigit(peek(1 + sign))) {
+            at_ += 1 + sign;
+            while (isDigit(peek())) {
+                ++at_;
+            }
+        }
+    }
+    token.text = source_->text().substr(token.begin, at_ - token.begin);
+}
+
+void Lexer::readWord(Token& token) {
+    token.kind = peek() == u'$' ? TokenKind::variable : TokenKind::identifier;
+    while (peek() == u'$' && at_ - token.begin < 2) {
+        ++at_;
+    }
+    const size_t name = at_;
+    for (char32_t c = codePoint(); at_ < source_->text().size() && continuesName(c); c = codePoint()) {
+        at_ += U16_LENGTH(c);
+    }
+    if (at_ == name) {
+        fail(CalcCode::nameMissing, at_, "expected the name of a variable after \"$\"");
+    }
+    token.text = source_->text().substr(token.begin, at_ - token.begin);
+    for (const OperatorRow& row : kOperators) {
+        if (isWord(row) && equalsIgnoringCase(token.text, row.spelling)) {
+            token.kind = TokenKind::symbol;
+            token.op = &row;
+        }
+    }
+}
+
+void Lexer::readSymbol(Token& token) {
+    const std::u16string_view rest = source_->text().substr(at_);
+    if (rest[0] == kParagraphMark) {
+        token.kind = TokenKind::text;
+        token.text = kReturn;
+        ++at_;
+        return;
+    }
+    for (const Mark& mark : kMarks) {
+        if (rest[0] == mark.character) {
+            token.kind = mark.kind;
+            ++at_;
+            return;
+        }
+    }
+    for (const OperatorRow& row : kOperators) {
+        if (!isWord(row) && rest.starts_with(row.spelling)) {
+            token.kind = TokenKind::symbol;
+            token.op = &row;
+            at_ += row.spelling.size();
+            return;
+        }
+    }
+    const char32_t c = codePoint();
+    if (c > U' ' && c != 0x7F && !U16_IS_SURROGATE(c)) {
+        fail(CalcCode::operatorOrFunctionExpected, at_,
+             "a calculation has no use for the character \"" + toUtf8(rest.substr(0, U16_LENGTH(c))) + "\"");
+    }
+    char number[16];
+    std::snprintf(number, sizeof number, "U+%04X", static_cast<unsigned>(c));
+    fail(CalcCode::operatorOrFunctionExpected, at_,
+         std::string("a calculation has no use for the character ") + number);
+}
+
+} // namespace host

@@ -1,0 +1,101 @@
+#include "host/calc/function_groups.h"
+#include "host/calc/lists.h"
+#include "host/values/text.h"
+
+#include <algorithm>
+
+namespace host {
+
+namespace {
+
+using Arguments = std::span<const Value>;
+
+// The values that are not empty, with returns between them.
+Value list(Session& /*session*/, Arguments in) {
+    std::u16string result;
+    bool first = true;
+    for (const Value& value : in) {
+        const std::u16string text = value.asText();
+        if (text.empty()) {
+            continue;
+        }
+        result += first ? u"" : u"\r";
+        result += text;
+        first = false;
+    }
+    return Value::text(result);
+}
+
+Value getValue(Session& /*session*/, Arguments in) {
+    const std::u16string text = in[0].asText();
+    const auto values = listValues(text);
+    const int64_t wanted = integer(in[1]);
+    return wanted >= 1 && static_cast<size_t>(wanted) <= values.size()
+               ? Value::text(values[static_cast<size_t>(wanted) - 1])
+               : Value();
+}
+
+Value valueCount(Session& /*session*/, Arguments in) {
+    const std::u16string text = in[0].asText();
+    return integerValue(static_cast<int64_t>(listValues(text).size()));
+}
+
+// Values [start] (from 0) up to but without [end] of a list; each is followed by a return.
+Value part(const Value& from, size_t start, size_t end) {
+    const std::u16string text = from.asText();
+    auto values = listValues(text);
+    values.resize(std::min(values.size(), end));
+    values.erase(values.begin(),
+                 values.begin() + static_cast<std::ptrdiff_t>(std::min(values.size(), start)));
+    return Value::text(terminatedList(values));
+}
+
+Value leftValues(Session& /*session*/, Arguments in) {
+    return part(in[0], 0, count(in[1]));
+}
+
+Value rightValues(Session& /*session*/, Arguments in) {
+    const std::u16string text = in[0].asText();
+    const size_t size = listValues(text).size();
+    return part(in[0], size - std::min(size, count(in[1])), size);
+}
+
+Value middleValues(Session& /*session*/, Arguments in) {
+    const int64_t start = std::max<int64_t>(integer(in[1]), 1) - 1;
+    const size_t wanted = count(in[2]);
+    const auto from = static_cast<size_t>(start);
+    return part(in[0], from, wanted > SIZE_MAX - from ? SIZE_MAX : from + wanted);
+}
+
+// The values of a list that also stand in another one; letter case does not count.
+Value filterValues(Session& /*session*/, Arguments in) {
+    const std::u16string text = in[0].asText();
+    const std::u16string allowedText = foldCase(in[1].asText());
+    auto allowed = listValues(allowedText);
+    std::sort(allowed.begin(), allowed.end());
+    std::vector<std::u16string_view> kept;
+    for (const std::u16string_view value : listValues(text)) {
+        if (std::binary_search(allowed.begin(), allowed.end(), std::u16string_view(foldCase(value)))) {
+            kept.push_back(value);
+        }
+    }
+    return Value::text(terminatedList(kept));
+}
+
+constexpr Builtin kFunctions[] = {
+    {u"FilterValues ( list ; allowedValues )", filterValues},
+    {u"GetValue ( list ; valueNumber )", getValue},
+    {u"LeftValues ( list ; numberOfValues )", leftValues},
+    {u"List ( value {; value ... } )", list},
+    {u"MiddleValues ( list ; start ; numberOfValues )", middleValues},
+    {u"RightValues ( list ; numberOfValues )", rightValues},
+    {u"ValueCount ( list )", valueCount},
+};
+
+} // namespace
+
+std::span<const Builtin> listFunctions() {
+    return kFunctions;
+}
+
+} // namespace host

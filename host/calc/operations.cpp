@@ -1,0 +1,142 @@
+#include "host/calc/operations.h"
+
+#include "host/values/text.h"
+
+#include <optional>
+
+namespace host {
+
+namespace {
+
+bool isDateOrTime(ValueType type) {
+    return type == ValueType::date || type == ValueType::time || type == ValueType::timestamp;
+}
+
+// The type of a sum or difference: a day, a time or a moment moved by a number stays one. The distance of two
+// is a number.
+ValueType resultType(Operator op, ValueType left, ValueType right) {
+    if (isDateOrTime(left) && !isDateOrTime(right)) {
+        return left;
+    }
+    if (op == Operator::add && isDateOrTime(right) && !isDateOrTime(left)) {
+        return right;
+    }
+    return ValueType::number;
+}
+
+Number compute(Operator op, const Number& left, const Number& right) {
+    switch (op) {
+    case Operator::add:
+        return left + right;
+    case Operator::subtract:
+        return left - right;
+    case Operator::multiply:
+        return left * right;
+    case Operator::divide:
+        return left / right;
+    default:
+        return Number::power(left, right);
+    }
+}
+
+Value arithmetic(Operator op, const Value& left, const Value& right) {
+    if (!left.isValid() || !right.isValid()) {
+        return Value::invalid();
+    }
+    const Value number =
+        Value::number(compute(op, left.asNumber().value_or(0), right.asNumber().value_or(0)));
+    const bool isSum = op == Operator::add || op == Operator::subtract;
+    return isSum ? number.convertedTo(resultType(op, left.type(), right.type())) : number;
+}
+
+// The number to compare with a value of [other]'s type; nothing when [value] has none.
+std::optional<Number> comparable(const Value& value, ValueType other) {
+    if (value.type() == ValueType::text && isDateOrTime(other)) {
+        const Value read = value.convertedTo(other);
+        return read.isValid() ? read.asNumber() : std::nullopt;
+    }
+    return value.asNumber();
+}
+
+// By their names, then by all they hold, so that only containers with the same streams are equal.
+std::strong_ordering compareContainers(const Value& left, const Value& right) {
+    const auto names = compareIgnoringCase(left.asText(), right.asText());
+    return names != 0 ? names : left.asContainer() <=> right.asContainer();
+}
+
+bool holds(Operator op, std::strong_ordering order) {
+    switch (op) {
+    case Operator::equal:
+        return order == 0;
+    case Operator::notEqual:
+        return order != 0;
+    case Operator::less:
+        return order < 0;
+    case Operator::lessOrEqual:
+        return order <= 0;
+    case Operator::greater:
+        return order > 0;
+    default:
+        return order >= 0;
+    }
+}
+
+} // namespace
+
+Value truth(bool value) {
+    return Value::number(value ? 1 : 0);
+}
+
+Value applyUnary(Operator op, const Value& operand) {
+    if (!operand.isValid()) {
+        return operand;
+    }
+    if (op == Operator::logicalNot) {
+        return truth(!operand.asBoolean());
+    }
+    return op == Operator::add ? operand : Value::number(-operand.asNumber().value_or(0));
+}
+
+Value applyBinary(Operator op, const Value& left, const Value& right) {
+    switch (op) {
+    case Operator::logicalAnd:
+        return truth(left.asBoolean() && right.asBoolean());
+    case Operator::logicalOr:
+        return truth(left.asBoolean() || right.asBoolean());
+    case Operator::logicalXor:
+        return truth(left.asBoolean() != right.asBoolean());
+    case Operator::power:
+    case Operator::multiply:
+    case Operator::divide:
+    case Operator::add:
+    case Operator::subtract:
+        return arithmetic(op, left, right);
+    default:
+        return truth(holds(op, compareValues(left, right)));
+    }
+}
+
+std::strong_ordering compareValues(const Value& left, const Value& right) {
+    if (left.type() == ValueType::container && right.type() == ValueType::container) {
+        return compareContainers(left, right);
+    }
+    if (left.type() != ValueType::text || right.type() != ValueType::text) {
+        const std::optional<Number> leftNumber = comparable(left, right.type());
+        const std::optional<Number> rightNumber = comparable(right, left.type());
+        if (leftNumber && rightNumber) {
+            return *leftNumber <=> *rightNumber;
+        }
+        return compareIgnoringCase(left.asText(), right.asText());
+    }
+    return compareIgnoringCase(left.storedText(), right.storedText());
+}
+
+void appendText(std::u16string& text, const Value& value) {
+    if (value.type() == ValueType::text) {
+        text += value.storedText();
+    } else {
+        text += value.asText();
+    }
+}
+
+} // namespace host

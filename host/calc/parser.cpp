@@ -1,0 +1,412 @@
+// Reading order: the rules from the outside in (calculation, expression, operand, primary), then names and
+// calls, then the forms with a syntax of their own, then errors.
+#include "host/calc/parser.h"
+
+#include "host/calc/suggest.h"
+#include "host/values/text.h"
+
+namespace host {
+
+namespace {
+
+constexpr std::string_view kValueWanted =
+    "a value (a number, a text in quotes, a variable, a function or \"(\")";
+
+// Counts a level of nesting for as long as it lives.
+class Deeper {
+  public:
+    explicit Deeper(int& depth) : depth_(depth) { ++depth_; }
+    ~Deeper() { --depth_; }
+    Deeper(const Deeper&) = delete;
+    Deeper& operator=(const Deeper&) = delete;
+
+  private:
+    int& depth_;
+};
+
+NodePtr box(Node node) {
+    return std::make_unique<Node>(std::move(node));
+}
+
+std::string countText(int count) {
+    return std::to_string(count) + (count == 1 ? " argument" : " arguments");
+}
+
+std::string rangeText(int least, int most) {
+    if (most == ExternalFunction::kAnyNumber) {
+        return "at least " + countText(least);
+    }
+    if (least == most) {
+        return least == 0 ? "no arguments" : countText(least);
+    }
+    return std::to_string(least) + " to " + std::to_string(most) + " arguments";
+}
+
+} // namespace
+
+Calculation parseCalculation(const SourcePtr& source, const FunctionRegistry& functions) {
+    Parser parser(source, 0, functions);
+    Calculation result = parser.calculation();
+    if (parser.current().kind != TokenKind::end) {
+        parser.failExpected("an operator or the end of the calculation",
+                            CalcCode::operatorOrFunctionExpected);
+    }
+    return result;
+}
+
+bool isBlankCalculation(const SourcePtr& source) {
+    return Lexer(source, 0).next().kind == TokenKind::end;
+}
+
+Parser::Parser(SourcePtr source, size_t offset, const FunctionRegistry& functions)
+    : lexer_(std::move(source), offset), functions_(functions), token_(lexer_.next()) {}
+
+Calculation Parser::calculation() {
+    names_.clear();
+    slots_ = 0;
+    Calculation result{source(), {}, 0};
+    result.root = expression();
+    result.slots = slots_;
+    return result;
+}
+
+// Binary operators from [minimumLevel] up. The right side of an operator is read one level up, so that what
+// follows it is weaker or of its own level, and a chain takes all of its own level.
+Node Parser::expression(int minimumLevel) {
+    Node left = operand();
+    while (token_.kind == TokenKind::symbol && token_.op->level >= minimumLevel) {
+        const int chainLevel = token_.op->level;
+        const size_t begin = left.begin;
+        Chain chain{box(std::move(left)), {}};
+        while (token_.kind == TokenKind::symbol && token_.op->level == chainLevel) {
+            const Operator op = token_.op->meaning;
+            advance();
+            chain.rest.push_back({op, expression(chainLevel + 1)});
+        }
+        left = Node{begin, std::move(chain)};
+    }
+    return left;
+}
+
+// A sign or `not`, which bind less than ^ and more than *.
+Node Parser::operand() {
+    const Deeper level(depth_);
+    if (depth_ > kMaxNesting) {
+        fail(token_.begin, CalcCode::generic,
+             "this calculation is nested too deeply: at most " + std::to_string(kMaxNesting) + " levels");
+    }
+    const bool isSign = token_.kind == TokenKind::symbol &&
+                        (token_.op->meaning == Operator::subtract || token_.op->meaning == Operator::add ||
+                         token_.op->meaning == Operator::logicalNot);
+    if (!isSign) {
+        return primary();
+    }
+    const size_t begin = token_.begin;
+    const Operator op = token_.op->meaning;
+    advance();
+    return Node{begin, Unary{op, box(expression(level::kPower))}};
+}
+
+Node Parser::primary() {
+    const size_t begin = token_.begin;
+    switch (token_.kind) {
+    case TokenKind::text:
+    case TokenKind::number:
+        return textOrNumber();
+    case TokenKind::variable: {
+        Node node{begin, Variable{foldName(token_.text)}};
+        advance();
+        return node;
+    }
+    case TokenKind::identifier:
+        return named();
+    case TokenKind::leftParen: {
+        advance();
+        Node inner = expression();
+        expect(TokenKind::rightParen, "an operator or \")\"");
+        return inner;
+    }
+    case TokenKind::leftBracket:
+        fail(begin, CalcCode::listNotAllowed,
+             "a list in brackets is not allowed here; expected " + std::string(kValueWanted));
+    default:
+        failExpected(kValueWanted, CalcCode::valueExpected);
+    }
+}
+
+Node Parser::textOrNumber() {
+    const Token token = std::move(token_);
+    advance();
+    if (token.kind == TokenKind::text) {
+        return Node{token.begin, Literal{Value::text(token.text)}};
+    }
+    try {
+        return Node{token.begin, Literal{Value::number(Number::fromText(token.text))}};
+    } catch (const NumberError& error) {
+        fail(token.begin, CalcCode::valueExpected,
+             std::string("this number can not be kept: ") + error.what());
+    }
+}
+
+// A name: of this calculation, of the language, of a plug-in, in this order.
+Node Parser::named() {
+    const Token token = std::move(token_);
+    advance();
+    const std::u16string key = foldName(token.text);
+    if (token_.kind != TokenKind::leftParen) {
+        for (size_t i = names_.size(); i > 0; --i) {
+            if (names_[i - 1].key == key) {
+                return Node{token.begin, Slot{names_[i - 1].slot}};
+            }
+        }
+    }
+    if (const Builtin* builtin = findBuiltin(key)) {
+        switch (builtin->form) {
+        case BuiltinForm::let:
+            return letForm(token.begin);
+        case BuiltinForm::loop:
+            return whileForm(token.begin);
+        case BuiltinForm::get:
+            return getForm(token.begin);
+        case BuiltinForm::eager:
+        case BuiltinForm::lazy:
+            return call(*builtin, token.begin);
+        }
+    }
+    if (const ExternalFunctionPtr function = functions_.find(key)) {
+        return call(function, token.begin);
+    }
+    if (token_.kind == TokenKind::colon) {
+        fail(token.begin, CalcCode::operatorOrFunctionExpected,
+             "\"" + toUtf8(token.text) + "\" reads like a field: there are no tables here, use a $variable");
+    }
+    const bool isCall = token_.kind == TokenKind::leftParen;
+    fail(token.begin, CalcCode::operatorOrFunctionExpected,
+         std::string(isCall ? "there is no function called " : "there is no function or variable called ") +
+             toUtf8(token.text) + suggestion(token.text));
+}
+
+Node Parser::call(const Builtin& function, size_t begin) {
+    const bool listForm = function.prototype.find(u'[') != std::u16string_view::npos;
+    std::vector<Node> given = arguments(function.name(), listForm);
+    checkCount(function.name(), function.prototype, function.least(), function.most(), given.size(), begin);
+    if (listForm) {
+        checkSubstitute(given, begin);
+    }
+    return Node{begin, BuiltinCall{&function, std::move(given)}};
+}
+
+Node Parser::call(const ExternalFunctionPtr& function, size_t begin) {
+    std::vector<Node> given = arguments(function->name(), false);
+    checkCount(function->name(), function->prototype(), function->least(), function->most(), given.size(),
+               begin);
+    return Node{begin, ExternalCall{foldName(function->name()), function, std::move(given)}};
+}
+
+// The arguments in parentheses; a call without parentheses has none.
+std::vector<Node> Parser::arguments(std::u16string_view function, bool allowBrackets) {
+    std::vector<Node> result;
+    if (!accept(TokenKind::leftParen) || accept(TokenKind::rightParen)) {
+        return result;
+    }
+    do {
+        const bool bracketed = allowBrackets && token_.kind == TokenKind::leftBracket;
+        result.push_back(bracketed ? brackets() : expression());
+    } while (accept(TokenKind::semicolon));
+    expect(TokenKind::rightParen, "an operator, \";\" or the \")\" of " + toUtf8(function));
+    return result;
+}
+
+Node Parser::brackets() {
+    const size_t begin = token_.begin;
+    advance();
+    Brackets result;
+    do {
+        result.items.push_back(expression());
+    } while (accept(TokenKind::semicolon));
+    expect(TokenKind::rightBracket, "an operator, \";\" or \"]\"");
+    return Node{begin, std::move(result)};
+}
+
+// Either text ; search ; replacement, or text ; [ search ; replacement ] any number of times.
+void Parser::checkSubstitute(const std::vector<Node>& given, size_t begin) const {
+    constexpr std::string_view kForms =
+        "Substitute takes ( text ; search ; replacement ) or ( text ; [ search ; replacement ] ... )";
+    const bool lists = std::holds_alternative<Brackets>(given[1].form);
+    for (size_t i = 0; i < given.size(); ++i) {
+        const auto* pair = std::get_if<Brackets>(&given[i].form);
+        if ((pair != nullptr) != (lists && i > 0) || (pair != nullptr && pair->items.size() != 2)) {
+            fail(given[i].begin, CalcCode::listNotAllowed, std::string(kForms));
+        }
+    }
+    if (!lists && given.size() != 3) {
+        fail(begin, given.size() < 3 ? CalcCode::tooFewArguments : CalcCode::tooManyArguments,
+             std::string(kForms));
+    }
+}
+
+void Parser::openCall(std::u16string_view function) {
+    expect(TokenKind::leftParen, "\"(\" after " + toUtf8(function));
+}
+
+Node Parser::letForm(size_t begin) {
+    openCall(u"Let");
+    const size_t scope = names_.size();
+    Let let;
+    let.assignments = assignments(scope);
+    expect(TokenKind::semicolon, "an operator or \";\" before the result of Let");
+    let.result = box(expression());
+    expect(TokenKind::rightParen, "an operator or the \")\" of Let");
+    names_.resize(scope);
+    return Node{begin, std::move(let)};
+}
+
+Node Parser::whileForm(size_t begin) {
+    openCall(u"While");
+    const size_t scope = names_.size();
+    While loop;
+    loop.start = assignments(scope);
+    expect(TokenKind::semicolon, "an operator or \";\" before the condition of While");
+    loop.condition = box(expression());
+    expect(TokenKind::semicolon, "an operator or \";\" before the logic of While");
+    loop.logic = assignments(scope);
+    expect(TokenKind::semicolon, "an operator or \";\" before the result of While");
+    loop.result = box(expression());
+    expect(TokenKind::rightParen, "an operator or the \")\" of While");
+    names_.resize(scope);
+    return Node{begin, std::move(loop)};
+}
+
+Node Parser::getForm(size_t begin) {
+    openCall(u"Get");
+    if (token_.kind != TokenKind::identifier) {
+        failExpected("the name of what to get, for instance LastError", CalcCode::badGetArgument);
+    }
+    const GetRow* row = findGet(foldName(token_.text));
+    if (row == nullptr) {
+        Suggestion nearest(token_.text);
+        for (const GetRow& candidate : getRows()) {
+            nearest.consider(candidate.name);
+        }
+        fail(token_.begin, CalcCode::badGetArgument,
+             "Get knows no " + toUtf8(token_.text) + nearest.question());
+    }
+    advance();
+    expect(TokenKind::rightParen, "the \")\" of Get");
+    return Node{begin, Get{row}};
+}
+
+// One assignment, or several in brackets; brackets may be empty.
+std::vector<Assignment> Parser::assignments(size_t scope) {
+    std::vector<Assignment> result;
+    if (!accept(TokenKind::leftBracket)) {
+        result.push_back(assignment(scope));
+        return result;
+    }
+    if (accept(TokenKind::rightBracket)) {
+        return result;
+    }
+    do {
+        result.push_back(assignment(scope));
+    } while (accept(TokenKind::semicolon));
+    expect(TokenKind::rightBracket, "an operator, \";\" or \"]\"");
+    return result;
+}
+
+Assignment Parser::assignment(size_t scope) {
+    if (token_.kind != TokenKind::identifier && token_.kind != TokenKind::variable) {
+        failExpected("the name of a variable", CalcCode::nameMissing);
+    }
+    const bool isVariable = token_.kind == TokenKind::variable;
+    std::u16string key = foldName(token_.text);
+    advance();
+    if (token_.kind != TokenKind::symbol || token_.op->meaning != Operator::equal) {
+        failExpected("\"=\" after the name of a variable", CalcCode::operatorOrFunctionExpected);
+    }
+    advance();
+    Node value = expression(); // read before the name is known: it may use an outer one of the same name
+    if (isVariable) {
+        return {Variable{std::move(key)}, std::move(value)};
+    }
+    return {Slot{define(std::move(key), scope)}, std::move(value)};
+}
+
+// The slot of a name of the form whose names start at [scope]; a new one when the form has no such name yet.
+uint32_t Parser::define(std::u16string key, size_t scope) {
+    for (size_t i = names_.size(); i > scope; --i) {
+        if (names_[i - 1].key == key) {
+            return names_[i - 1].slot;
+        }
+    }
+    names_.push_back({std::move(key), slots_});
+    return slots_++;
+}
+
+bool Parser::accept(TokenKind kind) {
+    if (token_.kind != kind) {
+        return false;
+    }
+    advance();
+    return true;
+}
+
+void Parser::expect(TokenKind kind, std::string_view what) {
+    if (!accept(kind)) {
+        const bool unbalanced = kind == TokenKind::rightParen || kind == TokenKind::rightBracket;
+        failExpected(what,
+                     unbalanced ? CalcCode::unbalancedParenthesis : CalcCode::operatorOrFunctionExpected);
+    }
+}
+
+bool Parser::acceptWord(std::u16string_view word) {
+    if (token_.kind != TokenKind::identifier || foldName(token_.text) != word) {
+        return false;
+    }
+    advance();
+    return true;
+}
+
+void Parser::checkCount(std::u16string_view name, std::u16string_view prototype, int least, int most,
+                        size_t given, size_t begin) const {
+    const bool tooFew = static_cast<int>(given) < least;
+    if (!tooFew && (most == ExternalFunction::kAnyNumber || static_cast<int>(given) <= most)) {
+        return;
+    }
+    fail(begin, tooFew ? CalcCode::tooFewArguments : CalcCode::tooManyArguments,
+         toUtf8(name) + " takes " + rangeText(least, most) + ", " + std::to_string(given) +
+             " given: " + toUtf8(prototype));
+}
+
+std::string Parser::suggestion(std::u16string_view name) const {
+    Suggestion nearest(name);
+    for (const ScopedName& known : names_) {
+        nearest.consider(known.key);
+    }
+    for (const Builtin& builtin : builtins()) {
+        nearest.consider(builtin.name());
+    }
+    for (const auto& [key, function] : functions_.all()) {
+        nearest.consider(function->name());
+    }
+    return nearest.question();
+}
+
+std::string Parser::describe(const Token& token) const {
+    constexpr size_t kShown = 40;
+    const std::u16string_view text = source()->text().substr(token.begin, token.end - token.begin);
+    return text.size() <= kShown ? toUtf8(text) : toUtf8(text.substr(0, kShown)) + "\u2026";
+}
+
+void Parser::failExpected(std::string_view what, CalcCode code) const {
+    const std::string expected = "expected " + std::string(what);
+    if (token_.kind == TokenKind::end) {
+        fail(token_.begin, CalcCode::unexpectedEnd, expected + ", found the end");
+    }
+    fail(token_.begin, code, expected + ", found " + describe(token_));
+}
+
+void Parser::fail(size_t offset, CalcCode code, std::string message) const {
+    throw CalcError(parseErrorKind(code), code, source(), offset, std::move(message));
+}
+
+} // namespace host

@@ -1,0 +1,82 @@
+// Reads calculations. Recursive descent over the operator table; every name is looked up while reading.
+#pragma once
+
+#include "host/calc/ast.h"
+#include "host/calc/lexer.h"
+
+#include <string_view>
+#include <vector>
+
+namespace host {
+
+// Parentheses, calls and signs may stand inside each other this deep.
+inline constexpr int kMaxNesting = 250;
+
+// Parses the whole of [source] as one calculation. Throws CalcError (incomplete or syntax).
+Calculation parseCalculation(const SourcePtr& source, const FunctionRegistry& functions);
+
+// True when a text holds nothing but white space and comments. Throws CalcError as parsing does.
+bool isBlankCalculation(const SourcePtr& source);
+
+// A reader of tokens and calculations; script steps read their brackets with it as well.
+class Parser {
+  public:
+    Parser(SourcePtr source, size_t offset, const FunctionRegistry& functions);
+
+    // One calculation, up to the first token that does not belong to it.
+    Calculation calculation();
+
+    const Token& current() const { return token_; }
+    void advance() { token_ = lexer_.next(); }
+
+    // Takes the current token when it is of [kind].
+    bool accept(TokenKind kind);
+
+    // Takes the current token, or fails with "expected [what]".
+    void expect(TokenKind kind, std::string_view what);
+
+    // Takes the current token when it is the word [word] (folded).
+    bool acceptWord(std::u16string_view word);
+
+    // Fails at the current token: incomplete when it is the end, else syntax with [code].
+    [[noreturn]] void failExpected(std::string_view what, CalcCode code) const;
+    [[noreturn]] void fail(size_t offset, CalcCode code, std::string message) const;
+
+  private:
+    struct ScopedName {
+        std::u16string key;
+        uint32_t slot;
+    };
+
+    Node expression(int minimumLevel = level::kOr);
+    Node operand();
+    Node primary();
+    Node named();
+    Node call(const Builtin& function, size_t begin);
+    Node call(const ExternalFunctionPtr& function, size_t begin);
+    Node letForm(size_t begin);
+    Node whileForm(size_t begin);
+    Node getForm(size_t begin);
+    Node textOrNumber();
+    std::vector<Node> arguments(std::u16string_view function, bool brackets);
+    Node brackets();
+    std::vector<Assignment> assignments(size_t scope);
+    Assignment assignment(size_t scope);
+    uint32_t define(std::u16string key, size_t scope);
+    void openCall(std::u16string_view function);
+    void checkSubstitute(const std::vector<Node>& arguments, size_t begin) const;
+    void checkCount(std::u16string_view name, std::u16string_view prototype, int least, int most,
+                    size_t given, size_t begin) const;
+    std::string suggestion(std::u16string_view name) const;
+    std::string describe(const Token& token) const;
+    SourcePtr source() const { return lexer_.source(); }
+
+    Lexer lexer_;
+    const FunctionRegistry& functions_;
+    Token token_;
+    std::vector<ScopedName> names_;
+    uint32_t slots_ = 0;
+    int depth_ = 0;
+};
+
+} // namespace host

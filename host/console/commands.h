@@ -1,0 +1,31 @@
+// What the commands of the program do once the command line is read. Data goes to standard output. Errors
+// that end a command are thrown: LoadError, FileError, CalcError.
+#pragma once
+
+#include "host/console/exit_code.h"
+#include "host/console/host.h"
+
+#include <string>
+#include <vector>
+
+namespace host {
+
+// parse for a calculation that can not be understood, failure for one that can not be evaluated.
+ExitCode exitCodeOf(const CalcError& error);
+
+// The plug-in's functions, ranges first; with [all] those of the language too.
+ExitCode listFunctions(const Host& host, bool all, bool asJson);
+
+ExitCode showInfo(const Host& host);
+
+// Each in turn, one result a line; "-" stands for the calculations on standard input.
+ExitCode evaluateAll(Host& host, const std::vector<std::string>& calculations);
+
+// [script] is a file, or a name in the host's folder of scripts. With [showResult] the script's result is
+// printed.
+ExitCode runScript(Host& host, const std::string& script, const std::string& parameter, bool showResult);
+
+// Each file in a host of its own; several files each in a process of its own as well.
+ExitCode runTests(const HostOptions& options, const std::vector<std::string>& files);
+
+} // namespace host

@@ -1,0 +1,107 @@
+#include "host/console/host.h"
+
+#include "host/console/show.h"
+#include "host/values/text.h"
+
+#include <algorithm>
+#include <cstdlib>
+#include <iostream>
+#include <thread>
+
+namespace host {
+
+namespace fs = std::filesystem;
+
+fs::path defaultPlugin() {
+    if (const char* path = std::getenv("FMHOST_PLUGIN"); path != nullptr && *path != '\0') {
+        return path;
+    }
+    std::error_code error;
+    const fs::path program = fs::read_symlink("/proc/self/exe", error);
+    return program.parent_path().parent_path() / "lib" / "Velocard";
+}
+
+Host::Host(const HostOptions& options)
+    : library_(options.scripts, session_.functions()), runner_(session_, library_, *this),
+      plugins_(session_,
+               [this](const std::u16string& file, const std::u16string& script, const Value& parameter) {
+                   const auto found = library_.find(file, script);
+                   if (!found) {
+                       return kScriptMissing;
+                   }
+                   queue_.push({*found, parameter});
+                   return 0;
+               }),
+      trace_(options.trace) {
+    if (options.plugin) {
+        plugin_ = &plugins_.load(*options.plugin, options.hostVersion);
+    }
+    printWarnings();
+}
+
+Value Host::run(const fs::path& script, Value parameter) {
+    return runner_.run(script, std::move(parameter));
+}
+
+bool Host::idle(IdleLevel level) {
+    bool ran = false;
+    plugins_.idle(level);
+    while (runner_.canRun()) {
+        const auto request = queue_.pop();
+        if (!request) {
+            break;
+        }
+        ran = true;
+        runStarted(*request);
+    }
+    printWarnings();
+    return ran;
+}
+
+void Host::runStarted(const ScriptQueue::Request& request) {
+    try {
+        runner_.run(request.file, request.parameter);
+        return;
+    } catch (const CalcError& error) {
+        std::cerr << error.report() << std::endl;
+    } catch (const FileError& error) {
+        std::cerr << "fmhost: " << error.what() << std::endl;
+    }
+    startedScriptFailed_ = true;
+}
+
+// A paused script leaves the host to the plug-ins, and to the scripts that they start. One of these that runs
+// longer than the pause makes it longer.
+void Host::paused(std::chrono::duration<double> time) {
+    using Clock = std::chrono::steady_clock;
+    constexpr auto kInterval = std::chrono::milliseconds(50);
+    const auto end = Clock::now() + std::chrono::duration_cast<Clock::duration>(time);
+    idle(IdleLevel::scriptPaused);
+    while (Clock::now() < end && !session_.interruptFlag()) {
+        std::this_thread::sleep_for(std::min<Clock::duration>(kInterval, end - Clock::now()));
+        idle(IdleLevel::scriptPaused);
+    }
+}
+
+void Host::dialog(const Value& title, const Value& message) {
+    const std::string head = severalLines(title);
+    const std::string body = severalLines(message);
+    std::cout << head << (head.empty() || body.empty() ? "" : "\n") << body << std::endl;
+}
+
+// A step as it stands in the script, the value below it.
+void Host::evaluated(const Script& script, const Step& step, const Value& result) {
+    if (trace_) {
+        const std::string value = oneLine(result);
+        std::cout << toUtf8(script.source->text().substr(step.begin, step.end - step.begin)) << "\n    \u2192"
+                  << (value.empty() ? "" : " ") << value << std::endl;
+    }
+}
+
+void Host::printWarnings() {
+    for (const std::string& warning : plugins_.takeWarnings()) {
+        std::cerr << "fmhost: " << warning << std::endl;
+    }
+}
+
+} // namespace host

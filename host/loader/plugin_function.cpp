@@ -1,0 +1,46 @@
+#include "host/loader/plugin_function.h"
+
+#include "host/calc/session.h"
+#include "host/loader/conversion.h"
+
+#include <algorithm>
+#include <new>
+
+namespace host {
+
+namespace {
+
+bool holdsContainer(std::span<const Value> values) {
+    return std::any_of(values.begin(), values.end(),
+                       [](const Value& value) { return value.type() == ValueType::container; });
+}
+
+} // namespace
+
+Value PluginFunction::call(Session& session, std::span<Value> arguments) {
+    try {
+        const CallFrames::Lease frame(frames_);
+        frame->arguments->Clear();
+        for (const Value& argument : arguments) {
+            setData(*frame->argument, argument, frame->tools);
+            frame->arguments->PushBack(*frame->argument);
+        }
+        frame->result->Clear();
+        const fmx::errcode code =
+            handler_(identity_.id, *frame->environment, *frame->arguments, *frame->result);
+        session.setLastError(code);
+        Value result = code == 0 ? valueOf(*frame->result) : Value::invalid();
+        if (holdsContainer(arguments) || result.type() == ValueType::container) {
+            frame->release(); // large ones are not kept until the next call
+        }
+        return result;
+    } catch (const std::bad_alloc&) {
+        throw ExternalFailure("out of memory");
+    } catch (const std::exception& error) {
+        throw ExternalFailure(error.what());
+    } catch (...) {
+        throw ExternalFailure("it threw something that is no standard exception");
+    }
+}
+
+} // namespace host

@@ -1,0 +1,199 @@
+// FM_Data_*.
+#include "FMWrapper/FMXData.h"
+
+#include "host/wrapper/guard.h"
+#include "host/wrapper/objects.h"
+
+using fmx::_fmxcpt;
+using fmx::Data;
+using fmx::errcode;
+using fmx::int32;
+using host::guarded;
+using host::inside;
+using host::outside;
+using host::self;
+using host::Value;
+using host::ValueType;
+
+// The native types are the types of a value, and one more: a number that is true or false.
+static_assert(static_cast<int>(ValueType::invalid) == Data::kDTInvalid);
+static_assert(static_cast<int>(ValueType::text) == Data::kDTText);
+static_assert(static_cast<int>(ValueType::number) == Data::kDTNumber);
+static_assert(static_cast<int>(ValueType::date) == Data::kDTDate);
+static_assert(static_cast<int>(ValueType::time) == Data::kDTTime);
+static_assert(static_cast<int>(ValueType::timestamp) == Data::kDTTimeStamp);
+static_assert(static_cast<int>(ValueType::container) == Data::kDTBinary);
+
+namespace host {
+
+namespace {
+
+// Throws for a number that is no native type.
+ValueType typeFor(int32 nativeType) {
+    if (nativeType < Data::kDTInvalid || nativeType > Data::kDTBoolean) {
+        throw std::invalid_argument("no native type has that number");
+    }
+    return nativeType == Data::kDTBoolean ? ValueType::number : static_cast<ValueType>(nativeType);
+}
+
+} // namespace
+
+void DataObject::store(Value value, int32 nativeType) {
+    value_ = std::move(value);
+    nativeType_ = value_.isValid() ? nativeType : int32{Data::kDTInvalid};
+    text_.reset();
+    number_.reset();
+    date_.reset();
+    time_.reset();
+    timestamp_.reset();
+}
+
+errcode DataObject::set(const Value& value, int32 nativeType) {
+    Value converted = value.convertedTo(typeFor(nativeType));
+    if (nativeType == Data::kDTBoolean && converted.isValid() && !converted.isEmpty()) {
+        converted = Value::number(converted.asBoolean() ? 1 : 0);
+    }
+    store(std::move(converted), nativeType);
+    return value_.isValid() ? kSucceeded : kNotThatType;
+}
+
+void DataObject::clear(int32 nativeType) {
+    store(Value::empty(typeFor(nativeType)), nativeType);
+}
+
+const std::u16string& DataObject::text() const {
+    if (value_.type() == ValueType::text) {
+        return value_.storedText();
+    }
+    if (!text_) {
+        text_ = value_.asText();
+    }
+    return *text_;
+}
+
+const FixPtObject& DataObject::number() const {
+    if (!number_) {
+        assign(number_.emplace(), value_.asNumber().value_or(Number()));
+    }
+    return *number_;
+}
+
+const DateTime& DataObject::moment(std::optional<DateTime>& kept,
+                                   std::optional<DateTime> (Value::*read)() const) const {
+    if (!kept) {
+        kept = (value_.*read)().value_or(DateTime());
+    }
+    return *kept;
+}
+
+} // namespace host
+
+Data* FM_Data_Constructor1(_fmxcpt& block) noexcept {
+    return guarded(block, [] { return host::made<Data>(); });
+}
+void FM_Data_Delete(void* object, _fmxcpt&) noexcept {
+    host::destroy<Data>(object);
+}
+
+bool FM_Data_IsEmpty(const void* object, _fmxcpt& block) noexcept {
+    return guarded(block, [&] { return self<Data>(object).value().isEmpty(); });
+}
+bool FM_Data_IsValid(const void* object, _fmxcpt& block) noexcept {
+    return guarded(block, [&] { return self<Data>(object).value().isValid(); });
+}
+// This host has no find mode, so that no value of it is the request of a search.
+bool FM_Data_IsFindRequest(const void* object, _fmxcpt& block) noexcept {
+    return guarded(block, [&] {
+        static_cast<void>(self<Data>(object));
+        return false;
+    });
+}
+void FM_Data_Clear(void* object, int32 type, _fmxcpt& block) noexcept {
+    guarded(block, [&] { self<Data>(object).clear(type); });
+}
+
+const fmx::Text& FM_Data_GetAsText(const void* object, _fmxcpt& block) noexcept {
+    return outside<fmx::Text>(
+        guarded(block, [&]() -> const std::u16string& { return self<Data>(object).text(); }));
+}
+const fmx::FixPt& FM_Data_GetAsNumber(const void* object, _fmxcpt& block) noexcept {
+    return outside<fmx::FixPt>(
+        guarded(block, [&]() -> const host::FixPtObject& { return self<Data>(object).number(); }));
+}
+const fmx::DateTime& FM_Data_GetAsDate(const void* object, _fmxcpt& block) noexcept {
+    return outside<fmx::DateTime>(
+        guarded(block, [&]() -> const host::DateTime& { return self<Data>(object).date(); }));
+}
+const fmx::DateTime& FM_Data_GetAsTime(const void* object, _fmxcpt& block) noexcept {
+    return outside<fmx::DateTime>(
+        guarded(block, [&]() -> const host::DateTime& { return self<Data>(object).time(); }));
+}
+const fmx::DateTime& FM_Data_GetAsTimeStamp(const void* object, _fmxcpt& block) noexcept {
+    return outside<fmx::DateTime>(
+        guarded(block, [&]() -> const host::DateTime& { return self<Data>(object).timestamp(); }));
+}
+bool FM_Data_GetAsBoolean(const void* object, _fmxcpt& block) noexcept {
+    return guarded(block, [&] { return self<Data>(object).value().asBoolean(); });
+}
+const fmx::BinaryData& FM_Data_GetBinaryData(const void* object, _fmxcpt& block) noexcept {
+    return outside<fmx::BinaryData>(
+        guarded(block, [&]() -> const host::Container& { return self<Data>(object).value().asContainer(); }));
+}
+const fmx::Locale& FM_Data_GetLocale(const void* object, _fmxcpt& block) noexcept {
+    return outside<fmx::Locale>(
+        guarded(block, [&]() -> const host::LocaleObject& { return self<Data>(object).locale(); }));
+}
+int32 FM_Data_GetNativeType(const void* object, _fmxcpt& block) noexcept {
+    return guarded(block, [&] { return self<Data>(object).nativeType(); });
+}
+
+void FM_Data_ConvertData(void* object, int32 type, _fmxcpt& block) noexcept {
+    guarded(block, [&] { self<Data>(object).set(Value(self<Data>(object).value()), type); });
+}
+errcode FM_Data_SetAsText(void* object, const fmx::Text& value, const fmx::Locale& locale, int32 type,
+                          _fmxcpt& block) noexcept {
+    return guarded(block, [&] {
+        host::DataObject& data = self<Data>(object);
+        const errcode code = data.set(Value::text(inside(value)), type);
+        data.setLocale(inside(locale));
+        return code;
+    });
+}
+errcode FM_Data_SetAsNumber(void* object, const fmx::FixPt& value, int32 type, _fmxcpt& block) noexcept {
+    return guarded(block, [&] { return self<Data>(object).set(Value::number(inside(value).value), type); });
+}
+errcode FM_Data_SetAsDate(void* object, const fmx::DateTime& value, int32 type, _fmxcpt& block) noexcept {
+    return guarded(block, [&] { return self<Data>(object).set(Value::date(inside(value)), type); });
+}
+errcode FM_Data_SetAsTime(void* object, const fmx::DateTime& value, int32 type, _fmxcpt& block) noexcept {
+    return guarded(block, [&] { return self<Data>(object).set(Value::time(inside(value)), type); });
+}
+errcode FM_Data_SetAsTimeStamp(void* object, const fmx::DateTime& value, int32 type,
+                               _fmxcpt& block) noexcept {
+    return guarded(block, [&] { return self<Data>(object).set(Value::timestamp(inside(value)), type); });
+}
+errcode FM_Data_SetDateTime(void* object, const fmx::DateTime& value, int32 dateTimeType, int32 nativeType,
+                            _fmxcpt& block) noexcept {
+    return guarded(block, [&] {
+        host::DataObject& data = self<Data>(object);
+        switch (dateTimeType) {
+        case Data::kDTDate:
+            return data.set(Value::date(inside(value)), nativeType);
+        case Data::kDTTime:
+            return data.set(Value::time(inside(value)), nativeType);
+        case Data::kDTTimeStamp:
+            return data.set(Value::timestamp(inside(value)), nativeType);
+        default:
+            return host::kNotThatType;
+        }
+    });
+}
+errcode FM_Data_SetBinaryData(void* object, const fmx::BinaryData& value, bool forceBinaryNativeType,
+                              _fmxcpt& block) noexcept {
+    return guarded(block, [&] {
+        const host::Container& streams = inside(value);
+        const bool namesAlone = streams.count() == 1 && streams.fileNames();
+        return self<Data>(object).set(Value::container(streams),
+                                      namesAlone && !forceBinaryNativeType ? Data::kDTText : Data::kDTBinary);
+    });
+}

@@ -1,0 +1,186 @@
+// What stands behind the opaque classes of the interface, and the way between the two.
+#pragma once
+
+#include "FMWrapper/FMXCalcEngine.h"
+#include "host/values/value.h"
+
+#include <limits>
+#include <memory>
+#include <optional>
+#include <stdexcept>
+#include <string>
+#include <type_traits>
+#include <vector>
+
+namespace host {
+
+// The results of operations that can be refused; 0 is success.
+inline constexpr fmx::errcode kSucceeded = 0;
+inline constexpr fmx::errcode kUnavailable = 3;   // there is no such stream, no one to ask
+inline constexpr fmx::errcode kNotThatType = 102; // a value that cannot be read as the type wanted
+inline constexpr fmx::errcode kNoDate = 500;
+inline constexpr fmx::errcode kNoTime = 501;
+inline constexpr fmx::errcode kNoNumber = 504; // a division by zero, too many digits
+
+struct LocaleObject {
+    fmx::int32 type = fmx::Locale::kType_System;
+};
+
+// A number, and the places behind the point that it keeps.
+struct FixPtObject {
+    static constexpr int kDefaultPrecision = 16;
+
+    Number value;
+    int precision = kDefaultPrecision;
+};
+
+// A value, with what it reads as: made when first asked for, kept until it is set again. A copy makes its
+// own.
+class DataObject {
+  public:
+    DataObject() = default;
+    DataObject(const DataObject& other)
+        : value_(other.value_), locale_(other.locale_), nativeType_(other.nativeType_) {}
+    DataObject& operator=(const DataObject&) = delete;
+
+    const Value& value() const { return value_; }
+    const LocaleObject& locale() const { return locale_; }
+    fmx::int32 nativeType() const { return nativeType_; }
+    void setLocale(const LocaleObject& locale) { locale_ = locale; }
+
+    // Makes the value, converted, one of a native type. One that cannot be read so leaves it invalid.
+    fmx::errcode set(const Value& value, fmx::int32 nativeType);
+    void clear(fmx::int32 nativeType);
+
+    const std::u16string& text() const;
+    const FixPtObject& number() const;
+    const DateTime& date() const { return moment(date_, &Value::asDate); }
+    const DateTime& time() const { return moment(time_, &Value::asTime); }
+    const DateTime& timestamp() const { return moment(timestamp_, &Value::asTimestamp); }
+
+  private:
+    const DateTime& moment(std::optional<DateTime>& kept,
+                           std::optional<DateTime> (Value::*read)() const) const;
+    void store(Value value, fmx::int32 nativeType);
+
+    Value value_;
+    LocaleObject locale_;
+    fmx::int32 nativeType_ = fmx::Data::kDTText;
+    mutable std::optional<std::u16string> text_;
+    mutable std::optional<FixPtObject> number_;
+    mutable std::optional<DateTime> date_;
+    mutable std::optional<DateTime> time_;
+    mutable std::optional<DateTime> timestamp_;
+};
+
+// The values stay where they are when the vector grows.
+struct DataVectObject {
+    std::vector<std::unique_ptr<DataObject>> values;
+};
+
+// An environment: all that is known of one is which it is.
+struct ExprEnvObject {};
+
+template <class Opaque>
+struct ObjectOf;
+template <>
+struct ObjectOf<fmx::Locale> {
+    using Type = LocaleObject;
+};
+template <>
+struct ObjectOf<fmx::Text> {
+    using Type = std::u16string;
+};
+template <>
+struct ObjectOf<fmx::FixPt> {
+    using Type = FixPtObject;
+};
+template <>
+struct ObjectOf<fmx::DateTime> {
+    using Type = DateTime;
+};
+template <>
+struct ObjectOf<fmx::QuadChar> {
+    using Type = StreamType;
+};
+template <>
+struct ObjectOf<fmx::BinaryData> {
+    using Type = Container;
+};
+template <>
+struct ObjectOf<fmx::Data> {
+    using Type = DataObject;
+};
+template <>
+struct ObjectOf<fmx::DataVect> {
+    using Type = DataVectObject;
+};
+template <>
+struct ObjectOf<fmx::ExprEnv> {
+    using Type = ExprEnvObject;
+};
+
+// The object behind an opaque reference.
+template <class Opaque>
+const typename ObjectOf<Opaque>::Type& inside(const Opaque& opaque) {
+    return *reinterpret_cast<const typename ObjectOf<Opaque>::Type*>(&opaque);
+}
+template <class Opaque>
+requires(!std::is_const_v<Opaque>) typename ObjectOf<Opaque>::Type& inside(Opaque& opaque) {
+    return *reinterpret_cast<typename ObjectOf<Opaque>::Type*>(&opaque);
+}
+
+// The object that a method is called for. Throws when there is none.
+template <class Opaque>
+const typename ObjectOf<Opaque>::Type& self(const void* object) {
+    if (object == nullptr) {
+        throw std::invalid_argument("a call without its object");
+    }
+    return *static_cast<const typename ObjectOf<Opaque>::Type*>(object);
+}
+template <class Opaque>
+typename ObjectOf<Opaque>::Type& self(void* object) {
+    if (object == nullptr) {
+        throw std::invalid_argument("a call without its object");
+    }
+    return *static_cast<typename ObjectOf<Opaque>::Type*>(object);
+}
+
+// The opaque face of an object.
+template <class Opaque>
+const Opaque& outside(const typename ObjectOf<Opaque>::Type& object) {
+    return *reinterpret_cast<const Opaque*>(&object);
+}
+
+// A new object, by its opaque face, and the end of one.
+template <class Opaque, class... Arguments>
+Opaque* made(Arguments&&... arguments) {
+    return reinterpret_cast<Opaque*>(new
+                                     typename ObjectOf<Opaque>::Type{std::forward<Arguments>(arguments)...});
+}
+template <class Opaque>
+void destroy(void* object) noexcept {
+    delete static_cast<typename ObjectOf<Opaque>::Type*>(object);
+}
+
+// A size as the interface counts it. Throws when it is too large for that.
+inline fmx::uint32 size32(size_t size) {
+    if (size > std::numeric_limits<fmx::uint32>::max()) {
+        throw std::length_error("more than the interface can count");
+    }
+    return static_cast<fmx::uint32>(size);
+}
+
+// Throws when a buffer that is needed is missing.
+inline void requireBuffer(const void* buffer, size_t size) {
+    if (buffer == nullptr && size > 0) {
+        throw std::invalid_argument("a call without its buffer");
+    }
+}
+
+// Sets a number and its precision; what stands further behind the point is rounded away.
+void assign(FixPtObject& result, const Number& value, int precision);
+// Sets a number that keeps all of its own places.
+void assign(FixPtObject& result, Number value);
+
+} // namespace host
