@@ -2,8 +2,8 @@
 
 #include "bench/generate/people.h"
 
-#include "frameworks/AddressBook/store/property.h"
 #include "frameworks/AddressBook/store/store.h"
+#include "frameworks/AddressBook/values/property.h"
 
 #include <algorithm>
 

@@ -1,6 +1,6 @@
 #include "tests/framework/support.h"
 
-#include "frameworks/AddressBook/store/property.h"
+#include "frameworks/AddressBook/values/property.h"
 
 #include <map>
 

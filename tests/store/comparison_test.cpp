@@ -1,7 +1,7 @@
 // What each comparison means, said case by case on records in memory.
 
-#include "frameworks/AddressBook/store/calendar.h"
-#include "frameworks/AddressBook/store/comparison.h"
+#include "frameworks/AddressBook/values/calendar.h"
+#include "frameworks/AddressBook/values/comparison.h"
 #include "tests/store/builders.h"
 #include "tests/store/scratch.h"
 

@@ -2,7 +2,7 @@
 // and random queries of every comparison, with and without label, key and value. The seed is printed when
 // they disagree.
 
-#include "frameworks/AddressBook/store/text.h"
+#include "frameworks/AddressBook/values/text.h"
 #include "tests/store/builders.h"
 #include "tests/store/scratch.h"
 

@@ -9,9 +9,9 @@
 #include "tools/addressbook/show.h"
 
 #include "frameworks/AddressBook/store/backup.h"
-#include "frameworks/AddressBook/store/calendar.h"
 #include "frameworks/AddressBook/store/repair.h"
 #include "frameworks/AddressBook/store/store.h"
+#include "frameworks/AddressBook/values/calendar.h"
 
 #include <algorithm>
 #include <cerrno>

@@ -2,8 +2,8 @@
 
 #include "tools/addressbook/condition.h"
 
-#include "frameworks/AddressBook/store/text.h"
 #include "frameworks/AddressBook/store/words.h"
+#include "frameworks/AddressBook/values/text.h"
 #include "frameworks/AddressBook/vcard/dates.h"
 #include "tools/addressbook/fields.h"
 #include "tools/addressbook/output.h"

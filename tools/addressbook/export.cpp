@@ -1,6 +1,6 @@
 #include "tools/addressbook/export.h"
 
-#include "frameworks/AddressBook/store/text.h"
+#include "frameworks/AddressBook/values/text.h"
 #include "frameworks/AddressBook/vcard/vcard.h"
 
 #include <algorithm>

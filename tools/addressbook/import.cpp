@@ -1,7 +1,7 @@
 #include "tools/addressbook/import.h"
 
-#include "frameworks/AddressBook/store/calendar.h"
-#include "frameworks/AddressBook/store/text.h"
+#include "frameworks/AddressBook/values/calendar.h"
+#include "frameworks/AddressBook/values/text.h"
 
 #include <algorithm>
 #include <set>

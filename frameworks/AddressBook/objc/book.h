@@ -9,8 +9,8 @@
 // longer have it, whoever holds it still reads what it had. Its unsaved changes wait for the save, which
 // tells that it is missing; should it be brought back before that, they are there again.
 
-#include "frameworks/AddressBook/store/calendar.h"
 #include "frameworks/AddressBook/store/store.h"
+#include "frameworks/AddressBook/values/calendar.h"
 
 #include <atomic>
 #include <deque>

@@ -2,7 +2,7 @@
 
 // Between Foundation's objects and the store's values: the one place where they are turned into one another.
 
-#include "frameworks/AddressBook/store/value.h"
+#include "frameworks/AddressBook/values/value.h"
 
 #import <Foundation/Foundation.h>
 #include <optional>

@@ -2,8 +2,8 @@
 
 #include "frameworks/AddressBook/objc/multi_value.h"
 #include "frameworks/AddressBook/store/card.h"
-#include "frameworks/AddressBook/store/text.h"
 #include "frameworks/AddressBook/store/words.h"
+#include "frameworks/AddressBook/values/text.h"
 
 #import <AddressBook/ABMultiValue.h>
 #include <algorithm>

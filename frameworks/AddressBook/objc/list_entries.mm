@@ -2,7 +2,7 @@
 
 #include "frameworks/AddressBook/objc/bridge.h"
 
-#include "frameworks/AddressBook/store/packed_uid.h"
+#include "frameworks/AddressBook/values/uid.h"
 
 namespace addressbook {
 namespace {

@@ -1,7 +1,7 @@
 #include "frameworks/AddressBook/store/card.h"
 
-#include "frameworks/AddressBook/store/packed_uid.h"
 #include "frameworks/AddressBook/store/words.h"
+#include "frameworks/AddressBook/values/uid.h"
 
 #include <algorithm>
 #include <bit>

@@ -4,7 +4,7 @@
 // found, read and replaced without reading the others. A card needs no other table to be read, and a checksum
 // tells when its bytes have changed by themselves.
 
-#include "frameworks/AddressBook/store/value.h"
+#include "frameworks/AddressBook/values/value.h"
 
 #include <cstdint>
 #include <functional>

@@ -3,7 +3,7 @@
 // How a search was answered. Store::explain runs it and tells what was really done, by the code that runs
 // every search.
 
-#include "frameworks/AddressBook/store/query.h"
+#include "frameworks/AddressBook/values/query.h"
 
 #include <chrono>
 #include <cstdint>

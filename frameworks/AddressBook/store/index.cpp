@@ -1,8 +1,8 @@
 #include "frameworks/AddressBook/store/index.h"
 
-#include "frameworks/AddressBook/store/comparison.h"
-#include "frameworks/AddressBook/store/text.h"
 #include "frameworks/AddressBook/store/words.h"
+#include "frameworks/AddressBook/values/comparison.h"
+#include "frameworks/AddressBook/values/text.h"
 
 #include <algorithm>
 #include <bit>

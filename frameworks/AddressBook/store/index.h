@@ -5,7 +5,7 @@
 // made again.
 
 #include "frameworks/AddressBook/store/sql.h"
-#include "frameworks/AddressBook/store/value.h"
+#include "frameworks/AddressBook/values/value.h"
 
 #include <cstdint>
 #include <map>

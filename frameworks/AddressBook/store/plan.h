@@ -2,10 +2,10 @@
 
 // Which index serves a condition, and what is looked up in it.
 
-#include "frameworks/AddressBook/store/comparison.h"
 #include "frameworks/AddressBook/store/explain.h"
 #include "frameworks/AddressBook/store/impl.h"
 #include "frameworks/AddressBook/store/index.h"
+#include "frameworks/AddressBook/values/comparison.h"
 
 #include <string>
 #include <vector>

@@ -3,7 +3,7 @@
 #include "frameworks/AddressBook/store/impl.h"
 
 #include "frameworks/AddressBook/store/card.h"
-#include "frameworks/AddressBook/store/packed_uid.h"
+#include "frameworks/AddressBook/values/uid.h"
 
 namespace addressbook {
 namespace {

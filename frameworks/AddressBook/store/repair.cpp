@@ -7,7 +7,7 @@
 #include "frameworks/AddressBook/store/folder.h"
 #include "frameworks/AddressBook/store/impl.h"
 #include "frameworks/AddressBook/store/leftovers.h"
-#include "frameworks/AddressBook/store/packed_uid.h"
+#include "frameworks/AddressBook/values/uid.h"
 
 #include <sqlite3.h>
 

@@ -1,6 +1,6 @@
 #include "frameworks/AddressBook/store/schema.h"
 
-#include "frameworks/AddressBook/store/text.h"
+#include "frameworks/AddressBook/values/text.h"
 
 namespace addressbook {
 namespace {

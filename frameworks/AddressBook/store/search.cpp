@@ -6,7 +6,7 @@
 
 #include "frameworks/AddressBook/store/card.h"
 #include "frameworks/AddressBook/store/plan.h"
-#include "frameworks/AddressBook/store/text.h"
+#include "frameworks/AddressBook/values/text.h"
 
 #include <algorithm>
 #include <iterator>

@@ -3,8 +3,8 @@
 #include "frameworks/AddressBook/store/impl.h"
 
 #include "frameworks/AddressBook/store/index.h"
-#include "frameworks/AddressBook/store/packed_uid.h"
-#include "frameworks/AddressBook/store/text.h"
+#include "frameworks/AddressBook/values/text.h"
+#include "frameworks/AddressBook/values/uid.h"
 
 #include <cerrno>
 #include <mutex>

@@ -3,9 +3,9 @@
 // The address book on disk: one SQLite database in one folder. A Store is one connection and is used by one
 // thread at a time; several stores, in this and other processes, may be open on the same folder.
 
-#include "frameworks/AddressBook/store/property.h"
-#include "frameworks/AddressBook/store/query.h"
-#include "frameworks/AddressBook/store/value.h"
+#include "frameworks/AddressBook/values/property.h"
+#include "frameworks/AddressBook/values/query.h"
+#include "frameworks/AddressBook/values/value.h"
 
 #include <chrono>
 #include <cstdint>

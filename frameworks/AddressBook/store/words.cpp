@@ -1,6 +1,6 @@
 #include "frameworks/AddressBook/store/words.h"
 
-#include "frameworks/AddressBook/store/property.h"
+#include "frameworks/AddressBook/values/property.h"
 
 #include <array>
 #include <unordered_map>

@@ -1,6 +1,6 @@
 #include "frameworks/AddressBook/vcard/dates.h"
 
-#include "frameworks/AddressBook/store/calendar.h"
+#include "frameworks/AddressBook/values/calendar.h"
 #include "frameworks/AddressBook/vcard/encoding.h"
 
 #include <array>

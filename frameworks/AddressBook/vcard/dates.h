@@ -3,7 +3,7 @@
 // Dates without a time: how vCards write them, and the noon of that day in local time as which they are
 // stored.
 
-#include "frameworks/AddressBook/store/value.h"
+#include "frameworks/AddressBook/values/value.h"
 
 #include <optional>
 #include <string>

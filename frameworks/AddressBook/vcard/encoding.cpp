@@ -1,6 +1,6 @@
 #include "frameworks/AddressBook/vcard/encoding.h"
 
-#include "frameworks/AddressBook/store/text.h"
+#include "frameworks/AddressBook/values/text.h"
 
 #include <unicode/ucnv.h>
 

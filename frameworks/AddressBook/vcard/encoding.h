@@ -2,7 +2,7 @@
 
 // How text and data are encoded in property values: character sets, quoted-printable, base64, backslashes.
 
-#include "frameworks/AddressBook/store/value.h"
+#include "frameworks/AddressBook/values/value.h"
 
 #include <string>
 #include <string_view>

@@ -6,7 +6,7 @@
 #include "frameworks/AddressBook/vcard/content_line.h"
 #include "frameworks/AddressBook/vcard/rules.h"
 
-#include "frameworks/AddressBook/store/value.h"
+#include "frameworks/AddressBook/values/value.h"
 
 #include <optional>
 #include <string>

@@ -3,7 +3,7 @@
 // Which vCard property holds which property of the address book: the one table from which cards are read and
 // written.
 
-#include "frameworks/AddressBook/store/property.h"
+#include "frameworks/AddressBook/values/property.h"
 #include "frameworks/AddressBook/vcard/labels.h"
 
 #include <span>

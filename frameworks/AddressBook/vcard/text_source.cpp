@@ -1,6 +1,6 @@
 #include "frameworks/AddressBook/vcard/text_source.h"
 
-#include "frameworks/AddressBook/store/text.h"
+#include "frameworks/AddressBook/values/text.h"
 #include "frameworks/AddressBook/vcard/vcard.h"
 
 #include <algorithm>

@@ -6,8 +6,8 @@
 // between the two in names and addresses, leaves "\:" as it is, reads no UTF-16 and names no line for what it
 // refuses.
 
-#include "frameworks/AddressBook/store/property.h"
-#include "frameworks/AddressBook/store/value.h"
+#include "frameworks/AddressBook/values/property.h"
+#include "frameworks/AddressBook/values/value.h"
 
 #include <cstddef>
 #include <iosfwd>

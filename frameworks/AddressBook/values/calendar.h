@@ -3,7 +3,7 @@
 // Days of the calendar, counted from 1970-01-01, in the process's time zone and the proleptic Gregorian
 // calendar.
 
-#include "frameworks/AddressBook/store/value.h"
+#include "frameworks/AddressBook/values/value.h"
 
 #include <cstdint>
 #include <optional>

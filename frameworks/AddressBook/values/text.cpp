@@ -1,4 +1,4 @@
-#include "frameworks/AddressBook/store/text.h"
+#include "frameworks/AddressBook/values/text.h"
 
 #include <unicode/uchar.h>
 #include <unicode/unorm2.h>

@@ -27,7 +27,7 @@
 //   there, across the turn of the year too, and 29 February falls on 28 February where there is none.
 //   Components without a year have only yearless intervals.
 
-#include "frameworks/AddressBook/store/value.h"
+#include "frameworks/AddressBook/values/value.h"
 
 #include <optional>
 #include <string>

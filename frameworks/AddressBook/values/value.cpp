@@ -1,4 +1,4 @@
-#include "frameworks/AddressBook/store/value.h"
+#include "frameworks/AddressBook/values/value.h"
 
 namespace addressbook {
 

@@ -1,4 +1,4 @@
-#include "frameworks/AddressBook/store/packed_uid.h"
+#include "frameworks/AddressBook/values/uid.h"
 
 namespace addressbook {
 namespace {

@@ -3,7 +3,7 @@
 // The built-in properties of people and groups: the one table from which the framework's constants, the store
 // and the vCard reader take names and types.
 
-#include "frameworks/AddressBook/store/value.h"
+#include "frameworks/AddressBook/values/value.h"
 
 #include <span>
 #include <string>

@@ -1,7 +1,7 @@
-#include "frameworks/AddressBook/store/comparison.h"
+#include "frameworks/AddressBook/values/comparison.h"
 
-#include "frameworks/AddressBook/store/property.h"
-#include "frameworks/AddressBook/store/text.h"
+#include "frameworks/AddressBook/values/property.h"
+#include "frameworks/AddressBook/values/text.h"
 
 #include <algorithm>
 #include <array>

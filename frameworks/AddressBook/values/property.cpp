@@ -1,4 +1,4 @@
-#include "frameworks/AddressBook/store/property.h"
+#include "frameworks/AddressBook/values/property.h"
 
 #include <algorithm>
 #include <array>

@@ -1,4 +1,4 @@
-#include "frameworks/AddressBook/store/calendar.h"
+#include "frameworks/AddressBook/values/calendar.h"
 
 #include <chrono>
 #include <cmath>

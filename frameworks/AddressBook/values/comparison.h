@@ -3,8 +3,8 @@
 // The one definition of the comparisons: `matches` applies it to records in memory, the store to what its
 // indexes find.
 
-#include "frameworks/AddressBook/store/calendar.h"
-#include "frameworks/AddressBook/store/query.h"
+#include "frameworks/AddressBook/values/calendar.h"
+#include "frameworks/AddressBook/values/query.h"
 
 #include <functional>
 #include <optional>
