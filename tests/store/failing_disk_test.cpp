@@ -1,9 +1,9 @@
 // A disk that is full or broken, at whichever write, sync, truncation or opening of a file: nothing is
 // changed, the error says what it is, and the same succeeds later.
 
-#include "frameworks/AddressBook/store/backup.h"
-#include "frameworks/AddressBook/store/folder.h"
-#include "frameworks/AddressBook/store/repair.h"
+#include "frameworks/AddressBook/store/file/backup.h"
+#include "frameworks/AddressBook/store/file/folder.h"
+#include "frameworks/AddressBook/store/file/repair.h"
 #include "tests/store/contents.h"
 #include "tests/store/fault_vfs.h"
 #include "tests/store/scratch.h"

@@ -2,9 +2,9 @@
 // over into the file, brings an older book up to date, backs up, restores or repairs: the book is as before
 // or as after.
 
-#include "frameworks/AddressBook/store/backup.h"
-#include "frameworks/AddressBook/store/folder.h"
-#include "frameworks/AddressBook/store/repair.h"
+#include "frameworks/AddressBook/store/file/backup.h"
+#include "frameworks/AddressBook/store/file/folder.h"
+#include "frameworks/AddressBook/store/file/repair.h"
 #include "tests/store/contents.h"
 #include "tests/store/long_run.h"
 #include "tests/store/scratch.h"

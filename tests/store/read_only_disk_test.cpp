@@ -1,8 +1,8 @@
 // A book on a disk that is mounted for reading only: it is read whole, with what a killed process left, it
 // says that it may only be read, and what others save there is seen.
 
-#include "frameworks/AddressBook/store/backup.h"
-#include "frameworks/AddressBook/store/folder.h"
+#include "frameworks/AddressBook/store/file/backup.h"
+#include "frameworks/AddressBook/store/file/folder.h"
 #include "tests/store/builders.h"
 #include "tests/store/scratch.h"
 #include "tests/store/system_calls.h"

@@ -8,8 +8,8 @@
 #include "tools/addressbook/output.h"
 #include "tools/addressbook/show.h"
 
-#include "frameworks/AddressBook/store/backup.h"
-#include "frameworks/AddressBook/store/repair.h"
+#include "frameworks/AddressBook/store/file/backup.h"
+#include "frameworks/AddressBook/store/file/repair.h"
 #include "frameworks/AddressBook/store/store.h"
 #include "frameworks/AddressBook/values/calendar.h"
 

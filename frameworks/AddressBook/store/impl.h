@@ -3,8 +3,8 @@
 // What the parts of Store share; included by its sources only.
 
 #include "frameworks/AddressBook/store/backlog.h"
-#include "frameworks/AddressBook/store/folder.h"
-#include "frameworks/AddressBook/store/sql.h"
+#include "frameworks/AddressBook/store/file/folder.h"
+#include "frameworks/AddressBook/store/sql/sql.h"
 #include "frameworks/AddressBook/store/store.h"
 
 #include <optional>

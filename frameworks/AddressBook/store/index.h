@@ -4,7 +4,7 @@
 // each property's text the trigrams of its folded form. Everything here follows from the cards and can be
 // made again.
 
-#include "frameworks/AddressBook/store/sql.h"
+#include "frameworks/AddressBook/store/sql/sql.h"
 #include "frameworks/AddressBook/values/value.h"
 
 #include <cstdint>

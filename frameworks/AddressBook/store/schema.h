@@ -2,7 +2,7 @@
 
 // The database's tables, their version, and the steps from each version to the next.
 
-#include "frameworks/AddressBook/store/sql.h"
+#include "frameworks/AddressBook/store/sql/sql.h"
 
 #include <functional>
 #include <span>

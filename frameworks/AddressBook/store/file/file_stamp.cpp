@@ -1,6 +1,6 @@
-#include "frameworks/AddressBook/store/snapshot.h"
+#include "frameworks/AddressBook/store/file/file_stamp.h"
 
-#include "frameworks/AddressBook/store/leftovers.h"
+#include "frameworks/AddressBook/store/file/sidecars.h"
 
 #include <sys/stat.h>
 

@@ -3,8 +3,8 @@
 // Where the address book lies, and how its file comes to be: for its owner only, and complete from the first
 // moment.
 
-#include "frameworks/AddressBook/store/snapshot.h"
-#include "frameworks/AddressBook/store/sql.h"
+#include "frameworks/AddressBook/store/file/file_stamp.h"
+#include "frameworks/AddressBook/store/sql/sql.h"
 
 #include <chrono>
 #include <filesystem>

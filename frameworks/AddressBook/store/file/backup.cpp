@@ -1,7 +1,7 @@
-#include "frameworks/AddressBook/store/backup.h"
+#include "frameworks/AddressBook/store/file/backup.h"
 
-#include "frameworks/AddressBook/store/exchange.h"
-#include "frameworks/AddressBook/store/folder.h"
+#include "frameworks/AddressBook/store/file/folder.h"
+#include "frameworks/AddressBook/store/file/replace_file.h"
 #include "frameworks/AddressBook/store/impl.h"
 #include "frameworks/AddressBook/store/schema.h"
 

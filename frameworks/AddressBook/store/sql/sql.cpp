@@ -1,4 +1,4 @@
-#include "frameworks/AddressBook/store/sql.h"
+#include "frameworks/AddressBook/store/sql/sql.h"
 
 #include <sqlite3.h>
 

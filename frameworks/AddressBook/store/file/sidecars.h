@@ -4,7 +4,7 @@
 // saves that are not in the file yet (-wal), and a journal to undo a save that was interrupted (-journal).
 // One of another file, or of an older state of this one, would make a mixture of both.
 
-#include "frameworks/AddressBook/store/sql.h"
+#include "frameworks/AddressBook/store/sql/sql.h"
 
 #include <filesystem>
 #include <functional>

@@ -1,10 +1,10 @@
 // What lies beside a book that is not its own, or beside none: it is refused and kept, and nothing of it gets
 // into the book.
 
-#include "frameworks/AddressBook/store/backup.h"
-#include "frameworks/AddressBook/store/exchange.h"
-#include "frameworks/AddressBook/store/folder.h"
-#include "frameworks/AddressBook/store/repair.h"
+#include "frameworks/AddressBook/store/file/backup.h"
+#include "frameworks/AddressBook/store/file/folder.h"
+#include "frameworks/AddressBook/store/file/repair.h"
+#include "frameworks/AddressBook/store/file/replace_file.h"
 #include "tests/store/contents.h"
 #include "tests/store/scratch.h"
 

@@ -2,7 +2,7 @@
 
 // Putting another database in the place of the address book's, while other processes have it open.
 
-#include "frameworks/AddressBook/store/sql.h"
+#include "frameworks/AddressBook/store/sql/sql.h"
 
 #include <filesystem>
 #include <memory>

@@ -1,12 +1,12 @@
 // In this order: opening what is damaged, reading its records and what refers to them, writing the new book.
 
-#include "frameworks/AddressBook/store/repair.h"
+#include "frameworks/AddressBook/store/file/repair.h"
 
 #include "frameworks/AddressBook/store/card.h"
-#include "frameworks/AddressBook/store/exchange.h"
-#include "frameworks/AddressBook/store/folder.h"
+#include "frameworks/AddressBook/store/file/folder.h"
+#include "frameworks/AddressBook/store/file/replace_file.h"
+#include "frameworks/AddressBook/store/file/sidecars.h"
 #include "frameworks/AddressBook/store/impl.h"
-#include "frameworks/AddressBook/store/leftovers.h"
 #include "frameworks/AddressBook/values/uid.h"
 
 #include <sqlite3.h>

@@ -1,7 +1,7 @@
-#include "frameworks/AddressBook/store/leftovers.h"
+#include "frameworks/AddressBook/store/file/sidecars.h"
 
-#include "frameworks/AddressBook/store/exchange.h"
-#include "frameworks/AddressBook/store/folder.h"
+#include "frameworks/AddressBook/store/file/folder.h"
+#include "frameworks/AddressBook/store/file/replace_file.h"
 
 #include <sqlite3.h>
 #include <sys/stat.h>
