@@ -1,8 +1,8 @@
 #import <AddressBook/ABMultiValue.h>
 #import <AddressBook/ABRecord.h>
 
+#include "frameworks/AddressBook/model/display_name.h"
 #include "frameworks/AddressBook/objc/bridge.h"
-#include "frameworks/AddressBook/objc/display_name.h"
 #include "frameworks/AddressBook/objc/property_types.h"
 #include "frameworks/AddressBook/objc/record.h"
 

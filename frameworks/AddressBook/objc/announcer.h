@@ -2,7 +2,7 @@
 
 // The address book's notifications.
 
-#include "frameworks/AddressBook/objc/book.h"
+#include "frameworks/AddressBook/model/book.h"
 
 #import <AddressBook/AddressBook.h>
 

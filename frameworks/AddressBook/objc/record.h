@@ -3,7 +3,7 @@
 // What the framework's classes share: records and their cards, the address book of the process, and failures
 // of the store turned into what callers of the framework expect.
 
-#include "frameworks/AddressBook/objc/book.h"
+#include "frameworks/AddressBook/model/book.h"
 
 #import <AddressBook/AddressBook.h>
 

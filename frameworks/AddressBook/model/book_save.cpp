@@ -1,6 +1,6 @@
 // Saving, and taking notice of what others saved.
 
-#include "frameworks/AddressBook/objc/book.h"
+#include "frameworks/AddressBook/model/book.h"
 
 #include <algorithm>
 #include <utility>

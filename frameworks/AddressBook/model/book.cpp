@@ -1,7 +1,7 @@
 // In this order: cards, lists and searches, values, adding and removing, groups, the user's own card,
 // properties. Saving, and taking notice of what others saved, are in book_save.cpp.
 
-#include "frameworks/AddressBook/objc/book.h"
+#include "frameworks/AddressBook/model/book.h"
 
 #include <algorithm>
 #include <utility>

@@ -1,4 +1,4 @@
-#include "frameworks/AddressBook/objc/display_name.h"
+#include "frameworks/AddressBook/model/display_name.h"
 
 namespace addressbook {
 

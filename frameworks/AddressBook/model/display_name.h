@@ -1,6 +1,6 @@
 #pragma once
 
-#include "frameworks/AddressBook/objc/book.h"
+#include "frameworks/AddressBook/model/book.h"
 
 namespace addressbook {
 
