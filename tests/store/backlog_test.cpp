@@ -1,7 +1,7 @@
 // Small saves leave the search indexes to later ones: nobody may notice but the disk.
 
 #include "frameworks/AddressBook/store/backlog.h"
-#include "frameworks/AddressBook/store/card.h"
+#include "frameworks/AddressBook/store/record_codec.h"
 #include "frameworks/AddressBook/store/schema.h"
 #include "tests/store/builders.h"
 #include "tests/store/scratch.h"

@@ -2,7 +2,7 @@
 
 #include "tools/addressbook/condition.h"
 
-#include "frameworks/AddressBook/store/words.h"
+#include "frameworks/AddressBook/store/interned_words.h"
 #include "frameworks/AddressBook/values/text.h"
 #include "frameworks/AddressBook/vcard/dates.h"
 #include "tools/addressbook/fields.h"

@@ -1,7 +1,7 @@
 #import <AddressBook/ABAddressBook.h>
 
-#include "frameworks/AddressBook/objc/announcer.h"
 #include "frameworks/AddressBook/objc/bridge.h"
+#include "frameworks/AddressBook/objc/change_notifier.h"
 #include "frameworks/AddressBook/objc/record.h"
 #include "frameworks/Foundation/locale.h"
 

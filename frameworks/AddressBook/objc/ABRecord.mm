@@ -6,7 +6,7 @@
 #include "frameworks/AddressBook/objc/property_types.h"
 #include "frameworks/AddressBook/objc/record.h"
 
-#include "frameworks/AddressBook/store/card.h"
+#include "frameworks/AddressBook/store/record_codec.h"
 
 using namespace addressbook;
 

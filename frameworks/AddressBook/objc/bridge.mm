@@ -1,8 +1,8 @@
 #include "frameworks/AddressBook/objc/bridge.h"
 
 #include "frameworks/AddressBook/objc/multi_value.h"
-#include "frameworks/AddressBook/store/card.h"
-#include "frameworks/AddressBook/store/words.h"
+#include "frameworks/AddressBook/store/interned_words.h"
+#include "frameworks/AddressBook/store/record_codec.h"
 #include "frameworks/AddressBook/values/text.h"
 
 #import <AddressBook/ABMultiValue.h>

@@ -3,7 +3,7 @@
 // The entries of a multi-value as objects. What is read from an address book stays bytes until somebody asks
 // for it, part by part: most lists are read for one thing only.
 
-#include "frameworks/AddressBook/store/card.h"
+#include "frameworks/AddressBook/store/record_codec.h"
 
 #import <Foundation/Foundation.h>
 #include <memory>

@@ -1,8 +1,8 @@
 #include "frameworks/AddressBook/store/backlog.h"
 
-#include "frameworks/AddressBook/store/card.h"
 #include "frameworks/AddressBook/store/impl.h"
 #include "frameworks/AddressBook/store/index.h"
+#include "frameworks/AddressBook/store/record_codec.h"
 
 #include <optional>
 

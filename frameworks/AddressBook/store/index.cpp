@@ -1,6 +1,6 @@
 #include "frameworks/AddressBook/store/index.h"
 
-#include "frameworks/AddressBook/store/words.h"
+#include "frameworks/AddressBook/store/interned_words.h"
 #include "frameworks/AddressBook/values/comparison.h"
 #include "frameworks/AddressBook/values/text.h"
 

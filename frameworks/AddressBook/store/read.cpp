@@ -2,7 +2,7 @@
 
 #include "frameworks/AddressBook/store/impl.h"
 
-#include "frameworks/AddressBook/store/card.h"
+#include "frameworks/AddressBook/store/record_codec.h"
 #include "frameworks/AddressBook/values/uid.h"
 
 namespace addressbook {

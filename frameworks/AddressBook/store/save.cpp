@@ -2,8 +2,8 @@
 
 #include "frameworks/AddressBook/store/impl.h"
 
-#include "frameworks/AddressBook/store/card.h"
 #include "frameworks/AddressBook/store/index.h"
+#include "frameworks/AddressBook/store/record_codec.h"
 #include "frameworks/AddressBook/store/watch.h"
 
 #include <algorithm>

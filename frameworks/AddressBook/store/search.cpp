@@ -4,8 +4,8 @@
 
 #include "frameworks/AddressBook/store/impl.h"
 
-#include "frameworks/AddressBook/store/card.h"
-#include "frameworks/AddressBook/store/plan.h"
+#include "frameworks/AddressBook/store/access_path.h"
+#include "frameworks/AddressBook/store/record_codec.h"
 #include "frameworks/AddressBook/values/text.h"
 
 #include <algorithm>

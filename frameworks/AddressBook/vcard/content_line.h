@@ -3,7 +3,7 @@
 // The third layer: one property line taken apart into group, name, parameters and decoded text, and put
 // together again.
 
-#include "frameworks/AddressBook/vcard/lines.h"
+#include "frameworks/AddressBook/vcard/unfold.h"
 
 #include <cstddef>
 #include <optional>

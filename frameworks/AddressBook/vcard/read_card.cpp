@@ -3,11 +3,11 @@
 #include "frameworks/AddressBook/vcard/read_card.h"
 
 #include "frameworks/AddressBook/store/store.h"
-#include "frameworks/AddressBook/vcard/additions.h"
 #include "frameworks/AddressBook/vcard/card_lines.h"
 #include "frameworks/AddressBook/vcard/encoding.h"
 #include "frameworks/AddressBook/vcard/labels.h"
 #include "frameworks/AddressBook/vcard/line_values.h"
+#include "frameworks/AddressBook/vcard/preserved_parameters.h"
 #include "frameworks/AddressBook/vcard/rules.h"
 
 #include <algorithm>

@@ -2,8 +2,8 @@
 
 #include "frameworks/AddressBook/vcard/content_line.h"
 #include "frameworks/AddressBook/vcard/encoding.h"
-#include "frameworks/AddressBook/vcard/lines.h"
 #include "frameworks/AddressBook/vcard/read_card.h"
+#include "frameworks/AddressBook/vcard/unfold.h"
 #include "frameworks/AddressBook/vcard/vcard.h"
 
 #include <utility>

@@ -2,11 +2,11 @@
 
 #include "frameworks/AddressBook/store/file/repair.h"
 
-#include "frameworks/AddressBook/store/card.h"
 #include "frameworks/AddressBook/store/file/folder.h"
 #include "frameworks/AddressBook/store/file/replace_file.h"
 #include "frameworks/AddressBook/store/file/sidecars.h"
 #include "frameworks/AddressBook/store/impl.h"
+#include "frameworks/AddressBook/store/record_codec.h"
 #include "frameworks/AddressBook/values/uid.h"
 
 #include <sqlite3.h>

@@ -1,4 +1,4 @@
-#include "frameworks/AddressBook/vcard/lines.h"
+#include "frameworks/AddressBook/vcard/unfold.h"
 
 #include "frameworks/AddressBook/vcard/encoding.h"
 #include "frameworks/AddressBook/vcard/vcard.h"

@@ -1,4 +1,4 @@
-#include "frameworks/AddressBook/vcard/additions.h"
+#include "frameworks/AddressBook/vcard/preserved_parameters.h"
 
 #include "frameworks/AddressBook/vcard/encoding.h"
 #include "frameworks/AddressBook/vcard/labels.h"

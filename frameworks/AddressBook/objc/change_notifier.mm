@@ -1,4 +1,4 @@
-#include "frameworks/AddressBook/objc/announcer.h"
+#include "frameworks/AddressBook/objc/change_notifier.h"
 
 #include "frameworks/AddressBook/objc/bridge.h"
 #include "frameworks/AddressBook/store/watch.h"

@@ -1,6 +1,6 @@
-#include "frameworks/AddressBook/store/card.h"
+#include "frameworks/AddressBook/store/record_codec.h"
 
-#include "frameworks/AddressBook/store/words.h"
+#include "frameworks/AddressBook/store/interned_words.h"
 #include "frameworks/AddressBook/values/uid.h"
 
 #include <algorithm>

@@ -1,4 +1,4 @@
-#include "frameworks/AddressBook/store/plan.h"
+#include "frameworks/AddressBook/store/access_path.h"
 
 #include "frameworks/AddressBook/values/calendar.h"
 #include "frameworks/AddressBook/values/text.h"

@@ -1,4 +1,4 @@
-#include "frameworks/AddressBook/store/words.h"
+#include "frameworks/AddressBook/store/interned_words.h"
 
 #include "frameworks/AddressBook/values/property.h"
 
