@@ -1,4 +1,4 @@
-#import "plugin/groups/list_of_values.h"
+#import "plugin/properties/list_of_values.h"
 
 #import "plugin/records/plugin_state.h"
 #include "plugin/shell/error_state.h"
