@@ -8,7 +8,7 @@ namespace {
 // Columns without a type keep numbers, text and bytes exactly as they are given.
 constexpr const char* kVersion1 = R"(
 -- People and groups. A row's number is never used again, so that order is the order of adding for ever. The card holds
--- the values of all properties but the picture (see card.h); uid is packed where it can be (packUid).
+-- the values of all properties but the picture (see record_codec.h); uid is packed where it can be (packUid).
 CREATE TABLE record (
     id INTEGER PRIMARY KEY AUTOINCREMENT,
     kind INTEGER NOT NULL,

@@ -156,17 +156,4 @@ bool ChangeSet::empty() const {
            memberships.empty() && !me;
 }
 
-std::string newUuid() {
-    std::string bytes(16, '\0');
-    if (getentropy(bytes.data(), bytes.size()) != 0)
-        throw std::system_error(errno, std::generic_category(), "no random number can be had");
-    bytes[6] = static_cast<char>((bytes[6] & 0x0F) | 0x40); // random, as opposed to made from a clock
-    bytes[8] = static_cast<char>((bytes[8] & 0x3F) | 0x80);
-    return *unpackUid(bytes);
-}
-
-std::string newUid(Kind kind) {
-    return newUuid() + (kind == Kind::person ? ":ABPerson" : ":ABGroup");
-}
-
 } // namespace addressbook

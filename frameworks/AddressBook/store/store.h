@@ -5,6 +5,7 @@
 
 #include "frameworks/AddressBook/values/property.h"
 #include "frameworks/AddressBook/values/query.h"
+#include "frameworks/AddressBook/values/uid.h"
 #include "frameworks/AddressBook/values/value.h"
 
 #include <chrono>
@@ -38,7 +39,7 @@ struct RecordRow {
     Kind kind = Kind::person;
     std::string uid;
     Date creation, modification;
-    std::string card;           // see card.h
+    std::string card;           // see record_codec.h
     mutable bool sound = false; // the card's checksum was seen to be right
 };
 
@@ -213,9 +214,5 @@ class Store {
   private:
     std::unique_ptr<Impl> impl_;
 };
-
-// A new unique id.
-std::string newUuid();
-std::string newUid(Kind kind);
 
 } // namespace addressbook

@@ -1,5 +1,9 @@
 #include "frameworks/AddressBook/values/uid.h"
 
+#include <cerrno>
+#include <system_error>
+#include <unistd.h>
+
 namespace addressbook {
 namespace {
 
@@ -70,6 +74,19 @@ std::optional<std::string> unpackUid(std::string_view bytes) {
     uid.reserve(kUuidText + kind.size());
     uid.append(text, kUuidText).append(kind);
     return uid;
+}
+
+std::string newUuid() {
+    std::string bytes(kUuidBytes, '\0');
+    if (getentropy(bytes.data(), bytes.size()) != 0)
+        throw std::system_error(errno, std::generic_category(), "no random number can be had");
+    bytes[6] = static_cast<char>((bytes[6] & 0x0F) | 0x40); // random, as opposed to made from a clock
+    bytes[8] = static_cast<char>((bytes[8] & 0x3F) | 0x80);
+    return *unpackUid(bytes);
+}
+
+std::string newUid(Kind kind) {
+    return newUuid() + (kind == Kind::person ? ":ABPerson" : ":ABGroup");
 }
 
 } // namespace addressbook

@@ -1,7 +1,7 @@
+// The identifiers of records and entries: new ones, and their packed form.
 #pragma once
 
-// Unique ids and identifiers in less space: a UUID in capitals, alone or before ":ABPerson" or ":ABGroup",
-// takes 16 or 17 bytes.
+#include "frameworks/AddressBook/values/value.h"
 
 #include <optional>
 #include <string>
@@ -9,6 +9,13 @@
 
 namespace addressbook {
 
+// Returns a new random UUID in capitals. Throws std::system_error when the system has no random numbers.
+std::string newUuid();
+
+// Returns a new identifier of a record, as "<UUID>:ABPerson" or "<UUID>:ABGroup".
+std::string newUid(Kind kind);
+
+// Returns the packed form of a UUID in capitals, alone or before ":ABPerson" or ":ABGroup": 16 or 17 bytes.
 // Nothing for any other text.
 std::optional<std::string> packUid(std::string_view text);
 

@@ -2,7 +2,7 @@
 
 #include "frameworks/AddressBook/vcard/read_card.h"
 
-#include "frameworks/AddressBook/store/store.h"
+#include "frameworks/AddressBook/values/uid.h"
 #include "frameworks/AddressBook/vcard/card_lines.h"
 #include "frameworks/AddressBook/vcard/encoding.h"
 #include "frameworks/AddressBook/vcard/labels.h"
