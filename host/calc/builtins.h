@@ -38,8 +38,8 @@ struct Builtin {
     constexpr Builtin(std::u16string_view text, BuiltinForm special) : prototype(text), form(special) {}
 
     constexpr std::u16string_view name() const { return prototype.substr(0, prototype.find(u' ')); }
-    constexpr int least() const { return count(prototype.substr(0, prototype.find(u'{'))); }
-    constexpr int most() const {
+    constexpr int minArguments() const { return count(prototype.substr(0, prototype.find(u'{'))); }
+    constexpr int maxArguments() const {
         return prototype.find(u"...") != std::u16string_view::npos ? -1 : count(prototype); // -1: any number
     }
 

@@ -23,10 +23,11 @@ class ExternalFailure : public std::runtime_error {
 // One registered function. Argument counts are checked by the caller, before call() runs.
 class ExternalFunction {
   public:
-    static constexpr int kAnyNumber = -1; // as `most`
+    static constexpr int kAnyNumber = -1; // as `maxArguments`
 
-    ExternalFunction(std::u16string name, std::u16string prototype, int least, int most)
-        : name_(std::move(name)), prototype_(std::move(prototype)), least_(least), most_(most) {}
+    ExternalFunction(std::u16string name, std::u16string prototype, int minArguments, int maxArguments)
+        : name_(std::move(name)), prototype_(std::move(prototype)), minArguments_(minArguments),
+          maxArguments_(maxArguments) {}
     virtual ~ExternalFunction() = default;
     ExternalFunction(const ExternalFunction&) = delete;
     ExternalFunction& operator=(const ExternalFunction&) = delete;
@@ -36,10 +37,11 @@ class ExternalFunction {
 
     const std::u16string& name() const { return name_; }
     const std::u16string& prototype() const { return prototype_; }
-    int least() const { return least_; }
-    int most() const { return most_; }
+    int minArguments() const { return minArguments_; }
+    int maxArguments() const { return maxArguments_; }
     bool accepts(size_t count) const {
-        return static_cast<int>(count) >= least_ && (most_ == kAnyNumber || static_cast<int>(count) <= most_);
+        return static_cast<int>(count) >= minArguments_ &&
+               (maxArguments_ == kAnyNumber || static_cast<int>(count) <= maxArguments_);
     }
 
     // False once the plug-in has unregistered it; whoever still holds it must not call it any more.
@@ -50,8 +52,8 @@ class ExternalFunction {
 
     std::u16string name_;
     std::u16string prototype_;
-    int least_;
-    int most_;
+    int minArguments_;
+    int maxArguments_;
     bool registered_ = false;
 };
 

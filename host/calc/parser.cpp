@@ -32,14 +32,14 @@ std::string countText(int count) {
     return std::to_string(count) + (count == 1 ? " argument" : " arguments");
 }
 
-std::string rangeText(int least, int most) {
-    if (most == ExternalFunction::kAnyNumber) {
-        return "at least " + countText(least);
+std::string rangeText(int minArguments, int maxArguments) {
+    if (maxArguments == ExternalFunction::kAnyNumber) {
+        return "at least " + countText(minArguments);
     }
-    if (least == most) {
-        return least == 0 ? "no arguments" : countText(least);
+    if (minArguments == maxArguments) {
+        return minArguments == 0 ? "no arguments" : countText(minArguments);
     }
-    return std::to_string(least) + " to " + std::to_string(most) + " arguments";
+    return std::to_string(minArguments) + " to " + std::to_string(maxArguments) + " arguments";
 }
 
 } // namespace
@@ -189,7 +189,8 @@ Node Parser::named() {
 Node Parser::call(const Builtin& function, size_t begin) {
     const bool listForm = function.prototype.find(u'[') != std::u16string_view::npos;
     std::vector<Node> given = arguments(function.name(), listForm);
-    checkCount(function.name(), function.prototype, function.least(), function.most(), given.size(), begin);
+    checkCount(function.name(), function.prototype, function.minArguments(), function.maxArguments(),
+               given.size(), begin);
     if (listForm) {
         checkSubstitute(given, begin);
     }
@@ -198,8 +199,8 @@ Node Parser::call(const Builtin& function, size_t begin) {
 
 Node Parser::call(const ExternalFunctionPtr& function, size_t begin) {
     std::vector<Node> given = arguments(function->name(), false);
-    checkCount(function->name(), function->prototype(), function->least(), function->most(), given.size(),
-               begin);
+    checkCount(function->name(), function->prototype(), function->minArguments(), function->maxArguments(),
+               given.size(), begin);
     return Node{begin, ExternalCall{foldName(function->name()), function, std::move(given)}};
 }
 
@@ -366,14 +367,15 @@ bool Parser::acceptWord(std::u16string_view word) {
     return true;
 }
 
-void Parser::checkCount(std::u16string_view name, std::u16string_view prototype, int least, int most,
-                        size_t given, size_t begin) const {
-    const bool tooFew = static_cast<int>(given) < least;
-    if (!tooFew && (most == ExternalFunction::kAnyNumber || static_cast<int>(given) <= most)) {
+void Parser::checkCount(std::u16string_view name, std::u16string_view prototype, int minArguments,
+                        int maxArguments, size_t given, size_t begin) const {
+    const bool tooFew = static_cast<int>(given) < minArguments;
+    if (!tooFew &&
+        (maxArguments == ExternalFunction::kAnyNumber || static_cast<int>(given) <= maxArguments)) {
         return;
     }
     fail(begin, tooFew ? CalcCode::tooFewArguments : CalcCode::tooManyArguments,
-         toUtf8(name) + " takes " + rangeText(least, most) + ", " + std::to_string(given) +
+         toUtf8(name) + " takes " + rangeText(minArguments, maxArguments) + ", " + std::to_string(given) +
              " given: " + toUtf8(prototype));
 }
 

@@ -65,8 +65,8 @@ class Parser {
     uint32_t define(std::u16string key, size_t scope);
     void openCall(std::u16string_view function);
     void checkSubstitute(const std::vector<Node>& arguments, size_t begin) const;
-    void checkCount(std::u16string_view name, std::u16string_view prototype, int least, int most,
-                    size_t given, size_t begin) const;
+    void checkCount(std::u16string_view name, std::u16string_view prototype, int minArguments,
+                    int maxArguments, size_t given, size_t begin) const;
     std::string suggestion(std::u16string_view name) const;
     std::string describe(const Token& token) const;
     SourcePtr source() const { return lexer_.source(); }

@@ -19,11 +19,12 @@ namespace host {
 
 namespace {
 
-std::string range(int least, int most) {
-    if (most == ExternalFunction::kAnyNumber) {
-        return std::to_string(least) + "+";
+std::string range(int minArguments, int maxArguments) {
+    if (maxArguments == ExternalFunction::kAnyNumber) {
+        return std::to_string(minArguments) + "+";
     }
-    return least == most ? std::to_string(least) : std::to_string(least) + "-" + std::to_string(most);
+    return minArguments == maxArguments ? std::to_string(minArguments)
+                                        : std::to_string(minArguments) + "-" + std::to_string(maxArguments);
 }
 
 std::vector<FunctionInfo> languageFunctions() {
@@ -32,8 +33,8 @@ std::vector<FunctionInfo> languageFunctions() {
         FunctionInfo info;
         info.name = builtin.name();
         info.prototype = builtin.prototype;
-        info.least = builtin.least();
-        info.most = builtin.most();
+        info.minArguments = builtin.minArguments();
+        info.maxArguments = builtin.maxArguments();
         result.push_back(std::move(info));
     }
     return result;
@@ -41,7 +42,7 @@ std::vector<FunctionInfo> languageFunctions() {
 
 void printTable(const std::vector<FunctionInfo>& functions) {
     for (const FunctionInfo& function : functions) {
-        std::cout << std::left << std::setw(5) << range(function.least, function.most)
+        std::cout << std::left << std::setw(5) << range(function.minArguments, function.maxArguments)
                   << toUtf8(function.prototype) << '\n';
     }
 }
@@ -52,9 +53,10 @@ void printJson(const std::vector<FunctionInfo>& functions) {
         nlohmann::ordered_json row;
         row["name"] = toUtf8(function.name);
         row["prototype"] = toUtf8(function.prototype);
-        row["min"] = function.least;
-        row["max"] = function.most == ExternalFunction::kAnyNumber ? nlohmann::ordered_json()
-                                                                   : nlohmann::ordered_json(function.most);
+        row["minArguments"] = function.minArguments;
+        row["maxArguments"] = function.maxArguments == ExternalFunction::kAnyNumber
+                                  ? nlohmann::ordered_json()
+                                  : nlohmann::ordered_json(function.maxArguments);
         if (!function.plugin.empty()) {
             row["plugin"] = toUtf8(function.plugin);
             row["id"] = function.id;

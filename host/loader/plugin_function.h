@@ -18,10 +18,10 @@ class PluginFunction : public ExternalFunction {
     };
 
     // [frames] must outlive the function.
-    PluginFunction(Identity identity, std::u16string name, std::u16string prototype, int least, int most,
-                   uint32_t flags, fmx::ExtPluginType handler, CallFrames& frames)
-        : ExternalFunction(std::move(name), std::move(prototype), least, most), identity_(identity),
-          flags_(flags), handler_(handler), frames_(frames) {}
+    PluginFunction(Identity identity, std::u16string name, std::u16string prototype, int minArguments,
+                   int maxArguments, uint32_t flags, fmx::ExtPluginType handler, CallFrames& frames)
+        : ExternalFunction(std::move(name), std::move(prototype), minArguments, maxArguments),
+          identity_(identity), flags_(flags), handler_(handler), frames_(frames) {}
 
     // Runs the handler. Its error code becomes the session's last error, and makes the result "?". Whatever
     // the handler throws ends here and becomes an ExternalFailure.

@@ -185,7 +185,7 @@ class PluginHost::Implementation {
         for (const FunctionPtr& function : functions_) {
             const auto [plugin, id] = function->identity();
             result.push_back({identifierText(plugin), id, function->name(), function->prototype(),
-                              function->least(), function->most(), function->flags()});
+                              function->minArguments(), function->maxArguments(), function->flags()});
         }
         return result;
     }
@@ -241,9 +241,10 @@ class PluginHost::Implementation {
         if (function.name().empty()) {
             return "it has no name";
         }
-        if (function.least() < 0 || (function.most() >= 0 && function.most() < function.least())) {
-            return "it takes " + std::to_string(function.least()) + " to " + std::to_string(function.most()) +
-                   " arguments";
+        if (function.minArguments() < 0 ||
+            (function.maxArguments() >= 0 && function.maxArguments() < function.minArguments())) {
+            return "it takes " + std::to_string(function.minArguments()) + " to " +
+                   std::to_string(function.maxArguments()) + " arguments";
         }
         if (find(function.identity()) != functions_.end()) {
             return "its id is registered already";
@@ -273,12 +274,13 @@ class PluginHost::Implementation {
     static Implementation& of(void* context) { return *static_cast<Implementation*>(context); }
 
     static fmx::errcode registerHook(void* context, const fmx::QuadChar& plugin, short id,
-                                     const fmx::Text& name, const fmx::Text& prototype, short least,
-                                     short most, fmx::uint32 flags, fmx::ExtPluginType handler) {
+                                     const fmx::Text& name, const fmx::Text& prototype, short minArguments,
+                                     short maxArguments, fmx::uint32 flags, fmx::ExtPluginType handler) {
         const PluginFunction::Identity identity{plugin.GetMacType(), id};
         return of(context).add(std::make_shared<PluginFunction>(
-            identity, trimmed(textOf(name)), trimmed(textOf(prototype)), least,
-            most < 0 ? ExternalFunction::kAnyNumber : most, flags, handler, of(context).frames_));
+            identity, trimmed(textOf(name)), trimmed(textOf(prototype)), minArguments,
+            maxArguments < 0 ? ExternalFunction::kAnyNumber : maxArguments, flags, handler,
+            of(context).frames_));
     }
 
     static fmx::errcode unregisterHook(void* context, const fmx::QuadChar& plugin, short id) {

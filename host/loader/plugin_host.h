@@ -47,8 +47,8 @@ struct FunctionInfo {
     int id = 0;
     std::u16string name;
     std::u16string prototype;
-    int least = 0;
-    int most = 0; // ExternalFunction::kAnyNumber for no limit
+    int minArguments = 0;
+    int maxArguments = 0; // ExternalFunction::kAnyNumber for no limit
     uint32_t flags = 0;
 };
 

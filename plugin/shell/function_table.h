@@ -6,8 +6,8 @@
 // One external function. Its name and prototype stand in the string table, under the function's string id.
 struct ExternalFunction {
     short id;
-    short minimum; // arguments
-    short maximum;
+    short minArguments; // arguments
+    short maxArguments;
     fmx::ExtPluginType handler;
 };
 

@@ -57,8 +57,8 @@ static_assert(std::is_sorted(kFunctions.begin(), kFunctions.end(),
               "ids ascend and are unique");
 static_assert(std::all_of(kFunctions.begin(), kFunctions.end(),
                           [](const auto& row) {
-                              return 0 <= row.minimum && row.minimum <= row.maximum && row.id != 21 &&
-                                     row.id != 44;
+                              return 0 <= row.minArguments && row.minArguments <= row.maxArguments &&
+                                     row.id != 21 && row.id != 44;
                           }),
               "argument ranges are ranges, and the free ids are free");
 
@@ -89,7 +89,8 @@ bool acceptsCount(short function, fmx::uint32 count) {
     if (row == kFunctions.end() || row->id != function) {
         return true;
     }
-    return static_cast<fmx::uint32>(row->minimum) <= count && count <= static_cast<fmx::uint32>(row->maximum);
+    return static_cast<fmx::uint32>(row->minArguments) <= count &&
+           count <= static_cast<fmx::uint32>(row->maxArguments);
 }
 
 void registerFunctions() {
@@ -100,8 +101,8 @@ void registerFunctions() {
     for (const ExternalFunction& function : kFunctions) {
         Do_GetString(stringIdOf(function.id), name, true);
         Do_GetString(stringIdOf(function.id), prototype, false);
-        fmx::ExprEnv::RegisterExternalFunction(*plugin, function.id, *name, *prototype, function.minimum,
-                                               function.maximum, kFlags, function.handler);
+        fmx::ExprEnv::RegisterExternalFunction(*plugin, function.id, *name, *prototype, function.minArguments,
+                                               function.maxArguments, kFlags, function.handler);
     }
 }
 

@@ -236,7 +236,7 @@ const Use& useOf(const char* name) {
 
 Call Generator::callOf(const Function& function) {
     Call call{&function, useOf(function.name).arguments(*this)};
-    if (chance(3) && static_cast<int>(call.arguments.size()) < function.maximum) {
+    if (chance(3) && static_cast<int>(call.arguments.size()) < function.maxArguments) {
         call.arguments.push_back(wrong());
     } else if (chance(3) && !call.arguments.empty()) {
         call.arguments[static_cast<std::size_t>(number(static_cast<int>(call.arguments.size())))] =

@@ -127,7 +127,8 @@ Expected Model::call(const Function& function, const Arguments& arguments) {
     error = {};
     const int count = static_cast<int>(arguments.size());
     try {
-        if (function.run != run::Version && (count < function.minimum || count > function.maximum)) {
+        if (function.run != run::Version &&
+            (count < function.minArguments || count > function.maxArguments)) {
             failCodeOnly(-3);
         }
         Expected expected = function.run(*this, arguments);

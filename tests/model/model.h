@@ -77,7 +77,7 @@ class Model;
 struct Function {
     const char* name; // as calculations call it
     short id;
-    int minimum, maximum;
+    int minArguments, maxArguments;
     Expected (*run)(Model& model, const Arguments& arguments);
 };
 

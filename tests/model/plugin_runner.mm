@@ -329,7 +329,7 @@ std::string differenceOfTables() {
             std::find_if(table.begin(), table.end(), [&](const Function& one) { return one.id == row.id; });
         if (found == table.end()) {
             text << "the model has no function " << row.id << "; ";
-        } else if (found->minimum != row.minimum || found->maximum != row.maximum) {
+        } else if (found->minArguments != row.minArguments || found->maxArguments != row.maxArguments) {
             text << found->name << " takes other numbers of arguments; ";
         }
     }

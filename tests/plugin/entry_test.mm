@@ -65,8 +65,8 @@ TEST_F(EntryTest, FunctionsAreRegisteredAsTheTableSays) {
         const ExternalFunction& function = externalFunctions()[i];
         EXPECT_EQ(registration.plugin, "KORU");
         EXPECT_EQ(registration.id, function.id);
-        EXPECT_EQ(registration.minimum, function.minimum);
-        EXPECT_EQ(registration.maximum, function.maximum);
+        EXPECT_EQ(registration.minArguments, function.minArguments);
+        EXPECT_EQ(registration.maxArguments, function.maxArguments);
         EXPECT_EQ(registration.flags, 0xFF01U);
         EXPECT_EQ(registration.function, function.handler);
         if (i > 0) {
@@ -79,8 +79,8 @@ TEST_F(EntryTest, TheFunctionsAndTheirRanges) {
     struct Row {
         short id;
         unsigned long stringId;
-        short minimum;
-        short maximum;
+        short minArguments;
+        short maxArguments;
         fmx::ExtPluginType handler;
     };
     const Row expected[] = {
@@ -132,8 +132,8 @@ TEST_F(EntryTest, TheFunctionsAndTheirRanges) {
         const ExternalFunction& function = externalFunctions()[i];
         EXPECT_EQ(function.id, expected[i].id);
         EXPECT_EQ(stringIdOf(function.id), expected[i].stringId);
-        EXPECT_EQ(function.minimum, expected[i].minimum) << function.id;
-        EXPECT_EQ(function.maximum, expected[i].maximum) << function.id;
+        EXPECT_EQ(function.minArguments, expected[i].minArguments) << function.id;
+        EXPECT_EQ(function.maxArguments, expected[i].maxArguments) << function.id;
         EXPECT_EQ(function.handler, expected[i].handler) << function.id;
     }
 }

@@ -15,8 +15,8 @@ struct Registration {
     short id;
     std::string name;
     std::string prototype;
-    short minimum;
-    short maximum;
+    short minArguments;
+    short maxArguments;
     fmx::uint32 flags;
     fmx::ExtPluginType function;
 };

@@ -213,13 +213,13 @@ PASSES(fmx::errcode, FM_DateTime_SetNormalizedTime1,
        self, hour, minute, second, microseconds, block)
 
 fmx::errcode FM_ExprEnv_RegisterExternalFunction(const fmx::QuadChar& plugin, short id, const fmx::Text& name,
-                                                 const fmx::Text& prototype, short minimum, short maximum,
-                                                 fmx::uint32 flags, fmx::ExtPluginType function,
-                                                 fmx::_fmxcpt& block) noexcept {
+                                                 const fmx::Text& prototype, short minArguments,
+                                                 short maxArguments, fmx::uint32 flags,
+                                                 fmx::ExtPluginType function, fmx::_fmxcpt& block) noexcept {
     if (!failsNow(block)) {
         const Unharmed unharmed;
-        registered.push_back(
-            {characters(plugin), id, bytes(name), bytes(prototype), minimum, maximum, flags, function});
+        registered.push_back({characters(plugin), id, bytes(name), bytes(prototype), minArguments,
+                              maxArguments, flags, function});
     }
     return 1; // refused, for all that the plug-in cares
 }

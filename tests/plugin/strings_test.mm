@@ -179,7 +179,8 @@ TEST_F(StringTableTest, EveryFunctionHasAPrototypeThatFitsItsRange) {
     for (const ExternalFunction& function : externalFunctions()) {
         const std::string prototype = load(stringIdOf(function.id));
         EXPECT_TRUE(std::regex_match(prototype, std::regex(R"(KORU_[A-Za-z]+(\( .* \))?)"))) << prototype;
-        EXPECT_EQ(arityOf(prototype), std::pair(int{function.minimum}, int{function.maximum})) << prototype;
+        EXPECT_EQ(arityOf(prototype), std::pair(int{function.minArguments}, int{function.maxArguments}))
+            << prototype;
     }
 }
 

@@ -309,7 +309,8 @@ TEST(Functions, TableIsOrderedAndEachNameStandsOnce) {
         EXPECT_LT(last, key);
         last = key;
         EXPECT_EQ(findBuiltin(key), &row);
-        EXPECT_TRUE(row.most() == -1 || row.least() <= row.most()) << toUtf8(row.prototype);
+        EXPECT_TRUE(row.maxArguments() == -1 || row.minArguments() <= row.maxArguments())
+            << toUtf8(row.prototype);
         const bool isOwnSyntax = row.form != BuiltinForm::eager && row.form != BuiltinForm::lazy;
         EXPECT_EQ(row.eager == nullptr && row.lazy == nullptr, isOwnSyntax) << toUtf8(row.prototype);
     }
@@ -318,7 +319,7 @@ TEST(Functions, TableIsOrderedAndEachNameStandsOnce) {
 TEST(Functions, ArgumentCountsFollowFromPrototypes) {
     const auto counts = [](const char16_t* name) {
         const Builtin* row = findBuiltin(name);
-        return std::pair(row->least(), row->most());
+        return std::pair(row->minArguments(), row->maxArguments());
     };
     EXPECT_EQ(counts(u"true"), std::pair(0, 0));
     EXPECT_EQ(counts(u"left"), std::pair(2, 2));

@@ -83,10 +83,11 @@ TEST_F(Program, Functions) {
     const Outcome json = good("functions --json");
     EXPECT_THAT(
         json.out,
-        StartsWith("[\n  {\n    \"name\": \"Test_Echo\",\n    \"prototype\": \"Test_Echo ( value )\",\n"
-                   "    \"min\": 1,\n    \"max\": 1,\n    \"plugin\": \"TEST\",\n    \"id\": 0,\n"
-                   "    \"flags\": 65281\n  },\n"));
-    EXPECT_THAT(json.out, HasSubstr("\"max\": null"));
+        StartsWith(
+            "[\n  {\n    \"name\": \"Test_Echo\",\n    \"prototype\": \"Test_Echo ( value )\",\n"
+            "    \"minArguments\": 1,\n    \"maxArguments\": 1,\n    \"plugin\": \"TEST\",\n    \"id\": 0,\n"
+            "    \"flags\": 65281\n  },\n"));
+    EXPECT_THAT(json.out, HasSubstr("\"maxArguments\": null"));
     expect(plain("functions"), ExitCode::ok, "", "");
 }
 

@@ -93,11 +93,11 @@ TEST_F(Loader, AsksForTheStringsAndKeepsTheFunctions) {
     EXPECT_EQ(functions[2].id, 2);
     EXPECT_EQ(functions[2].name, u"Test_Count");
     EXPECT_EQ(functions[2].prototype, u"Test_Count ( a ; b {; c } )");
-    EXPECT_EQ(functions[2].least, 2);
-    EXPECT_EQ(functions[2].most, 3);
+    EXPECT_EQ(functions[2].minArguments, 2);
+    EXPECT_EQ(functions[2].maxArguments, 3);
     EXPECT_EQ(functions[2].flags, 0xFF01U);
     EXPECT_EQ(functions[1].name, u"Test_Join"); // registered with a blank behind it
-    EXPECT_EQ(functions[1].most, ExternalFunction::kAnyNumber);
+    EXPECT_EQ(functions[1].maxArguments, ExternalFunction::kAnyNumber);
     EXPECT_EQ(host_.takeWarnings().size(), 1U); // one function with an id that is taken
     EXPECT_EQ(run("Test_Instance"), "54111");
 }

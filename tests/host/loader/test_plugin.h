@@ -15,15 +15,15 @@ inline void assign(fmx::Text& text, const char* value) {
     text.Assign(value, fmx::Text::kEncoding_UTF8);
 }
 
-inline fmx::errcode registerFunction(short id, const char* name, const char* prototype, short least,
-                                     short most, fmx::ExtPluginType handler) {
+inline fmx::errcode registerFunction(short id, const char* name, const char* prototype, short minArguments,
+                                     short maxArguments, fmx::ExtPluginType handler) {
     const fmx::QuadCharAutoPtr plugin('T', 'E', 'S', 'T');
     const fmx::TextAutoPtr nameText;
     const fmx::TextAutoPtr prototypeText;
     assign(*nameText, name);
     assign(*prototypeText, prototype);
-    return fmx::ExprEnv::RegisterExternalFunction(*plugin, id, *nameText, *prototypeText, least, most, 0xFF01,
-                                                  handler);
+    return fmx::ExprEnv::RegisterExternalFunction(*plugin, id, *nameText, *prototypeText, minArguments,
+                                                  maxArguments, 0xFF01, handler);
 }
 
 inline fmx::errcode unregisterFunction(short id) {
