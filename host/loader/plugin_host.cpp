@@ -48,6 +48,7 @@ class Plugin {
            FMX_CurrentEnvCall currentEnv)
         : library_(path) {
         call_.extnVersion = static_cast<fmx::int16>(hostVersion);
+        call_.unusedID = -1;
         call_.entryPoint = library_.entry();
         call_.instanceID = reinterpret_cast<fmx::ptrtype>(library_.handle());
         call_.cStartScript = startScript;

@@ -1,32 +1,79 @@
-/// The messages that the host sends to a plug-in, and the structure that carries them.
+/// The plain types of the host's plug-in interface, the messages that the host sends to a plug-in, and the
+/// structure that carries them.
 ///
 /// A plug-in exports `FMExternCallProc(FMX_ExternCallPtr)` and defines `gFMX_ExternCallPtr`, in which it
 /// keeps the structure of the message at hand: `FMX_StartScript` and `FMX_SetToCurrentEnv` call the host
-/// through it.
+/// through it. What stands here serves C and C++.
 #pragma once
 
-#include "FMXTypes.h"
+#include <stddef.h>
+#include <stdint.h>
 
-#include <cstddef>
+#ifdef __cplusplus
+
+namespace fmx {
+
+typedef uint8_t uchar;
+typedef int16_t int16;
+typedef uint16_t uint16;
+typedef int32_t int32;
+typedef uint32_t uint32;
+typedef int64_t int64;
+typedef uint64_t uint64;
+/// An unsigned number as wide as a pointer.
+typedef uintptr_t ptrtype;
+/// The host's result of an operation: 0 when it succeeded.
+typedef int16 errcode;
+/// One unit of UTF-16; `unichar` is its older name.
+typedef uint16 unichar16;
+typedef unichar16 unichar;
+
+class BinaryData;
+class CharacterStyle;
+class Color;
+class Data;
+class DataVect;
+class DateTime;
+class ExprEnv;
+class FixPt;
+class Locale;
+class QuadChar;
+class RowVect;
+class Text;
+
+} // namespace fmx
+
+typedef fmx::Text FMX_Text;
+typedef fmx::Data FMX_Data;
+typedef fmx::ExprEnv FMX_ExprEnv;
+
+#else
+
+typedef struct FMX_Text FMX_Text;
+typedef struct FMX_Data FMX_Data;
+typedef struct FMX_ExprEnv FMX_ExprEnv;
+
+#endif
 
 /// The messages (`whichCall`).
 enum {
-    /// Start-up; `parm1` is the application, `parm2` its version text, `result` the plug-in's answer.
+    /// Start-up; `parm1` is the application, `parm2` points to its version text, `result` takes the answer.
     kFMXT_Init = 0,
-    /// Idle time; `parm1` is the idle level.
+    /// Idle time; `parm1` is the idle level, `parm2` the session.
     kFMXT_Idle = 1,
     /// Shut-down.
     kFMXT_Shutdown = 4,
     /// The button of the preferences dialog.
     kFMXT_DoAppPreferences = 5,
     /// A string is wanted; `parm1` says which, `parm2` is the language, `parm3` the capacity of the buffer
-    /// that
-    /// `result` points to, in UTF-16 units.
+    /// that `result` points to, in UTF-16 units.
     kFMXT_GetString = 7,
-    /// A session ends.
+    /// A session ends; `parm2` says which.
     kFMXT_SessionShutdown = 8,
-    /// A file is closed.
-    kFMXT_FileShutdown = 9
+    /// A file is closed; `parm2` is the session, `parm3` the file.
+    kFMXT_FileShutdown = 9,
+    /// The schema of a file has changed.
+    kFMXT_SchemaChange = 10
 };
 
 /// The applications that start a plug-in (`parm1` of `kFMXT_Init`).
@@ -37,7 +84,13 @@ enum {
     kFMXT_Server = 3,
     kFMXT_Web = 4,
     kFMXT_Mobile = 5,
-    kFMXT_ServerScripting = 7
+    kFMXT_XDBC = 6,
+    /// The scripts of a server.
+    kFMXT_SASE = 7,
+    kFMXT_IWP = 8,
+    kFMXT_FMDAPI = 9,
+    kFMXT_OData = 11,
+    kFMXT_Tool = 99
 };
 
 /// The idle levels (`parm1` of `kFMXT_Idle`).
@@ -50,52 +103,107 @@ enum {
 };
 
 /// The strings that the host asks for (`parm1` of `kFMXT_GetString`).
-enum { kFMXT_NameStr = 128, kFMXT_AppConfigStr = 129, kFMXT_OptionsStr = 131 };
+enum {
+    kFMXT_NameStr = 128,
+    kFMXT_AppConfigStr = 129,
+    kFMXT_OptionsStr = 131,
+    /// The address of a help page; asked for from interface version 57 on.
+    kFMXT_HelpURLStr = 132
+};
 
 /// The versions of this interface, and the two answers by which a plug-in refuses to start.
 enum {
+    kBadExtnVersion = -1,
+    kDoNotEnable = -2,
+    kMinExtnVersion = 4,
+    k40ExtnVersion = 11,
+    k41ExtnVersion = 12,
+    k50ExtnVersion = 14,
+    k60ExtnVersion = 17,
     k70ExtnVersion = 50,
     k80ExtnVersion = 51,
     k110ExtnVersion = 52,
+    /// The first with 64-bit plug-ins.
     k120ExtnVersion = 53,
     k130ExtnVersion = 54,
-    kBadExtnVersion = -1,
-    kDoNotEnable = -2
+    k140ExtnVersion = 55,
+    k150ExtnVersion = 56,
+    k160ExtnVersion = 57,
+    k170ExtnVersion = 59,
+    k180ExtnVersion = 60,
+    k190ExtnVersion = 62,
+    k191ExtnVersion = 63,
+    k192ExtnVersion = 64,
+    k193ExtnVersion = 65,
+    k194ExtnVersion = 66,
+    k195ExtnVersion = 67,
+    k196ExtnVersion = 68,
+    k201ExtnVersion = 71,
+    k202ExtnVersion = 72,
+    k203ExtnVersion = 73,
+    k210ExtnVersion = 74,
+    k211ExtnVersion = 75,
+    k220ExtnVersion = 76,
+    k221ExtnVersion = 77,
+    kMaxExtnVersion = 255
 };
 
 /// What becomes of a script that runs already when a plug-in starts one (`control` of `FMX_StartScript`).
 enum { kFMXT_Halt = 0, kFMXT_Exit = 1, kFMXT_Resume = 2, kFMXT_Pause = 3 };
 
+#ifdef __cplusplus
 extern "C" {
+#endif
 
-/// Starts the script of that name in the file of that name, with a parameter.
-typedef fmx::errcode (*FMX_StartScriptCall)(const fmx::Text* fileName, const fmx::Text* scriptName,
-                                            fmx::uchar control, const fmx::Data* parameter);
-/// Makes an environment the one of the calculation at hand.
-typedef fmx::errcode (*FMX_CurrentEnvCall)(fmx::ExprEnv* env);
+/// Starts the script of that name in the file of that name, with a parameter; answers an error code.
+typedef int16_t (*FMX_StartScriptCall)(const FMX_Text* fileName, const FMX_Text* scriptName, uint8_t control,
+                                       const FMX_Data* parameter);
+/// Makes an environment the one of the calculation at hand; answers an error code.
+typedef int16_t (*FMX_CurrentEnvCall)(FMX_ExprEnv* env);
 
+struct FMX_ExternCallStruct;
 typedef struct FMX_ExternCallStruct* FMX_ExternCallPtr;
 
+// The old call-backs of 32-bit Mac applications stand between the fields that all systems have.
+#if defined(__APPLE__) && !defined(__LP64__) && !defined(__ENVIRONMENT_IPHONE_OS_VERSION_MIN_REQUIRED__)
+#define FMX_OLD_CALL_BACKS 10
+#else
+#define FMX_OLD_CALL_BACKS 0
+#endif
+
+#ifdef __LP64__
+typedef int32_t FMX_UnusedID;
+#else
+typedef int16_t FMX_UnusedID;
+#endif
+
 #pragma pack(push, 1)
-/// One message to the plug-in.
+/// One message to the plug-in. Its fields stand without padding, so that most are not aligned.
 struct FMX_ExternCallStruct {
     /// The host's version of this interface.
-    fmx::int16 extnVersion;
-    fmx::int16 resourceID;
+    int16_t extnVersion;
+    /// Of no use any more; -1. `resourceID` is its older name.
+    union {
+        FMX_UnusedID resourceID;
+        FMX_UnusedID unusedID;
+    };
     /// The plug-in's entry point.
     void (*entryPoint)(FMX_ExternCallPtr);
     char cfmCalls;
     /// The message.
-    fmx::uchar whichCall;
+    uint8_t whichCall;
     char unsafeCalls;
-    fmx::uchar parm1;
-    fmx::ptrtype parm2;
-    fmx::ptrtype parm3;
-    /// The plug-in's own bundle: a `CFBundleRef` on macOS, the handle of the loaded library elsewhere.
-    fmx::ptrtype instanceID;
+    uint8_t parm1;
+    uintptr_t parm2;
+    uintptr_t parm3;
+    /// The plug-in's own bundle: a `CFBundleRef` on macOS, the handle of the loaded library or 0 elsewhere.
+    uintptr_t instanceID;
     /// The answer, or where the answer goes.
-    fmx::ptrtype result;
-    fmx::ptrtype unused;
+    uintptr_t result;
+    uintptr_t unused;
+#if FMX_OLD_CALL_BACKS
+    void (*oldCallBacks[FMX_OLD_CALL_BACKS])(void);
+#endif
     FMX_StartScriptCall cStartScript;
     FMX_CurrentEnvCall cCurrentEnv;
 };
@@ -104,29 +212,48 @@ struct FMX_ExternCallStruct {
 /// The message at hand; every plug-in defines it.
 extern FMX_ExternCallPtr gFMX_ExternCallPtr;
 
+#ifdef __cplusplus
 } // extern "C"
+#endif
 
 #define FMX_StartScript(file, script, control, parameter)                                                    \
     gFMX_ExternCallPtr->cStartScript(file, script, control, parameter)
 #define FMX_SetToCurrentEnv(env) gFMX_ExternCallPtr->cCurrentEnv(env)
 
-/// Holds a field of the structure to its place, which follows from the width of a pointer.
-#define FMX_ASSERT_OFFSET(field, pointers, bytes)                                                            \
-    static_assert(offsetof(FMX_ExternCallStruct, field) == (pointers) * sizeof(void*) + (bytes),             \
-                  "the host expects " #field " elsewhere")
+// Hosts and plug-ins that others built expect each field at one place: with pointers of 64 bits, and of 32.
+#ifdef __cplusplus
+#define FMX_ASSERT(condition, message) static_assert(condition, message)
+#else
+#define FMX_ASSERT(condition, message) _Static_assert(condition, message)
+#endif
+#ifdef __LP64__
+#define FMX_ASSERT_OFFSET(field, bytes64, bytes32)                                                           \
+    FMX_ASSERT(offsetof(struct FMX_ExternCallStruct, field) == (bytes64), "the place of " #field)
+#else
+#define FMX_ASSERT_OFFSET(field, bytes64, bytes32)                                                           \
+    FMX_ASSERT(offsetof(struct FMX_ExternCallStruct, field) == (bytes32), "the place of " #field)
+#endif
 FMX_ASSERT_OFFSET(extnVersion, 0, 0);
-FMX_ASSERT_OFFSET(resourceID, 0, 2);
-FMX_ASSERT_OFFSET(entryPoint, 0, 4);
-FMX_ASSERT_OFFSET(cfmCalls, 1, 4);
-FMX_ASSERT_OFFSET(whichCall, 1, 5);
-FMX_ASSERT_OFFSET(unsafeCalls, 1, 6);
-FMX_ASSERT_OFFSET(parm1, 1, 7);
-FMX_ASSERT_OFFSET(parm2, 1, 8);
-FMX_ASSERT_OFFSET(parm3, 2, 8);
-FMX_ASSERT_OFFSET(instanceID, 3, 8);
-FMX_ASSERT_OFFSET(result, 4, 8);
-FMX_ASSERT_OFFSET(unused, 5, 8);
-FMX_ASSERT_OFFSET(cStartScript, 6, 8);
-FMX_ASSERT_OFFSET(cCurrentEnv, 7, 8);
-static_assert(sizeof(FMX_ExternCallStruct) == 8 * sizeof(void*) + 8, "the structure has no padding");
+FMX_ASSERT_OFFSET(resourceID, 2, 2);
+FMX_ASSERT_OFFSET(unusedID, 2, 2);
+FMX_ASSERT_OFFSET(entryPoint, 6, 4);
+FMX_ASSERT_OFFSET(cfmCalls, 14, 8);
+FMX_ASSERT_OFFSET(whichCall, 15, 9);
+FMX_ASSERT_OFFSET(unsafeCalls, 16, 10);
+FMX_ASSERT_OFFSET(parm1, 17, 11);
+FMX_ASSERT_OFFSET(parm2, 18, 12);
+FMX_ASSERT_OFFSET(parm3, 26, 16);
+FMX_ASSERT_OFFSET(instanceID, 34, 20);
+FMX_ASSERT_OFFSET(result, 42, 24);
+FMX_ASSERT_OFFSET(unused, 50, 28);
+FMX_ASSERT_OFFSET(cStartScript, 58, 32 + 4 * FMX_OLD_CALL_BACKS);
+FMX_ASSERT_OFFSET(cCurrentEnv, 66, 36 + 4 * FMX_OLD_CALL_BACKS);
+#ifdef __LP64__
+FMX_ASSERT(sizeof(struct FMX_ExternCallStruct) == 74, "the structure has no padding");
+#else
+FMX_ASSERT(sizeof(struct FMX_ExternCallStruct) == 40 + 4 * FMX_OLD_CALL_BACKS,
+           "the structure has no padding");
+#endif
 #undef FMX_ASSERT_OFFSET
+#undef FMX_ASSERT
+#undef FMX_OLD_CALL_BACKS

@@ -2,7 +2,7 @@
 // interface.
 #pragma once
 
-#include "FMWrapper/FMXClient.h"
+#include "FMWrapper/FMXCalcEngine.h"
 
 #include <gtest/gtest.h>
 #include <string>
