@@ -69,6 +69,17 @@ TEST_F(CompareTest, ExceptionsFailTheCall) {
     expectFailure(compare("note", ""), "Exception caught in function cannot read Note", "-8000");
 }
 
+TEST_F(CompareTest, OneAddressAloneNeedsAKey) {
+    personDouble.values = Retained<NSObject>::retain([NSDictionary dictionaryWithObject:@"Bath"
+                                                                                 forKey:kABAddressCityKey]);
+    const EveryPropertyHasType<kABDictionaryProperty> type;
+    expectFailure(compare("note", "Bath"), "Invalid value for key ", "-8008");
+    expectFailure(compare("note", ""), "Invalid value for key ", "-8008");
+    expectFailure(compare("note", "Bath", "", "Postcode"), "Invalid value for key ", "-8008");
+    EXPECT_EQ(compare("note", "Bath", "", "City"), "0");
+    EXPECT_EQ(compare("note", "", "", "Street"), "0");
+}
+
 // The value found before an exception is not compared any more.
 TEST_F(CompareTest, AnExceptionEndsTheComparison) {
     personDouble.values = Retained<NSObject>::adopt([[VelocardFailingAddress alloc] init]);

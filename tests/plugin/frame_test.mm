@@ -182,6 +182,29 @@ TEST_F(FrameTest, AWrongNumberOfArgumentsIsRefusedByItsCodeAlone) {
     EXPECT_EQ(lastErrorNumber(), "0");
 }
 
+TEST_F(FrameTest, TextIsWrittenInTheResultsOwnLocale) {
+    constexpr fmx::int32 kSomeLanguage = 20;
+    const fmx::LocaleAutoPtr locale(kSomeLanguage);
+    const fmx::TextAutoPtr text;
+    result_->SetAsText(*text, *locale);
+    const auto expectOwnLocale = [&] {
+        EXPECT_EQ(host_double::textLocale(), &result_->GetLocale());
+        host_double::reset();
+    };
+    host_double::reset();
+    run([]() -> Answer { return @"x"; });
+    expectOwnLocale();
+    run([]() -> Answer {
+        setError(kNoBitmap);
+        return nil;
+    });
+    expectOwnLocale();
+    for (const FrameRules& rules : {kVersionFrame, kLastErrorFrame}) {
+        run([]() -> Answer { return @"x"; }, rules);
+        expectOwnLocale();
+    }
+}
+
 TEST_F(FrameTest, AWrittenResultIsLeftAloneEvenWithAnError) {
     EXPECT_EQ(run([&]() -> Answer {
                   const fmx::DataAutoPtr other = textData("the work's own");

@@ -32,6 +32,9 @@ struct Registration {
 // The type of the locale that was made last.
 [[nodiscard]] fmx::int32 localeType();
 
+// The locale with which a value was last made text.
+[[nodiscard]] const fmx::Locale* textLocale();
+
 // Forgets them, and lets every call succeed.
 void reset();
 

@@ -14,6 +14,7 @@ std::vector<std::pair<std::string, short>> unregistered;
 int living = 0;
 std::vector<std::string_view> madeAndDeleted;
 fmx::int32 madeLocaleType = 0;
+const fmx::Locale* usedLocale = nullptr;
 std::optional<int> callsUntilFailure;
 int failureCode = 0;
 bool failed = false;
@@ -82,10 +83,15 @@ fmx::int32 localeType() {
     return madeLocaleType;
 }
 
+const fmx::Locale* textLocale() {
+    return usedLocale;
+}
+
 void reset() {
     registered.clear();
     unregistered.clear();
     madeAndDeleted.clear();
+    usedLocale = nullptr;
     callsUntilFailure.reset();
     failed = false;
 }
@@ -200,7 +206,7 @@ PASSES(bool, FM_DataVect_AtAsBoolean, (const void* self, fmx::uint32 index, fmx:
 PASSES(const fmx::Locale&, FM_Data_GetLocale, (const void* self, fmx::_fmxcpt& block), self, block)
 PASSES(fmx::errcode, FM_Data_SetAsText,
        (void* self, const fmx::Text& value, const fmx::Locale& locale, fmx::int32 type, fmx::_fmxcpt& block),
-       self, value, locale, type, block)
+       (usedLocale = &locale, self), value, locale, type, block)
 PASSES(fmx::errcode, FM_Data_SetAsTimeStamp,
        (void* self, const fmx::DateTime& value, fmx::int32 type, fmx::_fmxcpt& block), self, value, type,
        block)

@@ -4,6 +4,7 @@
 #import "plugin/shell/error_state.h"
 #include "tests/plugin/replaced_method.h"
 #include "tests/plugin/support.h"
+#include <vector>
 
 namespace {
 
@@ -281,6 +282,53 @@ TEST_F(LifecycleTest, ClearAllOfAGroupDeletesItsMembersAndDetachesItsSubgroups) 
     EXPECT_EQ(call(Do_KORU_ClearAll, {id, "members", "1"}), "0");
     EXPECT_EQ([[book() people] count], 1U) << "a member goes although it is the own card";
     EXPECT_EQ([[group members] count], 0U);
+}
+
+// The identifiers of the records that were to be removed, in order; nothing is.
+std::vector<std::string> removedIds;
+
+BOOL noteRemoval(id, SEL, ABRecord* record) {
+    removedIds.push_back(utf8([record uniqueId]));
+    return NO;
+}
+
+std::vector<std::string> idsOf(std::initializer_list<NSArray*> lists) {
+    std::vector<std::string> ids;
+    for (NSArray* list : lists) {
+        for (NSUInteger i = 0; i < [list count]; ++i) {
+            ids.push_back(utf8([[list objectAtIndex:i] uniqueId]));
+        }
+    }
+    return ids;
+}
+
+TEST_F(LifecycleTest, ClearAllRemovesPeopleThenGroupsEachInTheOrderOfTheirList) {
+    for (NSString* name : {@"Anna", @"Ben", @"Clara"}) {
+        addPerson(name, @"Smith");
+        addGroup(name);
+    }
+    const std::vector<std::string> everything = idsOf({[book() people], [book() groups]});
+    ASSERT_EQ(everything.size(), 6U);
+    const ReplacedMethod removing([ABAddressBook class], @selector(removeRecord:), noteRemoval);
+    removedIds.clear();
+    EXPECT_EQ(call(Do_KORU_ClearAll, {"", "", "0"}), "0") << "refusals are not looked at";
+    EXPECT_EQ(removedIds, everything);
+}
+
+TEST_F(LifecycleTest, ClearAllOfAGroupRemovesMembersThenSubgroupsEachInTheOrderOfTheirList) {
+    ABGroup* group = addGroup(@"Harbour");
+    for (NSString* name : {@"Anna", @"Ben", @"Clara"}) {
+        ASSERT_TRUE([group addMember:addPerson(name, @"Smith")]);
+        ASSERT_TRUE([group addSubgroup:addGroup(name)]);
+    }
+    ASSERT_TRUE([book() save]);
+    const std::vector<std::string> everything = idsOf({[group members], [group subgroups]});
+    ASSERT_EQ(everything.size(), 6U);
+    const ReplacedMethod removing([ABAddressBook class], @selector(removeRecord:), noteRemoval);
+    const ReplacedMethod detaching([ABGroup class], @selector(removeSubgroup:), noteRemoval);
+    removedIds.clear();
+    EXPECT_EQ(call(Do_KORU_ClearAll, {utf8([group uniqueId]), "", "0"}), "0");
+    EXPECT_EQ(removedIds, everything);
 }
 
 TEST_F(LifecycleTest, ClearAllMayKeepAnOwnCardThatThereIsNot) {

@@ -174,6 +174,26 @@ TEST_F(PropertyTest, ReadingClosesTheProperty) {
     EXPECT_TRUE(state.gCurrentProperty) << "an error leaves it open";
 }
 
+TEST_F(PropertyTest, ARecordThatMayOnlyBeReadRefusesBeforeThePropertyIsLookedAt) {
+    const auto expectReadOnly = [](const std::string& answer) {
+        EXPECT_EQ(answer, "!!ERROR!!");
+        EXPECT_EQ(lastErrorText(), "Record is read only ");
+        EXPECT_EQ(lastErrorNumber(), "-8017");
+        EXPECT_FALSE(state.gCurrentProperty);
+    };
+    openPerson([VelocardReadOnlyPerson class]);
+    for (const char* name : {"shoe size", "name", "phone", "firstname", ""}) {
+        expectReadOnly(set(name, "x"));
+        expectReadOnly(set(name, ""));
+        expectReadOnly(remove(name));
+    }
+    state.g_group = Retained<ABGroup>::adopt(
+        [[VelocardReadOnlyGroup alloc] initWithAddressBook:[ABAddressBook sharedAddressBook]]);
+    state.g_currentRecordType = kGroupType;
+    expectReadOnly(set("shoe size", "x"));
+    expectReadOnly(remove("shoe size"));
+}
+
 TEST_F(PropertyTest, ListsAreRefused) {
     openPerson();
     EXPECT_EQ(get("Phone"), "!!ERROR!!");

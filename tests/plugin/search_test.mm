@@ -6,6 +6,7 @@
 #import "plugin/shell/error_state.h"
 #include "tests/plugin/replaced_method.h"
 #include "tests/plugin/support.h"
+#include <span>
 
 namespace {
 
@@ -314,6 +315,46 @@ TEST_F(SearchTest, TheNewConditionStandsBeforeTheKeptOne) {
     lastChildren.reset();
 }
 
+// What a condition was last made of; it fits nobody.
+struct ConditionParts {
+    Retained<NSString> property;
+    Retained<NSString> label;
+    Retained<NSString> key;
+    Retained<NSObject> value;
+    ABSearchComparison comparison;
+};
+ConditionParts lastParts;
+
+ABSearchElement* noteCondition(id, SEL, NSString* property, NSString* label, NSString* key, id value,
+                               ABSearchComparison comparison) {
+    lastParts = {Retained<NSString>::retain(property), Retained<NSString>::retain(label),
+                 Retained<NSString>::retain(key), Retained<NSObject>::retain(value), comparison};
+    return nil;
+}
+
+TEST_F(SearchTest, AConditionOnGroupsHasNeitherALabelNorAKey) {
+    const SEL making = @selector(searchElementForProperty:label:key:value:comparison:);
+    const ReplacedMethod ofPeople(object_getClass([ABPerson class]), making, noteCondition);
+    const ReplacedMethod ofGroups(object_getClass([ABGroup class]), making, noteCondition);
+    const auto searchAll = [](const std::string& type) {
+        call(Do_KORU_Search, {type, "name", "Home", "City", "Harbour", "PrefixMatch"});
+        EXPECT_EQ(utf8(lastParts.property.get()), utf8(kABGroupNameProperty)) << type;
+        EXPECT_EQ(utf8([lastParts.value.get() description]), "Harbour") << type;
+        EXPECT_EQ(lastParts.comparison, kABPrefixMatch) << type;
+    };
+    for (const char* type : {"person", "Contact"}) {
+        searchAll(type);
+        EXPECT_EQ(utf8(lastParts.label.get()), utf8(kABHomeLabel)) << type;
+        EXPECT_EQ(utf8(lastParts.key.get()), utf8(kABAddressCityKey)) << type;
+    }
+    for (const char* type : {"group", "GROUP", "company"}) {
+        searchAll(type);
+        EXPECT_EQ(lastParts.label.get(), nil) << type;
+        EXPECT_EQ(lastParts.key.get(), nil) << type;
+    }
+    lastParts = {};
+}
+
 TEST_F(SearchTest, AConditionCanBeOnPersonsAndOnGroups) {
     addPerson(@"Anna", @"Smith");
     addPerson(@"Ben", @"Jones");
@@ -339,6 +380,54 @@ TEST_F(SearchTest, APropertyWithoutANameOfOursIsPassedAsWrittenAndRealNumbersLos
     EXPECT_EQ(search("person", "Shoe Size", "2.7"), "0");
     EXPECT_EQ(search("person", "Shoe Size", "2.7", "GreaterThan"), "1");
     [ABPerson removeProperties:[NSArray arrayWithObject:@"Shoe Size"]];
+}
+
+// Gives people a property of the type for the rest of the block.
+class AddedProperty {
+  public:
+    AddedProperty(NSString* name, ABPropertyType type) : name_(name) {
+        EXPECT_EQ(
+            [ABPerson addPropertiesAndTypes:[NSDictionary dictionaryWithObject:[NSNumber numberWithInt:type]
+                                                                        forKey:name]],
+            1);
+    }
+    ~AddedProperty() { [ABPerson removeProperties:[NSArray arrayWithObject:name_]]; }
+    AddedProperty(const AddedProperty&) = delete;
+    AddedProperty& operator=(const AddedProperty&) = delete;
+
+  private:
+    NSString* name_;
+};
+
+TEST_F(SearchTest, NumbersAreSoughtAsWholeOnesInSinglePropertiesAndInLists) {
+    // "2e2" is 2 to who reads whole numbers, 200 to who reads reals; none is cut to 32 bits.
+    const std::pair<const char*, long long> wholeNumbers[] = {
+        {"2e2", 2}, {"2.9", 2}, {" -2 boats", -2}, {"4294967298", 4294967298}, {"boats", 0}};
+    const std::pair<const char*, long long> reals[] = {
+        {"2e2", 200}, {"2.9", 2}, {" -2.9 boats", -2}, {"4294967298.9", 4294967298}, {"boats", 0}};
+    struct {
+        ABPropertyType type;
+        bool isList;
+        std::span<const std::pair<const char*, long long>> numbers;
+    } const properties[] = {{kABIntegerProperty, false, wholeNumbers},
+                            {kABMultiIntegerProperty, true, wholeNumbers},
+                            {kABRealProperty, false, reals},
+                            {kABMultiRealProperty, true, reals}};
+    ABPerson* person = addPerson(@"Anna", @"Smith");
+    for (const auto& property : properties) {
+        const AddedProperty added(@"Berths", property.type);
+        for (const auto& [text, number] : property.numbers) {
+            id value = [NSNumber numberWithLongLong:number];
+            if (property.isList) {
+                ABMutableMultiValue* list = [[[ABMutableMultiValue alloc] init] autorelease];
+                [list addValue:value withLabel:kABHomeLabel];
+                value = list;
+            }
+            ASSERT_TRUE([person setValue:value forProperty:@"Berths"]);
+            EXPECT_EQ(search("person", "Berths", text), "1") << text << " of type " << property.type;
+            EXPECT_EQ(search("person", "Berths", "7"), "0") << text << " of type " << property.type;
+        }
+    }
 }
 
 TEST_F(SearchTest, ATextThatIsNoDateIsNoValue) {
@@ -381,6 +470,53 @@ TEST_F(SearchTest, AnUnknownIdIsAPersonsAndLeavesNoneCurrent) {
         EXPECT_FALSE(state.g_person);
         EXPECT_TRUE(state.g_group);
     }
+}
+
+// What is current while a record is looked up.
+bool anyoneIsCurrent = true;
+std::uint32_t typeDuringLookUp = 0;
+
+id failToFind(id, SEL, NSString*) {
+    anyoneIsCurrent = state.g_person || state.g_group;
+    typeDuringLookUp = state.g_currentRecordType;
+    [NSException raise:NSInternalInconsistencyException format:@"the book is on fire"];
+    return nil;
+}
+
+TEST_F(SearchTest, ALookUpThatRaisesLeavesNoneCurrentAndTheTypes) {
+    const std::string person = utf8([addPerson(@"Anna", @"Smith") uniqueId]);
+    const std::string group = utf8([addGroup(@"Harbour") uniqueId]);
+    const ReplacedMethod looking([ABAddressBook class], @selector(recordForUniqueId:), failToFind);
+    const auto expectFailure = [](const std::string& id, std::uint32_t type) {
+        state.gCurrentProperty = Retained<NSString>::retain(@"open");
+        state.g_currentRecordType = state.g_lastSearchType = type;
+        EXPECT_EQ(call(Do_KORU_Open, {id}), "!!ERROR!!");
+        EXPECT_EQ(lastErrorText(), "Exception caught in function the book is on fire");
+        EXPECT_EQ(lastErrorNumber(), "-8000");
+        EXPECT_FALSE(anyoneIsCurrent) << "the record goes before the next is looked up";
+        EXPECT_EQ(typeDuringLookUp, type) << "and the type changes behind that";
+        EXPECT_EQ(state.g_currentRecordType, type);
+        EXPECT_EQ(state.g_lastSearchType, type);
+        EXPECT_FALSE(state.gCurrentProperty);
+    };
+    state.g_person = Retained<ABPerson>::retain(addPerson(@"Ben", @"Jones"));
+    expectFailure(person, kGroupType);
+    EXPECT_FALSE(state.g_person);
+    state.g_group = Retained<ABGroup>::retain(addGroup(@"Crew"));
+    expectFailure(group, kPersonType);
+    EXPECT_FALSE(state.g_group);
+}
+
+TEST_F(SearchTest, ALookUpOfTheClassThatRaisesLeavesTheRecordCurrent) {
+    state.g_person = Retained<ABPerson>::retain(addPerson(@"Ben", @"Jones"));
+    state.gCurrentProperty = Retained<NSString>::retain(@"open");
+    state.g_currentRecordType = kGroupType;
+    const ReplacedMethod looking([ABAddressBook class], @selector(recordClassFromUniqueId:), failToFind);
+    EXPECT_EQ(call(Do_KORU_Open, {"nobody"}), "!!ERROR!!");
+    EXPECT_EQ(lastErrorNumber(), "-8000");
+    EXPECT_TRUE(state.g_person);
+    EXPECT_FALSE(state.gCurrentProperty);
+    EXPECT_EQ(state.g_currentRecordType, kGroupType);
 }
 
 TEST_F(SearchTest, OpeningClosesThePropertyAndNothingElse) {
