@@ -11,7 +11,7 @@ namespace addressbook::test {
 namespace {
 
 using enum Comparison;
-using Way = SearchStep::Way;
+using Execution = SearchStep::Execution;
 
 constexpr double kNow = 800'000'000; // 2026-05-09
 constexpr double kDay = 86'400;
@@ -62,7 +62,7 @@ constexpr Count kAll{0, 1};
 struct Explained {
     const char* name;
     Condition condition;
-    Plan plan;
+    AccessPath path;
     Count rows, records, hits;
     Count everyone = {};
 };
@@ -91,72 +91,83 @@ Value components(int month, int day) {
 std::vector<Explained> explained() {
     return {
         // name, condition, plan, index rows, records, hits, everyone
-        {"equal", where("Last", equal, text("Lindström")), Plan::exact, kThree, kNone, kThree},
-        {"equalIgnoringCase", where("Last", equalCaseInsensitive, text("LINDSTRÖM")), Plan::exact, kThree,
-         kNone, kThree},
-        {"equalLongText", where("Last", equal, text(std::string(70, 'x'))), Plan::exact, kNone, kNone, kNone},
-        {"equalNumber", where("ABPersonFlags", equal, number(77)), Plan::exact, kThree, kNone, kThree},
-        {"equalField", where("Address", equal, text("Meißen")), Plan::exact, kThree, kNone, kThree},
-        {"equalKey", within(where("Address", equal, text("Meißen")), {}, "City"), Plan::exact, kThree, kNone,
-         kThree},
-        {"equalOtherKey", within(where("Address", equal, text("Meißen")), {}, "ZIP"), Plan::exact, kNone,
-         kNone, kNone},
-        {"equalKeyAndLabel", within(where("Address", equal, text("Meißen")), kHome, "City"), Plan::exact,
+        {"equal", where("Last", equal, text("Lindström")), AccessPath::exact, kThree, kNone, kThree},
+        {"equalIgnoringCase", where("Last", equalCaseInsensitive, text("LINDSTRÖM")), AccessPath::exact,
          kThree, kNone, kThree},
-        {"notEqual", where("Last", notEqual, text("Lindström")), Plan::exact, kThree, kNone, {-3, 1}, kAll},
-        {"prefix", where("Last", prefixMatch, text("Lind")), Plan::prefix, kThree, kNone, kThree},
-        {"prefixOtherCase", where("Last", prefixMatch, text("LIND")), Plan::prefix, kThree, kNone, kNone},
-        {"prefixOfOne", where("Last", prefixMatchCaseInsensitive, text("l")), Plan::prefix, kThree, kNone,
-         kThree},
-        {"prefixLabel", within(where("Phone", prefixMatch, text("+41")), kMobile, {}), Plan::prefix, kThree,
-         kNone, kThree},
-        {"prefixOtherLabel", within(where("Phone", prefixMatch, text("+41")), kHome, {}), Plan::prefix, kNone,
-         kNone, kNone},
-        {"suffix", where("Last", suffixMatchCaseInsensitive, text("STRÖM")), Plan::trigram, kThree, kNone,
-         kThree},
-        {"suffixCaseCounts", where("Last", suffixMatch, text("ström")), Plan::trigram, kThree, kThree,
-         kThree},
-        {"suffixOfTwo", where("Last", suffixMatchCaseInsensitive, text("öM")), Plan::trigram, kThree, kNone,
-         kThree},
-        {"suffixOfOne", where("Last", suffixMatchCaseInsensitive, text("M")), Plan::scan, kAll, kNone,
-         kThree},
-        {"contains", where("Last", containsSubStringCaseInsensitive, text("DST")), Plan::trigram, kThree,
-         kNone, kThree},
-        {"containsCaseCounts", where("Last", containsSubString, text("DST")), Plan::trigram, kThree, kThree,
+        {"equalLongText", where("Last", equal, text(std::string(70, 'x'))), AccessPath::exact, kNone, kNone,
          kNone},
-        {"containsLabel",
-         within(where("Phone", containsSubStringCaseInsensitive, text("9 471")), kMobile, {}), Plan::trigram,
-         kThree, kThree, kThree},
-        {"containsInOtherProperty", where("First", containsSubStringCaseInsensitive, text("piano")),
-         Plan::trigram, kThree, kNone, kNone},
-        {"containsTwo", where("Last", containsSubStringCaseInsensitive, text("DS")), Plan::scan, kAll, kNone,
+        {"equalNumber", where("ABPersonFlags", equal, number(77)), AccessPath::exact, kThree, kNone, kThree},
+        {"equalField", where("Address", equal, text("Meißen")), AccessPath::exact, kThree, kNone, kThree},
+        {"equalKey", within(where("Address", equal, text("Meißen")), {}, "City"), AccessPath::exact, kThree,
+         kNone, kThree},
+        {"equalOtherKey", within(where("Address", equal, text("Meißen")), {}, "ZIP"), AccessPath::exact,
+         kNone, kNone, kNone},
+        {"equalKeyAndLabel", within(where("Address", equal, text("Meißen")), kHome, "City"),
+         AccessPath::exact, kThree, kNone, kThree},
+        {"notEqual",
+         where("Last", notEqual, text("Lindström")),
+         AccessPath::exact,
+         kThree,
+         kNone,
+         {-3, 1},
+         kAll},
+        {"prefix", where("Last", prefixMatch, text("Lind")), AccessPath::prefix, kThree, kNone, kThree},
+        {"prefixOtherCase", where("Last", prefixMatch, text("LIND")), AccessPath::prefix, kThree, kNone,
+         kNone},
+        {"prefixOfOne", where("Last", prefixMatchCaseInsensitive, text("l")), AccessPath::prefix, kThree,
+         kNone, kThree},
+        {"prefixLabel", within(where("Phone", prefixMatch, text("+41")), kMobile, {}), AccessPath::prefix,
+         kThree, kNone, kThree},
+        {"prefixOtherLabel", within(where("Phone", prefixMatch, text("+41")), kHome, {}), AccessPath::prefix,
+         kNone, kNone, kNone},
+        {"suffix", where("Last", suffixMatchCaseInsensitive, text("STRÖM")), AccessPath::trigram, kThree,
+         kNone, kThree},
+        {"suffixCaseCounts", where("Last", suffixMatch, text("ström")), AccessPath::trigram, kThree, kThree,
          kThree},
-        {"containsOne", where("Last", containsSubString, text("ö")), Plan::scan, kAll, kNone, kThree},
-        {"containsNothing", where("Last", containsSubString, text("")), Plan::scan, kAll, kNone, kAll},
+        {"suffixOfTwo", where("Last", suffixMatchCaseInsensitive, text("öM")), AccessPath::trigram, kThree,
+         kNone, kThree},
+        {"suffixOfOne", where("Last", suffixMatchCaseInsensitive, text("M")), AccessPath::scan, kAll, kNone,
+         kThree},
+        {"contains", where("Last", containsSubStringCaseInsensitive, text("DST")), AccessPath::trigram,
+         kThree, kNone, kThree},
+        {"containsCaseCounts", where("Last", containsSubString, text("DST")), AccessPath::trigram, kThree,
+         kThree, kNone},
+        {"containsLabel",
+         within(where("Phone", containsSubStringCaseInsensitive, text("9 471")), kMobile, {}),
+         AccessPath::trigram, kThree, kThree, kThree},
+        {"containsInOtherProperty", where("First", containsSubStringCaseInsensitive, text("piano")),
+         AccessPath::trigram, kThree, kNone, kNone},
+        {"containsTwo", where("Last", containsSubStringCaseInsensitive, text("DS")), AccessPath::scan, kAll,
+         kNone, kThree},
+        {"containsOne", where("Last", containsSubString, text("ö")), AccessPath::scan, kAll, kNone, kThree},
+        {"containsNothing", where("Last", containsSubString, text("")), AccessPath::scan, kAll, kNone, kAll},
         {"doesNotContain",
          where("Last", doesNotContainSubString, text("ström")),
-         Plan::trigram,
+         AccessPath::trigram,
          kThree,
          kThree,
          {-3, 1},
          kAll},
-        {"greater", where("ABPersonFlags", greaterThan, number(1)), Plan::range, kThree, kNone, kThree},
-        {"greaterOrEqual", where("ABPersonFlags", greaterThanOrEqual, Value(76.5)), Plan::range, kThree,
+        {"greater", where("ABPersonFlags", greaterThan, number(1)), AccessPath::range, kThree, kNone, kThree},
+        {"greaterOrEqual", where("ABPersonFlags", greaterThanOrEqual, Value(76.5)), AccessPath::range, kThree,
          kNone, kThree},
-        {"less", where("ABPersonFlags", lessThan, number(2)), Plan::range, {-3, 1}, kNone, {-3, 1}},
+        {"less", where("ABPersonFlags", lessThan, number(2)), AccessPath::range, {-3, 1}, kNone, {-3, 1}},
         {"lessDate",
          where("seen", lessThanOrEqual, Date{kNow - 100 * kDay}),
-         Plan::range,
+         AccessPath::range,
          {-3, 1},
          kNone,
          {-3, 1}},
-        {"greaterText", where("Last", greaterThan, text("Z")), Plan::scan, kAll, kNone, kNone},
-        {"bits", where("ABPersonFlags", bitsInBitFieldMatch, number(76)), Plan::scan, kAll, kNone, kThree},
-        {"around", where("seen", withinIntervalAroundToday, days(3)), Plan::interval, kThree, kNone, kThree},
-        {"fromToday", where("seen", withinIntervalFromToday, days(2)), Plan::interval, kThree, kNone, kThree},
+        {"greaterText", where("Last", greaterThan, text("Z")), AccessPath::scan, kAll, kNone, kNone},
+        {"bits", where("ABPersonFlags", bitsInBitFieldMatch, number(76)), AccessPath::scan, kAll, kNone,
+         kThree},
+        {"around", where("seen", withinIntervalAroundToday, days(3)), AccessPath::interval, kThree, kNone,
+         kThree},
+        {"fromToday", where("seen", withinIntervalFromToday, days(2)), AccessPath::interval, kThree, kNone,
+         kThree},
         {"notAround",
          where("seen", notWithinIntervalAroundToday, days(3)),
-         Plan::interval,
+         AccessPath::interval,
          kThree,
          kNone,
          {-3, 1},
@@ -164,43 +175,46 @@ std::vector<Explained> explained() {
         // A row for each of 30 years, to find them, and the hits.
         {"yearless",
          where("Birthday", withinIntervalFromTodayYearless, days(7)),
-         Plan::interval,
+         AccessPath::interval,
          {33, 0},
          kNone,
          kThree},
         {"notYearless",
          where("Birthday", notWithinIntervalAroundTodayYearless, days(7)),
-         Plan::interval,
+         AccessPath::interval,
          {33, 0},
          kNone,
          {-3, 1},
          kAll},
-        {"wholeYear", where("Birthday", withinIntervalAroundTodayYearless, days(183)), Plan::scan, kAll,
+        {"wholeYear", where("Birthday", withinIntervalAroundTodayYearless, days(183)), AccessPath::scan, kAll,
          kNone, kAll},
-        {"noDays", where("seen", withinIntervalAroundToday, days(-1)), Plan::nothing, kNone, kNone, kNone},
-        {"noInterval", where("seen", withinIntervalAroundToday, text("7")), Plan::nothing, kNone, kNone,
+        {"noDays", where("seen", withinIntervalAroundToday, days(-1)), AccessPath::nothing, kNone, kNone,
+         kNone},
+        {"noInterval", where("seen", withinIntervalAroundToday, text("7")), AccessPath::nothing, kNone, kNone,
          kNone},
         // The row of the id, and the group's, whose id is no UUID.
-        {"uid", where("UID", equal, text("nobody")), Plan::uid, {2, 0}, kNone, kNone},
-        {"uidContains", where("UID", containsSubString, text(":ABPer")), Plan::everyUid, kAll, kNone, kAll},
-        {"uidNot", where("UID", notEqual, text("nobody")), Plan::uid, {2, 0}, kNone, kAll, kAll},
-        {"isSet", where("Last", equal, Value()), Plan::scan, kAll, kNone, kAll},
-        {"isNotSet", where("Last", notEqual, Value()), Plan::scan, kAll, kNone, kNone, kAll},
-        {"otherwiseNothing", where("Last", prefixMatch, Value()), Plan::nothing, kNone, kNone, kNone},
-        {"notEvenNegative", where("Last", doesNotContainSubString, Value()), Plan::nothing, kNone, kNone,
-         kNone},
-        {"components", where("Birthday", equal, components(5, 11)), Plan::scan, kAll, kNone, kNone},
+        {"uid", where("UID", equal, text("nobody")), AccessPath::uid, {2, 0}, kNone, kNone},
+        {"uidContains", where("UID", containsSubString, text(":ABPer")), AccessPath::everyUid, kAll, kNone,
+         kAll},
+        {"uidNot", where("UID", notEqual, text("nobody")), AccessPath::uid, {2, 0}, kNone, kAll, kAll},
+        {"isSet", where("Last", equal, Value()), AccessPath::scan, kAll, kNone, kAll},
+        {"isNotSet", where("Last", notEqual, Value()), AccessPath::scan, kAll, kNone, kNone, kAll},
+        {"otherwiseNothing", where("Last", prefixMatch, Value()), AccessPath::nothing, kNone, kNone, kNone},
+        {"notEvenNegative", where("Last", doesNotContainSubString, Value()), AccessPath::nothing, kNone,
+         kNone, kNone},
+        {"components", where("Birthday", equal, components(5, 11)), AccessPath::scan, kAll, kNone, kNone},
         {"dictionary",
          where("Address", equal, Dictionary{{"City", text("x")}}),
-         Plan::scan,
+         AccessPath::scan,
          {0, 2},
          kAll,
          kNone},
-        {"neverSet", where("Nickname", equal, text("x")), Plan::nothing, kNone, kNone, kNone},
-        {"neverSetNegative", where("Nickname", notEqual, text("x")), Plan::nothing, kNone, kNone, kAll, kAll},
-        {"unknownProperty", where("shoe", containsSubString, text("lace")), Plan::nothing, kNone, kNone,
+        {"neverSet", where("Nickname", equal, text("x")), AccessPath::nothing, kNone, kNone, kNone},
+        {"neverSetNegative", where("Nickname", notEqual, text("x")), AccessPath::nothing, kNone, kNone, kAll,
+         kAll},
+        {"unknownProperty", where("shoe", containsSubString, text("lace")), AccessPath::nothing, kNone, kNone,
          kNone},
-        {"internalProperty", where(".Image", equal, Value()), Plan::nothing, kNone, kNone, kNone},
+        {"internalProperty", where(".Image", equal, Value()), AccessPath::nothing, kNone, kNone, kNone},
     };
 }
 
@@ -214,8 +228,8 @@ TEST_P(Explain, tellsThePlanAndWhatItLookedAt) {
         const Query query{wanted.condition};
         const SearchStep step = store.explain(query, Date{kNow});
         EXPECT_EQ(step.query, &query);
-        EXPECT_EQ(step.way, Way::searched);
-        EXPECT_EQ(step.plan, wanted.plan);
+        EXPECT_EQ(step.execution, Execution::searched);
+        EXPECT_EQ(step.path, wanted.path);
         EXPECT_EQ(step.indexRows, wanted.rows.of(people));
         EXPECT_EQ(step.records, wanted.records.of(people));
         EXPECT_EQ(step.hits, wanted.hits.of(people));
@@ -241,7 +255,7 @@ TEST_F(ExplainYears, thatAreTooManyAreScanned) {
             records.push_back(inserted(newUid(Kind::person), {{"founded", Date{kNow - (year + i) * kYear}}}));
         saveRecords(store, records, kNow);
         const SearchStep step = store.explain(query, Date{kNow});
-        EXPECT_EQ(step.plan, year == 0 ? Plan::interval : Plan::scan);
+        EXPECT_EQ(step.path, year == 0 ? AccessPath::interval : AccessPath::scan);
         EXPECT_GT(step.hits, 200);
     }
 }
@@ -277,10 +291,10 @@ TEST_F(ExplainCompound, cheapestComesFirstAndTheRestIsLookedAt) {
     EXPECT_EQ(all.hits, 3);
     ASSERT_EQ(all.parts.size(), 2U);
     EXPECT_EQ(place(all.parts[0]), 1);
-    EXPECT_EQ(all.parts[0].way, Way::searched);
-    EXPECT_EQ(all.parts[0].plan, Plan::exact);
+    EXPECT_EQ(all.parts[0].execution, Execution::searched);
+    EXPECT_EQ(all.parts[0].path, AccessPath::exact);
     EXPECT_EQ(place(all.parts[1]), 0);
-    EXPECT_EQ(all.parts[1].way, Way::oneByOne);
+    EXPECT_EQ(all.parts[1].execution, Execution::verified);
     EXPECT_EQ(all.parts[1].records, 3);
     EXPECT_EQ(all.parts[1].indexRows, 0);
     EXPECT_EQ(all.parts[1].hits, 3);
@@ -292,7 +306,7 @@ TEST_F(ExplainCompound, manyAreSearchedAndIntersected) {
     EXPECT_EQ(all.hits, 0);
     ASSERT_EQ(all.parts.size(), 2U);
     EXPECT_EQ(all.parts[0].hits, 197);
-    EXPECT_EQ(all.parts[1].way, Way::searched);
+    EXPECT_EQ(all.parts[1].execution, Execution::searched);
     EXPECT_EQ(all.parts[1].hits, 3);
 }
 
@@ -300,7 +314,7 @@ TEST_F(ExplainCompound, afterNobodyNothingIsLookedAt) {
     const SearchStep all = explain(Query::Join::all, {short_, nobody_});
     ASSERT_EQ(all.parts.size(), 2U);
     EXPECT_EQ(place(all.parts[1]), 0);
-    EXPECT_EQ(all.parts[1].way, Way::skipped);
+    EXPECT_EQ(all.parts[1].execution, Execution::skipped);
     EXPECT_EQ(all.parts[1].indexRows + all.parts[1].records + all.parts[1].time.count(), 0);
 }
 
@@ -309,8 +323,8 @@ TEST_F(ExplainCompound, aUniqueIdComesFirst) {
     const SearchStep all = explain(Query::Join::all, {lindstrom_, uid});
     ASSERT_EQ(all.parts.size(), 2U);
     EXPECT_EQ(place(all.parts[0]), 1);
-    EXPECT_EQ(all.parts[0].plan, Plan::uid);
-    EXPECT_EQ(all.parts[1].way, Way::oneByOne);
+    EXPECT_EQ(all.parts[0].path, AccessPath::uid);
+    EXPECT_EQ(all.parts[1].execution, Execution::verified);
 }
 
 TEST_F(ExplainCompound, anyIsSearchedFromEach) {
@@ -320,7 +334,7 @@ TEST_F(ExplainCompound, anyIsSearchedFromEach) {
     EXPECT_THAT((std::array{place(any.parts[0]), place(any.parts[1]), place(any.parts[2])}),
                 testing::ElementsAre(1, 2, 0));
     for (const SearchStep& part : any.parts)
-        EXPECT_EQ(part.way, Way::searched);
+        EXPECT_EQ(part.execution, Execution::searched);
     EXPECT_EQ(any.parts[2].indexRows, 200);
 }
 
@@ -328,12 +342,12 @@ TEST_F(ExplainCompound, inACompound) {
     const Query either{Query::Compound{Query::Join::any, {short_, lindstrom_}}};
     const SearchStep few = explain(Query::Join::all, {either, lindstrom_});
     ASSERT_EQ(few.parts.size(), 2U);
-    EXPECT_EQ(few.parts[1].way, Way::oneByOne);
+    EXPECT_EQ(few.parts[1].execution, Execution::verified);
     EXPECT_THAT(few.parts[1].parts, testing::IsEmpty());
     const SearchStep any = explain(Query::Join::any, {either, lindstrom_});
     ASSERT_EQ(any.parts.size(), 2U);
     ASSERT_EQ(any.parts[1].parts.size(), 2U);
-    EXPECT_EQ(any.parts[1].parts[1].plan, Plan::scan);
+    EXPECT_EQ(any.parts[1].parts[1].path, AccessPath::scan);
 }
 
 // A few records are left: whether the next condition is searched depends on how many records it would find.
@@ -352,19 +366,19 @@ TEST_F(ExplainCompound, afterAFewOnlyWhatIsFoundInNoTimeIsSearched) {
         return all.parts[1];
     };
     const SearchStep few = second({where("First", equal, text("Ida"))}, 5);
-    EXPECT_EQ(few.way, Way::searched);
+    EXPECT_EQ(few.execution, Execution::searched);
     EXPECT_EQ(few.records, 0);
     EXPECT_EQ(few.hits, 22);
     const SearchStep many = second({where("First", prefixMatch, text("I"))}, 10); // 45 are more than 40
-    EXPECT_EQ(many.way, Way::oneByOne);
+    EXPECT_EQ(many.execution, Execution::verified);
     EXPECT_EQ(many.records, 10);
     EXPECT_EQ(many.hits, 10);
     const SearchStep city = second({where("City", prefixMatch, text("O"))}, 10);
-    EXPECT_EQ(city.way, Way::searched);
+    EXPECT_EQ(city.execution, Execution::searched);
     EXPECT_EQ(city.hits, 30);
     // Of a negative one, everybody would be looked at.
     const SearchStep others = second({where("First", notEqual, text("Ivo"))}, 5);
-    EXPECT_EQ(others.way, Way::oneByOne);
+    EXPECT_EQ(others.execution, Execution::verified);
 }
 
 TEST_F(ExplainCompound, ofNothing) {

@@ -67,7 +67,7 @@ class Interval : public Scratch, public testing::WithParamInterface<const char*>
 
 TEST_P(Interval, findsWhatMatches) {
     Store store(folder());
-    std::map<int, int> plans;
+    std::map<int, int> paths;
     std::size_t hits = 0;
     for (const Date now : {moment(2024, 2, 29), moment(2025, 2, 28, 23), moment(2025, 3, 1, 0),
                            moment(2025, 12, 31, 23), moment(2026, 1, 1, 0), moment(2026, 7, 15)}) {
@@ -105,12 +105,12 @@ TEST_P(Interval, findsWhatMatches) {
                 << "comparison " << static_cast<int>(condition.comparison) << ", now " << now.seconds
                 << ", wanted " << testing::PrintToString(condition.value.index());
             hits += expected.size();
-            ++plans[static_cast<int>(store.explain(query, now).plan)];
+            ++paths[static_cast<int>(store.explain(query, now).path)];
         }
     }
     EXPECT_GT(hits, 10'000U);
-    EXPECT_GT(plans[static_cast<int>(Plan::interval)], 600);
-    EXPECT_GT(plans[static_cast<int>(Plan::scan)], 100);
+    EXPECT_GT(paths[static_cast<int>(AccessPath::interval)], 600);
+    EXPECT_GT(paths[static_cast<int>(AccessPath::scan)], 100);
 }
 
 // The only date of a property, on a day that is in another year in UTC or here.

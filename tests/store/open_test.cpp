@@ -274,7 +274,7 @@ TEST_F(Migrations, runFromAnyOlderVersionInOneTransaction) {
     EXPECT_EQ(runs, 3);
     migrate(connection, steps);
     EXPECT_EQ(runs, 3);
-    auto rows = connection.run("SELECT x, y FROM a");
+    auto rows = connection.prepare("SELECT x, y FROM a");
     EXPECT_TRUE(rows.step());
     EXPECT_THROW(migrate(connection, std::span(steps).first(2)), StoreError);
 }

@@ -64,7 +64,7 @@ class OnReadOnlyDisk : public Scratch {
         {
             Store store(folder());
             EXPECT_TRUE(store.readOnly());
-            EXPECT_EQ(store.isSnapshot(), snapshot);
+            EXPECT_EQ(store.readsWithoutLocks(), snapshot);
             EXPECT_EQ(store.rows(Kind::person).size(), people);
             EXPECT_EQ(found(store, kAnn).size(), people);
             for (const RowId row : store.rows(Kind::person))
@@ -198,7 +198,7 @@ TEST_F(OnReadOnlyDisk, showsWhatOthersSave) {
     age();
     const ReadOnlyDisk disk(root());
     const Store reader(folder());
-    ASSERT_TRUE(reader.isSnapshot());
+    ASSERT_TRUE(reader.readsWithoutLocks());
     EXPECT_EQ(reader.lastChange(), 1);
 
     // One that closes the book after its save.
@@ -216,7 +216,7 @@ TEST_F(OnReadOnlyDisk, showsWhatOthersSave) {
     std::unique_ptr<Store> writer;
     std::string third;
     {
-        const Store::Reading reading(reader);
+        const Store::ReadTransaction reading(reader);
         disk.writable([&] {
             writer = std::make_unique<Store>(folder());
             third = addPerson(*writer, {{"First", text("Ann")}});
@@ -224,7 +224,7 @@ TEST_F(OnReadOnlyDisk, showsWhatOthersSave) {
         EXPECT_EQ(reader.lastChange(), 2);
     }
     ASSERT_EQ(reader.lastChange(), 3);
-    EXPECT_FALSE(reader.isSnapshot());
+    EXPECT_FALSE(reader.readsWithoutLocks());
     EXPECT_THAT(found(reader, kAnn), ElementsAre(first, second, third));
     saveRecords(*writer, {updated(first, {{"First", text("Bea")}})});
     EXPECT_EQ(reader.value(reader.find(first)->row, "First"), text("Bea"));
@@ -247,7 +247,7 @@ TEST_F(OnReadOnlyDisk, showsASaveThatTheTimesDoNotTell) {
     }
     const ReadOnlyDisk disk(root());
     const Store reader(folder());
-    ASSERT_TRUE(reader.isSnapshot());
+    ASSERT_TRUE(reader.readsWithoutLocks());
     EXPECT_EQ(reader.lastChange(), 1);
     const auto time = fs::last_write_time(file());
     const auto size = fs::file_size(file());

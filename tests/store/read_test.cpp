@@ -66,8 +66,8 @@ TEST_F(Read, oneMomentForAsLongAsItLasts) {
     const std::string uid = addPerson(store, {{"First", text("Ann")}});
     Store other(folder());
     {
-        const Store::Reading outer(store);
-        const Store::Reading inner(store);
+        const Store::ReadTransaction outer(store);
+        const Store::ReadTransaction inner(store);
         EXPECT_EQ(store.value(*store.read(uid), "First"), text("Ann"));
         saveRecords(other, {updated(uid, {{"First", text("Bea")}})});
         EXPECT_EQ(store.value(*store.read(uid), "First"), text("Ann"));

@@ -36,38 +36,38 @@ TEST(Card, listsAndTextsAreReadInPlace) {
     EXPECT_EQ(decodedList(encodeValue(MultiValue{})), Value(MultiValue{}));
     EXPECT_FALSE(holdsList(encodeValue(Array{})));
     EXPECT_FALSE(holdsList(""));
-    EXPECT_THROW(listIn(encodeValue(Array{})), DamagedCard);
+    EXPECT_THROW(listIn(encodeValue(Array{})), DamagedRecord);
     EXPECT_EQ(textIn(encodeValue(std::string("a\0b", 3))), std::string_view("a\0b", 3));
     EXPECT_EQ(textIn(encodeValue(Bytes{1})), std::nullopt);
     EXPECT_EQ(textIn(""), std::nullopt);
-    EXPECT_THROW(textIn(encodeValue(std::string("text")) + "x"), DamagedCard);
+    EXPECT_THROW(textIn(encodeValue(std::string("text")) + "x"), DamagedRecord);
 }
 
 TEST(Card, propertiesAreFoundByWellKnownAndByOtherNames) {
-    const std::string card = makeCard({{"First", "1"}, {"own", "2"}, {"Last", "3"}});
-    EXPECT_EQ(findInCard(card, "First"), "1");
-    EXPECT_EQ(findInCard(card, "Last"), "3");
-    EXPECT_EQ(findInCard(card, "own"), "2");
-    EXPECT_EQ(findInCard(card, "Middle"), std::nullopt);
-    EXPECT_EQ(findInCard(card, "other"), std::nullopt);
+    const std::string card = encodeRecord({{"First", "1"}, {"own", "2"}, {"Last", "3"}});
+    EXPECT_EQ(findProperty(card, "First"), "1");
+    EXPECT_EQ(findProperty(card, "Last"), "3");
+    EXPECT_EQ(findProperty(card, "own"), "2");
+    EXPECT_EQ(findProperty(card, "Middle"), std::nullopt);
+    EXPECT_EQ(findProperty(card, "other"), std::nullopt);
 }
 
 TEST(Card, everyCutEndIsNoticed) {
     const std::string bytes = encodeValue(kManyTypes);
     for (std::size_t length = 0; length < bytes.size(); ++length) {
-        EXPECT_THROW(decodeValue(std::string_view(bytes).substr(0, length)), DamagedCard) << length;
-        EXPECT_THROW(listIn(std::string_view(bytes).substr(0, length)), DamagedCard) << length;
+        EXPECT_THROW(decodeValue(std::string_view(bytes).substr(0, length)), DamagedRecord) << length;
+        EXPECT_THROW(listIn(std::string_view(bytes).substr(0, length)), DamagedRecord) << length;
     }
-    EXPECT_THROW(decodeValue(bytes + "x"), DamagedCard);
+    EXPECT_THROW(decodeValue(bytes + "x"), DamagedRecord);
 }
 
 TEST(Card, everyFlippedBitIsNoticed) {
     const std::string card =
-        makeCard({{"First", encodeValue(std::string("Ada"))}, {"Phone", encodeValue(kManyTypes)}});
+        encodeRecord({{"First", encodeValue(std::string("Ada"))}, {"Phone", encodeValue(kManyTypes)}});
     for (std::size_t bit = 0; bit < card.size() * 8; ++bit) {
         std::string flipped = card;
         flipped[bit / 8] = static_cast<char>(flipped[bit / 8] ^ (1 << (bit % 8)));
-        EXPECT_THROW(checkCard(flipped), DamagedCard) << bit;
+        EXPECT_THROW(verifyChecksum(flipped), DamagedRecord) << bit;
     }
 }
 
@@ -81,9 +81,9 @@ TEST(Card, aListInPlaceIsDamagedWhenTheDecodedOneIs) {
         std::optional<Value> whole;
         try {
             whole = decodeValue(flipped);
-        } catch (const DamagedCard&) {
+        } catch (const DamagedRecord&) {
             ++damaged;
-            EXPECT_THROW(listIn(flipped), DamagedCard) << bit;
+            EXPECT_THROW(listIn(flipped), DamagedRecord) << bit;
             continue;
         }
         EXPECT_EQ(encodeValue(decodedList(flipped)), encodeValue(*whole)) << bit;
@@ -102,7 +102,7 @@ TEST(Card, randomBytesAreNoValueOrSomeValueButNeverACrash) {
         try {
             const Value value = decodeValue(bytes);
             EXPECT_EQ(encodeValue(decodeValue(encodeValue(value))), encodeValue(value));
-        } catch (const DamagedCard&) {
+        } catch (const DamagedRecord&) {
         }
     }
 }

@@ -168,7 +168,7 @@ TEST_F(Leftovers, aLogOfWhatReplacesABookIsTakenOver) {
         newer = contentsOf(store);
         fs::copy(root() / "other", made);
     }
-    const fs::path kept = HeldBook(folder()).replaceBy(made / kFileName);
+    const fs::path kept = LockedBook(folder()).replaceWith(made / kFileName);
     EXPECT_EQ(contentsOf(Store(folder())), newer);
     EXPECT_TRUE(fs::exists(kept));
 }

@@ -8,25 +8,25 @@
 namespace addressbook::tool {
 namespace {
 
-struct PlanText {
-    Plan plan;
+struct PathText {
+    AccessPath path;
     const char* text;
 };
-constexpr std::array kPlans{
-    PlanText{Plan::nothing, "no look-up, nothing can match"},
-    PlanText{Plan::uid, "look-up of the unique id"},
-    PlanText{Plan::exact, "exact look-up in the value index"},
-    PlanText{Plan::prefix, "range of the value index (prefix)"},
-    PlanText{Plan::trigram, "trigram index of texts"},
-    PlanText{Plan::range, "range of the value index"},
-    PlanText{Plan::interval, "range of the value index (interval)"},
-    PlanText{Plan::scan, "scan of the values of the property"},
-    PlanText{Plan::everyUid, "scan of all unique ids"},
+constexpr std::array kPaths{
+    PathText{AccessPath::nothing, "no look-up, nothing can match"},
+    PathText{AccessPath::uid, "look-up of the unique id"},
+    PathText{AccessPath::exact, "exact look-up in the value index"},
+    PathText{AccessPath::prefix, "range of the value index (prefix)"},
+    PathText{AccessPath::trigram, "trigram index of texts"},
+    PathText{AccessPath::range, "range of the value index"},
+    PathText{AccessPath::interval, "range of the value index (interval)"},
+    PathText{AccessPath::scan, "scan of the values of the property"},
+    PathText{AccessPath::everyUid, "scan of all unique ids"},
 };
 
 constexpr bool inOrder() {
-    for (std::size_t i = 0; i < kPlans.size(); ++i)
-        if (static_cast<std::size_t>(kPlans[i].plan) != i)
+    for (std::size_t i = 0; i < kPaths.size(); ++i)
+        if (static_cast<std::size_t>(kPaths[i].path) != i)
             return false;
     return true;
 }
@@ -50,13 +50,13 @@ std::string heading(const Query& query) {
 }
 
 std::string answer(const SearchStep& step) {
-    if (step.way == SearchStep::Way::skipped)
+    if (step.execution == SearchStep::Execution::skipped)
         return "not looked up, nothing was left";
     std::string text;
-    if (step.way == SearchStep::Way::oneByOne)
+    if (step.execution == SearchStep::Execution::verified)
         text = "what was left, record by record";
     else if (std::holds_alternative<Condition>(step.query->node))
-        text = kPlans[static_cast<std::size_t>(step.plan)].text +
+        text = kPaths[static_cast<std::size_t>(step.path)].text +
                number(step.indexRows, "index row", "index rows");
     else
         text = "searched in this order";

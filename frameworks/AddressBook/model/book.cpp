@@ -14,21 +14,21 @@ namespace {
 constexpr std::size_t kLoadedLimit = 1024;
 
 // A walk that goes on in order reads so many records at once: few at first, as it may end soon.
-constexpr std::size_t kFirstAhead = 16;
-constexpr std::size_t kMostAhead = 256;
+constexpr std::size_t kFirstReadAhead = 16;
+constexpr std::size_t kMostReadAhead = 256;
 
 const Value kNone;
 
 // A record for queries: its values as this process sees them.
-class CardView : public RecordView {
+class LiveRecordView : public RecordView {
   public:
-    CardView(Book& book, Card& card) : book_(book), card_(card) {}
+    LiveRecordView(Book& book, LiveRecord& record) : book_(book), card_(record) {}
     Kind kind() const override { return card_.kind; }
     const Value& value(std::string_view property) const override { return book_.current(card_, property); }
 
   private:
     Book& book_;
-    Card& card_;
+    LiveRecord& card_;
 };
 
 bool validType(int type) {
@@ -43,11 +43,11 @@ auto named(Kind kind, std::string_view name) {
 }
 
 // The unsaved value of a property, which is no value when it was removed; null when it was not changed.
-const Value* changeOf(const Card& card, std::string_view property) {
-    if (card.changes.empty())
+const Value* changeOf(const LiveRecord& record, std::string_view property) {
+    if (record.changes.empty())
         return nullptr;
-    const auto change = card.changes.find(std::string(property));
-    return change == card.changes.end() ? nullptr : &change->second;
+    const auto change = record.changes.find(std::string(property));
+    return change == record.changes.end() ? nullptr : &change->second;
 }
 
 // Whether the database keeps a property beside the card.
@@ -56,8 +56,9 @@ bool keptApart(std::string_view property) {
            property == property::kModification || property == property::kImage;
 }
 
-bool contains(const std::vector<CardPtr>& cards, const Card& one) {
-    return std::any_of(cards.begin(), cards.end(), [&](const CardPtr& card) { return card.get() == &one; });
+bool contains(const std::vector<LiveRecordPtr>& records, const LiveRecord& one) {
+    return std::any_of(records.begin(), records.end(),
+                       [&](const LiveRecordPtr& record) { return record.get() == &one; });
 }
 
 } // namespace
@@ -66,172 +67,172 @@ int publicType(Kind kind, std::string_view property) {
     return isInternal(property) ? 0 : builtInType(kind, property);
 }
 
-std::unique_ptr<Card> makeCard(Kind kind) {
-    auto card = std::make_unique<Card>();
-    card->uid = newUid(kind);
-    card->kind = kind;
+std::unique_ptr<LiveRecord> newRecord(Kind kind) {
+    auto record = std::make_unique<LiveRecord>();
+    record->uid = newUid(kind);
+    record->kind = kind;
     const Date now = currentTime();
-    card->changes[std::string(property::kCreation)] = now;
-    card->changes[std::string(property::kModification)] = now;
-    return card;
+    record->changes[std::string(property::kCreation)] = now;
+    record->changes[std::string(property::kModification)] = now;
+    return record;
 }
 
 std::shared_ptr<Book> Book::open() {
     return std::make_shared<Book>(std::make_unique<Store>(Store::defaultFolder()));
 }
 
-std::atomic<std::uint64_t> Book::stirred_{0};
+std::atomic<std::uint64_t> Book::generation_{0};
 
 Book::Book(std::unique_ptr<Store> store)
-    : store_(std::move(store)), noticed_(stirred_.load()), seen_(store_->lastChange()),
+    : store_(std::move(store)), seenGeneration_(generation_.load()), seenChange_(store_->lastChange()),
       definitions_(store_->definitions()) {}
 
 // Cards
 
-CardPtr Book::create(Kind kind) {
-    return own(makeCard(kind).release());
+LiveRecordPtr Book::create(Kind kind) {
+    return adopt(newRecord(kind).release());
 }
 
-CardPtr Book::own(Card* card) {
-    CardPtr owned(card, [book = weak_from_this()](Card* last) {
+LiveRecordPtr Book::adopt(LiveRecord* record) {
+    LiveRecordPtr adopted(record, [book = weak_from_this()](LiveRecord* last) {
         if (auto owner = book.lock())
             owner->forget(*last);
         delete last;
     });
-    file(owned);
-    if (owned->row != 0)
-        rows_[owned->row] = owned;
-    return owned;
+    indexByUid(adopted);
+    if (adopted->row != 0)
+        byRow_[adopted->row] = adopted;
+    return adopted;
 }
 
 // Makes this the card of its unique id.
-void Book::file(const CardPtr& card) {
-    const auto [place, fresh] = cards_.try_emplace(card->uid, card);
+void Book::indexByUid(const LiveRecordPtr& record) {
+    const auto [place, fresh] = byUid_.try_emplace(record->uid, record);
     if (fresh)
         return;
-    cards_.erase(place); // its key belongs to another card
-    cards_.emplace(card->uid, card);
+    byUid_.erase(place); // its key belongs to another card
+    byUid_.emplace(record->uid, record);
 }
 
-void Book::forget(const Card& card) {
+void Book::forget(const LiveRecord& record) {
     // A newer card may have taken the place of one that is gone.
-    if (auto found = cards_.find(card.uid); found != cards_.end() && found->second.expired())
-        cards_.erase(found);
-    if (auto found = rows_.find(card.row); found != rows_.end() && found->second.expired())
-        rows_.erase(found);
+    if (auto found = byUid_.find(record.uid); found != byUid_.end() && found->second.expired())
+        byUid_.erase(found);
+    if (auto found = byRow_.find(record.row); found != byRow_.end() && found->second.expired())
+        byRow_.erase(found);
 }
 
-CardPtr Book::live(std::string_view uid) const {
-    const auto found = cards_.find(uid);
-    return found == cards_.end() ? nullptr : found->second.lock();
+LiveRecordPtr Book::cached(std::string_view uid) const {
+    const auto found = byUid_.find(uid);
+    return found == byUid_.end() ? nullptr : found->second.lock();
 }
 
-CardPtr Book::card(RecordRow record) {
-    if (auto known = live(record.uid)) {
-        if (known->standing == Card::Standing::gone) // deleted, and then brought back by another process
-            renew(known);
+LiveRecordPtr Book::materialize(RecordRow stored) {
+    if (auto known = cached(stored.uid)) {
+        if (known->state == LiveRecord::State::deleted) // deleted, and then brought back by another process
+            reload(known);
         return known;
     }
-    auto made = std::make_unique<Card>();
-    made->uid = std::move(record.uid);
-    made->kind = record.kind;
-    made->standing = Card::Standing::stored;
-    made->row = record.id;
-    auto owned = own(made.release());
-    keep(*owned, std::move(record));
-    return owned;
+    auto made = std::make_unique<LiveRecord>();
+    made->uid = std::move(stored.uid);
+    made->kind = stored.kind;
+    made->state = LiveRecord::State::persistent;
+    made->row = stored.id;
+    auto adopted = adopt(made.release());
+    cacheRow(*adopted, std::move(stored));
+    return adopted;
 }
 
 // Reads a record. Whoever asks for one that follows closely on the one before is on a walk, and will ask for
 // the next ones.
 std::optional<RecordRow> Book::fetch(RowId row) {
-    const bool walks = row > walked_ && row - walked_ <= 4;
-    walked_ = row;
+    const bool walks = row > lastFetched_ && row - lastFetched_ <= 4;
+    lastFetched_ = row;
     if (!walks) {
-        ahead_.clear();
-        aheadNext_ = kFirstAhead;
+        readAhead_.clear();
+        readAheadSize_ = kFirstReadAhead;
         return store_->read(row);
     }
-    while (!ahead_.empty() && ahead_.front().id < row)
-        ahead_.pop_front();
-    if (ahead_.empty()) {
-        for (RecordRow& record : store_->readFrom(row, aheadNext_))
-            ahead_.push_back(std::move(record));
-        aheadNext_ = std::min(aheadNext_ * 2, kMostAhead);
+    while (!readAhead_.empty() && readAhead_.front().id < row)
+        readAhead_.pop_front();
+    if (readAhead_.empty()) {
+        for (RecordRow& stored : store_->readFrom(row, readAheadSize_))
+            readAhead_.push_back(std::move(stored));
+        readAheadSize_ = std::min(readAheadSize_ * 2, kMostReadAhead);
     }
-    if (ahead_.empty() || ahead_.front().id != row)
+    if (readAhead_.empty() || readAhead_.front().id != row)
         return std::nullopt;
-    std::optional<RecordRow> record(std::move(ahead_.front()));
-    ahead_.pop_front();
-    return record;
+    std::optional<RecordRow> stored(std::move(readAhead_.front()));
+    readAhead_.pop_front();
+    return stored;
 }
 
-CardPtr Book::find(std::string_view uid) {
-    const Store::Reading reading(*store_);
-    refresh();
-    if (auto known = live(uid); known && known->standing != Card::Standing::gone)
+LiveRecordPtr Book::find(std::string_view uid) {
+    const Store::ReadTransaction transaction(*store_);
+    applyChangeLog();
+    if (auto known = cached(uid); known && known->state != LiveRecord::State::deleted)
         return known->inBook() ? known : nullptr;
-    auto record = store_->read(uid);
-    return record ? card(std::move(*record)) : nullptr;
+    auto stored = store_->read(uid);
+    return stored ? materialize(std::move(*stored)) : nullptr;
 }
 
-CardPtr Book::at(RowId row, Kind kind) {
-    if (const auto found = rows_.find(row); found != rows_.end())
+LiveRecordPtr Book::at(RowId row, Kind kind) {
+    if (const auto found = byRow_.find(row); found != byRow_.end())
         if (auto known = found->second.lock())
             return known;
-    if (auto record = fetch(row))
-        return card(std::move(*record));
+    if (auto stored = fetch(row))
+        return materialize(std::move(*stored));
     if (const auto gone = gone_.find(row); gone != gone_.end()) {
         // The list may be one of both kinds, but an id tells its own.
         const std::string& uid = gone->second;
-        auto known = live(uid);
-        return known ? known : lost(uid, uid.ends_with(":ABGroup") ? Kind::group : kind);
+        auto known = cached(uid);
+        return known ? known : tombstone(uid, uid.ends_with(":ABGroup") ? Kind::group : kind);
     }
-    return lost(newUid(kind), kind);
+    return tombstone(newUid(kind), kind);
 }
 
-CardPtr Book::at(RowId row, Kind kind, int edition) {
-    notice();
-    return edition == edition_ ? at(row, kind) : lost(newUid(kind), kind);
+LiveRecordPtr Book::at(RowId row, Kind kind, int edition) {
+    refreshIfStale();
+    return edition == edition_ ? at(row, kind) : tombstone(newUid(kind), kind);
 }
 
 // A card for a record that the address book does not have any more.
-CardPtr Book::lost(const std::string& uid, Kind kind) {
-    auto card = std::make_unique<Card>();
-    card->uid = uid;
-    card->kind = kind;
-    card->standing = Card::Standing::gone;
-    return own(card.release());
+LiveRecordPtr Book::tombstone(const std::string& uid, Kind kind) {
+    auto record = std::make_unique<LiveRecord>();
+    record->uid = uid;
+    record->kind = kind;
+    record->state = LiveRecord::State::deleted;
+    return adopt(record.release());
 }
 
 // Lists and searches
 
 std::vector<Book::Place> Book::records(Kind kind) {
-    refresh();
+    applyChangeLog();
     std::vector<Place> places;
     for (const RowId row : store_->rows(kind))
         if (!removed_.contains(row))
             places.push_back({row, nullptr});
-    for (const auto& card : added_)
-        if (card->kind == kind)
-            places.push_back({0, card});
+    for (const auto& record : added_)
+        if (record->kind == kind)
+            places.push_back({0, record});
     return places;
 }
 
-bool Book::matches(const Query& query, Card& card, Date now) {
-    notice();
-    return matchesNow(query, card, now);
+bool Book::matches(const Query& query, LiveRecord& record, Date now) {
+    refreshIfStale();
+    return matchesNow(query, record, now);
 }
 
-bool Book::matchesNow(const Query& query, Card& card, Date now) {
-    return addressbook::matches(query, CardView(*this, card), now);
+bool Book::matchesNow(const Query& query, LiveRecord& record, Date now) {
+    return addressbook::matches(query, LiveRecordView(*this, record), now);
 }
 
 std::vector<Book::Place> Book::search(const Query& query, Date now) {
-    const Store::Reading reading(*store_);
-    refresh();
+    const Store::ReadTransaction transaction(*store_);
+    applyChangeLog();
     std::vector<Place> places;
-    if (mentionsDiscarded(query)) {
+    if (mentionsUndefined(query)) {
         // The database still holds values that are to be deleted: only the view of this process tells the
         // truth.
         for (const Kind kind : {Kind::person, Kind::group})
@@ -242,151 +243,151 @@ std::vector<Book::Place> Book::search(const Query& query, Date now) {
         for (const RowId row : store_->search(query, now))
             if (!removed_.contains(row) && !changed_.contains(row))
                 places.push_back({row, nullptr});
-        for (const auto& [row, card] : changed_)
-            if (matchesNow(query, *card, now))
-                places.push_back({row, card});
+        for (const auto& [row, record] : changed_)
+            if (matchesNow(query, *record, now))
+                places.push_back({row, record});
     }
     std::sort(places.begin(), places.end(), [](const Place& a, const Place& b) { return a.row < b.row; });
-    for (const auto& card : added_)
-        if (matchesNow(query, *card, now))
-            places.push_back({0, card});
+    for (const auto& record : added_)
+        if (matchesNow(query, *record, now))
+            places.push_back({0, record});
     return places;
 }
 
 // Values
 
-void Book::load(Card& card) {
-    if (card.read)
+void Book::load(LiveRecord& record) {
+    if (record.cachedRow)
         return;
-    if (card.standing == Card::Standing::gone) {
-        card.read.emplace();
+    if (record.state == LiveRecord::State::deleted) {
+        record.cachedRow.emplace();
         return;
     }
-    auto record = fetch(card.row);
-    keep(card, record ? std::move(*record) : RecordRow());
+    auto stored = fetch(record.row);
+    cacheRow(record, stored ? std::move(*stored) : RecordRow());
 }
 
-void Book::keep(Card& card, RecordRow record) {
-    card.read = std::move(record);
-    loaded_.push_back(card.weak_from_this());
+void Book::cacheRow(LiveRecord& record, RecordRow stored) {
+    record.cachedRow = std::move(stored);
+    loaded_.push_back(record.weak_from_this());
     while (loaded_.size() > kLoadedLimit) {
-        if (const auto oldest = loaded_.front().lock(); oldest && oldest.get() != &card)
-            oldest->read.reset();
+        if (const auto oldest = loaded_.front().lock(); oldest && oldest.get() != &record)
+            oldest->cachedRow.reset();
         loaded_.pop_front();
     }
 }
 
-const Value& Book::value(Card& card, std::string_view property) {
-    notice();
-    return current(card, property);
+const Value& Book::value(LiveRecord& record, std::string_view property) {
+    refreshIfStale();
+    return current(record, property);
 }
 
-const Value& Book::current(Card& card, std::string_view property) {
+const Value& Book::current(LiveRecord& record, std::string_view property) {
     if (property == property::kUid) {
-        scratch_ = card.uid;
+        scratch_ = record.uid;
         return scratch_;
     }
-    if (const Value* change = changeOf(card, property))
+    if (const Value* change = changeOf(record, property))
         return *change;
-    if (card.row == 0 || discarded(card.kind, property))
+    if (record.row == 0 || isUndefined(record.kind, property))
         return kNone;
     if (property == property::kImage) {
-        scratch_ = card.inDatabase() ? store_->value(card.row, property) : Value();
+        scratch_ = record.inDatabase() ? store_->value(record.row, property) : Value();
         return scratch_;
     }
-    load(card);
-    scratch_ = store_->value(*card.read, property);
+    load(record);
+    scratch_ = store_->value(*record.cachedRow, property);
     return scratch_;
 }
 
-std::optional<std::string_view> Book::encoded(Card& card, std::string_view property) {
-    notice();
-    if (card.row == 0 || changeOf(card, property) != nullptr || keptApart(property) ||
-        discarded(card.kind, property))
+std::optional<std::string_view> Book::encoded(LiveRecord& record, std::string_view property) {
+    refreshIfStale();
+    if (record.row == 0 || changeOf(record, property) != nullptr || keptApart(property) ||
+        isUndefined(record.kind, property))
         return std::nullopt;
-    load(card);
-    return store_->encodedValue(*card.read, property);
+    load(record);
+    return store_->encodedValue(*record.cachedRow, property);
 }
 
-void Book::damaged(const Card& card, const std::string& what) const {
-    store_->damaged(card.read.value_or(RecordRow()), what);
+void Book::reportDamage(const LiveRecord& record, const std::string& what) const {
+    store_->reportDamage(record.cachedRow.value_or(RecordRow()), what);
 }
 
-std::map<std::string, Value> Book::values(Card& card) {
-    notice();
+std::map<std::string, Value> Book::values(LiveRecord& record) {
+    refreshIfStale();
     std::map<std::string, Value> all;
-    if (card.row != 0) {
-        load(card);
-        all = store_->values(*card.read);
-        all[std::string(property::kUid)] = card.uid;
-        all[std::string(property::kImage)] = current(card, property::kImage);
-        std::erase_if(all, [&](const auto& one) { return discarded(card.kind, one.first); });
+    if (record.row != 0) {
+        load(record);
+        all = store_->values(*record.cachedRow);
+        all[std::string(property::kUid)] = record.uid;
+        all[std::string(property::kImage)] = current(record, property::kImage);
+        std::erase_if(all, [&](const auto& one) { return isUndefined(record.kind, one.first); });
     }
-    for (const auto& [name, value] : card.changes)
+    for (const auto& [name, value] : record.changes)
         all[name] = value;
     std::erase_if(all, [](const auto& one) { return one.second.empty(); });
     return all;
 }
 
-void Book::set(const CardPtr& card, const std::string& property, Value value) {
-    if (this->value(*card, property) == value)
+void Book::set(const LiveRecordPtr& record, const std::string& property, Value value) {
+    if (this->value(*record, property) == value)
         return;
-    if (value.empty() && card->row == 0)
-        card->changes.erase(property);
+    if (value.empty() && record->row == 0)
+        record->changes.erase(property);
     else
-        card->changes[property] = std::move(value);
-    ++state_;
-    touch(card);
+        record->changes[property] = std::move(value);
+    ++revision_;
+    touch(record);
 }
 
-void Book::touch(const CardPtr& card) {
-    if (card->standing == Card::Standing::stored)
-        changed_[card->row] = card;
+void Book::touch(const LiveRecordPtr& record) {
+    if (record->state == LiveRecord::State::persistent)
+        changed_[record->row] = record;
 }
 
 // Adding and removing
 
-bool Book::add(const CardPtr& card) {
-    switch (card->standing) {
-    case Card::Standing::loose:
-        card->standing = Card::Standing::added;
-        added_.push_back(card);
-        file(card);
+bool Book::add(const LiveRecordPtr& record) {
+    switch (record->state) {
+    case LiveRecord::State::detached:
+        record->state = LiveRecord::State::inserted;
+        added_.push_back(record);
+        indexByUid(record);
         return true;
-    case Card::Standing::removed:
-        card->standing = Card::Standing::stored;
-        removed_.erase(card->row);
-        if (card->unsaved())
-            touch(card);
+    case LiveRecord::State::removed:
+        record->state = LiveRecord::State::persistent;
+        removed_.erase(record->row);
+        if (record->unsaved())
+            touch(record);
         return true;
-    case Card::Standing::added:
-    case Card::Standing::stored:
-    case Card::Standing::gone:
+    case LiveRecord::State::inserted:
+    case LiveRecord::State::persistent:
+    case LiveRecord::State::deleted:
         break;
     }
     return false;
 }
 
-bool Book::remove(const CardPtr& card) {
-    if (card->standing == Card::Standing::added) {
-        card->standing = Card::Standing::loose;
-        std::erase(added_, card);
+bool Book::remove(const LiveRecordPtr& record) {
+    if (record->state == LiveRecord::State::inserted) {
+        record->state = LiveRecord::State::detached;
+        std::erase(added_, record);
         return true;
     }
-    if (card->standing != Card::Standing::stored)
+    if (record->state != LiveRecord::State::persistent)
         return false;
-    load(*card); // so that whoever still holds the record can read it
-    card->standing = Card::Standing::removed;
-    changed_.erase(card->row);
-    removed_[card->row] = card;
+    load(*record); // so that whoever still holds the record can read it
+    record->state = LiveRecord::State::removed;
+    changed_.erase(record->row);
+    removed_[record->row] = record;
     return true;
 }
 
 // Groups
 
-std::vector<CardPtr> Book::members(Card& group, Kind kind) {
-    notice();
-    std::vector<CardPtr> found;
+std::vector<LiveRecordPtr> Book::members(LiveRecord& group, Kind kind) {
+    refreshIfStale();
+    std::vector<LiveRecordPtr> found;
     if (group.inDatabase()) {
         const auto rows = kind == Kind::person ? store_->members(group.row) : store_->subgroups(group.row);
         for (const RowId row : rows) {
@@ -401,41 +402,42 @@ std::vector<CardPtr> Book::members(Card& group, Kind kind) {
     return found;
 }
 
-std::vector<CardPtr> Book::parents(const Card& card) {
-    notice();
-    std::vector<CardPtr> found;
-    if (!card.inBook())
+std::vector<LiveRecordPtr> Book::parents(const LiveRecord& record) {
+    refreshIfStale();
+    std::vector<LiveRecordPtr> found;
+    if (!record.inBook())
         return found;
-    const auto joinedHere = [&](const Card& group) { return contains(group.joined, card); };
-    if (card.row != 0)
-        for (const RowId row : store_->parents(card.row)) {
+    const auto joinedHere = [&](const LiveRecord& group) { return contains(group.joined, record); };
+    if (record.row != 0)
+        for (const RowId row : store_->parents(record.row)) {
             auto group = at(row, Kind::group);
-            if (group->inBook() && !group->left.contains(card.uid))
+            if (group->inBook() && !group->left.contains(record.uid))
                 found.push_back(std::move(group));
         }
     for (const auto& [row, group] : changed_)
         if (joinedHere(*group) && !contains(found, *group))
             found.push_back(group);
-    std::sort(found.begin(), found.end(), [](const CardPtr& a, const CardPtr& b) { return a->row < b->row; });
+    std::sort(found.begin(), found.end(),
+              [](const LiveRecordPtr& a, const LiveRecordPtr& b) { return a->row < b->row; });
     for (const auto& group : added_)
         if (joinedHere(*group))
             found.push_back(group);
     return found;
 }
 
-bool Book::isMember(Card& group, const Card& member) {
+bool Book::isMember(LiveRecord& group, const LiveRecord& member) {
     return contains(members(group, member.kind), member);
 }
 
-bool Book::ascendsTo(const CardPtr& from, const Card& target) {
-    std::vector<CardPtr> open{from};
-    std::set<const Card*> seen;
+bool Book::ascendsTo(const LiveRecordPtr& from, const LiveRecord& target) {
+    std::vector<LiveRecordPtr> open{from};
+    std::set<const LiveRecord*> seenChange;
     while (!open.empty()) {
         const auto group = open.back();
         open.pop_back();
         if (group.get() == &target)
             return true;
-        if (!seen.insert(group.get()).second)
+        if (!seenChange.insert(group.get()).second)
             continue;
         for (auto& parent : parents(*group))
             open.push_back(std::move(parent));
@@ -443,7 +445,7 @@ bool Book::ascendsTo(const CardPtr& from, const Card& target) {
     return false;
 }
 
-bool Book::join(const CardPtr& group, const CardPtr& member) {
+bool Book::join(const LiveRecordPtr& group, const LiveRecordPtr& member) {
     if (!member->inBook() || isMember(*group, *member))
         return false;
     if (member->kind == Kind::group && ascendsTo(group, *member))
@@ -454,10 +456,10 @@ bool Book::join(const CardPtr& group, const CardPtr& member) {
     return true;
 }
 
-bool Book::leave(const CardPtr& group, const Card& member) {
+bool Book::leave(const LiveRecordPtr& group, const LiveRecord& member) {
     if (!isMember(*group, member))
         return false;
-    std::erase_if(group->joined, [&](const CardPtr& one) { return one.get() == &member; });
+    std::erase_if(group->joined, [&](const LiveRecordPtr& one) { return one.get() == &member; });
     if (isMember(*group, member)) // the database says so
         group->left.insert(member.uid);
     touch(group);
@@ -466,57 +468,57 @@ bool Book::leave(const CardPtr& group, const Card& member) {
 
 // The user's own card
 
-CardPtr Book::me() {
+LiveRecordPtr Book::me() {
     if (me_)
         return me_->empty() ? nullptr : find(*me_);
     const auto uid = store_->me();
     return uid ? find(*uid) : nullptr;
 }
 
-void Book::setMe(const CardPtr& card) {
-    if (!card)
+void Book::setMe(const LiveRecordPtr& record) {
+    if (!record)
         me_ = "";
-    else if (card->inBook())
-        me_ = card->uid;
+    else if (record->inBook())
+        me_ = record->uid;
 }
 
 // Properties
 
-bool Book::discarded(Kind kind, std::string_view property) const {
+bool Book::isUndefined(Kind kind, std::string_view property) const {
     return std::any_of(undefined_.begin(), undefined_.end(), named(kind, property));
 }
 
-bool Book::mentionsDiscarded(const Query& query) const {
+bool Book::mentionsUndefined(const Query& query) const {
     if (undefined_.empty())
         return false;
     if (const auto* condition = std::get_if<Condition>(&query.node))
-        return discarded(condition->kind, condition->property);
+        return isUndefined(condition->kind, condition->property);
     const auto& children = std::get<Query::Compound>(query.node).children;
     return std::any_of(children.begin(), children.end(),
-                       [this](const Query& child) { return mentionsDiscarded(child); });
+                       [this](const Query& child) { return mentionsUndefined(child); });
 }
 
 int Book::typeOf(Kind kind, std::string_view property) {
     if (const int type = publicType(kind, property))
         return type;
-    notice();
+    refreshIfStale();
     const auto same = named(kind, property);
     if (const auto found = std::find_if(defined_.begin(), defined_.end(), same); found != defined_.end())
         return found->type;
-    if (discarded(kind, property))
+    if (isUndefined(kind, property))
         return 0;
     const auto found = std::find_if(definitions_.begin(), definitions_.end(), same);
     return found == definitions_.end() ? 0 : found->type;
 }
 
 std::vector<std::string> Book::properties(Kind kind) {
-    notice();
+    refreshIfStale();
     std::vector<std::string> names;
     for (const auto& row : builtInProperties())
         if (publicType(kind, row.name) != 0)
             names.emplace_back(row.name);
     for (const auto& definition : definitions_)
-        if (definition.kind == kind && !discarded(kind, definition.name))
+        if (definition.kind == kind && !isUndefined(kind, definition.name))
             names.push_back(definition.name);
     for (const auto& definition : defined_)
         if (definition.kind == kind)
@@ -525,7 +527,7 @@ std::vector<std::string> Book::properties(Kind kind) {
 }
 
 int Book::define(Kind kind, const std::map<std::string, int>& properties) {
-    ++state_;
+    ++revision_;
     for (const auto& [name, type] : properties)
         if (name.empty() || isInternal(name) || !validType(type))
             return -1;
@@ -539,7 +541,7 @@ int Book::define(Kind kind, const std::map<std::string, int>& properties) {
 }
 
 int Book::undefine(Kind kind, const std::vector<std::string>& properties) {
-    ++state_;
+    ++revision_;
     int count = 0;
     for (const auto& name : properties) {
         if (publicType(kind, name) != 0 || typeOf(kind, name) == 0)
@@ -547,9 +549,9 @@ int Book::undefine(Kind kind, const std::vector<std::string>& properties) {
         const auto same = named(kind, name);
         if (std::erase_if(defined_, same) == 0)
             undefined_.push_back(*std::find_if(definitions_.begin(), definitions_.end(), same));
-        for (const auto& [uid, weak] : cards_)
-            if (const auto card = weak.lock(); card && card->kind == kind)
-                card->changes.erase(name);
+        for (const auto& [uid, weak] : byUid_)
+            if (const auto record = weak.lock(); record && record->kind == kind)
+                record->changes.erase(name);
         ++count;
     }
     return count;

@@ -28,36 +28,36 @@
 namespace addressbook {
 
 // One record as this process sees it. There is one card per unique id for as long as anybody holds it.
-struct Card : std::enable_shared_from_this<Card> {
-    enum class Standing {
-        loose,   // made here, not added
-        added,   // added, not saved
-        stored,  // in the database
-        removed, // in the database, removed here, not saved
-        gone     // its removal was saved, here or elsewhere
+struct LiveRecord : std::enable_shared_from_this<LiveRecord> {
+    enum class State {
+        detached,   // made here, not added
+        inserted,   // added, not saved
+        persistent, // in the database
+        removed,    // in the database, removed here, not saved
+        deleted     // its removal was saved, here or elsewhere
     };
     std::string uid;
     Kind kind = Kind::person;
-    Standing standing = Standing::loose;
+    State state = State::detached;
     RowId row = 0;
-    std::map<std::string, Value> changes;      // unsaved values; no value: removed
-    std::vector<std::shared_ptr<Card>> joined; // of a group: members and subgroups that joined, unsaved
-    std::set<std::string> left;                // of a group: uids that left, unsaved
-    std::optional<RecordRow> read;             // what is stored, once it was asked for; without the uid
-    bool removedHere = false;                  // of one that is gone: by this process
+    std::map<std::string, Value> changes;            // unsaved values; no value: removed
+    std::vector<std::shared_ptr<LiveRecord>> joined; // of a group: members and subgroups that joined, unsaved
+    std::set<std::string> left;                      // of a group: uids that left, unsaved
+    std::optional<RecordRow> cachedRow;              // what is stored, once it was asked for; without the uid
+    bool removedHere = false;                        // of one that is gone: by this process
     void* object = nullptr; // the live Objective-C object of this record; it clears this when it goes
 
-    bool inBook() const { return standing == Standing::added || standing == Standing::stored; }
-    bool inDatabase() const { return standing == Standing::stored || standing == Standing::removed; }
+    bool inBook() const { return state == State::inserted || state == State::persistent; }
+    bool inDatabase() const { return state == State::persistent || state == State::removed; }
     bool unsaved() const { return !changes.empty() || !joined.empty() || !left.empty(); }
 };
-using CardPtr = std::shared_ptr<Card>;
+using LiveRecordPtr = std::shared_ptr<LiveRecord>;
 
 // The type of a built-in property that users may see, else 0.
 int publicType(Kind kind, std::string_view property);
 
 // A new record with a new unique id.
-std::unique_ptr<Card> makeCard(Kind kind);
+std::unique_ptr<LiveRecord> newRecord(Kind kind);
 
 class Book : public std::enable_shared_from_this<Book> {
   public:
@@ -68,71 +68,71 @@ class Book : public std::enable_shared_from_this<Book> {
     bool readOnly() const { return store_->readOnly(); }
     // The database's file, and the newest save in it that this book knows.
     const std::filesystem::path& file() const { return store_->file(); }
-    std::int64_t seen() const { return seen_; }
+    std::int64_t seenChange() const { return seenChange_; }
 
     // Says, from any thread, that something was saved: every book looks before it is next read.
-    static void stir() { stirred_.fetch_add(1, std::memory_order_release); }
+    static void invalidateAll() { generation_.fetch_add(1, std::memory_order_release); }
 
     // A new record, added to no address book yet.
-    CardPtr create(Kind kind);
+    LiveRecordPtr create(Kind kind);
 
     // The record with this id, null when the address book has none.
-    CardPtr find(std::string_view uid);
+    LiveRecordPtr find(std::string_view uid);
     // The record in this row. It is never null: a row that was deleted answers an empty card, with the id
     // that the record had when that is known.
-    CardPtr at(RowId row, Kind kind);
+    LiveRecordPtr at(RowId row, Kind kind);
     // The same for a row that was found in an earlier edition(), and that may mean nothing any more: with
     // another file in the database's place a new edition begins.
-    CardPtr at(RowId row, Kind kind, int edition);
+    LiveRecordPtr at(RowId row, Kind kind, int edition);
     int edition() const { return edition_; }
 
     // A record in a list: a row, or the card where it has none yet.
     struct Place {
         RowId row = 0;
-        CardPtr card;
+        LiveRecordPtr record;
     };
     // All records of a kind, and those that meet a query; in the order in which they were added.
     std::vector<Place> records(Kind kind);
     std::vector<Place> search(const Query& query, Date now);
-    bool matches(const Query& query, Card& card, Date now);
+    bool matches(const Query& query, LiveRecord& record, Date now);
 
     // A value as changed here, else as stored. The reference lives until the next call.
-    const Value& value(Card& card, std::string_view property);
+    const Value& value(LiveRecord& record, std::string_view property);
     // The same, without looking first whether others saved something.
-    const Value& current(Card& card, std::string_view property);
+    const Value& current(LiveRecord& record, std::string_view property);
     // The same for a value that is as stored, as its bytes (encodeValue): they live until the next call, and
     // are empty for no value. Nothing for a value that was changed here, or that is kept apart from the
     // others.
-    std::optional<std::string_view> encoded(Card& card, std::string_view property);
+    std::optional<std::string_view> encoded(LiveRecord& record, std::string_view property);
     // Reports that such bytes make no sense.
-    [[noreturn]] void damaged(const Card& card, const std::string& what) const;
+    [[noreturn]] void reportDamage(const LiveRecord& record, const std::string& what) const;
     // A number that changes whenever values may have changed, here or elsewhere.
-    std::uint64_t state() {
-        notice();
-        return state_;
+    std::uint64_t revision() {
+        refreshIfStale();
+        return revision_;
     }
     // All values that are set, the picture included.
-    std::map<std::string, Value> values(Card& card);
+    std::map<std::string, Value> values(LiveRecord& record);
     // Sets a value; no value removes it.
-    void set(const CardPtr& card, const std::string& property, Value value);
+    void set(const LiveRecordPtr& record, const std::string& property, Value value);
 
     // False when the record is in the book already, or was deleted for good; when it is not in the book.
-    bool add(const CardPtr& card);
-    bool remove(const CardPtr& card);
+    bool add(const LiveRecordPtr& record);
+    bool remove(const LiveRecordPtr& record);
 
     // Members that are people or groups, in the order of joining; the groups a record is in, in the order of
     // adding.
-    std::vector<CardPtr> members(Card& group, Kind kind);
-    std::vector<CardPtr> parents(const Card& card);
-    bool isMember(Card& group, const Card& member);
+    std::vector<LiveRecordPtr> members(LiveRecord& group, Kind kind);
+    std::vector<LiveRecordPtr> parents(const LiveRecord& record);
+    bool isMember(LiveRecord& group, const LiveRecord& member);
     // False when there is nothing to do, when the member is not in the book, or when groups would form a
     // circle.
-    bool join(const CardPtr& group, const CardPtr& member);
-    bool leave(const CardPtr& group, const Card& member);
+    bool join(const LiveRecordPtr& group, const LiveRecordPtr& member);
+    bool leave(const LiveRecordPtr& group, const LiveRecord& member);
 
     // The user's own card.
-    CardPtr me();
-    void setMe(const CardPtr& card);
+    LiveRecordPtr me();
+    void setMe(const LiveRecordPtr& record);
 
     // Properties: 0 for an unknown one; all names, the built-in ones first.
     int typeOf(Kind kind, std::string_view property);
@@ -157,58 +157,59 @@ class Book : public std::enable_shared_from_this<Book> {
     SaveResult save(Date now);
 
   private:
-    CardPtr own(Card* card);
-    CardPtr card(RecordRow record);
+    LiveRecordPtr adopt(LiveRecord* record);
+    LiveRecordPtr materialize(RecordRow stored);
     std::optional<RecordRow> fetch(RowId row);
-    void keep(Card& card, RecordRow record);
-    CardPtr lost(const std::string& uid, Kind kind);
-    void forget(const Card& card);
-    void load(Card& card);
-    void touch(const CardPtr& card);
-    bool matchesNow(const Query& query, Card& card, Date now);
-    void notice() {
-        if (stirred_.load(std::memory_order_acquire) != noticed_)
-            catchUp();
+    void cacheRow(LiveRecord& record, RecordRow stored);
+    LiveRecordPtr tombstone(const std::string& uid, Kind kind);
+    void forget(const LiveRecord& record);
+    void load(LiveRecord& record);
+    void touch(const LiveRecordPtr& record);
+    bool matchesNow(const Query& query, LiveRecord& record, Date now);
+    void refreshIfStale() {
+        if (generation_.load(std::memory_order_acquire) != seenGeneration_)
+            refresh();
     }
-    void catchUp();
     void refresh();
+    void applyChangeLog();
     void reopen();
-    void renew(const CardPtr& card);
-    void renewAll();
-    void takeDefinitions();
-    bool ascendsTo(const CardPtr& from, const Card& target);
-    bool discarded(Kind kind, std::string_view property) const;
-    bool mentionsDiscarded(const Query& query) const;
+    void reload(const LiveRecordPtr& record);
+    void reloadAll();
+    void reloadDefinitions();
+    bool ascendsTo(const LiveRecordPtr& from, const LiveRecord& target);
+    bool isUndefined(Kind kind, std::string_view property) const;
+    bool mentionsUndefined(const Query& query) const;
     ChangeSet changes(Date now) const;
-    void settle(const SaveResult& result);
-    CardPtr live(std::string_view uid) const;
-    void file(const CardPtr& card);
+    void applySaveResult(const SaveResult& result);
+    LiveRecordPtr cached(std::string_view uid) const;
+    void indexByUid(const LiveRecordPtr& record);
 
-    static std::atomic<std::uint64_t> stirred_;
+    static std::atomic<std::uint64_t> generation_;
 
     std::unique_ptr<Store> store_;
     int edition_ = 0;
-    std::uint64_t noticed_;
-    std::int64_t seen_ = 0;                       // the newest save whose changes this book knows
+    std::uint64_t seenGeneration_;
+    std::int64_t seenChange_ = 0;                 // the newest save whose changes this book knows
     std::vector<PropertyDefinition> definitions_; // as stored
-    std::unordered_map<std::string_view, std::weak_ptr<Card>> cards_; // by the uid that the card itself holds
-    std::unordered_map<RowId, std::weak_ptr<Card>> rows_;
-    std::unordered_map<RowId, std::string> gone_; // ids of deleted records, which lists may still name
-    std::deque<std::weak_ptr<Card>> loaded_;      // whose stored values are in memory, oldest first
-    std::uint64_t state_ = 1;
-    std::deque<RecordRow> ahead_; // read ahead for a walk, ascending
-    std::size_t aheadNext_ = 0;   // so many are read the next time
-    RowId walked_ = -1'000;       // the row that was fetched last
-    Value scratch_;               // what value() refers to when no card holds it
+    std::unordered_map<std::string_view, std::weak_ptr<LiveRecord>>
+        byUid_; // by the uid that the card itself holds
+    std::unordered_map<RowId, std::weak_ptr<LiveRecord>> byRow_;
+    std::unordered_map<RowId, std::string> gone_;  // ids of deleted records, which lists may still name
+    std::deque<std::weak_ptr<LiveRecord>> loaded_; // whose stored values are in memory, oldest first
+    std::uint64_t revision_ = 1;
+    std::deque<RecordRow> readAhead_; // read ahead for a walk, ascending
+    std::size_t readAheadSize_ = 0;   // so many are read the next time
+    RowId lastFetched_ = -1'000;      // the row that was fetched last
+    Value scratch_;                   // what value() refers to when no card holds it
 
     bool refused_ = false;
     std::string leftOut_;
 
     // What is unsaved.
-    std::vector<CardPtr> added_;
-    std::map<RowId, CardPtr> changed_;
-    std::vector<CardPtr> lost_; // changed here, and deleted elsewhere
-    std::unordered_map<RowId, CardPtr> removed_;
+    std::vector<LiveRecordPtr> added_;
+    std::map<RowId, LiveRecordPtr> changed_;
+    std::vector<LiveRecordPtr> orphaned_; // changed here, and deleted elsewhere
+    std::unordered_map<RowId, LiveRecordPtr> removed_;
     std::optional<std::string> me_;
     std::vector<PropertyDefinition> defined_, undefined_;
 };

@@ -16,21 +16,21 @@ bool contains(const std::vector<PropertyDefinition>& definitions, const Property
 }
 
 // Whether another process deleted it.
-bool goneElsewhere(const Card& card) {
-    return card.standing == Card::Standing::gone && !card.removedHere;
+bool goneElsewhere(const LiveRecord& record) {
+    return record.state == LiveRecord::State::deleted && !record.removedHere;
 }
 
 // Forgets what is unsaved.
-void clean(Card& card) {
-    card.changes.clear();
-    card.joined.clear();
-    card.left.clear();
+void clean(LiveRecord& record) {
+    record.changes.clear();
+    record.joined.clear();
+    record.left.clear();
 }
 
 } // namespace
 
 bool Book::changed() const {
-    return !added_.empty() || !changed_.empty() || !removed_.empty() || !lost_.empty() || me_ ||
+    return !added_.empty() || !changed_.empty() || !removed_.empty() || !orphaned_.empty() || me_ ||
            !defined_.empty() || !undefined_.empty();
 }
 
@@ -39,81 +39,81 @@ ChangeSet Book::changes(Date now) const {
     set.time = now;
     set.definitions = defined_;
     set.removedDefinitions = undefined_;
-    const auto memberships = [&set](const Card& group) {
+    const auto memberships = [&set](const LiveRecord& group) {
         for (const auto& uid : group.left)
             set.memberships.push_back({group.uid, uid, false});
         for (const auto& member : group.joined)
             if (member->inBook() || goneElsewhere(*member)) // which the save tells
                 set.memberships.push_back({group.uid, member->uid, true});
     };
-    for (const auto& card : added_) {
-        set.records.push_back({card->uid, card->kind, true, card->changes});
-        memberships(*card);
+    for (const auto& record : added_) {
+        set.records.push_back({record->uid, record->kind, true, record->changes});
+        memberships(*record);
     }
-    const auto update = [&](const CardPtr& card) {
-        if (!card->changes.empty())
-            set.records.push_back({card->uid, card->kind, false, card->changes});
-        memberships(*card);
+    const auto update = [&](const LiveRecordPtr& record) {
+        if (!record->changes.empty())
+            set.records.push_back({record->uid, record->kind, false, record->changes});
+        memberships(*record);
     };
-    for (const auto& [row, card] : changed_)
-        update(card);
-    for (const auto& card : lost_)
-        update(card);
-    for (const auto& [row, card] : removed_)
-        set.removed.push_back(card->uid);
+    for (const auto& [row, record] : changed_)
+        update(record);
+    for (const auto& record : orphaned_)
+        update(record);
+    for (const auto& [row, record] : removed_)
+        set.removed.push_back(record->uid);
     if (me_) {
-        const auto own = live(*me_);
-        const bool tells = !own || own->inBook() || goneElsewhere(*own);
+        const auto mine = cached(*me_);
+        const bool tells = !mine || mine->inBook() || goneElsewhere(*mine);
         set.me = tells ? *me_ : "";
     }
     return set;
 }
 
 SaveResult Book::save(Date now) {
-    catchUp();
+    refresh();
     const ChangeSet set = changes(now);
     SaveResult result;
     if (!set.empty())
         result = store_->save(set);
-    settle(result);
+    applySaveResult(result);
     // Others saved nothing in between: what this save did is known.
-    if (result.change == seen_ + 1)
-        seen_ = result.change;
+    if (result.change == seenChange_ + 1)
+        seenChange_ = result.change;
     return result;
 }
 
-void Book::settle(const SaveResult& result) {
-    ++state_;
-    ahead_.clear();
+void Book::applySaveResult(const SaveResult& result) {
+    ++revision_;
+    readAhead_.clear();
     auto place = result.insertedRows.begin();
-    for (const auto& card : std::exchange(added_, {})) { // inserted in this order
-        clean(*card);
-        card->read.reset();
-        card->standing = Card::Standing::stored;
-        card->row = *place++;
-        rows_[card->row] = card;
+    for (const auto& record : std::exchange(added_, {})) { // inserted in this order
+        clean(*record);
+        record->cachedRow.reset();
+        record->state = LiveRecord::State::persistent;
+        record->row = *place++;
+        byRow_[record->row] = record;
     }
     for (const auto& uid : result.updated) // also by a property that went, or by a member
-        if (const auto card = live(uid); card && card->inDatabase())
-            card->read.reset();
+        if (const auto record = cached(uid); record && record->inDatabase())
+            record->cachedRow.reset();
     for (const auto& uid : result.missing) // deleted elsewhere a moment ago
-        if (const auto card = live(uid); card && card->inDatabase()) {
-            card->standing = Card::Standing::gone;
-            gone_[card->row] = uid;
+        if (const auto record = cached(uid); record && record->inDatabase()) {
+            record->state = LiveRecord::State::deleted;
+            gone_[record->row] = uid;
         }
-    for (const auto& [row, card] : std::exchange(changed_, {})) {
-        clean(*card);
-        if (card->inDatabase())
-            card->read.reset();
+    for (const auto& [row, record] : std::exchange(changed_, {})) {
+        clean(*record);
+        if (record->inDatabase())
+            record->cachedRow.reset();
     }
-    for (const auto& card : std::exchange(lost_, {}))
-        clean(*card);
-    for (const auto& [row, card] : std::exchange(removed_, {})) {
-        card->standing = Card::Standing::gone;
-        card->removedHere = true;
-        card->joined.clear(); // a group that is gone has no members
-        card->left.clear();
-        gone_[row] = card->uid;
+    for (const auto& record : std::exchange(orphaned_, {}))
+        clean(*record);
+    for (const auto& [row, record] : std::exchange(removed_, {})) {
+        record->state = LiveRecord::State::deleted;
+        record->removedHere = true;
+        record->joined.clear(); // a group that is gone has no members
+        record->left.clear();
+        gone_[row] = record->uid;
     }
     me_.reset();
     if (!defined_.empty() || !undefined_.empty())
@@ -124,38 +124,38 @@ void Book::settle(const SaveResult& result) {
 
 // What others saved
 
-void Book::catchUp() {
-    const auto stirred = stirred_.load(std::memory_order_acquire);
+void Book::refresh() {
+    const auto generation = generation_.load(std::memory_order_acquire);
     if (store_->moved() && std::filesystem::exists(store_->file()))
         reopen();
-    refresh();
-    noticed_ = stirred;
+    applyChangeLog();
+    seenGeneration_ = generation;
 }
 
 // Takes notice of what was saved since, here and elsewhere: what is in memory of those records is out of
 // date.
-void Book::refresh() {
+void Book::applyChangeLog() {
     const auto newest = store_->lastChange();
-    if (newest == seen_)
+    if (newest == seenChange_)
         return;
-    takeDefinitions();
-    ahead_.clear();
-    ++state_;
-    bool all = newest < seen_; // an older state was restored
-    std::unordered_set<std::string> renewed;
-    for (const auto& change : store_->changesSince(seen_)) {
+    reloadDefinitions();
+    readAhead_.clear();
+    ++revision_;
+    bool all = newest < seenChange_; // an older state was restored
+    std::unordered_set<std::string> reloaded;
+    for (const auto& change : store_->changesSince(seenChange_)) {
         all = all || change.tellsNothing();
         for (const auto* uids : {&change.inserted, &change.updated, &change.deleted})
             for (const auto& uid : *uids)
-                if (const auto card = live(uid); card && renewed.insert(uid).second)
-                    renew(card);
+                if (const auto record = cached(uid); record && reloaded.insert(uid).second)
+                    reload(record);
     }
     if (all)
-        renewAll();
-    seen_ = newest;
+        reloadAll();
+    seenChange_ = newest;
 }
 
-void Book::takeDefinitions() {
+void Book::reloadDefinitions() {
     definitions_ = store_->definitions();
     std::erase_if(undefined_, [this](const auto& one) { return !contains(definitions_, one); });
     // One that is removed here may come back with another type.
@@ -168,63 +168,64 @@ void Book::takeDefinitions() {
 void Book::reopen() {
     store_ = std::make_unique<Store>(store_->file().parent_path());
     ++edition_;
-    ++state_;
-    ahead_.clear();
-    rows_.clear();
-    seen_ = store_->lastChange();
-    takeDefinitions();
-    renewAll();
+    ++revision_;
+    readAhead_.clear();
+    byRow_.clear();
+    seenChange_ = store_->lastChange();
+    reloadDefinitions();
+    reloadAll();
     gone_.clear();
 }
 
-void Book::renewAll() {
-    std::vector<CardPtr> all; // so that none goes while others take its row
-    for (const auto& [uid, weak] : cards_)
-        if (auto card = weak.lock())
-            all.push_back(std::move(card));
-    for (const auto& card : all)
-        renew(card);
+void Book::reloadAll() {
+    std::vector<LiveRecordPtr> all; // so that none goes while others take its row
+    for (const auto& [uid, weak] : byUid_)
+        if (auto record = weak.lock())
+            all.push_back(std::move(record));
+    for (const auto& record : all)
+        reload(record);
 }
 
 // Brings a card that is or was in the database up to date with it.
-void Book::renew(const CardPtr& card) {
-    ++state_;
-    if (card->standing == Card::Standing::loose || card->standing == Card::Standing::added)
+void Book::reload(const LiveRecordPtr& record) {
+    ++revision_;
+    if (record->state == LiveRecord::State::detached || record->state == LiveRecord::State::inserted)
         return;
-    const auto unfile = [&](auto& cards) {
-        const auto found = cards.find(card->row);
-        if (found != cards.end() && found->second == card)
-            cards.erase(found);
+    const auto unfile = [&](auto& records) {
+        const auto found = records.find(record->row);
+        if (found != records.end() && found->second == record)
+            records.erase(found);
     };
     unfile(changed_);
     unfile(removed_);
-    const bool wasLost = std::erase(lost_, card) != 0;
-    const auto ref = store_->find(card->uid);
+    const bool wasOrphaned = std::erase(orphaned_, record) != 0;
+    const auto ref = store_->find(record->uid);
     if (!ref) {
-        const bool loses = wasLost || (card->standing == Card::Standing::stored && card->unsaved());
+        const bool loses =
+            wasOrphaned || (record->state == LiveRecord::State::persistent && record->unsaved());
         if (loses)
-            lost_.push_back(card);
-        card->standing = Card::Standing::gone;
-        if (card->row != 0)
-            gone_[card->row] = card->uid;
+            orphaned_.push_back(record);
+        record->state = LiveRecord::State::deleted;
+        if (record->row != 0)
+            gone_[record->row] = record->uid;
         return;
     }
-    if (card->standing == Card::Standing::gone) { // it was brought back
-        if (!wasLost)
-            clean(*card);
-        card->standing = Card::Standing::stored;
-        card->removedHere = false;
+    if (record->state == LiveRecord::State::deleted) { // it was brought back
+        if (!wasOrphaned)
+            clean(*record);
+        record->state = LiveRecord::State::persistent;
+        record->removedHere = false;
     }
-    card->read.reset();
-    if (const auto old = rows_.find(card->row);
-        card->row != ref->row && old != rows_.end() && old->second.lock() == card)
-        rows_.erase(old);
-    card->row = ref->row;
-    rows_[card->row] = card;
-    if (card->standing == Card::Standing::removed)
-        removed_[card->row] = card;
-    else if (card->unsaved())
-        changed_[card->row] = card;
+    record->cachedRow.reset();
+    if (const auto old = byRow_.find(record->row);
+        record->row != ref->row && old != byRow_.end() && old->second.lock() == record)
+        byRow_.erase(old);
+    record->row = ref->row;
+    byRow_[record->row] = record;
+    if (record->state == LiveRecord::State::removed)
+        removed_[record->row] = record;
+    else if (record->unsaved())
+        changed_[record->row] = record;
 }
 
 } // namespace addressbook

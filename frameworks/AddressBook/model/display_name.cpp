@@ -9,8 +9,8 @@ constexpr std::int64_t kShowAsCompany = 1;
 constexpr std::int64_t kNameOrderMask = 070;
 constexpr std::int64_t kLastNameFirst = 020;
 
-std::string text(Book& book, Card& card, std::string_view property) {
-    const Value& value = book.value(card, property);
+std::string text(Book& book, LiveRecord& record, std::string_view property) {
+    const Value& value = book.value(record, property);
     if (const auto* string = value.as<std::string>())
         return *string;
     if (const auto* list = value.as<MultiValue>(); list && !list->entries.empty())
@@ -33,13 +33,13 @@ std::string joined(std::initializer_list<std::string> parts) {
 
 } // namespace
 
-std::string displayName(Book& book, Card& card) {
-    if (card.kind == Kind::group)
-        return text(book, card, property::kGroupName);
+std::string displayName(Book& book, LiveRecord& record) {
+    if (record.kind == Kind::group)
+        return text(book, record, property::kGroupName);
 
-    const auto* stored = book.value(card, property::kPersonFlags).as<std::int64_t>();
+    const auto* stored = book.value(record, property::kPersonFlags).as<std::int64_t>();
     const std::int64_t flags = stored ? *stored : 0;
-    const auto of = [&](std::string_view property) { return text(book, card, property); };
+    const auto of = [&](std::string_view property) { return text(book, record, property); };
     std::string names = (flags & kNameOrderMask) == kLastNameFirst
                             ? joined({of(property::kLast), of(property::kFirst), of(property::kMiddle)})
                             : joined({of(property::kFirst), of(property::kMiddle), of(property::kLast)});

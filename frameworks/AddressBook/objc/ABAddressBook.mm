@@ -61,7 +61,7 @@ std::string listed(const Items& items, const char* between, Text text) {
 std::string groupName(Book& book, const std::string& uid) {
     std::string name = uid;
     try {
-        if (const CardPtr group = book.find(uid))
+        if (const LiveRecordPtr group = book.find(uid))
             if (const auto* text = book.value(*group, property::kGroupName).as<std::string>())
                 name = *text;
     } catch (const StoreError&) { // what is told is that the save is done
@@ -203,7 +203,7 @@ BookPtr sharedBook() {
 
 - (void)setMe:(ABPerson*)moi {
     if (moi == nil || [self owns:(ABRecord*)moi])
-        [self book]->setMe(cardOf((ABRecord*)moi));
+        [self book]->setMe(liveRecordOf((ABRecord*)moi));
 }
 
 - (ABRecord*)recordForUniqueId:(NSString*)uniqueId {
@@ -221,13 +221,13 @@ BookPtr sharedBook() {
     if (uniqueId == nil)
         return nil;
     const std::string uid = textFrom(uniqueId);
-    const CardPtr card = reading([&] { return [self book]->find(uid); });
-    if (!card) {
+    const LiveRecordPtr live = reading([&] { return [self book]->find(uid); });
+    if (!live) {
         refuse(error, ABPropertyValueValidationError,
                [NSString stringWithFormat:@"The address book has no record %@", uniqueId]);
         return nil;
     }
-    return card->kind == Kind::group ? @"ABGroup" : @"ABPerson";
+    return live->kind == Kind::group ? @"ABGroup" : @"ABPerson";
 }
 
 - (BOOL)addRecord:(ABRecord*)record {
@@ -239,7 +239,7 @@ BookPtr sharedBook() {
         [self book]->noteRefusal();
         return refuse(error, ABPropertyReadOnlyError, readOnlyText(*[self book]));
     }
-    if (![self owns:record] || ![self book]->add([record card]))
+    if (![self owns:record] || ![self book]->add([record liveRecord]))
         return refuse(error, ABAddRecordsError,
                       @"The record cannot be added: it is in the address book already, or "
                       @"was deleted, or belongs to another one");
@@ -253,7 +253,7 @@ BookPtr sharedBook() {
 - (BOOL)removeRecord:(ABRecord*)record error:(NSError**)error {
     if ([self book]->readOnly())
         return refuse(error, ABPropertyReadOnlyError, readOnlyText(*[self book]));
-    if (![self owns:record] || !reading([&] { return [self book]->remove([record card]); }))
+    if (![self owns:record] || !reading([&] { return [self book]->remove([record liveRecord]); }))
         return refuse(error, ABRemoveRecordsError, @"The record is not in the address book");
     return YES;
 }

@@ -9,7 +9,7 @@ using namespace addressbook;
 @implementation ABGroup
 
 - (NSArray*)recordsInside:(Kind)kind {
-    return recordsFrom([self book], reading([&] { return [self book]->members(*[self card], kind); }));
+    return recordsFrom([self book], reading([&] { return [self book]->members(*[self liveRecord], kind); }));
 }
 
 - (BOOL)changeable:(ABRecord*)member kind:(Class)kind {
@@ -18,12 +18,12 @@ using namespace addressbook;
 
 - (BOOL)join:(ABRecord*)member kind:(Class)kind {
     return [self changeable:member kind:kind] &&
-           reading([&] { return [self book]->join([self card], [member card]); });
+           reading([&] { return [self book]->join([self liveRecord], [member liveRecord]); });
 }
 
 - (BOOL)leave:(ABRecord*)member kind:(Class)kind {
     return [self changeable:member kind:kind] &&
-           reading([&] { return [self book]->leave([self card], *[member card]); });
+           reading([&] { return [self book]->leave([self liveRecord], *[member liveRecord]); });
 }
 
 - (NSArray*)members {
@@ -51,12 +51,13 @@ using namespace addressbook;
 }
 
 - (NSArray*)parentGroups {
-    return recordsFrom([self book], reading([&] { return [self book]->parents(*[self card]); }));
+    return recordsFrom([self book], reading([&] { return [self book]->parents(*[self liveRecord]); }));
 }
 
 // The chosen identifiers are a dictionary in the group: property -> dictionary of person -> identifier.
 - (Dictionary)distributionIdentifiers {
-    const Value value = reading([&] { return [self book]->value(*[self card], property::kDistribution); });
+    const Value value =
+        reading([&] { return [self book]->value(*[self liveRecord], property::kDistribution); });
     const auto* chosen = value.as<Dictionary>();
     return chosen ? *chosen : Dictionary();
 }
@@ -65,7 +66,7 @@ using namespace addressbook;
                       forProperty:(NSString*)property
                            person:(ABPerson*)person {
     if (property == nil || person == nil || [self isReadOnly] ||
-        !reading([&] { return [self book]->isMember(*[self card], *[person card]); }))
+        !reading([&] { return [self book]->isMember(*[self liveRecord], *[person liveRecord]); }))
         return NO;
     id entries = [person valueForProperty:property];
     if (![entries isKindOfClass:[ABMultiValue class]] ||
@@ -77,7 +78,7 @@ using namespace addressbook;
     if (!ofProperty.as<Dictionary>())
         ofProperty = Dictionary();
     auto& people = *ofProperty.as<Dictionary>();
-    const std::string& uid = [person card]->uid;
+    const std::string& uid = [person liveRecord]->uid;
     if (identifier != nil)
         people[uid] = textFrom(identifier);
     else
@@ -85,13 +86,15 @@ using namespace addressbook;
     if (people.empty())
         chosen.erase(textFrom(property));
     Value changed = chosen.empty() ? Value() : Value(std::move(chosen));
-    reading([&] { [self book]->set([self card], std::string(property::kDistribution), std::move(changed)); });
+    reading([&] {
+        [self book]->set([self liveRecord], std::string(property::kDistribution), std::move(changed));
+    });
     return YES;
 }
 
 - (NSString*)distributionIdentifierForProperty:(NSString*)property person:(ABPerson*)person {
     if (property == nil || person == nil ||
-        !reading([&] { return [self book]->isMember(*[self card], *[person card]); }))
+        !reading([&] { return [self book]->isMember(*[self liveRecord], *[person liveRecord]); }))
         return nil;
     id entries = [person valueForProperty:property];
     if (![entries isKindOfClass:[ABMultiValue class]])
@@ -99,7 +102,7 @@ using namespace addressbook;
     const Dictionary chosen = [self distributionIdentifiers];
     if (const auto ofProperty = chosen.find(textFrom(property)); ofProperty != chosen.end())
         if (const auto* people = ofProperty->second.as<Dictionary>())
-            if (const auto own = people->find([person card]->uid); own != people->end())
+            if (const auto own = people->find([person liveRecord]->uid); own != people->end())
                 if (id identifier = objectFrom(own->second);
                     [entries indexForIdentifier:identifier] != NSNotFound)
                     return identifier;

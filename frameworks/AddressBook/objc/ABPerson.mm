@@ -10,7 +10,7 @@ using namespace addressbook;
 @implementation ABPerson
 
 - (NSArray*)parentGroups {
-    return recordsFrom([self book], reading([&] { return [self book]->parents(*[self card]); }));
+    return recordsFrom([self book], reading([&] { return [self book]->parents(*[self liveRecord]); }));
 }
 
 - (NSArray*)linkedPeople {
@@ -58,14 +58,14 @@ using namespace addressbook;
     }
     for (auto& [property, value] : card->values)
         if (!keptByFramework(property))
-            [self card]->changes[property] = std::move(value);
+            [self liveRecord]->changes[property] = std::move(value);
     return self;
 }
 
 - (NSData*)vCardRepresentation {
     vcard::Card card;
-    card.uid = [self card]->uid;
-    card.values = reading([&] { return [self book]->values(*[self card]); });
+    card.uid = [self liveRecord]->uid;
+    card.values = reading([&] { return [self book]->values(*[self liveRecord]); });
     const std::string text = vcard::write(card);
     return [NSData dataWithBytes:text.data() length:text.size()];
 }
@@ -78,12 +78,12 @@ using namespace addressbook;
     if ([self isReadOnly])
         return NO;
     Value picture = data ? requireValue(data, kABDataProperty, @"image") : Value();
-    reading([&] { [self book]->set([self card], std::string(property::kImage), std::move(picture)); });
+    reading([&] { [self book]->set([self liveRecord], std::string(property::kImage), std::move(picture)); });
     return YES;
 }
 
 - (NSData*)imageData {
-    const Value picture = reading([&] { return [self book]->value(*[self card], property::kImage); });
+    const Value picture = reading([&] { return [self book]->value(*[self liveRecord], property::kImage); });
     return objectFrom(picture);
 }
 

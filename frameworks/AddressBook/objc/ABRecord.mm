@@ -16,28 +16,28 @@ namespace {
 // again and again.
 struct State {
     BookPtr book;
-    CardPtr card;
+    LiveRecordPtr record;
     ABMultiValue* list = nil; // retained
     std::string listName;
-    std::uint64_t listState = 0; // the book's state in which it was read
+    std::uint64_t listRevision = 0; // the book's state in which it was read
 
     void keep(id value, const std::string& name) {
         [list release];
         list = [value retain];
         listName = name;
-        listState = book->state();
+        listRevision = book->revision();
     }
 };
 
 // A stored value is turned into an object from its bytes.
-id valueOf(Book& book, Card& card, const std::string& property) {
-    const auto encoded = book.encoded(card, property);
+id valueOf(Book& book, LiveRecord& live, const std::string& property) {
+    const auto encoded = book.encoded(live, property);
     if (!encoded)
-        return objectFrom(book.current(card, property));
+        return objectFrom(book.current(live, property));
     try {
         return objectFromEncoded(*encoded);
-    } catch (const DamagedCard& error) {
-        book.damaged(card, error.what());
+    } catch (const DamagedRecord& error) {
+        book.reportDamage(live, error.what());
     }
 }
 
@@ -69,25 +69,26 @@ BOOL refuse(NSError** error, NSInteger code, NSString* sentence) {
     return NO;
 }
 
-ABRecord* recordFrom(const BookPtr& book, const CardPtr& card) {
-    if (!card)
+ABRecord* recordFrom(const BookPtr& book, const LiveRecordPtr& live) {
+    if (!live)
         return nil;
-    if (card->object != nullptr)
-        return [[static_cast<ABRecord*>(card->object) retain] autorelease];
+    if (live->object != nullptr)
+        return [[static_cast<ABRecord*>(live->object) retain] autorelease];
     static Class const person = [ABPerson class];
     static Class const group = [ABGroup class];
-    return [[[card->kind == Kind::group ? group : person alloc] initWithCard:card book:book] autorelease];
+    return [[[live->kind == Kind::group ? group : person alloc] initWithLiveRecord:live
+                                                                              book:book] autorelease];
 }
 
-NSArray* recordsFrom(const BookPtr& book, const std::vector<CardPtr>& cards) {
-    NSMutableArray* records = [NSMutableArray arrayWithCapacity:cards.size()];
-    for (const auto& card : cards)
-        [records addObject:recordFrom(book, card)];
+NSArray* recordsFrom(const BookPtr& book, const std::vector<LiveRecordPtr>& live) {
+    NSMutableArray* records = [NSMutableArray arrayWithCapacity:live.size()];
+    for (const auto& one : live)
+        [records addObject:recordFrom(book, one)];
     return [[records copy] autorelease];
 }
 
-CardPtr cardOf(ABRecord* record) {
-    return record ? [record card] : nullptr;
+LiveRecordPtr liveRecordOf(ABRecord* record) {
+    return record ? [record liveRecord] : nullptr;
 }
 
 BookPtr bookOf(ABRecord* record) {
@@ -108,13 +109,14 @@ BookPtr bookOf(ABRecord* record) {
         [self release];
         return nil;
     }
-    return [self initWithCard:book->create([self isKindOfClass:[ABGroup class]] ? Kind::group : Kind::person)
-                         book:book];
+    return [self
+        initWithLiveRecord:book->create([self isKindOfClass:[ABGroup class]] ? Kind::group : Kind::person)
+                      book:book];
 }
 
 - (void)dealloc {
     if (auto* state = static_cast<State*>(_record)) {
-        state->card->object = nullptr;
+        state->record->object = nullptr;
         [state->list release];
         delete state;
     }
@@ -127,14 +129,14 @@ BookPtr bookOf(ABRecord* record) {
     const std::string name = textFrom(property);
     Book& book = *[self book];
     auto& state = *static_cast<State*>(_record);
-    Card& card = *state.card;
+    LiveRecord& live = *state.record;
     if (state.list != nil && state.listName == name &&
-        reading([&] { return book.state(); }) == state.listState)
+        reading([&] { return book.revision(); }) == state.listRevision)
         return [[state.list retain] autorelease];
-    const int type = reading([&] { return book.typeOf(card.kind, name); });
+    const int type = reading([&] { return book.typeOf(live.kind, name); });
     if (type == 0)
         return nil;
-    id object = reading([&] { return valueOf(book, card, name); });
+    id object = reading([&] { return valueOf(book, live, name); });
     if ((type & kMultiValue) != 0)
         state.keep(object, name);
     return object;
@@ -149,7 +151,7 @@ BookPtr bookOf(ABRecord* record) {
         raiseInvalid(@"A value was set without a property");
     Book& book = *[self book];
     const std::string name = textFrom(property);
-    const int type = reading([&] { return book.typeOf([self card]->kind, name); });
+    const int type = reading([&] { return book.typeOf([self liveRecord]->kind, name); });
     if (type == 0)
         return refuse(error, ABPropertyUnsupportedBySourceError,
                       [NSString stringWithFormat:@"%@ has no property %@", [self class], property]);
@@ -159,7 +161,7 @@ BookPtr bookOf(ABRecord* record) {
     if ([self isReadOnly])
         return refuse(error, ABPropertyReadOnlyError, @"The address book can only be read");
     Value converted = value ? requireValue(value, type, property) : Value();
-    reading([&] { book.set([self card], name, std::move(converted)); });
+    reading([&] { book.set([self liveRecord], name, std::move(converted)); });
     return YES;
 }
 
@@ -180,27 +182,27 @@ BookPtr bookOf(ABRecord* record) {
 @implementation ABRecord (ABRecord_Convenience)
 
 - (NSString*)uniqueId {
-    return stringFrom([self card]->uid);
+    return stringFrom([self liveRecord]->uid);
 }
 
 - (NSString*)displayName {
-    return stringFrom(reading([&] { return displayName(*[self book], *[self card]); }));
+    return stringFrom(reading([&] { return displayName(*[self book], *[self liveRecord]); }));
 }
 
 @end
 
 @implementation ABRecord (Internal)
 
-- (id)initWithCard:(const CardPtr&)card book:(const BookPtr&)book {
+- (id)initWithLiveRecord:(const LiveRecordPtr&)live book:(const BookPtr&)book {
     if ((self = [super init]) != nil) {
-        _record = new State{.book = book, .card = card, .listName = {}};
-        card->object = self;
+        _record = new State{.book = book, .record = live, .listName = {}};
+        live->object = self;
     }
     return self;
 }
 
-- (const CardPtr&)card {
-    return static_cast<State*>(_record)->card;
+- (const LiveRecordPtr&)liveRecord {
+    return static_cast<State*>(_record)->record;
 }
 
 - (const BookPtr&)book {

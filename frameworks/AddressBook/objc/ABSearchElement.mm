@@ -46,8 +46,8 @@ ABSearchElement* elementFrom(Query query) {
 }
 
 - (BOOL)matchesRecord:(ABRecord*)record {
-    const CardPtr card = cardOf(record);
-    return card && reading([&] { return bookOf(record)->matches([self query], *card, currentTime()); });
+    const LiveRecordPtr live = liveRecordOf(record);
+    return live && reading([&] { return bookOf(record)->matches([self query], *live, currentTime()); });
 }
 
 @end

@@ -20,7 +20,7 @@ namespace {
 constexpr std::chrono::seconds kPatienceAtExit{1};
 
 void post(ABAddressBook* sender, const LoggedChange& change) {
-    Book::stir();
+    Book::invalidateAll();
     if (change.own)
         return;
     NSAutoreleasePool* pool = [[NSAutoreleasePool alloc] init];
@@ -41,7 +41,7 @@ void log(const std::string& sentence) {
 class Announcer {
   public:
     Announcer(ABAddressBook* sender, const Book& book)
-        : watch_(book.file(), book.seen(),
+        : watch_(book.file(), book.seenChange(),
                  {[sender](const LoggedChange& change) { post(sender, change); }, log}) {}
 
     // The thread's work.

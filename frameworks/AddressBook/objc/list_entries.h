@@ -63,7 +63,7 @@ class ListEntry {
 
 struct ListEntries {
     ListEntries() = default;
-    // The list with these bytes, which it copies. Throws DamagedCard.
+    // The list with these bytes, which it copies. Throws DamagedRecord.
     explicit ListEntries(std::string_view encoded);
 
     std::shared_ptr<const std::string> bytes; // what the entries were read from, if any

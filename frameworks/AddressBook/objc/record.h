@@ -12,13 +12,13 @@ namespace addressbook {
 using BookPtr = std::shared_ptr<Book>;
 
 // The one object of this card while it lives, autoreleased; nil for no card.
-ABRecord* recordFrom(const BookPtr& book, const CardPtr& card);
-NSArray* recordsFrom(const BookPtr& book, const std::vector<CardPtr>& cards);
+ABRecord* recordFrom(const BookPtr& book, const LiveRecordPtr& live);
+NSArray* recordsFrom(const BookPtr& book, const std::vector<LiveRecordPtr>& live);
 // A list whose records are made when they are asked for.
 NSArray* listFrom(const BookPtr& book, Kind kind, std::vector<Book::Place> places);
 
 // The card of a record, null for nil; its address book.
-CardPtr cardOf(ABRecord* record);
+LiveRecordPtr liveRecordOf(ABRecord* record);
 BookPtr bookOf(ABRecord* record);
 
 // The address book of the process; null when it cannot be opened.
@@ -53,8 +53,8 @@ auto reading(Work&& work) -> decltype(work()) {
 } // namespace addressbook
 
 @interface ABRecord (Internal)
-- (id)initWithCard:(const addressbook::CardPtr&)card book:(const addressbook::BookPtr&)book;
-- (const addressbook::CardPtr&)card;
+- (id)initWithLiveRecord:(const addressbook::LiveRecordPtr&)live book:(const addressbook::BookPtr&)book;
+- (const addressbook::LiveRecordPtr&)liveRecord;
 - (const addressbook::BookPtr&)book;
 @end
 

@@ -65,10 +65,10 @@ struct List {
     Slot& slot = list.slots[index % kSlots];
     if (slot.record == nil || slot.index != index) {
         const auto& place = list.places[index];
-        const CardPtr card = place.card
-                                 ? place.card
-                                 : reading([&] { return list.book->at(place.row, list.kind, list.edition); });
-        ABRecord* record = [recordFrom(list.book, card) retain];
+        const LiveRecordPtr live =
+            place.record ? place.record
+                         : reading([&] { return list.book->at(place.row, list.kind, list.edition); });
+        ABRecord* record = [recordFrom(list.book, live) retain];
         [slot.record autorelease]; // whoever asked for it may still use it
         slot = {index, record};
     }

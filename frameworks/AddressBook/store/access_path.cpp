@@ -51,19 +51,20 @@ Span spanOfOthers() {
 }
 
 // The same days in each year in which the property has a date.
-void spanYears(Store::Impl& impl, const DayRange& days, ConditionPlan& plan) {
+void spanYears(Store::Impl& impl, const DayRange& days, IndexLookup& lookup) {
     const double length = days.last - days.first;
     const MonthDay begin = dayOfYear(static_cast<std::int64_t>(days.first));
     std::int64_t next = std::numeric_limits<std::int64_t>::min(); // the year whose span comes next
     Date from{-kFarthest};
     for (;;) {
-        auto run = impl.db.run("SELECT folded FROM term WHERE property = ? AND folded >= ? AND folded < '' "
-                               "ORDER BY folded LIMIT 1");
-        run.bindInteger(plan.property).bindReal(from.seconds);
-        if (!run.step())
+        auto statement =
+            impl.db.prepare("SELECT folded FROM term WHERE property = ? AND folded >= ? AND folded < '' "
+                            "ORDER BY folded LIMIT 1");
+        statement.bindInteger(lookup.property).bindReal(from.seconds);
+        if (!statement.step())
             return;
-        ++plan.rows;
-        const auto day = utcDay(Date{run.real(0)});
+        ++lookup.rows;
+        const auto day = utcDay(Date{statement.real(0)});
         if (!day)
             return;
         // Days that began in a year may last into the next one; on its last day the local year may be the
@@ -71,77 +72,77 @@ void spanYears(Store::Impl& impl, const DayRange& days, ConditionPlan& plan) {
         const std::int64_t year = yearOf(*day);
         for (next = std::max(next, year - 1); next <= year + 1; ++next) {
             const auto start = static_cast<double>(anniversary(next, begin));
-            plan.spans.push_back(spanOfDays(start - 1, start + length + 1)); // a leap day moves them by one
+            lookup.spans.push_back(spanOfDays(start - 1, start + length + 1)); // a leap day moves them by one
         }
         from.seconds = utcMidnight(static_cast<double>(dayNumber(year + 1, {})));
     }
 }
 
-void planDays(Store::Impl& impl, const Matcher& matcher, ConditionPlan& plan) {
+void lookUpDays(Store::Impl& impl, const Matcher& matcher, IndexLookup& lookup) {
     const auto& days = matcher.wantedDays();
     if (!days || !(days->first <= days->last))
         return;
     const bool yearless = matcher.facts().yearless;
     const bool allYear = yearless && days->last - days->first >= kShortYear;
     if (!yearless)
-        plan.spans = {spanOfDays(days->first, days->last)};
+        lookup.spans = {spanOfDays(days->first, days->last)};
     else if (!allYear)
-        spanYears(impl, *days, plan);
-    const bool tooMany = allYear || plan.spans.size() > kMostYears;
-    plan.plan = tooMany ? Plan::scan : Plan::interval;
+        spanYears(impl, *days, lookup);
+    const bool tooMany = allYear || lookup.spans.size() > kMostYears;
+    lookup.path = tooMany ? AccessPath::scan : AccessPath::interval;
     if (tooMany)
-        plan.spans.clear();
+        lookup.spans.clear();
     else
-        plan.spans.push_back(spanOfOthers());
+        lookup.spans.push_back(spanOfOthers());
 }
 
-void planNumber(const Matcher& matcher, ConditionPlan& plan) {
+void lookUpNumber(const Matcher& matcher, IndexLookup& lookup) {
     switch (matcher.facts().operation) {
     case Operation::equal:
-        plan.plan = Plan::exact;
+        lookup.path = AccessPath::exact;
         break;
     case Operation::less:
     case Operation::lessOrEqual:
     case Operation::greater:
     case Operation::greaterOrEqual:
-        plan.plan = Plan::range;
+        lookup.path = AccessPath::range;
         break;
     default:
-        plan.plan = Plan::scan;
+        lookup.path = AccessPath::scan;
         return;
     }
-    plan.spans = {{matcher.condition().value, {}}};
+    lookup.spans = {{matcher.condition().value, {}}};
 }
 
-void planText(const Matcher& matcher, ConditionPlan& plan) {
+void lookUpText(const Matcher& matcher, IndexLookup& lookup) {
     const std::string& wanted = *matcher.wantedText();
-    plan.folded = matcher.facts().ignoresCase ? wanted : foldNormalized(wanted);
+    lookup.folded = matcher.facts().ignoresCase ? wanted : foldNormalized(wanted);
     // A long text is looked for by a part of it.
-    std::string_view part = beginning(plan.folded, kTermBytes);
+    std::string_view part = beginning(lookup.folded, kTermBytes);
     switch (matcher.facts().operation) {
     case Operation::equal:
-        plan.plan = Plan::exact;
-        plan.spans = {{std::string(part), {}}};
+        lookup.path = AccessPath::exact;
+        lookup.spans = {{std::string(part), {}}};
         return;
     case Operation::prefix:
-        plan.plan = Plan::prefix;
-        plan.spans = {spanOfPrefix(std::string(part))};
+        lookup.path = AccessPath::prefix;
+        lookup.spans = {spanOfPrefix(std::string(part))};
         return;
     case Operation::contains:
     case Operation::suffix:
         break;
     default:
-        plan.plan = Plan::scan;
+        lookup.path = AccessPath::scan;
         return;
     }
     const bool isSuffix = matcher.facts().operation == Operation::suffix;
     if (isSuffix)
-        part = ending(plan.folded, kTermBytes);
-    plan.needle = trigramNeedle(part);
-    plan.needle.exact = plan.needle.exact && part.size() == plan.folded.size();
+        part = ending(lookup.folded, kTermBytes);
+    lookup.needle = trigramNeedle(part);
+    lookup.needle.exact = lookup.needle.exact && part.size() == lookup.folded.size();
     if (isSuffix)
-        plan.needle.text.push_back(kTextBorder);
-    plan.plan = characters(plan.needle.text) >= kTrigram ? Plan::trigram : Plan::scan;
+        lookup.needle.text.push_back(kTextBorder);
+    lookup.path = characters(lookup.needle.text) >= kTrigram ? AccessPath::trigram : AccessPath::scan;
 }
 
 } // namespace
@@ -151,33 +152,33 @@ bool isNumeric(const Value& value) {
            value.as<Date>() != nullptr;
 }
 
-ConditionPlan planOf(Store::Impl& impl, const Matcher& matcher) {
-    ConditionPlan plan;
+IndexLookup chooseAccessPath(Store::Impl& impl, const Matcher& matcher) {
+    IndexLookup lookup;
     const Condition& condition = matcher.condition();
     const ComparisonFacts& facts = matcher.facts();
-    if (matcher.hopeless() || isInternal(condition.property))
-        return plan;
+    if (matcher.neverMatches() || isInternal(condition.property))
+        return lookup;
     if (condition.property == property::kUid) {
         const bool oneUid = facts.operation == Operation::equal && !facts.ignoresCase &&
                             condition.value.as<std::string>() != nullptr;
-        plan.plan = oneUid ? Plan::uid : Plan::everyUid;
-        return plan;
+        lookup.path = oneUid ? AccessPath::uid : AccessPath::everyUid;
+        return lookup;
     }
     const auto property = impl.propertyId(condition.kind, condition.property);
     if (!property)
-        return plan;
-    plan.property = *property;
+        return lookup;
+    lookup.property = *property;
     if (facts.operation == Operation::around || facts.operation == Operation::ahead)
-        planDays(impl, matcher, plan);
+        lookUpDays(impl, matcher, lookup);
     else if (isNumeric(condition.value))
-        planNumber(matcher, plan);
+        lookUpNumber(matcher, lookup);
     else if (matcher.wantedText())
-        planText(matcher, plan);
+        lookUpText(matcher, lookup);
     else
-        plan.plan = Plan::scan;
-    if (plan.plan == Plan::scan)
-        plan.spans = {{}};
-    return plan;
+        lookup.path = AccessPath::scan;
+    if (lookup.path == AccessPath::scan)
+        lookup.spans = {{}};
+    return lookup;
 }
 
 } // namespace addressbook

@@ -19,16 +19,16 @@ struct Span {
 };
 
 // A condition's plan with all that its SQL binds.
-struct ConditionPlan {
-    Plan plan = Plan::nothing;
+struct IndexLookup {
+    AccessPath path = AccessPath::nothing;
     std::int64_t property = 0; // its number
     std::string folded;        // the wanted text
-    TrigramNeedle needle;      // Plan::trigram
+    TrigramNeedle needle;      // AccessPath::trigram
     std::vector<Span> spans;   // looked up one after the other; a record may be in several
     std::int64_t rows = 0;     // rows of the index that were looked at to find them
 };
 
-ConditionPlan planOf(Store::Impl& impl, const Matcher& matcher);
+IndexLookup chooseAccessPath(Store::Impl& impl, const Matcher& matcher);
 
 // Whether an index keeps this value as a number.
 bool isNumeric(const Value& value);

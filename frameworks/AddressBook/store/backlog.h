@@ -21,17 +21,17 @@ class IndexWriter;
 inline constexpr std::int64_t kSavesInBacklog = 64;
 
 // One property of one record.
-struct Slot {
+struct PropertyRef {
     std::int64_t property = 0;
     RowId record = 0;
-    auto operator<=>(const Slot&) const = default;
+    auto operator<=>(const PropertyRef&) const = default;
 };
 
 // What the indexes hold of properties that were changed since: encoded values, empty for none.
-using Backlog = std::map<Slot, std::string>;
+using Backlog = std::map<PropertyRef, std::string>;
 
 // A backlog as the change log keeps it. decodeBacklog adds to [backlog] what it does not know yet: the first
-// change of a property says what the indexes hold. Throws DamagedCard.
+// change of a property says what the indexes hold. Throws DamagedRecord.
 std::string encodeBacklog(const Backlog& backlog);
 void decodeBacklog(std::string_view bytes, Backlog& backlog);
 
@@ -39,10 +39,10 @@ void decodeBacklog(std::string_view bytes, Backlog& backlog);
 Backlog readBacklog(Store::Impl& impl);
 
 // Brings the indexes up to date: what they hold by [backlog] becomes what the records hold.
-void settle(Store::Impl& impl, IndexWriter& index, const Backlog& backlog);
+void applyBacklog(Store::Impl& impl, IndexWriter& index, const Backlog& backlog);
 
 // The same for what waits in the database and, after that, [newer]; then nothing waits any more. Inside a
 // write transaction.
-void settleBacklog(Store::Impl& impl, IndexWriter& index, Backlog newer);
+void flushBacklog(Store::Impl& impl, IndexWriter& index, Backlog newer);
 
 } // namespace addressbook

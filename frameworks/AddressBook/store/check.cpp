@@ -115,31 +115,31 @@ Hash hashOf(const Term& term) {
 }
 
 // The same for a row: property, folded, exact, record, label, key, type.
-Hash hashOfTerm(const sql::Run& run) {
+Hash hashOfTerm(const sql::Statement& statement) {
     Hash hash;
     const auto value = [&](int column) {
-        if (run.isText(column)) {
+        if (statement.isText(column)) {
             add(hash, Typed::text);
-            hash.bytes(run.text(column));
-        } else if (run.isNumber(column)) {
+            hash.bytes(statement.text(column));
+        } else if (statement.isNumber(column)) {
             add(hash, Typed::number);
-            hash.real(run.real(column));
+            hash.real(statement.real(column));
         } else {
             add(hash, Typed::bytes);
-            hash.bytes(run.bytes(column));
+            hash.bytes(statement.blob(column));
         }
     };
     const auto word = [&](int column) {
-        const bool isText = run.isText(column);
+        const bool isText = statement.isText(column);
         add(hash, isText ? Typed::text : Typed::number);
-        isText ? hash.bytes(run.text(column)) : hash.number(run.integer(column));
+        isText ? hash.bytes(statement.text(column)) : hash.number(statement.integer(column));
     };
-    hash.number(run.integer(0));
+    hash.number(statement.integer(0));
     value(1);
-    hash.bytes(run.text(2)).number(run.integer(3));
+    hash.bytes(statement.text(2)).number(statement.integer(3));
     word(4);
     word(5);
-    return hash.number(run.integer(6));
+    return hash.number(statement.integer(6));
 }
 
 // One occurrence of a trigram: in which text, and how many characters before it.
@@ -161,7 +161,7 @@ class Checker {
   private:
     // What others save meanwhile is no contradiction.
     void checkOneMoment() {
-        const Store::Reading oneMoment(store_);
+        const Store::ReadTransaction oneMoment(store_);
         attempt([this] { checkDatabase(); });
         for (const Rule& rule : kRules)
             attempt([&] { checkRule(rule); });
@@ -182,27 +182,27 @@ class Checker {
     }
 
     void checkDatabase() {
-        auto run = db_.run("PRAGMA integrity_check");
-        while (run.step())
-            if (run.text(0) != "ok")
-                found_.push_back("The database is damaged: " + std::string(run.text(0)) + ".");
+        auto statement = db_.prepare("PRAGMA integrity_check");
+        while (statement.step())
+            if (statement.text(0) != "ok")
+                found_.push_back("The database is damaged: " + std::string(statement.text(0)) + ".");
     }
 
     void checkRule(const Rule& rule) {
         std::size_t number = 0;
         std::int64_t first = 0;
-        auto run = db_.run(rule.sql);
-        while (run.step())
+        auto statement = db_.prepare(rule.sql);
+        while (statement.step())
             if (number++ == 0)
-                first = run.integer(0);
+                first = statement.integer(0);
         if (number > 0)
             report(number, rule.sentence, first);
     }
 
     void checkMe() {
-        auto run = db_.run("SELECT value FROM meta WHERE name = 'me'");
-        if (run.step() && !impl_.record(run.text(0)))
-            found_.push_back("The user's own card " + std::string(run.text(0)) + " does not exist.");
+        auto statement = db_.prepare("SELECT value FROM meta WHERE name = 'me'");
+        if (statement.step() && !impl_.record(statement.text(0)))
+            found_.push_back("The user's own card " + std::string(statement.text(0)) + " does not exist.");
     }
 
     // Every card must be whole; what the indexes should hold is summed up on the way.
@@ -210,19 +210,20 @@ class Checker {
         recordsAreSound_ = false;
         const Backlog backlog = readBacklog(impl_);
         recordsAreSound_ = true;
-        auto run = db_.run("SELECT id, kind, uid, creation, modification, card FROM record ORDER BY id");
-        while (run.step()) {
-            rows_.push_back(run.integer(0));
+        auto statement =
+            db_.prepare("SELECT id, kind, uid, creation, modification, card FROM record ORDER BY id");
+        while (statement.step()) {
+            rows_.push_back(statement.integer(0));
             try {
-                const RecordRow row = impl_.rowFrom(run);
+                const RecordRow row = impl_.rowFrom(statement);
                 const auto current = [&](std::string_view name, const Value& value) {
-                    const Slot slot{impl_.propertyId(row.kind, name).value_or(0), row.id};
-                    if (!backlog.contains(slot))
-                        expect(slot, value);
+                    const PropertyRef ref{impl_.propertyId(row.kind, name).value_or(0), row.id};
+                    if (!backlog.contains(ref))
+                        expect(ref, value);
                 };
                 current(property::kCreation, row.creation);
                 current(property::kModification, row.modification);
-                for (const auto& [name, value] : impl_.cardValues(row))
+                for (const auto& [name, value] : impl_.decodeProperties(row))
                     if (!isInternal(name))
                         current(name, value);
             } catch (const StoreError& error) {
@@ -230,19 +231,19 @@ class Checker {
                 found_.emplace_back(error.what());
             }
         }
-        for (const auto& [slot, held] : backlog)
+        for (const auto& [ref, held] : backlog)
             if (!held.empty())
-                expect(slot, decodeValue(held));
+                expect(ref, decodeValue(held));
         recordsAreKnown_ = true;
     }
 
     // The indexes should hold this value.
-    void expect(const Slot& slot, const Value& value) {
+    void expect(const PropertyRef& ref, const Value& value) {
         if (!indexes_)
             return;
-        for (const Term& term : termsOf(slot.record, slot.property, value))
+        for (const Term& term : termsOf(ref.record, ref.property, value))
             terms_.add(hashOf(term));
-        expectTrigrams(trigramText(value), trigramRow(slot.record, slot.property));
+        expectTrigrams(trigramText(value), trigramRow(ref.record, ref.property));
     }
 
     void expectTrigrams(std::string_view text, std::int64_t row) {
@@ -270,11 +271,11 @@ class Checker {
         Sum held;
         std::set<RowId> strays;
         RowId first = 0;
-        auto run = db_.run("SELECT property, folded, exact, record, label, key, type FROM term");
-        while (run.step()) {
+        auto statement = db_.prepare("SELECT property, folded, exact, record, label, key, type FROM term");
+        while (statement.step()) {
             if (indexes_)
-                held.add(hashOfTerm(run));
-            const RowId row = run.integer(3);
+                held.add(hashOfTerm(statement));
+            const RowId row = statement.integer(3);
             if (!std::binary_search(rows_.begin(), rows_.end(), row) && strays.insert(row).second &&
                 strays.size() == 1)
                 first = row;
@@ -292,8 +293,8 @@ class Checker {
             "CREATE VIRTUAL TABLE IF NOT EXISTS temp.trigram_places USING fts5vocab(main, trigram, "
             "instance)");
         Sum held;
-        auto terms = db_.run("SELECT term, cnt FROM temp.trigram_terms");
-        auto places = db_.run("SELECT doc, offset FROM temp.trigram_places");
+        auto terms = db_.prepare("SELECT term, cnt FROM temp.trigram_terms");
+        auto places = db_.prepare("SELECT doc, offset FROM temp.trigram_places");
         while (terms.step()) {
             const Hash trigram = Hash().bytes(terms.text(0));
             for (std::int64_t left = terms.integer(1); left > 0 && places.step(); --left)
@@ -308,7 +309,7 @@ class Checker {
         if (impl_.opened.readOnly || !indexes_)
             return;
         sql::Transaction transaction(db_, sql::Transaction::Mode::write);
-        db_.run("INSERT INTO trigram(trigram) VALUES ('integrity-check')").finish();
+        db_.prepare("INSERT INTO trigram(trigram) VALUES ('integrity-check')").exec();
     }
 
     void report(std::size_t number, const char* sentence, std::int64_t first) {

@@ -13,7 +13,7 @@ namespace addressbook {
 
 // How a condition is looked up, cheapest first. A negative comparison is its positive form, taken away from
 // all records of the kind.
-enum class Plan {
+enum class AccessPath {
     nothing,  // nothing can match
     uid,      // one unique id in the index of unique ids, and those few that are no UUIDs
     exact,    // one value in the index of values
@@ -27,16 +27,16 @@ enum class Plan {
 
 // One condition or compound of a search.
 struct SearchStep {
-    enum class Way {
+    enum class Execution {
         skipped, // nothing was left to look at
         searched,
-        oneByOne // the few records that the steps before had left were looked at, perhaps after a search
+        verified // the few records that the steps before had left were looked at, perhaps after a search
                  // that was given up
     };
 
     const Query* query = nullptr; // the part of the query that was explained; it does not live longer
-    Way way = Way::skipped;
-    Plan plan = Plan::nothing; // of a condition that was searched
+    Execution execution = Execution::skipped;
+    AccessPath path = AccessPath::nothing; // of a condition that was searched
     // Rows that indexes gave; those of other labels and keys than the wanted ones are left out on the way.
     std::int64_t indexRows = 0;
     std::int64_t records = 0;  // records that were read and looked at one by one

@@ -20,7 +20,7 @@ class StoredUid {
   public:
     explicit StoredUid(std::string_view uid);
     // Binds it as the next parameter; this object must outlive the run.
-    void bind(sql::Run& run) const;
+    void bind(sql::Statement& statement) const;
 
   private:
     std::string stored_;
@@ -31,19 +31,19 @@ class StoredUid {
 std::string processMark();
 
 struct Store::Impl {
-    Impl(const std::filesystem::path& folder, Access access, std::chrono::milliseconds patience);
+    Impl(const std::filesystem::path& folder, Access access, std::chrono::milliseconds busyTimeout);
 
     OpenedFile opened;
     sql::Connection& db;
-    int readings = 0; // Store::Readings that live, in one transaction
-    std::optional<sql::Transaction> reading;
+    int readTransactions = 0; // Store::Readings that live, in one transaction
+    std::optional<sql::Transaction> readTransaction;
     // Numbers of property names that this connection has met.
     std::unordered_map<std::string, std::int64_t> propertyIds[2];
     Backlog knownBacklog;
-    std::optional<std::uint32_t> backlogState; // the state of the database in which it was read
+    std::optional<std::uint32_t> backlogVersion; // the state of the database in which it was read
 
     // Opens files that are read as they were again when they have changed; nothing while a Reading lives.
-    void follow();
+    void reopenIfChanged();
 
     // The number of a property, none when no record ever had it.
     std::optional<std::int64_t> propertyId(Kind kind, std::string_view name);
@@ -65,23 +65,23 @@ struct Store::Impl {
     // The value that a row holds of any property but the picture.
     Value valueOf(const RecordRow& row, std::string_view property) const;
     // The same as its bytes in the card, empty for no value; not for the id and the dates, which are not in
-    // it. Throws DamagedCard.
+    // it. Throws DamagedRecord.
     std::string_view encodedIn(const RecordRow& row, std::string_view property) const;
     // The row that a run over (id, kind, uid, creation, modification, card) stands on.
-    RecordRow rowFrom(const sql::Run& run) const;
+    RecordRow rowFrom(const sql::Statement& statement) const;
     // The values of the card alone.
-    std::map<std::string, Value> cardValues(const RecordRow& row) const;
+    std::map<std::string, Value> decodeProperties(const RecordRow& row) const;
 
     // The unique id and the kind in a column.
-    std::string uidIn(const sql::Run& run, int column) const;
-    Kind kindIn(const sql::Run& run, int column) const;
+    std::string uidIn(const sql::Statement& statement, int column) const;
+    Kind kindIn(const sql::Statement& statement, int column) const;
 
     // Makes the search indexes again from the records, in one transaction.
     void rebuildIndexes();
 
     // Reports that what the database holds makes no sense.
-    [[noreturn]] void damaged(const std::string& what) const;
-    [[noreturn]] void damaged(RowId row, const std::string& what) const;
+    [[noreturn]] void reportDamage(const std::string& what) const;
+    [[noreturn]] void reportDamage(RowId row, const std::string& what) const;
 };
 
 } // namespace addressbook

@@ -20,26 +20,26 @@ constexpr std::int64_t kTidiedPages = 64;
 constexpr std::int64_t kSmallTextIndex = 512;
 
 // Binds a term's columns in the order of its key.
-void bind(sql::Run& run, const Term& term) {
+void bind(sql::Statement& statement, const Term& term) {
     const auto word = [&](const TermWord& value) {
         if (const auto* text = std::get_if<std::string>(&value))
-            run.bindText(*text);
+            statement.bindText(*text);
         else
-            run.bindInteger(std::get<std::int64_t>(value));
+            statement.bindInteger(std::get<std::int64_t>(value));
     };
-    run.bindInteger(term.property);
+    statement.bindInteger(term.property);
     if (const auto* text = std::get_if<std::string>(&term.folded))
-        run.bindText(*text);
+        statement.bindText(*text);
     else if (const auto* whole = std::get_if<std::int64_t>(&term.folded))
-        run.bindInteger(*whole);
+        statement.bindInteger(*whole);
     else if (const auto* real = std::get_if<double>(&term.folded))
-        run.bindReal(*real);
+        statement.bindReal(*real);
     else
-        run.bindBytes({});
-    run.bindText(term.exact).bindInteger(term.record);
+        statement.bindBlob({});
+    statement.bindText(term.exact).bindInteger(term.record);
     word(term.label);
     word(term.key);
-    run.bindInteger(term.type);
+    statement.bindInteger(term.type);
 }
 
 // A number that sorts as a term's text does by its first eight bytes, or as its number does.
@@ -84,11 +84,11 @@ void runForEach(sql::Connection& connection, const char* sql, const std::vector<
                 return order < 0;
         return a.term < b.term;
     });
-    auto run = connection.run(sql);
+    auto statement = connection.prepare(sql);
     for (const Place& place : places) {
-        bind(run, *place.term);
-        run.finish();
-        run.again();
+        bind(statement, *place.term);
+        statement.exec();
+        statement.reset();
     }
 }
 
@@ -196,14 +196,14 @@ TrigramNeedle trigramNeedle(std::string_view folded) {
 
 void tidyTexts(sql::Connection& connection) {
     const bool isSmall = [&] {
-        auto pages = connection.run("SELECT count(*) FROM (SELECT 1 FROM trigram_data LIMIT ?)");
+        auto pages = connection.prepare("SELECT count(*) FROM (SELECT 1 FROM trigram_data LIMIT ?)");
         pages.bindInteger(kSmallTextIndex + 1);
         return pages.step() && pages.integer(0) <= kSmallTextIndex;
     }();
     if (isSmall)
-        connection.run("INSERT INTO trigram(trigram, rank) VALUES ('merge', ?)")
+        connection.prepare("INSERT INTO trigram(trigram, rank) VALUES ('merge', ?)")
             .bindInteger(kTidiedPages)
-            .finish();
+            .exec();
 }
 
 void IndexWriter::add(std::int64_t record, std::int64_t property, const Value& value) {
@@ -249,12 +249,12 @@ void IndexWriter::flush() {
 void IndexWriter::flushTexts() {
     // A row that does not follow the one before would make the text index write a piece of its own.
     std::sort(texts_.begin(), texts_.end());
-    auto adding = connection_.run("INSERT INTO trigram(rowid, text) VALUES (?, ?)");
-    auto removing = connection_.run("INSERT INTO trigram(trigram, rowid, text) VALUES ('delete', ?, ?)");
+    auto adding = connection_.prepare("INSERT INTO trigram(rowid, text) VALUES (?, ?)");
+    auto removing = connection_.prepare("INSERT INTO trigram(trigram, rowid, text) VALUES ('delete', ?, ?)");
     for (const Text& text : texts_) {
-        auto& run = text.added ? adding : removing;
-        run.bindInteger(text.row).bindText(text.text).finish();
-        run.again();
+        auto& statement = text.added ? adding : removing;
+        statement.bindInteger(text.row).bindText(text.text).exec();
+        statement.reset();
     }
     texts_.clear();
 }

@@ -142,7 +142,7 @@ class Reader {
             if (part < 0x80)
                 return value;
         }
-        throw DamagedCard("a number never ends");
+        throw DamagedRecord("a number never ends");
     }
     std::int64_t integer() {
         const std::uint64_t value = count();
@@ -163,14 +163,14 @@ class Reader {
             return bytes();
         const std::string_view known = wordOf(code);
         if (known.empty())
-            throw DamagedCard("a word of an unknown number");
+            throw DamagedRecord("a word of an unknown number");
         return known;
     }
     EncodedIdentifier identifier() {
         const std::uint64_t size = count();
         const EncodedIdentifier found{take(size / 2), size % 2 != 0};
         if (found.packed && !isPackedUid(found.bytes))
-            throw DamagedCard("an identifier of the wrong length");
+            throw DamagedRecord("an identifier of the wrong length");
         return found;
     }
     Value value(int depth = 0);
@@ -184,20 +184,20 @@ class Reader {
     }
     std::string_view take(std::uint64_t size) {
         if (size > rest_.size())
-            throw DamagedCard("the bytes end early");
+            throw DamagedRecord("the bytes end early");
         const std::string_view taken = rest_.substr(0, size);
         rest_.remove_prefix(size);
         return taken;
     }
     void expectEnd() const {
         if (!rest_.empty())
-            throw DamagedCard("bytes are left over");
+            throw DamagedRecord("bytes are left over");
     }
     // A number of items, each of which takes at least one byte.
     std::size_t items() {
         const std::uint64_t number = count();
         if (number > rest_.size())
-            throw DamagedCard("more items than bytes");
+            throw DamagedRecord("more items than bytes");
         return number;
     }
 
@@ -207,7 +207,7 @@ class Reader {
 
 Value Reader::value(int depth) {
     if (depth > kDeepestValue)
-        throw DamagedCard("a value is nested too deeply");
+        throw DamagedRecord("a value is nested too deeply");
     switch (static_cast<Tag>(byte())) {
     case Tag::none:
         return {};
@@ -263,12 +263,12 @@ Value Reader::value(int depth) {
         return list;
     }
     }
-    throw DamagedCard("a value of an unknown type");
+    throw DamagedRecord("a value of an unknown type");
 }
 
 void Reader::skip(int depth) {
     if (depth > kDeepestValue)
-        throw DamagedCard("a value is nested too deeply");
+        throw DamagedRecord("a value is nested too deeply");
     switch (static_cast<Tag>(byte())) {
     case Tag::none:
         return;
@@ -306,7 +306,7 @@ void Reader::skip(int depth) {
         }
         return;
     }
-    throw DamagedCard("a value of an unknown type");
+    throw DamagedRecord("a value of an unknown type");
 }
 
 // Every step is one-to-one, so that bytes which differ in one place always give different sums.
@@ -361,7 +361,7 @@ bool holdsList(std::string_view value) {
 EncodedList listIn(std::string_view value) {
     Reader reader(value);
     if (static_cast<Tag>(reader.byte()) != Tag::multiValue)
-        throw DamagedCard("a list of an unknown type");
+        throw DamagedRecord("a list of an unknown type");
     EncodedList list;
     list.primary = reader.identifier();
     const std::size_t number = reader.items();
@@ -376,15 +376,16 @@ EncodedList listIn(std::string_view value) {
     return list;
 }
 
-void checkCard(std::string_view card) {
+void verifyChecksum(std::string_view card) {
     Reader reader(card);
     const std::uint64_t sum = reader.eightBytes();
     if (checksum(card.substr(8)) != sum)
-        throw DamagedCard("its checksum is wrong");
+        throw DamagedRecord("its checksum is wrong");
 }
 
-void visitCard(std::string_view card, const std::function<void(std::string_view, std::string_view)>& visit) {
-    checkCard(card);
+void visitProperties(std::string_view card,
+                     const std::function<void(std::string_view, std::string_view)>& visit) {
+    verifyChecksum(card);
     Reader reader(card.substr(8));
     while (!reader.atEnd()) {
         const std::string_view name = reader.word();
@@ -392,8 +393,8 @@ void visitCard(std::string_view card, const std::function<void(std::string_view,
     }
 }
 
-void visitDamagedCard(std::string_view card,
-                      const std::function<void(std::string_view, std::string_view)>& visit) {
+void visitReadableProperties(std::string_view card,
+                             const std::function<void(std::string_view, std::string_view)>& visit) {
     try {
         Reader reader(card);
         reader.eightBytes();
@@ -401,12 +402,12 @@ void visitDamagedCard(std::string_view card,
             const std::string_view name = reader.word();
             visit(name, reader.bytes());
         }
-    } catch (const DamagedCard&) { // nothing behind this place can be told apart
+    } catch (const DamagedRecord&) { // nothing behind this place can be told apart
         return;
     }
 }
 
-std::optional<std::string_view> findInCard(std::string_view card, std::string_view name) {
+std::optional<std::string_view> findProperty(std::string_view card, std::string_view name) {
     const auto wanted = static_cast<std::uint64_t>(wordCode(name));
     Reader reader(card);
     reader.eightBytes(); // the checksum
@@ -420,7 +421,7 @@ std::optional<std::string_view> findInCard(std::string_view card, std::string_vi
     return std::nullopt;
 }
 
-std::string makeCard(const std::map<std::string, std::string>& values) {
+std::string encodeRecord(const std::map<std::string, std::string>& values) {
     Writer body;
     for (const auto& [name, value] : values) {
         body.word(name);

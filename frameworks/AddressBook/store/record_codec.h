@@ -18,7 +18,7 @@
 namespace addressbook {
 
 // The bytes are no card or no value.
-class DamagedCard : public std::runtime_error {
+class DamagedRecord : public std::runtime_error {
   public:
     using std::runtime_error::runtime_error;
 };
@@ -28,7 +28,7 @@ inline constexpr int kDeepestValue = 64;
 std::string encodeValue(const Value& value);
 Value decodeValue(std::string_view bytes);
 
-// Reading encoded values where they are: what is found refers to their bytes. Throws DamagedCard, also for
+// Reading encoded values where they are: what is found refers to their bytes. Throws DamagedRecord, also for
 // what would only be seen when the parts are decoded.
 
 // An identifier, perhaps packed.
@@ -54,23 +54,24 @@ bool holdsList(std::string_view value);
 EncodedList listIn(std::string_view value);
 std::optional<std::string_view> textIn(std::string_view value);
 
-// Calls [visit] with each property's name and encoded value, in the order of names. Throws DamagedCard.
-void visitCard(std::string_view card, const std::function<void(std::string_view, std::string_view)>& visit);
+// Calls [visit] with each property's name and encoded value, in the order of names. Throws DamagedRecord.
+void visitProperties(std::string_view card,
+                     const std::function<void(std::string_view, std::string_view)>& visit);
 
 // The same for what can be read in a damaged card, whatever its checksum says; some of it may be wrong.
-void visitDamagedCard(std::string_view card,
-                      const std::function<void(std::string_view, std::string_view)>& visit);
+void visitReadableProperties(std::string_view card,
+                             const std::function<void(std::string_view, std::string_view)>& visit);
 
-// Throws DamagedCard when the card's checksum is wrong.
-void checkCard(std::string_view card);
+// Throws DamagedRecord when the card's checksum is wrong.
+void verifyChecksum(std::string_view card);
 
-// The encoded value of one property, in a card that was checked. Throws DamagedCard.
-std::optional<std::string_view> findInCard(std::string_view card, std::string_view name);
+// The encoded value of one property, in a card that was checked. Throws DamagedRecord.
+std::optional<std::string_view> findProperty(std::string_view card, std::string_view name);
 
 // A card of these properties and their encoded values.
-std::string makeCard(const std::map<std::string, std::string>& values);
+std::string encodeRecord(const std::map<std::string, std::string>& values);
 
-// A list of unique ids. decodeUids throws DamagedCard.
+// A list of unique ids. decodeUids throws DamagedRecord.
 std::string encodeUids(const std::vector<std::string>& uids);
 std::vector<std::string> decodeUids(std::string_view bytes);
 

@@ -41,7 +41,7 @@ class Saver {
 
     SaveResult run() {
         if (!small_)
-            settleBacklog(impl_, index_, {});
+            flushBacklog(impl_, index_, {});
         for (const PropertyDefinition& definition : changes_.removedDefinitions)
             undefine(definition);
         for (const PropertyDefinition& definition : changes_.definitions)
@@ -58,7 +58,7 @@ class Saver {
         if (changes_.me)
             writeMe(*changes_.me);
         if (!small_)
-            settleReplaced();
+            flushReplaced();
         if (wrote_ || !changed_.empty() || !result_.deleted.empty())
             log();
         return std::move(result_);
@@ -81,7 +81,7 @@ class Saver {
     // What the search indexes do not know yet.
     void inserted(const RecordRow& row, std::string_view property, const Value& value);
     void replaced(const RecordRow& row, std::string_view property, std::string_view before);
-    void settleReplaced();
+    void flushReplaced();
 
     // What refers to records.
     void writeMembership(const MembershipChange& change);
@@ -115,10 +115,10 @@ class Saver {
 void Saver::define(const PropertyDefinition& definition) {
     if (isInternal(definition.name) || builtInType(definition.kind, definition.name) != 0)
         refuse("the property \"" + definition.name + "\" belongs to the address book itself");
-    db_.run("INSERT OR IGNORE INTO definition(property, type) VALUES (?, ?)")
+    db_.prepare("INSERT OR IGNORE INTO definition(property, type) VALUES (?, ?)")
         .bindInteger(impl_.ensureProperty(definition.kind, definition.name))
         .bindInteger(definition.type)
-        .finish();
+        .exec();
     wrote_ |= db_.changes() > 0;
 }
 
@@ -126,35 +126,36 @@ void Saver::undefine(const PropertyDefinition& definition) {
     const auto property = impl_.propertyId(definition.kind, definition.name);
     if (!property)
         return;
-    db_.run("DELETE FROM definition WHERE property = ?").bindInteger(*property).finish();
+    db_.prepare("DELETE FROM definition WHERE property = ?").bindInteger(*property).exec();
     if (db_.changes() == 0)
         return;
     wrote_ = true;
     std::vector<RowId> rows;
-    for (auto run = std::move(db_.run("SELECT DISTINCT record FROM term WHERE property = ? ORDER BY record")
-                                  .bindInteger(*property));
-         run.step();)
-        rows.push_back(run.integer(0));
+    for (auto statement =
+             std::move(db_.prepare("SELECT DISTINCT record FROM term WHERE property = ? ORDER BY record")
+                           .bindInteger(*property));
+         statement.step();)
+        rows.push_back(statement.integer(0));
     for (const RowId id : rows)
         if (const auto row = impl_.record(id))
             updateRecord(*row, {{definition.name, Value()}});
 }
 
 void Saver::removeRecord(const std::string& uid) {
-    settleReplaced();
+    flushReplaced();
     const auto row = impl_.record(uid);
     if (!row)
         return;
-    for (const auto& [name, value] : impl_.cardValues(*row))
+    for (const auto& [name, value] : impl_.decodeProperties(*row))
         if (!isInternal(name))
             index_.remove(row->id, propertyOf(*row, name), value);
     index_.remove(row->id, propertyOf(*row, property::kCreation), row->creation);
     index_.remove(row->id, propertyOf(*row, property::kModification), row->modification);
-    db_.run("DELETE FROM picture WHERE record = ?").bindInteger(row->id).finish();
-    db_.run("DELETE FROM membership WHERE parent = ?").bindInteger(row->id).finish();
-    db_.run("DELETE FROM membership WHERE member = ?").bindInteger(row->id).finish();
-    db_.run("DELETE FROM meta WHERE name = 'me' AND value = ?").bindText(uid).finish();
-    db_.run("DELETE FROM record WHERE id = ?").bindInteger(row->id).finish();
+    db_.prepare("DELETE FROM picture WHERE record = ?").bindInteger(row->id).exec();
+    db_.prepare("DELETE FROM membership WHERE parent = ?").bindInteger(row->id).exec();
+    db_.prepare("DELETE FROM membership WHERE member = ?").bindInteger(row->id).exec();
+    db_.prepare("DELETE FROM meta WHERE name = 'me' AND value = ?").bindText(uid).exec();
+    db_.prepare("DELETE FROM record WHERE id = ?").bindInteger(row->id).exec();
     result_.deleted.push_back(uid);
 }
 
@@ -173,23 +174,26 @@ void Saver::insertRecord(const RecordChange& change) {
                   .uid = change.uid,
                   .creation = changes_.time,
                   .modification = changes_.time,
-                  .card = {}};
+                  .properties = {}};
     std::map<std::string, std::string> values;
     for (const auto& [name, value] : change.values)
         if (!value.empty() && !isKept(name) && name != property::kImage)
             values.emplace(name, encodeValue(value));
-    row.card = makeCard(values);
+    row.properties = encodeRecord(values);
     if (const auto creation = change.values.find(std::string(property::kCreation));
         creation != change.values.end())
         if (const auto* date = creation->second.as<Date>())
             row.creation = *date;
     {
         const StoredUid uid(row.uid);
-        auto run = db_.run(
+        auto statement = db_.prepare(
             "INSERT OR IGNORE INTO record(kind, uid, creation, modification, card) VALUES (?, ?, ?, ?, ?)");
-        run.bindInteger(static_cast<int>(row.kind));
-        uid.bind(run);
-        run.bindReal(row.creation.seconds).bindReal(row.modification.seconds).bindBytes(row.card).finish();
+        statement.bindInteger(static_cast<int>(row.kind));
+        uid.bind(statement);
+        statement.bindReal(row.creation.seconds)
+            .bindReal(row.modification.seconds)
+            .bindBlob(row.properties)
+            .exec();
     }
     if (db_.changes() == 0)
         refuse("there is already a record " + row.uid);
@@ -210,8 +214,8 @@ void Saver::insertRecord(const RecordChange& change) {
 void Saver::updateRecord(const RecordRow& row, const std::map<std::string, Value>& values) {
     std::map<std::string, std::string> kept;
     try {
-        visitCard(row.card,
-                  [&](std::string_view name, std::string_view bytes) { kept.emplace(name, bytes); });
+        visitProperties(row.properties,
+                        [&](std::string_view name, std::string_view bytes) { kept.emplace(name, bytes); });
         for (const auto& [name, value] : values) {
             if (isKept(name))
                 continue;
@@ -230,42 +234,42 @@ void Saver::updateRecord(const RecordRow& row, const std::map<std::string, Value
             else
                 kept.insert_or_assign(name, std::move(bytes));
         }
-    } catch (const DamagedCard& error) {
-        impl_.damaged(row.id, error.what());
+    } catch (const DamagedRecord& error) {
+        impl_.reportDamage(row.id, error.what());
     }
-    const std::string card = makeCard(kept);
-    db_.run("UPDATE record SET card = ?, modification = ? WHERE id = ?")
-        .bindBytes(card)
+    const std::string card = encodeRecord(kept);
+    db_.prepare("UPDATE record SET card = ?, modification = ? WHERE id = ?")
+        .bindBlob(card)
         .bindReal(changes_.time.seconds)
         .bindInteger(row.id)
-        .finish();
+        .exec();
     updated(row);
     if (replaced_.size() >= kMostReplaced)
-        settleReplaced();
+        flushReplaced();
 }
 
 void Saver::writePicture(RowId row, const Value& value) {
     if (value.empty()) {
-        db_.run("DELETE FROM picture WHERE record = ?").bindInteger(row).finish();
+        db_.prepare("DELETE FROM picture WHERE record = ?").bindInteger(row).exec();
         return;
     }
     const auto* data = value.as<Bytes>();
     if (data == nullptr)
         refuse("a picture must be data");
-    db_.run("INSERT OR REPLACE INTO picture(record, data) VALUES (?, ?)")
+    db_.prepare("INSERT OR REPLACE INTO picture(record, data) VALUES (?, ?)")
         .bindInteger(row)
-        .bindBytes({reinterpret_cast<const char*>(data->data()), data->size()})
-        .finish();
+        .bindBlob({reinterpret_cast<const char*>(data->data()), data->size()})
+        .exec();
 }
 
 // Gives a record the date of this save.
 void Saver::touch(const RecordRow& row) {
     if (!updated(row))
         return;
-    db_.run("UPDATE record SET modification = ? WHERE id = ?")
+    db_.prepare("UPDATE record SET modification = ? WHERE id = ?")
         .bindReal(changes_.time.seconds)
         .bindInteger(row.id)
-        .finish();
+        .exec();
 }
 
 // Notes that a record gets the date of this save; false when it has had it.
@@ -292,8 +296,8 @@ void Saver::replaced(const RecordRow& row, std::string_view property, std::strin
     replaced_.try_emplace({propertyOf(row, property), row.id}, before);
 }
 
-void Saver::settleReplaced() {
-    settle(impl_, index_, replaced_);
+void Saver::flushReplaced() {
+    applyBacklog(impl_, index_, replaced_);
     replaced_.clear();
 }
 
@@ -314,17 +318,17 @@ void Saver::writeMembership(const MembershipChange& change) {
             result_.circular.push_back(change);
             return;
         }
-        db_.run("INSERT OR IGNORE INTO membership(parent, place, member, kind) VALUES "
-                "(?1, (SELECT coalesce(max(place), 0) + 1 FROM membership WHERE parent = ?1), ?2, ?3)")
+        db_.prepare("INSERT OR IGNORE INTO membership(parent, place, member, kind) VALUES "
+                    "(?1, (SELECT coalesce(max(place), 0) + 1 FROM membership WHERE parent = ?1), ?2, ?3)")
             .bindInteger(group->id)
             .bindInteger(member->id)
             .bindInteger(static_cast<int>(member->kind))
-            .finish();
+            .exec();
     } else {
-        db_.run("DELETE FROM membership WHERE member = ? AND parent = ?")
+        db_.prepare("DELETE FROM membership WHERE member = ? AND parent = ?")
             .bindInteger(member->id)
             .bindInteger(group->id)
-            .finish();
+            .exec();
     }
     if (db_.changes() > 0)
         touch(*group);
@@ -332,16 +336,16 @@ void Saver::writeMembership(const MembershipChange& change) {
 
 // Whether a group is in another one, through any number of groups, or is that one.
 bool Saver::contains(RowId group, RowId within) {
-    auto run =
-        db_.run("WITH RECURSIVE above(id) AS (VALUES (?1) UNION SELECT parent FROM membership JOIN above ON "
-                "member = above.id) SELECT 1 FROM above WHERE id = ?2");
-    run.bindInteger(within).bindInteger(group);
-    return run.step();
+    auto statement = db_.prepare(
+        "WITH RECURSIVE above(id) AS (VALUES (?1) UNION SELECT parent FROM membership JOIN above ON "
+        "member = above.id) SELECT 1 FROM above WHERE id = ?2");
+    statement.bindInteger(within).bindInteger(group);
+    return statement.step();
 }
 
 void Saver::writeMe(const std::string& uid) {
     if (uid.empty()) {
-        db_.run("DELETE FROM meta WHERE name = 'me'").finish();
+        db_.prepare("DELETE FROM meta WHERE name = 'me'").exec();
         wrote_ |= db_.changes() > 0;
         return;
     }
@@ -349,7 +353,7 @@ void Saver::writeMe(const std::string& uid) {
         return;
     if (!impl_.record(uid))
         return missing(uid);
-    db_.run("INSERT OR REPLACE INTO meta(name, value) VALUES ('me', ?)").bindText(uid).finish();
+    db_.prepare("INSERT OR REPLACE INTO meta(name, value) VALUES ('me', ?)").bindText(uid).exec();
     wrote_ = true;
 }
 
@@ -371,29 +375,29 @@ void Saver::log() {
     const std::string backlog = replaced_.empty() ? std::string() : encodeBacklog(replaced_);
     const bool leaves = !backlog.empty() && backlog.size() <= kMostBacklogBytes;
     {
-        auto run = db_.run(
+        auto statement = db_.prepare(
             "INSERT INTO change(inserted, updated, deleted, origin, replaced) VALUES (?, ?, ?, ?, ?)");
-        run.bindBytes(inserted).bindBytes(updated).bindBytes(deleted).bindBytes(mark);
+        statement.bindBlob(inserted).bindBlob(updated).bindBlob(deleted).bindBlob(mark);
         if (leaves)
-            run.bindBytes(backlog);
-        run.finish();
+            statement.bindBlob(backlog);
+        statement.exec();
     }
     result_.change = db_.lastRow();
     const bool tidies = result_.change % kSavesInBacklog == 0;
     if (tidies || !(leaves || backlog.empty()))
-        settleBacklog(impl_, index_, std::move(replaced_));
+        flushBacklog(impl_, index_, std::move(replaced_));
     if (tidies)
         tidyTexts(db_);
     if (tidies || count >= kLargeSave)
-        db_.run("DELETE FROM change WHERE id <= ?").bindInteger(result_.change - kLoggedSaves).finish();
+        db_.prepare("DELETE FROM change WHERE id <= ?").bindInteger(result_.change - kLoggedSaves).exec();
     if (count < kLargeSave)
         return;
-    db_.run("DELETE FROM change WHERE id < ?1 AND id IN (SELECT id FROM (SELECT id, "
-            "sum(length(inserted) + length(updated) + length(deleted)) OVER (ORDER BY id DESC) AS bytes "
-            "FROM change) WHERE bytes > ?2)")
+    db_.prepare("DELETE FROM change WHERE id < ?1 AND id IN (SELECT id FROM (SELECT id, "
+                "sum(length(inserted) + length(updated) + length(deleted)) OVER (ORDER BY id DESC) AS bytes "
+                "FROM change) WHERE bytes > ?2)")
         .bindInteger(result_.change)
         .bindInteger(kMostLogBytes)
-        .finish();
+        .exec();
 }
 
 } // namespace
@@ -417,7 +421,7 @@ SaveResult Store::save(const ChangeSet& changes) {
         SaveResult result = Saver(*impl_, changes).run();
         transaction.commit();
         if (result.change != 0)
-            ringBell(file());
+            notifyWatchers(file());
         return result;
     } catch (const std::length_error& error) {
         for (auto& known : impl_->propertyIds)

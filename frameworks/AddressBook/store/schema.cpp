@@ -82,8 +82,8 @@ CREATE TABLE meta (
 )";
 
 std::int64_t pragma(sql::Connection& connection, const char* sql) {
-    auto run = connection.run(sql);
-    return run.step() ? run.integer(0) : 0;
+    auto statement = connection.prepare(sql);
+    return statement.step() ? statement.integer(0) : 0;
 }
 
 // Which process made each save (processMark); null where a program of the version before wrote the row.
@@ -103,7 +103,9 @@ std::span<const Migration> migrations() {
         [](sql::Connection& connection) {
             connection.execute(kVersion1);
             const std::string unicode = unicodeVersion();
-            connection.run("INSERT INTO meta(name, value) VALUES ('unicode', ?)").bindText(unicode).finish();
+            connection.prepare("INSERT INTO meta(name, value) VALUES ('unicode', ?)")
+                .bindText(unicode)
+                .exec();
         },
         [](sql::Connection& connection) { connection.execute(kVersion2); },
         [](sql::Connection& connection) { connection.execute(kVersion3); },

@@ -19,7 +19,7 @@ namespace {
 using Rows = std::vector<RowId>;
 
 // So many records are rather looked at one by one than searching a further condition of a plan, by Plan.
-constexpr std::size_t kFewForPlan[] = {0, 20, 20, 200, 500, 2'000, 2'000, 20'000, 20'000};
+constexpr std::size_t kFewForPath[] = {0, 20, 20, 200, 500, 2'000, 2'000, 20'000, 20'000};
 // Where more than a handful are left, the values that a condition asks for may be fewer still. An index gives
 // at least so many rows in the time that it takes to look at one record; the search gives up when there are
 // more.
@@ -53,17 +53,17 @@ class Stopwatch {
     Clock::time_point start_ = Clock::now();
 };
 
-void bind(sql::Run& run, const Value& value) {
+void bind(sql::Statement& statement, const Value& value) {
     if (const auto* whole = value.as<std::int64_t>())
-        run.bindInteger(*whole);
+        statement.bindInteger(*whole);
     else if (const auto* real = value.as<double>())
-        run.bindReal(*real);
+        statement.bindReal(*real);
     else if (const auto* date = value.as<Date>())
-        run.bindReal(date->seconds);
+        statement.bindReal(date->seconds);
     else if (const auto* text = value.as<std::string>())
-        run.bindText(*text);
+        statement.bindText(*text);
     else if (const auto* bytes = value.as<Bytes>())
-        run.bindBytes({reinterpret_cast<const char*>(bytes->data()), bytes->size()});
+        statement.bindBlob({reinterpret_cast<const char*>(bytes->data()), bytes->size()});
 }
 
 // A record in the database as conditions look at it.
@@ -85,20 +85,22 @@ class StoredRecord final : public RecordView {
 class ConditionSearch {
   public:
     ConditionSearch(Store::Impl& impl, const Condition& condition, Date now, SearchStep& step)
-        : impl_(impl), matcher_(condition, now), condition_(condition), plan_(planOf(impl, matcher_)),
-          step_(step) {
-        step_.plan = plan_.plan;
-        step_.indexRows = plan_.rows;
+        : impl_(impl), matcher_(condition, now), condition_(condition),
+          lookup_(chooseAccessPath(impl, matcher_)), step_(step) {
+        step_.path = lookup_.path;
+        step_.indexRows = lookup_.rows;
     }
 
     // What is dear about a negative comparison is the list of all others.
-    Plan plan() const { return matcher_.negative() ? std::max(plan_.plan, Plan::scan) : plan_.plan; }
+    AccessPath path() const {
+        return matcher_.negative() ? std::max(lookup_.path, AccessPath::scan) : lookup_.path;
+    }
 
     // Whether findWithin() keeps to its limit: with a label or a key SQLite passes over rows by itself.
     bool countsRows() const {
-        const Plan mine = plan();
-        const bool looksUpValues =
-            mine == Plan::exact || mine == Plan::prefix || mine == Plan::range || mine == Plan::interval;
+        const AccessPath mine = path();
+        const bool looksUpValues = mine == AccessPath::exact || mine == AccessPath::prefix ||
+                                   mine == AccessPath::range || mine == AccessPath::interval;
         return looksUpValues && !condition_.label && !condition_.key;
     }
 
@@ -106,46 +108,46 @@ class ConditionSearch {
 
     // Nothing when the index of values has more than so many rows to look at.
     std::optional<Rows> findWithin(std::int64_t mostRows) {
-        if (matcher_.hopeless())
+        if (matcher_.neverMatches())
             return Rows();
         std::optional<Rows> found = positive(mostRows);
         if (!found)
             return std::nullopt;
-        Rows met = upToDate(sorted(std::move(*found)));
+        Rows hits = upToDate(sorted(std::move(*found)));
         if (!matcher_.negative())
-            return met;
+            return hits;
         Rows all = everyRow();
         step_.everyone = static_cast<std::int64_t>(all.size());
         Rows rest;
-        std::set_difference(all.begin(), all.end(), met.begin(), met.end(), std::back_inserter(rest));
+        std::set_difference(all.begin(), all.end(), hits.begin(), hits.end(), std::back_inserter(rest));
         return rest;
     }
 
   private:
     std::optional<Rows> positive(std::int64_t mostRows);
-    Rows upToDate(Rows met);
+    Rows upToDate(Rows hits);
     std::optional<Rows> terms(std::int64_t mostRows);
     Rows trigrams();
     Rows uids();
     Rows everyRow();
     bool verify(RowId row);
-    Value termValue(const sql::Run& run, int type) const;
+    Value termValue(const sql::Statement& statement, int type) const;
 
     Store::Impl& impl_;
     Matcher matcher_;
     const Condition& condition_;
-    const ConditionPlan plan_;
+    const IndexLookup lookup_;
     SearchStep& step_;
 };
 
 std::optional<Rows> ConditionSearch::positive(std::int64_t mostRows) {
-    switch (plan_.plan) {
-    case Plan::nothing:
+    switch (lookup_.path) {
+    case AccessPath::nothing:
         return Rows();
-    case Plan::uid:
-    case Plan::everyUid:
+    case AccessPath::uid:
+    case AccessPath::everyUid:
         return uids();
-    case Plan::trigram:
+    case AccessPath::trigram:
         return trigrams();
     default:
         return terms(mostRows);
@@ -153,12 +155,12 @@ std::optional<Rows> ConditionSearch::positive(std::int64_t mostRows) {
 }
 
 // What the indexes found, corrected by the values that they do not know yet.
-Rows ConditionSearch::upToDate(Rows met) {
+Rows ConditionSearch::upToDate(Rows hits) {
     const Backlog& backlog = impl_.backlog();
-    if (backlog.empty() || plan_.property == 0)
-        return met;
-    const auto first = backlog.lower_bound({plan_.property, 0});
-    const auto last = backlog.lower_bound({plan_.property + 1, 0});
+    if (backlog.empty() || lookup_.property == 0)
+        return hits;
+    const auto first = backlog.lower_bound({lookup_.property, 0});
+    const auto last = backlog.lower_bound({lookup_.property + 1, 0});
     Rows stale;
     Rows now;
     for (auto one = first; one != last; ++one) {
@@ -167,22 +169,22 @@ Rows ConditionSearch::upToDate(Rows met) {
             now.push_back(stale.back());
     }
     Rows fresh;
-    std::set_difference(met.begin(), met.end(), stale.begin(), stale.end(), std::back_inserter(fresh));
+    std::set_difference(hits.begin(), hits.end(), stale.begin(), stale.end(), std::back_inserter(fresh));
     return united(fresh, now);
 }
 
 // The term's value when it is whole and one that the Matcher can judge by itself.
-Value ConditionSearch::termValue(const sql::Run& run, int type) const {
+Value ConditionSearch::termValue(const sql::Statement& statement, int type) const {
     static const int kInteger = static_cast<int>(Value(std::int64_t{}).index());
     static const int kReal = static_cast<int>(Value(double{}).index());
     static const int kDate = static_cast<int>(Value(Date{}).index());
-    if (!run.isNumber(2))
+    if (!statement.isNumber(2))
         return {};
     if (type == kInteger)
-        return run.integer(2);
+        return statement.integer(2);
     if (type == kReal)
-        return run.real(2);
-    return type == kDate ? Value(Date{run.real(2)}) : Value();
+        return statement.real(2);
+    return type == kDate ? Value(Date{statement.real(2)}) : Value();
 }
 
 std::optional<Rows> ConditionSearch::terms(std::int64_t mostRows) {
@@ -193,22 +195,22 @@ std::optional<Rows> ConditionSearch::terms(std::int64_t mostRows) {
                                                   : std::string_view());
     const bool numeric = isNumeric(condition_.value);
     const bool caseCounts = !matcher_.facts().ignoresCase;
-    const Plan plan = plan_.plan;
+    const AccessPath path = lookup_.path;
     // What the index finds is then what is wanted, text for text.
-    const bool certain = matcher_.wantedText() && plan_.folded.size() <= kTermBytes &&
+    const bool covered = matcher_.wantedText() && lookup_.folded.size() <= kTermBytes &&
                          matcher_.wantedText()->size() <= kTermBytes &&
-                         (plan == Plan::exact || (plan == Plan::prefix && !caseCounts));
-    std::string sql = certain ? "SELECT record, type FROM term WHERE property = ?"
+                         (path == AccessPath::exact || (path == AccessPath::prefix && !caseCounts));
+    std::string sql = covered ? "SELECT record, type FROM term WHERE property = ?"
                               : "SELECT record, type, folded, exact, key FROM term WHERE property = ?";
-    switch (plan) {
-    case Plan::exact:
+    switch (path) {
+    case AccessPath::exact:
         sql += numeric || !caseCounts ? " AND folded = ?" : " AND folded = ? AND exact = ?";
         break;
-    case Plan::prefix:
-    case Plan::interval:
+    case AccessPath::prefix:
+    case AccessPath::interval:
         sql += " AND folded >= ? AND folded < ?";
         break;
-    case Plan::range:
+    case AccessPath::range:
         // Numbers sort before text.
         sql += matcher_.facts().operation == Operation::less          ? " AND folded < ?"
                : matcher_.facts().operation == Operation::lessOrEqual ? " AND folded <= ?"
@@ -225,67 +227,68 @@ std::optional<Rows> ConditionSearch::terms(std::int64_t mostRows) {
 
     const TermWord label = termWord(condition_.label ? &*condition_.label : nullptr);
     const TermWord key = termWord(condition_.key ? &*condition_.key : nullptr);
-    Rows met;
-    Rows doubtful;
-    for (const Span& span : plan_.spans) {
-        auto run = impl_.db.runText(sql);
-        run.bindInteger(plan_.property);
-        bind(run, span.low);
-        if (plan == Plan::exact && !numeric && caseCounts)
-            run.bindText(exact);
-        bind(run, span.high);
+    Rows hits;
+    Rows candidates;
+    for (const Span& span : lookup_.spans) {
+        auto statement = impl_.db.prepareText(sql);
+        statement.bindInteger(lookup_.property);
+        bind(statement, span.low);
+        if (path == AccessPath::exact && !numeric && caseCounts)
+            statement.bindText(exact);
+        bind(statement, span.high);
         for (const TermWord* word : {condition_.label ? &label : nullptr, condition_.key ? &key : nullptr}) {
             if (word == nullptr)
                 continue;
             if (const auto* text = std::get_if<std::string>(word))
-                run.bindText(*text);
+                statement.bindText(*text);
             else
-                run.bindInteger(std::get<std::int64_t>(*word));
+                statement.bindInteger(std::get<std::int64_t>(*word));
         }
-        while (run.step()) {
+        while (statement.step()) {
             if (++step_.indexRows > mostRows)
                 return std::nullopt;
-            const RowId row = run.integer(0);
-            const auto type = static_cast<int>(run.integer(1));
-            if (certain) {
-                if (type == kText || (plan == Plan::prefix && type == (kText | kCutTerm)))
-                    met.push_back(row);
+            const RowId row = statement.integer(0);
+            const auto type = static_cast<int>(statement.integer(1));
+            if (covered) {
+                if (type == kText || (path == AccessPath::prefix && type == (kText | kCutTerm)))
+                    hits.push_back(row);
                 else
-                    doubtful.push_back(row);
+                    candidates.push_back(row);
                 continue;
             }
-            const bool noField = run.isNumber(4) && run.integer(4) == 0;
+            const bool noField = statement.isNumber(4) && statement.integer(4) == 0;
             if (type == kEmptyList || (condition_.key && noField && type == kDictionary))
                 continue;
             if (condition_.value.empty()) {
-                met.push_back(row);
+                hits.push_back(row);
             } else if (type == kText) {
-                const bool meets = matcher_.wantedText() && matcher_.meetsText(run.text(3), run.text(2));
+                const bool meets =
+                    matcher_.wantedText() && matcher_.meetsText(statement.text(3), statement.text(2));
                 if (meets)
-                    met.push_back(row);
+                    hits.push_back(row);
                 else if (condition_.value.as<Dictionary>() != nullptr)
-                    doubtful.push_back(row);
-            } else if (const Value value = termValue(run, type); !value.empty()) {
+                    candidates.push_back(row);
+            } else if (const Value value = termValue(statement, type); !value.empty()) {
                 if (matcher_.meets(value))
-                    met.push_back(row);
+                    hits.push_back(row);
                 else if (condition_.value.as<Dictionary>() != nullptr)
-                    doubtful.push_back(row);
+                    candidates.push_back(row);
             } else {
-                doubtful.push_back(row);
+                candidates.push_back(row);
             }
         }
     }
-    met = sorted(std::move(met));
+    hits = sorted(std::move(hits));
     Rows verified;
-    for (const RowId row : sorted(std::move(doubtful)))
-        if (!std::binary_search(met.begin(), met.end(), row) && verify(row))
+    for (const RowId row : sorted(std::move(candidates)))
+        if (!std::binary_search(hits.begin(), hits.end(), row) && verify(row))
             verified.push_back(row);
-    met.insert(met.end(), verified.begin(), verified.end());
-    return met;
+    hits.insert(hits.end(), verified.begin(), verified.end());
+    return hits;
 }
 
 Rows ConditionSearch::trigrams() {
-    const TrigramNeedle& needle = plan_.needle;
+    const TrigramNeedle& needle = lookup_.needle;
     std::string phrase = "\"";
     for (const char c : needle.text) {
         phrase.push_back(c);
@@ -295,13 +298,13 @@ Rows ConditionSearch::trigrams() {
     phrase.push_back('"');
     const bool exact = needle.exact && matcher_.facts().ignoresCase && !condition_.label && !condition_.key;
     Rows found;
-    auto run = impl_.db.run("SELECT rowid FROM trigram WHERE trigram MATCH ? ORDER BY rowid");
-    run.bindText(phrase);
-    while (run.step()) {
+    auto statement = impl_.db.prepare("SELECT rowid FROM trigram WHERE trigram MATCH ? ORDER BY rowid");
+    statement.bindText(phrase);
+    while (statement.step()) {
         ++step_.indexRows;
-        if (run.integer(0) % kMostProperties != plan_.property)
+        if (statement.integer(0) % kMostProperties != lookup_.property)
             continue;
-        const RowId row = run.integer(0) / kMostProperties;
+        const RowId row = statement.integer(0) / kMostProperties;
         if (exact || verify(row))
             found.push_back(row);
     }
@@ -310,7 +313,7 @@ Rows ConditionSearch::trigrams() {
 
 // Unique ids that are packed are found by looking them up; the few others are looked at.
 Rows ConditionSearch::uids() {
-    const bool lookUp = plan_.plan == Plan::uid;
+    const bool lookUp = lookup_.path == AccessPath::uid;
     Rows found;
     if (lookUp) {
         ++step_.indexRows;
@@ -319,24 +322,25 @@ Rows ConditionSearch::uids() {
             found.push_back(row->id);
     }
     // Asked for the kind as well, SQLite would look through all records of it.
-    auto run = impl_.db.run(lookUp ? "SELECT id, uid, kind FROM record WHERE uid >= '' AND uid < x''"
-                                   : "SELECT id, uid, kind FROM record WHERE kind = ?");
+    auto statement =
+        impl_.db.prepare(lookUp ? "SELECT id, uid, kind FROM record WHERE uid >= '' AND uid < x''"
+                                : "SELECT id, uid, kind FROM record WHERE kind = ?");
     if (!lookUp)
-        run.bindInteger(static_cast<int>(condition_.kind));
-    while (run.step()) {
+        statement.bindInteger(static_cast<int>(condition_.kind));
+    while (statement.step()) {
         ++step_.indexRows;
-        if (impl_.kindIn(run, 2) == condition_.kind && matcher_.anyMeets(impl_.uidIn(run, 1)))
-            found.push_back(run.integer(0));
+        if (impl_.kindIn(statement, 2) == condition_.kind && matcher_.anyMeets(impl_.uidIn(statement, 1)))
+            found.push_back(statement.integer(0));
     }
     return found;
 }
 
 Rows ConditionSearch::everyRow() {
-    auto run = impl_.db.run("SELECT id FROM record WHERE kind = ? ORDER BY id");
-    run.bindInteger(static_cast<int>(condition_.kind));
+    auto statement = impl_.db.prepare("SELECT id FROM record WHERE kind = ? ORDER BY id");
+    statement.bindInteger(static_cast<int>(condition_.kind));
     Rows rows;
-    while (run.step())
-        rows.push_back(run.integer(0));
+    while (statement.step())
+        rows.push_back(statement.integer(0));
     return rows;
 }
 
@@ -355,7 +359,7 @@ class QuerySearch {
             for (const Query& child : compound->children)
                 children_.push_back(std::make_unique<QuerySearch>(impl, child, now));
             std::stable_sort(children_.begin(), children_.end(),
-                             [](const auto& a, const auto& b) { return a->plan() < b->plan(); });
+                             [](const auto& a, const auto& b) { return a->path() < b->path(); });
         } else {
             condition_.emplace(impl, std::get<Condition>(query.node), now, step_);
         }
@@ -364,17 +368,17 @@ class QuerySearch {
     QuerySearch& operator=(const QuerySearch&) = delete;
 
     // The plan that says how dear the whole is.
-    Plan plan() const {
+    AccessPath path() const {
         if (condition_)
-            return condition_->plan();
+            return condition_->path();
         if (children_.empty())
-            return all_ ? Plan::scan : Plan::nothing;
-        return all_ ? children_.front()->plan() : children_.back()->plan();
+            return all_ ? AccessPath::scan : AccessPath::nothing;
+        return all_ ? children_.front()->path() : children_.back()->path();
     }
 
     Rows find() {
         const Stopwatch watch(step_.time);
-        step_.way = SearchStep::Way::searched;
+        step_.execution = SearchStep::Execution::searched;
         Rows rows = condition_ ? condition_->find() : join();
         step_.hits = static_cast<std::int64_t>(rows.size());
         return rows;
@@ -383,7 +387,7 @@ class QuerySearch {
     // What find() did.
     SearchStep steps() const {
         SearchStep step = step_;
-        if (step.way == SearchStep::Way::searched)
+        if (step.execution == SearchStep::Execution::searched)
             for (const auto& child : children_)
                 step.parts.push_back(child->steps());
         return step;
@@ -395,13 +399,13 @@ class QuerySearch {
             return all_ ? everyRecord() : Rows();
         Rows rows = children_.front()->find();
         for (auto child = std::next(children_.begin()); child != children_.end(); ++child)
-            rows = all_ ? (*child)->among(std::move(rows)) : united(rows, (*child)->find());
+            rows = all_ ? (*child)->filter(std::move(rows)) : united(rows, (*child)->find());
         return rows;
     }
 
     // Those of [rows] that match: looked at one by one when they are few, unless a search is quicker.
-    Rows among(Rows rows) {
-        const bool few = rows.size() <= kFewForPlan[static_cast<int>(plan())];
+    Rows filter(Rows rows) {
+        const bool few = rows.size() <= kFewForPath[static_cast<int>(path())];
         if (const auto mine = few ? findAtMost(rows.size()) : find()) {
             Rows both;
             std::set_intersection(rows.begin(), rows.end(), mine->begin(), mine->end(),
@@ -411,7 +415,7 @@ class QuerySearch {
         if (rows.empty())
             return rows;
         const Stopwatch watch(step_.time);
-        step_.way = SearchStep::Way::oneByOne;
+        step_.execution = SearchStep::Execution::verified;
         step_.records = static_cast<std::int64_t>(rows.size());
         rows.erase(std::remove_if(rows.begin(), rows.end(),
                                   [&](RowId row) {
@@ -430,17 +434,17 @@ class QuerySearch {
         const Stopwatch watch(step_.time);
         auto rows = condition_->findWithin(static_cast<std::int64_t>(records * kIndexRowsForRecord));
         if (rows) {
-            step_.way = SearchStep::Way::searched;
+            step_.execution = SearchStep::Execution::searched;
             step_.hits = static_cast<std::int64_t>(rows->size());
         }
         return rows;
     }
 
     Rows everyRecord() {
-        auto run = impl_.db.run("SELECT id FROM record ORDER BY id");
+        auto statement = impl_.db.prepare("SELECT id FROM record ORDER BY id");
         Rows rows;
-        while (run.step())
-            rows.push_back(run.integer(0));
+        while (statement.step())
+            rows.push_back(statement.integer(0));
         step_.everyone = static_cast<std::int64_t>(rows.size());
         return rows;
     }
@@ -457,12 +461,12 @@ class QuerySearch {
 } // namespace
 
 std::vector<RowId> Store::search(const Query& query, Date now) const {
-    const Reading reading(*this);
+    const ReadTransaction transaction(*this);
     return QuerySearch(*impl_, query, now).find();
 }
 
 SearchStep Store::explain(const Query& query, Date now) const {
-    const Reading reading(*this);
+    const ReadTransaction transaction(*this);
     QuerySearch search(*impl_, query, now);
     search.find();
     return search.steps();

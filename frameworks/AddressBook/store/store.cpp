@@ -19,11 +19,11 @@ StoredUid::StoredUid(std::string_view uid) {
     stored_ = packed ? std::move(*packed) : std::string(uid);
 }
 
-void StoredUid::bind(sql::Run& run) const {
+void StoredUid::bind(sql::Statement& statement) const {
     if (packed_)
-        run.bindBytes(stored_);
+        statement.bindBlob(stored_);
     else
-        run.bindText(stored_);
+        statement.bindText(stored_);
 }
 
 std::string processMark() {
@@ -40,58 +40,59 @@ std::string processMark() {
     return mark.bytes;
 }
 
-Store::Impl::Impl(const std::filesystem::path& folder, Access access, std::chrono::milliseconds patience)
-    : opened(openAddressBook(folder, access, patience)), db(*opened.connection) {
+Store::Impl::Impl(const std::filesystem::path& folder, Access access, std::chrono::milliseconds busyTimeout)
+    : opened(openAddressBook(folder, access, busyTimeout)), db(*opened.connection) {
     if (opened.readOnly)
         return;
     const bool current = [this] {
-        auto run = db.run("SELECT value FROM meta WHERE name = 'unicode'");
-        return run.step() && run.text(0) == unicodeVersion();
+        auto statement = db.prepare("SELECT value FROM meta WHERE name = 'unicode'");
+        return statement.step() && statement.text(0) == unicodeVersion();
     }();
     if (!current)
         rebuildIndexes();
 }
 
 const Backlog& Store::Impl::backlog() {
-    const std::uint32_t state = db.state();
-    if (state != backlogState) {
-        backlogState.reset();
+    const std::uint32_t state = db.dataVersion();
+    if (state != backlogVersion) {
+        backlogVersion.reset();
         knownBacklog = readBacklog(*this);
-        backlogState = state;
+        backlogVersion = state;
     }
     return knownBacklog;
 }
 
 void Store::Impl::rebuildIndexes() {
     sql::Transaction transaction(db, sql::Transaction::Mode::write);
-    db.run("UPDATE change SET replaced = NULL WHERE replaced IS NOT NULL").finish();
-    db.run("DELETE FROM term").finish();
-    db.run("INSERT INTO trigram(trigram) VALUES ('delete-all')").finish();
+    db.prepare("UPDATE change SET replaced = NULL WHERE replaced IS NOT NULL").exec();
+    db.prepare("DELETE FROM term").exec();
+    db.prepare("INSERT INTO trigram(trigram) VALUES ('delete-all')").exec();
     IndexWriter index(db);
     {
-        auto run = db.run("SELECT id, kind, uid, creation, modification, card FROM record ORDER BY id");
-        while (run.step()) {
-            const RecordRow row = rowFrom(run);
+        auto statement =
+            db.prepare("SELECT id, kind, uid, creation, modification, card FROM record ORDER BY id");
+        while (statement.step()) {
+            const RecordRow row = rowFrom(statement);
             index.add(row.id, ensureProperty(row.kind, property::kCreation), row.creation);
             index.add(row.id, ensureProperty(row.kind, property::kModification), row.modification);
-            for (const auto& [name, held] : cardValues(row))
+            for (const auto& [name, held] : decodeProperties(row))
                 if (!isInternal(name))
                     index.add(row.id, ensureProperty(row.kind, name), held);
         }
     }
     index.flush();
     const std::string unicode = unicodeVersion();
-    db.run("INSERT OR REPLACE INTO meta(name, value) VALUES ('unicode', ?)").bindText(unicode).finish();
+    db.prepare("INSERT OR REPLACE INTO meta(name, value) VALUES ('unicode', ?)").bindText(unicode).exec();
     transaction.commit();
 }
 
-void Store::Impl::follow() {
-    if (!opened.snapshot || readings != 0 || !opened.snapshot->outdated())
+void Store::Impl::reopenIfChanged() {
+    if (!opened.stamp || readTransactions != 0 || !opened.stamp->outdated())
         return;
     // With no patience: who asks has the older state to go on with.
     OpenedFile now = openAddressBook(db.file().parent_path(), Access::readOnly, std::chrono::seconds(1));
     db.exchange(*now.connection);
-    opened.snapshot = std::move(now.snapshot);
+    opened.stamp = std::move(now.stamp);
     for (auto& known : propertyIds)
         known.clear();
 }
@@ -101,26 +102,26 @@ std::optional<std::int64_t> Store::Impl::propertyId(Kind kind, std::string_view 
     std::string key(name);
     if (const auto found = known.find(key); found != known.end())
         return found->second;
-    auto run = db.run("SELECT id FROM property WHERE kind = ? AND name = ?");
-    run.bindInteger(static_cast<int>(kind)).bindText(name);
-    if (!run.step())
+    auto statement = db.prepare("SELECT id FROM property WHERE kind = ? AND name = ?");
+    statement.bindInteger(static_cast<int>(kind)).bindText(name);
+    if (!statement.step())
         return std::nullopt;
-    return known.emplace(std::move(key), run.integer(0)).first->second;
+    return known.emplace(std::move(key), statement.integer(0)).first->second;
 }
 
 std::string Store::Impl::propertyName(std::int64_t id) {
-    auto run = db.run("SELECT name FROM property WHERE id = ?");
-    run.bindInteger(id);
-    return run.step() ? std::string(run.text(0)) : std::string();
+    auto statement = db.prepare("SELECT name FROM property WHERE id = ?");
+    statement.bindInteger(id);
+    return statement.step() ? std::string(statement.text(0)) : std::string();
 }
 
 std::int64_t Store::Impl::ensureProperty(Kind kind, std::string_view name) {
     if (const auto known = propertyId(kind, name))
         return *known;
-    db.run("INSERT INTO property(kind, name) VALUES (?, ?)")
+    db.prepare("INSERT INTO property(kind, name) VALUES (?, ?)")
         .bindInteger(static_cast<int>(kind))
         .bindText(name)
-        .finish();
+        .exec();
     const std::int64_t id = db.lastRow();
     if (id >= kMostProperties)
         throw StoreError(StoreError::Reason::refused,
@@ -130,8 +131,8 @@ std::int64_t Store::Impl::ensureProperty(Kind kind, std::string_view name) {
     return id;
 }
 
-Store::Store(const std::filesystem::path& folder, Access access, std::chrono::milliseconds patience)
-    : impl_(std::make_unique<Impl>(folder, access, patience)) {}
+Store::Store(const std::filesystem::path& folder, Access access, std::chrono::milliseconds busyTimeout)
+    : impl_(std::make_unique<Impl>(folder, access, busyTimeout)) {}
 
 Store::~Store() = default;
 
@@ -143,8 +144,8 @@ bool Store::readOnly() const {
     return impl_->opened.readOnly;
 }
 
-bool Store::isSnapshot() const {
-    return impl_->opened.snapshot.has_value();
+bool Store::readsWithoutLocks() const {
+    return impl_->opened.stamp.has_value();
 }
 
 bool Store::moved() const {

@@ -39,8 +39,8 @@ struct RecordRow {
     Kind kind = Kind::person;
     std::string uid;
     Date creation, modification;
-    std::string card;           // see record_codec.h
-    mutable bool sound = false; // the card's checksum was seen to be right
+    std::string properties;                      // see record_codec.h
+    mutable bool checksumVerified = false; // the checksum of `properties` was found right
 };
 
 // Why a store could not be opened, read or written. what() is one sentence that names the file and what to
@@ -127,9 +127,9 @@ class Store {
     // Opens the database in [folder]; with readWrite it makes the folder's last component and the database
     // when they are missing (for their owner only) and migrates an older schema. $ADDRESSBOOK_HOME must
     // exist: a mistyped folder is an error, not a new address book. Throws StoreError. A file or folder that
-    // may not be written is opened for reading. [patience] is how long to wait for other processes' locks.
+    // may not be written is opened for reading. [busyTimeout] is how long to wait for other processes' locks.
     explicit Store(const std::filesystem::path& folder, Access access = Access::readWrite,
-                   std::chrono::milliseconds patience = std::chrono::seconds(10));
+                   std::chrono::milliseconds busyTimeout = std::chrono::seconds(10));
     ~Store();
     Store(const Store&) = delete;
     Store& operator=(const Store&) = delete;
@@ -138,7 +138,7 @@ class Store {
     bool readOnly() const;
     // Whether it reads the files as they were, because nothing can be made beside them. lastChange() and the
     // beginning of a Reading look whether they have changed; nothing tells of it.
-    bool isSnapshot() const;
+    bool readsWithoutLocks() const;
     // Whether the file is no longer in its place: it was removed, or another one was put there.
     bool moved() const;
 
@@ -163,16 +163,16 @@ class Store {
     // two dates and the picture have none.
     std::string_view encodedValue(const RecordRow& record, std::string_view property) const;
     // Reports that such bytes make no sense.
-    [[noreturn]] void damaged(const RecordRow& record, const std::string& what) const;
+    [[noreturn]] void reportDamage(const RecordRow& record, const std::string& what) const;
 
     // While one of these lives, everything that is read from the store shows one moment, and is read faster.
     // Keep it short, and save nothing.
-    class Reading {
+    class ReadTransaction {
       public:
-        explicit Reading(const Store& store);
-        ~Reading();
-        Reading(const Reading&) = delete;
-        Reading& operator=(const Reading&) = delete;
+        explicit ReadTransaction(const Store& store);
+        ~ReadTransaction();
+        ReadTransaction(const ReadTransaction&) = delete;
+        ReadTransaction& operator=(const ReadTransaction&) = delete;
 
       private:
         const Store& store_;

@@ -18,8 +18,8 @@ namespace {
 
 namespace fs = std::filesystem;
 
-constexpr std::chrono::milliseconds kLookEvery{1000}; // where nobody tells when
-constexpr std::chrono::milliseconds kPatience{1000};
+constexpr std::chrono::milliseconds kPollEvery{1000}; // where nobody tells when
+constexpr std::chrono::milliseconds kBusyTimeout{1000};
 
 // The bell; a file that comes or goes; the end of a process that had the file open; the folder's own end.
 constexpr std::uint32_t kEvents = IN_ATTRIB | IN_CREATE | IN_MOVED_TO | IN_MOVED_FROM | IN_DELETE |
@@ -49,7 +49,7 @@ fs::path folderOf(const fs::path& file) {
 
 } // namespace
 
-void ringBell(const fs::path& file) {
+void notifyWatchers(const fs::path& file) {
     utimensat(AT_FDCWD, file.c_str(), nullptr, 0);
 }
 
@@ -77,10 +77,10 @@ void Watch::stop() {
 void Watch::run() {
     while (!stopping_) {
         const bool listening = listen(); // before looking, so that nothing falls in between
-        const bool looked = look();
-        if (listening && looked)
-            troubled_ = false;
-        wait(listening && looked, store_ && store_->isSnapshot());
+        const bool polled = poll();
+        if (listening && polled)
+            polling_ = false;
+        wait(listening && polled, store_ && store_->readsWithoutLocks());
     }
     // Closed by now, not some time later: who closes the book last tidies up its log.
     store_.reset();
@@ -98,14 +98,14 @@ bool Watch::listen() {
     const int error = errno;
     if (events >= 0)
         close(events);
-    looksBecause("The folder of the address book " + file_.string() + " cannot be watched (" +
+    startPolling("The folder of the address book " + file_.string() + " cannot be watched (" +
                  std::generic_category().message(error) +
-                 "): it is looked at for changes once a second instead.");
+                 "): it is polled at for changes once a second instead.");
     return false;
 }
 
 // Tells what is new; false when the book cannot be read just now.
-bool Watch::look() {
+bool Watch::poll() {
     try {
         const bool moved = store_ && store_->moved();
         if (moved)
@@ -115,22 +115,22 @@ bool Watch::look() {
             store_.reset();
             if (stat(file_.c_str(), &status) != 0)
                 return true; // its return is an event
-            store_ = std::make_unique<Store>(file_.parent_path(), Store::Access::readOnly, kPatience);
+            store_ = std::make_unique<Store>(file_.parent_path(), Store::Access::readOnly, kBusyTimeout);
         }
-        tell();
+        deliver();
         return true;
     } catch (const StoreError& error) {
         store_.reset();
-        looksBecause(error.what());
+        startPolling(error.what());
         return false;
     }
 }
 
-void Watch::tell() {
+void Watch::deliver() {
     const std::int64_t newest = store_->lastChange();
     if (std::exchange(replaced_, false) || newest < seen_) {
         seen_ = newest;
-        listener_.saved({newest, {}, {}, {}, false});
+        listener_.onSaved({newest, {}, {}, {}, false});
     }
     if (newest == seen_)
         return;
@@ -138,21 +138,21 @@ void Watch::tell() {
         if (stopping_)
             return;
         seen_ = change.change;
-        listener_.saved(change);
+        listener_.onSaved(change);
     }
 }
 
-void Watch::looksBecause(const std::string& reason) {
-    if (!std::exchange(troubled_, true))
-        listener_.looksInstead(reason);
+void Watch::startPolling(const std::string& reason) {
+    if (!std::exchange(polling_, true))
+        listener_.onPolling(reason);
 }
 
 // Waits for something to happen: for an event when [toldWhen], and for the time to look again when nobody
 // tells of everything.
-void Watch::wait(bool toldWhen, bool looksAnyway) {
-    std::array<pollfd, 2> awaited{pollfd{stopped_, POLLIN, 0}, pollfd{toldWhen ? events_ : -1, POLLIN, 0}};
-    const int time = toldWhen && !looksAnyway ? -1 : static_cast<int>(kLookEvery.count());
-    if (poll(awaited.data(), awaited.size(), time) <= 0)
+void Watch::wait(bool hasEvents, bool pollsAnyway) {
+    std::array<pollfd, 2> awaited{pollfd{stopped_, POLLIN, 0}, pollfd{hasEvents ? events_ : -1, POLLIN, 0}};
+    const int time = hasEvents && !pollsAnyway ? -1 : static_cast<int>(kPollEvery.count());
+    if (::poll(awaited.data(), awaited.size(), time) <= 0)
         return;
     if (awaited[1].revents != 0 && !takeEvents(events_))
         close(std::exchange(events_, -1));

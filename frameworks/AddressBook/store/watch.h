@@ -2,12 +2,12 @@
 
 // Learning of saves while they happen, those of other processes too.
 //
-// A process that saved touches the database's file once the save can be seen (ringBell): the write itself is
-// too early, for SQLite shows a save only after it was written. The kernel tells this, the end of a process
-// that was killed in between, and a file put in the book's place to whoever watches the folder. Then the
-// change log, read on a connection of the watch's own, says what happened. A book that is read as a snapshot
-// may lie on another machine's disk, of which the kernel tells nothing: it is looked at once a second as
-// well.
+// A process that saved touches the database's file once the save can be seen (notifyWatchers): the write
+// itself is too early, for SQLite shows a save only after it was written. The kernel tells this, the end of a
+// process that was killed in between, and a file put in the book's place to whoever watches the folder. Then
+// the change log, read on a connection of the watch's own, says what happened. A book that is read as a
+// snapshot may lie on another machine's disk, of which the kernel tells nothing: it is polled at once a
+// second as well.
 
 #include "frameworks/AddressBook/store/store.h"
 
@@ -21,7 +21,7 @@
 namespace addressbook {
 
 // Tells everybody who watches this database file that a save is done.
-void ringBell(const std::filesystem::path& file);
+void notifyWatchers(const std::filesystem::path& file);
 
 // A watch over one address book. One thread runs it, any other may stop it.
 class Watch {
@@ -30,10 +30,10 @@ class Watch {
     struct Listener {
         // One save: all in their order, each once. One that tells nothing of records says that anything may
         // have changed.
-        std::function<void(const LoggedChange&)> saved;
+        std::function<void(const LoggedChange&)> onSaved;
         // The kernel watches no folder (its limits are used up, or the folder is gone), or the book cannot be
         // read: until that passes, the watch looks once a second. Called with a sentence that says why.
-        std::function<void(const std::string&)> looksInstead;
+        std::function<void(const std::string&)> onPolling;
     };
 
     // Tells of all saves after number [since] to the database [file], also of those that are done already.
@@ -49,17 +49,17 @@ class Watch {
 
   private:
     bool listen();
-    bool look();
-    void tell();
-    void looksBecause(const std::string& reason);
-    void wait(bool toldWhen, bool looksAnyway);
+    bool poll();
+    void deliver();
+    void startPolling(const std::string& reason);
+    void wait(bool hasEvents, bool pollsAnyway);
 
     const std::filesystem::path file_;
     const Listener listener_;
     std::unique_ptr<Store> store_;
     std::int64_t seen_;
     bool replaced_ = false; // another file is in the book's place, and nobody was told yet
-    bool troubled_ = false; // looks once a second, and has told why
+    bool polling_ = false;  // looks once a second, and has told why
     int events_ = -1;       // the kernel's; -1 while it gives none
     int stopped_ = -1;      // readable once stop() was called
     std::atomic<bool> stopping_{false};

@@ -181,13 +181,13 @@ Matcher::Matcher(const Condition& condition, Date now)
     }
 }
 
-bool Matcher::hopeless() const {
+bool Matcher::neverMatches() const {
     return condition_.value.empty() && condition_.comparison != Comparison::equal &&
            condition_.comparison != Comparison::notEqual;
 }
 
 bool Matcher::holds(const Value& value) const {
-    return !hopeless() && anyMeets(value) != facts_.negative;
+    return !neverMatches() && anyMeets(value) != facts_.negative;
 }
 
 bool Matcher::anyMeets(const Value& value) const {

@@ -87,7 +87,7 @@ class Matcher {
 
     // Whether no record meets the condition, not even when it is negative: no wanted value, and a comparison
     // that needs one.
-    bool hopeless() const;
+    bool neverMatches() const;
 
     // The days that a comparison with an interval looks for; yearless ones in the years around this one. None
     // for other comparisons and for a wanted value that is no number.

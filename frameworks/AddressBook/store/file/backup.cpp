@@ -20,7 +20,7 @@ namespace {
 namespace fs = std::filesystem;
 using Reason = StoreError::Reason;
 
-constexpr std::chrono::seconds kPatience{10};
+constexpr std::chrono::seconds kBusyTimeout{10};
 
 fs::path folderOf(const fs::path& file) {
     return file.has_parent_path() ? file.parent_path() : fs::path(".");
@@ -32,10 +32,10 @@ fs::path folderOf(const fs::path& file) {
 
 // Looks whether the copy in the workshop is a sound address book, and counts what is in it. An older one is
 // brought up to date on the way.
-CopySummary inspect(const Workshop& workshop, const fs::path& file, const char* remedy) {
+CopySummary inspect(const StagingFolder& staging, const fs::path& file, const char* remedy) {
     std::string problem;
     try {
-        const Store store(workshop.folder());
+        const Store store(staging.folder());
         const auto problems = store.check(Store::Depth::records);
         if (problems.empty())
             return {store.count(Kind::person), store.count(Kind::group), {}};
@@ -45,17 +45,17 @@ CopySummary inspect(const Workshop& workshop, const fs::path& file, const char* 
             throw;
         problem = error.what();
     }
-    const std::string draft = workshop.draft().string();
+    const std::string draft = staging.file().string();
     for (std::size_t at; (at = problem.find(draft)) != std::string::npos;)
         problem.replace(at, draft.size(), file.string());
     fail(file, std::string("it is damaged and was not copied: ") + remedy + " (" + problem + ")");
 }
 
 // Makes the database one file that needs nothing beside it, and safe on the disk.
-void settle(const fs::path& file) {
+void makeStandalone(const fs::path& file) {
     {
         sql::Connection connection(file, databaseUri(file), SQLITE_OPEN_READWRITE | SQLITE_OPEN_URI,
-                                   kPatience);
+                                   kBusyTimeout);
         connection.execute("PRAGMA journal_mode = DELETE");
     }
     const int descriptor = open(file.c_str(), O_RDONLY | O_CLOEXEC);
@@ -86,7 +86,7 @@ bool isOpenBook(const fs::path& book, const fs::path& file) {
 } // namespace
 
 CopySummary backUp(const fs::path& folder, const fs::path& file, bool replace) {
-    const Store::Impl book(folder, Store::Access::readOnly, kPatience);
+    const Store::Impl book(folder, Store::Access::readOnly, kBusyTimeout);
     std::error_code error;
     const fs::file_status status = fs::symlink_status(file, error);
     if (isOpenBook(book.db.file(), file))
@@ -97,11 +97,11 @@ CopySummary backUp(const fs::path& folder, const fs::path& file, bool replace) {
         fail(file, "there is such a file; --force replaces it");
     if (!fs::is_directory(folderOf(file), error))
         fail(file, "its folder does not exist; make it, or name another file");
-    const Workshop workshop(folderOf(file));
-    copyDatabase(book.db, workshop.draft());
-    CopySummary summary = inspect(workshop, book.db.file(), "addressbook repair rescues what can be read");
-    settle(workshop.draft());
-    publish(workshop.draft(), file, replace);
+    const StagingFolder staging(folderOf(file));
+    copyDatabase(book.db, staging.file());
+    CopySummary summary = inspect(staging, book.db.file(), "addressbook repair rescues what can be read");
+    makeStandalone(staging.file());
+    publish(staging.file(), file, replace);
     return summary;
 }
 
@@ -115,23 +115,23 @@ CopySummary restore(const fs::path& folder, const fs::path& file) {
     if (isOpenBook(folder / kFileName, file))
         fail(file, "this is the address book itself; name its backup");
     prepareFolder(folder);
-    const Workshop workshop(folder);
+    const StagingFolder staging(folder);
     try {
         // Alone it is the whole truth, may lie where nothing can be written, and gets nothing beside it.
         const bool alone = !fs::exists(file.string() + "-wal");
         sql::Connection backup(file, databaseUri(file, alone ? "?immutable=1" : ""),
-                               SQLITE_OPEN_READONLY | SQLITE_OPEN_URI, kPatience);
+                               SQLITE_OPEN_READONLY | SQLITE_OPEN_URI, kBusyTimeout);
         if (schemaVersion(backup) > static_cast<int>(migrations().size()))
             fail(file, "it was written by a newer version; install that to restore it");
-        copyDatabase(backup, workshop.draft());
+        copyDatabase(backup, staging.file());
     } catch (const StoreError& problem) {
         if (problem.reason() == Reason::full)
             throw;
         throw BackupError(problem.what());
     }
-    CopySummary summary = inspect(workshop, file, "restore another backup");
-    HeldBook book(folder);
-    summary.kept = book.replaceBy(workshop.draft());
+    CopySummary summary = inspect(staging, file, "restore another backup");
+    LockedBook book(folder);
+    summary.kept = book.replaceWith(staging.file());
     return summary;
 }
 

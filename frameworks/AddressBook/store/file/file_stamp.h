@@ -12,10 +12,10 @@
 namespace addressbook {
 
 // The state in which a book's files were.
-class Snapshot {
+class FileStamp {
   public:
     // The state of the database [file] and what lies beside it. Take it before opening them.
-    explicit Snapshot(std::filesystem::path file);
+    explicit FileStamp(std::filesystem::path file);
 
     // Whether the same database may say something else now.
     bool outdated() const;

@@ -78,10 +78,10 @@ void requireFolder(const fs::path& folder, bool mayMake) {
 }
 
 std::unique_ptr<sql::Connection> connect(const fs::path& file, std::string_view query, int flags,
-                                         std::chrono::milliseconds patience) {
-    auto connection =
-        std::make_unique<sql::Connection>(file, databaseUri(file, query), flags | SQLITE_OPEN_URI, patience);
-    keepLogAtClose(*connection, true);
+                                         std::chrono::milliseconds busyTimeout) {
+    auto connection = std::make_unique<sql::Connection>(file, databaseUri(file, query),
+                                                        flags | SQLITE_OPEN_URI, busyTimeout);
+    keepWalAtClose(*connection, true);
     if (query == kWithoutIndex)
         connection->execute("PRAGMA locking_mode = EXCLUSIVE");
     connection->execute(
@@ -94,18 +94,18 @@ std::unique_ptr<sql::Connection> connect(const fs::path& file, std::string_view 
 // Makes an empty address book beside its place and gives it its name only when it is whole: a file of that
 // name is never half-made, whatever ends this process, and of two processes at this the second finds the
 // first one's file.
-void makeFile(const fs::path& file, std::chrono::milliseconds patience) {
-    const Workshop workshop(file.parent_path());
-    const fs::path draft = workshop.draft();
+void makeFile(const fs::path& file, std::chrono::milliseconds busyTimeout) {
+    const StagingFolder staging(file.parent_path());
+    const fs::path draft = staging.file();
     makePrivateFile(draft);
     {
         sql::Connection connection(file, databaseUri(draft), SQLITE_OPEN_READWRITE | SQLITE_OPEN_URI,
-                                   patience);
+                                   busyTimeout);
         connection.execute("PRAGMA synchronous = FULL");
         migrate(connection);
-        connection.run("INSERT INTO sqlite_sequence(name, seq) VALUES (?, random())")
-            .bindText(kBookMark)
-            .finish();
+        connection.prepare("INSERT INTO sqlite_sequence(name, seq) VALUES (?, random())")
+            .bindText(kBookId)
+            .exec();
         connection.execute("PRAGMA journal_mode = WAL"); // last, so that nothing is in the log
     }
     if (link(draft.c_str(), file.c_str()) != 0 && errno != EEXIST) {
@@ -121,37 +121,37 @@ void makeFile(const fs::path& file, std::chrono::milliseconds patience) {
 }
 
 // Saves may wait in a log whose database is gone; a new one would not be theirs.
-void requireNoLeftovers(const fs::path& file) {
+void requireNoSidecars(const fs::path& file) {
     for (const char* suffix : {"-wal", "-journal"})
-        if (hasBeside(file, suffix) && !fs::exists(file)) // else another process has just made it
+        if (hasSidecar(file, suffix) && !fs::exists(file)) // else another process has just made it
             throw StoreError(Reason::notADatabase,
                              "The address book " + file.string() + " is gone, but not " +
-                                 beside(file, suffix).filename().string() +
+                                 sidecarPath(file, suffix).filename().string() +
                                  " beside it: put the file back or restore it from a backup; to begin a new "
                                  "one, move what is left away.");
 }
 
 // A database in WAL mode needs a file beside it even to be read. Where none can be made, nobody here has it
 // open: its files are read as they are, without locks, the log with an index in memory.
-OpenedFile connectReadOnly(const fs::path& file, std::chrono::milliseconds patience) {
-    const Snapshot snapshot(file);
+OpenedFile connectReadOnly(const fs::path& file, std::chrono::milliseconds busyTimeout) {
+    const FileStamp stamp(file);
     try {
-        auto connection = connect(file, "", SQLITE_OPEN_READONLY, patience);
+        auto connection = connect(file, "", SQLITE_OPEN_READONLY, busyTimeout);
         schemaVersion(*connection);
         return {std::move(connection), true, {}};
     } catch (const StoreError& error) {
         if (error.reason() != Reason::io && error.reason() != Reason::readOnly)
             throw;
-        if (hasBeside(file, "-journal"))
+        if (hasSidecar(file, "-journal"))
             throw StoreError(Reason::readOnly,
                              "The address book " + file.string() +
                                  " was left in the middle of a save and may not be written: "
                                  "open it once where it may be written.");
-        const bool logged = hasBeside(file, "-wal");
-        if (logged && fs::exists(beside(file, "-shm")))
+        const bool logged = hasSidecar(file, "-wal");
+        if (logged && fs::exists(sidecarPath(file, "-shm")))
             throw;
-        return {connect(file, logged ? kWithoutIndex : "?immutable=1", SQLITE_OPEN_READONLY, patience), true,
-                snapshot};
+        return {connect(file, logged ? kWithoutIndex : "?immutable=1", SQLITE_OPEN_READONLY, busyTimeout),
+                true, stamp};
     }
 }
 
@@ -177,27 +177,27 @@ void requireTables(sql::Connection& connection) {
                                                    "it away to begin a new one.");
 }
 
-OpenedFile openFile(const fs::path& file, bool wantsWrite, std::chrono::milliseconds patience) {
+OpenedFile openFile(const fs::path& file, bool wantsWrite, std::chrono::milliseconds busyTimeout) {
     if (wantsWrite && isWritable(file)) {
-        requireOwnJournal(file);
+        requireJournalBelongsTo(file);
         auto connection =
-            openWithOwnLog(file, [&] { return connect(file, "", SQLITE_OPEN_READWRITE, patience); });
+            openWithCheckedWal(file, [&] { return connect(file, "", SQLITE_OPEN_READWRITE, busyTimeout); });
         requireTables(*connection);
         migrate(*connection);
         connection->execute("PRAGMA journal_mode = WAL; PRAGMA journal_size_limit = 4194304");
         return {std::move(connection), false, {}};
     }
-    if (hasBeside(file, "-journal") && isWritable(file))
-        openFile(file, true, patience); // undoes what was interrupted
-    std::optional<Snapshot> snapshot;
-    auto connection = openWithOwnLog(file, [&] {
-        OpenedFile opened = connectReadOnly(file, patience);
-        snapshot = std::move(opened.snapshot);
+    if (hasSidecar(file, "-journal") && isWritable(file))
+        openFile(file, true, busyTimeout); // undoes what was interrupted
+    std::optional<FileStamp> stamp;
+    auto connection = openWithCheckedWal(file, [&] {
+        OpenedFile opened = connectReadOnly(file, busyTimeout);
+        stamp = std::move(opened.stamp);
         return std::move(opened.connection);
     });
     requireTables(*connection);
     checkVersion(*connection);
-    return {std::move(connection), true, std::move(snapshot)};
+    return {std::move(connection), true, std::move(stamp)};
 }
 
 } // namespace
@@ -253,7 +253,8 @@ fs::path Store::defaultFolder() {
     return fs::path(home != nullptr ? home : "/") / ".local/share/AddressBook";
 }
 
-OpenedFile openAddressBook(const fs::path& folder, Store::Access mode, std::chrono::milliseconds patience) {
+OpenedFile openAddressBook(const fs::path& folder, Store::Access mode,
+                           std::chrono::milliseconds busyTimeout) {
     const bool wantsWrite = mode == Store::Access::readWrite;
     requireFolder(folder, wantsWrite);
     const fs::path file = folder / kFileName;
@@ -267,8 +268,8 @@ OpenedFile openAddressBook(const fs::path& folder, Store::Access mode, std::chro
             throw StoreError(Reason::missingFolder,
                              "There is no address book in " + folder.string() +
                                  ": import something first, or correct ADDRESSBOOK_HOME.");
-        requireNoLeftovers(file);
-        makeFile(file, patience);
+        requireNoSidecars(file);
+        makeFile(file, busyTimeout);
     } else if (!fs::is_regular_file(status) || fs::file_size(file, error) == 0) {
         throw StoreError(Reason::notADatabase,
                          "The address book " + file.string() +
@@ -277,7 +278,7 @@ OpenedFile openAddressBook(const fs::path& folder, Store::Access mode, std::chro
     }
     // A file that was replaced just when it was being opened is not the book any more.
     for (int attempt = 0; attempt < kAttempts; ++attempt)
-        if (OpenedFile opened = openFile(file, wantsWrite, patience); !opened.connection->moved())
+        if (OpenedFile opened = openFile(file, wantsWrite, busyTimeout); !opened.connection->moved())
             return opened;
     throw StoreError(Reason::io, "The address book " + file.string() +
                                      " was replaced while it was being opened: try again.");

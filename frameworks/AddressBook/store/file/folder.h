@@ -22,13 +22,13 @@ inline constexpr const char* kFileName = "AddressBook.db";
 struct OpenedFile {
     std::unique_ptr<sql::Connection> connection;
     bool readOnly = false;
-    std::optional<Snapshot> snapshot; // of files that the connection looks at no more
+    std::optional<FileStamp> stamp; // of files that the connection looks at no more
 };
 
 // Opens the database in [folder], making folder and file as Store's constructor says, and brings it to the
 // current schema. A file or folder that may not be written is opened for reading. Throws StoreError.
 OpenedFile openAddressBook(const std::filesystem::path& folder, Store::Access mode,
-                           std::chrono::milliseconds patience);
+                           std::chrono::milliseconds busyTimeout);
 
 // Makes the book's [folder] as Store's constructor says. Throws StoreError when it is not there.
 void prepareFolder(const std::filesystem::path& folder);

@@ -23,10 +23,10 @@ namespace {
 namespace fs = std::filesystem;
 using Reason = StoreError::Reason;
 
-constexpr std::chrono::seconds kPatience{10};
+constexpr std::chrono::seconds kBusyTimeout{10};
 constexpr std::size_t kPageSize = 4096; // of every address book
 
-fs::path logOf(fs::path file) {
+fs::path walOf(fs::path file) {
     file += "-wal";
     return file;
 }
@@ -56,15 +56,15 @@ class Rescue {
     void lendFirstPage();
 
     // Calls [row] with each row that can be read; false when some cannot.
-    bool scan(const std::string& sql, const std::function<void(const sql::Run&)>& row);
+    bool scan(const std::string& sql, const std::function<void(const sql::Statement&)>& row);
     // The same for a table and an order, from both ends when it breaks in the middle.
     bool scanBothWays(const std::string& select, const std::string& order,
-                      const std::function<void(const sql::Run&)>& row);
+                      const std::function<void(const sql::Statement&)>& row);
 
     void readProperties();
     void readRecords();
     void readRecord(RowId id);
-    std::string uidFor(RowId id, const sql::Run& run);
+    std::string uidFor(RowId id, const sql::Statement& statement);
     std::map<std::string, std::string> readable(std::string_view card, Kind kind) const;
     void readPicture(RowId id, const std::string& name);
     void readMemberships();
@@ -85,7 +85,7 @@ class Rescue {
 void Rescue::open() {
     if (attempt())
         return;
-    if (fs::remove(logOf(damaged_)) && attempt()) {
+    if (fs::remove(walOf(damaged_)) && attempt()) {
         lost_.emplace_back("The changes that were only in the log cannot be read.");
         return;
     }
@@ -103,10 +103,10 @@ void Rescue::open() {
 bool Rescue::attempt() {
     try {
         db_ = std::make_unique<sql::Connection>(file_, databaseUri(damaged_),
-                                                SQLITE_OPEN_READWRITE | SQLITE_OPEN_URI, kPatience);
+                                                SQLITE_OPEN_READWRITE | SQLITE_OPEN_URI, kBusyTimeout);
         // Lets SQLite read on where a file is shorter than it should be or a definition makes no sense.
         db_->execute("PRAGMA writable_schema = ON; PRAGMA cell_size_check = ON; PRAGMA trusted_schema = OFF");
-        db_->run("SELECT id, kind, uid, creation, modification, card FROM record WHERE id = 1").step();
+        db_->prepare("SELECT id, kind, uid, creation, modification, card FROM record WHERE id = 1").step();
         return true;
     } catch (const StoreError&) {
         // The record may be what is damaged: then the tables are known all the same.
@@ -132,11 +132,11 @@ void Rescue::lendFirstPage() {
 
 // Reading
 
-bool Rescue::scan(const std::string& sql, const std::function<void(const sql::Run&)>& row) {
+bool Rescue::scan(const std::string& sql, const std::function<void(const sql::Statement&)>& row) {
     try {
-        auto run = db_->runText(sql);
-        while (run.step())
-            row(run);
+        auto statement = db_->prepareText(sql);
+        while (statement.step())
+            row(statement);
         return true;
     } catch (const StoreError&) {
         return false;
@@ -144,7 +144,7 @@ bool Rescue::scan(const std::string& sql, const std::function<void(const sql::Ru
 }
 
 bool Rescue::scanBothWays(const std::string& select, const std::string& order,
-                          const std::function<void(const sql::Run&)>& row) {
+                          const std::function<void(const sql::Statement&)>& row) {
     if (scan(select + " ORDER BY " + order, row))
         return true;
     std::string backwards = order + " DESC";
@@ -155,21 +155,22 @@ bool Rescue::scanBothWays(const std::string& select, const std::string& order,
 }
 
 void Rescue::readProperties() {
-    bool whole = scanBothWays("SELECT kind, name FROM property", "id", [this](const sql::Run& run) {
-        if (const auto kind = run.integer(0); kind == 0 || kind == 1)
-            properties_[kind].emplace(run.text(1));
-    });
+    bool whole =
+        scanBothWays("SELECT kind, name FROM property", "id", [this](const sql::Statement& statement) {
+            if (const auto kind = statement.integer(0); kind == 0 || kind == 1)
+                properties_[kind].emplace(statement.text(1));
+        });
     whole &= scan("SELECT kind, name, type FROM definition JOIN property ON property.id = property "
                   "ORDER BY definition.id",
-                  [this](const sql::Run& run) {
-                      const auto kind = static_cast<Kind>(run.integer(0) & 1);
-                      const std::string name(run.text(1));
+                  [this](const sql::Statement& statement) {
+                      const auto kind = static_cast<Kind>(statement.integer(0) & 1);
+                      const std::string name(statement.text(1));
                       if (isInternal(name) || builtInType(kind, name) != 0)
                           return;
-                      made_.db.run("INSERT OR IGNORE INTO definition(property, type) VALUES (?, ?)")
+                      made_.db.prepare("INSERT OR IGNORE INTO definition(property, type) VALUES (?, ?)")
                           .bindInteger(made_.ensureProperty(kind, name))
-                          .bindInteger(run.integer(2))
-                          .finish();
+                          .bindInteger(statement.integer(2))
+                          .exec();
                   });
     if (!whole)
         lost_.emplace_back("Not all names and types of custom properties can be read.");
@@ -178,14 +179,14 @@ void Rescue::readProperties() {
 void Rescue::readRecords() {
     // Which records there were: every index tells it again.
     bool whole = scanBothWays("SELECT id, uid FROM record INDEXED BY sqlite_autoindex_record_1", "uid",
-                              [this](const sql::Run& run) {
-                                  auto& uid = uids_[run.integer(0)];
-                                  if (run.isText(1))
-                                      uid = run.text(1);
+                              [this](const sql::Statement& statement) {
+                                  auto& uid = uids_[statement.integer(0)];
+                                  if (statement.isText(1))
+                                      uid = statement.text(1);
                                   else
-                                      uid = unpackUid(run.bytes(1)).value_or("");
+                                      uid = unpackUid(statement.blob(1)).value_or("");
                               });
-    const auto note = [this](const sql::Run& run) { uids_.try_emplace(run.integer(0)); };
+    const auto note = [this](const sql::Statement& statement) { uids_.try_emplace(statement.integer(0)); };
     whole &= scanBothWays("SELECT id FROM record INDEXED BY record_kind", "kind, id", note);
     if (!scanBothWays("SELECT id FROM record NOT INDEXED", "id", note) && !whole)
         lost_.emplace_back("Records may be lost whose ids cannot be told.");
@@ -197,34 +198,34 @@ void Rescue::readRecord(RowId id) {
     std::string name = uids_[id].empty() ? "Record " + std::to_string(id) : uids_[id];
     bool found = false;
     try {
-        auto run =
-            db_->run("SELECT kind, uid, creation, modification, card FROM record NOT INDEXED WHERE id = ?");
-        run.bindInteger(id);
-        if (!run.step()) {
+        auto statement = db_->prepare(
+            "SELECT kind, uid, creation, modification, card FROM record NOT INDEXED WHERE id = ?");
+        statement.bindInteger(id);
+        if (!statement.step()) {
             lost_.push_back(name + " is lost.");
             return;
         }
-        std::int64_t kind = run.integer(0);
-        const std::string uid = uidFor(id, run);
+        std::int64_t kind = statement.integer(0);
+        const std::string uid = uidFor(id, statement);
         if (kind != 0 && kind != 1)
             kind = uid.ends_with(":ABGroup") ? 1 : 0;
         name = uid;
-        std::string card(run.bytes(4));
+        std::string card(statement.blob(4));
         try {
-            visitCard(card, [](std::string_view, std::string_view bytes) { decodeValue(bytes); });
-        } catch (const DamagedCard&) {
+            visitProperties(card, [](std::string_view, std::string_view bytes) { decodeValue(bytes); });
+        } catch (const DamagedRecord&) {
             const auto values = readable(card, static_cast<Kind>(kind));
             lost_.push_back(uid + " is damaged: " + std::to_string(values.size()) +
                             " of its values were readable; look at it.");
-            card = makeCard(values);
+            card = encodeRecord(values);
         }
         const StoredUid stored(uid);
         auto insert =
-            made_.db.run("INSERT OR IGNORE INTO record(id, kind, uid, creation, modification, card) "
-                         "VALUES (?, ?, ?, ?, ?, ?)");
+            made_.db.prepare("INSERT OR IGNORE INTO record(id, kind, uid, creation, modification, card) "
+                             "VALUES (?, ?, ?, ?, ?, ?)");
         insert.bindInteger(id).bindInteger(kind);
         stored.bind(insert);
-        insert.bindReal(run.real(2)).bindReal(run.real(3)).bindBytes(card).finish();
+        insert.bindReal(statement.real(2)).bindReal(statement.real(3)).bindBlob(card).exec();
         found = made_.db.changes() > 0;
         rescued_.emplace(id, static_cast<Kind>(kind));
         if (!found)
@@ -241,8 +242,9 @@ void Rescue::readRecord(RowId id) {
 }
 
 // The id in the row; when that is damaged, the one in the index, else a new one.
-std::string Rescue::uidFor(RowId id, const sql::Run& run) {
-    const auto own = run.isText(1) ? std::optional(std::string(run.text(1))) : unpackUid(run.bytes(1));
+std::string Rescue::uidFor(RowId id, const sql::Statement& statement) {
+    const auto own =
+        statement.isText(1) ? std::optional(std::string(statement.text(1))) : unpackUid(statement.blob(1));
     const std::string& indexed = uids_[id];
     if (own && (indexed.empty() || *own == indexed))
         return *own;
@@ -251,7 +253,7 @@ std::string Rescue::uidFor(RowId id, const sql::Run& run) {
             lost_.push_back(indexed + " had a damaged unique id, " + *own + ".");
         return indexed;
     }
-    std::string made = newUid(run.integer(0) == 1 ? Kind::group : Kind::person);
+    std::string made = newUid(statement.integer(0) == 1 ? Kind::group : Kind::person);
     lost_.push_back("Record " + std::to_string(id) + " has lost its unique id and got " + made + ".");
     return made;
 }
@@ -259,7 +261,7 @@ std::string Rescue::uidFor(RowId id, const sql::Run& run) {
 // The values in a damaged card that can be read and belong to known properties.
 std::map<std::string, std::string> Rescue::readable(std::string_view card, Kind kind) const {
     std::map<std::string, std::string> values;
-    visitDamagedCard(card, [&](std::string_view name, std::string_view bytes) {
+    visitReadableProperties(card, [&](std::string_view name, std::string_view bytes) {
         const std::string property(name);
         const bool known = builtInType(kind, property) != 0 || isInternal(property) ||
                            properties_[static_cast<int>(kind)].contains(property);
@@ -275,13 +277,13 @@ std::map<std::string, std::string> Rescue::readable(std::string_view card, Kind 
 
 void Rescue::readPicture(RowId id, const std::string& name) {
     try {
-        auto run = db_->run("SELECT data FROM picture WHERE record = ?");
-        run.bindInteger(id);
-        if (run.step())
-            made_.db.run("INSERT INTO picture(record, data) VALUES (?, ?)")
+        auto statement = db_->prepare("SELECT data FROM picture WHERE record = ?");
+        statement.bindInteger(id);
+        if (statement.step())
+            made_.db.prepare("INSERT INTO picture(record, data) VALUES (?, ?)")
                 .bindInteger(id)
-                .bindBytes(run.bytes(0))
-                .finish();
+                .bindBlob(statement.blob(0))
+                .exec();
     } catch (const StoreError& error) {
         if (error.reason() == Reason::full)
             throw;
@@ -292,17 +294,18 @@ void Rescue::readPicture(RowId id, const std::string& name) {
 void Rescue::readMemberships() {
     std::map<std::pair<RowId, std::int64_t>, RowId> members; // by group and place
     std::set<std::pair<RowId, RowId>> known;
-    const auto take = [&](const sql::Run& run) {
-        if (known.emplace(run.integer(0), run.integer(2)).second)
-            members.emplace(std::pair(run.integer(0), run.integer(1)), run.integer(2));
+    const auto take = [&](const sql::Statement& statement) {
+        if (known.emplace(statement.integer(0), statement.integer(2)).second)
+            members.emplace(std::pair(statement.integer(0), statement.integer(1)), statement.integer(2));
     };
     if (!scanBothWays("SELECT parent, place, member FROM membership NOT INDEXED", "parent, place", take)) {
         // What the index knows besides, behind the others.
         scanBothWays("SELECT parent, 1 << 40, member FROM membership INDEXED BY membership_member",
-                     "member, parent", [&](const sql::Run& run) {
-                         if (known.emplace(run.integer(0), run.integer(2)).second)
-                             members.emplace(std::pair(run.integer(0), run.integer(1) + run.integer(2)),
-                                             run.integer(2));
+                     "member, parent", [&](const sql::Statement& statement) {
+                         if (known.emplace(statement.integer(0), statement.integer(2)).second)
+                             members.emplace(
+                                 std::pair(statement.integer(0), statement.integer(1) + statement.integer(2)),
+                                 statement.integer(2));
                      });
         lost_.emplace_back("Groups may have lost members, or their order.");
     }
@@ -315,14 +318,15 @@ void Rescue::readMemberships() {
             continue;
         }
         made_.db
-            .run("WITH RECURSIVE above(id) AS (VALUES (?1) UNION SELECT parent FROM membership JOIN above ON "
-                 "member = above.id) INSERT OR IGNORE INTO membership(parent, place, member, kind) "
-                 "SELECT ?1, (SELECT coalesce(max(place), 0) + 1 FROM membership WHERE parent = ?1), ?2, ?3 "
-                 "WHERE ?2 NOT IN (SELECT id FROM above)")
+            .prepare(
+                "WITH RECURSIVE above(id) AS (VALUES (?1) UNION SELECT parent FROM membership JOIN above ON "
+                "member = above.id) INSERT OR IGNORE INTO membership(parent, place, member, kind) "
+                "SELECT ?1, (SELECT coalesce(max(place), 0) + 1 FROM membership WHERE parent = ?1), ?2, ?3 "
+                "WHERE ?2 NOT IN (SELECT id FROM above)")
             .bindInteger(place.first)
             .bindInteger(member)
             .bindInteger(static_cast<int>(record->second))
-            .finish();
+            .exec();
         dropped += made_.db.changes() > 0 ? 0 : 1;
     }
     if (dropped > 0)
@@ -331,12 +335,13 @@ void Rescue::readMemberships() {
 
 void Rescue::readMe() {
     std::string me;
-    if (!scan("SELECT value FROM meta WHERE name = 'me'", [&](const sql::Run& run) { me = run.text(0); })) {
+    if (!scan("SELECT value FROM meta WHERE name = 'me'",
+              [&](const sql::Statement& statement) { me = statement.text(0); })) {
         lost_.emplace_back("Which card is the user's own cannot be read.");
     } else if (!me.empty() && !made_.record(me)) {
         lost_.emplace_back("The user's own card is lost.");
     } else if (!me.empty()) {
-        made_.db.run("INSERT OR REPLACE INTO meta(name, value) VALUES ('me', ?)").bindText(me).finish();
+        made_.db.prepare("INSERT OR REPLACE INTO meta(name, value) VALUES ('me', ?)").bindText(me).exec();
     }
 }
 
@@ -362,19 +367,19 @@ RepairReport repair(const fs::path& folder) {
         return report;
     report.needed = true;
     std::ifstream source(file, std::ios::binary); // closed last: closing it ends the hold on the file
-    const bool foreignJournal = !hasOwnJournal(file);
-    HeldBook book(folder);
-    const Workshop workshop(folder);
+    const bool foreignJournal = !journalBelongsTo(file);
+    LockedBook book(folder);
+    const StagingFolder staging(folder);
     {
-        const fs::path damaged = workshop.folder() / "damaged";
+        const fs::path damaged = staging.folder() / "damaged";
         std::ofstream(damaged, std::ios::binary) << source.rdbuf();
         bool foreign = false;
-        if (fs::exists(logOf(file))) {
-            foreign = !hasOwnLog(file);
+        if (fs::exists(walOf(file))) {
+            foreign = !walBelongsTo(file);
             if (!foreign)
-                fs::copy_file(logOf(file), logOf(damaged));
+                fs::copy_file(walOf(file), walOf(damaged));
         }
-        Store::Impl made(workshop.folder(), Store::Access::readWrite, kPatience);
+        Store::Impl made(staging.folder(), Store::Access::readWrite, kBusyTimeout);
         report.lost = Rescue(file, damaged, made).run();
         if (foreign)
             report.lost.emplace_back("The log beside the file belongs to another and is left out.");
@@ -382,7 +387,7 @@ RepairReport repair(const fs::path& folder) {
             report.lost.emplace_back("The journal beside the file belongs to another and is left out.");
     }
     {
-        const Store made(workshop.folder());
+        const Store made(staging.folder());
         if (const auto problems = made.check(Store::Depth::records); !problems.empty())
             throw StoreError(Reason::damaged, "The address book " + file.string() + " cannot be repaired (" +
                                                   problems.front() + "): restore it from a backup.");
@@ -393,7 +398,7 @@ RepairReport repair(const fs::path& folder) {
         throw StoreError(Reason::damaged, "The address book " + file.string() +
                                               " cannot be repaired, no record in it can be read: restore it "
                                               "from a backup.");
-    report.kept = book.replaceBy(workshop.draft());
+    report.kept = book.replaceWith(staging.file());
     return report;
 }
 

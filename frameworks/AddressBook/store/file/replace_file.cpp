@@ -19,15 +19,15 @@ namespace {
 namespace fs = std::filesystem;
 using Reason = StoreError::Reason;
 
-constexpr std::chrono::seconds kPatience{10};
+constexpr std::chrono::seconds kBusyTimeout{10};
 // What SQLite keeps beside a database and would take for part of whatever lies there.
 constexpr const char* kCompanions[] = {"-wal", "-journal", "-shm"};
 constexpr const char* kKept[] = {"", "-wal", "-journal"};
 
 // Keeps every SQLite from opening a database: all of them take this byte for a moment before they read.
-class Barrier {
+class PendingByteLock {
   public:
-    explicit Barrier(const fs::path& file) : descriptor_(open(file.c_str(), O_RDWR | O_CLOEXEC)) {
+    explicit PendingByteLock(const fs::path& file) : descriptor_(open(file.c_str(), O_RDWR | O_CLOEXEC)) {
         constexpr off_t kPendingByte = 0x40000000;
         struct flock lock {};
         lock.l_type = F_WRLCK;
@@ -40,16 +40,16 @@ class Barrier {
             throw systemError("Could not prepare the file", file, error, "check the disk and try again");
         }
     }
-    ~Barrier() { close(descriptor_); }
-    Barrier(const Barrier&) = delete;
-    Barrier& operator=(const Barrier&) = delete;
+    ~PendingByteLock() { close(descriptor_); }
+    PendingByteLock(const PendingByteLock&) = delete;
+    PendingByteLock& operator=(const PendingByteLock&) = delete;
 
   private:
     int descriptor_;
 };
 
 // A second name for the file; a copy where the file system has no links.
-void keep(const fs::path& file, const fs::path& name) {
+void keepCopy(const fs::path& file, const fs::path& name) {
     if (link(file.c_str(), name.c_str()) == 0 || errno == ENOENT)
         return;
     std::error_code error;
@@ -72,7 +72,7 @@ fs::path keptName(const fs::path& file) {
     const auto taken = [&] {
         struct stat status {};
         for (const char* suffix : kKept)
-            if (lstat(beside(name, suffix).c_str(), &status) == 0)
+            if (lstat(sidecarPath(name, suffix).c_str(), &status) == 0)
                 return true;
         return false;
     };
@@ -93,7 +93,7 @@ void removeOld(const fs::path& folder, const std::string& name) {
 
 } // namespace
 
-Workshop::Workshop(const fs::path& folder) {
+StagingFolder::StagingFolder(const fs::path& folder) {
     const std::string name = std::string(".") + kFileName + "-";
     removeOld(folder, name);
     std::string pattern = (folder / (name + "XXXXXX")).string();
@@ -103,18 +103,18 @@ Workshop::Workshop(const fs::path& folder) {
     folder_ = pattern;
 }
 
-Workshop::~Workshop() {
+StagingFolder::~StagingFolder() {
     std::error_code ignored;
     fs::remove_all(folder_, ignored);
 }
 
-fs::path Workshop::draft() const {
+fs::path StagingFolder::file() const {
     return folder_ / kFileName;
 }
 
 void copyDatabase(const sql::Connection& from, const fs::path& to) {
     makePrivateFile(to);
-    const sql::Connection copy(to, databaseUri(to), SQLITE_OPEN_READWRITE | SQLITE_OPEN_URI, kPatience);
+    const sql::Connection copy(to, databaseUri(to), SQLITE_OPEN_READWRITE | SQLITE_OPEN_URI, kBusyTimeout);
     sqlite3_backup* work = sqlite3_backup_init(copy.handle(), "main", from.handle(), "main");
     if (work == nullptr)
         copy.fail(sqlite3_extended_errcode(copy.handle()));
@@ -123,15 +123,15 @@ void copyDatabase(const sql::Connection& from, const fs::path& to) {
         (code == SQLITE_FULL || (code & 0xFF) == SQLITE_IOERR ? copy : from).fail(code);
 }
 
-HeldBook::HeldBook(const fs::path& folder) : file_(folder / kFileName) {
+LockedBook::LockedBook(const fs::path& folder) : file_(folder / kFileName) {
     std::error_code error;
     if (const fs::path real = fs::canonical(file_, error); !error)
         file_ = real; // the book may be a symbolic link
-    if (!fs::is_regular_file(file_, error) || !hasOwnJournal(file_))
+    if (!fs::is_regular_file(file_, error) || !journalBelongsTo(file_))
         return; // to open it would write the journal over it
     try {
         auto connection = std::make_unique<sql::Connection>(
-            file_, databaseUri(file_), SQLITE_OPEN_READWRITE | SQLITE_OPEN_URI, kPatience);
+            file_, databaseUri(file_), SQLITE_OPEN_READWRITE | SQLITE_OPEN_URI, kBusyTimeout);
         // A log that is not this database's must not be written into it.
         sqlite3_db_config(connection->handle(), SQLITE_DBCONFIG_NO_CKPT_ON_CLOSE, 1, nullptr);
         connection->execute("BEGIN IMMEDIATE");
@@ -143,33 +143,34 @@ HeldBook::HeldBook(const fs::path& folder) : file_(folder / kFileName) {
 }
 
 // Takes the log over into the database: closing it does so, too, but says nothing when it cannot.
-void HeldBook::settle(const fs::path& draft) const {
+void LockedBook::checkpoint(const fs::path& draft) const {
     {
         sql::Connection connection(file_, databaseUri(draft), SQLITE_OPEN_READWRITE | SQLITE_OPEN_URI,
-                                   kPatience);
+                                   kBusyTimeout);
         connection.execute("PRAGMA synchronous = FULL; PRAGMA wal_checkpoint(TRUNCATE)");
     }
-    if (hasBeside(draft, "-wal") || hasBeside(draft, "-journal"))
+    if (hasSidecar(draft, "-wal") || hasSidecar(draft, "-journal"))
         throw StoreError(Reason::io,
                          "The address book " + file_.string() +
                              " was not replaced, for what is to replace it could not be written as "
                              "a whole: check the disk and try again.");
 }
 
-fs::path HeldBook::replaceBy(const fs::path& draft) {
+fs::path LockedBook::replaceWith(const fs::path& draft) {
     fs::path kept;
-    settle(draft);
-    const Barrier barrier(draft); // until the old log is away, which the new database would take for its own
+    checkpoint(draft);
+    const PendingByteLock lock(
+        draft); // until the old log is away, which the new database would take for its own
     const fs::path name = keptName(file_);
     for (const char* suffix : kKept) // a log whose file is gone may be wanted as well
-        if (hasBeside(file_, suffix)) {
-            keep(beside(file_, suffix), beside(name, suffix));
+        if (hasSidecar(file_, suffix)) {
+            keepCopy(sidecarPath(file_, suffix), sidecarPath(name, suffix));
             kept = name;
         }
     if (std::rename(draft.c_str(), file_.c_str()) != 0)
         throw systemError("Could not replace the address book", file_, errno, "check its folder");
     for (const char* suffix : kCompanions)
-        unlink(beside(file_, suffix).c_str());
+        unlink(sidecarPath(file_, suffix).c_str());
     syncFolder(file_.parent_path());
     return kept;
 }

@@ -11,17 +11,17 @@ namespace addressbook {
 
 // A folder for its owner only, in which a database is made beside the place where it will be; it goes with
 // everything that is left in it. What a killed process left is removed by the next one a day later.
-class Workshop {
+class StagingFolder {
   public:
     // A new folder in [folder]. Throws StoreError.
-    explicit Workshop(const std::filesystem::path& folder);
-    ~Workshop();
-    Workshop(const Workshop&) = delete;
-    Workshop& operator=(const Workshop&) = delete;
+    explicit StagingFolder(const std::filesystem::path& folder);
+    ~StagingFolder();
+    StagingFolder(const StagingFolder&) = delete;
+    StagingFolder& operator=(const StagingFolder&) = delete;
 
     const std::filesystem::path& folder() const { return folder_; }
     // The database in it, under the name of an address book.
-    std::filesystem::path draft() const;
+    std::filesystem::path file() const;
 
   private:
     std::filesystem::path folder_;
@@ -33,18 +33,18 @@ void copyDatabase(const sql::Connection& from, const std::filesystem::path& to);
 
 // While it lives, nobody saves in the address book in [folder]; a book too damaged to be opened is held by
 // nobody. Throws StoreError when another program does not let go of it.
-class HeldBook {
+class LockedBook {
   public:
-    explicit HeldBook(const std::filesystem::path& folder);
+    explicit LockedBook(const std::filesystem::path& folder);
 
     // Puts the database [draft], which must be closed, into the book's place in one step. What was
     // there stays in the folder under a name with the date; answers it, or nothing when there was no book.
     // Programs that have the book open see that it was replaced (Store::moved). Throws StoreError, and then
     // the old book is in its place.
-    std::filesystem::path replaceBy(const std::filesystem::path& draft);
+    std::filesystem::path replaceWith(const std::filesystem::path& draft);
 
   private:
-    void settle(const std::filesystem::path& draft) const;
+    void checkpoint(const std::filesystem::path& draft) const;
 
     std::filesystem::path file_;
     std::unique_ptr<sql::Connection> connection_; // the transaction ends with it

@@ -27,12 +27,12 @@ struct Mark {
 
 Mark markOf(sql::Connection& connection) {
     Mark mark;
-    auto run = connection.run("SELECT name, seq FROM sqlite_sequence");
-    while (run.step()) {
-        if (run.text(0) == "change")
-            mark.saves = run.integer(1);
-        else if (run.text(0) == kBookMark)
-            mark.book = run.integer(1);
+    auto statement = connection.prepare("SELECT name, seq FROM sqlite_sequence");
+    while (statement.step()) {
+        if (statement.text(0) == "change")
+            mark.saves = statement.integer(1);
+        else if (statement.text(0) == kBookId)
+            mark.book = statement.integer(1);
     }
     return mark;
 }
@@ -48,18 +48,18 @@ std::optional<Mark> markWithin(const fs::path& file) {
     }
 }
 
-std::optional<Mark> markWithoutLog(const fs::path& file) {
-    return hasBeside(file, "-wal") ? markWithin(file) : std::nullopt;
+std::optional<Mark> markWithoutWal(const fs::path& file) {
+    return hasSidecar(file, "-wal") ? markWithin(file) : std::nullopt;
 }
 
-bool isOwnLog(sql::Connection& connection, const Mark& alone) {
+bool isWalOf(sql::Connection& connection, const Mark& alone) {
     const Mark now = markOf(connection); // no earlier than the other
     return now.book == alone.book && now.saves >= alone.saves;
 }
 
 [[noreturn]] void refuse(const fs::path& file, const char* what, const char* suffix) {
     throw StoreError(Reason::damaged, "The address book " + file.string() + " is damaged (the " + what +
-                                          " beside it, " + beside(file, suffix).filename().string() +
+                                          " beside it, " + sidecarPath(file, suffix).filename().string() +
                                           ", belongs to another file or to an older state): repair it, or "
                                           "restore it from a backup.");
 }
@@ -72,30 +72,30 @@ ino_t identityOf(const fs::path& file) {
 
 } // namespace
 
-fs::path beside(fs::path file, const char* suffix) {
+fs::path sidecarPath(fs::path file, const char* suffix) {
     file += suffix;
     return file;
 }
 
-bool hasBeside(const fs::path& file, const char* suffix) {
+bool hasSidecar(const fs::path& file, const char* suffix) {
     std::error_code error;
-    const auto size = fs::file_size(beside(file, suffix), error);
+    const auto size = fs::file_size(sidecarPath(file, suffix), error);
     return !error && size != 0;
 }
 
-void keepLogAtClose(const sql::Connection& connection, bool keep) {
+void keepWalAtClose(const sql::Connection& connection, bool keep) {
     sqlite3_db_config(connection.handle(), SQLITE_DBCONFIG_NO_CKPT_ON_CLOSE, keep ? 1 : 0, nullptr);
 }
 
 std::unique_ptr<sql::Connection>
-openWithOwnLog(const fs::path& file, const std::function<std::unique_ptr<sql::Connection>()>& open) {
+openWithCheckedWal(const fs::path& file, const std::function<std::unique_ptr<sql::Connection>()>& open) {
     for (int attempt = 0; attempt < kAttempts; ++attempt) {
         const ino_t identity = identityOf(file);
-        const auto alone = markWithoutLog(file);
+        const auto alone = markWithoutWal(file);
         try {
             auto connection = open();
-            if (!alone || isOwnLog(*connection, *alone)) {
-                keepLogAtClose(*connection, false);
+            if (!alone || isWalOf(*connection, *alone)) {
+                keepWalAtClose(*connection, false);
                 return connection;
             }
         } catch (const StoreError& error) {
@@ -109,31 +109,31 @@ openWithOwnLog(const fs::path& file, const std::function<std::unique_ptr<sql::Co
                                      " was replaced while it was being opened: try again.");
 }
 
-bool hasOwnLog(const fs::path& file) {
+bool walBelongsTo(const fs::path& file) {
     try {
-        openWithOwnLog(file, [&] {
+        openWithCheckedWal(file, [&] {
             auto connection = std::make_unique<sql::Connection>(
                 file, databaseUri(file), SQLITE_OPEN_READONLY | SQLITE_OPEN_URI, std::chrono::seconds(10));
-            keepLogAtClose(*connection, true);
+            keepWalAtClose(*connection, true);
             return connection;
         });
         return true;
     } catch (const StoreError& error) {
-        return error.reason() != Reason::damaged || !markWithoutLog(file);
+        return error.reason() != Reason::damaged || !markWithoutWal(file);
     }
 }
 
-bool hasOwnJournal(const fs::path& file) {
-    if (!hasBeside(file, "-journal"))
+bool journalBelongsTo(const fs::path& file) {
+    if (!hasSidecar(file, "-journal"))
         return true;
     const auto alone = markWithin(file);
     if (!alone)
         return true; // what is half written says nothing
-    const Workshop workshop(file.parent_path());
+    const StagingFolder staging(file.parent_path());
     try {
-        fs::copy_file(file, workshop.draft());
-        fs::copy_file(beside(file, "-journal"), beside(workshop.draft(), "-journal"));
-        sql::Connection undone(file, databaseUri(workshop.draft()), SQLITE_OPEN_READWRITE | SQLITE_OPEN_URI,
+        fs::copy_file(file, staging.file());
+        fs::copy_file(sidecarPath(file, "-journal"), sidecarPath(staging.file(), "-journal"));
+        sql::Connection undone(file, databaseUri(staging.file()), SQLITE_OPEN_READWRITE | SQLITE_OPEN_URI,
                                std::chrono::milliseconds(0));
         const Mark then = markOf(undone);
         return then.book == alone->book && then.saves >= alone->saves - 1; // it undoes one save
@@ -149,8 +149,8 @@ bool hasOwnJournal(const fs::path& file) {
     }
 }
 
-void requireOwnJournal(const fs::path& file) {
-    if (!hasOwnJournal(file))
+void requireJournalBelongsTo(const fs::path& file) {
+    if (!journalBelongsTo(file))
         refuse(file, "journal", "-journal");
 }
 

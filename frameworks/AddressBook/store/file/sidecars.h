@@ -14,31 +14,31 @@
 namespace addressbook {
 
 // In sqlite_sequence, which every save writes, with a number that is this book's own; no table of that name.
-inline constexpr std::string_view kBookMark = "book";
+inline constexpr std::string_view kBookId = "book";
 
 // The file beside a database file, "-wal" for instance.
-std::filesystem::path beside(std::filesystem::path file, const char* suffix);
+std::filesystem::path sidecarPath(std::filesystem::path file, const char* suffix);
 
 // Whether there is such a file, and something in it.
-bool hasBeside(const std::filesystem::path& file, const char* suffix);
+bool hasSidecar(const std::filesystem::path& file, const char* suffix);
 
 // Whether the last connection that closes leaves the log as it is.
-void keepLogAtClose(const sql::Connection& connection, bool keep);
+void keepWalAtClose(const sql::Connection& connection, bool keep);
 
 // Opens a file by [open], whose connection keeps the log at its close, and refuses a log that is not the
 // file's own before anything of it gets into the file. Throws StoreError.
 std::unique_ptr<sql::Connection>
-openWithOwnLog(const std::filesystem::path& file,
-               const std::function<std::unique_ptr<sql::Connection>()>& open);
+openWithCheckedWal(const std::filesystem::path& file,
+                   const std::function<std::unique_ptr<sql::Connection>()>& open);
 
 // Whether the log beside a database file is its own. What cannot be read is taken for its own.
-bool hasOwnLog(const std::filesystem::path& file);
+bool walBelongsTo(const std::filesystem::path& file);
 
 // The same of the journal, which SQLite writes over the file when it opens that. Throws StoreError when that
 // cannot be found out.
-bool hasOwnJournal(const std::filesystem::path& file);
+bool journalBelongsTo(const std::filesystem::path& file);
 
 // Throws StoreError when the journal is not the file's own.
-void requireOwnJournal(const std::filesystem::path& file);
+void requireJournalBelongsTo(const std::filesystem::path& file);
 
 } // namespace addressbook

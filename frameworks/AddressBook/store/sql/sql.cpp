@@ -49,26 +49,26 @@ Failure failureOf(int code) {
 
 } // namespace
 
-Run::~Run() {
+Statement::~Statement() {
     if (statement_ != nullptr) {
         sqlite3_reset(statement_);
         sqlite3_clear_bindings(statement_);
     }
 }
 
-Run& Run::bindInteger(std::int64_t value) {
+Statement& Statement::bindInteger(std::int64_t value) {
     if (const int code = sqlite3_bind_int64(statement_, ++bound_, value); code != SQLITE_OK)
         connection_.fail(code);
     return *this;
 }
 
-Run& Run::bindReal(double value) {
+Statement& Statement::bindReal(double value) {
     if (const int code = sqlite3_bind_double(statement_, ++bound_, value); code != SQLITE_OK)
         connection_.fail(code);
     return *this;
 }
 
-Run& Run::bindText(std::string_view value) {
+Statement& Statement::bindText(std::string_view value) {
     const char* data = value.data() != nullptr ? value.data() : "";
     if (const int code =
             sqlite3_bind_text64(statement_, ++bound_, data, value.size(), SQLITE_STATIC, SQLITE_UTF8);
@@ -77,7 +77,7 @@ Run& Run::bindText(std::string_view value) {
     return *this;
 }
 
-Run& Run::bindBytes(std::string_view value) {
+Statement& Statement::bindBlob(std::string_view value) {
     const char* data = value.data() != nullptr ? value.data() : "";
     if (const int code = sqlite3_bind_blob64(statement_, ++bound_, data, value.size(), SQLITE_STATIC);
         code != SQLITE_OK)
@@ -85,54 +85,54 @@ Run& Run::bindBytes(std::string_view value) {
     return *this;
 }
 
-bool Run::step() {
+bool Statement::step() {
     const int code = sqlite3_step(statement_);
     if (code != SQLITE_ROW && code != SQLITE_DONE)
         connection_.fail(code);
     return code == SQLITE_ROW;
 }
 
-void Run::finish() {
+void Statement::exec() {
     while (step()) {
     }
 }
 
-void Run::again() {
+void Statement::reset() {
     sqlite3_reset(statement_);
     bound_ = 0;
 }
 
-bool Run::isNull(int column) const {
+bool Statement::isNull(int column) const {
     return sqlite3_column_type(statement_, column) == SQLITE_NULL;
 }
-bool Run::isText(int column) const {
+bool Statement::isText(int column) const {
     return sqlite3_column_type(statement_, column) == SQLITE_TEXT;
 }
-bool Run::isReal(int column) const {
+bool Statement::isReal(int column) const {
     return sqlite3_column_type(statement_, column) == SQLITE_FLOAT;
 }
-bool Run::isNumber(int column) const {
+bool Statement::isNumber(int column) const {
     const int type = sqlite3_column_type(statement_, column);
     return type == SQLITE_FLOAT || type == SQLITE_INTEGER;
 }
-std::int64_t Run::integer(int column) const {
+std::int64_t Statement::integer(int column) const {
     return sqlite3_column_int64(statement_, column);
 }
-double Run::real(int column) const {
+double Statement::real(int column) const {
     return sqlite3_column_double(statement_, column);
 }
-std::string_view Run::text(int column) const {
+std::string_view Statement::text(int column) const {
     const auto* data = reinterpret_cast<const char*>(sqlite3_column_text(statement_, column));
     return {data != nullptr ? data : "", static_cast<std::size_t>(sqlite3_column_bytes(statement_, column))};
 }
-std::string_view Run::bytes(int column) const {
+std::string_view Statement::blob(int column) const {
     const auto* data = static_cast<const char*>(sqlite3_column_blob(statement_, column));
     return {data != nullptr ? data : "", static_cast<std::size_t>(sqlite3_column_bytes(statement_, column))};
 }
 
 Connection::Connection(std::filesystem::path file, const std::string& uri, int flags,
-                       std::chrono::milliseconds patience)
-    : file_(std::move(file)), patience_(patience) {
+                       std::chrono::milliseconds busyTimeout)
+    : file_(std::move(file)), busyTimeout_(busyTimeout) {
     const int code =
         sqlite3_open_v2(uri.c_str(), &handle_, flags | SQLITE_OPEN_NOMUTEX | SQLITE_OPEN_EXRESCODE, nullptr);
     if (code != SQLITE_OK) {
@@ -150,7 +150,7 @@ int Connection::waitForLock(void* connection, int attempt) {
     const auto now = std::chrono::steady_clock::now();
     if (attempt == 0)
         self.waitsSince_ = now;
-    if (now - self.waitsSince_ >= self.patience_)
+    if (now - self.waitsSince_ >= self.busyTimeout_)
         return 0;
     thread_local std::minstd_rand random{std::random_device{}()};
     const std::uint_fast32_t longest = 1000 + 500 * static_cast<std::uint_fast32_t>(std::min(attempt, 8));
@@ -168,7 +168,7 @@ Connection::~Connection() {
 
 void Connection::exchange(Connection& other) {
     std::swap(file_, other.file_);
-    std::swap(patience_, other.patience_);
+    std::swap(busyTimeout_, other.busyTimeout_);
     std::swap(handle_, other.handle_);
     std::swap(literals_, other.literals_);
     std::swap(texts_, other.texts_);
@@ -182,17 +182,17 @@ void Connection::execute(const std::string& statements) {
         fail(code);
 }
 
-Run Connection::run(const char* sql) {
+Statement Connection::prepare(const char* sql) {
     sqlite3_stmt*& statement = literals_[sql];
     if (statement == nullptr)
-        statement = prepare(sql);
+        statement = compile(sql);
     return {*this, statement};
 }
 
-Run Connection::runText(const std::string& sql) {
+Statement Connection::prepareText(const std::string& sql) {
     sqlite3_stmt*& statement = texts_[sql];
     if (statement == nullptr)
-        statement = prepare(sql);
+        statement = compile(sql);
     return {*this, statement};
 }
 
@@ -204,14 +204,14 @@ int Connection::changes() const {
     return sqlite3_changes(handle_);
 }
 
-std::uint32_t Connection::state() {
+std::uint32_t Connection::dataVersion() {
     if (sqlite3_txn_state(handle_, "main") == SQLITE_TXN_NONE)
-        run("SELECT 1 FROM meta").step(); // begins to read
-    std::uint32_t state = 0;
-    if (const int code = sqlite3_file_control(handle_, "main", SQLITE_FCNTL_DATA_VERSION, &state);
+        prepare("SELECT 1 FROM meta").step(); // begins to read
+    std::uint32_t version = 0;
+    if (const int code = sqlite3_file_control(handle_, "main", SQLITE_FCNTL_DATA_VERSION, &version);
         code != SQLITE_OK)
         fail(code);
-    return state;
+    return version;
 }
 
 bool Connection::moved() const {
@@ -228,7 +228,7 @@ void Connection::fail(int code) const {
                                          detail + "): " + failure.remedy + ".");
 }
 
-sqlite3_stmt* Connection::prepare(std::string_view sql) {
+sqlite3_stmt* Connection::compile(std::string_view sql) {
     sqlite3_stmt* statement = nullptr;
     const int code = sqlite3_prepare_v3(handle_, sql.data(), static_cast<int>(sql.size()),
                                         SQLITE_PREPARE_PERSISTENT, &statement, nullptr);
@@ -238,7 +238,7 @@ sqlite3_stmt* Connection::prepare(std::string_view sql) {
 }
 
 Transaction::Transaction(Connection& connection, Mode mode) : connection_(connection) {
-    connection_.run(mode == Mode::write ? "BEGIN IMMEDIATE" : "BEGIN").finish();
+    connection_.prepare(mode == Mode::write ? "BEGIN IMMEDIATE" : "BEGIN").exec();
 }
 
 Transaction::~Transaction() {
@@ -248,7 +248,7 @@ Transaction::~Transaction() {
 }
 
 void Transaction::commit() {
-    connection_.run("COMMIT").finish();
+    connection_.prepare("COMMIT").exec();
     open_ = false;
 }
 

@@ -22,27 +22,28 @@ class Connection;
 
 // One run of a prepared statement; its end makes the statement ready for the next. Bound text and bytes are
 // not copied: they must live as long as the run. Columns live until the next step.
-class Run {
+class Statement {
   public:
-    Run(Connection& connection, sqlite3_stmt* statement) : connection_(connection), statement_(statement) {}
-    Run(Run&& other) noexcept
+    Statement(Connection& connection, sqlite3_stmt* statement)
+        : connection_(connection), statement_(statement) {}
+    Statement(Statement&& other) noexcept
         : connection_(other.connection_), statement_(std::exchange(other.statement_, nullptr)) {}
-    Run(const Run&) = delete;
-    Run& operator=(const Run&) = delete;
-    ~Run();
+    Statement(const Statement&) = delete;
+    Statement& operator=(const Statement&) = delete;
+    ~Statement();
 
     // Binds the next parameter.
-    Run& bindInteger(std::int64_t value);
-    Run& bindReal(double value); // NaN becomes null
-    Run& bindText(std::string_view value);
-    Run& bindBytes(std::string_view value);
+    Statement& bindInteger(std::int64_t value);
+    Statement& bindReal(double value); // NaN becomes null
+    Statement& bindText(std::string_view value);
+    Statement& bindBlob(std::string_view value);
 
     // Steps to the next row; false at the end.
     bool step();
     // Steps to the end, rows or none.
-    void finish();
+    void exec();
     // Makes the statement ready for another run with other values, all of which must be bound.
-    void again();
+    void reset();
 
     bool isNull(int column) const;
     bool isText(int column) const;
@@ -51,7 +52,7 @@ class Run {
     std::int64_t integer(int column) const;
     double real(int column) const;
     std::string_view text(int column) const;
-    std::string_view bytes(int column) const;
+    std::string_view blob(int column) const;
 
   private:
     Connection& connection_;
@@ -63,9 +64,9 @@ class Run {
 class Connection {
   public:
     // [uri] is what SQLite opens, [file] what errors name; [flags] are SQLite's. Waits for locks up to
-    // [patience].
+    // [busyTimeout].
     Connection(std::filesystem::path file, const std::string& uri, int flags,
-               std::chrono::milliseconds patience);
+               std::chrono::milliseconds busyTimeout);
     ~Connection();
     Connection(const Connection&) = delete;
     Connection& operator=(const Connection&) = delete;
@@ -81,16 +82,16 @@ class Connection {
 
     // A run of a statement that is prepared at its first use and kept; [sql] is a literal and known by its
     // address.
-    Run run(const char* sql);
+    Statement prepare(const char* sql);
     // A run of a statement whose text is put together at run time; kept as well.
-    Run runText(const std::string& sql);
+    Statement prepareText(const std::string& sql);
 
     std::int64_t lastRow() const;
     int changes() const;
 
     // A number that changes whenever the database does, here or elsewhere; inside a transaction, which keeps
     // it.
-    std::uint32_t state();
+    std::uint32_t dataVersion();
 
     // Whether the file that is open is no longer the one of its name.
     bool moved() const;
@@ -99,11 +100,11 @@ class Connection {
     [[noreturn]] void fail(int code) const;
 
   private:
-    sqlite3_stmt* prepare(std::string_view sql);
+    sqlite3_stmt* compile(std::string_view sql);
     static int waitForLock(void* connection, int attempt);
 
     std::filesystem::path file_;
-    std::chrono::milliseconds patience_;
+    std::chrono::milliseconds busyTimeout_;
     std::chrono::steady_clock::time_point waitsSince_;
     sqlite3* handle_ = nullptr;
     std::unordered_map<const char*, sqlite3_stmt*> literals_;
