@@ -11,7 +11,7 @@ set_target_properties(velocard PROPERTIES
   PREFIX "" OUTPUT_NAME Velocard SUFFIX .fmx LINKER_LANGUAGE CXX
   LIBRARY_OUTPUT_DIRECTORY "${plugin_folder}"
   LINK_DEPENDS "${exports}"
-  BUILD_WITH_INSTALL_RPATH ON INSTALL_RPATH "$ORIGIN/..")
+  BUILD_WITH_INSTALL_RPATH ON INSTALL_RPATH "$ORIGIN;$ORIGIN/..")
 target_link_options(velocard PRIVATE "LINKER:--version-script=${exports}" LINKER:-z,nodelete)
 if(NOT VELOCARD_SANITIZE)
   # The sanitizers' run-time library comes from the program that loads the plug-in.

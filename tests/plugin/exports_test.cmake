@@ -8,7 +8,7 @@ if(NOT symbols STREQUAL "FMExternCallProc")
 endif()
 
 execute_process(COMMAND "${READELF}" -dW "${PLUGIN}" OUTPUT_VARIABLE dynamic COMMAND_ERROR_IS_FATAL ANY)
-foreach(wanted "NODELETE" "\\$ORIGIN/\\.\\." "libFMWrapper\\.so" "libAddressBook\\.so")
+foreach(wanted "NODELETE" "\\[\\$ORIGIN:\\$ORIGIN/\\.\\.\\]" "libFMWrapper\\.so" "libAddressBook\\.so")
   if(NOT dynamic MATCHES "${wanted}")
     message(FATAL_ERROR "no ${wanted} in:\n${dynamic}")
   endif()
