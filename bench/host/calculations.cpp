@@ -1,6 +1,6 @@
 #include "bench/host/calculations.h"
 
-#include "host/calc/function_registry.h"
+#include "host/calc/external_function.h"
 #include "host/calc/parser.h"
 #include "host/calc/session.h"
 #include "host/loader/plugin_host.h"
@@ -23,7 +23,8 @@ class EmptyFunction : public host::ExternalFunction {
 
 struct Calculations::Machine {
     host::Session session;
-    host::PluginHost plugins{session, [](const auto&, const auto&, const auto&) { return 0; }};
+    host::StepRegistry steps;
+    host::PluginHost plugins{session, steps, [](const auto&, const auto&, const auto&) { return 0; }};
     std::map<int, host::Calculation> prepared;
 
     host::Calculation parse(const std::string& text) {

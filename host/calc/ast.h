@@ -3,7 +3,7 @@
 #pragma once
 
 #include "host/calc/builtins.h"
-#include "host/calc/function_registry.h"
+#include "host/calc/external_function.h"
 #include "host/calc/operators.h"
 #include "host/calc/source.h"
 #include "host/values/value.h"

@@ -1,7 +1,7 @@
 #include "host/calc/builtins.h"
 
+#include "host/calc/external_function.h"
 #include "host/calc/function_groups.h"
-#include "host/calc/function_registry.h"
 
 #include <algorithm>
 #include <string>

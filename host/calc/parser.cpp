@@ -61,6 +61,11 @@ bool isBlankCalculation(const SourcePtr& source) {
 Parser::Parser(SourcePtr source, size_t offset, const FunctionRegistry& functions)
     : lexer_(std::move(source), offset), functions_(functions), token_(lexer_.next()) {}
 
+void Parser::continueAt(size_t offset) {
+    lexer_ = Lexer(source(), offset);
+    advance();
+}
+
 Calculation Parser::calculation() {
     names_.clear();
     slots_ = 0;

@@ -28,6 +28,10 @@ class Parser {
 
     const Token& current() const { return token_; }
     void advance() { token_ = lexer_.next(); }
+    const SourcePtr& source() const { return lexer_.source(); }
+
+    // Goes on with the first token at or after that place of the source.
+    void continueAt(size_t offset);
 
     // Takes the current token when it is of [kind].
     bool accept(TokenKind kind);
@@ -69,7 +73,6 @@ class Parser {
                     int maxArguments, size_t given, size_t begin) const;
     std::string suggestion(std::u16string_view name) const;
     std::string describe(const Token& token) const;
-    SourcePtr source() const { return lexer_.source(); }
 
     Lexer lexer_;
     const FunctionRegistry& functions_;

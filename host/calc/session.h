@@ -4,7 +4,7 @@
 
 #include "host/calc/ast.h"
 #include "host/calc/calc_error.h"
-#include "host/calc/function_registry.h"
+#include "host/calc/external_function.h"
 #include "host/values/value.h"
 
 #include <atomic>

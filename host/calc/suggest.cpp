@@ -1,6 +1,6 @@
 #include "host/calc/suggest.h"
 
-#include "host/calc/function_registry.h"
+#include "host/calc/external_function.h"
 #include "host/values/text.h"
 
 #include <algorithm>

@@ -40,29 +40,50 @@ std::vector<FunctionInfo> languageFunctions() {
     return result;
 }
 
-void printTable(const std::vector<FunctionInfo>& functions) {
-    for (const FunctionInfo& function : functions) {
-        std::cout << std::left << std::setw(5) << range(function.minArguments, function.maxArguments)
-                  << toUtf8(function.prototype) << '\n';
+// A row of the table: the range or what else stands first, how it is written, below that what it is for.
+void printRow(const std::string& first, const std::u16string& prototype, const std::u16string& description) {
+    std::cout << std::left << std::setw(5) << first << toUtf8(prototype) << '\n';
+    if (!description.empty()) {
+        std::cout << std::setw(9) << "" << oneLine(Value::text(description)) << '\n';
     }
 }
 
-void printJson(const std::vector<FunctionInfo>& functions) {
-    auto list = nlohmann::ordered_json::array();
+void printTable(const std::vector<FunctionInfo>& functions, const std::vector<StepInfo>& steps) {
     for (const FunctionInfo& function : functions) {
-        nlohmann::ordered_json row;
-        row["name"] = toUtf8(function.name);
-        row["prototype"] = toUtf8(function.prototype);
-        row["minArguments"] = function.minArguments;
-        row["maxArguments"] = function.maxArguments == ExternalFunction::kAnyNumber
-                                  ? nlohmann::ordered_json()
-                                  : nlohmann::ordered_json(function.maxArguments);
-        if (!function.plugin.empty()) {
-            row["plugin"] = toUtf8(function.plugin);
-            row["id"] = function.id;
-            row["flags"] = function.flags;
-        }
-        list.push_back(std::move(row));
+        printRow(range(function.minArguments, function.maxArguments), function.prototype,
+                 function.description);
+    }
+    for (const StepInfo& step : steps) {
+        printRow("step", step.prototype, step.description);
+    }
+}
+
+using Json = nlohmann::ordered_json;
+
+// [counts] are what a row has beside what all have.
+Json jsonRow(const char* kind, const RegisteredInfo& item, const std::u16string& prototype,
+             const Json& counts) {
+    Json row = {{"name", toUtf8(item.name)}, {"kind", kind}, {"prototype", toUtf8(prototype)}};
+    row.update(counts);
+    if (!item.plugin.empty()) {
+        row.update({{"description", toUtf8(item.description)},
+                    {"plugin", toUtf8(item.plugin)},
+                    {"id", item.id},
+                    {"flags", item.flags}});
+    }
+    return row;
+}
+
+void printJson(const std::vector<FunctionInfo>& functions, const std::vector<StepInfo>& steps) {
+    Json list = Json::array();
+    for (const FunctionInfo& function : functions) {
+        const bool isLimited = function.maxArguments != ExternalFunction::kAnyNumber;
+        list.push_back(jsonRow("function", function, function.prototype,
+                               {{"minArguments", function.minArguments},
+                                {"maxArguments", isLimited ? Json(function.maxArguments) : Json()}}));
+    }
+    for (const StepInfo& step : steps) {
+        list.push_back(jsonRow("step", step, step.prototype, Json::object()));
     }
     std::cout << list.dump(2) << '\n';
 }
@@ -88,7 +109,12 @@ void evaluateInput(Host& host) {
 
 CalcTestCount runTest(const HostOptions& options, const std::string& file) {
     Host host(options);
-    return runCalcTest(host, file, std::cout);
+    CalcTestCount count = runCalcTest(host, file, std::cout);
+    if (host.hasRefused()) {
+        std::cout << file << ": the plug-in registered what it must not\n";
+        ++count.failed;
+    }
+    return count;
 }
 
 // In a process of its own: a plug-in keeps its state for as long as its process lives, and one file must not
@@ -154,7 +180,7 @@ ExitCode listFunctions(const Host& host, bool all, bool asJson) {
         const std::vector<FunctionInfo> more = languageFunctions();
         functions.insert(functions.end(), more.begin(), more.end());
     }
-    asJson ? printJson(functions) : printTable(functions);
+    asJson ? printJson(functions, host.steps()) : printTable(functions, host.steps());
     return ExitCode::ok;
 }
 
@@ -164,10 +190,19 @@ ExitCode showInfo(const Host& host) {
         std::cerr << "fmhost: no plug-in is loaded" << std::endl;
         return ExitCode::usage;
     }
-    std::cout << "Name:       " << toUtf8(plugin->name) << "\nHelp text:  " << toUtf8(plugin->helpText)
-              << "\nOptions:    " << toUtf8(plugin->options) << "\nInterface:  " << plugin->version
-              << "\nFunctions:  " << host.functions().size() << "\nFile:       " << plugin->path.string()
-              << '\n';
+    const auto show = [](const char* name, const std::string& text) {
+        std::cout << std::left << std::setw(12) << name << text << '\n';
+    };
+    show("Name:", toUtf8(plugin->name));
+    show("Help text:", toUtf8(plugin->helpText));
+    if (!plugin->helpAddress.empty()) {
+        show("Help at:", toUtf8(plugin->helpAddress));
+    }
+    show("Options:", toUtf8(plugin->options));
+    show("Interface:", std::to_string(plugin->version));
+    show("Functions:", std::to_string(host.functions().size()));
+    show("Steps:", std::to_string(host.steps().size()));
+    show("File:", plugin->path.string());
     return ExitCode::ok;
 }
 

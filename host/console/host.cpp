@@ -1,5 +1,6 @@
 #include "host/console/host.h"
 
+#include "host/console/exit_code.h"
 #include "host/console/show.h"
 #include "host/values/text.h"
 
@@ -7,6 +8,7 @@
 #include <cstdlib>
 #include <iostream>
 #include <thread>
+#include <unistd.h>
 
 namespace host {
 
@@ -21,9 +23,20 @@ fs::path defaultPlugin() {
     return program.parent_path().parent_path() / "lib" / "Velocard";
 }
 
+namespace {
+
+// The plug-in holds the program's thread, or the program ends: what is left is to say so.
+[[noreturn]] void endProgram(const std::string& message) {
+    const std::string line = "fmhost: " + message + "\n";
+    [[maybe_unused]] const ssize_t written = write(STDERR_FILENO, line.data(), line.size());
+    _exit(static_cast<int>(ExitCode::load));
+}
+
+} // namespace
+
 Host::Host(const HostOptions& options)
-    : library_(options.scripts, session_.functions()), runner_(session_, library_, *this),
-      plugins_(session_,
+    : library_(options.scripts, session_.functions(), steps_), runner_(session_, library_, *this),
+      plugins_(session_, steps_,
                [this](const std::u16string& file, const std::u16string& script, const Value& parameter) {
                    const auto found = library_.find(file, script);
                    if (!found) {
@@ -34,9 +47,13 @@ Host::Host(const HostOptions& options)
                }),
       trace_(options.trace) {
     if (options.plugin) {
-        plugin_ = &plugins_.load(*options.plugin, options.hostVersion);
+        plugin_ = &plugins_.load(*options.plugin, {options.hostVersion, options.limit, endProgram});
     }
     printWarnings();
+}
+
+Host::~Host() {
+    std::cout.flush();
 }
 
 Value Host::run(const fs::path& script, Value parameter) {

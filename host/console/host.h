@@ -13,8 +13,9 @@ namespace host {
 struct HostOptions {
     std::optional<std::filesystem::path> plugin; // none: the language alone
     int hostVersion = kHostVersion;
-    std::filesystem::path scripts = "."; // the database file: a folder of scripts
-    bool trace = false;                  // print the steps of scripts
+    std::chrono::seconds limit = LoadOptions().limit; // for the plug-in's start-up and shut-down; 0: none
+    std::filesystem::path scripts = ".";              // the database file: a folder of scripts
+    bool trace = false;                               // print the steps of scripts
 };
 
 // The plug-in that --plugin, then $FMHOST_PLUGIN, then the place beside this program names.
@@ -25,9 +26,16 @@ class Host : private ScriptListener {
     // Loads the plug-in. Throws LoadError.
     explicit Host(const HostOptions& options);
 
+    // Shuts the plug-in down; what was printed before is out by then.
+    ~Host() override;
+
     Session& session() { return session_; }
     const ScriptLibrary& scripts() const { return library_; }
     std::vector<FunctionInfo> functions() const { return plugins_.functions(); }
+    std::vector<StepInfo> steps() const { return plugins_.steps(); }
+
+    // Whether the plug-in wanted to register what it must not; standard error says what.
+    bool hasRefused() const { return plugins_.hasRefused(); }
 
     // What is known of the plug-in; null when there is none.
     const PluginInfo* plugin() const { return plugin_; }
@@ -51,6 +59,7 @@ class Host : private ScriptListener {
     void printWarnings();
 
     Session session_;
+    StepRegistry steps_;
     ScriptLibrary library_;
     ScriptRunner runner_;
     ScriptQueue queue_;

@@ -17,6 +17,7 @@ struct CommandLine {
     std::string plugin;
     bool noPlugin = false;
     int hostVersion = kHostVersion;
+    long seconds = HostOptions().limit.count();
     std::string folder;
     bool asJson = false;
     bool all = false;
@@ -33,6 +34,7 @@ HostOptions hostOptions(const CommandLine& line) {
         options.plugin = line.plugin.empty() ? defaultPlugin() : std::filesystem::path(line.plugin);
     }
     options.hostVersion = line.hostVersion;
+    options.limit = std::chrono::seconds(line.seconds);
     options.trace = line.trace;
     if (!line.folder.empty()) {
         options.scripts = line.folder;
@@ -45,13 +47,20 @@ HostOptions hostOptions(const CommandLine& line) {
 void defineOptions(CLI::App& app, CommandLine& line) {
     app.fallthrough();
     app.add_option("--plugin", line.plugin,
-                   "The plug-in: an .fmx file or the folder around it [$FMHOST_PLUGIN, or Velocard beside "
-                   "this program]")
+                   "The plug-in: an .fmx file, a folder with one, or a bundle (.fmplugin) with one for Linux "
+                   "[$FMHOST_PLUGIN, or Velocard beside this program]")
         ->type_name("PATH");
     app.add_flag("--no-plugin", line.noPlugin, "Load no plug-in: the language alone");
-    app.add_option("--host-version", line.hostVersion, "The interface version that the host says it has [54]")
+    app.add_option("--host-version", line.hostVersion,
+                   "The interface version that the host says it has [" + std::to_string(kHostVersion) + "]")
         ->check(CLI::Range(0, 32767))
         ->type_name("N");
+    app.add_option(
+           "--timeout", line.seconds,
+           "How long the plug-in may take for its start-up, and for its shut-down; 0 waits for ever [" +
+               std::to_string(line.seconds) + "]")
+        ->check(CLI::Range(0, 86400))
+        ->type_name("SECONDS");
     app.add_option("--folder", line.folder,
                    "The database file: a folder of scripts [the script's own, or this one]")
         ->type_name("DIR");
@@ -59,7 +68,8 @@ void defineOptions(CLI::App& app, CommandLine& line) {
 
 void defineCommands(CLI::App& app, CommandLine& line) {
     CLI::App* functions = app.add_subcommand(
-        "functions", "List the plug-in's functions with their prototypes and argument ranges");
+        "functions",
+        "List the plug-in's functions and script steps: argument ranges, prototypes, descriptions");
     functions->add_flag("--json", line.asJson, "As JSON, with ids and flags");
     functions->add_flag("--all", line.all, "The functions of the language as well");
     functions->footer("Example:\n  fmhost functions --json | jq '.[].name'");
@@ -129,7 +139,10 @@ ExitCode runCommand(const CLI::App& app, const CommandLine& line) {
         return runPrompt(host);
     }
     const ExitCode code = runOnHost(host, app, line);
-    return code == ExitCode::ok && host.startedScriptFailed() ? ExitCode::failure : code;
+    if (code != ExitCode::ok) {
+        return code;
+    }
+    return host.hasRefused() ? ExitCode::load : host.startedScriptFailed() ? ExitCode::failure : ExitCode::ok;
 }
 
 } // namespace

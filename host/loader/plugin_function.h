@@ -1,40 +1,50 @@
-// A function that a plug-in has registered, and the crossing of arguments and results.
+// What a plug-in has registered: a function or a script step.
 #pragma once
 
-#include "host/calc/function_registry.h"
-#include "host/loader/call_frames.h"
+#include "host/calc/external_function.h"
+#include "host/loader/plugin_handler.h"
+#include "host/script/external_step.h"
 
-#include "FMWrapper/FMXCalcEngine.h"
-
-#include <cstdint>
+#include <string>
+#include <utility>
 
 namespace host {
 
+// What functions and steps have beside their name: only lists show it.
+struct Registration {
+    PluginHandler handler;
+    std::u16string description; // may be empty
+    uint32_t flags;             // where it is offered and where it may run
+};
+
 class PluginFunction : public ExternalFunction {
   public:
-    struct Identity {
-        uint32_t plugin; // its four characters, the first one in the highest byte
-        short id;
-    };
-
-    // [frames] must outlive the function.
-    PluginFunction(Identity identity, std::u16string name, std::u16string prototype, int minArguments,
-                   int maxArguments, uint32_t flags, fmx::ExtPluginType handler, CallFrames& frames)
+    PluginFunction(Registration registration, std::u16string name, std::u16string prototype, int minArguments,
+                   int maxArguments)
         : ExternalFunction(std::move(name), std::move(prototype), minArguments, maxArguments),
-          identity_(identity), flags_(flags), handler_(handler), frames_(frames) {}
+          registration_(std::move(registration)) {}
 
-    // Runs the handler. Its error code becomes the session's last error, and makes the result "?". Whatever
-    // the handler throws ends here and becomes an ExternalFailure.
-    Value call(Session& session, std::span<Value> arguments) override;
-
-    const Identity& identity() const { return identity_; }
-    uint32_t flags() const { return flags_; }
+    Value call(Session& session, std::span<Value> arguments) override {
+        return registration_.handler.call(session, arguments);
+    }
+    const Registration& registration() const { return registration_; }
 
   private:
-    Identity identity_;
-    uint32_t flags_;
-    fmx::ExtPluginType handler_;
-    CallFrames& frames_;
+    Registration registration_;
+};
+
+class PluginStep : public ExternalStep {
+  public:
+    PluginStep(Registration registration, std::u16string name, std::vector<StepParameter> parameters)
+        : ExternalStep(std::move(name), std::move(parameters)), registration_(std::move(registration)) {}
+
+    Value run(Session& session, std::span<Value> values) override {
+        return registration_.handler.call(session, values);
+    }
+    const Registration& registration() const { return registration_; }
+
+  private:
+    Registration registration_;
 };
 
 } // namespace host

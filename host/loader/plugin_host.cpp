@@ -1,10 +1,16 @@
-// Reading order: one plug-in and its messages, then the host that keeps the plug-ins and answers them.
+// Reading order: loading and the messages to all plug-ins, then registering, then the host's answers to
+// calls.
 #include "host/loader/plugin_host.h"
 
 #include "host/calc/builtins.h"
 #include "host/loader/conversion.h"
+#include "host/loader/plugin.h"
+#include "host/loader/plugin_file.h"
 #include "host/loader/plugin_function.h"
-#include "host/loader/plugin_library.h"
+#include "host/loader/registrations.h"
+#include "host/loader/step_definition.h"
+#include "host/script/script.h"
+#include "host/script/step_syntax.h"
 #include "host/values/container.h"
 #include "host/values/text.h"
 #include "host/wrapper/host_hooks.h"
@@ -23,11 +29,6 @@ constexpr fmx::errcode kRefused = 1210;
 // What evaluating answers to a plug-in that asks on another thread than the host's.
 constexpr fmx::errcode kWrongThread = 3;
 
-constexpr size_t kStringCapacity = 1024; // units, the terminator included
-constexpr size_t kIdleOption = 8; // the place in the options string of the Y that asks for idle messages
-
-constexpr char16_t kHostVersionText[] = u"fmhost 1.0";
-
 std::u16string identifierText(uint32_t plugin) {
     StreamType characters;
     characters.setCode(plugin);
@@ -41,100 +42,13 @@ std::u16string trimmed(const std::u16string& text) {
     return first == std::u16string::npos ? std::u16string() : text.substr(first, last - first + 1);
 }
 
-// A loaded plug-in: from the library to the end of its work.
-class Plugin {
-  public:
-    Plugin(const std::filesystem::path& path, int hostVersion, FMX_StartScriptCall startScript,
-           FMX_CurrentEnvCall currentEnv)
-        : library_(path) {
-        call_.extnVersion = static_cast<fmx::int16>(hostVersion);
-        call_.unusedID = -1;
-        call_.entryPoint = library_.entry();
-        call_.instanceID = reinterpret_cast<fmx::ptrtype>(library_.handle());
-        call_.cStartScript = startScript;
-        call_.cCurrentEnv = currentEnv;
-        info_.path = library_.file();
-    }
-    Plugin(const Plugin&) = delete;
-    Plugin& operator=(const Plugin&) = delete;
-
-    // Sends the start-up and asks for the strings. Throws LoadError when the plug-in does not want to run.
-    void start() {
-        const fmx::ptrtype answer =
-            send(kFMXT_Init, kFMXT_Developer, reinterpret_cast<fmx::ptrtype>(kHostVersionText), 0, 0);
-        const auto version = static_cast<fmx::int32>(answer);
-        if (version == kBadExtnVersion) {
-            throw LoadError("the plug-in " + file() + " refused version " +
-                            std::to_string(call_.extnVersion));
-        }
-        if (version == kDoNotEnable) {
-            throw LoadError("the plug-in " + file() + " asked not to be enabled");
-        }
-        info_.version = version;
-        isStarted_ = true;
-        info_.name = string(kFMXT_NameStr);
-        info_.helpText = string(kFMXT_AppConfigStr);
-        info_.options = string(kFMXT_OptionsStr);
-    }
-
-    // Sends the shut-down to a started plug-in. Throws LoadError when the plug-in throws.
-    void shutDown() {
-        if (std::exchange(isStarted_, false)) {
-            send(kFMXT_Shutdown, 0, 0, 0, 0);
-        }
-    }
-
-    bool wantsIdle() const {
-        return info_.options.size() > kIdleOption && info_.options[kIdleOption] == u'Y';
-    }
-    void idle(IdleLevel level) { send(kFMXT_Idle, static_cast<fmx::uchar>(level), 0, 0, 0); }
-
-    const PluginInfo& info() const { return info_; }
-    std::string file() const { return info_.path.string(); }
-
-  private:
-    // Sends a message and answers what stands in the result afterwards.
-    fmx::ptrtype send(fmx::uchar message, fmx::uchar parm1, fmx::ptrtype parm2, fmx::ptrtype parm3,
-                      fmx::ptrtype result) {
-        call_.whichCall = message;
-        call_.parm1 = parm1;
-        call_.parm2 = parm2;
-        call_.parm3 = parm3;
-        call_.result = result;
-        std::string reason;
-        try {
-            library_.entry()(&call_);
-            return call_.result;
-        } catch (const std::bad_alloc&) {
-            reason = "out of memory";
-        } catch (const std::exception& error) {
-            reason = error.what();
-        } catch (...) {
-            reason = "it threw something that is no standard exception";
-        }
-        throw LoadError("the plug-in " + file() + " failed on message " + std::to_string(message) + ": " +
-                        reason);
-    }
-
-    std::u16string string(fmx::uchar which) {
-        std::u16string buffer(kStringCapacity, u'\0');
-        send(kFMXT_GetString, which, 0, kStringCapacity, reinterpret_cast<fmx::ptrtype>(buffer.data()));
-        buffer.resize(std::min(buffer.size(), buffer.find(u'\0')));
-        return buffer;
-    }
-
-    PluginLibrary library_;
-    FMX_ExternCallStruct call_{}; // the plug-in keeps its address
-    PluginInfo info_;
-    bool isStarted_ = false;
-};
-
 } // namespace
 
 class PluginHost::Implementation {
   public:
-    Implementation(Session& session, ScriptStarter starter)
-        : session_(session), starter_(std::move(starter)), thread_(std::this_thread::get_id()) {
+    Implementation(Session& session, StepRegistry& steps, ScriptStarter starter)
+        : session_(session), starter_(std::move(starter)), thread_(std::this_thread::get_id()),
+          functions_(session.functions()), steps_(steps) {
         const std::lock_guard lock(currentMutex_);
         if (current_ != nullptr) {
             throw std::logic_error("a process has one plug-in host at a time");
@@ -148,9 +62,8 @@ class PluginHost::Implementation {
         for (auto plugin = plugins_.rbegin(); plugin != plugins_.rend(); ++plugin) {
             end(**plugin);
         }
-        while (!functions_.empty()) {
-            remove(functions_.begin());
-        }
+        functions_.removeAllBut({});
+        steps_.removeAllBut({});
         const std::lock_guard lock(currentMutex_);
         FM_Host_SetHooks(nullptr);
         current_ = nullptr;
@@ -158,15 +71,24 @@ class PluginHost::Implementation {
     Implementation(const Implementation&) = delete;
     Implementation& operator=(const Implementation&) = delete;
 
-    const PluginInfo& load(const std::filesystem::path& path, int hostVersion) {
-        auto plugin = std::make_unique<Plugin>(path, hostVersion, startScriptCall, currentEnvCall);
-        const std::vector<FunctionPtr> before = functions_;
+    const PluginInfo& load(const std::filesystem::path& path, const LoadOptions& options) {
+        options_ = options;
+        const std::filesystem::path file = pluginFile(path);
+        const Functions::Items functionsBefore = functions_.items();
+        const Steps::Items stepsBefore = steps_.items();
+        std::unique_ptr<Plugin> plugin;
         try {
+            const Loading loading(*this, file.string());
+            const CallWatch watch(file.string(), "start-up", options_.limit, options_.fatal);
+            plugin = std::make_unique<Plugin>(file, options_.hostVersion, startScriptCall, currentEnvCall);
             plugin->start();
         } catch (...) {
-            end(*plugin);
-            removeAllBut(before);
-            plugins_.push_back(std::move(plugin)); // it may still use the structure of its messages
+            if (plugin != nullptr) {
+                end(*plugin);
+                plugins_.push_back(std::move(plugin)); // it may still use the structure of its messages
+            }
+            functions_.removeAllBut(functionsBefore);
+            steps_.removeAllBut(stepsBefore);
             throw;
         }
         plugins_.push_back(std::move(plugin));
@@ -175,18 +97,23 @@ class PluginHost::Implementation {
 
     void idle(IdleLevel level) {
         for (const auto& plugin : plugins_) {
-            if (plugin->wantsIdle()) {
-                guarded([&] { plugin->idle(level); });
-            }
+            guarded([&] { plugin->idle(level); });
         }
     }
 
     std::vector<FunctionInfo> functions() const {
         std::vector<FunctionInfo> result;
-        for (const FunctionPtr& function : functions_) {
-            const auto [plugin, id] = function->identity();
-            result.push_back({identifierText(plugin), id, function->name(), function->prototype(),
-                              function->minArguments(), function->maxArguments(), function->flags()});
+        for (const Functions::Pointer& function : functions_.items()) {
+            result.push_back({listed(*function), function->prototype(), function->minArguments(),
+                              function->maxArguments()});
+        }
+        return result;
+    }
+
+    std::vector<StepInfo> steps() const {
+        std::vector<StepInfo> result;
+        for (const Steps::Pointer& step : steps_.items()) {
+            result.push_back({listed(*step), stepPrototype(*step)});
         }
         return result;
     }
@@ -196,9 +123,23 @@ class PluginHost::Implementation {
         return std::exchange(warnings_, {});
     }
 
+    bool hasRefused() const { return hasRefused_; }
+
   private:
-    using FunctionPtr = std::shared_ptr<PluginFunction>;
-    using Functions = std::vector<FunctionPtr>;
+    using Functions = Registrations<PluginFunction, ExternalFunction>;
+    using Steps = Registrations<PluginStep, ExternalStep>;
+
+    // Says which plug-in is being loaded, for as long as it lives.
+    class Loading {
+      public:
+        Loading(Implementation& host, std::string file) : host_(host) { host_.loading_ = std::move(file); }
+        ~Loading() { host_.loading_.clear(); }
+        Loading(const Loading&) = delete;
+        Loading& operator=(const Loading&) = delete;
+
+      private:
+        Implementation& host_;
+    };
 
     template <class Work>
     void guarded(Work work) {
@@ -210,6 +151,7 @@ class PluginHost::Implementation {
     }
 
     void end(Plugin& plugin) {
+        const CallWatch watch(plugin.info().path.string(), "shut-down", options_.limit, options_.fatal);
         guarded([&] { plugin.shutDown(); });
     }
 
@@ -218,55 +160,71 @@ class PluginHost::Implementation {
         warnings_.push_back(std::move(message));
     }
 
-    Functions::iterator find(PluginFunction::Identity identity) {
-        return std::find_if(functions_.begin(), functions_.end(), [&](const FunctionPtr& function) {
-            return function->identity().plugin == identity.plugin && function->identity().id == identity.id;
-        });
+    template <class Item>
+    static RegisteredInfo listed(const Item& item) {
+        const Registration& registration = item.registration();
+        const auto [plugin, id] = registration.handler.identity();
+        return {identifierText(plugin), id, item.name(), registration.description, registration.flags};
     }
 
-    void remove(Functions::iterator function) {
-        session_.functions().remove(*function);
-        functions_.erase(function);
+    // Adds what nothing speaks against, or says why it does not: [objection] is what this kind has against it
+    // by itself.
+    template <class List>
+    fmx::errcode add(List& list, const char* kind, const typename List::Pointer& item,
+                     std::string objection) {
+        const PluginHandler::Identity identity = item->registration().handler.identity();
+        if (item->name().empty()) {
+            objection = "it has no name";
+        } else if (const auto other = list.find(identity)) {
+            objection = "its id is that of " + toUtf8(other->name());
+        } else if (objection.empty() && list.hasName(item->name())) {
+            objection = std::string("there is a ") + kind + " of that name already";
+        }
+        if (!objection.empty()) {
+            return refuse(kind, identity, item->name(), objection);
+        }
+        list.add(item);
+        return 0;
     }
 
-    void removeAllBut(const Functions& kept) {
-        for (size_t i = functions_.size(); i > 0; --i) {
-            if (std::find(kept.begin(), kept.end(), functions_[i - 1]) == kept.end()) {
-                remove(functions_.begin() + static_cast<std::ptrdiff_t>(i - 1));
-            }
-        }
+    fmx::errcode refuse(const char* kind, const PluginHandler::Identity& identity, const std::u16string& name,
+                        const std::string& reason) {
+        warn(std::string("the plug-in ") + kind + " " + (name.empty() ? "" : toUtf8(name) + " ") + "(" +
+             toUtf8(identifierText(identity.plugin)) + " " + std::to_string(identity.id) + ")" +
+             (loading_.empty() ? "" : " of " + loading_) + " is not registered: " + reason);
+        hasRefused_ = true;
+        return kRefused;
     }
 
-    // Why a function can not be registered; empty when it can.
-    std::string objection(const PluginFunction& function) {
-        if (function.name().empty()) {
-            return "it has no name";
+    // What speaks against a function by itself; empty when nothing does.
+    static std::string objection(const PluginFunction& function) {
+        const int minimum = function.minArguments();
+        const int maximum = function.maxArguments();
+        if (minimum < 0) {
+            return "it needs " + std::to_string(minimum) + " arguments";
         }
-        if (function.minArguments() < 0 ||
-            (function.maxArguments() >= 0 && function.maxArguments() < function.minArguments())) {
-            return "it takes " + std::to_string(function.minArguments()) + " to " +
-                   std::to_string(function.maxArguments()) + " arguments";
+        if (maximum != ExternalFunction::kAnyNumber && maximum < minimum) {
+            return "it needs " + std::to_string(minimum) + (minimum == 1 ? " argument" : " arguments") +
+                   " and can be given " + std::to_string(maximum) + " at most";
         }
-        if (find(function.identity()) != functions_.end()) {
-            return "its id is registered already";
-        }
-        const std::u16string key = foldName(function.name());
-        if (findBuiltin(key) != nullptr) {
-            return "the calculation language has a function of that name";
-        }
-        return session_.functions().find(key) == nullptr ? "" : "there is a function of that name already";
+        return findBuiltin(foldName(function.name())) == nullptr
+                   ? ""
+                   : "the calculation language has a function of that name";
     }
 
-    fmx::errcode add(const FunctionPtr& function) {
-        const std::string reason = objection(*function);
-        if (!reason.empty()) {
-            warn("the plug-in function " + toUtf8(function->name()) + " (" +
-                 toUtf8(identifierText(function->identity().plugin)) + " " +
-                 std::to_string(function->identity().id) + ") is not registered: " + reason);
+    Registration registration(const fmx::QuadChar& plugin, short id, const fmx::Text* description,
+                              fmx::uint32 flags, fmx::ExtPluginType code) {
+        return {PluginHandler({plugin.GetMacType(), id}, code, frames_),
+                description == nullptr ? std::u16string() : trimmed(textOf(*description)), flags};
+    }
+
+    template <class List>
+    static fmx::errcode remove(List& list, const fmx::QuadChar& plugin, short id) {
+        const auto item = list.find({plugin.GetMacType(), id});
+        if (item == nullptr) {
             return kRefused;
         }
-        session_.functions().add(function);
-        functions_.push_back(function);
+        list.remove(item);
         return 0;
     }
 
@@ -276,21 +234,40 @@ class PluginHost::Implementation {
 
     static fmx::errcode registerHook(void* context, const fmx::QuadChar& plugin, short id,
                                      const fmx::Text& name, const fmx::Text& prototype, short minArguments,
-                                     short maxArguments, fmx::uint32 flags, fmx::ExtPluginType handler) {
-        const PluginFunction::Identity identity{plugin.GetMacType(), id};
-        return of(context).add(std::make_shared<PluginFunction>(
-            identity, trimmed(textOf(name)), trimmed(textOf(prototype)), minArguments,
-            maxArguments < 0 ? ExternalFunction::kAnyNumber : maxArguments, flags, handler,
-            of(context).frames_));
+                                     short maxArguments, fmx::uint32 flags, fmx::ExtPluginType code) {
+        const fmx::Text* description = nullptr;
+        Implementation& host = of(context);
+        const auto function =
+            std::make_shared<PluginFunction>(host.registration(plugin, id, description, flags, code),
+                                             trimmed(textOf(name)), trimmed(textOf(prototype)), minArguments,
+                                             maxArguments < 0 ? ExternalFunction::kAnyNumber : maxArguments);
+        return host.add(host.functions_, "function", function, objection(*function));
     }
 
     static fmx::errcode unregisterHook(void* context, const fmx::QuadChar& plugin, short id) {
-        const auto function = of(context).find({plugin.GetMacType(), id});
-        if (function == of(context).functions_.end()) {
-            return kRefused;
+        return remove(of(context).functions_, plugin, id);
+    }
+
+    static fmx::errcode registerStepHook(void* context, const fmx::QuadChar& plugin, short id,
+                                         const fmx::Text& name, const fmx::Text& definition,
+                                         const fmx::Text& description, fmx::uint32 flags,
+                                         fmx::ExtPluginType code) {
+        Implementation& host = of(context);
+        const std::u16string stepName = normalName(textOf(name));
+        try {
+            const auto step =
+                std::make_shared<PluginStep>(host.registration(plugin, id, &description, flags, code),
+                                             stepName, parseStepDefinition(textOf(definition)));
+            return host.add(host.steps_, "script step", step,
+                            isStepName(foldName(stepName)) ? "the host has a script step of that name" : "");
+        } catch (const DefinitionError& error) {
+            return host.refuse("script step", {plugin.GetMacType(), id}, stepName,
+                               std::string("its definition is wrong: ") + error.what());
         }
-        of(context).remove(function);
-        return 0;
+    }
+
+    static fmx::errcode unregisterStepHook(void* context, const fmx::QuadChar& plugin, short id) {
+        return remove(of(context).steps_, plugin, id);
     }
 
     static fmx::errcode evaluateHook(void* context, const fmx::ExprEnv& /*environment*/,
@@ -337,19 +314,23 @@ class PluginHost::Implementation {
     ScriptStarter starter_;
     std::thread::id thread_;
     CallFrames frames_;
-    Functions functions_; // in the order of their registration
+    Functions functions_;
+    Steps steps_;
+    LoadOptions options_; // of the last plug-in
+    std::string loading_; // the file of the plug-in that is being loaded
     std::vector<std::unique_ptr<Plugin>> plugins_;
+    bool hasRefused_ = false;
     std::mutex warningsMutex_;
     std::vector<std::string> warnings_;
 };
 
-PluginHost::PluginHost(Session& session, ScriptStarter starter)
-    : implementation_(std::make_unique<Implementation>(session, std::move(starter))) {}
+PluginHost::PluginHost(Session& session, StepRegistry& steps, ScriptStarter starter)
+    : implementation_(std::make_unique<Implementation>(session, steps, std::move(starter))) {}
 
 PluginHost::~PluginHost() = default;
 
-const PluginInfo& PluginHost::load(const std::filesystem::path& path, int hostVersion) {
-    return implementation_->load(path, hostVersion);
+const PluginInfo& PluginHost::load(const std::filesystem::path& path, const LoadOptions& options) {
+    return implementation_->load(path, options);
 }
 
 void PluginHost::idle(IdleLevel level) {
@@ -358,6 +339,14 @@ void PluginHost::idle(IdleLevel level) {
 
 std::vector<FunctionInfo> PluginHost::functions() const {
     return implementation_->functions();
+}
+
+std::vector<StepInfo> PluginHost::steps() const {
+    return implementation_->steps();
+}
+
+bool PluginHost::hasRefused() const {
+    return implementation_->hasRefused();
 }
 
 std::vector<std::string> PluginHost::takeWarnings() {

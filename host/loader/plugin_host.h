@@ -3,53 +3,34 @@
 #pragma once
 
 #include "host/calc/session.h"
+#include "host/loader/load_error.h"
+#include "host/loader/plugin_info.h"
+#include "host/script/external_step.h"
 
 #include <cstdint>
 #include <filesystem>
 #include <functional>
 #include <memory>
-#include <stdexcept>
 #include <string>
 #include <vector>
 
 namespace host {
 
-// The interface version that the host says it has, unless told otherwise.
-inline constexpr int kHostVersion = 54;
-
-// A plug-in that can not be loaded; what() is one line that names it and says why.
-class LoadError : public std::runtime_error {
-  public:
-    using std::runtime_error::runtime_error;
-};
-
-// How busy the host is, as idle messages tell it.
-enum class IdleLevel : uint8_t {
-    userIdle = 0,
-    userNotIdle = 1,
-    scriptPaused = 2,
-    scriptRunning = 3,
-    unsafe = 4
-};
-
-// What is known of a running plug-in.
-struct PluginInfo {
-    std::filesystem::path path; // of the library itself
-    std::u16string name;
-    std::u16string helpText;
-    std::u16string options; // 11 characters
-    int version = 0;        // of the interface, as the plug-in answered to the start-up
-};
-
-// A registered function, as the console lists it.
-struct FunctionInfo {
+// What plug-ins have registered, as the console lists it.
+struct RegisteredInfo {
     std::u16string plugin; // the four characters of its identifier
     int id = 0;
     std::u16string name;
+    std::u16string description; // empty when it was registered without
+    uint32_t flags = 0;
+};
+struct FunctionInfo : RegisteredInfo {
     std::u16string prototype;
     int minArguments = 0;
     int maxArguments = 0; // ExternalFunction::kAnyNumber for no limit
-    uint32_t flags = 0;
+};
+struct StepInfo : RegisteredInfo {
+    std::u16string prototype; // how scripts write it
 };
 
 // Called when a plug-in starts a script, on any thread. Answers 0 when the script will run, else an error
@@ -61,22 +42,28 @@ using ScriptStarter =
 // evaluate, on the thread that made it.
 class PluginHost {
   public:
-    PluginHost(Session& session, ScriptStarter starter);
+    // Functions go into the session's registry, steps into [steps].
+    PluginHost(Session& session, StepRegistry& steps, ScriptStarter starter);
 
-    // Shuts the plug-ins down and takes their functions out of the session. Their libraries stay loaded: code
-    // of a plug-in may still be on other threads.
+    // Shuts the plug-ins down and takes their functions and steps out of the registries. Their libraries stay
+    // loaded: code of a plug-in may still be on other threads.
     ~PluginHost();
     PluginHost(const PluginHost&) = delete;
     PluginHost& operator=(const PluginHost&) = delete;
 
-    // Loads a library, or the one .fmx file in a folder, and starts it. Throws LoadError, and then nothing
-    // stays registered.
-    const PluginInfo& load(const std::filesystem::path& path, int hostVersion = kHostVersion);
+    // Loads the plug-in in a file, bundle or folder (see pluginFile) and starts it. Throws LoadError, and
+    // then nothing stays registered. A plug-in that crashes ends the program, with a line that names it on
+    // standard error; one that hangs is handed to the options' handler.
+    const PluginInfo& load(const std::filesystem::path& path, const LoadOptions& options = {});
 
     // Tells the plug-ins that want to know that the host has time.
     void idle(IdleLevel level);
 
     std::vector<FunctionInfo> functions() const;
+    std::vector<StepInfo> steps() const;
+
+    // Whether anything that a plug-in wanted to register was refused; the warnings say what and why.
+    bool hasRefused() const;
 
     // What plug-ins did wrong so far without being stopped, one line each; asking forgets it.
     std::vector<std::string> takeWarnings();

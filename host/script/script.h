@@ -2,6 +2,7 @@
 #pragma once
 
 #include "host/calc/ast.h"
+#include "host/script/external_step.h"
 
 #include <filesystem>
 #include <memory>
@@ -23,6 +24,7 @@ enum class StepKind : uint8_t {
     insertFile,       // variable := the file that first names
     exportContents,   // writes the container first to the file that second names
     pause,            // waits for first seconds
+    external,         // the step of a plug-in that external says
 };
 
 struct Step {
@@ -35,6 +37,7 @@ struct Step {
         name; // setVariable, insert...: the folded name; performScript: the script's name when it is fixed
     std::u16string database; // performScript: the file that holds the script; empty for the script's own
     size_t target = 0;       // of a jump: an index into steps, at most their number
+    std::shared_ptr<const ExternalStepCall> external;
 };
 
 struct Script {
@@ -44,6 +47,10 @@ struct Script {
 
 // Parses the text of a script. Throws CalcError, incomplete when an If or Loop is left open, else as
 // calculations do.
-Script parseScript(const SourcePtr& source, const FunctionRegistry& functions);
+Script parseScript(const SourcePtr& source, const FunctionRegistry& functions,
+                   const StepRegistry& externalSteps);
+
+// Whether one of the steps above has that (folded) name.
+bool isStepName(std::u16string_view key);
 
 } // namespace host

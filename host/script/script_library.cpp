@@ -41,8 +41,9 @@ SourcePtr readSource(const fs::path& file) {
     return std::make_shared<Source>(file.string(), std::move(text));
 }
 
-ScriptLibrary::ScriptLibrary(const fs::path& folder, const FunctionRegistry& functions)
-    : folder_(fs::absolute(folder).lexically_normal()), functions_(functions) {
+ScriptLibrary::ScriptLibrary(const fs::path& folder, const FunctionRegistry& functions,
+                             const StepRegistry& externalSteps)
+    : folder_(fs::absolute(folder).lexically_normal()), functions_(functions), externalSteps_(externalSteps) {
     if (!folder_.has_filename()) {
         folder_ = folder_.parent_path(); // "scripts/" is "scripts"
     }
@@ -78,7 +79,7 @@ ScriptPtr ScriptLibrary::load(const fs::path& file) {
     if (known != loaded_.end() && known->second.changed == changed) {
         return known->second.script;
     }
-    auto script = std::make_shared<const Script>(parseScript(readSource(file), functions_));
+    auto script = std::make_shared<const Script>(parseScript(readSource(file), functions_, externalSteps_));
     loaded_.insert_or_assign(file, Loaded{changed, script});
     return script;
 }

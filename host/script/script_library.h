@@ -27,7 +27,8 @@ using ScriptPtr = std::shared_ptr<const Script>;
 class ScriptLibrary {
   public:
     // [folder] is the database file that names without one refer to.
-    ScriptLibrary(const std::filesystem::path& folder, const FunctionRegistry& functions);
+    ScriptLibrary(const std::filesystem::path& folder, const FunctionRegistry& functions,
+                  const StepRegistry& externalSteps);
 
     // The file of a script; nothing when there is none. [database] is empty, or the name of the folder or of
     // one beside it, with or without an ending. Reads folders only: safe on any thread.
@@ -44,6 +45,7 @@ class ScriptLibrary {
 
     std::filesystem::path folder_;
     const FunctionRegistry& functions_;
+    const StepRegistry& externalSteps_;
     std::map<std::filesystem::path, Loaded> loaded_;
 };
 

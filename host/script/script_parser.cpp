@@ -2,7 +2,9 @@
 // calculation parser itself.
 #include "host/calc/parser.h"
 #include "host/calc/suggest.h"
+#include "host/script/external_step_parser.h"
 #include "host/script/script.h"
+#include "host/script/step_syntax.h"
 #include "host/values/text.h"
 
 #include <array>
@@ -53,29 +55,18 @@ constexpr std::array kSteps = {
     StepRow{u"Pause/Resume Script", StepName::pauseScript, true},
 };
 
+const StepRow* findOwnStep(std::u16string_view key) {
+    for (const StepRow& row : kSteps) {
+        if (foldName(row.name) == key) {
+            return &row;
+        }
+    }
+    return nullptr;
+}
+
 bool isLineEnd(char16_t c) {
     return c == u'\r' || c == u'\n';
 }
-bool isSpace(char16_t c) {
-    return c == u' ' || c == u'\t' || c == u'\u00A0' || c == u'\uFEFF';
-}
-
-// The words of a step's name with single spaces between them.
-std::u16string normalName(std::u16string_view text) {
-    std::u16string result;
-    for (const char16_t c : text) {
-        if (!isSpace(c)) {
-            result += c;
-        } else if (!result.empty() && result.back() != u' ') {
-            result += u' ';
-        }
-    }
-    if (!result.empty() && result.back() == u' ') {
-        result.pop_back();
-    }
-    return result;
-}
-
 // An If or Loop whose end has not been reached.
 struct Block {
     StepName opener;                 // ifStep, elseStep (an If past its Else) or loop
@@ -87,8 +78,9 @@ struct Block {
 
 class ScriptParser {
   public:
-    ScriptParser(SourcePtr source, const FunctionRegistry& functions)
-        : source_(std::move(source)), text_(source_->text()), functions_(functions) {}
+    ScriptParser(SourcePtr source, const FunctionRegistry& functions, const StepRegistry& externalSteps)
+        : source_(std::move(source)), text_(source_->text()), functions_(functions),
+          externalSteps_(externalSteps) {}
 
     Script parse() {
         while (skipToStep()) {
@@ -127,20 +119,31 @@ class ScriptParser {
             ++end;
         }
         const std::u16string name = normalName(text_.substr(at_, end - at_));
-        const StepRow& row = findStep(name);
+        const std::u16string key = foldName(name);
+        const StepRow* own = findOwnStep(key);
+        const ExternalStepPtr external = own == nullptr ? externalSteps_.find(key) : nullptr;
+        if (own == nullptr && external == nullptr) {
+            failUnknown(name);
+        }
         at_ = end;
         std::optional<Parser> brackets;
         if (at_ < text_.size() && text_[at_] == u'[') {
             brackets.emplace(source_, at_ + 1, functions_);
-        } else if (row.needsBrackets) {
+        } else if (own != nullptr && own->needsBrackets) {
             fail(at_, at_ == text_.size() ? CalcCode::unexpectedEnd : CalcCode::operatorOrFunctionExpected,
-                 "expected \"[\" after " + toUtf8(row.name));
+                 "expected \"[\" after " + toUtf8(name));
         }
         const size_t known = steps_.size();
-        step(row, brackets ? &*brackets : nullptr);
+        Parser* const in = brackets ? &*brackets : nullptr;
+        if (own != nullptr) {
+            step(*own, in);
+        } else {
+            add(StepKind::external).external =
+                std::make_shared<const ExternalStepCall>(readExternalStep(external, in));
+        }
         if (brackets) {
             if (brackets->current().kind != TokenKind::rightBracket) {
-                brackets->failExpected("an operator or the \"]\" of " + toUtf8(row.name),
+                brackets->failExpected("an operator or the \"]\" of " + toUtf8(name),
                                        CalcCode::unbalancedParenthesis);
             }
             at_ = brackets->current().end;
@@ -154,18 +157,17 @@ class ScriptParser {
         }
         if (at_ < text_.size() && !isLineEnd(text_[at_])) {
             fail(at_, CalcCode::operatorOrFunctionExpected,
-                 "expected the end of the line after " + toUtf8(row.name));
+                 "expected the end of the line after " + toUtf8(name));
         }
     }
 
-    const StepRow& findStep(const std::u16string& name) const {
-        const std::u16string key = foldName(name);
+    [[noreturn]] void failUnknown(const std::u16string& name) const {
         Suggestion nearest(name);
         for (const StepRow& row : kSteps) {
-            if (foldName(row.name) == key) {
-                return row;
-            }
             nearest.consider(row.name);
+        }
+        for (const auto& [key, step] : externalSteps_.all()) {
+            nearest.consider(step->name());
         }
         fail(begin_, CalcCode::operatorOrFunctionExpected,
              "there is no script step called " + toUtf8(name) + nearest.question());
@@ -216,27 +218,16 @@ class ScriptParser {
         }
     }
 
-    // The variable that a step sets, with or without its repetition.
+    // The variable that a step sets, and the semicolon after it.
     static std::u16string targetVariable(Parser& in) {
-        if (in.current().kind != TokenKind::variable) {
-            in.failExpected("a $local or $$global variable", CalcCode::nameMissing);
-        }
-        std::u16string name = foldName(in.current().text);
-        in.advance();
-        if (in.accept(TokenKind::leftBracket)) {
-            if (in.current().kind != TokenKind::number || in.current().text != u"1") {
-                in.failExpected("repetition 1, the only one a variable has here", CalcCode::valueExpected);
-            }
-            in.advance();
-            in.expect(TokenKind::rightBracket, "\"]\" after the repetition");
-        }
+        std::u16string name = readVariable(in);
         in.expect(TokenKind::semicolon, "\";\" after the variable");
         return name;
     }
 
     void setVariable(Parser& in) {
         add(StepKind::setVariable).name = targetVariable(in);
-        label(in, {u"value"}, "\"Value:\"");
+        readLabel(in, {u"value"}, "\"Value:\"");
         steps_.back().first = in.calculation();
     }
 
@@ -310,7 +301,7 @@ class ScriptParser {
     // Newer programs print when a loop writes its changes: [ Flush: Always ]. There is nothing to write here.
     static void loopOptions(Parser* in) {
         if (in != nullptr && in->current().kind != TokenKind::rightBracket) {
-            label(*in, {u"flush"}, "\"Flush:\"");
+            readLabel(*in, {u"flush"}, "\"Flush:\"");
             if (in->current().kind != TokenKind::identifier) {
                 in->failExpected("Always, Minimum or Defer", CalcCode::nameMissing);
             }
@@ -321,7 +312,7 @@ class ScriptParser {
     void performScript(Parser& in) {
         Step& call = add(StepKind::performScript);
         if (in.current().kind == TokenKind::identifier && foldName(in.current().text) == u"specified") {
-            label(in, {u"specified"}, "\"Specified:\"");
+            readLabel(in, {u"specified"}, "\"Specified:\"");
             while (in.current().kind == TokenKind::identifier) {
                 in.advance(); // From list, By name: what follows tells them apart
             }
@@ -345,7 +336,7 @@ class ScriptParser {
             in.advance();
         }
         if (in.accept(TokenKind::semicolon)) {
-            label(in, {u"parameter"}, "\"Parameter:\"");
+            readLabel(in, {u"parameter"}, "\"Parameter:\"");
             if (in.current().kind != TokenKind::rightBracket) {
                 call.second = in.calculation();
             }
@@ -357,7 +348,7 @@ class ScriptParser {
         if (in == nullptr || in->current().kind == TokenKind::rightBracket) {
             return;
         }
-        label(*in, {u"text", u"result"}, "\"Text Result:\"");
+        readLabel(*in, {u"text", u"result"}, "\"Text Result:\"");
         if (in->current().kind != TokenKind::rightBracket) {
             leave.first = in->calculation();
         }
@@ -367,7 +358,7 @@ class ScriptParser {
     void insert(StepKind kind, Parser& in) {
         Step& step = add(kind);
         if (in.current().kind == TokenKind::identifier) {
-            label(in, {u"target"}, "\"Target:\"");
+            readLabel(in, {u"target"}, "\"Target:\"");
         }
         step.name = targetVariable(in);
         step.first = in.calculation();
@@ -390,18 +381,6 @@ class ScriptParser {
         step.first = in.calculation();
     }
 
-    // Takes words and a colon, as in "Text Result:".
-    static void label(Parser& in, std::initializer_list<std::u16string_view> words, std::string_view what) {
-        for (const std::u16string_view word : words) {
-            if (!in.acceptWord(word)) {
-                in.failExpected(what, CalcCode::nameMissing);
-            }
-        }
-        if (!in.accept(TokenKind::colon)) {
-            in.failExpected(what, CalcCode::nameMissing);
-        }
-    }
-
     Step& add(StepKind kind) {
         Step& added = steps_.emplace_back();
         added.kind = kind;
@@ -415,6 +394,7 @@ class ScriptParser {
     SourcePtr source_;
     std::u16string_view text_;
     const FunctionRegistry& functions_;
+    const StepRegistry& externalSteps_;
     size_t at_ = 0;
     size_t begin_ = 0; // of the step being read
     std::vector<Step> steps_;
@@ -423,8 +403,13 @@ class ScriptParser {
 
 } // namespace
 
-Script parseScript(const SourcePtr& source, const FunctionRegistry& functions) {
-    return ScriptParser(source, functions).parse();
+Script parseScript(const SourcePtr& source, const FunctionRegistry& functions,
+                   const StepRegistry& externalSteps) {
+    return ScriptParser(source, functions, externalSteps).parse();
+}
+
+bool isStepName(std::u16string_view key) {
+    return findOwnStep(key) != nullptr;
 }
 
 } // namespace host

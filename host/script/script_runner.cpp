@@ -63,6 +63,9 @@ Value ScriptRunner::run(const Script& script) {
         case StepKind::pause:
             pause(script, step);
             break;
+        case StepKind::external:
+            runExternal(script, step);
+            break;
         }
     }
     return {};
@@ -145,6 +148,40 @@ void ScriptRunner::pause(const Script& script, const Step& step) {
     const auto seconds = evaluate(script, step).asNumber().value_or(0);
     listener_.paused(std::chrono::duration<double>(std::clamp(seconds.toDouble(), 0.0, kLongest)));
     session_.setLastError(0);
+}
+
+void ScriptRunner::runExternal(const Script& script, const Step& step) {
+    const ExternalStepCall& call = *step.external;
+    const auto failStep = [&](const std::string& message) {
+        throw CalcError(ErrorKind::evaluation, CalcCode::generic, script.source, step.begin,
+                        toUtf8(call.step->name()) + message);
+    };
+    if (!call.step->registered()) {
+        failStep(" is no longer registered");
+    }
+    std::vector<Value> values;
+    const auto put = [&](const StepParameter& parameter, Value value) {
+        values.resize(std::max(values.size(), parameter.index + 1));
+        values[parameter.index] = std::move(value);
+    };
+    for (const StepParameter& parameter : call.step->parameters()) {
+        const bool isFixed =
+            parameter.kind == StepParameter::Kind::flag || parameter.kind == StepParameter::Kind::choice;
+        put(parameter, isFixed ? Value::number(parameter.standard) : Value());
+    }
+    for (const auto& [parameter, calculation, fixed] : call.arguments) {
+        put(*parameter, calculation ? session_.evaluate(*calculation).convertedTo(parameter->type)
+                                    : Value::number(fixed));
+    }
+    try {
+        Value result = call.step->run(session_, values);
+        listener_.evaluated(script, step, result);
+        if (!call.target.empty() && session_.lastError() == 0) {
+            session_.setVariable(call.target, std::move(result));
+        }
+    } catch (const ExternalFailure& failure) {
+        failStep(std::string(" failed: ") + failure.what());
+    }
 }
 
 void ScriptRunner::fail(const Script& script, const Calculation& calculation, std::string message) const {

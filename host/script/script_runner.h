@@ -54,6 +54,7 @@ class ScriptRunner {
     void insert(const Script& script, const Step& step, ContainerMaker make);
     void exportContents(const Script& script, const Step& step);
     void pause(const Script& script, const Step& step);
+    void runExternal(const Script& script, const Step& step);
     std::filesystem::path path(const Script& script, const Calculation& calculation);
     [[noreturn]] void fail(const Script& script, const Calculation& calculation, std::string message) const;
 

@@ -24,12 +24,10 @@ const std::string kPng(kPngBytes, sizeof kPngBytes - 1);
 
 class Containers : public Program {
   protected:
-    // Runs a script with the test plug-in; the result without what loading had to say.
+    // Runs a script with the test plug-in.
     Outcome script(const std::string& text, const std::string& options = "") {
         write("scripts/Main.fmscript", text);
-        Outcome result = good("run scripts/Main.fmscript " + options);
-        result.err.erase(0, result.err.find('\n') + 1);
-        return result;
+        return good("run scripts/Main.fmscript " + options);
     }
 
     // The script fails at [place], a line and a column, with that message.

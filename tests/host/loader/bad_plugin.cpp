@@ -1,17 +1,45 @@
 // A plug-in that goes wrong at start-up, in the way that BAD_PLUGIN says.
 #include "tests/host/loader/test_plugin.h"
 
+#include <chrono>
+#include <cstdlib>
 #include <stdexcept>
+#include <thread>
 
 FMX_ExternCallPtr gFMX_ExternCallPtr = nullptr;
 
 namespace {
 
 // NOLINTBEGIN(misc-redundant-expression): the comparisons are of one compilation, not of all
-enum Way { kRefusesVersion, kNotEnabled, kThrows, kThrowsInt, kBadFunctions, kThrowsWhenIdle };
+enum Way {
+    kRefusesVersion,
+    kNotEnabled,
+    kAnswersNothing,
+    kThrows,
+    kThrowsInt,
+    kBadFunctions,
+    kThrowsWhenIdle,
+    kCrashes,
+    kAborts,
+    kExits,
+    kHangs,
+    kHangsAtTheEnd
+};
 
 fmx::errcode empty(short, const fmx::ExprEnv&, const fmx::DataVect&, fmx::Data&) {
     return 0;
+}
+
+[[noreturn]] void hang() {
+    for (;;) {
+        std::this_thread::sleep_for(std::chrono::seconds(1));
+    }
+}
+
+// Writes where nothing is.
+void raiseCrash() {
+    volatile int* volatile nowhere = nullptr;
+    *nowhere = 1;
 }
 
 void registerBadFunctions() {
@@ -36,6 +64,9 @@ TEST_PLUGIN_EXPORT void FMExternCallProc(FMX_ExternCallPtr call) {
         throw std::runtime_error(BAD_PLUGIN == kThrowsWhenIdle ? "too tired"
                                                                : "nobody asked for idle messages");
     }
+    if (call->whichCall == kFMXT_Shutdown && BAD_PLUGIN == kHangsAtTheEnd) {
+        hang();
+    }
     if (call->whichCall != kFMXT_Init) {
         return;
     }
@@ -50,6 +81,18 @@ TEST_PLUGIN_EXPORT void FMExternCallProc(FMX_ExternCallPtr call) {
         break;
     case kNotEnabled:
         call->result = static_cast<fmx::ptrtype>(kDoNotEnable);
+        break;
+    case kAnswersNothing:
+        break;
+    case kCrashes:
+        raiseCrash();
+        break;
+    case kAborts:
+        std::abort();
+    case kExits:
+        std::exit(0); // NOLINT(concurrency-mt-unsafe)
+    case kHangs:
+        hang();
         break;
     case kThrows:
         throw std::runtime_error("no paper");

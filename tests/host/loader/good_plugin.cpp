@@ -24,7 +24,6 @@ int lastIdleLevel = -1;
 int calls = 0;
 int starts = 0;
 int shutDowns = 0;
-errcode secondRegistration = 0;
 errcode unknownUnregistration = 0;
 
 enum Function : short {
@@ -227,10 +226,10 @@ errcode vanish(short, const ExprEnv&, const DataVect& in, Data& result) {
     return 0;
 }
 
-// What start-up told: the version, whether the instance handle is there, what registering twice answered.
+// What start-up told: the version, whether the instance handle is there.
 errcode instance(short, const ExprEnv&, const DataVect&, Data& result) {
-    setNumber(result, (gFMX_ExternCallPtr->instanceID != 0 ? 1 : 0) + (secondRegistration != 0 ? 10 : 0) +
-                          (unknownUnregistration != 0 ? 100 : 0) + gFMX_ExternCallPtr->extnVersion * 1000);
+    setNumber(result, (gFMX_ExternCallPtr->instanceID != 0 ? 1 : 0) + (unknownUnregistration != 0 ? 100 : 0) +
+                          gFMX_ExternCallPtr->extnVersion * 1000);
     return 0;
 }
 
@@ -271,7 +270,6 @@ void start() {
                      startWhenIdle);
     registerFunction(kPicture, "Test_Picture", "Test_Picture", 0, 0, picture);
     registerFunction(kStreams, "Test_Streams", "Test_Streams ( container )", 1, 1, streams);
-    secondRegistration = registerFunction(kEcho, "Test_Echo2", "Test_Echo2", 0, 0, empty);
     unknownUnregistration = unregisterFunction(999);
 }
 
@@ -308,6 +306,7 @@ TEST_PLUGIN_EXPORT void FMExternCallProc(FMX_ExternCallPtr call) {
     case kFMXT_GetString:
         answerString(call, call->parm1 == kFMXT_NameStr      ? "Test plug-in"
                            : call->parm1 == kFMXT_OptionsStr ? "TEST1nnYYnn"
+                           : call->parm1 == kFMXT_HelpURLStr ? "https://example.com/help"
                                                              : "Helps testing.");
         break;
     default:

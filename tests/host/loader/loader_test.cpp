@@ -31,12 +31,13 @@ int exported(const fs::path& plugin, const char* name) {
 class Loader : public testing::Test {
   protected:
     Loader()
-        : host_(session_, [this](const std::u16string& file, const std::u16string& script,
-                                 const Value& parameter) {
-              const std::lock_guard lock(mutex_);
-              started_.push_back(toUtf8(file) + "/" + toUtf8(script) + "/" + toUtf8(parameter.asText()));
-              return script == u"Missing" ? 104 : 0;
-          }) {}
+        : host_(session_, steps_,
+                [this](const std::u16string& file, const std::u16string& script, const Value& parameter) {
+                    const std::lock_guard lock(mutex_);
+                    started_.push_back(toUtf8(file) + "/" + toUtf8(script) + "/" +
+                                       toUtf8(parameter.asText()));
+                    return script == u"Missing" ? 104 : 0;
+                }) {}
 
     // The result of a calculation as text, or "error " and the message.
     std::string run(const std::string& calculation) {
@@ -49,7 +50,9 @@ class Loader : public testing::Test {
 
     std::string loadError(const fs::path& path, int version = kHostVersion) {
         try {
-            host_.load(path, version);
+            LoadOptions options;
+            options.hostVersion = version;
+            lastPath_ = host_.load(path, options).path;
         } catch (const LoadError& error) {
             return error.what();
         }
@@ -58,9 +61,11 @@ class Loader : public testing::Test {
 
     void loadGood() { host_.load(kPlugins / "good_plugin.fmx"); }
 
+    fs::path lastPath_; // of the plug-in that was loaded last
     std::mutex mutex_;
     std::vector<std::string> started_;
     Session session_;
+    StepRegistry steps_;
     PluginHost host_;
 };
 
@@ -85,6 +90,7 @@ TEST_F(Loader, AsksForTheStringsAndKeepsTheFunctions) {
     EXPECT_EQ(info.name, u"Test plug-in");
     EXPECT_EQ(info.helpText, u"Helps testing.");
     EXPECT_EQ(info.options, u"TEST1nnYYnn");
+    EXPECT_EQ(info.helpAddress, u"https://example.com/help");
     EXPECT_EQ(info.version, 54);
     EXPECT_EQ(info.path, kPlugins / "good_plugin.fmx");
     const auto functions = host_.functions();
@@ -98,8 +104,9 @@ TEST_F(Loader, AsksForTheStringsAndKeepsTheFunctions) {
     EXPECT_EQ(functions[2].flags, 0xFF01U);
     EXPECT_EQ(functions[1].name, u"Test_Join"); // registered with a blank behind it
     EXPECT_EQ(functions[1].maxArguments, ExternalFunction::kAnyNumber);
-    EXPECT_EQ(host_.takeWarnings().size(), 1U); // one function with an id that is taken
-    EXPECT_EQ(run("Test_Instance"), "54111");
+    EXPECT_TRUE(host_.takeWarnings().empty());
+    EXPECT_FALSE(host_.hasRefused());
+    EXPECT_EQ(run("Test_Instance"), "77101");
 }
 
 TEST_F(Loader, LoadsTheOnePluginOfAFolder) {
@@ -110,7 +117,55 @@ TEST_F(Loader, LoadsTheOnePluginOfAFolder) {
     EXPECT_EQ(loadError(folder.path()), "loaded");
     fs::copy_file(kPlugins / "good_plugin.fmx", folder.path() / "Other.fmx");
     EXPECT_EQ(loadError(folder.path()), "the folder " + folder.path().string() +
-                                            " holds more than one .fmx file; name the one to load");
+                                            " holds more than one .fmx file (Other.fmx, Some.fmx); name the "
+                                            "one to load");
+}
+
+TEST_F(Loader, LoadsThePluginOfABundle) {
+    const TemporaryFolder folder;
+    const fs::path bundle = folder.path() / "Some.fmplugin";
+    fs::create_directories(bundle / "Contents/MacOS");
+    EXPECT_EQ(loadError(bundle),
+              "the bundle " + bundle.string() +
+                  " holds no plug-in for Linux: it has no folder Contents/Resources/Linux");
+    EXPECT_EQ(loadError(folder.path()), "the folder " + folder.path().string() + " holds no .fmx file");
+    const fs::path inside = bundle / "Contents/Resources/Linux";
+    fs::create_directories(inside);
+    EXPECT_EQ(loadError(bundle), "the folder " + inside.string() + " holds no .fmx file");
+    fs::copy_file(kPlugins / "good_plugin.fmx", inside / "Some.fmx");
+    for (const fs::path& path : {bundle, bundle / "", inside / "Some.fmx", folder.path()}) {
+        EXPECT_EQ(loadError(path), "loaded") << path;
+        EXPECT_EQ(lastPath_, inside / "Some.fmx");
+    }
+}
+
+// A library of that name whose head says that it is for something else.
+TEST_F(Loader, RefusesLibrariesOfOtherMachines) {
+    const TemporaryFolder folder;
+    const fs::path library = folder.path() / "Other.fmx";
+    const auto expectFor = [&](const std::string& machine) {
+        EXPECT_THAT(loadError(library),
+                    testing::StartsWith("can not load " + library.string() + ": it is built for " + machine +
+                                        ", this host for Linux on "));
+    };
+    const auto patch = [&](std::streamoff offset, const std::string& bytes) {
+        fs::copy_file(kPlugins / "good_plugin.fmx", library, fs::copy_options::overwrite_existing);
+        std::fstream(library, std::ios::in | std::ios::out | std::ios::binary)
+            .seekp(offset)
+            .write(bytes.data(), static_cast<std::streamsize>(bytes.size()));
+    };
+    patch(18, {'\x08', '\0'});
+    expectFor("Linux on mips (64 bit)");
+    patch(18, {'\x39', '\x30'});
+    expectFor("Linux on processor 12345 (64 bit)");
+    patch(4, "\x01");
+    EXPECT_THAT(loadError(library), testing::HasSubstr(" (32 bit), this host for Linux on "));
+    patch(0, "\xCF\xFA\xED\xFE");
+    expectFor("macOS");
+    patch(0, "\xCA\xFE\xBA\xBE");
+    expectFor("macOS");
+    patch(0, "MZ");
+    expectFor("Windows");
 }
 
 TEST_F(Loader, RefusesWhatIsNoPlugin) {
@@ -122,6 +177,11 @@ TEST_F(Loader, RefusesWhatIsNoPlugin) {
     std::ofstream(text) << "no library";
     EXPECT_EQ(loadError(text), "can not load " + text.string() + ": file too short");
     EXPECT_EQ(loadError(fs::path("/proc/self/mem")).substr(0, 29), "can not load /proc/self/mem: ");
+    EXPECT_EQ(loadError("/dev/null"), "can not load /dev/null: it is neither a file nor a folder");
+    const std::string lonely = (kPlugins / "lonely_plugin.fmx").string();
+    EXPECT_EQ(loadError(lonely),
+              "can not load " + lonely +
+                  ": libgone.so: cannot open shared object file: No such file or directory");
 }
 
 TEST_F(Loader, HonoursTheAnswerToTheStartUp) {
@@ -131,26 +191,29 @@ TEST_F(Loader, HonoursTheAnswerToTheStartUp) {
     };
     message("refusing_plugin", "refused version 53");
     message("not_enabled_plugin", "asked not to be enabled");
+    message("silent_plugin", "answered the start-up with interface version 0; expected 4 to 255");
     message("throwing_plugin", "failed on message 0: no paper");
     message("throwing_int_plugin", "failed on message 0: it threw something that is no standard exception");
     EXPECT_TRUE(host_.functions().empty());
     EXPECT_EQ(run("Bad_Left"), "error there is no function or variable called Bad_Left");
-    EXPECT_EQ(host_.load(kPlugins / "tired_plugin.fmx", 53).version, 51);
+    EXPECT_EQ(host_.load(kPlugins / "tired_plugin.fmx").version, 51);
 }
 
 TEST_F(Loader, RefusesBadRegistrations) {
     host_.load(kPlugins / "bad_functions_plugin.fmx");
+    const std::string file = (kPlugins / "bad_functions_plugin.fmx").string();
+    const auto refusal = [&](const std::string& which, const std::string& reason) {
+        return "the plug-in function " + which + " of " + file + " is not registered: " + reason;
+    };
     EXPECT_EQ(
         host_.takeWarnings(),
-        (std::vector<std::string>{
-            "the plug-in function Bad_Backwards (TEST 1) is not registered: it takes 3 to 1 arguments",
-            "the plug-in function Bad_Negative (TEST 2) is not registered: it takes -1 to 1 arguments",
-            "the plug-in function Left (TEST 3) is not registered: the calculation language has a function "
-            "of that name",
-            "the plug-in function  (TEST 4) is not registered: it has no name",
-            "the plug-in function bad_good (TEST 6) is not registered: there is a function of that name "
-            "already",
-            "the plug-in function Bad_Twice (TEST 5) is not registered: its id is registered already"}));
+        (std::vector{refusal("Bad_Backwards (TEST 1)", "it needs 3 arguments and can be given 1 at most"),
+                     refusal("Bad_Negative (TEST 2)", "it needs -1 arguments"),
+                     refusal("Left (TEST 3)", "the calculation language has a function of that name"),
+                     refusal("(TEST 4)", "it has no name"),
+                     refusal("bad_good (TEST 6)", "there is a function of that name already"),
+                     refusal("Bad_Twice (TEST 5)", "its id is that of Bad_Good")}));
+    EXPECT_TRUE(host_.hasRefused());
     ASSERT_EQ(host_.functions().size(), 1U);
     EXPECT_EQ(run("Left ( \"abc\" ; 2 ) & BAD_GOOD"), "ab");
 }
@@ -304,8 +367,9 @@ TEST(LoaderLife, TheEndShutsDownAndTakesTheFunctionsAway) {
     const int starts = exported(plugin, "testStarts");
     const int shutDowns = exported(plugin, "testShutDowns");
     Session session;
+    StepRegistry steps;
     for (int i = 0; i < 2; ++i) {
-        PluginHost host(session, {});
+        PluginHost host(session, steps, {});
         host.load(plugin);
         EXPECT_NE(session.functions().find(u"test_join"), nullptr);
         EXPECT_EQ(exported(plugin, "testStarts"), starts + i + 1);
@@ -317,11 +381,12 @@ TEST(LoaderLife, TheEndShutsDownAndTakesTheFunctionsAway) {
 
 TEST(LoaderLife, AProcessHasOneHostAtATime) {
     Session session;
+    StepRegistry steps;
     {
-        const PluginHost host(session, {});
-        EXPECT_THROW(PluginHost(session, {}), std::logic_error);
+        const PluginHost host(session, steps, {});
+        EXPECT_THROW(PluginHost(session, steps, {}), std::logic_error);
     }
-    EXPECT_NO_THROW(PluginHost(session, {}));
+    EXPECT_NO_THROW(PluginHost(session, steps, {}));
 }
 
 } // namespace

@@ -20,7 +20,7 @@ class Scripts : public testing::Test, protected ScriptListener {
         char pattern[] = "/tmp/script-test-XXXXXX";
         root_ = mkdtemp(pattern);
         fs::create_directory(root_ / "main");
-        library_.emplace(root_ / "main", session_.functions());
+        library_.emplace(root_ / "main", session_.functions(), steps_);
         runner_.emplace(session_, *library_, static_cast<ScriptListener&>(*this));
     }
     ~Scripts() override { fs::remove_all(root_); }
@@ -66,6 +66,7 @@ class Scripts : public testing::Test, protected ScriptListener {
 
     fs::path root_;
     Session session_;
+    StepRegistry steps_;
     std::optional<ScriptLibrary> library_;
     std::optional<ScriptRunner> runner_;
     std::vector<std::string> dialogs_;

@@ -1,4 +1,4 @@
-#include "host/loader/plugin_function.h"
+#include "host/loader/plugin_handler.h"
 
 #include "host/calc/session.h"
 #include "host/loader/conversion.h"
@@ -17,7 +17,7 @@ bool holdsContainer(std::span<const Value> values) {
 
 } // namespace
 
-Value PluginFunction::call(Session& session, std::span<Value> arguments) {
+Value PluginHandler::call(Session& session, std::span<Value> arguments) const {
     try {
         const CallFrames::Lease frame(frames_);
         frame->arguments->Clear();
@@ -26,8 +26,7 @@ Value PluginFunction::call(Session& session, std::span<Value> arguments) {
             frame->arguments->PushBack(*frame->argument);
         }
         frame->result->Clear();
-        const fmx::errcode code =
-            handler_(identity_.id, *frame->environment, *frame->arguments, *frame->result);
+        const fmx::errcode code = code_(identity_.id, *frame->environment, *frame->arguments, *frame->result);
         session.setLastError(code);
         Value result = code == 0 ? valueOf(*frame->result) : Value::invalid();
         if (holdsContainer(arguments) || result.type() == ValueType::container) {
