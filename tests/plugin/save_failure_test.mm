@@ -112,8 +112,9 @@ TEST_F(DeletedElsewhereTest, IsToldByTheSaveAndTheOtherChangesAreKept) {
     EXPECT_EQ(call(Do_KORU_Save), "!!ERROR!!");
     EXPECT_EQ(lastErrorNumber(), "-8005");
     EXPECT_THAT(lastErrorText(),
-                testing::AllOf(HasSubstr("Everything else is saved"), HasSubstr(gone),
-                               HasSubstr("deleted by another program"), testing::Not(HasSubstr(kept))));
+                testing::AllOf(testing::StartsWith("Failed to save record Everything else is saved"),
+                               HasSubstr(gone), HasSubstr("deleted by another program"),
+                               testing::Not(HasSubstr(kept))));
     EXPECT_EQ(noteIn(anotherBook(), kept), "kept");
     EXPECT_FALSE([book hasUnsavedChanges]);
     NSError* error = nil;
@@ -207,6 +208,33 @@ TEST_F(ReadOnlyDiskTest, ItIsReadAndSearchedAndNothingIsLostSilently) {
     NSArray* people = [[ABAddressBook sharedAddressBook] people];
     ASSERT_EQ([people count], 1U);
     EXPECT_EQ(utf8([[people objectAtIndex:0] uniqueId]), anna_);
+}
+
+TEST_F(ReadOnlyDiskTest, EveryChangeIsRefusedInItsOwnWay) {
+    const auto codeOf = [](HandlerFunction handler, std::initializer_list<std::string> arguments = {}) {
+        const std::string answer = call(handler, arguments);
+        return answer == "!!ERROR!!" ? lastErrorNumber() : answer;
+    };
+    ASSERT_EQ(call(Do_KORU_Open, {anna_}), "0");
+    EXPECT_EQ(codeOf(Do_KORU_SetValueForProperty, {"note", "new"}), "-8017");
+    EXPECT_EQ(codeOf(Do_KORU_DeleteValueForProperty, {"note"}), "-8017");
+    EXPECT_EQ(codeOf(Do_KORU_SetValueForUID, {"phone", "x", "1"}), "-8017");
+    EXPECT_EQ(codeOf(Do_KORU_DeleteValueForUID, {"phone", "x"}), "-8017");
+    EXPECT_EQ(codeOf(Do_KORU_SetLabelForUID, {"phone", "x", "home"}), "-8017");
+    EXPECT_EQ(codeOf(Do_KORU_AddMV, {"phone", "1", "home"}), "-8017");
+    EXPECT_EQ(codeOf(Do_KORU_AddAddress, {"home", "1 Quay", "", "", "", "", "gb"}), "-8017");
+    for (HandlerFunction* membership :
+         {Do_KORU_AddPerson, Do_KORU_RemovePerson, Do_KORU_AddSubgroup, Do_KORU_RemoveSubgroup}) {
+        EXPECT_EQ(codeOf(*membership, {anna_}), "-8017");
+    }
+    EXPECT_EQ(codeOf(Do_KORU_AddCustomField, {"person", "Customer"}), "-8020");
+    EXPECT_EQ(codeOf(Do_KORU_RemoveCustomField, {"person", "Customer"}), "-8022") << "whatever the name";
+    EXPECT_EQ(codeOf(Do_KORU_SetCustomField, {"person", "First", "Zoe"}), "-8024");
+    EXPECT_EQ(codeOf(Do_KORU_SetImage, {""}), "-8026");
+    EXPECT_EQ(codeOf(Do_KORU_Delete, {anna_}), "-8001");
+    EXPECT_EQ(codeOf(Do_KORU_ClearAll, {"", "", "0"}), "0") << "what cannot be removed is passed over";
+    EXPECT_EQ(codeOf(Do_KORU_Save), "0") << "nothing is unsaved";
+    EXPECT_EQ(call(Do_KORU_GetValueForProperty, {"firstname"}), "Anna");
 }
 
 } // namespace
