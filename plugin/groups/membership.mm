@@ -21,7 +21,7 @@ ABRecord* recordToJoin(NSString* uniqueId) {
         setError(kRecordReadOnly);
         return nil;
     }
-    ABRecord* record = [sharedBook() recordForUniqueId:uniqueId];
+    ABRecord* record = recordWithId(uniqueId);
     if (record == nil) {
         setError(kUidDoesNotExist);
     }

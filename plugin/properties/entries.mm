@@ -221,7 +221,9 @@ NSString* setEntryLabel(NSString* name, NSString* identifier, NSString* word) {
     if (!requireWritableRecord() || !openToChange(name, identifier, index)) {
         return nil;
     }
-    if (![state.gValues.get() replaceLabelAtIndex:index withLabel:labelToStore(word)]) {
+    NSString* label = labelToStore(word);
+    // The list raises for a label that is none.
+    if (label == nil || ![state.gValues.get() replaceLabelAtIndex:index withLabel:label]) {
         setError(kSettingLabelFailed);
         return nil;
     }

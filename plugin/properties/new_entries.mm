@@ -71,7 +71,9 @@ NSString* append(id value, NSString* label, ErrorCode refused) {
     if (!state.gValues) {
         state.gValues = Retained<ABMutableMultiValue>::adopt([[ABMutableMultiValue alloc] init]);
     }
-    NSString* identifier = [state.gValues.get() addValue:value withLabel:label];
+    // The list raises for a value or a label that is none.
+    const bool isEntry = value != nil && label != nil;
+    NSString* identifier = isEntry ? [state.gValues.get() addValue:value withLabel:label] : nil;
     if (identifier == nil) {
         setError(refused);
         return nil;

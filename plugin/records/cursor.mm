@@ -32,7 +32,7 @@ NSString* openAt(std::uint32_t index, const Retained<NSArray>& results, Retained
 template <typename Record>
 NSString* openById(NSString* uniqueId, std::uint32_t type, Retained<Record>& current) {
     current.reset();
-    current = Retained<Record>::retain(static_cast<Record*>([sharedBook() recordForUniqueId:uniqueId]));
+    current = Retained<Record>::retain(static_cast<Record*>(recordWithId(uniqueId)));
     state.g_currentRecordType = type;
     state.g_lastSearchType = type;
     if (!current) {

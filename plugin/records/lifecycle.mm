@@ -16,10 +16,14 @@ NSString* makeCurrent(Retained<Record>& current) {
     return [current.get() valueForProperty:kABUIDProperty];
 }
 
-// Adds a side's current record to the address book, where it is to be opened by its id from then on.
+// Adds a side's current record, if there is one, to the address book, where it is to be opened by its id from
+// then on.
 template <typename Record>
 void addCurrent(Retained<Record>& current) {
-    [sharedBook() addRecord:current.get()];
+    ABAddressBook* book = sharedBook();
+    if (current) {
+        [book addRecord:current.get()];
+    }
     current.reset();
     state.gNewRecord = false;
 }
@@ -75,8 +79,7 @@ bool openGroup(NSString* groupId) {
         return false;
     }
     state.g_group.reset();
-    state.g_group =
-        Retained<ABGroup>::retain(static_cast<ABGroup*>([sharedBook() recordForUniqueId:groupId]));
+    state.g_group = Retained<ABGroup>::retain(static_cast<ABGroup*>(recordWithId(groupId)));
     if (!state.g_group) {
         setError(kRecordDoesNotExist);
         return false;
@@ -139,7 +142,7 @@ NSString* saveRecords() {
 }
 
 NSString* deleteRecord(NSString* uniqueId) {
-    ABRecord* record = [sharedBook() recordForUniqueId:uniqueId];
+    ABRecord* record = recordWithId(uniqueId);
     if (record == nil || ![sharedBook() removeRecord:record]) {
         setError(kRecordDoesNotExist);
         return nil;

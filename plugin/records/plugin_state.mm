@@ -26,7 +26,8 @@ ABPropertyType typeOfCurrentProperty(NSString* property) {
 }
 
 bool isPersonId(NSString* uniqueId) {
-    NSString* recordClass = [sharedBook() recordClassFromUniqueId:uniqueId];
+    ABAddressBook* book = sharedBook();
+    NSString* recordClass = uniqueId != nil ? [book recordClassFromUniqueId:uniqueId] : nil;
     return recordClass == nil || [recordClass isEqualToString:@"ABPerson"];
 }
 

@@ -7,3 +7,8 @@ ABAddressBook* sharedBook() {
     }
     return book;
 }
+
+ABRecord* recordWithId(NSString* uniqueId) {
+    ABAddressBook* book = sharedBook();
+    return uniqueId != nil ? [book recordForUniqueId:uniqueId] : nil;
+}

@@ -117,7 +117,7 @@ TEST_F(AddressBook, DoesNotKnowWhatWasNotAdded) {
     EXPECT_EQ([book() recordClassFromUniqueId:[one uniqueId]], nil);
     EXPECT_FALSE([book() hasUnsavedChanges]);
     EXPECT_EQ([book() recordForUniqueId:@"nonsense"], nil);
-    EXPECT_EQ([book() recordForUniqueId:nil], nil);
+    EXPECT_TRUE(raisesInvalidArgument([&] { [book() recordForUniqueId:nil]; }));
     EXPECT_EQ([book() recordClassFromUniqueId:nil], nil);
     NSError* error = nil;
     EXPECT_EQ([book() recordClassFromUniqueId:@"nonsense" error:&error], nil);
@@ -131,7 +131,8 @@ TEST_F(AddressBook, AddsARecordOnce) {
     EXPECT_EQ([error code], ABAddRecordsError);
     EXPECT_TRUE([book() save]);
     EXPECT_FALSE([book() addRecord:one]);
-    EXPECT_FALSE([book() addRecord:nil]);
+    EXPECT_TRUE(raisesInvalidArgument([&] { [book() addRecord:nil]; }));
+    EXPECT_TRUE(raisesInvalidArgument([&] { [book() addRecord:nil error:&error]; }));
     ABAddressBook* other = [ABAddressBook addressBook];
     EXPECT_FALSE([other addRecord:[[[ABPerson alloc] initWithAddressBook:book()] autorelease]]);
 }
@@ -152,7 +153,8 @@ TEST_F(AddressBook, RemovedRecordsAreGoneAtOnce) {
     }
     EXPECT_EQ([[book() people] count], 0u);
     EXPECT_TRUE(found(kABLastNameProperty, @"X", kABEqual).empty());
-    EXPECT_FALSE([book() removeRecord:nil]);
+    EXPECT_TRUE(raisesInvalidArgument([&] { [book() removeRecord:nil]; }));
+    EXPECT_TRUE(raisesInvalidArgument([&] { [book() removeRecord:nil error:nullptr]; }));
     EXPECT_EQ([before count], 2u);
     EXPECT_EQ(names(before), (std::vector<std::string>{"Stored", "Added"}));
     ASSERT_TRUE([book() save]);
@@ -435,8 +437,7 @@ TEST_F(AddressBook, KnowsTheUsersCountry) {
 }
 
 TEST_F(AddressBook, RaisesForASearchOfNothing) {
-    EXPECT_TRUE([[raised([&] { [book() recordsMatchingSearchElement:nil]; }) name]
-        isEqual:NSInvalidArgumentException]);
+    EXPECT_TRUE(raisesInvalidArgument([&] { [book() recordsMatchingSearchElement:nil]; }));
 }
 
 } // namespace

@@ -54,11 +54,28 @@ TEST_F(GroupTest, TakesOnlyRecordsOfTheAddressBook) {
     ABGroup* friends = group(@"Friends");
     ABPerson* loose = [[[ABPerson alloc] initWithAddressBook:book()] autorelease];
     EXPECT_FALSE([friends addMember:loose]);
-    EXPECT_FALSE([friends addMember:nil]);
     EXPECT_FALSE([friends addMember:(ABPerson*)friends]);
     EXPECT_FALSE([friends addSubgroup:(ABGroup*)person(@"Ann", @"X")]);
-    EXPECT_FALSE([friends removeMember:nil]);
-    EXPECT_FALSE([friends removeSubgroup:nil]);
+}
+
+TEST_F(GroupTest, RaisesForNil) {
+    ABGroup* friends = group(@"Friends");
+    EXPECT_TRUE(raisesInvalidArgument([&] { [friends addMember:nil]; }));
+    EXPECT_TRUE(raisesInvalidArgument([&] { [friends removeMember:nil]; }));
+    EXPECT_TRUE(raisesInvalidArgument([&] { [friends addSubgroup:nil]; }));
+    EXPECT_TRUE(raisesInvalidArgument([&] { [friends removeSubgroup:nil]; }));
+    ABPerson* ann = person(@"Ann", @"X");
+    NSString* const identifiers[] = {@"1", nil};
+    for (NSString* identifier : identifiers) {
+        EXPECT_TRUE(raisesInvalidArgument(
+            [&] { [friends setDistributionIdentifier:identifier forProperty:nil person:ann]; }));
+        EXPECT_TRUE(raisesInvalidArgument(
+            [&] { [friends setDistributionIdentifier:identifier forProperty:kABEmailProperty person:nil]; }));
+    }
+    EXPECT_TRUE(raisesInvalidArgument([&] { [friends distributionIdentifierForProperty:nil person:ann]; }));
+    EXPECT_TRUE(raisesInvalidArgument(
+        [&] { [friends distributionIdentifierForProperty:kABEmailProperty person:nil]; }));
+    EXPECT_EQ([[friends members] count], 0u);
 }
 
 TEST_F(GroupTest, TakesMembersBeforeItIsAdded) {

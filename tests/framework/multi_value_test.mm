@@ -27,7 +27,6 @@ TEST(MultiValue, AnswersNothingForUnknownIdentifiers) {
     EXPECT_EQ([list valueForIdentifier:@"?"], nil);
     EXPECT_EQ([list labelForIdentifier:@"?"], nil);
     EXPECT_FALSE([list setPrimaryIdentifier:@"?"]);
-    EXPECT_FALSE([list setPrimaryIdentifier:nil]);
 }
 
 TEST(MultiValue, RaisesOutOfBounds) {
@@ -45,13 +44,16 @@ TEST(MultiValue, RaisesOutOfBounds) {
     EXPECT_EQ(text(raised([&] { [list valueAtIndex:2]; })), "There is no entry 2: the list has 2");
 }
 
-TEST(MultiValue, RefusesNil) {
+TEST(MultiValue, RaisesForNil) {
     ABMutableMultiValue* list = phones();
-    EXPECT_EQ([list addValue:nil withLabel:@"x"], nil);
-    EXPECT_EQ([list addValue:@"x" withLabel:nil], nil);
-    EXPECT_EQ([list insertValue:nil withLabel:@"x" atIndex:0], nil);
-    EXPECT_FALSE([list replaceValueAtIndex:0 withValue:nil]);
-    EXPECT_FALSE([list replaceLabelAtIndex:0 withLabel:nil]);
+    EXPECT_TRUE(raisesInvalidArgument([&] { [list addValue:nil withLabel:@"x"]; }));
+    EXPECT_TRUE(raisesInvalidArgument([&] { [list addValue:@"x" withLabel:nil]; }));
+    EXPECT_TRUE(raisesInvalidArgument([&] { [list insertValue:nil withLabel:@"x" atIndex:0]; }));
+    EXPECT_TRUE(raisesInvalidArgument([&] { [list insertValue:@"x" withLabel:nil atIndex:0]; }));
+    EXPECT_TRUE(raisesInvalidArgument([&] { [list replaceValueAtIndex:0 withValue:nil]; }));
+    EXPECT_TRUE(raisesInvalidArgument([&] { [list replaceLabelAtIndex:0 withLabel:nil]; }));
+    EXPECT_TRUE(raisesInvalidArgument([&] { [list setPrimaryIdentifier:nil]; }));
+    EXPECT_EQ(text([list valueAtIndex:0]) + text([list labelAtIndex:0]), "1" + text(kABHomeLabel));
     EXPECT_EQ([list count], 2u);
 }
 

@@ -138,7 +138,7 @@ TEST_F(SearchTest, JoinsConditions) {
         EXPECT_FALSE([either matchesRecord:[[book() people] objectAtIndex:1]]);
         ASSERT_TRUE([book() save]);
     }
-    EXPECT_FALSE([either matchesRecord:nil]);
+    EXPECT_TRUE(raisesInvalidArgument([&] { [either matchesRecord:nil]; }));
 }
 
 TEST_F(SearchTest, FindsOnlyItsKind) {

@@ -18,6 +18,12 @@ NSException* raised(Work work) {
     return exceptionOf([](void* context) { (*static_cast<Work*>(context))(); }, &work);
 }
 
+// Whether the lambda raises NSInvalidArgumentException.
+template <typename Work>
+bool raisesInvalidArgument(Work work) {
+    return [[raised(work) name] isEqual:NSInvalidArgumentException];
+}
+
 // Readable text of any object; "nil".
 std::string text(id object);
 

@@ -165,6 +165,13 @@ TEST_F(EntriesTest, ARefusedChangeIsNotWrittenBack) {
     EXPECT_EQ(personDouble.writes, 0);
 }
 
+TEST_F(EntriesTest, NoLabelIsRefused) {
+    giveList({@"one"});
+    expectFailure(setLabel("phone", "0", ""), "Error setting label ", "-8014");
+    EXPECT_EQ(utf8([state.gValues.get() labelAtIndex:0]), "Cottage");
+    EXPECT_EQ(personDouble.writes, 0);
+}
+
 TEST_F(EntriesTest, TheRecordCanRefuseTheList) {
     giveList({@"one", address()});
     personDouble.refuses = true;

@@ -160,6 +160,8 @@ TEST_F(NewEntriesTest, NoLabelIsRefused) {
     giveList({@"one"});
     expectFailure(add("phone", "two", ""), "Failed to add property ", "-8016");
     EXPECT_EQ([state.gValues.get() count], 1U);
+    expectFailure(addStreet(""), "Failed to create address ", "-8015");
+    EXPECT_EQ([state.gValues.get() count], 1U);
     EXPECT_EQ(personDouble.writes, 0);
 }
 

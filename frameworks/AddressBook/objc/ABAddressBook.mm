@@ -152,12 +152,11 @@ BookPtr sharedBook() {
 
 // Records of another address book object are strangers.
 - (BOOL)owns:(ABRecord*)record {
-    return record != nil && [record book] == [self book];
+    return [record book] == [self book];
 }
 
 - (NSArray*)recordsMatchingSearchElement:(ABSearchElement*)search {
-    if (search == nil)
-        raiseInvalid(@"A search of the address book needs a search element");
+    requireArgument(search, @"A search of the address book needs a search element");
     auto places = reading([&] { return [self book]->search(queryOf(search), currentTime()); });
     return listFrom([self book], Kind::person, std::move(places));
 }
@@ -207,8 +206,7 @@ BookPtr sharedBook() {
 }
 
 - (ABRecord*)recordForUniqueId:(NSString*)uniqueId {
-    if (uniqueId == nil)
-        return nil;
+    requireArgument(uniqueId, @"A record was asked for without a unique id");
     const std::string uid = textFrom(uniqueId);
     return recordFrom([self book], reading([&] { return [self book]->find(uid); }));
 }
@@ -235,6 +233,7 @@ BookPtr sharedBook() {
 }
 
 - (BOOL)addRecord:(ABRecord*)record error:(NSError**)error {
+    requireArgument(record, @"There is no record to add");
     if ([self book]->readOnly()) {
         [self book]->noteRefusal();
         return refuse(error, ABPropertyReadOnlyError, readOnlyText(*[self book]));
@@ -251,6 +250,7 @@ BookPtr sharedBook() {
 }
 
 - (BOOL)removeRecord:(ABRecord*)record error:(NSError**)error {
+    requireArgument(record, @"There is no record to remove");
     if ([self book]->readOnly())
         return refuse(error, ABPropertyReadOnlyError, readOnlyText(*[self book]));
     if (![self owns:record] || !reading([&] { return [self book]->remove([record liveRecord]); }))

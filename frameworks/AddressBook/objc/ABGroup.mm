@@ -6,6 +6,16 @@
 
 using namespace addressbook;
 
+namespace {
+
+// What the choice of a member's entry needs.
+void requireForEntry(NSString* property, ABPerson* person) {
+    requireArgument(property, @"The entry that a group uses needs a property");
+    requireArgument(person, @"The entry that a group uses needs a person");
+}
+
+} // namespace
+
 @implementation ABGroup
 
 - (NSArray*)recordsInside:(Kind)kind {
@@ -13,6 +23,7 @@ using namespace addressbook;
 }
 
 - (BOOL)changeable:(ABRecord*)member kind:(Class)kind {
+    requireArgument(member, @"There is no record to put into the group or to take out of it");
     return [member isKindOfClass:kind] && [member book] == [self book] && ![self isReadOnly];
 }
 
@@ -65,7 +76,8 @@ using namespace addressbook;
 - (BOOL)setDistributionIdentifier:(NSString*)identifier
                       forProperty:(NSString*)property
                            person:(ABPerson*)person {
-    if (property == nil || person == nil || [self isReadOnly] ||
+    requireForEntry(property, person);
+    if ([self isReadOnly] ||
         !reading([&] { return [self book]->isMember(*[self liveRecord], *[person liveRecord]); }))
         return NO;
     id entries = [person valueForProperty:property];
@@ -93,8 +105,8 @@ using namespace addressbook;
 }
 
 - (NSString*)distributionIdentifierForProperty:(NSString*)property person:(ABPerson*)person {
-    if (property == nil || person == nil ||
-        !reading([&] { return [self book]->isMember(*[self liveRecord], *[person liveRecord]); }))
+    requireForEntry(property, person);
+    if (!reading([&] { return [self book]->isMember(*[self liveRecord], *[person liveRecord]); }))
         return nil;
     id entries = [person valueForProperty:property];
     if (![entries isKindOfClass:[ABMultiValue class]])

@@ -3,12 +3,24 @@
 #include "frameworks/AddressBook/objc/bridge.h"
 #include "frameworks/AddressBook/objc/list_entries.h"
 #include "frameworks/AddressBook/objc/multi_value.h"
-
-#include "frameworks/AddressBook/store/store.h"
+#include "frameworks/AddressBook/objc/record.h"
+#include "frameworks/AddressBook/values/uid.h"
 
 #include <algorithm>
 
 using namespace addressbook;
+
+namespace {
+
+// An entry has both.
+void requireEntryValue(id value) {
+    requireArgument(value, @"An entry of a list needs a value");
+}
+void requireEntryLabel(NSString* label) {
+    requireArgument(label, @"An entry of a list needs a label");
+}
+
+} // namespace
 
 @interface ABMultiValue (Entries)
 - (ListEntries&)list;
@@ -161,8 +173,8 @@ using namespace addressbook;
 }
 
 - (NSString*)insertValue:(id)value withLabel:(NSString*)label atIndex:(NSUInteger)index {
-    if (value == nil || label == nil)
-        return nil;
+    requireEntryValue(value);
+    requireEntryLabel(label);
     auto& entries = [self list].entries;
     if (index > entries.size())
         [self entryAtIndex:index]; // raises
@@ -187,22 +199,21 @@ using namespace addressbook;
 }
 
 - (BOOL)replaceValueAtIndex:(NSUInteger)index withValue:(id)value {
+    requireEntryValue(value);
     NSString* label = [self labelAtIndex:index];
-    if (value == nil)
-        return NO;
     [self replaceEntryAtIndex:index withValue:value label:label];
     return YES;
 }
 
 - (BOOL)replaceLabelAtIndex:(NSUInteger)index withLabel:(NSString*)label {
+    requireEntryLabel(label);
     id value = [self valueAtIndex:index];
-    if (label == nil)
-        return NO;
     [self replaceEntryAtIndex:index withValue:value label:label];
     return YES;
 }
 
 - (BOOL)setPrimaryIdentifier:(NSString*)identifier {
+    requireArgument(identifier, @"A list's primary entry needs an identifier");
     if ([self indexForIdentifier:identifier] == NSNotFound)
         return NO;
     [self list].primary = copied(identifier);

@@ -55,6 +55,11 @@ void raiseInvalid(NSString* sentence) {
     std::abort();
 }
 
+void requireArgument(id argument, NSString* sentence) {
+    if (argument == nil)
+        raiseInvalid(sentence);
+}
+
 void raiseUnreadable(const std::string& sentence) {
     [NSException raise:NSGenericException format:@"%@", stringFrom(sentence)];
     std::abort();
@@ -124,8 +129,7 @@ BookPtr bookOf(ABRecord* record) {
 }
 
 - (id)valueForProperty:(NSString*)property {
-    if (property == nil)
-        raiseInvalid(@"A value was asked for without a property");
+    requireArgument(property, @"A value was asked for without a property");
     const std::string name = textFrom(property);
     Book& book = *[self book];
     auto& state = *static_cast<State*>(_record);
@@ -147,8 +151,7 @@ BookPtr bookOf(ABRecord* record) {
 }
 
 - (BOOL)setValue:(id)value forProperty:(NSString*)property error:(NSError**)error {
-    if (property == nil)
-        raiseInvalid(@"A value was set without a property");
+    requireArgument(property, @"A value was set without a property");
     Book& book = *[self book];
     const std::string name = textFrom(property);
     const int type = reading([&] { return book.typeOf([self liveRecord]->kind, name); });

@@ -46,8 +46,9 @@ ABSearchElement* elementFrom(Query query) {
 }
 
 - (BOOL)matchesRecord:(ABRecord*)record {
-    const LiveRecordPtr live = liveRecordOf(record);
-    return live && reading([&] { return bookOf(record)->matches([self query], *live, currentTime()); });
+    requireArgument(record, @"There is no record to match with the search");
+    return reading(
+        [&] { return bookOf(record)->matches([self query], *liveRecordOf(record), currentTime()); });
 }
 
 @end

@@ -35,6 +35,8 @@ ABSearchElement* elementFrom(Query query);
 BOOL refuse(NSError** error, NSInteger code, NSString* sentence);
 
 [[noreturn]] void raiseInvalid(NSString* sentence);
+// Raises NSInvalidArgumentException, with the sentence, for an argument that is nil.
+void requireArgument(id argument, NSString* sentence);
 [[noreturn]] void raiseUnreadable(const std::string& sentence);
 
 // Runs [work], which reads the store; a failure is raised as an NSException with the store's

@@ -34,18 +34,19 @@
 - (ABPerson*)me;
 - (void)setMe:(ABPerson*)moi;
 
-// nil for nil and for an id that is not in the address book.
+// nil for an id that is not in the address book. Raises NSInvalidArgumentException for nil.
 - (ABRecord*)recordForUniqueId:(NSString*)uniqueId;
 
-// The name of the record's class; nil as above.
+// The name of the record's class; nil for nil and for an id that is not in the address book.
 - (NSString*)recordClassFromUniqueId:(NSString*)uniqueId;
 - (NSString*)recordClassFromUniqueId:(NSString*)uniqueId error:(NSError**)error;
 
-// NO for nil and for a record that is in the address book already.
+// NO for a record that is in the address book already. Raises NSInvalidArgumentException for nil.
 - (BOOL)addRecord:(ABRecord*)record;
 - (BOOL)addRecord:(ABRecord*)record error:(NSError**)error;
 
-// NO for nil and for a record that is not in the address book. The record leaves its groups, too.
+// NO for a record that is not in the address book. The record leaves its groups, too. Raises
+// NSInvalidArgumentException for nil.
 - (BOOL)removeRecord:(ABRecord*)record;
 - (BOOL)removeRecord:(ABRecord*)record error:(NSError**)error;
 

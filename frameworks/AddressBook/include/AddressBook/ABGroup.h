@@ -9,12 +9,13 @@
 @interface ABGroup : ABRecord
 
 // People, in the order in which they joined. Both answer NO when there is nothing to do: already in, or not
-// in.
+// in. Both raise NSInvalidArgumentException for nil.
 - (NSArray*)members;
 - (BOOL)addMember:(ABPerson*)person;
 - (BOOL)removeMember:(ABPerson*)person;
 
-// Groups inside this one. A group can not be inside itself, directly or by way of others.
+// Groups inside this one. A group can not be inside itself, directly or by way of others. Both raise
+// NSInvalidArgumentException for nil.
 - (NSArray*)subgroups;
 - (BOOL)addSubgroup:(ABGroup*)group;
 - (BOOL)removeSubgroup:(ABGroup*)group;
@@ -23,7 +24,8 @@
 - (NSArray*)parentGroups;
 
 // Which entry of a multi-value property of a person this group uses (a mail to the group, say); nil stands
-// for the primary entry. Answers NO when the person is no member or has no such entry.
+// for the primary entry. Answers NO when the person is no member or has no such entry. Both raise
+// NSInvalidArgumentException when the property or the person is nil.
 - (BOOL)setDistributionIdentifier:(NSString*)identifier
                       forProperty:(NSString*)property
                            person:(ABPerson*)person;

@@ -34,15 +34,17 @@
 
 @interface ABMutableMultiValue : ABMultiValue
 
-// The new entry's identifier; nil when the value or the label is nil.
+// The new entry's identifier. Raises NSInvalidArgumentException when the value or the label is nil.
 - (NSString*)addValue:(id)value withLabel:(NSString*)label;
 - (NSString*)insertValue:(id)value withLabel:(NSString*)label atIndex:(NSUInteger)index;
 
 - (BOOL)removeValueAndLabelAtIndex:(NSUInteger)index;
+
+// Both raise NSInvalidArgumentException when what is to be put in place is nil.
 - (BOOL)replaceValueAtIndex:(NSUInteger)index withValue:(id)value;
 - (BOOL)replaceLabelAtIndex:(NSUInteger)index withLabel:(NSString*)label;
 
-// NO when no entry has the identifier.
+// NO when no entry has the identifier. Raises NSInvalidArgumentException for nil.
 - (BOOL)setPrimaryIdentifier:(NSString*)identifier;
 
 @end

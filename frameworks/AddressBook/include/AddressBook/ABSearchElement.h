@@ -14,6 +14,7 @@
 // Raises NSInvalidArgumentException when there are no children.
 + (ABSearchElement*)searchElementForConjunction:(ABSearchConjunction)conjunction children:(NSArray*)children;
 
+// Raises NSInvalidArgumentException for nil.
 - (BOOL)matchesRecord:(ABRecord*)record;
 
 @end
