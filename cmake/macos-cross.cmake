@@ -1,42 +1,56 @@
-# A tool chain that builds the plug-in for macOS on another system, with clang and lld. The environment variable
-# MACOS_SDK, or the cache variable of the same name, is the folder of a macOS SDK. CMAKE_OSX_ARCHITECTURES (several,
-# separated by semicolons, make one universal plug-in) and CMAKE_OSX_DEPLOYMENT_TARGET say for which machines.
+# A tool chain that builds the plug-in for macOS on another system, with clang, lld and LLVM's binary tools. The
+# environment variable MACOS_SDK, or the cache variable of the same name, is the folder of a macOS SDK.
+# CMAKE_OSX_ARCHITECTURES (several, separated by semicolons, make one universal plug-in) says for which machines.
 
 set(CMAKE_SYSTEM_NAME Darwin)
+set(CMAKE_OSX_ARCHITECTURES x86_64 CACHE STRING "x86_64, arm64")
 
 # Trial projects of CMake's own are configured with this file, too, and need to know as well.
 list(APPEND CMAKE_TRY_COMPILE_PLATFORM_VARIABLES MACOS_SDK)
-set(MACOS_SDK "$ENV{MACOS_SDK}" CACHE PATH "The folder of a macOS SDK")
+# An empty value may be left in the cache by a configuration that had no SDK.
+if(NOT MACOS_SDK)
+  set(MACOS_SDK "$ENV{MACOS_SDK}" CACHE PATH "The folder of a macOS SDK" FORCE)
+endif()
 if(NOT EXISTS "${MACOS_SDK}/SDKSettings.json" AND NOT EXISTS "${MACOS_SDK}/SDKSettings.plist")
   message(FATAL_ERROR "MACOS_SDK must be the folder of a macOS SDK (with its SDKSettings); it is \"${MACOS_SDK}\"")
 endif()
-set(CMAKE_OSX_SYSROOT "${MACOS_SDK}" CACHE PATH "")
-set(CMAKE_OSX_ARCHITECTURES x86_64 CACHE STRING "i386, x86_64, arm64")
-set(CMAKE_OSX_DEPLOYMENT_TARGET 10.13 CACHE STRING "The oldest macOS that the plug-in runs on")
+set(CMAKE_OSX_SYSROOT "${MACOS_SDK}" CACHE PATH "" FORCE)
 
-# The target of the first architecture; clang's -arch options make the others of it.
+find_program(MACOS_CLANG clang REQUIRED)
+find_program(MACOS_CLANGXX clang++ REQUIRED)
+
+# LLVM's binary tools understand Mach-O. Those that belong to clang stand where it looks for them itself.
+function(find_llvm_tool variable name)
+  execute_process(COMMAND "${MACOS_CLANG}" -print-prog-name=${name} OUTPUT_VARIABLE path
+    OUTPUT_STRIP_TRAILING_WHITESPACE COMMAND_ERROR_IS_FATAL ANY)
+  find_program(${variable} "${path}" REQUIRED)
+endfunction()
+find_llvm_tool(CMAKE_AR llvm-ar)
+find_llvm_tool(CMAKE_RANLIB llvm-ranlib)
+find_llvm_tool(CMAKE_INSTALL_NAME_TOOL llvm-install-name-tool)
+find_llvm_tool(CMAKE_OTOOL llvm-otool)
+find_llvm_tool(MACOS_LIPO llvm-lipo)
+
+# To join several architectures, clang calls "lipo", which it looks for in the folders that -B names.
+set(clang_tools "${CMAKE_BINARY_DIR}/clang-tools")
+file(MAKE_DIRECTORY "${clang_tools}")
+file(CREATE_LINK "${MACOS_LIPO}" "${clang_tools}/lipo" SYMBOLIC)
+
+# The target is that of the first architecture; clang's -arch options make the others of it.
 list(GET CMAKE_OSX_ARCHITECTURES 0 first_architecture)
-set(target "${first_architecture}-apple-macos${CMAKE_OSX_DEPLOYMENT_TARGET}")
-foreach(language C OBJC)
-  find_program(MACOS_CLANG NAMES clang REQUIRED)
+foreach(language C OBJC CXX OBJCXX)
   set(CMAKE_${language}_COMPILER "${MACOS_CLANG}")
-  set(CMAKE_${language}_COMPILER_TARGET "${target}")
+  set(CMAKE_${language}_COMPILER_TARGET "${first_architecture}-apple-macos")
+  set(CMAKE_${language}_FLAGS_INIT "-B${clang_tools}")
 endforeach()
 foreach(language CXX OBJCXX)
-  find_program(MACOS_CLANGXX NAMES clang++ REQUIRED)
   set(CMAKE_${language}_COMPILER "${MACOS_CLANGXX}")
-  set(CMAKE_${language}_COMPILER_TARGET "${target}")
-  set(CMAKE_${language}_FLAGS_INIT "-stdlib=libc++")
+  string(APPEND CMAKE_${language}_FLAGS_INIT " -stdlib=libc++")
 endforeach()
+# lld by itself signs what is for arm64 alone.
 foreach(kind EXE SHARED MODULE)
-  set(CMAKE_${kind}_LINKER_FLAGS_INIT "-fuse-ld=lld")
+  set(CMAKE_${kind}_LINKER_FLAGS_INIT "-fuse-ld=lld -Wl,-adhoc_codesign")
 endforeach()
-
-# The binary tools that understand Mach-O.
-find_program(CMAKE_AR NAMES llvm-ar llvm-ar-14 REQUIRED)
-find_program(CMAKE_RANLIB NAMES llvm-ranlib llvm-ranlib-14 REQUIRED)
-find_program(CMAKE_INSTALL_NAME_TOOL NAMES llvm-install-name-tool llvm-install-name-tool-14 REQUIRED)
-find_program(CMAKE_OTOOL NAMES llvm-otool llvm-objdump llvm-objdump-14)
 # Compiling is trial enough of the compilers.
 set(CMAKE_TRY_COMPILE_TARGET_TYPE STATIC_LIBRARY)
 

@@ -19,12 +19,10 @@ if(NOT VELOCARD_SANITIZE)
 endif()
 
 # Resources/ beside the library, brought up to date with each build.
-set(resource_files Info.plist English.lproj/KORUFMPlugin.strings)
-foreach(file IN LISTS resource_files)
-  add_custom_command(OUTPUT "${plugin_folder}/Resources/${file}"
-    COMMAND "${CMAKE_COMMAND}" -E copy "${resources}/${file}" "${plugin_folder}/Resources/${file}"
-    DEPENDS "${resources}/${file}")
-  list(APPEND resource_copies "${plugin_folder}/Resources/${file}")
-endforeach()
-add_custom_target(velocard_resources ALL DEPENDS ${resource_copies})
+configure_file("${resources}/Info.plist" "${plugin_folder}/Resources/Info.plist")
+set(strings English.lproj/KORUFMPlugin.strings)
+add_custom_command(OUTPUT "${plugin_folder}/Resources/${strings}"
+  COMMAND "${CMAKE_COMMAND}" -E copy "${resources}/${strings}" "${plugin_folder}/Resources/${strings}"
+  DEPENDS "${resources}/${strings}")
+add_custom_target(velocard_resources ALL DEPENDS "${plugin_folder}/Resources/${strings}")
 add_dependencies(velocard velocard_resources)

@@ -61,7 +61,10 @@ NSBitmapImageRep* firstBitmap(NSImage* image) {
 
 // The bytes that encode the bitmap; nil for none.
 NSData* encoded(NSBitmapImageRep* bitmap, NSBitmapImageFileType format) {
-    return [bitmap representationUsingType:format properties:nil];
+    // Apple declares the parameter as never nil, and takes nil for no properties. A variable keeps clang
+    // content.
+    NSDictionary* noProperties = nil;
+    return [bitmap representationUsingType:format properties:noProperties];
 }
 
 } // namespace
