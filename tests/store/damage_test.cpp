@@ -1,7 +1,7 @@
 // Damage of every kind: an error that says so or a book that reads as before, never a crash, never a loss
 // that nobody is told of; and what repair() makes of it.
 
-#include "frameworks/AddressBook/store/file/folder.h"
+#include "frameworks/AddressBook/store/file/paths.h"
 #include "frameworks/AddressBook/store/file/repair.h"
 #include "tests/store/contents.h"
 #include "tests/store/scratch.h"

@@ -2,7 +2,7 @@
 // changed, the error says what it is, and the same succeeds later.
 
 #include "frameworks/AddressBook/store/file/backup.h"
-#include "frameworks/AddressBook/store/file/folder.h"
+#include "frameworks/AddressBook/store/file/paths.h"
 #include "frameworks/AddressBook/store/file/repair.h"
 #include "tests/store/contents.h"
 #include "tests/store/fault_vfs.h"

@@ -3,7 +3,7 @@
 // or as after.
 
 #include "frameworks/AddressBook/store/file/backup.h"
-#include "frameworks/AddressBook/store/file/folder.h"
+#include "frameworks/AddressBook/store/file/paths.h"
 #include "frameworks/AddressBook/store/file/repair.h"
 #include "tests/store/contents.h"
 #include "tests/store/long_run.h"

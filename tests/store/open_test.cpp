@@ -1,6 +1,6 @@
 // Opening: where the book is, how it comes to be, and everything that can be wrong with it.
 
-#include "frameworks/AddressBook/store/file/folder.h"
+#include "frameworks/AddressBook/store/file/paths.h"
 #include "frameworks/AddressBook/store/schema.h"
 #include "tests/store/builders.h"
 #include "tests/store/scratch.h"

@@ -2,7 +2,7 @@
 // says that it may only be read, and what others save there is seen.
 
 #include "frameworks/AddressBook/store/file/backup.h"
-#include "frameworks/AddressBook/store/file/folder.h"
+#include "frameworks/AddressBook/store/file/paths.h"
 #include "tests/store/builders.h"
 #include "tests/store/scratch.h"
 #include "tests/store/system_calls.h"

@@ -2,7 +2,7 @@
 // into the book.
 
 #include "frameworks/AddressBook/store/file/backup.h"
-#include "frameworks/AddressBook/store/file/folder.h"
+#include "frameworks/AddressBook/store/file/paths.h"
 #include "frameworks/AddressBook/store/file/repair.h"
 #include "frameworks/AddressBook/store/file/replace_file.h"
 #include "tests/store/contents.h"

@@ -1,6 +1,7 @@
 #include "tools/addressbook/fields.h"
 
 #include "frameworks/AddressBook/values/calendar.h"
+#include "frameworks/AddressBook/values/display_name.h"
 #include "frameworks/AddressBook/values/text.h"
 #include "frameworks/AddressBook/vcard/vcard.h"
 #include "tools/addressbook/output.h"
@@ -95,6 +96,21 @@ std::string dictionaryText(const Dictionary& fields) {
     return join(parts, ", ");
 }
 
+// A record in the store as the rule for the name to show looks at it.
+class StoredRecord final : public RecordView {
+  public:
+    StoredRecord(const Store& store, const RecordRef& record) : store_(store), record_(record) {}
+    Kind kind() const override { return record_.kind; }
+    const Value& value(std::string_view property) const override {
+        return value_ = store_.value(record_.row, property);
+    }
+
+  private:
+    const Store& store_;
+    const RecordRef& record_;
+    mutable Value value_;
+};
+
 std::string text(const Store& store, const RecordRef& record, std::string_view property) {
     return valueText(store.value(record.row, property));
 }
@@ -163,25 +179,7 @@ std::vector<Field> parseFields(std::string_view list, const Store& store) {
 }
 
 std::string displayName(const Store& store, const RecordRef& record) {
-    if (record.kind == Kind::group)
-        return text(store, record, property::kGroupName);
-    const Value flags = store.value(record.row, property::kPersonFlags);
-    const auto* number = flags.as<std::int64_t>();
-    const bool company = number && (*number & 7) == 1;
-    std::string name = company ? text(store, record, property::kOrganization) : std::string();
-    if (name.empty())
-        name = join({text(store, record, property::kTitle), text(store, record, property::kFirst),
-                     text(store, record, property::kMiddle), text(store, record, property::kLast),
-                     text(store, record, property::kSuffix)},
-                    " ");
-    for (const std::string_view property :
-         {property::kOrganization, property::kNickname, property::kEmail, property::kPhone})
-        if (name.empty()) {
-            const Value value = store.value(record.row, property);
-            const auto* list = value.as<MultiValue>();
-            name = list && !list->entries.empty() ? valueText(list->entries.front().value) : valueText(value);
-        }
-    return name;
+    return addressbook::displayName(StoredRecord(store, record));
 }
 
 std::string fieldText(const Store& store, const RecordRef& record, const Field& field) {

@@ -3,6 +3,8 @@
 
 #include "frameworks/AddressBook/model/book.h"
 
+#include "frameworks/AddressBook/values/display_name.h"
+
 #include <algorithm>
 #include <utility>
 
@@ -307,6 +309,11 @@ std::optional<std::string_view> Book::encoded(LiveRecord& record, std::string_vi
         return std::nullopt;
     load(record);
     return store_->encodedValue(*record.cachedRow, property);
+}
+
+std::string Book::displayName(LiveRecord& record) {
+    refreshIfStale();
+    return addressbook::displayName(LiveRecordView(*this, record));
 }
 
 void Book::reportDamage(const LiveRecord& record, const std::string& what) const {

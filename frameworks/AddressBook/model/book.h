@@ -111,6 +111,8 @@ class Book : public std::enable_shared_from_this<Book> {
         refreshIfStale();
         return revision_;
     }
+    // The name to show; see display_name.h.
+    std::string displayName(LiveRecord& record);
     // All values that are set, the picture included.
     std::map<std::string, Value> values(LiveRecord& record);
     // Sets a value; no value removes it.

@@ -92,10 +92,7 @@ std::string leftOutText(Book& book, const SaveResult& result) {
 }
 
 NSString* readOnlyText(const Book& book) {
-    return stringFrom(
-        "The address book " + book.file().string() +
-        " may only be read: make the file, its folder and its disk writable and start this program "
-        "again.");
+    return stringFrom(readOnlyError(book.file()).what());
 }
 
 void announce(ABAddressBook* book, const SaveResult& result) {

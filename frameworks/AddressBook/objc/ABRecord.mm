@@ -1,7 +1,6 @@
 #import <AddressBook/ABMultiValue.h>
 #import <AddressBook/ABRecord.h>
 
-#include "frameworks/AddressBook/model/display_name.h"
 #include "frameworks/AddressBook/objc/bridge.h"
 #include "frameworks/AddressBook/objc/property_types.h"
 #include "frameworks/AddressBook/objc/record.h"
@@ -189,7 +188,7 @@ BookPtr bookOf(ABRecord* record) {
 }
 
 - (NSString*)displayName {
-    return stringFrom(reading([&] { return displayName(*[self book], *[self liveRecord]); }));
+    return stringFrom(reading([&] { return [self book]->displayName(*[self liveRecord]); }));
 }
 
 @end

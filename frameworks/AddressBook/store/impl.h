@@ -3,7 +3,7 @@
 // What the parts of Store share; included by its sources only.
 
 #include "frameworks/AddressBook/store/backlog.h"
-#include "frameworks/AddressBook/store/file/folder.h"
+#include "frameworks/AddressBook/store/file/open_file.h"
 #include "frameworks/AddressBook/store/sql/sql.h"
 #include "frameworks/AddressBook/store/store.h"
 

@@ -113,8 +113,8 @@ Kind Store::Impl::kindIn(const sql::Statement& statement, int column) const {
 }
 
 void Store::Impl::reportDamage(const std::string& what) const {
-    throw StoreError(StoreError::Reason::damaged, "The address book " + db.file().string() + " is damaged (" +
-                                                      what + "): check it, or restore it from a backup.");
+    throw StoreError(StoreError::Reason::damaged, db.file(), "is damaged (" + what + ")",
+                     "check it, or restore it from a backup");
 }
 
 void Store::Impl::reportDamage(RowId row, const std::string& what) const {

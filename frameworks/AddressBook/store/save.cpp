@@ -91,8 +91,7 @@ class Saver {
     void log();
 
     [[noreturn]] void refuse(const std::string& what) const {
-        throw StoreError(Reason::refused,
-                         "The address book " + db_.file().string() + " was not changed: " + what + ".");
+        throw StoreError(Reason::refused, db_.file(), "was not changed", what);
     }
     std::int64_t propertyOf(const RecordRow& row, std::string_view name) {
         return impl_.ensureProperty(row.kind, name);
@@ -406,18 +405,12 @@ SaveResult Store::save(const ChangeSet& changes) {
     if (changes.empty())
         return {};
     if (impl_->opened.readOnly)
-        throw StoreError(
-            Reason::readOnly,
-            "The address book " + file().string() +
-                " may only be read: make the file, its folder and its disk writable and start this "
-                "program again.");
+        throw readOnlyError(file());
     try {
         sql::Transaction transaction(impl_->db, sql::Transaction::Mode::write);
         if (moved())
-            throw StoreError(Reason::io,
-                             "The address book " + file().string() +
-                                 " was moved, removed or replaced while it was open: put it back, "
-                                 "or start this program again.");
+            throw StoreError(Reason::io, file(), "was moved, removed or replaced while it was open",
+                             "put it back, or start this program again");
         SaveResult result = Saver(*impl_, changes).run();
         transaction.commit();
         if (result.change != 0)
@@ -426,8 +419,7 @@ SaveResult Store::save(const ChangeSet& changes) {
     } catch (const std::length_error& error) {
         for (auto& known : impl_->propertyIds)
             known.clear();
-        throw StoreError(Reason::refused,
-                         "The address book " + file().string() + " was not changed: " + error.what() + ".");
+        throw StoreError(Reason::refused, file(), "was not changed", error.what());
     } catch (...) {
         for (auto& known : impl_->propertyIds)
             known.clear(); // numbers given in the transaction are gone with it

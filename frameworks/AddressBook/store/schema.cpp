@@ -122,11 +122,10 @@ int schemaVersion(sql::Connection& connection) {
         return static_cast<int>(version);
     if (application == 0 && version == 0 && isEmpty)
         return 0;
-    throw StoreError(
-        StoreError::Reason::notADatabase,
-        "The file " + connection.file().string() +
-            " is a database of another program, not an address book: move it away or choose another "
-            "folder.");
+    throw StoreError(StoreError::Reason::notADatabase,
+                     problemSentence("The file", connection.file(),
+                                     "is a database of another program, not an address book",
+                                     "move it away or choose another folder"));
 }
 
 void migrate(sql::Connection& connection, std::span<const Migration> steps) {
@@ -134,11 +133,10 @@ void migrate(sql::Connection& connection, std::span<const Migration> steps) {
     const auto lacking = [&] {
         const int version = schemaVersion(connection);
         if (version > current)
-            throw StoreError(StoreError::Reason::newerSchema,
-                             "The address book " + connection.file().string() +
-                                 " was written by a newer version (" + std::to_string(version) +
-                                 ", this one knows " + std::to_string(current) +
-                                 "): install that version to use it.");
+            throw StoreError(StoreError::Reason::newerSchema, connection.file(),
+                             "was written by a newer version (" + std::to_string(version) +
+                                 ", this one knows " + std::to_string(current) + ")",
+                             "install that version to use it");
         return steps.subspan(static_cast<std::size_t>(version));
     };
     if (lacking().empty())

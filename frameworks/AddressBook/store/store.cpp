@@ -2,6 +2,7 @@
 
 #include "frameworks/AddressBook/store/impl.h"
 
+#include "frameworks/AddressBook/store/file/paths.h"
 #include "frameworks/AddressBook/store/index.h"
 #include "frameworks/AddressBook/values/text.h"
 #include "frameworks/AddressBook/values/uid.h"
@@ -124,9 +125,8 @@ std::int64_t Store::Impl::ensureProperty(Kind kind, std::string_view name) {
         .exec();
     const std::int64_t id = db.lastRow();
     if (id >= kMostProperties)
-        throw StoreError(StoreError::Reason::refused,
-                         "The address book " + db.file().string() +
-                             " has room for 65535 names of properties: use one of those.");
+        throw StoreError(StoreError::Reason::refused, db.file(), "has room for 65535 names of properties",
+                         "use one of those");
     propertyIds[static_cast<int>(kind)].emplace(name, id);
     return id;
 }
@@ -135,6 +135,10 @@ Store::Store(const std::filesystem::path& folder, Access access, std::chrono::mi
     : impl_(std::make_unique<Impl>(folder, access, busyTimeout)) {}
 
 Store::~Store() = default;
+
+std::filesystem::path Store::defaultFolder() {
+    return addressbook::defaultFolder();
+}
 
 const std::filesystem::path& Store::file() const {
     return impl_->db.file();

@@ -3,6 +3,8 @@
 // The address book on disk: one SQLite database in one folder. A Store is one connection and is used by one
 // thread at a time; several stores, in this and other processes, may be open on the same folder.
 
+#include "frameworks/AddressBook/store/access.h"
+#include "frameworks/AddressBook/store/sql/store_error.h"
 #include "frameworks/AddressBook/values/property.h"
 #include "frameworks/AddressBook/values/query.h"
 #include "frameworks/AddressBook/values/uid.h"
@@ -14,7 +16,6 @@
 #include <map>
 #include <memory>
 #include <optional>
-#include <stdexcept>
 #include <string>
 #include <string_view>
 #include <vector>
@@ -39,30 +40,8 @@ struct RecordRow {
     Kind kind = Kind::person;
     std::string uid;
     Date creation, modification;
-    std::string properties;                      // see record_codec.h
+    std::string properties;                // see record_codec.h
     mutable bool checksumVerified = false; // the checksum of `properties` was found right
-};
-
-// Why a store could not be opened, read or written. what() is one sentence that names the file and what to
-// do.
-class StoreError : public std::runtime_error {
-  public:
-    enum class Reason {
-        missingFolder,
-        notADatabase,
-        newerSchema,
-        locked,
-        readOnly,
-        damaged,
-        full,
-        io,
-        refused
-    };
-    StoreError(Reason reason, const std::string& message) : std::runtime_error(message), reason_(reason) {}
-    Reason reason() const { return reason_; }
-
-  private:
-    Reason reason_;
 };
 
 // The changes of one record; an insertion has all its values in `values`. UID and Modification among them are
@@ -119,7 +98,7 @@ struct LoggedChange {
 
 class Store {
   public:
-    enum class Access { readWrite, readOnly };
+    using Access = addressbook::Access;
 
     // $ADDRESSBOOK_HOME, else $XDG_DATA_HOME/AddressBook, else ~/.local/share/AddressBook.
     static std::filesystem::path defaultFolder();

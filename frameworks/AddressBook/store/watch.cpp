@@ -57,10 +57,9 @@ Watch::Watch(fs::path file, std::int64_t since, Listener listener)
     : file_(std::move(file)), listener_(std::move(listener)), seen_(since),
       stopped_(eventfd(0, EFD_CLOEXEC | EFD_NONBLOCK)) {
     if (stopped_ < 0)
-        throw StoreError(StoreError::Reason::io, "The address book " + file_.string() +
-                                                     " cannot be watched for changes (" +
-                                                     std::generic_category().message(errno) +
-                                                     "): close some files and start this program again.");
+        throw StoreError(StoreError::Reason::io, file_,
+                         "cannot be watched for changes (" + std::generic_category().message(errno) + ")",
+                         "close some files and start this program again");
 }
 
 Watch::~Watch() {

@@ -1,5 +1,6 @@
 #include "frameworks/AddressBook/vcard/card_lines.h"
 
+#include "frameworks/AddressBook/values/display_name.h"
 #include "frameworks/AddressBook/vcard/content_line.h"
 #include "frameworks/AddressBook/vcard/dates.h"
 #include "frameworks/AddressBook/vcard/encoding.h"
@@ -21,6 +22,21 @@ constexpr std::array kPictureTypes{
     PictureType{"\xFF\xD8\xFF", "JPEG"}, PictureType{"\x89PNG", "PNG"},
     PictureType{"GIF8", "GIF"},          PictureType{"BM", "BMP"},
     PictureType{"II*", "TIFF"},          PictureType{"MM", "TIFF"},
+};
+
+// A card as the rule for the name to show looks at it.
+class CardView final : public RecordView {
+  public:
+    explicit CardView(const Card& card) : card_(card) {}
+    Kind kind() const override { return card_.kind; }
+    const Value& value(std::string_view property) const override {
+        static const Value kNone;
+        const auto found = card_.values.find(std::string(property));
+        return found == card_.values.end() ? kNone : found->second;
+    }
+
+  private:
+    const Card& card_;
 };
 
 class Lines {
@@ -55,14 +71,14 @@ class Lines {
         return number ? *number : 0;
     }
 
-    bool isCompany() const { return (flags() & 7) == 1; }
+    bool isCompany() const { return (flags() & person_flags::kShowAsMask) == person_flags::kShowAsCompany; }
 
-    std::string firstEntry(std::string_view property) const {
-        const Value* value = find(property);
-        const auto* list = value ? value->as<MultiValue>() : nullptr;
-        const auto* string =
-            list && !list->entries.empty() ? list->entries.front().value.as<std::string>() : nullptr;
-        return string ? *string : std::string();
+    bool hasNames() const {
+        for (const auto part :
+             {property::kTitle, property::kFirst, property::kMiddle, property::kLast, property::kSuffix})
+            if (!text(part).empty())
+                return true;
+        return false;
     }
 
     CardLine& add(const Rule& rule, std::string value) {
@@ -85,7 +101,7 @@ class Lines {
                           escape(text(property::kSuffix)));
             break;
         case Shape::fullName:
-            add(rule, escape(displayName()));
+            add(rule, escape(displayName(CardView(card_))));
             break;
         case Shape::organization:
             writeOrganization(rule);
@@ -105,13 +121,13 @@ class Lines {
         case Shape::company:
             if (isCompany())
                 add(rule, "COMPANY");
-            else if (names().empty() && !text(property::kOrganization).empty())
+            else if (!hasNames() && !text(property::kOrganization).empty())
                 add(rule, "PERSON"); // else a reader would take it for a company
             break;
         case Shape::nameOrder:
-            if (flags() & 16)
+            if (flags() & person_flags::kLastNameFirst)
                 add(rule, "LASTFIRST");
-            else if (flags() & 32)
+            else if (flags() & person_flags::kFirstNameFirst)
                 add(rule, "FIRSTLAST");
             break;
         default:
@@ -124,31 +140,6 @@ class Lines {
         const std::string organization = text(property::kOrganization);
         if (!organization.empty() || !department.empty())
             add(rule, escape(organization) + ';' + escape(department));
-    }
-
-    // The parts of a person's name in the order in which they are read.
-    std::string names() const {
-        std::string joined;
-        for (const std::string_view part :
-             {property::kTitle, property::kFirst, property::kMiddle, property::kLast, property::kSuffix}) {
-            const std::string value = text(part);
-            if (!value.empty())
-                joined += (joined.empty() ? "" : " ") + value;
-        }
-        return joined;
-    }
-
-    std::string displayName() const {
-        std::string name = isCompany() ? text(property::kOrganization) : names();
-        for (const std::string_view property : {property::kOrganization, property::kNickname})
-            if (name.empty())
-                name = text(property);
-        if (name.empty())
-            name = names();
-        for (const std::string_view property : {property::kEmail, property::kPhone})
-            if (name.empty())
-                name = firstEntry(property);
-        return name;
     }
 
     CardLine* writeDay(const Rule& rule, Date date) {

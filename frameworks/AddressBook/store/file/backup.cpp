@@ -1,7 +1,8 @@
 #include "frameworks/AddressBook/store/file/backup.h"
 
-#include "frameworks/AddressBook/store/file/folder.h"
+#include "frameworks/AddressBook/store/file/paths.h"
 #include "frameworks/AddressBook/store/file/replace_file.h"
+#include "frameworks/AddressBook/store/file/staging.h"
 #include "frameworks/AddressBook/store/impl.h"
 #include "frameworks/AddressBook/store/schema.h"
 
@@ -21,10 +22,6 @@ namespace fs = std::filesystem;
 using Reason = StoreError::Reason;
 
 constexpr std::chrono::seconds kBusyTimeout{10};
-
-fs::path folderOf(const fs::path& file) {
-    return file.has_parent_path() ? file.parent_path() : fs::path(".");
-}
 
 [[noreturn]] void fail(const fs::path& file, const std::string& what) {
     throw BackupError(file.string() + ": " + what);
@@ -114,7 +111,7 @@ CopySummary restore(const fs::path& folder, const fs::path& file) {
         fail(file, "this is no backup of an address book");
     if (isOpenBook(folder / kFileName, file))
         fail(file, "this is the address book itself; name its backup");
-    prepareFolder(folder);
+    requireFolder(folder, Access::readWrite);
     const StagingFolder staging(folder);
     try {
         // Alone it is the whole truth, may lie where nothing can be written, and gets nothing beside it.

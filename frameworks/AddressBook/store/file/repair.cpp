@@ -2,9 +2,10 @@
 
 #include "frameworks/AddressBook/store/file/repair.h"
 
-#include "frameworks/AddressBook/store/file/folder.h"
+#include "frameworks/AddressBook/store/file/paths.h"
 #include "frameworks/AddressBook/store/file/replace_file.h"
 #include "frameworks/AddressBook/store/file/sidecars.h"
+#include "frameworks/AddressBook/store/file/staging.h"
 #include "frameworks/AddressBook/store/impl.h"
 #include "frameworks/AddressBook/store/record_codec.h"
 #include "frameworks/AddressBook/values/uid.h"
@@ -24,6 +25,7 @@ namespace fs = std::filesystem;
 using Reason = StoreError::Reason;
 
 constexpr std::chrono::seconds kBusyTimeout{10};
+constexpr const char* kRestore = "restore it from a backup";
 constexpr std::size_t kPageSize = 4096; // of every address book
 
 fs::path walOf(fs::path file) {
@@ -94,9 +96,7 @@ void Rescue::open() {
         lost_.emplace_back("The file's first page was damaged; its log was left out.");
         return;
     }
-    throw StoreError(Reason::damaged, "The address book " + file_.string() +
-                                          " cannot be repaired, nothing in it can be read: restore it "
-                                          "from a backup.");
+    throw StoreError(Reason::damaged, file_, "cannot be repaired, nothing in it can be read", kRestore);
 }
 
 // Whether records can be asked for.
@@ -389,15 +389,13 @@ RepairReport repair(const fs::path& folder) {
     {
         const Store made(staging.folder());
         if (const auto problems = made.check(Store::Depth::records); !problems.empty())
-            throw StoreError(Reason::damaged, "The address book " + file.string() + " cannot be repaired (" +
-                                                  problems.front() + "): restore it from a backup.");
+            throw StoreError(Reason::damaged, file, "cannot be repaired (" + problems.front() + ")",
+                             kRestore);
         report.people = made.count(Kind::person);
         report.groups = made.count(Kind::group);
     }
     if (report.people + report.groups == 0 && !report.lost.empty())
-        throw StoreError(Reason::damaged, "The address book " + file.string() +
-                                              " cannot be repaired, no record in it can be read: restore it "
-                                              "from a backup.");
+        throw StoreError(Reason::damaged, file, "cannot be repaired, no record in it can be read", kRestore);
     report.kept = book.replaceWith(staging.file());
     return report;
 }

@@ -1,6 +1,6 @@
 #include "frameworks/AddressBook/store/file/replace_file.h"
 
-#include "frameworks/AddressBook/store/file/folder.h"
+#include "frameworks/AddressBook/store/file/paths.h"
 #include "frameworks/AddressBook/store/file/sidecars.h"
 
 #include <fcntl.h>
@@ -81,36 +81,7 @@ fs::path keptName(const fs::path& file) {
     return name;
 }
 
-// Removes the workshops of processes that were killed.
-void removeOld(const fs::path& folder, const std::string& name) {
-    const auto longAgo = fs::file_time_type::clock::now() - std::chrono::hours(24);
-    std::error_code error;
-    for (const auto& entry : fs::directory_iterator(folder, error))
-        if (entry.path().filename().string().starts_with(name) && entry.is_directory(error) &&
-            entry.last_write_time(error) < longAgo && !error)
-            fs::remove_all(entry.path(), error);
-}
-
 } // namespace
-
-StagingFolder::StagingFolder(const fs::path& folder) {
-    const std::string name = std::string(".") + kFileName + "-";
-    removeOld(folder, name);
-    std::string pattern = (folder / (name + "XXXXXX")).string();
-    if (mkdtemp(pattern.data()) == nullptr)
-        throw systemError("Could not write in the folder", folder, errno,
-                          "make it writable, or choose another");
-    folder_ = pattern;
-}
-
-StagingFolder::~StagingFolder() {
-    std::error_code ignored;
-    fs::remove_all(folder_, ignored);
-}
-
-fs::path StagingFolder::file() const {
-    return folder_ / kFileName;
-}
 
 void copyDatabase(const sql::Connection& from, const fs::path& to) {
     makePrivateFile(to);
@@ -150,10 +121,9 @@ void LockedBook::checkpoint(const fs::path& draft) const {
         connection.execute("PRAGMA synchronous = FULL; PRAGMA wal_checkpoint(TRUNCATE)");
     }
     if (hasSidecar(draft, "-wal") || hasSidecar(draft, "-journal"))
-        throw StoreError(Reason::io,
-                         "The address book " + file_.string() +
-                             " was not replaced, for what is to replace it could not be written as "
-                             "a whole: check the disk and try again.");
+        throw StoreError(Reason::io, file_,
+                         "was not replaced, for what is to replace it could not be written as a whole",
+                         "check the disk and try again");
 }
 
 fs::path LockedBook::replaceWith(const fs::path& draft) {

@@ -9,24 +9,6 @@
 
 namespace addressbook {
 
-// A folder for its owner only, in which a database is made beside the place where it will be; it goes with
-// everything that is left in it. What a killed process left is removed by the next one a day later.
-class StagingFolder {
-  public:
-    // A new folder in [folder]. Throws StoreError.
-    explicit StagingFolder(const std::filesystem::path& folder);
-    ~StagingFolder();
-    StagingFolder(const StagingFolder&) = delete;
-    StagingFolder& operator=(const StagingFolder&) = delete;
-
-    const std::filesystem::path& folder() const { return folder_; }
-    // The database in it, under the name of an address book.
-    std::filesystem::path file() const;
-
-  private:
-    std::filesystem::path folder_;
-};
-
 // Copies the database of [from] into a new file, as it is at one moment; others may go on writing. Throws
 // StoreError.
 void copyDatabase(const sql::Connection& from, const std::filesystem::path& to);

@@ -1,7 +1,7 @@
 #include "frameworks/AddressBook/store/file/sidecars.h"
 
-#include "frameworks/AddressBook/store/file/folder.h"
-#include "frameworks/AddressBook/store/file/replace_file.h"
+#include "frameworks/AddressBook/store/file/paths.h"
+#include "frameworks/AddressBook/store/file/staging.h"
 
 #include <sqlite3.h>
 #include <sys/stat.h>
@@ -58,10 +58,11 @@ bool isWalOf(sql::Connection& connection, const Mark& alone) {
 }
 
 [[noreturn]] void refuse(const fs::path& file, const char* what, const char* suffix) {
-    throw StoreError(Reason::damaged, "The address book " + file.string() + " is damaged (the " + what +
-                                          " beside it, " + sidecarPath(file, suffix).filename().string() +
-                                          ", belongs to another file or to an older state): repair it, or "
-                                          "restore it from a backup.");
+    throw StoreError(Reason::damaged, file,
+                     std::string("is damaged (the ") + what + " beside it, " +
+                         sidecarPath(file, suffix).filename().string() +
+                         ", belongs to another file or to an older state)",
+                     "repair it, or restore it from a backup");
 }
 
 // Which file is there; 0 when none is.
@@ -105,8 +106,7 @@ openWithCheckedWal(const fs::path& file, const std::function<std::unique_ptr<sql
         if (identityOf(file) == identity) // else the mark may be that of the file before
             refuse(file, "log", "-wal");
     }
-    throw StoreError(Reason::io, "The address book " + file.string() +
-                                     " was replaced while it was being opened: try again.");
+    throw replacedError(file);
 }
 
 bool walBelongsTo(const fs::path& file) {

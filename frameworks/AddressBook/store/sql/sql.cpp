@@ -224,8 +224,7 @@ void Connection::fail(int code) const {
     std::string detail = sqlite3_errstr(code);
     if (handle_ != nullptr && sqlite3_extended_errcode(handle_) == code)
         detail = sqlite3_errmsg(handle_);
-    throw StoreError(failure.reason, "The address book " + file_.string() + " " + failure.what + " (" +
-                                         detail + "): " + failure.remedy + ".");
+    throw StoreError(failure.reason, file_, std::string(failure.what) + " (" + detail + ")", failure.remedy);
 }
 
 sqlite3_stmt* Connection::compile(std::string_view sql) {

@@ -3,11 +3,10 @@
 // A thin, owning layer over SQLite: connections, statements that are prepared once, transactions. Every
 // failure leaves here as a StoreError that names the database file.
 
-#include "frameworks/AddressBook/store/store.h"
+#include "frameworks/AddressBook/store/sql/store_error.h"
 
 #include <chrono>
 #include <cstdint>
-#include <memory>
 #include <string>
 #include <string_view>
 #include <unordered_map>

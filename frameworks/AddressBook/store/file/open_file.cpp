@@ -1,7 +1,8 @@
-#include "frameworks/AddressBook/store/file/folder.h"
+#include "frameworks/AddressBook/store/file/open_file.h"
 
-#include "frameworks/AddressBook/store/file/replace_file.h"
+#include "frameworks/AddressBook/store/file/paths.h"
 #include "frameworks/AddressBook/store/file/sidecars.h"
+#include "frameworks/AddressBook/store/file/staging.h"
 #include "frameworks/AddressBook/store/schema.h"
 
 #include <fcntl.h>
@@ -23,59 +24,11 @@ namespace {
 namespace fs = std::filesystem;
 using Reason = StoreError::Reason;
 
-constexpr mode_t kFolderMode = 0700;
-constexpr mode_t kFileMode = 0600;
 constexpr int kAttempts = 3; // at opening a file that others replace
+constexpr const char* kRestoreOrBegin = "restore it from a backup, or move it away to begin a new one";
 constexpr int kCacheKilobytes = 16 * 1024;
 // For a database whose log has to be read and nobody writes; with the exclusive locking mode.
 constexpr std::string_view kWithoutIndex = "?vfs=unix-none";
-
-// The value of an environment variable; null when it is unset or empty.
-const char* environment(const char* name) {
-    const char* value = std::getenv(name);
-    return value != nullptr && *value != '\0' ? value : nullptr;
-}
-
-void makeFolder(const fs::path& folder) {
-    if (mkdir(folder.c_str(), kFolderMode) != 0 && errno != EEXIST)
-        throw systemError("Could not make the address book's folder", folder, errno,
-                          "make it, or choose another place in ADDRESSBOOK_HOME");
-}
-
-void makeFolderAndParents(const fs::path& folder) {
-    if (folder.empty() || fs::exists(folder))
-        return;
-    makeFolderAndParents(folder.parent_path());
-    makeFolder(folder);
-}
-
-// Answers whether the folder is there, having made it when it may.
-bool hasFolder(const fs::path& folder, bool mayMake) {
-    std::error_code error;
-    const fs::file_status status = fs::status(folder, error);
-    if (fs::is_directory(status))
-        return true;
-    if (fs::exists(status))
-        throw StoreError(Reason::missingFolder,
-                         "The address book's folder " + folder.string() + " is a file: name a folder.");
-    const char* home = environment("ADDRESSBOOK_HOME");
-    if (!mayMake || (home != nullptr && folder == fs::path(home)))
-        return false;
-    if (home == nullptr && folder == Store::defaultFolder()) {
-        makeFolderAndParents(folder);
-        return true;
-    }
-    if (folder.has_parent_path() && !fs::is_directory(folder.parent_path(), error))
-        return false;
-    makeFolder(folder);
-    return true;
-}
-
-void requireFolder(const fs::path& folder, bool mayMake) {
-    if (!hasFolder(folder, mayMake))
-        throw StoreError(Reason::missingFolder, "The address book's folder " + folder.string() +
-                                                    " does not exist: make it, or correct ADDRESSBOOK_HOME.");
-}
 
 std::unique_ptr<sql::Connection> connect(const fs::path& file, std::string_view query, int flags,
                                          std::chrono::milliseconds busyTimeout) {
@@ -124,11 +77,10 @@ void makeFile(const fs::path& file, std::chrono::milliseconds busyTimeout) {
 void requireNoSidecars(const fs::path& file) {
     for (const char* suffix : {"-wal", "-journal"})
         if (hasSidecar(file, suffix) && !fs::exists(file)) // else another process has just made it
-            throw StoreError(Reason::notADatabase,
-                             "The address book " + file.string() + " is gone, but not " +
-                                 sidecarPath(file, suffix).filename().string() +
-                                 " beside it: put the file back or restore it from a backup; to begin a new "
-                                 "one, move what is left away.");
+            throw StoreError(
+                Reason::notADatabase, file,
+                "is gone, but not " + sidecarPath(file, suffix).filename().string() + " beside it",
+                "put the file back or restore it from a backup; to begin a new one, move what is left away");
 }
 
 // A database in WAL mode needs a file beside it even to be read. Where none can be made, nobody here has it
@@ -143,10 +95,9 @@ OpenedFile connectReadOnly(const fs::path& file, std::chrono::milliseconds busyT
         if (error.reason() != Reason::io && error.reason() != Reason::readOnly)
             throw;
         if (hasSidecar(file, "-journal"))
-            throw StoreError(Reason::readOnly,
-                             "The address book " + file.string() +
-                                 " was left in the middle of a save and may not be written: "
-                                 "open it once where it may be written.");
+            throw StoreError(Reason::readOnly, file,
+                             "was left in the middle of a save and may not be written",
+                             "open it once where it may be written");
         const bool logged = hasSidecar(file, "-wal");
         if (logged && fs::exists(sidecarPath(file, "-shm")))
             throw;
@@ -162,19 +113,15 @@ bool isWritable(const fs::path& file) {
 void checkVersion(sql::Connection& connection) {
     const auto current = static_cast<int>(migrations().size());
     if (schemaVersion(connection) < current)
-        throw StoreError(Reason::readOnly,
-                         "The address book " + connection.file().string() +
-                             " is of an older version and may not be written: open it once where it "
-                             "may be written.");
+        throw StoreError(Reason::readOnly, connection.file(), "is of an older version and may not be written",
+                         "open it once where it may be written");
     migrate(connection); // nothing to do, or the error about a newer version
 }
 
 // Files get their name when they are whole: one without tables has lost them.
 void requireTables(sql::Connection& connection) {
     if (schemaVersion(connection) == 0)
-        throw StoreError(Reason::notADatabase, "The address book " + connection.file().string() +
-                                                   " is an empty database: restore it from a backup, or move "
-                                                   "it away to begin a new one.");
+        throw StoreError(Reason::notADatabase, connection.file(), "is an empty database", kRestoreOrBegin);
 }
 
 OpenedFile openFile(const fs::path& file, bool wantsWrite, std::chrono::milliseconds busyTimeout) {
@@ -202,61 +149,9 @@ OpenedFile openFile(const fs::path& file, bool wantsWrite, std::chrono::millisec
 
 } // namespace
 
-StoreError systemError(const std::string& sentence, const fs::path& path, int error, const char* remedy) {
-    const bool denied = error == EACCES || error == EPERM || error == EROFS;
-    const Reason reason = denied                               ? Reason::readOnly
-                          : error == ENOSPC || error == EDQUOT ? Reason::full
-                                                               : Reason::io;
-    return {reason, sentence + " " + path.string() + " (" + std::generic_category().message(error) +
-                        "): " + remedy + "."};
-}
-
-std::string databaseUri(const fs::path& file, std::string_view query) {
-    static constexpr char kDigits[] = "0123456789ABCDEF";
-    std::string uri = "file:";
-    for (const char c : fs::absolute(file).string()) {
-        const auto byte = static_cast<unsigned char>(c);
-        if (c == '?' || c == '#' || c == '%') {
-            uri += {'%', kDigits[byte >> 4], kDigits[byte & 0xF]};
-        } else {
-            uri += c;
-        }
-    }
-    return uri.append(query);
-}
-
-void syncFolder(const fs::path& folder) {
-    const int descriptor = open(folder.c_str(), O_RDONLY | O_DIRECTORY | O_CLOEXEC);
-    if (descriptor < 0)
-        return;
-    fsync(descriptor);
-    close(descriptor);
-}
-
-void prepareFolder(const fs::path& folder) {
-    requireFolder(folder, true);
-}
-
-void makePrivateFile(const fs::path& file) {
-    const int descriptor = open(file.c_str(), O_RDWR | O_CREAT | O_EXCL | O_CLOEXEC, kFileMode);
-    if (descriptor < 0)
-        throw systemError("Could not make the file", file, errno, "make its folder writable");
-    close(descriptor);
-}
-
-fs::path Store::defaultFolder() {
-    if (const char* home = environment("ADDRESSBOOK_HOME"))
-        return home;
-    if (const char* data = environment("XDG_DATA_HOME"))
-        return fs::path(data) / "AddressBook";
-    const char* home = environment("HOME");
-    return fs::path(home != nullptr ? home : "/") / ".local/share/AddressBook";
-}
-
-OpenedFile openAddressBook(const fs::path& folder, Store::Access mode,
-                           std::chrono::milliseconds busyTimeout) {
-    const bool wantsWrite = mode == Store::Access::readWrite;
-    requireFolder(folder, wantsWrite);
+OpenedFile openAddressBook(const fs::path& folder, Access access, std::chrono::milliseconds busyTimeout) {
+    const bool wantsWrite = access == Access::readWrite;
+    requireFolder(folder, access);
     const fs::path file = folder / kFileName;
     std::error_code error;
     const fs::file_status status = fs::status(file, error);
@@ -266,22 +161,19 @@ OpenedFile openAddressBook(const fs::path& folder, Store::Access mode,
                               "check that you may enter its folder");
         if (!wantsWrite)
             throw StoreError(Reason::missingFolder,
-                             "There is no address book in " + folder.string() +
-                                 ": import something first, or correct ADDRESSBOOK_HOME.");
+                             problemSentence("There is no address book in", folder, "",
+                                             "import something first, or correct ADDRESSBOOK_HOME"));
         requireNoSidecars(file);
         makeFile(file, busyTimeout);
     } else if (!fs::is_regular_file(status) || fs::file_size(file, error) == 0) {
-        throw StoreError(Reason::notADatabase,
-                         "The address book " + file.string() +
-                             (fs::is_regular_file(status) ? " is an empty file" : " is no file") +
-                             ": restore it from a backup, or move it away to begin a new one.");
+        throw StoreError(Reason::notADatabase, file,
+                         fs::is_regular_file(status) ? "is an empty file" : "is no file", kRestoreOrBegin);
     }
     // A file that was replaced just when it was being opened is not the book any more.
     for (int attempt = 0; attempt < kAttempts; ++attempt)
         if (OpenedFile opened = openFile(file, wantsWrite, busyTimeout); !opened.connection->moved())
             return opened;
-    throw StoreError(Reason::io, "The address book " + file.string() +
-                                     " was replaced while it was being opened: try again.");
+    throw replacedError(file);
 }
 
 } // namespace addressbook
