@@ -180,6 +180,11 @@ class CheckBundleTest(unittest.TestCase):
         self.patch(directory + hashes + 32, bytes(32))
         self.assertEqual(self.check(), ["arm64: page 1 is not what was signed"])
 
+    def test_a_signature_of_no_kind(self):
+        self.copy_whole()
+        self.patch(self.good["arm64"].read_bytes().index(b"\xfa\xde\x0c\x02") + 12, bytes(4))
+        self.assertEqual(self.check(), ["arm64: the signature is neither a certificate's nor an ad-hoc one"])
+
     def test_a_signature_of_nothing(self):
         self.copy_whole()
         self.patch(self.signature() + 8, struct.pack(">I", 0))
