@@ -4,7 +4,7 @@
 
 #include "host/loader/conversion.h"
 
-#include "FMWrapper/FMXCalcEngine.h"
+#include "host/wrapper/interface.h"
 
 #include <memory>
 #include <vector>
@@ -12,17 +12,17 @@
 namespace host {
 
 struct CallFrame {
-    fmx::ExprEnvAutoPtr environment;
-    fmx::DataVectAutoPtr arguments;
-    fmx::DataAutoPtr argument; // what is put into [arguments] next
-    fmx::DataAutoPtr result;
+    fmx::ExprEnvUniquePtr environment;
+    fmx::DataVectUniquePtr arguments;
+    fmx::DataUniquePtr argument; // what is put into [arguments] next
+    fmx::DataUniquePtr result;
     ConversionTools tools;
 
     // Lets go of the values of a call.
     void release() {
         arguments->Clear();
-        argument->Clear();
-        result->Clear();
+        argument->Clear(fmx::Data::kDTText);
+        result->Clear(fmx::Data::kDTText);
     }
 };
 

@@ -26,7 +26,7 @@ fmx::int32 nativeType(ValueType type) {
 
 Container containerOf(const fmx::BinaryData& data) {
     Container container;
-    const fmx::QuadCharAutoPtr type;
+    const fmx::QuadCharUniquePtr type;
     for (fmx::int32 i = 0; i < data.GetCount(); ++i) {
         data.GetType(i, *type);
         StreamType name;
@@ -41,8 +41,8 @@ Container containerOf(const fmx::BinaryData& data) {
 }
 
 void setContainer(fmx::Data& data, const Container& container) {
-    const fmx::BinaryDataAutoPtr binary;
-    const fmx::QuadCharAutoPtr type;
+    const fmx::BinaryDataUniquePtr binary;
+    const fmx::QuadCharUniquePtr type;
     for (const Container::Stream& stream : container) {
         const Bytes& bytes = stream.bytes();
         type->SetMacType(stream.type().code());

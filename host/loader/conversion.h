@@ -4,7 +4,7 @@
 
 #include "host/values/value.h"
 
-#include "FMWrapper/FMXCalcEngine.h"
+#include "host/wrapper/interface.h"
 
 #include <string>
 
@@ -17,8 +17,8 @@ Value valueOf(const fmx::Data& data);
 
 // Host objects that setting a value needs on the way; kept, because making one costs more than using it.
 struct ConversionTools {
-    fmx::TextAutoPtr text;
-    fmx::LocaleAutoPtr locale{fmx::Locale::kType_System};
+    fmx::TextUniquePtr text;
+    fmx::LocaleUniquePtr locale{fmx::Locale::kType_System};
 };
 
 // Makes [data] that value, of the same type.

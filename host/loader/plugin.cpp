@@ -20,10 +20,6 @@ constexpr size_t kSessionOption = 9; // the end of sessions and files
 
 constexpr int kHelpAddressSince = 57; // the first interface version that asks for a help address
 
-// There is one session, with one file.
-constexpr fmx::ptrtype kSession = 1;
-constexpr fmx::ptrtype kFile = 1;
-
 } // namespace
 
 Plugin::Plugin(const std::filesystem::path& file, int hostVersion, FMX_StartScriptCall startScript,

@@ -11,6 +11,10 @@
 
 namespace host {
 
+// There is one session, with one file.
+inline constexpr fmx::ptrtype kSession = 1;
+inline constexpr fmx::ptrtype kFile = 1;
+
 // From the library to the end of the plug-in's work. All throw LoadError, also for what the plug-in throws.
 class Plugin {
   public:

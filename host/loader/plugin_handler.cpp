@@ -25,7 +25,7 @@ Value PluginHandler::call(Session& session, std::span<Value> arguments) const {
             setData(*frame->argument, argument, frame->tools);
             frame->arguments->PushBack(*frame->argument);
         }
-        frame->result->Clear();
+        frame->result->Clear(fmx::Data::kDTText);
         const fmx::errcode code = code_(identity_.id, *frame->environment, *frame->arguments, *frame->result);
         session.setLastError(code);
         Value result = code == 0 ? valueOf(*frame->result) : Value::invalid();

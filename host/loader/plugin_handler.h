@@ -4,7 +4,7 @@
 #include "host/loader/call_frames.h"
 #include "host/values/value.h"
 
-#include "FMWrapper/FMXCalcEngine.h"
+#include "host/wrapper/interface.h"
 
 #include <cstdint>
 #include <span>

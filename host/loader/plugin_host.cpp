@@ -54,7 +54,15 @@ class PluginHost::Implementation {
             throw std::logic_error("a process has one plug-in host at a time");
         }
         current_ = this;
-        const HostHooks hooks{this, registerHook, unregisterHook, evaluateHook};
+        HostHooks hooks;
+        hooks.context = this;
+        hooks.registerFunction = registerHook;
+        hooks.unregisterFunction = unregisterHook;
+        hooks.registerScriptStep = registerStepHook;
+        hooks.unregisterScriptStep = unregisterStepHook;
+        hooks.evaluate = evaluateHook;
+        hooks.sessionId = kSession;
+        hooks.fileId = kFile;
         FM_Host_SetHooks(&hooks);
     }
 
@@ -212,7 +220,7 @@ class PluginHost::Implementation {
                    : "the calculation language has a function of that name";
     }
 
-    Registration registration(const fmx::QuadChar& plugin, short id, const fmx::Text* description,
+    Registration registration(const fmx::QuadChar& plugin, fmx::int16 id, const fmx::Text* description,
                               fmx::uint32 flags, fmx::ExtPluginType code) {
         return {PluginHandler({plugin.GetMacType(), id}, code, frames_),
                 description == nullptr ? std::u16string() : trimmed(textOf(*description)), flags};
@@ -232,15 +240,12 @@ class PluginHost::Implementation {
 
     static Implementation& of(void* context) { return *static_cast<Implementation*>(context); }
 
-    static fmx::errcode registerHook(void* context, const fmx::QuadChar& plugin, short id,
-                                     const fmx::Text& name, const fmx::Text& prototype, short minArguments,
-                                     short maxArguments, fmx::uint32 flags, fmx::ExtPluginType code) {
-        const fmx::Text* description = nullptr;
+    static fmx::errcode registerHook(void* context, const FunctionRegistration& wanted) {
         Implementation& host = of(context);
-        const auto function =
-            std::make_shared<PluginFunction>(host.registration(plugin, id, description, flags, code),
-                                             trimmed(textOf(name)), trimmed(textOf(prototype)), minArguments,
-                                             maxArguments < 0 ? ExternalFunction::kAnyNumber : maxArguments);
+        const auto function = std::make_shared<PluginFunction>(
+            host.registration(wanted.plugin, wanted.id, wanted.description, wanted.flags, wanted.function),
+            trimmed(textOf(wanted.name)), trimmed(textOf(wanted.prototype)), wanted.minArguments,
+            wanted.maxArguments < 0 ? ExternalFunction::kAnyNumber : wanted.maxArguments);
         return host.add(host.functions_, "function", function, objection(*function));
     }
 
@@ -248,20 +253,18 @@ class PluginHost::Implementation {
         return remove(of(context).functions_, plugin, id);
     }
 
-    static fmx::errcode registerStepHook(void* context, const fmx::QuadChar& plugin, short id,
-                                         const fmx::Text& name, const fmx::Text& definition,
-                                         const fmx::Text& description, fmx::uint32 flags,
-                                         fmx::ExtPluginType code) {
+    static fmx::errcode registerStepHook(void* context, const ScriptStepRegistration& wanted) {
         Implementation& host = of(context);
-        const std::u16string stepName = normalName(textOf(name));
+        const std::u16string stepName = normalName(textOf(wanted.name));
         try {
             const auto step =
-                std::make_shared<PluginStep>(host.registration(plugin, id, &description, flags, code),
-                                             stepName, parseStepDefinition(textOf(definition)));
+                std::make_shared<PluginStep>(host.registration(wanted.plugin, wanted.id, &wanted.description,
+                                                               wanted.flags, wanted.function),
+                                             stepName, parseStepDefinition(textOf(wanted.definition)));
             return host.add(host.steps_, "script step", step,
                             isStepName(foldName(stepName)) ? "the host has a script step of that name" : "");
         } catch (const DefinitionError& error) {
-            return host.refuse("script step", {plugin.GetMacType(), id}, stepName,
+            return host.refuse("script step", {wanted.plugin.GetMacType(), wanted.id}, stepName,
                                std::string("its definition is wrong: ") + error.what());
         }
     }

@@ -45,6 +45,9 @@ bool isCalendarDay(int64_t year, int64_t month, int64_t day) noexcept;
 std::optional<int32_t> dayNumber(int64_t year, int64_t month, int64_t day) noexcept;
 CalendarDay calendarDay(int32_t dayNumber) noexcept;
 
+// How the three numbers of a date stand in a text.
+enum class DateOrder : uint8_t { monthDayYear, dayMonthYear, yearMonthDay };
+
 // A day and a time, which may be used apart: a date has no time, a time no day.
 class DateTime {
   public:
@@ -78,12 +81,15 @@ class DateTime {
     std::u16string timeText() const;      // h:mm:ss, with a fraction if there is one
     std::u16string timestampText() const; // both
 
-    // The day that a text m/d/yyyy names (also with dashes or points); nothing when there is none such.
-    static std::optional<DateTime> dateFromText(std::u16string_view text);
+    // The day that a text m/d/yyyy names (also with dashes or points); nothing when there is none such. In
+    // the other orders blanks may stand behind points, and a point behind the date.
+    static std::optional<DateTime> dateFromText(std::u16string_view text,
+                                                DateOrder order = DateOrder::monthDayYear);
     // The time that a text names: h:mm, h:mm:ss or h:mm:ss.fraction, with AM, PM or a minus sign if wanted.
     static std::optional<DateTime> timeFromText(std::u16string_view text);
     // A date, or a date and a time.
-    static std::optional<DateTime> timestampFromText(std::u16string_view text);
+    static std::optional<DateTime> timestampFromText(std::u16string_view text,
+                                                     DateOrder order = DateOrder::monthDayYear);
 
     // The local day and time.
     static DateTime now();

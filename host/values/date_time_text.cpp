@@ -82,16 +82,39 @@ class Reader {
 };
 
 // A year has four digits: a shorter one could mean this century or the first.
-std::optional<int32_t> readDay(Reader& reader) {
-    const auto month = reader.number(2);
-    const char16_t separator = month ? reader.takeAny(u"/-.") : u'\0';
-    const auto day = separator != 0 ? reader.number(2) : std::nullopt;
-    if (!day || !reader.take(separator)) {
+std::optional<int64_t> readYear(Reader& reader) {
+    const std::u16string_view digits = reader.digits();
+    return digits.size() == 4 ? Reader(digits).number(4) : std::nullopt;
+}
+
+// A separator, the wanted one unless that is 0; answers 0 when there is none.
+char16_t readSeparator(Reader& reader, DateOrder order, char16_t wanted) {
+    const char16_t found = reader.takeAny(wanted == 0 ? u"/-." : std::u16string_view(&wanted, 1));
+    if (found == u'.' && order != DateOrder::monthDayYear) {
+        reader.skipBlanks();
+    }
+    return found;
+}
+
+std::optional<int32_t> readDay(Reader& reader, DateOrder order) {
+    const bool yearFirst = order == DateOrder::yearMonthDay;
+    const auto first = yearFirst ? readYear(reader) : reader.number(2);
+    const char16_t separator = first ? readSeparator(reader, order, 0) : u'\0';
+    const auto second = separator != 0 ? reader.number(2) : std::nullopt;
+    if (!second || readSeparator(reader, order, separator) == 0) {
         return std::nullopt;
     }
-    const std::u16string_view yearDigits = reader.digits();
-    const auto year = yearDigits.size() == 4 ? Reader(yearDigits).number(4) : std::nullopt;
-    return year && isCalendarDay(*year, *month, *day) ? dayNumber(*year, *month, *day) : std::nullopt;
+    const auto third = yearFirst ? reader.number(2) : readYear(reader);
+    if (!third) {
+        return std::nullopt;
+    }
+    if (separator == u'.' && order != DateOrder::monthDayYear) {
+        reader.take(u'.');
+    }
+    const int64_t year = yearFirst ? *first : *third;
+    const int64_t month = order == DateOrder::monthDayYear ? *first : *second;
+    const int64_t day = order == DateOrder::monthDayYear ? *second : yearFirst ? *third : *first;
+    return isCalendarDay(year, month, day) ? dayNumber(year, month, day) : std::nullopt;
 }
 
 std::optional<Number> readSeconds(Reader& reader) {
@@ -163,8 +186,8 @@ std::u16string DateTime::timestampText() const {
     return dateText() + u" " + timeText();
 }
 
-std::optional<DateTime> DateTime::dateFromText(std::u16string_view text) {
-    const auto day = readWhole(text, readDay);
+std::optional<DateTime> DateTime::dateFromText(std::u16string_view text, DateOrder order) {
+    const auto day = readWhole(text, [order](Reader& reader) { return readDay(reader, order); });
     return day ? std::optional(DateTime(*day)) : std::nullopt;
 }
 
@@ -173,9 +196,9 @@ std::optional<DateTime> DateTime::timeFromText(std::u16string_view text) {
     return seconds ? fromSeconds(*seconds) : std::nullopt;
 }
 
-std::optional<DateTime> DateTime::timestampFromText(std::u16string_view text) {
-    return readWhole(text, [](Reader& reader) -> std::optional<DateTime> {
-        const auto day = readDay(reader);
+std::optional<DateTime> DateTime::timestampFromText(std::u16string_view text, DateOrder order) {
+    return readWhole(text, [order](Reader& reader) -> std::optional<DateTime> {
+        const auto day = readDay(reader, order);
         if (!day) {
             return std::nullopt;
         }

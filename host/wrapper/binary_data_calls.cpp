@@ -1,14 +1,15 @@
-// FM_QuadChar_* and FM_BinaryData_*.
-#include "FMWrapper/FMXBinaryData.h"
-
+// FM_BinaryData_*.
+#include "host/values/container_file.h"
 #include "host/wrapper/guard.h"
 #include "host/wrapper/objects.h"
+#include "host/wrapper/pending_streams.h"
 
 #include <algorithm>
 
 using fmx::_fmxcpt;
 using fmx::BinaryData;
 using fmx::errcode;
+using fmx::int16;
 using fmx::int32;
 using fmx::QuadChar;
 using fmx::Text;
@@ -17,7 +18,6 @@ using host::Container;
 using host::guarded;
 using host::inside;
 using host::self;
-using host::StreamType;
 
 namespace {
 
@@ -26,54 +26,12 @@ const Container::Stream& streamAt(const Container& container, int32 index) {
     return container.at(static_cast<size_t>(index)); // a negative one is far out of range
 }
 
-} // namespace
+host::Bytes bytesOf(const void* buffer, uint32 amount) {
+    const auto* bytes = static_cast<const unsigned char*>(buffer);
+    return {bytes, bytes + amount};
+}
 
-QuadChar* FM_QuadChar_Constructor1(_fmxcpt& block) noexcept {
-    return guarded(block, [] { return host::made<QuadChar>(); });
-}
-QuadChar* FM_QuadChar_Constructor2(char c0, char c1, char c2, char c3, _fmxcpt& block) noexcept {
-    return guarded(block, [&] { return host::made<QuadChar>(StreamType{{c0, c1, c2, c3}}); });
-}
-QuadChar* FM_QuadChar_Constructor3(const QuadChar& other, _fmxcpt& block) noexcept {
-    return guarded(block, [&] { return host::made<QuadChar>(inside(other)); });
-}
-void FM_QuadChar_Delete(void* object, _fmxcpt&) noexcept {
-    host::destroy<QuadChar>(object);
-}
-const QuadChar& FM_QuadChar_operatorAS(void* object, const QuadChar& other, _fmxcpt& block) noexcept {
-    return host::outside<QuadChar>(
-        guarded(block, [&]() -> const StreamType& { return self<QuadChar>(object) = inside(other); }));
-}
-char& FM_QuadChar_operatorAR(void* object, uint32 index, _fmxcpt& block) noexcept {
-    return guarded(block, [&]() -> char& { return self<QuadChar>(object).characters.at(index); });
-}
-const char& FM_QuadChar_operatorCAR(const void* object, uint32 index, _fmxcpt& block) noexcept {
-    return guarded(block, [&]() -> const char& { return self<QuadChar>(object).characters.at(index); });
-}
-bool FM_QuadChar_operatorEQ(const void* object, const QuadChar& other, _fmxcpt& block) noexcept {
-    return guarded(block, [&] { return self<QuadChar>(object) == inside(other); });
-}
-bool FM_QuadChar_operatorNE(const void* object, const QuadChar& other, _fmxcpt& block) noexcept {
-    return guarded(block, [&] { return self<QuadChar>(object) != inside(other); });
-}
-bool FM_QuadChar_operatorLT(const void* object, const QuadChar& other, _fmxcpt& block) noexcept {
-    return guarded(block, [&] { return self<QuadChar>(object) < inside(other); });
-}
-bool FM_QuadChar_operatorLE(const void* object, const QuadChar& other, _fmxcpt& block) noexcept {
-    return guarded(block, [&] { return self<QuadChar>(object) <= inside(other); });
-}
-bool FM_QuadChar_operatorGT(const void* object, const QuadChar& other, _fmxcpt& block) noexcept {
-    return guarded(block, [&] { return self<QuadChar>(object) > inside(other); });
-}
-bool FM_QuadChar_operatorGE(const void* object, const QuadChar& other, _fmxcpt& block) noexcept {
-    return guarded(block, [&] { return self<QuadChar>(object) >= inside(other); });
-}
-uint32 FM_QuadChar_GetMacType(const void* object, _fmxcpt& block) noexcept {
-    return guarded(block, [&] { return self<QuadChar>(object).code(); });
-}
-void FM_QuadChar_SetMacType(void* object, uint32 type, _fmxcpt& block) noexcept {
-    guarded(block, [&] { self<QuadChar>(object).setCode(type); });
-}
+} // namespace
 
 BinaryData* FM_BinaryData_Constructor1(_fmxcpt& block) noexcept {
     return guarded(block, [] { return host::made<BinaryData>(); });
@@ -81,12 +39,30 @@ BinaryData* FM_BinaryData_Constructor1(_fmxcpt& block) noexcept {
 BinaryData* FM_BinaryData_Constructor2(const BinaryData& other, _fmxcpt& block) noexcept {
     return guarded(block, [&] { return host::made<BinaryData>(inside(other)); });
 }
+BinaryData* FM_BinaryData_Constructor3(const Text& fileName, uint32 amount, void* buffer,
+                                       _fmxcpt& block) noexcept {
+    return guarded(block, [&] {
+        host::requireBuffer(buffer, amount);
+        return host::made<BinaryData>(
+            host::fileContainer(inside(fileName).characters, bytesOf(buffer, amount)));
+    });
+}
+BinaryData* FM_BinaryData_Constructor4(const Text& fileName, uint32* context, _fmxcpt& block) noexcept {
+    return guarded(block, [&] {
+        host::requireBuffer(context, 1);
+        auto container = std::make_unique<Container>();
+        container->setFileNames(inside(fileName).characters);
+        *context = host::beginStream(*container, host::kFileStream);
+        return &host::outside<BinaryData>(*container.release());
+    });
+}
 void FM_BinaryData_Delete(void* object, _fmxcpt&) noexcept {
+    host::forgetStreams(object);
     host::destroy<BinaryData>(object);
 }
-const BinaryData& FM_BinaryData_operatorAS(void* object, const BinaryData& other, _fmxcpt& block) noexcept {
+BinaryData& FM_BinaryData_operatorAS(void* object, const BinaryData& other, _fmxcpt& block) noexcept {
     return host::outside<BinaryData>(
-        guarded(block, [&]() -> const Container& { return self<BinaryData>(object) = inside(other); }));
+        guarded(block, [&]() -> Container& { return self<BinaryData>(object) = inside(other); }));
 }
 bool FM_BinaryData_operatorEQ(const void* object, const BinaryData& other, _fmxcpt& block) noexcept {
     return guarded(block, [&] { return self<BinaryData>(object) == inside(other); });
@@ -134,9 +110,30 @@ errcode FM_BinaryData_Add(void* object, const QuadChar& type, uint32 amount, voi
                           _fmxcpt& block) noexcept {
     return guarded(block, [&] {
         host::requireBuffer(buffer, amount);
-        const auto* bytes = static_cast<const unsigned char*>(buffer);
-        self<BinaryData>(object).set(inside(type), host::Bytes(bytes, bytes + amount));
+        self<BinaryData>(object).set(inside(type), bytesOf(buffer, amount));
         return host::kSucceeded;
+    });
+}
+errcode FM_BinaryData_AddBegin(void* object, const QuadChar& type, uint32* context, _fmxcpt& block) noexcept {
+    return guarded(block, [&] {
+        host::requireBuffer(context, 1);
+        *context = host::beginStream(self<BinaryData>(object), inside(type));
+        return host::kSucceeded;
+    });
+}
+errcode FM_BinaryData_AddAppend(void* object, uint32 context, uint32 amount, void* buffer,
+                                _fmxcpt& block) noexcept {
+    return guarded(block, [&] {
+        host::requireBuffer(buffer, amount);
+        return host::appendToStream(self<BinaryData>(object), context,
+                                    {static_cast<const unsigned char*>(buffer), amount})
+                   ? host::kSucceeded
+                   : host::kUnavailable;
+    });
+}
+errcode FM_BinaryData_AddFinish(void* object, uint32 context, _fmxcpt& block) noexcept {
+    return guarded(block, [&] {
+        return host::finishStream(self<BinaryData>(object), context) ? host::kSucceeded : host::kUnavailable;
     });
 }
 bool FM_BinaryData_Remove(void* object, const QuadChar& type, _fmxcpt& block) noexcept {
@@ -152,17 +149,17 @@ errcode FM_BinaryData_GetFNAMData(const void* object, Text& fileNames, _fmxcpt& 
         if (!names) {
             return host::kUnavailable;
         }
-        inside(fileNames) = std::move(*names);
+        inside(fileNames) = {std::move(*names), {}};
         return host::kSucceeded;
     });
 }
 errcode FM_BinaryData_AddFNAMData(void* object, const Text& fileNames, _fmxcpt& block) noexcept {
     return guarded(block, [&] {
-        self<BinaryData>(object).setFileNames(inside(fileNames));
+        self<BinaryData>(object).setFileNames(inside(fileNames).characters);
         return host::kSucceeded;
     });
 }
-errcode FM_BinaryData_GetSIZEData(const void* object, short& width, short& height, _fmxcpt& block) noexcept {
+errcode FM_BinaryData_GetSIZEData(const void* object, int16& width, int16& height, _fmxcpt& block) noexcept {
     return guarded(block, [&] {
         const auto size = self<BinaryData>(object).pictureSize();
         if (!size) {
@@ -172,7 +169,7 @@ errcode FM_BinaryData_GetSIZEData(const void* object, short& width, short& heigh
         return host::kSucceeded;
     });
 }
-errcode FM_BinaryData_AddSIZEData(void* object, short width, short height, _fmxcpt& block) noexcept {
+errcode FM_BinaryData_AddSIZEData(void* object, int16 width, int16 height, _fmxcpt& block) noexcept {
     return guarded(block, [&] {
         self<BinaryData>(object).setPictureSize(width, height);
         return host::kSucceeded;

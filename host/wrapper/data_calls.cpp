@@ -1,8 +1,10 @@
 // FM_Data_*.
-#include "FMWrapper/FMXData.h"
-
+#include "host/values/locales.h"
+#include "host/wrapper/fonts.h"
 #include "host/wrapper/guard.h"
 #include "host/wrapper/objects.h"
+
+#pragma GCC diagnostic ignored "-Wignored-qualifiers" // the interface's own
 
 using fmx::_fmxcpt;
 using fmx::Data;
@@ -38,14 +40,21 @@ ValueType typeFor(int32 nativeType) {
 
 } // namespace
 
-void DataObject::store(Value value, int32 nativeType) {
-    value_ = std::move(value);
-    nativeType_ = value_.isValid() ? nativeType : int32{Data::kDTInvalid};
-    text_.reset();
+void DataObject::forgetReadings() {
     number_.reset();
     date_.reset();
     time_.reset();
     timestamp_.reset();
+}
+
+void DataObject::store(Value value, int32 nativeType) {
+    nativeType_ = value.isValid() ? nativeType : int32{Data::kDTInvalid};
+    text_.reset();
+    if (isText()) {
+        text_ = TextObject{value.storedText(), {}};
+    }
+    value_ = std::move(value);
+    forgetReadings();
 }
 
 errcode DataObject::set(const Value& value, int32 nativeType) {
@@ -54,26 +63,37 @@ errcode DataObject::set(const Value& value, int32 nativeType) {
         converted = Value::number(converted.asBoolean() ? 1 : 0);
     }
     store(std::move(converted), nativeType);
-    return value_.isValid() ? kSucceeded : kNotThatType;
+    return this->value().isValid() ? kSucceeded : kNotThatType;
+}
+
+void DataObject::set(const TextObject& text) {
+    text_ = text;
+    value_.reset();
+    nativeType_ = Data::kDTText;
+    forgetReadings();
 }
 
 void DataObject::clear(int32 nativeType) {
     store(Value::empty(typeFor(nativeType)), nativeType);
 }
 
-const std::u16string& DataObject::text() const {
-    if (value_.type() == ValueType::text) {
-        return value_.storedText();
+const Value& DataObject::value() const {
+    if (!value_) {
+        value_ = Value::text(text_->characters);
     }
+    return *value_;
+}
+
+const TextObject& DataObject::text() const {
     if (!text_) {
-        text_ = value_.asText();
+        text_ = TextObject{value().asText(), {}};
     }
     return *text_;
 }
 
 const FixPtObject& DataObject::number() const {
     if (!number_) {
-        assign(number_.emplace(), value_.asNumber().value_or(Number()));
+        assign(number_.emplace(), value().asNumber().value_or(Number()));
     }
     return *number_;
 }
@@ -81,7 +101,7 @@ const FixPtObject& DataObject::number() const {
 const DateTime& DataObject::moment(std::optional<DateTime>& kept,
                                    std::optional<DateTime> (Value::*read)() const) const {
     if (!kept) {
-        kept = (value_.*read)().value_or(DateTime());
+        kept = (value().*read)().value_or(DateTime());
     }
     return *kept;
 }
@@ -114,7 +134,7 @@ void FM_Data_Clear(void* object, int32 type, _fmxcpt& block) noexcept {
 
 const fmx::Text& FM_Data_GetAsText(const void* object, _fmxcpt& block) noexcept {
     return outside<fmx::Text>(
-        guarded(block, [&]() -> const std::u16string& { return self<Data>(object).text(); }));
+        guarded(block, [&]() -> const host::TextObject& { return self<Data>(object).text(); }));
 }
 const fmx::FixPt& FM_Data_GetAsNumber(const void* object, _fmxcpt& block) noexcept {
     return outside<fmx::FixPt>(
@@ -143,7 +163,7 @@ const fmx::Locale& FM_Data_GetLocale(const void* object, _fmxcpt& block) noexcep
     return outside<fmx::Locale>(
         guarded(block, [&]() -> const host::LocaleObject& { return self<Data>(object).locale(); }));
 }
-int32 FM_Data_GetNativeType(const void* object, _fmxcpt& block) noexcept {
+const int32 FM_Data_GetNativeType(const void* object, _fmxcpt& block) noexcept {
     return guarded(block, [&] { return self<Data>(object).nativeType(); });
 }
 
@@ -154,46 +174,92 @@ errcode FM_Data_SetAsText(void* object, const fmx::Text& value, const fmx::Local
                           _fmxcpt& block) noexcept {
     return guarded(block, [&] {
         host::DataObject& data = self<Data>(object);
-        const errcode code = data.set(Value::text(inside(value)), type);
+        errcode code = host::kSucceeded;
+        if (type == Data::kDTText) {
+            data.set(inside(value));
+        } else {
+            code = data.set(host::valueIn(inside(locale).type, inside(value).characters, host::typeFor(type)),
+                            type);
+        }
         data.setLocale(inside(locale));
         return code;
     });
 }
-errcode FM_Data_SetAsNumber(void* object, const fmx::FixPt& value, int32 type, _fmxcpt& block) noexcept {
-    return guarded(block, [&] { return self<Data>(object).set(Value::number(inside(value).value), type); });
+void FM_Data_SetAsNumber(void* object, const fmx::FixPt& value, int32 type, _fmxcpt& block) noexcept {
+    guarded(block, [&] { self<Data>(object).set(Value::number(inside(value).value), type); });
 }
-errcode FM_Data_SetAsDate(void* object, const fmx::DateTime& value, int32 type, _fmxcpt& block) noexcept {
-    return guarded(block, [&] { return self<Data>(object).set(Value::date(inside(value)), type); });
+void FM_Data_SetAsDate(void* object, const fmx::DateTime& value, int32 type, _fmxcpt& block) noexcept {
+    guarded(block, [&] { self<Data>(object).set(Value::date(inside(value)), type); });
 }
-errcode FM_Data_SetAsTime(void* object, const fmx::DateTime& value, int32 type, _fmxcpt& block) noexcept {
-    return guarded(block, [&] { return self<Data>(object).set(Value::time(inside(value)), type); });
+void FM_Data_SetAsTime(void* object, const fmx::DateTime& value, int32 type, _fmxcpt& block) noexcept {
+    guarded(block, [&] { self<Data>(object).set(Value::time(inside(value)), type); });
 }
-errcode FM_Data_SetAsTimeStamp(void* object, const fmx::DateTime& value, int32 type,
-                               _fmxcpt& block) noexcept {
-    return guarded(block, [&] { return self<Data>(object).set(Value::timestamp(inside(value)), type); });
+void FM_Data_SetAsTimeStamp(void* object, const fmx::DateTime& value, int32 type, _fmxcpt& block) noexcept {
+    guarded(block, [&] { self<Data>(object).set(Value::timestamp(inside(value)), type); });
 }
-errcode FM_Data_SetDateTime(void* object, const fmx::DateTime& value, int32 dateTimeType, int32 nativeType,
-                            _fmxcpt& block) noexcept {
-    return guarded(block, [&] {
+void FM_Data_SetDateTime(void* object, const fmx::DateTime& value, int32 dateTimeType, int32 nativeType,
+                         _fmxcpt& block) noexcept {
+    guarded(block, [&] {
         host::DataObject& data = self<Data>(object);
         switch (dateTimeType) {
         case Data::kDTDate:
-            return data.set(Value::date(inside(value)), nativeType);
+            data.set(Value::date(inside(value)), nativeType);
+            break;
         case Data::kDTTime:
-            return data.set(Value::time(inside(value)), nativeType);
+            data.set(Value::time(inside(value)), nativeType);
+            break;
         case Data::kDTTimeStamp:
-            return data.set(Value::timestamp(inside(value)), nativeType);
+            data.set(Value::timestamp(inside(value)), nativeType);
+            break;
         default:
-            return host::kNotThatType;
+            throw std::invalid_argument("no part of a date-time has that type");
         }
     });
 }
-errcode FM_Data_SetBinaryData(void* object, const fmx::BinaryData& value, bool forceBinaryNativeType,
-                              _fmxcpt& block) noexcept {
-    return guarded(block, [&] {
+void FM_Data_SetBinaryData(void* object, const fmx::BinaryData& value, bool forceBinaryNativeType,
+                           _fmxcpt& block) noexcept {
+    guarded(block, [&] {
         const host::Container& streams = inside(value);
         const bool namesAlone = streams.count() == 1 && streams.fileNames();
-        return self<Data>(object).set(Value::container(streams),
-                                      namesAlone && !forceBinaryNativeType ? Data::kDTText : Data::kDTBinary);
+        self<Data>(object).set(Value::container(streams),
+                               namesAlone && !forceBinaryNativeType ? Data::kDTText : Data::kDTBinary);
+    });
+}
+
+fmx::FontID FM_Data_GetFontID(void* object, const fmx::Text& name, fmx::FontScript script,
+                              const fmx::ExprEnv& /*env*/, _fmxcpt& block) noexcept {
+    return guarded(block, [&] {
+        static_cast<void>(self<Data>(object));
+        return host::fontNumber(inside(name).characters, script);
+    });
+}
+bool FM_Data_GetFontInfo(const void* object, fmx::FontID font, fmx::Text& name, fmx::FontScript& script,
+                         const fmx::ExprEnv& /*env*/, _fmxcpt& block) noexcept {
+    return guarded(block, [&] {
+        static_cast<void>(self<Data>(object));
+        const auto known = host::fontOf(font);
+        if (known) {
+            inside(name) = {known->name, {}};
+            script = known->script;
+        }
+        return known.has_value();
+    });
+}
+fmx::FontID FM_Data_GetPostscriptFontID(const void* object, const fmx::Text& name,
+                                        const fmx::ExprEnv& /*env*/, _fmxcpt& block) noexcept {
+    return guarded(block, [&] {
+        static_cast<void>(self<Data>(object));
+        return host::fontNumber(inside(name).characters, fmx::CharacterStyle::kFontScript_Roman);
+    });
+}
+bool FM_Data_GetPostscriptFontInfo(const void* object, fmx::FontID font, fmx::Text& name,
+                                   const fmx::ExprEnv& /*env*/, _fmxcpt& block) noexcept {
+    return guarded(block, [&] {
+        static_cast<void>(self<Data>(object));
+        const auto known = host::fontOf(font);
+        if (known) {
+            inside(name) = {known->name, {}};
+        }
+        return known.has_value();
     });
 }

@@ -1,6 +1,5 @@
 // FM_DateTime_*.
-#include "FMWrapper/FMXDateTime.h"
-
+#include "host/values/locales.h"
 #include "host/wrapper/guard.h"
 #include "host/wrapper/objects.h"
 
@@ -22,9 +21,9 @@ namespace {
 
 using Moment = host::DateTime;
 
-// A date, a time or both; the epoch for a text that spells none of them.
-Moment spelt(std::u16string_view text) {
-    const auto moment = Moment::timestampFromText(text);
+// A date, a time or both, as a locale writes them; the epoch for a text that spells none of them.
+Moment spelt(std::u16string_view text, const Locale& locale) {
+    const auto moment = host::timestampIn(inside(locale).type, text);
     return moment ? *moment : Moment::timeFromText(text).value_or(Moment());
 }
 
@@ -56,15 +55,15 @@ errcode setClock(Moment& moment, const Number& hour, const Number& minute, const
 DateTime* FM_DateTime_Constructor1(_fmxcpt& block) noexcept {
     return guarded(block, [] { return host::made<DateTime>(); });
 }
-DateTime* FM_DateTime_Constructor2(const fmx::unichar* text, fmx::uint32 length, const Locale& /*locale*/,
+DateTime* FM_DateTime_Constructor2(const fmx::uint16* text, fmx::uint32 length, const Locale& locale,
                                    _fmxcpt& block) noexcept {
     return guarded(block, [&] {
         host::requireBuffer(text, length);
-        return host::made<DateTime>(spelt(std::u16string(text, text + length)));
+        return host::made<DateTime>(spelt(std::u16string(text, text + length), locale));
     });
 }
-DateTime* FM_DateTime_Constructor3(const Text& text, const Locale& /*locale*/, _fmxcpt& block) noexcept {
-    return guarded(block, [&] { return host::made<DateTime>(spelt(inside(text))); });
+DateTime* FM_DateTime_Constructor3(const Text& text, const Locale& locale, _fmxcpt& block) noexcept {
+    return guarded(block, [&] { return host::made<DateTime>(spelt(inside(text).characters, locale)); });
 }
 void FM_DateTime_Delete(void* object, _fmxcpt&) noexcept {
     host::destroy<DateTime>(object);
@@ -108,14 +107,13 @@ errcode FM_DateTime_SetNormalizedDate2(void* object, const FixPt& year, const Fi
                       inside(day).value.toInt64());
     });
 }
-errcode FM_DateTime_SetDaysSinceEpoch(void* object, int64 days, _fmxcpt& block) noexcept {
-    return guarded(block, [&] {
+void FM_DateTime_SetDaysSinceEpoch(void* object, int64 days, _fmxcpt& block) noexcept {
+    guarded(block, [&] {
         Moment& moment = self<DateTime>(object);
         if (days < 1 || days > host::kLastDay) {
-            return host::kNoDate;
+            throw std::out_of_range("no day of the calendar");
         }
         moment = Moment(static_cast<int32_t>(days), moment.seconds());
-        return host::kSucceeded;
     });
 }
 
@@ -140,15 +138,21 @@ errcode FM_DateTime_SetNormalizedTime2(void* object, const FixPt& hour, const Fi
                         inside(second).value);
     });
 }
-errcode FM_DateTime_SetSecsSinceMidnight(void* object, const FixPt& seconds, _fmxcpt& block) noexcept {
-    return guarded(block, [&] { return setTime(self<DateTime>(object), inside(seconds).value); });
+void FM_DateTime_SetSecsSinceMidnight(void* object, const FixPt& seconds, _fmxcpt& block) noexcept {
+    guarded(block, [&] {
+        if (setTime(self<DateTime>(object), inside(seconds).value) != host::kSucceeded) {
+            throw std::out_of_range("a longer time than there is");
+        }
+    });
 }
-errcode FM_DateTime_SetSecondsSinceEpoch(void* object, const FixPt& seconds, _fmxcpt& block) noexcept {
-    return guarded(block, [&] {
+void FM_DateTime_SetSecondsSinceEpoch(void* object, const FixPt& seconds, _fmxcpt& block) noexcept {
+    guarded(block, [&] {
         Moment& moment = self<DateTime>(object);
         const auto wanted = Moment::fromTimestampSeconds(inside(seconds).value);
-        moment = wanted.value_or(moment);
-        return wanted ? host::kSucceeded : host::kNoDate;
+        if (!wanted) {
+            throw std::out_of_range("no day of the calendar");
+        }
+        moment = *wanted;
     });
 }
 

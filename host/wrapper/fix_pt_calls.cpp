@@ -1,6 +1,4 @@
 // FM_FixPt_*.
-#include "FMWrapper/FMXFixPt.h"
-
 #include "host/wrapper/guard.h"
 #include "host/wrapper/objects.h"
 
@@ -11,6 +9,7 @@
 using fmx::_fmxcpt;
 using fmx::FixPt;
 using fmx::int32;
+using fmx::int64;
 using host::FixPtObject;
 using host::guarded;
 using host::inside;
@@ -56,7 +55,7 @@ std::strong_ordering compared(const void* object, const FixPt& other) {
 
 } // namespace
 
-FixPt* FM_FixPt_Constructor1(int32 value, int precision, _fmxcpt& block) noexcept {
+FixPt* FM_FixPt_Constructor1(int32 value, int32 precision, _fmxcpt& block) noexcept {
     return guarded(block, [&] { return madeNumber(value, precision); });
 }
 FixPt* FM_FixPt_Constructor2(int32 value, const FixPt& precisionExample, _fmxcpt& block) noexcept {
@@ -67,6 +66,9 @@ void FM_FixPt_Delete(void* object, _fmxcpt&) noexcept {
 }
 
 void FM_FixPt_AssignInt(void* object, int32 value, _fmxcpt& block) noexcept {
+    guarded(block, [&] { self<FixPt>(object).value = value; });
+}
+void FM_FixPt_AssignInt64(void* object, int64 value, _fmxcpt& block) noexcept {
     guarded(block, [&] { self<FixPt>(object).value = value; });
 }
 void FM_FixPt_AssignDouble(void* object, double value, _fmxcpt& block) noexcept {
@@ -98,19 +100,25 @@ bool FM_FixPt_operatorGE(const void* object, const FixPt& other, _fmxcpt& block)
     return guarded(block, [&] { return compared(object, other) >= 0; });
 }
 
-void FM_FixPt_Increment(void* object, _fmxcpt& block) noexcept {
-    guarded(block, [&] { self<FixPt>(object).value = self<FixPt>(object).value + 1; });
+void FM_FixPt_Increment(void* object, int32 amount, _fmxcpt& block) noexcept {
+    guarded(block, [&] { self<FixPt>(object).value = self<FixPt>(object).value + amount; });
 }
-void FM_FixPt_Decrement(void* object, _fmxcpt& block) noexcept {
-    guarded(block, [&] { self<FixPt>(object).value = self<FixPt>(object).value - 1; });
+void FM_FixPt_Increment64(void* object, int64 amount, _fmxcpt& block) noexcept {
+    guarded(block, [&] { self<FixPt>(object).value = self<FixPt>(object).value + amount; });
+}
+void FM_FixPt_Decrement(void* object, int32 amount, _fmxcpt& block) noexcept {
+    guarded(block, [&] { self<FixPt>(object).value = self<FixPt>(object).value - amount; });
+}
+void FM_FixPt_Decrement64(void* object, int64 amount, _fmxcpt& block) noexcept {
+    guarded(block, [&] { self<FixPt>(object).value = self<FixPt>(object).value - amount; });
 }
 void FM_FixPt_Negate(void* object, _fmxcpt& block) noexcept {
     guarded(block, [&] { self<FixPt>(object).value = -self<FixPt>(object).value; });
 }
-int FM_FixPt_GetPrecision(const void* object, _fmxcpt& block) noexcept {
+int32 FM_FixPt_GetPrecision(const void* object, _fmxcpt& block) noexcept {
     return guarded(block, [&] { return self<FixPt>(object).precision; });
 }
-void FM_FixPt_SetPrecision(void* object, int precision, _fmxcpt& block) noexcept {
+void FM_FixPt_SetPrecision(void* object, int32 precision, _fmxcpt& block) noexcept {
     guarded(block, [&] { host::assign(self<FixPt>(object), self<FixPt>(object).value, precision); });
 }
 
@@ -152,6 +160,9 @@ int32 FM_FixPt_AsLong(const void* object, _fmxcpt& block) noexcept {
                                                       std::numeric_limits<int32>::min(),
                                                       std::numeric_limits<int32>::max()));
     });
+}
+int64 FM_FixPt_AsLong64(const void* object, _fmxcpt& block) noexcept {
+    return guarded(block, [&] { return int64{self<FixPt>(object).value.toInt64()}; });
 }
 double FM_FixPt_AsFloat(const void* object, _fmxcpt& block) noexcept {
     return guarded(block, [&] { return self<FixPt>(object).value.toDouble(); });

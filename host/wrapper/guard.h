@@ -2,7 +2,7 @@
 // block.
 #pragma once
 
-#include "FMWrapper/FMXTypes.h"
+#include "FMWrapper/FMXClient.h"
 
 #include <atomic>
 #include <new>

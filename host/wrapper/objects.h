@@ -1,8 +1,9 @@
 // What stands behind the opaque classes of the interface, and the way between the two.
 #pragma once
 
-#include "FMWrapper/FMXCalcEngine.h"
 #include "host/values/value.h"
+#include "host/wrapper/interface.h"
+#include "host/wrapper/style_runs.h"
 
 #include <limits>
 #include <memory>
@@ -18,12 +19,19 @@ namespace host {
 inline constexpr fmx::errcode kSucceeded = 0;
 inline constexpr fmx::errcode kUnavailable = 3;   // there is no such stream, no one to ask
 inline constexpr fmx::errcode kNotThatType = 102; // a value that cannot be read as the type wanted
+inline constexpr fmx::errcode kNoFile = 802;      // no database to ask
 inline constexpr fmx::errcode kNoDate = 500;
 inline constexpr fmx::errcode kNoTime = 501;
 inline constexpr fmx::errcode kNoNumber = 504; // a division by zero, too many digits
 
 struct LocaleObject {
     fmx::int32 type = fmx::Locale::kType_System;
+};
+
+// A text, and the styles of its characters.
+struct TextObject {
+    std::u16string characters;
+    StyleRuns styles;
 };
 
 // A number, and the places behind the point that it keeps.
@@ -35,38 +43,44 @@ struct FixPtObject {
 };
 
 // A value, with what it reads as: made when first asked for, kept until it is set again. A copy makes its
-// own.
+// own. Of a text, the value itself is such a reading, because plug-ins seldom need it.
 class DataObject {
   public:
-    DataObject() = default;
+    DataObject() : text_(TextObject()) {}
     DataObject(const DataObject& other)
-        : value_(other.value_), locale_(other.locale_), nativeType_(other.nativeType_) {}
+        : locale_(other.locale_), nativeType_(other.nativeType_),
+          value_(other.isText() ? std::nullopt : other.value_),
+          text_(other.isText() ? other.text_ : std::nullopt) {}
     DataObject& operator=(const DataObject&) = delete;
 
-    const Value& value() const { return value_; }
+    const Value& value() const;
     const LocaleObject& locale() const { return locale_; }
     fmx::int32 nativeType() const { return nativeType_; }
     void setLocale(const LocaleObject& locale) { locale_ = locale; }
 
     // Makes the value, converted, one of a native type. One that cannot be read so leaves it invalid.
     fmx::errcode set(const Value& value, fmx::int32 nativeType);
+    // Makes it a text that keeps its styles.
+    void set(const TextObject& text);
     void clear(fmx::int32 nativeType);
 
-    const std::u16string& text() const;
+    const TextObject& text() const;
     const FixPtObject& number() const;
     const DateTime& date() const { return moment(date_, &Value::asDate); }
     const DateTime& time() const { return moment(time_, &Value::asTime); }
     const DateTime& timestamp() const { return moment(timestamp_, &Value::asTimestamp); }
 
   private:
+    bool isText() const { return nativeType_ == fmx::Data::kDTText; }
     const DateTime& moment(std::optional<DateTime>& kept,
                            std::optional<DateTime> (Value::*read)() const) const;
     void store(Value value, fmx::int32 nativeType);
+    void forgetReadings();
 
-    Value value_;
     LocaleObject locale_;
     fmx::int32 nativeType_ = fmx::Data::kDTText;
-    mutable std::optional<std::u16string> text_;
+    mutable std::optional<Value> value_;
+    mutable std::optional<TextObject> text_;
     mutable std::optional<FixPtObject> number_;
     mutable std::optional<DateTime> date_;
     mutable std::optional<DateTime> time_;
@@ -76,6 +90,10 @@ class DataObject {
 // The values stay where they are when the vector grows.
 struct DataVectObject {
     std::vector<std::unique_ptr<DataObject>> values;
+};
+
+struct RowVectObject {
+    std::vector<std::unique_ptr<DataVectObject>> rows;
 };
 
 // An environment: all that is known of one is which it is.
@@ -89,7 +107,15 @@ struct ObjectOf<fmx::Locale> {
 };
 template <>
 struct ObjectOf<fmx::Text> {
-    using Type = std::u16string;
+    using Type = TextObject;
+};
+template <>
+struct ObjectOf<fmx::CharacterStyle> {
+    using Type = CharacterStyleObject;
+};
+template <>
+struct ObjectOf<fmx::Color> {
+    using Type = ColorObject;
 };
 template <>
 struct ObjectOf<fmx::FixPt> {
@@ -114,6 +140,10 @@ struct ObjectOf<fmx::Data> {
 template <>
 struct ObjectOf<fmx::DataVect> {
     using Type = DataVectObject;
+};
+template <>
+struct ObjectOf<fmx::RowVect> {
+    using Type = RowVectObject;
 };
 template <>
 struct ObjectOf<fmx::ExprEnv> {
@@ -147,6 +177,10 @@ typename ObjectOf<Opaque>::Type& self(void* object) {
 }
 
 // The opaque face of an object.
+template <class Opaque>
+Opaque& outside(typename ObjectOf<Opaque>::Type& object) {
+    return *reinterpret_cast<Opaque*>(&object);
+}
 template <class Opaque>
 const Opaque& outside(const typename ObjectOf<Opaque>::Type& object) {
     return *reinterpret_cast<const Opaque*>(&object);

@@ -1,6 +1,6 @@
 #pragma once
 
-#include "FMWrapper/FMXCalcEngine.h"
+#include "plugin/support/host_interface.h"
 #include "plugin/support/placed.h"
 #import <Foundation/Foundation.h>
 
@@ -29,15 +29,15 @@
     const fmx::ExprEnv* environment;
 
     // The file and the script to start.
-    Placed<fmx::TextAutoPtr> theDB;
-    Placed<fmx::TextAutoPtr> theScript;
+    Placed<TextPtr> theDB;
+    Placed<TextPtr> theScript;
 
     // Nothing uses it.
-    Placed<fmx::TextAutoPtr> theParam;
+    Placed<TextPtr> theParam;
 
     // The locale in which the parameter becomes the host's, and that parameter.
-    Placed<fmx::LocaleAutoPtr> locale;
-    Placed<fmx::DataAutoPtr> data;
+    Placed<LocalePtr> locale;
+    Placed<DataPtr> data;
 
     // What the host answered to the last start; nothing reads it.
     std::int16_t err;

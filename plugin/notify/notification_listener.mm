@@ -1,6 +1,6 @@
 #import "plugin/notify/notification_listener.h"
 
-#include "FMWrapper/FMXExtern.h"
+#include "plugin/support/host_interface.h"
 #include "plugin/support/retained.h"
 #import <AddressBook/AddressBook.h>
 #import <Foundation/NSPort.h>
@@ -51,11 +51,11 @@ void assignEncoded(fmx::Text& text, NSString* string) {
     constexpr NSUInteger kMarkUnits = 1;
     NSData* encoded = [string dataUsingEncoding:NSUnicodeStringEncoding];
     const NSUInteger length = [string length];
-    if ([encoded length] == (kMarkUnits + length) * sizeof(fmx::unichar)) {
-        text.AssignUnicodeWithLength(static_cast<const fmx::unichar*>([encoded bytes]) + kMarkUnits,
+    if ([encoded length] == (kMarkUnits + length) * sizeof(TextUnit)) {
+        text.AssignUnicodeWithLength(static_cast<const TextUnit*>([encoded bytes]) + kMarkUnits,
                                      static_cast<fmx::uint32>(length));
     } else {
-        std::vector<fmx::unichar> units(length);
+        std::vector<TextUnit> units(length);
         [string getCharacters:units.data() range:NSMakeRange(0, length)];
         text.AssignUnicodeWithLength(units.data(), static_cast<fmx::uint32>(length));
     }
@@ -130,7 +130,7 @@ void assignEncoded(fmx::Text& text, NSString* string) {
         return;
     }
     NSString* parameter = parameterOf(notification);
-    const fmx::TextAutoPtr text;
+    const TextPtr text;
     assignEncoded(*text, parameter);
     data->SetAsText(*text, *locale, fmx::Data::kDTText);
     err = FMX_StartScript(theDB.get().get(), theScript.get().get(), kFMXT_Pause, data.get().get());

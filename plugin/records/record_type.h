@@ -1,6 +1,6 @@
 #pragma once
 
-#include "FMWrapper/FMXCalcEngine.h"
+#include "plugin/support/host_interface.h"
 
 // Reads the argument at the position as a word for the record type, in any letter case: "person" and
 // "contact" make persons current, "group" groups; any other word changes nothing and is no error. Without the

@@ -1,6 +1,6 @@
 #pragma once
 
-#include "FMWrapper/FMXExtern.h"
+#include "plugin/support/host_interface.h"
 
 // The plug-in's only exported symbol: the host calls it for every message. A failure of the host's own during
 // start-up or shut-down leaves it as std::bad_alloc or std::exception.

@@ -1,6 +1,6 @@
 #pragma once
 
-#include "FMWrapper/FMXCalcEngine.h"
+#include "plugin/support/host_interface.h"
 #include <span>
 
 // One external function. Its name and prototype stand in the string table, under the function's string id.

@@ -1,7 +1,7 @@
 #pragma once
 
-#include "FMWrapper/FMXCalcEngine.h"
 #import "plugin/shell/error_state.h"
+#include "plugin/support/host_interface.h"
 #import "plugin/support/host_text.h"
 #include <memory>
 

@@ -20,7 +20,7 @@ void runInPool(short function, const fmx::DataVect& arguments, fmx::Data& result
     if (rules.clearsError) {
         clearLastError();
     }
-    fmx::TextAutoPtr text;
+    TextPtr text;
     if (rules.clearsExceptionText) {
         errors.g_sExceptionTxt.reset();
     }

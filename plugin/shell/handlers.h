@@ -1,6 +1,6 @@
 #pragma once
 
-#include "FMWrapper/FMXCalcEngine.h"
+#include "plugin/support/host_interface.h"
 #include <type_traits>
 
 // The external functions: each takes its id, the calculation's environment, the arguments and the result, and

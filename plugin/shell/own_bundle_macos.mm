@@ -1,6 +1,6 @@
 #import "plugin/shell/own_bundle.h"
 
-#include "FMWrapper/FMXExtern.h"
+#include "plugin/support/host_interface.h"
 #include <CoreFoundation/CoreFoundation.h>
 
 NSBundle* ownBundle() {

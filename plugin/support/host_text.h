@@ -1,6 +1,6 @@
 #pragma once
 
-#include "FMWrapper/FMXCalcEngine.h"
+#include "plugin/support/host_interface.h"
 #import <Foundation/Foundation.h>
 
 // Texts cross between the host and the plug-in as UTF-16.

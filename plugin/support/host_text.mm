@@ -13,16 +13,16 @@ class UnicharBuffer {
             large_.resize(size);
         }
     }
-    [[nodiscard]] fmx::unichar* data() { return large_.empty() ? small_.data() : large_.data(); }
+    [[nodiscard]] TextUnit* data() { return large_.empty() ? small_.data() : large_.data(); }
 
   private:
-    std::array<fmx::unichar, 256> small_;
-    std::vector<fmx::unichar> large_;
+    std::array<TextUnit, 256> small_;
+    std::vector<TextUnit> large_;
 };
 
 // A string of exactly the units. Foundation may refuse text that is not well-formed, and take a byte-order
 // mark away: such text is put together unit by unit.
-NSString* stringOfUnits(const fmx::unichar* units, NSUInteger count) {
+NSString* stringOfUnits(const TextUnit* units, NSUInteger count) {
     NSString* string = [NSString stringWithCharacters:units length:count];
     if ([string length] == count) {
         return string;

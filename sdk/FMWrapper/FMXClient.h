@@ -1,24 +1,50 @@
 /// How a plug-in calls the host, and how every call reports a failure.
 ///
 /// Every object of the host (a text, a number, a container, ...) is opaque to a plug-in: its class declares
-/// methods and nothing else, and each method calls one C function of the host's library.
+/// methods and no data, and each method calls one C function of the host's library. The C functions never
+/// throw; they report failures in the exception block, their last argument.
+///
+/// C++11 and later. A source includes each header whose classes it uses, in the order FMXTypes, FMXText,
+/// FMXFixPt, FMXDateTime, FMXBinaryData, FMXData, FMXCalcEngine: they do not include one another.
 #pragma once
 
 #include "FMXExtern.h"
 
 #include <exception>
+#include <memory>
 #include <new>
-#include <type_traits>
 
 /// Marks a function that the host's library exports.
 #define FMX_API __attribute__((visibility("default")))
 
+/// Around declarations of the host's functions: C linkage, without the compiler's remarks on results that C
+/// does not know (references) and on a `const` that changes nothing.
+#if defined(__clang__)
+#define FMX_BEGIN_CALLS                                                                                      \
+    _Pragma("clang diagnostic push") _Pragma("clang diagnostic ignored \"-Wreturn-type-c-linkage\"")         \
+        _Pragma("clang diagnostic ignored \"-Wignored-qualifiers\"") extern "C" {
+#define FMX_END_CALLS                                                                                        \
+    }                                                                                                        \
+    _Pragma("clang diagnostic pop")
+#elif !defined(__OBJC__)
+#define FMX_BEGIN_CALLS                                                                                      \
+    _Pragma("GCC diagnostic push") _Pragma("GCC diagnostic ignored \"-Wignored-qualifiers\"") extern "C" {
+#define FMX_END_CALLS                                                                                        \
+    }                                                                                                        \
+    _Pragma("GCC diagnostic pop")
+#else // GCC's Objective-C++ makes no such remarks, and knows no such option
+#define FMX_BEGIN_CALLS extern "C" {
+#define FMX_END_CALLS }
+#endif
+
 namespace fmx {
 
-/// The exception block: the last argument of every function of the host, which reports its failures in it.
+/// The exception block: the last argument of the functions of the host, which report their failures in it.
 struct _fmxcpt {
-    int32 version = 1;
-    int32 code = 0;
+    int32 version;
+    int32 code;
+
+    _fmxcpt() : version(1), code(0) {}
 
     /// Throws what the block reports: `std::bad_alloc` for code 1, `std::exception` for code 2.
     void Check() const {
@@ -32,21 +58,41 @@ struct _fmxcpt {
 };
 static_assert(sizeof(_fmxcpt) == 8, "the exception block is two 32-bit integers");
 
-/// Calls a function of the host with a fresh exception block and throws what the block then reports.
-template <class Function, class... Arguments>
-inline std::invoke_result_t<Function, Arguments..., _fmxcpt&> Call(Function function,
-                                                                   Arguments&&... arguments) {
-    using Result = std::invoke_result_t<Function, Arguments..., _fmxcpt&>;
-    _fmxcpt block;
-    if constexpr (std::is_void_v<Result>) {
-        function(static_cast<Arguments&&>(arguments)..., block);
-        block.Check();
-    } else {
+/// A call with a fresh exception block; throws what the block reports afterwards.
+template <class Result>
+struct CheckedCall {
+    template <class Function, class... Arguments>
+    static Result of(Function function, Arguments&&... arguments) {
+        _fmxcpt block;
         Result result = function(static_cast<Arguments&&>(arguments)..., block);
         block.Check();
         return result;
     }
+};
+template <>
+struct CheckedCall<void> {
+    template <class Function, class... Arguments>
+    static void of(Function function, Arguments&&... arguments) {
+        _fmxcpt block;
+        function(static_cast<Arguments&&>(arguments)..., block);
+        block.Check();
+    }
+};
+template <class Result, class... Parameters, class... Arguments>
+inline Result Call(Result (*function)(Parameters...), Arguments&&... arguments) {
+    return CheckedCall<Result>::of(function, static_cast<Arguments&&>(arguments)...);
 }
+
+#if defined(_LIBCPP_VERSION) && __cplusplus >= 201703L && !defined(_LIBCPP_ENABLE_CXX17_REMOVED_AUTO_PTR)
+template <class Object>
+using OlderPointer = std::unique_ptr<Object>;
+#else
+#pragma GCC diagnostic push
+#pragma GCC diagnostic ignored "-Wdeprecated-declarations"
+template <class Object>
+using OlderPointer = std::auto_ptr<Object>;
+#pragma GCC diagnostic pop
+#endif
 
 } // namespace fmx
 
@@ -59,3 +105,16 @@ inline std::invoke_result_t<Function, Arguments..., _fmxcpt&> Call(Function func
         _fmxcpt block;                                                                                       \
         FM_##name##_Delete(self, block);                                                                     \
     }
+
+/// The owning holders of a class, from a template `<name>Holder` over their base: `<name>UniquePtr`, and the
+/// older `<name>AutoPtr`, which gives its object away when it is copied where the C++ library still has
+/// `std::auto_ptr`.
+#define FMX_HOLDERS(name)                                                                                    \
+    class name##UniquePtr : public name##Holder<std::unique_ptr<name>> {                                     \
+      public:                                                                                                \
+        using name##Holder<std::unique_ptr<name>>::name##Holder;                                             \
+    };                                                                                                       \
+    class name##AutoPtr : public name##Holder<OlderPointer<name>> {                                          \
+      public:                                                                                                \
+        using name##Holder<OlderPointer<name>>::name##Holder;                                                \
+    };

@@ -1,12 +1,10 @@
 /// A value of the host, as a calculation knows it: of some type, and readable as any other.
 #pragma once
 
-#include "FMXBinaryData.h"
-#include "FMXDateTime.h"
-#include "FMXFixPt.h"
-#include "FMXText.h"
+#include "FMXClient.h"
+#include "FMXTextStyle.h"
 
-extern "C" {
+FMX_BEGIN_CALLS
 
 FMX_API fmx::Data* FM_Data_Constructor1(fmx::_fmxcpt&) noexcept;
 FMX_API void FM_Data_Delete(void* self, fmx::_fmxcpt&) noexcept;
@@ -22,24 +20,32 @@ FMX_API const fmx::DateTime& FM_Data_GetAsTimeStamp(const void* self, fmx::_fmxc
 FMX_API bool FM_Data_GetAsBoolean(const void* self, fmx::_fmxcpt&) noexcept;
 FMX_API const fmx::BinaryData& FM_Data_GetBinaryData(const void* self, fmx::_fmxcpt&) noexcept;
 FMX_API const fmx::Locale& FM_Data_GetLocale(const void* self, fmx::_fmxcpt&) noexcept;
-FMX_API fmx::int32 FM_Data_GetNativeType(const void* self, fmx::_fmxcpt&) noexcept;
+FMX_API const fmx::int32 FM_Data_GetNativeType(const void* self, fmx::_fmxcpt&) noexcept;
 FMX_API void FM_Data_ConvertData(void* self, fmx::int32 type, fmx::_fmxcpt&) noexcept;
 FMX_API fmx::errcode FM_Data_SetAsText(void* self, const fmx::Text& value, const fmx::Locale& locale,
                                        fmx::int32 type, fmx::_fmxcpt&) noexcept;
-FMX_API fmx::errcode FM_Data_SetAsNumber(void* self, const fmx::FixPt& value, fmx::int32 type,
-                                         fmx::_fmxcpt&) noexcept;
-FMX_API fmx::errcode FM_Data_SetAsDate(void* self, const fmx::DateTime& value, fmx::int32 type,
-                                       fmx::_fmxcpt&) noexcept;
-FMX_API fmx::errcode FM_Data_SetAsTime(void* self, const fmx::DateTime& value, fmx::int32 type,
-                                       fmx::_fmxcpt&) noexcept;
-FMX_API fmx::errcode FM_Data_SetAsTimeStamp(void* self, const fmx::DateTime& value, fmx::int32 type,
-                                            fmx::_fmxcpt&) noexcept;
-FMX_API fmx::errcode FM_Data_SetDateTime(void* self, const fmx::DateTime& value, fmx::int32 dateTimeType,
-                                         fmx::int32 nativeType, fmx::_fmxcpt&) noexcept;
-FMX_API fmx::errcode FM_Data_SetBinaryData(void* self, const fmx::BinaryData& value,
-                                           bool forceBinaryNativeType, fmx::_fmxcpt&) noexcept;
+FMX_API void FM_Data_SetAsNumber(void* self, const fmx::FixPt& value, fmx::int32 type,
+                                 fmx::_fmxcpt&) noexcept;
+FMX_API void FM_Data_SetAsDate(void* self, const fmx::DateTime& value, fmx::int32 type,
+                               fmx::_fmxcpt&) noexcept;
+FMX_API void FM_Data_SetAsTime(void* self, const fmx::DateTime& value, fmx::int32 type,
+                               fmx::_fmxcpt&) noexcept;
+FMX_API void FM_Data_SetAsTimeStamp(void* self, const fmx::DateTime& value, fmx::int32 type,
+                                    fmx::_fmxcpt&) noexcept;
+FMX_API void FM_Data_SetDateTime(void* self, const fmx::DateTime& value, fmx::int32 dateTimeType,
+                                 fmx::int32 nativeType, fmx::_fmxcpt&) noexcept;
+FMX_API void FM_Data_SetBinaryData(void* self, const fmx::BinaryData& value, bool forceBinaryNativeType,
+                                   fmx::_fmxcpt&) noexcept;
+FMX_API fmx::FontID FM_Data_GetFontID(void* self, const fmx::Text& name, fmx::FontScript script,
+                                      const fmx::ExprEnv& env, fmx::_fmxcpt&) noexcept;
+FMX_API bool FM_Data_GetFontInfo(const void* self, fmx::FontID font, fmx::Text& name, fmx::FontScript& script,
+                                 const fmx::ExprEnv& env, fmx::_fmxcpt&) noexcept;
+FMX_API fmx::FontID FM_Data_GetPostscriptFontID(const void* self, const fmx::Text& name,
+                                                const fmx::ExprEnv& env, fmx::_fmxcpt&) noexcept;
+FMX_API bool FM_Data_GetPostscriptFontInfo(const void* self, fmx::FontID font, fmx::Text& name,
+                                           const fmx::ExprEnv& env, fmx::_fmxcpt&) noexcept;
 
-} // extern "C"
+FMX_END_CALLS
 
 namespace fmx {
 
@@ -69,7 +75,7 @@ class Data {
     bool IsValid() const { return Call(FM_Data_IsValid, this); }
     bool IsFindRequest() const { return Call(FM_Data_IsFindRequest, this); }
     /// Makes the value an empty one of a type.
-    void Clear(int32 type = kDTText) { Call(FM_Data_Clear, this, type); }
+    void Clear(int32 type = kDTInvalid) { Call(FM_Data_Clear, this, type); }
 
     const Text& GetAsText() const { return Call(FM_Data_GetAsText, this); }
     const FixPt& GetAsNumber() const { return Call(FM_Data_GetAsNumber, this); }
@@ -87,32 +93,50 @@ class Data {
     errcode SetAsText(const Text& value, const Locale& locale, int32 type = kDTText) {
         return Call(FM_Data_SetAsText, this, value, locale, type);
     }
-    errcode SetAsNumber(const FixPt& value, int32 type = kDTNumber) {
-        return Call(FM_Data_SetAsNumber, this, value, type);
+    void SetAsNumber(const FixPt& value, int32 type = kDTNumber) {
+        Call(FM_Data_SetAsNumber, this, value, type);
     }
-    errcode SetAsDate(const DateTime& value, int32 type = kDTDate) {
-        return Call(FM_Data_SetAsDate, this, value, type);
+    void SetAsDate(const DateTime& value, int32 type = kDTDate) {
+        Call(FM_Data_SetAsDate, this, value, type);
     }
-    errcode SetAsTime(const DateTime& value, int32 type = kDTTime) {
-        return Call(FM_Data_SetAsTime, this, value, type);
+    void SetAsTime(const DateTime& value, int32 type = kDTTime) {
+        Call(FM_Data_SetAsTime, this, value, type);
     }
-    errcode SetAsTimeStamp(const DateTime& value, int32 type = kDTTimeStamp) {
-        return Call(FM_Data_SetAsTimeStamp, this, value, type);
+    void SetAsTimeStamp(const DateTime& value, int32 type = kDTTimeStamp) {
+        Call(FM_Data_SetAsTimeStamp, this, value, type);
     }
     /// The first type says which part of the date-time counts: date, time or time stamp.
-    errcode SetDateTime(const DateTime& value, int32 dateTimeType, int32 nativeType) {
-        return Call(FM_Data_SetDateTime, this, value, dateTimeType, nativeType);
+    void SetDateTime(const DateTime& value, int32 dateTimeType, int32 nativeType) {
+        Call(FM_Data_SetDateTime, this, value, dateTimeType, nativeType);
     }
     /// Without the native type forced, a container that holds file names alone becomes their text.
-    errcode SetBinaryData(const BinaryData& value, bool forceBinaryNativeType = false) {
-        return Call(FM_Data_SetBinaryData, this, value, forceBinaryNativeType);
+    void SetBinaryData(const BinaryData& value, bool forceBinaryNativeType = true) {
+        Call(FM_Data_SetBinaryData, this, value, forceBinaryNativeType);
+    }
+
+    /// The number of a font by its name and script, or its PostScript name; `CharacterStyle::kInvalidFont`
+    /// for an empty name. A name that is new gets a new number.
+    FontID GetFontID(const Text& name, FontScript script, const ExprEnv& env) {
+        return Call(FM_Data_GetFontID, this, name, script, env);
+    }
+    FontID GetPostscriptFontID(const Text& name, const ExprEnv& env) const {
+        return Call(FM_Data_GetPostscriptFontID, this, name, env);
+    }
+    /// The name (and script) of a font; false, and both unchanged, for a number that no font has.
+    bool GetFontInfo(FontID font, Text& name, FontScript& script, const ExprEnv& env) const {
+        return Call(FM_Data_GetFontInfo, this, font, name, script, env);
+    }
+    bool GetPostscriptFontInfo(FontID font, Text& name, const ExprEnv& env) const {
+        return Call(FM_Data_GetPostscriptFontInfo, this, font, name, env);
     }
 };
 
 /// Owns a value, an empty text at first.
-class DataAutoPtr : public std::unique_ptr<Data> {
+template <class Base>
+class DataHolder : public Base {
   public:
-    DataAutoPtr() { reset(Call(FM_Data_Constructor1)); }
+    DataHolder() : Base(Call(FM_Data_Constructor1)) {}
 };
+FMX_HOLDERS(Data)
 
 } // namespace fmx

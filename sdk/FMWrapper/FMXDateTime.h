@@ -3,13 +3,12 @@
 /// The calendar is the Gregorian one for all years, 1 to 4000; the epoch is the start of 1 January of year 1.
 #pragma once
 
-#include "FMXFixPt.h"
-#include "FMXText.h"
+#include "FMXClient.h"
 
-extern "C" {
+FMX_BEGIN_CALLS
 
 FMX_API fmx::DateTime* FM_DateTime_Constructor1(fmx::_fmxcpt&) noexcept;
-FMX_API fmx::DateTime* FM_DateTime_Constructor2(const fmx::unichar* text, fmx::uint32 length,
+FMX_API fmx::DateTime* FM_DateTime_Constructor2(const fmx::uint16* text, fmx::uint32 length,
                                                 const fmx::Locale& locale, fmx::_fmxcpt&) noexcept;
 FMX_API fmx::DateTime* FM_DateTime_Constructor3(const fmx::Text& text, const fmx::Locale& locale,
                                                 fmx::_fmxcpt&) noexcept;
@@ -27,7 +26,7 @@ FMX_API fmx::errcode FM_DateTime_SetNormalizedDate1(void* self, fmx::int16 month
 FMX_API fmx::errcode FM_DateTime_SetNormalizedDate2(void* self, const fmx::FixPt& year,
                                                     const fmx::FixPt& month, const fmx::FixPt& day,
                                                     fmx::_fmxcpt&) noexcept;
-FMX_API fmx::errcode FM_DateTime_SetDaysSinceEpoch(void* self, fmx::int64 days, fmx::_fmxcpt&) noexcept;
+FMX_API void FM_DateTime_SetDaysSinceEpoch(void* self, fmx::int64 days, fmx::_fmxcpt&) noexcept;
 FMX_API void FM_DateTime_SetTime(void* self, const fmx::DateTime& time, fmx::_fmxcpt&) noexcept;
 FMX_API fmx::errcode FM_DateTime_SetNormalizedTime1(void* self, fmx::int64 hour, fmx::int16 minute,
                                                     fmx::int16 second, fmx::int32 microseconds,
@@ -35,10 +34,8 @@ FMX_API fmx::errcode FM_DateTime_SetNormalizedTime1(void* self, fmx::int64 hour,
 FMX_API fmx::errcode FM_DateTime_SetNormalizedTime2(void* self, const fmx::FixPt& hour,
                                                     const fmx::FixPt& minute, const fmx::FixPt& second,
                                                     fmx::_fmxcpt&) noexcept;
-FMX_API fmx::errcode FM_DateTime_SetSecsSinceMidnight(void* self, const fmx::FixPt& seconds,
-                                                      fmx::_fmxcpt&) noexcept;
-FMX_API fmx::errcode FM_DateTime_SetSecondsSinceEpoch(void* self, const fmx::FixPt& seconds,
-                                                      fmx::_fmxcpt&) noexcept;
+FMX_API void FM_DateTime_SetSecsSinceMidnight(void* self, const fmx::FixPt& seconds, fmx::_fmxcpt&) noexcept;
+FMX_API void FM_DateTime_SetSecondsSinceEpoch(void* self, const fmx::FixPt& seconds, fmx::_fmxcpt&) noexcept;
 FMX_API fmx::int16 FM_DateTime_GetYear(const void* self, fmx::_fmxcpt&) noexcept;
 FMX_API fmx::int16 FM_DateTime_GetMonth(const void* self, fmx::_fmxcpt&) noexcept;
 FMX_API fmx::int16 FM_DateTime_GetDay(const void* self, fmx::_fmxcpt&) noexcept;
@@ -51,7 +48,7 @@ FMX_API void FM_DateTime_GetSeconds(const void* self, fmx::FixPt& seconds, fmx::
 FMX_API void FM_DateTime_GetSecsSinceMidnight(const void* self, fmx::FixPt& seconds, fmx::_fmxcpt&) noexcept;
 FMX_API void FM_DateTime_GetSecondsSinceEpoch(const void* self, fmx::FixPt& seconds, fmx::_fmxcpt&) noexcept;
 
-} // extern "C"
+FMX_END_CALLS
 
 namespace fmx {
 
@@ -87,7 +84,7 @@ class DateTime {
         return Call(FM_DateTime_SetNormalizedDate2, this, year, month, day);
     }
     /// The epoch's own day is 1.
-    errcode SetDaysSinceEpoch(int64 days) { return Call(FM_DateTime_SetDaysSinceEpoch, this, days); }
+    void SetDaysSinceEpoch(int64 days) { Call(FM_DateTime_SetDaysSinceEpoch, this, days); }
 
     /// Takes the time of another object and keeps the day.
     void SetTime(const DateTime& time) { Call(FM_DateTime_SetTime, this, time); }
@@ -100,13 +97,9 @@ class DateTime {
         return Call(FM_DateTime_SetNormalizedTime2, this, hour, minute, second);
     }
     /// A time may be negative, and longer than a day.
-    errcode SetSecsSinceMidnight(const FixPt& seconds) {
-        return Call(FM_DateTime_SetSecsSinceMidnight, this, seconds);
-    }
+    void SetSecsSinceMidnight(const FixPt& seconds) { Call(FM_DateTime_SetSecsSinceMidnight, this, seconds); }
     /// Sets day and time.
-    errcode SetSecondsSinceEpoch(const FixPt& seconds) {
-        return Call(FM_DateTime_SetSecondsSinceEpoch, this, seconds);
-    }
+    void SetSecondsSinceEpoch(const FixPt& seconds) { Call(FM_DateTime_SetSecondsSinceEpoch, this, seconds); }
 
     int16 GetYear() const { return Call(FM_DateTime_GetYear, this); }
     int16 GetMonth() const { return Call(FM_DateTime_GetMonth, this); }
@@ -123,15 +116,15 @@ class DateTime {
 };
 
 /// Owns a date-time: the epoch, or what a text says.
-class DateTimeAutoPtr : public std::unique_ptr<DateTime> {
+template <class Base>
+class DateTimeHolder : public Base {
   public:
-    DateTimeAutoPtr() { reset(Call(FM_DateTime_Constructor1)); }
-    DateTimeAutoPtr(const unichar* text, uint32 length, const Locale& locale) {
-        reset(Call(FM_DateTime_Constructor2, text, length, locale));
-    }
-    DateTimeAutoPtr(const Text& text, const Locale& locale) {
-        reset(Call(FM_DateTime_Constructor3, text, locale));
-    }
+    DateTimeHolder() : Base(Call(FM_DateTime_Constructor1)) {}
+    DateTimeHolder(const uint16* text, uint32 length, const Locale& locale)
+        : Base(Call(FM_DateTime_Constructor2, text, length, locale)) {}
+    DateTimeHolder(const Text& text, const Locale& locale)
+        : Base(Call(FM_DateTime_Constructor3, text, locale)) {}
 };
+FMX_HOLDERS(DateTime)
 
 } // namespace fmx

@@ -1,17 +1,16 @@
 /// Decimal numbers of the host.
 #pragma once
 
-#include "FMXTypes.h"
+#include "FMXClient.h"
 
-#include <memory>
+FMX_BEGIN_CALLS
 
-extern "C" {
-
-FMX_API fmx::FixPt* FM_FixPt_Constructor1(fmx::int32 value, int precision, fmx::_fmxcpt&) noexcept;
+FMX_API fmx::FixPt* FM_FixPt_Constructor1(fmx::int32 value, fmx::int32 precision, fmx::_fmxcpt&) noexcept;
 FMX_API fmx::FixPt* FM_FixPt_Constructor2(fmx::int32 value, const fmx::FixPt& precisionExample,
                                           fmx::_fmxcpt&) noexcept;
 FMX_API void FM_FixPt_Delete(void* self, fmx::_fmxcpt&) noexcept;
 FMX_API void FM_FixPt_AssignInt(void* self, fmx::int32 value, fmx::_fmxcpt&) noexcept;
+FMX_API void FM_FixPt_AssignInt64(void* self, fmx::int64 value, fmx::_fmxcpt&) noexcept;
 FMX_API void FM_FixPt_AssignDouble(void* self, double value, fmx::_fmxcpt&) noexcept;
 FMX_API void FM_FixPt_AssignFixPt(void* self, const fmx::FixPt& value, fmx::_fmxcpt&) noexcept;
 FMX_API bool FM_FixPt_operatorEQ(const void* self, const fmx::FixPt& other, fmx::_fmxcpt&) noexcept;
@@ -20,11 +19,13 @@ FMX_API bool FM_FixPt_operatorLT(const void* self, const fmx::FixPt& other, fmx:
 FMX_API bool FM_FixPt_operatorLE(const void* self, const fmx::FixPt& other, fmx::_fmxcpt&) noexcept;
 FMX_API bool FM_FixPt_operatorGT(const void* self, const fmx::FixPt& other, fmx::_fmxcpt&) noexcept;
 FMX_API bool FM_FixPt_operatorGE(const void* self, const fmx::FixPt& other, fmx::_fmxcpt&) noexcept;
-FMX_API void FM_FixPt_Increment(void* self, fmx::_fmxcpt&) noexcept;
-FMX_API void FM_FixPt_Decrement(void* self, fmx::_fmxcpt&) noexcept;
+FMX_API void FM_FixPt_Increment(void* self, fmx::int32 amount, fmx::_fmxcpt&) noexcept;
+FMX_API void FM_FixPt_Increment64(void* self, fmx::int64 amount, fmx::_fmxcpt&) noexcept;
+FMX_API void FM_FixPt_Decrement(void* self, fmx::int32 amount, fmx::_fmxcpt&) noexcept;
+FMX_API void FM_FixPt_Decrement64(void* self, fmx::int64 amount, fmx::_fmxcpt&) noexcept;
 FMX_API void FM_FixPt_Negate(void* self, fmx::_fmxcpt&) noexcept;
-FMX_API int FM_FixPt_GetPrecision(const void* self, fmx::_fmxcpt&) noexcept;
-FMX_API void FM_FixPt_SetPrecision(void* self, int precision, fmx::_fmxcpt&) noexcept;
+FMX_API fmx::int32 FM_FixPt_GetPrecision(const void* self, fmx::_fmxcpt&) noexcept;
+FMX_API void FM_FixPt_SetPrecision(void* self, fmx::int32 precision, fmx::_fmxcpt&) noexcept;
 FMX_API void FM_FixPt_Add(const void* self, const fmx::FixPt& arg, fmx::FixPt& result,
                           fmx::_fmxcpt&) noexcept;
 FMX_API void FM_FixPt_Subtract(const void* self, const fmx::FixPt& arg, fmx::FixPt& result,
@@ -35,9 +36,10 @@ FMX_API fmx::errcode FM_FixPt_Divide(const void* self, const fmx::FixPt& arg, fm
                                      fmx::_fmxcpt&) noexcept;
 FMX_API bool FM_FixPt_AsBool(const void* self, fmx::_fmxcpt&) noexcept;
 FMX_API fmx::int32 FM_FixPt_AsLong(const void* self, fmx::_fmxcpt&) noexcept;
+FMX_API fmx::int64 FM_FixPt_AsLong64(const void* self, fmx::_fmxcpt&) noexcept;
 FMX_API double FM_FixPt_AsFloat(const void* self, fmx::_fmxcpt&) noexcept;
 
-} // extern "C"
+FMX_END_CALLS
 
 namespace fmx {
 
@@ -48,7 +50,11 @@ class FixPt {
     FMX_OPAQUE_CLASS(FixPt)
     FixPt& operator=(const FixPt&) = delete;
 
+    /// The precision of a number unless it is told another.
+    enum { kDefltFixedPrecision = 16 };
+
     void AssignInt(int32 value) { Call(FM_FixPt_AssignInt, this, value); }
+    void AssignInt64(int64 value) { Call(FM_FixPt_AssignInt64, this, value); }
     void AssignDouble(double value) { Call(FM_FixPt_AssignDouble, this, value); }
     void AssignFixPt(const FixPt& value) { Call(FM_FixPt_AssignFixPt, this, value); }
 
@@ -59,12 +65,14 @@ class FixPt {
     bool operator>(const FixPt& other) const { return Call(FM_FixPt_operatorGT, this, other); }
     bool operator>=(const FixPt& other) const { return Call(FM_FixPt_operatorGE, this, other); }
 
-    void Increment() { Call(FM_FixPt_Increment, this); }
-    void Decrement() { Call(FM_FixPt_Decrement, this); }
+    void Increment(int32 amount) { Call(FM_FixPt_Increment, this, amount); }
+    void Increment64(int64 amount) { Call(FM_FixPt_Increment64, this, amount); }
+    void Decrement(int32 amount) { Call(FM_FixPt_Decrement, this, amount); }
+    void Decrement64(int64 amount) { Call(FM_FixPt_Decrement64, this, amount); }
     void Negate() { Call(FM_FixPt_Negate, this); }
 
-    int GetPrecision() const { return Call(FM_FixPt_GetPrecision, this); }
-    void SetPrecision(int precision) { Call(FM_FixPt_SetPrecision, this, precision); }
+    int32 GetPrecision() const { return Call(FM_FixPt_GetPrecision, this); }
+    void SetPrecision(int32 precision) { Call(FM_FixPt_SetPrecision, this, precision); }
 
     /// The result may be one of the operands.
     void Add(const FixPt& arg, FixPt& result) const { Call(FM_FixPt_Add, this, arg, result); }
@@ -77,18 +85,20 @@ class FixPt {
     bool AsBool() const { return Call(FM_FixPt_AsBool, this); }
     /// The whole part, held to the range of 32 bits.
     int32 AsLong() const { return Call(FM_FixPt_AsLong, this); }
+    /// The whole part, held to the range of 64 bits.
+    int64 AsLong64() const { return Call(FM_FixPt_AsLong64, this); }
     double AsFloat() const { return Call(FM_FixPt_AsFloat, this); }
 };
 
 /// Owns a number.
-class FixPtAutoPtr : public std::unique_ptr<FixPt> {
+template <class Base>
+class FixPtHolder : public Base {
   public:
-    explicit FixPtAutoPtr(int32 value = 0, int precision = 16) {
-        reset(Call(FM_FixPt_Constructor1, value, precision));
-    }
-    FixPtAutoPtr(int32 value, const FixPt& precisionExample) {
-        reset(Call(FM_FixPt_Constructor2, value, precisionExample));
-    }
+    explicit FixPtHolder(int32 value = 0, int32 precision = FixPt::kDefltFixedPrecision)
+        : Base(Call(FM_FixPt_Constructor1, value, precision)) {}
+    FixPtHolder(int32 value, const FixPt& precisionExample)
+        : Base(Call(FM_FixPt_Constructor2, value, precisionExample)) {}
 };
+FMX_HOLDERS(FixPt)
 
 } // namespace fmx

@@ -1,18 +1,11 @@
-/// Text of the host, in UTF-16, and the locale by which text is read and compared.
+/// Text of the host, in UTF-16, with the style of its characters.
 ///
 /// Positions and sizes count UTF-16 units; a range that reaches past the end of a text ends with the text.
 #pragma once
 
-#include "FMXTypes.h"
+#include "FMXClient.h"
 
-#include <memory>
-
-extern "C" {
-
-FMX_API fmx::Locale* FM_Locale_Constructor1(fmx::int32 type, fmx::_fmxcpt&) noexcept;
-FMX_API fmx::Locale* FM_Locale_Constructor2(const fmx::Locale& other, fmx::_fmxcpt&) noexcept;
-FMX_API void FM_Locale_Delete(void* self, fmx::_fmxcpt&) noexcept;
-FMX_API const fmx::Locale& FM_Locale_operatorAS(void* self, const fmx::Locale& other, fmx::_fmxcpt&) noexcept;
+FMX_BEGIN_CALLS
 
 FMX_API fmx::Text* FM_Text_Constructor1(fmx::_fmxcpt&) noexcept;
 FMX_API void FM_Text_Delete(void* self, fmx::_fmxcpt&) noexcept;
@@ -28,6 +21,9 @@ FMX_API void FM_Text_AssignUnicodeWithLength(void* self, const fmx::uint16* text
                                              fmx::_fmxcpt&) noexcept;
 FMX_API void FM_Text_GetBytes(const void* self, char* buffer, fmx::uint32 bufferBytes, fmx::uint32 position,
                               fmx::uint32 size, fmx::int32 encoding, fmx::_fmxcpt&) noexcept;
+FMX_API fmx::uint32 FM_Text_GetBytesEx(const void* self, char* buffer, fmx::uint32 bufferBytes,
+                                       fmx::uint32 position, fmx::uint32 size, fmx::int32 encoding,
+                                       fmx::_fmxcpt&) noexcept;
 FMX_API void FM_Text_GetUnicode(const void* self, fmx::uint16* buffer, fmx::uint32 position, fmx::uint32 size,
                                 fmx::_fmxcpt&) noexcept;
 FMX_API void FM_Text_SetText(void* self, const fmx::Text& other, fmx::uint32 position, fmx::uint32 size,
@@ -45,8 +41,15 @@ FMX_API fmx::uint32 FM_Text_FindIgnoringCase(const void* self, const fmx::Text& 
                                              fmx::_fmxcpt&) noexcept;
 FMX_API fmx::uint32 FM_Text_FindPrevIgnoringCase(const void* self, const fmx::Text& wanted,
                                                  fmx::uint32 position, fmx::_fmxcpt&) noexcept;
-FMX_API void FM_Text_Uppercase(void* self, fmx::_fmxcpt&) noexcept;
-FMX_API void FM_Text_Lowercase(void* self, fmx::_fmxcpt&) noexcept;
+FMX_API void FM_Text_Uppercase(const void* self, fmx::_fmxcpt&) noexcept;
+FMX_API void FM_Text_Lowercase(const void* self, fmx::_fmxcpt&) noexcept;
+FMX_API void FM_Text_GetStyle(const void* self, fmx::CharacterStyle& style, fmx::uint32 position,
+                              fmx::_fmxcpt&) noexcept;
+FMX_API void FM_Text_GetDefaultStyle(const void* self, fmx::CharacterStyle& style, fmx::_fmxcpt&) noexcept;
+FMX_API void FM_Text_SetStyle(void* self, const fmx::CharacterStyle& style, fmx::uint32 position,
+                              fmx::uint32 size, fmx::_fmxcpt&) noexcept;
+FMX_API void FM_Text_RemoveStyle(void* self, const fmx::CharacterStyle& style, fmx::_fmxcpt&) noexcept;
+FMX_API void FM_Text_ResetAllStyleBuffers(void* self, fmx::_fmxcpt&) noexcept;
 FMX_API bool FM_Text_operatorEQ(const void* self, const fmx::Text& other, fmx::_fmxcpt&) noexcept;
 FMX_API bool FM_Text_operatorNE(const void* self, const fmx::Text& other, fmx::_fmxcpt&) noexcept;
 FMX_API bool FM_Text_operatorLT(const void* self, const fmx::Text& other, fmx::_fmxcpt&) noexcept;
@@ -54,27 +57,9 @@ FMX_API bool FM_Text_operatorLE(const void* self, const fmx::Text& other, fmx::_
 FMX_API bool FM_Text_operatorGT(const void* self, const fmx::Text& other, fmx::_fmxcpt&) noexcept;
 FMX_API bool FM_Text_operatorGE(const void* self, const fmx::Text& other, fmx::_fmxcpt&) noexcept;
 
-} // extern "C"
+FMX_END_CALLS
 
 namespace fmx {
-
-/// The rules of a language for reading and comparing text.
-class Locale {
-  public:
-    FMX_OPAQUE_CLASS(Locale)
-
-    /// The kinds of locale; the languages follow from 16 on.
-    enum Type { kType_None = 0, kType_System = 1, kType_RawUnicode = 2, kType_StandardUnicode = 3 };
-
-    const Locale& operator=(const Locale& other) { return Call(FM_Locale_operatorAS, this, other); }
-};
-
-/// Owns a locale.
-class LocaleAutoPtr : public std::unique_ptr<Locale> {
-  public:
-    explicit LocaleAutoPtr(int32 type) { reset(Call(FM_Locale_Constructor1, type)); }
-    explicit LocaleAutoPtr(const Locale& other) { reset(Call(FM_Locale_Constructor2, other)); }
-};
 
 /// A text.
 class Text {
@@ -83,11 +68,49 @@ class Text {
     Text& operator=(const Text&) = delete;
 
     /// Up to the end of the text, and the position that a search answers when it finds nothing.
-    static constexpr uint32 kSize_End = 0xFFFFFFFF;
-    static constexpr uint32 kSize_Invalid = 0xFFFFFFFF;
+    enum : uint32 { kSize_End = 0xFFFFFFFF, kSize_Invalid = 0xFFFFFFFF };
 
-    /// How bytes stand for characters.
-    enum Encoding { kEncoding_Native = 0, kEncoding_UTF8 = 1 };
+    /// How bytes stand for characters. Characters that an encoding has not become its replacement character;
+    /// bytes that mean nothing in it become U+FFFD. Native is UTF-8.
+    enum Encoding {
+        kEncoding_Native = 0,
+        kEncoding_UTF8 = 1,
+        kEncoding_ASCII_DOS = 2,
+        kEncoding_ASCII_Windows = 3,
+        kEncoding_ASCII_Mac = 4,
+        kEncoding_ISO_8859_1 = 5,
+        kEncoding_ShiftJIS_Mac = 6,
+        kEncoding_ShiftJIS_Win = 7,
+        kEncoding_Korean_Mac = 8,
+        kEncoding_Korean_Win = 9,
+        kEncoding_Korean_Johab = 10,
+        kEncoding_ChineseTrad_Mac = 11,
+        kEncoding_ChineseTrad_Win = 12,
+        kEncoding_ChineseSimp_Mac = 13,
+        kEncoding_ChineseSimp_Win = 14,
+        kEncoding_Cyrillic_Mac = 15,
+        kEncoding_Cyrillic_Win = 16,
+        kEncoding_ISO_8859_5 = 17,
+        kEncoding_CentralEurope_Mac = 18,
+        kEncoding_EasternEurope_Win = 19,
+        kEncoding_ISO_8859_2 = 20,
+        kEncoding_Turkish_Mac = 21,
+        kEncoding_Turkish_Win = 22,
+        kEncoding_ISO_8859_3 = 23,
+        kEncoding_ISO_8859_9 = 24,
+        kEncoding_Baltic_Win = 25,
+        kEncoding_ISO_8859_4 = 26,
+        kEncoding_Arabic_Mac = 27,
+        kEncoding_Arabic_Win = 28,
+        kEncoding_ISO_8859_6 = 29,
+        kEncoding_Greek_Mac = 30,
+        kEncoding_Greek_Win = 31,
+        kEncoding_ISO_8859_7 = 32,
+        kEncoding_Hebrew_Mac = 33,
+        kEncoding_Hebrew_Win = 34,
+        kEncoding_ISO_8859_8 = 35,
+        kEncoding_ISO_8859_15 = 36
+    };
 
     /// The length in UTF-16 units.
     uint32 GetSize() const { return Call(FM_Text_GetSize, this); }
@@ -112,6 +135,11 @@ class Text {
     void GetBytes(char* buffer, uint32 bufferBytes, uint32 position = 0, uint32 size = kSize_End,
                   int32 encoding = kEncoding_Native) const {
         Call(FM_Text_GetBytes, this, buffer, bufferBytes, position, size, encoding);
+    }
+    /// Does what `GetBytes` does and answers how many bytes it has written, the last zero not counted.
+    uint32 GetBytesEx(char* buffer, uint32 bufferBytes, uint32 position = 0, uint32 size = kSize_End,
+                      int32 encoding = kEncoding_Native) const {
+        return Call(FM_Text_GetBytesEx, this, buffer, bufferBytes, position, size, encoding);
     }
     /// Copies a range as UTF-16, with nothing after it.
     void GetUnicode(uint16* buffer, uint32 position, uint32 size) const {
@@ -147,8 +175,24 @@ class Text {
         return Call(FM_Text_FindPrevIgnoringCase, this, wanted, position);
     }
 
-    void Uppercase() { Call(FM_Text_Uppercase, this); }
-    void Lowercase() { Call(FM_Text_Lowercase, this); }
+    /// Changes the letters in place, whatever the `const` says.
+    void Uppercase() const { Call(FM_Text_Uppercase, this); }
+    void Lowercase() const { Call(FM_Text_Lowercase, this); }
+
+    /// The style of the character at a position; past the end, the default style.
+    void GetStyle(CharacterStyle& style, uint32 position) const {
+        Call(FM_Text_GetStyle, this, style, position);
+    }
+    /// The style of characters that were given none.
+    void GetDefaultStyle(CharacterStyle& style) const { Call(FM_Text_GetDefaultStyle, this, style); }
+    /// Gives what the style says to a range; what it leaves open stays.
+    void SetStyle(const CharacterStyle& style, uint32 position = 0, uint32 size = kSize_End) {
+        Call(FM_Text_SetStyle, this, style, position, size);
+    }
+    /// Takes what the style says away from the characters that have it.
+    void RemoveStyle(const CharacterStyle& style) { Call(FM_Text_RemoveStyle, this, style); }
+    /// Takes all styles away.
+    void ResetAllStyleBuffers() { Call(FM_Text_ResetAllStyleBuffers, this); }
 
     /// Comparisons go by the UTF-16 units alone.
     bool operator==(const Text& other) const { return Call(FM_Text_operatorEQ, this, other); }
@@ -160,9 +204,11 @@ class Text {
 };
 
 /// Owns a text, empty at first.
-class TextAutoPtr : public std::unique_ptr<Text> {
+template <class Base>
+class TextHolder : public Base {
   public:
-    TextAutoPtr() { reset(Call(FM_Text_Constructor1)); }
+    TextHolder() : Base(Call(FM_Text_Constructor1)) {}
 };
+FMX_HOLDERS(Text)
 
 } // namespace fmx

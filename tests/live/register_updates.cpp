@@ -9,9 +9,9 @@ void wrappedRegisterFunctions() __asm__("__wrap__Z17registerFunctionsv");
 
 void wrappedRegisterFunctions() {
     realRegisterFunctions();
-    const fmx::QuadCharAutoPtr plugin('K', 'O', 'R', 'U');
-    fmx::TextAutoPtr name;
-    fmx::TextAutoPtr prototype;
+    const QuadCharPtr plugin('K', 'O', 'R', 'U');
+    TextPtr name;
+    TextPtr prototype;
     name->Assign("KORU_RegisterUpdateScript");
     prototype->Assign("KORU_RegisterUpdateScript( file ; script )");
     fmx::ExprEnv::RegisterExternalFunction(*plugin, 44, *name, *prototype, 2, 2, 0xFF01,

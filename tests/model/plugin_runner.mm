@@ -29,12 +29,12 @@ std::string exact(NSString* string) {
 }
 
 // An argument of a call, likewise.
-fmx::DataAutoPtr argumentOf(const std::string& bytes) {
+DataPtr argumentOf(const std::string& bytes) {
     const std::u16string units = unitsOf(bytes);
-    fmx::TextAutoPtr text;
+    TextPtr text;
     text->AssignUnicodeWithLength(reinterpret_cast<const fmx::uint16*>(units.data()),
                                   static_cast<fmx::uint32>(units.size()));
-    fmx::DataAutoPtr data;
+    DataPtr data;
     data->SetAsText(*text, data->GetLocale());
     return data;
 }
@@ -207,12 +207,12 @@ std::string differenceOf(const char* where, const std::map<std::string, Book::Sa
 
 Answered callPlugin(const Function& function, const Arguments& arguments) {
     const Pool pool;
-    const fmx::ExprEnvAutoPtr environment;
-    fmx::DataVectAutoPtr vector;
+    const ExprEnvPtr environment;
+    DataVectPtr vector;
     for (const std::string& argument : arguments) {
         vector->PushBack(*argumentOf(argument));
     }
-    const fmx::DataAutoPtr result;
+    const DataPtr result;
     Answered answered;
     const ExternalFunction* row = rowOf(function.id);
     guarded([&] { row->handler(function.id, *environment, *vector, *result); },

@@ -178,15 +178,15 @@ TEST_F(RealApplicationTest, AnEmptyIdIsAnException) {
 
 TEST_F(RealApplicationTest, AnIdWithAZeroIsAnException) {
     const Pool pool;
-    fmx::TextAutoPtr text;
+    TextPtr text;
     const fmx::uint16 units[] = {'1', 0, '2'};
     text->AssignUnicodeWithLength(units, 3);
-    fmx::DataAutoPtr argument;
+    DataPtr argument;
     argument->SetAsText(*text, argument->GetLocale());
-    fmx::DataVectAutoPtr arguments;
+    DataVectPtr arguments;
     arguments->PushBack(*argument);
-    const fmx::ExprEnvAutoPtr environment;
-    const fmx::DataAutoPtr result;
+    const ExprEnvPtr environment;
+    const DataPtr result;
     EXPECT_EQ(Do_KORU_Display(43, *environment, *arguments, *result), 0);
     EXPECT_EQ(utf8(stringFromText(result->GetAsText())), "!!ERROR!!");
     EXPECT_EQ(errors.g_llasterror, kExceptionCaught);

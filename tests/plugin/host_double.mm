@@ -170,7 +170,7 @@ PASSES(fmx::errcode, FM_BinaryData_AddSIZEData, (void* self, short width, short 
 PASSES(fmx::errcode, FM_BinaryData_Add,
        (void* self, const fmx::QuadChar& type, fmx::uint32 amount, void* buffer, fmx::_fmxcpt& block), self,
        type, amount, buffer, block)
-PASSES(fmx::errcode, FM_Data_SetBinaryData,
+PASSES(void, FM_Data_SetBinaryData,
        (void* self, const fmx::BinaryData& value, bool forced, fmx::_fmxcpt& block), self, value, forced,
        block)
 PASSES(const fmx::BinaryData&, FM_DataVect_AtAsBinaryData,
@@ -182,8 +182,8 @@ PASSES(void, FM_Text_AssignUnicodeWithLength,
 PASSES(void, FM_Text_SetText,
        (void* self, const fmx::Text& other, fmx::uint32 position, fmx::uint32 size, fmx::_fmxcpt& block),
        self, other, position, size, block)
-PASSES(const fmx::Locale&, FM_Locale_operatorAS, (void* self, const fmx::Locale& other, fmx::_fmxcpt& block),
-       self, other, block)
+PASSES(fmx::Locale&, FM_Locale_operatorAS, (void* self, const fmx::Locale& other, fmx::_fmxcpt& block), self,
+       other, block)
 
 PASSES(fmx::uint32, FM_Text_GetSize, (const void* self, fmx::_fmxcpt& block), self, block)
 PASSES(void, FM_Text_Assign, (void* self, const char* text, fmx::int32 encoding, fmx::_fmxcpt& block), self,
@@ -207,7 +207,7 @@ PASSES(const fmx::Locale&, FM_Data_GetLocale, (const void* self, fmx::_fmxcpt& b
 PASSES(fmx::errcode, FM_Data_SetAsText,
        (void* self, const fmx::Text& value, const fmx::Locale& locale, fmx::int32 type, fmx::_fmxcpt& block),
        (usedLocale = &locale, self), value, locale, type, block)
-PASSES(fmx::errcode, FM_Data_SetAsTimeStamp,
+PASSES(void, FM_Data_SetAsTimeStamp,
        (void* self, const fmx::DateTime& value, fmx::int32 type, fmx::_fmxcpt& block), self, value, type,
        block)
 PASSES(fmx::errcode, FM_DateTime_SetNormalizedDate1,

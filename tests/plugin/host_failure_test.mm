@@ -108,16 +108,16 @@ TEST_F(HostFailureTest, EveryFunctionHasAGoodCall) {
 // Each call of the host that a function makes fails once, with either code: the exception passes, nothing of
 // the host's stays behind, and the next call works.
 TEST_F(HostFailureTest, AFailureOfTheHostPassesAndLeavesNothingBehind) {
-    const fmx::ExprEnvAutoPtr environment;
+    const ExprEnvPtr environment;
     for (const GoodCall& good : calls()) {
         const short function = idOf(good.handler);
-        fmx::DataVectAutoPtr arguments;
+        DataVectPtr arguments;
         for (const std::string& argument : good.arguments) {
             arguments->PushBack(*textData(argument));
         }
         int failures = 0;
         for (int before = 0;; ++before) {
-            const fmx::DataAutoPtr result;
+            const DataPtr result;
             const int living = host_double::livingObjects();
             host_double::failAfter(before, 1 + before % 2);
             bool noMemory = false;

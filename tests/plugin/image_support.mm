@@ -3,13 +3,13 @@
 #include <algorithm>
 
 void add(fmx::BinaryData& container, const Stream& stream) {
-    const fmx::QuadCharAutoPtr type(stream.code[0], stream.code[1], stream.code[2], stream.code[3]);
+    const QuadCharPtr type(stream.code[0], stream.code[1], stream.code[2], stream.code[3]);
     std::string bytes = stream.bytes;
     EXPECT_EQ(container.Add(*type, static_cast<fmx::uint32>(bytes.size()), bytes.data()), 0);
 }
 
-fmx::BinaryDataAutoPtr containerOf(std::initializer_list<Stream> streams) {
-    fmx::BinaryDataAutoPtr container;
+BinaryDataPtr containerOf(std::initializer_list<Stream> streams) {
+    BinaryDataPtr container;
     container->AddSIZEData(30, 20);
     for (const Stream& stream : streams) {
         add(*container, stream);
@@ -20,7 +20,7 @@ fmx::BinaryDataAutoPtr containerOf(std::initializer_list<Stream> streams) {
 std::vector<Stream> streamsOf(const fmx::BinaryData& container) {
     std::vector<Stream> streams;
     for (fmx::int32 i = 0; i < container.GetCount(); ++i) {
-        fmx::QuadCharAutoPtr type;
+        QuadCharPtr type;
         container.GetType(i, *type);
         Stream stream;
         for (fmx::uint32 c = 0; c < 4; ++c) {
@@ -35,20 +35,20 @@ std::vector<Stream> streamsOf(const fmx::BinaryData& container) {
 }
 
 std::string setPicture(const fmx::BinaryData& container) {
-    const fmx::ExprEnvAutoPtr environment;
-    fmx::DataAutoPtr argument;
+    const ExprEnvPtr environment;
+    DataPtr argument;
     argument->SetBinaryData(container, true);
-    fmx::DataVectAutoPtr arguments;
+    DataVectPtr arguments;
     arguments->PushBack(*argument);
-    const fmx::DataAutoPtr result;
+    const DataPtr result;
     EXPECT_EQ(Do_KORU_SetImage(40, *environment, *arguments, *result), 0);
     return utf8(stringFromText(result->GetAsText()));
 }
 
-fmx::DataAutoPtr getPicture() {
-    const fmx::ExprEnvAutoPtr environment;
-    const fmx::DataVectAutoPtr arguments;
-    fmx::DataAutoPtr result;
+DataPtr getPicture() {
+    const ExprEnvPtr environment;
+    const DataVectPtr arguments;
+    DataPtr result;
     EXPECT_EQ(Do_KORU_GetImage(39, *environment, *arguments, *result), 0);
     return result;
 }

@@ -216,10 +216,10 @@ TEST_F(MembershipTest, AMissingIdentifierIsAnEmptyOne) {
     // Outside the function table no number of arguments is refused.
     constexpr short kNoFunction = 1000;
     open(crew_);
-    const fmx::ExprEnvAutoPtr environment;
-    const fmx::DataVectAutoPtr none;
+    const ExprEnvPtr environment;
+    const DataVectPtr none;
     for (const Function& function : kFunctions) {
-        const fmx::DataAutoPtr result;
+        const DataPtr result;
         EXPECT_EQ(function.handler(kNoFunction, *environment, *none, *result), 0);
         EXPECT_EQ(errors.g_llasterror, kUidDoesNotExist);
         EXPECT_EQ(call(function.handler), "!!ERROR!!");

@@ -54,7 +54,7 @@ fmx::errcode keepParameter(const fmx::Text* /*file*/, const fmx::Text* /*script*
                            const fmx::Data* parameter) {
     const fmx::Text& text = parameter->GetAsText();
     arrived.resize(text.GetSize());
-    text.GetUnicode(reinterpret_cast<fmx::unichar*>(arrived.data()), 0, text.GetSize());
+    text.GetUnicode(reinterpret_cast<TextUnit*>(arrived.data()), 0, text.GetSize());
     return 0;
 }
 

@@ -95,11 +95,11 @@ TEST_F(RegistrationTest, AnyThreadMayBeTheOwner) {
 }
 
 TEST_F(RegistrationTest, TheEnvironmentIsThatOfTheLastCall) {
-    const fmx::ExprEnvAutoPtr first;
-    const fmx::ExprEnvAutoPtr second;
-    const fmx::DataVectAutoPtr arguments = vectorOf({"A", "S1"});
-    const fmx::DataAutoPtr result;
-    for (const fmx::ExprEnvAutoPtr* environment : {&first, &second}) {
+    const ExprEnvPtr first;
+    const ExprEnvPtr second;
+    const DataVectPtr arguments = vectorOf({"A", "S1"});
+    const DataPtr result;
+    for (const ExprEnvPtr* environment : {&first, &second}) {
         EXPECT_EQ(Do_KORU_RegisterUpdateScript(44, **environment, *arguments, *result), 0);
         EXPECT_EQ(listner.get()->environment, environment->get());
     }
@@ -142,9 +142,9 @@ TEST_F(RegistrationTest, AnExceptionOfTheRegistrationIsTheCallsError) {
 // A failure in one of its steps leaves the steps before it done.
 TEST_F(RegistrationTest, AFailureOfTheHostLeavesTheRegistration) {
     std::vector<std::string> names;
-    const fmx::ExprEnvAutoPtr environment;
-    const fmx::DataVectAutoPtr arguments = vectorOf({"B", "S2"});
-    const fmx::DataAutoPtr result;
+    const ExprEnvPtr environment;
+    const DataVectPtr arguments = vectorOf({"B", "S2"});
+    const DataPtr result;
     int failures = 0;
     for (int before = 0;; ++before) {
         EXPECT_EQ(registerScript("A", "S1"), "0");

@@ -1,9 +1,8 @@
 #pragma once
 
-#include "FMWrapper/FMXCalcEngine.h"
-#include "FMWrapper/FMXExtern.h"
 #include "plugin/shell/entry.h"
 #include "plugin/shell/handlers.h"
+#include "plugin/support/host_interface.h"
 #include "plugin/support/host_text.h"
 #include "plugin/support/pool.h"
 #import <AddressBook/AddressBook.h>
@@ -24,10 +23,10 @@ NSString* string(const std::string& text);
 FMX_ExternCallStruct messageOf(int whichCall, int parm1 = 0);
 
 // An argument of a call.
-fmx::DataAutoPtr textData(const std::string& text);
+DataPtr textData(const std::string& text);
 
 // The arguments of a call.
-fmx::DataVectAutoPtr vectorOf(std::initializer_list<std::string> arguments);
+DataVectPtr vectorOf(std::initializer_list<std::string> arguments);
 
 // Calls a handler with the id that the function table has for it, checks that it answers 0 and that the
 // result is text, and answers that.

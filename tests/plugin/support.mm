@@ -62,16 +62,16 @@ FMX_ExternCallStruct messageOf(int whichCall, int parm1) {
     return message;
 }
 
-fmx::DataAutoPtr textData(const std::string& text) {
-    fmx::TextAutoPtr value;
+DataPtr textData(const std::string& text) {
+    TextPtr value;
     value->Assign(text.c_str(), fmx::Text::kEncoding_UTF8);
-    fmx::DataAutoPtr data;
+    DataPtr data;
     data->SetAsText(*value, data->GetLocale());
     return data;
 }
 
-fmx::DataVectAutoPtr vectorOf(std::initializer_list<std::string> arguments) {
-    fmx::DataVectAutoPtr vector;
+DataVectPtr vectorOf(std::initializer_list<std::string> arguments) {
+    DataVectPtr vector;
     for (const std::string& argument : arguments) {
         vector->PushBack(*textData(argument));
     }
@@ -80,9 +80,9 @@ fmx::DataVectAutoPtr vectorOf(std::initializer_list<std::string> arguments) {
 
 std::string call(HandlerFunction handler, std::initializer_list<std::string> arguments) {
     const Pool pool;
-    const fmx::ExprEnvAutoPtr environment;
-    const fmx::DataVectAutoPtr vector = vectorOf(arguments);
-    const fmx::DataAutoPtr result;
+    const ExprEnvPtr environment;
+    const DataVectPtr vector = vectorOf(arguments);
+    const DataPtr result;
     EXPECT_EQ(handler(idOf(handler), *environment, *vector, *result), 0);
     EXPECT_EQ(result->GetNativeType(), fmx::Data::kDTText);
     NSString* text = stringFromText(result->GetAsText());

@@ -60,7 +60,7 @@ class ValueFormatTest : public PluginTest {
         return utf8(singleValueAnswer(value, type, name, *result_).text());
     }
 
-    fmx::DataAutoPtr result_;
+    DataPtr result_;
 };
 
 NSDate* date(NSString* text) {

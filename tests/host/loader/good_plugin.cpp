@@ -57,15 +57,20 @@ errcode echo(short, const ExprEnv&, const DataVect& in, Data& result) {
     }
     switch (value.GetNativeType()) {
     case Data::kDTNumber:
-        return result.SetAsNumber(value.GetAsNumber());
+        result.SetAsNumber(value.GetAsNumber());
+        return 0;
     case Data::kDTDate:
-        return result.SetAsDate(value.GetAsDate());
+        result.SetAsDate(value.GetAsDate());
+        return 0;
     case Data::kDTTime:
-        return result.SetAsTime(value.GetAsTime());
+        result.SetAsTime(value.GetAsTime());
+        return 0;
     case Data::kDTTimeStamp:
-        return result.SetAsTimeStamp(value.GetAsTimeStamp());
+        result.SetAsTimeStamp(value.GetAsTimeStamp());
+        return 0;
     case Data::kDTBinary:
-        return result.SetBinaryData(value.GetBinaryData(), true);
+        result.SetBinaryData(value.GetBinaryData(), true);
+        return 0;
     default:
         setText(result, value.GetAsText());
         return 0;
@@ -73,7 +78,7 @@ errcode echo(short, const ExprEnv&, const DataVect& in, Data& result) {
 }
 
 errcode join(short, const ExprEnv&, const DataVect& in, Data& result) {
-    const fmx::TextAutoPtr text;
+    const fmx::TextUniquePtr text;
     for (fmx::uint32 i = 0; i < in.Size(); ++i) {
         text->AppendText(in.AtAsText(i));
     }
@@ -131,8 +136,8 @@ std::string bytesOf(const fmx::Text& text) {
 }
 
 void startNamed(const std::string& name) {
-    const fmx::TextAutoPtr file;
-    const fmx::TextAutoPtr script;
+    const fmx::TextUniquePtr file;
+    const fmx::TextUniquePtr script;
     assign(*script, name.c_str());
     FMX_StartScript(&*file, &*script, kFMXT_Pause, nullptr);
 }
@@ -164,7 +169,7 @@ void idleMessage(int level) {
 }
 
 void add(fmx::BinaryData& container, const char* type, const void* bytes, size_t size) {
-    const fmx::QuadCharAutoPtr code(type[0], type[1], type[2], type[3]);
+    const fmx::QuadCharUniquePtr code(type[0], type[1], type[2], type[3]);
     container.Add(*code, static_cast<fmx::uint32>(size), const_cast<void*>(bytes));
 }
 
@@ -174,7 +179,7 @@ errcode picture(short, const ExprEnv&, const DataVect&, Data& result) {
     unsigned char bytes[54 + 3 * 8] = {
         'B', 'M', sizeof bytes, 0, 0, 0, 0, 0, 0, 0, 54, 0, 0, 0, 40, 0, 0, 0, 2, 0, 0, 0, 3, 0, 0, 0,
         1,   0,   24,           0};
-    const fmx::BinaryDataAutoPtr container;
+    const fmx::BinaryDataUniquePtr container;
     container->AddSIZEData(9, 9);
     for (const char* type : {"GIFf", "BMPf", "PNGf"}) {
         add(*container, type, bytes, sizeof bytes);
@@ -186,7 +191,7 @@ errcode picture(short, const ExprEnv&, const DataVect&, Data& result) {
 // The streams of a container as the plug-in sees them: "FNAM 10 SIZE 4 PNGf 312 20x10".
 errcode streams(short, const ExprEnv&, const DataVect& in, Data& result) {
     const fmx::BinaryData& container = in.AtAsBinaryData(0);
-    const fmx::QuadCharAutoPtr type;
+    const fmx::QuadCharUniquePtr type;
     std::string text;
     for (fmx::int32 i = 0; i < container.GetCount(); ++i) {
         container.GetType(i, *type);
@@ -200,7 +205,7 @@ errcode streams(short, const ExprEnv&, const DataVect& in, Data& result) {
     if (container.GetSIZEData(width, height) == 0) {
         text += std::to_string(width) + "x" + std::to_string(height);
     }
-    const fmx::TextAutoPtr answer;
+    const fmx::TextUniquePtr answer;
     assign(*answer, text.c_str());
     setText(result, *answer);
     return 0;
@@ -236,7 +241,7 @@ errcode instance(short, const ExprEnv&, const DataVect&, Data& result) {
 // Its own arguments must survive what the evaluation does with others.
 errcode nested(short, const ExprEnv& environment, const DataVect& in, Data& result) {
     const errcode code = environment.Evaluate(in.AtAsText(1), result);
-    const fmx::TextAutoPtr text;
+    const fmx::TextUniquePtr text;
     text->SetText(in.AtAsText(0));
     text->AppendText(result.GetAsText());
     setText(result, *text);

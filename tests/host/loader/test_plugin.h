@@ -2,8 +2,7 @@
 // strings.
 #pragma once
 
-#include "FMWrapper/FMXCalcEngine.h"
-#include "FMWrapper/FMXExtern.h"
+#include "host/wrapper/interface.h"
 
 #include <cstring>
 
@@ -17,9 +16,9 @@ inline void assign(fmx::Text& text, const char* value) {
 
 inline fmx::errcode registerFunction(short id, const char* name, const char* prototype, short minArguments,
                                      short maxArguments, fmx::ExtPluginType handler) {
-    const fmx::QuadCharAutoPtr plugin('T', 'E', 'S', 'T');
-    const fmx::TextAutoPtr nameText;
-    const fmx::TextAutoPtr prototypeText;
+    const fmx::QuadCharUniquePtr plugin('T', 'E', 'S', 'T');
+    const fmx::TextUniquePtr nameText;
+    const fmx::TextUniquePtr prototypeText;
     assign(*nameText, name);
     assign(*prototypeText, prototype);
     return fmx::ExprEnv::RegisterExternalFunction(*plugin, id, *nameText, *prototypeText, minArguments,
@@ -27,7 +26,7 @@ inline fmx::errcode registerFunction(short id, const char* name, const char* pro
 }
 
 inline fmx::errcode unregisterFunction(short id) {
-    const fmx::QuadCharAutoPtr plugin('T', 'E', 'S', 'T');
+    const fmx::QuadCharUniquePtr plugin('T', 'E', 'S', 'T');
     return fmx::ExprEnv::UnRegisterExternalFunction(*plugin, id);
 }
 
@@ -35,7 +34,7 @@ inline fmx::errcode unregisterFunction(short id) {
 inline void answerString(FMX_ExternCallPtr call, const char* text) {
     const size_t size = std::strlen(text);
     if (size + 1 < call->parm3) {
-        auto* buffer = reinterpret_cast<fmx::unichar*>(call->result);
+        auto* buffer = reinterpret_cast<fmx::uint16*>(call->result);
         for (size_t i = 0; i <= size; ++i) {
             buffer[i] = static_cast<unsigned char>(text[i]);
         }
@@ -43,12 +42,12 @@ inline void answerString(FMX_ExternCallPtr call, const char* text) {
 }
 
 inline void setText(fmx::Data& result, const fmx::Text& text) {
-    const fmx::LocaleAutoPtr locale(fmx::Locale::kType_System);
+    const fmx::LocaleUniquePtr locale(fmx::Locale::kType_System);
     result.SetAsText(text, *locale);
 }
 
 inline void setNumber(fmx::Data& result, int number) {
-    const fmx::FixPtAutoPtr value(number);
+    const fmx::FixPtUniquePtr value(number);
     result.SetAsNumber(*value);
 }
 

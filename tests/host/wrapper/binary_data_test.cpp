@@ -5,8 +5,8 @@
 
 namespace {
 
-using fmx::BinaryDataAutoPtr;
-using fmx::QuadCharAutoPtr;
+using fmx::BinaryDataUniquePtr;
+using fmx::QuadCharUniquePtr;
 
 void add(fmx::BinaryData& container, const fmx::QuadChar& type, std::string bytes) {
     EXPECT_EQ(container.Add(type, static_cast<fmx::uint32>(bytes.size()), bytes.data()), 0);
@@ -19,15 +19,15 @@ std::string streamOf(const fmx::BinaryData& container, fmx::int32 index) {
 }
 
 TEST(WrapperQuadChar, HoldsFourCharacters) {
-    const QuadCharAutoPtr empty;
+    const QuadCharUniquePtr empty;
     EXPECT_EQ(empty->GetMacType(), 0U);
-    const QuadCharAutoPtr png('P', 'N', 'G', 'f');
+    const QuadCharUniquePtr png('P', 'N', 'G', 'f');
     EXPECT_EQ(png->GetMacType(), 0x504E4766U);
     const fmx::QuadChar& constant = *png;
     EXPECT_EQ(constant[3], 'f');
-    const QuadCharAutoPtr copy(*png);
+    const QuadCharUniquePtr copy(*png);
     EXPECT_TRUE(*copy == *png);
-    (*copy)[0] = 'Q';
+    copy->SetMacType(0x514E4766U);
     EXPECT_TRUE(*copy != *png);
     EXPECT_TRUE(*png < *copy);
     EXPECT_TRUE(*png <= *copy);
@@ -38,15 +38,15 @@ TEST(WrapperQuadChar, HoldsFourCharacters) {
     empty->SetMacType(0xFF4E4766U);
     EXPECT_TRUE(*empty > *copy); // characters are unsigned
     EXPECT_THROW((*empty)[4], std::exception);
-    EXPECT_THROW(constant[0xFFFFFFFF], std::exception);
+    EXPECT_THROW(constant[-1], std::exception);
 }
 
 class WrapperBinaryData : public testing::Test {
   protected:
-    QuadCharAutoPtr png_{'P', 'N', 'G', 'f'};
-    QuadCharAutoPtr jpeg_{'J', 'P', 'E', 'G'};
-    QuadCharAutoPtr gif_{'G', 'I', 'F', 'f'};
-    BinaryDataAutoPtr container_;
+    QuadCharUniquePtr png_{'P', 'N', 'G', 'f'};
+    QuadCharUniquePtr jpeg_{'J', 'P', 'E', 'G'};
+    QuadCharUniquePtr gif_{'G', 'I', 'F', 'f'};
+    BinaryDataUniquePtr container_;
 };
 
 TEST_F(WrapperBinaryData, KeepsStreamsInOrder) {
@@ -63,7 +63,7 @@ TEST_F(WrapperBinaryData, KeepsStreamsInOrder) {
     EXPECT_EQ(container_->GetIndex(*gif_), 2);
     EXPECT_EQ(container_->GetTotalSize(), 5U);
     EXPECT_EQ(streamOf(*container_, 1), std::string("\0J", 2));
-    const QuadCharAutoPtr type;
+    const QuadCharUniquePtr type;
     container_->GetType(1, *type);
     EXPECT_TRUE(*type == *jpeg_);
     EXPECT_TRUE(container_->Remove(*png_));
@@ -95,7 +95,7 @@ TEST_F(WrapperBinaryData, GivesRangesAndRefusesOthers) {
 
 TEST_F(WrapperBinaryData, IsCopiedAndCompared) {
     add(*container_, *png_, "png");
-    const BinaryDataAutoPtr copy(*container_);
+    const BinaryDataUniquePtr copy(*container_);
     EXPECT_TRUE(*copy == *container_);
     add(*copy, *gif_, "gif");
     EXPECT_TRUE(*copy != *container_);
@@ -122,8 +122,8 @@ TEST_F(WrapperBinaryData, KeepsNamesAndSize) {
     EXPECT_EQ(unitsOf(*text), name);
     EXPECT_EQ(width, -6);
     EXPECT_EQ(height, 301);
-    EXPECT_EQ(container_->GetIndex(*QuadCharAutoPtr('F', 'N', 'A', 'M')), 0);
-    EXPECT_EQ(container_->GetIndex(*QuadCharAutoPtr('S', 'I', 'Z', 'E')), 1);
+    EXPECT_EQ(container_->GetIndex(*QuadCharUniquePtr('F', 'N', 'A', 'M')), 0);
+    EXPECT_EQ(container_->GetIndex(*QuadCharUniquePtr('S', 'I', 'Z', 'E')), 1);
 }
 
 } // namespace

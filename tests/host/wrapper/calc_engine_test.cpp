@@ -6,16 +6,16 @@
 
 namespace {
 
-using fmx::DataAutoPtr;
+using fmx::DataUniquePtr;
 
 void push(fmx::DataVect& vector, std::u16string_view text) {
-    const DataAutoPtr data;
+    const DataUniquePtr data;
     data->SetAsText(*hostText(text), data->GetLocale());
     vector.PushBack(*data);
 }
 
 TEST(WrapperDataVect, HoldsCopiesInOrder) {
-    const fmx::DataVectAutoPtr vector;
+    const fmx::DataVectUniquePtr vector;
     EXPECT_TRUE(vector->IsEmpty());
     EXPECT_EQ(vector->PopBack(), nullptr);
     push(*vector, u"12/25/2010");
@@ -43,7 +43,7 @@ TEST(WrapperDataVect, HoldsCopiesInOrder) {
 }
 
 TEST(WrapperDataVect, RefusesIndexesItDoesNotHave) {
-    const fmx::DataVectAutoPtr vector;
+    const fmx::DataVectUniquePtr vector;
     push(*vector, u"0");
     for (const fmx::uint32 index : {1U, 0xFFFFFFFFU}) {
         EXPECT_THROW(vector->At(index), std::exception);
@@ -61,10 +61,12 @@ TEST(WrapperDataVect, RefusesIndexesItDoesNotHave) {
 struct Asked {
     std::u16string name;
     std::u16string prototype;
+    std::u16string definition;
+    std::u16string description;
     fmx::uint32 plugin = 0;
-    short id = 0;
-    short minArgs = 0;
-    short maxArgs = 0;
+    fmx::int16 id = 0;
+    fmx::int16 minArguments = 0;
+    fmx::int16 maxArguments = 0;
     fmx::uint32 flags = 0;
     fmx::ExtPluginType function = nullptr;
 };
@@ -78,19 +80,43 @@ class WrapperExprEnv : public testing::Test {
   protected:
     WrapperExprEnv() {
         hooks_.context = &asked_;
-        hooks_.registerFunction = [](void* context, const fmx::QuadChar& plugin, short id,
-                                     const fmx::Text& name, const fmx::Text& prototype, short minArgs,
-                                     short maxArgs, fmx::uint32 flags,
-                                     fmx::ExtPluginType function) -> fmx::errcode {
-            *static_cast<Asked*>(context) = {
-                unitsOf(name), unitsOf(prototype), plugin.GetMacType(), id, minArgs, maxArgs, flags,
-                function};
+        hooks_.registerFunction = [](void* context,
+                                     const host::FunctionRegistration& wanted) -> fmx::errcode {
+            Asked& asked = *static_cast<Asked*>(context);
+            asked.name = unitsOf(wanted.name);
+            asked.prototype = unitsOf(wanted.prototype);
+            asked.description = wanted.description == nullptr ? u"(none)" : unitsOf(*wanted.description);
+            asked.plugin = wanted.plugin.GetMacType();
+            asked.id = wanted.id;
+            asked.minArguments = wanted.minArguments;
+            asked.maxArguments = wanted.maxArguments;
+            asked.flags = wanted.flags;
+            asked.function = wanted.function;
             return 11;
         };
-        hooks_.unregisterFunction = [](void* context, const fmx::QuadChar& plugin, short id) -> fmx::errcode {
+        hooks_.unregisterFunction = [](void* context, const fmx::QuadChar& plugin,
+                                       fmx::int16 id) -> fmx::errcode {
             static_cast<Asked*>(context)->plugin = plugin.GetMacType();
             static_cast<Asked*>(context)->id = id;
             return 12;
+        };
+        hooks_.registerScriptStep = [](void* context,
+                                       const host::ScriptStepRegistration& wanted) -> fmx::errcode {
+            Asked& asked = *static_cast<Asked*>(context);
+            asked.name = unitsOf(wanted.name);
+            asked.definition = unitsOf(wanted.definition);
+            asked.description = unitsOf(wanted.description);
+            asked.plugin = wanted.plugin.GetMacType();
+            asked.id = wanted.id;
+            asked.flags = wanted.flags;
+            asked.function = wanted.function;
+            return 13;
+        };
+        hooks_.unregisterScriptStep = [](void* context, const fmx::QuadChar& plugin,
+                                         fmx::int16 id) -> fmx::errcode {
+            static_cast<Asked*>(context)->plugin = plugin.GetMacType();
+            static_cast<Asked*>(context)->id = id;
+            return 14;
         };
         hooks_.evaluate = [](void* /*context*/, const fmx::ExprEnv& /*env*/, const fmx::Text& expression,
                              fmx::Data& result) -> fmx::errcode {
@@ -102,6 +128,8 @@ class WrapperExprEnv : public testing::Test {
             }
             return result.SetAsText(expression, result.GetLocale());
         };
+        hooks_.sessionId = 0x100000001;
+        hooks_.fileId = 0x200000002;
     }
     ~WrapperExprEnv() override { FM_Host_SetHooks(nullptr); }
 
@@ -110,18 +138,34 @@ class WrapperExprEnv : public testing::Test {
                                                       1, 2, fmx::ExprEnv::kDisplayInAllDialogs, answer);
     }
 
+    // The answer to a conversion of a path, "(error)" for an error.
+    std::u16string hostPath(std::u16string_view path, fmx::int32 format) {
+        const fmx::errcode code =
+            environment_->EvaluateConvertToFileMakerPath(*hostText(path), format, *text_);
+        return code == 0 ? unitsOf(*text_) : u"(error)" + unitsOf(*text_);
+    }
+    std::u16string systemPath(std::u16string_view path, fmx::int32 format) {
+        const fmx::errcode code =
+            environment_->EvaluateConvertFromFileMakerPath(*hostText(path), format, *text_);
+        return code == 0 ? unitsOf(*text_) : u"(error)" + unitsOf(*text_);
+    }
+
     Asked asked_;
     host::HostHooks hooks_;
-    fmx::QuadCharAutoPtr id_{'T', 'E', 'S', 'T'};
-    fmx::ExprEnvAutoPtr environment_;
-    DataAutoPtr result_;
+    fmx::QuadCharUniquePtr id_{'T', 'E', 'S', 'T'};
+    fmx::ExprEnvUniquePtr environment_;
+    fmx::TextUniquePtr text_;
+    DataUniquePtr result_;
 };
 
 TEST_F(WrapperExprEnv, RefusesWhenThereIsNoOneToAsk) {
     EXPECT_NE(registered(), 0);
     EXPECT_NE(fmx::ExprEnv::UnRegisterExternalFunction(*id_, 7), 0);
+    EXPECT_NE(fmx::ExprEnv::UnRegisterScriptStep(*id_, 7), 0);
     EXPECT_NE(environment_->Evaluate(*hostText(u"1"), *result_), 0);
     EXPECT_TRUE(result_->IsEmpty());
+    EXPECT_NE(environment_->EvaluateGetFunction(1002, *result_), 0);
+    EXPECT_EQ(environment_->SessionID(), 0U);
 }
 
 TEST_F(WrapperExprEnv, AsksTheProgram) {
@@ -129,22 +173,121 @@ TEST_F(WrapperExprEnv, AsksTheProgram) {
     EXPECT_EQ(registered(), 11);
     EXPECT_EQ(asked_.name, u"Name");
     EXPECT_EQ(asked_.prototype, u"Name ( x )");
+    EXPECT_EQ(asked_.description, u"(none)");
     EXPECT_EQ(asked_.plugin, 0x54455354U);
     EXPECT_EQ(asked_.id, 7);
-    EXPECT_EQ(asked_.minArgs, 1);
-    EXPECT_EQ(asked_.maxArgs, 2);
+    EXPECT_EQ(asked_.minArguments, 1);
+    EXPECT_EQ(asked_.maxArguments, 2);
     EXPECT_EQ(asked_.flags, 0xFF00U);
     EXPECT_EQ(asked_.function, &answer);
+    EXPECT_EQ(fmx::ExprEnv::RegisterExternalFunctionEx(*id_, 8, *hostText(u"Other"), *hostText(u"Other"),
+                                                       *hostText(u"What it does"), 3, -1,
+                                                       fmx::ExprEnv::kAllDeviceCompatible, answer),
+              11);
+    EXPECT_EQ(asked_.name, u"Other");
+    EXPECT_EQ(asked_.description, u"What it does");
+    EXPECT_EQ(asked_.minArguments, 3);
+    EXPECT_EQ(asked_.maxArguments, -1);
+    EXPECT_EQ(asked_.flags, 126U);
     EXPECT_EQ(fmx::ExprEnv::UnRegisterExternalFunction(*id_, 9), 12);
     EXPECT_EQ(asked_.id, 9);
     EXPECT_EQ(environment_->Evaluate(*hostText(u"1 + 1"), *result_), 0);
     EXPECT_EQ(unitsOf(result_->GetAsText()), u"1 + 1");
+    EXPECT_EQ(environment_->SessionID(), 0x100000001U);
+    EXPECT_EQ(environment_->FileID(), 0x200000002U);
+}
+
+TEST_F(WrapperExprEnv, AsksTheProgramForScriptSteps) {
+    FM_Host_SetHooks(&hooks_);
+    EXPECT_EQ(fmx::ExprEnv::RegisterScriptStep(*id_, -5, *hostText(u"Step"), *hostText(u"<PluginStep/>"),
+                                               *hostText(u"What it does"), 0xFF00, answer),
+              13);
+    EXPECT_EQ(asked_.name, u"Step");
+    EXPECT_EQ(asked_.definition, u"<PluginStep/>");
+    EXPECT_EQ(asked_.description, u"What it does");
+    EXPECT_EQ(asked_.id, -5);
+    EXPECT_EQ(asked_.flags, 0xFF00U);
+    EXPECT_EQ(asked_.function, &answer);
+    EXPECT_EQ(fmx::ExprEnv::UnRegisterScriptStep(*id_, -6), 14);
+    EXPECT_EQ(asked_.id, -6);
 }
 
 TEST_F(WrapperExprEnv, StopsWhatTheProgramThrows) {
     FM_Host_SetHooks(&hooks_);
     EXPECT_THROW(environment_->Evaluate(*hostText(u"out of memory"), *result_), std::bad_alloc);
     EXPECT_THROW(environment_->Evaluate(*hostText(u"throw"), *result_), std::exception);
+}
+
+TEST_F(WrapperExprEnv, EvaluatesGetFunctionsByTheirNumbers) {
+    FM_Host_SetHooks(&hooks_);
+    const std::pair<fmx::int16, std::u16string_view> functions[] = {
+        {1001, u"Get ( ApplicationVersion )"},
+        {1002, u"Get ( CurrentDate )"},
+        {1003, u"Get ( LastError )"},
+        {1026, u"Get ( ScriptName )"},
+        {1028, u"Get ( SystemVersion )"},
+        {1029, u"Get ( CurrentTime )"},
+        {1040, u"Get ( FilePath )"},
+        {1062, u"Get ( ScriptParameter )"},
+        {1063, u"Get ( CurrentTimestamp )"},
+        {1080, u"Get ( ScriptResult )"},
+        {1089, u"Get ( TemporaryPath )"},
+        {1101, u"Get ( UUID )"},
+        {1104, u"Get ( CurrentTimeUTCMilliseconds )"},
+        {1133, u"Get ( CurrentTimeUTCMicroseconds )"},
+    };
+    for (const auto& [number, expression] : functions) {
+        EXPECT_EQ(environment_->EvaluateGetFunction(number, *result_), 0);
+        EXPECT_EQ(unitsOf(result_->GetAsText()), expression);
+    }
+    for (const fmx::int16 number : {0, -1, 1000, 32767}) {
+        EXPECT_NE(environment_->EvaluateGetFunction(number, *result_), 0);
+        EXPECT_FALSE(result_->IsValid());
+    }
+}
+
+TEST_F(WrapperExprEnv, ConvertsPathsOfOperatingSystems) {
+    constexpr fmx::int32 kPosix = 1;
+    constexpr fmx::int32 kWindows = 2;
+    constexpr fmx::int32 kUrl = 3;
+    EXPECT_EQ(hostPath(u"/home/a b/c.txt", kPosix), u"file:/home/a b/c.txt");
+    EXPECT_EQ(hostPath(u"C:\\a\\b.txt", kWindows), u"file:/C:/a/b.txt");
+    EXPECT_EQ(hostPath(u"\\\\server\\share\\b", kWindows), u"file://server/share/b");
+    EXPECT_EQ(hostPath(u"file:///home/a%20b/%C3%A4", kUrl), u"file:/home/a b/\u00E4");
+    EXPECT_EQ(hostPath(u"file:///C:/a", kUrl), u"file:/C:/a");
+    EXPECT_EQ(hostPath(u"/a%2", kUrl), u"file:/a%2");
+    EXPECT_EQ(hostPath(u"fmp://host/file", kUrl), u"fmnet:/host/file");
+    EXPECT_EQ(systemPath(u"file:/home/a b", kPosix), u"/home/a b");
+    EXPECT_EQ(systemPath(u"filelinux:/home/a", kPosix), u"/home/a");
+    EXPECT_EQ(systemPath(u"/tmp/x/", kPosix), u"/tmp/x/");
+    EXPECT_EQ(systemPath(u"image:/C:/a/b.png", kWindows), u"C:\\a\\b.png");
+    EXPECT_EQ(systemPath(u"file://server/share/b", kWindows), u"\\\\server\\share\\b");
+    EXPECT_EQ(systemPath(u"file:/home/a b/\u00E4", kUrl), u"file:///home/a%20b/%C3%A4");
+    EXPECT_EQ(systemPath(u"file://server/share", kUrl), u"file://server/share");
+    for (const fmx::int32 format : {kPosix, kWindows, kUrl, 0, -1, 99}) {
+        EXPECT_EQ(hostPath(u"relative/a", format), u"(error)");
+        EXPECT_EQ(hostPath(u"", format), u"(error)");
+        EXPECT_EQ(systemPath(u"file:relative", format), u"(error)");
+        EXPECT_EQ(systemPath(u"", format), u"(error)");
+    }
+    EXPECT_EQ(hostPath(u"/a", 4), u"(error)");
+    EXPECT_EQ(systemPath(u"file:/a", kWindows), u"(error)");
+    EXPECT_EQ(systemPath(u"file:/C:/a", kPosix), u"(error)");
+}
+
+TEST_F(WrapperExprEnv, FindsNoDatabase) {
+    FM_Host_SetHooks(&hooks_);
+    const fmx::DataVectUniquePtr parameters;
+    const fmx::RowVectUniquePtr rows;
+    EXPECT_NE(environment_->ExecuteFileSQL(*hostText(u"SELECT 1"), *hostText(u""), *parameters, *rows), 0);
+    EXPECT_TRUE(rows->IsEmpty());
+    EXPECT_EQ(rows->Size(), 0U);
+    EXPECT_THROW(rows->At(0), std::exception);
+    result_->SetAsText(*hostText(u"before"), result_->GetLocale());
+    EXPECT_NE(environment_->ExecuteFileSQLTextResult(*hostText(u"SELECT 1"), *hostText(u""), *parameters,
+                                                     *result_, u',', u'\n'),
+              0);
+    EXPECT_TRUE(result_->IsEmpty());
 }
 
 } // namespace

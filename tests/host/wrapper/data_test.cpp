@@ -3,7 +3,7 @@
 namespace {
 
 using fmx::Data;
-using fmx::DataAutoPtr;
+using fmx::DataUniquePtr;
 
 class WrapperData : public testing::Test {
   protected:
@@ -12,7 +12,7 @@ class WrapperData : public testing::Test {
     }
     std::u16string text() { return unitsOf(data_->GetAsText()); }
 
-    DataAutoPtr data_;
+    DataUniquePtr data_;
 };
 
 TEST_F(WrapperData, IsEmptyTextAtFirst) {
@@ -53,21 +53,21 @@ TEST_F(WrapperData, AnswersStandUntilItIsSetAgain) {
     EXPECT_EQ(unitsOf(data_->GetAsText()), u"8");
     EXPECT_EQ(data_->GetAsNumber().AsLong(), 8);
     // From its own answers.
-    EXPECT_EQ(data_->SetAsNumber(data_->GetAsNumber()), 0);
+    data_->SetAsNumber(data_->GetAsNumber());
     EXPECT_EQ(data_->SetAsText(data_->GetAsText(), data_->GetLocale()), 0);
-    EXPECT_EQ(data_->SetAsTimeStamp(data_->GetAsTimeStamp()), 0);
-    EXPECT_EQ(data_->SetBinaryData(data_->GetBinaryData()), 0);
+    data_->SetAsTimeStamp(data_->GetAsTimeStamp());
+    data_->SetBinaryData(data_->GetBinaryData());
     EXPECT_TRUE(data_->IsEmpty());
 }
 
 TEST_F(WrapperData, IsSetWithANativeType) {
-    const fmx::FixPtAutoPtr number(5);
-    EXPECT_EQ(data_->SetAsNumber(*number), 0);
+    const fmx::FixPtUniquePtr number(5);
+    data_->SetAsNumber(*number);
     EXPECT_EQ(data_->GetNativeType(), Data::kDTNumber);
     EXPECT_EQ(text(), u"5");
-    EXPECT_EQ(data_->SetAsNumber(*number, Data::kDTText), 0);
+    data_->SetAsNumber(*number, Data::kDTText);
     EXPECT_EQ(data_->GetNativeType(), Data::kDTText);
-    EXPECT_EQ(data_->SetAsNumber(*number, Data::kDTBoolean), 0);
+    data_->SetAsNumber(*number, Data::kDTBoolean);
     EXPECT_EQ(data_->GetNativeType(), Data::kDTBoolean);
     EXPECT_EQ(text(), u"1");
     EXPECT_EQ(setText(u"a1,5", Data::kDTNumber), 0);
@@ -77,27 +77,27 @@ TEST_F(WrapperData, IsSetWithANativeType) {
 }
 
 TEST_F(WrapperData, HoldsDatesAndTimes) {
-    const fmx::DateTimeAutoPtr moment;
+    const fmx::DateTimeUniquePtr moment;
     EXPECT_EQ(moment->SetNormalizedDate(12, 25, 2010), 0);
     EXPECT_EQ(moment->SetNormalizedTime(1, 2, 3, 0), 0);
-    EXPECT_EQ(data_->SetAsDate(*moment), 0);
+    data_->SetAsDate(*moment);
     EXPECT_EQ(data_->GetNativeType(), Data::kDTDate);
     EXPECT_EQ(text(), u"12/25/2010");
-    EXPECT_EQ(data_->SetAsTime(*moment), 0);
+    data_->SetAsTime(*moment);
     EXPECT_EQ(data_->GetNativeType(), Data::kDTTime);
     EXPECT_EQ(text(), u"1:02:03");
-    EXPECT_EQ(data_->SetAsTimeStamp(*moment), 0);
+    data_->SetAsTimeStamp(*moment);
     EXPECT_EQ(data_->GetNativeType(), Data::kDTTimeStamp);
     EXPECT_EQ(text(), u"12/25/2010 1:02:03");
     EXPECT_TRUE(data_->GetAsTimeStamp() == *moment);
-    EXPECT_EQ(data_->SetDateTime(*moment, Data::kDTDate, Data::kDTText), 0);
+    data_->SetDateTime(*moment, Data::kDTDate, Data::kDTText);
     EXPECT_EQ(data_->GetNativeType(), Data::kDTText);
     EXPECT_EQ(text(), u"12/25/2010");
-    EXPECT_EQ(data_->SetDateTime(*moment, Data::kDTTime, Data::kDTTime), 0);
+    data_->SetDateTime(*moment, Data::kDTTime, Data::kDTTime);
     EXPECT_EQ(text(), u"1:02:03");
-    EXPECT_EQ(data_->SetDateTime(*moment, Data::kDTTimeStamp, Data::kDTTimeStamp), 0);
+    data_->SetDateTime(*moment, Data::kDTTimeStamp, Data::kDTTimeStamp);
     EXPECT_EQ(text(), u"12/25/2010 1:02:03");
-    EXPECT_NE(data_->SetDateTime(*moment, Data::kDTNumber, Data::kDTNumber), 0);
+    EXPECT_THROW(data_->SetDateTime(*moment, Data::kDTNumber, Data::kDTNumber), std::exception);
     EXPECT_EQ(text(), u"12/25/2010 1:02:03");
 }
 
@@ -130,33 +130,82 @@ TEST_F(WrapperData, IsClearedAndConverted) {
     }
     data_->Clear(Data::kDTInvalid);
     EXPECT_FALSE(data_->IsValid());
+    setText(u"x");
     data_->Clear();
-    EXPECT_EQ(data_->GetNativeType(), Data::kDTText);
+    EXPECT_EQ(data_->GetNativeType(), Data::kDTInvalid);
 }
 
 TEST_F(WrapperData, HoldsContainers) {
-    const fmx::BinaryDataAutoPtr container;
+    const fmx::BinaryDataUniquePtr container;
     container->AddFNAMData(*hostText(u"a.png"));
-    EXPECT_EQ(data_->SetBinaryData(*container), 0);
+    data_->SetBinaryData(*container, false);
     EXPECT_EQ(data_->GetNativeType(), Data::kDTText);
     EXPECT_EQ(text(), u"a.png");
-    EXPECT_EQ(data_->SetBinaryData(*container, true), 0);
+    data_->SetBinaryData(*container);
     EXPECT_EQ(data_->GetNativeType(), Data::kDTBinary);
     EXPECT_TRUE(data_->GetBinaryData() == *container);
     EXPECT_EQ(text(), u"a.png");
     EXPECT_TRUE(data_->GetAsBoolean());
     container->RemoveAll();
-    EXPECT_EQ(data_->SetBinaryData(*container, true), 0);
+    data_->SetBinaryData(*container, true);
     EXPECT_EQ(data_->GetNativeType(), Data::kDTBinary);
     EXPECT_TRUE(data_->IsEmpty());
 }
 
 TEST_F(WrapperData, KeepsItsLocale) {
-    const fmx::LocaleAutoPtr locale(fmx::Locale::kType_RawUnicode);
+    const fmx::LocaleUniquePtr locale(fmx::Locale::kType_UnicodeRaw);
     EXPECT_EQ(data_->SetAsText(*hostText(u"x"), *locale), 0);
     const fmx::Locale& kept = data_->GetLocale();
     EXPECT_NE(&kept, locale.get());
     EXPECT_EQ(&data_->GetLocale(), &kept);
+}
+
+TEST_F(WrapperData, KeepsTheStylesOfItsText) {
+    const fmx::TextUniquePtr text = hostText(u"plain bold");
+    const fmx::CharacterStyleUniquePtr bold;
+    bold->EnableFace(fmx::CharacterStyle::kFace_Bold);
+    text->SetStyle(*bold, 6, 4);
+    data_->SetAsText(*text, data_->GetLocale());
+    fmx::DataVectUniquePtr vector;
+    vector->PushBack(*data_);
+    const fmx::CharacterStyleUniquePtr style;
+    vector->AtAsText(0).GetStyle(*style, 6);
+    EXPECT_TRUE(style->IsFaceEnabled(fmx::CharacterStyle::kFace_Bold));
+    vector->AtAsText(0).GetStyle(*style, 5);
+    EXPECT_FALSE(style->IsFaceEnabled(fmx::CharacterStyle::kFace_Bold));
+    EXPECT_TRUE(vector->At(0).GetAsText() == *text);
+}
+
+TEST_F(WrapperData, IsCopiedWithItsTypeAndReadingsOfItsOwn) {
+    setText(u"x1");
+    fmx::DataVectUniquePtr vector;
+    vector->PushBack(*data_);
+    setText(u"x2");
+    EXPECT_EQ(vector->AtAsNumber(0).AsLong(), 1);
+    EXPECT_EQ(data_->GetAsNumber().AsLong(), 2);
+    data_->SetAsNumber(*fmx::FixPtUniquePtr(3));
+    vector->PushBack(*data_);
+    EXPECT_EQ(unitsOf(vector->AtAsText(1)), u"3");
+    EXPECT_EQ(vector->At(1).GetNativeType(), Data::kDTNumber);
+}
+
+TEST_F(WrapperData, NumbersFontsByTheirNames) {
+    const fmx::ExprEnvUniquePtr environment;
+    const fmx::FontID greek = data_->GetFontID(*hostText(u"Alpha"), 1, *environment);
+    EXPECT_EQ(data_->GetFontID(*hostText(u"Alpha"), 1, *environment), greek);
+    EXPECT_NE(data_->GetFontID(*hostText(u"Beta"), 1, *environment), greek);
+    EXPECT_EQ(data_->GetFontID(*hostText(u""), 1, *environment), fmx::CharacterStyle::kInvalidFont);
+    const fmx::TextUniquePtr name;
+    fmx::FontScript script = 99;
+    EXPECT_TRUE(data_->GetFontInfo(greek, *name, script, *environment));
+    EXPECT_EQ(unitsOf(*name), u"Alpha");
+    EXPECT_EQ(script, 1);
+    const fmx::FontID latin = data_->GetPostscriptFontID(*hostText(u"Gamma-Bold"), *environment);
+    EXPECT_TRUE(data_->GetPostscriptFontInfo(latin, *name, *environment));
+    EXPECT_EQ(unitsOf(*name), u"Gamma-Bold");
+    EXPECT_FALSE(data_->GetPostscriptFontInfo(65000, *name, *environment));
+    EXPECT_FALSE(data_->GetFontInfo(65535, *name, script, *environment));
+    EXPECT_EQ(unitsOf(*name), u"Gamma-Bold");
 }
 
 } // namespace

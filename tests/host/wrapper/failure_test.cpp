@@ -30,7 +30,7 @@ TEST_F(WrapperFailure, CanHitALaterCall) {
     const auto text = hostText(u"abc");
     FM_Host_FailNextCall(1, 2);
     EXPECT_EQ(text->GetSize(), 3U);
-    { const fmx::TextAutoPtr made; } // made and deleted: the deletion does not count
+    { const fmx::TextUniquePtr made; } // made and deleted: the deletion does not count
     EXPECT_THROW(text->GetSize(), std::bad_alloc);
     FM_Host_FailNextCall(1, 1);
     FM_Host_FailNextCall(0);
@@ -42,23 +42,23 @@ TEST_F(WrapperFailure, CanHitALaterCall) {
 
 TEST_F(WrapperFailure, LeavesNothingBehindWhenAnObjectIsNotMade) {
     FM_Host_FailNextCall(1);
-    EXPECT_THROW(fmx::TextAutoPtr(), std::bad_alloc);
+    EXPECT_THROW(fmx::TextUniquePtr(), std::bad_alloc);
     FM_Host_FailNextCall(2);
-    EXPECT_THROW(fmx::DataVectAutoPtr(), std::exception);
+    EXPECT_THROW(fmx::DataVectUniquePtr(), std::exception);
 }
 
 TEST_F(WrapperFailure, OfACallThatAnswersAReferenceThrowsToo) {
-    const fmx::DataVectAutoPtr vector;
-    vector->PushBack(*fmx::DataAutoPtr());
+    const fmx::DataVectUniquePtr vector;
+    vector->PushBack(*fmx::DataUniquePtr());
     FM_Host_FailNextCall(1);
     EXPECT_THROW(vector->At(0), std::bad_alloc);
     FM_Host_FailNextCall(1);
     EXPECT_THROW(vector->At(0).GetAsText(), std::bad_alloc);
     FM_Host_FailNextCall(1, 1);
     EXPECT_THROW(vector->At(0).GetAsText(), std::bad_alloc);
-    const fmx::QuadCharAutoPtr code;
+    const fmx::QuadCharUniquePtr code;
     FM_Host_FailNextCall(2);
-    EXPECT_THROW((*code)[0] = 'x', std::exception);
+    EXPECT_THROW(static_cast<void>((*code)[0]), std::exception);
 }
 
 // A call without an object, for one function of each class and kind of result.
@@ -69,11 +69,11 @@ TEST_F(WrapperFailure, IsReportedForACallWithoutItsObject) {
         return block.code;
     };
     using Block = fmx::_fmxcpt&;
-    const fmx::DataAutoPtr data;
-    const fmx::DateTimeAutoPtr moment;
-    const fmx::FixPtAutoPtr number;
-    const fmx::BinaryDataAutoPtr container;
-    const fmx::QuadCharAutoPtr code;
+    const fmx::DataUniquePtr data;
+    const fmx::DateTimeUniquePtr moment;
+    const fmx::FixPtUniquePtr number;
+    const fmx::BinaryDataUniquePtr container;
+    const fmx::QuadCharUniquePtr code;
     EXPECT_EQ(codeOf([](Block x) { FM_Text_GetSize(nullptr, x); }), 2);
     EXPECT_EQ(codeOf([](Block x) { FM_Text_Uppercase(nullptr, x); }), 2);
     EXPECT_EQ(codeOf([&](Block x) { FM_Locale_operatorAS(nullptr, data->GetLocale(), x); }), 2);

@@ -1,7 +1,7 @@
 #include "tests/host/wrapper/support.h"
 
-fmx::TextAutoPtr hostText(std::u16string_view text) {
-    fmx::TextAutoPtr result;
+fmx::TextUniquePtr hostText(std::u16string_view text) {
+    fmx::TextUniquePtr result;
     const std::u16string copy(text);
     result->AssignUnicodeWithLength(reinterpret_cast<const fmx::uint16*>(copy.data()),
                                     static_cast<fmx::uint32>(copy.size()));
@@ -15,7 +15,7 @@ std::u16string unitsOf(const fmx::Text& text) {
 }
 
 std::u16string digitsOf(const fmx::FixPt& number) {
-    fmx::DataAutoPtr data;
+    fmx::DataUniquePtr data;
     data->SetAsNumber(number);
     return unitsOf(data->GetAsText());
 }

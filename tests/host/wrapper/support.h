@@ -2,14 +2,14 @@
 // interface.
 #pragma once
 
-#include "FMWrapper/FMXCalcEngine.h"
+#include "host/wrapper/interface.h"
 
 #include <gtest/gtest.h>
 #include <string>
 #include <string_view>
 
 // A text of the host from UTF-16, and back.
-fmx::TextAutoPtr hostText(std::u16string_view text);
+fmx::TextUniquePtr hostText(std::u16string_view text);
 std::u16string unitsOf(const fmx::Text& text);
 
 // A number of the host in decimal, and from decimal.

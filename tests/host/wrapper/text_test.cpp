@@ -12,13 +12,13 @@ const uint16* units(const char16_t* text) {
 }
 
 TEST(WrapperText, IsEmptyAtFirst) {
-    const fmx::TextAutoPtr text;
+    const fmx::TextUniquePtr text;
     EXPECT_EQ(text->GetSize(), 0U);
     EXPECT_EQ(unitsOf(*text), u"");
 }
 
 TEST(WrapperText, IsAssignedFromEveryKindOfCharacter) {
-    const fmx::TextAutoPtr text;
+    const fmx::TextUniquePtr text;
     text->Assign("a\xC3\xA4", Text::kEncoding_UTF8);
     EXPECT_EQ(unitsOf(*text), u"a\u00E4");
     text->Assign("\xFF!");
@@ -149,9 +149,9 @@ TEST(WrapperText, ComparesByUnits) {
 }
 
 TEST(WrapperLocale, IsCopiedAndAssigned) {
-    const fmx::LocaleAutoPtr system(fmx::Locale::kType_System);
-    const fmx::LocaleAutoPtr copy(*system);
-    const fmx::LocaleAutoPtr other(fmx::Locale::kType_RawUnicode);
+    const fmx::LocaleUniquePtr system(fmx::Locale::kType_System);
+    const fmx::LocaleUniquePtr copy(*system);
+    const fmx::LocaleUniquePtr other(fmx::Locale::kType_UnicodeRaw);
     EXPECT_EQ(&(*other = *copy), other.get());
 }
 

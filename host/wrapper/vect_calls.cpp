@@ -1,16 +1,11 @@
-// FM_DataVect_* and FM_ExprEnv_*, and the hooks by which the program answers the latter.
-#include "FMWrapper/FMXCalcEngine.h"
-
+// FM_DataVect_* and FM_RowVect_*.
 #include "host/wrapper/guard.h"
-#include "host/wrapper/host_hooks.h"
 #include "host/wrapper/objects.h"
 
 using fmx::_fmxcpt;
 using fmx::Data;
 using fmx::DataVect;
-using fmx::errcode;
-using fmx::ExprEnv;
-using fmx::QuadChar;
+using fmx::RowVect;
 using fmx::Text;
 using fmx::uint32;
 using host::DataObject;
@@ -21,18 +16,12 @@ using host::self;
 
 namespace {
 
-host::HostHooks hooks;
-
 // Throws for an index that is not below the size.
 const DataObject& valueAt(const void* object, uint32 index) {
     return *self<DataVect>(object).values.at(index);
 }
 
 } // namespace
-
-void FM_Host_SetHooks(const host::HostHooks* wanted) noexcept {
-    hooks = wanted != nullptr ? *wanted : host::HostHooks{};
-}
 
 DataVect* FM_DataVect_Constructor1(_fmxcpt& block) noexcept {
     return guarded(block, [] { return host::made<DataVect>(); });
@@ -70,7 +59,7 @@ const Data& FM_DataVect_At(const void* object, uint32 index, _fmxcpt& block) noe
 }
 const Text& FM_DataVect_AtAsText(const void* object, uint32 index, _fmxcpt& block) noexcept {
     return outside<Text>(
-        guarded(block, [&]() -> const std::u16string& { return valueAt(object, index).text(); }));
+        guarded(block, [&]() -> const host::TextObject& { return valueAt(object, index).text(); }));
 }
 const fmx::FixPt& FM_DataVect_AtAsNumber(const void* object, uint32 index, _fmxcpt& block) noexcept {
     return outside<fmx::FixPt>(
@@ -96,35 +85,19 @@ const fmx::BinaryData& FM_DataVect_AtAsBinaryData(const void* object, uint32 ind
         block, [&]() -> const host::Container& { return valueAt(object, index).value().asContainer(); }));
 }
 
-ExprEnv* FM_ExprEnv_Constructor1(_fmxcpt& block) noexcept {
-    return guarded(block, [] { return host::made<ExprEnv>(); });
+RowVect* FM_RowVect_Constructor1(_fmxcpt& block) noexcept {
+    return guarded(block, [] { return host::made<RowVect>(); });
 }
-void FM_ExprEnv_Delete(void* object, _fmxcpt&) noexcept {
-    host::destroy<ExprEnv>(object);
+void FM_RowVect_Delete(void* object, _fmxcpt&) noexcept {
+    host::destroy<RowVect>(object);
 }
-errcode FM_ExprEnv_Evaluate(const void* object, const Text& expression, Data& result,
-                            _fmxcpt& block) noexcept {
-    return guarded(block, [&] {
-        const ExprEnv& environment = outside<ExprEnv>(self<ExprEnv>(object));
-        return hooks.evaluate != nullptr ? hooks.evaluate(hooks.context, environment, expression, result)
-                                         : host::kUnavailable;
-    });
+uint32 FM_RowVect_Size(const void* object, _fmxcpt& block) noexcept {
+    return guarded(block, [&] { return host::size32(self<RowVect>(object).rows.size()); });
 }
-errcode FM_ExprEnv_RegisterExternalFunction(const QuadChar& pluginId, short functionId, const Text& name,
-                                            const Text& prototype, short minArgs, short maxArgs, uint32 flags,
-                                            fmx::ExtPluginType function, _fmxcpt& block) noexcept {
-    return guarded(block, [&] {
-        return hooks.registerFunction != nullptr
-                   ? hooks.registerFunction(hooks.context, pluginId, functionId, name, prototype, minArgs,
-                                            maxArgs, flags, function)
-                   : host::kUnavailable;
-    });
+bool FM_RowVect_IsEmpty(const void* object, _fmxcpt& block) noexcept {
+    return guarded(block, [&] { return self<RowVect>(object).rows.empty(); });
 }
-errcode FM_ExprEnv_UnRegisterExternalFunction(const QuadChar& pluginId, short functionId,
-                                              _fmxcpt& block) noexcept {
-    return guarded(block, [&] {
-        return hooks.unregisterFunction != nullptr
-                   ? hooks.unregisterFunction(hooks.context, pluginId, functionId)
-                   : host::kUnavailable;
-    });
+const DataVect& FM_RowVect_At(const void* object, uint32 index, _fmxcpt& block) noexcept {
+    return outside<DataVect>(guarded(
+        block, [&]() -> const host::DataVectObject& { return *self<RowVect>(object).rows.at(index); }));
 }

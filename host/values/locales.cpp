@@ -1,0 +1,172 @@
+#include "host/values/locales.h"
+
+#include "host/values/number.h"
+#include "host/values/text.h"
+
+#include <memory>
+#include <stdexcept>
+#include <string>
+#include <unicode/uchar.h>
+#include <unicode/ucol.h>
+#include <unicode/udat.h>
+
+namespace host {
+
+namespace {
+
+// The numbers of the plug-in interface for the locales that are no language, and of the first and last one.
+constexpr int32_t kNone = 0;
+constexpr int32_t kSystem = 1;
+constexpr int32_t kUnicodeRaw = 2;
+constexpr int32_t kFirstLanguage = 16;
+constexpr int32_t kLastLanguage = 76;
+
+// ICU's locale for each language, by the number of its type, the first one 16. The custom Finnish and Swedish
+// take v and w for one letter; German sorts as telephone books do unless it is called the dictionary's.
+constexpr const char* kLanguages[] = {
+    "ca",                       // CAT
+    "hr",                       // HRV
+    "cs",                       // CES
+    "da",                       // DAN
+    "nl",                       // NLD
+    "en",                       // ENG
+    "fi",                       // FIN
+    "fi@collation=traditional", // FIN_fmi
+    "fr",                       // FRA
+    "de@collation=phonebook",   // DEU
+    "de",                       // DEU_dictionary
+    "el",                       // ELL
+    "hu",                       // HUN
+    "is",                       // ISL
+    "it",                       // ITA
+    "ja",                       // JPN
+    "nb",                       // NOR
+    "pl",                       // POL
+    "pt",                       // POR
+    "ro",                       // RON
+    "ru",                       // RUS
+    "sk",                       // SLK
+    "sl",                       // SLV
+    "es",                       // SPA
+    "es@collation=traditional", // SPA_traditional
+    "sv",                       // SWE
+    "sv@collation=traditional", // SWE_fmi
+    "tr",                       // TUR
+    "uk",                       // UKR
+    "zh",                       // CHI
+    "zh@collation=stroke",      // CHI_stroke
+    "he",                       // HE
+    "hi",                       // HI
+    "ar",                       // AR
+    "et",                       // ET
+    "lt",                       // LT
+    "lv",                       // LV
+    "sr",                       // SR
+    "fa",                       // FA
+    "bg",                       // BG
+    "vi",                       // VI
+    "th",                       // TH
+    "el",                       // ELL_Mixed
+    "bn",                       // BEN
+    "te",                       // TEL
+    "mr",                       // MAR
+    "ta",                       // TAM
+    "gu",                       // GUJ
+    "kn",                       // KAN
+    "ml",                       // MAL
+    "or",                       // ORI
+    "pa",                       // PAN
+    "si",                       // SIN
+    "ur",                       // URD
+    "dv",                       // DIV
+    "my",                       // BUR
+    "sa",                       // SAN
+    "lo",                       // LAO
+    "km",                       // KHM
+    "bo",                       // BOD
+    "ko",                       // KOR
+};
+static_assert(std::size(kLanguages) == kLastLanguage - kFirstLanguage + 1);
+
+// ICU's name of a locale; null for one of no language.
+const char* languageOf(int32_t locale) {
+    return locale >= kFirstLanguage && locale <= kLastLanguage ? kLanguages[locale - kFirstLanguage]
+                                                               : nullptr;
+}
+
+// The order of the three numbers in ICU's pattern of a short date.
+DateOrder orderInPattern(std::u16string_view pattern) {
+    const size_t year = pattern.find_first_of(u"yu");
+    const size_t month = pattern.find_first_of(u"ML");
+    const size_t day = pattern.find(u'd');
+    return year < month  ? DateOrder::yearMonthDay
+           : month < day ? DateOrder::monthDayYear
+                         : DateOrder::dayMonthYear;
+}
+
+DateOrder orderInLanguage(const char* language) {
+    UErrorCode error = U_ZERO_ERROR;
+    const std::unique_ptr<UDateFormat, decltype(&udat_close)> format(
+        udat_open(UDAT_NONE, UDAT_SHORT, language, nullptr, 0, nullptr, 0, &error), udat_close);
+    UChar pattern[64];
+    const int32_t size =
+        U_SUCCESS(error) ? udat_toPattern(format.get(), 0, pattern, std::size(pattern), &error) : 0;
+    return U_SUCCESS(error) ? orderInPattern({pattern, static_cast<size_t>(size)}) : DateOrder::monthDayYear;
+}
+
+// A text with all decimal digits as 0 to 9, and without the marks that say which way it is written.
+std::u16string withPlainDigits(std::u16string_view text) {
+    std::u16string plain;
+    for (const char16_t c : text) {
+        const int32_t digit = u_charDigitValue(c);
+        if (digit >= 0) {
+            plain += static_cast<char16_t>(u'0' + digit);
+        } else if (u_charType(c) != U_FORMAT_CHAR) {
+            plain += c;
+        }
+    }
+    return plain;
+}
+
+} // namespace
+
+DateOrder dateOrderIn(int32_t locale) {
+    const char* language = languageOf(locale);
+    return language == nullptr ? DateOrder::monthDayYear : orderInLanguage(language);
+}
+
+std::optional<DateTime> timestampIn(int32_t locale, std::u16string_view text) {
+    return languageOf(locale) == nullptr
+               ? DateTime::timestampFromText(text)
+               : DateTime::timestampFromText(withPlainDigits(text), dateOrderIn(locale));
+}
+
+Value valueIn(int32_t locale, std::u16string_view text, ValueType wanted) {
+    const bool isDay = wanted == ValueType::date || wanted == ValueType::timestamp;
+    if (!isDay || languageOf(locale) == nullptr) {
+        return Value::text(text);
+    }
+    if (const auto moment = timestampIn(locale, text)) {
+        return Value::timestamp(*moment);
+    }
+    return Number::standsIn(withPlainDigits(text)) ? Value::invalid() : Value::text(text);
+}
+
+std::strong_ordering compareIn(int32_t locale, std::u16string_view left, std::u16string_view right) {
+    if (locale == kNone || locale == kUnicodeRaw) {
+        return compareUnits(left, right);
+    }
+    const char* language = locale == kSystem ? nullptr : languageOf(locale); // null is the user's
+    UErrorCode error = U_ZERO_ERROR;
+    const std::unique_ptr<UCollator, decltype(&ucol_close)> collator(
+        ucol_open(language != nullptr || locale == kSystem ? language : "", &error), ucol_close);
+    if (U_FAILURE(error)) {
+        throw std::runtime_error(std::string("texts can not be compared: ") + u_errorName(error));
+    }
+    const UCollationResult order =
+        ucol_strcoll(collator.get(), left.data(), static_cast<int32_t>(left.size()), right.data(),
+                     static_cast<int32_t>(right.size()));
+    return order <=> UCOL_EQUAL;
+}
+
+} // namespace host

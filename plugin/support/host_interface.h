@@ -1,0 +1,73 @@
+#pragma once
+
+// The host's plug-in interface, its headers in the order in which they need one another: FMXCalcEngine.h does
+// not include the others.
+// clang-format off
+#include "FMWrapper/FMXTypes.h"
+#include "FMWrapper/FMXText.h"
+#include "FMWrapper/FMXFixPt.h"
+#include "FMWrapper/FMXDateTime.h"
+#include "FMWrapper/FMXBinaryData.h"
+#include "FMWrapper/FMXData.h"
+#include "FMWrapper/FMXCalcEngine.h"
+// clang-format on
+
+// The owning holders of the host's objects. Interfaces up to 61 call them <Class>AutoPtr, those from 71 on
+// <Class>UniquePtr, those between have both. The declarations below make each name one that can be spoken of:
+// where the interface has the class they add nothing, where it has not they leave it incomplete. They speak
+// of names that some interfaces call deprecated.
+#pragma GCC diagnostic push
+#pragma GCC diagnostic ignored "-Wdeprecated-declarations"
+
+namespace fmx {
+
+class BinaryDataAutoPtr;
+class BinaryDataUniquePtr;
+class DataAutoPtr;
+class DataUniquePtr;
+class DataVectAutoPtr;
+class DataVectUniquePtr;
+class DateTimeAutoPtr;
+class DateTimeUniquePtr;
+class ExprEnvAutoPtr;
+class ExprEnvUniquePtr;
+class LocaleAutoPtr;
+class LocaleUniquePtr;
+class QuadCharAutoPtr;
+class QuadCharUniquePtr;
+class TextAutoPtr;
+class TextUniquePtr;
+
+} // namespace fmx
+
+namespace host_interface {
+
+template <class Holder>
+concept Complete = requires {
+    sizeof(Holder);
+};
+
+template <class Unique, class Auto>
+struct Holder {
+    using Type = Auto;
+};
+template <Complete Unique, class Auto>
+struct Holder<Unique, Auto> {
+    using Type = Unique;
+};
+
+} // namespace host_interface
+
+using BinaryDataPtr = host_interface::Holder<fmx::BinaryDataUniquePtr, fmx::BinaryDataAutoPtr>::Type;
+using DataPtr = host_interface::Holder<fmx::DataUniquePtr, fmx::DataAutoPtr>::Type;
+using DataVectPtr = host_interface::Holder<fmx::DataVectUniquePtr, fmx::DataVectAutoPtr>::Type;
+using DateTimePtr = host_interface::Holder<fmx::DateTimeUniquePtr, fmx::DateTimeAutoPtr>::Type;
+using ExprEnvPtr = host_interface::Holder<fmx::ExprEnvUniquePtr, fmx::ExprEnvAutoPtr>::Type;
+using LocalePtr = host_interface::Holder<fmx::LocaleUniquePtr, fmx::LocaleAutoPtr>::Type;
+using QuadCharPtr = host_interface::Holder<fmx::QuadCharUniquePtr, fmx::QuadCharAutoPtr>::Type;
+using TextPtr = host_interface::Holder<fmx::TextUniquePtr, fmx::TextAutoPtr>::Type;
+
+#pragma GCC diagnostic pop
+
+// One unit of UTF-16, which the interfaces call unichar or unichar16.
+using TextUnit = fmx::uint16;
