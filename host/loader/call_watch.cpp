@@ -24,9 +24,16 @@ void write(const char* text) {
     [[maybe_unused]] const ssize_t written = ::write(STDERR_FILENO, text, std::strlen(text));
 }
 
+void crashed(int signal, siginfo_t* info, void* context);
+
+// What the plug-in has set itself stays.
 void restoreActions() {
     for (size_t i = 0; i < kCrashes.size(); ++i) {
-        sigaction(kCrashes[i], &formerActions[i], nullptr);
+        struct sigaction now {};
+        sigaction(kCrashes[i], nullptr, &now);
+        if (now.sa_sigaction == crashed) {
+            sigaction(kCrashes[i], &formerActions[i], nullptr);
+        }
     }
 }
 
@@ -65,6 +72,9 @@ CallWatch::CallWatch(const std::string& plugin, const std::string& stage, std::c
             exitDuringCall();
         }
     });
+    if (!fatal_) {
+        return;
+    }
     exitDuringCall = [this] { fatal_("the plug-in " + plugin_ + " ended the program in its " + stage_); };
     if (limit.count() > 0) {
         timer_ = std::thread([this, limit] { waitFor(limit); });
@@ -82,7 +92,11 @@ CallWatch::~CallWatch() {
     }
     exitDuringCall = nullptr;
     restoreActions();
-    sigaltstack(&formerSignalStack_, nullptr);
+    stack_t now{};
+    sigaltstack(nullptr, &now);
+    if (now.ss_sp == signalStack_.data()) {
+        sigaltstack(&formerSignalStack_, nullptr);
+    }
 }
 
 void CallWatch::waitFor(std::chrono::seconds limit) {

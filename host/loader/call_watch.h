@@ -23,7 +23,8 @@ using FatalHandler = std::function<void(const std::string& message)>;
 // One lives at a time.
 class CallWatch {
   public:
-    // [plugin] is the plug-in's file, [stage] what it is about ("start-up"). A limit of 0 is none.
+    // [plugin] is the plug-in's file, [stage] what it is about ("start-up"). A limit of 0 is none. Without a
+    // handler only crashes are watched.
     CallWatch(const std::string& plugin, const std::string& stage, std::chrono::seconds limit,
               FatalHandler fatal);
     ~CallWatch();

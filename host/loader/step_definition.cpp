@@ -153,9 +153,10 @@ std::vector<StepParameter> parseStepDefinition(std::u16string_view text) {
         xmlFreeDoc);
     if (document == nullptr) {
         const xmlError* error = xmlGetLastError();
-        std::string reason = error == nullptr ? "it can not be read" : error->message;
+        std::string reason = error == nullptr ? "it can not be read"
+                                              : "line " + std::to_string(error->line) + ": " + error->message;
         reason.erase(reason.find_last_not_of("\r\n") + 1);
-        throw DefinitionError(reason + (error == nullptr ? "" : ", line " + std::to_string(error->line)));
+        throw DefinitionError(reason);
     }
     int next = 0;
     forEachChild(xmlDocGetRootElement(document.get()), "Parameter", [&](const xmlNode* node) {

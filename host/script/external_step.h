@@ -40,7 +40,7 @@ class ExternalStep : public Registered {
     ExternalStep(std::u16string name, std::vector<StepParameter> parameters)
         : Registered(std::move(name)), parameters_(std::move(parameters)) {}
 
-    // Runs the step; values that the script leaves out are empty texts. Its error code is the session's last
+    // Runs the step; values that the script leaves out are empty. Its error code is the session's last
     // error afterwards. Throws ExternalFailure when it let an exception through.
     virtual Value run(Session& session, std::span<Value> values) = 0;
 

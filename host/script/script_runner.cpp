@@ -167,7 +167,7 @@ void ScriptRunner::runExternal(const Script& script, const Step& step) {
     for (const StepParameter& parameter : call.step->parameters()) {
         const bool isFixed =
             parameter.kind == StepParameter::Kind::flag || parameter.kind == StepParameter::Kind::choice;
-        put(parameter, isFixed ? Value::number(parameter.standard) : Value());
+        put(parameter, isFixed ? Value::number(parameter.standard) : Value::empty(parameter.type));
     }
     for (const auto& [parameter, calculation, fixed] : call.arguments) {
         put(*parameter, calculation ? session_.evaluate(*calculation).convertedTo(parameter->type)
