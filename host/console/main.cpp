@@ -108,7 +108,8 @@ void defineCommands(CLI::App& app, CommandLine& line) {
     app.footer("Without a command: a prompt on a terminal, else calculations from standard input.\n\n"
                "Exit status: 0 ok, 1 a calculation or test failed, 2 wrong usage, 3 a calculation or script "
                "can not be\n"
-               "understood, 4 the plug-in can not be loaded.\n\nExamples:\n  fmhost\n  fmhost --no-plugin "
+               "understood, 4 the plug-in can not be loaded, or registers what it must not.\n\nExamples:\n  "
+               "fmhost\n  fmhost --no-plugin "
                "eval '1 + 1'\n"
                "  fmhost functions --plugin Other.fmx");
 }

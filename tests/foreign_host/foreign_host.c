@@ -9,7 +9,7 @@
  * maker has a library of its own. Here it is FM_Host_SetHooks with the structures below.
  */
 #define _GNU_SOURCE
-#include "interface.h"
+#include "tests/foreign_host/interface.h"
 
 #include <dlfcn.h>
 #include <stdarg.h>

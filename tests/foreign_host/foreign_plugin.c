@@ -3,7 +3,7 @@
  * description and a script step, starts scripts and sets the current environment through the pointers in the
  * structure.
  */
-#include "interface.h"
+#include "tests/foreign_host/interface.h"
 
 #include <dlfcn.h>
 #include <stdio.h>
