@@ -3,8 +3,9 @@
 
 namespace {
 
-NSString* const kVersion = @"3.0.3.1";
-NSString* const kLongVersion = @"Velocard 3.0.3.1";
+// The version is the project's, which CMake knows.
+NSString* const kVersion = @VELOCARD_VERSION;
+NSString* const kLongVersion = @"Velocard " VELOCARD_VERSION;
 
 // More of the format than this is not read: it could not be the word looked for.
 constexpr fmx::uint32 kLongestFormat = 1024;

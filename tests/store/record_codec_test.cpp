@@ -109,7 +109,7 @@ TEST(Card, randomBytesAreNoValueOrSomeValueButNeverACrash) {
 
 TEST(Card, tooDeepANestIsRefused) {
     Value value;
-    for (int depth = 0; depth < kDeepestValue; ++depth)
+    for (int depth = 0; depth < kMaxValueDepth; ++depth)
         value = Array{value};
     EXPECT_EQ(decodeValue(encodeValue(value)), value);
     EXPECT_THROW(encodeValue(Array{value}), std::length_error);

@@ -4,14 +4,41 @@
 #include "frameworks/AddressBook/values/text.h"
 
 #include <algorithm>
+#include <array>
 #include <limits>
 
 namespace addressbook {
 namespace {
 
-constexpr std::size_t kTrigram = 3;
+constexpr std::size_t kTrigram = 3;     // characters; shorter texts are in no trigram
 constexpr double kShortYear = 365;      // days
 constexpr std::size_t kMostYears = 500; // that are looked up one by one
+
+// Up to how many records it is cheaper to read them than to look a condition up, by the path of the look-up.
+struct PathCost {
+    AccessPath path;
+    std::size_t fewRecords;
+};
+// clang-format off
+constexpr std::array kCosts{
+    PathCost{AccessPath::nothing,       0},
+    PathCost{AccessPath::uid,          20},
+    PathCost{AccessPath::exact,        20},
+    PathCost{AccessPath::prefix,      200},
+    PathCost{AccessPath::trigram,     500},
+    PathCost{AccessPath::range,     2'000},
+    PathCost{AccessPath::interval,  2'000},
+    PathCost{AccessPath::scan,     20'000},
+    PathCost{AccessPath::everyUid, 20'000},
+};
+// clang-format on
+constexpr bool inOrder() {
+    for (std::size_t i = 0; i < kCosts.size(); ++i)
+        if (static_cast<std::size_t>(kCosts[i].path) != i)
+            return false;
+    return kCosts.back().path == AccessPath::everyUid;
+}
+static_assert(inOrder(), "one row for each path, in their order");
 
 std::size_t characters(std::string_view text) {
     return static_cast<std::size_t>(std::count_if(
@@ -146,6 +173,10 @@ void lookUpText(const Matcher& matcher, IndexLookup& lookup) {
 }
 
 } // namespace
+
+std::size_t fewRecordsFor(AccessPath path) {
+    return kCosts[static_cast<std::size_t>(path)].fewRecords;
+}
 
 bool isNumeric(const Value& value) {
     return value.as<std::int64_t>() != nullptr || value.as<double>() != nullptr ||

@@ -18,7 +18,7 @@ struct Span {
     Value low, high; // no value: nothing is bound
 };
 
-// A condition's plan with all that its SQL binds.
+// How a condition is looked up, with all that is bound to its SQL.
 struct IndexLookup {
     AccessPath path = AccessPath::nothing;
     std::int64_t property = 0; // its number
@@ -29,6 +29,10 @@ struct IndexLookup {
 };
 
 IndexLookup chooseAccessPath(Store::Impl& impl, const Matcher& matcher);
+
+// Returns how many candidates are few for a condition with this path: with at most so many left, they are
+// checked record by record instead of querying the condition's index.
+std::size_t fewRecordsFor(AccessPath path);
 
 // Whether an index keeps this value as a number.
 bool isNumeric(const Value& value);

@@ -111,7 +111,7 @@ Hash hashOf(const Term& term) {
     hash.bytes(term.exact).number(term.record);
     add(hash, term.label);
     add(hash, term.key);
-    return hash.number(term.type);
+    return hash.number(static_cast<int>(term.type));
 }
 
 // The same for a row: property, folded, exact, record, label, key, type.

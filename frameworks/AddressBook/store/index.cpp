@@ -14,9 +14,9 @@ namespace {
 // So many terms and texts are kept in memory before they are written.
 constexpr std::size_t kGatheredTerms = 200'000;
 constexpr std::size_t kGatheredTexts = 10'000;
-// So many pages of a text index are written at most to have fewer pieces; in one of more than so many pages
-// the pieces' number counts for little, and to make the large ones one would take long.
-constexpr std::int64_t kTidiedPages = 64;
+// Page budget of one merge of the text index's segments. Above kSmallTextIndex pages the number of segments
+// hardly matters, and merging is slow.
+constexpr std::int64_t kMergedPages = 64;
 constexpr std::int64_t kSmallTextIndex = 512;
 
 // Binds a term's columns in the order of its key.
@@ -39,7 +39,7 @@ void bind(sql::Statement& statement, const Term& term) {
     statement.bindText(term.exact).bindInteger(term.record);
     word(term.label);
     word(term.key);
-    statement.bindInteger(term.type);
+    statement.bindInteger(static_cast<int>(term.type));
 }
 
 // A number that sorts as a term's text does by its first eight bytes, or as its number does.
@@ -98,14 +98,14 @@ Term termOf(std::int64_t record, std::int64_t property, const Leaf& leaf) {
     term.record = record;
     term.label = termWord(leaf.label);
     term.key = termWord(leaf.key);
-    term.type = static_cast<int>(leaf.value.index());
+    term.type = termType(leaf.value);
     if (const auto* text = leaf.value.as<std::string>()) {
         const std::string normalized = normalize(*text);
         const std::string folded = foldNormalized(normalized);
         term.exact = beginning(normalized, kTermBytes);
         term.folded = std::string(beginning(folded, kTermBytes));
         if (normalized.size() > kTermBytes || folded.size() > kTermBytes)
-            term.type |= kCutTerm;
+            term.type = TermType::cutText;
     } else if (const auto* whole = leaf.value.as<std::int64_t>()) {
         term.folded = *whole;
     } else if (const auto* real = leaf.value.as<double>(); real != nullptr && !std::isnan(*real)) {
@@ -145,6 +145,29 @@ bool appendIndexed(std::string& out, std::string_view folded) {
 
 } // namespace
 
+TermType termType(const Value& value) {
+    struct Types {
+        TermType operator()(std::monostate) const { return TermType::none; }
+        TermType operator()(const std::string&) const { return TermType::text; }
+        TermType operator()(std::int64_t) const { return TermType::integer; }
+        TermType operator()(double) const { return TermType::real; }
+        TermType operator()(const Date&) const { return TermType::date; }
+        TermType operator()(const DateComponents&) const { return TermType::dateComponents; }
+        TermType operator()(const Bytes&) const { return TermType::data; }
+        TermType operator()(const Array&) const { return TermType::array; }
+        TermType operator()(const Dictionary&) const { return TermType::dictionary; }
+        TermType operator()(const MultiValue&) const { return TermType::emptyList; }
+    };
+    return std::visit(Types{}, static_cast<const Value::variant&>(value));
+}
+
+void bindWord(sql::Statement& statement, std::string_view word) {
+    if (const int code = wordCode(word))
+        statement.bindInteger(code);
+    else
+        statement.bindText(word);
+}
+
 TermWord termWord(const std::string* word) {
     if (word == nullptr)
         return std::int64_t{0};
@@ -167,7 +190,7 @@ std::vector<Term> termsOf(std::int64_t record, std::int64_t property, const Valu
         term.property = property;
         term.record = record;
         term.folded = Bytes();
-        term.type = kEmptyList;
+        term.type = TermType::emptyList;
     }
     std::sort(terms.begin(), terms.end());
     terms.erase(std::unique(terms.begin(), terms.end()), terms.end());
@@ -202,7 +225,7 @@ void tidyTexts(sql::Connection& connection) {
     }();
     if (isSmall)
         connection.prepare("INSERT INTO trigram(trigram, rank) VALUES ('merge', ?)")
-            .bindInteger(kTidiedPages)
+            .bindInteger(kMergedPages)
             .exec();
 }
 

@@ -1,8 +1,9 @@
 #pragma once
 
-// What makes searches fast: for each value a row in `term`, ordered by its folded text or its number, and for
-// each property's text the trigrams of its folded form. Everything here follows from the cards and can be
-// made again.
+// What makes searches fast: for each value a row in the table `term`, ordered by its folded text or its
+// number, and for each property's text the trigrams of its folded form in `trigram`. Everything here follows
+// from the records and can be made again. The numbers in it are stored: a change of them is a new schema
+// version.
 
 #include "frameworks/AddressBook/store/sql/sql.h"
 #include "frameworks/AddressBook/values/value.h"
@@ -16,16 +17,33 @@
 
 namespace addressbook {
 
-// Terms keep this many bytes of a text; a longer one is looked up in its card.
+// Terms keep this many bytes of a text; a longer one is looked up in its record.
 inline constexpr std::size_t kTermBytes = 64;
-// Added to a term's type when its text was cut.
-inline constexpr int kCutTerm = 0x100;
-// The type of the term that stands for a list without entries; no search finds it.
-inline constexpr int kEmptyList = 9;
+
+// What a term was made of.
+enum class TermType : int {
+    none = 0, // no value, as an entry of a list may be
+    text = 1,
+    integer = 2,
+    real = 3,
+    date = 4,
+    dateComponents = 5,
+    data = 6,
+    array = 7,
+    dictionary = 8,
+    emptyList = 9,  // a list without entries; no search finds it
+    cutText = 0x101 // a text of which the term keeps the beginning
+};
+
+// Returns the type of the term that stands for a value. Only an empty list has one: others have a term for
+// each entry.
+TermType termType(const Value& value);
 
 // A label or key in a term: 0 for none, a well-known word's number, or its text.
 using TermWord = std::variant<std::int64_t, std::string>;
 TermWord termWord(const std::string* word);
+// Binds such a word as the next parameter; it must live as long as the statement.
+void bindWord(sql::Statement& statement, std::string_view word);
 
 // One row of the table `term`.
 struct Term {
@@ -36,7 +54,7 @@ struct Term {
     std::string exact;
     std::int64_t record = 0;
     TermWord label, key;
-    int type = 0; // Value::index(), perhaps with kCutTerm
+    TermType type = TermType::none;
     auto operator<=>(const Term&) const = default;
 };
 

@@ -1,17 +1,18 @@
 #pragma once
 
-// The well-known words of cards, labels, keys and names of properties, which the database writes as numbers.
+// The well-known words among labels, keys and names of properties, which the database writes as numbers. A
+// word's number never changes, and no word is ever taken away: what older programs wrote would mean something
+// else.
 
 #include <cstdint>
 #include <string_view>
 
 namespace addressbook {
 
-// The number, 1 or more, that stands for a well-known label, key or property name in the database; 0 for any
-// other.
+// Returns the number, 1 or more, that stands for a well-known word in the database; 0 for any other word.
 int wordCode(std::string_view word);
 
-// The word that a number stands for; empty when there is none.
+// Returns the word that a number stands for; empty when there is none.
 std::string_view wordOf(std::uint64_t code);
 
 } // namespace addressbook

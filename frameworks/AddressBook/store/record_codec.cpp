@@ -6,11 +6,13 @@
 #include <algorithm>
 #include <bit>
 #include <cstring>
+#include <limits>
+#include <variant>
 
 namespace addressbook {
 namespace {
 
-// What a value's first byte says; the numbers are stored.
+// What a value's first byte says.
 enum class Tag : std::uint8_t {
     none = 0,
     string = 1,
@@ -26,6 +28,10 @@ enum class Tag : std::uint8_t {
 
 // Which parts of a date are there: six bits.
 constexpr unsigned kAllDateParts = 0x3F;
+
+static_assert(sizeof(double) == 8 && std::numeric_limits<double>::is_iec559, "reals are stored bit by bit");
+static_assert(std::variant_size_v<Value::variant> == 10,
+              "a new type of value needs a tag, and a schema version");
 
 class Writer {
   public:
@@ -71,7 +77,7 @@ class Writer {
 };
 
 void Writer::value(const Value& held, int depth) {
-    if (depth > kDeepestValue)
+    if (depth > kMaxValueDepth)
         throw std::length_error("a value is nested too deeply to be kept");
     const auto tag = [this](Tag what) { byte(static_cast<std::uint8_t>(what)); };
     if (const auto* text = held.as<std::string>()) {
@@ -206,7 +212,7 @@ class Reader {
 };
 
 Value Reader::value(int depth) {
-    if (depth > kDeepestValue)
+    if (depth > kMaxValueDepth)
         throw DamagedRecord("a value is nested too deeply");
     switch (static_cast<Tag>(byte())) {
     case Tag::none:
@@ -267,7 +273,7 @@ Value Reader::value(int depth) {
 }
 
 void Reader::skip(int depth) {
-    if (depth > kDeepestValue)
+    if (depth > kMaxValueDepth)
         throw DamagedRecord("a value is nested too deeply");
     switch (static_cast<Tag>(byte())) {
     case Tag::none:
@@ -376,27 +382,25 @@ EncodedList listIn(std::string_view value) {
     return list;
 }
 
-void verifyChecksum(std::string_view card) {
-    Reader reader(card);
+void verifyChecksum(std::string_view record) {
+    Reader reader(record);
     const std::uint64_t sum = reader.eightBytes();
-    if (checksum(card.substr(8)) != sum)
+    if (checksum(record.substr(8)) != sum)
         throw DamagedRecord("its checksum is wrong");
 }
 
-void visitProperties(std::string_view card,
-                     const std::function<void(std::string_view, std::string_view)>& visit) {
-    verifyChecksum(card);
-    Reader reader(card.substr(8));
+void visitProperties(std::string_view record, const PropertyVisitor& visit) {
+    verifyChecksum(record);
+    Reader reader(record.substr(8));
     while (!reader.atEnd()) {
         const std::string_view name = reader.word();
         visit(name, reader.bytes());
     }
 }
 
-void visitReadableProperties(std::string_view card,
-                             const std::function<void(std::string_view, std::string_view)>& visit) {
+void visitReadableProperties(std::string_view record, const PropertyVisitor& visit) {
     try {
-        Reader reader(card);
+        Reader reader(record);
         reader.eightBytes();
         while (!reader.atEnd()) {
             const std::string_view name = reader.word();
@@ -407,9 +411,9 @@ void visitReadableProperties(std::string_view card,
     }
 }
 
-std::optional<std::string_view> findProperty(std::string_view card, std::string_view name) {
+std::optional<std::string_view> findProperty(std::string_view record, std::string_view name) {
     const auto wanted = static_cast<std::uint64_t>(wordCode(name));
-    Reader reader(card);
+    Reader reader(record);
     reader.eightBytes(); // the checksum
     while (!reader.atEnd()) {
         const std::uint64_t code = reader.count(); // see word()
@@ -428,10 +432,10 @@ std::string encodeRecord(const std::map<std::string, std::string>& values) {
         body.bytes(value);
     }
     const std::string bytes = body.take();
-    Writer card;
-    card.eightBytes(checksum(bytes));
-    card.append(bytes);
-    return card.take();
+    Writer record;
+    record.eightBytes(checksum(bytes));
+    record.append(bytes);
+    return record.take();
 }
 
 std::string encodeUids(const std::vector<std::string>& uids) {

@@ -1,14 +1,19 @@
 #include "frameworks/AddressBook/store/schema.h"
 
+#include "frameworks/AddressBook/store/index.h"
 #include "frameworks/AddressBook/values/text.h"
 
 namespace addressbook {
 namespace {
 
+// What these statements, and the numbers in other rooms, say of each version is what stands in users' files:
+// they are never changed. A change of the format is one more step, and docs/storage.md tells of it.
+//
 // Columns without a type keep numbers, text and bytes exactly as they are given.
 constexpr const char* kVersion1 = R"(
--- People and groups. A row's number is never used again, so that order is the order of adding for ever. The card holds
--- the values of all properties but the picture (see record_codec.h); uid is packed where it can be (packUid).
+-- People and groups. A row's number is never used again, so that order is the order of adding for ever. The column card
+-- is a properties blob: the values of all properties but the picture (see record_codec.h). uid is packed where it can be
+-- (packUid).
 CREATE TABLE record (
     id INTEGER PRIMARY KEY AUTOINCREMENT,
     kind INTEGER NOT NULL,
@@ -96,6 +101,10 @@ constexpr const char* kVersion3 = "ALTER TABLE change ADD COLUMN replaced";
 // Two pieces of the text index that are about as large are enough to be made one (tidyTexts).
 constexpr const char* kVersion4 = "INSERT INTO trigram(trigram, rank) VALUES ('usermerge', 2)";
 
+// The rowid of a text, and what SQL here and elsewhere says in numbers.
+static_assert(kMostProperties == 65536 && kTermBytes == 64);
+static_assert(static_cast<int>(Kind::person) == 0 && static_cast<int>(Kind::group) == 1);
+
 } // namespace
 
 std::span<const Migration> migrations() {
@@ -111,6 +120,7 @@ std::span<const Migration> migrations() {
         [](sql::Connection& connection) { connection.execute(kVersion3); },
         [](sql::Connection& connection) { connection.execute(kVersion4); },
     };
+    static_assert(std::size(steps) == kSchemaVersion);
     return steps;
 }
 

@@ -6,6 +6,7 @@
 
 #include "frameworks/AddressBook/store/access_path.h"
 #include "frameworks/AddressBook/store/record_codec.h"
+#include "frameworks/AddressBook/store/term_lookup.h"
 #include "frameworks/AddressBook/values/text.h"
 
 #include <algorithm>
@@ -18,11 +19,8 @@ namespace {
 
 using Rows = std::vector<RowId>;
 
-// So many records are rather looked at one by one than searching a further condition of a plan, by Plan.
-constexpr std::size_t kFewForPath[] = {0, 20, 20, 200, 500, 2'000, 2'000, 20'000, 20'000};
-// Where more than a handful are left, the values that a condition asks for may be fewer still. An index gives
-// at least so many rows in the time that it takes to look at one record; the search gives up when there are
-// more.
+// Reading a record costs about as much as kIndexRowsForRecord rows of the index: with more than kHandful
+// candidates the index is tried, and given up beyond that budget.
 constexpr std::size_t kHandful = 4;
 constexpr std::size_t kIndexRowsForRecord = 4;
 
@@ -52,19 +50,6 @@ class Stopwatch {
     std::chrono::nanoseconds& time_;
     Clock::time_point start_ = Clock::now();
 };
-
-void bind(sql::Statement& statement, const Value& value) {
-    if (const auto* whole = value.as<std::int64_t>())
-        statement.bindInteger(*whole);
-    else if (const auto* real = value.as<double>())
-        statement.bindReal(*real);
-    else if (const auto* date = value.as<Date>())
-        statement.bindReal(date->seconds);
-    else if (const auto* text = value.as<std::string>())
-        statement.bindText(*text);
-    else if (const auto* bytes = value.as<Bytes>())
-        statement.bindBlob({reinterpret_cast<const char*>(bytes->data()), bytes->size()});
-}
 
 // A record in the database as conditions look at it.
 class StoredRecord final : public RecordView {
@@ -131,7 +116,6 @@ class ConditionSearch {
     Rows uids();
     Rows everyRow();
     bool verify(RowId row);
-    Value termValue(const sql::Statement& statement, int type) const;
 
     Store::Impl& impl_;
     Matcher matcher_;
@@ -173,118 +157,17 @@ Rows ConditionSearch::upToDate(Rows hits) {
     return united(fresh, now);
 }
 
-// The term's value when it is whole and one that the Matcher can judge by itself.
-Value ConditionSearch::termValue(const sql::Statement& statement, int type) const {
-    static const int kInteger = static_cast<int>(Value(std::int64_t{}).index());
-    static const int kReal = static_cast<int>(Value(double{}).index());
-    static const int kDate = static_cast<int>(Value(Date{}).index());
-    if (!statement.isNumber(2))
-        return {};
-    if (type == kInteger)
-        return statement.integer(2);
-    if (type == kReal)
-        return statement.real(2);
-    return type == kDate ? Value(Date{statement.real(2)}) : Value();
-}
-
+// What the index of values tells, and of those of which it does not tell the records that were read.
 std::optional<Rows> ConditionSearch::terms(std::int64_t mostRows) {
-    static const int kText = static_cast<int>(Value(std::string()).index());
-    static const int kDictionary = static_cast<int>(Value(Dictionary()).index());
-
-    const std::string exact(matcher_.wantedText() ? beginning(*matcher_.wantedText(), kTermBytes)
-                                                  : std::string_view());
-    const bool numeric = isNumeric(condition_.value);
-    const bool caseCounts = !matcher_.facts().ignoresCase;
-    const AccessPath path = lookup_.path;
-    // What the index finds is then what is wanted, text for text.
-    const bool covered = matcher_.wantedText() && lookup_.folded.size() <= kTermBytes &&
-                         matcher_.wantedText()->size() <= kTermBytes &&
-                         (path == AccessPath::exact || (path == AccessPath::prefix && !caseCounts));
-    std::string sql = covered ? "SELECT record, type FROM term WHERE property = ?"
-                              : "SELECT record, type, folded, exact, key FROM term WHERE property = ?";
-    switch (path) {
-    case AccessPath::exact:
-        sql += numeric || !caseCounts ? " AND folded = ?" : " AND folded = ? AND exact = ?";
-        break;
-    case AccessPath::prefix:
-    case AccessPath::interval:
-        sql += " AND folded >= ? AND folded < ?";
-        break;
-    case AccessPath::range:
-        // Numbers sort before text.
-        sql += matcher_.facts().operation == Operation::less          ? " AND folded < ?"
-               : matcher_.facts().operation == Operation::lessOrEqual ? " AND folded <= ?"
-               : matcher_.facts().operation == Operation::greater     ? " AND folded > ? AND folded < ''"
-                                                                      : " AND folded >= ? AND folded < ''";
-        break;
-    default:
-        break;
-    }
-    if (condition_.label)
-        sql += " AND (label = 0 OR label = ?)";
-    if (condition_.key)
-        sql += " AND (key = 0 OR key = ?)";
-
-    const TermWord label = termWord(condition_.label ? &*condition_.label : nullptr);
-    const TermWord key = termWord(condition_.key ? &*condition_.key : nullptr);
-    Rows hits;
-    Rows candidates;
-    for (const Span& span : lookup_.spans) {
-        auto statement = impl_.db.prepareText(sql);
-        statement.bindInteger(lookup_.property);
-        bind(statement, span.low);
-        if (path == AccessPath::exact && !numeric && caseCounts)
-            statement.bindText(exact);
-        bind(statement, span.high);
-        for (const TermWord* word : {condition_.label ? &label : nullptr, condition_.key ? &key : nullptr}) {
-            if (word == nullptr)
-                continue;
-            if (const auto* text = std::get_if<std::string>(word))
-                statement.bindText(*text);
-            else
-                statement.bindInteger(std::get<std::int64_t>(*word));
-        }
-        while (statement.step()) {
-            if (++step_.indexRows > mostRows)
-                return std::nullopt;
-            const RowId row = statement.integer(0);
-            const auto type = static_cast<int>(statement.integer(1));
-            if (covered) {
-                if (type == kText || (path == AccessPath::prefix && type == (kText | kCutTerm)))
-                    hits.push_back(row);
-                else
-                    candidates.push_back(row);
-                continue;
-            }
-            const bool noField = statement.isNumber(4) && statement.integer(4) == 0;
-            if (type == kEmptyList || (condition_.key && noField && type == kDictionary))
-                continue;
-            if (condition_.value.empty()) {
-                hits.push_back(row);
-            } else if (type == kText) {
-                const bool meets =
-                    matcher_.wantedText() && matcher_.meetsText(statement.text(3), statement.text(2));
-                if (meets)
-                    hits.push_back(row);
-                else if (condition_.value.as<Dictionary>() != nullptr)
-                    candidates.push_back(row);
-            } else if (const Value value = termValue(statement, type); !value.empty()) {
-                if (matcher_.meets(value))
-                    hits.push_back(row);
-                else if (condition_.value.as<Dictionary>() != nullptr)
-                    candidates.push_back(row);
-            } else {
-                candidates.push_back(row);
-            }
-        }
-    }
-    hits = sorted(std::move(hits));
-    Rows verified;
-    for (const RowId row : sorted(std::move(candidates)))
+    auto found = TermLookup(impl_.db, matcher_, lookup_).run(mostRows, step_.indexRows);
+    if (!found)
+        return std::nullopt;
+    const Rows hits = sorted(std::move(found->hits));
+    Rows all = hits;
+    for (const RowId row : sorted(std::move(found->candidates)))
         if (!std::binary_search(hits.begin(), hits.end(), row) && verify(row))
-            verified.push_back(row);
-    hits.insert(hits.end(), verified.begin(), verified.end());
-    return hits;
+            all.push_back(row);
+    return all;
 }
 
 Rows ConditionSearch::trigrams() {
@@ -405,7 +288,7 @@ class QuerySearch {
 
     // Those of [rows] that match: looked at one by one when they are few, unless a search is quicker.
     Rows filter(Rows rows) {
-        const bool few = rows.size() <= kFewForPath[static_cast<int>(path())];
+        const bool few = rows.size() <= fewRecordsFor(path());
         if (const auto mine = few ? findAtMost(rows.size()) : find()) {
             Rows both;
             std::set_intersection(rows.begin(), rows.end(), mine->begin(), mine->end(),
