@@ -11,7 +11,7 @@ struct ImageStream {
     char code[4];
     NSBitmapImageFileType format;
 
-    [[nodiscard]] QuadCharPtr type() const { return {code[0], code[1], code[2], code[3]}; }
+    [[nodiscard]] OwnedQuadChar type() const { return {code[0], code[1], code[2], code[3]}; }
 };
 
 // The streams in the order in which they are looked for.
@@ -104,10 +104,10 @@ Answer getImage(fmx::Data& result) {
     // The width is both values, and the bytes are the same whatever a stream's code says. It is meant.
     const auto width = static_cast<short>([bitmap pixelsWide]);
     const auto height = static_cast<short>([bitmap pixelsWide]);
-    const BinaryDataPtr container;
+    const OwnedBinaryData container;
     container->AddSIZEData(width, height);
     for (const auto& code : kWritten) {
-        const QuadCharPtr type(code[0], code[1], code[2], code[3]);
+        const OwnedQuadChar type(code[0], code[1], code[2], code[3]);
         container->Add(*type, static_cast<fmx::uint32>([bytes length]), const_cast<void*>([bytes bytes]));
     }
     result.SetBinaryData(*container, true);
@@ -117,7 +117,7 @@ Answer getImage(fmx::Data& result) {
 fmx::errcode Do_KORU_SetImage(short function, const fmx::ExprEnv& /*env*/, const fmx::DataVect& arguments,
                               fmx::Data& result) {
     const auto work = [&]() -> Answer {
-        const BinaryDataPtr container(arguments.AtAsBinaryData(0));
+        const OwnedBinaryData container(arguments.AtAsBinaryData(0));
         return setImage(*container);
     };
     return runHandler(function, arguments, result, work);

@@ -29,15 +29,15 @@
     const fmx::ExprEnv* environment;
 
     // The file and the script to start.
-    Placed<TextPtr> theDB;
-    Placed<TextPtr> theScript;
+    Placed<OwnedText> theDB;
+    Placed<OwnedText> theScript;
 
     // Nothing uses it.
-    Placed<TextPtr> theParam;
+    Placed<OwnedText> theParam;
 
     // The locale in which the parameter becomes the host's, and that parameter.
-    Placed<LocalePtr> locale;
-    Placed<DataPtr> data;
+    Placed<OwnedLocale> locale;
+    Placed<OwnedData> data;
 
     // What the host answered to the last start; nothing reads it.
     std::int16_t err;

@@ -130,7 +130,7 @@ void assignEncoded(fmx::Text& text, NSString* string) {
         return;
     }
     NSString* parameter = parameterOf(notification);
-    const TextPtr text;
+    const OwnedText text;
     assignEncoded(*text, parameter);
     data->SetAsText(*text, *locale, fmx::Data::kDTText);
     err = FMX_StartScript(theDB.get().get(), theScript.get().get(), kFMXT_Pause, data.get().get());

@@ -94,10 +94,10 @@ bool acceptsCount(short function, fmx::uint32 count) {
 }
 
 void registerFunctions() {
-    const QuadCharPtr plugin(kPluginIdentifier[0], kPluginIdentifier[1], kPluginIdentifier[2],
-                             kPluginIdentifier[3]);
-    TextPtr name;
-    TextPtr prototype;
+    const OwnedQuadChar plugin(kPluginIdentifier[0], kPluginIdentifier[1], kPluginIdentifier[2],
+                               kPluginIdentifier[3]);
+    OwnedText name;
+    OwnedText prototype;
     for (const ExternalFunction& function : kFunctions) {
         Do_GetString(stringIdOf(function.id), name, true);
         Do_GetString(stringIdOf(function.id), prototype, false);
@@ -107,8 +107,8 @@ void registerFunctions() {
 }
 
 void unregisterFunctions() {
-    const QuadCharPtr plugin(kPluginIdentifier[0], kPluginIdentifier[1], kPluginIdentifier[2],
-                             kPluginIdentifier[3]);
+    const OwnedQuadChar plugin(kPluginIdentifier[0], kPluginIdentifier[1], kPluginIdentifier[2],
+                               kPluginIdentifier[3]);
     for (const short id : kUnregistrationOrder) {
         fmx::ExprEnv::UnRegisterExternalFunction(*plugin, id);
     }

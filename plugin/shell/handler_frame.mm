@@ -20,7 +20,7 @@ void runInPool(short function, const fmx::DataVect& arguments, fmx::Data& result
     if (rules.clearsError) {
         clearLastError();
     }
-    TextPtr text;
+    OwnedText text;
     if (rules.clearsExceptionText) {
         errors.g_sExceptionTxt.reset();
     }

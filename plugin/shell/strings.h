@@ -14,7 +14,7 @@ long Sub_OSXLoadString(unsigned long id, unsigned short* buffer, long capacity);
 // Gives the text a string (id 131, the host's number of the options, stands for string 1), empty when it is
 // missing or longer than 1022 units. With the cut, everything from the first "(" on is left out: of a
 // prototype the function's name remains.
-void Do_GetString(unsigned long id, TextPtr& text, bool cutAtParenthesis);
+void Do_GetString(unsigned long id, OwnedText& text, bool cutAtParenthesis);
 
 // Answers the host's request for a string of some kind (131 options, 128 name, 129 help text) into its
 // buffer, as Sub_OSXLoadString does. The language is the system's, whatever the host names.

@@ -34,13 +34,13 @@ long Sub_OSXLoadString(unsigned long id, unsigned short* buffer, long capacity) 
     return length;
 }
 
-void Do_GetString(unsigned long id, TextPtr& text, bool cutAtParenthesis) {
+void Do_GetString(unsigned long id, OwnedText& text, bool cutAtParenthesis) {
     std::array<unsigned short, 1024> buffer;
     buffer[0] = 0;
     Sub_OSXLoadString(stringForKind(id), buffer.data(), buffer.size());
     text->AssignUnicode(buffer.data());
     if (cutAtParenthesis) {
-        TextPtr parenthesis;
+        OwnedText parenthesis;
         parenthesis->Assign("(");
         const fmx::uint32 position = text->Find(*parenthesis, 0);
         if (position != fmx::Text::kSize_Invalid) {

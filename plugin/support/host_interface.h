@@ -58,14 +58,15 @@ struct Holder<Unique, Auto> {
 
 } // namespace host_interface
 
-using BinaryDataPtr = host_interface::Holder<fmx::BinaryDataUniquePtr, fmx::BinaryDataAutoPtr>::Type;
-using DataPtr = host_interface::Holder<fmx::DataUniquePtr, fmx::DataAutoPtr>::Type;
-using DataVectPtr = host_interface::Holder<fmx::DataVectUniquePtr, fmx::DataVectAutoPtr>::Type;
-using DateTimePtr = host_interface::Holder<fmx::DateTimeUniquePtr, fmx::DateTimeAutoPtr>::Type;
-using ExprEnvPtr = host_interface::Holder<fmx::ExprEnvUniquePtr, fmx::ExprEnvAutoPtr>::Type;
-using LocalePtr = host_interface::Holder<fmx::LocaleUniquePtr, fmx::LocaleAutoPtr>::Type;
-using QuadCharPtr = host_interface::Holder<fmx::QuadCharUniquePtr, fmx::QuadCharAutoPtr>::Type;
-using TextPtr = host_interface::Holder<fmx::TextUniquePtr, fmx::TextAutoPtr>::Type;
+// Apple has a global TextPtr of its own, hence Owned.
+using OwnedBinaryData = host_interface::Holder<fmx::BinaryDataUniquePtr, fmx::BinaryDataAutoPtr>::Type;
+using OwnedData = host_interface::Holder<fmx::DataUniquePtr, fmx::DataAutoPtr>::Type;
+using OwnedDataVect = host_interface::Holder<fmx::DataVectUniquePtr, fmx::DataVectAutoPtr>::Type;
+using OwnedDateTime = host_interface::Holder<fmx::DateTimeUniquePtr, fmx::DateTimeAutoPtr>::Type;
+using OwnedExprEnv = host_interface::Holder<fmx::ExprEnvUniquePtr, fmx::ExprEnvAutoPtr>::Type;
+using OwnedLocale = host_interface::Holder<fmx::LocaleUniquePtr, fmx::LocaleAutoPtr>::Type;
+using OwnedQuadChar = host_interface::Holder<fmx::QuadCharUniquePtr, fmx::QuadCharAutoPtr>::Type;
+using OwnedText = host_interface::Holder<fmx::TextUniquePtr, fmx::TextAutoPtr>::Type;
 
 #pragma GCC diagnostic pop
 

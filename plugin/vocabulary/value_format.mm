@@ -24,7 +24,7 @@ NSCalendar* gregorianCalendar() {
 Answer writeTimeStamp(NSDate* date, fmx::Data& result) {
     NSDateComponents* parts = [gregorianCalendar() components:static_cast<NSCalendarUnit>(kDateAndTimeUnits)
                                                      fromDate:date];
-    DateTimePtr stamp;
+    OwnedDateTime stamp;
     const fmx::errcode dateError =
         stamp->SetNormalizedDate(static_cast<fmx::int16>([parts month]), static_cast<fmx::int16>([parts day]),
                                  static_cast<fmx::int16>([parts year]));

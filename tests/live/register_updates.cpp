@@ -9,9 +9,9 @@ void wrappedRegisterFunctions() __asm__("__wrap__Z17registerFunctionsv");
 
 void wrappedRegisterFunctions() {
     realRegisterFunctions();
-    const QuadCharPtr plugin('K', 'O', 'R', 'U');
-    TextPtr name;
-    TextPtr prototype;
+    const OwnedQuadChar plugin('K', 'O', 'R', 'U');
+    OwnedText name;
+    OwnedText prototype;
     name->Assign("KORU_RegisterUpdateScript");
     prototype->Assign("KORU_RegisterUpdateScript( file ; script )");
     fmx::ExprEnv::RegisterExternalFunction(*plugin, 44, *name, *prototype, 2, 2, 0xFF01,

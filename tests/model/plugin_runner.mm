@@ -29,12 +29,12 @@ std::string exact(NSString* string) {
 }
 
 // An argument of a call, likewise.
-DataPtr argumentOf(const std::string& bytes) {
+OwnedData argumentOf(const std::string& bytes) {
     const std::u16string units = unitsOf(bytes);
-    TextPtr text;
+    OwnedText text;
     text->AssignUnicodeWithLength(reinterpret_cast<const fmx::uint16*>(units.data()),
                                   static_cast<fmx::uint32>(units.size()));
-    DataPtr data;
+    OwnedData data;
     data->SetAsText(*text, data->GetLocale());
     return data;
 }
@@ -207,12 +207,12 @@ std::string differenceOf(const char* where, const std::map<std::string, Book::Sa
 
 Answered callPlugin(const Function& function, const Arguments& arguments) {
     const Pool pool;
-    const ExprEnvPtr environment;
-    DataVectPtr vector;
+    const OwnedExprEnv environment;
+    OwnedDataVect vector;
     for (const std::string& argument : arguments) {
         vector->PushBack(*argumentOf(argument));
     }
-    const DataPtr result;
+    const OwnedData result;
     Answered answered;
     const ExternalFunction* row = rowOf(function.id);
     guarded([&] { row->handler(function.id, *environment, *vector, *result); },

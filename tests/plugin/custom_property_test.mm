@@ -90,8 +90,8 @@ class CustomPropertyTest : public PluginTest {
 
     // The call with any number of arguments.
     static std::string callFreely(HandlerFunction handler, std::initializer_list<std::string> arguments) {
-        const ExprEnvPtr environment;
-        const DataPtr result;
+        const OwnedExprEnv environment;
+        const OwnedData result;
         EXPECT_EQ(handler(kNoFunction, *environment, *vectorOf(arguments), *result), 0);
         NSString* text = stringFromText(result->GetAsText());
         return text == nil ? "" : utf8(text);
@@ -237,10 +237,10 @@ TEST_F(CustomPropertyTest, AValueThatIsNoTextLeavesTheHandlerAsAnException) {
     [person setValue:[NSNumber numberWithInt:1] forProperty:kABPersonFlags];
     [person setImageData:[NSData dataWithBytes:"abcd" length:4]];
     for (const std::string name : {"Birthday", "ABPersonFlags", "Creation"}) {
-        const DataPtr result = textData("before");
+        const OwnedData result = textData("before");
         const int before = host_double::livingObjects();
         const auto calling = [&] {
-            const ExprEnvPtr environment;
+            const OwnedExprEnv environment;
             (void)Do_KORU_GetCustomField(kNoFunction, *environment, *vectorOf({"person", name}), *result);
         };
         id thrown =

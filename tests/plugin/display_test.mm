@@ -178,15 +178,15 @@ TEST_F(RealApplicationTest, AnEmptyIdIsAnException) {
 
 TEST_F(RealApplicationTest, AnIdWithAZeroIsAnException) {
     const Pool pool;
-    TextPtr text;
+    OwnedText text;
     const fmx::uint16 units[] = {'1', 0, '2'};
     text->AssignUnicodeWithLength(units, 3);
-    DataPtr argument;
+    OwnedData argument;
     argument->SetAsText(*text, argument->GetLocale());
-    DataVectPtr arguments;
+    OwnedDataVect arguments;
     arguments->PushBack(*argument);
-    const ExprEnvPtr environment;
-    const DataPtr result;
+    const OwnedExprEnv environment;
+    const OwnedData result;
     EXPECT_EQ(Do_KORU_Display(43, *environment, *arguments, *result), 0);
     EXPECT_EQ(utf8(stringFromText(result->GetAsText())), "!!ERROR!!");
     EXPECT_EQ(errors.g_llasterror, kExceptionCaught);

@@ -234,8 +234,8 @@ TEST_F(EntriesTest, AnAddressKeepsTheFieldsThatAreNotNamed) {
 
 TEST_F(EntriesTest, AFailedReadOfADateIsText) {
     giveList({[NSDate dateWithTimeIntervalSinceReferenceDate:0]});
-    const ExprEnvPtr environment;
-    const DataPtr result;
+    const OwnedExprEnv environment;
+    const OwnedData result;
     const auto read = [&](const char* id) {
         EXPECT_EQ(Do_KORU_GetValueForUID(16, *environment, *vectorOf({"dates", id}), *result), 0);
         return result->GetNativeType();

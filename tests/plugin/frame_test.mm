@@ -27,13 +27,13 @@ class FrameTest : public PluginTest {
   protected:
     template <typename Work>
     std::string run(Work work, const FrameRules& rules = kUsualFrame, short function = kNoFunction) {
-        const DataVectPtr none;
+        const OwnedDataVect none;
         EXPECT_EQ(runHandler(function, *none, *result_, work, rules), 0);
         NSString* text = stringFromText(result_->GetAsText());
         return text == nil ? "" : utf8(text);
     }
 
-    DataPtr result_;
+    OwnedData result_;
 };
 
 TEST_F(FrameTest, TheWorksTextIsTheResult) {
@@ -115,7 +115,7 @@ TEST_F(FrameTest, AnExceptionUnwindsTheWork) {
 }
 
 TEST_F(FrameTest, OtherObjectsAndStandardExceptionsPass) {
-    const DataVectPtr none;
+    const OwnedDataVect none;
     const int before = host_double::livingObjects();
     EXPECT_THROW(runHandler(kNoFunction, *none, *result_, []() -> Answer { throw std::bad_alloc(); }),
                  std::bad_alloc);
@@ -129,7 +129,7 @@ TEST_F(FrameTest, OtherObjectsAndStandardExceptionsPass) {
 TEST_F(FrameTest, AThrownObjectThatIsNoExceptionPassesUnchanged) {
     NSString* object = @"no exception";
     const auto calling = [&] {
-        const DataVectPtr none;
+        const OwnedDataVect none;
         runHandler(kNoFunction, *none, *result_, [&]() -> Answer {
             throwObject(object);
             return nil;
@@ -156,7 +156,7 @@ TEST_F(FrameTest, WhatTheWorkAutoreleasesGoesWithTheCallAlsoWhenItThrows) {
     });
     EXPECT_TRUE(gone);
     gone = false;
-    const DataVectPtr none;
+    const OwnedDataVect none;
     EXPECT_THROW(runHandler(kNoFunction, *none, *result_,
                             [&]() -> Answer {
                                 leave();
@@ -184,8 +184,8 @@ TEST_F(FrameTest, AWrongNumberOfArgumentsIsRefusedByItsCodeAlone) {
 
 TEST_F(FrameTest, TextIsWrittenInTheResultsOwnLocale) {
     constexpr fmx::int32 kSomeLanguage = 20;
-    const LocalePtr locale(kSomeLanguage);
-    const TextPtr text;
+    const OwnedLocale locale(kSomeLanguage);
+    const OwnedText text;
     result_->SetAsText(*text, *locale);
     const auto expectOwnLocale = [&] {
         EXPECT_EQ(host_double::textLocale(), &result_->GetLocale());
@@ -207,7 +207,7 @@ TEST_F(FrameTest, TextIsWrittenInTheResultsOwnLocale) {
 
 TEST_F(FrameTest, AWrittenResultIsLeftAloneEvenWithAnError) {
     EXPECT_EQ(run([&]() -> Answer {
-                  const DataPtr other = textData("the work's own");
+                  const OwnedData other = textData("the work's own");
                   result_->SetAsText(other->GetAsText(), result_->GetLocale());
                   setError(kNoBitmap);
                   return Answer::written();
@@ -217,7 +217,7 @@ TEST_F(FrameTest, AWrittenResultIsLeftAloneEvenWithAnError) {
 }
 
 TEST_F(FrameTest, AnEmptyOrMissingArgumentIsNil) {
-    const DataVectPtr arguments = vectorOf({"", "x"});
+    const OwnedDataVect arguments = vectorOf({"", "x"});
     EXPECT_EQ(textArgument(*arguments, 0), nil);
     EXPECT_EQ(utf8(textArgument(*arguments, 1)), "x");
     EXPECT_EQ(textArgument(*arguments, 2), nil);
@@ -228,7 +228,7 @@ TEST_F(FrameTest, AnArgumentKeepsEveryUnit) {
     const std::vector<std::vector<fmx::uint16>> texts = {{'a', 0, 'b'}, {'a', 0xD800, 'b'}, {0xDC00},
                                                          {0xFEFF, 'a'}, {0xFFFE, 'a'},      {0xD83D, 0xDE00}};
     for (const std::vector<fmx::uint16>& units : texts) {
-        TextPtr text;
+        OwnedText text;
         text->AssignUnicodeWithLength(units.data(), static_cast<fmx::uint32>(units.size()));
         NSString* string = stringFromText(*text);
         ASSERT_EQ([string length], units.size());

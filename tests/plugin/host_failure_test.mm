@@ -108,16 +108,16 @@ TEST_F(HostFailureTest, EveryFunctionHasAGoodCall) {
 // Each call of the host that a function makes fails once, with either code: the exception passes, nothing of
 // the host's stays behind, and the next call works.
 TEST_F(HostFailureTest, AFailureOfTheHostPassesAndLeavesNothingBehind) {
-    const ExprEnvPtr environment;
+    const OwnedExprEnv environment;
     for (const GoodCall& good : calls()) {
         const short function = idOf(good.handler);
-        DataVectPtr arguments;
+        OwnedDataVect arguments;
         for (const std::string& argument : good.arguments) {
             arguments->PushBack(*textData(argument));
         }
         int failures = 0;
         for (int before = 0;; ++before) {
-            const DataPtr result;
+            const OwnedData result;
             const int living = host_double::livingObjects();
             host_double::failAfter(before, 1 + before % 2);
             bool noMemory = false;

@@ -45,7 +45,7 @@ TEST_F(HostileImageTest, WhatOnlyBeginsLikeAPictureIsNone) {
         for (const std::string& start : kStarts) {
             for (const std::size_t size : {0, 1, 100, 70000}) {
                 EXPECT_EQ(setPicture(*containerOf({{"BMPf", bmp(3, 2)}})), "0");
-                BinaryDataPtr container;
+                OwnedBinaryData container;
                 container->AddSIZEData(30, 20);
                 add(*container, {code, start + junk(size)});
                 EXPECT_EQ(setPicture(*container), "!!ERROR!!") << code << " " << size;
@@ -65,7 +65,7 @@ TEST_F(HostileImageTest, AStreamOfNothingHidesTheOthers) {
 // Streams without a byte are no container at all.
 TEST_F(HostileImageTest, StreamsOfNothingAreAnEmptyContainer) {
     EXPECT_EQ(setPicture(*containerOf({{"BMPf", bmp(3, 2)}})), "0");
-    BinaryDataPtr container;
+    OwnedBinaryData container;
     add(*container, {"FILE", ""});
     add(*container, {"PNGf", ""});
     EXPECT_EQ(container->GetTotalSize(), 0U);
@@ -76,7 +76,7 @@ TEST_F(HostileImageTest, StreamsOfNothingAreAnEmptyContainer) {
 TEST_F(HostileImageTest, ThePicturesSizeMayBeAnything) {
     const std::pair<short, short> sizes[] = {{0, 0}, {-1, -32768}, {32767, 32767}, {1, 1}};
     for (const auto& [width, height] : sizes) {
-        BinaryDataPtr container;
+        OwnedBinaryData container;
         container->AddSIZEData(width, height);
         add(*container, {"BMPf", bmp(300, 200)});
         EXPECT_EQ(setPicture(*container), "0");
@@ -86,7 +86,7 @@ TEST_F(HostileImageTest, ThePicturesSizeMayBeAnything) {
         EXPECT_EQ(readWidth, 300);
     }
     for (const std::string bytes : {"", "x", "xyz", "longer than it may be"}) {
-        BinaryDataPtr container;
+        OwnedBinaryData container;
         add(*container, {"SIZE", bytes});
         add(*container, {"BMPf", bmp(300, 200)});
         EXPECT_EQ(setPicture(*container), "0") << bytes;
@@ -109,7 +109,7 @@ TEST_F(HostileImageTest, DamagedPicturesNeitherCrashNorHang) {
             const std::string answer = setPicture(*containerOf({{kCodes[i % 4], damaged}}));
             EXPECT_EQ(lastErrorNumber(), answer == "0" ? "0" : "-8025");
             EXPECT_TRUE(answer != "0" || hasPicture());
-            const DataPtr result = getPicture();
+            const OwnedData result = getPicture();
             EXPECT_EQ(result->GetNativeType(), hasPicture() ? fmx::Data::kDTBinary : fmx::Data::kDTText);
         }
     }
@@ -146,9 +146,9 @@ TEST_F(HostileImageTest, ALargeStreamOfJunkIsRefusedInProportion) {
     std::string bytes = junk(kMegabytes << 20U);
     for (const std::string& start : {std::string(), kStarts[0], kStarts[1], kStarts[2], kStarts[3]}) {
         bytes.replace(0, start.size(), start);
-        BinaryDataPtr container;
+        OwnedBinaryData container;
         container->AddSIZEData(30, 20);
-        container->Add(*QuadCharPtr('J', 'P', 'E', 'G'), static_cast<fmx::uint32>(bytes.size()),
+        container->Add(*OwnedQuadChar('J', 'P', 'E', 'G'), static_cast<fmx::uint32>(bytes.size()),
                        bytes.data());
         const long before = memoryNow();
         const auto began = std::chrono::steady_clock::now();
@@ -172,7 +172,7 @@ TEST_F(HostileImageTest, ALargePictureTakesAFewTimesItsSize) {
                                                                properties:nil]]);
     }
     const long before = memoryNow();
-    const DataPtr result = getPicture();
+    const OwnedData result = getPicture();
     short width = 0;
     short height = 0;
     EXPECT_EQ(result->GetBinaryData().GetSIZEData(width, height), 0);

@@ -15,7 +15,7 @@ struct Stream {
 void add(fmx::BinaryData& container, const Stream& stream);
 
 // The streams behind a first one that is no picture (it says 30 by 20), as the host makes its containers.
-BinaryDataPtr containerOf(std::initializer_list<Stream> streams);
+OwnedBinaryData containerOf(std::initializer_list<Stream> streams);
 
 std::vector<Stream> streamsOf(const fmx::BinaryData& container);
 
@@ -23,7 +23,7 @@ std::vector<Stream> streamsOf(const fmx::BinaryData& container);
 std::string setPicture(const fmx::BinaryData& container);
 
 // The result of reading the picture.
-DataPtr getPicture();
+OwnedData getPicture();
 
 // A saved person is the current one.
 class ImageTest : public PluginTest {

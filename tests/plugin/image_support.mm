@@ -3,13 +3,13 @@
 #include <algorithm>
 
 void add(fmx::BinaryData& container, const Stream& stream) {
-    const QuadCharPtr type(stream.code[0], stream.code[1], stream.code[2], stream.code[3]);
+    const OwnedQuadChar type(stream.code[0], stream.code[1], stream.code[2], stream.code[3]);
     std::string bytes = stream.bytes;
     EXPECT_EQ(container.Add(*type, static_cast<fmx::uint32>(bytes.size()), bytes.data()), 0);
 }
 
-BinaryDataPtr containerOf(std::initializer_list<Stream> streams) {
-    BinaryDataPtr container;
+OwnedBinaryData containerOf(std::initializer_list<Stream> streams) {
+    OwnedBinaryData container;
     container->AddSIZEData(30, 20);
     for (const Stream& stream : streams) {
         add(*container, stream);
@@ -20,7 +20,7 @@ BinaryDataPtr containerOf(std::initializer_list<Stream> streams) {
 std::vector<Stream> streamsOf(const fmx::BinaryData& container) {
     std::vector<Stream> streams;
     for (fmx::int32 i = 0; i < container.GetCount(); ++i) {
-        QuadCharPtr type;
+        OwnedQuadChar type;
         container.GetType(i, *type);
         Stream stream;
         for (fmx::uint32 c = 0; c < 4; ++c) {
@@ -35,20 +35,20 @@ std::vector<Stream> streamsOf(const fmx::BinaryData& container) {
 }
 
 std::string setPicture(const fmx::BinaryData& container) {
-    const ExprEnvPtr environment;
-    DataPtr argument;
+    const OwnedExprEnv environment;
+    OwnedData argument;
     argument->SetBinaryData(container, true);
-    DataVectPtr arguments;
+    OwnedDataVect arguments;
     arguments->PushBack(*argument);
-    const DataPtr result;
+    const OwnedData result;
     EXPECT_EQ(Do_KORU_SetImage(40, *environment, *arguments, *result), 0);
     return utf8(stringFromText(result->GetAsText()));
 }
 
-DataPtr getPicture() {
-    const ExprEnvPtr environment;
-    const DataVectPtr arguments;
-    DataPtr result;
+OwnedData getPicture() {
+    const OwnedExprEnv environment;
+    const OwnedDataVect arguments;
+    OwnedData result;
     EXPECT_EQ(Do_KORU_GetImage(39, *environment, *arguments, *result), 0);
     return result;
 }

@@ -52,7 +52,7 @@ TEST_F(ImageTest, TheCodeDecidesNotTheBytes) {
 
 // Meant: the first stream of a container is never taken.
 TEST_F(ImageTest, TheFirstStreamIsNotTaken) {
-    BinaryDataPtr container;
+    OwnedBinaryData container;
     add(*container, {"PNGf", picture(30, 20, NSBitmapImageFileTypePNG)});
     EXPECT_EQ(setPicture(*container), "!!ERROR!!");
     EXPECT_EQ(lastErrorNumber(), "-8027");
@@ -72,9 +72,9 @@ TEST_F(ImageTest, AContainerOfOtherStreamsChangesNothing) {
 
 TEST_F(ImageTest, AnEmptyContainerTakesThePictureAway) {
     EXPECT_EQ(setPicture(*containerOf({{"BMPf", bmp(30, 20)}})), "0");
-    EXPECT_EQ(setPicture(*BinaryDataPtr()), "0");
+    EXPECT_EQ(setPicture(*OwnedBinaryData()), "0");
     EXPECT_FALSE(hasPicture());
-    EXPECT_EQ(setPicture(*BinaryDataPtr()), "0");
+    EXPECT_EQ(setPicture(*OwnedBinaryData()), "0");
 }
 
 // Meant: the work goes on without a bitmap, and takes the picture away.
@@ -92,7 +92,7 @@ TEST_F(ImageTest, WithoutAPersonSettingIsRefused) {
     state.g_person.reset();
     EXPECT_EQ(setPicture(*containerOf({{"BMPf", bmp(30, 20)}})), "!!ERROR!!");
     EXPECT_EQ(lastErrorNumber(), "-8026");
-    EXPECT_EQ(setPicture(*BinaryDataPtr()), "!!ERROR!!");
+    EXPECT_EQ(setPicture(*OwnedBinaryData()), "!!ERROR!!");
     EXPECT_EQ(lastErrorText(), "Unable to set image data ");
     // The refusal hides that there was no bitmap either.
     EXPECT_EQ(setPicture(*containerOf({{"PNGf", "no picture"}})), "!!ERROR!!");
@@ -118,7 +118,7 @@ TEST_F(ImageTest, TheSizeOfTheContainerIsTheImagesSize) {
     EXPECT_EQ(setPicture(*containerOf({{"BMPf", bmp(3, 2)}})), "0");
     EXPECT_EQ(shownSize.width, 30);
     EXPECT_EQ(shownSize.height, 20);
-    BinaryDataPtr unsized;
+    OwnedBinaryData unsized;
     add(*unsized, {"FILE", "x"});
     add(*unsized, {"BMPf", bmp(3, 2)});
     EXPECT_EQ(setPicture(*unsized), "0");
@@ -129,7 +129,7 @@ TEST_F(ImageTest, TheSizeOfTheContainerIsTheImagesSize) {
 // Meant: the width twice, and BMP in all four streams.
 TEST_F(ImageTest, APictureIsAnsweredAsFourStreamsOfBmp) {
     EXPECT_EQ(setPicture(*containerOf({{"PNGf", picture(300, 200, NSBitmapImageFileTypePNG)}})), "0");
-    const DataPtr result = getPicture();
+    const OwnedData result = getPicture();
     ASSERT_EQ(result->GetNativeType(), fmx::Data::kDTBinary);
     const fmx::BinaryData& container = result->GetBinaryData();
     short width = 0;
@@ -163,7 +163,7 @@ TEST_F(ImageTest, NoPictureIsTheEmptyText) {
 // Meant: the container is answered, and only the last error tells of it.
 TEST_F(ImageTest, APictureThatCannotBeReadAnswersAContainerAllTheSame) {
     ASSERT_TRUE([person_ setImageData:dataOf("no picture")]);
-    const DataPtr result = getPicture();
+    const OwnedData result = getPicture();
     EXPECT_EQ(lastErrorNumber(), "-8025");
     ASSERT_EQ(result->GetNativeType(), fmx::Data::kDTBinary);
     const fmx::BinaryData& container = result->GetBinaryData();
@@ -218,7 +218,7 @@ TEST_F(ImageTest, TheWidthIsAskedForTwiceAndCutToItsBits) {
         widths = asked;
         widthQuestions = 0;
         heightQuestions = 0;
-        const DataPtr result = getPicture();
+        const OwnedData result = getPicture();
         short first = 0;
         short second = 0;
         EXPECT_EQ(result->GetBinaryData().GetSIZEData(first, second), 0);
@@ -299,7 +299,7 @@ TEST_F(ImageTest, NothingIsSaved) {
     EXPECT_TRUE([book save]);
     getPicture();
     EXPECT_FALSE([book hasUnsavedChanges]);
-    EXPECT_EQ(setPicture(*BinaryDataPtr()), "0");
+    EXPECT_EQ(setPicture(*OwnedBinaryData()), "0");
     EXPECT_TRUE([book hasUnsavedChanges]);
 }
 
@@ -310,7 +310,7 @@ BOOL refuse(id /*self*/, SEL /*selector*/, NSData* /*data*/) {
 TEST_F(ImageTest, ARefusalOfThePersonIsTheLastWord) {
     const ReplacedMethod replaced([ABPerson class], @selector(setImageData:), refuse);
     for (const auto& container :
-         {containerOf({{"BMPf", bmp(3, 2)}}), containerOf({{"BMPf", "no picture"}}), BinaryDataPtr()}) {
+         {containerOf({{"BMPf", bmp(3, 2)}}), containerOf({{"BMPf", "no picture"}}), OwnedBinaryData()}) {
         EXPECT_EQ(setPicture(*container), "!!ERROR!!");
         EXPECT_EQ(lastErrorNumber(), "-8026");
     }
@@ -330,17 +330,17 @@ TEST_F(ImageTest, AWrongNumberOfArgumentsIsRefused) {
 // behind, and the picture is the old or the new one.
 TEST_F(ImageTest, AFailureOfTheHostPasses) {
     const std::string old = bmp(3, 2);
-    const BinaryDataPtr container =
+    const OwnedBinaryData container =
         containerOf({{"FILE", "x"}, {"GIFf", picture(30, 20, NSBitmapImageFileTypeGIF)}});
     int failures = 0;
     for (int before = 0;; ++before) {
         ASSERT_TRUE([person_ setImageData:dataOf(old)]);
-        const ExprEnvPtr environment;
-        const DataPtr argument;
+        const OwnedExprEnv environment;
+        const OwnedData argument;
         argument->SetBinaryData(*container, true);
-        const DataVectPtr arguments;
+        const OwnedDataVect arguments;
         arguments->PushBack(*argument);
-        const DataPtr result;
+        const OwnedData result;
         const int living = host_double::livingObjects();
         host_double::failAfter(before, 1 + before % 2);
         try {

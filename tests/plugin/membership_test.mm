@@ -216,10 +216,10 @@ TEST_F(MembershipTest, AMissingIdentifierIsAnEmptyOne) {
     // Outside the function table no number of arguments is refused.
     constexpr short kNoFunction = 1000;
     open(crew_);
-    const ExprEnvPtr environment;
-    const DataVectPtr none;
+    const OwnedExprEnv environment;
+    const OwnedDataVect none;
     for (const Function& function : kFunctions) {
-        const DataPtr result;
+        const OwnedData result;
         EXPECT_EQ(function.handler(kNoFunction, *environment, *none, *result), 0);
         EXPECT_EQ(errors.g_llasterror, kUidDoesNotExist);
         EXPECT_EQ(call(function.handler), "!!ERROR!!");

@@ -185,8 +185,8 @@ TEST_F(NewEntriesTest, ExceptionsFailTheCall) {
 
 // Whatever becomes of it, the host is told that it went well. It is meant.
 TEST_F(NewEntriesTest, TheHostSeesSuccessAlone) {
-    const ExprEnvPtr environment;
-    const DataPtr result;
+    const OwnedExprEnv environment;
+    const OwnedData result;
     EXPECT_EQ(Do_KORU_AddMV(32, *environment, *vectorOf({"shoe size", "1", "home"}), *result), 0);
     EXPECT_EQ(utf8(stringFromText(result->GetAsText())), "!!ERROR!!");
     EXPECT_EQ(lastErrorNumber(), "-8010");
@@ -199,8 +199,8 @@ TEST_F(NewEntriesTest, TheHostSeesSuccessAlone) {
 }
 
 TEST_F(NewEntriesTest, BothNamesOfAddingDoTheSame) {
-    const ExprEnvPtr environment;
-    const DataPtr result;
+    const OwnedExprEnv environment;
+    const OwnedData result;
     EXPECT_EQ(Do_KORU_Add(2, *environment, *vectorOf({"phone", "1", "work"}), *result), 0);
     EXPECT_EQ(utf8(stringFromText(result->GetAsText())), utf8([state.gValues.get() identifierAtIndex:0]));
     EXPECT_EQ(written(0), "1");

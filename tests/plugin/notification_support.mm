@@ -78,9 +78,9 @@ void turnLoop() {
 
 std::string registerScript(const std::string& file, const std::string& script) {
     const Pool pool;
-    const ExprEnvPtr environment;
-    const DataVectPtr arguments = vectorOf({file, script});
-    const DataPtr result;
+    const OwnedExprEnv environment;
+    const OwnedDataVect arguments = vectorOf({file, script});
+    const OwnedData result;
     EXPECT_EQ(Do_KORU_RegisterUpdateScript(44, *environment, *arguments, *result), 0);
     return utf8(stringFromText(result->GetAsText()));
 }

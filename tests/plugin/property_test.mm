@@ -239,8 +239,8 @@ TEST_F(PropertyTest, FlagsAreWordsAndEachReplacesTheWholeNumber) {
 TEST_F(PropertyTest, DatesAreReadAsTextsAndAnsweredAsTimeStamps) {
     openPerson();
     EXPECT_EQ(set("Birthday", "25 December 2010"), "0");
-    const ExprEnvPtr environment;
-    const DataPtr result;
+    const OwnedExprEnv environment;
+    const OwnedData result;
     EXPECT_EQ(Do_KORU_GetValueForProperty(13, *environment, *vectorOf({"birthday"}), *result), 0);
     ASSERT_EQ(result->GetNativeType(), fmx::Data::kDTTimeStamp);
     const fmx::DateTime& stamp = result->GetAsTimeStamp();
@@ -258,8 +258,8 @@ TEST_F(PropertyTest, DatesAreReadAsTextsAndAnsweredAsTimeStamps) {
 TEST_F(PropertyTest, AFailedReadOfADateIsText) {
     openPerson();
     EXPECT_EQ(set("Birthday", "25 December 2010"), "0");
-    const ExprEnvPtr environment;
-    const DataPtr result;
+    const OwnedExprEnv environment;
+    const OwnedData result;
     const auto read = [&] {
         EXPECT_EQ(Do_KORU_GetValueForProperty(13, *environment, *vectorOf({"birthday"}), *result), 0);
         return result->GetNativeType();

@@ -95,11 +95,11 @@ TEST_F(RegistrationTest, AnyThreadMayBeTheOwner) {
 }
 
 TEST_F(RegistrationTest, TheEnvironmentIsThatOfTheLastCall) {
-    const ExprEnvPtr first;
-    const ExprEnvPtr second;
-    const DataVectPtr arguments = vectorOf({"A", "S1"});
-    const DataPtr result;
-    for (const ExprEnvPtr* environment : {&first, &second}) {
+    const OwnedExprEnv first;
+    const OwnedExprEnv second;
+    const OwnedDataVect arguments = vectorOf({"A", "S1"});
+    const OwnedData result;
+    for (const OwnedExprEnv* environment : {&first, &second}) {
         EXPECT_EQ(Do_KORU_RegisterUpdateScript(44, **environment, *arguments, *result), 0);
         EXPECT_EQ(listner.get()->environment, environment->get());
     }
@@ -142,9 +142,9 @@ TEST_F(RegistrationTest, AnExceptionOfTheRegistrationIsTheCallsError) {
 // A failure in one of its steps leaves the steps before it done.
 TEST_F(RegistrationTest, AFailureOfTheHostLeavesTheRegistration) {
     std::vector<std::string> names;
-    const ExprEnvPtr environment;
-    const DataVectPtr arguments = vectorOf({"B", "S2"});
-    const DataPtr result;
+    const OwnedExprEnv environment;
+    const OwnedDataVect arguments = vectorOf({"B", "S2"});
+    const OwnedData result;
     int failures = 0;
     for (int before = 0;; ++before) {
         EXPECT_EQ(registerScript("A", "S1"), "0");

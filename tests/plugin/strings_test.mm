@@ -39,7 +39,7 @@ class StringsTest : public testing::Test {
     std::u16string stored() const { return {reinterpret_cast<const char16_t*>(buffer_.data())}; }
 
     static std::string textOf(unsigned long id, bool cut) {
-        TextPtr text;
+        OwnedText text;
         text->Assign("what was there before");
         Do_GetString(id, text, cut);
         NSString* string = stringFromText(*text);

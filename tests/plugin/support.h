@@ -23,10 +23,10 @@ NSString* string(const std::string& text);
 FMX_ExternCallStruct messageOf(int whichCall, int parm1 = 0);
 
 // An argument of a call.
-DataPtr textData(const std::string& text);
+OwnedData textData(const std::string& text);
 
 // The arguments of a call.
-DataVectPtr vectorOf(std::initializer_list<std::string> arguments);
+OwnedDataVect vectorOf(std::initializer_list<std::string> arguments);
 
 // Calls a handler with the id that the function table has for it, checks that it answers 0 and that the
 // result is text, and answers that.

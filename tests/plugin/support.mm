@@ -62,16 +62,16 @@ FMX_ExternCallStruct messageOf(int whichCall, int parm1) {
     return message;
 }
 
-DataPtr textData(const std::string& text) {
-    TextPtr value;
+OwnedData textData(const std::string& text) {
+    OwnedText value;
     value->Assign(text.c_str(), fmx::Text::kEncoding_UTF8);
-    DataPtr data;
+    OwnedData data;
     data->SetAsText(*value, data->GetLocale());
     return data;
 }
 
-DataVectPtr vectorOf(std::initializer_list<std::string> arguments) {
-    DataVectPtr vector;
+OwnedDataVect vectorOf(std::initializer_list<std::string> arguments) {
+    OwnedDataVect vector;
     for (const std::string& argument : arguments) {
         vector->PushBack(*textData(argument));
     }
@@ -80,9 +80,9 @@ DataVectPtr vectorOf(std::initializer_list<std::string> arguments) {
 
 std::string call(HandlerFunction handler, std::initializer_list<std::string> arguments) {
     const Pool pool;
-    const ExprEnvPtr environment;
-    const DataVectPtr vector = vectorOf(arguments);
-    const DataPtr result;
+    const OwnedExprEnv environment;
+    const OwnedDataVect vector = vectorOf(arguments);
+    const OwnedData result;
     EXPECT_EQ(handler(idOf(handler), *environment, *vector, *result), 0);
     EXPECT_EQ(result->GetNativeType(), fmx::Data::kDTText);
     NSString* text = stringFromText(result->GetAsText());

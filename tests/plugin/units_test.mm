@@ -9,11 +9,11 @@ namespace {
 
 class UnitsTest : public PluginTest {
   protected:
-    static DataPtr dataOf(const std::u16string& units) {
-        TextPtr text;
+    static OwnedData dataOf(const std::u16string& units) {
+        OwnedText text;
         text->AssignUnicodeWithLength(reinterpret_cast<const fmx::uint16*>(units.data()),
                                       static_cast<fmx::uint32>(units.size()));
-        DataPtr data;
+        OwnedData data;
         data->SetAsText(*text, data->GetLocale());
         return data;
     }
@@ -21,12 +21,12 @@ class UnitsTest : public PluginTest {
     // Calls a function; the result unit by unit.
     static std::u16string answer(HandlerFunction handler, short function,
                                  std::initializer_list<std::u16string> texts) {
-        const ExprEnvPtr environment;
-        DataVectPtr arguments;
+        const OwnedExprEnv environment;
+        OwnedDataVect arguments;
         for (const std::u16string& text : texts) {
             arguments->PushBack(*dataOf(text));
         }
-        const DataPtr result;
+        const OwnedData result;
         EXPECT_EQ(handler(function, *environment, *arguments, *result), 0);
         const fmx::Text& text = result->GetAsText();
         std::u16string units(text.GetSize(), u'\0');

@@ -60,7 +60,7 @@ class ValueFormatTest : public PluginTest {
         return utf8(singleValueAnswer(value, type, name, *result_).text());
     }
 
-    DataPtr result_;
+    OwnedData result_;
 };
 
 NSDate* date(NSString* text) {
