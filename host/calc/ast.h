@@ -2,7 +2,7 @@
 // names are already looked up, so an evaluation compares no function name.
 #pragma once
 
-#include "host/calc/builtins.h"
+#include "host/calc/builtin.h"
 #include "host/calc/external_function.h"
 #include "host/calc/operators.h"
 #include "host/calc/source.h"
@@ -26,6 +26,7 @@ struct Literal {
 // A $local or a $$global variable; the key is the folded name with its dollar signs.
 struct Variable {
     std::u16string key;
+    NodePtr repetition; // $x[n]; null for the first
 };
 
 // A name that a Let or While of the same calculation defined: its place in the frame.

@@ -1,7 +1,7 @@
 #include "host/calc/builtins.h"
 
 #include "host/calc/external_function.h"
-#include "host/calc/function_groups.h"
+#include "host/calc/functions/groups.h"
 
 #include <algorithm>
 #include <string>
@@ -12,53 +12,78 @@ namespace host {
 
 namespace {
 
-// The rows of all groups by folded name.
+std::u16string_view nameOf(const Builtin& row) {
+    return row.name();
+}
+std::u16string_view nameOf(const GetRow& row) {
+    return row.name;
+}
+
+// Rows of several tables by folded name.
+template <class Row>
 class Index {
   public:
-    Index() {
-        for (const auto group : {logicFunctions(), textFunctions(), listFunctions(), numberFunctions(),
-                                 dateFunctions(), containerFunctions()}) {
-            rows_.insert(rows_.end(), group.begin(), group.end());
-        }
+    explicit Index(std::vector<Row> rows) : rows_(std::move(rows)) {
         std::sort(rows_.begin(), rows_.end(),
-                  [](const Builtin& a, const Builtin& b) { return foldName(a.name()) < foldName(b.name()); });
-        for (const Builtin& row : rows_) {
-            byName_.emplace(foldName(row.name()), &row);
+                  [](const Row& a, const Row& b) { return foldName(nameOf(a)) < foldName(nameOf(b)); });
+        for (const Row& row : rows_) {
+            byName_.emplace(foldName(nameOf(row)), &row);
         }
     }
 
-    std::span<const Builtin> rows() const { return rows_; }
+    std::span<const Row> rows() const { return rows_; }
 
-    const Builtin* find(std::u16string_view key) const {
+    const Row* find(std::u16string_view key) const {
         const auto found = byName_.find(std::u16string(key));
         return found == byName_.end() ? nullptr : found->second;
     }
 
   private:
-    std::vector<Builtin> rows_;
-    std::unordered_map<std::u16string, const Builtin*> byName_;
+    std::vector<Row> rows_;
+    std::unordered_map<std::u16string, const Row*> byName_;
 };
 
-const Index& index() {
-    static const Index kIndex;
+const Index<Builtin>& functionIndex() {
+    static const Index<Builtin> kIndex([] {
+        std::vector<Builtin> all;
+        for (const FunctionGroup& group : functionGroups()) {
+            for (Builtin row : group.rows) {
+                row.category = group.category;
+                all.push_back(row);
+            }
+        }
+        return all;
+    }());
+    return kIndex;
+}
+
+const Index<GetRow>& getIndex() {
+    static const Index<GetRow> kIndex([] {
+        std::vector<GetRow> all;
+        for (const auto& group : getGroups()) {
+            all.insert(all.end(), group.begin(), group.end());
+        }
+        return all;
+    }());
     return kIndex;
 }
 
 } // namespace
 
 std::span<const Builtin> builtins() {
-    return index().rows();
+    return functionIndex().rows();
+}
+
+std::span<const GetRow> getRows() {
+    return getIndex().rows();
 }
 
 const Builtin* findBuiltin(std::u16string_view key) {
-    return index().find(key);
+    return functionIndex().find(key);
 }
 
 const GetRow* findGet(std::u16string_view key) {
-    const auto rows = getRows();
-    const auto found =
-        std::find_if(rows.begin(), rows.end(), [&](const GetRow& row) { return foldName(row.name) == key; });
-    return found == rows.end() ? nullptr : &*found;
+    return getIndex().find(key);
 }
 
 } // namespace host

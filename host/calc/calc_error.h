@@ -17,6 +17,11 @@ enum class ErrorKind {
 
 // The codes that EvaluationError and a plug-in's evaluation report; the numbers are FileMaker's own.
 enum class CalcCode : int {
+    none = 0,
+    outOfRange = 14,
+    divisionByZero = 15,
+    fieldMissing = 102,
+    tableMissing = 106,
     generic = 1200,
     tooFewArguments = 1201,
     tooManyArguments = 1202,
@@ -28,10 +33,15 @@ enum class CalcCode : int {
     operatorOrFunctionExpected = 1208,
     nameMissing = 1209,
     listNotAllowed = 1211,
+    definedTwice = 1213,
+    fieldRequired = 1214,
     badGetArgument = 1215,
+    summaryFieldRequired = 1216,
+    notSupportedHere = 1225,
 };
 
-// The kind that a code belongs to while a text is being parsed.
+// The kind that a code of the lexer or the parser belongs to; what is missing at the end of a text is
+// incomplete whatever its code.
 constexpr ErrorKind parseErrorKind(CalcCode code) {
     return code == CalcCode::unexpectedEnd || code == CalcCode::unterminatedComment ||
                    code == CalcCode::unterminatedText

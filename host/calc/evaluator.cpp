@@ -40,9 +40,12 @@ Value Evaluator::evaluate(const Node& node) {
     }
     try {
         return std::visit([&](const auto& form) { return evaluateForm(node, form); }, node.form);
-    } catch (const NumberError&) { // a division by zero, a number of too many digits
-        return Value::invalid();
+    } catch (const DivisionByZero&) {
+        session_.setEvaluationError(static_cast<int>(CalcCode::divisionByZero));
+    } catch (const NumberError&) { // a number of too many digits, the logarithm of 0
+        session_.setEvaluationError(static_cast<int>(CalcCode::outOfRange));
     }
+    return Value::invalid();
 }
 
 Value Evaluator::evaluateForm(const Node& /*node*/, const Literal& form) {
@@ -50,8 +53,12 @@ Value Evaluator::evaluateForm(const Node& /*node*/, const Literal& form) {
 }
 
 Value Evaluator::evaluateForm(const Node& /*node*/, const Variable& form) {
-    const Value* value = session_.variable(form.key);
+    const Value* value = session_.variable(form.repetition == nullptr ? form.key : keyOf(form));
     return value == nullptr ? Value() : *value;
+}
+
+std::u16string Evaluator::keyOf(const Variable& variable) {
+    return repetitionKey(variable.key, evaluate(*variable.repetition).asNumber().value_or(0).toInt64());
 }
 
 Value Evaluator::evaluateForm(const Node& /*node*/, const Slot& form) {
@@ -72,18 +79,26 @@ Value Evaluator::evaluateForm(const Node& /*node*/, const Chain& form) {
         const bool decided = (link.op == Operator::logicalAnd && !left.asBoolean()) ||
                              (link.op == Operator::logicalOr && left.asBoolean());
         left = decided ? truth(link.op == Operator::logicalOr)
-                       : applyBinary(link.op, left, evaluate(link.operand));
+                       : applyBinary(link.op, left, evaluate(link.operand), session_.precision());
     }
     return left;
 }
 
+// Styles of the texts stay with them.
 Value Evaluator::joined(const Chain& chain) {
     std::u16string text;
-    appendText(text, evaluate(*chain.first));
+    StyleRuns styles;
+    const auto append = [&](const Value& value) {
+        const size_t before = text.size();
+        appendText(text, value);
+        appendRuns(styles, before, value.styles(), text.size() - before);
+    };
+    append(evaluate(*chain.first));
     for (const Chain::Link& link : chain.rest) {
-        appendText(text, evaluate(link.operand));
+        append(evaluate(link.operand));
     }
-    return Value::text(std::move(text));
+    return styles.empty() ? Value::text(std::move(text))
+                          : Value::styledText(std::move(text), std::move(styles));
 }
 
 std::vector<Value> Evaluator::evaluateAll(std::span<const Node> nodes) {
@@ -96,10 +111,14 @@ std::vector<Value> Evaluator::evaluateAll(std::span<const Node> nodes) {
 }
 
 Value Evaluator::evaluateForm(const Node& /*node*/, const BuiltinCall& form) {
-    if (form.function->lazy != nullptr) {
+    switch (form.function->form) {
+    case BuiltinForm::eager:
+        return form.function->eager(session_, evaluateAll(form.arguments));
+    case BuiltinForm::lazy:
         return form.function->lazy(*this, form.arguments);
+    default:
+        return form.function->placeholder.value();
     }
-    return form.function->eager(session_, evaluateAll(form.arguments));
 }
 
 ExternalFunctionPtr Evaluator::function(const Node& node, const ExternalCall& call) const {
@@ -137,7 +156,9 @@ void Evaluator::assign(const std::vector<Assignment>& assignments) {
         if (const auto* slot = std::get_if<Slot>(&assignment.target)) {
             slots_[slot->index] = std::move(value);
         } else {
-            session_.setVariable(std::get<Variable>(assignment.target).key, std::move(value));
+            const auto& variable = std::get<Variable>(assignment.target);
+            session_.setVariable(variable.repetition == nullptr ? variable.key : keyOf(variable),
+                                 std::move(value));
         }
     }
 }
@@ -154,8 +175,8 @@ Value Evaluator::evaluateForm(const Node& /*node*/, const While& form) {
         }
     }
     assign(form.start);
-    for (int turns = 0; evaluate(*form.condition).asBoolean(); ++turns) {
-        if (turns == kMaxTurns) {
+    for (int64_t turns = 0; evaluate(*form.condition).asBoolean(); ++turns) {
+        if (turns >= session_.recursionLimit()) {
             return Value::invalid();
         }
         assign(form.logic);
@@ -164,7 +185,7 @@ Value Evaluator::evaluateForm(const Node& /*node*/, const While& form) {
 }
 
 Value Evaluator::evaluateForm(const Node& /*node*/, const Get& form) {
-    return form.row->function(session_);
+    return form.row->value(session_);
 }
 
 } // namespace host

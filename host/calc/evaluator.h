@@ -37,6 +37,7 @@ class Evaluator {
     Value evaluateForm(const Node& node, const Get& form);
 
     std::vector<Value> evaluateAll(std::span<const Node> nodes);
+    std::u16string keyOf(const Variable& variable);
     Value joined(const Chain& chain);
     void assign(const std::vector<Assignment>& assignments);
     ExternalFunctionPtr function(const Node& node, const ExternalCall& call) const;

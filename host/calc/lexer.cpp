@@ -1,7 +1,9 @@
 #include "host/calc/lexer.h"
 
+#include "host/values/formats.h"
 #include "host/values/text.h"
 
+#include <algorithm>
 #include <cstdio>
 #include <unicode/uchar.h>
 #include <unicode/utf16.h>
@@ -153,7 +155,9 @@ void Lexer::readNumber(Token& token) {
     while (isDigit(peek())) {
         ++at_;
     }
-    if (peek() == u'.') {
+    // A file with another decimal point takes that one as well.
+    const bool hasOwnPoint = peek() == formats().decimalPoint && isDigit(peek(1));
+    if (peek() == u'.' || hasOwnPoint) {
         ++at_;
         while (isDigit(peek())) {
             ++at_;
@@ -169,6 +173,7 @@ void Lexer::readNumber(Token& token) {
         }
     }
     token.text = source_->text().substr(token.begin, at_ - token.begin);
+    std::replace(token.text.begin(), token.text.end(), formats().decimalPoint, u'.');
 }
 
 void Lexer::readWord(Token& token) {

@@ -12,8 +12,13 @@ bool isDateOrTime(ValueType type) {
     return type == ValueType::date || type == ValueType::time || type == ValueType::timestamp;
 }
 
+bool isMomentAndTime(ValueType left, ValueType right) {
+    return (left == ValueType::timestamp && right == ValueType::time) ||
+           (left == ValueType::time && right == ValueType::timestamp);
+}
+
 // The type of a sum or difference: a day, a time or a moment moved by a number stays one. The distance of two
-// is a number.
+// times, or of two moments, is a time, that of two days a number of days.
 ValueType resultType(Operator op, ValueType left, ValueType right) {
     if (isDateOrTime(left) && !isDateOrTime(right)) {
         return left;
@@ -21,10 +26,14 @@ ValueType resultType(Operator op, ValueType left, ValueType right) {
     if (op == Operator::add && isDateOrTime(right) && !isDateOrTime(left)) {
         return right;
     }
-    return ValueType::number;
+    if (op == Operator::subtract && left == right &&
+        (left == ValueType::time || left == ValueType::timestamp)) {
+        return ValueType::time;
+    }
+    return op == Operator::add && isMomentAndTime(left, right) ? ValueType::timestamp : ValueType::number;
 }
 
-Number compute(Operator op, const Number& left, const Number& right) {
+Number compute(Operator op, const Number& left, const Number& right, int places) {
     switch (op) {
     case Operator::add:
         return left + right;
@@ -33,18 +42,18 @@ Number compute(Operator op, const Number& left, const Number& right) {
     case Operator::multiply:
         return left * right;
     case Operator::divide:
-        return left / right;
+        return Number::divide(left, right, places);
     default:
-        return Number::power(left, right);
+        return Number::power(left, right, places);
     }
 }
 
-Value arithmetic(Operator op, const Value& left, const Value& right) {
+Value arithmetic(Operator op, const Value& left, const Value& right, int places) {
     if (!left.isValid() || !right.isValid()) {
         return Value::invalid();
     }
     const Value number =
-        Value::number(compute(op, left.asNumber().value_or(0), right.asNumber().value_or(0)));
+        Value::number(compute(op, left.asNumber().value_or(0), right.asNumber().value_or(0), places));
     const bool isSum = op == Operator::add || op == Operator::subtract;
     return isSum ? number.convertedTo(resultType(op, left.type(), right.type())) : number;
 }
@@ -97,7 +106,7 @@ Value applyUnary(Operator op, const Value& operand) {
     return op == Operator::add ? operand : Value::number(-operand.asNumber().value_or(0));
 }
 
-Value applyBinary(Operator op, const Value& left, const Value& right) {
+Value applyBinary(Operator op, const Value& left, const Value& right, int places) {
     switch (op) {
     case Operator::logicalAnd:
         return truth(left.asBoolean() && right.asBoolean());
@@ -110,7 +119,7 @@ Value applyBinary(Operator op, const Value& left, const Value& right) {
     case Operator::divide:
     case Operator::add:
     case Operator::subtract:
-        return arithmetic(op, left, right);
+        return arithmetic(op, left, right, places);
     default:
         return truth(holds(op, compareValues(left, right)));
     }

@@ -16,8 +16,9 @@ Value truth(bool value);
 Value applyUnary(Operator op, const Value& operand);
 
 // Any operator between two values but joining; `and`, `or` and `xor` get both. A value that could not be
-// computed stays "?" in arithmetic. A day or a moment plus or minus a number is a day or a moment.
-Value applyBinary(Operator op, const Value& left, const Value& right);
+// computed stays "?" in arithmetic. A day, a time or a moment plus or minus a number stays one; the distance
+// of two times, or of two moments, is a time. A quotient or a power keeps [places] places behind the point.
+Value applyBinary(Operator op, const Value& left, const Value& right, int places = Number::kQuotientPlaces);
 
 // How two values compare: as numbers when one of them is no text and the other has a number in it, else as
 // texts without regard to letter case. A text that is compared with a day, a time or a time stamp is read as

@@ -2,8 +2,13 @@
 // calls, then the forms with a syntax of their own, then errors.
 #include "host/calc/parser.h"
 
+#include "host/calc/builtins.h"
+#include "host/calc/constants.h"
 #include "host/calc/suggest.h"
 #include "host/values/text.h"
+
+#include <algorithm>
+#include <optional>
 
 namespace host {
 
@@ -93,7 +98,7 @@ Node Parser::expression(int minimumLevel) {
     return left;
 }
 
-// A sign or `not`, which bind less than ^ and more than *.
+// A sign, which binds less than ^ and more than *; or `not`, which binds more than all others.
 Node Parser::operand() {
     const Deeper level(depth_);
     if (depth_ > kMaxNesting) {
@@ -109,7 +114,7 @@ Node Parser::operand() {
     const size_t begin = token_.begin;
     const Operator op = token_.op->meaning;
     advance();
-    return Node{begin, Unary{op, box(expression(level::kPower))}};
+    return Node{begin, Unary{op, box(op == Operator::logicalNot ? operand() : expression(level::kPower))}};
 }
 
 Node Parser::primary() {
@@ -118,11 +123,8 @@ Node Parser::primary() {
     case TokenKind::text:
     case TokenKind::number:
         return textOrNumber();
-    case TokenKind::variable: {
-        Node node{begin, Variable{foldName(token_.text)}};
-        advance();
-        return node;
-    }
+    case TokenKind::variable:
+        return Node{begin, variable()};
     case TokenKind::identifier:
         return named();
     case TokenKind::leftParen: {
@@ -137,6 +139,16 @@ Node Parser::primary() {
     default:
         failExpected(kValueWanted, CalcCode::valueExpected);
     }
+}
+
+Variable Parser::variable() {
+    Variable result{foldName(token_.text), nullptr};
+    advance();
+    if (accept(TokenKind::leftBracket)) {
+        result.repetition = box(expression());
+        expect(TokenKind::rightBracket, "an operator or the \"]\" of the repetition");
+    }
+    return result;
 }
 
 Node Parser::textOrNumber() {
@@ -164,6 +176,9 @@ Node Parser::named() {
                 return Node{token.begin, Slot{names_[i - 1].slot}};
             }
         }
+        if (const Constant* constant = findConstant(key)) {
+            return Node{token.begin, Literal{Value::number(constant->value)}};
+        }
     }
     if (const Builtin* builtin = findBuiltin(key)) {
         switch (builtin->form) {
@@ -175,6 +190,8 @@ Node Parser::named() {
             return getForm(token.begin);
         case BuiltinForm::eager:
         case BuiltinForm::lazy:
+        case BuiltinForm::placeholder:
+        case BuiltinForm::refused:
             return call(*builtin, token.begin);
         }
     }
@@ -182,22 +199,26 @@ Node Parser::named() {
         return call(function, token.begin);
     }
     if (token_.kind == TokenKind::colon) {
-        fail(token.begin, CalcCode::operatorOrFunctionExpected,
+        fail(token.begin, CalcCode::tableMissing,
              "\"" + toUtf8(token.text) + "\" reads like a field: there are no tables here, use a $variable");
     }
     const bool isCall = token_.kind == TokenKind::leftParen;
-    fail(token.begin, CalcCode::operatorOrFunctionExpected,
+    fail(token.begin, isCall ? CalcCode::operatorOrFunctionExpected : CalcCode::fieldMissing,
          std::string(isCall ? "there is no function called " : "there is no function or variable called ") +
              toUtf8(token.text) + suggestion(token.text));
 }
 
 Node Parser::call(const Builtin& function, size_t begin) {
-    const bool listForm = function.prototype.find(u'[') != std::u16string_view::npos;
-    std::vector<Node> given = arguments(function.name(), listForm);
-    checkCount(function.name(), function.prototype, function.minArguments(), function.maxArguments(),
-               given.size(), begin);
-    if (listForm) {
-        checkSubstitute(given, begin);
+    std::vector<Node> given = arguments(function.name(), !function.listPrototype.empty());
+    const bool inLists = given.size() > 1 && std::holds_alternative<Brackets>(given[1].form);
+    if (inLists) {
+        checkLists(function, given);
+    } else {
+        checkCount(function.name(), function.prototype, function.minArguments(), function.maxArguments(),
+                   given.size(), begin);
+    }
+    if (function.refusal != CalcCode::none) {
+        checkField(function, given, begin);
     }
     return Node{begin, BuiltinCall{&function, std::move(given)}};
 }
@@ -234,21 +255,32 @@ Node Parser::brackets() {
     return Node{begin, std::move(result)};
 }
 
-// Either text ; search ; replacement, or text ; [ search ; replacement ] any number of times.
-void Parser::checkSubstitute(const std::vector<Node>& given, size_t begin) const {
-    constexpr std::string_view kForms =
-        "Substitute takes ( text ; search ; replacement ) or ( text ; [ search ; replacement ] ... )";
-    const bool lists = std::holds_alternative<Brackets>(given[1].form);
-    for (size_t i = 0; i < given.size(); ++i) {
-        const auto* pair = std::get_if<Brackets>(&given[i].form);
-        if ((pair != nullptr) != (lists && i > 0) || (pair != nullptr && pair->items.size() != 2)) {
-            fail(given[i].begin, CalcCode::listNotAllowed, std::string(kForms));
+// After the first argument every other one is a list; where the function takes several arguments behind the
+// first, each list holds that many.
+void Parser::checkLists(const Builtin& function, const std::vector<Node>& given) const {
+    const auto items = static_cast<size_t>(std::max(function.minArguments() - 1, 0));
+    for (const Node& node : given) {
+        const auto* list = std::get_if<Brackets>(&node.form);
+        const bool isFirst = &node == &given.front();
+        if ((list == nullptr) != isFirst || (list != nullptr && items > 0 && list->items.size() != items)) {
+            fail(node.begin, CalcCode::listNotAllowed,
+                 toUtf8(function.name()) + " takes its arguments one by one or in lists: " +
+                     toUtf8(function.prototype) + " or " + toUtf8(function.listPrototype));
         }
     }
-    if (!lists && given.size() != 3) {
-        fail(begin, given.size() < 3 ? CalcCode::tooFewArguments : CalcCode::tooManyArguments,
-             std::string(kForms));
+}
+
+// A function of fields takes a variable where it can; everything else is refused.
+void Parser::checkField(const Builtin& function, const std::vector<Node>& given, size_t begin) const {
+    const bool takesVariable = function.form == BuiltinForm::lazy;
+    if (takesVariable && std::holds_alternative<Variable>(given.front().form)) {
+        return;
     }
+    fail(given.empty() ? begin : given.front().begin, function.refusal,
+         toUtf8(function.name()) +
+             (takesVariable ? " needs a field or a $variable"
+                            : " needs a field, and there are no tables here") +
+             ": " + toUtf8(function.prototype));
 }
 
 void Parser::openCall(std::u16string_view function) {
@@ -323,16 +355,20 @@ Assignment Parser::assignment(size_t scope) {
     if (token_.kind != TokenKind::identifier && token_.kind != TokenKind::variable) {
         failExpected("the name of a variable", CalcCode::nameMissing);
     }
-    const bool isVariable = token_.kind == TokenKind::variable;
     std::u16string key = foldName(token_.text);
-    advance();
+    std::optional<Variable> target;
+    if (token_.kind == TokenKind::variable) {
+        target = variable();
+    } else {
+        advance();
+    }
     if (token_.kind != TokenKind::symbol || token_.op->meaning != Operator::equal) {
         failExpected("\"=\" after the name of a variable", CalcCode::operatorOrFunctionExpected);
     }
     advance();
     Node value = expression(); // read before the name is known: it may use an outer one of the same name
-    if (isVariable) {
-        return {Variable{std::move(key)}, std::move(value)};
+    if (target) {
+        return {std::move(*target), std::move(value)};
     }
     return {Slot{define(std::move(key), scope)}, std::move(value)};
 }
@@ -407,7 +443,7 @@ std::string Parser::describe(const Token& token) const {
 void Parser::failExpected(std::string_view what, CalcCode code) const {
     const std::string expected = "expected " + std::string(what);
     if (token_.kind == TokenKind::end) {
-        fail(token_.begin, CalcCode::unexpectedEnd, expected + ", found the end");
+        throw CalcError(ErrorKind::incomplete, code, source(), token_.begin, expected + ", found the end");
     }
     fail(token_.begin, code, expected + ", found " + describe(token_));
 }

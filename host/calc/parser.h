@@ -42,7 +42,7 @@ class Parser {
     // Takes the current token when it is the word [word] (folded).
     bool acceptWord(std::u16string_view word);
 
-    // Fails at the current token: incomplete when it is the end, else syntax with [code].
+    // Fails at the current token with [code]: incomplete when it is the end, else syntax.
     [[noreturn]] void failExpected(std::string_view what, CalcCode code) const;
     [[noreturn]] void fail(size_t offset, CalcCode code, std::string message) const;
 
@@ -68,7 +68,9 @@ class Parser {
     Assignment assignment(size_t scope);
     uint32_t define(std::u16string key, size_t scope);
     void openCall(std::u16string_view function);
-    void checkSubstitute(const std::vector<Node>& arguments, size_t begin) const;
+    void checkLists(const Builtin& function, const std::vector<Node>& arguments) const;
+    void checkField(const Builtin& function, const std::vector<Node>& arguments, size_t begin) const;
+    Variable variable();
     void checkCount(std::u16string_view name, std::u16string_view prototype, int minArguments,
                     int maxArguments, size_t given, size_t begin) const;
     std::string suggestion(std::u16string_view name) const;

@@ -3,6 +3,8 @@
 #include "host/calc/evaluator.h"
 #include "host/calc/parser.h"
 
+#include <algorithm>
+
 namespace host {
 
 Session::Session() {
@@ -17,6 +19,14 @@ Value Session::evaluate(std::u16string text) {
     return evaluate(parseCalculation(std::make_shared<Source>("", std::move(text)), functions_));
 }
 
+std::u16string repetitionKey(const std::u16string& key, int64_t repetition) {
+    if (repetition <= 1) {
+        return key;
+    }
+    const std::string number = std::to_string(repetition);
+    return key + u"[" + std::u16string(number.begin(), number.end()) + u"]";
+}
+
 const Session::Variables& Session::scopeOf(const std::u16string& key) const {
     return key.starts_with(u"$$") ? globals_ : frames_.back().locals;
 }
@@ -29,6 +39,23 @@ const Value* Session::variable(const std::u16string& key) const {
 
 void Session::setVariable(const std::u16string& key, Value value) {
     const_cast<Variables&>(scopeOf(key)).insert_or_assign(key, std::move(value));
+}
+
+std::vector<Value> Session::repetitions(const std::u16string& key) const {
+    std::vector<Value> result;
+    const std::u16string prefix = key + u"[";
+    const auto put = [&result](size_t place, const Value& value) {
+        result.resize(std::max(result.size(), place));
+        result[place - 1] = value;
+    };
+    for (const auto& [name, value] : scopeOf(key)) {
+        if (name == key) {
+            put(1, value);
+        } else if (name.starts_with(prefix)) {
+            put(static_cast<size_t>(Number::fromText(name.substr(prefix.size())).toInt64()), value);
+        }
+    }
+    return result;
 }
 
 ScriptFrame::ScriptFrame(Session& session, std::u16string name, Value parameter) : session_(session) {

@@ -4,6 +4,7 @@
 
 #include "host/calc/ast.h"
 #include "host/calc/calc_error.h"
+#include "host/calc/environment.h"
 #include "host/calc/external_function.h"
 #include "host/values/value.h"
 
@@ -13,14 +14,18 @@
 #include <string>
 #include <string_view>
 #include <unordered_map>
+#include <vector>
 
 namespace host {
 
 // Nodes inside nodes, Evaluate and plug-in functions that evaluate included, may be this deep.
 inline constexpr int kMaxEvaluationDepth = 1000;
 
-// A While that has turned this often answers "?".
-inline constexpr int kMaxTurns = 50'000;
+// A While that has turned this often answers "?", unless SetRecursion says otherwise.
+inline constexpr int64_t kMaxRecursions = 50'000;
+
+// The key of a variable's repetition: of the first one, and of any below, the variable's own.
+std::u16string repetitionKey(const std::u16string& key, int64_t repetition);
 
 class Session {
   public:
@@ -48,6 +53,8 @@ class Session {
     // The value of a variable; null for one that was never set. [key] is folded and has its dollar signs.
     const Value* variable(const std::u16string& key) const;
     void setVariable(const std::u16string& key, Value value);
+    // The repetitions of a variable up to the last that was set; those between that were not are empty.
+    std::vector<Value> repetitions(const std::u16string& key) const;
 
     Frame& frame() { return frames_.back(); }
     bool runsScript() const { return frames_.size() > 1; }
@@ -59,6 +66,16 @@ class Session {
     // The code of the last Evaluate that failed since it was last set to 0.
     int evaluationError() const { return evaluationError_; }
     void setEvaluationError(int code) { evaluationError_ = code; }
+
+    // Places behind the point of quotients, roots and logarithms; how often a While may turn and a function
+    // call itself. SetPrecision and SetRecursion set both for as long as they evaluate an expression.
+    int precision() const { return precision_; }
+    void setPrecision(int places) { precision_ = places; }
+    int64_t recursionLimit() const { return recursionLimit_; }
+    void setRecursionLimit(int64_t turns) { recursionLimit_ = turns; }
+
+    // What Get functions answer about the host and its scripts.
+    Environment& environment() { return environment_; }
 
     // Once set, from a signal handler or another thread, every evaluation ends with an error until it is
     // cleared.
@@ -76,6 +93,9 @@ class Session {
     int lastError_ = 0;
     int evaluationError_ = 0;
     int depth_ = 0;
+    int precision_ = Number::kQuotientPlaces;
+    int64_t recursionLimit_ = kMaxRecursions;
+    Environment environment_;
     std::atomic<bool> interrupted_ = false;
 };
 

@@ -1,6 +1,5 @@
 #include "host/console/commands.h"
 
-#include "host/calc/builtins.h"
 #include "host/calc/parser.h"
 #include "host/console/calc_test.h"
 #include "host/console/input_reader.h"
@@ -11,82 +10,12 @@
 #include <cstring>
 #include <iomanip>
 #include <iostream>
-#include <nlohmann/json.hpp>
 #include <sys/wait.h>
 #include <unistd.h>
 
 namespace host {
 
 namespace {
-
-std::string range(int minArguments, int maxArguments) {
-    if (maxArguments == ExternalFunction::kAnyNumber) {
-        return std::to_string(minArguments) + "+";
-    }
-    return minArguments == maxArguments ? std::to_string(minArguments)
-                                        : std::to_string(minArguments) + "-" + std::to_string(maxArguments);
-}
-
-std::vector<FunctionInfo> languageFunctions() {
-    std::vector<FunctionInfo> result;
-    for (const Builtin& builtin : builtins()) {
-        FunctionInfo info;
-        info.name = builtin.name();
-        info.prototype = builtin.prototype;
-        info.minArguments = builtin.minArguments();
-        info.maxArguments = builtin.maxArguments();
-        result.push_back(std::move(info));
-    }
-    return result;
-}
-
-// A row of the table: the range or what else stands first, how it is written, below that what it is for.
-void printRow(const std::string& first, const std::u16string& prototype, const std::u16string& description) {
-    std::cout << std::left << std::setw(5) << first << toUtf8(prototype) << '\n';
-    if (!description.empty()) {
-        std::cout << std::setw(9) << "" << oneLine(Value::text(description)) << '\n';
-    }
-}
-
-void printTable(const std::vector<FunctionInfo>& functions, const std::vector<StepInfo>& steps) {
-    for (const FunctionInfo& function : functions) {
-        printRow(range(function.minArguments, function.maxArguments), function.prototype,
-                 function.description);
-    }
-    for (const StepInfo& step : steps) {
-        printRow("step", step.prototype, step.description);
-    }
-}
-
-using Json = nlohmann::ordered_json;
-
-// [counts] are what a row has beside what all have.
-Json jsonRow(const char* kind, const RegisteredInfo& item, const std::u16string& prototype,
-             const Json& counts) {
-    Json row = {{"name", toUtf8(item.name)}, {"kind", kind}, {"prototype", toUtf8(prototype)}};
-    row.update(counts);
-    if (!item.plugin.empty()) {
-        row.update({{"description", toUtf8(item.description)},
-                    {"plugin", toUtf8(item.plugin)},
-                    {"id", item.id},
-                    {"flags", item.flags}});
-    }
-    return row;
-}
-
-void printJson(const std::vector<FunctionInfo>& functions, const std::vector<StepInfo>& steps) {
-    Json list = Json::array();
-    for (const FunctionInfo& function : functions) {
-        const bool isLimited = function.maxArguments != ExternalFunction::kAnyNumber;
-        list.push_back(jsonRow("function", function, function.prototype,
-                               {{"minArguments", function.minArguments},
-                                {"maxArguments", isLimited ? Json(function.maxArguments) : Json()}}));
-    }
-    for (const StepInfo& step : steps) {
-        list.push_back(jsonRow("step", step, step.prototype, Json::object()));
-    }
-    std::cout << list.dump(2) << '\n';
-}
 
 void evaluateAndPrint(Host& host, const Calculation& calculation) {
     const Value result = host.session().evaluate(calculation);
@@ -172,16 +101,6 @@ CalcTestCount runTestApart(const HostOptions& options, const std::string& file) 
 
 ExitCode exitCodeOf(const CalcError& error) {
     return error.kind() == ErrorKind::evaluation ? ExitCode::failure : ExitCode::parse;
-}
-
-ExitCode listFunctions(const Host& host, bool all, bool asJson) {
-    std::vector<FunctionInfo> functions = host.functions();
-    if (all) {
-        const std::vector<FunctionInfo> more = languageFunctions();
-        functions.insert(functions.end(), more.begin(), more.end());
-    }
-    asJson ? printJson(functions, host.steps()) : printTable(functions, host.steps());
-    return ExitCode::ok;
 }
 
 ExitCode showInfo(const Host& host) {

@@ -13,9 +13,6 @@ namespace host {
 // parse for a calculation that can not be understood, failure for one that can not be evaluated.
 ExitCode exitCodeOf(const CalcError& error);
 
-// The plug-in's functions, ranges first; with [all] those of the language too.
-ExitCode listFunctions(const Host& host, bool all, bool asJson);
-
 ExitCode showInfo(const Host& host);
 
 // Each in turn, one result a line; "-" stands for the calculations on standard input.

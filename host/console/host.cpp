@@ -7,6 +7,7 @@
 #include <algorithm>
 #include <cstdlib>
 #include <iostream>
+#include <set>
 #include <thread>
 #include <unistd.h>
 
@@ -46,10 +47,36 @@ Host::Host(const HostOptions& options)
                    return 0;
                }),
       trace_(options.trace) {
+    describeEnvironment(options);
     if (options.plugin) {
         plugin_ = &plugins_.load(*options.plugin, {options.hostVersion, options.limit, endProgram});
     }
     printWarnings();
+}
+
+// What the Get functions tell about the folder and the plug-in.
+void Host::describeEnvironment(const HostOptions& options) {
+    Environment& environment = session_.environment();
+    std::error_code error;
+    fs::path folder = fs::weakly_canonical(options.scripts, error);
+    environment.folder = fromUtf8(folder.string());
+    environment.scriptNames = [folder] {
+        std::set<std::u16string> names;
+        std::error_code unreadable;
+        for (const auto& entry : fs::directory_iterator(folder, unreadable)) {
+            if (entry.path().extension() == ".fmscript") {
+                names.insert(fromUtf8(entry.path().stem().string()));
+            }
+        }
+        return std::vector<std::u16string>(names.begin(), names.end());
+    };
+    environment.plugins = [this] {
+        std::vector<InstalledPlugin> list;
+        if (plugin_ != nullptr) {
+            list.push_back({plugin_->name, fromUtf8(std::to_string(plugin_->version))});
+        }
+        return list;
+    };
 }
 
 Host::~Host() {

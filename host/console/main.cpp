@@ -1,8 +1,10 @@
 // The command line.
 #include "host/console/calc_test.h"
 #include "host/console/commands.h"
+#include "host/console/function_list.h"
 #include "host/console/host.h"
 #include "host/console/prompt.h"
+#include "host/values/formats.h"
 
 #include <CLI/CLI.hpp>
 #include <iostream>
@@ -19,8 +21,8 @@ struct CommandLine {
     int hostVersion = kHostVersion;
     long seconds = HostOptions().limit.count();
     std::string folder;
-    bool asJson = false;
-    bool all = false;
+    std::string locale;
+    FunctionQuery functions;
     std::vector<std::string> calculations;
     std::string script;
     std::string parameter;
@@ -61,6 +63,10 @@ void defineOptions(CLI::App& app, CommandLine& line) {
                std::to_string(line.seconds) + "]")
         ->check(CLI::Range(0, 86400))
         ->type_name("SECONDS");
+    app.add_option(
+           "--locale", line.locale,
+           "Dates, times and numbers as a file has them that was made there, for instance de_DE [en_US]")
+        ->type_name("NAME");
     app.add_option("--folder", line.folder,
                    "The database file: a folder of scripts [the script's own, or this one]")
         ->type_name("DIR");
@@ -70,8 +76,10 @@ void defineCommands(CLI::App& app, CommandLine& line) {
     CLI::App* functions = app.add_subcommand(
         "functions",
         "List the plug-in's functions and script steps: argument ranges, prototypes, descriptions");
-    functions->add_flag("--json", line.asJson, "As JSON, with ids and flags");
-    functions->add_flag("--all", line.all, "The functions of the language as well");
+    functions->add_flag("--json", line.functions.asJson, "As JSON, with ids and flags");
+    functions->add_flag("--all", line.functions.all, "The functions of the language as well, by category");
+    functions->add_option("WORD", line.functions.word,
+                          "Only functions, the language's too, with this word in name or description");
     functions->footer("Example:\n  fmhost functions --json | jq '.[].name'");
 
     app.add_subcommand("info", "Show the plug-in's name, help text, options string and interface version")
@@ -116,7 +124,7 @@ void defineCommands(CLI::App& app, CommandLine& line) {
 
 ExitCode runOnHost(Host& host, const CLI::App& app, const CommandLine& line) {
     if (app.got_subcommand("functions")) {
-        return listFunctions(host, line.all, line.asJson);
+        return listFunctions(host, line.functions);
     }
     if (app.got_subcommand("info")) {
         return showInfo(host);
@@ -130,7 +138,21 @@ ExitCode runOnHost(Host& host, const CLI::App& app, const CommandLine& line) {
     return evaluateAll(host, {"-"});
 }
 
+// Answers false for a locale that there is not.
+bool useLocale(const std::string& name) {
+    const std::optional<Formats> formats = name.empty() ? Formats() : formatsOf(name);
+    if (formats) {
+        setFormats(*formats);
+    }
+    return formats.has_value();
+}
+
 ExitCode runCommand(const CLI::App& app, const CommandLine& line) {
+    if (!useLocale(line.locale)) {
+        std::cerr << "fmhost: there is no locale called " << line.locale
+                  << "; expected a language and a country, for instance de_DE" << std::endl;
+        return ExitCode::usage;
+    }
     const HostOptions options = hostOptions(line);
     if (app.got_subcommand("test")) {
         return runTests(options, line.tests);

@@ -1,9 +1,11 @@
 #include "host/console/prompt.h"
 
 #include "host/console/commands.h"
+#include "host/console/function_list.h"
 #include "host/console/host.h"
 #include "host/console/input_reader.h"
 #include "host/console/show.h"
+#include "host/values/text.h"
 
 #include <atomic>
 #include <cerrno>
@@ -29,7 +31,8 @@ constexpr int kIdleMilliseconds = 100;
 constexpr const char* kHelp =
     "Type a calculation, for instance: Let ( x = 2 ; x * 21 )\n"
     "A line that is not complete goes on in the next one; Ctrl-C drops it, and stops a calculation.\n"
-    "functions lists the plug-in's functions; quit or Ctrl-D leaves.";
+    "functions lists the plug-in's functions, help NAME tells about one; quit or Ctrl-D leaves.";
+constexpr std::string_view kHelpOn = "help ";
 
 volatile std::sig_atomic_t gInterrupted = 0;
 std::atomic<bool>* gStop = nullptr;
@@ -166,8 +169,14 @@ class Prompt {
             std::cout << kHelp << std::endl;
             return true;
         }
+        if (!reader_.isOpen() && text.starts_with(kHelpOn)) {
+            const std::string name = text.substr(kHelpOn.size());
+            const auto sheet = functionSheet(fromUtf8(name));
+            std::cout << (sheet ? *sheet : "there is no function called " + name + "\n") << std::flush;
+            return true;
+        }
         if (!reader_.isOpen() && text == "functions") {
-            listFunctions(host_, false, false);
+            listFunctions(host_, {});
             return true;
         }
         evaluate(text);

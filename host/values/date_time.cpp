@@ -112,6 +112,14 @@ int DateTime::weekOfYear() const noexcept {
     return (dayOfYear() - 1 + firstWeekday) / 7 + 1;
 }
 
+// The week belongs to the year that its fourth day is in.
+int DateTime::fiscalWeekOfYear(int firstDay) const noexcept {
+    const int64_t weekStart = day_ - ((dayOfWeek() - firstDay) % 7 + 7) % 7;
+    const int64_t middle = weekStart + 3;
+    const int year = middle < 1 ? kFirstYear : calendarDay(static_cast<int32_t>(middle)).year;
+    return static_cast<int>((middle - daysBefore(year, 1) - 1) / 7) + 1;
+}
+
 DateTime DateTime::now() {
     const auto moment = std::chrono::system_clock::now();
     const std::time_t seconds = std::chrono::system_clock::to_time_t(moment);

@@ -2,6 +2,7 @@
 // year 1, which is day 1.
 #pragma once
 
+#include "host/values/formats.h"
 #include "host/values/number.h"
 
 #include <cstdint>
@@ -45,9 +46,6 @@ bool isCalendarDay(int64_t year, int64_t month, int64_t day) noexcept;
 std::optional<int32_t> dayNumber(int64_t year, int64_t month, int64_t day) noexcept;
 CalendarDay calendarDay(int32_t dayNumber) noexcept;
 
-// How the three numbers of a date stand in a text.
-enum class DateOrder : uint8_t { monthDayYear, dayMonthYear, yearMonthDay };
-
 // A day and a time, which may be used apart: a date has no time, a time no day.
 class DateTime {
   public:
@@ -76,20 +74,25 @@ class DateTime {
     int dayOfWeek() const noexcept { return day_ % 7 + 1; } // 1 is Sunday
     int dayOfYear() const noexcept;
     int weekOfYear() const noexcept; // 1 holds 1 January; weeks start on Sunday
+    // The week of a year whose weeks start on [firstDay] (1 is Sunday) and whose first one has four days in
+    // it.
+    int fiscalWeekOfYear(int firstDay) const noexcept;
 
+    // As the formats in use write them (values/formats.h); those of the United States are given here.
     std::u16string dateText() const;      // m/d/yyyy
-    std::u16string timeText() const;      // h:mm:ss, with a fraction if there is one
-    std::u16string timestampText() const; // both
+    std::u16string timeText() const;      // h:mm:ss, with a fraction if there is one, counting on over 24
+    std::u16string timestampText() const; // m/d/yyyy h:mm:ss AM
 
-    // The day that a text m/d/yyyy names (also with dashes or points); nothing when there is none such. In
-    // the other orders blanks may stand behind points, and a point behind the date.
+    // The day that a text names in numbers, with slashes, dashes or points between them; nothing when there is
+    // none such. A year of one or two digits is the one from 70 years ago to 30 years ahead. In orders other
+    // than month, day, year blanks may stand behind points, and a point behind the date.
     static std::optional<DateTime> dateFromText(std::u16string_view text,
-                                                DateOrder order = DateOrder::monthDayYear);
+                                                DateOrder order = formats().dateOrder);
     // The time that a text names: h:mm, h:mm:ss or h:mm:ss.fraction, with AM, PM or a minus sign if wanted.
     static std::optional<DateTime> timeFromText(std::u16string_view text);
     // A date, or a date and a time.
     static std::optional<DateTime> timestampFromText(std::u16string_view text,
-                                                     DateOrder order = DateOrder::monthDayYear);
+                                                     DateOrder order = formats().dateOrder);
 
     // The local day and time.
     static DateTime now();

@@ -1,6 +1,9 @@
 // How dates and times are written and read.
 #include "host/values/date_time.h"
+#include "host/values/formats.h"
+#include "host/values/text.h"
 
+#include <array>
 #include <utility>
 
 namespace host {
@@ -65,29 +68,39 @@ class Reader {
         return value;
     }
 
-    // AM or PM: 0 or 12; nothing when there is neither.
+    // AM or PM, or the words for them in the formats in use: 0 or 12; nothing when there is neither.
     std::optional<int> halfDay() {
         const std::u16string_view before = rest_;
         skipBlanks();
-        const char16_t half = takeAny(u"aApP");
-        if (half == 0 || takeAny(u"mM") == 0) {
-            rest_ = before;
-            return std::nullopt;
+        for (const auto& [word, hours] : {std::pair<std::u16string_view, int>{formats().morning, 0},
+                                          {formats().afternoon, 12},
+                                          {u"AM", 0},
+                                          {u"PM", 12}}) {
+            if (!word.empty() && foldCase(rest_.substr(0, word.size())) == foldCase(word)) {
+                rest_.remove_prefix(word.size());
+                return hours;
+            }
         }
-        return half == u'p' || half == u'P' ? 12 : 0;
+        rest_ = before;
+        return std::nullopt;
     }
 
   private:
     std::u16string_view rest_;
 };
 
-// A year has four digits: a shorter one could mean this century or the first.
-std::optional<int64_t> readYear(Reader& reader) {
-    const std::u16string_view digits = reader.digits();
-    return digits.size() == 4 ? Reader(digits).number(4) : std::nullopt;
+// A year of one or two digits is one of the hundred around this year.
+int64_t fullYear(int64_t year, size_t digits) {
+    constexpr int kAhead = 30;
+    if (digits > 2) {
+        return year;
+    }
+    const int last = DateTime::now().calendar().year + kAhead;
+    const int64_t candidate = last / 100 * 100 + year;
+    return candidate > last ? candidate - 100 : candidate;
 }
 
-// A separator, the wanted one unless that is 0; answers 0 when there is none.
+// Reads a separator, the wanted one unless that is 0; answers 0 when there is none.
 char16_t readSeparator(Reader& reader, DateOrder order, char16_t wanted) {
     const char16_t found = reader.takeAny(wanted == 0 ? u"/-." : std::u16string_view(&wanted, 1));
     if (found == u'.' && order != DateOrder::monthDayYear) {
@@ -96,51 +109,63 @@ char16_t readSeparator(Reader& reader, DateOrder order, char16_t wanted) {
     return found;
 }
 
+// Day, month and year in an order.
 std::optional<int32_t> readDay(Reader& reader, DateOrder order) {
-    const bool yearFirst = order == DateOrder::yearMonthDay;
-    const auto first = yearFirst ? readYear(reader) : reader.number(2);
-    const char16_t separator = first ? readSeparator(reader, order, 0) : u'\0';
-    const auto second = separator != 0 ? reader.number(2) : std::nullopt;
-    if (!second || readSeparator(reader, order, separator) == 0) {
-        return std::nullopt;
-    }
-    const auto third = yearFirst ? reader.number(2) : readYear(reader);
-    if (!third) {
-        return std::nullopt;
+    std::array<int64_t, 3> parts{};
+    std::array<size_t, 3> digits{};
+    char16_t separator = 0;
+    for (size_t i = 0; i < parts.size(); ++i) {
+        if (i > 0) {
+            separator = readSeparator(reader, order, separator);
+        }
+        const std::u16string_view found = i > 0 && separator == 0 ? std::u16string_view() : reader.digits();
+        if (found.empty() || found.size() > 4) {
+            return std::nullopt;
+        }
+        digits[i] = found.size();
+        parts[i] = Reader(found).number(4).value_or(0);
     }
     if (separator == u'.' && order != DateOrder::monthDayYear) {
         reader.take(u'.');
     }
-    const int64_t year = yearFirst ? *first : *third;
-    const int64_t month = order == DateOrder::monthDayYear ? *first : *second;
-    const int64_t day = order == DateOrder::monthDayYear ? *second : yearFirst ? *third : *first;
-    return isCalendarDay(year, month, day) ? dayNumber(year, month, day) : std::nullopt;
+    const size_t year = order == DateOrder::yearMonthDay ? 0 : 2;
+    const size_t month = order == DateOrder::monthDayYear ? 0 : 1;
+    const size_t day = 3 - year - month;
+    if (digits[month] > 2 || digits[day] > 2 || digits[year] == 3) {
+        return std::nullopt;
+    }
+    const int64_t whole = fullYear(parts[year], digits[year]);
+    return isCalendarDay(whole, parts[month], parts[day]) ? dayNumber(whole, parts[month], parts[day])
+                                                          : std::nullopt;
 }
 
 std::optional<Number> readSeconds(Reader& reader) {
     const bool negative = reader.take(u'-');
     const auto hour = reader.number(7);
-    const auto minute = hour && reader.take(u':') ? reader.number(2) : std::nullopt;
+    const char16_t mark = reader.take(formats().timeSeparator) ? formats().timeSeparator
+                          : reader.take(u':')                  ? u':'
+                                                               : u'\0';
+    const auto minute = hour && mark != 0 ? reader.number(2) : std::nullopt;
     if (!minute || *minute > 59) {
         return std::nullopt;
     }
     Number second;
-    if (reader.take(u':')) {
+    if (reader.take(mark)) {
         const auto whole = reader.number(2);
         if (!whole || *whole > 59) {
             return std::nullopt;
         }
         second = *whole;
-        if (reader.take(u'.')) {
+        if (reader.take(formats().decimalPoint) || reader.take(u'.')) {
             second = second + Number::fromText(std::u16string(u".").append(reader.digits()));
         }
     }
     int64_t hours = *hour;
     if (const auto half = reader.halfDay()) {
-        if (hours < 1 || hours > 12 || negative) {
+        if (hours < 1 || negative) {
             return std::nullopt;
         }
-        hours = hours % 12 + *half;
+        hours = hours > 12 ? hours : hours % 12 + *half;
     }
     const Number seconds = Number(hours * 3600 + *minute * 60) + second;
     return negative ? -seconds : seconds;
@@ -167,23 +192,56 @@ std::u16string padded(int64_t value, size_t width) {
 } // namespace
 
 std::u16string DateTime::dateText() const {
-    const CalendarDay day = calendar();
-    return padded(day.month, 1) + u"/" + padded(day.day, 1) + u"/" + padded(day.year, 4);
+    const Formats& form = formats();
+    const CalendarDay parts = calendar();
+    const size_t width = form.twoDigits ? 2 : 1;
+    const std::u16string day = padded(parts.day, width);
+    const std::u16string month = padded(parts.month, width);
+    const std::u16string year = padded(parts.year, 4);
+    const char16_t mark = form.dateSeparator;
+    switch (form.dateOrder) {
+    case DateOrder::dayMonthYear:
+        return day + mark + month + mark + year;
+    case DateOrder::yearMonthDay:
+        return year + mark + month + mark + day;
+    default:
+        return month + mark + day + mark + year;
+    }
 }
 
-std::u16string DateTime::timeText() const {
-    const Number size = seconds_.abs();
-    const int64_t whole = size.toInt64();
-    std::u16string text = seconds_.sign() < 0 ? u"-" : u"";
-    text += padded(whole / 3600, 1) + u":" + padded(whole / 60 % 60, 2) + u":" + padded(whole % 60, 2);
-    if (!size.isInteger()) {
-        text += (size - Number(whole)).toText();
+namespace {
+
+// Hours, minutes, seconds of a time that is not negative.
+std::u16string clockText(const Number& hours, const Number& seconds, size_t hourWidth) {
+    const Formats& form = formats();
+    const int64_t whole = seconds.toInt64();
+    std::u16string text = padded(hours.toInt64(), hourWidth) + form.timeSeparator +
+                          padded(whole / 60 % 60, 2) + form.timeSeparator + padded(whole % 60, 2);
+    if (!seconds.isInteger()) {
+        text += form.decimalPoint + (seconds - Number(whole)).toText().substr(1);
     }
     return text;
 }
 
+} // namespace
+
+std::u16string DateTime::timeText() const {
+    const Number size = seconds_.abs();
+    return (seconds_.sign() < 0 ? u"-" : u"") + clockText(size.toInt64() / 3600, size, 1);
+}
+
+// A moment has its time inside its day: that of another one is written as a time is.
 std::u16string DateTime::timestampText() const {
-    return dateText() + u" " + timeText();
+    const Formats& form = formats();
+    const int64_t hours = seconds_.toInt64() / 3600;
+    if (seconds_.sign() < 0 || hours >= 24) {
+        return dateText() + u" " + timeText();
+    }
+    if (!form.twelveHours) {
+        return dateText() + u" " + clockText(hours, seconds_, form.twoDigits ? 2 : 1);
+    }
+    return dateText() + u" " + clockText((hours + 11) % 12 + 1, seconds_, 1) + u" " +
+           (hours < 12 ? form.morning : form.afternoon);
 }
 
 std::optional<DateTime> DateTime::dateFromText(std::u16string_view text, DateOrder order) {

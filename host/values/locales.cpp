@@ -8,7 +8,6 @@
 #include <string>
 #include <unicode/uchar.h>
 #include <unicode/ucol.h>
-#include <unicode/udat.h>
 
 namespace host {
 
@@ -88,32 +87,6 @@ constexpr const char* kLanguages[] = {
 };
 static_assert(std::size(kLanguages) == kLastLanguage - kFirstLanguage + 1);
 
-// ICU's name of a locale; null for one of no language.
-const char* languageOf(int32_t locale) {
-    return locale >= kFirstLanguage && locale <= kLastLanguage ? kLanguages[locale - kFirstLanguage]
-                                                               : nullptr;
-}
-
-// The order of the three numbers in ICU's pattern of a short date.
-DateOrder orderInPattern(std::u16string_view pattern) {
-    const size_t year = pattern.find_first_of(u"yu");
-    const size_t month = pattern.find_first_of(u"ML");
-    const size_t day = pattern.find(u'd');
-    return year < month  ? DateOrder::yearMonthDay
-           : month < day ? DateOrder::monthDayYear
-                         : DateOrder::dayMonthYear;
-}
-
-DateOrder orderInLanguage(const char* language) {
-    UErrorCode error = U_ZERO_ERROR;
-    const std::unique_ptr<UDateFormat, decltype(&udat_close)> format(
-        udat_open(UDAT_NONE, UDAT_SHORT, language, nullptr, 0, nullptr, 0, &error), udat_close);
-    UChar pattern[64];
-    const int32_t size =
-        U_SUCCESS(error) ? udat_toPattern(format.get(), 0, pattern, std::size(pattern), &error) : 0;
-    return U_SUCCESS(error) ? orderInPattern({pattern, static_cast<size_t>(size)}) : DateOrder::monthDayYear;
-}
-
 // A text with all decimal digits as 0 to 9, and without the marks that say which way it is written.
 std::u16string withPlainDigits(std::u16string_view text) {
     std::u16string plain;
@@ -130,20 +103,25 @@ std::u16string withPlainDigits(std::u16string_view text) {
 
 } // namespace
 
+const char* icuLocaleOf(int32_t locale) {
+    return locale >= kFirstLanguage && locale <= kLastLanguage ? kLanguages[locale - kFirstLanguage]
+                                                               : nullptr;
+}
+
 DateOrder dateOrderIn(int32_t locale) {
-    const char* language = languageOf(locale);
-    return language == nullptr ? DateOrder::monthDayYear : orderInLanguage(language);
+    const char* language = icuLocaleOf(locale);
+    return language == nullptr ? formats().dateOrder : dateOrderOf(language);
 }
 
 std::optional<DateTime> timestampIn(int32_t locale, std::u16string_view text) {
-    return languageOf(locale) == nullptr
+    return icuLocaleOf(locale) == nullptr
                ? DateTime::timestampFromText(text)
                : DateTime::timestampFromText(withPlainDigits(text), dateOrderIn(locale));
 }
 
 Value valueIn(int32_t locale, std::u16string_view text, ValueType wanted) {
     const bool isDay = wanted == ValueType::date || wanted == ValueType::timestamp;
-    if (!isDay || languageOf(locale) == nullptr) {
+    if (!isDay || icuLocaleOf(locale) == nullptr) {
         return Value::text(text);
     }
     if (const auto moment = timestampIn(locale, text)) {
@@ -156,7 +134,7 @@ std::strong_ordering compareIn(int32_t locale, std::u16string_view left, std::u1
     if (locale == kNone || locale == kUnicodeRaw) {
         return compareUnits(left, right);
     }
-    const char* language = locale == kSystem ? nullptr : languageOf(locale); // null is the user's
+    const char* language = locale == kSystem ? nullptr : icuLocaleOf(locale); // null is the user's
     UErrorCode error = U_ZERO_ERROR;
     const std::unique_ptr<UCollator, decltype(&ucol_close)> collator(
         ucol_open(language != nullptr || locale == kSystem ? language : "", &error), ucol_close);

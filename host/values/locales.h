@@ -11,8 +11,11 @@
 
 namespace host {
 
-// How a locale writes a day in numbers. The system's locale, and those of no language, write as calculations
-// do: month, day, year. So does a number that no locale has.
+// ICU's name of a language's locale; null for a locale of no language.
+const char* icuLocaleOf(int32_t locale);
+
+// How a locale writes a day in numbers. The system's locale, those of no language, and a number
+// that no locale has write as the formats in use do.
 DateOrder dateOrderIn(int32_t locale);
 
 // The date, or date and time, that a text spells in a locale, in whatever decimal digits; nothing when it

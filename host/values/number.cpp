@@ -145,7 +145,7 @@ namespace {
 
 // The exponent of a text that is a number and nothing else, [at] the place of its "e"; nothing for any other
 // text.
-std::optional<int> exponentAt(std::u16string_view text, size_t at) {
+std::optional<int> exponentAt(std::u16string_view text, size_t at, char16_t point) {
     std::u16string_view before = text.substr(0, at);
     if (before.starts_with(u'-') || before.starts_with(u'+')) {
         before.remove_prefix(1);
@@ -156,8 +156,8 @@ std::optional<int> exponentAt(std::u16string_view text, size_t at) {
         after.remove_prefix(1);
     }
     const bool plain =
-        std::all_of(before.begin(), before.end(), [](char16_t c) { return isDigit(c) || c == u'.'; }) &&
-        std::count(before.begin(), before.end(), u'.') <= 1 && Number::standsIn(before) && !after.empty() &&
+        std::all_of(before.begin(), before.end(), [point](char16_t c) { return isDigit(c) || c == point; }) &&
+        std::count(before.begin(), before.end(), point) <= 1 && Number::standsIn(before) && !after.empty() &&
         std::all_of(after.begin(), after.end(), isDigit);
     if (!plain) {
         return std::nullopt;
@@ -171,28 +171,28 @@ std::optional<int> exponentAt(std::u16string_view text, size_t at) {
 
 } // namespace
 
-Number Number::fromText(std::u16string_view text) {
+Number Number::fromText(std::u16string_view text, char16_t point) {
     int exponent = 0;
     if (const size_t letter = text.find_first_of(u"eE"); letter != std::u16string_view::npos) {
-        if (const auto power = exponentAt(text, letter)) {
+        if (const auto power = exponentAt(text, letter, point)) {
             exponent = *power;
             text = text.substr(0, letter);
         }
     }
     std::string digits;
-    char16_t sign = 0;
-    bool point = false;
+    bool negative = false;
+    bool inFraction = false;
     for (const char16_t c : text) {
         if (isDigit(c)) {
             digits += static_cast<char>(c);
-            exponent -= point ? 1 : 0;
-        } else if (c == u'.') {
-            point = true;
-        } else if ((c == u'-' || c == u'+') && sign == 0 && digits.empty() && !point) {
-            sign = c;
+            exponent -= inFraction ? 1 : 0;
+        } else if (c == point) {
+            inFraction = true;
+        } else if ((c == u'-' || c == u'(') && digits.empty() && !inFraction) {
+            negative = true;
         }
     }
-    return parsed(sign == u'-', std::move(digits), exponent);
+    return parsed(negative, std::move(digits), exponent);
 }
 
 Number Number::fromDouble(double value) {
@@ -325,7 +325,7 @@ Number operator*(const Number& left, const Number& right) {
 
 Number Number::divide(const Number& left, const Number& right, int places) {
     if (right.isZero()) {
-        throw NumberError("division by zero");
+        throw DivisionByZero();
     }
     if (left.isZero()) {
         return {};
@@ -336,12 +336,9 @@ Number Number::divide(const Number& left, const Number& right, int places) {
     places = std::clamp(places, 0, kMaxDigits);
     const Decimal a = left.decimal();
     const Decimal b = right.decimal();
-    // The place of the quotient's first digit, or the one before it; negative behind the point.
-    const int first = digitCount(a.mantissa) + a.exponent - digitCount(b.mantissa) - b.exponent;
-    const int kept = std::min(kMaxDigits, first < 0 ? places - first : places);
-    // mantissa / mantissa * 10^(exponents) = quotient * 10^-kept, so the dividend is scaled by what that
+    // mantissa / mantissa * 10^(exponents) = quotient * 10^-places, so the dividend is scaled by what that
     // leaves.
-    const int scale = a.exponent - b.exponent + kept;
+    const int scale = a.exponent - b.exponent + places;
     const BigInteger dividend = scale > 0 ? a.mantissa * powerOfTen(scale) : a.mantissa;
     const BigInteger divisor = scale < 0 ? b.mantissa * powerOfTen(-scale) : b.mantissa;
     BigInteger quotient;
@@ -350,12 +347,12 @@ Number Number::divide(const Number& left, const Number& right, int places) {
     if (sizeOf(rest) * 2 >= sizeOf(divisor)) {
         quotient += left.sign() == right.sign() ? 1 : -1;
     }
-    return Number(Decimal{std::move(quotient), -kept});
+    return Number(Decimal{std::move(quotient), -places});
 }
 
 Number Number::modulo(const Number& left, const Number& right) {
     if (right.isZero()) {
-        throw NumberError("division by zero");
+        throw DivisionByZero();
     }
     Decimal a = left.decimal();
     Decimal b = right.decimal();

@@ -16,13 +16,17 @@ class NumberError : public std::domain_error {
     using std::domain_error::domain_error;
 };
 
+class DivisionByZero : public NumberError {
+  public:
+    DivisionByZero() : NumberError("division by zero") {}
+};
+
 // A decimal number. Sums, differences and products are exact up to 400 significant digits, of which none
 // stands further than 400 places behind the point. Copying is cheap and shares what is large.
 class Number {
   public:
     static constexpr int kMaxDigits = 400;
-    // Places behind the point that a quotient or a power keeps; one that is very small keeps as many
-    // significant digits.
+    // Places behind the point that a quotient, a power, a root or a logarithm keeps unless told otherwise.
     static constexpr int kQuotientPlaces = 16;
 
     Number() noexcept = default; // 0
@@ -32,10 +36,11 @@ class Number {
     // The shortest decimal number that the double stands for. Throws NumberError for what is not finite.
     static Number fromDouble(double value);
 
-    // The number that the digits of a text make, one after the other: a sign before the first digit counts,
-    // and so does the first point, everything else is passed over; 0 when there is no digit. A text that is
-    // nothing but a number may have an exponent ("1.5e3"). Throws NumberError for more than 400 whole digits.
-    static Number fromText(std::u16string_view text);
+    // The number that the digits of a text make, one after the other: the first [point] counts, a minus sign
+    // or an opening parenthesis before all digits and points makes it negative, everything else is passed
+    // over; 0 when there is no digit. A text that is nothing but a number may have an exponent ("1.5e3").
+    // Throws NumberError for more than 400 whole digits.
+    static Number fromText(std::u16string_view text, char16_t point = u'.');
 
     // Whether a text has a digit in it.
     static bool standsIn(std::u16string_view text) noexcept;
@@ -71,12 +76,19 @@ class Number {
         return divide(left, right, kQuotientPlaces);
     }
 
-    // The quotient, rounded to that many places behind the point (or significant digits, when it is very
-    // small).
+    // The quotient, rounded to that many places behind the point, halves away from zero. Throws
+    // DivisionByZero.
     static Number divide(const Number& left, const Number& right, int places);
     // What the left number exceeds a whole multiple of the right one by; it has the right one's sign.
     static Number modulo(const Number& left, const Number& right);
-    static Number power(const Number& base, const Number& exponent);
+
+    // Powers, roots and logarithms, rounded to that many places behind the point (0 to 400). They throw
+    // NumberError where there is none: of a negative number, of 0.
+    static Number power(const Number& base, const Number& exponent, int places = kQuotientPlaces);
+    static Number squareRoot(const Number& value, int places = kQuotientPlaces);
+    static Number exponential(const Number& value, int places = kQuotientPlaces);
+    static Number naturalLogarithm(const Number& value, int places = kQuotientPlaces);
+    static Number logarithm(const Number& value, int base, int places = kQuotientPlaces); // base 2 or 10
 
     friend bool operator==(const Number& left, const Number& right) { return (left <=> right) == 0; }
     friend std::strong_ordering operator<=>(const Number& left, const Number& right);

@@ -1,7 +1,9 @@
+// Powers, roots, exponentials and logarithms of decimal numbers.
 #include "host/values/decimal.h"
 
 #include <boost/multiprecision/cpp_dec_float.hpp>
 
+#include <algorithm>
 #include <iomanip>
 #include <sstream>
 
@@ -11,14 +13,37 @@ namespace mp = boost::multiprecision;
 
 namespace {
 
-// Digits that a power with a fraction in its exponent is computed with, and those that are sure to be right.
-constexpr int kComputedDigits = 100;
-constexpr int kSureDigits = 80;
-using Real = mp::number<mp::cpp_dec_float<kComputedDigits>, mp::et_off>;
+// Computing with few digits is much faster than with all that a number may have; each keeps a reserve behind
+// the digits that are asked for, so that these are right.
+constexpr int kFewDigits = 100;
+constexpr int kAllDigits = 480;
+constexpr int kReserve = 20;
+template <int Digits>
+using Real = mp::number<mp::cpp_dec_float<Digits>, mp::et_off>;
 
-// Keeps as much as a quotient keeps, when there is a fraction.
-Number asQuotient(const Number& value) {
-    return value / Number(1);
+template <class R>
+R toReal(const Number& value) {
+    const std::u16string text = value.toText();
+    return R(std::string(text.begin(), text.end()));
+}
+
+template <class R>
+Number toNumber(const R& value, int places) {
+    std::ostringstream text;
+    text.imbue(std::locale::classic());
+    text << std::scientific << std::setprecision(std::numeric_limits<R>::digits10 - kReserve / 2) << value;
+    const std::string digits = text.str();
+    return Number::fromText(std::u16string(digits.begin(), digits.end())).rounded(places);
+}
+
+// Runs [function] on a real number type of enough digits for a result that has [wholeDigits] digits before
+// the point.
+template <class Function>
+Number computed(int wholeDigits, int places, Function function) {
+    if (std::max(wholeDigits, 0) + places + kReserve <= kFewDigits) {
+        return toNumber(function(Real<kFewDigits>()), places);
+    }
+    return toNumber(function(Real<kAllDigits>()), places);
 }
 
 // By squaring: exact up to 400 digits at each step.
@@ -35,14 +60,28 @@ Number wholePower(Number base, uint64_t exponent) {
     return result;
 }
 
-Real toReal(const Number& value) {
-    const std::u16string text = value.toText();
-    return Real(std::string(text.begin(), text.end()));
+// How many digits a power has before the point; 0 or less for one below 1. Throws for a number too large to
+// keep, answers nothing for one too small to tell from 0.
+std::optional<int> wholeDigitsOf(const Real<kFewDigits>& decimalLogarithm) {
+    if (decimalLogarithm > Number::kMaxDigits) {
+        throw NumberError("the number has more than 400 whole digits");
+    }
+    if (decimalLogarithm < -Number::kMaxDigits - 1) {
+        return std::nullopt;
+    }
+    return static_cast<int>(decimalLogarithm) + 1;
+}
+
+void requirePositive(const Number& value) {
+    if (value.sign() <= 0) {
+        throw NumberError("only a number above 0 has a logarithm");
+    }
 }
 
 } // namespace
 
-Number Number::power(const Number& base, const Number& exponent) {
+Number Number::power(const Number& base, const Number& exponent, int places) {
+    constexpr int64_t kMostSquarings = 100'000;
     if (exponent.isZero() || base == Number(1)) {
         return 1;
     }
@@ -59,28 +98,68 @@ Number Number::power(const Number& base, const Number& exponent) {
     if (base == Number(-1)) {
         return modulo(exponent, 2).isZero() ? 1 : -1;
     }
-    const Real size = mp::log10(toReal(base.abs())) * toReal(exponent); // the decimal logarithm of the result
-    if (size > kMaxDigits) {
-        throw NumberError("the number has more than 400 whole digits");
-    }
-    if (size < -kMaxDigits - 1) {
+    using Few = Real<kFewDigits>;
+    const auto wholeDigits = wholeDigitsOf(mp::log10(toReal<Few>(base.abs())) * toReal<Few>(exponent));
+    if (!wholeDigits) {
         return {};
     }
-    if (whole && exponent.abs() <= Number(100'000)) {
-        if (exponent.sign() > 0) {
-            const Number result = wholePower(base, static_cast<uint64_t>(exponent.toInt64()));
-            return base.isInteger() ? result : asQuotient(result);
+    const bool isExact = exponent.sign() > 0 || *wholeDigits > 2 - kMaxDigits; // its inverse can be kept
+    if (whole && isExact && exponent.abs() <= Number(kMostSquarings)) {
+        const Number power = wholePower(base, static_cast<uint64_t>(exponent.abs().toInt64()));
+        if (exponent.sign() < 0) {
+            return divide(1, power, places);
         }
-        const Number inverse = divide(1, base, kMaxDigits);
-        return asQuotient(
-            inverse.isZero() ? inverse : wholePower(inverse, static_cast<uint64_t>((-exponent).toInt64())));
+        return power.isInteger() ? power : power.rounded(places);
     }
-    std::ostringstream text;
-    text << std::scientific << std::setprecision(kSureDigits)
-         << mp::pow(toReal(base.abs()), toReal(exponent));
-    const std::string digits = text.str();
-    const Number result = asQuotient(fromText(std::u16string(digits.begin(), digits.end())));
+    const Number result = computed(*wholeDigits, places, [&](auto real) {
+        using R = decltype(real);
+        return R(mp::pow(toReal<R>(base.abs()), toReal<R>(exponent)));
+    });
     return base.sign() < 0 && !modulo(exponent, 2).isZero() ? -result : result;
+}
+
+// The root of the whole number that has one digit more than wanted, cut off: rounding that digit away is
+// exact.
+Number Number::squareRoot(const Number& value, int places) {
+    if (value.sign() < 0) {
+        throw NumberError("a negative number has no square root");
+    }
+    const Decimal decimal = value.decimal();
+    const int kept = places + 1;
+    const int scale = decimal.exponent + 2 * kept;
+    const BigInteger scaled =
+        scale >= 0 ? decimal.mantissa * powerOfTen(scale) : decimal.mantissa / powerOfTen(-scale);
+    return Number(Decimal{mp::sqrt(scaled), -kept}).rounded(places);
+}
+
+Number Number::exponential(const Number& value, int places) {
+    if (value.isZero()) {
+        return 1;
+    }
+    const Real<kFewDigits> logarithm = toReal<Real<kFewDigits>>(value) / mp::log(Real<kFewDigits>(10));
+    const auto wholeDigits = wholeDigitsOf(logarithm);
+    return wholeDigits ? computed(*wholeDigits, places,
+                                  [&](auto real) {
+                                      using R = decltype(real);
+                                      return R(mp::exp(toReal<R>(value)));
+                                  })
+                       : Number();
+}
+
+Number Number::naturalLogarithm(const Number& value, int places) {
+    requirePositive(value);
+    return computed(3, places, [&](auto real) {
+        using R = decltype(real);
+        return R(mp::log(toReal<R>(value)));
+    });
+}
+
+Number Number::logarithm(const Number& value, int base, int places) {
+    requirePositive(value);
+    return computed(4, places, [&](auto real) {
+        using R = decltype(real);
+        return R(mp::log(toReal<R>(value)) / mp::log(R(base)));
+    });
 }
 
 } // namespace host

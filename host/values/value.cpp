@@ -1,12 +1,37 @@
 #include "host/values/value.h"
 
+#include "host/values/formats.h"
+
+#include <algorithm>
+
 namespace host {
+
+namespace {
+
+// With the decimal point of the formats in use.
+std::u16string numberText(const Number& number) {
+    std::u16string text = number.toText();
+    if (formats().decimalPoint != u'.') {
+        std::replace(text.begin(), text.end(), u'.', formats().decimalPoint);
+    }
+    return text;
+}
+
+} // namespace
 
 Value Value::text(std::u16string text) {
     if (text.empty()) {
         return {};
     }
-    return Value(ValueType::text, std::make_shared<const std::u16string>(std::move(text)));
+    return Value(ValueType::text, std::make_shared<const TextData>(TextData{std::move(text), {}, nullptr}));
+}
+
+Value Value::styledText(std::u16string text, StyleRuns styles) {
+    if (text.empty()) {
+        return {};
+    }
+    return Value(ValueType::text, std::make_shared<const TextData>(
+                                      TextData{std::move(text), simplifiedRuns(std::move(styles)), nullptr}));
 }
 
 Value Value::timestamp(const DateTime& moment) {
@@ -28,7 +53,24 @@ bool Value::isEmpty() const noexcept {
 const std::u16string& Value::storedText() const noexcept {
     static const std::u16string none;
     const Text* text = std::get_if<Text>(&content_);
-    return text != nullptr ? **text : none;
+    return text != nullptr ? (*text)->text : none;
+}
+
+const StyleRuns& Value::styles() const noexcept {
+    static const StyleRuns none;
+    const Text* text = std::get_if<Text>(&content_);
+    return text != nullptr ? (*text)->styles : none;
+}
+
+const TextNote* Value::note() const noexcept {
+    const Text* text = std::get_if<Text>(&content_);
+    return text != nullptr ? (*text)->note.get() : nullptr;
+}
+
+void Value::setNote(std::shared_ptr<const TextNote> note) const {
+    if (const Text* text = std::get_if<Text>(&content_)) {
+        (*text)->note = std::move(note);
+    }
 }
 
 const Container& Value::asContainer() const noexcept {
@@ -46,7 +88,7 @@ std::u16string Value::asText() const {
     }
     switch (type_) {
     case ValueType::number:
-        return std::get<Number>(content_).toText();
+        return numberText(std::get<Number>(content_));
     case ValueType::date:
         return std::get<DateTime>(content_).dateText();
     case ValueType::time:
@@ -70,7 +112,7 @@ std::optional<Number> Value::asNumber() const {
     case ValueType::text:
         if (Number::standsIn(storedText())) {
             try {
-                return Number::fromText(storedText());
+                return Number::fromText(storedText(), formats().decimalPoint);
             } catch (const NumberError&) {
                 return std::nullopt; // more digits than a number has
             }

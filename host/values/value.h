@@ -14,6 +14,7 @@
 #include "host/values/container.h"
 #include "host/values/date_time.h"
 #include "host/values/number.h"
+#include "host/values/text_style.h"
 
 #include <memory>
 #include <optional>
@@ -25,6 +26,14 @@ namespace host {
 
 enum class ValueType : uint8_t { invalid, text, number, date, time, timestamp, container };
 
+// What is remembered with a text for as long as the text lives, so that it need not be found out again.
+struct TextNote {
+    virtual ~TextNote() = default;
+    TextNote() = default;
+    TextNote(const TextNote&) = delete;
+    TextNote& operator=(const TextNote&) = delete;
+};
+
 // A value. It does not change; copying is cheap and shares what is large.
 class Value {
   public:
@@ -35,6 +44,8 @@ class Value {
     static Value text(std::u16string text);
     static Value text(std::u16string_view text) { return Value::text(std::u16string(text)); }
     static Value text(const char16_t* text) { return Value::text(std::u16string(text)); }
+    // A text with styles; they do not count when values are compared.
+    static Value styledText(std::u16string text, StyleRuns styles);
     static Value number(Number number) { return Value(ValueType::number, std::move(number)); }
     // The day or the time alone counts for a date or a time. A time stamp's time is brought inside its day.
     static Value date(const DateTime& day) { return Value(ValueType::date, DateTime(day.day())); }
@@ -63,11 +74,25 @@ class Value {
     // shares it.
     const std::u16string& storedText() const noexcept;
 
+    // The styles of a text value; none for every other one.
+    const StyleRuns& styles() const noexcept;
+
+    // What was remembered with a text value; null for none. A note does not change what the value is; values
+    // that share the text share it. Not for several threads at once.
+    const TextNote* note() const noexcept;
+    // Remembers something with a text value in place of what was; nothing happens to values without a text.
+    void setNote(std::shared_ptr<const TextNote> note) const;
+
     // The value as another type: empty when it is empty, invalid when it cannot be read so.
     Value convertedTo(ValueType type) const;
 
   private:
-    using Text = std::shared_ptr<const std::u16string>;
+    struct TextData {
+        std::u16string text;
+        StyleRuns styles;
+        mutable std::shared_ptr<const TextNote> note;
+    };
+    using Text = std::shared_ptr<const TextData>;
     using Streams = std::shared_ptr<const Container>;
     using Content =
         std::variant<std::monostate, Text, Number, DateTime, Streams>; // nothing: empty, or invalid

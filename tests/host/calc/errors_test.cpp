@@ -64,15 +64,26 @@ TEST(Errors, ArgumentCounts) {
         {"Left", "error 1:1: Left takes 2 arguments, 0 given: Left ( text ; numberOfCharacters )"},
         {"1 + Trim ( 1 ; 2 )", "error 1:5: Trim takes 1 argument, 2 given: Trim ( text )"},
         {"True ( 1 )", "error 1:1: True takes no arguments, 1 given: True"},
-        {"If ( 1 )",
-         "error 1:1: If takes 2 to 3 arguments, 1 given: If ( test ; resultIfTrue {; resultIfFalse } )"},
-        {"List ( )", "error 1:1: List takes at least 1 argument, 0 given: List ( value {; value ... } )"},
-        {"Substitute ( 1 ; 2 )", "error 1:1: Substitute takes ( text ; search ; replacement ) or ( text ; [ "
-                                 "search ; replacement ] ... )"},
-        {"Substitute ( 1 ; [ 2 ] )", "error 1:18: Substitute takes ( text ; search ; replacement ) or ( text "
-                                     "; [ search ; replacement ] ... )"},
-        {"Substitute ( 1 ; [ 2 ; 3 ] ; 4 )", "error 1:30: Substitute takes ( text ; search ; replacement ) "
-                                             "or ( text ; [ search ; replacement ] ... )"},
+        {"If ( 1 )", "error 1:1: If takes 2 to 3 arguments, 1 given: If ( test ; result1 {; result2 } )"},
+        {"List ( )", "error 1:1: List takes at least 1 argument, 0 given: List ( field {; field... } )"},
+        {"Substitute ( 1 ; 2 )",
+         "error 1:1: Substitute takes 3 arguments, 2 given: Substitute ( text ; searchString ; "
+         "replaceString )"},
+        {"Substitute ( 1 ; [ 2 ] )",
+         "error 1:18: Substitute takes its arguments one by one or in lists: Substitute ( text ; "
+         "searchString ; "
+         "replaceString ) or Substitute ( text ; [ search1 ; replace1 ] {; ...} )"},
+        {"Substitute ( 1 ; [ 2 ; 3 ] ; 4 )",
+         "error 1:30: Substitute takes its arguments one by one or in lists: Substitute ( text ; "
+         "searchString ; "
+         "replaceString ) or Substitute ( text ; [ search1 ; replace1 ] {; ...} )"},
+        {"Substitute ( [ 1 ; 2 ] ; [ 2 ; 3 ] )",
+         "error 1:14: Substitute takes its arguments one by one or in lists: Substitute ( text ; "
+         "searchString ; "
+         "replaceString ) or Substitute ( text ; [ search1 ; replace1 ] {; ...} )"},
+        {"JSONSetElement ( 1 ; 2 ; 3 )",
+         "error 1:1: JSONSetElement takes 4 arguments, 3 given: JSONSetElement ( json ; "
+         "keyOrIndexOrPath ; value ; type )"},
     });
 }
 

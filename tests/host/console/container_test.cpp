@@ -78,12 +78,12 @@ TEST_F(Containers, PathsStartAtTheScript) {
     }
     // Also in a script that runs inside one of another folder.
     write("other/Reads.fmscript",
-          "Insert File [ $f ; \"c\" ]\nExit Script [ Text Result: Base64Encode ( $f ) ]");
+          "Insert File [ $f ; \"c\" ]\nExit Script [ Text Result: HexEncode ( $f ) ]");
     write("other/c", "hi");
     EXPECT_EQ(script("Perform Script [ \"Reads\" from file: \"other\" ]\nExit Script [ Text Result: Get ( "
                      "ScriptResult ) ]")
                   .out,
-              "aGk=\n");
+              "6869\n");
 }
 
 TEST_F(Containers, WhatAPluginMadeIsKeptShownAndExported) {

@@ -74,7 +74,11 @@ TEST_F(Program, Functions) {
     EXPECT_THAT(table.out, HasSubstr("2-3  Test_Count ( a ; b {; c } )\n"));
     EXPECT_THAT(table.out, HasSubstr("0+   Test_Join ( value ... )\n"));
     EXPECT_THAT(table.out, testing::Not(HasSubstr("Upper")));
-    EXPECT_THAT(good("functions --all").out, HasSubstr("1    Upper ( text )\n"));
+    const std::string all = good("functions --all").out;
+    EXPECT_THAT(all, HasSubstr("\nText\n1    Char ( number )\n1    Code ( text )\n"));
+    EXPECT_THAT(all, HasSubstr("\nJSON\n2    JSONDeleteElement ( json ; keyOrIndexOrPath )\n"));
+    EXPECT_THAT(all, HasSubstr("\nGet\n     Get ( AccountExtendedPrivileges )\n"));
+    EXPECT_THAT(all, StartsWith("1    Test_Echo"));
     const Outcome json = good("functions --json");
     EXPECT_THAT(json.out, StartsWith("[\n  {\n    \"name\": \"Test_Echo\",\n    \"kind\": \"function\",\n    "
                                      "\"prototype\": \"Test_Echo ( value )\",\n"
@@ -85,13 +89,47 @@ TEST_F(Program, Functions) {
     expect(plain("functions"), ExitCode::ok, "", "");
 }
 
+TEST_F(Program, FunctionsWithAWord) {
+    expect(plain("functions FISCAL"), ExitCode::ok,
+           "Date\n2    WeekOfYearFiscal ( date ; startingDay )\n         Returns the week of the year; week "
+           "1 is the "
+           "first with four days in the year.\n",
+           "");
+    EXPECT_THAT(plain("functions uuid").out, HasSubstr("\nGet\n"));
+    EXPECT_EQ(good("functions test_echo").out, "1    Test_Echo ( value )\n");
+    EXPECT_THAT(plain("functions --json JSONParse").out, HasSubstr("\"category\": \"JSON\""));
+    expect(
+        plain("functions xyzzy"), ExitCode::failure, "",
+        "fmhost: no function has \"xyzzy\" in its name or description; fmhost functions --all lists them\n");
+}
+
+TEST_F(Program, Locale) {
+    expect(plain("--locale de_DE eval '3,5 * 2 & \"|\" & Date ( 12 ; 5 ; 2010 )'"), ExitCode::ok,
+           "7|05.12.2010\n", "");
+    expect(
+        plain("--locale xx_XX eval 1"), ExitCode::usage, "",
+        "fmhost: there is no locale called xx_XX; expected a language and a country, for instance de_DE\n");
+}
+
+TEST_F(Program, WhatGetTellsAboutTheFolder) {
+    write("scripts/B.fmscript", "");
+    write("scripts/A.fmscript", "");
+    write("scripts/c.txt", "");
+    EXPECT_EQ(plain("--folder scripts eval 'Get ( FileName ) & \"|\" & DatabaseNames & \"|\" & ScriptNames ( "
+                    "\"\" ) & "
+                    "ScriptNames ( \"other\" )'")
+                  .out,
+              "scripts|scripts|A¶B\n");
+    EXPECT_EQ(plain("--folder scripts eval 'Right ( Get ( FilePath ) ; 8 )'").out, "/scripts\n");
+    EXPECT_EQ(good("eval 'Left ( Get ( InstalledFMPlugins ) ; 12 )'").out, "Test plug-in\n");
+}
+
 TEST_F(Program, Info) {
     const Outcome info = good("info");
-    EXPECT_EQ(
-        info.out,
-        "Name:       Test plug-in\nHelp text:  Helps testing.\nHelp at:    https://example.com/help\nOptions:    TEST1nnYYnn\nInterface:  54\n"
-        "Functions:  17\nSteps:      0\nFile:       " +
-            kGood + "\n");
+    EXPECT_EQ(info.out, "Name:       Test plug-in\nHelp text:  Helps testing.\nHelp at:    "
+                        "https://example.com/help\nOptions:    TEST1nnYYnn\nInterface:  54\n"
+                        "Functions:  17\nSteps:      0\nFile:       " +
+                            kGood + "\n");
     EXPECT_EQ(info.err, "");
     expect(plain("info"), ExitCode::usage, "", "fmhost: no plug-in is loaded\n");
 }
@@ -164,7 +202,7 @@ TEST_F(Program, SeveralTestFilesDoNotSeeEachOther) {
 
 TEST_F(Program, Usage) {
     for (const char* arguments : {"nothing", "eval", "run", "test", "--wrong", "--host-version x eval 1",
-                                  "functions info", "--host-version 99999 info"}) {
+                                  "functions week day", "--host-version 99999 info"}) {
         const Outcome result = run(arguments);
         EXPECT_EQ(result.status, static_cast<int>(ExitCode::usage)) << arguments;
         EXPECT_EQ(result.out, "") << arguments;

@@ -110,6 +110,15 @@ TEST_F(Prompt, EvaluatesAndKeepsVariables) {
     EXPECT_EQ(exitStatus(), 0);
 }
 
+TEST_F(Prompt, HelpOnAFunction) {
+    enter("help weekofyear",
+          "WeekOfYear ( date )\r\n    Returns the week of the year; January 1 is in week 1.\r\n    "
+          "Category: Date\r\n");
+    enter("help Get", "Get ( name )\r\n");
+    enter("help UUID", "Get ( UUID )\r\n");
+    enter("help xyzzy", "there is no function called xyzzy\r\n");
+}
+
 TEST_F(Prompt, AMistakeDoesNotEndIt) {
     enter("Lenght ( 1 )", "1:1: there is no function called Lenght; did you mean Length?\r\n");
     enter("Test_Throw ( \"runtime\" )", "1:1: Test_Throw failed: the printer is on fire\r\n");

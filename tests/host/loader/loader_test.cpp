@@ -297,7 +297,7 @@ TEST_F(Loader, HandlersMayEvaluate) {
     loadGood();
     EXPECT_EQ(run("Test_Evaluate ( \"1 + 1\" )"), "2");
     EXPECT_EQ(run("Let ( $x = 5 ; Test_Evaluate ( \"$x * 2\" ) )"), "10");
-    EXPECT_EQ(run("Test_Evaluate ( \"1 +\" )"), "1203");
+    EXPECT_EQ(run("Test_Evaluate ( \"1 +\" )"), "1204");
     EXPECT_EQ(run("Test_Nested ( \"a\" ; \"Test_Nested ( \\\"b\\\" ; \\\"Test_Echo ( 1 )\\\" )\" )"), "ab1");
     EXPECT_EQ(run("Test_Join ( 1 ; Test_Join ( 2 ; Test_Join ( 3 ; 4 ) ) ; 5 )"), "12345");
     EXPECT_EQ(run("Let ( $code = \"Test_Evaluate ( $code )\" ; Test_Evaluate ( $code ) )"), "1200");

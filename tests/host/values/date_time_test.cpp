@@ -73,12 +73,12 @@ TEST(DateTime, RefusesWhatIsNoDay) {
 }
 
 TEST(DateTime, CountsSeconds) {
-    EXPECT_EQ(shown(DateTime::fromTimestampSeconds(0)), "1/1/0001 0:00:00");
-    EXPECT_EQ(shown(DateTime::fromTimestampSeconds(62135596800)), "1/1/1970 0:00:00");
-    EXPECT_EQ(shown(DateTime::fromTimestampSeconds(kLastDay * kSecondsPerDay - 1)), "12/31/4000 23:59:59");
+    EXPECT_EQ(shown(DateTime::fromTimestampSeconds(0)), "1/1/0001 12:00:00 AM");
+    EXPECT_EQ(shown(DateTime::fromTimestampSeconds(62135596800)), "1/1/1970 12:00:00 AM");
+    EXPECT_EQ(shown(DateTime::fromTimestampSeconds(kLastDay * kSecondsPerDay - 1)), "12/31/4000 11:59:59 PM");
     EXPECT_EQ(DateTime(719163, 61).timestampSeconds(), 62135596861);
-    EXPECT_EQ(shown(DateTime(1, 90000).normalized()), "1/2/0001 1:00:00");
-    EXPECT_EQ(shown(DateTime(2, -1).normalized()), "1/1/0001 23:59:59");
+    EXPECT_EQ(shown(DateTime(1, 90000).normalized()), "1/2/0001 1:00:00 AM");
+    EXPECT_EQ(shown(DateTime(2, -1).normalized()), "1/1/0001 11:59:59 PM");
     EXPECT_EQ(DateTime(1, -1).normalized(), std::nullopt);
 }
 
@@ -98,7 +98,7 @@ TEST(DateTime, WritesText) {
     const DateTime moment(*dayNumber(2010, 3, 5), number(u"36061.5"));
     EXPECT_EQ(moment.dateText(), u"3/5/2010");
     EXPECT_EQ(moment.timeText(), u"10:01:01.5");
-    EXPECT_EQ(moment.timestampText(), u"3/5/2010 10:01:01.5");
+    EXPECT_EQ(moment.timestampText(), u"3/5/2010 10:01:01.5 AM");
     EXPECT_EQ(DateTime(1, -3600).timeText(), u"-1:00:00");
     EXPECT_EQ(DateTime(1, number(u"-.25")).timeText(), u"-0:00:00.25");
     EXPECT_EQ(DateTime(1, 360000).timeText(), u"100:00:00");
@@ -107,12 +107,19 @@ TEST(DateTime, WritesText) {
 
 TEST(DateTime, ReadsDates) {
     const auto read = [](std::u16string_view text) { return shown(DateTime::dateFromText(text)); };
-    EXPECT_EQ(read(u"12/25/2010"), "12/25/2010 0:00:00");
-    EXPECT_EQ(read(u" 02-05-0033 "), "2/5/0033 0:00:00");
-    EXPECT_EQ(read(u"2.5.2010"), "2/5/2010 0:00:00");
+    EXPECT_EQ(read(u"12/25/2010"), "12/25/2010 12:00:00 AM");
+    EXPECT_EQ(read(u" 02-05-0033 "), "2/5/0033 12:00:00 AM");
+    EXPECT_EQ(read(u"2.5.2010"), "2/5/2010 12:00:00 AM");
+    // Two digits are a year from 70 years ago to 30 years ahead.
+    const int last = DateTime::now().calendar().year + 30;
+    const auto year = [](int number) {
+        return fromUtf8("1/2/" + std::to_string(number % 100 + 100).substr(1));
+    };
+    EXPECT_EQ(DateTime::dateFromText(year(last))->calendar().year, last);
+    EXPECT_EQ(DateTime::dateFromText(year(last + 1))->calendar().year, last - 99);
     for (const auto* bad :
-         {u"", u"x", u"13/1/2010", u"2/29/2010", u"2/5", u"2/5/10", u"2/5/20100", u"2/5-2010", u"2/5/2010x",
-          u"2//2010", u"0/1/2010", u"1/1/0000", u"1/1/4001", u"123/1/2010", u"2/5/2010 1:00"}) {
+         {u"", u"x", u"13/1/2010", u"2/29/2010", u"2/5", u"2/5/20100", u"2/5-2010", u"2/5/2010x", u"2//2010",
+          u"0/1/2010", u"1/1/0000", u"1/1/4001", u"123/1/2010", u"2/5/2010 1:00"}) {
         EXPECT_EQ(read(bad), "none") << toUtf8(bad);
     }
 }
@@ -128,18 +135,19 @@ TEST(DateTime, ReadsTimes) {
     EXPECT_EQ(read(u"12:30 am"), "0:30:00");
     EXPECT_EQ(read(u"12:30PM"), "12:30:00");
     EXPECT_EQ(read(u"1:30 PM"), "13:30:00");
-    for (const auto* bad : {u"", u"1", u"1:60", u"1:00:60", u"1:2:3:4", u"13:00 PM", u"0:30 AM", u"1:00 P",
-                            u"-1:00 PM", u"9999999:00", u":30", u"1: 30", u"1:0x"}) {
+    EXPECT_EQ(read(u"13:00 PM"), "13:00:00");
+    for (const auto* bad : {u"", u"1", u"1:60", u"1:00:60", u"1:2:3:4", u"0:30 AM", u"1:00 P", u"-1:00 PM",
+                            u"9999999:00", u":30", u"1: 30", u"1:0x"}) {
         EXPECT_EQ(read(bad), "none") << toUtf8(bad);
     }
 }
 
 TEST(DateTime, ReadsTimestamps) {
     const auto read = [](std::u16string_view text) { return shown(DateTime::timestampFromText(text)); };
-    EXPECT_EQ(read(u"12/25/2010 14:30"), "12/25/2010 14:30:00");
-    EXPECT_EQ(read(u"12/25/2010  2:30:01.5 PM "), "12/25/2010 14:30:01.5");
-    EXPECT_EQ(read(u"12/25/2010"), "12/25/2010 0:00:00");
-    EXPECT_EQ(read(u"12/25/2010 24:00:01"), "12/26/2010 0:00:01");
+    EXPECT_EQ(read(u"12/25/2010 14:30"), "12/25/2010 2:30:00 PM");
+    EXPECT_EQ(read(u"12/25/2010  2:30:01.5 PM "), "12/25/2010 2:30:01.5 PM");
+    EXPECT_EQ(read(u"12/25/2010"), "12/25/2010 12:00:00 AM");
+    EXPECT_EQ(read(u"12/25/2010 24:00:01"), "12/26/2010 12:00:01 AM");
     for (const auto* bad : {u"", u"14:30", u"12/25/201014:30", u"12/25/2010 x", u"1/1/0001 -1:00"}) {
         EXPECT_EQ(read(bad), "none") << toUtf8(bad);
     }

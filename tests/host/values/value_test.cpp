@@ -39,20 +39,20 @@ TEST(Value, ReadsAsEveryType) {
         bool isTrue;
     };
     const Row rows[] = {
-        {Value::text(u"12/25/2010"), "12252010", "12/25/2010", "0:00:00", "12/25/2010 0:00:00", true},
+        {Value::text(u"12/25/2010"), "12252010", "12/25/2010", "0:00:00", "12/25/2010 12:00:00 AM", true},
         {Value::text(u"1:01:01"), "10101", "?", "1:01:01", "?", true},
-        {Value::text(u"12/25/2010 1:01:01"), "1225201010101", "12/25/2010", "1:01:01", "12/25/2010 1:01:01",
-         true},
+        {Value::text(u"12/25/2010 1:01:01 AM"), "1225201010101", "12/25/2010", "1:01:01",
+         "12/25/2010 1:01:01 AM", true},
         {Value::text(u"none"), "", "?", "?", "?", false},
         {Value::text(u"a0"), "0", "?", "?", "?", false},
-        {Value::number(734131), "734131", "12/25/2010", "203:55:31", "1/9/0001 11:55:31", true},
-        {numberOf(u"1.9"), "1.9", "1/1/0001", "0:00:01.9", "1/1/0001 0:00:01.9", true},
-        {Value::number(0), "0", "?", "0:00:00", "1/1/0001 0:00:00", false},
+        {Value::number(734131), "734131", "12/25/2010", "203:55:31", "1/9/0001 11:55:31 AM", true},
+        {numberOf(u"1.9"), "1.9", "1/1/0001", "0:00:01.9", "1/1/0001 12:00:01.9 AM", true},
+        {Value::number(0), "0", "?", "0:00:00", "1/1/0001 12:00:00 AM", false},
         {Value::number(-1), "-1", "?", "-0:00:01", "?", true},
         {numberOf(u"1e300"), nullptr, "?", "?", "?", true},
-        {Value::date(moment()), "734131", "12/25/2010", "?", "12/25/2010 0:00:00", true},
-        {Value::time(moment()), "3661", "?", "1:01:01", "1/1/0001 1:01:01", true},
-        {Value::timestamp(moment()), "63428835661", "12/25/2010", "1:01:01", "12/25/2010 1:01:01", true},
+        {Value::date(moment()), "734131", "12/25/2010", "?", "12/25/2010 12:00:00 AM", true},
+        {Value::time(moment()), "3661", "?", "1:01:01", "1/1/0001 1:01:01 AM", true},
+        {Value::timestamp(moment()), "63428835661", "12/25/2010", "1:01:01", "12/25/2010 1:01:01 AM", true},
         {pictureNamed(u"5.png"), "?", "?", "?", "?", true},
     };
     for (const Row& row : rows) {
@@ -102,7 +102,7 @@ TEST(Value, InvalidStaysInvalid) {
 TEST(Value, KeepsItsOwnPartAlone) {
     EXPECT_EQ(Value::date(moment()).asTimestamp()->seconds(), 0);
     EXPECT_EQ(Value::time(moment()).asTimestamp()->day(), 1);
-    EXPECT_EQ(text(Value::timestamp(DateTime(1, 90000))), "1/2/0001 1:00:00");
+    EXPECT_EQ(text(Value::timestamp(DateTime(1, 90000))), "1/2/0001 1:00:00 AM");
     EXPECT_EQ(text(Value::time(DateTime(1, 90000))), "25:00:00");
 }
 

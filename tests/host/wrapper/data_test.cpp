@@ -88,7 +88,7 @@ TEST_F(WrapperData, HoldsDatesAndTimes) {
     EXPECT_EQ(text(), u"1:02:03");
     data_->SetAsTimeStamp(*moment);
     EXPECT_EQ(data_->GetNativeType(), Data::kDTTimeStamp);
-    EXPECT_EQ(text(), u"12/25/2010 1:02:03");
+    EXPECT_EQ(text(), u"12/25/2010 1:02:03 AM");
     EXPECT_TRUE(data_->GetAsTimeStamp() == *moment);
     data_->SetDateTime(*moment, Data::kDTDate, Data::kDTText);
     EXPECT_EQ(data_->GetNativeType(), Data::kDTText);
@@ -96,9 +96,9 @@ TEST_F(WrapperData, HoldsDatesAndTimes) {
     data_->SetDateTime(*moment, Data::kDTTime, Data::kDTTime);
     EXPECT_EQ(text(), u"1:02:03");
     data_->SetDateTime(*moment, Data::kDTTimeStamp, Data::kDTTimeStamp);
-    EXPECT_EQ(text(), u"12/25/2010 1:02:03");
+    EXPECT_EQ(text(), u"12/25/2010 1:02:03 AM");
     EXPECT_THROW(data_->SetDateTime(*moment, Data::kDTNumber, Data::kDTNumber), std::exception);
-    EXPECT_EQ(text(), u"12/25/2010 1:02:03");
+    EXPECT_EQ(text(), u"12/25/2010 1:02:03 AM");
 }
 
 TEST_F(WrapperData, IsInvalidWhenItCannotBeReadAsItsType) {
@@ -118,7 +118,7 @@ TEST_F(WrapperData, IsClearedAndConverted) {
     setText(u"12/25/2010");
     data_->ConvertData(Data::kDTTimeStamp);
     EXPECT_EQ(data_->GetNativeType(), Data::kDTTimeStamp);
-    EXPECT_EQ(text(), u"12/25/2010 0:00:00");
+    EXPECT_EQ(text(), u"12/25/2010 12:00:00 AM");
     data_->ConvertData(Data::kDTNumber);
     EXPECT_EQ(text(), u"63428832000");
     data_->ConvertData(Data::kDTBinary);

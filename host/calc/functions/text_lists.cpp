@@ -1,4 +1,4 @@
-#include "host/calc/function_groups.h"
+#include "host/calc/functions/groups.h"
 #include "host/calc/lists.h"
 #include "host/values/text.h"
 
@@ -7,24 +7,6 @@
 namespace host {
 
 namespace {
-
-using Arguments = std::span<const Value>;
-
-// The values that are not empty, with returns between them.
-Value list(Session& /*session*/, Arguments in) {
-    std::u16string result;
-    bool first = true;
-    for (const Value& value : in) {
-        const std::u16string text = value.asText();
-        if (text.empty()) {
-            continue;
-        }
-        result += first ? u"" : u"\r";
-        result += text;
-        first = false;
-    }
-    return Value::text(result);
-}
 
 Value getValue(Session& /*session*/, Arguments in) {
     const std::u16string text = in[0].asText();
@@ -83,18 +65,19 @@ Value filterValues(Session& /*session*/, Arguments in) {
 }
 
 constexpr Builtin kFunctions[] = {
-    {u"FilterValues ( list ; allowedValues )", filterValues},
-    {u"GetValue ( list ; valueNumber )", getValue},
-    {u"LeftValues ( list ; numberOfValues )", leftValues},
-    {u"List ( value {; value ... } )", list},
-    {u"MiddleValues ( list ; start ; numberOfValues )", middleValues},
-    {u"RightValues ( list ; numberOfValues )", rightValues},
-    {u"ValueCount ( list )", valueCount},
+    {u"FilterValues ( textToFilter ; filterValues )", filterValues,
+     "Returns the values of a list that also stand in another."},
+    {u"GetValue ( listOfValues ; valueNumber )", getValue, "Returns one value of a list."},
+    {u"LeftValues ( text ; numberOfValues )", leftValues, "Returns the first values of a list."},
+    {u"MiddleValues ( text ; startingValue ; numberOfValues )", middleValues,
+     "Returns values from the middle of a list."},
+    {u"RightValues ( text ; numberOfValues )", rightValues, "Returns the last values of a list."},
+    {u"ValueCount ( text )", valueCount, "Counts the values of a list."},
 };
 
 } // namespace
 
-std::span<const Builtin> listFunctions() {
+std::span<const Builtin> textListFunctions() {
     return kFunctions;
 }
 

@@ -1,17 +1,16 @@
+#include "host/values/text.h"
 #include "host/calc/characters.h"
 #include "host/calc/evaluator.h"
-#include "host/calc/function_groups.h"
+#include "host/calc/functions/groups.h"
 #include "host/values/container_file.h"
-#include "host/values/text.h"
 
 #include <algorithm>
+#include <optional>
 #include <unicode/utf16.h>
 
 namespace host {
 
 namespace {
-
-using Arguments = std::span<const Value>;
 
 // Of containers every stream counts.
 Value exact(Session& /*session*/, Arguments in) {
@@ -43,20 +42,13 @@ Value right(Session& /*session*/, Arguments in) {
     return Value::text(characters.slice(characters.count() - wanted, wanted));
 }
 
-// The characters that [start], counted from 1, and [length] name; a start before the first takes from the
-// length.
+// The characters that [start], counted from 1, and [length] name; a start before the first is the first.
 struct Range {
     size_t start;
     size_t length;
 };
-Range rangeFrom(const Value& startValue, const Value& lengthValue) {
-    const int64_t start = integer(startValue);
-    const size_t wanted = count(lengthValue);
-    if (start >= 1) {
-        return {static_cast<size_t>(start) - 1, wanted};
-    }
-    const size_t before = static_cast<size_t>(-(start + 1)) + 2; // 1 - start, without overflow
-    return {0, wanted > before ? wanted - before : 0};
+Range rangeFrom(const Value& start, const Value& length) {
+    return {static_cast<size_t>(std::max<int64_t>(integer(start), 1) - 1), count(length)};
 }
 
 Value middle(Session& /*session*/, Arguments in) {
@@ -196,51 +188,138 @@ Value quote(Session& /*session*/, Arguments in) {
 }
 
 // A character holds five digits of the number, the last five the first character. Any code counts: half of a
-// pair and U+0000 as well, so that a calculation can make every text. Nothing for a negative number, and for
-// none.
+// pair and U+0000 as well, so that a calculation can make every text. Nothing for no number, "?" for a
+// negative one.
 Value character(Session& /*session*/, Arguments in) {
-    constexpr int64_t kDigits = 100'000;
+    const Number step(100'000);
+    std::optional<Number> rest = in[0].asNumber();
+    if (!in[0].isValid() || (rest && rest->sign() < 0)) {
+        return Value::invalid();
+    }
     std::u16string result;
-    int64_t rest = in[0].asNumber() ? integer(in[0]) : -1;
-    while (rest >= 0) {
-        const auto point = static_cast<UChar32>(rest % kDigits);
+    while (rest) {
+        *rest = rest->truncated();
+        const auto point = static_cast<UChar32>(Number::modulo(*rest, step).toInt64());
         char16_t units[2];
         int size = 0;
         U16_APPEND_UNSAFE(units, size, point);
         result.append(units, static_cast<size_t>(size));
-        rest = rest < kDigits ? -1 : rest / kDigits;
+        rest = *rest < step ? std::nullopt : std::optional(*rest / step);
     }
     return Value::text(result);
 }
 
-// The code of the first character; nothing for an empty text.
+// The codes of all characters in one number, the first one in its last five digits; nothing for an empty
+// text.
 Value code(Session& /*session*/, Arguments in) {
     const std::u16string text = in[0].asText();
     if (text.empty()) {
         return {};
     }
-    UChar32 point = 0;
-    U16_GET(text.data(), 0, 0, text.size(), point);
-    return integerValue(point);
+    Number result;
+    for (size_t at = text.size(); at > 0;) {
+        UChar32 point = 0;
+        U16_PREV(text.data(), 0, at, point);
+        result = result * 100'000 + Number(point);
+    }
+    return Value::number(result);
+}
+
+// Adds to the last group of digits, which keeps its length with zeros at least. A text without digits gets
+// the number at its end.
+Value serialIncrement(Session& /*session*/, Arguments in) {
+    constexpr std::u16string_view kDigits = u"0123456789";
+    const std::u16string text = in[0].asText();
+    const Number increment = in[1].asNumber().value_or(0).truncated();
+    const size_t last = text.find_last_of(kDigits);
+    if (last == std::u16string::npos) {
+        return Value::text(text + increment.toText());
+    }
+    const size_t before = text.find_last_not_of(kDigits, last);
+    const size_t first = before == std::u16string::npos ? 0 : before + 1;
+    const size_t width = last + 1 - first;
+    const Number sum = Number::fromText(text.substr(first, width)) + increment;
+    std::u16string digits = (sum.sign() < 0 ? Number(0) : sum).toText();
+    if (digits.size() < width) {
+        digits.insert(0, width - digits.size(), u'0');
+    }
+    return Value::text(text.substr(0, first) + digits + text.substr(last + 1));
+}
+
+// What stands between two characters that TrimAll looks at.
+enum class Gap { none, one };
+
+// A row for each type: between two Roman characters, between a Roman one and another.
+struct TrimType {
+    Gap roman;
+    Gap mixed;
+    bool putIn; // between a Roman character and another even where no space was
+};
+constexpr TrimType kTrimTypes[] = {
+    {Gap::one, Gap::none, false},
+    {Gap::one, Gap::one, true},
+    {Gap::one, Gap::one, false},
+    {Gap::none, Gap::none, false},
+};
+
+bool isRoman(char16_t c) {
+    return c < 0x2F00;
+}
+
+Value trimAll(Session& /*session*/, Arguments in) {
+    const std::u16string text = in[0].asText();
+    const bool fullWidth = in[1].asBoolean();
+    const int64_t wanted = integer(in[2]);
+    const TrimType type = kTrimTypes[wanted >= 0 && wanted <= 3 ? wanted : 0];
+    std::u16string result;
+    bool spaces = false;
+    for (const char16_t c : text) {
+        if (c == u' ' || (fullWidth && c == u'\u3000')) {
+            spaces = true;
+            continue;
+        }
+        if (!result.empty()) {
+            const bool leftRoman = isRoman(result.back());
+            const bool mixed = leftRoman != isRoman(c);
+            const Gap gap = mixed ? type.mixed : leftRoman ? type.roman : Gap::none;
+            if (gap == Gap::one && (spaces || (mixed && type.putIn))) {
+                result += u' ';
+            }
+        }
+        result += c;
+        spaces = false;
+    }
+    return Value::text(result);
 }
 
 constexpr Builtin kFunctions[] = {
-    {u"Char ( number )", character},
-    {u"Code ( text )", code},
-    {u"Exact ( text ; comparisonText )", exact},
-    {u"Filter ( text ; allowedCharacters )", filter},
-    {u"Left ( text ; numberOfCharacters )", left},
-    {u"Length ( text )", length},
-    {u"Lower ( text )", lower},
-    {u"Middle ( text ; start ; numberOfCharacters )", middle},
-    {u"PatternCount ( text ; searchText )", patternCount},
-    {u"Position ( text ; searchText ; start ; occurrence )", position},
-    {u"Quote ( text )", quote},
-    {u"Replace ( text ; start ; numberOfCharacters ; replacementText )", replace},
-    {u"Right ( text ; numberOfCharacters )", right},
-    {u"Substitute ( text ; [ search ; replacement ] {; ... } )", substitute},
-    {u"Trim ( text )", trim},
-    {u"Upper ( text )", upper},
+    {u"Char ( number )", character, "Returns the characters that each five digits of a number stand for."},
+    {u"Code ( text )", code, "Returns the codes of a text's characters, five digits each."},
+    {u"Exact ( originalText ; comparisonText )", exact,
+     "Tells whether two texts are the same, letter case included."},
+    {u"Filter ( textToFilter ; filterText )", filter,
+     "Returns the characters of a text that also stand in another."},
+    {u"Left ( text ; numberOfCharacters )", left, "Returns the first characters of a text."},
+    {u"Length ( text )", length, "Counts the characters of a text."},
+    {u"Lower ( text )", lower, "Returns a text in small letters."},
+    {u"Middle ( text ; start ; numberOfCharacters )", middle,
+     "Returns characters from the middle of a text."},
+    {u"PatternCount ( text ; searchString )", patternCount, "Counts how often a text stands in another."},
+    {u"Position ( text ; searchString ; start ; occurrence )", position,
+     "Returns where a text stands in another; 0 when it does not."},
+    {u"Quote ( text )", quote, "Returns a text in quotes, as a calculation would write it."},
+    {u"Replace ( text ; start ; numberOfCharacters ; replacementText )", replace,
+     "Replaces some characters of a text by another text."},
+    {u"Right ( text ; numberOfCharacters )", right, "Returns the last characters of a text."},
+    {u"SerialIncrement ( text ; incrementBy )", serialIncrement,
+     "Adds to the last number in a text and keeps the rest."},
+    {u"Substitute ( text ; searchString ; replaceString )", substitute,
+     "Replaces a text wherever it stands in another; letter case counts.",
+     u"Substitute ( text ; [ search1 ; replace1 ] {; ...} )"},
+    {u"Trim ( text )", trim, "Removes the spaces at both ends of a text."},
+    {u"TrimAll ( text ; trimSpaces ; trimType )", trimAll,
+     "Removes spaces by rules for Roman characters and others."},
+    {u"Upper ( text )", upper, "Returns a text in capital letters."},
 };
 
 } // namespace

@@ -1,0 +1,21 @@
+// The words that stand for numbers: JSONString, Bold, PosixPath ...
+#pragma once
+
+#include <cstdint>
+#include <span>
+#include <string_view>
+
+namespace host {
+
+struct Constant {
+    std::u16string_view name;
+    int64_t value;
+    std::string_view description; // what it is given to
+};
+
+std::span<const Constant> constants();
+
+// The constant of a folded name; null when there is none.
+const Constant* findConstant(std::u16string_view key);
+
+} // namespace host

@@ -1,0 +1,36 @@
+// What the Get functions answer about the program around the calculations. The host and its scripts fill it
+// in; a session alone answers the defaults.
+#pragma once
+
+#include <cstdint>
+#include <functional>
+#include <string>
+#include <vector>
+
+namespace host {
+
+// A plug-in as Get ( InstalledFMPlugins ) lists it.
+struct InstalledPlugin {
+    std::u16string name;
+    std::u16string version;
+    std::u16string state = u"Enabled";
+};
+
+struct Environment {
+    std::u16string folder; // of the scripts, an absolute path; empty without one
+    std::function<std::vector<InstalledPlugin>()> plugins;
+    std::function<std::vector<std::u16string>()> scriptNames;
+
+    // Of scripts.
+    bool allowUserAbort = true;
+    bool errorCapture = false;
+    bool animation = false;
+    bool revertTransactionOnError = true;
+    int64_t lastMessageChoice = 0;
+    std::u16string lastErrorDetail;
+    std::u16string lastErrorLocation; // script, step and line, with returns between them
+    std::u16string openDataFiles;     // lines of id;path
+    std::u16string sessionIdentifier;
+};
+
+} // namespace host

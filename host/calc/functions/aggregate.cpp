@@ -1,0 +1,147 @@
+// Functions of any number of values. Empty ones are passed over.
+#include "host/calc/functions/groups.h"
+#include "host/calc/operations.h"
+#include "host/calc/session.h"
+
+#include <algorithm>
+#include <vector>
+
+namespace host {
+
+namespace {
+
+// The numbers of the arguments that have one.
+std::vector<Number> numbers(Arguments in) {
+    std::vector<Number> result;
+    for (const Value& value : in) {
+        if (!value.isValid()) {
+            throw NumberError("an argument could not be computed");
+        }
+        if (auto number = value.asNumber()) {
+            result.push_back(std::move(*number));
+        }
+    }
+    return result;
+}
+
+Number sumOf(const std::vector<Number>& values) {
+    Number sum;
+    for (const Number& value : values) {
+        sum = sum + value;
+    }
+    return sum;
+}
+
+Value average(Session& session, Arguments in) {
+    const std::vector<Number> values = numbers(in);
+    return values.empty() ? Value()
+                          : Value::number(Number::divide(sumOf(values), static_cast<int64_t>(values.size()),
+                                                         session.precision()));
+}
+
+Value countFunction(Session& /*session*/, Arguments in) {
+    return integerValue(
+        std::count_if(in.begin(), in.end(), [](const Value& value) { return !value.isEmpty(); }));
+}
+
+// The values that are not empty, with returns between them.
+Value list(Session& /*session*/, Arguments in) {
+    std::u16string result;
+    bool first = true;
+    for (const Value& value : in) {
+        const std::u16string text = value.asText();
+        if (text.empty()) {
+            continue;
+        }
+        result += first ? u"" : u"\r";
+        result += text;
+        first = false;
+    }
+    return Value::text(result);
+}
+
+// The argument that comes first by [isBefore]: of texts alone the text, else the number; a text without a
+// number then does not count.
+template <class Order>
+Value extreme(Arguments in, Order isBefore) {
+    const bool areTexts =
+        std::all_of(in.begin(), in.end(), [](const Value& value) { return value.type() == ValueType::text; });
+    const Value* best = nullptr;
+    for (const Value& value : in) {
+        if (!value.isValid()) {
+            return Value::invalid();
+        }
+        const bool counts = areTexts ? !value.isEmpty() : value.asNumber().has_value();
+        if (!counts) {
+            continue;
+        }
+        const bool better = best == nullptr || (areTexts ? isBefore(compareValues(value, *best))
+                                                         : isBefore(*value.asNumber() <=> *best->asNumber()));
+        best = better ? &value : best;
+    }
+    if (best == nullptr) {
+        return {};
+    }
+    return best->type() == ValueType::text && !areTexts ? Value::number(*best->asNumber()) : *best;
+}
+
+Value maximum(Session& /*session*/, Arguments in) {
+    return extreme(in, [](std::strong_ordering order) { return order > 0; });
+}
+Value minimum(Session& /*session*/, Arguments in) {
+    return extreme(in, [](std::strong_ordering order) { return order < 0; });
+}
+
+Value sum(Session& /*session*/, Arguments in) {
+    return Value::number(sumOf(numbers(in)));
+}
+
+// The sum of the squared distances from the mean, divided by the number of values less [fewer]. One division
+// at the end keeps it exact.
+Number varianceOf(const std::vector<Number>& values, int64_t fewer, int places) {
+    const auto size = static_cast<int64_t>(values.size());
+    Number squares;
+    for (const Number& value : values) {
+        squares = squares + value * value;
+    }
+    const Number total = sumOf(values);
+    return Number::divide(squares * size - total * total, Number(size) * (size - fewer), places);
+}
+
+template <int64_t Fewer>
+Value variance(Session& session, Arguments in) {
+    const std::vector<Number> values = numbers(in);
+    return values.empty() ? Value() : Value::number(varianceOf(values, Fewer, session.precision()));
+}
+
+template <int64_t Fewer>
+Value deviation(Session& session, Arguments in) {
+    const std::vector<Number> values = numbers(in);
+    if (values.empty()) {
+        return {};
+    }
+    const int places = session.precision();
+    const int twice = std::min(2 * places + 2, Number::kMaxDigits); // the root halves the places that count
+    return Value::number(Number::squareRoot(varianceOf(values, Fewer, twice), places));
+}
+
+constexpr Builtin kFunctions[] = {
+    {u"Average ( field {; field... } )", average, "Returns the mean of the numbers."},
+    {u"Count ( field {; field... } )", countFunction, "Counts the values that are not empty."},
+    {u"List ( field {; field... } )", list, "Returns the values that are not empty as a list."},
+    {u"Max ( field {; field... } )", maximum, "Returns the highest value."},
+    {u"Min ( field {; field... } )", minimum, "Returns the lowest value."},
+    {u"StDev ( field {; field... } )", deviation<1>, "Returns the standard deviation of a sample."},
+    {u"StDevP ( field {; field... } )", deviation<0>, "Returns the standard deviation of a population."},
+    {u"Sum ( field {; field... } )", sum, "Returns the sum of the numbers."},
+    {u"Variance ( field {; field... } )", variance<1>, "Returns the variance of a sample."},
+    {u"VarianceP ( field {; field... } )", variance<0>, "Returns the variance of a population."},
+};
+
+} // namespace
+
+std::span<const Builtin> aggregateFunctions() {
+    return kFunctions;
+}
+
+} // namespace host

@@ -1,0 +1,281 @@
+// JSON: reading and changing elements of a text. A text that is no JSON gives "?" and what is wrong with it.
+#include "host/calc/constants.h"
+#include "host/calc/evaluator.h"
+#include "host/calc/functions/groups.h"
+#include "host/calc/json_path.h"
+#include "host/calc/lists.h"
+#include "host/values/text.h"
+
+#include <charconv>
+
+namespace host {
+
+namespace {
+
+// The numbers of the constants JSONRaw, JSONString ...
+enum JsonType : int64_t { kRaw, kString, kNumber, kObject, kArray, kBoolean, kNull };
+
+Value errorValue(const JsonError& error) {
+    return Value::text(fromUtf8(std::string("? ") + error.what()));
+}
+
+// Runs a function that may throw JsonError.
+template <class Function>
+Value guarded(Function function) {
+    try {
+        return function();
+    } catch (const JsonError& error) {
+        return errorValue(error);
+    }
+}
+
+// An element as a value: what a text, a number or a boolean is; objects and arrays as JSON; nothing for null.
+Value valueOf(const Json& json) {
+    switch (json.type()) {
+    case Json::value_t::string:
+        return Value::text(fromUtf8(json.get_ref<const std::string&>()));
+    case Json::value_t::boolean:
+        return integerValue(json.get<bool>() ? 1 : 0);
+    case Json::value_t::number_integer:
+        return integerValue(json.get<int64_t>());
+    case Json::value_t::number_unsigned:
+    case Json::value_t::number_float:
+        return Value::number(Number::fromText(jsonText(json)));
+    case Json::value_t::null:
+        return {};
+    default:
+        return jsonValue(json, false);
+    }
+}
+
+int64_t typeOf(const Json& json) {
+    switch (json.type()) {
+    case Json::value_t::string:
+        return kString;
+    case Json::value_t::boolean:
+        return kBoolean;
+    case Json::value_t::object:
+        return kObject;
+    case Json::value_t::array:
+        return kArray;
+    case Json::value_t::null:
+        return kNull;
+    default:
+        return kNumber;
+    }
+}
+
+// A whole number as such, any other in binary, as JSON's readers take it.
+Json numberJson(const Number& number) {
+    const int64_t whole = number.toInt64();
+    return number == Number(whole) ? Json(whole) : Json(number.toDouble());
+}
+
+// A value as it is, by its own type: what begins like JSON is JSON.
+Json rawJson(const Value& value) {
+    if (value.type() == ValueType::number && !value.isEmpty()) {
+        return numberJson(*value.asNumber());
+    }
+    const std::u16string text = value.asText();
+    try {
+        return firstJson(text);
+    } catch (const JsonError&) {
+        return toUtf8(text);
+    }
+}
+
+// A value as an element of a type.
+Json elementOf(const Value& value, int64_t type) {
+    const std::u16string text = type == kNull ? std::u16string() : value.asText();
+    switch (type) {
+    case kString:
+        return toUtf8(text);
+    case kNumber:
+        return numberJson(value.asNumber().value_or(0));
+    case kBoolean:
+        return foldCase(text) == u"true" || value.asBoolean();
+    case kNull:
+        return nullptr;
+    case kObject:
+    case kArray:
+        if (text.empty()) {
+            return type == kObject ? Json::object() : Json::array();
+        }
+        return requireJson(value)->root;
+    default:
+        return rawJson(value);
+    }
+}
+
+// A type by its number, or by its name in a text.
+int64_t typeArgument(const Value& value) {
+    const Constant* named =
+        value.type() == ValueType::text ? findConstant(foldCase(value.asText())) : nullptr;
+    return named != nullptr ? named->value : integer(value);
+}
+
+Value deleteElement(Session& /*session*/, Arguments in) {
+    return guarded([&] {
+        Json root = requireJson(in[0])->root;
+        removeJson(root, jsonPath(in[1]));
+        return jsonValue(std::move(root), true);
+    });
+}
+
+Value formatElements(Session& /*session*/, Arguments in) {
+    return guarded([&] { return Value::text(formattedJson(requireJson(in[0])->root)); });
+}
+
+Value getElement(Session& /*session*/, Arguments in) {
+    return guarded([&] {
+        const auto document = requireJson(in[0]);
+        const auto path = jsonPath(in[1]);
+        const Json* found = findJson(document->root, path);
+        return found == nullptr ? Value() : valueOf(*found);
+    });
+}
+
+Value getElementType(Session& /*session*/, Arguments in) {
+    return guarded([&] {
+        const auto document = requireJson(in[0]);
+        const Json* found = findJson(document->root, jsonPath(in[1]));
+        if (found == nullptr) {
+            throw JsonError("Incorrect key, index, or path");
+        }
+        return integerValue(typeOf(*found));
+    });
+}
+
+// Something of each element of an object or an array, with returns between.
+template <class Function>
+Value listOf(Arguments in, Function textOf) {
+    return guarded([&] {
+        const auto document = requireJson(in[0]);
+        const Json* found = findJson(document->root, jsonPath(in[1]));
+        std::u16string result;
+        bool first = true;
+        if (found != nullptr && found->is_structured()) {
+            for (const auto& item : found->items()) {
+                result += first ? u"" : u"\r";
+                result += textOf(item);
+                first = false;
+            }
+        }
+        return Value::text(result);
+    });
+}
+
+Value listKeys(Session& /*session*/, Arguments in) {
+    return listOf(in, [](const auto& item) { return fromUtf8(item.key()); });
+}
+Value listValuesFunction(Session& /*session*/, Arguments in) {
+    return listOf(in, [](const auto& item) { return valueOf(item.value()).asText(); });
+}
+
+// The parts of a text between separators; a separator at the end begins no other part.
+std::vector<std::u16string_view> partsOf(std::u16string_view text, std::u16string_view separator) {
+    if (separator.empty()) {
+        return listValues(text);
+    }
+    std::vector<std::u16string_view> parts;
+    while (!text.empty()) {
+        const size_t end = std::min(text.find(separator), text.size());
+        parts.push_back(text.substr(0, end));
+        text.remove_prefix(std::min(end + separator.size(), text.size()));
+    }
+    return parts;
+}
+
+Value makeArray(Session& /*session*/, Arguments in) {
+    return guarded([&] {
+        const std::u16string text = in[0].asText();
+        const std::u16string separator = in[1].asText();
+        Json array = Json::array();
+        for (const std::u16string_view part : partsOf(text, separator)) {
+            array.push_back(elementOf(Value::text(part), typeArgument(in[2])));
+        }
+        return jsonValue(std::move(array), true);
+    });
+}
+
+// The text again, in a value of its own that remembers that it was parsed.
+Value parse(Session& /*session*/, Arguments in) {
+    const auto parsed = parsedJson(in[0]);
+    if (!parsed->error.empty()) {
+        const Value error = errorValue(JsonError(parsed->error));
+        auto failed = std::make_shared<ParsedJson>();
+        failed->error = parsed->error;
+        failed->declared = true;
+        error.setNote(std::move(failed));
+        return error;
+    }
+    const Value result = Value::text(in[0].asText());
+    auto declared = std::make_shared<ParsedJson>();
+    declared->root = parsed->root;
+    declared->declared = true;
+    result.setNote(std::move(declared));
+    return result;
+}
+
+Value parsedState(Session& /*session*/, Arguments in) {
+    const auto* parsed = dynamic_cast<const ParsedJson*>(in[0].note());
+    if (parsed == nullptr || !parsed->declared) {
+        return integerValue(0);
+    }
+    return integerValue(parsed->error.empty() ? typeOf(parsed->root) : -1);
+}
+
+// Either json ; path ; value ; type, or json ; [ path ; value ; type ] any number of times, one after the
+// other. An empty text becomes an object, or an array when the first path begins with a place.
+Value setElement(Evaluator& evaluator, Nodes in) {
+    return guarded([&] {
+        const Value json = evaluator.evaluate(in[0]);
+        if (!json.isValid()) {
+            return json;
+        }
+        Json root = json.isEmpty() ? Json() : requireJson(json)->root;
+        const auto set = [&](const Node& path, const Node& value, const Node& type) {
+            const Value where = evaluator.evaluate(path);
+            const Value what = evaluator.evaluate(value);
+            const int64_t wanted = typeArgument(evaluator.evaluate(type));
+            const auto steps = jsonPath(where);
+            makeJson(root, steps) = elementOf(what, wanted);
+        };
+        if (const auto* first = std::get_if<Brackets>(&in[1].form); first == nullptr) {
+            set(in[1], in[2], in[3]);
+        } else {
+            for (const Node& node : in.subspan(1)) {
+                const auto& items = std::get<Brackets>(node.form).items;
+                set(items[0], items[1], items[2]);
+            }
+        }
+        return jsonValue(std::move(root), true);
+    });
+}
+
+constexpr Builtin kFunctions[] = {
+    {u"JSONDeleteElement ( json ; keyOrIndexOrPath )", deleteElement, "Removes an element from JSON."},
+    {u"JSONFormatElements ( json )", formatElements, "Writes JSON so that it is easy to read."},
+    {u"JSONGetElement ( json ; keyOrIndexOrPath )", getElement, "Returns an element of JSON."},
+    {u"JSONGetElementType ( json ; keyOrIndexOrPath )", getElementType,
+     "Returns the type of an element of JSON, 1 to 6."},
+    {u"JSONListKeys ( json ; keyOrIndexOrPath )", listKeys,
+     "Lists the keys of an object or the places of an array."},
+    {u"JSONListValues ( json ; keyOrIndexOrPath )", listValuesFunction,
+     "Lists the values of an object or an array."},
+    {u"JSONMakeArray ( listOfValues ; separator ; type )", makeArray, "Makes a JSON array of a list."},
+    {u"JSONParse ( json )", parse, "Returns JSON with its parsed form, so that it is not read again."},
+    {u"JSONParsedState ( json )", parsedState,
+     "Tells whether JSON was parsed: 0 not, -1 not valid, else its type."},
+    {u"JSONSetElement ( json ; keyOrIndexOrPath ; value ; type )", setElement,
+     "Adds or changes an element of JSON.",
+     u"JSONSetElement ( json ; [ keyOrIndexOrPath1 ; value1 ; type1 ] {; ...} )"},
+};
+
+} // namespace
+
+std::span<const Builtin> jsonFunctions() {
+    return kFunctions;
+}
+
+} // namespace host

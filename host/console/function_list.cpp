@@ -1,0 +1,185 @@
+#include "host/console/function_list.h"
+
+#include "host/calc/builtins.h"
+#include "host/calc/external_function.h"
+#include "host/calc/functions/groups.h"
+#include "host/console/show.h"
+#include "host/values/text.h"
+
+#include <algorithm>
+#include <iomanip>
+#include <iostream>
+#include <nlohmann/json.hpp>
+#include <vector>
+
+namespace host {
+
+namespace {
+
+// A line of the list, of whatever kind.
+struct Row {
+    std::string kind; // function, step, get
+    std::string name;
+    std::string prototype;
+    std::string description;
+    std::string category; // the plug-in's identifier for what a plug-in registered
+    std::string range;    // of arguments
+    nlohmann::ordered_json more;
+};
+
+std::string rangeText(int minArguments, int maxArguments) {
+    if (maxArguments == ExternalFunction::kAnyNumber) {
+        return std::to_string(minArguments) + "+";
+    }
+    return minArguments == maxArguments ? std::to_string(minArguments)
+                                        : std::to_string(minArguments) + "-" + std::to_string(maxArguments);
+}
+
+nlohmann::ordered_json counts(int minArguments, int maxArguments) {
+    const bool isLimited = maxArguments != ExternalFunction::kAnyNumber;
+    return {{"minArguments", minArguments},
+            {"maxArguments", isLimited ? nlohmann::ordered_json(maxArguments) : nlohmann::ordered_json()}};
+}
+
+Row rowOf(const RegisteredInfo& item, const char* kind, const std::u16string& prototype,
+          nlohmann::ordered_json more) {
+    more.update({{"description", toUtf8(item.description)},
+                 {"plugin", toUtf8(item.plugin)},
+                 {"id", item.id},
+                 {"flags", item.flags}});
+    return {kind, toUtf8(item.name), toUtf8(prototype), oneLine(Value::text(item.description)), {},
+            {},   std::move(more)};
+}
+
+std::vector<Row> pluginRows(const Host& host) {
+    std::vector<Row> rows;
+    for (const FunctionInfo& function : host.functions()) {
+        rows.push_back(rowOf(function, "function", function.prototype,
+                             counts(function.minArguments, function.maxArguments)));
+        rows.back().range = rangeText(function.minArguments, function.maxArguments);
+    }
+    for (const StepInfo& step : host.steps()) {
+        rows.push_back(rowOf(step, "step", step.prototype, nlohmann::ordered_json::object()));
+        rows.back().range = "step";
+    }
+    return rows;
+}
+
+Row rowOf(const Builtin& builtin) {
+    const std::string description(builtin.description);
+    const std::string category(builtin.category);
+    auto more = counts(builtin.minArguments(), builtin.maxArguments());
+    more.update({{"description", description}, {"category", category}});
+    return {"function",
+            toUtf8(builtin.name()),
+            toUtf8(builtin.prototype),
+            description,
+            category,
+            rangeText(builtin.minArguments(), builtin.maxArguments()),
+            more};
+}
+
+Row rowOf(const GetRow& get) {
+    const std::string prototype = "Get ( " + toUtf8(get.name) + " )";
+    const std::string description(get.description);
+    return {"get",
+            toUtf8(get.name),
+            prototype,
+            description,
+            "Get",
+            "",
+            {{"description", description}, {"category", "Get"}}};
+}
+
+// Category by category, in each by name.
+std::vector<Row> languageRows() {
+    std::vector<Row> rows;
+    std::string_view category;
+    for (const FunctionGroup& group : functionGroups()) {
+        if (group.category == category) {
+            continue;
+        }
+        category = group.category;
+        for (const Builtin& builtin : builtins()) {
+            if (builtin.category == category) {
+                rows.push_back(rowOf(builtin));
+            }
+        }
+    }
+    for (const GetRow& get : getRows()) {
+        rows.push_back(rowOf(get));
+    }
+    return rows;
+}
+
+bool contains(const std::string& text, const std::u16string& foldedWord) {
+    return foldCase(fromUtf8(text)).find(foldedWord) != std::u16string::npos;
+}
+
+// With a heading for each category; descriptions of the language's functions only where they were searched.
+void printTable(const std::vector<Row>& rows, bool withDescriptions) {
+    std::string category;
+    for (const Row& row : rows) {
+        if (row.category != category) {
+            category = row.category;
+            std::cout << (&row == &rows.front() ? "" : "\n") << category << '\n';
+        }
+        std::cout << std::left << std::setw(5) << row.range << row.prototype << '\n';
+        if (!row.description.empty() && (withDescriptions || row.category.empty())) {
+            std::cout << std::setw(9) << "" << row.description << '\n';
+        }
+    }
+}
+
+void printJson(const std::vector<Row>& rows) {
+    auto list = nlohmann::ordered_json::array();
+    for (const Row& row : rows) {
+        nlohmann::ordered_json object = {
+            {"name", row.name}, {"kind", row.kind}, {"prototype", row.prototype}};
+        object.update(row.more);
+        list.push_back(std::move(object));
+    }
+    std::cout << list.dump(2) << '\n';
+}
+
+} // namespace
+
+ExitCode listFunctions(const Host& host, const FunctionQuery& query) {
+    std::vector<Row> rows = pluginRows(host);
+    if (query.all || !query.word.empty()) {
+        std::vector<Row> language = languageRows();
+        std::move(language.begin(), language.end(), std::back_inserter(rows));
+    }
+    if (!query.word.empty()) {
+        const std::u16string word = foldCase(fromUtf8(query.word));
+        std::erase_if(rows, [&](const Row& row) {
+            return !contains(row.name, word) && !contains(row.description, word);
+        });
+        if (rows.empty()) {
+            std::cerr << "fmhost: no function has \"" << query.word
+                      << "\" in its name or description; fmhost functions --all lists them" << std::endl;
+            return ExitCode::failure;
+        }
+    }
+    query.asJson ? printJson(rows) : printTable(rows, !query.word.empty());
+    return ExitCode::ok;
+}
+
+std::optional<std::string> functionSheet(std::u16string_view name) {
+    const std::u16string key = foldName(name);
+    if (const Builtin* builtin = findBuiltin(key)) {
+        std::string sheet = toUtf8(builtin->prototype) + '\n';
+        if (!builtin->listPrototype.empty()) {
+            sheet += toUtf8(builtin->listPrototype) + '\n';
+        }
+        return sheet + "    " + std::string(builtin->description) +
+               "\n    Category: " + std::string(builtin->category) + '\n';
+    }
+    if (const GetRow* get = findGet(key)) {
+        return "Get ( " + toUtf8(get->name) + " )\n    " + std::string(get->description) +
+               "\n    Category: Get\n";
+    }
+    return std::nullopt;
+}
+
+} // namespace host

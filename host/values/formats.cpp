@@ -1,0 +1,115 @@
+#include "host/values/formats.h"
+
+#include <algorithm>
+#include <unicode/udat.h>
+#include <unicode/uloc.h>
+#include <unicode/unum.h>
+
+namespace host {
+
+namespace {
+
+Formats& current() {
+    static Formats formats;
+    return formats;
+}
+
+bool isKnown(const std::string& locale) {
+    const int32_t count = uloc_countAvailable();
+    for (int32_t i = 0; i < count; ++i) {
+        if (locale == uloc_getAvailable(i)) {
+            return true;
+        }
+    }
+    return false;
+}
+
+// The pattern of the short date, or of the time with seconds.
+std::u16string pattern(const std::string& locale, UDateFormatStyle time, UDateFormatStyle date) {
+    UErrorCode status = U_ZERO_ERROR;
+    UDateFormat* format = udat_open(time, date, locale.c_str(), nullptr, 0, nullptr, 0, &status);
+    std::u16string result(100, u'\0');
+    const int32_t length =
+        udat_toPattern(format, 0, result.data(), static_cast<int32_t>(result.size()), &status);
+    udat_close(format);
+    result.resize(U_SUCCESS(status) ? static_cast<size_t>(length) : 0);
+    return result;
+}
+
+std::u16string symbol(const std::string& locale, UDateFormatSymbolType type, size_t index) {
+    UErrorCode status = U_ZERO_ERROR;
+    UDateFormat* format = udat_open(UDAT_SHORT, UDAT_SHORT, locale.c_str(), nullptr, 0, nullptr, 0, &status);
+    std::u16string result(50, u'\0');
+    const int32_t length = udat_getSymbols(format, type, static_cast<int32_t>(index), result.data(),
+                                           static_cast<int32_t>(result.size()), &status);
+    udat_close(format);
+    result.resize(U_SUCCESS(status) ? static_cast<size_t>(length) : 0);
+    return result;
+}
+
+char16_t numberSymbol(const std::string& locale, UNumberFormatSymbol which) {
+    UErrorCode status = U_ZERO_ERROR;
+    UNumberFormat* format = unum_open(UNUM_DECIMAL, nullptr, 0, locale.c_str(), nullptr, &status);
+    char16_t result[8] = {};
+    unum_getSymbol(format, which, result, 8, &status);
+    unum_close(format);
+    return result[0];
+}
+
+// The first character of a pattern that stands for no part of a date or time.
+char16_t separatorIn(const std::u16string& pattern, char16_t otherwise) {
+    const auto found = std::find_if(pattern.begin(), pattern.end(), [](char16_t c) {
+        return c == u'/' || c == u'.' || c == u'-' || c == u':';
+    });
+    return found == pattern.end() ? otherwise : *found;
+}
+
+DateOrder orderIn(const std::u16string& datePattern) {
+    const size_t day = datePattern.find(u'd');
+    const size_t month = datePattern.find_first_of(u"ML");
+    const size_t year = datePattern.find_first_of(u"yu");
+    return year < month  ? DateOrder::yearMonthDay
+           : month < day ? DateOrder::monthDayYear
+                         : DateOrder::dayMonthYear;
+}
+
+} // namespace
+
+const Formats& formats() {
+    return current();
+}
+
+void setFormats(Formats formats) {
+    current() = std::move(formats);
+}
+
+DateOrder dateOrderOf(const std::string& locale) {
+    return orderIn(pattern(locale, UDAT_NONE, UDAT_SHORT));
+}
+
+std::optional<Formats> formatsOf(const std::string& locale) {
+    if (!isKnown(locale)) {
+        return std::nullopt;
+    }
+    const std::u16string date = pattern(locale, UDAT_NONE, UDAT_SHORT);
+    const std::u16string time = pattern(locale, UDAT_MEDIUM, UDAT_NONE);
+    Formats result;
+    result.locale = locale;
+    result.dateOrder = orderIn(date);
+    result.dateSeparator = separatorIn(date, u'/');
+    result.twoDigits = date.find(u"dd") != std::u16string::npos;
+    result.timeSeparator = separatorIn(time, u':');
+    result.twelveHours = time.find(u'a') != std::u16string::npos;
+    result.morning = symbol(locale, UDAT_AM_PMS, 0);
+    result.afternoon = symbol(locale, UDAT_AM_PMS, 1);
+    for (size_t i = 0; i < result.monthNames.size(); ++i) {
+        result.monthNames[i] = symbol(locale, UDAT_STANDALONE_MONTHS, i);
+    }
+    for (size_t i = 0; i < result.dayNames.size(); ++i) {
+        result.dayNames[i] = symbol(locale, UDAT_STANDALONE_WEEKDAYS, i + 1); // 1 is Sunday
+    }
+    result.decimalPoint = numberSymbol(locale, UNUM_DECIMAL_SEPARATOR_SYMBOL);
+    return result;
+}
+
+} // namespace host
