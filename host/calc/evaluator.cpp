@@ -87,7 +87,7 @@ Value Evaluator::evaluateForm(const Node& /*node*/, const Chain& form) {
 // Styles of the texts stay with them.
 Value Evaluator::joined(const Chain& chain) {
     std::u16string text;
-    StyleRuns styles;
+    StyledRuns styles;
     const auto append = [&](const Value& value) {
         const size_t before = text.size();
         appendText(text, value);

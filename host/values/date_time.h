@@ -83,9 +83,9 @@ class DateTime {
     std::u16string timeText() const;      // h:mm:ss, with a fraction if there is one, counting on over 24
     std::u16string timestampText() const; // m/d/yyyy h:mm:ss AM
 
-    // The day that a text names in numbers, with slashes, dashes or points between them; nothing when there is
-    // none such. A year of one or two digits is the one from 70 years ago to 30 years ahead. In orders other
-    // than month, day, year blanks may stand behind points, and a point behind the date.
+    // The day that a text names in numbers, with slashes, dashes or points between them; nothing when there
+    // is none such. A year of one or two digits is the one from 70 years ago to 30 years ahead. In orders
+    // other than month, day, year blanks may stand behind points, and a point behind the date.
     static std::optional<DateTime> dateFromText(std::u16string_view text,
                                                 DateOrder order = formats().dateOrder);
     // The time that a text names: h:mm, h:mm:ss or h:mm:ss.fraction, with AM, PM or a minus sign if wanted.

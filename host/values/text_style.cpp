@@ -4,14 +4,14 @@
 
 namespace host {
 
-void appendRuns(StyleRuns& runs, size_t before, const StyleRuns& added, size_t size) {
+void appendRuns(StyledRuns& runs, size_t before, const StyledRuns& added, size_t size) {
     if (runs.empty() && added.empty()) {
         return;
     }
     if (runs.empty() && before > 0) {
         runs.push_back({before, {}});
     }
-    for (const StyleRun& run : added) {
+    for (const StyledRun& run : added) {
         runs.push_back({before + run.end, run.style});
     }
     if (added.empty() && size > 0) {
@@ -19,10 +19,10 @@ void appendRuns(StyleRuns& runs, size_t before, const StyleRuns& added, size_t s
     }
 }
 
-StyleRuns slicedRuns(const StyleRuns& runs, size_t begin, size_t end) {
-    StyleRuns result;
+StyledRuns slicedRuns(const StyledRuns& runs, size_t begin, size_t end) {
+    StyledRuns result;
     size_t start = 0;
-    for (const StyleRun& run : runs) {
+    for (const StyledRun& run : runs) {
         const size_t from = std::max(start, begin);
         const size_t to = std::min(run.end, end);
         if (from < to) {
@@ -33,9 +33,9 @@ StyleRuns slicedRuns(const StyleRuns& runs, size_t begin, size_t end) {
     return result;
 }
 
-StyleRuns simplifiedRuns(StyleRuns runs) {
-    StyleRuns result;
-    for (StyleRun& run : runs) {
+StyledRuns simplifiedRuns(StyledRuns runs) {
+    StyledRuns result;
+    for (StyledRun& run : runs) {
         if (!result.empty() && result.back().style == run.style) {
             result.back().end = run.end;
         } else {
@@ -43,8 +43,8 @@ StyleRuns simplifiedRuns(StyleRuns runs) {
         }
     }
     const bool isPlain = std::all_of(result.begin(), result.end(),
-                                     [](const StyleRun& run) { return run.style == TextStyle(); });
-    return isPlain ? StyleRuns() : result;
+                                     [](const StyledRun& run) { return run.style == TextStyle(); });
+    return isPlain ? StyledRuns() : result;
 }
 
 } // namespace host

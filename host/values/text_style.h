@@ -19,21 +19,21 @@ struct TextStyle {
 };
 
 // A style up to a place in the text, in UTF-16 units; it begins where the run before it ends.
-struct StyleRun {
+struct StyledRun {
     size_t end;
     TextStyle style;
 };
 
 // The runs of a text in order; the last one ends with the text. Empty for a text without styles.
-using StyleRuns = std::vector<StyleRun>;
+using StyledRuns = std::vector<StyledRun>;
 
 // Adds the runs of a text of [size] units behind [before] units that have [runs] already.
-void appendRuns(StyleRuns& runs, size_t before, const StyleRuns& added, size_t size);
+void appendRuns(StyledRuns& runs, size_t before, const StyledRuns& added, size_t size);
 
 // The runs of the units from [begin] to [end].
-StyleRuns slicedRuns(const StyleRuns& runs, size_t begin, size_t end);
+StyledRuns slicedRuns(const StyledRuns& runs, size_t begin, size_t end);
 
 // Joins neighbours of one style; nothing is left when no run has any.
-StyleRuns simplifiedRuns(StyleRuns runs);
+StyledRuns simplifiedRuns(StyledRuns runs);
 
 } // namespace host

@@ -26,7 +26,7 @@ Value Value::text(std::u16string text) {
     return Value(ValueType::text, std::make_shared<const TextData>(TextData{std::move(text), {}, nullptr}));
 }
 
-Value Value::styledText(std::u16string text, StyleRuns styles) {
+Value Value::styledText(std::u16string text, StyledRuns styles) {
     if (text.empty()) {
         return {};
     }
@@ -56,8 +56,8 @@ const std::u16string& Value::storedText() const noexcept {
     return text != nullptr ? (*text)->text : none;
 }
 
-const StyleRuns& Value::styles() const noexcept {
-    static const StyleRuns none;
+const StyledRuns& Value::styles() const noexcept {
+    static const StyledRuns none;
     const Text* text = std::get_if<Text>(&content_);
     return text != nullptr ? (*text)->styles : none;
 }

@@ -45,7 +45,7 @@ class Value {
     static Value text(std::u16string_view text) { return Value::text(std::u16string(text)); }
     static Value text(const char16_t* text) { return Value::text(std::u16string(text)); }
     // A text with styles; they do not count when values are compared.
-    static Value styledText(std::u16string text, StyleRuns styles);
+    static Value styledText(std::u16string text, StyledRuns styles);
     static Value number(Number number) { return Value(ValueType::number, std::move(number)); }
     // The day or the time alone counts for a date or a time. A time stamp's time is brought inside its day.
     static Value date(const DateTime& day) { return Value(ValueType::date, DateTime(day.day())); }
@@ -75,7 +75,7 @@ class Value {
     const std::u16string& storedText() const noexcept;
 
     // The styles of a text value; none for every other one.
-    const StyleRuns& styles() const noexcept;
+    const StyledRuns& styles() const noexcept;
 
     // What was remembered with a text value; null for none. A note does not change what the value is; values
     // that share the text share it. Not for several threads at once.
@@ -89,7 +89,7 @@ class Value {
   private:
     struct TextData {
         std::u16string text;
-        StyleRuns styles;
+        StyledRuns styles;
         mutable std::shared_ptr<const TextNote> note;
     };
     using Text = std::shared_ptr<const TextData>;

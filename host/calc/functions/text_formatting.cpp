@@ -29,11 +29,11 @@ Value changed(const Value& value, Change change) {
         return value;
     }
     const std::u16string text = value.asText();
-    StyleRuns runs = value.styles();
+    StyledRuns runs = value.styles();
     if (runs.empty()) {
         runs.push_back({text.size(), {}});
     }
-    for (StyleRun& run : runs) {
+    for (StyledRun& run : runs) {
         change(run.style);
     }
     return Value::styledText(text, std::move(runs));
@@ -166,7 +166,7 @@ Value asCss(Session& /*session*/, Arguments in) {
     }
     std::u16string result;
     size_t start = 0;
-    for (const StyleRun& run : in[0].styles()) {
+    for (const StyledRun& run : in[0].styles()) {
         const std::u16string part = escaped(text.substr(start, run.end - start));
         const std::u16string style = css(run.style);
         result += style.empty() ? part : u"<span style=\"" + style + u"\">" + part + u"</span>";
@@ -182,7 +182,7 @@ Value asSvg(Session& /*session*/, Arguments in) {
     std::u16string result = u"<stylelist>";
     size_t start = 0;
     size_t number = 0;
-    for (const StyleRun& run : in[0].styles()) {
+    for (const StyledRun& run : in[0].styles()) {
         result += u"<style#" + Number(static_cast<int64_t>(number++)).toText() + u">" + css(run.style) +
                   u"\"begin: " + Number(static_cast<int64_t>(characters.characterAt(start) + 1)).toText() +
                   u", end: " + Number(static_cast<int64_t>(characters.characterAt(run.end))).toText() +
