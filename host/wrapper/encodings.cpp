@@ -19,7 +19,8 @@ namespace {
 
 // ICU's converter for each encoding, by the encoding's number; null for UTF-8, which needs none. ICU has none
 // for the Japanese, Korean, Chinese, Arabic and Hebrew of old Macs: there stands the one for the standard
-// that these extend. Nor has it one for Johab, which stands on EUC-KR.
+// that these extend. Nor has it one for Johab, whose signs and Chinese characters are those of Windows's
+// Korean.
 constexpr const char* kConverters[] = {
     nullptr,                 // Native
     nullptr,                 // UTF8
@@ -31,7 +32,7 @@ constexpr const char* kConverters[] = {
     "windows-31j",           // ShiftJIS_Win
     "EUC-KR",                // Korean_Mac
     "windows-949",           // Korean_Win
-    "EUC-KR",                // Korean_Johab
+    "windows-949",           // Korean_Johab
     "Big5",                  // ChineseTrad_Mac
     "windows-950",           // ChineseTrad_Win
     "GB2312",                // ChineseSimp_Mac
@@ -66,6 +67,26 @@ const char* converterName(fmx::int32 encoding) {
         throw std::invalid_argument("no encoding has that number");
     }
     return kConverters[encoding];
+}
+
+// ICU's tables for these are IBM's, in which three control characters stand in each other's places.
+bool turnsControls(fmx::int32 encoding) {
+    return encoding == fmx::Text::kEncoding_ASCII_DOS || encoding == fmx::Text::kEncoding_ShiftJIS_Mac ||
+           encoding == fmx::Text::kEncoding_ShiftJIS_Win;
+}
+
+// The control characters as everyone else has them, and as IBM's tables have them.
+void turnBack(std::u16string& text) {
+    for (char16_t& c : text) {
+        c = c == u'\x1A' ? u'\x7F' : c == u'\x1C' ? u'\x1A' : c == u'\x7F' ? u'\x1C' : c;
+    }
+}
+std::u16string turned(std::u16string_view text) {
+    std::u16string result(text);
+    for (char16_t& c : result) {
+        c = c == u'\x1A' ? u'\x1C' : c == u'\x1C' ? u'\x7F' : c == u'\x7F' ? u'\x1A' : c;
+    }
+    return result;
 }
 
 // For ICU: U+FFFD for what cannot be read, in place of the control character that some converters have.
@@ -175,15 +196,24 @@ std::u16string decoded(std::string_view bytes, fmx::int32 encoding) {
         return fromUtf8(bytes);
     }
     const Converter converter = converterCalled(name);
-    return encoding == fmx::Text::kEncoding_Korean_Johab ? decodedFromJohab(*converter, bytes)
-                                                         : decodedBy(*converter, bytes);
+    if (encoding == fmx::Text::kEncoding_Korean_Johab) {
+        return decodedFromJohab(*converter, bytes);
+    }
+    std::u16string text = decodedBy(*converter, bytes);
+    if (turnsControls(encoding)) {
+        turnBack(text);
+    }
+    return text;
 }
 
 std::string encoded(std::u16string_view text, fmx::int32 encoding, size_t capacity) {
     if (const char* name = converterName(encoding)) {
         const Converter converter = converterCalled(name);
-        return encoding == fmx::Text::kEncoding_Korean_Johab ? encodedInJohab(*converter, text, capacity)
-                                                             : encodedBy(*converter, text, capacity);
+        if (encoding == fmx::Text::kEncoding_Korean_Johab) {
+            return encodedInJohab(*converter, text, capacity);
+        }
+        return turnsControls(encoding) ? encodedBy(*converter, turned(text), capacity)
+                                       : encodedBy(*converter, text, capacity);
     }
     std::string bytes = toUtf8(text);
     size_t fitting = std::min(bytes.size(), capacity);

@@ -1,5 +1,6 @@
 // Johab (KS X 1001, annex 3; Windows code page 1361): the one encoding of the interface that ICU has no
-// converter for. Hangul is put together of its letters, five bits each; all else is EUC-KR at other places.
+// converter for. Hangul is put together of its letters, five bits each; all else is KS X 1001 at other
+// places.
 #pragma once
 
 #include <string>
@@ -9,7 +10,7 @@
 namespace host {
 
 // Takes the first character, of one byte or two, from bytes that are not empty. What means nothing is U+FFFD.
-// [eucKr] is ICU's converter for what is not Hangul.
+// [eucKr] is ICU's converter for what is not Hangul: EUC-KR, or what extends it.
 char16_t takeJohab(std::string_view& bytes, UConverter& eucKr);
 
 // The bytes of a character; none when Johab lacks it.

@@ -126,4 +126,69 @@ TEST_F(WrapperBinaryData, KeepsNamesAndSize) {
     EXPECT_EQ(container_->GetIndex(*QuadCharUniquePtr('S', 'I', 'Z', 'E')), 1);
 }
 
+std::string piece(fmx::BinaryData& container, fmx::uint32 context, std::string bytes) {
+    const auto size = static_cast<fmx::uint32>(bytes.size());
+    return container.AddAppend(context, size, bytes.data()) == 0 ? "added" : "refused";
+}
+
+TEST_F(WrapperBinaryData, TakesStreamsInPieces) {
+    add(*container_, *gif_, "gif");
+    fmx::uint32 png = 0;
+    fmx::uint32 jpeg = 0;
+    ASSERT_EQ(container_->AddBegin(*png_, png), 0);
+    ASSERT_EQ(container_->AddBegin(*jpeg_, jpeg), 0);
+    EXPECT_NE(png, jpeg);
+    EXPECT_EQ(piece(*container_, png, "one "), "added");
+    EXPECT_EQ(piece(*container_, jpeg, "other"), "added");
+    EXPECT_EQ(piece(*container_, png, ""), "added");
+    EXPECT_EQ(piece(*container_, png, "two"), "added");
+    EXPECT_EQ(container_->GetCount(), 1); // until they are finished
+    EXPECT_EQ(container_->AddFinish(png), 0);
+    EXPECT_EQ(container_->AddFinish(jpeg), 0);
+    EXPECT_EQ(streamOf(*container_, container_->GetIndex(*png_)), "one two");
+    EXPECT_EQ(streamOf(*container_, container_->GetIndex(*jpeg_)), "other");
+
+    EXPECT_EQ(piece(*container_, png, "late"), "refused");
+    EXPECT_NE(container_->AddFinish(png), 0);
+    EXPECT_NE(container_->AddFinish(0), 0);
+    ASSERT_EQ(container_->AddBegin(*gif_, png), 0);
+    const BinaryDataUniquePtr stranger;
+    EXPECT_EQ(piece(*stranger, png, "x"), "refused");
+    EXPECT_NE(stranger->AddFinish(png), 0);
+    EXPECT_THROW(container_->AddAppend(png, 1, nullptr), std::exception);
+    EXPECT_EQ(container_->AddFinish(png), 0); // replaces, in its place
+    EXPECT_EQ(container_->GetIndex(*gif_), 0);
+    EXPECT_EQ(container_->GetSize(0), 0U);
+}
+
+TEST_F(WrapperBinaryData, IsMadeOfAFileAtOnceOrInPieces) {
+    std::string bytes = "content";
+    const BinaryDataUniquePtr whole(*hostText(u"a.txt"), 7U, bytes.data());
+    fmx::uint32 context = 0;
+    const BinaryDataUniquePtr pieces(*hostText(u"a.txt"), context);
+    EXPECT_EQ(piece(*pieces, context, "con"), "added");
+    EXPECT_EQ(piece(*pieces, context, "tent"), "added");
+    EXPECT_TRUE(*pieces != *whole);
+    EXPECT_EQ(pieces->AddFinish(context), 0);
+    EXPECT_TRUE(*pieces == *whole);
+    const fmx::TextUniquePtr name;
+    EXPECT_EQ(pieces->GetFNAMData(*name), 0);
+    EXPECT_EQ(unitsOf(*name), u"a.txt");
+    const QuadCharUniquePtr file('F', 'I', 'L', 'E');
+    EXPECT_EQ(streamOf(*pieces, pieces->GetIndex(*file)), "content");
+}
+
+TEST_F(WrapperBinaryData, RefusesIndexesItDoesNotHave) {
+    add(*container_, *png_, "png");
+    char byte = '#';
+    for (const fmx::int32 index : {-1, 1, 0x7FFFFFFF, -0x7FFFFFFF - 1}) {
+        SCOPED_TRACE(index);
+        EXPECT_NE(container_->GetData(index, 0, 1, &byte), 0);
+        EXPECT_THROW(container_->GetSize(index), std::exception);
+        EXPECT_THROW(container_->GetType(index, *jpeg_), std::exception);
+    }
+    EXPECT_EQ(byte, '#');
+    EXPECT_EQ((*jpeg_)[0], 'J');
+}
+
 } // namespace
