@@ -34,11 +34,9 @@ Plugin::Plugin(const std::filesystem::path& file, int hostVersion, FMX_StartScri
     info_.path = file;
 }
 
-// A plug-in that answers no proper options is started all the same: most of what is tried out here is not
-// finished.
 void Plugin::start() {
     info_.options = string(kFMXT_OptionsStr);
-    if (info_.options.size() < kOptionsLength || asksFor(kStartUpOption)) {
+    if (asksForStartUp()) {
         const auto version = static_cast<fmx::int32>(
             send(kFMXT_Init, kFMXT_Developer,
                  reinterpret_cast<fmx::ptrtype>(hostRelease(call_.extnVersion).c_str())));
@@ -55,8 +53,8 @@ void Plugin::start() {
                             " to " + std::to_string(kNewestInterface));
         }
         info_.version = version;
-        isStarted_ = true;
     }
+    isStarted_ = true;
     info_.name = string(kFMXT_NameStr);
     info_.helpText = string(kFMXT_AppConfigStr);
     if (call_.extnVersion >= kHelpAddressSince) {
@@ -72,13 +70,21 @@ void Plugin::shutDown() {
         send(kFMXT_FileShutdown, 0, kSession, kFile);
         send(kFMXT_SessionShutdown, 0, kSession);
     }
-    send(kFMXT_Shutdown);
+    if (asksForStartUp()) {
+        send(kFMXT_Shutdown);
+    }
 }
 
 void Plugin::idle(IdleLevel level) {
-    if (asksFor(kIdleOption)) {
+    if (isStarted_ && asksFor(kIdleOption)) {
         send(kFMXT_Idle, static_cast<fmx::uchar>(level), kSession);
     }
+}
+
+// A plug-in that answers no proper options is started all the same: most of what is tried out here is not
+// finished.
+bool Plugin::asksForStartUp() const {
+    return info_.options.size() < kOptionsLength || asksFor(kStartUpOption);
 }
 
 bool Plugin::asksFor(size_t option) const {

@@ -31,12 +31,13 @@ class Plugin {
     // asks for such messages.
     void shutDown();
 
-    // Tells a plug-in that asks for it that the host has time.
+    // Tells a started plug-in that asks for it that the host has time.
     void idle(IdleLevel level);
 
     const PluginInfo& info() const { return info_; }
 
   private:
+    bool asksForStartUp() const;
     bool asksFor(size_t option) const;
     std::u16string string(fmx::uchar which);
     fmx::ptrtype send(fmx::uchar message, fmx::uchar parm1 = 0, fmx::ptrtype parm2 = 0,

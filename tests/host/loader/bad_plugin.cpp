@@ -57,7 +57,8 @@ void registerBadFunctions() {
 TEST_PLUGIN_EXPORT void FMExternCallProc(FMX_ExternCallPtr call) {
     gFMX_ExternCallPtr = call;
     if (call->whichCall == kFMXT_GetString && call->parm1 == kFMXT_OptionsStr) {
-        test_plugin::answerString(call, BAD_PLUGIN == kThrowsWhenIdle ? "BAD_1nnYYnn" : "BAD_1nnYnnn");
+        const bool wantsIdle = BAD_PLUGIN == kThrowsWhenIdle || BAD_PLUGIN == kRefusesVersion;
+        test_plugin::answerString(call, wantsIdle ? "BAD_1nnYYnn" : "BAD_1nnYnnn");
     }
     if (call->whichCall == kFMXT_Idle) {
         throw std::runtime_error(BAD_PLUGIN == kThrowsWhenIdle ? "too tired"

@@ -362,6 +362,28 @@ TEST_F(Loader, IdleGoesToThePluginsThatAskForIt) {
                                        " failed on message 1: too tired"});
 }
 
+TEST_F(Loader, IdleDoesNotGoToAPluginThatRefused) {
+    EXPECT_THAT(loadError(kPlugins / "refusing_plugin.fmx"), testing::HasSubstr("refused version"));
+    host_.idle(IdleLevel::userIdle); // which it would throw at
+    EXPECT_TRUE(host_.takeWarnings().empty());
+}
+
+TEST(LoaderLife, EachMessageGoesToWhoAsksForIt) {
+    const fs::path plugin = kPlugins / "session_plugin.fmx";
+    void* handle = dlopen(plugin.c_str(), RTLD_NOW | RTLD_LOCAL);
+    ASSERT_NE(handle, nullptr) << dlerror();
+    {
+        Session session;
+        StepRegistry steps;
+        PluginHost host(session, steps, {});
+        host.load(plugin);
+        host.idle(IdleLevel::userIdle);
+    }
+    const auto messages = reinterpret_cast<const char* (*)()>(dlsym(handle, "testMessages"));
+    EXPECT_STREQ(messages(), "1 9 8 "); // idle, the end of the file and of the session
+    dlclose(handle);
+}
+
 TEST(LoaderLife, TheEndShutsDownAndTakesTheFunctionsAway) {
     const fs::path plugin = kPlugins / "good_plugin.fmx";
     const int starts = exported(plugin, "testStarts");
