@@ -138,6 +138,37 @@ TEST_F(DeletedElsewhereTest, IsToldByTheNextSaveWhenADeletionSaved) {
     EXPECT_EQ(call(Do_KORU_Save), "0");
 }
 
+TEST_F(DeletedElsewhereTest, ResultsThatNobodyHasOpenedKeepTheirIdsAndTellWhatIsLost) {
+    std::string person;
+    std::string group;
+    {
+        const Pool pool; // so that nobody holds them any more
+        person = utf8([addPerson(@"Anna", @"Smith") uniqueId]);
+        group = utf8([addGroup(@"Harbour") uniqueId]);
+    }
+    ASSERT_EQ(call(Do_KORU_Search, {"person", "lastname", "", "", "Smith", "Equal"}), "1");
+    ASSERT_EQ(call(Do_KORU_Search, {"group", "name", "", "", "Harbour", "Equal"}), "1");
+    ABAddressBook* other = anotherBook();
+    [other removeRecord:[other recordForUniqueId:string(person)]];
+    [other removeRecord:[other recordForUniqueId:string(group)]];
+    ASSERT_TRUE([other save]);
+    for (int time = 0; time < 2; ++time) {
+        EXPECT_EQ(call(Do_KORU_OpenFirstRecord, {"person"}), person);
+        EXPECT_EQ(call(Do_KORU_OpenFirstRecord, {"group"}), group);
+    }
+    EXPECT_EQ(call(Do_KORU_GetFirstMemberID), "END");
+    ASSERT_EQ(call(Do_KORU_SetValueForProperty, {"name", "lost", "group"}), "0");
+    EXPECT_EQ(call(Do_KORU_Save), "!!ERROR!!");
+    EXPECT_EQ(lastErrorNumber(), "-8005");
+    EXPECT_THAT(lastErrorText(), AllOf(HasSubstr("deleted by another program"), HasSubstr(group)));
+    EXPECT_EQ(call(Do_KORU_Save), "0");
+    ASSERT_EQ(call(Do_KORU_SetValueForProperty, {"note", "lost", "person"}), "0");
+    EXPECT_EQ(call(Do_KORU_Save), "!!ERROR!!");
+    EXPECT_THAT(lastErrorText(), HasSubstr(person));
+    EXPECT_EQ(call(Do_KORU_Open, {person}), "!!ERROR!!");
+    EXPECT_EQ(lastErrorNumber(), "-8001");
+}
+
 TEST_F(DeletedElsewhereTest, ACircleOfGroupsIsToldAndTheOtherChangesAreKept) {
     ABGroup* inner = addGroup(@"Inner");
     ABGroup* outer = addGroup(@"Outer");

@@ -26,6 +26,10 @@ inline ChangeSet changesAt(double seconds) {
     return changes;
 }
 
+// Makes a book what a program of the first version would have left.
+inline constexpr const char* kMakeVersion1 = "DROP TABLE deleted; ALTER TABLE change DROP COLUMN replaced; "
+                                             "ALTER TABLE change DROP COLUMN origin; PRAGMA user_version = 1";
+
 // Saves these records alone.
 inline SaveResult saveRecords(Store& store, std::vector<RecordChange> records, double seconds = 1) {
     ChangeSet changes = changesAt(seconds);

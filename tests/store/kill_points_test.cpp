@@ -185,12 +185,10 @@ class KillPoints : public Scratch {
     void killAtMigrating(const char* journal) {
         makeBook();
         settleIndexes(*std::make_unique<Store>(folder()));
-        execute("ALTER TABLE change DROP COLUMN replaced; ALTER TABLE change DROP COLUMN origin; PRAGMA "
-                "user_version = 1");
+        execute(kMakeVersion1);
         execute(journal);
         const Contents before = contentsOf(Store(folder()));
-        execute("ALTER TABLE change DROP COLUMN replaced; ALTER TABLE change DROP COLUMN origin; PRAGMA "
-                "user_version = 1");
+        execute(kMakeVersion1);
         execute(journal);
         kill([&] { Store{folder()}; },
              [&] {

@@ -170,6 +170,11 @@ std::optional<RecordRow> Book::fetch(RowId row) {
 }
 
 LiveRecordPtr Book::find(std::string_view uid) {
+    refreshIfStale();
+    return findNow(uid);
+}
+
+LiveRecordPtr Book::findNow(std::string_view uid) {
     const Store::ReadTransaction transaction(*store_);
     applyChangeLog();
     if (auto known = cached(uid); known && known->state != LiveRecord::State::deleted)
@@ -178,31 +183,45 @@ LiveRecordPtr Book::find(std::string_view uid) {
     return stored ? materialize(std::move(*stored)) : nullptr;
 }
 
-LiveRecordPtr Book::at(RowId row, Kind kind) {
+LiveRecordPtr Book::at(RowId row) {
     if (const auto found = byRow_.find(row); found != byRow_.end())
         if (auto known = found->second.lock())
             return known;
     if (auto stored = fetch(row))
         return materialize(std::move(*stored));
-    if (const auto gone = gone_.find(row); gone != gone_.end()) {
-        // The list may be one of both kinds, but an id tells its own.
-        const std::string& uid = gone->second;
-        auto known = cached(uid);
-        return known ? known : tombstone(uid, uid.ends_with(":ABGroup") ? Kind::group : kind);
-    }
-    return tombstone(newUid(kind), kind);
+    return locate(row, *store_);
 }
 
-LiveRecordPtr Book::at(RowId row, Kind kind, int edition) {
+LiveRecordPtr Book::at(RowId row, const std::shared_ptr<const Store>& origin) {
     refreshIfStale();
-    return edition == edition_ ? at(row, kind) : tombstone(newUid(kind), kind);
+    return origin == store_ ? at(row) : locate(row, *origin);
 }
 
-// A card for a record that the address book does not have any more.
-LiveRecordPtr Book::tombstone(const std::string& uid, Kind kind) {
+// The record that was in a row of [origin], and is in another one now, or deleted.
+LiveRecordPtr Book::locate(RowId row, const Store& origin) {
+    auto ref = origin.find(row);
+    if (!ref)
+        ref = origin.findDeleted(row);
+    if (!ref)
+        throw StoreError(StoreError::Reason::refused,
+                         "The address book " + file().string() +
+                             " has forgotten which record stood here, so many were "
+                             "deleted since: search again.");
+    if (auto record = findNow(ref->uid))
+        return record;
+    auto record = tombstone(std::move(*ref));
+    if (&origin == store_.get() && removedRows_.contains(row))
+        record->removedHere = true;
+    return record;
+}
+
+// A record that the address book does not have any more.
+LiveRecordPtr Book::tombstone(RecordRef ref) {
+    if (auto known = cached(ref.uid))
+        return known;
     auto record = std::make_unique<LiveRecord>();
-    record->uid = uid;
-    record->kind = kind;
+    record->uid = std::move(ref.uid);
+    record->kind = ref.kind;
     record->state = LiveRecord::State::deleted;
     return adopt(record.release());
 }
@@ -210,6 +229,7 @@ LiveRecordPtr Book::tombstone(const std::string& uid, Kind kind) {
 // Lists and searches
 
 std::vector<Book::Place> Book::records(Kind kind) {
+    refreshIfStale();
     applyChangeLog();
     std::vector<Place> places;
     for (const RowId row : store_->rows(kind))
@@ -231,6 +251,7 @@ bool Book::matchesNow(const Query& query, LiveRecord& record, Date now) {
 }
 
 std::vector<Book::Place> Book::search(const Query& query, Date now) {
+    refreshIfStale();
     const Store::ReadTransaction transaction(*store_);
     applyChangeLog();
     std::vector<Place> places;
@@ -239,7 +260,7 @@ std::vector<Book::Place> Book::search(const Query& query, Date now) {
         // truth.
         for (const Kind kind : {Kind::person, Kind::group})
             for (const RowId row : store_->rows(kind))
-                if (!removed_.contains(row) && matchesNow(query, *at(row, kind), now))
+                if (!removed_.contains(row) && matchesNow(query, *at(row), now))
                     places.push_back({row, nullptr});
     } else {
         for (const RowId row : store_->search(query, now))
@@ -350,6 +371,8 @@ void Book::set(const LiveRecordPtr& record, const std::string& property, Value v
 void Book::touch(const LiveRecordPtr& record) {
     if (record->state == LiveRecord::State::persistent)
         changed_[record->row] = record;
+    else if (record->deletedElsewhere())
+        orphaned_.try_emplace(record->uid, record);
 }
 
 // Adding and removing
@@ -398,7 +421,7 @@ std::vector<LiveRecordPtr> Book::members(LiveRecord& group, Kind kind) {
     if (group.inDatabase()) {
         const auto rows = kind == Kind::person ? store_->members(group.row) : store_->subgroups(group.row);
         for (const RowId row : rows) {
-            auto member = at(row, kind);
+            auto member = at(row);
             if (member->inBook() && !group.left.contains(member->uid))
                 found.push_back(std::move(member));
         }
@@ -417,7 +440,7 @@ std::vector<LiveRecordPtr> Book::parents(const LiveRecord& record) {
     const auto joinedHere = [&](const LiveRecord& group) { return contains(group.joined, record); };
     if (record.row != 0)
         for (const RowId row : store_->parents(record.row)) {
-            auto group = at(row, Kind::group);
+            auto group = at(row);
             if (group->inBook() && !group->left.contains(record.uid))
                 found.push_back(std::move(group));
         }

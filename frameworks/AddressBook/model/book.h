@@ -6,8 +6,8 @@
 //
 // What others save shows at the next call. Values changed here and not saved stay as they are here, all
 // others become the new ones. A record that was deleted elsewhere is gone at once: lists and searches no
-// longer have it, whoever holds it still reads what it had. Its unsaved changes wait for the save, which
-// tells that it is missing; should it be brought back before that, they are there again.
+// longer have it, whoever holds it still reads what it had. Unsaved changes to it, made before or after, wait
+// for the save, which tells that it is missing; should it be brought back before that, they are there again.
 
 #include "frameworks/AddressBook/store/store.h"
 #include "frameworks/AddressBook/values/calendar.h"
@@ -50,6 +50,7 @@ struct LiveRecord : std::enable_shared_from_this<LiveRecord> {
     bool inBook() const { return state == State::inserted || state == State::persistent; }
     bool inDatabase() const { return state == State::persistent || state == State::removed; }
     bool unsaved() const { return !changes.empty() || !joined.empty() || !left.empty(); }
+    bool deletedElsewhere() const { return state == State::deleted && !removedHere; }
 };
 using LiveRecordPtr = std::shared_ptr<LiveRecord>;
 
@@ -78,13 +79,14 @@ class Book : public std::enable_shared_from_this<Book> {
 
     // The record with this id, null when the address book has none.
     LiveRecordPtr find(std::string_view uid);
-    // The record in this row. It is never null: a row that was deleted answers an empty card, with the id
-    // that the record had when that is known.
-    LiveRecordPtr at(RowId row, Kind kind);
-    // The same for a row that was found in an earlier edition(), and that may mean nothing any more: with
-    // another file in the database's place a new edition begins.
-    LiveRecordPtr at(RowId row, Kind kind, int edition);
-    int edition() const { return edition_; }
+    // The record in a row of store(), never null: for one that was deleted an empty one with its id. Throws
+    // StoreError when so many were deleted since that it is not known any more.
+    LiveRecordPtr at(RowId row);
+    // The record that was in a row of an earlier store(), wherever it is now; as above.
+    LiveRecordPtr at(RowId row, const std::shared_ptr<const Store>& origin);
+    // What rows are rows of. When another file takes the database's place, another store takes this one's;
+    // whoever keeps rows keeps this, and with it the old file.
+    std::shared_ptr<const Store> store() const { return store_; }
 
     // A record in a list: a row, or the card where it has none yet.
     struct Place {
@@ -163,7 +165,9 @@ class Book : public std::enable_shared_from_this<Book> {
     LiveRecordPtr materialize(RecordRow stored);
     std::optional<RecordRow> fetch(RowId row);
     void cacheRow(LiveRecord& record, RecordRow stored);
-    LiveRecordPtr tombstone(const std::string& uid, Kind kind);
+    LiveRecordPtr findNow(std::string_view uid);
+    LiveRecordPtr locate(RowId row, const Store& origin);
+    LiveRecordPtr tombstone(RecordRef ref);
     void forget(const LiveRecord& record);
     void load(LiveRecord& record);
     void touch(const LiveRecordPtr& record);
@@ -188,15 +192,14 @@ class Book : public std::enable_shared_from_this<Book> {
 
     static std::atomic<std::uint64_t> generation_;
 
-    std::unique_ptr<Store> store_;
-    int edition_ = 0;
+    std::shared_ptr<Store> store_;
     std::uint64_t seenGeneration_;
     std::int64_t seenChange_ = 0;                 // the newest save whose changes this book knows
     std::vector<PropertyDefinition> definitions_; // as stored
     std::unordered_map<std::string_view, std::weak_ptr<LiveRecord>>
         byUid_; // by the uid that the card itself holds
     std::unordered_map<RowId, std::weak_ptr<LiveRecord>> byRow_;
-    std::unordered_map<RowId, std::string> gone_;  // ids of deleted records, which lists may still name
+    std::unordered_set<RowId> removedRows_;        // whose records were removed here, and it is saved
     std::deque<std::weak_ptr<LiveRecord>> loaded_; // whose stored values are in memory, oldest first
     std::uint64_t revision_ = 1;
     std::deque<RecordRow> readAhead_; // read ahead for a walk, ascending
@@ -210,7 +213,7 @@ class Book : public std::enable_shared_from_this<Book> {
     // What is unsaved.
     std::vector<LiveRecordPtr> added_;
     std::map<RowId, LiveRecordPtr> changed_;
-    std::vector<LiveRecordPtr> orphaned_; // changed here, and deleted elsewhere
+    std::map<std::string_view, LiveRecordPtr> orphaned_; // changed here, and deleted elsewhere; by uid
     std::unordered_map<RowId, LiveRecordPtr> removed_;
     std::optional<std::string> me_;
     std::vector<PropertyDefinition> defined_, undefined_;

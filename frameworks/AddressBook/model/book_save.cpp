@@ -15,11 +15,6 @@ bool contains(const std::vector<PropertyDefinition>& definitions, const Property
     });
 }
 
-// Whether another process deleted it.
-bool goneElsewhere(const LiveRecord& record) {
-    return record.state == LiveRecord::State::deleted && !record.removedHere;
-}
-
 // Forgets what is unsaved.
 void clean(LiveRecord& record) {
     record.changes.clear();
@@ -43,7 +38,7 @@ ChangeSet Book::changes(Date now) const {
         for (const auto& uid : group.left)
             set.memberships.push_back({group.uid, uid, false});
         for (const auto& member : group.joined)
-            if (member->inBook() || goneElsewhere(*member)) // which the save tells
+            if (member->inBook() || member->deletedElsewhere()) // which the save tells
                 set.memberships.push_back({group.uid, member->uid, true});
     };
     for (const auto& record : added_) {
@@ -57,13 +52,13 @@ ChangeSet Book::changes(Date now) const {
     };
     for (const auto& [row, record] : changed_)
         update(record);
-    for (const auto& record : orphaned_)
+    for (const auto& [uid, record] : orphaned_)
         update(record);
     for (const auto& [row, record] : removed_)
         set.removed.push_back(record->uid);
     if (me_) {
         const auto mine = cached(*me_);
-        const bool tells = !mine || mine->inBook() || goneElsewhere(*mine);
+        const bool tells = !mine || mine->inBook() || mine->deletedElsewhere();
         set.me = tells ? *me_ : "";
     }
     return set;
@@ -97,23 +92,21 @@ void Book::applySaveResult(const SaveResult& result) {
         if (const auto record = cached(uid); record && record->inDatabase())
             record->cachedRow.reset();
     for (const auto& uid : result.missing) // deleted elsewhere a moment ago
-        if (const auto record = cached(uid); record && record->inDatabase()) {
+        if (const auto record = cached(uid); record && record->inDatabase())
             record->state = LiveRecord::State::deleted;
-            gone_[record->row] = uid;
-        }
     for (const auto& [row, record] : std::exchange(changed_, {})) {
         clean(*record);
         if (record->inDatabase())
             record->cachedRow.reset();
     }
-    for (const auto& record : std::exchange(orphaned_, {}))
+    for (const auto& [uid, record] : std::exchange(orphaned_, {}))
         clean(*record);
     for (const auto& [row, record] : std::exchange(removed_, {})) {
         record->state = LiveRecord::State::deleted;
         record->removedHere = true;
         record->joined.clear(); // a group that is gone has no members
         record->left.clear();
-        gone_[row] = record->uid;
+        removedRows_.insert(row);
     }
     me_.reset();
     if (!defined_.empty() || !undefined_.empty())
@@ -166,15 +159,14 @@ void Book::reloadDefinitions() {
 
 // Another file is in the database's place.
 void Book::reopen() {
-    store_ = std::make_unique<Store>(store_->file().parent_path());
-    ++edition_;
+    store_ = std::make_shared<Store>(store_->file().parent_path());
     ++revision_;
     readAhead_.clear();
     byRow_.clear();
+    removedRows_.clear();
     seenChange_ = store_->lastChange();
     reloadDefinitions();
     reloadAll();
-    gone_.clear();
 }
 
 void Book::reloadAll() {
@@ -198,16 +190,14 @@ void Book::reload(const LiveRecordPtr& record) {
     };
     unfile(changed_);
     unfile(removed_);
-    const bool wasOrphaned = std::erase(orphaned_, record) != 0;
+    const bool wasOrphaned = orphaned_.erase(record->uid) != 0;
     const auto ref = store_->find(record->uid);
     if (!ref) {
         const bool loses =
             wasOrphaned || (record->state == LiveRecord::State::persistent && record->unsaved());
         if (loses)
-            orphaned_.push_back(record);
+            orphaned_.try_emplace(record->uid, record);
         record->state = LiveRecord::State::deleted;
-        if (record->row != 0)
-            gone_[record->row] = record->uid;
         return;
     }
     if (record->state == LiveRecord::State::deleted) { // it was brought back

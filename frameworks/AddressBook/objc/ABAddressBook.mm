@@ -155,7 +155,7 @@ BookPtr sharedBook() {
 - (NSArray*)recordsMatchingSearchElement:(ABSearchElement*)search {
     requireArgument(search, @"A search of the address book needs a search element");
     auto places = reading([&] { return [self book]->search(queryOf(search), currentTime()); });
-    return listFrom([self book], Kind::person, std::move(places));
+    return listFrom([self book], std::move(places));
 }
 
 - (BOOL)save {
@@ -256,11 +256,11 @@ BookPtr sharedBook() {
 }
 
 - (NSArray*)people {
-    return listFrom([self book], Kind::person, reading([&] { return [self book]->records(Kind::person); }));
+    return listFrom([self book], reading([&] { return [self book]->records(Kind::person); }));
 }
 
 - (NSArray*)groups {
-    return listFrom([self book], Kind::group, reading([&] { return [self book]->records(Kind::group); }));
+    return listFrom([self book], reading([&] { return [self book]->records(Kind::group); }));
 }
 
 - (NSString*)defaultCountryCode {

@@ -15,7 +15,7 @@ using BookPtr = std::shared_ptr<Book>;
 ABRecord* recordFrom(const BookPtr& book, const LiveRecordPtr& live);
 NSArray* recordsFrom(const BookPtr& book, const std::vector<LiveRecordPtr>& live);
 // A list whose records are made when they are asked for.
-NSArray* listFrom(const BookPtr& book, Kind kind, std::vector<Book::Place> places);
+NSArray* listFrom(const BookPtr& book, std::vector<Book::Place> places);
 
 // The card of a record, null for nil; its address book.
 LiveRecordPtr liveRecordOf(ABRecord* record);

@@ -10,7 +10,7 @@ using namespace addressbook;
 @interface ABRecordList : NSArray {
     void* _list;
 }
-- (id)initWithBook:(const BookPtr&)book kind:(Kind)kind places:(std::vector<Book::Place>)places;
+- (id)initWithBook:(const BookPtr&)book places:(std::vector<Book::Place>)places;
 @end
 
 namespace {
@@ -25,8 +25,7 @@ struct Slot {
 
 struct List {
     BookPtr book;
-    int edition;
-    Kind kind;
+    std::shared_ptr<const Store> origin; // whose rows the places are
     std::vector<Book::Place> places;
     std::vector<Slot> slots;
 };
@@ -35,10 +34,10 @@ struct List {
 
 @implementation ABRecordList
 
-- (id)initWithBook:(const BookPtr&)book kind:(Kind)kind places:(std::vector<Book::Place>)places {
+- (id)initWithBook:(const BookPtr&)book places:(std::vector<Book::Place>)places {
     if ((self = [super init]) != nil) {
         std::vector<Slot> slots(std::min(places.size(), kSlots));
-        _list = new List{book, book->edition(), kind, std::move(places), std::move(slots)};
+        _list = new List{book, book->store(), std::move(places), std::move(slots)};
     }
     return self;
 }
@@ -66,8 +65,7 @@ struct List {
     if (slot.record == nil || slot.index != index) {
         const auto& place = list.places[index];
         const LiveRecordPtr live =
-            place.record ? place.record
-                         : reading([&] { return list.book->at(place.row, list.kind, list.edition); });
+            place.record ? place.record : reading([&] { return list.book->at(place.row, list.origin); });
         ABRecord* record = [recordFrom(list.book, live) retain];
         [slot.record autorelease]; // whoever asked for it may still use it
         slot = {index, record};
@@ -84,9 +82,9 @@ struct List {
 
 namespace addressbook {
 
-NSArray* listFrom(const BookPtr& book, Kind kind, std::vector<Book::Place> places) {
+NSArray* listFrom(const BookPtr& book, std::vector<Book::Place> places) {
     static Class const type = [ABRecordList class];
-    return [[[type alloc] initWithBook:book kind:kind places:std::move(places)] autorelease];
+    return [[[type alloc] initWithBook:book places:std::move(places)] autorelease];
 }
 
 } // namespace addressbook

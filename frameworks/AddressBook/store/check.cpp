@@ -33,6 +33,7 @@ constexpr Rule kRules[] = {
      "top, member "
      "FROM below JOIN membership ON parent = below.id WHERE kind = 1) SELECT top FROM below WHERE top = id",
      "groups contain themselves"},
+    {"SELECT id FROM record WHERE id IN (SELECT id FROM deleted)", "records are noted as deleted"},
     {"SELECT id FROM definition WHERE property NOT IN (SELECT id FROM property)",
      "definitions of properties belong to no property"},
 };

@@ -138,6 +138,14 @@ std::optional<RecordRef> Store::find(RowId row) const {
     return RecordRef{row, impl_->kindIn(statement, 0), impl_->uidIn(statement, 1)};
 }
 
+std::optional<RecordRef> Store::findDeleted(RowId row) const {
+    auto statement = impl_->db.prepare("SELECT kind, uid FROM deleted WHERE id = ?");
+    statement.bindInteger(row);
+    if (!statement.step())
+        return std::nullopt;
+    return RecordRef{row, impl_->kindIn(statement, 0), impl_->uidIn(statement, 1)};
+}
+
 std::vector<RowId> Store::rows(Kind kind) const {
     auto statement = impl_->db.prepare("SELECT id FROM record WHERE kind = ? ORDER BY id");
     statement.bindInteger(static_cast<int>(kind));

@@ -21,6 +21,8 @@ constexpr std::int64_t kLoggedSaves = 10'000; // saves that the log keeps at lea
 // Saves of this many records and more make sure that the log's lists stay below this many bytes, too.
 constexpr std::size_t kLargeSave = 100;
 constexpr std::int64_t kMostLogBytes = 16 << 20;
+// Of so many deleted records it is known what named them; about 40 bytes each.
+constexpr std::int64_t kMostDeleted = 1'000'000;
 // A save of so few records and memberships may leave the search indexes to a later one, when what they hold
 // of the values that it replaces takes no more than so many bytes.
 constexpr std::size_t kSmallSave = 8;
@@ -155,6 +157,11 @@ void Saver::removeRecord(const std::string& uid) {
     db_.prepare("DELETE FROM membership WHERE member = ?").bindInteger(row->id).exec();
     db_.prepare("DELETE FROM meta WHERE name = 'me' AND value = ?").bindText(uid).exec();
     db_.prepare("DELETE FROM record WHERE id = ?").bindInteger(row->id).exec();
+    const StoredUid stored(uid);
+    auto statement = db_.prepare("INSERT OR REPLACE INTO deleted(id, kind, uid) VALUES (?, ?, ?)");
+    statement.bindInteger(row->id).bindInteger(static_cast<int>(row->kind));
+    stored.bind(statement);
+    statement.exec();
     result_.deleted.push_back(uid);
 }
 
@@ -387,8 +394,12 @@ void Saver::log() {
         flushBacklog(impl_, index_, std::move(replaced_));
     if (tidies)
         tidyTexts(db_);
-    if (tidies || count >= kLargeSave)
-        db_.prepare("DELETE FROM change WHERE id <= ?").bindInteger(result_.change - kLoggedSaves).exec();
+    if (!tidies && count < kLargeSave)
+        return;
+    db_.prepare("DELETE FROM change WHERE id <= ?").bindInteger(result_.change - kLoggedSaves).exec();
+    db_.prepare("DELETE FROM deleted WHERE number <= (SELECT max(number) FROM deleted) - ?")
+        .bindInteger(kMostDeleted)
+        .exec();
     if (count < kLargeSave)
         return;
     db_.prepare("DELETE FROM change WHERE id < ?1 AND id IN (SELECT id FROM (SELECT id, "

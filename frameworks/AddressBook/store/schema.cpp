@@ -101,6 +101,17 @@ constexpr const char* kVersion3 = "ALTER TABLE change ADD COLUMN replaced";
 // Two pieces of the text index that are about as large are enough to be made one (tidyTexts).
 constexpr const char* kVersion4 = "INSERT INTO trigram(trigram, rank) VALUES ('usermerge', 2)";
 
+// What named the records that were deleted, in the order of deleting: lists that were made before have no
+// more than their rows.
+constexpr const char* kVersion5 = R"(
+CREATE TABLE deleted (
+    number INTEGER PRIMARY KEY,
+    id INTEGER NOT NULL UNIQUE,
+    kind INTEGER NOT NULL,
+    uid NOT NULL
+);
+)";
+
 // The rowid of a text, and what SQL here and elsewhere says in numbers.
 static_assert(kMostProperties == 65536 && kTermBytes == 64);
 static_assert(static_cast<int>(Kind::person) == 0 && static_cast<int>(Kind::group) == 1);
@@ -119,6 +130,7 @@ std::span<const Migration> migrations() {
         [](sql::Connection& connection) { connection.execute(kVersion2); },
         [](sql::Connection& connection) { connection.execute(kVersion3); },
         [](sql::Connection& connection) { connection.execute(kVersion4); },
+        [](sql::Connection& connection) { connection.execute(kVersion5); },
     };
     static_assert(std::size(steps) == kSchemaVersion);
     return steps;

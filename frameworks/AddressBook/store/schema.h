@@ -14,7 +14,7 @@ inline constexpr std::int64_t kApplicationId = 0x41424B31; // "ABK1"
 
 // The version that this program writes (PRAGMA user_version). docs/storage.md tells what each version
 // brought.
-inline constexpr std::size_t kSchemaVersion = 4;
+inline constexpr std::size_t kSchemaVersion = 5;
 
 // One step: brings a database of the version before (the first step: an empty one) to the next.
 using Migration = std::function<void(sql::Connection&)>;

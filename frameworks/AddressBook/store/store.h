@@ -124,6 +124,9 @@ class Store {
     // Records. The lists are in the order in which records were added.
     std::optional<RecordRef> find(std::string_view uid) const;
     std::optional<RecordRef> find(RowId row) const;
+    // What named the record that was in this row until it was deleted; nothing when there was none, or more
+    // than a million were deleted since.
+    std::optional<RecordRef> findDeleted(RowId row) const;
     std::vector<RowId> rows(Kind kind) const;
     std::int64_t count(Kind kind) const;
 
