@@ -27,10 +27,11 @@ if(CCACHE)
   endforeach()
 endif()
 
-# velocard_settings: link it PRIVATE to every target of ours. CMake 3.25 knows no standard for GCC's Objective-C++,
-# so the option is given by hand.
+# velocard_settings: link it PRIVATE to every target of ours. CMake 3.25 knows no standards for GCC's Objective-C and
+# Objective-C++, so the options are given by hand.
 add_library(velocard_settings INTERFACE)
 target_compile_options(velocard_settings INTERFACE -Wall -Wextra -Werror
+  "$<$<COMPILE_LANGUAGE:OBJC>:-std=gnu11>"
   "$<$<COMPILE_LANGUAGE:OBJCXX>:-std=c++20>"
   "$<$<COMPILE_LANGUAGE:CXX>:-Wshadow;-Wnon-virtual-dtor;-Woverloaded-virtual>")
 target_include_directories(velocard_settings INTERFACE "${PROJECT_SOURCE_DIR}")

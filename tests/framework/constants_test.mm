@@ -1,8 +1,11 @@
 #include "tests/framework/support.h"
 
 #include "frameworks/AddressBook/values/property.h"
+#include "frameworks/AddressBook/vcard/rules.h"
+#include "frameworks/AddressBook/vcard/vcard.h"
 
 #include <map>
+#include <set>
 
 namespace {
 
@@ -25,6 +28,7 @@ const std::map<std::string_view, NSString*> kProperties = {
     {property::kMaidenName, kABMaidenNameProperty},
     {property::kBirthday, kABBirthdayProperty},
     {property::kOrganization, kABOrganizationProperty},
+    {property::kOrganizationPhonetic, kABOrganizationPhoneticProperty},
     {property::kJobTitle, kABJobTitleProperty},
     {property::kDepartment, kABDepartmentProperty},
     {property::kNote, kABNoteProperty},
@@ -70,7 +74,61 @@ TEST(Constants, LabelsOfListsAreTheGenericOnes) {
     EXPECT_EQ(text(kABHomePageLabel), "_$!<HomePage>!$_");
 }
 
+TEST(Constants, DatePropertiesAreToldAsComponents) {
+    EXPECT_EQ(text(kABBirthdayComponentsProperty), property::kBirthdayComponents);
+    EXPECT_EQ(text(kABOtherDateComponentsProperty), property::kOtherDateComponents);
+    EXPECT_EQ(text(kABAlternateBirthdayComponentsProperty), property::kAlternateBirthdayComponents);
+    EXPECT_EQ([ABPerson typeOfProperty:kABAlternateBirthdayComponentsProperty], kABDateComponentsProperty);
+    EXPECT_EQ([ABPerson typeOfProperty:kABBirthdayComponentsProperty], kABDateComponentsProperty);
+    EXPECT_EQ([ABPerson typeOfProperty:kABOtherDateComponentsProperty], kABMultiDateComponentsProperty);
+    EXPECT_EQ([ABGroup typeOfProperty:kABBirthdayComponentsProperty], kABErrorInProperty);
+    EXPECT_TRUE([[ABPerson properties] containsObject:kABOtherDateComponentsProperty]);
+    EXPECT_FALSE([[ABGroup properties] containsObject:kABOtherDateComponentsProperty]);
+}
+
+TEST(Constants, FieldsAndServicesAreThoseThatVCardsAreReadInto) {
+    EXPECT_EQ(text(kABInstantMessageServiceKey), vcard::kInstantMessageService);
+    EXPECT_EQ(text(kABInstantMessageUsernameKey), vcard::kInstantMessageUsername);
+    EXPECT_EQ(text(kABSocialProfileURLKey), vcard::kSocialProfileUrl);
+    EXPECT_EQ(text(kABSocialProfileUsernameKey), vcard::kSocialProfileUsername);
+    EXPECT_EQ(text(kABSocialProfileUserIdentifierKey), vcard::kSocialProfileIdentifier);
+    EXPECT_EQ(text(kABSocialProfileServiceKey), vcard::kSocialProfileService);
+    std::set<std::string> services;
+    for (const auto& row : vcard::messagingServices())
+        services.emplace(row.name);
+    std::set<std::string> constants;
+    for (NSString* service :
+         {kABInstantMessageServiceAIM, kABInstantMessageServiceFacebook, kABInstantMessageServiceGaduGadu,
+          kABInstantMessageServiceGoogleTalk, kABInstantMessageServiceICQ, kABInstantMessageServiceJabber,
+          kABInstantMessageServiceMSN, kABInstantMessageServiceQQ, kABInstantMessageServiceSkype,
+          kABInstantMessageServiceYahoo})
+        constants.insert(text(service));
+    EXPECT_EQ(constants, services);
+    EXPECT_EQ(text(kABSocialProfileServiceSinaWeibo), "sinaweibo");
+}
+
+TEST(Constants, NamesToShow) {
+    EXPECT_EQ(text(ABLocalizedPropertyOrLabel(kABFirstNameProperty)), "First Name");
+    EXPECT_EQ(text(ABLocalizedPropertyOrLabel(kABPhoneWorkFAXLabel)), "work fax");
+    EXPECT_EQ(text(ABLocalizedPropertyOrLabel(kABPhoneiPhoneLabel)), "iPhone");
+    EXPECT_EQ(text(ABLocalizedPropertyOrLabel(kABAddressZIPKey)), "ZIP");
+    EXPECT_EQ(text(ABLocalizedPropertyOrLabel(kABSocialProfileServiceLinkedIn)), "LinkedIn");
+    EXPECT_EQ(text(ABLocalizedPropertyOrLabel(@"Cottage")), "Cottage");
+    EXPECT_EQ(ABLocalizedPropertyOrLabel(nil), nil);
+    // Every property has a name to show that is no stored one.
+    NSArray* properties = [[ABPerson properties] arrayByAddingObjectsFromArray:[ABGroup properties]];
+    for (NSUInteger i = 0; i < [properties count]; ++i) {
+        NSString* name = [properties objectAtIndex:i];
+        if (![name isEqual:kABPersonFlags]) {
+            EXPECT_EQ(text(ABLocalizedPropertyOrLabel(name)).find("AB"), std::string::npos) << text(name);
+        }
+    }
+}
+
 TEST(Constants, NumbersAreTheKnownOnes) {
+    EXPECT_EQ(kABShowAsResource, 2);
+    EXPECT_EQ(kABShowAsRoom, 3);
+
     EXPECT_EQ(kABMultiDictionaryProperty, 262);
     EXPECT_EQ(kABDateComponentsProperty, 8);
     EXPECT_EQ(kABSuffixMatchCaseInsensitive, 16);

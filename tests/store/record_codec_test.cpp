@@ -145,7 +145,7 @@ TEST(Card, theNumbersOfWordsStay) {
 }
 
 TEST(Properties, haveTheTypesOfTheFramework) {
-    EXPECT_EQ(builtInProperties().size(), 35U);
+    EXPECT_EQ(builtInProperties().size(), 36U);
     EXPECT_EQ(builtInType(Kind::person, "UID"), 1);
     EXPECT_EQ(builtInType(Kind::group, "Modification"), 4);
     EXPECT_EQ(builtInType(Kind::person, "Birthday"), 4);

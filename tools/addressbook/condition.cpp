@@ -321,7 +321,7 @@ class Parser {
             value = whole;
         else if (double real = 0; reads(text, real) && std::isfinite(real))
             value = real;
-        else if (const auto day = text.size() == 10 ? vcard::parseDay(text, vcard::kNoYear) : std::nullopt)
+        else if (const auto day = text.size() == 10 ? vcard::parseDay(text, kNoYear) : std::nullopt)
             value = *day;
         else
             tokens_.failExpecting(what);

@@ -543,10 +543,8 @@ int Book::typeOf(Kind kind, std::string_view property) {
 
 std::vector<std::string> Book::properties(Kind kind) {
     refreshIfStale();
-    std::vector<std::string> names;
-    for (const auto& row : builtInProperties())
-        if (publicType(kind, row.name) != 0)
-            names.emplace_back(row.name);
+    const auto builtIn = builtInNames(kind);
+    std::vector<std::string> names(builtIn.begin(), builtIn.end());
     for (const auto& definition : definitions_)
         if (definition.kind == kind && !isUndefined(kind, definition.name))
             names.push_back(definition.name);

@@ -20,11 +20,15 @@ NSString* const kABNicknameProperty = @"Nickname";
 NSString* const kABMaidenNameProperty = @"MaidenName";
 NSString* const kABBirthdayProperty = @"Birthday";
 NSString* const kABOrganizationProperty = @"Organization";
+NSString* const kABOrganizationPhoneticProperty = @"OrganizationPhonetic";
 NSString* const kABJobTitleProperty = @"JobTitle";
 NSString* const kABDepartmentProperty = @"ABDepartment";
 NSString* const kABNoteProperty = @"Note";
 NSString* const kABHomePageProperty = @"HomePage";
 NSString* const kABPersonFlags = @"ABPersonFlags";
+NSString* const kABBirthdayComponentsProperty = @"BirthdayComponents";
+NSString* const kABAlternateBirthdayComponentsProperty = @"AlternateBirthdayComponents";
+NSString* const kABOtherDateComponentsProperty = @"ABDateComponents";
 
 // Properties of people: lists.
 NSString* const kABURLsProperty = @"URLs";
@@ -53,20 +57,51 @@ NSString* const kABAddressZIPKey = @"ZIP";
 NSString* const kABAddressCountryKey = @"Country";
 NSString* const kABAddressCountryCodeKey = @"CountryCode";
 
+// Fields of an instant message address, and names of services.
+NSString* const kABInstantMessageUsernameKey = @"InstantMessageUsername";
+NSString* const kABInstantMessageServiceKey = @"InstantMessageService";
+NSString* const kABInstantMessageServiceAIM = @"AIM";
+NSString* const kABInstantMessageServiceFacebook = @"Facebook";
+NSString* const kABInstantMessageServiceGaduGadu = @"GaduGadu";
+NSString* const kABInstantMessageServiceGoogleTalk = @"GoogleTalk";
+NSString* const kABInstantMessageServiceICQ = @"ICQ";
+NSString* const kABInstantMessageServiceJabber = @"Jabber";
+NSString* const kABInstantMessageServiceMSN = @"MSN";
+NSString* const kABInstantMessageServiceQQ = @"QQ";
+NSString* const kABInstantMessageServiceSkype = @"Skype";
+NSString* const kABInstantMessageServiceYahoo = @"Yahoo";
+
+// Fields of a social profile, and names of services.
+NSString* const kABSocialProfileURLKey = @"url";
+NSString* const kABSocialProfileUsernameKey = @"username";
+NSString* const kABSocialProfileUserIdentifierKey = @"userIdentifier";
+NSString* const kABSocialProfileServiceKey = @"serviceName";
+NSString* const kABSocialProfileServiceTwitter = @"twitter";
+NSString* const kABSocialProfileServiceFacebook = @"facebook";
+NSString* const kABSocialProfileServiceLinkedIn = @"linkedin";
+NSString* const kABSocialProfileServiceFlickr = @"flickr";
+NSString* const kABSocialProfileServiceMySpace = @"myspace";
+NSString* const kABSocialProfileServiceSinaWeibo = @"sinaweibo";
+NSString* const kABSocialProfileServiceTencentWeibo = @"tencentweibo";
+NSString* const kABSocialProfileServiceYelp = @"yelp";
+
 // Labels that go with any list.
 NSString* const kABHomeLabel = @"_$!<Home>!$_";
 NSString* const kABWorkLabel = @"_$!<Work>!$_";
 NSString* const kABOtherLabel = @"_$!<Other>!$_";
+NSString* const kABMobileMeLabel = @"_$!<MobileMe>!$_";
 
 // Labels of particular lists.
 NSString* const kABHomePageLabel = @"_$!<HomePage>!$_";
 NSString* const kABEmailHomeLabel = @"_$!<Home>!$_";
 NSString* const kABEmailWorkLabel = @"_$!<Work>!$_";
+NSString* const kABEmailMobileMeLabel = @"_$!<MobileMe>!$_";
 NSString* const kABAddressHomeLabel = @"_$!<Home>!$_";
 NSString* const kABAddressWorkLabel = @"_$!<Work>!$_";
 NSString* const kABPhoneHomeLabel = @"_$!<Home>!$_";
 NSString* const kABPhoneWorkLabel = @"_$!<Work>!$_";
 NSString* const kABPhoneMobileLabel = @"_$!<Mobile>!$_";
+NSString* const kABPhoneiPhoneLabel = @"iPhone";
 NSString* const kABPhoneMainLabel = @"_$!<Main>!$_";
 NSString* const kABPhoneHomeFAXLabel = @"_$!<HomeFAX>!$_";
 NSString* const kABPhoneWorkFAXLabel = @"_$!<WorkFAX>!$_";
@@ -85,6 +120,7 @@ NSString* const kABAssistantLabel = @"_$!<Assistant>!$_";
 NSString* const kABManagerLabel = @"_$!<Manager>!$_";
 NSString* const kABAIMHomeLabel = @"_$!<Home>!$_";
 NSString* const kABAIMWorkLabel = @"_$!<Work>!$_";
+NSString* const kABAIMMobileMeLabel = @"_$!<MobileMe>!$_";
 NSString* const kABJabberHomeLabel = @"_$!<Home>!$_";
 NSString* const kABJabberWorkLabel = @"_$!<Work>!$_";
 NSString* const kABMSNHomeLabel = @"_$!<Home>!$_";
@@ -103,3 +139,4 @@ NSString* const kABDeletedRecords = @"ABDeletedRecords";
 
 // The domain of the framework's errors.
 NSString* const ABAddressBookErrorDomain = @"ABAddressBookErrorDomain";
+NSString* const ABMultiValueIdentifiersErrorKey = @"ABMultiValueIdentifiersErrorKey";

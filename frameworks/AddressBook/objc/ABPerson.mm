@@ -71,20 +71,3 @@ using namespace addressbook;
 }
 
 @end
-
-@implementation ABPerson (ABImageLoading)
-
-- (BOOL)setImageData:(NSData*)data {
-    if ([self isReadOnly])
-        return NO;
-    Value picture = data ? requireValue(data, kABDataProperty, @"image") : Value();
-    reading([&] { [self book]->set([self liveRecord], std::string(property::kImage), std::move(picture)); });
-    return YES;
-}
-
-- (NSData*)imageData {
-    const Value picture = reading([&] { return [self book]->value(*[self liveRecord], property::kImage); });
-    return objectFrom(picture);
-}
-
-@end

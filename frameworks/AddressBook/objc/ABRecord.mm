@@ -2,6 +2,7 @@
 #import <AddressBook/ABRecord.h>
 
 #include "frameworks/AddressBook/objc/bridge.h"
+#include "frameworks/AddressBook/objc/date_components.h"
 #include "frameworks/AddressBook/objc/property_types.h"
 #include "frameworks/AddressBook/objc/record.h"
 
@@ -30,6 +31,8 @@ struct State {
 
 // A stored value is turned into an object from its bytes.
 id valueOf(Book& book, LiveRecord& live, const std::string& property) {
+    if (const auto stored = storedForComponents(property))
+        return componentsFrom(book.current(live, *stored));
     const auto encoded = book.encoded(live, property);
     if (!encoded)
         return objectFrom(book.current(live, property));
@@ -38,6 +41,11 @@ id valueOf(Book& book, LiveRecord& live, const std::string& property) {
     } catch (const DamagedRecord& error) {
         book.reportDamage(live, error.what());
     }
+}
+
+bool hasProperty(ABRecord* record, NSString* name) {
+    const BookPtr book = bookOf(record);
+    return reading([&] { return book->typeOf(liveRecordOf(record)->kind, textFrom(name)); }) != 0;
 }
 
 } // namespace
@@ -152,7 +160,7 @@ BookPtr bookOf(ABRecord* record) {
 - (BOOL)setValue:(id)value forProperty:(NSString*)property error:(NSError**)error {
     requireArgument(property, @"A value was set without a property");
     Book& book = *[self book];
-    const std::string name = textFrom(property);
+    std::string name = textFrom(property);
     const int type = reading([&] { return book.typeOf([self liveRecord]->kind, name); });
     if (type == 0)
         return refuse(error, ABPropertyUnsupportedBySourceError,
@@ -162,7 +170,12 @@ BookPtr bookOf(ABRecord* record) {
                       [NSString stringWithFormat:@"The property %@ cannot be set", property]);
     if ([self isReadOnly])
         return refuse(error, ABPropertyReadOnlyError, @"The address book can only be read");
-    Value converted = value ? requireValue(value, type, property) : Value();
+    const auto stored = storedForComponents(name);
+    Value converted;
+    if (value != nil)
+        converted = stored ? requireComponents(value, type, property) : requireValue(value, type, property);
+    if (stored)
+        name = *stored;
     reading([&] { book.set([self liveRecord], name, std::move(converted)); });
     return YES;
 }
@@ -173,6 +186,21 @@ BookPtr bookOf(ABRecord* record) {
 
 - (BOOL)isReadOnly {
     return [self book]->readOnly();
+}
+
+// Properties come first: their names, and those that users give, need no accessor.
+- (id)valueForKey:(NSString*)key {
+    if (key == nil || !hasProperty(self, key))
+        return [super valueForKey:key];
+    return [self valueForProperty:key];
+}
+
+- (void)setValue:(id)value forKey:(NSString*)key {
+    NSError* error = nil;
+    if (key == nil || !hasProperty(self, key))
+        [super setValue:value forKey:key];
+    else if (![self setValue:value forProperty:key error:&error])
+        raiseInvalid([error localizedDescription]);
 }
 
 - (NSString*)description {

@@ -1,6 +1,7 @@
 #include "frameworks/AddressBook/objc/property_types.h"
 
 #include "frameworks/AddressBook/objc/bridge.h"
+#include "frameworks/AddressBook/objc/date_components.h"
 
 namespace addressbook {
 
@@ -89,9 +90,8 @@ NSArray* propertyNames(Kind kind) {
         for (const auto& name : reading([&] { return book->properties(kind); }))
             [names addObject:stringFrom(name)];
     } else {
-        for (const auto& row : builtInProperties())
-            if (publicType(kind, row.name) != 0)
-                [names addObject:stringFrom(row.name)];
+        for (const auto name : builtInNames(kind))
+            [names addObject:stringFrom(name)];
     }
     return [[names copy] autorelease];
 }
@@ -121,6 +121,11 @@ ABSearchElement* searchElement(Kind kind, NSString* property, NSString* label, N
     Condition condition;
     condition.kind = kind;
     condition.property = textFrom(property);
+    if (const auto stored = storedForComponents(condition.property)) {
+        if ([value isKindOfClass:[NSDateComponents class]])
+            sought = soughtComponents(value, property);
+        condition.property = *stored;
+    }
     if (label != nil)
         condition.label = textFrom(label);
     if (key != nil)

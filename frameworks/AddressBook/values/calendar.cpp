@@ -83,6 +83,29 @@ std::optional<std::int64_t> localDay(Date date) {
     return dayNumber(std::int64_t{parts.tm_year} + 1900, {parts.tm_mon + 1, parts.tm_mday});
 }
 
+Date localNoon(int year, MonthDay day) {
+    std::tm parts{};
+    parts.tm_year = year - 1900;
+    parts.tm_mon = day.month - 1;
+    parts.tm_mday = day.day;
+    parts.tm_hour = 12;
+    parts.tm_isdst = -1;
+    return Date{static_cast<double>(std::mktime(&parts)) - kReferenceDate};
+}
+
+std::optional<DateComponents> dayParts(Date date) {
+    const auto number = localDay(date);
+    if (!number)
+        return std::nullopt;
+    const Civil day = civil(*number);
+    DateComponents parts;
+    parts.month = day.day.month;
+    parts.day = day.day.day;
+    if (day.year != kNoYear)
+        parts.year = static_cast<int>(day.year);
+    return parts;
+}
+
 std::optional<std::int64_t> dayOf(const Value& value) {
     if (const auto* date = value.as<Date>())
         return localDay(*date);

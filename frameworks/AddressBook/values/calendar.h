@@ -40,6 +40,16 @@ std::optional<std::int64_t> utcDay(Date date);
 // The local day of a moment; none for what is no moment (NaN, infinite, beyond the calendar).
 std::optional<std::int64_t> localDay(Date date);
 
+// The year that stands for "no year" in a date; it is a leap year, so 29 February exists.
+inline constexpr int kNoYear = 1604;
+
+// The noon, in local time, of a day: what dates without a time are stored as.
+Date localNoon(int year, MonthDay day);
+
+// The local day of a moment as year, month and day, without the year when that is kNoYear; none for what is
+// no moment.
+std::optional<DateComponents> dayParts(Date date);
+
 // The day that a value names: of a date its local day, of components their year, month and day.
 std::optional<std::int64_t> dayOf(const Value& value);
 

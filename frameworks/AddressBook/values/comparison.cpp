@@ -86,6 +86,12 @@ std::partial_ordering compareOrdered(const Value& a, const Value& b) {
     const auto* dateB = b.as<Date>();
     if (dateA != nullptr && dateB != nullptr)
         return *dateA <=> *dateB;
+    if (dateA != nullptr && b.as<DateComponents>() != nullptr)
+        if (const auto parts = dayParts(*dateA)) {
+            const auto dayA = dayOf(*parts);
+            const auto dayB = dayOf(b);
+            return dayA && dayB ? std::partial_ordering(*dayA <=> *dayB) : std::partial_ordering::unordered;
+        }
     return std::partial_ordering::unordered;
 }
 
@@ -95,6 +101,11 @@ bool same(const Value& a, const Value& b) {
     if (const auto* text = a.as<std::string>()) {
         const auto* other = b.as<std::string>();
         return other != nullptr && (*text == *other || normalize(*text) == normalize(*other));
+    }
+    if (const auto* wanted = b.as<DateComponents>(); wanted != nullptr && a.as<Date>() != nullptr) {
+        const auto parts = dayParts(*a.as<Date>());
+        return parts && parts->year == wanted->year && parts->month == wanted->month &&
+               parts->day == wanted->day;
     }
     if (isNumber(a) || a.as<Date>() != nullptr)
         return compareOrdered(a, b) == 0;

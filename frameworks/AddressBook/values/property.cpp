@@ -11,6 +11,7 @@ constexpr int kInteger = static_cast<int>(Type::integer);
 constexpr int kDate = static_cast<int>(Type::date);
 constexpr int kData = static_cast<int>(Type::data);
 constexpr int kArray = static_cast<int>(Type::array);
+constexpr int kDateComponents = static_cast<int>(Type::dateComponents);
 constexpr int kDictionary = static_cast<int>(Type::dictionary);
 constexpr int kStrings = kString + kMultiValue;
 constexpr int kDates = kDate + kMultiValue;
@@ -34,6 +35,7 @@ constexpr std::array kBuiltIn{
     BuiltInProperty{p::kMaidenName, kString, Scope::person},
     BuiltInProperty{p::kBirthday, kDate, Scope::person},
     BuiltInProperty{p::kOrganization, kString, Scope::person},
+    BuiltInProperty{p::kOrganizationPhonetic, kString, Scope::person},
     BuiltInProperty{p::kJobTitle, kString, Scope::person},
     BuiltInProperty{p::kDepartment, kString, Scope::person},
     BuiltInProperty{p::kNote, kString, Scope::person},
@@ -56,6 +58,18 @@ constexpr std::array kBuiltIn{
     BuiltInProperty{p::kGroupName, kString, Scope::group},
 };
 
+// Properties of people whose values the framework tells as date components, and where they are stored.
+struct ComponentsProperty {
+    std::string_view name;
+    int type;
+    std::string_view stored;
+};
+constexpr std::array kComponents{
+    ComponentsProperty{p::kBirthdayComponents, kDateComponents, p::kBirthday},
+    ComponentsProperty{p::kAlternateBirthdayComponents, kDateComponents, p::kAlternateBirthdayComponents},
+    ComponentsProperty{p::kOtherDateComponents, kDateComponents + kMultiValue, p::kOtherDates},
+};
+
 // Not listed to anybody, but of a known type.
 constexpr std::array kInternal{
     BuiltInProperty{p::kImage, kData, Scope::person},
@@ -64,6 +78,10 @@ constexpr std::array kInternal{
 };
 
 constexpr bool namesDiffer() {
+    for (const auto& row : kComponents)
+        for (const auto& other : kBuiltIn)
+            if (row.name == other.name)
+                return false;
     for (std::size_t i = 0; i < kBuiltIn.size(); ++i)
         for (std::size_t j = i + 1; j < kBuiltIn.size(); ++j)
             if (kBuiltIn[i].name == kBuiltIn[j].name)
@@ -82,7 +100,29 @@ std::span<const BuiltInProperty> builtInProperties() {
     return kBuiltIn;
 }
 
+std::optional<std::string_view> storedForComponents(std::string_view name) {
+    for (const auto& row : kComponents)
+        if (row.name == name)
+            return row.stored;
+    return std::nullopt;
+}
+
+std::vector<std::string_view> builtInNames(Kind kind) {
+    std::vector<std::string_view> names;
+    for (const auto& row : kBuiltIn)
+        if (has(row.scope, kind))
+            names.push_back(row.name);
+    if (kind == Kind::person)
+        for (const auto& row : kComponents)
+            names.push_back(row.name);
+    return names;
+}
+
 int builtInType(Kind kind, std::string_view name) {
+    if (kind == Kind::person)
+        for (const auto& row : kComponents)
+            if (row.name == name)
+                return row.type;
     const auto type = [&](const auto& table) {
         const auto* const row =
             std::find_if(table.begin(), table.end(), [&](const BuiltInProperty& candidate) {

@@ -5,9 +5,11 @@
 
 #include "frameworks/AddressBook/values/value.h"
 
+#include <optional>
 #include <span>
 #include <string>
 #include <string_view>
+#include <vector>
 
 namespace addressbook {
 
@@ -24,6 +26,14 @@ struct BuiltInProperty {
 // Every built-in property in the framework's order.
 std::span<const BuiltInProperty> builtInProperties();
 
+// The property of people that holds what a property of date components tells: the dates themselves, of which
+// the components are the days, or for the alternate birthday a dictionary, as components alone do not say by
+// which calendar they count. None for any other property.
+std::optional<std::string_view> storedForComponents(std::string_view name);
+
+// The names of all properties of a kind that users see before they add some.
+std::vector<std::string_view> builtInNames(Kind kind);
+
 // A property that users added to people or groups.
 struct PropertyDefinition {
     Kind kind = Kind::person;
@@ -32,7 +42,7 @@ struct PropertyDefinition {
     bool operator==(const PropertyDefinition&) const = default;
 };
 
-// The type of a built-in or internal property, 0 when [kind] has no such property.
+// The type of a built-in, components or internal property, 0 when [kind] has no such property.
 int builtInType(Kind kind, std::string_view name);
 
 // Whether only this framework knows properties of this name (a leading dot): they are never listed or
@@ -56,7 +66,10 @@ inline constexpr std::string_view kSuffix = "Suffix";
 inline constexpr std::string_view kNickname = "Nickname";
 inline constexpr std::string_view kMaidenName = "MaidenName";
 inline constexpr std::string_view kBirthday = "Birthday";
+inline constexpr std::string_view kBirthdayComponents = "BirthdayComponents";
+inline constexpr std::string_view kAlternateBirthdayComponents = "AlternateBirthdayComponents";
 inline constexpr std::string_view kOrganization = "Organization";
+inline constexpr std::string_view kOrganizationPhonetic = "OrganizationPhonetic";
 inline constexpr std::string_view kJobTitle = "JobTitle";
 inline constexpr std::string_view kDepartment = "ABDepartment";
 inline constexpr std::string_view kNote = "Note";
@@ -74,6 +87,7 @@ inline constexpr std::string_view kYahoo = "YahooInstant";
 inline constexpr std::string_view kIcq = "ICQInstant";
 inline constexpr std::string_view kAddress = "Address";
 inline constexpr std::string_view kOtherDates = "ABDate";
+inline constexpr std::string_view kOtherDateComponents = "ABDateComponents";
 inline constexpr std::string_view kSocialProfile = "SocialProfile";
 inline constexpr std::string_view kInstantMessage = "InstantMessage";
 inline constexpr std::string_view kGroupName = "GroupName";

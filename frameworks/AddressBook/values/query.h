@@ -15,11 +15,12 @@
 // comparison never.
 //
 // How values compare. A value of another type than the wanted one never meets a comparison; integers and
-// reals are one type and compare exactly.
+// reals are one type and compare exactly, and dates compare with wanted date components by their local day.
 // - Text compares in composed form (NFC), so canonically equivalent text is equal. The comparisons that
 //   ignore case compare with full Unicode case folding. Accents always count. Order is that of code points.
 // - Equality is for every type, item by item in arrays and dictionaries; case is ignored in text alone.
-// - Order is for text, numbers and dates; contained text, prefix and suffix are for text.
+//   A date without a year equals components without one.
+// - Order is for text, numbers and dates with a year; contained text, prefix and suffix are for text.
 // - A bit field matches when (value & wanted) == wanted; both are integers.
 // - The interval comparisons take a number of seconds. The n whole days in it are compared with the calendar
 //   days from today to a date or to date components. Around today: at most n before or after, none for n < 0.

@@ -1,11 +1,9 @@
 #include "frameworks/AddressBook/vcard/dates.h"
 
-#include "frameworks/AddressBook/values/calendar.h"
 #include "frameworks/AddressBook/vcard/encoding.h"
 
 #include <array>
 #include <cstdio>
-#include <ctime>
 
 namespace addressbook::vcard {
 
@@ -55,13 +53,7 @@ std::optional<Date> parseDay(std::string_view text, int omittedYear) {
         year = kNoYear;
     if (month < 1 || month > 12 || day < 1 || day > daysIn(year, month))
         return std::nullopt;
-    std::tm parts{};
-    parts.tm_year = year - 1900;
-    parts.tm_mon = month - 1;
-    parts.tm_mday = day;
-    parts.tm_hour = 12;
-    parts.tm_isdst = -1;
-    return Date{static_cast<double>(std::mktime(&parts)) - kReferenceDate};
+    return localNoon(year, {month, day});
 }
 
 std::optional<std::string> dayText(Date date) {

@@ -3,16 +3,13 @@
 // Dates without a time: how vCards write them, and the noon of that day in local time as which they are
 // stored.
 
-#include "frameworks/AddressBook/values/value.h"
+#include "frameworks/AddressBook/values/calendar.h"
 
 #include <optional>
 #include <string>
 #include <string_view>
 
 namespace addressbook::vcard {
-
-// The year that stands for "no year"; it is a leap year, so 29 February exists.
-inline constexpr int kNoYear = 1604;
 
 // The moment for "1980-03-22", "19800322", "--03-22", "--0322" or one of them with a time behind it, which is
 // dropped; nothing when it is no such date. A year of [omittedYear] counts as none.

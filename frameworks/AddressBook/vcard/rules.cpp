@@ -23,6 +23,7 @@ constexpr std::array kRules{
     Rule{"X-PHONETIC-FIRST-NAME", text, property::kFirstPhonetic, ""},
     Rule{"X-PHONETIC-MIDDLE-NAME", text, property::kMiddlePhonetic, ""},
     Rule{"X-PHONETIC-LAST-NAME", text, property::kLastPhonetic, ""},
+    Rule{"X-PHONETIC-ORG", text, property::kOrganizationPhonetic, ""},
     Rule{"SOUND", phoneticName, property::kLastPhonetic, "", false},
     Rule{"ORG", organization, property::kOrganization, ""},
     Rule{"TITLE", text, property::kJobTitle, ""},

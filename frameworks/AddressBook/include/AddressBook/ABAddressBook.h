@@ -1,5 +1,6 @@
 #pragma once
 
+#import <AddressBook/ABGlobals.h>
 #import <AddressBook/ABTypedefs.h>
 #import <Foundation/Foundation.h>
 
@@ -59,5 +60,14 @@
 
 // kABFirstNameFirst or kABLastNameFirst.
 - (NSInteger)defaultNameOrdering;
+
+@end
+
+@interface ABAddressBook (ABFormattedAddress)
+
+// An address (kABAddressStreetKey and so on) in lines, as it is written in the country of its country code,
+// or in the default country when it has none. Each field that is there has, over its range, an attribute
+// named by its key with that country's word for it: "ZIP", "Postal Code", "Code Postal". nil for nil.
+- (NSAttributedString*)formattedAddressFromDictionary:(NSDictionary*)address;
 
 @end

@@ -1,126 +1,184 @@
 #pragma once
 
-#import <Foundation/Foundation.h>
+#include <AddressBook/ABTypedefs.h>
 
 // Properties of every record.
-FOUNDATION_EXPORT NSString* const kABUIDProperty;
-FOUNDATION_EXPORT NSString* const kABCreationDateProperty;
-FOUNDATION_EXPORT NSString* const kABModificationDateProperty;
+AB_EXTERN AB_STRING const kABUIDProperty;
+AB_EXTERN AB_STRING const kABCreationDateProperty;
+AB_EXTERN AB_STRING const kABModificationDateProperty;
 
 // Properties of people: single values.
-FOUNDATION_EXPORT NSString* const kABFirstNameProperty;
-FOUNDATION_EXPORT NSString* const kABLastNameProperty;
-FOUNDATION_EXPORT NSString* const kABFirstNamePhoneticProperty;
-FOUNDATION_EXPORT NSString* const kABLastNamePhoneticProperty;
-FOUNDATION_EXPORT NSString* const kABMiddleNameProperty;
-FOUNDATION_EXPORT NSString* const kABMiddleNamePhoneticProperty;
-FOUNDATION_EXPORT NSString* const kABTitleProperty;
-FOUNDATION_EXPORT NSString* const kABSuffixProperty;
-FOUNDATION_EXPORT NSString* const kABNicknameProperty;
-FOUNDATION_EXPORT NSString* const kABMaidenNameProperty;
-FOUNDATION_EXPORT NSString* const kABBirthdayProperty;
-FOUNDATION_EXPORT NSString* const kABOrganizationProperty;
-FOUNDATION_EXPORT NSString* const kABJobTitleProperty;
-FOUNDATION_EXPORT NSString* const kABDepartmentProperty;
-FOUNDATION_EXPORT NSString* const kABNoteProperty;
-FOUNDATION_EXPORT NSString* const kABHomePageProperty;
-FOUNDATION_EXPORT NSString* const kABPersonFlags;
+AB_EXTERN AB_STRING const kABFirstNameProperty;
+AB_EXTERN AB_STRING const kABLastNameProperty;
+AB_EXTERN AB_STRING const kABFirstNamePhoneticProperty;
+AB_EXTERN AB_STRING const kABLastNamePhoneticProperty;
+AB_EXTERN AB_STRING const kABMiddleNameProperty;
+AB_EXTERN AB_STRING const kABMiddleNamePhoneticProperty;
+AB_EXTERN AB_STRING const kABTitleProperty;
+AB_EXTERN AB_STRING const kABSuffixProperty;
+AB_EXTERN AB_STRING const kABNicknameProperty;
+AB_EXTERN AB_STRING const kABMaidenNameProperty;
+AB_EXTERN AB_STRING const kABBirthdayProperty;
+AB_EXTERN AB_STRING const kABOrganizationProperty;
+AB_EXTERN AB_STRING const kABOrganizationPhoneticProperty;
+AB_EXTERN AB_STRING const kABJobTitleProperty;
+AB_EXTERN AB_STRING const kABDepartmentProperty;
+AB_EXTERN AB_STRING const kABNoteProperty;
+// Deprecated: kABURLsProperty has any number of them.
+AB_EXTERN AB_STRING const kABHomePageProperty;
+AB_EXTERN AB_STRING const kABPersonFlags;
+
+// Dates as date components (NSDateComponents with a month and a day). The birthday and the other dates are
+// those of kABBirthdayProperty and kABOtherDatesProperty, told by the day and, where a date has one, the
+// year: setting either sets the other, labels and identifiers are the same. Of components set only the day
+// counts, in their calendar (Gregorian when they name none); components without a year make a date in 1604,
+// which is how a date without a year is stored. The alternate birthday, by another calendar, stands for
+// itself and keeps era, year, month (leap months too), day, time and calendar.
+AB_EXTERN AB_STRING const kABBirthdayComponentsProperty;
+AB_EXTERN AB_STRING const kABAlternateBirthdayComponentsProperty;
+AB_EXTERN AB_STRING const kABOtherDateComponentsProperty;
 
 // Properties of people: lists.
-FOUNDATION_EXPORT NSString* const kABURLsProperty;
-FOUNDATION_EXPORT NSString* const kABCalendarURIsProperty;
-FOUNDATION_EXPORT NSString* const kABEmailProperty;
-FOUNDATION_EXPORT NSString* const kABPhoneProperty;
-FOUNDATION_EXPORT NSString* const kABRelatedNamesProperty;
-FOUNDATION_EXPORT NSString* const kABAIMInstantProperty;
-FOUNDATION_EXPORT NSString* const kABJabberInstantProperty;
-FOUNDATION_EXPORT NSString* const kABMSNInstantProperty;
-FOUNDATION_EXPORT NSString* const kABYahooInstantProperty;
-FOUNDATION_EXPORT NSString* const kABICQInstantProperty;
-FOUNDATION_EXPORT NSString* const kABAddressProperty;
-FOUNDATION_EXPORT NSString* const kABOtherDatesProperty;
-FOUNDATION_EXPORT NSString* const kABSocialProfileProperty;
-FOUNDATION_EXPORT NSString* const kABInstantMessageProperty;
+AB_EXTERN AB_STRING const kABURLsProperty;
+AB_EXTERN AB_STRING const kABCalendarURIsProperty;
+AB_EXTERN AB_STRING const kABEmailProperty;
+AB_EXTERN AB_STRING const kABPhoneProperty;
+AB_EXTERN AB_STRING const kABRelatedNamesProperty;
+// The five services that have a property each. macOS has deprecated them for kABInstantMessageProperty; here
+// each keeps its own entries.
+AB_EXTERN AB_STRING const kABAIMInstantProperty;
+AB_EXTERN AB_STRING const kABJabberInstantProperty;
+AB_EXTERN AB_STRING const kABMSNInstantProperty;
+AB_EXTERN AB_STRING const kABYahooInstantProperty;
+AB_EXTERN AB_STRING const kABICQInstantProperty;
+AB_EXTERN AB_STRING const kABAddressProperty;
+AB_EXTERN AB_STRING const kABOtherDatesProperty;
+AB_EXTERN AB_STRING const kABSocialProfileProperty;
+AB_EXTERN AB_STRING const kABInstantMessageProperty;
 
 // The property of groups.
-FOUNDATION_EXPORT NSString* const kABGroupNameProperty;
+AB_EXTERN AB_STRING const kABGroupNameProperty;
 
 // Fields of an address.
-FOUNDATION_EXPORT NSString* const kABAddressStreetKey;
-FOUNDATION_EXPORT NSString* const kABAddressCityKey;
-FOUNDATION_EXPORT NSString* const kABAddressStateKey;
-FOUNDATION_EXPORT NSString* const kABAddressZIPKey;
-FOUNDATION_EXPORT NSString* const kABAddressCountryKey;
-FOUNDATION_EXPORT NSString* const kABAddressCountryCodeKey;
+AB_EXTERN AB_STRING const kABAddressStreetKey;
+AB_EXTERN AB_STRING const kABAddressCityKey;
+AB_EXTERN AB_STRING const kABAddressStateKey;
+AB_EXTERN AB_STRING const kABAddressZIPKey;
+AB_EXTERN AB_STRING const kABAddressCountryKey;
+AB_EXTERN AB_STRING const kABAddressCountryCodeKey;
+
+// Fields of an instant message address, and names of services. A service may be any text.
+AB_EXTERN AB_STRING const kABInstantMessageUsernameKey;
+AB_EXTERN AB_STRING const kABInstantMessageServiceKey;
+AB_EXTERN AB_STRING const kABInstantMessageServiceAIM;
+AB_EXTERN AB_STRING const kABInstantMessageServiceFacebook;
+AB_EXTERN AB_STRING const kABInstantMessageServiceGaduGadu;
+AB_EXTERN AB_STRING const kABInstantMessageServiceGoogleTalk;
+AB_EXTERN AB_STRING const kABInstantMessageServiceICQ;
+AB_EXTERN AB_STRING const kABInstantMessageServiceJabber;
+AB_EXTERN AB_STRING const kABInstantMessageServiceMSN;
+AB_EXTERN AB_STRING const kABInstantMessageServiceQQ;
+AB_EXTERN AB_STRING const kABInstantMessageServiceSkype;
+AB_EXTERN AB_STRING const kABInstantMessageServiceYahoo;
+
+// Fields of a social profile, and names of services. A service may be any text.
+AB_EXTERN AB_STRING const kABSocialProfileURLKey;
+AB_EXTERN AB_STRING const kABSocialProfileUsernameKey;
+AB_EXTERN AB_STRING const kABSocialProfileUserIdentifierKey;
+AB_EXTERN AB_STRING const kABSocialProfileServiceKey;
+AB_EXTERN AB_STRING const kABSocialProfileServiceTwitter;
+AB_EXTERN AB_STRING const kABSocialProfileServiceFacebook;
+AB_EXTERN AB_STRING const kABSocialProfileServiceLinkedIn;
+AB_EXTERN AB_STRING const kABSocialProfileServiceFlickr;
+AB_EXTERN AB_STRING const kABSocialProfileServiceMySpace;
+AB_EXTERN AB_STRING const kABSocialProfileServiceSinaWeibo;
+AB_EXTERN AB_STRING const kABSocialProfileServiceTencentWeibo;
+AB_EXTERN AB_STRING const kABSocialProfileServiceYelp;
 
 // Labels that go with any list.
-FOUNDATION_EXPORT NSString* const kABHomeLabel;
-FOUNDATION_EXPORT NSString* const kABWorkLabel;
-FOUNDATION_EXPORT NSString* const kABOtherLabel;
+AB_EXTERN AB_STRING const kABHomeLabel;
+AB_EXTERN AB_STRING const kABWorkLabel;
+AB_EXTERN AB_STRING const kABOtherLabel;
+AB_EXTERN AB_STRING const kABMobileMeLabel;
 
 // Labels of particular lists.
-FOUNDATION_EXPORT NSString* const kABHomePageLabel;
-FOUNDATION_EXPORT NSString* const kABEmailHomeLabel;
-FOUNDATION_EXPORT NSString* const kABEmailWorkLabel;
-FOUNDATION_EXPORT NSString* const kABAddressHomeLabel;
-FOUNDATION_EXPORT NSString* const kABAddressWorkLabel;
-FOUNDATION_EXPORT NSString* const kABPhoneHomeLabel;
-FOUNDATION_EXPORT NSString* const kABPhoneWorkLabel;
-FOUNDATION_EXPORT NSString* const kABPhoneMobileLabel;
-FOUNDATION_EXPORT NSString* const kABPhoneMainLabel;
-FOUNDATION_EXPORT NSString* const kABPhoneHomeFAXLabel;
-FOUNDATION_EXPORT NSString* const kABPhoneWorkFAXLabel;
-FOUNDATION_EXPORT NSString* const kABPhonePagerLabel;
-FOUNDATION_EXPORT NSString* const kABAnniversaryLabel;
-FOUNDATION_EXPORT NSString* const kABFatherLabel;
-FOUNDATION_EXPORT NSString* const kABMotherLabel;
-FOUNDATION_EXPORT NSString* const kABParentLabel;
-FOUNDATION_EXPORT NSString* const kABBrotherLabel;
-FOUNDATION_EXPORT NSString* const kABSisterLabel;
-FOUNDATION_EXPORT NSString* const kABChildLabel;
-FOUNDATION_EXPORT NSString* const kABFriendLabel;
-FOUNDATION_EXPORT NSString* const kABSpouseLabel;
-FOUNDATION_EXPORT NSString* const kABPartnerLabel;
-FOUNDATION_EXPORT NSString* const kABAssistantLabel;
-FOUNDATION_EXPORT NSString* const kABManagerLabel;
-FOUNDATION_EXPORT NSString* const kABAIMHomeLabel;
-FOUNDATION_EXPORT NSString* const kABAIMWorkLabel;
-FOUNDATION_EXPORT NSString* const kABJabberHomeLabel;
-FOUNDATION_EXPORT NSString* const kABJabberWorkLabel;
-FOUNDATION_EXPORT NSString* const kABMSNHomeLabel;
-FOUNDATION_EXPORT NSString* const kABMSNWorkLabel;
-FOUNDATION_EXPORT NSString* const kABYahooHomeLabel;
-FOUNDATION_EXPORT NSString* const kABYahooWorkLabel;
-FOUNDATION_EXPORT NSString* const kABICQHomeLabel;
-FOUNDATION_EXPORT NSString* const kABICQWorkLabel;
+AB_EXTERN AB_STRING const kABHomePageLabel;
+AB_EXTERN AB_STRING const kABEmailHomeLabel;
+AB_EXTERN AB_STRING const kABEmailWorkLabel;
+AB_EXTERN AB_STRING const kABEmailMobileMeLabel;
+AB_EXTERN AB_STRING const kABAddressHomeLabel;
+AB_EXTERN AB_STRING const kABAddressWorkLabel;
+AB_EXTERN AB_STRING const kABPhoneHomeLabel;
+AB_EXTERN AB_STRING const kABPhoneWorkLabel;
+AB_EXTERN AB_STRING const kABPhoneMobileLabel;
+AB_EXTERN AB_STRING const kABPhoneiPhoneLabel;
+AB_EXTERN AB_STRING const kABPhoneMainLabel;
+AB_EXTERN AB_STRING const kABPhoneHomeFAXLabel;
+AB_EXTERN AB_STRING const kABPhoneWorkFAXLabel;
+AB_EXTERN AB_STRING const kABPhonePagerLabel;
+AB_EXTERN AB_STRING const kABAnniversaryLabel;
+AB_EXTERN AB_STRING const kABFatherLabel;
+AB_EXTERN AB_STRING const kABMotherLabel;
+AB_EXTERN AB_STRING const kABParentLabel;
+AB_EXTERN AB_STRING const kABBrotherLabel;
+AB_EXTERN AB_STRING const kABSisterLabel;
+AB_EXTERN AB_STRING const kABChildLabel;
+AB_EXTERN AB_STRING const kABFriendLabel;
+AB_EXTERN AB_STRING const kABSpouseLabel;
+AB_EXTERN AB_STRING const kABPartnerLabel;
+AB_EXTERN AB_STRING const kABAssistantLabel;
+AB_EXTERN AB_STRING const kABManagerLabel;
+AB_EXTERN AB_STRING const kABAIMHomeLabel;
+AB_EXTERN AB_STRING const kABAIMWorkLabel;
+AB_EXTERN AB_STRING const kABAIMMobileMeLabel;
+AB_EXTERN AB_STRING const kABJabberHomeLabel;
+AB_EXTERN AB_STRING const kABJabberWorkLabel;
+AB_EXTERN AB_STRING const kABMSNHomeLabel;
+AB_EXTERN AB_STRING const kABMSNWorkLabel;
+AB_EXTERN AB_STRING const kABYahooHomeLabel;
+AB_EXTERN AB_STRING const kABYahooWorkLabel;
+AB_EXTERN AB_STRING const kABICQHomeLabel;
+AB_EXTERN AB_STRING const kABICQWorkLabel;
 
 // Sent by the default notification center after this process saved, on the thread that saved; and after
 // another process did, on a thread of the framework's: one for each save, in their order, from the first call
 // of sharedAddressBook on. The user info may hold arrays of unique ids under the three keys. None of them:
 // everything may have changed.
-FOUNDATION_EXPORT NSString* const kABDatabaseChangedNotification;
-FOUNDATION_EXPORT NSString* const kABDatabaseChangedExternallyNotification;
-FOUNDATION_EXPORT NSString* const kABInsertedRecords;
-FOUNDATION_EXPORT NSString* const kABUpdatedRecords;
-FOUNDATION_EXPORT NSString* const kABDeletedRecords;
+AB_EXTERN AB_STRING const kABDatabaseChangedNotification;
+AB_EXTERN AB_STRING const kABDatabaseChangedExternallyNotification;
+AB_EXTERN AB_STRING const kABInsertedRecords;
+AB_EXTERN AB_STRING const kABUpdatedRecords;
+AB_EXTERN AB_STRING const kABDeletedRecords;
 
 // The low three bits of the person flags say what the card is, the next three in which order its name is
 // shown.
 #define kABShowAsMask 7
 #define kABShowAsPerson 0
 #define kABShowAsCompany 1
+#define kABShowAsResource 2
+#define kABShowAsRoom 3
 #define kABNameOrderingMask 070
 #define kABDefaultNameOrdering 0
 #define kABLastNameFirst 020
 #define kABFirstNameFirst 040
 
 // Errors of the framework.
-FOUNDATION_EXPORT NSString* const ABAddressBookErrorDomain;
+AB_EXTERN AB_STRING const ABAddressBookErrorDomain;
 
-enum {
+// In an error's user info: an array of identifiers, those of the entries of a multi-value that are not valid.
+// This framework raises for such entries instead and never sets it.
+AB_EXTERN AB_STRING const ABMultiValueIdentifiersErrorKey;
+
+enum _ABAddressBookErrorCode {
     ABAddRecordsError = 1001,
     ABRemoveRecordsError = 1002,
     ABPropertyValueValidationError = 1012,
     ABPropertyUnsupportedBySourceError = 1013,
     ABPropertyReadOnlyError = 1014
 };
+
+#ifdef __OBJC__
+// The name to show, in English, for the name of a built-in property, a label or a key of a dictionary: "First
+// Name", "work fax", "ZIP". Anything else, a label of the user's own say, is its own name; nil for nil.
+AB_EXTERN NSString* ABLocalizedPropertyOrLabel(NSString* propertyOrLabel);
+#endif

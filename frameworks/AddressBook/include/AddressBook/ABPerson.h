@@ -45,11 +45,3 @@
 - (NSData*)vCardRepresentation;
 
 @end
-
-@interface ABPerson (ABImageLoading)
-
-// The picture, byte for byte as it was set; nil removes it.
-- (BOOL)setImageData:(NSData*)data;
-- (NSData*)imageData;
-
-@end

@@ -31,6 +31,12 @@
 
 - (BOOL)isReadOnly;
 
+// Key-value coding, so that sort descriptors and predicates take names of properties: the value of that
+// property, added ones included. Any other key is looked up as everywhere (uniqueId, displayName). Setting a
+// property that cannot be set raises NSInvalidArgumentException.
+- (id)valueForKey:(NSString*)key;
+- (void)setValue:(id)value forKey:(NSString*)key;
+
 @end
 
 @interface ABRecord (ABRecord_Convenience)

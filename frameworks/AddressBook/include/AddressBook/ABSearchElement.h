@@ -1,5 +1,6 @@
 #pragma once
 
+#import <AddressBook/ABGlobals.h>
 #import <AddressBook/ABTypedefs.h>
 #import <Foundation/Foundation.h>
 

@@ -1,12 +1,31 @@
 #pragma once
 
+// For Objective-C and for C: both see the same constants, as objects of Foundation or of Core Foundation.
+#ifdef __OBJC__
 #import <Foundation/Foundation.h>
+typedef NSInteger ABPropertyType;
+typedef NSInteger ABSearchComparison;
+typedef NSInteger ABSearchConjunction;
+#define AB_STRING NSString*
+#else
+#include <CoreFoundation/CoreFoundation.h>
+typedef CFIndex ABPropertyType;
+typedef CFIndex ABSearchComparison;
+typedef CFIndex ABSearchConjunction;
+#define AB_STRING CFStringRef
+#endif
+
+#ifdef __cplusplus
+#define AB_EXTERN extern "C"
+#else
+#define AB_EXTERN extern
+#endif
 
 // A property's type; a property that holds a list of entries has the type of its entries and the multi-value
 // bit.
 #define kABMultiValueMask 0x100
 
-enum {
+enum _ABPropertyType {
     kABErrorInProperty = 0,
     kABStringProperty = 1,
     kABIntegerProperty = 2,
@@ -25,11 +44,10 @@ enum {
     kABMultiDataProperty = kABMultiValueMask | kABDataProperty,
     kABMultiDateComponentsProperty = kABMultiValueMask | kABDateComponentsProperty
 };
-typedef NSInteger ABPropertyType;
 
 // How a search compares a property with a value. The interval comparisons take a number of seconds;
 // "Yearless" ignores the year, as for birthdays.
-enum {
+enum _ABSearchComparison {
     kABEqual = 0,
     kABNotEqual,
     kABLessThan,
@@ -56,8 +74,6 @@ enum {
     kABNotWithinIntervalFromToday,
     kABNotWithinIntervalFromTodayYearless
 };
-typedef NSInteger ABSearchComparison;
 
 // How a search joins its children.
-enum { kABSearchAnd = 0, kABSearchOr = 1 };
-typedef NSInteger ABSearchConjunction;
+enum _ABSearchConjunction { kABSearchAnd = 0, kABSearchOr = 1 };

@@ -1,0 +1,104 @@
+#import <AddressBook/ABImageLoading.h>
+
+#include "frameworks/AddressBook/objc/bridge.h"
+#include "frameworks/AddressBook/objc/property_types.h"
+#include "frameworks/AddressBook/objc/record.h"
+
+#include <map>
+#include <mutex>
+
+using namespace addressbook;
+
+namespace {
+
+// Who waits for a picture, and the picture: both retained.
+struct Request {
+    id<ABImageClient> client;
+    NSData* data;
+};
+
+// The requests that are not done, by tag. A book is used by one thread, yet that need not be the main thread,
+// on which clients are called.
+class Requests {
+  public:
+    NSInteger add(const Request& request) {
+        const std::lock_guard lock(mutex_);
+        requests_[++last_] = request;
+        return last_;
+    }
+
+    // The request with this tag, autoreleased; no client when it is done or was cancelled.
+    Request take(NSInteger tag) {
+        const std::lock_guard lock(mutex_);
+        const auto found = requests_.find(tag);
+        if (found == requests_.end())
+            return {nil, nil};
+        const Request request = found->second;
+        requests_.erase(found);
+        return {[request.client autorelease], [request.data autorelease]};
+    }
+
+  private:
+    std::mutex mutex_;
+    std::map<NSInteger, Request> requests_;
+    NSInteger last_ = 0;
+};
+
+Requests& requests() {
+    static Requests all;
+    return all;
+}
+
+} // namespace
+
+@interface ABImageRequests : NSObject
++ (void)schedule:(NSNumber*)tag;
++ (void)answer:(NSNumber*)tag;
+@end
+
+@implementation ABImageRequests
+
+// On the main thread; when that is the one that asks, from within its call.
++ (void)schedule:(NSNumber*)tag {
+    NSArray* modes = [NSArray arrayWithObjects:NSDefaultRunLoopMode, @"NSModalPanelRunLoopMode",
+                                               @"NSEventTrackingRunLoopMode", nil];
+    [self performSelector:@selector(answer:) withObject:tag afterDelay:0 inModes:modes];
+}
+
++ (void)answer:(NSNumber*)tag {
+    const Request request = requests().take([tag integerValue]);
+    [request.client consumeImageData:request.data forTag:[tag integerValue]];
+}
+
+@end
+
+@implementation ABPerson (ABImageLoading)
+
+- (BOOL)setImageData:(NSData*)data {
+    if ([self isReadOnly])
+        return NO;
+    Value picture = data ? requireValue(data, kABDataProperty, @"image") : Value();
+    reading([&] { [self book]->set([self liveRecord], std::string(property::kImage), std::move(picture)); });
+    return YES;
+}
+
+- (NSData*)imageData {
+    const Value picture = reading([&] { return [self book]->value(*[self liveRecord], property::kImage); });
+    return objectFrom(picture);
+}
+
+- (NSInteger)beginLoadingImageDataForClient:(id<ABImageClient>)client {
+    requireArgument(client, @"A picture was asked for by no client");
+    NSData* data = [[self imageData] retain]; // read here, as only this thread may use the address book now
+    const NSInteger tag = requests().add({[client retain], data});
+    [ABImageRequests performSelectorOnMainThread:@selector(schedule:)
+                                      withObject:[NSNumber numberWithInteger:tag]
+                                   waitUntilDone:NO];
+    return tag;
+}
+
++ (void)cancelLoadingImageDataForTag:(NSInteger)tag {
+    requests().take(tag);
+}
+
+@end
