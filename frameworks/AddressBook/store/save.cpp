@@ -21,7 +21,7 @@ constexpr std::int64_t kLoggedSaves = 10'000; // saves that the log keeps at lea
 // Saves of this many records and more make sure that the log's lists stay below this many bytes, too.
 constexpr std::size_t kLargeSave = 100;
 constexpr std::int64_t kMostLogBytes = 16 << 20;
-// Of so many deleted records it is known what named them; about 40 bytes each.
+// Of so many deleted records it is known what named them; about 45 bytes each.
 constexpr std::int64_t kMostDeleted = 1'000'000;
 // A save of so few records and memberships may leave the search indexes to a later one, when what they hold
 // of the values that it replaces takes no more than so many bytes.

@@ -19,14 +19,14 @@
 + (ABAddressBook*)sharedAddressBook;
 + (ABAddressBook*)addressBook;
 
-// The records that meet the search, in the order in which they were added. Raises NSInvalidArgumentException
-// for nil.
+// The records that meet the search, in the order in which they were added. One that another program deletes
+// before it is looked at keeps its place, without values. Raises NSInvalidArgumentException for nil.
 - (NSArray*)recordsMatchingSearchElement:(ABSearchElement*)search;
 
 // Writes all changes or none; YES also when there are none. When other programs deleted records that were
-// changed here, everything else is written: YES, with an error that names those records; a save without
-// [error] leaves that to the next one. NO also when a record was refused since, as the address book may only
-// be read.
+// changed here, before or after, everything else is written: YES, with an error that names those records; a
+// save without [error] leaves that to the next one. NO also when a record was refused since, as the address
+// book may only be read.
 - (BOOL)save;
 - (BOOL)saveAndReturnError:(NSError**)error;
 - (BOOL)hasUnsavedChanges;
