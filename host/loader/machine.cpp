@@ -6,6 +6,7 @@
 #include <cstring>
 #include <elf.h>
 #include <fstream>
+#include <link.h>
 #include <string_view>
 
 namespace host {
@@ -78,6 +79,25 @@ std::string foreignMachine(const std::filesystem::path& file) {
         }
     }
     return "";
+}
+
+bool isCutShort(const std::filesystem::path& file) {
+    std::error_code error;
+    const uintmax_t size = std::filesystem::file_size(file, error);
+    std::ifstream stream(file, std::ios::binary);
+    ElfW(Ehdr) head{};
+    if (error || !isElf(headOf(file)) || !stream.read(reinterpret_cast<char*>(&head), sizeof head) ||
+        head.e_phentsize != sizeof(ElfW(Phdr)) || !stream.seekg(static_cast<std::streamoff>(head.e_phoff))) {
+        return false; // no library that could be mapped
+    }
+    ElfW(Phdr) segment{};
+    for (int i = 0; i < head.e_phnum && stream.read(reinterpret_cast<char*>(&segment), sizeof segment); ++i) {
+        if (segment.p_type == PT_LOAD &&
+            (segment.p_offset > size || segment.p_filesz > size - segment.p_offset)) {
+            return true;
+        }
+    }
+    return false;
 }
 
 } // namespace host

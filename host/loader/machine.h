@@ -1,4 +1,4 @@
-// What machine a library is built for, as its first bytes say.
+// What machine a library is built for, as its first bytes say, and whether all of it is there.
 #pragma once
 
 #include <filesystem>
@@ -13,5 +13,9 @@ std::string foreignMachine(const std::filesystem::path& file);
 
 // This program's own, in the same words.
 std::string ownMachine();
+
+// Whether a library for this machine ends before the segments that its head announces, as a copy does that was
+// broken off. dlopen would map it all the same, and crash.
+bool isCutShort(const std::filesystem::path& file);
 
 } // namespace host

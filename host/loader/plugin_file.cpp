@@ -80,6 +80,9 @@ fs::path pluginFile(const fs::path& path) {
         throw LoadError("can not load " + file.string() + ": it is built for " + machine +
                         ", this host for " + ownMachine());
     }
+    if (isCutShort(file)) {
+        throw LoadError("can not load " + file.string() + ": it is cut short; copy it again");
+    }
     return file;
 }
 

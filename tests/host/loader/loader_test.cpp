@@ -168,6 +168,22 @@ TEST_F(Loader, RefusesLibrariesOfOtherMachines) {
     expectFor("Windows");
 }
 
+// However much of a library is missing, it is refused or does not matter; nothing crashes.
+TEST_F(Loader, RefusesLibrariesThatAreCutShort) {
+    const TemporaryFolder folder;
+    const fs::path library = folder.path() / "Cut.fmx";
+    const fs::path whole = kPlugins / "good_plugin.fmx";
+    for (const uintmax_t size : {fs::file_size(whole) / 2, uintmax_t{5000}, uintmax_t{1000}}) {
+        SCOPED_TRACE(size);
+        fs::copy_file(whole, library, fs::copy_options::overwrite_existing);
+        fs::resize_file(library, size);
+        EXPECT_EQ(loadError(library),
+                  "can not load " + library.string() + ": it is cut short; copy it again");
+    }
+    fs::resize_file(library, 100); // not even its head
+    EXPECT_THAT(loadError(library), testing::StartsWith("can not load " + library.string() + ": "));
+}
+
 TEST_F(Loader, RefusesWhatIsNoPlugin) {
     EXPECT_EQ(loadError("/nowhere/at/all"), "there is no plug-in at /nowhere/at/all");
     const std::string noEntry = (kPlugins / "no_entry_plugin.fmx").string();
