@@ -1,7 +1,7 @@
 # The two commands: `make demo` shows the main job on real input, `make test` runs the tests. CI adds lint and test-tsan.
 # Both install what is missing from packages.txt by themselves (Debian 12; root, or sudo).
 
-.PHONY: help demo bench test test-asan test-tsan test-long lint format build mac setup clean
+.PHONY: help demo bench test test-asan test-tsan test-long lint format build mac picture setup clean
 .DEFAULT_GOAL := help
 
 help: ## this list
@@ -41,6 +41,9 @@ build: setup ## the release build
 
 mac: setup ## the plug-in for macOS into build/macos, and a check of it; MACOS_SDK is the folder of a macOS SDK
 	@scripts/build-mac
+
+picture: setup ## draw docs/architecture.svg from docs/architecture.dot
+	@scripts/draw-architecture
 
 setup: ## install the packages of packages.txt that are missing
 	@scripts/install-packages

@@ -48,6 +48,7 @@ constexpr std::array<ComparisonName, kComparisonCount> kComparisons{{
     {"NotWithinIntervalFromToday", ""},
     {"NotWithinIntervalFromTodayYearless", ""},
 }};
+static_assert(!kComparisons.back().name.empty(), "one row for each comparison");
 
 constexpr std::int64_t kSecondsPerDay = 86400;
 constexpr const char* kComparisonWord = "a comparison, as contains or =";
