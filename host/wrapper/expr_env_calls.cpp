@@ -73,6 +73,7 @@ errcode FM_ExprEnv_Evaluate(const void* object, const Text& expression, Data& re
 errcode FM_ExprEnv_EvaluateGetFunction(const void* object, int16 which, Data& result,
                                        _fmxcpt& block) noexcept {
     return guarded(block, [&] {
+        static_cast<void>(self<ExprEnv>(object));
         const std::u16string_view name = host::getFunctionName(which);
         if (name.empty()) {
             inside(result).set(host::Value::invalid(), Data::kDTInvalid);

@@ -26,7 +26,7 @@ typedef uintptr_t ptrtype;
 typedef int16 errcode;
 /// One unit of UTF-16; `unichar` is its older name.
 typedef uint16 unichar16;
-typedef unichar16 unichar;
+typedef uint16 unichar;
 
 class BinaryData;
 class CharacterStyle;

@@ -1,0 +1,75 @@
+// A method that is called without its object: the code in the exception block says so, and nothing else
+// happens.
+#include "host/wrapper/interface.h"
+
+#include <gtest/gtest.h>
+#include <string_view>
+#include <type_traits>
+
+namespace {
+
+using namespace fmx;
+using S = void*;
+using C = const void*;
+
+// An argument of each type, made anew for each call.
+template <class Type>
+struct Argument {
+    Type get() { return Type{}; }
+};
+template <class Type>
+struct Argument<Type&> {
+    std::remove_const_t<Type> value{};
+    Type& get() { return value; }
+};
+#define ARGUMENT(name)                                                                                       \
+    template <>                                                                                              \
+    struct Argument<name&> {                                                                                 \
+        name##UniquePtr object;                                                                              \
+        name& get() { return *object; }                                                                      \
+    };                                                                                                       \
+    template <>                                                                                              \
+    struct Argument<const name&> : Argument<name&> {};
+ARGUMENT(QuadChar)
+ARGUMENT(Locale)
+ARGUMENT(Text)
+ARGUMENT(FixPt)
+ARGUMENT(DateTime)
+ARGUMENT(BinaryData)
+ARGUMENT(Data)
+ARGUMENT(DataVect)
+ARGUMENT(RowVect)
+ARGUMENT(ExprEnv)
+ARGUMENT(CharacterStyle)
+ARGUMENT(Color)
+
+// The code that a method reports without its object; that of a method when the function is none.
+constexpr int32 kFailed = 2;
+template <class Signature>
+struct WithoutObject {
+    template <class Function>
+    static int32 code(Function /*function*/) {
+        return kFailed;
+    }
+};
+template <class Object, class... Arguments>
+requires std::is_same_v<Object, S> || std::is_same_v<Object, C>
+struct WithoutObject<void(Object, Arguments...)> {
+    template <class Function>
+    static int32 code(Function function) {
+        _fmxcpt block;
+        function(nullptr, Argument<Arguments>().get()..., block);
+        return block.code;
+    }
+};
+
+TEST(MissingObjectTest, IsReportedByEveryMethod) {
+#define CALL(since, until, type, name, result, arguments)                                                    \
+    EXPECT_EQ(WithoutObject<void arguments>::code(&FM_##type##_##name),                                      \
+              std::string_view(#name) == "Delete" ? 0 : kFailed)                                             \
+        << #type "_" #name;
+#define CALL_WITHOUT_BLOCK(since, until, type, name, result, arguments)
+#include "tests/sdk/calls.def"
+}
+
+} // namespace
