@@ -1,22 +1,16 @@
 #include "host/values/locales.h"
 
 #include "host/values/number.h"
-#include "host/values/text.h"
 
 #include <memory>
-#include <stdexcept>
 #include <string>
 #include <unicode/uchar.h>
-#include <unicode/ucol.h>
 
 namespace host {
 
 namespace {
 
-// The numbers of the plug-in interface for the locales that are no language, and of the first and last one.
-constexpr int32_t kNone = 0;
-constexpr int32_t kSystem = 1;
-constexpr int32_t kUnicodeRaw = 2;
+// The numbers of the plug-in interface for the first and the last language.
 constexpr int32_t kFirstLanguage = 16;
 constexpr int32_t kLastLanguage = 76;
 
@@ -128,23 +122,6 @@ Value valueIn(int32_t locale, std::u16string_view text, ValueType wanted) {
         return Value::timestamp(*moment);
     }
     return Number::standsIn(withPlainDigits(text)) ? Value::invalid() : Value::text(text);
-}
-
-std::strong_ordering compareIn(int32_t locale, std::u16string_view left, std::u16string_view right) {
-    if (locale == kNone || locale == kUnicodeRaw) {
-        return compareUnits(left, right);
-    }
-    const char* language = locale == kSystem ? nullptr : icuLocaleOf(locale); // null is the user's
-    UErrorCode error = U_ZERO_ERROR;
-    const std::unique_ptr<UCollator, decltype(&ucol_close)> collator(
-        ucol_open(language != nullptr || locale == kSystem ? language : "", &error), ucol_close);
-    if (U_FAILURE(error)) {
-        throw std::runtime_error(std::string("texts can not be compared: ") + u_errorName(error));
-    }
-    const UCollationResult order =
-        ucol_strcoll(collator.get(), left.data(), static_cast<int32_t>(left.size()), right.data(),
-                     static_cast<int32_t>(right.size()));
-    return order <=> UCOL_EQUAL;
 }
 
 } // namespace host

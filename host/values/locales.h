@@ -1,10 +1,9 @@
-// What locales mean for values: how they write dates, and how they order texts. Locales are numbers, those of
-// the plug-in interface.
+// What locales mean for values: how they write dates, and by which of ICU's they order texts. Locales are
+// numbers, those of the plug-in interface.
 #pragma once
 
 #include "host/values/value.h"
 
-#include <compare>
 #include <cstdint>
 #include <optional>
 #include <string_view>
@@ -25,9 +24,5 @@ std::optional<DateTime> timestampIn(int32_t locale, std::u16string_view text);
 // A text as it is to be read in a locale when a value of a type is wanted: dates and time stamps are read,
 // all else stays text. Invalid for a text with digits that is no date of the locale.
 Value valueIn(int32_t locale, std::u16string_view text, ValueType wanted);
-
-// The order of two texts in a locale: raw by their units, else by the language's collation, letter case
-// deciding last.
-std::strong_ordering compareIn(int32_t locale, std::u16string_view left, std::u16string_view right);
 
 } // namespace host

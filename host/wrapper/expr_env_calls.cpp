@@ -1,9 +1,10 @@
 // FM_ExprEnv_*, and the hooks by which the program answers them.
-#include "host/wrapper/file_paths.h"
 #include "host/wrapper/get_functions.h"
 #include "host/wrapper/guard.h"
 #include "host/wrapper/host_hooks.h"
 #include "host/wrapper/objects.h"
+
+#include <string>
 
 using fmx::_fmxcpt;
 using fmx::Data;
@@ -22,7 +23,6 @@ using fmx::uint64;
 using host::guarded;
 using host::inside;
 using host::outside;
-using host::PathFormat;
 using host::self;
 using host::TextObject;
 
@@ -42,15 +42,28 @@ errcode evaluate(const void* object, const Text& expression, Data& result) {
                                      : host::kUnavailable;
 }
 
-using Conversion = std::optional<std::u16string> (*)(std::u16string_view path, PathFormat format);
+// A text as calculations write it.
+std::u16string quoted(const std::u16string& text) {
+    std::u16string result = u"\"";
+    for (const char16_t c : text) {
+        result += c == u'"' || c == u'\\' ? std::u16string{u'\\', c} : std::u16string{c};
+    }
+    return result + u"\"";
+}
 
-// The result is empty when the path can not be converted.
-errcode convert(const void* object, const Text& path, int32 format, Text& result, Conversion conversion) {
-    static_cast<void>(self<ExprEnv>(object));
-    auto converted = conversion(inside(path).characters, static_cast<PathFormat>(format));
-    const bool isConverted = converted.has_value();
-    inside(result) = TextObject{std::move(converted).value_or(std::u16string()), {}};
-    return isConverted ? host::kSucceeded : host::kNotThatType;
+// Asks for a path by one of the functions that convert them. The result is empty when the path can not be
+// converted.
+errcode convertPath(const char16_t* function, const void* object, const Text& path, int32 format,
+                    Text& result) {
+    const std::string number = std::to_string(format);
+    const TextObject expression{std::u16string(function) + u" ( " + quoted(inside(path).characters) + u" ; " +
+                                    std::u16string(number.begin(), number.end()) + u" )",
+                                {}};
+    host::DataObject converted;
+    const errcode code = evaluate(object, outside<Text>(expression), outside<Data>(converted));
+    const bool isConverted = code == host::kSucceeded && converted.value().isValid();
+    inside(result) = isConverted ? TextObject{converted.text().characters, {}} : TextObject{};
+    return code == host::kSucceeded && !isConverted ? host::kNotThatType : code;
 }
 
 } // namespace
@@ -85,11 +98,13 @@ errcode FM_ExprEnv_EvaluateGetFunction(const void* object, int16 which, Data& re
 }
 errcode FM_ExprEnv_EvaluateConvertToFileMakerPath(const void* object, const Text& path, int32 format,
                                                   Text& result, _fmxcpt& block) noexcept {
-    return guarded(block, [&] { return convert(object, path, format, result, host::hostPath); });
+    return guarded(block,
+                   [&] { return convertPath(u"ConvertToFileMakerPath", object, path, format, result); });
 }
 errcode FM_ExprEnv_EvaluateConvertFromFileMakerPath(const void* object, const Text& path, int32 format,
                                                     Text& result, _fmxcpt& block) noexcept {
-    return guarded(block, [&] { return convert(object, path, format, result, host::systemPath); });
+    return guarded(block,
+                   [&] { return convertPath(u"ConvertFromFileMakerPath", object, path, format, result); });
 }
 
 // This host has no database: a query finds no file, and no rows.

@@ -138,18 +138,6 @@ class WrapperExprEnv : public testing::Test {
                                                       1, 2, fmx::ExprEnv::kDisplayInAllDialogs, answer);
     }
 
-    // The answer to a conversion of a path, "(error)" for an error.
-    std::u16string hostPath(std::u16string_view path, fmx::int32 format) {
-        const fmx::errcode code =
-            environment_->EvaluateConvertToFileMakerPath(*hostText(path), format, *text_);
-        return code == 0 ? unitsOf(*text_) : u"(error)" + unitsOf(*text_);
-    }
-    std::u16string systemPath(std::u16string_view path, fmx::int32 format) {
-        const fmx::errcode code =
-            environment_->EvaluateConvertFromFileMakerPath(*hostText(path), format, *text_);
-        return code == 0 ? unitsOf(*text_) : u"(error)" + unitsOf(*text_);
-    }
-
     Asked asked_;
     host::HostHooks hooks_;
     fmx::QuadCharUniquePtr id_{'T', 'E', 'S', 'T'};
@@ -246,33 +234,23 @@ TEST_F(WrapperExprEnv, EvaluatesGetFunctionsByTheirNumbers) {
     }
 }
 
-TEST_F(WrapperExprEnv, ConvertsPathsOfOperatingSystems) {
-    constexpr fmx::int32 kPosix = 1;
-    constexpr fmx::int32 kWindows = 2;
-    constexpr fmx::int32 kUrl = 3;
-    EXPECT_EQ(hostPath(u"/home/a b/c.txt", kPosix), u"file:/home/a b/c.txt");
-    EXPECT_EQ(hostPath(u"C:\\a\\b.txt", kWindows), u"file:/C:/a/b.txt");
-    EXPECT_EQ(hostPath(u"\\\\server\\share\\b", kWindows), u"file://server/share/b");
-    EXPECT_EQ(hostPath(u"file:///home/a%20b/%C3%A4", kUrl), u"file:/home/a b/\u00E4");
-    EXPECT_EQ(hostPath(u"file:///C:/a", kUrl), u"file:/C:/a");
-    EXPECT_EQ(hostPath(u"/a%2", kUrl), u"file:/a%2");
-    EXPECT_EQ(hostPath(u"fmp://host/file", kUrl), u"fmnet:/host/file");
-    EXPECT_EQ(systemPath(u"file:/home/a b", kPosix), u"/home/a b");
-    EXPECT_EQ(systemPath(u"filelinux:/home/a", kPosix), u"/home/a");
-    EXPECT_EQ(systemPath(u"/tmp/x/", kPosix), u"/tmp/x/");
-    EXPECT_EQ(systemPath(u"image:/C:/a/b.png", kWindows), u"C:\\a\\b.png");
-    EXPECT_EQ(systemPath(u"file://server/share/b", kWindows), u"\\\\server\\share\\b");
-    EXPECT_EQ(systemPath(u"file:/home/a b/\u00E4", kUrl), u"file:///home/a%20b/%C3%A4");
-    EXPECT_EQ(systemPath(u"file://server/share", kUrl), u"file://server/share");
-    for (const fmx::int32 format : {kPosix, kWindows, kUrl, 0, -1, 99}) {
-        EXPECT_EQ(hostPath(u"relative/a", format), u"(error)");
-        EXPECT_EQ(hostPath(u"", format), u"(error)");
-        EXPECT_EQ(systemPath(u"file:relative", format), u"(error)");
-        EXPECT_EQ(systemPath(u"", format), u"(error)");
-    }
-    EXPECT_EQ(hostPath(u"/a", 4), u"(error)");
-    EXPECT_EQ(systemPath(u"file:/a", kWindows), u"(error)");
-    EXPECT_EQ(systemPath(u"file:/C:/a", kPosix), u"(error)");
+TEST_F(WrapperExprEnv, ConvertsPathsByTheFunctionsForThem) {
+    EXPECT_NE(environment_->EvaluateConvertToFileMakerPath(*hostText(u"/a"), 1, *text_), 0);
+    EXPECT_EQ(unitsOf(*text_), u"");
+    FM_Host_SetHooks(&hooks_);
+    EXPECT_EQ(environment_->EvaluateConvertToFileMakerPath(*hostText(u"C:\\a \"b\""), 2, *text_), 0);
+    EXPECT_EQ(unitsOf(*text_), u"ConvertToFileMakerPath ( \"C:\\\\a \\\"b\\\"\" ; 2 )");
+    EXPECT_EQ(environment_->EvaluateConvertFromFileMakerPath(*hostText(u"file:/a"), -3, *text_), 0);
+    EXPECT_EQ(unitsOf(*text_), u"ConvertFromFileMakerPath ( \"file:/a\" ; -3 )");
+    // One that can not be converted.
+    hooks_.evaluate = [](void* /*context*/, const fmx::ExprEnv& /*env*/, const fmx::Text& /*expression*/,
+                         fmx::Data& result) -> fmx::errcode {
+        result.Clear(fmx::Data::kDTInvalid);
+        return 0;
+    };
+    FM_Host_SetHooks(&hooks_);
+    EXPECT_NE(environment_->EvaluateConvertFromFileMakerPath(*hostText(u"a"), 1, *text_), 0);
+    EXPECT_EQ(unitsOf(*text_), u"");
 }
 
 TEST_F(WrapperExprEnv, FindsNoDatabase) {

@@ -1,4 +1,3 @@
-#include "host/values/locales.h"
 #include "tests/host/wrapper/support.h"
 
 namespace {
@@ -64,31 +63,6 @@ TEST(WrapperLocale, DateTimesAreReadAsTheLanguageWritesThem) {
     EXPECT_EQ(day->GetMonth(), 2);
     const fmx::DateTimeUniquePtr none(*hostText(u"12/31/2024"), *german);
     EXPECT_EQ(none->GetYear(), 1);
-}
-
-TEST(WrapperLocale, TextsAreOrderedAsTheLanguageHasThem) {
-    const auto isBefore = [](fmx::int32 locale, std::u16string_view left, std::u16string_view right) {
-        EXPECT_EQ(host::compareIn(locale, left, right) < 0, host::compareIn(locale, right, left) > 0);
-        return host::compareIn(locale, left, right) < 0;
-    };
-    EXPECT_TRUE(isBefore(Locale::kType_UnicodeRaw, u"Z", u"a"));
-    EXPECT_TRUE(isBefore(Locale::kType_UnicodeStandard, u"a", u"Z"));
-    EXPECT_TRUE(isBefore(Locale::kType_SWE, u"z", u"ä"));
-    EXPECT_TRUE(isBefore(Locale::kType_DEU, u"ä", u"z"));
-    EXPECT_TRUE(isBefore(Locale::kType_DEU_dictionary, u"Muller", u"Müller"));
-    EXPECT_TRUE(isBefore(Locale::kType_DEU_dictionary, u"Müller", u"Mueller") ==
-                !isBefore(Locale::kType_DEU_dictionary, u"Mueller", u"Müller"));
-    EXPECT_TRUE(isBefore(Locale::kType_DEU_dictionary, u"Mueller", u"Mufti"));
-    EXPECT_TRUE(isBefore(Locale::kType_DEU_dictionary, u"Mufti", u"Müller"));
-    EXPECT_TRUE(isBefore(Locale::kType_DEU, u"Müller", u"Mufti")); // as Mueller
-    EXPECT_TRUE(isBefore(Locale::kType_SPA, u"chico", u"cosa"));
-    EXPECT_TRUE(isBefore(Locale::kType_SPA_traditional, u"cosa", u"chico"));
-    EXPECT_TRUE(isBefore(Locale::kType_CHI, u"丁", u"一"));        // by sound: ding, yi
-    EXPECT_TRUE(isBefore(Locale::kType_CHI_stroke, u"一", u"丁")); // by strokes: one, two
-    for (fmx::int32 locale = 0; locale <= Locale::kType_KOR + 1; ++locale) {
-        EXPECT_TRUE(isBefore(locale, u"", u"a")) << locale;
-        EXPECT_EQ(host::compareIn(locale, u"same", u"same"), std::strong_ordering::equal) << locale;
-    }
 }
 
 } // namespace
