@@ -42,7 +42,7 @@ class EntryTest : public testing::Test {
 
 TEST_F(EntryTest, VersionsFrom50To255AreAcceptedAndAnswered54) {
     for (const int version : {50, 54, 63, 255}) {
-        EXPECT_EQ(startUp(version).result, 54U) << version;
+        EXPECT_EQ(resultOf(startUp(version)), 54U) << version;
         EXPECT_EQ(host_double::registrations().size(), externalFunctions().size());
         host_double::reset();
     }
@@ -50,14 +50,14 @@ TEST_F(EntryTest, VersionsFrom50To255AreAcceptedAndAnswered54) {
 
 TEST_F(EntryTest, OtherVersionsAreRefusedAndNothingHappens) {
     for (const int version : {49, 256, 0, -1, 32767, -32768, 306}) {
-        EXPECT_EQ(startUp(version).result, kRefused) << version;
+        EXPECT_EQ(resultOf(startUp(version)), kRefused) << version;
         EXPECT_TRUE(host_double::registrations().empty()) << version;
         EXPECT_EQ(errors.error, nil) << version;
     }
 }
 
 TEST_F(EntryTest, FunctionsAreRegisteredAsTheTableSays) {
-    EXPECT_EQ(startUp(54).result, 54U);
+    EXPECT_EQ(resultOf(startUp(54)), 54U);
     const auto& registrations = host_double::registrations();
     ASSERT_EQ(registrations.size(), externalFunctions().size());
     for (std::size_t i = 0; i < registrations.size(); ++i) {
@@ -153,7 +153,7 @@ TEST_F(EntryTest, NamesAndPrototypesComeFromTheBundlesStrings) {
         "\"KORUFMPlugin 204\" = \"Version ( {format} )\";\n\"KORUFMPlugin 207\" = \"Delete\";\n");
     FMX_ExternCallStruct message = messageOf(kFMXT_Init);
     message.instanceID = bundle.instance();
-    EXPECT_EQ(send(message).result, 54U);
+    EXPECT_EQ(resultOf(send(message)), 54U);
     ASSERT_GE(host_double::registrations().size(), 3U);
     EXPECT_EQ(host_double::registrations()[0].name, "Version ");
     EXPECT_EQ(host_double::registrations()[0].prototype, "Version ( {format} )");
@@ -182,7 +182,7 @@ TEST_F(EntryTest, StartUpForgetsTheExceptionTextWithoutReleasingIt) {
 
 TEST_F(EntryTest, ShutDownUnregistersInItsOwnOrder) {
     const auto answer = send(messageOf(kFMXT_Shutdown));
-    EXPECT_EQ(answer.result, kUntouched);
+    EXPECT_EQ(resultOf(answer), kUntouched);
     std::vector<std::pair<std::string, short>> expected;
     for (short number = 0; number <= 34; ++number) {
         expected.emplace_back("KORU", number);
@@ -205,10 +205,10 @@ TEST_F(EntryTest, ShutDownTearsNothingDown) {
 
 TEST_F(EntryTest, OtherMessagesLeaveTheResultAlone) {
     for (const int code : {2, 3, 5, 6, 8, 9, 10, 255}) {
-        EXPECT_EQ(send(messageOf(code)).result, kUntouched) << code;
+        EXPECT_EQ(resultOf(send(messageOf(code))), kUntouched) << code;
     }
     for (int level = 0; level <= 4; ++level) {
-        EXPECT_EQ(send(messageOf(kFMXT_Idle, level)).result, kUntouched) << level;
+        EXPECT_EQ(resultOf(send(messageOf(kFMXT_Idle, level))), kUntouched) << level;
     }
     EXPECT_TRUE(host_double::registrations().empty());
     EXPECT_TRUE(host_double::unregistrations().empty());
@@ -238,7 +238,7 @@ TEST_F(EntryTest, AFailureOfTheHostEndsTheMessageAndReleasesWhatWasMade) {
             EXPECT_EQ(calls % 2, 1);
         }
         ++failures;
-        EXPECT_EQ(message.result, kUntouched);
+        EXPECT_EQ(resultOf(message), kUntouched);
         EXPECT_EQ(errors.error, nil);
         EXPECT_EQ(host_double::livingObjects(), before) << "after " << calls << " calls";
     }

@@ -121,7 +121,7 @@ TEST_F(StringsTest, TheHostsMessageIsAnsweredInItsBuffer) {
     message_.result = reinterpret_cast<fmx::ptrtype>(buffer_.data());
     FMExternCallProc(&message_);
     EXPECT_EQ(stored(), u"The name");
-    EXPECT_EQ(message_.result, reinterpret_cast<fmx::ptrtype>(buffer_.data()));
+    EXPECT_EQ(resultOf(message_), reinterpret_cast<fmx::ptrtype>(buffer_.data()));
 }
 
 TEST_F(StringsTest, WithoutABundleThereAreNoStrings) {

@@ -22,6 +22,12 @@ NSString* string(const std::string& text);
 // A message of the host, all zero but for the fields given, with the current interface version.
 FMX_ExternCallStruct messageOf(int whichCall, int parm1 = 0);
 
+// The answer in a message, by value: its place in the structure is not aligned, so that no reference may be
+// bound to it.
+inline fmx::ptrtype resultOf(const FMX_ExternCallStruct& message) {
+    return message.result;
+}
+
 // An argument of a call.
 OwnedData textData(const std::string& text);
 
