@@ -1,25 +1,10 @@
 #include "host/calc/evaluator.h"
 
 #include "host/calc/operations.h"
+#include "host/values/depth.h"
 #include "host/values/text.h"
 
 namespace host {
-
-namespace {
-
-// Counts a level of evaluation for as long as it lives.
-class Level {
-  public:
-    explicit Level(int& depth) : depth_(depth) { ++depth_; }
-    ~Level() { --depth_; }
-    Level(const Level&) = delete;
-    Level& operator=(const Level&) = delete;
-
-  private:
-    int& depth_;
-};
-
-} // namespace
 
 Evaluator::Evaluator(Session& session, const Calculation& calculation)
     : session_(session), calculation_(calculation), slots_(calculation.slots) {}
@@ -30,7 +15,7 @@ void Evaluator::fail(const Node& node, std::string message) const {
 }
 
 Value Evaluator::evaluate(const Node& node) {
-    const Level level(session_.depth_);
+    const DepthGuard level(session_.depth_);
     if (session_.depth_ > kMaxEvaluationDepth) {
         fail(node, "the evaluation is nested too deeply: at most " + std::to_string(kMaxEvaluationDepth) +
                        " levels");

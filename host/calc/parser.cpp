@@ -5,6 +5,7 @@
 #include "host/calc/builtins.h"
 #include "host/calc/constants.h"
 #include "host/calc/suggest.h"
+#include "host/values/depth.h"
 #include "host/values/text.h"
 
 #include <algorithm>
@@ -16,18 +17,6 @@ namespace {
 
 constexpr std::string_view kValueWanted =
     "a value (a number, a text in quotes, a variable, a function or \"(\")";
-
-// Counts a level of nesting for as long as it lives.
-class Deeper {
-  public:
-    explicit Deeper(int& depth) : depth_(depth) { ++depth_; }
-    ~Deeper() { --depth_; }
-    Deeper(const Deeper&) = delete;
-    Deeper& operator=(const Deeper&) = delete;
-
-  private:
-    int& depth_;
-};
 
 NodePtr box(Node node) {
     return std::make_unique<Node>(std::move(node));
@@ -100,7 +89,7 @@ Node Parser::expression(int minimumLevel) {
 
 // A sign, which binds less than ^ and more than *; or `not`, which binds more than all others.
 Node Parser::operand() {
-    const Deeper level(depth_);
+    const DepthGuard level(depth_);
     if (depth_ > kMaxNesting) {
         fail(token_.begin, CalcCode::generic,
              "this calculation is nested too deeply: at most " + std::to_string(kMaxNesting) + " levels");

@@ -1,6 +1,7 @@
 #include "host/script/script_runner.h"
 
 #include "host/script/file_bytes.h"
+#include "host/values/depth.h"
 #include "host/values/text.h"
 
 #include <algorithm>
@@ -10,11 +11,7 @@ namespace host {
 namespace fs = std::filesystem;
 
 Value ScriptRunner::run(const fs::path& file, Value parameter) {
-    struct Deeper {
-        int& depth;
-        explicit Deeper(int& counter) : depth(counter) { ++depth; }
-        ~Deeper() { --depth; }
-    } const deeper(depth_);
+    const DepthGuard level(depth_);
     const ScriptPtr script = library_.load(file);
     const ScriptFrame frame(session_, fromUtf8(file.stem().string()), std::move(parameter));
     return run(*script);

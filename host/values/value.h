@@ -1,12 +1,12 @@
 // A value of a calculation: of one type, and readable as the others. Here is the one place that says how.
 //
 //   text       its number is made of its digits; its date, time or time stamp is what it spells
-//   number     as a date, the number of the day; as a time, seconds; as a time stamp, seconds from the start
-//   of day 1 date       its number is the number of its day (1 January of year 1 is 1); as a time stamp, its
-//   midnight time       its number is its seconds; as a time stamp, seconds from the start of day 1 timestamp
-//   its number is its seconds from the start of day 1; as a date or a time, that part of it container  its
-//   text is its file names; it is no number and no date invalid    what could not be computed: its text is
-//   "?", it is nothing else
+//   number     as a date, the number of the day; as a time, seconds; as a time stamp, seconds from the start of day 1
+//   date       its number is the number of its day (1 January of year 1 is 1); as a time stamp, its midnight
+//   time       its number is its seconds; as a time stamp, seconds from the start of day 1
+//   timestamp  its number is its seconds from the start of day 1; as a date or a time, that part of it
+//   container  its text is its file names; it is no number and no date
+//   invalid    what could not be computed: its text is "?", it is nothing else
 //
 // An empty value is empty as every type.
 #pragma once

@@ -165,7 +165,7 @@ TEST_F(DeletedPlaces, ChangesToARecordDeletedHereAreDropped) {
 
 TEST_F(DeletedPlaces, HaveTheRecordsOfARestoredBook) {
     const std::filesystem::path backup = root() / "backup.db";
-    backUp(folder(), backup, false);
+    backUp(folder(), backup, Existing::refuse);
     const std::string ben = addPerson(*others_, {{kFirst, text("Ben")}});
     const std::string board = newUid(Kind::group);
     saveRecords(*others_, {inserted(board, {{kGroupName, text("Board")}}, Kind::group)});

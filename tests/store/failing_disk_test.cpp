@@ -149,10 +149,10 @@ TEST_P(FailingDisk, atABackup) {
     const fs::path backup = root() / "backups" / "backup";
     fs::create_directory(backup.parent_path());
     makeBook();
-    backUp(folder(), backup, false);
+    backUp(folder(), backup, Existing::refuse);
     const std::string older = bytesOf(backup);
     makeBook();
-    fail([&] { EXPECT_EQ(backUp(folder(), backup, true).people, 2); },
+    fail([&] { EXPECT_EQ(backUp(folder(), backup, Existing::replace).people, 2); },
          [&] {
              EXPECT_TRUE(bytesOf(backup) == older);
              expectNothingElse(backup.parent_path());
@@ -164,7 +164,7 @@ TEST_P(FailingDisk, atABackup) {
 TEST_P(FailingDisk, atRestoring) {
     const fs::path backup = root() / "backup";
     makeBook();
-    backUp(folder(), backup, false);
+    backUp(folder(), backup, Existing::refuse);
     const Contents older = contentsOf(Store(folder()));
     makeBook();
     const Contents newer = contentsOf(Store(folder()));

@@ -235,11 +235,11 @@ TEST_F(KillPoints, ofBringingAnOlderBackupUpToDate) {
 TEST_F(KillPoints, ofABackup) {
     makeBook();
     fs::create_directory(backup().parent_path());
-    backUp(folder(), backup(), false);
+    backUp(folder(), backup(), Existing::refuse);
     const Contents older = contentsIn(folder());
     Store(folder()).save(largeSave(6'000));
     const Contents newer = contentsIn(folder());
-    kill([&] { backUp(folder(), backup(), true); },
+    kill([&] { backUp(folder(), backup(), Existing::replace); },
          [&] {
              EXPECT_THAT(contentsOfBackup(), AnyOf(Eq(older), Eq(newer)));
              EXPECT_EQ(contentsIn(folder()), newer);
@@ -249,7 +249,7 @@ TEST_F(KillPoints, ofABackup) {
 TEST_F(KillPoints, ofRestoring) {
     makeBook();
     fs::create_directory(backup().parent_path());
-    backUp(folder(), backup(), false);
+    backUp(folder(), backup(), Existing::refuse);
     const Contents older = contentsIn(folder());
     addPerson(*std::make_unique<Store>(folder()), {}); // what the file says without its log
     {
@@ -310,7 +310,7 @@ TEST_F(Durable, whatIsSavedIsOnTheDiskWhenTheSaveAnswers) {
         addPerson(store, {{property::kImage.data(), Bytes(100'000, 'p')}});
     expectSynced("log taken over");
     fs::create_directory(backup().parent_path());
-    backUp(folder(), backup(), false);
+    backUp(folder(), backup(), Existing::refuse);
     EXPECT_FALSE(isUnsynced(backup()));
     restore(folder(), backup());
     expectSynced("restored");

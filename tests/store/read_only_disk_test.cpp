@@ -179,7 +179,7 @@ TEST_F(OnReadOnlyDisk, isBackedUpButNotRestored) {
     const fs::path copies = root() / "copies";
     fs::create_directory(copies);
     const ReadOnlyDisk disk(folder());
-    EXPECT_EQ(backUp(folder(), copies / "backup", false).people, 1);
+    EXPECT_EQ(backUp(folder(), copies / "backup", Existing::refuse).people, 1);
     try {
         restore(folder(), copies / "backup");
         ADD_FAILURE() << "restored";

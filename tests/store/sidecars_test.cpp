@@ -76,7 +76,7 @@ class Leftovers : public Scratch {
 TEST_F(Leftovers, aLogWhoseBookIsGoneIsNoNewBook) {
     const fs::path backup = root() / "backup";
     makeBook(folder(), "Ann");
-    backUp(folder(), backup, false);
+    backUp(folder(), backup, Existing::refuse);
     const Contents backedUp = contentsOf(Store(folder()));
     {
         Store store(folder());
@@ -112,7 +112,7 @@ TEST_F(Leftovers, aLogAndItsIndexOfAnotherBookAreRefused) {
     for (const Store::Access access : {Store::Access::readOnly, Store::Access::readWrite})
         expectRefused(Reason::damaged, "the log beside it, AddressBook.db-wal, belongs to another file",
                       access);
-    EXPECT_THROW(backUp(folder(), root() / "backup", false), std::exception);
+    EXPECT_THROW(backUp(folder(), root() / "backup", Existing::refuse), std::exception);
     repair(folder());
     EXPECT_EQ(contentsOf(Store(folder())), before);
 }

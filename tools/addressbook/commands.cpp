@@ -275,7 +275,8 @@ int runCheck(const Options& options) {
 }
 
 int runBackup(const Options& options) {
-    const CopySummary summary = backUp(folder(options), options.backup.file, options.backup.force);
+    const CopySummary summary = backUp(folder(options), options.backup.file,
+                                       options.backup.force ? Existing::replace : Existing::refuse);
     std::cerr << options.backup.file << ": " << contents(summary.people, summary.groups) << " backed up\n";
     return kDone;
 }

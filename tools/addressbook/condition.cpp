@@ -1,8 +1,9 @@
-// In this order: the table of comparisons, tokens, the parser, conditions as text.
+// In this order: short names of comparisons, tokens, the parser, conditions as text.
 
 #include "tools/addressbook/condition.h"
 
 #include "frameworks/AddressBook/store/interned_words.h"
+#include "frameworks/AddressBook/values/comparison.h"
 #include "frameworks/AddressBook/values/text.h"
 #include "frameworks/AddressBook/vcard/dates.h"
 #include "tools/addressbook/fields.h"
@@ -16,39 +17,25 @@
 namespace addressbook::tool {
 namespace {
 
-struct ComparisonName {
-    std::string_view name, shortName;
+// What frequent comparisons may be called as well.
+struct ShortName {
+    std::string_view name;
+    Comparison comparison;
 };
-
-// In the framework's order.
-constexpr std::array<ComparisonName, kComparisonCount> kComparisons{{
-    {"Equal", "="},
-    {"NotEqual", "!="},
-    {"LessThan", "<"},
-    {"LessThanOrEqual", "<="},
-    {"GreaterThan", ">"},
-    {"GreaterThanOrEqual", ">="},
-    {"EqualCaseInsensitive", "is"},
-    {"ContainsSubString", ""},
-    {"ContainsSubStringCaseInsensitive", "contains"},
-    {"PrefixMatch", ""},
-    {"PrefixMatchCaseInsensitive", "beginsWith"},
-    {"BitsInBitFieldMatch", ""},
-    {"DoesNotContainSubString", ""},
-    {"DoesNotContainSubStringCaseInsensitive", "doesNotContain"},
-    {"NotEqualCaseInsensitive", "isNot"},
-    {"SuffixMatch", ""},
-    {"SuffixMatchCaseInsensitive", "endsWith"},
-    {"WithinIntervalAroundToday", ""},
-    {"WithinIntervalAroundTodayYearless", ""},
-    {"NotWithinIntervalAroundToday", ""},
-    {"NotWithinIntervalAroundTodayYearless", ""},
-    {"WithinIntervalFromToday", ""},
-    {"WithinIntervalFromTodayYearless", ""},
-    {"NotWithinIntervalFromToday", ""},
-    {"NotWithinIntervalFromTodayYearless", ""},
-}};
-static_assert(!kComparisons.back().name.empty(), "one row for each comparison");
+constexpr std::array kShortNames{
+    ShortName{"=", Comparison::equal},
+    ShortName{"!=", Comparison::notEqual},
+    ShortName{"<", Comparison::lessThan},
+    ShortName{"<=", Comparison::lessThanOrEqual},
+    ShortName{">", Comparison::greaterThan},
+    ShortName{">=", Comparison::greaterThanOrEqual},
+    ShortName{"is", Comparison::equalCaseInsensitive},
+    ShortName{"contains", Comparison::containsSubStringCaseInsensitive},
+    ShortName{"beginsWith", Comparison::prefixMatchCaseInsensitive},
+    ShortName{"doesNotContain", Comparison::doesNotContainSubStringCaseInsensitive},
+    ShortName{"isNot", Comparison::notEqualCaseInsensitive},
+    ShortName{"endsWith", Comparison::suffixMatchCaseInsensitive},
+};
 
 constexpr std::int64_t kSecondsPerDay = 86400;
 constexpr const char* kComparisonWord = "a comparison, as contains or =";
@@ -67,11 +54,6 @@ bool isSpace(char c) {
 
 bool isQuote(char c) {
     return c == '"' || c == '\'';
-}
-
-std::size_t characters(std::string_view text) {
-    return static_cast<std::size_t>(std::count_if(
-        text.begin(), text.end(), [](char c) { return (static_cast<unsigned char>(c) & 0xC0) != 0x80; }));
 }
 
 [[noreturn]] void fail(std::size_t column, const std::string& message) {
@@ -109,7 +91,7 @@ class Tokens {
     void advance() {
         while (at_ < text_.size() && isSpace(text_[at_]))
             ++at_;
-        token_ = {Token::Kind::end, "", characters(text_.substr(0, at_)) + 1};
+        token_ = {Token::Kind::end, "", countCharacters(text_.substr(0, at_)) + 1};
         if (at_ == text_.size())
             return;
         const char first = text_[at_];
@@ -149,8 +131,8 @@ class Tokens {
             }
             token_.text += c;
         }
-        fail(characters(text_) + 1, std::string("expected the closing ") + quote + " of the text in column " +
-                                        std::to_string(token_.column));
+        fail(countCharacters(text_) + 1, std::string("expected the closing ") + quote +
+                                             " of the text in column " + std::to_string(token_.column));
     }
 
     std::string_view text_;
@@ -294,18 +276,19 @@ class Parser {
         std::string_view text = token.text;
         if (text.size() > 3 && fold(text).starts_with("kab"))
             text.remove_prefix(3);
-        for (const auto name : {&ComparisonName::name, &ComparisonName::shortName})
-            if (const auto row = named(kComparisons, text, [name](const auto& each) { return each.*name; });
-                row != kComparisons.end()) {
-                tokens_.take();
-                return static_cast<Comparison>(row - kComparisons.begin());
-            }
-        for (const auto name : {&ComparisonName::shortName, &ComparisonName::name})
-            if (const std::string hint = suggestion(
-                    kComparisons, text, [name](const auto& each) { return std::string(each.*name); });
-                !hint.empty())
-                tokens_.failExpecting(what, hint);
-        tokens_.failExpecting(what);
+        const auto nameOf = [](const auto& row) { return std::string(row.name); };
+        const auto take = [this](Comparison found) {
+            tokens_.take();
+            return found;
+        };
+        if (const auto row = named(comparisons(), text, nameOf); row != comparisons().end())
+            return take(row->comparison);
+        if (const auto row = named(kShortNames, text, nameOf); row != kShortNames.end())
+            return take(row->comparison);
+        std::string hint = suggestion(kShortNames, text, nameOf);
+        if (hint.empty())
+            hint = suggestion(comparisons(), text, nameOf);
+        tokens_.failExpecting(what, hint);
     }
 
     Value value() {
@@ -376,15 +359,14 @@ std::string conditionText(const Condition& condition) {
     if (condition.label)
         text += " label " + quotedText(*condition.label);
     text += ' ';
-    text += kComparisons[static_cast<std::size_t>(condition.comparison)].name;
+    text += factsOf(condition.comparison).name;
     return text + ' ' + wantedText(condition.value);
 }
 
 std::string shortComparisons() {
     std::string text;
-    for (const ComparisonName& row : kComparisons)
-        if (!row.shortName.empty())
-            text += (text.empty() ? "" : ", ") + std::string(row.shortName);
+    for (const ShortName& row : kShortNames)
+        text += (text.empty() ? "" : ", ") + std::string(row.name);
     return text + " (those in letters ignore case)";
 }
 

@@ -136,7 +136,7 @@ void Importer::addPerson(const std::string& uid, vcard::Card& card, Seen& seen, 
         ++summary_.updated;
         return;
     }
-    RecordChange change{uid, Kind::person, true, std::move(card.values)};
+    RecordChange change{.uid = uid, .kind = Kind::person, .insert = true, .values = std::move(card.values)};
     if (const bool known = takeDifference(change) || again;
         known && !change.insert && change.values.empty()) {
         ++summary_.unchanged;
@@ -279,7 +279,7 @@ void Importer::joinNamedGroups() {
                 if (const auto member = store_->find(row))
                     old.insert(member->uid);
         } else if (!seen_.contains(uid)) {
-            RecordChange group{uid, Kind::group, true, {}};
+            RecordChange group{.uid = uid, .kind = Kind::group, .insert = true, .values = {}};
             group.values[std::string(property::kGroupName)] = name;
             groups_.push_back(std::move(group));
             ++summary_.namedGroups;

@@ -1,5 +1,7 @@
 #include "tools/addressbook/show.h"
 
+#include "frameworks/AddressBook/values/text.h"
+
 #include <nlohmann/json.hpp>
 
 #include <algorithm>
@@ -80,9 +82,7 @@ std::vector<std::string> groupNames(const Store& store, const RecordRef& record)
 
 // A line of a single record: name, label and value in columns; the value's further lines are indented.
 std::string column(std::string text, std::size_t width) {
-    std::size_t characters = 0;
-    for (const char byte : text)
-        characters += (static_cast<unsigned char>(byte) & 0xC0) == 0x80 ? 0 : 1;
+    const std::size_t characters = countCharacters(text);
     text.append(characters < width ? width - characters : 1, ' ');
     return text;
 }

@@ -13,7 +13,8 @@ namespace addressbook::tool {
 // One line a person: the unique id, then the fields, separated by tabs.
 void listPeople(const Store& store, const std::vector<Field>& fields, Output& output);
 
-// The same as a JSON array with one object a line. Lists are arrays of objects with label and value.
+// Writes the records as a JSON array with one object a line. Lists are arrays of objects with label and
+// value.
 void listPeopleAsJson(const Store& store, const std::vector<Field>& fields, Output& output);
 
 // One line a group: the unique id, the name, how many members and subgroups it has.

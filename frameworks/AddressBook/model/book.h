@@ -1,13 +1,14 @@
 #pragma once
 
 // The address book as this process sees it: the store, with everything that was changed here and is not saved
-// yet laid over it. Free of Objective-C; the framework's classes are thin over this. One thread at a time,
-// but for stir(); every function that reads or writes the store throws StoreError when it cannot.
+// yet laid over it. Free of Objective-C; the framework's classes are thin over this. Not thread-safe, except
+// invalidateAll(). Every function that reads or writes the store throws StoreError when it cannot.
 //
 // What others save shows at the next call. Values changed here and not saved stay as they are here, all
 // others become the new ones. A record that was deleted elsewhere is gone at once: lists and searches no
-// longer have it, whoever holds it still reads what it had. Unsaved changes to it, made before or after, wait
-// for the save, which tells that it is missing; should it be brought back before that, they are there again.
+// longer have it, whoever holds it still reads what it had. Unsaved changes to it, made before or after, are
+// orphaned until the save, which reports it as missing; should it be brought back before that, they are there
+// again.
 
 #include "frameworks/AddressBook/store/store.h"
 #include "frameworks/AddressBook/values/calendar.h"
@@ -27,7 +28,7 @@
 
 namespace addressbook {
 
-// One record as this process sees it. There is one card per unique id for as long as anybody holds it.
+// One record as this process sees it. There is one object for each unique id for as long as anybody holds it.
 struct LiveRecord : std::enable_shared_from_this<LiveRecord> {
     enum class State {
         detached,   // made here, not added
@@ -44,7 +45,7 @@ struct LiveRecord : std::enable_shared_from_this<LiveRecord> {
     std::vector<std::shared_ptr<LiveRecord>> joined; // of a group: members and subgroups that joined, unsaved
     std::set<std::string> left;                      // of a group: uids that left, unsaved
     std::optional<RecordRow> cachedRow;              // what is stored, once it was asked for; without the uid
-    bool removedHere = false;                        // of one that is gone: by this process
+    bool removedHere = false;                        // of a deleted one: by this process
     void* object = nullptr; // the live Objective-C object of this record; it clears this when it goes
 
     bool inBook() const { return state == State::inserted || state == State::persistent; }
@@ -54,10 +55,10 @@ struct LiveRecord : std::enable_shared_from_this<LiveRecord> {
 };
 using LiveRecordPtr = std::shared_ptr<LiveRecord>;
 
-// The type of a built-in property that users may see, else 0.
+// Returns the type of a built-in property that users may see, else 0.
 int publicType(Kind kind, std::string_view property);
 
-// A new record with a new unique id.
+// Returns a new record with a new unique id and its dates.
 std::unique_ptr<LiveRecord> newRecord(Kind kind);
 
 class Book : public std::enable_shared_from_this<Book> {
@@ -67,97 +68,103 @@ class Book : public std::enable_shared_from_this<Book> {
 
     explicit Book(std::unique_ptr<Store> store);
     bool readOnly() const { return store_->readOnly(); }
-    // The database's file, and the newest save in it that this book knows.
+    // Return the database's file, and the number of the newest save in it that this book knows.
     const std::filesystem::path& file() const { return store_->file(); }
     std::int64_t seenChange() const { return seenChange_; }
 
-    // Says, from any thread, that something was saved: every book looks before it is next read.
+    // Makes every book of the process ask for others' saves before it is next read. May be called from any
+    // thread.
     static void invalidateAll() { generation_.fetch_add(1, std::memory_order_release); }
 
-    // A new record, added to no address book yet.
+    // Returns a new record, added to no address book yet.
     LiveRecordPtr create(Kind kind);
 
-    // The record with this id, null when the address book has none.
+    // Returns the record with this unique id, null when the address book has none.
     LiveRecordPtr find(std::string_view uid);
-    // The record in a row of store(), never null: for one that was deleted an empty one with its id. Throws
-    // StoreError when so many were deleted since that it is not known any more.
+    // Returns the record in a row of store(), never null: for a deleted one a tombstone with its unique id. Throws
+    // StoreError when so many were deleted since that the id is not known any more.
     LiveRecordPtr at(RowId row);
-    // The record that was in a row of an earlier store(), wherever it is now; as above.
+    // Returns the record that was in a row of an earlier store(), wherever it is now; as above.
     LiveRecordPtr at(RowId row, const std::shared_ptr<const Store>& origin);
-    // What rows are rows of. When another file takes the database's place, another store takes this one's;
-    // whoever keeps rows keeps this, and with it the old file.
+    // Returns what rows are rows of. When another file takes the database's place, another store takes this
+    // one's; whoever keeps rows keeps this, and with it the old file.
     std::shared_ptr<const Store> store() const { return store_; }
 
-    // A record in a list: a row, or the card where it has none yet.
+    // A record in a list: its row, or the record itself where it has no row yet.
     struct Place {
         RowId row = 0;
         LiveRecordPtr record;
     };
-    // All records of a kind, and those that meet a query; in the order in which they were added.
+    // Return all records of a kind, and those that meet a query, in the order in which they were added. [now]
+    // is what "today" means.
     std::vector<Place> records(Kind kind);
     std::vector<Place> search(const Query& query, Date now);
+    // Whether one record meets a query.
     bool matches(const Query& query, LiveRecord& record, Date now);
 
-    // A value as changed here, else as stored. The reference lives until the next call.
+    // Returns a value as changed here, else as stored. The reference lives until the next call.
     const Value& value(LiveRecord& record, std::string_view property);
-    // The same, without looking first whether others saved something.
+    // Like value(), without refreshing first.
     const Value& current(LiveRecord& record, std::string_view property);
-    // The same for a value that is as stored, as its bytes (encodeValue): they live until the next call, and
-    // are empty for no value. Nothing for a value that was changed here, or that is kept apart from the
-    // others.
+    // Returns a stored value as its bytes (encodeValue), empty for no value; they live until the next call.
+    // Nothing for a value that was changed here, and for those that are kept apart: the unique id, the dates,
+    // the picture.
     std::optional<std::string_view> encoded(LiveRecord& record, std::string_view property);
-    // Reports that such bytes make no sense.
+    // Throws StoreError: such bytes make no sense.
     [[noreturn]] void reportDamage(const LiveRecord& record, const std::string& what) const;
-    // A number that changes whenever values may have changed, here or elsewhere.
+    // Returns a number that changes whenever values may have changed, here or elsewhere.
     std::uint64_t revision() {
         refreshIfStale();
         return revision_;
     }
-    // The name to show; see display_name.h.
+    // Returns the name to show; see display_name.h.
     std::string displayName(LiveRecord& record);
-    // All values that are set, the picture included.
+    // Returns all values that are set, the picture included.
     std::map<std::string, Value> values(LiveRecord& record);
     // Sets a value; no value removes it.
     void set(const LiveRecordPtr& record, const std::string& property, Value value);
 
-    // False when the record is in the book already, or was deleted for good; when it is not in the book.
+    // Adds a record; returns false when it is in the book already, or its removal was saved. Removes one;
+    // returns false when it is not in the book.
     bool add(const LiveRecordPtr& record);
     bool remove(const LiveRecordPtr& record);
 
-    // Members that are people or groups, in the order of joining; the groups a record is in, in the order of
-    // adding.
+    // Return a group's members of one kind, in the order of joining, and the groups that a record is in, in
+    // the order of adding.
     std::vector<LiveRecordPtr> members(LiveRecord& group, Kind kind);
     std::vector<LiveRecordPtr> parents(const LiveRecord& record);
     bool isMember(LiveRecord& group, const LiveRecord& member);
-    // False when there is nothing to do, when the member is not in the book, or when groups would form a
-    // circle.
+    // Puts a record into a group and takes one out. Return false when there is nothing to do, when the member
+    // is not in the book, and when groups would form a circle.
     bool join(const LiveRecordPtr& group, const LiveRecordPtr& member);
     bool leave(const LiveRecordPtr& group, const LiveRecord& member);
 
-    // The user's own card.
+    // Returns the user's own card, null when there is none; sets it, null for none.
     LiveRecordPtr me();
     void setMe(const LiveRecordPtr& record);
 
-    // Properties: 0 for an unknown one; all names, the built-in ones first.
+    // Return the type of a property, 0 for an unknown one, and the names of all, the built-in ones first.
     int typeOf(Kind kind, std::string_view property);
     std::vector<std::string> properties(Kind kind);
-    // How many were added or removed; -1, and nothing is changed, when a name or a type is not valid.
+    // Add and remove custom properties; return how many. define() returns -1 and changes nothing when a name
+    // or a type is not valid.
     int define(Kind kind, const std::map<std::string, int>& properties);
     int undefine(Kind kind, const std::vector<std::string>& properties);
 
-    // A record was refused, as the book may only be read; and whether that happened since this was last
-    // asked.
+    // Notes that a record was refused, as the book may only be read; returns whether one was since this was
+    // last asked.
     void noteRefusal() { refused_ = true; }
     bool takeRefusal() { return std::exchange(refused_, false); }
 
-    // What saves left out, in sentences, until somebody asks for it.
+    // Collects, in sentences, what saves left out; returns it once.
     void noteLeftOut(const std::string& sentence) {
         leftOut_ += leftOut_.empty() || sentence.empty() ? sentence : " " + sentence;
     }
     std::string takeLeftOut() { return std::exchange(leftOut_, {}); }
 
+    // Whether anything is unsaved.
     bool changed() const;
-    // Writes everything that is unsaved; keeps it when that fails.
+    // Writes everything that is unsaved. When that fails it throws StoreError, and everything stays unsaved.
     SaveResult save(Date now);
 
   private:
@@ -194,18 +201,18 @@ class Book : public std::enable_shared_from_this<Book> {
 
     std::shared_ptr<Store> store_;
     std::uint64_t seenGeneration_;
-    std::int64_t seenChange_ = 0;                 // the newest save whose changes this book knows
+    std::int64_t seenChange_ = 0;                 // the newest save that this book knows
     std::vector<PropertyDefinition> definitions_; // as stored
     std::unordered_map<std::string_view, std::weak_ptr<LiveRecord>>
-        byUid_; // by the uid that the card itself holds
+        byUid_; // keys are the uids in the records themselves
     std::unordered_map<RowId, std::weak_ptr<LiveRecord>> byRow_;
     std::unordered_set<RowId> removedRows_;        // whose records were removed here, and it is saved
     std::deque<std::weak_ptr<LiveRecord>> loaded_; // whose stored values are in memory, oldest first
     std::uint64_t revision_ = 1;
     std::deque<RecordRow> readAhead_; // read ahead for a walk, ascending
-    std::size_t readAheadSize_ = 0;   // so many are read the next time
+    std::size_t readAheadSize_ = 0;   // how many are read next
     RowId lastFetched_ = -1'000;      // the row that was fetched last
-    Value scratch_;                   // what value() refers to when no card holds it
+    Value scratch_;                   // what value() refers to when no record holds it
 
     bool refused_ = false;
     std::string leftOut_;

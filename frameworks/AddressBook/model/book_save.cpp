@@ -36,18 +36,20 @@ ChangeSet Book::changes(Date now) const {
     set.removedDefinitions = undefined_;
     const auto memberships = [&set](const LiveRecord& group) {
         for (const auto& uid : group.left)
-            set.memberships.push_back({group.uid, uid, false});
+            set.memberships.push_back({.group = group.uid, .member = uid, .add = false});
         for (const auto& member : group.joined)
             if (member->inBook() || member->deletedElsewhere()) // which the save tells
-                set.memberships.push_back({group.uid, member->uid, true});
+                set.memberships.push_back({.group = group.uid, .member = member->uid, .add = true});
     };
     for (const auto& record : added_) {
-        set.records.push_back({record->uid, record->kind, true, record->changes});
+        set.records.push_back(
+            {.uid = record->uid, .kind = record->kind, .insert = true, .values = record->changes});
         memberships(*record);
     }
     const auto update = [&](const LiveRecordPtr& record) {
         if (!record->changes.empty())
-            set.records.push_back({record->uid, record->kind, false, record->changes});
+            set.records.push_back(
+                {.uid = record->uid, .kind = record->kind, .insert = false, .values = record->changes});
         memberships(*record);
     };
     for (const auto& [row, record] : changed_)

@@ -24,7 +24,7 @@ std::optional<Value> valueFrom(id object);
 // An immutable, autoreleased object; nil for no value.
 id objectFrom(const Value& value);
 
-// The same for a value's bytes (encodeValue), nil for none. Throws DamagedRecord.
+// Returns the object of a value's bytes (encodeValue), nil for no bytes. Throws DamagedRecord.
 id objectFromEncoded(std::string_view value);
 
 // A label or key: the well-known ones are made once.

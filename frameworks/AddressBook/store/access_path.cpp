@@ -40,21 +40,6 @@ constexpr bool inOrder() {
 }
 static_assert(inOrder(), "one row for each path, in their order");
 
-std::size_t characters(std::string_view text) {
-    return static_cast<std::size_t>(std::count_if(
-        text.begin(), text.end(), [](char c) { return (static_cast<unsigned char>(c) & 0xC0) != 0x80; }));
-}
-
-// The longest end of [text] that has at most [bytes] bytes and begins with a whole character.
-std::string_view ending(std::string_view text, std::size_t bytes) {
-    if (text.size() <= bytes)
-        return text;
-    text.remove_prefix(text.size() - bytes);
-    while (!text.empty() && (static_cast<unsigned char>(text.front()) & 0xC0) == 0x80)
-        text.remove_prefix(1);
-    return text;
-}
-
 // The texts with this beginning.
 Span spanOfPrefix(std::string prefix) {
     Span span{prefix, Bytes()}; // bytes sort behind all text
@@ -77,7 +62,7 @@ Span spanOfOthers() {
     return {Bytes(), Bytes{0}};
 }
 
-// The same days in each year in which the property has a date.
+// Adds the spans of these days for each year in which the property has a date.
 void spanYears(Store::Impl& impl, const DayRange& days, IndexLookup& lookup) {
     const double length = days.last - days.first;
     const MonthDay begin = dayOfYear(static_cast<std::int64_t>(days.first));
@@ -169,7 +154,7 @@ void lookUpText(const Matcher& matcher, IndexLookup& lookup) {
     lookup.needle.exact = lookup.needle.exact && part.size() == lookup.folded.size();
     if (isSuffix)
         lookup.needle.text.push_back(kTextBorder);
-    lookup.path = characters(lookup.needle.text) >= kTrigram ? AccessPath::trigram : AccessPath::scan;
+    lookup.path = countCharacters(lookup.needle.text) >= kTrigram ? AccessPath::trigram : AccessPath::scan;
 }
 
 } // namespace

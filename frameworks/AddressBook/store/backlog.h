@@ -27,22 +27,24 @@ struct PropertyRef {
     auto operator<=>(const PropertyRef&) const = default;
 };
 
-// What the indexes hold of properties that were changed since: encoded values, empty for none.
+// What the indexes still hold of properties that were changed since: encoded values, empty for none.
 using Backlog = std::map<PropertyRef, std::string>;
 
-// A backlog as the change log keeps it. decodeBacklog adds to [backlog] what it does not know yet: the first
-// change of a property says what the indexes hold. Throws DamagedRecord.
+// Returns a backlog as the change log keeps it.
 std::string encodeBacklog(const Backlog& backlog);
+// Adds to [backlog] what it does not know yet: the first change of a property says what the indexes hold.
+// Throws DamagedRecord.
 void decodeBacklog(std::string_view bytes, Backlog& backlog);
 
-// Reads what waits in the database. Throws StoreError.
+// Returns what waits in the database. Throws StoreError.
 Backlog readBacklog(Store::Impl& impl);
 
-// Brings the indexes up to date: what they hold by [backlog] becomes what the records hold.
+// Brings the indexes up to date: what they hold by [backlog] becomes what the records hold. Requires a write
+// transaction.
 void applyBacklog(Store::Impl& impl, IndexWriter& index, const Backlog& backlog);
 
-// The same for what waits in the database and, after that, [newer]; then nothing waits any more. Inside a
-// write transaction.
+// Brings the indexes up to date with all that waits in the database and, after that, [newer]; then nothing
+// waits any more. Requires a write transaction.
 void flushBacklog(Store::Impl& impl, IndexWriter& index, Backlog newer);
 
 } // namespace addressbook

@@ -4,6 +4,7 @@
 
 #include "frameworks/AddressBook/store/index.h"
 #include "frameworks/AddressBook/store/record_codec.h"
+#include "frameworks/AddressBook/values/text.h"
 
 #include <algorithm>
 #include <bit>
@@ -115,7 +116,7 @@ Hash hashOf(const Term& term) {
     return hash.number(static_cast<int>(term.type));
 }
 
-// The same for a row: property, folded, exact, record, label, key, type.
+// Returns the hash of a row of the table, as hashOf() makes it of a term.
 Hash hashOfTerm(const sql::Statement& statement) {
     Hash hash;
     const auto value = [&](int column) {
@@ -206,7 +207,7 @@ class Checker {
             found_.push_back("The user's own card " + std::string(statement.text(0)) + " does not exist.");
     }
 
-    // Every card must be whole; what the indexes should hold is summed up on the way.
+    // Every record must be whole; what the indexes should hold is summed up on the way.
     void checkRecords() {
         recordsAreSound_ = false;
         const Backlog backlog = readBacklog(impl_);
@@ -258,7 +259,7 @@ class Checker {
                            row, characters - 3));
         };
         for (std::size_t i = 0; i < text.size(); ++i)
-            if ((static_cast<unsigned char>(text[i]) & 0xC0) != 0x80) {
+            if (!isContinuation(text[i])) {
                 behind(i);
                 starts[characters++ % 3] = i;
             }

@@ -11,8 +11,8 @@
 
 namespace addressbook {
 
-// How a condition is looked up, cheapest first. A negative comparison is its positive form, taken away from
-// all records of the kind.
+// How a condition is looked up, cheapest first. A negative comparison is looked up as its positive form,
+// whose hits are taken away from all records of the kind.
 enum class AccessPath {
     nothing,  // nothing can match
     uid,      // one unique id in the index of unique ids, and those few that are no UUIDs
@@ -28,18 +28,18 @@ enum class AccessPath {
 // One condition or compound of a search.
 struct SearchStep {
     enum class Execution {
-        skipped, // nothing was left to look at
-        searched,
-        verified // the few records that the steps before had left were looked at, perhaps after a search
-                 // that was given up
+        skipped,  // nothing was left to look at
+        searched, // by its access path
+        verified  // the few records that the steps before had left were read one by one, perhaps after a
+                  // search that was given up
     };
 
-    const Query* query = nullptr; // the part of the query that was explained; it does not live longer
+    const Query* query = nullptr; // the part of the explained query; owned by whoever asked
     Execution execution = Execution::skipped;
     AccessPath path = AccessPath::nothing; // of a condition that was searched
     // Rows that indexes gave; those of other labels and keys than the wanted ones are left out on the way.
     std::int64_t indexRows = 0;
-    std::int64_t records = 0;  // records that were read and looked at one by one
+    std::int64_t records = 0;  // records that were read
     std::int64_t everyone = 0; // of a negative comparison: all records, from which the others were taken away
     std::int64_t hits = 0;     // of this step alone
     std::chrono::nanoseconds time{};

@@ -15,11 +15,11 @@
 
 namespace addressbook {
 
-// A unique id as the database keeps it.
+// A unique id as the database keeps it: packed where it can be.
 class StoredUid {
   public:
     explicit StoredUid(std::string_view uid);
-    // Binds it as the next parameter; this object must outlive the run.
+    // Binds it as the next parameter; this object must outlive the statement.
     void bind(sql::Statement& statement) const;
 
   private:
@@ -27,7 +27,8 @@ class StoredUid {
     bool packed_;
 };
 
-// What marks the saves of this process in the change log: random bytes, others in a child that was forked.
+// Returns what marks the saves of this process in the change log: a random UUID, another one in a forked
+// child.
 std::string processMark();
 
 struct Store::Impl {
@@ -35,51 +36,52 @@ struct Store::Impl {
 
     OpenedFile opened;
     sql::Connection& db;
-    int readTransactions = 0; // Store::Readings that live, in one transaction
+    int readTransactions = 0; // Store::ReadTransactions that live, all in readTransaction
     std::optional<sql::Transaction> readTransaction;
-    // Numbers of property names that this connection has met.
+    // Ids of property names that this connection has met, by Kind.
     std::unordered_map<std::string, std::int64_t> propertyIds[2];
     Backlog knownBacklog;
-    std::optional<std::uint32_t> backlogVersion; // the state of the database in which it was read
+    std::optional<std::uint32_t> backlogVersion; // the data version in which knownBacklog was read
 
-    // Opens files that are read as they were again when they have changed; nothing while a Reading lives.
+    // Opens files that are read without locks again when they have changed. Does nothing for others, and
+    // while a ReadTransaction lives.
     void reopenIfChanged();
 
-    // The number of a property, none when no record ever had it.
+    // Returns the property's id, nothing when no record ever had it.
     std::optional<std::int64_t> propertyId(Kind kind, std::string_view name);
-    // The same, giving it a number when it has none; inside a write transaction.
+    // Returns the property's id, inserting it if absent. Requires a write transaction.
     std::int64_t ensureProperty(Kind kind, std::string_view name);
 
-    // The name that has this number; empty when there is none.
+    // Returns the name that has this id; empty when there is none.
     std::string propertyName(std::int64_t id);
 
-    // What the search indexes do not know yet, as of the transaction that is open.
+    // Returns what the search indexes do not know yet, as of the transaction that is open.
     const Backlog& backlog();
 
-    // A record's row.
+    // Return a record's row, nothing when there is none.
     std::optional<RecordRow> record(RowId id);
     std::optional<RecordRow> record(std::string_view uid);
 
-    // One property of a record but the picture; no value when the record does not exist.
+    // Returns one property of a record but the picture; no value when the record does not exist.
     Value value(RowId id, std::string_view property);
-    // The value that a row holds of any property but the picture.
+    // Returns the value that a row holds of any property but the picture.
     Value valueOf(const RecordRow& row, std::string_view property) const;
-    // The same as its bytes in the card, empty for no value; not for the id and the dates, which are not in
-    // it. Throws DamagedRecord.
+    // Returns the bytes of that value, empty for no value. The id and the dates have none. Throws
+    // DamagedRecord.
     std::string_view encodedIn(const RecordRow& row, std::string_view property) const;
-    // The row that a run over (id, kind, uid, creation, modification, card) stands on.
+    // Returns the row that a statement over (id, kind, uid, creation, modification, card) stands on.
     RecordRow rowFrom(const sql::Statement& statement) const;
-    // The values of the card alone.
+    // Returns the values of the properties blob alone.
     std::map<std::string, Value> decodeProperties(const RecordRow& row) const;
 
-    // The unique id and the kind in a column.
+    // Return the unique id and the kind in a column. Throw StoreError when there is none.
     std::string uidIn(const sql::Statement& statement, int column) const;
     Kind kindIn(const sql::Statement& statement, int column) const;
 
     // Makes the search indexes again from the records, in one transaction.
     void rebuildIndexes();
 
-    // Reports that what the database holds makes no sense.
+    // Throw StoreError: what the database, or one record of it, holds makes no sense.
     [[noreturn]] void reportDamage(const std::string& what) const;
     [[noreturn]] void reportDamage(RowId row, const std::string& what) const;
 };

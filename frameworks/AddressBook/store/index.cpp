@@ -232,7 +232,7 @@ void tidyTexts(sql::Connection& connection) {
 void IndexWriter::add(std::int64_t record, std::int64_t property, const Value& value) {
     auto terms = termsOf(record, property, value);
     std::move(terms.begin(), terms.end(), std::back_inserter(terms_));
-    addText(record, property, value, true);
+    addText(record, property, value, Step::add);
     if (terms_.size() >= kGatheredTerms)
         flush();
 }
@@ -242,14 +242,14 @@ void IndexWriter::remove(std::int64_t record, std::int64_t property, const Value
         flush(); // it may have been added just now
     auto terms = termsOf(record, property, value);
     std::move(terms.begin(), terms.end(), std::back_inserter(removed_));
-    addText(record, property, value, false);
+    addText(record, property, value, Step::remove);
     if (removed_.size() >= kGatheredTerms)
         flush();
 }
 
-void IndexWriter::addText(std::int64_t record, std::int64_t property, const Value& value, bool added) {
+void IndexWriter::addText(std::int64_t record, std::int64_t property, const Value& value, Step step) {
     if (std::string text = trigramText(value); !text.empty())
-        texts_.push_back({trigramRow(record, property), added, std::move(text)});
+        texts_.push_back({trigramRow(record, property), step, std::move(text)});
     if (texts_.size() >= kGatheredTexts)
         flushTexts();
 }
@@ -275,7 +275,7 @@ void IndexWriter::flushTexts() {
     auto adding = connection_.prepare("INSERT INTO trigram(rowid, text) VALUES (?, ?)");
     auto removing = connection_.prepare("INSERT INTO trigram(trigram, rowid, text) VALUES ('delete', ?, ?)");
     for (const Text& text : texts_) {
-        auto& statement = text.added ? adding : removing;
+        auto& statement = text.step == Step::add ? adding : removing;
         statement.bindInteger(text.row).bindText(text.text).exec();
         statement.reset();
     }

@@ -58,54 +58,55 @@ struct Term {
     auto operator<=>(const Term&) const = default;
 };
 
-// All terms of a property's value, ordered, each once.
+// Returns all terms of a property's value, ordered, each once.
 std::vector<Term> termsOf(std::int64_t record, std::int64_t property, const Value& value);
 
-// The text whose trigrams are kept: each text value folded, with a kTextBorder before and behind it; empty
-// when there is no text. Characters that the tokenizer would not take one for one are replaced by kReplaced.
+// Returns the text whose trigrams are kept: each text of [value] folded, with a kTextBorder before and behind
+// it; empty when there is none. Characters that the tokenizer would not take one for one are replaced by
+// kReplaced.
 inline constexpr char kTextBorder = '\x1F';
 inline constexpr char kReplaced = '\x1E';
 std::string trigramText(const Value& value);
 
-// A folded text as trigramText writes it, and whether it is written unchanged, so that what is found by it is
-// exact.
+// A folded text as trigramText() writes it; exact when nothing in it was replaced.
 struct TrigramNeedle {
     std::string text;
     bool exact = true;
 };
 TrigramNeedle trigramNeedle(std::string_view folded);
 
-// The rowid of a property's text in the table `trigram`.
+// Returns the rowid of a property's text in the table `trigram`.
 inline constexpr std::int64_t kMostProperties = 65536;
 constexpr std::int64_t trigramRow(std::int64_t record, std::int64_t property) {
     return record * kMostProperties + property;
 }
 
-// Makes some of a small text index's pieces one, inside the caller's transaction: each flush() writes a piece
-// of its own, and a search looks into all. The work is bounded; it goes on where the last one ended.
+// Merges some segments of a small text index, inside the caller's transaction: each IndexWriter::flush()
+// writes one, and a search looks into all. The work is bounded; it goes on where the last one ended.
 void tidyTexts(sql::Connection& connection);
 
-// Writes both indexes inside the caller's transaction. Additions and removals are gathered and written in
-// order, which is many times faster than one by one; flush() before the transaction ends.
+// Writes both indexes inside the caller's transaction. Gathers additions and removals and writes them in
+// order, which is many times faster than one by one; call flush() before the transaction ends.
 class IndexWriter {
   public:
     explicit IndexWriter(sql::Connection& connection) : connection_(connection) {}
 
     void add(std::int64_t record, std::int64_t property, const Value& value);
-    // [value] is the one that was added.
+    // Removes what add() wrote for this [value].
     void remove(std::int64_t record, std::int64_t property, const Value& value);
     void flush();
 
   private:
-    // One text in the trigram index, removed before it is added.
+    enum class Step { remove, add }; // in this order
+    // One text in the trigram index.
     struct Text {
         std::int64_t row;
-        bool added;
+        Step step;
         std::string text;
         auto operator<=>(const Text&) const = default;
     };
     void flushTexts();
-    void addText(std::int64_t record, std::int64_t property, const Value& value, bool added);
+    void addText(std::int64_t record, std::int64_t property, const Value& value, Step step);
 
     sql::Connection& connection_;
     std::vector<Term> terms_, removed_;

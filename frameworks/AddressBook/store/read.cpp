@@ -290,7 +290,7 @@ std::vector<LoggedChange> Store::changesSince(std::int64_t change) const {
     while (statement.step()) {
         const std::int64_t id = statement.integer(0);
         if (changes.empty() && id > change + 1)
-            changes.push_back({id - 1, {}, {}, {}, false}); // the log no longer tells what happened before
+            changes.push_back(LoggedChange{.change = id - 1}); // the log no longer tells what happened before
         const bool own = statement.blob(4) == mark;
         LoggedChange one{id, {}, {}, {}, own};
         try {

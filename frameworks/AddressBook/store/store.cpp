@@ -90,7 +90,7 @@ void Store::Impl::rebuildIndexes() {
 void Store::Impl::reopenIfChanged() {
     if (!opened.stamp || readTransactions != 0 || !opened.stamp->outdated())
         return;
-    // With no patience: who asks has the older state to go on with.
+    // Wait at most 1 s; on failure the caller keeps reading the old files.
     OpenedFile now = openAddressBook(db.file().parent_path(), Access::readOnly, std::chrono::seconds(1));
     db.exchange(*now.connection);
     opened.stamp = std::move(now.stamp);

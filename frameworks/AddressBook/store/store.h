@@ -34,7 +34,7 @@ struct RecordRef {
     std::string uid;
 };
 
-// A record as it was read at once; Store::value and values say what is in it.
+// A record as it was read in one row; Store::value() and values() say what is in it.
 struct RecordRow {
     RowId id = 0; // 0: no record, without values
     Kind kind = Kind::person;
@@ -91,22 +91,24 @@ struct SaveResult {
 // them).
 struct LoggedChange {
     std::int64_t change = 0;
-    std::vector<std::string> inserted, updated, deleted;
+    std::vector<std::string> inserted = {}, updated = {}, deleted = {};
     bool own = false; // saved by this process, through whatever store
     bool tellsNothing() const { return inserted.empty() && updated.empty() && deleted.empty(); }
 };
 
+// One connection to the address book in a folder.
 class Store {
   public:
     using Access = addressbook::Access;
 
-    // $ADDRESSBOOK_HOME, else $XDG_DATA_HOME/AddressBook, else ~/.local/share/AddressBook.
+    // Returns $ADDRESSBOOK_HOME, else $XDG_DATA_HOME/AddressBook, else ~/.local/share/AddressBook.
     static std::filesystem::path defaultFolder();
 
-    // Opens the database in [folder]; with readWrite it makes the folder's last component and the database
-    // when they are missing (for their owner only) and migrates an older schema. $ADDRESSBOOK_HOME must
-    // exist: a mistyped folder is an error, not a new address book. Throws StoreError. A file or folder that
-    // may not be written is opened for reading. [busyTimeout] is how long to wait for other processes' locks.
+    // Opens the database in [folder]; with readWrite makes the folder's last component and the database when
+    // they are missing (for their owner only) and migrates an older schema. $ADDRESSBOOK_HOME must exist: a
+    // mistyped folder is an error, not a new address book. A file or folder that may not be written is opened
+    // for reading. Waits for other processes' locks up to [busyTimeout], then and later. Throws StoreError,
+    // and so does everything below that reads or writes.
     explicit Store(const std::filesystem::path& folder, Access access = Access::readWrite,
                    std::chrono::milliseconds busyTimeout = std::chrono::seconds(10));
     ~Store();
@@ -115,13 +117,14 @@ class Store {
 
     const std::filesystem::path& file() const;
     bool readOnly() const;
-    // Whether it reads the files as they were, because nothing can be made beside them. lastChange() and the
-    // beginning of a Reading look whether they have changed; nothing tells of it.
+    // Whether the files are read as they were when they were opened, because nothing can be made beside them.
+    // lastChange() and the constructor of ReadTransaction open them again when they have changed; nothing
+    // else does.
     bool readsWithoutLocks() const;
     // Whether the file is no longer in its place: it was removed, or another one was put there.
     bool moved() const;
 
-    // Records. The lists are in the order in which records were added.
+    // Return what names a record, and those of a kind in the order in which they were added.
     std::optional<RecordRef> find(std::string_view uid) const;
     std::optional<RecordRef> find(RowId row) const;
     // What named the record that was in this row until it was deleted; nothing when there was none, or more
@@ -130,25 +133,25 @@ class Store {
     std::vector<RowId> rows(Kind kind) const;
     std::int64_t count(Kind kind) const;
 
-    // One property (kImage included), or all that are set but kImage. An unknown row has no values.
+    // Return one property (kImage included), or all that are set but kImage. An unknown row has no values.
     Value value(RowId row, std::string_view property) const;
     std::map<std::string, Value> values(RowId row) const;
 
-    // A whole record to take values from, the picture apart; and the record in this row with those that were
-    // added next, at most [count]. A damaged record is reported when a value is taken from it.
+    // Return a whole record to take values from, the picture apart; readFrom() the first [count] records from
+    // [row] on. A damaged record is reported when a value is taken from it.
     std::optional<RecordRow> read(std::string_view uid) const;
     std::optional<RecordRow> read(RowId row) const;
     std::vector<RecordRow> readFrom(RowId row, std::size_t count) const;
     Value value(const RecordRow& record, std::string_view property) const;
     std::map<std::string, Value> values(const RecordRow& record) const;
-    // The bytes (encodeValue) of a value, which live as long as the record's; empty for no value. The id, the
-    // two dates and the picture have none.
+    // Returns the bytes (encodeValue) of a value, which live as long as the record; empty for no value. The
+    // id, the two dates and the picture have none.
     std::string_view encodedValue(const RecordRow& record, std::string_view property) const;
-    // Reports that such bytes make no sense.
+    // Throws StoreError: such bytes make no sense.
     [[noreturn]] void reportDamage(const RecordRow& record, const std::string& what) const;
 
-    // While one of these lives, everything that is read from the store shows one moment, and is read faster.
-    // Keep it short, and save nothing.
+    // A read transaction: while one lives, everything that is read shows one moment, and is read faster. They
+    // may be nested. Keep it short, and save nothing.
     class ReadTransaction {
       public:
         explicit ReadTransaction(const Store& store);
@@ -160,34 +163,37 @@ class Store {
         const Store& store_;
     };
 
-    // Membership; a group's lists are in the order of joining, parents in the order of adding.
+    // Return memberships: a group's members in the order of joining, a record's groups in the order of
+    // adding.
     std::vector<RowId> members(RowId group) const;
     std::vector<RowId> subgroups(RowId group) const;
     std::vector<RowId> parents(RowId record) const;
 
-    // The user's own card.
+    // Returns the unique id of the user's own card.
     std::optional<std::string> me() const;
 
-    // Custom properties, in the order in which they were added.
+    // Returns the custom properties, in the order in which they were added.
     std::vector<PropertyDefinition> definitions() const;
 
-    // The records that meet the query, in the order in which they were added.
+    // Returns the records that meet the query, in the order in which they were added. [now] is what "today"
+    // means.
     std::vector<RowId> search(const Query& query, Date now) const;
 
-    // The same search, and how it was answered; see explain.h. What it answers refers to the query.
+    // Runs the search and returns how it was answered; see explain.h. The result refers to [query].
     SearchStep explain(const Query& query, Date now) const;
 
     // Writes everything or nothing; durable when it returns. Throws StoreError, also when the file is no
     // longer in its place: the changes would be lost with it.
     SaveResult save(const ChangeSet& changes);
 
-    // The change log: the number of the newest save, and all saves after [change]. A number lower than one
-    // that was seen before says that an older state of the book was restored.
+    // Return the number of the newest save in the change log, and all saves after [change]. A number lower
+    // than one that was seen before says that an older state of the book was restored.
     std::int64_t lastChange() const;
     std::vector<LoggedChange> changesSince(std::int64_t change) const;
 
-    // Looks for damage: SQLite's own check, then dangling and contradictory rows; with everything, also
-    // whether the search indexes say what the records do, which takes far longer. Empty: sound.
+    // Looks for damage: SQLite's own check, then dangling and contradictory rows; with [depth] everything
+    // also whether the search indexes say what the records do, which takes far longer. Returns a sentence for
+    // each problem.
     enum class Depth { records, everything };
     std::vector<std::string> check(Depth depth = Depth::everything) const;
 

@@ -41,7 +41,7 @@ bool takeEvents(int events) {
 }
 
 // The folder in which the database lies, behind symbolic links.
-fs::path folderOf(const fs::path& file) {
+fs::path realFolderOf(const fs::path& file) {
     std::error_code error;
     const fs::path real = fs::canonical(file, error);
     return error ? file.parent_path() : real.parent_path();
@@ -90,7 +90,7 @@ bool Watch::listen() {
     if (events_ >= 0)
         return true;
     const int events = inotify_init1(IN_CLOEXEC | IN_NONBLOCK);
-    if (events >= 0 && inotify_add_watch(events, folderOf(file_).c_str(), kEvents) >= 0) {
+    if (events >= 0 && inotify_add_watch(events, realFolderOf(file_).c_str(), kEvents) >= 0) {
         events_ = events;
         return true;
     }
@@ -129,7 +129,7 @@ void Watch::deliver() {
     const std::int64_t newest = store_->lastChange();
     if (std::exchange(replaced_, false) || newest < seen_) {
         seen_ = newest;
-        listener_.onSaved({newest, {}, {}, {}, false});
+        listener_.onSaved(LoggedChange{.change = newest});
     }
     if (newest == seen_)
         return;

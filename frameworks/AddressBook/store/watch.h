@@ -3,11 +3,10 @@
 // Learning of saves while they happen, those of other processes too.
 //
 // A process that saved touches the database's file once the save can be seen (notifyWatchers): the write
-// itself is too early, for SQLite shows a save only after it was written. The kernel tells this, the end of a
-// process that was killed in between, and a file put in the book's place to whoever watches the folder. Then
-// the change log, read on a connection of the watch's own, says what happened. A book that is read as a
-// snapshot may lie on another machine's disk, of which the kernel tells nothing: it is polled at once a
-// second as well.
+// itself is too early, for SQLite shows a save only after it was written. inotify on the folder tells this,
+// the end of a process that was killed in between, and a file put in the book's place. Then the change log,
+// read on a connection of the watch's own, says what happened. A book that is read without locks may lie on
+// another machine's disk, of which the kernel tells nothing: it is polled once a second as well.
 
 #include "frameworks/AddressBook/store/store.h"
 
@@ -20,7 +19,7 @@
 
 namespace addressbook {
 
-// Tells everybody who watches this database file that a save is done.
+// Wakes everybody who watches this database file: a save is done.
 void notifyWatchers(const std::filesystem::path& file);
 
 // A watch over one address book. One thread runs it, any other may stop it.
@@ -28,15 +27,16 @@ class Watch {
   public:
     // What it tells, on the thread that runs it.
     struct Listener {
-        // One save: all in their order, each once. One that tells nothing of records says that anything may
-        // have changed.
+        // Called for each save, in their order. One that tells nothing of records
+        // (LoggedChange::tellsNothing) says that anything may have changed.
         std::function<void(const LoggedChange&)> onSaved;
-        // The kernel watches no folder (its limits are used up, or the folder is gone), or the book cannot be
-        // read: until that passes, the watch looks once a second. Called with a sentence that says why.
+        // inotify or the book is unavailable: polling every second until it is back. Called once for each
+        // such time, with a sentence that says why.
         std::function<void(const std::string&)> onPolling;
     };
 
-    // Tells of all saves after number [since] to the database [file], also of those that are done already.
+    // Watches the database [file], and tells of all saves after number [since], also of those that are done
+    // already. Throws StoreError when the system gives it nothing to wait on.
     Watch(std::filesystem::path file, std::int64_t since, Listener listener);
     ~Watch();
     Watch(const Watch&) = delete;
@@ -58,9 +58,9 @@ class Watch {
     const Listener listener_;
     std::unique_ptr<Store> store_;
     std::int64_t seen_;
-    bool replaced_ = false; // another file is in the book's place, and nobody was told yet
-    bool polling_ = false;  // looks once a second, and has told why
-    int events_ = -1;       // the kernel's; -1 while it gives none
+    bool replaced_ = false; // another file is in the book's place, which is not delivered yet
+    bool polling_ = false;  // polls once a second, and has told why
+    int events_ = -1;       // inotify's descriptor; -1 while it gives none
     int stopped_ = -1;      // readable once stop() was called
     std::atomic<bool> stopping_{false};
 };

@@ -12,34 +12,48 @@ namespace {
 
 using enum Operation;
 
-constexpr std::array<ComparisonFacts, kComparisonCount> kFacts{{
-    // comparison, operation, negative, ignores case, yearless
-    {Comparison::equal, equal, false, false, false},
-    {Comparison::notEqual, equal, true, false, false},
-    {Comparison::lessThan, less, false, false, false},
-    {Comparison::lessThanOrEqual, lessOrEqual, false, false, false},
-    {Comparison::greaterThan, greater, false, false, false},
-    {Comparison::greaterThanOrEqual, greaterOrEqual, false, false, false},
-    {Comparison::equalCaseInsensitive, equal, false, true, false},
-    {Comparison::containsSubString, contains, false, false, false},
-    {Comparison::containsSubStringCaseInsensitive, contains, false, true, false},
-    {Comparison::prefixMatch, prefix, false, false, false},
-    {Comparison::prefixMatchCaseInsensitive, prefix, false, true, false},
-    {Comparison::bitsInBitFieldMatch, bits, false, false, false},
-    {Comparison::doesNotContainSubString, contains, true, false, false},
-    {Comparison::doesNotContainSubStringCaseInsensitive, contains, true, true, false},
-    {Comparison::notEqualCaseInsensitive, equal, true, true, false},
-    {Comparison::suffixMatch, suffix, false, false, false},
-    {Comparison::suffixMatchCaseInsensitive, suffix, false, true, false},
-    {Comparison::withinIntervalAroundToday, around, false, false, false},
-    {Comparison::withinIntervalAroundTodayYearless, around, false, false, true},
-    {Comparison::notWithinIntervalAroundToday, around, true, false, false},
-    {Comparison::notWithinIntervalAroundTodayYearless, around, true, false, true},
-    {Comparison::withinIntervalFromToday, ahead, false, false, false},
-    {Comparison::withinIntervalFromTodayYearless, ahead, false, false, true},
-    {Comparison::notWithinIntervalFromToday, ahead, true, false, false},
-    {Comparison::notWithinIntervalFromTodayYearless, ahead, true, false, true},
-}};
+// What else a comparison does.
+enum Trait : unsigned { kPlain = 0, kNegative = 1, kIgnoresCase = 2, kYearless = 4 };
+
+constexpr ComparisonFacts row(Comparison comparison, std::string_view name, Operation operation,
+                              unsigned traits) {
+    return {.comparison = comparison,
+            .name = name,
+            .operation = operation,
+            .negative = (traits & kNegative) != 0,
+            .ignoresCase = (traits & kIgnoresCase) != 0,
+            .yearless = (traits & kYearless) != 0};
+}
+
+// clang-format off
+constexpr std::array<ComparisonFacts, kComparisonCount> kFacts{
+    row(Comparison::equal, "Equal", equal, kPlain),
+    row(Comparison::notEqual, "NotEqual", equal, kNegative),
+    row(Comparison::lessThan, "LessThan", less, kPlain),
+    row(Comparison::lessThanOrEqual, "LessThanOrEqual", lessOrEqual, kPlain),
+    row(Comparison::greaterThan, "GreaterThan", greater, kPlain),
+    row(Comparison::greaterThanOrEqual, "GreaterThanOrEqual", greaterOrEqual, kPlain),
+    row(Comparison::equalCaseInsensitive, "EqualCaseInsensitive", equal, kIgnoresCase),
+    row(Comparison::containsSubString, "ContainsSubString", contains, kPlain),
+    row(Comparison::containsSubStringCaseInsensitive, "ContainsSubStringCaseInsensitive", contains, kIgnoresCase),
+    row(Comparison::prefixMatch, "PrefixMatch", prefix, kPlain),
+    row(Comparison::prefixMatchCaseInsensitive, "PrefixMatchCaseInsensitive", prefix, kIgnoresCase),
+    row(Comparison::bitsInBitFieldMatch, "BitsInBitFieldMatch", bits, kPlain),
+    row(Comparison::doesNotContainSubString, "DoesNotContainSubString", contains, kNegative),
+    row(Comparison::doesNotContainSubStringCaseInsensitive, "DoesNotContainSubStringCaseInsensitive", contains, kNegative | kIgnoresCase),
+    row(Comparison::notEqualCaseInsensitive, "NotEqualCaseInsensitive", equal, kNegative | kIgnoresCase),
+    row(Comparison::suffixMatch, "SuffixMatch", suffix, kPlain),
+    row(Comparison::suffixMatchCaseInsensitive, "SuffixMatchCaseInsensitive", suffix, kIgnoresCase),
+    row(Comparison::withinIntervalAroundToday, "WithinIntervalAroundToday", around, kPlain),
+    row(Comparison::withinIntervalAroundTodayYearless, "WithinIntervalAroundTodayYearless", around, kYearless),
+    row(Comparison::notWithinIntervalAroundToday, "NotWithinIntervalAroundToday", around, kNegative),
+    row(Comparison::notWithinIntervalAroundTodayYearless, "NotWithinIntervalAroundTodayYearless", around, kNegative | kYearless),
+    row(Comparison::withinIntervalFromToday, "WithinIntervalFromToday", ahead, kPlain),
+    row(Comparison::withinIntervalFromTodayYearless, "WithinIntervalFromTodayYearless", ahead, kYearless),
+    row(Comparison::notWithinIntervalFromToday, "NotWithinIntervalFromToday", ahead, kNegative),
+    row(Comparison::notWithinIntervalFromTodayYearless, "NotWithinIntervalFromTodayYearless", ahead, kNegative | kYearless),
+};
+// clang-format on
 
 constexpr bool inOrder() {
     for (int i = 0; i < kComparisonCount; ++i)
@@ -47,7 +61,7 @@ constexpr bool inOrder() {
             return false;
     return true;
 }
-static_assert(inOrder());
+static_assert(inOrder(), "one row for each comparison, in their order");
 
 bool isNumber(const Value& value) {
     return value.as<std::int64_t>() != nullptr || value.as<double>() != nullptr;
@@ -163,6 +177,10 @@ bool visitOne(const Value& value, const std::string* label, const std::function<
 }
 
 } // namespace
+
+std::span<const ComparisonFacts> comparisons() {
+    return kFacts;
+}
 
 const ComparisonFacts& factsOf(Comparison comparison) {
     return kFacts.at(static_cast<std::size_t>(comparison));

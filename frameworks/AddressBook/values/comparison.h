@@ -8,6 +8,7 @@
 
 #include <functional>
 #include <optional>
+#include <span>
 #include <string>
 #include <string_view>
 
@@ -31,13 +32,17 @@ enum class Operation {
 // One row of the table of comparisons.
 struct ComparisonFacts {
     Comparison comparison;
+    std::string_view name; // the framework's, without "kAB"
     Operation operation;
     bool negative;    // holds when no value meets the operation
     bool ignoresCase; // compares folded text
     bool yearless;    // looks at month and day only
 };
 
-// The row of [comparison].
+// Returns all rows, in the framework's order.
+std::span<const ComparisonFacts> comparisons();
+
+// Returns the row of [comparison].
 const ComparisonFacts& factsOf(Comparison comparison);
 
 // One of the values that a condition looks at.
@@ -72,10 +77,10 @@ class Matcher {
     // one.
     bool anyMeets(const Value& value) const;
 
-    // Whether one value does, label and key aside.
+    // Whether one value meets it, label and key aside.
     bool meets(const Value& value) const;
 
-    // The same for text whose compared forms are known: [folded] counts when case is ignored, else
+    // Whether a text does whose compared forms are known: [folded] counts when case is ignored, else
     // [normalized].
     bool meetsText(std::string_view normalized, std::string_view folded) const;
 
@@ -89,11 +94,11 @@ class Matcher {
     // that needs one.
     bool neverMatches() const;
 
-    // The days that a comparison with an interval looks for; yearless ones in the years around this one. None
-    // for other comparisons and for a wanted value that is no number.
+    // Returns the days that a comparison with an interval looks for; yearless ones in the years around this
+    // one. None for other comparisons and for a wanted value that is no number.
     const std::optional<DayRange>& wantedDays() const { return days_; }
 
-    // The wanted text as the comparison compares it; none when the wanted value is no text.
+    // Returns the wanted text as the comparison compares it; none when the wanted value is no text.
     const std::optional<std::string>& wantedText() const { return text_; }
 
   private:

@@ -23,15 +23,15 @@ struct BuiltInProperty {
     Scope scope;
 };
 
-// Every built-in property in the framework's order.
+// Returns every built-in property in the framework's order.
 std::span<const BuiltInProperty> builtInProperties();
 
-// The property of people that holds what a property of date components tells: the dates themselves, of which
+// Returns the property of people that holds what a property of date components tells: the dates themselves, of which
 // the components are the days, or for the alternate birthday a dictionary, as components alone do not say by
 // which calendar they count. None for any other property.
 std::optional<std::string_view> storedForComponents(std::string_view name);
 
-// The names of all properties of a kind that users see before they add some.
+// Returns the names of all properties of a kind that users see before they add some.
 std::vector<std::string_view> builtInNames(Kind kind);
 
 // A property that users added to people or groups.
@@ -42,7 +42,7 @@ struct PropertyDefinition {
     bool operator==(const PropertyDefinition&) const = default;
 };
 
-// The type of a built-in, components or internal property, 0 when [kind] has no such property.
+// Returns the type of a built-in, components or internal property, 0 when [kind] has no such property.
 int builtInType(Kind kind, std::string_view name);
 
 // Whether only this framework knows properties of this name (a leading dot): they are never listed or

@@ -4,6 +4,7 @@
 #include <unicode/unorm2.h>
 #include <unicode/ustring.h>
 
+#include <algorithm>
 #include <cstdint>
 #include <cstring>
 #include <new>
@@ -59,7 +60,7 @@ char32_t nextCodePoint(std::string_view text, std::size_t& at) {
     }
     std::size_t behind = at;
     for (; more > 0; --more, ++behind) {
-        if (behind == text.size() || (static_cast<unsigned char>(text[behind]) & 0xC0) != 0x80)
+        if (behind == text.size() || !isContinuation(text[behind]))
             return kReplacement;
         code = (code << 6) | (static_cast<unsigned char>(text[behind]) & 0x3F);
     }
@@ -186,12 +187,25 @@ std::string unicodeVersion() {
     return std::to_string(version[0]) + "." + std::to_string(version[1]) + "." + std::to_string(version[2]);
 }
 
+std::size_t countCharacters(std::string_view text) {
+    return text.size() - static_cast<std::size_t>(std::count_if(text.begin(), text.end(), isContinuation));
+}
+
 std::string_view beginning(std::string_view text, std::size_t bytes) {
     if (text.size() <= bytes)
         return text;
-    while (bytes > 0 && (static_cast<unsigned char>(text[bytes]) & 0xC0) == 0x80)
+    while (bytes > 0 && isContinuation(text[bytes]))
         --bytes;
     return text.substr(0, bytes);
+}
+
+std::string_view ending(std::string_view text, std::size_t bytes) {
+    if (text.size() <= bytes)
+        return text;
+    text.remove_prefix(text.size() - bytes);
+    while (!text.empty() && isContinuation(text.front()))
+        text.remove_prefix(1);
+    return text;
 }
 
 } // namespace addressbook

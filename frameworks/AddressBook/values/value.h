@@ -65,7 +65,7 @@ struct Value : std::variant<std::monostate, std::string, std::int64_t, double, D
     bool empty() const { return index() == 0; }
     bool operator==(const Value& other) const;
 
-    // The alternative of type T, or null when the value is of another type.
+    // Returns the alternative of type T, or null when the value is of another type.
     template <typename T>
     const T* as() const {
         return std::get_if<T>(static_cast<const variant*>(this));
@@ -84,8 +84,8 @@ struct Entry {
     bool operator==(const Entry&) const = default;
 };
 
-// The type number of a value as a property of that type would have it: base type, or base type + kMultiValue
-// for a multi-value whose entries agree; 0 for no value and for mixed or empty multi-values.
+// Returns the type number of a value as a property of that type would have it: base type, or base type +
+// kMultiValue for a multi-value whose entries agree; 0 for no value and for mixed or empty multi-values.
 int typeOf(const Value& value);
 
 } // namespace addressbook

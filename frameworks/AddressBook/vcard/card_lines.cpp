@@ -48,7 +48,7 @@ class Lines {
             writeGroup();
         else
             for (const Rule& rule : rules())
-                if (rule.written)
+                if (rule.use == Use::written)
                     write(rule);
         return std::move(lines_);
     }
@@ -193,7 +193,7 @@ class Lines {
                                rule.property == property::kRelatedNames;
         std::vector<std::string_view> types;
         if (!labelOnly)
-            types = typesFor(label, rule.shape == Shape::telephones);
+            types = typesFor(label, rule.shape == Shape::telephones ? Entries::telephones : Entries::any);
         for (const std::string_view type : types)
             line.params.append(";type=").append(type);
         if (types.empty())

@@ -1,5 +1,6 @@
 #include "frameworks/AddressBook/vcard/content_line.h"
 
+#include "frameworks/AddressBook/values/text.h"
 #include "frameworks/AddressBook/vcard/encoding.h"
 
 #include <algorithm>
@@ -203,7 +204,7 @@ void appendFolded(std::string& out, std::string_view line) {
     std::size_t width = kWidth;
     while (line.size() > width) {
         std::size_t cut = width;
-        while (cut > width - 4 && (static_cast<unsigned char>(line[cut]) & 0xC0) == 0x80)
+        while (cut > width - 4 && isContinuation(line[cut]))
             --cut;
         out.append(line.substr(0, cut)).append("\r\n ");
         line.remove_prefix(cut);

@@ -28,10 +28,9 @@ std::size_t utf8Length(std::string_view bytes) {
         return 0;
     char32_t code = lead & (0x7Fu >> length);
     for (std::size_t at = 1; at < length; ++at) {
-        const auto byte = static_cast<unsigned char>(bytes[at]);
-        if ((byte & 0xC0) != 0x80)
+        if (!isContinuation(bytes[at]))
             return 0;
-        code = code << 6 | (byte & 0x3F);
+        code = code << 6 | (static_cast<unsigned char>(bytes[at]) & 0x3F);
     }
     return (length == 3 && code < 0x800) || (length == 4 && (code < 0x10000 || code > 0x10FFFF)) ? 0 : length;
 }

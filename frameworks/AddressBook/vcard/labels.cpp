@@ -13,25 +13,25 @@ namespace {
 struct Row {
     std::array<std::string_view, 2> types; // the second may be empty
     std::string_view label;
-    bool telephone; // written this way for telephones only
-    bool written;   // false: read only, another row writes the label
+    Entries entries;
+    Use use;
 };
 constexpr std::array kRows{
-    Row{{"HOME", "FAX"}, "_$!<HomeFAX>!$_", true, true},
-    Row{{"WORK", "FAX"}, "_$!<WorkFAX>!$_", true, true},
-    Row{{"OTHER", "FAX"}, "_$!<OtherFAX>!$_", true, true},
-    Row{{"IPHONE", "CELL"}, "iPhone", true, true},
-    Row{{"FAX", ""}, "_$!<OtherFAX>!$_", true, false},
-    Row{{"IPHONE", ""}, "iPhone", true, false},
-    Row{{"CELL", ""}, "_$!<Mobile>!$_", true, true},
-    Row{{"MOBILE", ""}, "_$!<Mobile>!$_", true, false},
-    Row{{"MAIN", ""}, "_$!<Main>!$_", true, true},
-    Row{{"PAGER", ""}, "_$!<Pager>!$_", true, true},
-    Row{{"HOME", ""}, kHomeLabel, false, true},
-    Row{{"WORK", ""}, kWorkLabel, false, true},
-    Row{{"PERSONAL", ""}, kHomeLabel, false, false},
-    Row{{"BUSINESS", ""}, kWorkLabel, false, false},
-    Row{{"OTHER", ""}, kOtherLabel, false, true},
+    Row{{"HOME", "FAX"}, "_$!<HomeFAX>!$_", Entries::telephones, Use::written},
+    Row{{"WORK", "FAX"}, "_$!<WorkFAX>!$_", Entries::telephones, Use::written},
+    Row{{"OTHER", "FAX"}, "_$!<OtherFAX>!$_", Entries::telephones, Use::written},
+    Row{{"IPHONE", "CELL"}, "iPhone", Entries::telephones, Use::written},
+    Row{{"FAX", ""}, "_$!<OtherFAX>!$_", Entries::telephones, Use::readOnly},
+    Row{{"IPHONE", ""}, "iPhone", Entries::telephones, Use::readOnly},
+    Row{{"CELL", ""}, "_$!<Mobile>!$_", Entries::telephones, Use::written},
+    Row{{"MOBILE", ""}, "_$!<Mobile>!$_", Entries::telephones, Use::readOnly},
+    Row{{"MAIN", ""}, "_$!<Main>!$_", Entries::telephones, Use::written},
+    Row{{"PAGER", ""}, "_$!<Pager>!$_", Entries::telephones, Use::written},
+    Row{{"HOME", ""}, kHomeLabel, Entries::any, Use::written},
+    Row{{"WORK", ""}, kWorkLabel, Entries::any, Use::written},
+    Row{{"PERSONAL", ""}, kHomeLabel, Entries::any, Use::readOnly},
+    Row{{"BUSINESS", ""}, kWorkLabel, Entries::any, Use::readOnly},
+    Row{{"OTHER", ""}, kOtherLabel, Entries::any, Use::written},
 };
 
 // Words that say what a number or an address can do, not whose or where it is: never a label.
@@ -91,9 +91,10 @@ TypeMeaning meaningOf(const std::vector<std::string>& types) {
     return meaning;
 }
 
-std::vector<std::string_view> typesFor(std::string_view label, bool telephone) {
+std::vector<std::string_view> typesFor(std::string_view label, Entries entries) {
     for (const Row& row : kRows)
-        if (row.written && row.label == label && (telephone || !row.telephone))
+        if (row.use == Use::written && row.label == label &&
+            (row.entries == Entries::any || entries == row.entries))
             return row.types[1].empty() ? std::vector{row.types[0]} : std::vector{row.types[0], row.types[1]};
     return {};
 }

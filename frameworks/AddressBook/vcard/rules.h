@@ -44,9 +44,9 @@ enum class Shape {
 struct Rule {
     std::string_view name; // upper case
     Shape shape;
-    std::string_view property;      // of the address book; empty when the shape knows
-    std::string_view label;         // of an entry that names none
-    bool written = true;            // false: read, and written by another row
+    std::string_view property; // of the address book; empty when the shape knows
+    std::string_view label;    // of an entry that names none
+    Use use = Use::written;
     std::string_view spelling = {}; // as written, when that is not upper case
 };
 

@@ -62,8 +62,8 @@ void makeStandalone(const fs::path& file) {
 }
 
 // Gives the draft its name.
-void publish(const fs::path& draft, const fs::path& file, bool replace) {
-    if (replace) {
+void publish(const fs::path& draft, const fs::path& file, Existing existing) {
+    if (existing == Existing::replace) {
         if (std::rename(draft.c_str(), file.c_str()) != 0)
             fail(file, "cannot write: " + std::generic_category().message(errno));
     } else if (renameat2(AT_FDCWD, draft.c_str(), AT_FDCWD, file.c_str(), RENAME_NOREPLACE) != 0) {
@@ -82,7 +82,7 @@ bool isOpenBook(const fs::path& book, const fs::path& file) {
 
 } // namespace
 
-CopySummary backUp(const fs::path& folder, const fs::path& file, bool replace) {
+CopySummary backUp(const fs::path& folder, const fs::path& file, Existing existing) {
     const Store::Impl book(folder, Store::Access::readOnly, kBusyTimeout);
     std::error_code error;
     const fs::file_status status = fs::symlink_status(file, error);
@@ -90,7 +90,7 @@ CopySummary backUp(const fs::path& folder, const fs::path& file, bool replace) {
         fail(file, "this is the address book itself; name another file");
     if (fs::exists(status) && !fs::is_regular_file(status))
         fail(file, "this is no ordinary file; name another");
-    if (fs::exists(status) && !replace)
+    if (fs::exists(status) && existing == Existing::refuse)
         fail(file, "there is such a file; --force replaces it");
     if (!fs::is_directory(folderOf(file), error))
         fail(file, "its folder does not exist; make it, or name another file");
@@ -98,7 +98,7 @@ CopySummary backUp(const fs::path& folder, const fs::path& file, bool replace) {
     copyDatabase(book.db, staging.file());
     CopySummary summary = inspect(staging, book.db.file(), "addressbook repair rescues what can be read");
     makeStandalone(staging.file());
-    publish(staging.file(), file, replace);
+    publish(staging.file(), file, existing);
     return summary;
 }
 

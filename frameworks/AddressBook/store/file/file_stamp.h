@@ -1,7 +1,7 @@
 #pragma once
 
-// A book beside which no file can be made is read without locks, as it was when it was opened: SQLite looks
-// at its files no more. This does, to see whether others changed them.
+// Device, inode, size and modification time of the database and its sidecars. A book beside which no file can
+// be made is opened in SQLite's immutable mode, which never notices outside changes; comparing stamps does.
 
 #include <sys/types.h>
 
@@ -11,13 +11,14 @@
 
 namespace addressbook {
 
-// The state in which a book's files were.
+// The state of a book's files at one moment.
 class FileStamp {
   public:
-    // The state of the database [file] and what lies beside it. Take it before opening them.
+    // Takes the state of the database [file] and of what lies beside it. Do so before opening them.
     explicit FileStamp(std::filesystem::path file);
 
-    // Whether the same database may say something else now.
+    // Whether the database may say something else now. False also when another file is in its place: see
+    // Store::moved().
     bool outdated() const;
 
   private:

@@ -34,7 +34,7 @@ std::unique_ptr<sql::Connection> connect(const fs::path& file, std::string_view 
                                          std::chrono::milliseconds busyTimeout) {
     auto connection = std::make_unique<sql::Connection>(file, databaseUri(file, query),
                                                         flags | SQLITE_OPEN_URI, busyTimeout);
-    keepWalAtClose(*connection, true);
+    setWalAtClose(*connection, WalAtClose::keep);
     if (query == kWithoutIndex)
         connection->execute("PRAGMA locking_mode = EXCLUSIVE");
     connection->execute(
@@ -107,7 +107,7 @@ OpenedFile connectReadOnly(const fs::path& file, std::chrono::milliseconds busyT
 }
 
 bool isWritable(const fs::path& file) {
-    return access(file.c_str(), R_OK | W_OK) == 0 && access(file.parent_path().c_str(), W_OK | X_OK) == 0;
+    return ::access(file.c_str(), R_OK | W_OK) == 0 && ::access(file.parent_path().c_str(), W_OK | X_OK) == 0;
 }
 
 void checkVersion(sql::Connection& connection) {
@@ -124,8 +124,8 @@ void requireTables(sql::Connection& connection) {
         throw StoreError(Reason::notADatabase, connection.file(), "is an empty database", kRestoreOrBegin);
 }
 
-OpenedFile openFile(const fs::path& file, bool wantsWrite, std::chrono::milliseconds busyTimeout) {
-    if (wantsWrite && isWritable(file)) {
+OpenedFile openFile(const fs::path& file, Access access, std::chrono::milliseconds busyTimeout) {
+    if (access == Access::readWrite && isWritable(file)) {
         requireJournalBelongsTo(file);
         auto connection =
             openWithCheckedWal(file, [&] { return connect(file, "", SQLITE_OPEN_READWRITE, busyTimeout); });
@@ -135,7 +135,7 @@ OpenedFile openFile(const fs::path& file, bool wantsWrite, std::chrono::millisec
         return {std::move(connection), false, {}};
     }
     if (hasSidecar(file, "-journal") && isWritable(file))
-        openFile(file, true, busyTimeout); // undoes what was interrupted
+        openFile(file, Access::readWrite, busyTimeout); // undoes what was interrupted
     std::optional<FileStamp> stamp;
     auto connection = openWithCheckedWal(file, [&] {
         OpenedFile opened = connectReadOnly(file, busyTimeout);
@@ -150,7 +150,6 @@ OpenedFile openFile(const fs::path& file, bool wantsWrite, std::chrono::millisec
 } // namespace
 
 OpenedFile openAddressBook(const fs::path& folder, Access access, std::chrono::milliseconds busyTimeout) {
-    const bool wantsWrite = access == Access::readWrite;
     requireFolder(folder, access);
     const fs::path file = folder / kFileName;
     std::error_code error;
@@ -159,7 +158,7 @@ OpenedFile openAddressBook(const fs::path& folder, Access access, std::chrono::m
         if (status.type() != fs::file_type::not_found)
             throw systemError("Could not look for the address book", file, error.value(),
                               "check that you may enter its folder");
-        if (!wantsWrite)
+        if (access == Access::readOnly)
             throw StoreError(Reason::missingFolder,
                              problemSentence("There is no address book in", folder, "",
                                              "import something first, or correct ADDRESSBOOK_HOME"));
@@ -171,7 +170,7 @@ OpenedFile openAddressBook(const fs::path& folder, Access access, std::chrono::m
     }
     // A file that was replaced just when it was being opened is not the book any more.
     for (int attempt = 0; attempt < kAttempts; ++attempt)
-        if (OpenedFile opened = openFile(file, wantsWrite, busyTimeout); !opened.connection->moved())
+        if (OpenedFile opened = openFile(file, access, busyTimeout); !opened.connection->moved())
             return opened;
     throw replacedError(file);
 }

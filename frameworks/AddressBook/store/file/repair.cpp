@@ -57,9 +57,10 @@ class Rescue {
     bool attempt();
     void lendFirstPage();
 
-    // Calls [row] with each row that can be read; false when some cannot.
+    // Calls [row] with each row that can be read; returns false when some cannot.
     bool scan(const std::string& sql, const std::function<void(const sql::Statement&)>& row);
-    // The same for a table and an order, from both ends when it breaks in the middle.
+    // Calls [row] with each row of [select] in this [order], from both ends when it breaks in the middle;
+    // returns false when some cannot be read.
     bool scanBothWays(const std::string& select, const std::string& order,
                       const std::function<void(const sql::Statement&)>& row);
 

@@ -24,7 +24,8 @@ constexpr std::chrono::seconds kBusyTimeout{10};
 constexpr const char* kCompanions[] = {"-wal", "-journal", "-shm"};
 constexpr const char* kKept[] = {"", "-wal", "-journal"};
 
-// Keeps every SQLite from opening a database: all of them take this byte for a moment before they read.
+// Locks the byte that every SQLite takes for a moment before it reads: nobody can open the database while it
+// lives.
 class PendingByteLock {
   public:
     explicit PendingByteLock(const fs::path& file) : descriptor_(open(file.c_str(), O_RDWR | O_CLOEXEC)) {
@@ -104,7 +105,7 @@ LockedBook::LockedBook(const fs::path& folder) : file_(folder / kFileName) {
         auto connection = std::make_unique<sql::Connection>(
             file_, databaseUri(file_), SQLITE_OPEN_READWRITE | SQLITE_OPEN_URI, kBusyTimeout);
         // A log that is not this database's must not be written into it.
-        sqlite3_db_config(connection->handle(), SQLITE_DBCONFIG_NO_CKPT_ON_CLOSE, 1, nullptr);
+        setWalAtClose(*connection, WalAtClose::keep);
         connection->execute("BEGIN IMMEDIATE");
         connection_ = std::move(connection);
     } catch (const StoreError& failure) {
@@ -113,7 +114,6 @@ LockedBook::LockedBook(const fs::path& folder) : file_(folder / kFileName) {
     }
 }
 
-// Takes the log over into the database: closing it does so, too, but says nothing when it cannot.
 void LockedBook::checkpoint(const fs::path& draft) const {
     {
         sql::Connection connection(file_, databaseUri(draft), SQLITE_OPEN_READWRITE | SQLITE_OPEN_URI,

@@ -84,8 +84,9 @@ bool hasSidecar(const fs::path& file, const char* suffix) {
     return !error && size != 0;
 }
 
-void keepWalAtClose(const sql::Connection& connection, bool keep) {
-    sqlite3_db_config(connection.handle(), SQLITE_DBCONFIG_NO_CKPT_ON_CLOSE, keep ? 1 : 0, nullptr);
+void setWalAtClose(const sql::Connection& connection, WalAtClose what) {
+    sqlite3_db_config(connection.handle(), SQLITE_DBCONFIG_NO_CKPT_ON_CLOSE, what == WalAtClose::keep ? 1 : 0,
+                      nullptr);
 }
 
 std::unique_ptr<sql::Connection>
@@ -96,7 +97,7 @@ openWithCheckedWal(const fs::path& file, const std::function<std::unique_ptr<sql
         try {
             auto connection = open();
             if (!alone || isWalOf(*connection, *alone)) {
-                keepWalAtClose(*connection, false);
+                setWalAtClose(*connection, WalAtClose::checkpoint);
                 return connection;
             }
         } catch (const StoreError& error) {
@@ -114,7 +115,7 @@ bool walBelongsTo(const fs::path& file) {
         openWithCheckedWal(file, [&] {
             auto connection = std::make_unique<sql::Connection>(
                 file, databaseUri(file), SQLITE_OPEN_READONLY | SQLITE_OPEN_URI, std::chrono::seconds(10));
-            keepWalAtClose(*connection, true);
+            setWalAtClose(*connection, WalAtClose::keep);
             return connection;
         });
         return true;

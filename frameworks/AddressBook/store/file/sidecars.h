@@ -13,32 +13,34 @@
 
 namespace addressbook {
 
-// In sqlite_sequence, which every save writes, with a number that is this book's own; no table of that name.
+// Row of sqlite_sequence that holds the book's random id. There is no table of that name: the row shares the
+// page that every save rewrites anyway.
 inline constexpr std::string_view kBookId = "book";
 
-// The file beside a database file, "-wal" for instance.
+// Returns the name of the file beside a database file with this [suffix], "-wal" for instance.
 std::filesystem::path sidecarPath(std::filesystem::path file, const char* suffix);
 
-// Whether there is such a file, and something in it.
+// Whether there is such a file beside [file], with something in it.
 bool hasSidecar(const std::filesystem::path& file, const char* suffix);
 
-// Whether the last connection that closes leaves the log as it is.
-void keepWalAtClose(const sql::Connection& connection, bool keep);
+// What the last connection does with the log when it closes.
+enum class WalAtClose { checkpoint, keep };
+void setWalAtClose(const sql::Connection& connection, WalAtClose what);
 
-// Opens a file by [open], whose connection keeps the log at its close, and refuses a log that is not the
-// file's own before anything of it gets into the file. Throws StoreError.
+// Opens [file] by [open], whose connection must keep the log at its close (setWalAtClose). Refuses a log that
+// is not the file's own before anything of it gets into the file. Throws StoreError.
 std::unique_ptr<sql::Connection>
 openWithCheckedWal(const std::filesystem::path& file,
                    const std::function<std::unique_ptr<sql::Connection>()>& open);
 
-// Whether the log beside a database file is its own. What cannot be read is taken for its own.
+// Whether the log beside [file] belongs to it. One that cannot be read is taken for its own.
 bool walBelongsTo(const std::filesystem::path& file);
 
-// The same of the journal, which SQLite writes over the file when it opens that. Throws StoreError when that
-// cannot be found out.
+// Whether the rollback journal beside [file] belongs to it: SQLite replays it on open, so ask first. Throws
+// StoreError when that cannot be found out.
 bool journalBelongsTo(const std::filesystem::path& file);
 
-// Throws StoreError when the journal is not the file's own.
+// Throws StoreError when the journal beside [file] does not belong to it.
 void requireJournalBelongsTo(const std::filesystem::path& file);
 
 } // namespace addressbook

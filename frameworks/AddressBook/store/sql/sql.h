@@ -19,8 +19,9 @@ namespace addressbook::sql {
 
 class Connection;
 
-// One run of a prepared statement; its end makes the statement ready for the next. Bound text and bytes are
-// not copied: they must live as long as the run. Columns live until the next step.
+// One use of a prepared statement: bind, step, read columns. The destructor resets it and clears what was
+// bound. Bound text and blobs are not copied: they must live as long as this. Columns live until the next
+// step.
 class Statement {
   public:
     Statement(Connection& connection, sqlite3_stmt* statement)
@@ -31,19 +32,20 @@ class Statement {
     Statement& operator=(const Statement&) = delete;
     ~Statement();
 
-    // Binds the next parameter.
+    // Bind the next parameter. Each throws StoreError.
     Statement& bindInteger(std::int64_t value);
     Statement& bindReal(double value); // NaN becomes null
     Statement& bindText(std::string_view value);
     Statement& bindBlob(std::string_view value);
 
-    // Steps to the next row; false at the end.
+    // Steps to the next row; returns false at the end. Throws StoreError.
     bool step();
-    // Steps to the end, rows or none.
+    // Steps to the end, whether there are rows or none. Throws StoreError.
     void exec();
-    // Makes the statement ready for another run with other values, all of which must be bound.
+    // Makes the statement ready to run again with other values, all of which must be bound.
     void reset();
 
+    // The type and the value of a column of the row that was stepped to, counted from 0.
     bool isNull(int column) const;
     bool isText(int column) const;
     bool isReal(int column) const;
@@ -62,8 +64,8 @@ class Statement {
 // One connection to a database file.
 class Connection {
   public:
-    // [uri] is what SQLite opens, [file] what errors name; [flags] are SQLite's. Waits for locks up to
-    // [busyTimeout].
+    // Opens [uri] with SQLite's [flags]; errors name [file]. Waits for other connections' locks up to
+    // [busyTimeout]. Throws StoreError.
     Connection(std::filesystem::path file, const std::string& uri, int flags,
                std::chrono::milliseconds busyTimeout);
     ~Connection();
@@ -73,23 +75,24 @@ class Connection {
     const std::filesystem::path& file() const { return file_; }
     sqlite3* handle() const { return handle_; }
 
-    // Takes the database that the other has open, and leaves it its own. No run may be under way in either.
+    // Exchanges the open databases of both. No statement may be in use in either.
     void exchange(Connection& other);
 
-    // Runs statements that have no parameters and whose rows do not matter.
+    // Runs statements that have no parameters and whose rows do not matter. Throws StoreError.
     void execute(const std::string& statements);
 
-    // A run of a statement that is prepared at its first use and kept; [sql] is a literal and known by its
+    // Returns a statement that is prepared at its first use and kept; [sql] is a literal and known by its
     // address.
     Statement prepare(const char* sql);
-    // A run of a statement whose text is put together at run time; kept as well.
+    // Returns a statement whose text is put together at run time; kept as well.
     Statement prepareText(const std::string& sql);
 
+    // Return the rowid of the last insertion, and how many rows the last statement changed.
     std::int64_t lastRow() const;
     int changes() const;
 
-    // A number that changes whenever the database does, here or elsewhere; inside a transaction, which keeps
-    // it.
+    // Returns SQLite's data version, which changes with every commit here or elsewhere. Opens a read
+    // transaction if there is none, so that it stays valid.
     std::uint32_t dataVersion();
 
     // Whether the file that is open is no longer the one of its name.
