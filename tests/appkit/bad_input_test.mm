@@ -18,9 +18,9 @@ void expectRefused(const std::string& bytes) {
     expectRefused(dataOf(bytes));
 }
 
-using BadInput = PictureTest;
+using BadInputTest = PictureTest;
 
-TEST_F(BadInput, NoPictureAtAll) {
+TEST_F(BadInputTest, NoPictureAtAll) {
     expectRefused(static_cast<NSData*>(nil));
     expectRefused("");
     expectRefused("A text file with the name picture.png\n");
@@ -31,7 +31,7 @@ TEST_F(BadInput, NoPictureAtAll) {
     expectRefused(std::string("II*\0\x08\0\0\0", 8));
 }
 
-TEST_F(BadInput, OnlyASignature) {
+TEST_F(BadInputTest, OnlyASignature) {
     for (const char* signature :
          {"\x89PNG\r\n\x1a\n", "\xff\xd8\xff", "\xff\xd8\xff\xe0", "GIF87a", "GIF89a", "BM"}) {
         expectRefused(signature);
@@ -42,14 +42,14 @@ TEST_F(BadInput, OnlyASignature) {
 }
 
 // A signature of one kind before the contents of another.
-TEST_F(BadInput, ASignatureThatLies) {
+TEST_F(BadInputTest, ASignatureThatLies) {
     const std::string png = make("png").file;
     expectRefused("GIF89a" + png.substr(6));
     expectRefused("BM" + png.substr(2));
     expectRefused("\xff\xd8\xff" + png.substr(3));
 }
 
-TEST_F(BadInput, StopsShort) {
+TEST_F(BadInputTest, StopsShort) {
     for (const Made& whole : make({"png", "png_alpha", "png_palette", "jpeg", "jpeg_progressive", "jpeg_cmyk",
                                    "gif", "bmp", "bmp_alpha"}))
         for (const int percent : {1, 10, 50, 90, 99}) {
@@ -58,7 +58,7 @@ TEST_F(BadInput, StopsShort) {
         }
 }
 
-TEST_F(BadInput, ClaimsTooMany) {
+TEST_F(BadInputTest, ClaimsTooMany) {
     const std::vector<std::string> names = {
         "bomb_png_wide",   "bomb_png_high",     "bomb_png_both",  "bomb_png_most",  "bomb_jpeg",
         "bomb_gif_screen", "bomb_gif_area",     "bomb_gif_place", "bomb_gif_frame", "bomb_bmp",
@@ -74,14 +74,14 @@ TEST_F(BadInput, ClaimsTooMany) {
 }
 
 // What is compressed beside the pixels is not unpacked without bounds.
-TEST_F(BadInput, CompressedTextInAPicture) {
+TEST_F(BadInputTest, CompressedTextInAPicture) {
     const std::string file = make("bomb_png_text").file; // 1 GiB of it
     const long before = mostMemory();
     EXPECT_NE(bitmapOf(file), nil);
     EXPECT_LT(mostMemory() - before, 100);
 }
 
-TEST_F(BadInput, HalfAGigabyteOfJunk) {
+TEST_F(BadInputTest, HalfAGigabyteOfJunk) {
     constexpr std::size_t kSize = 500'000'000;
     std::mt19937 chance(1);
     std::string junk(kSize, '\0');

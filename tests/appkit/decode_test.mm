@@ -12,9 +12,9 @@ void PrintTo(const Case& picture, std::ostream* out) {
     *out << picture.name;
 }
 
-class Decoding : public PictureTest, public testing::WithParamInterface<Case> {};
+class DecodingTest : public PictureTest, public testing::WithParamInterface<Case> {};
 
-TEST_P(Decoding, ShowsWhatAnotherDecoderShows) {
+TEST_P(DecodingTest, ShowsWhatAnotherDecoderShows) {
     const Made made = make(GetParam().name);
     NSImage* image = [[[NSImage alloc] initWithData:dataOf(made.file)] autorelease];
     ASSERT_NE(image, nil);
@@ -35,7 +35,7 @@ TEST_P(Decoding, ShowsWhatAnotherDecoderShows) {
 }
 
 // Every way in which a camera is held.
-INSTANTIATE_TEST_SUITE_P(Orientation, Decoding,
+INSTANTIATE_TEST_SUITE_P(Orientation, DecodingTest,
                          testing::Values(Case{"jpeg_orientation_1", 3, 2}, Case{"jpeg_orientation_2", 3, 2},
                                          Case{"jpeg_orientation_3", 3, 2}, Case{"jpeg_orientation_4", 3, 2},
                                          Case{"jpeg_orientation_5", 3, 2}, Case{"jpeg_orientation_6", 3, 2},
@@ -43,7 +43,7 @@ INSTANTIATE_TEST_SUITE_P(Orientation, Decoding,
                          [](const auto& info) { return info.param.name; });
 
 INSTANTIATE_TEST_SUITE_P(
-    Picture, Decoding,
+    Picture, DecodingTest,
     testing::Values(Case{"png", 3, 0}, Case{"png_dot", 3, 0}, Case{"png_alpha", 4, 0}, Case{"png_grey", 1, 0},
                     Case{"png_grey_alpha", 2, 0}, Case{"png_bits", 1, 0}, Case{"png_palette", 3, 0},
                     Case{"png_palette_alpha", 4, 0}, Case{"png_deep", 3, 0}, Case{"png_deep_alpha", 4, 0},

@@ -9,7 +9,7 @@ NSData* written(NSBitmapImageRep* bitmap, NSBitmapImageFileType type, NSDictiona
 }
 
 // Every kind of picture that differs in how it is written, as all four types.
-class Encoding : public PictureTest, public testing::WithParamInterface<const char*> {
+class EncodedPictureTest : public PictureTest, public testing::WithParamInterface<const char*> {
   protected:
     // The files, and what another decoder and our own see in them.
     struct Result {
@@ -94,14 +94,14 @@ class Encoding : public PictureTest, public testing::WithParamInterface<const ch
     std::vector<Result> results_;
 };
 
-TEST_P(Encoding, ShowsTheSameToAnotherDecoder) {
+TEST_P(EncodedPictureTest, ShowsTheSameToAnotherDecoder) {
     checkPng(results_[0]);
     checkBmp(results_[1]);
     checkJpeg(results_[2]);
     checkGif(results_[3]);
 }
 
-INSTANTIATE_TEST_SUITE_P(Picture, Encoding,
+INSTANTIATE_TEST_SUITE_P(Picture, EncodedPictureTest,
                          testing::Values("png", "png_dot", "png_alpha", "png_opaque", "png_grey",
                                          "png_grey_alpha", "png_bits", "png_palette", "png_palette_alpha",
                                          "png_deep", "png_deep_alpha", "png_deep_grey", "jpeg", "jpeg_dot",

@@ -7,7 +7,7 @@
 namespace {
 
 // Damages a picture at random for a while. What is still read is whole, and can be written.
-class Damage : public PictureTest, public testing::WithParamInterface<const char*> {
+class DamageTest : public PictureTest, public testing::WithParamInterface<const char*> {
   protected:
     std::string damaged(std::string file) {
         const auto below = [&](std::size_t end) {
@@ -45,7 +45,7 @@ class Damage : public PictureTest, public testing::WithParamInterface<const char
     std::mt19937 chance_;
 };
 
-TEST_P(Damage, NeverDoesHarm) {
+TEST_P(DamageTest, NeverDoesHarm) {
     const char* given = std::getenv("FUZZ_SECONDS");
     const std::chrono::duration<double> time(given ? std::atof(given) : 1.5);
     const unsigned seed = std::random_device()();
@@ -72,7 +72,7 @@ TEST_P(Damage, NeverDoesHarm) {
     RecordProperty("read", read);
 }
 
-INSTANTIATE_TEST_SUITE_P(Picture, Damage,
+INSTANTIATE_TEST_SUITE_P(Picture, DamageTest,
                          testing::Values("png_alpha", "png_palette_alpha", "jpeg_grey", "jpeg_cmyk",
                                          "jpeg_orientation_6", "gif_animated", "gif_corner", "bmp_grey",
                                          "bmp_alpha_downward"),

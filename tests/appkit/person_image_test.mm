@@ -8,7 +8,7 @@
 
 namespace {
 
-class PersonImage : public PictureTest {
+class PersonImageTest : public PictureTest {
   protected:
     void SetUp() override {
         PictureTest::SetUp();
@@ -44,7 +44,7 @@ class PersonImage : public PictureTest {
     }
 };
 
-TEST_F(PersonImage, KeepsEveryTypeByteForByte) {
+TEST_F(PersonImageTest, KeepsEveryTypeByteForByte) {
     NSBitmapImageRep* bitmap = bitmapOf(make("png_alpha").file);
     ABPerson* anna = person(@"Anna");
     for (const auto type : {NSBitmapImageFileTypeBMP, NSBitmapImageFileTypeGIF, NSBitmapImageFileTypeJPEG,
@@ -63,7 +63,7 @@ TEST_F(PersonImage, KeepsEveryTypeByteForByte) {
     EXPECT_TRUE([anna setImageData:nil]);
 }
 
-TEST_F(PersonImage, KeepsALargeOne) {
+TEST_F(PersonImageTest, KeepsALargeOne) {
     NSData* picture = [bitmapOf(make("jpeg_large").file) representationUsingType:NSBitmapImageFileTypeBMP
                                                                       properties:nil];
     ABPerson* anna = person(@"Anna");
@@ -73,7 +73,7 @@ TEST_F(PersonImage, KeepsALargeOne) {
 }
 
 // What it shows is not the address book's business.
-TEST_F(PersonImage, KeepsWhatIsNoPicture) {
+TEST_F(PersonImageTest, KeepsWhatIsNoPicture) {
     ABPerson* anna = person(@"Anna");
     NSData* junk = dataOf(std::string("no\0picture", 10));
     EXPECT_TRUE([anna setImageData:junk]);
@@ -85,7 +85,7 @@ TEST_F(PersonImage, KeepsWhatIsNoPicture) {
     EXPECT_EQ([seenElsewhere(anna) length], 0U);
 }
 
-TEST_F(PersonImage, NilPersonRefuses) {
+TEST_F(PersonImageTest, NilPersonRefuses) {
     ABPerson* nobody = nil;
     EXPECT_FALSE([nobody setImageData:nil]);
     EXPECT_EQ([nobody imageData], nil);

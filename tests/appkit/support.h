@@ -2,6 +2,7 @@
 
 // What the tests of pictures share: pictures made by another program, and what that program sees in ours.
 
+#include "tests/support/temporary_folder.h"
 #import <AppKit/AppKit.h>
 #include <cstdint>
 #include <filesystem>
@@ -38,9 +39,6 @@ long mostMemory();
 // Each test has a folder of its own.
 class PictureTest : public testing::Test {
   protected:
-    void SetUp() override;
-    void TearDown() override;
-
     struct Made {
         std::string file;
         Shown shown;
@@ -53,5 +51,6 @@ class PictureTest : public testing::Test {
     // The one bitmap of the image; nil when the image cannot be read.
     static NSBitmapImageRep* bitmapOf(const std::string& file);
 
-    std::filesystem::path folder_;
+    support::TemporaryHome home_;
+    std::filesystem::path folder_ = home_.path();
 };

@@ -1,5 +1,7 @@
 #include "tests/appkit/support.h"
 
+#include "tests/support/files.h"
+
 #include <cstdlib>
 #include <cstring>
 #include <fstream>
@@ -8,32 +10,13 @@
 
 namespace {
 
-// Foundation wants a pool around everything; one around each test.
-class PoolAroundEachTest : public testing::EmptyTestEventListener {
-    void OnTestStart(const testing::TestInfo&) override { pool_ = [[NSAutoreleasePool alloc] init]; }
-    void OnTestEnd(const testing::TestInfo&) override { [pool_ release]; }
-    NSAutoreleasePool* pool_ = nil;
-};
-
-[[maybe_unused]] const bool kListening = [] {
-    testing::UnitTest::GetInstance()->listeners().Append(new PoolAroundEachTest);
-    return true;
-}();
-
-std::string contents(const std::filesystem::path& path) {
-    std::ifstream file(path, std::ios::binary);
-    std::ostringstream out;
-    out << file.rdbuf();
-    return out.str();
-}
-
 void run(const std::string& arguments) {
     const std::string command = MAKE_PICTURES " " + arguments;
     ASSERT_EQ(std::system(command.c_str()), 0) << command;
 }
 
 Shown shownIn(const std::filesystem::path& path) {
-    const std::string file = contents(path);
+    const std::string file = support::bytesOf(path);
     const std::size_t head = file.find('\n');
     std::istringstream words(file.substr(0, head));
     Shown shown;
@@ -116,18 +99,6 @@ long mostMemory() {
     return usage.ru_maxrss / 1024;
 }
 
-void PictureTest::SetUp() {
-    std::string pattern = std::filesystem::temp_directory_path() / "picture-test-XXXXXX";
-    ASSERT_NE(::mkdtemp(pattern.data()), nullptr);
-    folder_ = pattern;
-    for (const char* variable : {"HOME", "XDG_DATA_HOME", "XDG_CONFIG_HOME"})
-        ::setenv(variable, folder_.c_str(), 1);
-}
-
-void PictureTest::TearDown() {
-    std::filesystem::remove_all(folder_);
-}
-
 std::vector<PictureTest::Made> PictureTest::make(const std::vector<std::string>& names) {
     std::string arguments = "make " + folder_.string();
     for (const std::string& name : names)
@@ -135,7 +106,7 @@ std::vector<PictureTest::Made> PictureTest::make(const std::vector<std::string>&
     run(arguments);
     std::vector<Made> made;
     for (const std::string& name : names)
-        made.push_back({contents(folder_ / name), shownIn(folder_ / (name + ".raw"))});
+        made.push_back({support::bytesOf(folder_ / name), shownIn(folder_ / (name + ".raw"))});
     return made;
 }
 

@@ -21,9 +21,9 @@ constexpr Date kNow{1000};
 const std::string kFirst(property::kFirst);
 const std::string kGroupName(property::kGroupName);
 
-class DeletedPlaces : public Scratch {
+class DeletedPlacesTest : public Scratch {
   protected:
-    DeletedPlaces() : others_(std::make_unique<Store>(folder())) {
+    DeletedPlacesTest() : others_(std::make_unique<Store>(folder())) {
         ann_ = addPerson(*others_, {{kFirst, text("Ann")}});
         crew_ = newUid(Kind::group);
         saveRecords(*others_, {inserted(crew_, {{kGroupName, text("Crew")}}, Kind::group)});
@@ -75,7 +75,7 @@ class DeletedPlaces : public Scratch {
     std::shared_ptr<Book> book_;
 };
 
-TEST_F(DeletedPlaces, KeepTheIdAndTheClassOfTheirRecords) {
+TEST_F(DeletedPlacesTest, KeepTheIdAndTheClassOfTheirRecords) {
     const List people = this->people();
     const List groups = this->groups();
     removeElsewhere({ann_, crew_});
@@ -90,7 +90,7 @@ TEST_F(DeletedPlaces, KeepTheIdAndTheClassOfTheirRecords) {
     EXPECT_THAT(book_->records(Kind::person), IsEmpty());
 }
 
-TEST_F(DeletedPlaces, HaveTheirRecordsAgainThatAreBroughtBack) {
+TEST_F(DeletedPlacesTest, HaveTheirRecordsAgainThatAreBroughtBack) {
     const List people = this->people();
     removeElsewhere({ann_});
     insertElsewhere(ann_, "Annie");
@@ -105,7 +105,7 @@ TEST_F(DeletedPlaces, HaveTheirRecordsAgainThatAreBroughtBack) {
     expectDeleted(people[0], ann_, Kind::person);
 }
 
-TEST_F(DeletedPlaces, ChangesAreToldByTheSave) {
+TEST_F(DeletedPlacesTest, ChangesAreToldByTheSave) {
     const List people = this->people();
     const List groups = this->groups();
     removeElsewhere({ann_, crew_});
@@ -125,7 +125,7 @@ TEST_F(DeletedPlaces, ChangesAreToldByTheSave) {
     EXPECT_THAT(book_->save(kNow).missing, ElementsAre(ann_)) << "changed again";
 }
 
-TEST_F(DeletedPlaces, ChangesToWhatWasHeldWhenItWentAreToldToo) {
+TEST_F(DeletedPlacesTest, ChangesToWhatWasHeldWhenItWentAreToldToo) {
     const auto ann = book_->find(ann_);
     const auto crew = book_->find(crew_);
     const std::string ben = addPerson(*others_, {{kFirst, text("Ben")}});
@@ -135,7 +135,7 @@ TEST_F(DeletedPlaces, ChangesToWhatWasHeldWhenItWentAreToldToo) {
     EXPECT_THAT(book_->save(kNow).missing, testing::UnorderedElementsAre(ann_, crew_));
 }
 
-TEST_F(DeletedPlaces, ChangesAreSavedInARecordThatIsBroughtBackBefore) {
+TEST_F(DeletedPlacesTest, ChangesAreSavedInARecordThatIsBroughtBackBefore) {
     const List people = this->people();
     removeElsewhere({ann_});
     book_->set(people[0], "Last", text("Lee"));
@@ -148,7 +148,7 @@ TEST_F(DeletedPlaces, ChangesAreSavedInARecordThatIsBroughtBackBefore) {
 }
 
 // Whoever deletes a record knows it.
-TEST_F(DeletedPlaces, ChangesToARecordDeletedHereAreDropped) {
+TEST_F(DeletedPlacesTest, ChangesToARecordDeletedHereAreDropped) {
     const List people = this->people();
     {
         const auto ann = book_->find(ann_);
@@ -163,7 +163,7 @@ TEST_F(DeletedPlaces, ChangesToARecordDeletedHereAreDropped) {
     EXPECT_TRUE(book_->save(kNow).missing.empty());
 }
 
-TEST_F(DeletedPlaces, HaveTheRecordsOfARestoredBook) {
+TEST_F(DeletedPlacesTest, HaveTheRecordsOfARestoredBook) {
     const std::filesystem::path backup = root() / "backup.db";
     backUp(folder(), backup, Existing::refuse);
     const std::string ben = addPerson(*others_, {{kFirst, text("Ben")}});
@@ -196,7 +196,7 @@ TEST_F(DeletedPlaces, HaveTheRecordsOfARestoredBook) {
     EXPECT_THAT(others_->check(), IsEmpty());
 }
 
-TEST_F(DeletedPlaces, AreForgottenAfterAMillionDeletions) {
+TEST_F(DeletedPlacesTest, AreForgottenAfterAMillionDeletions) {
     const List people = this->people();
     const List groups = this->groups();
     removeElsewhere({ann_, crew_});
@@ -209,7 +209,7 @@ TEST_F(DeletedPlaces, AreForgottenAfterAMillionDeletions) {
     expectDeleted(groups[0], crew_, Kind::group);
 }
 
-TEST_F(DeletedPlaces, AreNoRecordsOfASoundBook) {
+TEST_F(DeletedPlacesTest, AreNoRecordsOfASoundBook) {
     removeElsewhere({ann_});
     EXPECT_THAT(others_->check(), IsEmpty());
     ask("UPDATE deleted SET id = (SELECT id FROM record)");

@@ -6,7 +6,7 @@
 
 namespace {
 
-TEST(DistributedCentre, IsUnsuspendedWithoutANotificationServer) {
+TEST(DistributedCentreTest, IsUnsuspendedWithoutANotificationServer) {
     NSAutoreleasePool* pool = [[NSAutoreleasePool alloc] init];
     NSDate* start = [NSDate date];
     NSDistributedNotificationCenter* centre = [NSDistributedNotificationCenter defaultCenter];

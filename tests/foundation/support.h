@@ -3,7 +3,7 @@
 // What the tests of Foundation's additions share: a Mach port on this thread's run loop and a delegate that
 // counts.
 
-#include "tests/framework/guard.h"
+#include "tests/support/raised.h"
 
 #import <Foundation/Foundation.h>
 #include <functional>
@@ -12,12 +12,6 @@
 // The mode that the plug-in's sources name, written as they write it.
 inline NSString* commonModes() {
     return (NSString*)kCFRunLoopCommonModes;
-}
-
-// Runs [work] and answers the platform exception that it raised; nil when it raised none.
-template <typename Work>
-NSException* raised(Work work) {
-    return exceptionOf([](void* context) { (*static_cast<Work*>(context))(); }, &work);
 }
 
 // Counts its messages; all of it belongs to the thread that handles them.

@@ -65,21 +65,21 @@ class AsNobody {
     bool changed_ = false;
 };
 
-class AddressBook : public AddressBookTest {
+class SharedAddressBookTest : public AddressBookTest {
   protected:
     static std::string only(NSArray* array) {
         return [array count] == 1 ? text([array objectAtIndex:0]) : text(array);
     }
 };
 
-TEST_F(AddressBook, IsOnePerProcess) {
+TEST_F(SharedAddressBookTest, IsOnePerProcess) {
     EXPECT_NE(book(), nil);
     EXPECT_EQ(book(), [ABAddressBook sharedAddressBook]);
     EXPECT_NE([ABAddressBook addressBook], nil);
     EXPECT_NE([ABAddressBook addressBook], book());
 }
 
-TEST_F(AddressBook, StartsEmpty) {
+TEST_F(SharedAddressBookTest, StartsEmpty) {
     EXPECT_EQ([[book() people] count], 0u);
     EXPECT_EQ([[book() groups] count], 0u);
     EXPECT_NE([book() people], nil);
@@ -91,7 +91,7 @@ TEST_F(AddressBook, StartsEmpty) {
     EXPECT_EQ(error, nil);
 }
 
-TEST_F(AddressBook, ShowsRecordsBeforeAndAfterTheyAreSaved) {
+TEST_F(SharedAddressBookTest, ShowsRecordsBeforeAndAfterTheyAreSaved) {
     ABPerson* one = person(@"Ann", @"Lee");
     ABGroup* friends = group(@"Friends");
     NSString* uid = [[[one uniqueId] retain] autorelease];
@@ -111,7 +111,7 @@ TEST_F(AddressBook, ShowsRecordsBeforeAndAfterTheyAreSaved) {
     EXPECT_EQ(text([[book() recordForUniqueId:uid] valueForProperty:kABLastNameProperty]), "Lee");
 }
 
-TEST_F(AddressBook, DoesNotKnowWhatWasNotAdded) {
+TEST_F(SharedAddressBookTest, DoesNotKnowWhatWasNotAdded) {
     ABPerson* one = [[[ABPerson alloc] initWithAddressBook:book()] autorelease];
     EXPECT_EQ([book() recordForUniqueId:[one uniqueId]], nil);
     EXPECT_EQ([book() recordClassFromUniqueId:[one uniqueId]], nil);
@@ -124,7 +124,7 @@ TEST_F(AddressBook, DoesNotKnowWhatWasNotAdded) {
     EXPECT_NE(error, nil);
 }
 
-TEST_F(AddressBook, AddsARecordOnce) {
+TEST_F(SharedAddressBookTest, AddsARecordOnce) {
     ABPerson* one = person(@"Ann", @"Lee");
     NSError* error = nil;
     EXPECT_FALSE([book() addRecord:one error:&error]);
@@ -137,7 +137,7 @@ TEST_F(AddressBook, AddsARecordOnce) {
     EXPECT_FALSE([other addRecord:[[[ABPerson alloc] initWithAddressBook:book()] autorelease]]);
 }
 
-TEST_F(AddressBook, RemovedRecordsAreGoneAtOnce) {
+TEST_F(SharedAddressBookTest, RemovedRecordsAreGoneAtOnce) {
     ABPerson* stored = person(@"Stored", @"X");
     ASSERT_TRUE([book() save]);
     ABPerson* added = person(@"Added", @"X");
@@ -164,7 +164,7 @@ TEST_F(AddressBook, RemovedRecordsAreGoneAtOnce) {
     EXPECT_TRUE([book() addRecord:added]);
 }
 
-TEST_F(AddressBook, ARemovedRecordCanStillBeReadByItsHolder) {
+TEST_F(SharedAddressBookTest, ARemovedRecordCanStillBeReadByItsHolder) {
     NSString* uid = [person(@"Ann", @"Lee") uniqueId];
     reopen();
     ABRecord* one = [book() recordForUniqueId:uid]; // nothing of it was read yet
@@ -174,7 +174,7 @@ TEST_F(AddressBook, ARemovedRecordCanStillBeReadByItsHolder) {
     EXPECT_TRUE([[one uniqueId] isEqual:uid]);
 }
 
-TEST_F(AddressBook, ARemovalCanBeTakenBack) {
+TEST_F(SharedAddressBookTest, ARemovalCanBeTakenBack) {
     ABPerson* one = person(@"Ann", @"Lee");
     ASSERT_TRUE([book() save]);
     [one setValue:@"Changed" forProperty:kABFirstNameProperty];
@@ -185,7 +185,7 @@ TEST_F(AddressBook, ARemovalCanBeTakenBack) {
     EXPECT_EQ(text([[book() recordForUniqueId:uid] valueForProperty:kABFirstNameProperty]), "Changed");
 }
 
-TEST_F(AddressBook, ListsRecordsInTheOrderOfAdding) {
+TEST_F(SharedAddressBookTest, ListsRecordsInTheOrderOfAdding) {
     for (NSString* name : {@"c", @"a", @"b"})
         person(name, @"X");
     ASSERT_TRUE([book() save]);
@@ -199,7 +199,7 @@ TEST_F(AddressBook, ListsRecordsInTheOrderOfAdding) {
     EXPECT_EQ(found(kABLastNameProperty, @"X", kABEqual), order);
 }
 
-TEST_F(AddressBook, ListsBehaveLikeArrays) {
+TEST_F(SharedAddressBookTest, ListsBehaveLikeArrays) {
     person(@"a", @"X");
     ASSERT_TRUE([book() save]);
     person(@"b", @"X");
@@ -216,7 +216,7 @@ TEST_F(AddressBook, ListsBehaveLikeArrays) {
     EXPECT_EQ([[people subarrayWithRange:NSMakeRange(1, 1)] lastObject], [people lastObject]);
 }
 
-TEST_F(AddressBook, HasOneObjectPerRecordWhileItLives) {
+TEST_F(SharedAddressBookTest, HasOneObjectPerRecordWhileItLives) {
     NSString* uid = [[[person(@"Ann", @"Lee") uniqueId] retain] autorelease];
     reopen();
     ABRecord* first = nil;
@@ -236,7 +236,7 @@ TEST_F(AddressBook, HasOneObjectPerRecordWhileItLives) {
     EXPECT_TRUE([book() hasUnsavedChanges]);
 }
 
-TEST_F(AddressBook, WritesOnlyWhatChanged) {
+TEST_F(SharedAddressBookTest, WritesOnlyWhatChanged) {
     ABPerson* one = person(@"Ann", @"Lee");
     ASSERT_TRUE([book() save]);
     [one setValue:@"Ann" forProperty:kABFirstNameProperty];
@@ -253,7 +253,7 @@ TEST_F(AddressBook, WritesOnlyWhatChanged) {
     EXPECT_EQ(text([one valueForProperty:kABFirstNameProperty]), "Ann");
 }
 
-TEST_F(AddressBook, SeesWhatOthersSaved) {
+TEST_F(SharedAddressBookTest, SeesWhatOthersSaved) {
     ABPerson* one = person(@"Ann", @"Lee");
     ABPerson* two = person(@"Bob", @"Lee");
     ASSERT_TRUE([book() save]);
@@ -270,7 +270,7 @@ TEST_F(AddressBook, SeesWhatOthersSaved) {
     EXPECT_FALSE([book() removeRecord:two]);
 }
 
-TEST_F(AddressBook, DropsChangesOfARecordThatAnotherDeleted) {
+TEST_F(SharedAddressBookTest, DropsChangesOfARecordThatAnotherDeleted) {
     ABPerson* one = person(@"Ann", @"Lee");
     ASSERT_TRUE([book() save]);
     [one setValue:@"Bea" forProperty:kABFirstNameProperty];
@@ -283,7 +283,7 @@ TEST_F(AddressBook, DropsChangesOfARecordThatAnotherDeleted) {
     EXPECT_EQ([[book() people] count], 0u);
 }
 
-TEST_F(AddressBook, FindsARecordThatAnotherBroughtBack) {
+TEST_F(SharedAddressBookTest, FindsARecordThatAnotherBroughtBack) {
     ABPerson* one = person(@"Ann", @"Lee");
     const std::string uid = text([one uniqueId]);
     ASSERT_TRUE([book() save]);
@@ -302,7 +302,7 @@ TEST_F(AddressBook, FindsARecordThatAnotherBroughtBack) {
     EXPECT_EQ(store().count(Kind::person), 1);
 }
 
-TEST_F(AddressBook, AListOutlivesItsRecords) {
+TEST_F(SharedAddressBookTest, AListOutlivesItsRecords) {
     ABPerson* one = person(@"Ann", @"Lee");
     ASSERT_TRUE([book() save]);
     NSArray* people = [[[ABAddressBook addressBook] people] retain];
@@ -314,7 +314,7 @@ TEST_F(AddressBook, AListOutlivesItsRecords) {
     [people release];
 }
 
-TEST_F(AddressBook, AListKnowsTheIdsOfRecordsDeletedHere) {
+TEST_F(SharedAddressBookTest, AListKnowsTheIdsOfRecordsDeletedHere) {
     NSString* uid = [[[person(@"Ann", @"Lee") uniqueId] retain] autorelease];
     reopen();
     NSArray* people = [book() people];
@@ -326,7 +326,7 @@ TEST_F(AddressBook, AListKnowsTheIdsOfRecordsDeletedHere) {
     EXPECT_FALSE([book() removeRecord:[people objectAtIndex:0]]);
 }
 
-TEST_F(AddressBook, KnowsItsOwner) {
+TEST_F(SharedAddressBookTest, KnowsItsOwner) {
     ABPerson* one = person(@"Ann", @"Lee");
     [book() setMe:one];
     EXPECT_EQ([book() me], one);
@@ -348,7 +348,7 @@ TEST_F(AddressBook, KnowsItsOwner) {
     EXPECT_EQ([book() me], nil);
 }
 
-TEST_F(AddressBook, AnnouncesWhatItSaved) {
+TEST_F(SharedAddressBookTest, AnnouncesWhatItSaved) {
     SaveListener* listener = [[[SaveListener alloc] init] autorelease];
     ABPerson* one = person(@"Ann", @"Lee");
     EXPECT_EQ(listener->_count, 0);
@@ -368,7 +368,7 @@ TEST_F(AddressBook, AnnouncesWhatItSaved) {
     EXPECT_EQ(listener->_count, 3);
 }
 
-TEST_F(AddressBook, OnlyReadsWhatItMayOnlyRead) {
+TEST_F(SharedAddressBookTest, OnlyReadsWhatItMayOnlyRead) {
     NSAutoreleasePool* writing = [[NSAutoreleasePool alloc] init];
     ABPerson* one = person(@"Ann", @"Lee");
     NSString* uid = [[one uniqueId] retain];
@@ -398,7 +398,7 @@ TEST_F(AddressBook, OnlyReadsWhatItMayOnlyRead) {
     [ABAddressBook closeSharedAddressBook];
 }
 
-TEST_F(AddressBook, KeepsChangesThatCouldNotBeSaved) {
+TEST_F(SharedAddressBookTest, KeepsChangesThatCouldNotBeSaved) {
     ABPerson* one = person(@"Ann", @"Lee");
     ASSERT_TRUE([book() save]);
     [one setValue:@"Bea" forProperty:kABFirstNameProperty];
@@ -428,7 +428,7 @@ TEST_F(AddressBook, KeepsChangesThatCouldNotBeSaved) {
     EXPECT_EQ([book() recordForUniqueId:[two uniqueId]], two);
 }
 
-TEST_F(AddressBook, KnowsTheUsersCountry) {
+TEST_F(SharedAddressBookTest, KnowsTheUsersCountry) {
     EXPECT_EQ(text([book() defaultCountryCode]), "us");
     EXPECT_EQ([book() defaultNameOrdering], kABFirstNameFirst);
     ::setenv("LC_ALL", "ja_JP.UTF-8", 1);
@@ -436,7 +436,7 @@ TEST_F(AddressBook, KnowsTheUsersCountry) {
     EXPECT_EQ([book() defaultNameOrdering], kABLastNameFirst);
 }
 
-TEST_F(AddressBook, RaisesForASearchOfNothing) {
+TEST_F(SharedAddressBookTest, RaisesForASearchOfNothing) {
     EXPECT_TRUE(raisesInvalidArgument([&] { [book() recordsMatchingSearchElement:nil]; }));
 }
 

@@ -51,7 +51,7 @@ const std::map<std::string_view, NSString*> kProperties = {
     {property::kGroupName, kABGroupNameProperty},
 };
 
-TEST(Constants, PropertiesAgreeWithTheStore) {
+TEST(ConstantsTest, PropertiesAgreeWithTheStore) {
     for (const auto& row : builtInProperties()) {
         const auto found = kProperties.find(row.name);
         ASSERT_NE(found, kProperties.end()) << row.name;
@@ -62,7 +62,7 @@ TEST(Constants, PropertiesAgreeWithTheStore) {
     EXPECT_EQ(kProperties.size(), builtInProperties().size());
 }
 
-TEST(Constants, LabelsOfListsAreTheGenericOnes) {
+TEST(ConstantsTest, LabelsOfListsAreTheGenericOnes) {
     for (NSString* label : {kABEmailHomeLabel, kABAddressHomeLabel, kABPhoneHomeLabel, kABAIMHomeLabel,
                             kABJabberHomeLabel, kABMSNHomeLabel, kABYahooHomeLabel, kABICQHomeLabel})
         EXPECT_TRUE([label isEqual:kABHomeLabel]);
@@ -74,7 +74,7 @@ TEST(Constants, LabelsOfListsAreTheGenericOnes) {
     EXPECT_EQ(text(kABHomePageLabel), "_$!<HomePage>!$_");
 }
 
-TEST(Constants, DatePropertiesAreToldAsComponents) {
+TEST(ConstantsTest, DatePropertiesAreToldAsComponents) {
     EXPECT_EQ(text(kABBirthdayComponentsProperty), property::kBirthdayComponents);
     EXPECT_EQ(text(kABOtherDateComponentsProperty), property::kOtherDateComponents);
     EXPECT_EQ(text(kABAlternateBirthdayComponentsProperty), property::kAlternateBirthdayComponents);
@@ -86,7 +86,7 @@ TEST(Constants, DatePropertiesAreToldAsComponents) {
     EXPECT_FALSE([[ABGroup properties] containsObject:kABOtherDateComponentsProperty]);
 }
 
-TEST(Constants, FieldsAndServicesAreThoseThatVCardsAreReadInto) {
+TEST(ConstantsTest, FieldsAndServicesAreThoseThatVCardsAreReadInto) {
     EXPECT_EQ(text(kABInstantMessageServiceKey), vcard::kInstantMessageService);
     EXPECT_EQ(text(kABInstantMessageUsernameKey), vcard::kInstantMessageUsername);
     EXPECT_EQ(text(kABSocialProfileURLKey), vcard::kSocialProfileUrl);
@@ -107,7 +107,7 @@ TEST(Constants, FieldsAndServicesAreThoseThatVCardsAreReadInto) {
     EXPECT_EQ(text(kABSocialProfileServiceSinaWeibo), "sinaweibo");
 }
 
-TEST(Constants, NamesToShow) {
+TEST(ConstantsTest, NamesToShow) {
     EXPECT_EQ(text(ABLocalizedPropertyOrLabel(kABFirstNameProperty)), "First Name");
     EXPECT_EQ(text(ABLocalizedPropertyOrLabel(kABPhoneWorkFAXLabel)), "work fax");
     EXPECT_EQ(text(ABLocalizedPropertyOrLabel(kABPhoneiPhoneLabel)), "iPhone");
@@ -125,7 +125,7 @@ TEST(Constants, NamesToShow) {
     }
 }
 
-TEST(Constants, NumbersAreTheKnownOnes) {
+TEST(ConstantsTest, NumbersAreTheKnownOnes) {
     EXPECT_EQ(kABShowAsResource, 2);
     EXPECT_EQ(kABShowAsRoom, 3);
 

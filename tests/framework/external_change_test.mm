@@ -33,7 +33,7 @@ namespace {
 
 using Told = std::vector<std::string>;
 
-class ExternalChange : public AddressBookTest {
+class ExternalChangeTest : public AddressBookTest {
   protected:
     void SetUp() override {
         AddressBookTest::SetUp();
@@ -75,7 +75,7 @@ class ExternalChange : public AddressBookTest {
     std::unique_ptr<OtherProcess> other_;
 };
 
-TEST_F(ExternalChange, IsToldOncePerSave) {
+TEST_F(ExternalChangeTest, IsToldOncePerSave) {
     const std::string ann = stranger("Ann");
     EXPECT_EQ([listener_ sender], book());
     EXPECT_FALSE([listener_ wasToldOnThisThread]);
@@ -93,7 +93,7 @@ TEST_F(ExternalChange, IsToldOncePerSave) {
     EXPECT_THAT(everybody(), ElementsAre("Bo"));
 }
 
-TEST_F(ExternalChange, OfNoRecordSaysThatAnythingMayHaveChanged) {
+TEST_F(ExternalChangeTest, OfNoRecordSaysThatAnythingMayHaveChanged) {
     const std::string ann = stranger("Ann");
     other("me " + ann);
     other("define nickname2");
@@ -102,7 +102,7 @@ TEST_F(ExternalChange, OfNoRecordSaysThatAnythingMayHaveChanged) {
     EXPECT_EQ([ABPerson typeOfProperty:@"nickname2"], kABStringProperty);
 }
 
-TEST_F(ExternalChange, APropertyIsDefinedOnce) {
+TEST_F(ExternalChangeTest, APropertyIsDefinedOnce) {
     [ABPerson
         addPropertiesAndTypes:[NSDictionary dictionaryWithObject:[NSNumber numberWithInt:kABStringProperty]
                                                           forKey:@"Shoe"]];
@@ -118,7 +118,7 @@ TEST_F(ExternalChange, APropertyIsDefinedOnce) {
     EXPECT_FALSE([book() hasUnsavedChanges]);
 }
 
-TEST_F(ExternalChange, ABurstIsToldInOrder) {
+TEST_F(ExternalChangeTest, ABurstIsToldInOrder) {
     Told uids;
     std::string order = "burst 1000";
     for (int i = 0; i < 7; ++i) {
@@ -133,7 +133,7 @@ TEST_F(ExternalChange, ABurstIsToldInOrder) {
     EXPECT_EQ(first(record(uids[1000 % 7])), "1000");
 }
 
-TEST_F(ExternalChange, IsToldSoon) {
+TEST_F(ExternalChangeTest, IsToldSoon) {
     const std::string ann = stranger("Ann");
     for (int i = 0; i < 20; ++i) {
         const auto begin = std::chrono::steady_clock::now();
@@ -143,7 +143,7 @@ TEST_F(ExternalChange, IsToldSoon) {
     }
 }
 
-TEST_F(ExternalChange, OwnSavesAreToldAsOwnOnly) {
+TEST_F(ExternalChangeTest, OwnSavesAreToldAsOwnOnly) {
     OwnListener* own = [[[OwnListener alloc] init] autorelease];
     [[NSNotificationCenter defaultCenter] addObserver:own
                                              selector:@selector(saved:)
@@ -165,7 +165,7 @@ TEST_F(ExternalChange, OwnSavesAreToldAsOwnOnly) {
     EXPECT_EQ(first(ann), "Eve");
 }
 
-TEST_F(ExternalChange, TwoProcessesThatBothSave) {
+TEST_F(ExternalChangeTest, TwoProcessesThatBothSave) {
     const std::string theirs = stranger("x");
     other_->begin("burst 200 " + theirs);
     ABPerson* mine = person(@"0", @"Lee");
@@ -181,7 +181,7 @@ TEST_F(ExternalChange, TwoProcessesThatBothSave) {
     EXPECT_EQ(store().lastChange(), 301);
 }
 
-TEST_F(ExternalChange, KeepsWhatIsNotSavedHere) {
+TEST_F(ExternalChangeTest, KeepsWhatIsNotSavedHere) {
     const std::string ann = stranger("Ann");
     ABRecord* held = record(ann);
     EXPECT_EQ(first(held), "Ann");
@@ -197,7 +197,7 @@ TEST_F(ExternalChange, KeepsWhatIsNotSavedHere) {
     EXPECT_EQ(other("get " + ann + " Last"), "Lee");
 }
 
-TEST_F(ExternalChange, ShowsInRecordsThatAreHeld) {
+TEST_F(ExternalChangeTest, ShowsInRecordsThatAreHeld) {
     const std::string ann = stranger("Ann");
     ABRecord* held = record(ann);
     EXPECT_EQ(first(held), "Ann");
@@ -208,7 +208,7 @@ TEST_F(ExternalChange, ShowsInRecordsThatAreHeld) {
     }
 }
 
-TEST_F(ExternalChange, DeletesARecordThatIsHeld) {
+TEST_F(ExternalChangeTest, DeletesARecordThatIsHeld) {
     const std::string ann = stranger("Ann");
     ABRecord* held = record(ann);
     EXPECT_EQ(first(held), "Ann");
@@ -220,7 +220,7 @@ TEST_F(ExternalChange, DeletesARecordThatIsHeld) {
     EXPECT_FALSE([book() hasUnsavedChanges]);
 }
 
-TEST_F(ExternalChange, DeletesARecordThatIsChangedHere) {
+TEST_F(ExternalChangeTest, DeletesARecordThatIsChangedHere) {
     const std::string ann = stranger("Ann");
     const std::string bob = stranger("Bob");
     ABRecord* held = record(ann);
@@ -245,7 +245,7 @@ TEST_F(ExternalChange, DeletesARecordThatIsChangedHere) {
     EXPECT_EQ(other("get " + ann + " First"), "Mine");
 }
 
-TEST_F(ExternalChange, DeletesARecordThatIsRemovedHere) {
+TEST_F(ExternalChangeTest, DeletesARecordThatIsRemovedHere) {
     const std::string ann = stranger("Ann");
     ABRecord* held = record(ann);
     ASSERT_TRUE([book() removeRecord:held]);
@@ -256,7 +256,7 @@ TEST_F(ExternalChange, DeletesARecordThatIsRemovedHere) {
     EXPECT_FALSE([book() hasUnsavedChanges]);
 }
 
-TEST_F(ExternalChange, DeletesTheOwnerChosenHere) {
+TEST_F(ExternalChangeTest, DeletesTheOwnerChosenHere) {
     const std::string ann = stranger("Ann");
     const std::string bob = stranger("Bob");
     [book() setMe:(ABPerson*)record(ann)];
@@ -266,7 +266,7 @@ TEST_F(ExternalChange, DeletesTheOwnerChosenHere) {
     EXPECT_EQ(idOf([book() me]), bob);
 }
 
-TEST_F(ExternalChange, DeletesAMemberChosenHere) {
+TEST_F(ExternalChangeTest, DeletesAMemberChosenHere) {
     const std::string ann = stranger("Ann");
     const std::string bob = stranger("Bob");
     ABGroup* friends = group(@"Friends");
@@ -279,7 +279,7 @@ TEST_F(ExternalChange, DeletesAMemberChosenHere) {
     EXPECT_EQ(saveWithError(), "");
 }
 
-TEST_F(ExternalChange, PutsAGroupIntoOneThatIsPutIntoItHere) {
+TEST_F(ExternalChangeTest, PutsAGroupIntoOneThatIsPutIntoItHere) {
     const std::string ann = stranger("Ann");
     ABGroup* family = group(@"Family");
     ABGroup* friends = group(@"Friends");
@@ -309,7 +309,7 @@ TEST_F(ExternalChange, PutsAGroupIntoOneThatIsPutIntoItHere) {
     EXPECT_EQ([[friends subgroups] objectAtIndex:0], family);
 }
 
-TEST_F(ExternalChange, MembersAreThereOnce) {
+TEST_F(ExternalChangeTest, MembersAreThereOnce) {
     const std::string ann = stranger("Ann");
     const std::string bob = stranger("Bob");
     ABGroup* friends = group(@"Friends");
@@ -328,7 +328,7 @@ TEST_F(ExternalChange, MembersAreThereOnce) {
     EXPECT_THAT(names([friends members]), ElementsAre("Bob"));
 }
 
-TEST_F(ExternalChange, IsToldOnlyOnceTheSharedAddressBookWasAskedFor) {
+TEST_F(ExternalChangeTest, IsToldOnlyOnceTheSharedAddressBookWasAskedFor) {
     [ABAddressBook closeSharedAddressBook];
     ABAddressBook* alone = [[[ABAddressBook alloc] init] autorelease];
     const std::string ann = addressbook::newUid(Kind::person);
@@ -338,14 +338,14 @@ TEST_F(ExternalChange, IsToldOnlyOnceTheSharedAddressBookWasAskedFor) {
     stranger("Bob"); // the first that the listener hears of
 }
 
-TEST_F(ExternalChange, AnObserverThatRaisesDisturbsNobody) {
+TEST_F(ExternalChangeTest, AnObserverThatRaisesDisturbsNobody) {
     [listener_ raise];
     const std::string ann = stranger("Ann");
     other("update " + ann + " First A");
     EXPECT_THAT([listener_ wait:1], ElementsAre("~" + ann));
 }
 
-TEST_F(ExternalChange, ByTheCommandLineTool) {
+TEST_F(ExternalChangeTest, ByTheCommandLineTool) {
     const auto cards = folder_ / "two.vcf";
     std::ofstream(cards) << "BEGIN:VCARD\r\nVERSION:3.0\r\nN:Lee;Ann\r\nFN:Ann Lee\r\nEND:VCARD\r\n"
                             "BEGIN:VCARD\r\nVERSION:3.0\r\nN:Lee;Bob\r\nFN:Bob Lee\r\nEND:VCARD\r\n";
@@ -358,7 +358,7 @@ TEST_F(ExternalChange, ByTheCommandLineTool) {
                                   idOf([[book() people] objectAtIndex:1])));
 }
 
-TEST_F(ExternalChange, AnotherFileInTheBooksPlace) {
+TEST_F(ExternalChangeTest, AnotherFileInTheBooksPlace) {
     const std::string ann = stranger("Ann");
     const std::string bob = stranger("Bob");
     const std::string cid = stranger("Cid");
@@ -393,7 +393,7 @@ TEST_F(ExternalChange, AnotherFileInTheBooksPlace) {
 }
 
 // Each in a process of its own.
-class ProcessEnd : public ExternalChange {
+class ProcessEndTest : public ExternalChangeTest {
   protected:
     void SetUp() override {
         GTEST_FLAG_SET(death_test_style, "threadsafe");
@@ -440,7 +440,7 @@ void engage(bool exits) {
         ::usleep(1000);
 }
 
-TEST_F(ProcessEnd, WithTheWatchAtRest) {
+TEST_F(ProcessEndTest, WithTheWatchAtRest) {
     EXPECT_EXIT(
         {
             [ABAddressBook sharedAddressBook];
@@ -449,7 +449,7 @@ TEST_F(ProcessEnd, WithTheWatchAtRest) {
         testing::ExitedWithCode(2), "");
 }
 
-TEST_F(ProcessEnd, WhileAnObserverIsAtWork) {
+TEST_F(ProcessEndTest, WhileAnObserverIsAtWork) {
     const auto begin = std::chrono::steady_clock::now();
     EXPECT_EXIT(
         {
@@ -460,7 +460,7 @@ TEST_F(ProcessEnd, WhileAnObserverIsAtWork) {
     EXPECT_LT(std::chrono::steady_clock::now() - begin, std::chrono::seconds(30));
 }
 
-TEST_F(ProcessEnd, ByAnObserver) {
+TEST_F(ProcessEndTest, ByAnObserver) {
     EXPECT_EXIT(engage(true), testing::ExitedWithCode(3), "");
 }
 

@@ -4,14 +4,14 @@
 
 namespace {
 
-TEST(Exception, DescribesItselfByItsReason) {
+TEST(ExceptionTest, DescribesItselfByItsReason) {
     NSException* exception = raised([] { [NSException raise:@"Name" format:@"Nothing in %@", @"here"]; });
     EXPECT_EQ(text(exception), "Nothing in here");
     EXPECT_EQ(text([NSException exceptionWithName:@"Name" reason:nil userInfo:nil]), "Name");
     EXPECT_EQ(text(raised([] { [[NSArray array] objectAtIndex:3]; })).find("0x"), std::string::npos);
 }
 
-TEST(TimeZone, IsThatOfTheEnvironment) {
+TEST(TimeZoneTest, IsThatOfTheEnvironment) {
     ::setenv("TZ", "Asia/Tokyo", 1);
     EXPECT_EQ(text([[NSTimeZone systemTimeZone] name]), "Asia/Tokyo");
     EXPECT_EQ([[NSTimeZone systemTimeZone] secondsFromGMT], 9 * 3600);

@@ -9,7 +9,7 @@ ABMutableMultiValue* phones() {
     return list;
 }
 
-TEST(MultiValue, GivesEachEntryAnIdentifierOfItsOwn) {
+TEST(MultiValueTest, GivesEachEntryAnIdentifierOfItsOwn) {
     ABMutableMultiValue* list = phones();
     NSString* added = [list addValue:@"3" withLabel:@"Cottage"];
     EXPECT_EQ([added length], 36u);
@@ -20,7 +20,7 @@ TEST(MultiValue, GivesEachEntryAnIdentifierOfItsOwn) {
     EXPECT_FALSE([[list identifierAtIndex:0] isEqual:[list identifierAtIndex:1]]);
 }
 
-TEST(MultiValue, AnswersNothingForUnknownIdentifiers) {
+TEST(MultiValueTest, AnswersNothingForUnknownIdentifiers) {
     ABMutableMultiValue* list = phones();
     EXPECT_EQ([list indexForIdentifier:@"?"], static_cast<NSUInteger>(NSNotFound));
     EXPECT_EQ([list indexForIdentifier:nil], static_cast<NSUInteger>(NSNotFound));
@@ -29,7 +29,7 @@ TEST(MultiValue, AnswersNothingForUnknownIdentifiers) {
     EXPECT_FALSE([list setPrimaryIdentifier:@"?"]);
 }
 
-TEST(MultiValue, RaisesOutOfBounds) {
+TEST(MultiValueTest, RaisesOutOfBounds) {
     ABMutableMultiValue* list = phones();
     const auto outOfBounds = [](NSException* exception) {
         return [[exception name] isEqual:NSRangeException];
@@ -44,7 +44,7 @@ TEST(MultiValue, RaisesOutOfBounds) {
     EXPECT_EQ(text(raised([&] { [list valueAtIndex:2]; })), "There is no entry 2: the list has 2");
 }
 
-TEST(MultiValue, RaisesForNil) {
+TEST(MultiValueTest, RaisesForNil) {
     ABMutableMultiValue* list = phones();
     EXPECT_TRUE(raisesInvalidArgument([&] { [list addValue:nil withLabel:@"x"]; }));
     EXPECT_TRUE(raisesInvalidArgument([&] { [list addValue:@"x" withLabel:nil]; }));
@@ -57,7 +57,7 @@ TEST(MultiValue, RaisesForNil) {
     EXPECT_EQ([list count], 2u);
 }
 
-TEST(MultiValue, ChangesEntriesInPlace) {
+TEST(MultiValueTest, ChangesEntriesInPlace) {
     ABMutableMultiValue* list = phones();
     NSString* first = [list identifierAtIndex:0];
     EXPECT_TRUE([list replaceValueAtIndex:0 withValue:@"one"]);
@@ -72,7 +72,7 @@ TEST(MultiValue, ChangesEntriesInPlace) {
     EXPECT_EQ([list count], 2u);
 }
 
-TEST(MultiValue, HasTheFirstEntryAsPrimaryUntilAnotherIsChosen) {
+TEST(MultiValueTest, HasTheFirstEntryAsPrimaryUntilAnotherIsChosen) {
     ABMutableMultiValue* list = phones();
     EXPECT_EQ([[[[ABMultiValue alloc] init] autorelease] primaryIdentifier], nil);
     EXPECT_EQ([list primaryIdentifier], [list identifierAtIndex:0]);
@@ -82,7 +82,7 @@ TEST(MultiValue, HasTheFirstEntryAsPrimaryUntilAnotherIsChosen) {
     EXPECT_EQ([list primaryIdentifier], [list identifierAtIndex:0]);
 }
 
-TEST(MultiValue, KnowsTheTypeOfItsEntries) {
+TEST(MultiValueTest, KnowsTheTypeOfItsEntries) {
     ABMutableMultiValue* list = [[[ABMutableMultiValue alloc] init] autorelease];
     EXPECT_EQ([list propertyType], kABErrorInProperty);
     [list addValue:@"x" withLabel:@"l"];
@@ -95,7 +95,7 @@ TEST(MultiValue, KnowsTheTypeOfItsEntries) {
     EXPECT_EQ([list propertyType], kABMultiDictionaryProperty);
 }
 
-TEST(MultiValue, CopiesKeepIdentifiersAndGoTheirOwnWay) {
+TEST(MultiValueTest, CopiesKeepIdentifiersAndGoTheirOwnWay) {
     ABMutableMultiValue* list = phones();
     [list setPrimaryIdentifier:[list identifierAtIndex:1]];
     ABMultiValue* copy = [[list copy] autorelease];
@@ -113,7 +113,7 @@ TEST(MultiValue, CopiesKeepIdentifiersAndGoTheirOwnWay) {
     [copy release];
 }
 
-TEST(MultiValue, KeepsWhatItWasGivenEvenWhenTheGiverChangesIt) {
+TEST(MultiValueTest, KeepsWhatItWasGivenEvenWhenTheGiverChangesIt) {
     ABMutableMultiValue* list = [[[ABMutableMultiValue alloc] init] autorelease];
     NSMutableString* value = [NSMutableString stringWithString:@"before"];
     [list addValue:value withLabel:value];
@@ -122,7 +122,7 @@ TEST(MultiValue, KeepsWhatItWasGivenEvenWhenTheGiverChangesIt) {
     EXPECT_EQ(text([list labelAtIndex:0]), "before");
 }
 
-TEST(MultiValue, IsWalkedValueByValue) {
+TEST(MultiValueTest, IsWalkedValueByValue) {
     ABMutableMultiValue* list = [[[ABMutableMultiValue alloc] init] autorelease];
     for (int i = 0; i < 40; ++i)
         [list addValue:[NSNumber numberWithInt:i] withLabel:@"n"];
@@ -142,7 +142,7 @@ TEST(MultiValue, IsWalkedValueByValue) {
 }
 
 // Lists as they are read from a saved record: their parts are made when they are asked for.
-class StoredList : public AddressBookTest {
+class StoredListTest : public AddressBookTest {
   protected:
     void SetUp() override {
         AddressBookTest::SetUp();
@@ -153,7 +153,7 @@ class StoredList : public AddressBookTest {
     ABMultiValue* stored() { return [ada() valueForProperty:kABPhoneProperty]; }
 };
 
-TEST_F(StoredList, AnswersTheSameObjectsAgain) {
+TEST_F(StoredListTest, AnswersTheSameObjectsAgain) {
     ABMultiValue* list = stored();
     EXPECT_EQ([list valueAtIndex:1], [list valueAtIndex:1]);
     EXPECT_EQ([list identifierAtIndex:1], [list identifierAtIndex:1]);
@@ -161,7 +161,7 @@ TEST_F(StoredList, AnswersTheSameObjectsAgain) {
     EXPECT_EQ(text([list labelAtIndex:1]), text(kABWorkLabel));
 }
 
-TEST_F(StoredList, FindsIdentifiersThatNobodyHasAskedFor) {
+TEST_F(StoredListTest, FindsIdentifiersThatNobodyHasAskedFor) {
     NSString* second = [[[stored() identifierAtIndex:1] mutableCopy] autorelease];
     reopen();
     EXPECT_EQ([stored() indexForIdentifier:second], 1u);
@@ -170,7 +170,7 @@ TEST_F(StoredList, FindsIdentifiersThatNobodyHasAskedFor) {
     EXPECT_EQ(text([stored() valueForIdentifier:second]), "2");
 }
 
-TEST_F(StoredList, StaysAsItWasReadAndOutlivesItsRecord) {
+TEST_F(StoredListTest, StaysAsItWasReadAndOutlivesItsRecord) {
     NSAutoreleasePool* pool = [[NSAutoreleasePool alloc] init];
     ABMutableMultiValue* copy = [stored() mutableCopy];
     [ada() setValue:list({{kABHomeLabel, @"9"}}) forProperty:kABPhoneProperty];

@@ -31,7 +31,7 @@ constexpr CivilTime noon(int year, int month, int day) {
     return {year, month, day, 12, 0, 0};
 }
 
-TEST(NaturalDate, ReadsWhatPeopleWrite) {
+TEST(NaturalDateTest, ReadsWhatPeopleWrite) {
     constexpr Row kRows[] = {
         {"2010-12-25", noon(2010, 12, 25)},
         {"2010-12-25 14:30", {2010, 12, 25, 14, 30, 0}},
@@ -104,7 +104,7 @@ TEST(NaturalDate, ReadsWhatPeopleWrite) {
         EXPECT_EQ(parse(row.text), row.time) << row.text;
 }
 
-TEST(NaturalDate, ReadsTheDayFirstWherePeopleWriteItFirst) {
+TEST(NaturalDateTest, ReadsTheDayFirstWherePeopleWriteItFirst) {
     EXPECT_EQ(parse("3/12/1970", true), noon(1970, 12, 3));
     EXPECT_EQ(parse("3-12-1970", true), noon(1970, 12, 3));
     EXPECT_EQ(parse("12/25/2010", true), noon(2010, 12, 25)); // there is no 25th month
@@ -112,7 +112,7 @@ TEST(NaturalDate, ReadsTheDayFirstWherePeopleWriteItFirst) {
     EXPECT_EQ(parse("March 12, 1970", true), noon(1970, 3, 12));
 }
 
-TEST(NaturalDate, RefusesWhatIsNoDate) {
+TEST(NaturalDateTest, RefusesWhatIsNoDate) {
     constexpr const char* kTexts[] = {"",
                                       " ",
                                       "not a date",
@@ -152,7 +152,7 @@ TEST(NaturalDate, RefusesWhatIsNoDate) {
     EXPECT_EQ(parse(std::string("today\0", 6)), std::nullopt);
 }
 
-TEST(NaturalDate, KeepsTheZoneOfATime) {
+TEST(NaturalDateTest, KeepsTheZoneOfATime) {
     const auto offset = [](const char* text) {
         const auto date = parseNaturalDate(text, kNow, false);
         return date ? date->offset : std::nullopt;
@@ -166,14 +166,14 @@ TEST(NaturalDate, KeepsTheZoneOfATime) {
     EXPECT_EQ(parse("2010-12-25T14:30:00+99:00"), std::nullopt);
 }
 
-TEST(Locale, KnowsWhoWritesTheDayFirst) {
+TEST(LocaleTest, KnowsWhoWritesTheDayFirst) {
     for (const char* locale : {"", "C", "POSIX", "en_US", "en_US_POSIX", "en", "ja_JP", "zh_CN", "en_PH"})
         EXPECT_FALSE(writesDayFirst(locale)) << locale;
     for (const char* locale : {"de_DE", "en_GB", "fr_FR", "de", "es_US", "sv_SE", "pt_BR"})
         EXPECT_TRUE(writesDayFirst(locale)) << locale;
 }
 
-TEST(Locale, TakesTheStrongestVariable) {
+TEST(LocaleTest, TakesTheStrongestVariable) {
     const auto set = [](const char* name, const char* value) { ::setenv(name, value, 1); };
     set("LC_ALL", "");
     set("LC_TIME", "de_AT.UTF-8@euro");

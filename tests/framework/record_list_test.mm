@@ -15,7 +15,7 @@ using testing::Not;
 
 namespace {
 
-class RecordList : public AddressBookTest {
+class RecordListTest : public AddressBookTest {
   protected:
     void SetUp() override {
         AddressBookTest::SetUp();
@@ -79,7 +79,7 @@ class RecordList : public AddressBookTest {
     std::unique_ptr<OtherProcess> other_;
 };
 
-TEST_F(RecordList, KeepsTheIdAndTheClassOfDeletedRecords) {
+TEST_F(RecordListTest, KeepsTheIdAndTheClassOfDeletedRecords) {
     NSArray* first = annAndCrew();
     NSArray* second = annAndCrew();
     NSArray* groups = [book() groups];
@@ -97,7 +97,7 @@ TEST_F(RecordList, KeepsTheIdAndTheClassOfDeletedRecords) {
 }
 
 // A long list does not hold all that it has answered.
-TEST_F(RecordList, AnswersADeletedRecordAgainWhenItIsLong) {
+TEST_F(RecordListTest, AnswersADeletedRecordAgainWhenItIsLong) {
     constexpr NSUInteger kPeople = 2000;
     std::string order;
     for (NSUInteger i = 0; i < kPeople; ++i)
@@ -117,7 +117,7 @@ TEST_F(RecordList, AnswersADeletedRecordAgainWhenItIsLong) {
     }
 }
 
-TEST_F(RecordList, ChangesToDeletedRecordsAreToldByTheNextSaveThatAsks) {
+TEST_F(RecordListTest, ChangesToDeletedRecordsAreToldByTheNextSaveThatAsks) {
     NSArray* list = annAndCrew();
     (*other_)("delete " + ann_ + ";delete " + crew_);
     EXPECT_TRUE(noteIn([list objectAtIndex:0], @"lost"));
@@ -134,7 +134,7 @@ TEST_F(RecordList, ChangesToDeletedRecordsAreToldByTheNextSaveThatAsks) {
     EXPECT_THAT(saveWithError(), HasSubstr(ann_)) << "changed again";
 }
 
-TEST_F(RecordList, HasTheRecordsOfARestoredBook) {
+TEST_F(RecordListTest, HasTheRecordsOfARestoredBook) {
     const std::string backup = "'" + (folder_ / "backup.db").string() + "'";
     run("backup " + backup);
     const std::string dee = addressbook::newUid(Kind::person);

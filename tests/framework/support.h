@@ -4,19 +4,14 @@
 // things.
 
 #include "frameworks/AddressBook/store/store.h"
-#include "tests/framework/guard.h"
+#include "tests/support/raised.h"
+#include "tests/support/temporary_folder.h"
 
 #import <AddressBook/AddressBook.h>
 #include <filesystem>
 #include <gtest/gtest.h>
 #include <string>
 #include <vector>
-
-// The exception that the lambda raises; nil when it raises none.
-template <typename Work>
-NSException* raised(Work work) {
-    return exceptionOf([](void* context) { (*static_cast<Work*>(context))(); }, &work);
-}
 
 // Whether the lambda raises NSInvalidArgumentException.
 template <typename Work>
@@ -49,5 +44,6 @@ class AddressBookTest : public testing::Test {
                                    NSString* label = nil, NSString* key = nil);
     static std::vector<std::string> names(NSArray* people);
 
-    std::filesystem::path folder_;
+    support::TemporaryHome home_;
+    std::filesystem::path folder_ = home_.path();
 };

@@ -4,39 +4,18 @@
 
 #include <cstdlib>
 
-namespace {
-
-// Foundation wants a pool around everything; one around each test, from before SetUp to after TearDown.
-class PoolAroundEachTest : public testing::EmptyTestEventListener {
-    void OnTestStart(const testing::TestInfo&) override { pool_ = [[NSAutoreleasePool alloc] init]; }
-    void OnTestEnd(const testing::TestInfo&) override { [pool_ release]; }
-    NSAutoreleasePool* pool_ = nil;
-};
-
-[[maybe_unused]] const bool kListening = [] {
-    testing::UnitTest::GetInstance()->listeners().Append(new PoolAroundEachTest);
-    return true;
-}();
-
-} // namespace
-
 std::string text(id object) {
     NSData* bytes = [[object description] dataUsingEncoding:NSUTF8StringEncoding];
     return object ? std::string(static_cast<const char*>([bytes bytes]), [bytes length]) : "nil";
 }
 
 void AddressBookTest::SetUp() {
-    std::string pattern = std::filesystem::temp_directory_path() / "addressbook-test-XXXXXX";
-    ASSERT_NE(::mkdtemp(pattern.data()), nullptr);
-    folder_ = pattern;
-    for (const char* variable : {"HOME", "XDG_DATA_HOME", "XDG_CONFIG_HOME", "ADDRESSBOOK_HOME"})
-        ::setenv(variable, folder_.c_str(), 1);
+    ::setenv("ADDRESSBOOK_HOME", folder_.c_str(), 1);
     ::setenv("LC_ALL", "en_US.UTF-8", 1);
 }
 
 void AddressBookTest::TearDown() {
     [ABAddressBook closeSharedAddressBook];
-    std::filesystem::remove_all(folder_);
 }
 
 void AddressBookTest::reopen() {

@@ -6,7 +6,7 @@ using addressbook::Kind;
 
 namespace {
 
-class Walk : public AddressBookTest {
+class WalkTest : public AddressBookTest {
   protected:
     // People who are called by their places, saved by another process.
     void fill(int people) {
@@ -32,7 +32,7 @@ class Walk : public AddressBookTest {
 
 } // namespace
 
-TEST_F(Walk, LongListsAnswerTheSameRecordsAgain) {
+TEST_F(WalkTest, LongListsAnswerTheSameRecordsAgain) {
     constexpr int kPeople = 2500; // more than a list keeps
     fill(kPeople);
     NSArray* people = [book() people];
@@ -52,7 +52,7 @@ TEST_F(Walk, LongListsAnswerTheSameRecordsAgain) {
     [held release];
 }
 
-TEST_F(Walk, UnsavedChangesSurviveTheObjectsThatMadeThem) {
+TEST_F(WalkTest, UnsavedChangesSurviveTheObjectsThatMadeThem) {
     fill(1500);
     NSArray* people = [book() people];
     NSAutoreleasePool* pool = [[NSAutoreleasePool alloc] init];
@@ -65,7 +65,7 @@ TEST_F(Walk, UnsavedChangesSurviveTheObjectsThatMadeThem) {
     EXPECT_EQ(firstOf([book() people], 5), "changed");
 }
 
-TEST_F(Walk, WhatIsReadAheadIsNoOlderThanTheRest) {
+TEST_F(WalkTest, WhatIsReadAheadIsNoOlderThanTheRest) {
     fill(10);
     NSArray* people = [book() people];
     EXPECT_EQ(firstOf(people, 0), "0");
@@ -81,7 +81,7 @@ TEST_F(Walk, WhatIsReadAheadIsNoOlderThanTheRest) {
     EXPECT_EQ(firstOf(people, 4), "4");
 }
 
-TEST_F(Walk, AListThatIsKeptFollowsEveryChange) {
+TEST_F(WalkTest, AListThatIsKeptFollowsEveryChange) {
     ABPerson* one = person(@"Ann", @"Lee");
     [one setValue:list({{kABPhoneWorkLabel, @"1"}}) forProperty:kABPhoneProperty];
     [one setValue:list({{kABEmailWorkLabel, @"a@b"}}) forProperty:kABEmailProperty];

@@ -194,9 +194,9 @@ class Trial {
     GoodCall good_;
 };
 
-class HostileArguments : public testing::TestWithParam<GoodCall> {};
+class HostileArgumentsTest : public testing::TestWithParam<GoodCall> {};
 
-TEST_P(HostileArguments, AreAnsweredAndChangeNothingElse) {
+TEST_P(HostileArgumentsTest, AreAnsweredAndChangeNothingElse) {
     for (std::size_t place = 0; place < GetParam().arguments.size(); ++place) {
         Trial trial(GetParam());
         ASSERT_TRUE(trial.make(trial.good()));
@@ -209,7 +209,7 @@ TEST_P(HostileArguments, AreAnsweredAndChangeNothingElse) {
     }
 }
 
-TEST_P(HostileArguments, InEveryPlaceAtOnce) {
+TEST_P(HostileArgumentsTest, InEveryPlaceAtOnce) {
     Trial trial(GetParam());
     for (const std::string& text : trial.texts()) {
         ASSERT_TRUE(trial.make(Arguments(trial.good().size(), text)));
@@ -217,7 +217,7 @@ TEST_P(HostileArguments, InEveryPlaceAtOnce) {
     ASSERT_TRUE(trial.saveAndLook());
 }
 
-INSTANTIATE_TEST_SUITE_P(All, HostileArguments, testing::ValuesIn(goodCalls()),
+INSTANTIATE_TEST_SUITE_P(All, HostileArgumentsTest, testing::ValuesIn(goodCalls()),
                          [](const testing::TestParamInfo<GoodCall>& one) {
                              return std::string(one.param.name).substr(5) + "_" + std::to_string(one.index);
                          });

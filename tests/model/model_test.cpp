@@ -36,15 +36,15 @@ bool runSequence(std::uint64_t seed) {
     return comparison.books() && (seed % 5 != 0 || comparison.databases());
 }
 
-TEST(Model, HasTheFunctionsOfThePlugin) {
+TEST(ModelTest, HasTheFunctionsOfThePlugin) {
     EXPECT_EQ(differenceOfTables(), "");
 }
 
 // The sequences in four parts, which may run side by side.
 constexpr unsigned kParts = 4;
-class Agreement : public testing::TestWithParam<unsigned> {};
+class AgreementTest : public testing::TestWithParam<unsigned> {};
 
-TEST_P(Agreement, OfModelAndPlugin) {
+TEST_P(AgreementTest, OfModelAndPlugin) {
     const auto seed = setting("VELOCARD_MODEL_SEED", 1);
     const auto count = setting("VELOCARD_MODEL_SEQUENCES", 10000);
     for (unsigned long long i = GetParam(); i < count; i += kParts) {
@@ -54,7 +54,7 @@ TEST_P(Agreement, OfModelAndPlugin) {
     }
 }
 
-INSTANTIATE_TEST_SUITE_P(Model, Agreement, testing::Range(0U, kParts));
+INSTANTIATE_TEST_SUITE_P(Model, AgreementTest, testing::Range(0U, kParts));
 
 } // namespace
 } // namespace model

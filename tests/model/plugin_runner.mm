@@ -302,7 +302,7 @@ std::string differenceOfDatabases(const Model& model) {
 
 std::pair<std::string, std::string> recordsElsewhere() {
     const Pool pool;
-    const TemporaryFolder folder;
+    const support::TemporaryFolder folder;
     const std::string home = std::getenv("ADDRESSBOOK_HOME");
     setenv("ADDRESSBOOK_HOME", folder.path().c_str(), 1);
     ABAddressBook* book = [ABAddressBook addressBook];

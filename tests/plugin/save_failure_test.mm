@@ -4,8 +4,8 @@
 #import "plugin/shell/error_state.h"
 #include "plugin/shell/function_table.h"
 #include "tests/plugin/support.h"
-#include "tests/store/fault_vfs.h"
-#include "tests/store/system_calls.h"
+#include "tests/support/fault_vfs.h"
+#include "tests/support/system_calls.h"
 
 #include <cstdlib>
 #include <gmock/gmock.h>
@@ -22,7 +22,7 @@ using testing::AllOf;
 using testing::HasSubstr;
 
 // From the start of the program, so that whatever opens the address book first goes through it.
-addressbook::test::FaultVfs disk;
+support::FaultVfs disk;
 
 ABAddressBook* anotherBook() {
     return [[[ABAddressBook alloc] init] autorelease];
@@ -216,7 +216,7 @@ class ReadOnlyDiskTest : public PluginTest {
     }
 
     std::string anna_;
-    std::optional<addressbook::test::ReadOnlyDisk> disk_;
+    std::optional<support::ReadOnlyDisk> disk_;
 };
 
 TEST_F(ReadOnlyDiskTest, ItIsReadAndSearchedAndNothingIsLostSilently) {

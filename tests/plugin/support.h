@@ -5,8 +5,8 @@
 #include "plugin/support/host_interface.h"
 #include "plugin/support/host_text.h"
 #include "plugin/support/pool.h"
+#include "tests/support/temporary_folder.h"
 #import <AddressBook/AddressBook.h>
-#include <filesystem>
 #include <gtest/gtest.h>
 #include <initializer_list>
 #include <optional>
@@ -42,19 +42,6 @@ std::string call(HandlerFunction handler, std::initializer_list<std::string> arg
 std::string lastErrorText();
 std::string lastErrorNumber();
 
-// A folder that goes away with the object.
-class TemporaryFolder {
-  public:
-    TemporaryFolder();
-    ~TemporaryFolder();
-    TemporaryFolder(const TemporaryFolder&) = delete;
-    TemporaryFolder& operator=(const TemporaryFolder&) = delete;
-    [[nodiscard]] const std::filesystem::path& path() const { return path_; }
-
-  private:
-    std::filesystem::path path_;
-};
-
 // A plug-in's bundle with the given string table.
 class Bundle {
   public:
@@ -66,7 +53,7 @@ class Bundle {
     [[nodiscard]] fmx::ptrtype instance() const { return reinterpret_cast<fmx::ptrtype>(handle_); }
 
   private:
-    TemporaryFolder folder_;
+    support::TemporaryFolder folder_;
     void* handle_ = nullptr;
 };
 

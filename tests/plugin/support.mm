@@ -14,22 +14,14 @@ namespace {
 class Home : public testing::Environment {
   public:
     Home() {
-        const std::string home = folder_.path().string();
-        setenv("HOME", home.c_str(), 1);
-        setenv("ADDRESSBOOK_HOME", (folder_.path() / "book").c_str(), 1);
-        setenv("GNUSTEP_USER_DEFAULTS_DIR", (folder_.path() / "defaults").c_str(), 1);
-        for (const char* name : {"XDG_DATA_HOME", "XDG_CONFIG_HOME", "XDG_STATE_HOME", "XDG_CACHE_HOME"}) {
-            setenv(name, home.c_str(), 1);
-        }
-        // No application of the user's is ever shown a person.
-        setenv("DBUS_SESSION_BUS_ADDRESS", ("unix:path=" + home + "/none").c_str(), 1);
+        setenv("ADDRESSBOOK_HOME", (home_.path() / "book").c_str(), 1);
         setenv("TZ", "UTC", 1);
         setenv("LC_ALL", "C.UTF-8", 1);
-        std::filesystem::create_directory(folder_.path() / "book");
+        std::filesystem::create_directory(home_.path() / "book");
     }
 
   private:
-    TemporaryFolder folder_;
+    support::TemporaryHome home_;
 };
 
 [[maybe_unused]] testing::Environment* const home = testing::AddGlobalTestEnvironment(new Home);
@@ -95,19 +87,6 @@ std::string lastErrorText() {
 
 std::string lastErrorNumber() {
     return call(Do_KORU_GetLastError, {"NUM"});
-}
-
-TemporaryFolder::TemporaryFolder() {
-    std::string name = (std::filesystem::temp_directory_path() / "velocard-test-XXXXXX").string();
-    if (mkdtemp(name.data()) == nullptr) {
-        throw std::runtime_error("no temporary folder");
-    }
-    path_ = name;
-}
-
-TemporaryFolder::~TemporaryFolder() {
-    std::error_code ignored;
-    std::filesystem::remove_all(path_, ignored);
 }
 
 Bundle::Bundle(const std::string& stringTable) {

@@ -2,8 +2,9 @@
 
 // What the tests of the Scripting Bridge share.
 
-#include "tests/framework/guard.h"
 #include "tests/scriptingbridge/test_bus.h"
+#include "tests/support/raised.h"
+#include "tests/support/temporary_folder.h"
 
 #import <ScriptingBridge/ScriptingBridge.h>
 #include <gmock/gmock.h>
@@ -41,10 +42,10 @@ class ScriptingBridgeTest : public testing::Test {
     static std::string select(SBApplication* application, id identifier);
     static std::string activate(SBApplication* application);
 
-    std::filesystem::path folder_;
+    support::TemporaryHome home_;
+    std::filesystem::path folder_ = home_.path();
 
   private:
-    NSAutoreleasePool* pool_ = nil;
     std::unique_ptr<TestBus> bus_;
     std::unique_ptr<Child> standIn_;
 };

@@ -40,7 +40,7 @@ class BacklogTest : public Scratch {
     Store store{folder()};
 };
 
-TEST_F(BacklogTest, oneSaveInManyWritesTheIndexes) {
+TEST_F(BacklogTest, OneSaveInManyWritesTheIndexes) {
     const std::string uid = addPerson(store, {{"First", text("name 0")}});
     const Store reader(folder(), Store::Access::readOnly);
     for (int i = 1; i <= 200; ++i) {
@@ -67,7 +67,7 @@ TEST_F(BacklogTest, oneSaveInManyWritesTheIndexes) {
 }
 
 // Each time that the indexes are written the text index gets a new piece, which every search would look into.
-TEST_F(BacklogTest, theTextIndexStaysInFewPieces) {
+TEST_F(BacklogTest, TheTextIndexStaysInFewPieces) {
     const std::string uid = addPerson(store, {{"Note", text("note 0")}});
     constexpr int kPieces = 15; // at 16 SQLite makes them one by itself
     for (int i = 1; i <= kPieces * kSavesInBacklog; ++i)
@@ -76,7 +76,7 @@ TEST_F(BacklogTest, theTextIndexStaysInFewPieces) {
     EXPECT_THAT(store.check(), IsEmpty());
 }
 
-TEST_F(BacklogTest, aNewPersonMayChangeAndGoBeforeTheIndexesKnow) {
+TEST_F(BacklogTest, ANewPersonMayChangeAndGoBeforeTheIndexesKnow) {
     const std::string uid = addPerson(store, {{"First", text("Ada")}, {"own", text("1")}});
     const std::string other = addPerson(store, {{"First", text("Adam")}});
     saveRecords(store, {updated(uid, {{"First", text("Ida")}, {"own", Value()}, {"Note", text("n")}})}, 2);
@@ -92,7 +92,7 @@ TEST_F(BacklogTest, aNewPersonMayChangeAndGoBeforeTheIndexesKnow) {
     EXPECT_THAT(store.check(), IsEmpty());
 }
 
-TEST_F(BacklogTest, aPropertyMayGoBeforeTheIndexesKnow) {
+TEST_F(BacklogTest, APropertyMayGoBeforeTheIndexesKnow) {
     ChangeSet changes = changesAt(1);
     changes.definitions = {{Kind::person, "own", 1}};
     store.save(changes);
@@ -104,7 +104,7 @@ TEST_F(BacklogTest, aPropertyMayGoBeforeTheIndexesKnow) {
     EXPECT_THAT(store.check(), IsEmpty());
 }
 
-TEST_F(BacklogTest, aLargeTextIsIndexedAtOnce) {
+TEST_F(BacklogTest, ALargeTextIsIndexedAtOnce) {
     const std::string uid = addPerson(store, {{"First", text("Ada")}});
     saveRecords(store, {updated(uid, {{"Note", text(std::string(5000, 'n') + " needle")}})}, 2);
     EXPECT_EQ(waiting(), 2) << "what is new need not be kept";
@@ -114,7 +114,7 @@ TEST_F(BacklogTest, aLargeTextIsIndexedAtOnce) {
     EXPECT_THAT(store.check(), IsEmpty());
 }
 
-TEST_F(BacklogTest, manyRecordsInOneSaveAreIndexedAtOnce) {
+TEST_F(BacklogTest, ManyRecordsInOneSaveAreIndexedAtOnce) {
     std::vector<RecordChange> records;
     records.reserve(9);
     for (int i = 0; i < 9; ++i)
@@ -133,7 +133,7 @@ TEST_F(BacklogTest, manyRecordsInOneSaveAreIndexedAtOnce) {
 }
 
 // What a save costs on a disk is the pages that it writes.
-TEST_F(BacklogTest, aSmallSaveWritesThreePages) {
+TEST_F(BacklogTest, ASmallSaveWritesThreePages) {
     constexpr std::uintmax_t kFrame = 4096 + 24;
     const std::string uid = addPerson(store, {{"First", text("Ada")}});
     const std::filesystem::path log = store.file().string() + "-wal";
@@ -144,7 +144,7 @@ TEST_F(BacklogTest, aSmallSaveWritesThreePages) {
     }
 }
 
-TEST_F(BacklogTest, theLogOfChangesStaysShort) {
+TEST_F(BacklogTest, TheLogOfChangesStaysShort) {
     const std::string uid = addPerson(store, {});
     sqlite3* database = nullptr;
     ASSERT_EQ(sqlite3_open(store.file().c_str(), &database), SQLITE_OK);
@@ -157,7 +157,7 @@ TEST_F(BacklogTest, theLogOfChangesStaysShort) {
     EXPECT_THAT(store.check(), IsEmpty());
 }
 
-TEST_F(BacklogTest, aDamagedOneIsToldBySearches) {
+TEST_F(BacklogTest, ADamagedOneIsToldBySearches) {
     const std::string uid = addPerson(store, {{"First", text("Ada")}});
     ask("UPDATE change SET replaced = x'0501'");
     try {
@@ -169,7 +169,7 @@ TEST_F(BacklogTest, aDamagedOneIsToldBySearches) {
 }
 
 // A book of the version before has no backlog and gets one.
-TEST_F(BacklogTest, comesToAnOlderBook) {
+TEST_F(BacklogTest, ComesToAnOlderBook) {
     const std::string uid = addPerson(store, {{"First", text("Ada")}});
     settleIndexes(store);
     const std::filesystem::path older = root() / "older";

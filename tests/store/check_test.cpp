@@ -22,9 +22,9 @@ void PrintTo(const Planted& planted, std::ostream* out) {
     *out << planted.name;
 }
 
-class Check : public Scratch, public testing::WithParamInterface<Planted> {
+class CheckTest : public Scratch, public testing::WithParamInterface<Planted> {
   protected:
-    Check() {
+    CheckTest() {
         Store store(folder());
         const std::string group = newUid(Kind::group);
         const std::string person = newUid(Kind::person);
@@ -53,7 +53,7 @@ class Check : public Scratch, public testing::WithParamInterface<Planted> {
     bool sound_ = false;
 };
 
-TEST_P(Check, finds) {
+TEST_P(CheckTest, Finds) {
     ASSERT_TRUE(sound_);
     plant(GetParam().sql);
     const auto report = Store(folder()).check();
@@ -63,7 +63,7 @@ TEST_P(Check, finds) {
 }
 
 INSTANTIATE_TEST_SUITE_P(
-    Planted, Check,
+    Planted, CheckTest,
     testing::Values(
         Planted{"card", "UPDATE record SET card = x'00' || substr(card, 2) WHERE kind = 0", "checksum"},
         Planted{"shortCard", "UPDATE record SET card = x'0102' WHERE kind = 0", "end early"},
@@ -112,10 +112,10 @@ INSTANTIATE_TEST_SUITE_P(
         Planted{"lostText", "DELETE FROM trigram_data WHERE id > 10", "amaged"}),
     [](const auto& planted) { return std::string(planted.param.name); });
 
-using SoundBook = Check;
+using SoundBookTest = CheckTest;
 
 // Another store saves more and more meanwhile.
-TEST_F(SoundBook, takesNoSaveOfOthersForDamage) {
+TEST_F(SoundBookTest, TakesNoSaveOfOthersForDamage) {
     std::atomic<bool> done = false;
     std::thread other([&] {
         Store store(folder());
@@ -133,9 +133,9 @@ TEST_F(SoundBook, takesNoSaveOfOthersForDamage) {
     EXPECT_GT(people, 30U) << "hardly anything was saved meanwhile";
 }
 
-using Damage = Check;
+using DamageTest = CheckTest;
 
-TEST_F(Damage, isReportedByReading) {
+TEST_F(DamageTest, IsReportedByReading) {
     plant("UPDATE record SET card = x'00' || substr(card, 2) WHERE kind = 0");
     Store store(folder());
     try {
@@ -147,7 +147,7 @@ TEST_F(Damage, isReportedByReading) {
 }
 
 // Indexes made by another version of Unicode's rules are made again when the book is opened for writing.
-TEST_F(Damage, ofTheIndexesIsMendedWhenTheirUnicodeIsAnother) {
+TEST_F(DamageTest, OfTheIndexesIsMendedWhenTheirUnicodeIsAnother) {
     plant("UPDATE meta SET value = '1.0.0' WHERE name = 'unicode'; DELETE FROM term; "
           "INSERT INTO trigram(rowid, text) VALUES (65540, 'abcd')");
     EXPECT_FALSE(Store(folder(), Store::Access::readOnly).check().empty());

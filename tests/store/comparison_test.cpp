@@ -32,9 +32,9 @@ DateComponents components(std::optional<int> year, int month, int day) {
     return parts;
 }
 
-class Comparisons : public Scratch {
+class ComparisonsTest : public Scratch {
   protected:
-    Comparisons() { tzset(); }
+    ComparisonsTest() { tzset(); }
     // Whether a person with [value] as property "p" meets the comparison with [wanted].
     static bool meets(const Value& value, Comparison comparison, const Value& wanted, Date now = Date{0}) {
         return matches(query("p", comparison, wanted), MemoryRecord(Kind::person, {{"p", value}}), now);
@@ -48,7 +48,7 @@ class Comparisons : public Scratch {
     }
 };
 
-TEST_F(Comparisons, textComparesByCodePointsInComposedForm) {
+TEST_F(ComparisonsTest, TextComparesByCodePointsInComposedForm) {
     EXPECT_TRUE(meets(text("e\u0301a"), equal, text("\u00E9a")));
     EXPECT_FALSE(meets(text("Ea"), equal, text("ea")));
     EXPECT_TRUE(meets(text("Ea"), notEqual, text("ea")));
@@ -62,7 +62,7 @@ TEST_F(Comparisons, textComparesByCodePointsInComposedForm) {
     EXPECT_TRUE(meets(text("a"), greaterThanOrEqual, text("a")));
 }
 
-TEST_F(Comparisons, partsOfText) {
+TEST_F(ComparisonsTest, PartsOfText) {
     EXPECT_TRUE(meets(text("Anderson"), containsSubString, text("ders")));
     EXPECT_FALSE(meets(text("Anderson"), containsSubString, text("DERS")));
     EXPECT_TRUE(meets(text("Anderson"), containsSubStringCaseInsensitive, text("DERS")));
@@ -77,7 +77,7 @@ TEST_F(Comparisons, partsOfText) {
     EXPECT_TRUE(meets(text("x"), containsSubString, text("")));
 }
 
-TEST_F(Comparisons, numbersCompareExactlyAcrossTheirTypes) {
+TEST_F(ComparisonsTest, NumbersCompareExactlyAcrossTheirTypes) {
     EXPECT_TRUE(meets(number(3), equal, 3.0));
     EXPECT_TRUE(meets(2.5, lessThan, number(3)));
     EXPECT_TRUE(meets(number(9007199254740993), greaterThan, 9007199254740992.0));
@@ -92,14 +92,14 @@ TEST_F(Comparisons, numbersCompareExactlyAcrossTheirTypes) {
     EXPECT_FALSE(meets(text("1"), equal, number(1)));
 }
 
-TEST_F(Comparisons, bitFields) {
+TEST_F(ComparisonsTest, BitFields) {
     EXPECT_TRUE(meets(number(7), bitsInBitFieldMatch, number(5)));
     EXPECT_FALSE(meets(number(6), bitsInBitFieldMatch, number(5)));
     EXPECT_TRUE(meets(number(0), bitsInBitFieldMatch, number(0)));
     EXPECT_FALSE(meets(7.0, bitsInBitFieldMatch, number(5)));
 }
 
-TEST_F(Comparisons, otherTypesAreEqualOrNot) {
+TEST_F(ComparisonsTest, OtherTypesAreEqualOrNot) {
     EXPECT_TRUE(meets(Bytes{1, 2}, equal, Bytes{1, 2}));
     EXPECT_FALSE(meets(Bytes{1, 2}, lessThan, Bytes{3}));
     EXPECT_TRUE(meets(Array{text("e\u0301")}, equal, Array{text("é")}));
@@ -108,7 +108,7 @@ TEST_F(Comparisons, otherTypesAreEqualOrNot) {
     EXPECT_TRUE(meets(Dictionary{{"k", number(1)}}, equal, Dictionary{{"k", 1.0}}));
 }
 
-TEST_F(Comparisons, someEntryOrFieldIsEnoughAndNoneMayMeetANegativeOne) {
+TEST_F(ComparisonsTest, SomeEntryOrFieldIsEnoughAndNoneMayMeetANegativeOne) {
     const Value phones = MultiValue{{{"1", "home", text("12")}, {"2", "work", text("34")}}, ""};
     EXPECT_TRUE(meets(phones, equal, text("34")));
     EXPECT_FALSE(meets(phones, notEqual, text("34")));
@@ -130,7 +130,7 @@ TEST_F(Comparisons, someEntryOrFieldIsEnoughAndNoneMayMeetANegativeOne) {
     EXPECT_FALSE(meetsWith(both, "work", "City", text("Ulm")));
 }
 
-TEST_F(Comparisons, withoutAValueEqualAsksWhetherThereIsOne) {
+TEST_F(ComparisonsTest, WithoutAValueEqualAsksWhetherThereIsOne) {
     EXPECT_TRUE(meets(text(""), equal, Value()));
     EXPECT_FALSE(meets(text(""), notEqual, Value()));
     EXPECT_FALSE(meets(Value(), equal, Value()));
@@ -148,7 +148,7 @@ TEST_F(Comparisons, withoutAValueEqualAsksWhetherThereIsOne) {
     EXPECT_TRUE(meets(Value(), notWithinIntervalFromToday, number(1)));
 }
 
-TEST_F(Comparisons, intervalsCountCalendarDays) {
+TEST_F(ComparisonsTest, IntervalsCountCalendarDays) {
     const Date now{noon(2026, 3, 28).seconds + 11.5 * 3600}; // 23:30, the clocks change in the night
     EXPECT_TRUE(meets(noon(2026, 3, 29), withinIntervalAroundToday, days(1), now));
     EXPECT_FALSE(meets(noon(2026, 3, 29), withinIntervalAroundToday, number(86399), now)); // whole days count
@@ -170,7 +170,7 @@ TEST_F(Comparisons, intervalsCountCalendarDays) {
     EXPECT_FALSE(meets(Date{1e300}, withinIntervalAroundToday, number(INT64_MAX), now));
 }
 
-TEST_F(Comparisons, yearlessIntervalsCrossTheYear) {
+TEST_F(ComparisonsTest, YearlessIntervalsCrossTheYear) {
     const Date newYearsEve = noon(2026, 12, 31);
     const Date newYear = noon(2027, 1, 1);
     EXPECT_TRUE(meets(noon(1970, 1, 2), withinIntervalFromTodayYearless, days(2), newYearsEve));
@@ -182,7 +182,7 @@ TEST_F(Comparisons, yearlessIntervalsCrossTheYear) {
     EXPECT_TRUE(meets(noon(1970, 12, 30), notWithinIntervalFromTodayYearless, days(2), newYear));
 }
 
-TEST_F(Comparisons, theLeapDayFallsOnTheLastOfFebruary) {
+TEST_F(ComparisonsTest, TheLeapDayFallsOnTheLastOfFebruary) {
     EXPECT_TRUE(meets(noon(2000, 2, 29), withinIntervalFromTodayYearless, days(0), noon(2027, 2, 28)));
     EXPECT_FALSE(meets(noon(2000, 2, 29), withinIntervalFromTodayYearless, days(0), noon(2028, 2, 28)));
     EXPECT_TRUE(meets(components({}, 2, 29), withinIntervalFromTodayYearless, days(0), noon(2028, 2, 29)));
@@ -190,19 +190,19 @@ TEST_F(Comparisons, theLeapDayFallsOnTheLastOfFebruary) {
         meets(components({}, 2, 30), withinIntervalAroundTodayYearless, days(400), noon(2028, 2, 29)));
 }
 
-TEST_F(Comparisons, recordsOfAnotherKindAreNeverFound) {
+TEST_F(ComparisonsTest, RecordsOfAnotherKindAreNeverFound) {
     const MemoryRecord group(Kind::group, {{"p", text("x")}});
     EXPECT_FALSE(matches(query("p", equal, text("x")), group, Date{0}));
     EXPECT_FALSE(matches(query("p", notEqual, text("y")), group, Date{0}));
 }
 
-TEST_F(Comparisons, internalPropertiesAreNeverSet) {
+TEST_F(ComparisonsTest, InternalPropertiesAreNeverSet) {
     const MemoryRecord person(Kind::person, {{".VCardLines", text("x")}});
     EXPECT_FALSE(matches(query(".VCardLines", equal, text("x")), person, Date{0}));
     EXPECT_TRUE(matches(query(".VCardLines", notEqual, Value()), person, Date{0}));
 }
 
-TEST_F(Comparisons, compoundsJoinTheirChildren) {
+TEST_F(ComparisonsTest, CompoundsJoinTheirChildren) {
     const MemoryRecord person(Kind::person, {{"a", text("1")}, {"b", text("2")}});
     const Query yes = query("a", equal, text("1"));
     const Query no = query("b", equal, text("1"));
@@ -215,7 +215,7 @@ TEST_F(Comparisons, compoundsJoinTheirChildren) {
     EXPECT_FALSE(matches(joined(Query::Join::any, {}), person, Date{0}));
 }
 
-TEST(Calendar, numbersDays) {
+TEST(CalendarTest, NumbersDays) {
     EXPECT_EQ(dayNumber(1970, {1, 1}), 0);
     EXPECT_EQ(dayNumber(2000, {3, 1}), 11017);
     EXPECT_EQ(dayNumber(1, {1, 1}), -719162);

@@ -3,10 +3,8 @@
 // Everything that a book says, to compare it with what it said before; and the bytes of files.
 
 #include "tests/store/builders.h"
+#include "tests/support/files.h"
 
-#include <filesystem>
-#include <fstream>
-#include <iterator>
 #include <map>
 #include <optional>
 #include <string>
@@ -47,9 +45,6 @@ inline Contents contentsOf(const Store& store) {
     return contents;
 }
 
-inline std::string bytesOf(const std::filesystem::path& file) {
-    std::ifstream stream(file, std::ios::binary);
-    return {std::istreambuf_iterator<char>(stream), {}};
-}
+using support::bytesOf;
 
 } // namespace addressbook::test

@@ -26,11 +26,11 @@ void write(const fs::path& file, const std::string& bytes) {
     std::ofstream(file, std::ios::binary) << bytes;
 }
 
-class Damaged : public Scratch {
+class DamagedTest : public Scratch {
   protected:
     static constexpr int kPeople = 20;
 
-    Damaged() {
+    DamagedTest() {
         Store store(folder());
         ChangeSet changes = changesAt(1);
         changes.definitions = {{Kind::person, "shoe size", 1}};
@@ -113,7 +113,7 @@ class Damaged : public Scratch {
     std::string sound_;
 };
 
-TEST_F(Damaged, bitsAreToldOrDoNotMatter) {
+TEST_F(DamagedTest, BitsAreToldOrDoNotMatter) {
     const std::string content = sound();
     std::mt19937 random(20261121); // NOLINT(cert-msc51-cpp): the same places each time
     int troubles = 0;
@@ -136,7 +136,7 @@ TEST_F(Damaged, bitsAreToldOrDoNotMatter) {
     EXPECT_GT(troubles, 80);
 }
 
-TEST_F(Damaged, filesThatStopShort) {
+TEST_F(DamagedTest, FilesThatStopShort) {
     const std::string content = sound();
     for (const double part : {0.02, 0.1, 0.3, 0.5, 0.75, 0.9, 0.99, 0.9999}) {
         SCOPED_TRACE(part);
@@ -156,7 +156,7 @@ TEST_F(Damaged, filesThatStopShort) {
     }
 }
 
-TEST_F(Damaged, aFirstPageIsLentByAnotherBook) {
+TEST_F(DamagedTest, AFirstPageIsLentByAnotherBook) {
     std::string bytes = sound();
     bytes.replace(0, 200, std::string(200, '\xEE'));
     put(bytes);
@@ -165,7 +165,7 @@ TEST_F(Damaged, aFirstPageIsLentByAnotherBook) {
     EXPECT_EQ(contentsOf(Store(folder())), whole_);
 }
 
-TEST_F(Damaged, cardsKeepWhatCanBeRead) {
+TEST_F(DamagedTest, CardsKeepWhatCanBeRead) {
     std::string bytes = sound();
     const std::size_t name = bytes.find("Ada 7");
     ASSERT_NE(name, std::string::npos);
@@ -179,7 +179,7 @@ TEST_F(Damaged, cardsKeepWhatCanBeRead) {
     EXPECT_EQ(store.count(Kind::person), kPeople);
 }
 
-TEST_F(Damaged, aSoundBookIsLeftAlone) {
+TEST_F(DamagedTest, ASoundBookIsLeftAlone) {
     const std::string bytes = sound();
     EXPECT_FALSE(repair(folder()).needed);
     EXPECT_TRUE(bytesOf(file_) == bytes);
@@ -187,7 +187,7 @@ TEST_F(Damaged, aSoundBookIsLeftAlone) {
     EXPECT_THROW(repair(folder()), StoreError);
 }
 
-TEST_F(Damaged, aNewerVersionIsNotRepaired) {
+TEST_F(DamagedTest, ANewerVersionIsNotRepaired) {
     sqlite3* database = nullptr;
     ASSERT_EQ(sqlite3_open(file_.c_str(), &database), SQLITE_OK);
     ASSERT_EQ(sqlite3_exec(database, "PRAGMA user_version = 99", nullptr, nullptr, nullptr), SQLITE_OK);
@@ -203,7 +203,7 @@ TEST_F(Damaged, aNewerVersionIsNotRepaired) {
 }
 
 // A log is there as long as a store is open; these take a copy of it.
-class StrayLog : public Damaged {
+class StrayLogTest : public DamagedTest {
   protected:
     std::string log() const { return bytesOf(file_.string() + "-wal"); }
     void expectRefused(const std::string& log) {
@@ -225,7 +225,7 @@ class StrayLog : public Damaged {
     }
 };
 
-TEST_F(StrayLog, ofAnotherBook) {
+TEST_F(StrayLogTest, OfAnotherBook) {
     {
         Store other(root() / "other");
         addPerson(other, {{"First", text("Eve")}});
@@ -237,7 +237,7 @@ TEST_F(StrayLog, ofAnotherBook) {
     EXPECT_EQ(contentsOf(store), whole_);
 }
 
-TEST_F(StrayLog, ofAnOlderState) {
+TEST_F(StrayLogTest, OfAnOlderState) {
     std::string older;
     {
         Store store(folder());
@@ -254,7 +254,7 @@ TEST_F(StrayLog, ofAnOlderState) {
 }
 
 // The state after a kill: the log holds saves that are not in the file yet.
-TEST_F(StrayLog, ofItsOwnIsTakenOver) {
+TEST_F(StrayLogTest, OfItsOwnIsTakenOver) {
     std::string file, own;
     {
         Store store(folder());
@@ -270,7 +270,7 @@ TEST_F(StrayLog, ofItsOwnIsTakenOver) {
     EXPECT_EQ(contentsOf(Store(folder(), Store::Access::readOnly)), whole_);
 }
 
-TEST_F(StrayLog, thatIsNone) {
+TEST_F(StrayLogTest, ThatIsNone) {
     write(file_.string() + "-wal", std::string(5000, 'x'));
     EXPECT_EQ(trouble(), "");
 }

@@ -218,9 +218,9 @@ std::vector<Explained> explained() {
     };
 }
 
-class Explain : public Scratch, public testing::WithParamInterface<Explained> {};
+class ExplainTest : public Scratch, public testing::WithParamInterface<Explained> {};
 
-TEST_P(Explain, tellsThePlanAndWhatItLookedAt) {
+TEST_P(ExplainTest, TellsThePlanAndWhatItLookedAt) {
     const Explained& wanted = GetParam();
     for (const int people : {100, 600}) {
         Store store(root() / std::to_string(people));
@@ -240,13 +240,13 @@ TEST_P(Explain, tellsThePlanAndWhatItLookedAt) {
     }
 }
 
-INSTANTIATE_TEST_SUITE_P(Conditions, Explain, testing::ValuesIn(explained()),
+INSTANTIATE_TEST_SUITE_P(Conditions, ExplainTest, testing::ValuesIn(explained()),
                          [](const auto& one) { return std::string(one.param.name); });
 
-using ExplainYears = Scratch;
+using ExplainYearsTest = Scratch;
 
 // Of too many years, looking up each one is no better than looking at all dates.
-TEST_F(ExplainYears, thatAreTooManyAreScanned) {
+TEST_F(ExplainYearsTest, ThatAreTooManyAreScanned) {
     Store store(folder());
     const Query query{where("founded", withinIntervalAroundTodayYearless, days(2))};
     for (int year = 0; year < 600; year += 300) {
@@ -260,9 +260,9 @@ TEST_F(ExplainYears, thatAreTooManyAreScanned) {
     }
 }
 
-class ExplainCompound : public Scratch {
+class ExplainCompoundTest : public Scratch {
   protected:
-    ExplainCompound() : store_(folder()) { fill(store_, 200); }
+    ExplainCompoundTest() : store_(folder()) { fill(store_, 200); }
 
     // The steps of this compound.
     SearchStep explain(Query::Join join, std::vector<Query> children) {
@@ -286,7 +286,7 @@ class ExplainCompound : public Scratch {
     Query query_;
 };
 
-TEST_F(ExplainCompound, cheapestComesFirstAndTheRestIsLookedAt) {
+TEST_F(ExplainCompoundTest, CheapestComesFirstAndTheRestIsLookedAt) {
     const SearchStep all = explain(Query::Join::all, {short_, lindstrom_});
     EXPECT_EQ(all.hits, 3);
     ASSERT_EQ(all.parts.size(), 2U);
@@ -301,7 +301,7 @@ TEST_F(ExplainCompound, cheapestComesFirstAndTheRestIsLookedAt) {
     EXPECT_GE(all.time, all.parts[0].time + all.parts[1].time);
 }
 
-TEST_F(ExplainCompound, manyAreSearchedAndIntersected) {
+TEST_F(ExplainCompoundTest, ManyAreSearchedAndIntersected) {
     const SearchStep all = explain(Query::Join::all, {ordinary_, lindstrom_});
     EXPECT_EQ(all.hits, 0);
     ASSERT_EQ(all.parts.size(), 2U);
@@ -310,7 +310,7 @@ TEST_F(ExplainCompound, manyAreSearchedAndIntersected) {
     EXPECT_EQ(all.parts[1].hits, 3);
 }
 
-TEST_F(ExplainCompound, afterNobodyNothingIsLookedAt) {
+TEST_F(ExplainCompoundTest, AfterNobodyNothingIsLookedAt) {
     const SearchStep all = explain(Query::Join::all, {short_, nobody_});
     ASSERT_EQ(all.parts.size(), 2U);
     EXPECT_EQ(place(all.parts[1]), 0);
@@ -318,7 +318,7 @@ TEST_F(ExplainCompound, afterNobodyNothingIsLookedAt) {
     EXPECT_EQ(all.parts[1].indexRows + all.parts[1].records + all.parts[1].time.count(), 0);
 }
 
-TEST_F(ExplainCompound, aUniqueIdComesFirst) {
+TEST_F(ExplainCompoundTest, AUniqueIdComesFirst) {
     const Query uid{where("UID", equal, text(store_.find(store_.rows(Kind::person).front())->uid))};
     const SearchStep all = explain(Query::Join::all, {lindstrom_, uid});
     ASSERT_EQ(all.parts.size(), 2U);
@@ -327,7 +327,7 @@ TEST_F(ExplainCompound, aUniqueIdComesFirst) {
     EXPECT_EQ(all.parts[1].execution, Execution::verified);
 }
 
-TEST_F(ExplainCompound, anyIsSearchedFromEach) {
+TEST_F(ExplainCompoundTest, AnyIsSearchedFromEach) {
     const SearchStep any = explain(Query::Join::any, {short_, lindstrom_, ordinary_});
     EXPECT_EQ(any.hits, 200);
     ASSERT_EQ(any.parts.size(), 3U);
@@ -338,7 +338,7 @@ TEST_F(ExplainCompound, anyIsSearchedFromEach) {
     EXPECT_EQ(any.parts[2].indexRows, 200);
 }
 
-TEST_F(ExplainCompound, inACompound) {
+TEST_F(ExplainCompoundTest, InACompound) {
     const Query either{Query::Compound{Query::Join::any, {short_, lindstrom_}}};
     const SearchStep few = explain(Query::Join::all, {either, lindstrom_});
     ASSERT_EQ(few.parts.size(), 2U);
@@ -351,7 +351,7 @@ TEST_F(ExplainCompound, inACompound) {
 }
 
 // A few records are left: whether the next condition is searched depends on how many records it would find.
-TEST_F(ExplainCompound, afterAFewOnlyWhatIsFoundInNoTimeIsSearched) {
+TEST_F(ExplainCompoundTest, AfterAFewOnlyWhatIsFoundInNoTimeIsSearched) {
     std::vector<RecordChange> records;
     for (int i = 0; i < 45; ++i)
         records.push_back(inserted(newUid(Kind::person), {{"Last", std::string(i < 10 ? "Aalto" : "Aalund")},
@@ -381,7 +381,7 @@ TEST_F(ExplainCompound, afterAFewOnlyWhatIsFoundInNoTimeIsSearched) {
     EXPECT_EQ(others.execution, Execution::verified);
 }
 
-TEST_F(ExplainCompound, ofNothing) {
+TEST_F(ExplainCompoundTest, OfNothing) {
     EXPECT_EQ(explain(Query::Join::all, {}).everyone, 201);
     EXPECT_EQ(explain(Query::Join::all, {}).hits, 201);
     EXPECT_EQ(explain(Query::Join::any, {}).hits, 0);

@@ -5,8 +5,8 @@
 #include "frameworks/AddressBook/store/file/paths.h"
 #include "frameworks/AddressBook/store/file/repair.h"
 #include "tests/store/contents.h"
-#include "tests/store/fault_vfs.h"
 #include "tests/store/scratch.h"
+#include "tests/support/fault_vfs.h"
 
 #include <gmock/gmock.h>
 #include <sqlite3.h>
@@ -23,7 +23,7 @@ using testing::Eq;
 using testing::HasSubstr;
 using testing::IsEmpty;
 
-class FailingDisk : public Scratch, public testing::WithParamInterface<int> {
+class FailingDiskTest : public Scratch, public testing::WithParamInterface<int> {
   protected:
     fs::path file() const { return folder() / kFileName; }
 
@@ -73,10 +73,10 @@ class FailingDisk : public Scratch, public testing::WithParamInterface<int> {
         addPerson(store, {{"First", text("Ann")}});
     }
 
-    FaultVfs disk_;
+    support::FaultVfs disk_;
 };
 
-TEST_P(FailingDisk, atASave) {
+TEST_P(FailingDiskTest, AtASave) {
     Store store(folder());
     const std::string uid = addPerson(store, {{"First", text("before")}});
     const Values before = store.values(store.find(uid)->row);
@@ -98,7 +98,7 @@ TEST_P(FailingDisk, atASave) {
     EXPECT_THAT(store.check(), IsEmpty());
 }
 
-TEST_P(FailingDisk, atMakingABook) {
+TEST_P(FailingDiskTest, AtMakingABook) {
     fail([&] { Store{folder()}; },
          [&] { // either there is none, or it is whole
              expectNothingElse(folder());
@@ -112,7 +112,7 @@ TEST_P(FailingDisk, atMakingABook) {
 }
 
 // With saves that wait in the log, as a killed process leaves them.
-TEST_P(FailingDisk, atOpeningABook) {
+TEST_P(FailingDiskTest, AtOpeningABook) {
     Contents before;
     const fs::path kept = root() / "kept";
     {
@@ -130,7 +130,7 @@ TEST_P(FailingDisk, atOpeningABook) {
         [&] { EXPECT_EQ(contentsOf(Store(folder())), before); });
 }
 
-TEST_P(FailingDisk, atBringingAnOlderBookUpToDate) {
+TEST_P(FailingDiskTest, AtBringingAnOlderBookUpToDate) {
     makeBook();
     const Contents before = contentsOf(Store(folder()));
     sqlite3* database = nullptr;
@@ -145,7 +145,7 @@ TEST_P(FailingDisk, atBringingAnOlderBookUpToDate) {
          });
 }
 
-TEST_P(FailingDisk, atABackup) {
+TEST_P(FailingDiskTest, AtABackup) {
     const fs::path backup = root() / "backups" / "backup";
     fs::create_directory(backup.parent_path());
     makeBook();
@@ -161,7 +161,7 @@ TEST_P(FailingDisk, atABackup) {
     EXPECT_FALSE(bytesOf(backup) == older);
 }
 
-TEST_P(FailingDisk, atRestoring) {
+TEST_P(FailingDiskTest, AtRestoring) {
     const fs::path backup = root() / "backup";
     makeBook();
     backUp(folder(), backup, Existing::refuse);
@@ -177,7 +177,7 @@ TEST_P(FailingDisk, atRestoring) {
     EXPECT_EQ(contentsOf(Store(folder())), older);
 }
 
-TEST_P(FailingDisk, atARepair) {
+TEST_P(FailingDiskTest, AtARepair) {
     makeBook();
     std::string bytes = bytesOf(file());
     bytes[bytes.find("Ann")] = 'E';
@@ -193,7 +193,7 @@ TEST_P(FailingDisk, atARepair) {
     EXPECT_THAT(store.check(), IsEmpty());
 }
 
-INSTANTIATE_TEST_SUITE_P(Errors, FailingDisk, testing::Values(SQLITE_FULL, SQLITE_IOERR_WRITE),
+INSTANTIATE_TEST_SUITE_P(Errors, FailingDiskTest, testing::Values(SQLITE_FULL, SQLITE_IOERR_WRITE),
                          [](const auto& code) {
                              return std::string(code.param == SQLITE_FULL ? "Full" : "Broken");
                          });

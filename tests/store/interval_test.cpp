@@ -25,9 +25,9 @@ Date moment(int year, int month, int day, int hour = 12) {
     return Date{static_cast<double>(std::mktime(&parts)) - 978307200};
 }
 
-class Interval : public Scratch, public testing::WithParamInterface<const char*> {
+class IntervalTest : public Scratch, public testing::WithParamInterface<const char*> {
   protected:
-    Interval() {
+    IntervalTest() {
         setenv("TZ", GetParam(), 1);
         tzset();
     }
@@ -65,7 +65,7 @@ class Interval : public Scratch, public testing::WithParamInterface<const char*>
     std::mt19937 random_{7}; // NOLINT(cert-msc51-cpp): the same each time
 };
 
-TEST_P(Interval, findsWhatMatches) {
+TEST_P(IntervalTest, FindsWhatMatches) {
     Store store(folder());
     std::map<int, int> paths;
     std::size_t hits = 0;
@@ -114,7 +114,7 @@ TEST_P(Interval, findsWhatMatches) {
 }
 
 // The only date of a property, on a day that is in another year in UTC or here.
-TEST_P(Interval, findsTheTurnOfTheYear) {
+TEST_P(IntervalTest, FindsTheTurnOfTheYear) {
     Store store(folder());
     addPerson(store, {{"Birthday", moment(1980, 1, 1, 0)}, {"met", moment(1990, 12, 31, 23)}});
     for (const auto& [property, now] :
@@ -127,7 +127,7 @@ TEST_P(Interval, findsTheTurnOfTheYear) {
                 << property << " within " << number;
 }
 
-INSTANTIATE_TEST_SUITE_P(Zones, Interval,
+INSTANTIATE_TEST_SUITE_P(Zones, IntervalTest,
                          testing::Values("Europe/Berlin", "Pacific/Kiritimati", "Pacific/Pago_Pago"));
 
 } // namespace

@@ -8,7 +8,7 @@
 #include "tests/store/contents.h"
 #include "tests/store/long_run.h"
 #include "tests/store/scratch.h"
-#include "tests/store/system_calls.h"
+#include "tests/support/system_calls.h"
 
 #include <gmock/gmock.h>
 #include <signal.h>
@@ -29,9 +29,9 @@ using testing::AnyOf;
 using testing::Eq;
 using testing::IsEmpty;
 
-class KillPoints : public Scratch {
+class KillPointsTest : public Scratch {
   protected:
-    ~KillPoints() override { munmap(answered_, sizeof(bool)); }
+    ~KillPointsTest() override { munmap(answered_, sizeof(bool)); }
 
     fs::path file() const { return folder() / kFileName; }
     fs::path kept() const { return root() / "kept"; }
@@ -60,10 +60,10 @@ class KillPoints : public Scratch {
         const pid_t child = fork();
         if (child == 0) {
             try {
-                killAfterCalls(calls);
+                support::killAfterCalls(calls);
                 work();
-                const std::string made = callsMade();
-                killAfterCalls(-1);
+                const std::string made = support::callsMade();
+                support::killAfterCalls(-1);
                 _exit(::write(ends[1], made.data(), made.size()) > 0 ? 0 : 2);
             } catch (const std::exception& error) {
                 fprintf(stderr, "%s\n", error.what());
@@ -204,7 +204,7 @@ class KillPoints : public Scratch {
     const std::string group_ = uid(4, "ABGroup");
 };
 
-TEST_F(KillPoints, ofMakingABook) {
+TEST_F(KillPointsTest, OfMakingABook) {
     kill([&] { addPerson(*std::make_unique<Store>(folder()), {}); },
          [&] {
              Store store(folder());
@@ -214,25 +214,25 @@ TEST_F(KillPoints, ofMakingABook) {
          });
 }
 
-TEST_F(KillPoints, ofASave) {
+TEST_F(KillPointsTest, OfASave) {
     killAtSaving(6'000);
 }
 
 // One that is so large that the log is taken over in the middle of it.
-TEST_F(KillPoints, ofALargeSave) {
+TEST_F(KillPointsTest, OfALargeSave) {
     killAtSaving(1'000'000);
 }
 
-TEST_F(KillPoints, ofBringingAnOlderBookUpToDate) {
+TEST_F(KillPointsTest, OfBringingAnOlderBookUpToDate) {
     killAtMigrating("PRAGMA journal_mode = WAL");
 }
 
 // As it is after a backup was copied into the book's place by hand.
-TEST_F(KillPoints, ofBringingAnOlderBackupUpToDate) {
+TEST_F(KillPointsTest, OfBringingAnOlderBackupUpToDate) {
     killAtMigrating("PRAGMA journal_mode = DELETE");
 }
 
-TEST_F(KillPoints, ofABackup) {
+TEST_F(KillPointsTest, OfABackup) {
     makeBook();
     fs::create_directory(backup().parent_path());
     backUp(folder(), backup(), Existing::refuse);
@@ -246,7 +246,7 @@ TEST_F(KillPoints, ofABackup) {
          });
 }
 
-TEST_F(KillPoints, ofRestoring) {
+TEST_F(KillPointsTest, OfRestoring) {
     makeBook();
     fs::create_directory(backup().parent_path());
     backUp(folder(), backup(), Existing::refuse);
@@ -276,7 +276,7 @@ TEST_F(KillPoints, ofRestoring) {
          });
 }
 
-TEST_F(KillPoints, ofARepair) {
+TEST_F(KillPointsTest, OfARepair) {
     makeBook();
     std::string bytes = bytesOf(file());
     bytes[bytes.find("Ann")] = 'E';
@@ -294,12 +294,12 @@ TEST_F(KillPoints, ofARepair) {
          });
 }
 
-using Durable = KillPoints;
+using DurableTest = KillPointsTest;
 
-TEST_F(Durable, whatIsSavedIsOnTheDiskWhenTheSaveAnswers) {
+TEST_F(DurableTest, WhatIsSavedIsOnTheDiskWhenTheSaveAnswers) {
     const auto expectSynced = [&](const char* when) {
         for (const char* suffix : {"", "-wal"})
-            EXPECT_FALSE(isUnsynced(file().string() + suffix)) << when << suffix;
+            EXPECT_FALSE(support::isUnsynced(file().string() + suffix)) << when << suffix;
     };
     makeBook();
     expectSynced("made");
@@ -311,7 +311,7 @@ TEST_F(Durable, whatIsSavedIsOnTheDiskWhenTheSaveAnswers) {
     expectSynced("log taken over");
     fs::create_directory(backup().parent_path());
     backUp(folder(), backup(), Existing::refuse);
-    EXPECT_FALSE(isUnsynced(backup()));
+    EXPECT_FALSE(support::isUnsynced(backup()));
     restore(folder(), backup());
     expectSynced("restored");
 }

@@ -53,9 +53,9 @@ std::int64_t counted(const Store& store) {
     }
 }
 
-using Kill = Scratch;
+using KillTest = Scratch;
 
-TEST_F(Kill, losesNoAcknowledgedSaveAndLeavesNoneInPart) {
+TEST_F(KillTest, LosesNoAcknowledgedSaveAndLeavesNoneInPart) {
     {
         Store store(folder());
         saveRecords(store, {inserted(kCounter, {{"Note", text("0")}}), inserted(kGroup, {}, Kind::group)});

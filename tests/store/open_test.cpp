@@ -20,7 +20,7 @@ namespace {
 namespace fs = std::filesystem;
 using Reason = StoreError::Reason;
 
-class Open : public Scratch {
+class OpenTest : public Scratch {
   protected:
     fs::path file() const { return folder() / kFileName; }
 
@@ -57,7 +57,7 @@ class Open : public Scratch {
     }
 };
 
-TEST_F(Open, theEnvironmentSaysWhere) {
+TEST_F(OpenTest, TheEnvironmentSaysWhere) {
     setenv("HOME", "/h", 1);
     unsetenv("XDG_DATA_HOME");
     EXPECT_EQ(Store::defaultFolder(), "/h/.local/share/AddressBook");
@@ -69,7 +69,7 @@ TEST_F(Open, theEnvironmentSaysWhere) {
     EXPECT_EQ(Store::defaultFolder(), "/x/AddressBook");
 }
 
-TEST_F(Open, makesFolderAndFilesForTheirOwnerOnly) {
+TEST_F(OpenTest, MakesFolderAndFilesForTheirOwnerOnly) {
     const mode_t old = umask(0);
     {
         Store store(folder());
@@ -82,7 +82,7 @@ TEST_F(Open, makesFolderAndFilesForTheirOwnerOnly) {
     EXPECT_EQ(std::distance(fs::directory_iterator(folder()), {}), 1) << "something is left beside the file";
 }
 
-TEST_F(Open, removesWhatAKilledProcessLeftLongAgo) {
+TEST_F(OpenTest, RemovesWhatAKilledProcessLeftLongAgo) {
     const fs::path old = folder() / (std::string(".") + kFileName + "-AbCdEf");
     const fs::path recent = folder() / (std::string(".") + kFileName + "-GhIjKl");
     const fs::path other = folder() / "other";
@@ -98,13 +98,13 @@ TEST_F(Open, removesWhatAKilledProcessLeftLongAgo) {
     EXPECT_TRUE(fs::exists(other / kFileName));
 }
 
-TEST_F(Open, makesTheDefaultFolderWithItsParents) {
+TEST_F(OpenTest, MakesTheDefaultFolderWithItsParents) {
     setenv("XDG_DATA_HOME", (root() / "a/b").c_str(), 1);
     Store store(Store::defaultFolder());
     EXPECT_TRUE(fs::exists(root() / "a/b/AddressBook" / kFileName));
 }
 
-TEST_F(Open, aMissingHomeIsAnErrorAndNoNewBook) {
+TEST_F(OpenTest, AMissingHomeIsAnErrorAndNoNewBook) {
     setenv("ADDRESSBOOK_HOME", folder().c_str(), 1);
     expectFailure(Reason::missingFolder);
     EXPECT_FALSE(fs::exists(folder()));
@@ -116,12 +116,12 @@ TEST_F(Open, aMissingHomeIsAnErrorAndNoNewBook) {
     EXPECT_FALSE(fs::exists(file()));
 }
 
-TEST_F(Open, aFileInPlaceOfTheFolder) {
+TEST_F(OpenTest, AFileInPlaceOfTheFolder) {
     std::ofstream(folder()) << "x";
     expectFailure(Reason::missingFolder);
 }
 
-TEST_F(Open, whatIsNoDatabase) {
+TEST_F(OpenTest, WhatIsNoDatabase) {
     write("This is a letter, not an address book. " + std::string(5000, '.'));
     expectFailure(Reason::notADatabase);
     write("short");
@@ -133,20 +133,20 @@ TEST_F(Open, whatIsNoDatabase) {
     expectFailure(Reason::notADatabase);
 }
 
-TEST_F(Open, theDatabaseOfAnotherProgram) {
+TEST_F(OpenTest, TheDatabaseOfAnotherProgram) {
     fs::create_directory(folder());
     run("CREATE TABLE other(x)");
     expectFailure(Reason::notADatabase);
 }
 
-TEST_F(Open, aNewerVersion) {
+TEST_F(OpenTest, ANewerVersion) {
     { const Store store(folder()); }
     run("PRAGMA user_version = 99");
     expectFailure(Reason::newerSchema);
     expectFailure(Reason::newerSchema, Store::Access::readOnly);
 }
 
-TEST_F(Open, aDamagedSchema) {
+TEST_F(OpenTest, ADamagedSchema) {
     { const Store store(folder()); }
     std::fstream out(file(), std::ios::binary | std::ios::in | std::ios::out);
     out.seekp(100);
@@ -155,7 +155,7 @@ TEST_F(Open, aDamagedSchema) {
     expectFailure(Reason::damaged);
 }
 
-TEST_F(Open, aFileLockedByAnotherProgram) {
+TEST_F(OpenTest, AFileLockedByAnotherProgram) {
     { const Store store(folder()); }
     sqlite3* database = nullptr;
     ASSERT_EQ(sqlite3_open(file().c_str(), &database), SQLITE_OK);
@@ -170,7 +170,7 @@ TEST_F(Open, aFileLockedByAnotherProgram) {
     EXPECT_NO_THROW(Store{folder()});
 }
 
-TEST_F(Open, aReadOnlyStoreReadsAndDoesNotWrite) {
+TEST_F(OpenTest, AReadOnlyStoreReadsAndDoesNotWrite) {
     std::string uid;
     {
         Store store(folder());
@@ -218,7 +218,7 @@ bool opensForReadingOnly(const fs::path& folder) {
     }
 }
 
-TEST_F(Open, aFileOrFolderThatMayNotBeWrittenIsRead) {
+TEST_F(OpenTest, AFileOrFolderThatMayNotBeWrittenIsRead) {
     {
         Store store(folder());
         addPerson(store, {});
@@ -233,7 +233,7 @@ TEST_F(Open, aFileOrFolderThatMayNotBeWrittenIsRead) {
     fs::permissions(folder(), fs::perms(0700));
 }
 
-TEST_F(Open, whatMayNotBeReadOrMadeSaysSo) {
+TEST_F(OpenTest, WhatMayNotBeReadOrMadeSaysSo) {
     { const Store store(folder()); }
     fs::permissions(root(), fs::perms(0755));
     const auto reason = [](const fs::path& place) {
@@ -254,9 +254,9 @@ TEST_F(Open, whatMayNotBeReadOrMadeSaysSo) {
         expectWithoutRights([&] { return reason(root() / "new") == Reason::readOnly; });
 }
 
-class Migrations : public Open {};
+class MigrationsTest : public OpenTest {};
 
-TEST_F(Migrations, runFromAnyOlderVersionInOneTransaction) {
+TEST_F(MigrationsTest, RunFromAnyOlderVersionInOneTransaction) {
     int runs = 0;
     const Migration steps[] = {
         [&](sql::Connection& db) { db.execute("CREATE TABLE a(x)"), ++runs; },
@@ -279,7 +279,7 @@ TEST_F(Migrations, runFromAnyOlderVersionInOneTransaction) {
     EXPECT_THROW(migrate(connection, std::span(steps).first(2)), StoreError);
 }
 
-TEST_F(Migrations, keepTheChangeLog) {
+TEST_F(MigrationsTest, KeepTheChangeLog) {
     fs::create_directory(folder());
     {
         sql::Connection connection(file(), file(), SQLITE_OPEN_READWRITE | SQLITE_OPEN_CREATE,
@@ -295,7 +295,7 @@ TEST_F(Migrations, keepTheChangeLog) {
     EXPECT_TRUE(log[1].own);
 }
 
-TEST_F(Migrations, thatFailLeaveTheOlderVersion) {
+TEST_F(MigrationsTest, ThatFailLeaveTheOlderVersion) {
     const Migration steps[] = {
         [](sql::Connection& db) { db.execute("CREATE TABLE a(x)"); },
         [](sql::Connection& db) { db.execute("CREATE TABLE b(x)"); },

@@ -107,9 +107,9 @@ std::set<std::string> readUids(std::istream& in) {
     return uids;
 }
 
-using Processes = Scratch;
+using ProcessesTest = Scratch;
 
-TEST_F(Processes, eightAtOnceLoseNothing) {
+TEST_F(ProcessesTest, EightAtOnceLoseNothing) {
     std::string shared;
     {
         Store store(folder());

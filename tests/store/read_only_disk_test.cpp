@@ -5,7 +5,7 @@
 #include "frameworks/AddressBook/store/file/paths.h"
 #include "tests/store/builders.h"
 #include "tests/store/scratch.h"
-#include "tests/store/system_calls.h"
+#include "tests/support/system_calls.h"
 
 #include <gmock/gmock.h>
 #include <sqlite3.h>
@@ -29,7 +29,7 @@ using testing::IsEmpty;
 
 const Query kAnn = query("First", Comparison::containsSubString, text("Ann")); // NOLINT(cert-err58-cpp)
 
-class OnReadOnlyDisk : public Scratch {
+class ReadOnlyDiskTest : public Scratch {
   protected:
     fs::path file() const { return folder() / kFileName; }
     fs::path beside(const char* suffix) const { return file().string() + suffix; }
@@ -92,41 +92,41 @@ class OnReadOnlyDisk : public Scratch {
     }
 };
 
-TEST_F(OnReadOnlyDisk, isRead) {
+TEST_F(ReadOnlyDiskTest, IsRead) {
     {
         Store store(folder());
         addPerson(store, {{"First", text("Ann")}});
     }
-    const ReadOnlyDisk disk(root());
+    const support::ReadOnlyDisk disk(root());
     expectReadOnly(1, true);
 }
 
-TEST_F(OnReadOnlyDisk, withALogOfAKilledProcessIsReadWithIt) {
+TEST_F(ReadOnlyDiskTest, WithALogOfAKilledProcessIsReadWithIt) {
     {
         Store store(folder());
         addPerson(store, {{"First", text("Ann")}});
     }
     killAfterSaving("Ann");
     {
-        const ReadOnlyDisk disk(root());
+        const support::ReadOnlyDisk disk(root());
         expectReadOnly(2, false);
     }
     fs::remove(beside("-shm")); // as where only what belongs to the book was copied
     {
-        const ReadOnlyDisk disk(root());
+        const support::ReadOnlyDisk disk(root());
         expectReadOnly(2, true);
     }
     EXPECT_EQ(Store(folder()).count(Kind::person), 2);
 }
 
-TEST_F(OnReadOnlyDisk, withALogOfAnotherBookIsRefused) {
+TEST_F(ReadOnlyDiskTest, WithALogOfAnotherBookIsRefused) {
     { const Store store(folder()); }
     {
         Store other(root() / "other");
         addPerson(other, {});
         fs::copy_file(other.file().string() + "-wal", beside("-wal"));
     }
-    const ReadOnlyDisk disk(root());
+    const support::ReadOnlyDisk disk(root());
     try {
         const Store store(folder());
         ADD_FAILURE() << "opened";
@@ -136,7 +136,7 @@ TEST_F(OnReadOnlyDisk, withALogOfAnotherBookIsRefused) {
     }
 }
 
-TEST_F(OnReadOnlyDisk, leftInTheMiddleOfASaveIsRefusedThereAndUndoneElsewhere) {
+TEST_F(ReadOnlyDiskTest, LeftInTheMiddleOfASaveIsRefusedThereAndUndoneElsewhere) {
     {
         Store store(folder());
         addPerson(store, {{"First", text("Ann")}});
@@ -155,7 +155,7 @@ TEST_F(OnReadOnlyDisk, leftInTheMiddleOfASaveIsRefusedThereAndUndoneElsewhere) {
     waitpid(child, nullptr, 0);
     ASSERT_GT(fs::file_size(beside("-journal")), 0U);
     {
-        const ReadOnlyDisk disk(root());
+        const support::ReadOnlyDisk disk(root());
         expectRefused("in the middle of a save");
     }
     const Store store(folder(), Store::Access::readOnly);
@@ -163,22 +163,22 @@ TEST_F(OnReadOnlyDisk, leftInTheMiddleOfASaveIsRefusedThereAndUndoneElsewhere) {
     EXPECT_THAT(store.check(), IsEmpty());
 }
 
-TEST_F(OnReadOnlyDisk, noneIsMade) {
-    const ReadOnlyDisk disk(root());
+TEST_F(ReadOnlyDiskTest, NoneIsMade) {
+    const support::ReadOnlyDisk disk(root());
     expectRefused("Read-only file system");
     disk.writable([&] { fs::create_directory(folder()); });
     expectRefused("Read-only file system");
     EXPECT_THAT(files(), IsEmpty());
 }
 
-TEST_F(OnReadOnlyDisk, isBackedUpButNotRestored) {
+TEST_F(ReadOnlyDiskTest, IsBackedUpButNotRestored) {
     {
         Store store(folder());
         addPerson(store, {{"First", text("Ann")}});
     }
     const fs::path copies = root() / "copies";
     fs::create_directory(copies);
-    const ReadOnlyDisk disk(folder());
+    const support::ReadOnlyDisk disk(folder());
     EXPECT_EQ(backUp(folder(), copies / "backup", Existing::refuse).people, 1);
     try {
         restore(folder(), copies / "backup");
@@ -189,14 +189,14 @@ TEST_F(OnReadOnlyDisk, isBackedUpButNotRestored) {
     }
 }
 
-TEST_F(OnReadOnlyDisk, showsWhatOthersSave) {
+TEST_F(ReadOnlyDiskTest, ShowsWhatOthersSave) {
     std::string first;
     {
         Store store(folder());
         first = addPerson(store, {{"First", text("Ann")}});
     }
     age();
-    const ReadOnlyDisk disk(root());
+    const support::ReadOnlyDisk disk(root());
     const Store reader(folder());
     ASSERT_TRUE(reader.readsWithoutLocks());
     EXPECT_EQ(reader.lastChange(), 1);
@@ -240,12 +240,12 @@ TEST_F(OnReadOnlyDisk, showsWhatOthersSave) {
 }
 
 // The time of a file tells nothing of two changes in one tick of its clock.
-TEST_F(OnReadOnlyDisk, showsASaveThatTheTimesDoNotTell) {
+TEST_F(ReadOnlyDiskTest, ShowsASaveThatTheTimesDoNotTell) {
     {
         Store store(folder());
         addPerson(store, {{"First", text("Ann")}});
     }
-    const ReadOnlyDisk disk(root());
+    const support::ReadOnlyDisk disk(root());
     const Store reader(folder());
     ASSERT_TRUE(reader.readsWithoutLocks());
     EXPECT_EQ(reader.lastChange(), 1);

@@ -9,7 +9,7 @@
 namespace addressbook::test {
 namespace {
 
-class Read : public Scratch {
+class ReadTest : public Scratch {
   protected:
     // Runs SQL on the file.
     static void sql(const std::filesystem::path& file, const char* statement) {
@@ -23,7 +23,7 @@ class Read : public Scratch {
     Store store{folder()};
 };
 
-TEST_F(Read, aRecordAndThoseBehindIt) {
+TEST_F(ReadTest, ARecordAndThoseBehindIt) {
     std::vector<std::string> uids;
     for (const char* name : {"Ann", "Bob", "Cid", "Dan"})
         uids.push_back(addPerson(store, {{"First", text(name)}, {"Note", text("n")}}));
@@ -46,7 +46,7 @@ TEST_F(Read, aRecordAndThoseBehindIt) {
     EXPECT_EQ(store.value(RecordRow(), "First"), Value());
 }
 
-TEST_F(Read, aDamagedRecordLeavesItsNeighboursReadable) {
+TEST_F(ReadTest, ADamagedRecordLeavesItsNeighboursReadable) {
     const std::string sound = addPerson(store, {{"First", text("Ann")}});
     const std::string hurt = addPerson(store, {{"First", text("Bob")}});
     sql(store.file(), "UPDATE record SET card = substr(card, 1, length(card) - 1) || x'7a' WHERE id = 2");
@@ -62,7 +62,7 @@ TEST_F(Read, aDamagedRecordLeavesItsNeighboursReadable) {
         }
 }
 
-TEST_F(Read, oneMomentForAsLongAsItLasts) {
+TEST_F(ReadTest, OneMomentForAsLongAsItLasts) {
     const std::string uid = addPerson(store, {{"First", text("Ann")}});
     Store other(folder());
     {

@@ -16,7 +16,7 @@ const Value kManyTypes = MultiValue{
       DateComponents{.year = 1604, .month = 2, .day = 29, .hour = {}, .minute = {}, .second = {}}}},
     "short"};
 
-TEST(Card, valuesReturnUnchanged) {
+TEST(CardTest, ValuesReturnUnchanged) {
     EXPECT_EQ(decodeValue(encodeValue(kManyTypes)), kManyTypes);
 }
 
@@ -30,7 +30,7 @@ Value decodedList(std::string_view bytes) {
     return values;
 }
 
-TEST(Card, listsAndTextsAreReadInPlace) {
+TEST(CardTest, ListsAndTextsAreReadInPlace) {
     EXPECT_TRUE(holdsList(encodeValue(kManyTypes)));
     EXPECT_EQ(decodedList(encodeValue(kManyTypes)), kManyTypes);
     EXPECT_EQ(decodedList(encodeValue(MultiValue{})), Value(MultiValue{}));
@@ -43,7 +43,7 @@ TEST(Card, listsAndTextsAreReadInPlace) {
     EXPECT_THROW(textIn(encodeValue(std::string("text")) + "x"), DamagedRecord);
 }
 
-TEST(Card, propertiesAreFoundByWellKnownAndByOtherNames) {
+TEST(CardTest, PropertiesAreFoundByWellKnownAndByOtherNames) {
     const std::string card = encodeRecord({{"First", "1"}, {"own", "2"}, {"Last", "3"}});
     EXPECT_EQ(findProperty(card, "First"), "1");
     EXPECT_EQ(findProperty(card, "Last"), "3");
@@ -52,7 +52,7 @@ TEST(Card, propertiesAreFoundByWellKnownAndByOtherNames) {
     EXPECT_EQ(findProperty(card, "other"), std::nullopt);
 }
 
-TEST(Card, everyCutEndIsNoticed) {
+TEST(CardTest, EveryCutEndIsNoticed) {
     const std::string bytes = encodeValue(kManyTypes);
     for (std::size_t length = 0; length < bytes.size(); ++length) {
         EXPECT_THROW(decodeValue(std::string_view(bytes).substr(0, length)), DamagedRecord) << length;
@@ -61,7 +61,7 @@ TEST(Card, everyCutEndIsNoticed) {
     EXPECT_THROW(decodeValue(bytes + "x"), DamagedRecord);
 }
 
-TEST(Card, everyFlippedBitIsNoticed) {
+TEST(CardTest, EveryFlippedBitIsNoticed) {
     const std::string card =
         encodeRecord({{"First", encodeValue(std::string("Ada"))}, {"Phone", encodeValue(kManyTypes)}});
     for (std::size_t bit = 0; bit < card.size() * 8; ++bit) {
@@ -72,7 +72,7 @@ TEST(Card, everyFlippedBitIsNoticed) {
 }
 
 // A list in place is handed out in parts, so its damage has to be seen at once.
-TEST(Card, aListInPlaceIsDamagedWhenTheDecodedOneIs) {
+TEST(CardTest, AListInPlaceIsDamagedWhenTheDecodedOneIs) {
     const std::string bytes = encodeValue(kManyTypes);
     int damaged = 0;
     for (std::size_t bit = 8; bit < bytes.size() * 8; ++bit) {
@@ -91,7 +91,7 @@ TEST(Card, aListInPlaceIsDamagedWhenTheDecodedOneIs) {
     EXPECT_GT(damaged, 100);
 }
 
-TEST(Card, randomBytesAreNoValueOrSomeValueButNeverACrash) {
+TEST(CardTest, RandomBytesAreNoValueOrSomeValueButNeverACrash) {
     unsigned state = 1;
     for (int round = 0; round < 20000; ++round) {
         std::string bytes;
@@ -107,7 +107,7 @@ TEST(Card, randomBytesAreNoValueOrSomeValueButNeverACrash) {
     }
 }
 
-TEST(Card, tooDeepANestIsRefused) {
+TEST(CardTest, TooDeepANestIsRefused) {
     Value value;
     for (int depth = 0; depth < kMaxValueDepth; ++depth)
         value = Array{value};
@@ -115,7 +115,7 @@ TEST(Card, tooDeepANestIsRefused) {
     EXPECT_THROW(encodeValue(Array{value}), std::length_error);
 }
 
-TEST(Card, uniqueIdsArePackedOnlyWhenTheyReturnUnchanged) {
+TEST(CardTest, UniqueIdsArePackedOnlyWhenTheyReturnUnchanged) {
     for (const char* text :
          {"0F0E0D0C-0B0A-4908-8706-050403020100", "0F0E0D0C-0B0A-4908-8706-050403020100:ABPerson",
           "0F0E0D0C-0B0A-4908-8706-050403020100:ABGroup"}) {
@@ -132,7 +132,7 @@ TEST(Card, uniqueIdsArePackedOnlyWhenTheyReturnUnchanged) {
 }
 
 // The numbers are in every database: this fails when a word is moved instead of added at the end.
-TEST(Card, theNumbersOfWordsStay) {
+TEST(CardTest, TheNumbersOfWordsStay) {
     EXPECT_EQ(wordCode("First"), 1);
     EXPECT_EQ(wordCode("GroupName"), 32);
     EXPECT_EQ(wordCode("Street"), 35);
@@ -144,7 +144,7 @@ TEST(Card, theNumbersOfWordsStay) {
         EXPECT_EQ(wordCode(wordOf(code)), static_cast<int>(code));
 }
 
-TEST(Properties, haveTheTypesOfTheFramework) {
+TEST(PropertiesTest, HaveTheTypesOfTheFramework) {
     EXPECT_EQ(builtInProperties().size(), 36U);
     EXPECT_EQ(builtInType(Kind::person, "UID"), 1);
     EXPECT_EQ(builtInType(Kind::group, "Modification"), 4);
@@ -161,7 +161,7 @@ TEST(Properties, haveTheTypesOfTheFramework) {
         EXPECT_FALSE(isInternal(row.name)) << row.name;
 }
 
-TEST(Values, knowTheirType) {
+TEST(ValuesTest, KnowTheirType) {
     EXPECT_EQ(typeOf(Value()), 0);
     EXPECT_EQ(typeOf(Value(std::string("x"))), 1);
     EXPECT_EQ(typeOf(Value(DateComponents{})), 8);

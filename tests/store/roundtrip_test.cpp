@@ -10,9 +10,9 @@
 namespace addressbook::test {
 namespace {
 
-using RoundTrip = Scratch;
+using RoundTripTest = Scratch;
 
-TEST_F(RoundTrip, everyTypeOfValueReturnsUnchanged) {
+TEST_F(RoundTripTest, EveryTypeOfValueReturnsUnchanged) {
     const std::string uid = newUid(Kind::person);
     const MultiValue phones{{{newUuid(), "_$!<Home>!$_", std::string("1")}, {"no uuid", "", Value()}},
                             "no uuid"};

@@ -13,7 +13,7 @@ using testing::ElementsAre;
 using testing::IsEmpty;
 using testing::UnorderedElementsAre;
 
-class Save : public Scratch {
+class SaveTest : public Scratch {
   protected:
     Value valueOf(const Store& from, const std::string& uid, std::string_view property) const {
         const auto record = from.find(uid);
@@ -37,13 +37,13 @@ class Save : public Scratch {
     Store store{folder()};
 };
 
-TEST_F(Save, anEmptyOneWritesNothing) {
+TEST_F(SaveTest, AnEmptyOneWritesNothing) {
     const SaveResult result = store.save(ChangeSet());
     EXPECT_EQ(result.change, 0);
     EXPECT_EQ(store.lastChange(), 0);
 }
 
-TEST_F(Save, writesOnlyTheChangedPropertiesAndTheDate) {
+TEST_F(SaveTest, WritesOnlyTheChangedPropertiesAndTheDate) {
     const std::string uid =
         addPerson(store, {{"First", text("Ada")}, {"Note", text("n")}, {"Creation", Date{-5}}});
     const SaveResult result =
@@ -67,7 +67,7 @@ TEST_F(Save, writesOnlyTheChangedPropertiesAndTheDate) {
     EXPECT_THAT(store.check(), IsEmpty());
 }
 
-TEST_F(Save, twoStoresThatChangeDifferentPropertiesBothWin) {
+TEST_F(SaveTest, TwoStoresThatChangeDifferentPropertiesBothWin) {
     const std::string uid = addPerson(store, {{"First", text("a")}, {"Last", text("b")}});
     Store other(folder());
     EXPECT_EQ(valueOf(other, uid, "Last"), text("b"));
@@ -79,7 +79,7 @@ TEST_F(Save, twoStoresThatChangeDifferentPropertiesBothWin) {
     EXPECT_EQ(valueOf(other, uid, "Last"), text("again")); // on the same property the last one wins
 }
 
-TEST_F(Save, aRecordDeletedElsewhereIsReportedAndTheRestKept) {
+TEST_F(SaveTest, ARecordDeletedElsewhereIsReportedAndTheRestKept) {
     const std::string gone = addPerson(store, {});
     const std::string kept = addPerson(store, {});
     Store other(folder());
@@ -103,7 +103,7 @@ TEST_F(Save, aRecordDeletedElsewhereIsReportedAndTheRestKept) {
     EXPECT_EQ(nothing.change, 0);
 }
 
-TEST_F(Save, aRemovedRecordLeavesNothingBehind) {
+TEST_F(SaveTest, ARemovedRecordLeavesNothingBehind) {
     const std::string person =
         addPerson(store, {{"First", text("Ada")}, {".Image", Bytes{1}}, {"Phone", MultiValue{}}});
     const std::string group = newUid(Kind::group);
@@ -132,7 +132,7 @@ TEST_F(Save, aRemovedRecordLeavesNothingBehind) {
     EXPECT_GT(store.rows(Kind::person).back(), row) << "a row's number was used again";
 }
 
-TEST_F(Save, membershipsKeepTheOrderOfJoining) {
+TEST_F(SaveTest, MembershipsKeepTheOrderOfJoining) {
     std::vector<std::string> people;
     for (int i = 0; i < 4; ++i)
         people.push_back(addPerson(store, {}));
@@ -162,7 +162,7 @@ TEST_F(Save, membershipsKeepTheOrderOfJoining) {
     EXPECT_EQ(store.save(same).change, 0);
 }
 
-TEST_F(Save, aMembershipThatWouldMakeACircleIsReportedAndTheRestKept) {
+TEST_F(SaveTest, AMembershipThatWouldMakeACircleIsReportedAndTheRestKept) {
     const std::string person = addPerson(store, {});
     const std::string outer = newUid(Kind::group);
     const std::string middle = newUid(Kind::group);
@@ -190,7 +190,7 @@ TEST_F(Save, aMembershipThatWouldMakeACircleIsReportedAndTheRestKept) {
     EXPECT_EQ(store.save(changes).change, 0); // nothing was written, and nobody is told of a change
 }
 
-TEST_F(Save, groupsChangePlacesInWhateverOrderTheyAreTold) {
+TEST_F(SaveTest, GroupsChangePlacesInWhateverOrderTheyAreTold) {
     const std::string outer = newUid(Kind::group);
     const std::string inner = newUid(Kind::group);
     ChangeSet changes = changesAt(2);
@@ -204,7 +204,7 @@ TEST_F(Save, groupsChangePlacesInWhateverOrderTheyAreTold) {
     EXPECT_TRUE(store.subgroups(store.find(outer)->row).empty());
 }
 
-TEST_F(Save, whatIsRefusedChangesNothing) {
+TEST_F(SaveTest, WhatIsRefusedChangesNothing) {
     const std::string uid = addPerson(store, {});
     ChangeSet changes = changesAt(2);
     changes.records = {inserted(newUid(Kind::person), {{"First", text("x")}, {"new name", text("y")}}),
@@ -229,7 +229,7 @@ TEST_F(Save, whatIsRefusedChangesNothing) {
     EXPECT_THAT(found(store, query("new name", Comparison::equal, text("y"))), ElementsAre(later));
 }
 
-TEST_F(Save, customPropertiesComeAndGoWithTheirValues) {
+TEST_F(SaveTest, CustomPropertiesComeAndGoWithTheirValues) {
     const PropertyDefinition own{Kind::person, "own", 1};
     const PropertyDefinition list{Kind::person, "list", 257};
     const PropertyDefinition ofGroups{Kind::group, "own", 2};
@@ -251,7 +251,7 @@ TEST_F(Save, customPropertiesComeAndGoWithTheirValues) {
     EXPECT_THAT(store.check(), IsEmpty());
 }
 
-TEST_F(Save, theChangeLogTellsWhatEachSaveDid) {
+TEST_F(SaveTest, TheChangeLogTellsWhatEachSaveDid) {
     Store other(folder());
     EXPECT_EQ(other.lastChange(), 0);
     const std::string first = addPerson(store, {});
@@ -272,7 +272,7 @@ TEST_F(Save, theChangeLogTellsWhatEachSaveDid) {
     EXPECT_TRUE(other.changesSince(result.change).empty());
 }
 
-TEST_F(Save, aLogThatNoLongerReachesBackSaysThatAnythingMayHaveChanged) {
+TEST_F(SaveTest, ALogThatNoLongerReachesBackSaysThatAnythingMayHaveChanged) {
     const std::string uid = addPerson(store, {});
     sqlite3* database = nullptr;
     ASSERT_EQ(sqlite3_open(store.file().c_str(), &database), SQLITE_OK);
@@ -287,7 +287,7 @@ TEST_F(Save, aLogThatNoLongerReachesBackSaysThatAnythingMayHaveChanged) {
     EXPECT_THAT(log[1].updated, ElementsAre(uid));
 }
 
-TEST_F(Save, theLogOfLargeSavesStaysSmall) {
+TEST_F(SaveTest, TheLogOfLargeSavesStaysSmall) {
     constexpr std::size_t kLength = 20'000;
     std::size_t size = 0;
     for (int save = 0; save < 10; ++save) {
@@ -306,7 +306,7 @@ TEST_F(Save, theLogOfLargeSavesStaysSmall) {
     EXPECT_TRUE(log.back().own);
 }
 
-TEST_F(Save, isRefusedWhenTheFileIsNoLongerThere) {
+TEST_F(SaveTest, IsRefusedWhenTheFileIsNoLongerThere) {
     const std::string uid = addPerson(store, {});
     const auto aside = folder() / "aside";
     std::filesystem::rename(store.file(), aside);
@@ -323,7 +323,7 @@ TEST_F(Save, isRefusedWhenTheFileIsNoLongerThere) {
     EXPECT_EQ(valueOf(store, uid, "First"), text("x"));
 }
 
-TEST_F(Save, meIsSetAndCleared) {
+TEST_F(SaveTest, MeIsSetAndCleared) {
     const std::string uid = addPerson(store, {});
     ChangeSet changes;
     changes.me = uid;
@@ -335,7 +335,7 @@ TEST_F(Save, meIsSetAndCleared) {
     EXPECT_EQ(store.save(changes).change, 0);
 }
 
-TEST_F(Save, waitsForAnotherWriterOnlySoLong) {
+TEST_F(SaveTest, WaitsForAnotherWriterOnlySoLong) {
     sqlite3* database = nullptr;
     ASSERT_EQ(sqlite3_open(store.file().c_str(), &database), SQLITE_OK);
     Store hasty(folder(), Store::Access::readWrite, std::chrono::milliseconds(20));

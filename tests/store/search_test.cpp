@@ -276,7 +276,7 @@ std::string described(const Query& query) {
            (text != nullptr ? shown(*text) : "type " + std::to_string(condition.value.index()));
 }
 
-class Search : public Scratch, public testing::WithParamInterface<unsigned> {};
+class SearchTest : public Scratch, public testing::WithParamInterface<unsigned> {};
 
 // The book as it should be, beside the one on disk.
 class Model {
@@ -350,7 +350,7 @@ class Model {
     std::map<RowId, MemoryRecord> records_;
 };
 
-TEST_P(Search, findsWhatMatches) {
+TEST_P(SearchTest, FindsWhatMatches) {
     Generator generator(GetParam());
     Store store(folder());
     Model model(store);
@@ -381,11 +381,11 @@ TEST_P(Search, findsWhatMatches) {
         EXPECT_GT(withHits[i], 3) << "comparison " << i << " was hardly tried";
 }
 
-INSTANTIATE_TEST_SUITE_P(Seeds, Search, testing::Values(1U, 2U, 3U));
+INSTANTIATE_TEST_SUITE_P(Seeds, SearchTest, testing::Values(1U, 2U, 3U));
 
-using SearchOrder = Scratch;
+using SearchOrderTest = Scratch;
 
-TEST_F(SearchOrder, isTheOrderOfAdding) {
+TEST_F(SearchOrderTest, IsTheOrderOfAdding) {
     Store store(folder());
     std::vector<std::string> uids;
     std::vector<RecordChange> records;
@@ -403,7 +403,7 @@ TEST_F(SearchOrder, isTheOrderOfAdding) {
               (std::vector{uids[1], uids[2], uids[3]}));
 }
 
-TEST_F(SearchOrder, seesTheSavesOfOtherStores) {
+TEST_F(SearchOrderTest, SeesTheSavesOfOtherStores) {
     Store first(folder());
     Store second(folder());
     EXPECT_TRUE(found(first, query("own", Comparison::equal, text("1"))).empty());

@@ -21,7 +21,7 @@ namespace fs = std::filesystem;
 using Reason = StoreError::Reason;
 using testing::HasSubstr;
 
-class Leftovers : public Scratch {
+class SidecarsTest : public Scratch {
   protected:
     fs::path beside(const char* suffix) const { return (folder() / kFileName).string() + suffix; }
 
@@ -73,7 +73,7 @@ class Leftovers : public Scratch {
     }
 };
 
-TEST_F(Leftovers, aLogWhoseBookIsGoneIsNoNewBook) {
+TEST_F(SidecarsTest, ALogWhoseBookIsGoneIsNoNewBook) {
     const fs::path backup = root() / "backup";
     makeBook(folder(), "Ann");
     backUp(folder(), backup, Existing::refuse);
@@ -101,7 +101,7 @@ TEST_F(Leftovers, aLogWhoseBookIsGoneIsNoNewBook) {
 }
 
 // The index of a log is made again by the first that opens a book, but its file may be that of another book.
-TEST_F(Leftovers, aLogAndItsIndexOfAnotherBookAreRefused) {
+TEST_F(SidecarsTest, ALogAndItsIndexOfAnotherBookAreRefused) {
     const Contents before = makeBook(folder(), "Ann");
     {
         Store other(root() / "other");
@@ -117,7 +117,7 @@ TEST_F(Leftovers, aLogAndItsIndexOfAnotherBookAreRefused) {
     EXPECT_EQ(contentsOf(Store(folder())), before);
 }
 
-TEST_F(Leftovers, aJournalOfItsOwnIsUndone) {
+TEST_F(SidecarsTest, AJournalOfItsOwnIsUndone) {
     const Contents before = makeBook(folder(), "Ann");
     for (const Store::Access access : {Store::Access::readOnly, Store::Access::readWrite}) {
         interrupt(folder());
@@ -126,7 +126,7 @@ TEST_F(Leftovers, aJournalOfItsOwnIsUndone) {
     }
 }
 
-TEST_F(Leftovers, aJournalOfAnotherBookIsRefused) {
+TEST_F(SidecarsTest, AJournalOfAnotherBookIsRefused) {
     const Contents before = makeBook(folder(), "Ann");
     makeBook(root() / "other", "Eve");
     interrupt(root() / "other");
@@ -138,7 +138,7 @@ TEST_F(Leftovers, aJournalOfAnotherBookIsRefused) {
     EXPECT_EQ(contentsOf(Store(folder())), before);
 }
 
-TEST_F(Leftovers, aJournalOfAnOlderStateIsRefused) {
+TEST_F(SidecarsTest, AJournalOfAnOlderStateIsRefused) {
     makeBook(folder(), "Ann");
     interrupt(folder());
     fs::copy_file(beside("-journal"), root() / "journal");
@@ -151,14 +151,14 @@ TEST_F(Leftovers, aJournalOfAnOlderStateIsRefused) {
     EXPECT_EQ(contentsOf(Store(folder())), before);
 }
 
-TEST_F(Leftovers, aFileThatIsNoJournalDoesNoHarm) {
+TEST_F(SidecarsTest, AFileThatIsNoJournalDoesNoHarm) {
     const Contents before = makeBook(folder(), "Ann");
     std::ofstream(beside("-journal")) << std::string(5000, 'x');
     EXPECT_EQ(contentsOf(Store(folder())), before);
 }
 
 // Closing a database takes its log over, but says nothing when it cannot.
-TEST_F(Leftovers, aLogOfWhatReplacesABookIsTakenOver) {
+TEST_F(SidecarsTest, ALogOfWhatReplacesABookIsTakenOver) {
     makeBook(folder(), "Ann");
     const fs::path made = root() / "made";
     Contents newer;

@@ -7,7 +7,7 @@
 namespace addressbook::test {
 namespace {
 
-TEST(Text, everyUtf16TextReturnsUnchanged) {
+TEST(TextTest, EveryUtf16TextReturnsUnchanged) {
     std::mt19937 random(7);
     static constexpr char16_t kUnits[] = {u'\0',  u'a',   0xE9,   0x7FF,  0x800,  0xD7FF, 0xD800,
                                           0xDBFF, 0xDC00, 0xDFFF, 0xE000, 0xFFFD, 0xFFFF};
@@ -19,13 +19,13 @@ TEST(Text, everyUtf16TextReturnsUnchanged) {
     }
 }
 
-TEST(Text, loneSurrogatesTakeThreeBytesAndPairsFour) {
+TEST(TextTest, LoneSurrogatesTakeThreeBytesAndPairsFour) {
     EXPECT_EQ(utf8FromUtf16(u"\xD83D\xDE00"), "\xF0\x9F\x98\x80");
     EXPECT_EQ(utf8FromUtf16(std::u16string{0xD83D}), "\xED\xA0\xBD");
     EXPECT_EQ(utf8FromUtf16(std::u16string{0xDE00, 0xD83D}), "\xED\xB8\x80\xED\xA0\xBD");
 }
 
-TEST(Text, whatIsNoUtf8BecomesReplacementCharacters) {
+TEST(TextTest, WhatIsNoUtf8BecomesReplacementCharacters) {
     EXPECT_EQ(utf16FromUtf8("a\xFF"), u"a\xFFFD");
     EXPECT_EQ(utf16FromUtf8("\xC0\x80"), u"\xFFFD\xFFFD");        // too long a form
     EXPECT_EQ(utf16FromUtf8("\xE2\x82"), u"\xFFFD\xFFFD");        // cut short
@@ -40,7 +40,7 @@ TEST(Text, whatIsNoUtf8BecomesReplacementCharacters) {
     }
 }
 
-TEST(Text, canonicallyEquivalentTextsNormalizeAlike) {
+TEST(TextTest, CanonicallyEquivalentTextsNormalizeAlike) {
     EXPECT_EQ(normalize("e\u0301"), "\u00E9");
     EXPECT_EQ(normalize("\u212B"), normalize("A\u030A"));
     EXPECT_EQ(normalize("\uAC00"), normalize("\u1100\u1161"));
@@ -48,7 +48,7 @@ TEST(Text, canonicallyEquivalentTextsNormalizeAlike) {
     EXPECT_EQ(normalize("\xED\xA0\x80"), "\xED\xA0\x80");
 }
 
-TEST(Text, foldingIgnoresCaseButNotAccents) {
+TEST(TextTest, FoldingIgnoresCaseButNotAccents) {
     EXPECT_EQ(fold("Straße"), fold("STRASSE"));
     EXPECT_EQ(fold("ΌΔΟΣ"), fold("όδος"));
     EXPECT_EQ(fold("É"), fold("e\u0301"));
@@ -56,7 +56,7 @@ TEST(Text, foldingIgnoresCaseButNotAccents) {
     EXPECT_NE(fold("é"), fold("e"));
 }
 
-TEST(Text, beginningsEndBetweenCharacters) {
+TEST(TextTest, BeginningsEndBetweenCharacters) {
     EXPECT_EQ(beginning("aé", 2), "a");
     EXPECT_EQ(beginning("aé", 3), "aé");
     EXPECT_EQ(beginning("\u20AC", 2), "");

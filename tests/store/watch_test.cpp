@@ -3,7 +3,7 @@
 #include "frameworks/AddressBook/store/watch.h"
 #include "tests/store/builders.h"
 #include "tests/store/scratch.h"
-#include "tests/store/system_calls.h"
+#include "tests/support/system_calls.h"
 
 #include <gmock/gmock.h>
 #include <sqlite3.h>
@@ -122,7 +122,7 @@ class WatchTest : public Scratch {
     }
 };
 
-TEST_F(WatchTest, tellsOfSavesBeforeAndAfterItBegan) {
+TEST_F(WatchTest, TellsOfSavesBeforeAndAfterItBegan) {
     Store store(folder());
     addPerson(store, {});
     addPerson(store, {});
@@ -138,7 +138,7 @@ TEST_F(WatchTest, tellsOfSavesBeforeAndAfterItBegan) {
     EXPECT_THAT(watching.reasons(0), IsEmpty());
 }
 
-TEST_F(WatchTest, knowsTheSavesOfThisProcess) {
+TEST_F(WatchTest, KnowsTheSavesOfThisProcess) {
     Store store(folder());
     Watching watching(store.file(), 0);
     addPerson(store, {});
@@ -150,7 +150,7 @@ TEST_F(WatchTest, knowsTheSavesOfThisProcess) {
         EXPECT_FALSE(change.own);
 }
 
-TEST_F(WatchTest, learnsOfAWriterThatEndedBeforeItCouldTell) {
+TEST_F(WatchTest, LearnsOfAWriterThatEndedBeforeItCouldTell) {
     Store store(folder());
     Watching watching(store.file(), 0);
     addPerson(store, {});
@@ -159,7 +159,7 @@ TEST_F(WatchTest, learnsOfAWriterThatEndedBeforeItCouldTell) {
     EXPECT_THAT(watching.numbers(2), ElementsAre(1, 2));
 }
 
-TEST_F(WatchTest, tellsThatSavesAreLostFromTheLog) {
+TEST_F(WatchTest, TellsThatSavesAreLostFromTheLog) {
     Store store(folder());
     const std::string uid = addPerson(store, {});
     sql(store.file(), "UPDATE sqlite_sequence SET seq = 50000 WHERE name = 'change'");
@@ -172,7 +172,7 @@ TEST_F(WatchTest, tellsThatSavesAreLostFromTheLog) {
     EXPECT_THAT(changes[1].updated, ElementsAre(uid));
 }
 
-TEST_F(WatchTest, tellsThatAnOlderStateWasRestored) {
+TEST_F(WatchTest, TellsThatAnOlderStateWasRestored) {
     Store store(folder());
     addPerson(store, {});
     addPerson(store, {});
@@ -187,7 +187,7 @@ TEST_F(WatchTest, tellsThatAnOlderStateWasRestored) {
     EXPECT_THAT(watching.numbers(4), ElementsAre(1, 2, 1, 2));
 }
 
-TEST_F(WatchTest, goesOnWithAnotherFileInTheBooksPlace) {
+TEST_F(WatchTest, GoesOnWithAnotherFileInTheBooksPlace) {
     fs::path file;
     {
         Store store(folder());
@@ -211,7 +211,7 @@ TEST_F(WatchTest, goesOnWithAnotherFileInTheBooksPlace) {
     EXPECT_THAT(watching.reasons(0), IsEmpty());
 }
 
-TEST_F(WatchTest, looksByTheClockWhileTheFolderIsGone) {
+TEST_F(WatchTest, LooksByTheClockWhileTheFolderIsGone) {
     Store store(folder());
     addPerson(store, {});
     Watching watching(store.file(), 0);
@@ -228,7 +228,7 @@ TEST_F(WatchTest, looksByTheClockWhileTheFolderIsGone) {
     EXPECT_EQ(watching.reasons(1).size(), 1U);
 }
 
-TEST_F(WatchTest, waitsUntilADamagedBookCanBeReadAgain) {
+TEST_F(WatchTest, WaitsUntilADamagedBookCanBeReadAgain) {
     Store store(folder());
     addPerson(store, {});
     Watching watching(store.file(), 0);
@@ -240,7 +240,7 @@ TEST_F(WatchTest, waitsUntilADamagedBookCanBeReadAgain) {
     EXPECT_EQ(watching.lastNumber(2), 2);
 }
 
-TEST_F(WatchTest, looksByTheClockWhileTheKernelHasNoWatches) {
+TEST_F(WatchTest, LooksByTheClockWhileTheKernelHasNoWatches) {
     watchesAreUsedUp = true;
     Store store(folder());
     Watching watching(store.file(), 0);
@@ -254,10 +254,10 @@ TEST_F(WatchTest, looksByTheClockWhileTheKernelHasNoWatches) {
     EXPECT_EQ(watching.reasons(1).size(), 1U);
 }
 
-TEST_F(WatchTest, looksByTheClockAtASnapshotOfWhichNobodyTells) {
+TEST_F(WatchTest, LooksByTheClockAtASnapshotOfWhichNobodyTells) {
     addPerson(*std::make_unique<Store>(folder()), {});
     kernelIsSilent = true;
-    const ReadOnlyDisk disk(root());
+    const support::ReadOnlyDisk disk(root());
     Watching watching(folder() / "AddressBook.db", 0);
     EXPECT_THAT(watching.numbers(1), ElementsAre(1));
     disk.writable([&] { addPerson(*std::make_unique<Store>(folder()), {}); });
@@ -266,7 +266,7 @@ TEST_F(WatchTest, looksByTheClockAtASnapshotOfWhichNobodyTells) {
     kernelIsSilent = false;
 }
 
-TEST_F(WatchTest, ofABookThatIsNotThereEndsWhenItIsTold) {
+TEST_F(WatchTest, OfABookThatIsNotThereEndsWhenItIsTold) {
     for (int i = 0; i < 20; ++i)
         Watching(folder() / "AddressBook.db", 0);
 }

@@ -36,7 +36,7 @@ const std::string kFile =
          "X-ADDRESSBOOKSERVER-MEMBER:urn:uuid:11111111-1111-4111-8111-111111111111\r\n"
          "X-ADDRESSBOOKSERVER-MEMBER:urn:uuid:22222222-2222-4222-8222-222222222222\r\n");
 
-class Program : public testing::Test, public Sandbox {
+class ProgramTest : public testing::Test, public Sandbox {
   protected:
     void importFile() {
         const Outcome outcome = run({"import", file("people.vcf", kFile)});
@@ -48,7 +48,7 @@ class Program : public testing::Test, public Sandbox {
     }
 };
 
-TEST_F(Program, ImportReportsBadCardsAndTakesTheOthers) {
+TEST_F(ProgramTest, ImportReportsBadCardsAndTakesTheOthers) {
     const std::string path = file("people.vcf", kFile);
     const Outcome outcome = run({"import", path});
     EXPECT_EQ(outcome.status, 1);
@@ -60,7 +60,7 @@ TEST_F(Program, ImportReportsBadCardsAndTakesTheOthers) {
     EXPECT_EQ(run({"check"}).status, 0);
 }
 
-TEST_F(Program, ImportAgainChangesNothing) {
+TEST_F(ProgramTest, ImportAgainChangesNothing) {
     importFile();
     const std::string before = run({"export"}).out;
     const Outcome outcome = run({"import", file("people.vcf", kFile)});
@@ -69,7 +69,7 @@ TEST_F(Program, ImportAgainChangesNothing) {
     EXPECT_EQ(count("list"), 2u);
 }
 
-TEST_F(Program, CardsWithoutAnIdAreKnownAgain) {
+TEST_F(ProgramTest, CardsWithoutAnIdAreKnownAgain) {
     const std::string text =
         card("N:Berg;Ida\r\nCATEGORIES:Rowers,Chess\r\n") + card("N:Tal\r\n") + card("N:Tal\r\n");
     EXPECT_THAT(
@@ -82,7 +82,7 @@ TEST_F(Program, CardsWithoutAnIdAreKnownAgain) {
     EXPECT_EQ(run({"list", "--fields", "groups"}).out.find("Chess; Rowers") == std::string::npos, false);
 }
 
-TEST_F(Program, ImportUpdatesWhatTheCardHas) {
+TEST_F(ProgramTest, ImportUpdatesWhatTheCardHas) {
     importFile();
     const std::string text = card("N:Berg;Ida;;;\r\nTEL;type=CELL;type=pref:99\r\nTEL;type=boat:34\r\n"
                                   "UID:11111111-1111-4111-8111-111111111111\r\n");
@@ -91,7 +91,7 @@ TEST_F(Program, ImportUpdatesWhatTheCardHas) {
               kIda + "\t99; 34\t1980-03-22\tMill\n" + kOle + "\t\t\t\n");
 }
 
-TEST_F(Program, DifferentPeopleOfOneIdAreNotMerged) {
+TEST_F(ProgramTest, DifferentPeopleOfOneIdAreNotMerged) {
     const std::string text = card("N:Berg\r\nUID:7\r\n") + card("N:Tal\r\nUID:7\r\n");
     const Outcome outcome = run({"import", "-"}, text);
     EXPECT_EQ(outcome.err,
@@ -101,7 +101,7 @@ TEST_F(Program, DifferentPeopleOfOneIdAreNotMerged) {
     EXPECT_EQ(count("list"), 2u);
 }
 
-TEST_F(Program, DryRunSavesNothing) {
+TEST_F(ProgramTest, DryRunSavesNothing) {
     const Outcome outcome = run({"import", "--dry-run", file("people.vcf", kFile)});
     EXPECT_THAT(outcome.err,
                 HasSubstr("3 added, 0 updated, 0 unchanged, 1 refused (dry run, nothing saved)"));
@@ -113,7 +113,7 @@ TEST_F(Program, DryRunSavesNothing) {
 }
 
 // Killed at moments that are spread over the time that it takes.
-TEST_F(Program, ImportThatIsKilledIsDoneOrNot) {
+TEST_F(ProgramTest, ImportThatIsKilledIsDoneOrNot) {
     std::string cards;
     for (int i = 0; i < 100; ++i)
         cards += card("N:P" + std::to_string(i) + "\r\nCATEGORIES:All\r\n");
@@ -136,7 +136,7 @@ TEST_F(Program, ImportThatIsKilledIsDoneOrNot) {
     }
 }
 
-TEST_F(Program, GroupsFindTheirMembersWhereverTheyCome) {
+TEST_F(ProgramTest, GroupsFindTheirMembersWhereverTheyCome) {
     const std::string group = file("group.vcf", card("FN:G\r\nX-ADDRESSBOOKSERVER-KIND:group\r\nUID:g\r\n"
                                                      "X-ADDRESSBOOKSERVER-MEMBER:urn:uuid:p\r\n"
                                                      "X-ADDRESSBOOKSERVER-MEMBER:urn:uuid:h\r\n"));
@@ -154,7 +154,7 @@ TEST_F(Program, GroupsFindTheirMembersWhereverTheyCome) {
     EXPECT_EQ(run({"check"}).status, 0);
 }
 
-TEST_F(Program, ExportAndImportElsewhereIsTheSameBook) {
+TEST_F(ProgramTest, ExportAndImportElsewhereIsTheSameBook) {
     importFile();
     const std::string path = folder() / "out.vcf";
     const Outcome outcome = run({"export", path});
@@ -163,13 +163,13 @@ TEST_F(Program, ExportAndImportElsewhereIsTheSameBook) {
     std::filesystem::create_directory(folder() / "other");
     const std::string other = folder() / "other";
     EXPECT_EQ(run({"--book", other, "import", path}).status, 0);
-    EXPECT_EQ(run({"export", "--book", other, "-"}).out, contentsOf(path));
-    EXPECT_THAT(contentsOf(path), HasSubstr("PHOTO;ENCODING=b;TYPE=JPEG:/9j/AAE=\r\n"));
-    EXPECT_THAT(contentsOf(path), HasSubstr("X-OTHER:kept\r\n"));
-    EXPECT_THAT(contentsOf(path), HasSubstr("X-ABLabel:boat\r\n"));
+    EXPECT_EQ(run({"export", "--book", other, "-"}).out, bytesOf(path));
+    EXPECT_THAT(bytesOf(path), HasSubstr("PHOTO;ENCODING=b;TYPE=JPEG:/9j/AAE=\r\n"));
+    EXPECT_THAT(bytesOf(path), HasSubstr("X-OTHER:kept\r\n"));
+    EXPECT_THAT(bytesOf(path), HasSubstr("X-ABLabel:boat\r\n"));
 }
 
-TEST_F(Program, ExportOfAGroup) {
+TEST_F(ProgramTest, ExportOfAGroup) {
     importFile();
     run({"import", "-"}, card("N:Alone\r\n"));
     EXPECT_THAT(run({"export", "--group", "rowers"}).err, HasSubstr("2 people and 1 group"));
@@ -181,19 +181,19 @@ TEST_F(Program, ExportOfAGroup) {
     EXPECT_EQ(outcome.err, "addressbook: no group is named \"Divers\"\n");
 }
 
-TEST_F(Program, ExportReplacesItsFileOnlyWhenWhole) {
+TEST_F(ProgramTest, ExportReplacesItsFileOnlyWhenWhole) {
     importFile();
     const std::string path = file("out.vcf", "before");
     EXPECT_EQ(run({"export", "--group", "Divers", path}).status, 1);
-    EXPECT_EQ(contentsOf(path), "before");
+    EXPECT_EQ(bytesOf(path), "before");
     EXPECT_EQ(run({"export", path}).status, 0);
-    EXPECT_THAT(contentsOf(path), StartsWith("BEGIN:VCARD"));
+    EXPECT_THAT(bytesOf(path), StartsWith("BEGIN:VCARD"));
     EXPECT_EQ(run({"export", (folder() / "none/out.vcf").string()}).status, 1);
     for (const auto& each : std::filesystem::directory_iterator(folder()))
         EXPECT_EQ(each.path().string().find("out.vcf."), std::string::npos) << each.path();
 }
 
-TEST_F(Program, ListEscapesAndQuotes) {
+TEST_F(ProgramTest, ListEscapesAndQuotes) {
     importFile();
     EXPECT_EQ(run({"list", "--fields", "Name, phones,NOTE"}).out,
               kIda + "\tIda Berg\t12; 34\tone\\ntwo\\ttabbed\n" + kOle + "\tOle Tal\t\t\n");
@@ -207,7 +207,7 @@ TEST_F(Program, ListEscapesAndQuotes) {
     EXPECT_EQ(nlohmann::json::parse(run({"groups", "--json"}).out)[0]["members"], 2);
 }
 
-TEST_F(Program, WrongFieldsAreAnsweredWithTheNearest) {
+TEST_F(ProgramTest, WrongFieldsAreAnsweredWithTheNearest) {
     importFile();
     const Outcome outcome = run({"list", "--fields", "fistname"});
     EXPECT_EQ(outcome.status, 2);
@@ -217,7 +217,7 @@ TEST_F(Program, WrongFieldsAreAnsweredWithTheNearest) {
     EXPECT_EQ(std::count(outcome.err.begin(), outcome.err.end(), '\n'), 1);
 }
 
-TEST_F(Program, ShowAndMe) {
+TEST_F(ProgramTest, ShowAndMe) {
     importFile();
     EXPECT_THAT(run({"show", kIda}).out, ContainsRegex("phones +Mobile +12\n +boat +34\n"));
     EXPECT_THAT(run({"show", "11111111-1111-4111-8111-111111111111"}).out, HasSubstr("in group"));
@@ -235,7 +235,7 @@ TEST_F(Program, ShowAndMe) {
     EXPECT_EQ(run({"me"}).status, 1);
 }
 
-TEST_F(Program, HelpOnEveryLevel) {
+TEST_F(ProgramTest, HelpOnEveryLevel) {
     for (const std::string command : {"import", "export", "list", "show", "me", "groups", "check"}) {
         const Outcome outcome = run({command, "--help"});
         EXPECT_EQ(outcome.status, 0);
@@ -245,7 +245,7 @@ TEST_F(Program, HelpOnEveryLevel) {
     EXPECT_THAT(run({"--help"}).out, HasSubstr("Exit status: 0 done;"));
 }
 
-TEST_F(Program, UsageErrors) {
+TEST_F(ProgramTest, UsageErrors) {
     for (const std::vector<std::string>& arguments : {std::vector<std::string>{},
                                                       {"import"},
                                                       {"frobnicate"},
@@ -258,7 +258,7 @@ TEST_F(Program, UsageErrors) {
     }
 }
 
-TEST_F(Program, BooksThatCannotBeOpened) {
+TEST_F(ProgramTest, BooksThatCannotBeOpened) {
     file("book/AddressBook.db", std::string(5000, 'x'));
     for (const std::string command : {"list", "check", "groups", "export"}) {
         const Outcome outcome = run({command});
@@ -267,11 +267,11 @@ TEST_F(Program, BooksThatCannotBeOpened) {
         EXPECT_EQ(std::count(outcome.err.begin(), outcome.err.end(), '\n'), 1) << outcome.err;
     }
     EXPECT_EQ(run({"import", file("a.vcf", card("N:A\r\n"))}).status, 3);
-    EXPECT_EQ(contentsOf(book() / "AddressBook.db"), std::string(5000, 'x'));
+    EXPECT_EQ(bytesOf(book() / "AddressBook.db"), std::string(5000, 'x'));
     EXPECT_EQ(run({"list", "--book", (folder() / "no/such").string()}).status, 3);
 }
 
-TEST_F(Program, FilesThatCannotBeRead) {
+TEST_F(ProgramTest, FilesThatCannotBeRead) {
     const Outcome outcome =
         run({"import", "no-such.vcf", file("empty.vcf", ""), file("a.vcf", card("N:A\r\n")), "."});
     EXPECT_EQ(outcome.status, 1);
@@ -281,7 +281,7 @@ TEST_F(Program, FilesThatCannotBeRead) {
     EXPECT_THAT(outcome.err, HasSubstr("1 card read: 1 added"));
 }
 
-TEST_F(Program, ClosedOutputIsNoFailure) {
+TEST_F(ProgramTest, ClosedOutputIsNoFailure) {
     std::string text;
     for (int at = 0; at < 20'000; ++at)
         text += card("N:Somebody " + std::to_string(at) + "\r\n");
@@ -292,13 +292,13 @@ TEST_F(Program, ClosedOutputIsNoFailure) {
     EXPECT_THAT(shell("\"$A\" list >/dev/full").err, HasSubstr("addressbook: standard output: cannot write"));
 }
 
-TEST_F(Program, ProgressOnRequest) {
+TEST_F(ProgramTest, ProgressOnRequest) {
     const Outcome outcome = run({"import", "--progress", file("a.vcf", card("N:A\r\n"))});
     EXPECT_THAT(outcome.err, HasSubstr("a.vcf: 1 card, 100 %\n"));
     EXPECT_EQ(outcome.err.find('\r'), std::string::npos);
 }
 
-TEST_F(Program, Utf8InJsonIsAlwaysValid) {
+TEST_F(ProgramTest, Utf8InJsonIsAlwaysValid) {
     run({"import", "-"},
         std::string(
             "\xFE\xFF\0B\0E\0G\0I\0N\0:\0V\0C\0A\0R\0D\0\n\0N\0:\xD8\x3F\0\n\0E\0N\0D\0:\0V\0C\0A\0R\0D",

@@ -23,9 +23,9 @@ using testing::IsEmpty;
 using testing::SizeIs;
 using testing::StartsWith;
 
-class Backup : public testing::Test, public Sandbox {
+class BackupTest : public testing::Test, public Sandbox {
   protected:
-    Backup() : file_(folder() / "saved.backup") {}
+    BackupTest() : file_(folder() / "saved.backup") {}
 
     // The book's file, and the files beside it.
     fs::path database() const { return book() / "AddressBook.db"; }
@@ -47,7 +47,7 @@ class Backup : public testing::Test, public Sandbox {
     const fs::path file_;
 };
 
-TEST_F(Backup, comesBack) {
+TEST_F(BackupTest, ComesBack) {
     std::string ada;
     {
         Store store(book());
@@ -80,7 +80,7 @@ TEST_F(Backup, comesBack) {
     EXPECT_THAT(beside(), SizeIs(2));
 }
 
-TEST_F(Backup, isOneFileForItsOwnerOnly) {
+TEST_F(BackupTest, IsOneFileForItsOwnerOnly) {
     { const Store store(book()); }
     const mode_t old = umask(0);
     EXPECT_EQ(backUp().status, 0);
@@ -94,7 +94,7 @@ TEST_F(Backup, isOneFileForItsOwnerOnly) {
                     testing::AnyOf("book", "home", "stdin", "stdout", "stderr", "saved.backup"));
 }
 
-TEST_F(Backup, holdsWhatIsSavedWhileOthersHaveTheBookOpenAndGoOnSaving) {
+TEST_F(BackupTest, HoldsWhatIsSavedWhileOthersHaveTheBookOpenAndGoOnSaving) {
     Store store(book());
     const Store reader(book());
     for (int i = 0; i < 30; ++i) {
@@ -107,16 +107,16 @@ TEST_F(Backup, holdsWhatIsSavedWhileOthersHaveTheBookOpenAndGoOnSaving) {
     EXPECT_EQ(reader.count(Kind::person), 30);
 }
 
-TEST_F(Backup, replacesNothingUnasked) {
+TEST_F(BackupTest, ReplacesNothingUnasked) {
     { const Store store(book()); }
     file("saved.backup", "precious");
     const Outcome outcome = backUp();
     EXPECT_EQ(outcome.status, 1);
     EXPECT_EQ(outcome.err,
               "addressbook: " + file_.string() + ": there is such a file; --force replaces it\n");
-    EXPECT_EQ(contentsOf(file_), "precious");
+    EXPECT_EQ(bytesOf(file_), "precious");
     EXPECT_EQ(run({"backup", "--force", file_}).status, 0);
-    EXPECT_THAT(contentsOf(file_), StartsWith("SQLite format 3"));
+    EXPECT_THAT(bytesOf(file_), StartsWith("SQLite format 3"));
     for (const std::string& target :
          {database().string(), folder().string(), (folder() / "no" / "such").string()}) {
         EXPECT_EQ(run({"backup", "--force", target}).status, 1) << target;
@@ -124,14 +124,14 @@ TEST_F(Backup, replacesNothingUnasked) {
     EXPECT_EQ(run({"backup"}).status, 2);
 }
 
-TEST_F(Backup, isRefusedWhereThereIsNoBook) {
+TEST_F(BackupTest, IsRefusedWhereThereIsNoBook) {
     const Outcome outcome = backUp();
     EXPECT_EQ(outcome.status, 3);
     EXPECT_THAT(outcome.err, HasSubstr("There is no address book in"));
     EXPECT_FALSE(fs::exists(file_));
 }
 
-TEST_F(Backup, restoresWhereThereIsNoBook) {
+TEST_F(BackupTest, RestoresWhereThereIsNoBook) {
     std::string ada;
     {
         Store store(book());
@@ -145,14 +145,14 @@ TEST_F(Backup, restoresWhereThereIsNoBook) {
     EXPECT_THAT(beside(), IsEmpty());
 }
 
-TEST_F(Backup, thatIsNoneOrDamagedLeavesTheBook) {
+TEST_F(BackupTest, ThatIsNoneOrDamagedLeavesTheBook) {
     std::string ada;
     {
         Store store(book());
         ada = addPerson(store, {{"First", text("Ada")}, {"Note", text(std::string(20'000, 'n'))}});
     }
     EXPECT_EQ(backUp().status, 0);
-    const std::string sound = contentsOf(file_);
+    const std::string sound = bytesOf(file_);
     std::string damaged = sound;
     damaged[damaged.find("nnnnnnnn")] = 'm'; // in the card
     const struct {
@@ -178,24 +178,24 @@ TEST_F(Backup, thatIsNoneOrDamagedLeavesTheBook) {
     EXPECT_EQ(run({"restore", database()}).status, 1);
 }
 
-TEST_F(Backup, ofADamagedBookIsRefusedAndLeavesAnOlderOne) {
+TEST_F(BackupTest, OfADamagedBookIsRefusedAndLeavesAnOlderOne) {
     {
         Store store(book());
         addPerson(store, {{"Note", text(std::string(20'000, 'n'))}});
     }
     EXPECT_EQ(backUp().status, 0);
-    const std::string before = contentsOf(file_);
-    std::string content = contentsOf(database());
+    const std::string before = bytesOf(file_);
+    std::string content = bytesOf(database());
     content[content.find("nnnnnnnn")] = 'm';
     std::ofstream(database(), std::ios::binary) << content;
     const Outcome outcome = run({"backup", "--force", file_});
     EXPECT_EQ(outcome.status, 1);
     EXPECT_THAT(outcome.err, HasSubstr(database().string() + ": it is damaged and was not copied: "
                                                              "addressbook repair rescues"));
-    EXPECT_EQ(contentsOf(file_), before);
+    EXPECT_EQ(bytesOf(file_), before);
 }
 
-TEST_F(Backup, restoredUnderOpenStoresIsSeenByThemAndNothingOfTheOldLogIsTakenOver) {
+TEST_F(BackupTest, RestoredUnderOpenStoresIsSeenByThemAndNothingOfTheOldLogIsTakenOver) {
     Store store(book());
     const std::string ada = addPerson(store, {{"First", text("Ada")}});
     EXPECT_EQ(backUp().status, 0);
@@ -215,7 +215,7 @@ TEST_F(Backup, restoredUnderOpenStoresIsSeenByThemAndNothingOfTheOldLogIsTakenOv
     EXPECT_THAT(names(), testing::AllOf(HasSubstr(ada), HasSubstr(bob)));
 }
 
-TEST_F(Backup, waitsForNoSaveToBeLostWhileItIsRestored) {
+TEST_F(BackupTest, WaitsForNoSaveToBeLostWhileItIsRestored) {
     { const Store store(book()); }
     EXPECT_EQ(backUp().status, 0);
     const std::string restore =
@@ -227,14 +227,14 @@ TEST_F(Backup, waitsForNoSaveToBeLostWhileItIsRestored) {
     EXPECT_EQ(outcome.status, 0) << outcome.err;
 }
 
-TEST_F(Backup, repairTellsWhatIsLostAndKeepsTheDamagedBook) {
+TEST_F(BackupTest, RepairTellsWhatIsLostAndKeepsTheDamagedBook) {
     std::string ada;
     {
         Store store(book());
         ada = addPerson(store, {{"First", text("Ada")}, {"Note", text(std::string(20'000, 'n'))}});
     }
     EXPECT_EQ(run({"repair"}).err, database().string() + ": sound, nothing to repair\n");
-    std::string content = contentsOf(database());
+    std::string content = bytesOf(database());
     content[content.find("nnnnnnnn")] = 'm';
     std::ofstream(database(), std::ios::binary) << content;
     EXPECT_EQ(run({"check"}).status, 1);
@@ -244,12 +244,12 @@ TEST_F(Backup, repairTellsWhatIsLostAndKeepsTheDamagedBook) {
     ASSERT_THAT(beside(), SizeIs(1));
     EXPECT_EQ(outcome.err, "1 person and 0 groups rescued\nthe address book that was there is kept as " +
                                beside()[0].string() + "\n");
-    EXPECT_TRUE(contentsOf(beside()[0]) == content);
+    EXPECT_TRUE(bytesOf(beside()[0]) == content);
     EXPECT_EQ(run({"check"}).status, 0);
     EXPECT_EQ(names(), line(ada, "Ada"));
     file("book/AddressBook.db", std::string(9000, 'x'));
     EXPECT_EQ(run({"repair"}).status, 3);
-    EXPECT_EQ(contentsOf(database()), std::string(9000, 'x'));
+    EXPECT_EQ(bytesOf(database()), std::string(9000, 'x'));
 }
 
 } // namespace

@@ -19,10 +19,10 @@ const std::string kPeople =
     "BEGIN:VCARD\nVERSION:3.0\nN:Tal;Ole\nTEL;type=HOME:+41 79 2\nBDAY:1990-12-01\nEND:VCARD\n"
     "BEGIN:VCARD\nVERSION:3.0\nFN:Rowers\nX-ADDRESSBOOKSERVER-KIND:group\nEND:VCARD\n";
 
-class ExplainProgram : public testing::Test, public Sandbox {
+class ExplainProgramTest : public testing::Test, public Sandbox {
   protected:
     // With so many records that the save writes the indexes.
-    ExplainProgram() {
+    ExplainProgramTest() {
         std::string cards = kPeople;
         for (int i = 0; i < 8; ++i)
             cards += "BEGIN:VCARD\nVERSION:3.0\nFN:Crew " + std::to_string(i) +
@@ -65,7 +65,7 @@ struct Search {
     const char* answer;
 };
 
-TEST_F(ExplainProgram, TellsTheIndex) {
+TEST_F(ExplainProgramTest, TellsTheIndex) {
     const Search kSearches[] = {
         {"Last = 'Meier'", "Last Equal \"Meier\"", "exact look-up in the value index; 1 index row; 1 hit"},
         {"lastname is \"MEIER\"", "Last EqualCaseInsensitive \"MEIER\"",
@@ -125,7 +125,7 @@ TEST_F(ExplainProgram, TellsTheIndex) {
     }
 }
 
-TEST_F(ExplainProgram, TellsCompoundsInTheOrderInWhichTheyRan) {
+TEST_F(ExplainProgramTest, TellsCompoundsInTheOrderInWhichTheyRan) {
     EXPECT_EQ(explained("Note contains \"no\" and Last = \"Meier\" or (First = \"Ole\" and Note = nil)"),
               "any of these\n"
               "  searched in this order; 1 hit\n"
@@ -147,7 +147,7 @@ TEST_F(ExplainProgram, TellsCompoundsInTheOrderInWhichTheyRan) {
     EXPECT_THAT(two.out, MatchesRegex("Last Equal \"Tal\"\n[^\n]*\nLast Equal \"Meier\"\n[^\n]*\n"));
 }
 
-TEST_F(ExplainProgram, SaysWhereASearchCannotBeRead) {
+TEST_F(ExplainProgramTest, SaysWhereASearchCannotBeRead) {
     const std::pair<const char*, const char*> kWrong[] = {
         {"", "column 1: expected a property, as Last, or \"(\", not the end"},
         {"Lsat = \"x\"", "column 1: expected a property; none is named \"Lsat\"; did you mean Last?"},
@@ -180,7 +180,7 @@ TEST_F(ExplainProgram, SaysWhereASearchCannotBeRead) {
     EXPECT_EQ(run({"check", "--explain", "Last = 'x'", "--book", (folder() / "no/such").string()}).status, 3);
 }
 
-TEST_F(ExplainProgram, HelpTellsTheGrammar) {
+TEST_F(ExplainProgramTest, HelpTellsTheGrammar) {
     const std::string help = run({"check", "--help"}).out;
     EXPECT_THAT(help, HasSubstr("PROPERTY [key FIELD] [label LABEL] COMPARISON VALUE"));
     // Every example of the help is a search that can be read.

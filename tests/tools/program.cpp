@@ -2,8 +2,6 @@
 
 #include <cstdlib>
 #include <fstream>
-#include <iterator>
-#include <stdexcept>
 #include <sys/wait.h>
 
 namespace addressbook {
@@ -22,21 +20,12 @@ std::string quoted(const std::string& text) {
 } // namespace
 
 Sandbox::Sandbox() {
-    std::string name = fs::temp_directory_path() / "addressbook-test-XXXXXX";
-    if (!mkdtemp(name.data()))
-        throw std::runtime_error("no temporary folder");
-    folder_ = name;
     fs::create_directory(book());
-    fs::create_directory(folder_ / "home");
-}
-
-Sandbox::~Sandbox() {
-    std::error_code none;
-    fs::remove_all(folder_, none);
+    fs::create_directory(folder() / "home");
 }
 
 std::string Sandbox::file(const std::string& name, std::string_view contents) const {
-    const fs::path path = folder_ / name;
+    const fs::path path = folder() / name;
     std::ofstream(path, std::ios::binary)
         .write(contents.data(), static_cast<std::streamsize>(contents.size()));
     return path;
@@ -56,20 +45,15 @@ Outcome Sandbox::shell(const std::string& line) const {
 }
 
 Outcome Sandbox::execute(const std::string& command) const {
-    const std::string environment = "cd " + quoted(folder_) + "; export HOME=" + quoted(folder_ / "home") +
-                                    " XDG_DATA_HOME=" + quoted(folder_ / "home/data") +
+    const std::string environment = "cd " + quoted(folder()) + "; export HOME=" + quoted(folder() / "home") +
+                                    " XDG_DATA_HOME=" + quoted(folder() / "home/data") +
                                     " ADDRESSBOOK_HOME=" + quoted(book()) + " TZ=Europe/Copenhagen; ";
     const int status = std::system((environment + "{ " + command + "; } <stdin >stdout 2>stderr").c_str());
     Outcome outcome;
     outcome.status = WIFEXITED(status) ? WEXITSTATUS(status) : 128 + WTERMSIG(status);
-    outcome.out = contentsOf(folder_ / "stdout");
-    outcome.err = contentsOf(folder_ / "stderr");
+    outcome.out = bytesOf(folder() / "stdout");
+    outcome.err = bytesOf(folder() / "stderr");
     return outcome;
-}
-
-std::string contentsOf(const fs::path& file) {
-    std::ifstream stream(file, std::ios::binary);
-    return {std::istreambuf_iterator<char>(stream), std::istreambuf_iterator<char>()};
 }
 
 } // namespace addressbook

@@ -2,6 +2,9 @@
 
 // Running the real program in a folder of its own.
 
+#include "tests/support/files.h"
+#include "tests/support/temporary_folder.h"
+
 #include <filesystem>
 #include <string>
 #include <string_view>
@@ -18,12 +21,9 @@ struct Outcome {
 class Sandbox {
   public:
     Sandbox();
-    ~Sandbox();
-    Sandbox(const Sandbox&) = delete;
-    Sandbox& operator=(const Sandbox&) = delete;
 
-    const std::filesystem::path& folder() const { return folder_; }
-    std::filesystem::path book() const { return folder_ / "book"; }
+    const std::filesystem::path& folder() const { return folder_.path(); }
+    std::filesystem::path book() const { return folder() / "book"; }
 
     // Writes a file into the folder and answers its path.
     std::string file(const std::string& name, std::string_view contents) const;
@@ -37,9 +37,9 @@ class Sandbox {
   private:
     Outcome execute(const std::string& command) const;
 
-    std::filesystem::path folder_;
+    support::TemporaryFolder folder_;
 };
 
-std::string contentsOf(const std::filesystem::path& file);
+using support::bytesOf;
 
 } // namespace addressbook

@@ -19,7 +19,7 @@ struct Row {
 
 const std::string kGood = "BEGIN:VCARD\r\nN:Good\r\nEND:VCARD\r\n";
 
-TEST(BadCards, EachIsOneProblemAndTheNextIsRead) {
+TEST(BadCardsTest, EachIsOneProblemAndTheNextIsRead) {
     const std::vector<Row> rows{
         {"no END", "BEGIN:VCARD\nN:A\n", 1, "no END:VCARD before the BEGIN:VCARD in line 3"},
         {"no BEGIN", "END:VCARD\n", 1, "END:VCARD without BEGIN:VCARD"},
@@ -55,7 +55,7 @@ TEST(BadCards, EachIsOneProblemAndTheNextIsRead) {
     }
 }
 
-TEST(BadCards, TruncatedAnywhere) {
+TEST(BadCardsTest, TruncatedAnywhere) {
     const std::string text =
         cardText({"N:Berg;Ida", "NOTE;QUOTED-PRINTABLE:a=", "b", "PHOTO;ENCODING=b:QUJD", " REVG"});
     const std::size_t whole = text.rfind("END:VCARD") + 9;
@@ -66,7 +66,7 @@ TEST(BadCards, TruncatedAnywhere) {
     }
 }
 
-TEST(BadCards, UnbalancedNestingLosesOnlyItself) {
+TEST(BadCardsTest, UnbalancedNestingLosesOnlyItself) {
     const ReadResult result =
         readAll("BEGIN:VCARD\nN:Outer\nBEGIN:VCARD\nN:Inner\nEND:VCARD\nTEL:1\nEND:VCARD\n" + kGood);
     ASSERT_EQ(result.cards.size(), 2u);
@@ -75,14 +75,14 @@ TEST(BadCards, UnbalancedNestingLosesOnlyItself) {
     EXPECT_EQ(result.problems[1].reason, "no vCard begins here: \"TEL:1\"");
 }
 
-TEST(BadCards, IncompletePictureIsNamed) {
+TEST(BadCardsTest, IncompletePictureIsNamed) {
     const Card card = readOne(cardText({"N:A", "PHOTO;ENCODING=b:QUJDR"}));
     EXPECT_EQ(describe(card, property::kImage), "3 bytes");
     ASSERT_EQ(card.skipped.size(), 1u);
     EXPECT_EQ(card.skipped[0].reason, "the picture's data is incomplete");
 }
 
-TEST(BadCards, EmptyInput) {
+TEST(BadCardsTest, EmptyInput) {
     EXPECT_FALSE(Reader(std::string_view()).next());
     EXPECT_FALSE(Reader(std::string_view("\xFF\xFE\x00")).next());
     EXPECT_FALSE(Reader(std::string_view("\r\n\r\n")).next());
@@ -90,7 +90,7 @@ TEST(BadCards, EmptyInput) {
 
 // Hostile sizes are answered, and soon: the time would be minutes or hours if any of them took quadratic
 // time.
-TEST(BadCards, HugeInputIsRefusedSoon) {
+TEST(BadCardsTest, HugeInputIsRefusedSoon) {
     const std::string begin = "BEGIN:VCARD\r\nN:A\r\n", end = "\r\nEND:VCARD\r\n";
     const std::size_t much = kMaxCardBytes + 1;
     struct Huge {
@@ -122,7 +122,7 @@ TEST(BadCards, HugeInputIsRefusedSoon) {
     }
 }
 
-TEST(Reading, StreamsAndTextsAgree) {
+TEST(ReadingTest, StreamsAndTextsAgree) {
     std::string text;
     for (int at = 0; at < 5000; ++at)
         text += cardText(

@@ -25,7 +25,7 @@ void check(const std::vector<Row>& rows) {
 
 using namespace property;
 
-TEST(Names, PartsOfN) {
+TEST(NamesTest, PartsOfN) {
     const Card card = readOne(cardText({"N:Berg;Ida;Maria,Eva;Dr.;jun.", "FN:Someone Else"}));
     EXPECT_EQ(describe(card, kLast), "Berg");
     EXPECT_EQ(describe(card, kFirst), "Ida");
@@ -35,7 +35,7 @@ TEST(Names, PartsOfN) {
     EXPECT_EQ(describe(card, kPersonFlags), "-");
 }
 
-TEST(Names, Table) {
+TEST(NamesTest, Table) {
     check({
         {{"N:Be\\;rg;I\\,da"}, kLast, "Be;rg"},
         {{"N:Be\\;rg;I\\,da"}, kFirst, "I,da"},
@@ -61,7 +61,7 @@ TEST(Names, Table) {
               "bergu");
 }
 
-TEST(Companies, AreNoPeople) {
+TEST(CompaniesTest, AreNoPeople) {
     check({
         {{"N:Berg;Ida", "ORG:Mill", "X-ABShowAs:COMPANY"}, kPersonFlags, "1"},
         {{"N:;;;;", "FN:Mill", "ORG:Mill;Bread"}, kPersonFlags, "1"},
@@ -75,7 +75,7 @@ TEST(Companies, AreNoPeople) {
     });
 }
 
-TEST(Text, Escapes) {
+TEST(TextTest, Escapes) {
     check({
         {{"NOTE:one\\ntwo\\Nthree"}, kNote, "one\ntwo\nthree"},
         {{"NOTE:a\\,b\\;c\\:d\\\\e\\\"f"}, kNote, "a,b;c:d\\e\"f"},
@@ -93,7 +93,7 @@ TEST(Text, Escapes) {
     });
 }
 
-TEST(Telephones, TypesAreLabels) {
+TEST(TelephonesTest, TypesAreLabels) {
     check({
         {{"TEL;type=HOME:1"}, kPhone, "[Home:1]"},
         {{"TEL;TYPE=work,voice:1"}, kPhone, "[Work:1]"},
@@ -122,7 +122,7 @@ TEST(Telephones, TypesAreLabels) {
     });
 }
 
-TEST(Lists, Table) {
+TEST(ListsTest, Table) {
     check({
         {{"EMAIL;type=INTERNET;type=HOME:a@b.example"}, kEmail, "[Home:a@b.example]"},
         {{"EMAIL:mailto:a@b.example"}, kEmail, "[Other:a@b.example]"},
@@ -139,7 +139,7 @@ TEST(Lists, Table) {
     });
 }
 
-TEST(Addresses, Table) {
+TEST(AddressesTest, Table) {
     check({
         {{"ADR;type=HOME:;;Lane 3;Town;Shire;12345;Land"},
          kAddress,
@@ -155,7 +155,7 @@ TEST(Addresses, Table) {
     });
 }
 
-TEST(Dates, AreNoonsOfLocalDays) {
+TEST(DatesTest, AreNoonsOfLocalDays) {
     check({
         {{"BDAY:1980-03-22"}, kBirthday, "1980-03-22"},
         {{"BDAY;value=date:19800322"}, kBirthday, "1980-03-22"},
@@ -182,7 +182,7 @@ TEST(Dates, AreNoonsOfLocalDays) {
     unsetenv("TZ");
 }
 
-TEST(Messaging, Table) {
+TEST(MessagingTest, Table) {
     check({
         {{"X-AIM;type=HOME:ida"}, kAim, "[Home:ida]"},
         {{"X-JABBER:ida"}, kJabber, "[Other:ida]"},
@@ -207,7 +207,7 @@ TEST(Messaging, Table) {
     });
 }
 
-TEST(Pictures, ByteForByte) {
+TEST(PicturesTest, ByteForByte) {
     const Value picture = Bytes{0xFF, 0xD8, 0xFF, 0x00, 0x01};
     const std::vector<std::vector<std::string>> forms{
         {"PHOTO;ENCODING=b;TYPE=JPEG:/9j/AAE="},
@@ -239,7 +239,7 @@ TEST(Pictures, ByteForByte) {
     });
 }
 
-TEST(UniqueIds, FromEitherProperty) {
+TEST(UniqueIdsTest, FromEitherProperty) {
     const std::string uuid = "6B29A774-D124-4822-B8D0-2780EC117F60";
     const auto uidOf = [](std::vector<std::string> lines) {
         lines.insert(lines.begin(), "N:A");
@@ -260,7 +260,7 @@ TEST(UniqueIds, FromEitherProperty) {
     EXPECT_EQ(both.otherUuid, "11111111-1111-4111-8111-111111111111");
 }
 
-TEST(Unknown, LinesSurviveInTheFormOfVersion3) {
+TEST(UnknownTest, LinesSurviveInTheFormOfVersion3) {
     const Card card =
         readOne(cardText({"N:A", "LABEL;HOME;ENCODING=QUOTED-PRINTABLE:a=0D=0Ab", "KEY;X509;BASE64:QUJD",
                           " REVG", "", "X-Thing;CHARSET=UTF-8;odd:1;2,3", "GEO:1;2"},
@@ -270,14 +270,14 @@ TEST(Unknown, LinesSurviveInTheFormOfVersion3) {
                                         "X-Thing;TYPE=odd:1;2,3", "GEO:1;2"}));
 }
 
-TEST(Unknown, ParametersStayWithTheirLine) {
+TEST(UnknownTest, ParametersStayWithTheirLine) {
     const Card card =
         readOne(cardText({"N;SORT-AS=\"b,c\":A;B", "TEL;X-ID=7;type=HOME,MSG:1", "TEL;type=HOME:2"}));
     EXPECT_EQ(unknownLines(card),
               (std::vector<std::string>{"+N;SORT-AS=\"b,c\":A;B;;;", "+TEL;X-ID=7;TYPE=MSG:1"}));
 }
 
-TEST(Unknown, LinesOfAGroupStayTogether) {
+TEST(UnknownTest, LinesOfAGroupStayTogether) {
     const Card card = readOne(cardText({"N:A", "item5.ADR;type=HOME:;;Lane", "item5.X-ABADR:Lane in Town",
                                         "item8.X-OTHER:1", "item8.X-ABLabel:mine"}));
     EXPECT_EQ(unknownLines(card),
@@ -285,12 +285,12 @@ TEST(Unknown, LinesOfAGroupStayTogether) {
                                         "item2.X-OTHER:1", "item2.X-ABLabel:mine"}));
 }
 
-TEST(Parameters, CaretsAndQuotes) {
+TEST(ParametersTest, CaretsAndQuotes) {
     const Card card = readOne(cardText({"N:A", "ADR;LABEL=\"a: b^nc^'d^^e\":;;Lane"}, "4.0"));
     EXPECT_EQ(unknownLines(card), (std::vector<std::string>{"+ADR;LABEL=\"a: b^nc^'d^^e\":;;Lane;;;;"}));
 }
 
-TEST(Agents, AreKeptWhole) {
+TEST(AgentsTest, AreKeptWhole) {
     const std::string nested = "BEGIN:VCARD\\nVERSION:2.1\\nN:Inner\\nEND:VCARD";
     for (const std::vector<std::string>& lines :
          {std::vector<std::string>{"N:Outer", "AGENT:", "BEGIN:VCARD", "VERSION:2.1", "N:Inner", "END:VCARD",

@@ -23,7 +23,7 @@ std::string utf16(std::string_view ascii, bool bigEndian, bool mark) {
 
 constexpr std::string_view kName = "Zo\xC3\xAB\xE2\x82\xAC"; // in UTF-8
 
-TEST(Charsets, Utf16WithAndWithoutMark) {
+TEST(CharsetsTest, Utf16WithAndWithoutMark) {
     for (const bool bigEndian : {false, true})
         for (const bool mark : {false, true}) {
             const Card card =
@@ -32,7 +32,7 @@ TEST(Charsets, Utf16WithAndWithoutMark) {
         }
 }
 
-TEST(Charsets, EncodingMayChangeFromCardToCard) {
+TEST(CharsetsTest, EncodingMayChangeFromCardToCard) {
     const ReadResult result = readAll("BEGIN:VCARD\r\nN:One\r\nEND:VCARD\r\n" +
                                       utf16("BEGIN:VCARD\r\nN:Zo%$\r\nEND:VCARD\r\n", true, false) +
                                       "BEGIN:VCARD\r\nN:Three\r\nEND:VCARD\r\n" +
@@ -46,7 +46,7 @@ TEST(Charsets, EncodingMayChangeFromCardToCard) {
     EXPECT_EQ(result.cards[3].line, 10u);
 }
 
-TEST(Charsets, LoneSurrogatesSurvive) {
+TEST(CharsetsTest, LoneSurrogatesSurvive) {
     std::string bytes = utf16("BEGIN:VCARD\nN:A?\nEND:VCARD\n", true, true);
     bytes[bytes.find('?') - 1] = '\xD8'; // U+D83F
     const Card card = readOne(bytes);
@@ -60,7 +60,7 @@ struct Row {
     std::string expected;
 };
 
-TEST(Charsets, PerProperty) {
+TEST(CharsetsTest, PerProperty) {
     const std::vector<Row> rows{
         {std::string(kName), "", std::string(kName)},
         {std::string(kName), ";CHARSET=UTF-8", std::string(kName)},
@@ -84,7 +84,7 @@ TEST(Charsets, PerProperty) {
             << row.parameter;
 }
 
-TEST(Charsets, Utf8MarkIsNoText) {
+TEST(CharsetsTest, Utf8MarkIsNoText) {
     EXPECT_EQ(describe(readOne("\xEF\xBB\xBF" + cardText({"N:A"})), property::kLast), "A");
 }
 

@@ -7,7 +7,7 @@
 namespace addressbook::vcard {
 namespace {
 
-TEST(Groups, BothSpellings) {
+TEST(GroupsTest, BothSpellings) {
     const std::string a = "11111111-AAAA-4111-8111-111111111111", b = "22222222-AAAA-4222-8222-222222222222";
     for (const std::string prefix : {"X-ADDRESSBOOKSERVER-", ""}) {
         const std::string member = prefix + "MEMBER:urn:uuid:";
@@ -23,23 +23,23 @@ TEST(Groups, BothSpellings) {
     }
 }
 
-TEST(Groups, NameFromN) {
+TEST(GroupsTest, NameFromN) {
     EXPECT_EQ(describe(readOne(cardText({"N:Rowers", "KIND:group"}, "4.0")), property::kGroupName), "Rowers");
 }
 
-TEST(Groups, MembersThatAreNoCardsAreKept) {
+TEST(GroupsTest, MembersThatAreNoCardsAreKept) {
     const Card card = readOne(cardText({"FN:G", "KIND:group", "MEMBER:mailto:a@b.example"}, "4.0"));
     EXPECT_TRUE(card.memberUids.empty());
     EXPECT_EQ(unknownLines(card), std::vector<std::string>{"MEMBER:mailto:a@b.example"});
 }
 
-TEST(Groups, WithoutANameAreRefused) {
+TEST(GroupsTest, WithoutANameAreRefused) {
     const ReadResult result = readAll(cardText({"KIND:group"}, "4.0"));
     ASSERT_EQ(result.problems.size(), 1u);
     EXPECT_EQ(result.problems[0].reason, "the group has no name");
 }
 
-TEST(Groups, Categories) {
+TEST(GroupsTest, Categories) {
     const Card card = readOne(cardText({"N:A", "CATEGORIES:Rowers,Best\\, Friends", "CATEGORIES: Chess ,"}));
     EXPECT_EQ(card.categories, (std::vector<std::string>{"Rowers", "Best, Friends", "Chess"}));
 }

@@ -14,7 +14,7 @@ std::string withLineEnds(const std::string& text, const std::string& end) {
     return result;
 }
 
-TEST(Lines, EveryLineEnd) {
+TEST(LinesTest, EveryLineEnd) {
     const std::string text =
         "begin:vcard\nversion:3.0\nn:Berg;Ida\n\nnote:one \n two\n  three\ntel:1\nend:vcard\n";
     for (const std::string end : {"\n", "\r\n", "\r", "\r\r\n"}) {
@@ -24,18 +24,18 @@ TEST(Lines, EveryLineEnd) {
     }
 }
 
-TEST(Lines, MixedLineEndsAndNoneAtTheEnd) {
+TEST(LinesTest, MixedLineEndsAndNoneAtTheEnd) {
     const Card card = readOne("BEGIN:VCARD\r\nN:Berg\rTEL:1\nTEL:2\r\r\nNOTE:a\n b\r c\r\n d\r\nEND:VCARD");
     EXPECT_EQ(describe(card, property::kPhone), "[Other:1 Other:2]");
     EXPECT_EQ(describe(card, property::kNote), "abcd");
 }
 
-TEST(Lines, FoldsOfVersion21KeepTheirSpace) {
+TEST(LinesTest, FoldsOfVersion21KeepTheirSpace) {
     EXPECT_EQ(describe(readOne(cardText({"N:A", "NOTE:one", " two"}, "2.1")), property::kNote), "one two");
     EXPECT_EQ(describe(readOne(cardText({"N:A", "NOTE:one", " two"}, "3.0")), property::kNote), "onetwo");
 }
 
-TEST(Lines, SoftLineBreaks) {
+TEST(LinesTest, SoftLineBreaks) {
     const Card card = readOne(cardText({"N:A", "NOTE;ENCODING=QUOTED-PRINTABLE:one=", "#two= ", " three=", "",
                                         "TEL:1", "X-A;QUOTED-PRINTABLE:b="},
                                        "2.1"));
@@ -45,7 +45,7 @@ TEST(Lines, SoftLineBreaks) {
               std::vector<std::string>{"X-A:b"}); // its break has nothing but END behind it
 }
 
-TEST(Lines, CommentsAndLooseLines) {
+TEST(LinesTest, CommentsAndLooseLines) {
     const Card card = readOne(cardText({"# a comment", "N:A", "loose", "TEL:1"}));
     EXPECT_EQ(describe(card, property::kPhone), "[Other:1]");
     ASSERT_EQ(card.skipped.size(), 1u);
@@ -53,7 +53,7 @@ TEST(Lines, CommentsAndLooseLines) {
     EXPECT_EQ(card.skipped[0].reason, "no property: \"loose\"");
 }
 
-TEST(Lines, FoldedHeader) {
+TEST(LinesTest, FoldedHeader) {
     const Card card = readOne(cardText({"N:A", "PHOTO;X-CROP=12345;ENCO", " DING=b;TYPE=JPEG:QUJ", " D"}));
     EXPECT_EQ(describe(card, property::kImage), "3 bytes");
     EXPECT_EQ(unknownLines(card), std::vector<std::string>{"+PHOTO;X-CROP=12345:"});

@@ -118,7 +118,7 @@ class Maker {
     std::mt19937 random_;
 };
 
-TEST(RoundTrip, RandomCards) {
+TEST(RoundTripTest, RandomCards) {
     Maker maker(20240229);
     for (int round = 0; round < 500; ++round) {
         const Card card = maker.card();
@@ -133,7 +133,7 @@ TEST(RoundTrip, RandomCards) {
     }
 }
 
-TEST(RoundTrip, UnknownLines) {
+TEST(RoundTripTest, UnknownLines) {
     const Card card = readOne(cardText({
         "N;SORT-AS=\"x,y\":A;B",
         "TEL;X-ID=1;type=HOME:1",
@@ -166,7 +166,7 @@ TEST(RoundTrip, UnknownLines) {
 }
 
 // Each line with what was once lost or doubled by it.
-TEST(RoundTrip, UnknownLinesThatAreHardToTellApart) {
+TEST(RoundTripTest, UnknownLinesThatAreHardToTellApart) {
     const std::vector<std::vector<std::string>> cards{
         {"TEL;type=HOME:1", "TEL;PREF=1:2", "TEL;type=HOME;PREF=3:1"}, // equal lines, one with parameters
         {"item1.TEL:1", "item1.EMAIL:a", "item1.X-ABLabel:both", "item1.X-MORE:x"},
@@ -184,7 +184,7 @@ TEST(RoundTrip, UnknownLinesThatAreHardToTellApart) {
     }
 }
 
-TEST(RoundTrip, LabelsChangedInsideAGroupStayApart) {
+TEST(RoundTripTest, LabelsChangedInsideAGroupStayApart) {
     Card card =
         readOne(cardText({"N:A", "item1.TEL:1", "item1.EMAIL:a", "item1.X-ABLabel:both", "item1.X-MORE:x"}));
     card.values["Email"].as<MultiValue>()->entries[0].label = "other";

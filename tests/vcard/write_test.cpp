@@ -9,7 +9,7 @@ namespace {
 
 using Lines = std::vector<std::string>;
 
-TEST(Writing, APerson) {
+TEST(WritingTest, APerson) {
     const Lines lines{
         "N:Be\\;rg;Ida;;Dr.;",
         "FN:Dr. Ida Be\\;rg",
@@ -47,7 +47,7 @@ TEST(Writing, APerson) {
     EXPECT_EQ(linesOf(write(readOne(cardText(lines)))), expected);
 }
 
-TEST(Writing, FullNames) {
+TEST(WritingTest, FullNames) {
     const auto fullName = [](const Lines& lines) {
         for (const std::string& line : linesOf(write(readOne(cardText(lines)))))
             if (line.starts_with("FN:"))
@@ -61,7 +61,7 @@ TEST(Writing, FullNames) {
     EXPECT_EQ(fullName({"TEL:1"}), "1");
 }
 
-TEST(Writing, FoldsAt75BytesInsideNoCharacter) {
+TEST(WritingTest, FoldsAt75BytesInsideNoCharacter) {
     for (std::size_t shift = 0; shift < 5; ++shift) {
         std::string note(200 + shift, 'a');
         for (int at = 0; at < 200; ++at)
@@ -80,14 +80,14 @@ TEST(Writing, FoldsAt75BytesInsideNoCharacter) {
     }
 }
 
-TEST(Writing, AdditionsLeaveWithTheValueTheyBelongTo) {
+TEST(WritingTest, AdditionsLeaveWithTheValueTheyBelongTo) {
     Card card = readOne(cardText({"N:A", "TEL;X-ID=7:1", "TEL;X-ID=8:2"}));
     card.values["Phone"].as<MultiValue>()->entries[0].value = std::string("3");
     const Lines lines = linesOf(write(card));
     EXPECT_EQ(lines, (Lines{"N:A;;;;", "FN:A", "TEL;type=OTHER;type=pref:3", "TEL;type=OTHER;X-ID=8:2"}));
 }
 
-TEST(Writing, EmptyCardAndValuesOfOtherTypes) {
+TEST(WritingTest, EmptyCardAndValuesOfOtherTypes) {
     Card card;
     EXPECT_EQ(linesOf(write(card)), (Lines{"N:;;;;", "FN:"}));
     card.values["Phone"] = std::string("not a list");

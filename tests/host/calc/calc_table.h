@@ -1,5 +1,6 @@
-// Tables of calculations and what they give.
 #pragma once
+
+// Tables of calculations and what they give.
 
 #include "host/calc/session.h"
 #include "host/values/text.h"

@@ -8,7 +8,7 @@ namespace {
 // One pixel, 42 bytes.
 const std::string kGif = "\"R0lGODlhAQABAIAAAAAAAP///yH5BAEAAAAALAAAAAABAAEAAAIBRAA7\"";
 
-TEST(ContainerFunctions, Base64OfLargeTexts) {
+TEST(ContainerFunctionsTest, Base64OfLargeTexts) {
     Session session;
     const std::u16string megabyte(1'000'003, u'z');
     session.setVariable(u"$long", Value::text(megabyte));
@@ -16,7 +16,7 @@ TEST(ContainerFunctions, Base64OfLargeTexts) {
     EXPECT_EQ(session.evaluate(u"Base64Decode ( Base64EncodeRFC ( 4648 ; $long ) )").asText(), megabyte);
 }
 
-TEST(ContainerFunctions, DecodingWithANameMakesAContainer) {
+TEST(ContainerFunctionsTest, DecodingWithANameMakesAContainer) {
     Session session;
     const Value picture = session.evaluate(fromUtf8("Base64Decode ( " + kGif + " ; \"a.png\" )"));
     ASSERT_EQ(picture.type(), ValueType::container);
@@ -30,7 +30,7 @@ TEST(ContainerFunctions, DecodingWithANameMakesAContainer) {
     EXPECT_EQ(outcome(session, "Base64EncodeRFC ( 4648 ; $p ) = " + kGif), "1");
 }
 
-TEST(ContainerFunctions, Attributes) {
+TEST(ContainerFunctionsTest, Attributes) {
     Session session;
     session.evaluate(fromUtf8("Let ( $p = Base64Decode ( " + kGif + " ; \"a.gif\" ) ; \"\" )"));
     expectRows(
@@ -63,7 +63,7 @@ TEST(ContainerFunctions, Attributes) {
         });
 }
 
-TEST(ContainerFunctions, ContainersAsOtherValues) {
+TEST(ContainerFunctionsTest, ContainersAsOtherValues) {
     Session session;
     const auto set = [&](const std::u16string& name, const Container& container) {
         session.setVariable(name, Value::container(container));

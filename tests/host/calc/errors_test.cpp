@@ -26,7 +26,7 @@ std::string reportOf(const std::string& name, const std::string& calculation) {
     return "no error";
 }
 
-TEST(Errors, Messages) {
+TEST(ErrorsTest, Messages) {
     constexpr const char* kValue = "a value (a number, a text in quotes, a variable, a function or \"(\")";
     const std::string expectedValue = std::string("expected ") + kValue;
     Session session;
@@ -58,7 +58,7 @@ TEST(Errors, Messages) {
     expectError("“a”", "1:1: " + expectedValue + ", found “a”");
 }
 
-TEST(Errors, ArgumentCounts) {
+TEST(ErrorsTest, ArgumentCounts) {
     expectRows({
         {"Left ( \"a\" )", "error 1:1: Left takes 2 arguments, 1 given: Left ( text ; numberOfCharacters )"},
         {"Left", "error 1:1: Left takes 2 arguments, 0 given: Left ( text ; numberOfCharacters )"},
@@ -87,7 +87,7 @@ TEST(Errors, ArgumentCounts) {
     });
 }
 
-TEST(Errors, Suggestions) {
+TEST(ErrorsTest, Suggestions) {
     expectRows({
         {"Lenght ( \"a\" )", "error 1:1: there is no function called Lenght; did you mean Length?"},
         {"1 + Uper ( \"a\" )", "error 1:5: there is no function called Uper; did you mean Upper?"},
@@ -101,7 +101,7 @@ TEST(Errors, Suggestions) {
     });
 }
 
-TEST(Errors, LetAndWhile) {
+TEST(ErrorsTest, LetAndWhile) {
     expectRows({
         {"Let ( 1 ; 2 )", "error 1:7: expected the name of a variable, found 1"},
         {"Let ( a ; 2 )", "error 1:9: expected \"=\" after the name of a variable, found ;"},
@@ -115,7 +115,7 @@ TEST(Errors, LetAndWhile) {
     });
 }
 
-TEST(Errors, IncompleteInputIsAKindOfItsOwn) {
+TEST(ErrorsTest, IncompleteInputIsAKindOfItsOwn) {
     for (const char* text :
          {"", "1 +", "(", "( 1", "Left (", "Left ( \"a\" ;", "\"abc", "1 /* x", "Let ( [ a = 1 ;", "Get (",
           "Get ( LastError", "Let ( a", "not", "$x &", "While ( [ i = 0 ]"}) {
@@ -127,7 +127,7 @@ TEST(Errors, IncompleteInputIsAKindOfItsOwn) {
     }
 }
 
-TEST(Errors, ReportShowsTheLineAndTheCaret) {
+TEST(ErrorsTest, ReportShowsTheLineAndTheCaret) {
     EXPECT_EQ(reportOf("", "Let ( x = 1 ; Lenght ( x ) )"),
               "1:15: there is no function called Lenght; did you mean Length?\n"
               "    Let ( x = 1 ; Lenght ( x ) )\n"
@@ -142,7 +142,7 @@ TEST(Errors, ReportShowsTheLineAndTheCaret) {
                                         "         ^");
 }
 
-TEST(Errors, ReportCutsLongLinesAroundThePlace) {
+TEST(ErrorsTest, ReportCutsLongLinesAroundThePlace) {
     const std::string report = reportOf("", std::string(500, ' ') + "? " + std::string(500, '1'));
     EXPECT_EQ(report, "1:501: a calculation has no use for the character \"?\"\n"
                       "    …" +
@@ -152,7 +152,7 @@ TEST(Errors, ReportCutsLongLinesAroundThePlace) {
                           std::string(60, ' ') + "^");
 }
 
-TEST(Errors, LinesEndWithReturnLineFeedOrBoth) {
+TEST(ErrorsTest, LinesEndWithReturnLineFeedOrBoth) {
     const Source source("", u"a\rb\nc\r\nd");
     EXPECT_EQ(source.place(0).line, 1U);
     EXPECT_EQ(source.place(2).line, 2U);
@@ -162,7 +162,7 @@ TEST(Errors, LinesEndWithReturnLineFeedOrBoth) {
     EXPECT_EQ(source.place(99).column, 2U);
 }
 
-TEST(Limits, NestingIsRefusedBeforeTheStackEnds) {
+TEST(LimitsTest, NestingIsRefusedBeforeTheStackEnds) {
     const auto nested = [](size_t depth, const std::string& open, const std::string& close) {
         std::string text;
         for (size_t i = 0; i < depth; ++i) {
@@ -184,13 +184,13 @@ TEST(Limits, NestingIsRefusedBeforeTheStackEnds) {
     }
 }
 
-TEST(Limits, DeepestCalculationInsideEvaluateInsideEvaluate) {
+TEST(LimitsTest, DeepestCalculationInsideEvaluateInsideEvaluate) {
     Session session;
     EXPECT_EQ(outcome(session, "Let ( $code = \"Evaluate ( $code )\" ; Evaluate ( $code ) )"), "?");
     EXPECT_EQ(outcome(session, "1 + 1"), "2");
 }
 
-TEST(Limits, LongCalculations) {
+TEST(LimitsTest, LongCalculations) {
     Session session;
     std::string sum = "0";
     for (int i = 0; i < 250'000; ++i) {
@@ -206,7 +206,7 @@ TEST(Limits, LongCalculations) {
     EXPECT_EQ(outcome(session, std::string(1'000'000, 'x')).substr(0, 20), "error 1:1: there is ");
 }
 
-TEST(Limits, AnInterruptedSessionStopsAndGoesOn) {
+TEST(LimitsTest, AnInterruptedSessionStopsAndGoesOn) {
     Session session;
     session.interruptFlag() = true;
     EXPECT_EQ(outcome(session, "1 + 1"), "error 1:1: stopped");

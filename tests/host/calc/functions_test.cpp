@@ -10,7 +10,7 @@ namespace host {
 namespace {
 
 // A text that no keyboard makes: what plug-ins must bear.
-TEST(Functions, HalfPairsAndZeroCharacters) {
+TEST(FunctionsTest, HalfPairsAndZeroCharacters) {
     Session session;
     EXPECT_EQ(session.evaluate(u"Char ( 0 )").asText(), std::u16string(1, u'\0'));
     EXPECT_EQ(session.evaluate(u"Char ( 55296 )").asText(), std::u16string(1, 0xD800));
@@ -34,7 +34,7 @@ TEST(Functions, HalfPairsAndZeroCharacters) {
     });
 }
 
-TEST(Functions, ConditionsEvaluateOnlyWhatTheyNeed) {
+TEST(FunctionsTest, ConditionsEvaluateOnlyWhatTheyNeed) {
     expectRows({
         {"If ( 1 ; \"yes\" ; \"no\" )", "yes"},
         {"If ( 0 ; \"yes\" ; \"no\" )", "no"},
@@ -58,7 +58,7 @@ TEST(Functions, ConditionsEvaluateOnlyWhatTheyNeed) {
     });
 }
 
-TEST(Functions, Let) {
+TEST(FunctionsTest, Let) {
     expectRows({
         {"Let ( a = 1 ; a + 1 )", "2"},
         {"Let ( [ a = 1 ; b = a + 1 ] ; a & b )", "12"},
@@ -81,7 +81,7 @@ TEST(Functions, Let) {
     });
 }
 
-TEST(Functions, While) {
+TEST(FunctionsTest, While) {
     expectRows({
         {"While ( [ i = 0 ; s = \"\" ] ; i < 3 ; [ i = i + 1 ; s = s & i ] ; s )", "123"},
         {"While ( i = 0 ; i < 3 ; i = i + 1 ; i )", "3"},
@@ -102,14 +102,14 @@ TEST(Functions, While) {
     });
 }
 
-TEST(Functions, NamesIgnoreCase) {
+TEST(FunctionsTest, NamesIgnoreCase) {
     expectRows({{"UPPER ( \"a\" )", "A"},
                 {"upper ( \"a\" )", "A"},
                 {"LET ( x = 1 ; x )", "1"},
                 {"iF ( 1 ; 2 )", "2"}});
 }
 
-TEST(Functions, TableIsOrderedAndEachNameStandsOnce) {
+TEST(FunctionsTest, TableIsOrderedAndEachNameStandsOnce) {
     std::u16string last;
     for (const Builtin& row : builtins()) {
         const std::u16string key = foldName(row.name());
@@ -125,7 +125,7 @@ TEST(Functions, TableIsOrderedAndEachNameStandsOnce) {
     }
 }
 
-TEST(Functions, AllNamesOfGetAreKnown) {
+TEST(FunctionsTest, AllNamesOfGetAreKnown) {
     EXPECT_EQ(getRows().size(), 138U);
     Session session;
     for (const GetRow& row : getRows()) {
@@ -136,7 +136,7 @@ TEST(Functions, AllNamesOfGetAreKnown) {
 }
 
 // Every function stands in some file of calculations with known results.
-TEST(Functions, EachIsTried) {
+TEST(FunctionsTest, EachIsTried) {
     namespace fs = std::filesystem;
     std::string calculations;
     for (const auto& entry : fs::directory_iterator(CALCULATIONS)) {
@@ -156,7 +156,7 @@ TEST(Functions, EachIsTried) {
     }
 }
 
-TEST(Functions, ArgumentCountsFollowFromPrototypes) {
+TEST(FunctionsTest, ArgumentCountsFollowFromPrototypes) {
     const auto counts = [](const char16_t* name) {
         const Builtin* row = findBuiltin(name);
         return std::pair(row->minArguments(), row->maxArguments());

@@ -3,7 +3,7 @@
 namespace host {
 namespace {
 
-TEST(Operators, Literals) {
+TEST(OperatorsTest, Literals) {
     expectRows({
         {"1", "1"},
         {"007", "7"},
@@ -33,7 +33,7 @@ TEST(Operators, Literals) {
     });
 }
 
-TEST(Operators, BlanksAndComments) {
+TEST(OperatorsTest, BlanksAndComments) {
     expectRows({
         {"  1\t+\r\n1  ", "2"},
         {"1 // one\r+ 1 // two", "2"},
@@ -46,7 +46,7 @@ TEST(Operators, BlanksAndComments) {
     });
 }
 
-TEST(Operators, Precedence) {
+TEST(OperatorsTest, Precedence) {
     expectRows({
         {"1 + 2 * 3", "7"},       {"( 1 + 2 ) * 3", "9"},
         {"2 * 3 ^ 2", "18"},      {"- 2 ^ 2", "-4"},
@@ -66,7 +66,7 @@ TEST(Operators, Precedence) {
     });
 }
 
-TEST(Operators, Comparisons) {
+TEST(OperatorsTest, Comparisons) {
     expectRows({
         {"1 < 2", "1"},
         {"2 < 1", "0"},
@@ -99,7 +99,7 @@ TEST(Operators, Comparisons) {
     });
 }
 
-TEST(Operators, NumbersFromText) {
+TEST(OperatorsTest, NumbersFromText) {
     expectRows({
         {"\"12\" + 1", "13"},
         {"\"a1b2\" + 0", "12"},
@@ -116,7 +116,7 @@ TEST(Operators, NumbersFromText) {
     });
 }
 
-TEST(Operators, DivisionByZeroIsAQuestionMark) {
+TEST(OperatorsTest, DivisionByZeroIsAQuestionMark) {
     expectRows({
         {"1 / 0", "?"},
         {"0 / 0", "?"},
@@ -130,7 +130,7 @@ TEST(Operators, DivisionByZeroIsAQuestionMark) {
     });
 }
 
-TEST(Operators, TruthOfValues) {
+TEST(OperatorsTest, TruthOfValues) {
     expectRows({
         {"not \"\"", "1"},
         {"not \"abc\"", "1"},
@@ -142,7 +142,7 @@ TEST(Operators, TruthOfValues) {
     });
 }
 
-TEST(Operators, AndAndOrLeaveOutWhatCanNotMatter) {
+TEST(OperatorsTest, AndAndOrLeaveOutWhatCanNotMatter) {
     expectRows({
         {"0 and Let ( $seen = 1 ; 1 )", "0"},
         {"1 or Let ( $seen = 1 ; 1 )", "1"},

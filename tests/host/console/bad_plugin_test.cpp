@@ -8,7 +8,7 @@ namespace {
 
 using testing::StartsWith;
 
-class BadPlugin : public Program {
+class BadPluginTest : public ProgramTest {
   protected:
     static std::string file(const std::string& name) { return TEST_PLUGINS "/" + name + ".fmx"; }
     Outcome with(const std::string& name, const std::string& arguments) {
@@ -17,7 +17,7 @@ class BadPlugin : public Program {
 };
 
 // The signal goes on to what handles it elsewhere: the shell says how the program ended, a sanitizer reports.
-TEST_F(BadPlugin, ACrashNamesThePlugin) {
+TEST_F(BadPluginTest, ACrashNamesThePlugin) {
     const auto expectCrash = [&](const std::string& name, const std::string& signal) {
         const Outcome result = with(name, "eval 1");
         EXPECT_THAT(result.err, StartsWith("fmhost: the plug-in " + file(name) +
@@ -29,12 +29,12 @@ TEST_F(BadPlugin, ACrashNamesThePlugin) {
     expectCrash("aborting_plugin", "Aborted");
 }
 
-TEST_F(BadPlugin, ExitingNamesThePlugin) {
+TEST_F(BadPluginTest, ExitingNamesThePlugin) {
     expect(with("exiting_plugin", "eval 1"), ExitCode::load, "",
            "fmhost: the plug-in " + file("exiting_plugin") + " ended the program in its start-up\n");
 }
 
-TEST_F(BadPlugin, SilenceHasALimit) {
+TEST_F(BadPluginTest, SilenceHasALimit) {
     expect(with("hanging_plugin", "eval 1 --timeout 1"), ExitCode::load, "",
            "fmhost: the plug-in " + file("hanging_plugin") +
                " did not answer its start-up within 1 second\n");
@@ -44,14 +44,14 @@ TEST_F(BadPlugin, SilenceHasALimit) {
     expect(good("eval 1 --timeout 0"), ExitCode::ok, "1\n", "");
 }
 
-TEST_F(BadPlugin, MissingLibrariesAreNamed) {
+TEST_F(BadPluginTest, MissingLibrariesAreNamed) {
     expect(with("lonely_plugin", "eval 1"), ExitCode::load, "",
            "fmhost: can not load " + file("lonely_plugin") +
                ": libgone.so: cannot open shared object file: No such file or directory\n");
 }
 
 // What could be registered can be used; the status tells that not all could.
-TEST_F(BadPlugin, RefusedRegistrationsFailTheCommand) {
+TEST_F(BadPluginTest, RefusedRegistrationsFailTheCommand) {
     const Outcome result = with("bad_functions_plugin", "eval 'Bad_Good & 1'");
     EXPECT_EQ(result.status, static_cast<int>(ExitCode::load));
     EXPECT_EQ(result.out, "1\n");

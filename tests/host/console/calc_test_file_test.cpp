@@ -5,7 +5,7 @@
 namespace host {
 namespace {
 
-TEST(CalcTestFile, CalculationsAndTheirChecks) {
+TEST(CalcTestFileTest, CalculationsAndTheirChecks) {
     const CalcTestFile file =
         parseCalcTest("# comment\n1 + 1\n= 2\n\nx\n~ \\d+\r\ny\n!  a part \n\"\"\n=\n", false);
     ASSERT_TRUE(file.faults.empty());
@@ -22,14 +22,14 @@ TEST(CalcTestFile, CalculationsAndTheirChecks) {
     EXPECT_EQ(file.checks[3].expected, "");
 }
 
-TEST(CalcTestFile, ABackslashContinuesALine) {
+TEST(CalcTestFileTest, ABackslashContinuesALine) {
     const CalcTestFile file = parseCalcTest("1 +\\\n# 2\\\n= 3\n= 4", false);
     ASSERT_EQ(file.checks.size(), 1U);
     EXPECT_EQ(file.checks[0].text, "1 +\n# 2\n= 3");
     EXPECT_EQ(file.checks[0].expected, "4");
 }
 
-TEST(CalcTestFile, FaultsOfForm) {
+TEST(CalcTestFileTest, FaultsOfForm) {
     const CalcTestFile file = parseCalcTest("= 1\n1\n2\n= 2\n3\n\n= 3\n4", false);
     ASSERT_EQ(file.faults.size(), 5U);
     EXPECT_EQ(file.faults[0].line, 1);
@@ -43,7 +43,7 @@ TEST(CalcTestFile, FaultsOfForm) {
     EXPECT_EQ(file.checks.size(), 1U);
 }
 
-TEST(CalcTestFile, OnlyTheCalcBlocksOfMarkdownCount) {
+TEST(CalcTestFileTest, OnlyTheCalcBlocksOfMarkdownCount) {
     const CalcTestFile file =
         parseCalcTest("# Title\ntext\n= 0\n```calc\n1\n= 1\n```\n```\n2\n```\n```calc\n3\n= 3\n```\n", true);
     EXPECT_TRUE(file.faults.empty());

@@ -22,7 +22,7 @@ const std::string kGif(kGifBytes, sizeof kGifBytes - 1);
 constexpr char kPngBytes[] = "\x89PNG\r\n\x1A\n\0\0\0\x0DIHDR\0\0\x01\x2C\0\0\x9C\x40\x08\6\0\0\0";
 const std::string kPng(kPngBytes, sizeof kPngBytes - 1);
 
-class Containers : public Program {
+class ContainersTest : public ProgramTest {
   protected:
     // Runs a script with the test plug-in.
     Outcome script(const std::string& text, const std::string& options = "") {
@@ -40,7 +40,7 @@ class Containers : public Program {
     }
 };
 
-TEST_F(Containers, APictureComesInAndGoesOut) {
+TEST_F(ContainersTest, APictureComesInAndGoesOut) {
     write("scripts/pixel.jpg", kGif); // a name says nothing
     expect(script("Insert Picture [ $picture ; \"pixel.jpg\" ]\n"
                   "Export Field Contents [ $picture ; \"copy \" & $picture ]\n"
@@ -50,7 +50,7 @@ TEST_F(Containers, APictureComesInAndGoesOut) {
     EXPECT_EQ(read(folder_ / "scripts" / "copy pixel.jpg"), kGif);
 }
 
-TEST_F(Containers, ThePluginSeesTheStreamsInTheirOrder) {
+TEST_F(ContainersTest, ThePluginSeesTheStreamsInTheirOrder) {
     write("scripts/a.gif", kGif);
     write("scripts/b.txt", kPng);
     write("scripts/c.png", "no picture");
@@ -64,7 +64,7 @@ TEST_F(Containers, ThePluginSeesTheStreamsInTheirOrder) {
         "FNAM 10 SIZE 4 GIFf 42 1x1\nFNAM 10 SIZE 4 PNGf 29 300x32767\nFNAM 10 FILE 10 \nFNAM 10 FILE 42 \n");
 }
 
-TEST_F(Containers, PathsStartAtTheScript) {
+TEST_F(ContainersTest, PathsStartAtTheScript) {
     write("scripts/in/a.gif", kGif);
     write("b.gif", kGif);
     const std::string absolute = (folder_ / "b.gif").string();
@@ -86,7 +86,7 @@ TEST_F(Containers, PathsStartAtTheScript) {
               "6869\n");
 }
 
-TEST_F(Containers, WhatAPluginMadeIsKeptShownAndExported) {
+TEST_F(ContainersTest, WhatAPluginMadeIsKeptShownAndExported) {
     expect(script("Set Variable [ $p ; Value: Test_Picture ]\nShow Custom Dialog [ GetContainerAttribute ( "
                   "$p ; \"width\" ) ; "
                   "GetContainerAttribute ( $p ; \"height\" ) ]\nExport Field Contents [ $p ; \"p.bmp\" ]\n"
@@ -99,7 +99,7 @@ TEST_F(Containers, WhatAPluginMadeIsKeptShownAndExported) {
                          "[container: \"e\", FILE 0 bytes]\n");
 }
 
-TEST_F(Containers, FilesThatCanNotBeRead) {
+TEST_F(ContainersTest, FilesThatCanNotBeRead) {
     write("scripts/empty.gif", "");
     fs::create_directory(folder_ / "scripts" / "folder");
     ASSERT_EQ(mkfifo((folder_ / "scripts" / "pipe").c_str(), 0600), 0);
@@ -121,7 +121,7 @@ TEST_F(Containers, FilesThatCanNotBeRead) {
     }
 }
 
-TEST_F(Containers, ALargeFileIsHeldOnce) {
+TEST_F(ContainersTest, ALargeFileIsHeldOnce) {
     constexpr off_t kSize = 500'000'000;
     const fs::path large = write("scripts/large", "x");
     ASSERT_EQ(truncate(large.c_str(), kSize), 0);
@@ -138,7 +138,7 @@ TEST_F(Containers, ALargeFileIsHeldOnce) {
     expectFailure("Insert Picture [ $p ; \"large\" ]", "1:23", "scripts/large is larger than 2 GB");
 }
 
-TEST_F(Containers, WhatCanNotBeExported) {
+TEST_F(ContainersTest, WhatCanNotBeExported) {
     const std::string step = "Export Field Contents [ ";
     write("scripts/there", "before");
     expectFailure(step + "\"text\" ; \"there\" ]", "1:25", "expected a container to export");
@@ -157,7 +157,7 @@ TEST_F(Containers, WhatCanNotBeExported) {
     EXPECT_TRUE(fs::is_character_file("/dev/null"));
 }
 
-TEST_F(Containers, ExportReplacesTheWholeFile) {
+TEST_F(ContainersTest, ExportReplacesTheWholeFile) {
     const fs::path there = write("scripts/there", std::string(1000, 'x'));
     fs::permissions(there, fs::perms::owner_read | fs::perms::owner_write);
     fs::create_symlink("there", folder_ / "scripts" / "link");
@@ -178,7 +178,7 @@ TEST_F(Containers, ExportReplacesTheWholeFile) {
     EXPECT_EQ(files, 4U); // with the script
 }
 
-TEST_F(Containers, AnExportThatFailsLeavesTheFileAsItWas) {
+TEST_F(ContainersTest, AnExportThatFailsLeavesTheFileAsItWas) {
     write("scripts/there", "before");
     write("scripts/big", std::string(200'000, 'x'));
     write("scripts/Main.fmscript", "Insert File [ $f ; \"big\" ]\nExport Field Contents [ $f ; \"there\" ]");
@@ -192,7 +192,7 @@ TEST_F(Containers, AnExportThatFailsLeavesTheFileAsItWas) {
     EXPECT_EQ(std::distance(fs::directory_iterator(folder_ / "scripts"), fs::directory_iterator()), 3);
 }
 
-TEST_F(Containers, StepsThatCanNotBeRead) {
+TEST_F(ContainersTest, StepsThatCanNotBeRead) {
     const auto message = [&](const std::string& text) { return script(text).err; };
     EXPECT_THAT(message("Insert Picture [ \"a\" ]"),
                 HasSubstr(":1:18: expected a $local or $$global variable, found"));

@@ -7,7 +7,7 @@
 namespace host {
 namespace {
 
-TEST(InputReader, OneLineIsOneCalculation) {
+TEST(InputReaderTest, OneLineIsOneCalculation) {
     Session session;
     InputReader reader(session.functions(), "");
     const auto calculation = reader.addLine("1 + 1");
@@ -16,7 +16,7 @@ TEST(InputReader, OneLineIsOneCalculation) {
     EXPECT_FALSE(reader.isOpen());
 }
 
-TEST(InputReader, AnIncompleteLineGoesOn) {
+TEST(InputReaderTest, AnIncompleteLineGoesOn) {
     Session session;
     InputReader reader(session.functions(), "");
     EXPECT_FALSE(reader.addLine("Let ( [ a = 1 ;"));
@@ -30,7 +30,7 @@ TEST(InputReader, AnIncompleteLineGoesOn) {
     EXPECT_FALSE(reader.isOpen());
 }
 
-TEST(InputReader, LinesWithoutACalculationAreNone) {
+TEST(InputReaderTest, LinesWithoutACalculationAreNone) {
     Session session;
     InputReader reader(session.functions(), "");
     for (const char* line : {"", "  \t", "// a comment", "/* another */"}) {
@@ -44,7 +44,7 @@ TEST(InputReader, LinesWithoutACalculationAreNone) {
     EXPECT_FALSE(reader.isOpen());
 }
 
-TEST(InputReader, AMistakeForgetsTheLines) {
+TEST(InputReaderTest, AMistakeForgetsTheLines) {
     Session session;
     InputReader reader(session.functions(), "input");
     EXPECT_FALSE(reader.addLine("1 +"));
@@ -58,7 +58,7 @@ TEST(InputReader, AMistakeForgetsTheLines) {
     EXPECT_TRUE(reader.addLine("5"));
 }
 
-TEST(InputReader, TheEndMustNotComeInTheMiddle) {
+TEST(InputReaderTest, TheEndMustNotComeInTheMiddle) {
     Session session;
     InputReader reader(session.functions(), "input");
     EXPECT_TRUE(reader.addLine("5"));

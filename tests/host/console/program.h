@@ -1,13 +1,15 @@
-// The program from the outside: runs it in a folder of its own.
 #pragma once
 
+// The program from the outside: runs it in a folder of its own.
+
 #include "host/console/exit_code.h"
+#include "tests/support/files.h"
+#include "tests/support/temporary_folder.h"
 
 #include <cstdlib>
 #include <filesystem>
 #include <fstream>
 #include <gtest/gtest.h>
-#include <iterator>
 #include <string>
 #include <sys/wait.h>
 
@@ -21,16 +23,9 @@ struct Outcome {
     std::string err;
 };
 
-class Program : public testing::Test {
+class ProgramTest : public testing::Test {
   protected:
-    Program() {
-        char pattern[] = "/tmp/console-test-XXXXXX";
-        folder_ = mkdtemp(pattern);
-        setenv("HOME", folder_.c_str(), 1);
-        setenv("XDG_STATE_HOME", (folder_ / "state").c_str(), 1);
-        unsetenv("FMHOST_PLUGIN");
-    }
-    ~Program() override { std::filesystem::remove_all(folder_); }
+    ProgramTest() { setenv("XDG_STATE_HOME", (folder_ / "state").c_str(), 1); }
 
     // Runs the program with the arguments as the shell reads them.
     Outcome run(const std::string& arguments, const std::string& input = "") {
@@ -55,10 +50,7 @@ class Program : public testing::Test {
         std::ofstream(file, std::ios::binary) << text;
         return file;
     }
-    static std::string read(const std::filesystem::path& file) {
-        std::ifstream in(file, std::ios::binary);
-        return {std::istreambuf_iterator<char>(in), {}};
-    }
+    static std::string read(const std::filesystem::path& file) { return support::bytesOf(file); }
 
     void expect(const Outcome& result, ExitCode code, const std::string& out, const std::string& err) const {
         EXPECT_EQ(result.status, static_cast<int>(code));
@@ -66,7 +58,8 @@ class Program : public testing::Test {
         EXPECT_EQ(result.err, err);
     }
 
-    std::filesystem::path folder_;
+    support::TemporaryHome home_;
+    std::filesystem::path folder_ = home_.path();
 };
 
 } // namespace host

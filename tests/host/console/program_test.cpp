@@ -9,12 +9,12 @@ namespace {
 using testing::HasSubstr;
 using testing::StartsWith;
 
-TEST_F(Program, EvaluatesInOneSession) {
+TEST_F(ProgramTest, EvaluatesInOneSession) {
     expect(plain("eval '1 + 1' 'Let ( $x = 5 ; $x )' '$x * 2' '\"a¶b\"' '\"\"' '1 / 0'"), ExitCode::ok,
            "2\n5\n10\na¶b\n\n?\n", "");
 }
 
-TEST_F(Program, WhatItPrintsIsAlwaysUtf8) {
+TEST_F(ProgramTest, WhatItPrintsIsAlwaysUtf8) {
     expect(plain("eval '\"a\" & Char ( 0 ) & Char ( 55296 ) & \"b\" & Char ( 57343 )'"), ExitCode::ok,
            "a\u2400\uFFFDb\uFFFD\n", "");
     write("Odd.fmscript", "Show Custom Dialog [ Char ( 0 ) ; Char ( 55296 ) ]\nExit Script [ Text Result: "
@@ -22,7 +22,7 @@ TEST_F(Program, WhatItPrintsIsAlwaysUtf8) {
     expect(plain("run Odd.fmscript"), ExitCode::ok, "\u2400\n\uFFFD\n\u2400\n\uFFFD\n", "");
 }
 
-TEST_F(Program, EvaluatesStandardInput) {
+TEST_F(ProgramTest, EvaluatesStandardInput) {
     const std::string lines = "1 + 1\n\n// comment\nLet ( a = 2 ;\r\n a )\n\"x\"";
     expect(plain("eval -", lines), ExitCode::ok, "2\n2\nx\n", "");
     expect(plain("", lines), ExitCode::ok, "2\n2\nx\n", "");
@@ -34,7 +34,7 @@ TEST_F(Program, EvaluatesStandardInput) {
            "    2 +\n       ^\n");
 }
 
-TEST_F(Program, MistakesInACalculation) {
+TEST_F(ProgramTest, MistakesInACalculation) {
     expect(plain("eval 1 'Lenght ( 2 )' 3"), ExitCode::parse, "1\n",
            "1:1: there is no function called Lenght; did you mean Length?\n    Lenght ( 2 )\n    ^\n");
     expect(good("eval 'Test_Throw ( \"int\" )'"), ExitCode::failure, "",
@@ -46,7 +46,7 @@ TEST_F(Program, MistakesInACalculation) {
            ")\n    ^\n");
 }
 
-TEST_F(Program, PluginsThatCanNotBeLoaded) {
+TEST_F(ProgramTest, PluginsThatCanNotBeLoaded) {
     const auto expectLoadError = [&](const std::string& arguments, const std::string& message) {
         expect(run(arguments), ExitCode::load, "", "fmhost: " + message + "\n");
     };
@@ -67,7 +67,7 @@ TEST_F(Program, PluginsThatCanNotBeLoaded) {
     EXPECT_EQ(run("eval 'Test_Echo ( 1 )'").out, "1\n");
 }
 
-TEST_F(Program, Functions) {
+TEST_F(ProgramTest, Functions) {
     const Outcome table = good("functions");
     EXPECT_EQ(table.status, 0);
     EXPECT_THAT(table.out, HasSubstr("1    Test_Echo ( value )\n"));
@@ -89,7 +89,7 @@ TEST_F(Program, Functions) {
     expect(plain("functions"), ExitCode::ok, "", "");
 }
 
-TEST_F(Program, FunctionsWithAWord) {
+TEST_F(ProgramTest, FunctionsWithAWord) {
     expect(plain("functions FISCAL"), ExitCode::ok,
            "Date\n2    WeekOfYearFiscal ( date ; startingDay )\n         Returns the week of the year; week "
            "1 is the "
@@ -103,7 +103,7 @@ TEST_F(Program, FunctionsWithAWord) {
         "fmhost: no function has \"xyzzy\" in its name or description; fmhost functions --all lists them\n");
 }
 
-TEST_F(Program, Locale) {
+TEST_F(ProgramTest, Locale) {
     expect(plain("--locale de_DE eval '3,5 * 2 & \"|\" & Date ( 12 ; 5 ; 2010 )'"), ExitCode::ok,
            "7|05.12.2010\n", "");
     expect(
@@ -111,7 +111,7 @@ TEST_F(Program, Locale) {
         "fmhost: there is no locale called xx_XX; expected a language and a country, for instance de_DE\n");
 }
 
-TEST_F(Program, WhatGetTellsAboutTheFolder) {
+TEST_F(ProgramTest, WhatGetTellsAboutTheFolder) {
     write("scripts/B.fmscript", "");
     write("scripts/A.fmscript", "");
     write("scripts/c.txt", "");
@@ -124,7 +124,7 @@ TEST_F(Program, WhatGetTellsAboutTheFolder) {
     EXPECT_EQ(good("eval 'Left ( Get ( InstalledFMPlugins ) ; 12 )'").out, "Test plug-in\n");
 }
 
-TEST_F(Program, Info) {
+TEST_F(ProgramTest, Info) {
     const Outcome info = good("info");
     EXPECT_EQ(info.out, "Name:       Test plug-in\nHelp text:  Helps testing.\nHelp at:    "
                         "https://example.com/help\nOptions:    TEST1nnYYnn\nInterface:  54\n"
@@ -134,7 +134,7 @@ TEST_F(Program, Info) {
     expect(plain("info"), ExitCode::usage, "", "fmhost: no plug-in is loaded\n");
 }
 
-TEST_F(Program, Scripts) {
+TEST_F(ProgramTest, Scripts) {
     write("scripts/Main.fmscript",
           "Show Custom Dialog [ \"Title\" ; \"a¶\" & Get ( ScriptParameter ) ]\n"
           "Perform Script [ “other” ]\nExit Script [ Text Result: \"r1¶\" & Get ( ScriptResult ) ]\n");
@@ -153,7 +153,7 @@ TEST_F(Program, Scripts) {
            "bad.fmscript:2:1: there is no script step called Bep\n    Bep\n    ^\n");
 }
 
-TEST_F(Program, ScriptsThatPluginsStartRunAfterwards) {
+TEST_F(ProgramTest, ScriptsThatPluginsStartRunAfterwards) {
     write("Later.fmscript", "Show Custom Dialog [ \"later\" ; Get ( ScriptParameter ) ]");
     write("Now.fmscript", "Set Variable [ $x ; Value: Test_StartScript ( \"\" ; \"Later\" ; \"p\" ) ]\nShow "
                           "Custom Dialog [ \"now\" ]");
@@ -163,7 +163,7 @@ TEST_F(Program, ScriptsThatPluginsStartRunAfterwards) {
     EXPECT_EQ(good("eval Test_Idle Test_Idle Test_Idle").out, "-1\n10\n20\n");
 }
 
-TEST_F(Program, Tests) {
+TEST_F(ProgramTest, Tests) {
     write("good.calc", "# two\nLet ( $x = 1 ; $x )\n= 1\n\"a¶\" & \\\n $x\n= a¶1\n$x\n~ \\d\nLenght ( 1 )\n! "
                        "mean Length\n\"\"\n=\n");
     expect(plain("test good.calc"), ExitCode::ok, "5 passed, 0 failed\n", "");
@@ -191,7 +191,7 @@ TEST_F(Program, Tests) {
            "fmhost: can not read none.calc: No such file or directory\n");
 }
 
-TEST_F(Program, SeveralTestFilesDoNotSeeEachOther) {
+TEST_F(ProgramTest, SeveralTestFilesDoNotSeeEachOther) {
     write("one.calc", "Let ( $$x = Test_Count ( 1 ; 1 ) ; $$x )\n= 1\n");
     EXPECT_EQ(good("test one.calc one.calc").out, "2 passed, 0 failed\n");
     write("two.calc", "$$x\n=\n1\n= 2\n");
@@ -200,7 +200,7 @@ TEST_F(Program, SeveralTestFilesDoNotSeeEachOther) {
     EXPECT_EQ(result.out, "two.calc:3: 1\n  expected: 2\n  got: 1\n2 passed, 1 failed\n");
 }
 
-TEST_F(Program, Usage) {
+TEST_F(ProgramTest, Usage) {
     for (const char* arguments : {"nothing", "eval", "run", "test", "--wrong", "--host-version x eval 1",
                                   "functions week day", "--host-version 99999 info"}) {
         const Outcome result = run(arguments);

@@ -1,4 +1,6 @@
 // The interactive prompt, on a pseudo-terminal.
+#include "tests/support/temporary_folder.h"
+
 #include <chrono>
 #include <csignal>
 #include <cstdlib>
@@ -21,19 +23,14 @@ using testing::HasSubstr;
 
 constexpr int kPatience = 20'000; // milliseconds for an answer of the program
 
-class Prompt : public testing::Test {
+class PromptTest : public testing::Test {
   protected:
-    Prompt() {
-        char pattern[] = "/tmp/prompt-test-XXXXXX";
-        folder_ = mkdtemp(pattern);
-        start();
-    }
-    ~Prompt() override {
+    PromptTest() { start(); }
+    ~PromptTest() override {
         if (terminal_ >= 0) {
             close(terminal_);
             waitpid(program_, nullptr, 0);
         }
-        fs::remove_all(folder_);
     }
 
     void start() {
@@ -42,7 +39,6 @@ class Prompt : public testing::Test {
             if (chdir(folder_.c_str()) != 0) {
                 _exit(127);
             }
-            setenv("HOME", folder_.c_str(), 1);
             setenv("XDG_STATE_HOME", (folder_ / "state").c_str(), 1);
             setenv("TERM", "dumb", 1);
             setenv("LC_ALL", "C", 1);
@@ -96,13 +92,14 @@ class Prompt : public testing::Test {
         return WIFEXITED(status) ? WEXITSTATUS(status) : -1;
     }
 
-    fs::path folder_;
+    support::TemporaryHome home_;
+    fs::path folder_ = home_.path();
     std::string seen_;
     int terminal_ = -1;
     pid_t program_ = 0;
 };
 
-TEST_F(Prompt, EvaluatesAndKeepsVariables) {
+TEST_F(PromptTest, EvaluatesAndKeepsVariables) {
     enter("Let ( $x = 20 ; $x )", "20\r\n");
     enter("$x + 1", "21\r\n");
     enter("\"a¶b\"", "a\r\nb\r\n");
@@ -110,7 +107,7 @@ TEST_F(Prompt, EvaluatesAndKeepsVariables) {
     EXPECT_EQ(exitStatus(), 0);
 }
 
-TEST_F(Prompt, HelpOnAFunction) {
+TEST_F(PromptTest, HelpOnAFunction) {
     enter("help weekofyear",
           "WeekOfYear ( date )\r\n    Returns the week of the year; January 1 is in week 1.\r\n    "
           "Category: Date\r\n");
@@ -119,13 +116,13 @@ TEST_F(Prompt, HelpOnAFunction) {
     enter("help xyzzy", "there is no function called xyzzy\r\n");
 }
 
-TEST_F(Prompt, AMistakeDoesNotEndIt) {
+TEST_F(PromptTest, AMistakeDoesNotEndIt) {
     enter("Lenght ( 1 )", "1:1: there is no function called Lenght; did you mean Length?\r\n");
     enter("Test_Throw ( \"runtime\" )", "1:1: Test_Throw failed: the printer is on fire\r\n");
     enter("1 + 1", "2\r\n");
 }
 
-TEST_F(Prompt, AnIncompleteLineGoesOnAndControlCDropsIt) {
+TEST_F(PromptTest, AnIncompleteLineGoesOnAndControlCDropsIt) {
     enter("1 +", ". ");
     enter("2", "3\r\n");
     enter("( 1", ". ");
@@ -134,7 +131,7 @@ TEST_F(Prompt, AnIncompleteLineGoesOnAndControlCDropsIt) {
     enter("5", "5\r\n");
 }
 
-TEST_F(Prompt, ControlCStopsACalculation) {
+TEST_F(PromptTest, ControlCStopsACalculation) {
     type("While ( [ i = 0 ] ; i < 40000 ; [ i = i + 1 ; s = While ( j = 0 ; j < 40000 ; j = j + 1 ; j ) ] ; "
          "i )\r");
     waitFor("\n");
@@ -144,12 +141,12 @@ TEST_F(Prompt, ControlCStopsACalculation) {
     enter("5", "5\r\n");
 }
 
-TEST_F(Prompt, ControlDLeaves) {
+TEST_F(PromptTest, ControlDLeaves) {
     type("\x04");
     EXPECT_EQ(exitStatus(), 0);
 }
 
-TEST_F(Prompt, KeepsAHistory) {
+TEST_F(PromptTest, KeepsAHistory) {
     enter("1 + 41", "42\r\n");
     enter("quit", "");
     EXPECT_EQ(exitStatus(), 0);
@@ -162,14 +159,14 @@ TEST_F(Prompt, KeepsAHistory) {
     enter("", "42\r\n");
 }
 
-TEST_F(Prompt, AStartedScriptRunsWhileItWaits) {
+TEST_F(PromptTest, AStartedScriptRunsWhileItWaits) {
     std::ofstream(folder_ / "Greets.fmscript") << "Show Custom Dialog [ \"hel\" & \"lo\" ]";
     enter("Test_StartLater ( \"Greets\" ; 200 )", "0\r\n");
     waitFor("hello\r\n> "); // the prompt is there again
     enter("1 + 1", "2\r\n");
 }
 
-TEST_F(Prompt, ControlCStopsAStartedScript) {
+TEST_F(PromptTest, ControlCStopsAStartedScript) {
     std::ofstream(folder_ / "Endless.fmscript") << "Show Custom Dialog [ \"begins\" ]\nLoop\nEnd Loop";
     std::ofstream(folder_ / "Pauses.fmscript")
         << "Show Custom Dialog [ \"begins\" ]\nPause/Resume Script [ Duration (seconds): 1000 ]\nExit Script";
@@ -182,7 +179,7 @@ TEST_F(Prompt, ControlCStopsAStartedScript) {
     }
 }
 
-TEST_F(Prompt, ThePluginIsIdleWhileItWaits) {
+TEST_F(PromptTest, ThePluginIsIdleWhileItWaits) {
     usleep(600'000);
     type("Test_Idle > 0\r");
     waitFor("\n1\r\n");

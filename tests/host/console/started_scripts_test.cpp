@@ -9,7 +9,7 @@ namespace {
 
 using testing::HasSubstr;
 
-class StartedScripts : public Program {
+class StartedScriptsTest : public ProgramTest {
   protected:
     void SetUp() override {
         write("Hello.fmscript", "Show Custom Dialog [ Get ( ScriptName ) & Get ( ScriptParameter ) & $x ]");
@@ -27,13 +27,13 @@ class StartedScripts : public Program {
     }
 };
 
-TEST_F(StartedScripts, RunWhenTheRunningOneEnds) {
+TEST_F(StartedScriptsTest, RunWhenTheRunningOneEnds) {
     EXPECT_EQ(shown("Set Variable [ $x ; Value: \"mine\" ]\n" + start("Hello", "; 1") +
                     start("hello", "; 2") + "Show Custom Dialog [ $started & $x ]"),
               "0mine\nHello1\nHello2\n");
 }
 
-TEST_F(StartedScripts, RunWhileTheRunningOnePauses) {
+TEST_F(StartedScriptsTest, RunWhileTheRunningOnePauses) {
     EXPECT_EQ(
         shown(
             "Set Variable [ $x ; Value: \"mine\" ]\n" + start("Hello", "; 1") + start("Hello") +
@@ -41,7 +41,7 @@ TEST_F(StartedScripts, RunWhileTheRunningOnePauses) {
         "Hello1\nHello\nmineMain\n");
 }
 
-TEST_F(StartedScripts, APauseLetsThePluginWork) {
+TEST_F(StartedScriptsTest, APauseLetsThePluginWork) {
     // Some ten idle messages, of the level that says that a script pauses.
     EXPECT_EQ(shown("Set Variable [ $before ; Value: Test_Idle ]\n"
                     "Pause/Resume Script [ Duration (seconds): Let ( half = .5 ; half ) ]\n"
@@ -51,7 +51,7 @@ TEST_F(StartedScripts, APauseLetsThePluginWork) {
               "211\n");
 }
 
-TEST_F(StartedScripts, RunFromAnIdleMessageAndFromAThread) {
+TEST_F(StartedScriptsTest, RunFromAnIdleMessageAndFromAThread) {
     EXPECT_EQ(
         shown("Set Variable [ $s ; Value: Test_StartWhenIdle ( \"Hello\" ) ]\nShow Custom Dialog [ \"a\" ]\n"
               "Pause/Resume Script [ Duration (seconds): 0 ]\nShow Custom Dialog [ \"b\" ]"),
@@ -64,7 +64,7 @@ TEST_F(StartedScripts, RunFromAnIdleMessageAndFromAThread) {
     EXPECT_EQ(good("eval 'Test_StartWhenIdle ( \"Hello\" )' 7").out, "0\nHello\n7\n");
 }
 
-TEST_F(StartedScripts, APauseTakesItsTime) {
+TEST_F(StartedScriptsTest, APauseTakesItsTime) {
     const auto seconds = [&](const std::string& duration) {
         const auto before = std::chrono::steady_clock::now();
         shown("Pause/Resume Script [ Duration (seconds): " + duration + " ]");
@@ -76,7 +76,7 @@ TEST_F(StartedScripts, APauseTakesItsTime) {
     }
 }
 
-TEST_F(StartedScripts, WhatDoesNotExistIsAnErrorCode) {
+TEST_F(StartedScriptsTest, WhatDoesNotExistIsAnErrorCode) {
     EXPECT_EQ(
         good("eval 'Test_StartScript ( \"\" ; \"never\" )' 'Test_StartScript ( \"nowhere\" ; \"Hello\" )' "
              "'Test_StartScript ( \"\" ; \"\" )' 'Test_StartScript' 'Test_StartScript ( \"\" ; Char ( 0 ) & "
@@ -86,7 +86,7 @@ TEST_F(StartedScripts, WhatDoesNotExistIsAnErrorCode) {
         "104\n104\n104\n104\n104\n104\n");
 }
 
-TEST_F(StartedScripts, EveryControlValueIsAccepted) {
+TEST_F(StartedScriptsTest, EveryControlValueIsAccepted) {
     std::string calls;
     for (const char* control : {"0", "1", "2", "3", "200"}) {
         calls += start("Hello", std::string(" ; ") + control + " ; " + control);
@@ -95,7 +95,7 @@ TEST_F(StartedScripts, EveryControlValueIsAccepted) {
               "still here\nHello0\nHello1\nHello2\nHello3\nHello200\n");
 }
 
-TEST_F(StartedScripts, MayStartOthersAndPauseThemselves) {
+TEST_F(StartedScriptsTest, MayStartOthersAndPauseThemselves) {
     write("First.fmscript",
           start("Hello", "; \"from First\"") +
               "Pause/Resume Script [ Duration (seconds): 0 ]\nShow Custom Dialog [ \"First\" ]");
@@ -116,7 +116,7 @@ TEST_F(StartedScripts, MayStartOthersAndPauseThemselves) {
               "500\n200\n");
 }
 
-TEST_F(StartedScripts, TheirMistakesAreReportedAndTheOthersRun) {
+TEST_F(StartedScriptsTest, TheirMistakesAreReportedAndTheOthersRun) {
     write("Bad.fmscript", "\nInsert File [ $f ; \"none\" ]");
     write("Unreadable.fmscript", "Bep");
     write("Main.fmscript",
@@ -130,7 +130,7 @@ TEST_F(StartedScripts, TheirMistakesAreReportedAndTheOthersRun) {
               static_cast<int>(ExitCode::failure));
 }
 
-TEST_F(StartedScripts, PausesThatCanNotBeRead) {
+TEST_F(StartedScriptsTest, PausesThatCanNotBeRead) {
     for (const char* step :
          {"Pause/Resume Script [ 5 ]", "Pause/Resume Script [ Duration: 5 ]",
           "Pause/Resume Script [ Duration (minutes): 5 ]", "Pause/Resume Script [ Indefinitely ]"}) {

@@ -2,6 +2,7 @@
 #include "host/loader/plugin_host.h"
 #include "host/values/text.h"
 #include "host/wrapper/host_hooks.h"
+#include "tests/support/temporary_folder.h"
 
 #include <chrono>
 #include <cstdlib>
@@ -28,9 +29,9 @@ int exported(const fs::path& plugin, const char* name) {
     return number;
 }
 
-class Loader : public testing::Test {
+class LoaderTest : public testing::Test {
   protected:
-    Loader()
+    LoaderTest()
         : host_(session_, steps_,
                 [this](const std::u16string& file, const std::u16string& script, const Value& parameter) {
                     const std::lock_guard lock(mutex_);
@@ -69,23 +70,7 @@ class Loader : public testing::Test {
     PluginHost host_;
 };
 
-// A folder of its own.
-class TemporaryFolder {
-  public:
-    TemporaryFolder() {
-        char pattern[] = "/tmp/loader-test-XXXXXX";
-        path_ = mkdtemp(pattern);
-    }
-    ~TemporaryFolder() { fs::remove_all(path_); }
-    TemporaryFolder(const TemporaryFolder&) = delete;
-    TemporaryFolder& operator=(const TemporaryFolder&) = delete;
-    const fs::path& path() const { return path_; }
-
-  private:
-    fs::path path_;
-};
-
-TEST_F(Loader, AsksForTheStringsAndKeepsTheFunctions) {
+TEST_F(LoaderTest, AsksForTheStringsAndKeepsTheFunctions) {
     const PluginInfo& info = host_.load(kPlugins / "good_plugin.fmx");
     EXPECT_EQ(info.name, u"Test plug-in");
     EXPECT_EQ(info.helpText, u"Helps testing.");
@@ -109,8 +94,8 @@ TEST_F(Loader, AsksForTheStringsAndKeepsTheFunctions) {
     EXPECT_EQ(run("Test_Instance"), "77101");
 }
 
-TEST_F(Loader, LoadsTheOnePluginOfAFolder) {
-    const TemporaryFolder folder;
+TEST_F(LoaderTest, LoadsTheOnePluginOfAFolder) {
+    const support::TemporaryFolder folder;
     EXPECT_EQ(loadError(folder.path()), "the folder " + folder.path().string() + " holds no .fmx file");
     fs::create_directory(folder.path() / "Resources");
     fs::copy_file(kPlugins / "good_plugin.fmx", folder.path() / "Some.fmx");
@@ -121,8 +106,8 @@ TEST_F(Loader, LoadsTheOnePluginOfAFolder) {
                                             "one to load");
 }
 
-TEST_F(Loader, LoadsThePluginOfABundle) {
-    const TemporaryFolder folder;
+TEST_F(LoaderTest, LoadsThePluginOfABundle) {
+    const support::TemporaryFolder folder;
     const fs::path bundle = folder.path() / "Some.fmplugin";
     fs::create_directories(bundle / "Contents/MacOS");
     EXPECT_EQ(loadError(bundle),
@@ -140,8 +125,8 @@ TEST_F(Loader, LoadsThePluginOfABundle) {
 }
 
 // A library of that name whose head says that it is for something else.
-TEST_F(Loader, RefusesLibrariesOfOtherMachines) {
-    const TemporaryFolder folder;
+TEST_F(LoaderTest, RefusesLibrariesOfOtherMachines) {
+    const support::TemporaryFolder folder;
     const fs::path library = folder.path() / "Other.fmx";
     const auto expectFor = [&](const std::string& machine) {
         EXPECT_THAT(loadError(library),
@@ -169,8 +154,8 @@ TEST_F(Loader, RefusesLibrariesOfOtherMachines) {
 }
 
 // However much of a library is missing, it is refused or does not matter; nothing crashes.
-TEST_F(Loader, RefusesLibrariesThatAreCutShort) {
-    const TemporaryFolder folder;
+TEST_F(LoaderTest, RefusesLibrariesThatAreCutShort) {
+    const support::TemporaryFolder folder;
     const fs::path library = folder.path() / "Cut.fmx";
     const fs::path whole = kPlugins / "good_plugin.fmx";
     for (const uintmax_t size : {fs::file_size(whole) / 2, uintmax_t{5000}, uintmax_t{1000}}) {
@@ -184,11 +169,11 @@ TEST_F(Loader, RefusesLibrariesThatAreCutShort) {
     EXPECT_THAT(loadError(library), testing::StartsWith("can not load " + library.string() + ": "));
 }
 
-TEST_F(Loader, RefusesWhatIsNoPlugin) {
+TEST_F(LoaderTest, RefusesWhatIsNoPlugin) {
     EXPECT_EQ(loadError("/nowhere/at/all"), "there is no plug-in at /nowhere/at/all");
     const std::string noEntry = (kPlugins / "no_entry_plugin.fmx").string();
     EXPECT_EQ(loadError(noEntry), noEntry + " is no plug-in: it has no function FMExternCallProc");
-    const TemporaryFolder folder;
+    const support::TemporaryFolder folder;
     const fs::path text = folder.path() / "text.fmx";
     std::ofstream(text) << "no library";
     EXPECT_EQ(loadError(text), "can not load " + text.string() + ": file too short");
@@ -200,7 +185,7 @@ TEST_F(Loader, RefusesWhatIsNoPlugin) {
                   ": libgone.so: cannot open shared object file: No such file or directory");
 }
 
-TEST_F(Loader, HonoursTheAnswerToTheStartUp) {
+TEST_F(LoaderTest, HonoursTheAnswerToTheStartUp) {
     const auto message = [&](const char* name, const std::string& rest) {
         const std::string path = (kPlugins / (std::string(name) + ".fmx")).string();
         EXPECT_EQ(loadError(path, 53), "the plug-in " + path + " " + rest);
@@ -215,7 +200,7 @@ TEST_F(Loader, HonoursTheAnswerToTheStartUp) {
     EXPECT_EQ(host_.load(kPlugins / "tired_plugin.fmx").version, 51);
 }
 
-TEST_F(Loader, RefusesBadRegistrations) {
+TEST_F(LoaderTest, RefusesBadRegistrations) {
     host_.load(kPlugins / "bad_functions_plugin.fmx");
     const std::string file = (kPlugins / "bad_functions_plugin.fmx").string();
     const auto refusal = [&](const std::string& which, const std::string& reason) {
@@ -234,7 +219,7 @@ TEST_F(Loader, RefusesBadRegistrations) {
     EXPECT_EQ(run("Left ( \"abc\" ; 2 ) & BAD_GOOD"), "ab");
 }
 
-TEST_F(Loader, ValuesCrossUnchanged) {
+TEST_F(LoaderTest, ValuesCrossUnchanged) {
     loadGood();
     for (const char* calculation :
          {"\"\"", "\"text 日本 😀\"", "\"a¶b\"", "0", "-12.5", "1 / 3", "12345678901234567890123456789.5",
@@ -253,7 +238,7 @@ TEST_F(Loader, ValuesCrossUnchanged) {
     EXPECT_EQ(run("Test_Echo ( \"" + megabyte + "\" )"), megabyte);
 }
 
-TEST_F(Loader, ContainersCrossUnchanged) {
+TEST_F(LoaderTest, ContainersCrossUnchanged) {
     loadGood();
     Container container;
     container.setFileNames(u"image:picture.png");
@@ -265,7 +250,7 @@ TEST_F(Loader, ContainersCrossUnchanged) {
     EXPECT_EQ(session_.evaluate(u"Test_Echo ( $picture )").asContainer(), container);
 }
 
-TEST_F(Loader, ArgumentCountsAreCheckedBeforeTheHandlerRuns) {
+TEST_F(LoaderTest, ArgumentCountsAreCheckedBeforeTheHandlerRuns) {
     loadGood();
     EXPECT_EQ(run("Test_Count ( 1 )"),
               "error Test_Count takes 2 to 3 arguments, 1 given: Test_Count ( a ; b {; c } )");
@@ -282,7 +267,7 @@ TEST_F(Loader, ArgumentCountsAreCheckedBeforeTheHandlerRuns) {
     EXPECT_EQ(run("test_JOIN ( 1 ; \"b\" ; 3 ; 4 ; 5 ; 6 ; 7 ; 8 ; 9 )"), "1b3456789");
 }
 
-TEST_F(Loader, WhatAHandlerThrowsEndsTheCalculationAlone) {
+TEST_F(LoaderTest, WhatAHandlerThrowsEndsTheCalculationAlone) {
     loadGood();
     EXPECT_EQ(run("1 + Test_Throw ( \"runtime\" )"), "error Test_Throw failed: the printer is on fire");
     EXPECT_EQ(run("Test_Throw ( \"alloc\" )"), "error Test_Throw failed: out of memory");
@@ -294,7 +279,7 @@ TEST_F(Loader, WhatAHandlerThrowsEndsTheCalculationAlone) {
     EXPECT_EQ(run("Test_Echo ( 1 )"), "1");
 }
 
-TEST_F(Loader, AFailureOfTheHostIsAFailedCall) {
+TEST_F(LoaderTest, AFailureOfTheHostIsAFailedCall) {
     loadGood();
     FM_Host_FailNextCall(1);
     EXPECT_EQ(run("Test_Echo ( 1 )"), "error Test_Echo failed: out of memory");
@@ -303,13 +288,13 @@ TEST_F(Loader, AFailureOfTheHostIsAFailedCall) {
     EXPECT_EQ(run("Test_Echo ( 1 )"), "1");
 }
 
-TEST_F(Loader, AnErrorCodeOfAHandlerIsTheLastError) {
+TEST_F(LoaderTest, AnErrorCodeOfAHandlerIsTheLastError) {
     loadGood();
     EXPECT_EQ(run("Test_Answer ( 7 ) & \"/\" & Get ( LastError )"), "?/7");
     EXPECT_EQ(run("Test_Answer ( 0 ) & \"/\" & Get ( LastError )"), "1/0");
 }
 
-TEST_F(Loader, HandlersMayEvaluate) {
+TEST_F(LoaderTest, HandlersMayEvaluate) {
     loadGood();
     EXPECT_EQ(run("Test_Evaluate ( \"1 + 1\" )"), "2");
     EXPECT_EQ(run("Let ( $x = 5 ; Test_Evaluate ( \"$x * 2\" ) )"), "10");
@@ -319,7 +304,7 @@ TEST_F(Loader, HandlersMayEvaluate) {
     EXPECT_EQ(run("Let ( $code = \"Test_Evaluate ( $code )\" ; Test_Evaluate ( $code ) )"), "1200");
 }
 
-TEST_F(Loader, AnyThreadMayStartScripts) {
+TEST_F(LoaderTest, AnyThreadMayStartScripts) {
     loadGood();
     const std::string calls = "Test_StartLater ( \"A\" ; 0 ) & Test_StartLater ( \"B\" ; 0 )";
     EXPECT_EQ(run(calls), "00");
@@ -336,7 +321,7 @@ TEST_F(Loader, AnyThreadMayStartScripts) {
     EXPECT_THAT(started_, testing::UnorderedElementsAre("/A/", "/B/", "/C/"));
 }
 
-TEST_F(Loader, HandlersMayStartScripts) {
+TEST_F(LoaderTest, HandlersMayStartScripts) {
     loadGood();
     EXPECT_EQ(run("Test_StartScript ( \"file\" ; \"Script\" ; 5 )"), "0");
     EXPECT_EQ(run("Test_StartScript ( \"\" ; \"Missing\" )"), "104");
@@ -344,7 +329,7 @@ TEST_F(Loader, HandlersMayStartScripts) {
     EXPECT_EQ(started_, (std::vector<std::string>{"file/Script/5", "/Missing/", "//"}));
 }
 
-TEST_F(Loader, AFunctionUnregisteredSinceIsNoLongerCalled) {
+TEST_F(LoaderTest, AFunctionUnregisteredSinceIsNoLongerCalled) {
     loadGood();
     const Calculation calculation =
         parseCalculation(std::make_shared<Source>("", u"Test_Echo ( 1 )"), session_.functions());
@@ -359,7 +344,7 @@ TEST_F(Loader, AFunctionUnregisteredSinceIsNoLongerCalled) {
     }
 }
 
-TEST_F(Loader, IdleGoesToThePluginsThatAskForIt) {
+TEST_F(LoaderTest, IdleGoesToThePluginsThatAskForIt) {
     loadGood();
     const int before = std::stoi(run("Test_Idle")) / 10;
     host_.idle(IdleLevel::scriptRunning);
@@ -378,13 +363,13 @@ TEST_F(Loader, IdleGoesToThePluginsThatAskForIt) {
                                        " failed on message 1: too tired"});
 }
 
-TEST_F(Loader, IdleDoesNotGoToAPluginThatRefused) {
+TEST_F(LoaderTest, IdleDoesNotGoToAPluginThatRefused) {
     EXPECT_THAT(loadError(kPlugins / "refusing_plugin.fmx"), testing::HasSubstr("refused version"));
     host_.idle(IdleLevel::userIdle); // which it would throw at
     EXPECT_TRUE(host_.takeWarnings().empty());
 }
 
-TEST(LoaderLife, EachMessageGoesToWhoAsksForIt) {
+TEST(LoaderLifeTest, EachMessageGoesToWhoAsksForIt) {
     const fs::path plugin = kPlugins / "session_plugin.fmx";
     void* handle = dlopen(plugin.c_str(), RTLD_NOW | RTLD_LOCAL);
     ASSERT_NE(handle, nullptr) << dlerror();
@@ -400,7 +385,7 @@ TEST(LoaderLife, EachMessageGoesToWhoAsksForIt) {
     dlclose(handle);
 }
 
-TEST(LoaderLife, TheEndShutsDownAndTakesTheFunctionsAway) {
+TEST(LoaderLifeTest, TheEndShutsDownAndTakesTheFunctionsAway) {
     const fs::path plugin = kPlugins / "good_plugin.fmx";
     const int starts = exported(plugin, "testStarts");
     const int shutDowns = exported(plugin, "testShutDowns");
@@ -417,7 +402,7 @@ TEST(LoaderLife, TheEndShutsDownAndTakesTheFunctionsAway) {
     EXPECT_TRUE(session.functions().all().empty());
 }
 
-TEST(LoaderLife, AProcessHasOneHostAtATime) {
+TEST(LoaderLifeTest, AProcessHasOneHostAtATime) {
     Session session;
     StepRegistry steps;
     {

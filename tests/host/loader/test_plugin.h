@@ -1,6 +1,7 @@
+#pragma once
+
 // What the plug-ins of these tests share: registering functions and answering the host's questions for
 // strings.
-#pragma once
 
 #include "host/wrapper/interface.h"
 

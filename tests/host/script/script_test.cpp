@@ -1,5 +1,6 @@
 #include "host/script/script_runner.h"
 #include "host/values/text.h"
+#include "tests/support/temporary_folder.h"
 
 #include <chrono>
 #include <cstdlib>
@@ -14,16 +15,13 @@ namespace {
 namespace fs = std::filesystem;
 
 // A folder of scripts, a session, and what the scripts showed.
-class Scripts : public testing::Test, protected ScriptListener {
+class ScriptsTest : public testing::Test, protected ScriptListener {
   protected:
-    Scripts() {
-        char pattern[] = "/tmp/script-test-XXXXXX";
-        root_ = mkdtemp(pattern);
+    ScriptsTest() {
         fs::create_directory(root_ / "main");
         library_.emplace(root_ / "main", session_.functions(), steps_);
         runner_.emplace(session_, *library_, static_cast<ScriptListener&>(*this));
     }
-    ~Scripts() override { fs::remove_all(root_); }
 
     fs::path write(const std::string& name, const std::string& text) const {
         fs::path file = root_ / "main" / (name + ".fmscript");
@@ -64,7 +62,8 @@ class Scripts : public testing::Test, protected ScriptListener {
                           shown(result));
     }
 
-    fs::path root_;
+    support::TemporaryFolder folder_;
+    fs::path root_ = folder_.path();
     Session session_;
     StepRegistry steps_;
     std::optional<ScriptLibrary> library_;
@@ -75,7 +74,7 @@ class Scripts : public testing::Test, protected ScriptListener {
 
 using Strings = std::vector<std::string>;
 
-TEST_F(Scripts, SetVariableAndExitWithAResult) {
+TEST_F(ScriptsTest, SetVariableAndExitWithAResult) {
     EXPECT_EQ(run("Set Variable [ $x ; Value: 20 ]\nExit Script [ Text Result: $x + 1 ]\n"), "21");
     EXPECT_EQ(run("Set Variable [ $x[1] ; Value: 2 ]\nExit Script [ Text Result: $x ]"), "2");
     EXPECT_EQ(run("Exit Script"), "");
@@ -87,7 +86,7 @@ TEST_F(Scripts, SetVariableAndExitWithAResult) {
     EXPECT_EQ(run(""), "");
 }
 
-TEST_F(Scripts, CommentsBlankLinesAndLineEnds) {
+TEST_F(ScriptsTest, CommentsBlankLinesAndLineEnds) {
     EXPECT_EQ(run("# a comment [ with brackets\n\n\t \r\n#\n// Set Variable [ $off ; Value: 1 ]\r"
                   "Exit Script [ Text Result: \"x\" & $off ]\n# end"),
               "x");
@@ -96,14 +95,14 @@ TEST_F(Scripts, CommentsBlankLinesAndLineEnds) {
               "1");
 }
 
-TEST_F(Scripts, StepsSpanLinesInsideBrackets) {
+TEST_F(ScriptsTest, StepsSpanLinesInsideBrackets) {
     EXPECT_EQ(run("Set Variable [ $x ;\n  Value: Let (\n [ a = 1 ; b = \"]\" ] ; // the ] of a comment\n a & "
                   "b )\n]\n"
                   "Exit Script [ Text Result: $x ]"),
               "1]");
 }
 
-TEST_F(Scripts, IfTakesOneBranch) {
+TEST_F(ScriptsTest, IfTakesOneBranch) {
     const std::string script =
         "If [ Get ( ScriptParameter ) = 1 ]\n Set Variable [ $x ; Value: \"one\" ]\n"
         "Else If [ Get ( ScriptParameter ) = 2 ]\n Set Variable [ $x ; Value: \"two\" ]\n"
@@ -118,7 +117,7 @@ TEST_F(Scripts, IfTakesOneBranch) {
               "inner");
 }
 
-TEST_F(Scripts, LoopsEndWhereTheySay) {
+TEST_F(ScriptsTest, LoopsEndWhereTheySay) {
     EXPECT_EQ(run("Loop\nSet Variable [ $i ; Value: $i + 1 ]\nExit Loop If [ $i = 5 ]\nEnd Loop\nExit Script "
                   "[ Text Result: $i ]"),
               "5");
@@ -133,12 +132,12 @@ TEST_F(Scripts, LoopsEndWhereTheySay) {
               "12");
 }
 
-TEST_F(Scripts, DialogsAreShown) {
+TEST_F(ScriptsTest, DialogsAreShown) {
     EXPECT_EQ(run("Show Custom Dialog [ \"Title\" ; \"a¶b\" ]\nShow Custom Dialog [ 1 + 1 ]"), "");
     EXPECT_EQ(dialogs_, (Strings{"Title: a|b", "2: "}));
 }
 
-TEST_F(Scripts, PerformScriptPassesParameterAndResult) {
+TEST_F(ScriptsTest, PerformScriptPassesParameterAndResult) {
     write("Twice", "Set Variable [ $x ; Value: 99 ]\nExit Script [ Text Result: Get ( ScriptName ) & Get ( "
                    "ScriptParameter ) * 2 ]");
     for (const char* name : {"“Twice”", "\"Twice\"", "\"tw\" & \"ice\"", "Specified: From list ; “Twice”",
@@ -155,7 +154,7 @@ TEST_F(Scripts, PerformScriptPassesParameterAndResult) {
         "Twice0");
 }
 
-TEST_F(Scripts, AnotherDatabaseFileIsTheFolderBeside) {
+TEST_F(ScriptsTest, AnotherDatabaseFileIsTheFolderBeside) {
     fs::create_directory(root_ / "Other");
     std::ofstream(root_ / "Other" / "Hello.fmscript") << "Exit Script [ Text Result: \"hello\" ]";
     EXPECT_EQ(run("Perform Script [ “Hello” from file: “other” ]\nExit Script [ Text Result: Get ( "
@@ -166,7 +165,7 @@ TEST_F(Scripts, AnotherDatabaseFileIsTheFolderBeside) {
               "104");
 }
 
-TEST_F(Scripts, AMissingScriptIsAnErrorCode) {
+TEST_F(ScriptsTest, AMissingScriptIsAnErrorCode) {
     EXPECT_EQ(run("Perform Script [ “Nothing” ]\nExit Script [ Text Result: Get ( LastError ) ]"), "104");
     EXPECT_EQ(run("Perform Script [ \"../main/main\" ]\nExit Script [ Text Result: Get ( LastError ) ]"),
               "104");
@@ -176,20 +175,20 @@ TEST_F(Scripts, AMissingScriptIsAnErrorCode) {
               "0");
 }
 
-TEST_F(Scripts, LocalVariablesEndWithTheRunGlobalOnesStay) {
+TEST_F(ScriptsTest, LocalVariablesEndWithTheRunGlobalOnesStay) {
     EXPECT_EQ(run("Set Variable [ $a ; Value: 1 ]\nSet Variable [ $$b ; Value: 2 ]"), "");
     EXPECT_EQ(run("Exit Script [ Text Result: $a & \"-\" & $$b ]"), "-2");
     EXPECT_TRUE(session_.evaluate(u"$a").isEmpty());
     EXPECT_EQ(shown(session_.evaluate(u"$$b")), "2");
 }
 
-TEST_F(Scripts, TraceNamesEachStepWithItsValue) {
+TEST_F(ScriptsTest, TraceNamesEachStepWithItsValue) {
     run("Set Variable [ $x ; Value: 1 + 1 ]\nIf [ $x = 2 ]\n\tExit Script [ Text Result: $x ]\nEnd If");
     EXPECT_EQ(traced_, (Strings{"Set Variable [ $x ; Value: 1 + 1 ] -> 2", "If [ $x = 2 ] -> 1",
                                 "Exit Script [ Text Result: $x ] -> 2"}));
 }
 
-TEST_F(Scripts, ParseErrorsNameThePlaceInTheFile) {
+TEST_F(ScriptsTest, ParseErrorsNameThePlaceInTheFile) {
     const std::vector<std::pair<const char*, const char*>> rows = {
         {"\n\n  Set Varable [ $x ; Value: 1 ]",
          "main:3:3: there is no script step called Set Varable; did you mean Set Variable?"},
@@ -233,7 +232,7 @@ TEST_F(Scripts, ParseErrorsNameThePlaceInTheFile) {
     }
 }
 
-TEST_F(Scripts, ParseErrorsShowTheLine) {
+TEST_F(ScriptsTest, ParseErrorsShowTheLine) {
     const fs::path file = write("bad", "Set Variable [ $x ; Value: 1 ]\n\tIf [ 1 + ]\nEnd If");
     try {
         library_->load(file);
@@ -245,19 +244,19 @@ TEST_F(Scripts, ParseErrorsShowTheLine) {
     }
 }
 
-TEST_F(Scripts, NothingRunsWhenTheScriptHasAMistakeAnywhere) {
+TEST_F(ScriptsTest, NothingRunsWhenTheScriptHasAMistakeAnywhere) {
     EXPECT_EQ(run("Show Custom Dialog [ \"x\" ]\nBeep").substr(0, 12), "error main:2");
     EXPECT_TRUE(dialogs_.empty());
 }
 
-TEST_F(Scripts, PerformingEachOtherWithoutEndIsStopped) {
+TEST_F(ScriptsTest, PerformingEachOtherWithoutEndIsStopped) {
     EXPECT_EQ(run("Perform Script [ “main” ]"),
               "error main:1:1: scripts perform each other too deeply: at most 200 levels");
     EXPECT_EQ(run("Exit Script [ Text Result: 1 ]"), "1");
     EXPECT_FALSE(session_.runsScript());
 }
 
-TEST_F(Scripts, DeepBlocksAndLongScripts) {
+TEST_F(ScriptsTest, DeepBlocksAndLongScripts) {
     std::string deep;
     for (int i = 0; i < 20'000; ++i) {
         deep += "If [ 1 ]\n";
@@ -270,7 +269,7 @@ TEST_F(Scripts, DeepBlocksAndLongScripts) {
     EXPECT_EQ(shown(session_.evaluate(u"$$deep")), "1");
 }
 
-TEST_F(Scripts, FilesThatCanNotBeRead) {
+TEST_F(ScriptsTest, FilesThatCanNotBeRead) {
     EXPECT_THROW(library_->load(root_ / "none.fmscript"), FileError);
     EXPECT_THROW(library_->load(root_), FileError);
     const fs::path bad = write("bad", "Set Variable [ $x ; Value: \"\xFF\" ]");
@@ -282,7 +281,7 @@ TEST_F(Scripts, FilesThatCanNotBeRead) {
     }
 }
 
-TEST_F(Scripts, AChangedFileIsReadAgain) {
+TEST_F(ScriptsTest, AChangedFileIsReadAgain) {
     const fs::path file = write("main", "Exit Script [ Text Result: 1 ]");
     EXPECT_EQ(shown(runner_->run(file, {})), "1");
     EXPECT_EQ(library_->load(file), library_->load(file));
@@ -291,7 +290,7 @@ TEST_F(Scripts, AChangedFileIsReadAgain) {
     EXPECT_EQ(shown(runner_->run(file, {})), "2");
 }
 
-TEST(ScriptQueue, HandsOutInOrderFromAnyThread) {
+TEST(ScriptQueueTest, HandsOutInOrderFromAnyThread) {
     ScriptQueue queue;
     EXPECT_FALSE(queue.pop());
     std::thread([&] { queue.push({"a", Value::number(1)}); }).join();

@@ -9,7 +9,7 @@ namespace {
 constexpr StreamType kPng = StreamType::of("PNGf");
 constexpr StreamType kJpeg = StreamType::of("JPEG");
 
-TEST(Container, KeepsOneStreamOfEachTypeInOrder) {
+TEST(ContainerTest, KeepsOneStreamOfEachTypeInOrder) {
     Container container;
     EXPECT_TRUE(container.isEmpty());
     container.setPictureSize(3, -2);
@@ -30,7 +30,7 @@ TEST(Container, KeepsOneStreamOfEachTypeInOrder) {
     EXPECT_TRUE(container.isEmpty());
 }
 
-TEST(Container, TellsNamesAndSize) {
+TEST(ContainerTest, TellsNamesAndSize) {
     Container container;
     EXPECT_EQ(container.fileNames(), std::nullopt);
     EXPECT_EQ(container.pictureSize(), std::nullopt);
@@ -43,7 +43,7 @@ TEST(Container, TellsNamesAndSize) {
     EXPECT_EQ(container.pictureSize(), std::nullopt);
 }
 
-TEST(StreamType, IsFourCharactersAndANumber) {
+TEST(StreamTypeTest, IsFourCharactersAndANumber) {
     EXPECT_EQ(kPng.code(), 0x504E4766U);
     StreamType type;
     EXPECT_EQ(type.code(), 0U);

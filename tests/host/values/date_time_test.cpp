@@ -15,7 +15,7 @@ std::string shown(const std::optional<DateTime>& moment) {
     return moment ? toUtf8(moment->timestampText()) : "none";
 }
 
-TEST(DateTime, CountsEveryDayOfTheCalendar) {
+TEST(DateTimeTest, CountsEveryDayOfTheCalendar) {
     int32_t expected = 0;
     for (int year = kFirstYear; year <= kLastYear; ++year) {
         for (int month = 1; month <= 12; ++month) {
@@ -31,7 +31,7 @@ TEST(DateTime, CountsEveryDayOfTheCalendar) {
     EXPECT_EQ(dayNumber(2000, 3, 1), 730180);
 }
 
-TEST(DateTime, CarriesOver) {
+TEST(DateTimeTest, CarriesOver) {
     EXPECT_EQ(dayNumber(2010, 14, 1), dayNumber(2011, 2, 1));
     EXPECT_EQ(dayNumber(2010, 0, 1), dayNumber(2009, 12, 1));
     EXPECT_EQ(dayNumber(2010, -11, 1), dayNumber(2009, 1, 1));
@@ -50,7 +50,7 @@ TEST(DateTime, CarriesOver) {
     EXPECT_FALSE(isCalendarDay(4001, 1, 1));
 }
 
-TEST(DateTime, KnowsDaysAndWeeks) {
+TEST(DateTimeTest, KnowsDaysAndWeeks) {
     const DateTime day(*dayNumber(2010, 12, 25));
     EXPECT_EQ(day.dayOfWeek(), 7); // a Saturday
     EXPECT_EQ(day.dayOfYear(), 359);
@@ -62,7 +62,7 @@ TEST(DateTime, KnowsDaysAndWeeks) {
     EXPECT_EQ(DateTime(1).dayOfWeek(), 2); // a Monday
 }
 
-TEST(DateTime, RefusesWhatIsNoDay) {
+TEST(DateTimeTest, RefusesWhatIsNoDay) {
     EXPECT_THROW(DateTime(0), NumberError);
     EXPECT_THROW(DateTime(kLastDay + 1), NumberError);
     EXPECT_THROW(DateTime(1, kMaxTimeSeconds + 1), NumberError);
@@ -72,7 +72,7 @@ TEST(DateTime, RefusesWhatIsNoDay) {
     EXPECT_EQ(DateTime::fromTimestampSeconds(number(u"1e300")), std::nullopt);
 }
 
-TEST(DateTime, CountsSeconds) {
+TEST(DateTimeTest, CountsSeconds) {
     EXPECT_EQ(shown(DateTime::fromTimestampSeconds(0)), "1/1/0001 12:00:00 AM");
     EXPECT_EQ(shown(DateTime::fromTimestampSeconds(62135596800)), "1/1/1970 12:00:00 AM");
     EXPECT_EQ(shown(DateTime::fromTimestampSeconds(kLastDay * kSecondsPerDay - 1)), "12/31/4000 11:59:59 PM");
@@ -82,7 +82,7 @@ TEST(DateTime, CountsSeconds) {
     EXPECT_EQ(DateTime(1, -1).normalized(), std::nullopt);
 }
 
-TEST(DateTime, TellsItsParts) {
+TEST(DateTimeTest, TellsItsParts) {
     const ClockTime clock = DateTime(1, number(u"3723.25")).clock();
     EXPECT_EQ(clock.hour, 1);
     EXPECT_EQ(clock.minute, 2);
@@ -94,7 +94,7 @@ TEST(DateTime, TellsItsParts) {
     EXPECT_EQ(negative.microsecond, -250'000);
 }
 
-TEST(DateTime, WritesText) {
+TEST(DateTimeTest, WritesText) {
     const DateTime moment(*dayNumber(2010, 3, 5), number(u"36061.5"));
     EXPECT_EQ(moment.dateText(), u"3/5/2010");
     EXPECT_EQ(moment.timeText(), u"10:01:01.5");
@@ -105,7 +105,7 @@ TEST(DateTime, WritesText) {
     EXPECT_EQ(DateTime(1).dateText(), u"1/1/0001");
 }
 
-TEST(DateTime, ReadsDates) {
+TEST(DateTimeTest, ReadsDates) {
     const auto read = [](std::u16string_view text) { return shown(DateTime::dateFromText(text)); };
     EXPECT_EQ(read(u"12/25/2010"), "12/25/2010 12:00:00 AM");
     EXPECT_EQ(read(u" 02-05-0033 "), "2/5/0033 12:00:00 AM");
@@ -124,7 +124,7 @@ TEST(DateTime, ReadsDates) {
     }
 }
 
-TEST(DateTime, ReadsTimes) {
+TEST(DateTimeTest, ReadsTimes) {
     const auto read = [](std::u16string_view text) {
         const auto time = DateTime::timeFromText(text);
         return time ? toUtf8(time->timeText()) : "none";
@@ -142,7 +142,7 @@ TEST(DateTime, ReadsTimes) {
     }
 }
 
-TEST(DateTime, ReadsTimestamps) {
+TEST(DateTimeTest, ReadsTimestamps) {
     const auto read = [](std::u16string_view text) { return shown(DateTime::timestampFromText(text)); };
     EXPECT_EQ(read(u"12/25/2010 14:30"), "12/25/2010 2:30:00 PM");
     EXPECT_EQ(read(u"12/25/2010  2:30:01.5 PM "), "12/25/2010 2:30:01.5 PM");
@@ -153,7 +153,7 @@ TEST(DateTime, ReadsTimestamps) {
     }
 }
 
-TEST(DateTime, NowIsADayOfTheCalendar) {
+TEST(DateTimeTest, NowIsADayOfTheCalendar) {
     const DateTime now = DateTime::now();
     EXPECT_GT(now.calendar().year, 2020);
     EXPECT_GE(now.seconds(), 0);

@@ -20,7 +20,7 @@ std::string text(const Number& value) {
 constexpr int64_t kLeast = std::numeric_limits<int64_t>::min();
 constexpr int64_t kMost = std::numeric_limits<int64_t>::max();
 
-TEST(Number, WritesAllDigitsAndNoExponent) {
+TEST(NumberTest, WritesAllDigitsAndNoExponent) {
     EXPECT_EQ(text(0), "0");
     EXPECT_EQ(text(-42), "-42");
     EXPECT_EQ(text(number("0.5")), ".5");
@@ -32,7 +32,7 @@ TEST(Number, WritesAllDigitsAndNoExponent) {
     EXPECT_EQ(text(kLeast), "-9223372036854775808");
 }
 
-TEST(Number, ReadsTextByItsDigits) {
+TEST(NumberTest, ReadsTextByItsDigits) {
     const std::pair<std::string_view, std::string_view> rows[] = {
         {"", "0"},
         {"no digit", "0"},
@@ -66,7 +66,7 @@ TEST(Number, ReadsTextByItsDigits) {
     EXPECT_FALSE(Number::standsIn(u"-.x"));
 }
 
-TEST(Number, KeepsFourHundredDigits) {
+TEST(NumberTest, KeepsFourHundredDigits) {
     const std::string digits = std::string(399, '1') + "7";
     EXPECT_EQ(text(number(digits)), digits);
     EXPECT_EQ(text(number("." + digits)), "." + digits);
@@ -83,7 +83,7 @@ TEST(Number, KeepsFourHundredDigits) {
     EXPECT_EQ(text(number("." + std::string(50'000, '3'))), "." + std::string(400, '3'));
 }
 
-TEST(Number, AddsSubtractsAndMultipliesExactly) {
+TEST(NumberTest, AddsSubtractsAndMultipliesExactly) {
     EXPECT_EQ(text(number("0.1") + number("0.2")), ".3");
     EXPECT_EQ(text(number("1.5") - number("1.5")), "0");
     EXPECT_EQ(text(number("-1.25") * number("0.8")), "-1");
@@ -99,7 +99,7 @@ TEST(Number, AddsSubtractsAndMultipliesExactly) {
     EXPECT_EQ(text(number(nines) - number(nines)), "0");
 }
 
-TEST(Number, DividesToSixteenPlaces) {
+TEST(NumberTest, DividesToSixteenPlaces) {
     EXPECT_EQ(text(Number(1) / 3), ".3333333333333333");
     EXPECT_EQ(text(Number(2) / 3), ".6666666666666667");
     EXPECT_EQ(text(Number(-2) / 3), "-.6666666666666667");
@@ -117,7 +117,7 @@ TEST(Number, DividesToSixteenPlaces) {
     EXPECT_THROW(Number(0) / number("0.0"), NumberError);
 }
 
-TEST(Number, ModuloHasTheSignOfTheDivisor) {
+TEST(NumberTest, ModuloHasTheSignOfTheDivisor) {
     EXPECT_EQ(text(Number::modulo(7, 3)), "1");
     EXPECT_EQ(text(Number::modulo(-7, 3)), "2");
     EXPECT_EQ(text(Number::modulo(7, -3)), "-2");
@@ -126,7 +126,7 @@ TEST(Number, ModuloHasTheSignOfTheDivisor) {
     EXPECT_THROW(Number::modulo(1, 0), NumberError);
 }
 
-TEST(Number, Powers) {
+TEST(NumberTest, Powers) {
     EXPECT_EQ(text(Number::power(2, 100)), "1267650600228229401496703205376");
     EXPECT_EQ(text(Number::power(-2, 3)), "-8");
     EXPECT_EQ(text(Number::power(2, -2)), ".25");
@@ -147,7 +147,7 @@ TEST(Number, Powers) {
     EXPECT_THROW(Number::power(-8, number("0.5")), NumberError);
 }
 
-TEST(Number, RoundsHalvesAwayFromZero) {
+TEST(NumberTest, RoundsHalvesAwayFromZero) {
     EXPECT_EQ(text(number("2.345").rounded(2)), "2.35");
     EXPECT_EQ(text(number("-2.345").rounded(2)), "-2.35");
     EXPECT_EQ(text(number("2.344").rounded(2)), "2.34");
@@ -163,7 +163,7 @@ TEST(Number, RoundsHalvesAwayFromZero) {
     EXPECT_EQ(text(number("-2.5").abs()), "2.5");
 }
 
-TEST(Number, ComparesByValue) {
+TEST(NumberTest, ComparesByValue) {
     EXPECT_EQ(number("1.50"), number("1.5"));
     EXPECT_LT(number("1.5"), 2);
     EXPECT_LT(-2, number("-1.5"));
@@ -172,7 +172,7 @@ TEST(Number, ComparesByValue) {
     EXPECT_EQ(Number(kMost) + 1 - 1, kMost);
 }
 
-TEST(Number, ConvertsToAndFromOtherNumbers) {
+TEST(NumberTest, ConvertsToAndFromOtherNumbers) {
     EXPECT_EQ(text(Number::fromDouble(0.1)), ".1");
     EXPECT_EQ(text(Number::fromDouble(-1e22)), "-10000000000000000000000");
     EXPECT_EQ(text(Number::fromDouble(5e-324)), "." + std::string(323, '0') + "5");

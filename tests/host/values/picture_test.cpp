@@ -47,7 +47,7 @@ void expectPicture(const Bytes& bytes, const char (&type)[5], uint32_t width, ui
     EXPECT_EQ(*header, (PictureHeader{StreamType::of(type), width, height})) << type;
 }
 
-TEST(Picture, TellsKindAndSizeByTheHeader) {
+TEST(PictureTest, TellsKindAndSizeByTheHeader) {
     expectPicture(kPng, "PNGf", 300, 200);
     expectPicture(kGif, "GIFf", 300, 200);
     expectPicture(bmp(300, 200), "BMPf", 300, 200);
@@ -59,7 +59,7 @@ TEST(Picture, TellsKindAndSizeByTheHeader) {
     expectPicture(old, "BMPf", 3, 4);
 }
 
-TEST(Picture, FindsTheFrameOfAJpeg) {
+TEST(PictureTest, FindsTheFrameOfAJpeg) {
     expectPicture(jpeg(""), "JPEG", 300, 200);
     expectPicture(jpeg("", '\xC2'), "JPEG", 300, 200); // progressive
     const std::string tables("\xFF\xC4\0\3x\xFF\xDB\0\4xy\xFF\xFF\xFF\xD0", 14);
@@ -71,7 +71,7 @@ TEST(Picture, FindsTheFrameOfAJpeg) {
     EXPECT_FALSE(readPictureHeader(jpeg("x")));
 }
 
-TEST(Picture, EverythingElseIsNone) {
+TEST(PictureTest, EverythingElseIsNone) {
     for (const char* text : {"", "B", "BM", "BMW is no picture, it is a text that begins like one", "GIF89",
                              "GIF90a....", "\xFF\xD8\xFF", "\x89PNG\r\n\x1A\n", "hello"}) {
         EXPECT_FALSE(readPictureHeader(bytesOf(text))) << text;
@@ -84,7 +84,7 @@ TEST(Picture, EverythingElseIsNone) {
     }
 }
 
-TEST(ContainerFile, APictureHasItsNameAndSizeFirst) {
+TEST(ContainerFileTest, APictureHasItsNameAndSizeFirst) {
     const Container container = pictureContainer(u"a.png", kPng);
     ASSERT_EQ(container.count(), 3U);
     EXPECT_EQ(container.at(0).type(), Container::kFileNames);
@@ -95,13 +95,13 @@ TEST(ContainerFile, APictureHasItsNameAndSizeFirst) {
     EXPECT_EQ(fileStream(container), &container.at(2));
 }
 
-TEST(ContainerFile, ALargePictureHasTheLargestSize) {
+TEST(ContainerFileTest, ALargePictureHasTheLargestSize) {
     const Container container = pictureContainer(u"a.bmp", bmp(32'768, 0x7FFF'FFFF));
     EXPECT_EQ(container.pictureSize(), std::pair(int16_t{32'767}, int16_t{32'767}));
     EXPECT_EQ(pictureSides(container), (std::pair<int64_t, int64_t>(32'768, 0x7FFF'FFFF)));
 }
 
-TEST(ContainerFile, WhatIsNoPictureIsAFile) {
+TEST(ContainerFileTest, WhatIsNoPictureIsAFile) {
     for (const Container& container :
          {pictureContainer(u"a.png", bytesOf("text")), fileContainer(u"a.png", bytesOf("text"))}) {
         ASSERT_EQ(container.count(), 2U);
@@ -112,7 +112,7 @@ TEST(ContainerFile, WhatIsNoPictureIsAFile) {
     EXPECT_EQ(fileContainer(u"a", kPng).at(1).type(), kFileStream);
 }
 
-TEST(ContainerFile, OneOfSeveralStreamsIsTheFile) {
+TEST(ContainerFileTest, OneOfSeveralStreamsIsTheFile) {
     Container container;
     EXPECT_EQ(fileStream(container), nullptr);
     container.setFileNames(u"a");

@@ -10,14 +10,14 @@ using namespace std::string_literals;
 
 constexpr size_t kNone = std::u16string_view::npos;
 
-TEST(Text, CrossesUtf8Unchanged) {
+TEST(TextTest, CrossesUtf8Unchanged) {
     const std::u16string text = u"a\0\u00E4\u20AC\U0001F600"s;
     EXPECT_EQ(toUtf8(text), "a\0\xC3\xA4\xE2\x82\xAC\xF0\x9F\x98\x80"s);
     EXPECT_EQ(fromUtf8(toUtf8(text)), text);
     EXPECT_EQ(toUtf8(u""), "");
 }
 
-TEST(Text, ReplacesWhatIsMalformed) {
+TEST(TextTest, ReplacesWhatIsMalformed) {
     const char16_t lone[] = {u'a', 0xD800, u'b', 0xDC00};
     EXPECT_EQ(toUtf8({lone, 4}), "a\xEF\xBF\xBD"
                                  "b\xEF\xBF\xBD");
@@ -26,7 +26,7 @@ TEST(Text, ReplacesWhatIsMalformed) {
     EXPECT_EQ(fromUtf8("\xC0\x80").find(u'\0'), kNone);                // an overlong zero
 }
 
-TEST(Text, FoldsAndShiftsCaseInAnyAlphabet) {
+TEST(TextTest, FoldsAndShiftsCaseInAnyAlphabet) {
     EXPECT_EQ(toUpper(u"stra\u00DFe \u03B1"), u"STRASSE \u0391");
     EXPECT_EQ(toLower(u"\u00C4BC \u0130"), u"\u00E4bc i\u0307");
     EXPECT_EQ(foldCase(u"Stra\u00DFe"), foldCase(u"STRASSE"));
@@ -35,7 +35,7 @@ TEST(Text, FoldsAndShiftsCaseInAnyAlphabet) {
     EXPECT_EQ(toUpper(std::u16string(1000, u'\u00DF')), std::u16string(2000, u'S')); // twice as long
 }
 
-TEST(Text, ComparesIgnoringCase) {
+TEST(TextTest, ComparesIgnoringCase) {
     EXPECT_EQ(compareIgnoringCase(u"\u00C4pfel", u"\u00E4PFEL"), std::strong_ordering::equal);
     EXPECT_EQ(compareIgnoringCase(u"abc", u"ABD"), std::strong_ordering::less);
     EXPECT_EQ(compareIgnoringCase(u"ab", u""), std::strong_ordering::greater);
@@ -44,7 +44,7 @@ TEST(Text, ComparesIgnoringCase) {
     EXPECT_EQ(compareUnits(u"\uFFFD", u"\U0001F600"), std::strong_ordering::greater);
 }
 
-TEST(Text, FindsIgnoringCase) {
+TEST(TextTest, FindsIgnoringCase) {
     EXPECT_EQ(findIgnoringCase(u"xx\u00C4BC\u00E4bc", u"\u00E4Bc", 0), 2U);
     EXPECT_EQ(findIgnoringCase(u"xx\u00C4BC\u00E4bc", u"\u00E4Bc", 3), 5U);
     EXPECT_EQ(findIgnoringCase(u"abc", u"abcd", 0), kNone);

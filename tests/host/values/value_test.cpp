@@ -29,7 +29,7 @@ Value pictureNamed(const char16_t* name) {
 }
 
 // What each value is as each type, by its text; "none" for a value that cannot be read so.
-TEST(Value, ReadsAsEveryType) {
+TEST(ValueTest, ReadsAsEveryType) {
     struct Row {
         Value value;
         const char* number;
@@ -68,7 +68,7 @@ TEST(Value, ReadsAsEveryType) {
     }
 }
 
-TEST(Value, EmptyIsEmptyAsEveryType) {
+TEST(ValueTest, EmptyIsEmptyAsEveryType) {
     for (const ValueType from : kTypes) {
         for (const ValueType to : kTypes) {
             const Value value = Value::empty(from).convertedTo(to);
@@ -86,7 +86,7 @@ TEST(Value, EmptyIsEmptyAsEveryType) {
     EXPECT_EQ(Value().type(), ValueType::text);
 }
 
-TEST(Value, InvalidStaysInvalid) {
+TEST(ValueTest, InvalidStaysInvalid) {
     const Value invalid = Value::invalid();
     EXPECT_FALSE(invalid.isEmpty());
     EXPECT_EQ(invalid.asText(), u"?");
@@ -99,14 +99,14 @@ TEST(Value, InvalidStaysInvalid) {
     EXPECT_FALSE(Value::text(std::u16string(500, u'1')).convertedTo(ValueType::number).isValid());
 }
 
-TEST(Value, KeepsItsOwnPartAlone) {
+TEST(ValueTest, KeepsItsOwnPartAlone) {
     EXPECT_EQ(Value::date(moment()).asTimestamp()->seconds(), 0);
     EXPECT_EQ(Value::time(moment()).asTimestamp()->day(), 1);
     EXPECT_EQ(text(Value::timestamp(DateTime(1, 90000))), "1/2/0001 1:00:00 AM");
     EXPECT_EQ(text(Value::time(DateTime(1, 90000))), "25:00:00");
 }
 
-TEST(Value, ContainerShowsItsFileNames) {
+TEST(ValueTest, ContainerShowsItsFileNames) {
     EXPECT_EQ(text(pictureNamed(u"a.png")), "a.png");
     EXPECT_EQ(pictureNamed(u"a.png").asContainer().count(), 1U);
     Container unnamed;
@@ -116,7 +116,7 @@ TEST(Value, ContainerShowsItsFileNames) {
     EXPECT_TRUE(Value::text(u"a.png").asContainer().isEmpty());
 }
 
-TEST(Value, SharesItsText) {
+TEST(ValueTest, SharesItsText) {
     const Value value = Value::text(std::u16string(1000, u'x'));
     const Value copies[] = {value, value};
     EXPECT_EQ(&copies[0].storedText(), &copies[1].storedText());

@@ -18,7 +18,7 @@ std::string streamOf(const fmx::BinaryData& container, fmx::int32 index) {
     return bytes;
 }
 
-TEST(WrapperQuadChar, HoldsFourCharacters) {
+TEST(WrapperQuadCharTest, HoldsFourCharacters) {
     const QuadCharUniquePtr empty;
     EXPECT_EQ(empty->GetMacType(), 0U);
     const QuadCharUniquePtr png('P', 'N', 'G', 'f');
@@ -41,7 +41,7 @@ TEST(WrapperQuadChar, HoldsFourCharacters) {
     EXPECT_THROW(constant[-1], std::exception);
 }
 
-class WrapperBinaryData : public testing::Test {
+class WrapperBinaryDataTest : public testing::Test {
   protected:
     QuadCharUniquePtr png_{'P', 'N', 'G', 'f'};
     QuadCharUniquePtr jpeg_{'J', 'P', 'E', 'G'};
@@ -49,7 +49,7 @@ class WrapperBinaryData : public testing::Test {
     BinaryDataUniquePtr container_;
 };
 
-TEST_F(WrapperBinaryData, KeepsStreamsInOrder) {
+TEST_F(WrapperBinaryDataTest, KeepsStreamsInOrder) {
     EXPECT_EQ(container_->GetCount(), 0);
     EXPECT_EQ(container_->GetTotalSize(), 0U);
     EXPECT_EQ(container_->GetIndex(*png_), -1);
@@ -73,7 +73,7 @@ TEST_F(WrapperBinaryData, KeepsStreamsInOrder) {
     EXPECT_EQ(container_->GetCount(), 0);
 }
 
-TEST_F(WrapperBinaryData, GivesRangesAndRefusesOthers) {
+TEST_F(WrapperBinaryDataTest, GivesRangesAndRefusesOthers) {
     add(*container_, *png_, "0123");
     std::array<char, 4> buffer{'#', '#', '#', '#'};
     EXPECT_EQ(container_->GetData(0, 1, 2, buffer.data()), 0);
@@ -93,7 +93,7 @@ TEST_F(WrapperBinaryData, GivesRangesAndRefusesOthers) {
     EXPECT_EQ(container_->Add(*gif_, 0, nullptr), 0);
 }
 
-TEST_F(WrapperBinaryData, IsCopiedAndCompared) {
+TEST_F(WrapperBinaryDataTest, IsCopiedAndCompared) {
     add(*container_, *png_, "png");
     const BinaryDataUniquePtr copy(*container_);
     EXPECT_TRUE(*copy == *container_);
@@ -104,7 +104,7 @@ TEST_F(WrapperBinaryData, IsCopiedAndCompared) {
     EXPECT_TRUE(*copy == *container_);
 }
 
-TEST_F(WrapperBinaryData, KeepsNamesAndSize) {
+TEST_F(WrapperBinaryDataTest, KeepsNamesAndSize) {
     short width = 1;
     short height = 2;
     const auto text = hostText(u"kept");
@@ -131,7 +131,7 @@ std::string piece(fmx::BinaryData& container, fmx::uint32 context, std::string b
     return container.AddAppend(context, size, bytes.data()) == 0 ? "added" : "refused";
 }
 
-TEST_F(WrapperBinaryData, TakesStreamsInPieces) {
+TEST_F(WrapperBinaryDataTest, TakesStreamsInPieces) {
     add(*container_, *gif_, "gif");
     fmx::uint32 png = 0;
     fmx::uint32 jpeg = 0;
@@ -161,7 +161,7 @@ TEST_F(WrapperBinaryData, TakesStreamsInPieces) {
     EXPECT_EQ(container_->GetSize(0), 0U);
 }
 
-TEST_F(WrapperBinaryData, IsMadeOfAFileAtOnceOrInPieces) {
+TEST_F(WrapperBinaryDataTest, IsMadeOfAFileAtOnceOrInPieces) {
     std::string bytes = "content";
     const BinaryDataUniquePtr whole(*hostText(u"a.txt"), 7U, bytes.data());
     fmx::uint32 context = 0;
@@ -178,7 +178,7 @@ TEST_F(WrapperBinaryData, IsMadeOfAFileAtOnceOrInPieces) {
     EXPECT_EQ(streamOf(*pieces, pieces->GetIndex(*file)), "content");
 }
 
-TEST_F(WrapperBinaryData, RefusesIndexesItDoesNotHave) {
+TEST_F(WrapperBinaryDataTest, RefusesIndexesItDoesNotHave) {
     add(*container_, *png_, "png");
     char byte = '#';
     for (const fmx::int32 index : {-1, 1, 0x7FFFFFFF, -0x7FFFFFFF - 1}) {

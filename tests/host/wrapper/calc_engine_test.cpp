@@ -14,7 +14,7 @@ void push(fmx::DataVect& vector, std::u16string_view text) {
     vector.PushBack(*data);
 }
 
-TEST(WrapperDataVect, HoldsCopiesInOrder) {
+TEST(WrapperDataVectTest, HoldsCopiesInOrder) {
     const fmx::DataVectUniquePtr vector;
     EXPECT_TRUE(vector->IsEmpty());
     EXPECT_EQ(vector->PopBack(), nullptr);
@@ -42,7 +42,7 @@ TEST(WrapperDataVect, HoldsCopiesInOrder) {
     EXPECT_EQ(unitsOf(last->GetAsText()), u"0"); // it outlives the vector's own
 }
 
-TEST(WrapperDataVect, RefusesIndexesItDoesNotHave) {
+TEST(WrapperDataVectTest, RefusesIndexesItDoesNotHave) {
     const fmx::DataVectUniquePtr vector;
     push(*vector, u"0");
     for (const fmx::uint32 index : {1U, 0xFFFFFFFFU}) {
@@ -76,9 +76,9 @@ fmx::errcode answer(short /*id*/, const fmx::ExprEnv& /*env*/, const fmx::DataVe
     return 0;
 }
 
-class WrapperExprEnv : public testing::Test {
+class WrapperExprEnvTest : public testing::Test {
   protected:
-    WrapperExprEnv() {
+    WrapperExprEnvTest() {
         hooks_.context = &asked_;
         hooks_.registerFunction = [](void* context,
                                      const host::FunctionRegistration& wanted) -> fmx::errcode {
@@ -131,7 +131,7 @@ class WrapperExprEnv : public testing::Test {
         hooks_.sessionId = 0x100000001;
         hooks_.fileId = 0x200000002;
     }
-    ~WrapperExprEnv() override { FM_Host_SetHooks(nullptr); }
+    ~WrapperExprEnvTest() override { FM_Host_SetHooks(nullptr); }
 
     fmx::errcode registered() {
         return fmx::ExprEnv::RegisterExternalFunction(*id_, 7, *hostText(u"Name"), *hostText(u"Name ( x )"),
@@ -146,7 +146,7 @@ class WrapperExprEnv : public testing::Test {
     DataUniquePtr result_;
 };
 
-TEST_F(WrapperExprEnv, RefusesWhenThereIsNoOneToAsk) {
+TEST_F(WrapperExprEnvTest, RefusesWhenThereIsNoOneToAsk) {
     EXPECT_NE(registered(), 0);
     EXPECT_NE(fmx::ExprEnv::UnRegisterExternalFunction(*id_, 7), 0);
     EXPECT_NE(fmx::ExprEnv::UnRegisterScriptStep(*id_, 7), 0);
@@ -156,7 +156,7 @@ TEST_F(WrapperExprEnv, RefusesWhenThereIsNoOneToAsk) {
     EXPECT_EQ(environment_->SessionID(), 0U);
 }
 
-TEST_F(WrapperExprEnv, AsksTheProgram) {
+TEST_F(WrapperExprEnvTest, AsksTheProgram) {
     FM_Host_SetHooks(&hooks_);
     EXPECT_EQ(registered(), 11);
     EXPECT_EQ(asked_.name, u"Name");
@@ -185,7 +185,7 @@ TEST_F(WrapperExprEnv, AsksTheProgram) {
     EXPECT_EQ(environment_->FileID(), 0x200000002U);
 }
 
-TEST_F(WrapperExprEnv, AsksTheProgramForScriptSteps) {
+TEST_F(WrapperExprEnvTest, AsksTheProgramForScriptSteps) {
     FM_Host_SetHooks(&hooks_);
     EXPECT_EQ(fmx::ExprEnv::RegisterScriptStep(*id_, -5, *hostText(u"Step"), *hostText(u"<PluginStep/>"),
                                                *hostText(u"What it does"), 0xFF00, answer),
@@ -200,13 +200,13 @@ TEST_F(WrapperExprEnv, AsksTheProgramForScriptSteps) {
     EXPECT_EQ(asked_.id, -6);
 }
 
-TEST_F(WrapperExprEnv, StopsWhatTheProgramThrows) {
+TEST_F(WrapperExprEnvTest, StopsWhatTheProgramThrows) {
     FM_Host_SetHooks(&hooks_);
     EXPECT_THROW(environment_->Evaluate(*hostText(u"out of memory"), *result_), std::bad_alloc);
     EXPECT_THROW(environment_->Evaluate(*hostText(u"throw"), *result_), std::exception);
 }
 
-TEST_F(WrapperExprEnv, EvaluatesGetFunctionsByTheirNumbers) {
+TEST_F(WrapperExprEnvTest, EvaluatesGetFunctionsByTheirNumbers) {
     FM_Host_SetHooks(&hooks_);
     const std::pair<fmx::int16, std::u16string_view> functions[] = {
         {1001, u"Get ( ApplicationVersion )"},
@@ -234,7 +234,7 @@ TEST_F(WrapperExprEnv, EvaluatesGetFunctionsByTheirNumbers) {
     }
 }
 
-TEST_F(WrapperExprEnv, ConvertsPathsByTheFunctionsForThem) {
+TEST_F(WrapperExprEnvTest, ConvertsPathsByTheFunctionsForThem) {
     EXPECT_NE(environment_->EvaluateConvertToFileMakerPath(*hostText(u"/a"), 1, *text_), 0);
     EXPECT_EQ(unitsOf(*text_), u"");
     FM_Host_SetHooks(&hooks_);
@@ -253,7 +253,7 @@ TEST_F(WrapperExprEnv, ConvertsPathsByTheFunctionsForThem) {
     EXPECT_EQ(unitsOf(*text_), u"");
 }
 
-TEST_F(WrapperExprEnv, FindsNoDatabase) {
+TEST_F(WrapperExprEnvTest, FindsNoDatabase) {
     FM_Host_SetHooks(&hooks_);
     const fmx::DataVectUniquePtr parameters;
     const fmx::RowVectUniquePtr rows;

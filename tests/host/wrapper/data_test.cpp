@@ -5,7 +5,7 @@ namespace {
 using fmx::Data;
 using fmx::DataUniquePtr;
 
-class WrapperData : public testing::Test {
+class WrapperDataTest : public testing::Test {
   protected:
     fmx::errcode setText(std::u16string_view text, fmx::int32 type = Data::kDTText) {
         return data_->SetAsText(*hostText(text), data_->GetLocale(), type);
@@ -15,7 +15,7 @@ class WrapperData : public testing::Test {
     DataUniquePtr data_;
 };
 
-TEST_F(WrapperData, IsEmptyTextAtFirst) {
+TEST_F(WrapperDataTest, IsEmptyTextAtFirst) {
     EXPECT_TRUE(data_->IsEmpty());
     EXPECT_TRUE(data_->IsValid());
     EXPECT_FALSE(data_->IsFindRequest());
@@ -25,7 +25,7 @@ TEST_F(WrapperData, IsEmptyTextAtFirst) {
     EXPECT_EQ(data_->GetBinaryData().GetCount(), 0);
 }
 
-TEST_F(WrapperData, ReadsTextAsEveryType) {
+TEST_F(WrapperDataTest, ReadsTextAsEveryType) {
     EXPECT_EQ(setText(u"12/25/2010 14:30"), 0);
     EXPECT_EQ(data_->GetNativeType(), Data::kDTText);
     EXPECT_EQ(text(), u"12/25/2010 14:30");
@@ -39,7 +39,7 @@ TEST_F(WrapperData, ReadsTextAsEveryType) {
     EXPECT_TRUE(data_->GetAsBoolean());
 }
 
-TEST_F(WrapperData, AnswersStandUntilItIsSetAgain) {
+TEST_F(WrapperDataTest, AnswersStandUntilItIsSetAgain) {
     setText(u"7");
     const fmx::Text& text = data_->GetAsText();
     const fmx::FixPt& number = data_->GetAsNumber();
@@ -60,7 +60,7 @@ TEST_F(WrapperData, AnswersStandUntilItIsSetAgain) {
     EXPECT_TRUE(data_->IsEmpty());
 }
 
-TEST_F(WrapperData, IsSetWithANativeType) {
+TEST_F(WrapperDataTest, IsSetWithANativeType) {
     const fmx::FixPtUniquePtr number(5);
     data_->SetAsNumber(*number);
     EXPECT_EQ(data_->GetNativeType(), Data::kDTNumber);
@@ -76,7 +76,7 @@ TEST_F(WrapperData, IsSetWithANativeType) {
     EXPECT_EQ(text(), u"14:30:00");
 }
 
-TEST_F(WrapperData, HoldsDatesAndTimes) {
+TEST_F(WrapperDataTest, HoldsDatesAndTimes) {
     const fmx::DateTimeUniquePtr moment;
     EXPECT_EQ(moment->SetNormalizedDate(12, 25, 2010), 0);
     EXPECT_EQ(moment->SetNormalizedTime(1, 2, 3, 0), 0);
@@ -101,7 +101,7 @@ TEST_F(WrapperData, HoldsDatesAndTimes) {
     EXPECT_EQ(text(), u"12/25/2010 1:02:03 AM");
 }
 
-TEST_F(WrapperData, IsInvalidWhenItCannotBeReadAsItsType) {
+TEST_F(WrapperDataTest, IsInvalidWhenItCannotBeReadAsItsType) {
     EXPECT_NE(setText(u"rubbish", Data::kDTDate), 0);
     EXPECT_FALSE(data_->IsValid());
     EXPECT_FALSE(data_->IsEmpty());
@@ -114,7 +114,7 @@ TEST_F(WrapperData, IsInvalidWhenItCannotBeReadAsItsType) {
     EXPECT_EQ(text(), u"5");
 }
 
-TEST_F(WrapperData, IsClearedAndConverted) {
+TEST_F(WrapperDataTest, IsClearedAndConverted) {
     setText(u"12/25/2010");
     data_->ConvertData(Data::kDTTimeStamp);
     EXPECT_EQ(data_->GetNativeType(), Data::kDTTimeStamp);
@@ -135,7 +135,7 @@ TEST_F(WrapperData, IsClearedAndConverted) {
     EXPECT_EQ(data_->GetNativeType(), Data::kDTInvalid);
 }
 
-TEST_F(WrapperData, HoldsContainers) {
+TEST_F(WrapperDataTest, HoldsContainers) {
     const fmx::BinaryDataUniquePtr container;
     container->AddFNAMData(*hostText(u"a.png"));
     data_->SetBinaryData(*container, false);
@@ -152,7 +152,7 @@ TEST_F(WrapperData, HoldsContainers) {
     EXPECT_TRUE(data_->IsEmpty());
 }
 
-TEST_F(WrapperData, KeepsItsLocale) {
+TEST_F(WrapperDataTest, KeepsItsLocale) {
     const fmx::LocaleUniquePtr locale(fmx::Locale::kType_UnicodeRaw);
     EXPECT_EQ(data_->SetAsText(*hostText(u"x"), *locale), 0);
     const fmx::Locale& kept = data_->GetLocale();
@@ -160,7 +160,7 @@ TEST_F(WrapperData, KeepsItsLocale) {
     EXPECT_EQ(&data_->GetLocale(), &kept);
 }
 
-TEST_F(WrapperData, KeepsTheStylesOfItsText) {
+TEST_F(WrapperDataTest, KeepsTheStylesOfItsText) {
     const fmx::TextUniquePtr text = hostText(u"plain bold");
     const fmx::CharacterStyleUniquePtr bold;
     bold->EnableFace(fmx::CharacterStyle::kFace_Bold);
@@ -176,7 +176,7 @@ TEST_F(WrapperData, KeepsTheStylesOfItsText) {
     EXPECT_TRUE(vector->At(0).GetAsText() == *text);
 }
 
-TEST_F(WrapperData, IsCopiedWithItsTypeAndReadingsOfItsOwn) {
+TEST_F(WrapperDataTest, IsCopiedWithItsTypeAndReadingsOfItsOwn) {
     setText(u"x1");
     fmx::DataVectUniquePtr vector;
     vector->PushBack(*data_);
@@ -189,7 +189,7 @@ TEST_F(WrapperData, IsCopiedWithItsTypeAndReadingsOfItsOwn) {
     EXPECT_EQ(vector->At(1).GetNativeType(), Data::kDTNumber);
 }
 
-TEST_F(WrapperData, NumbersFontsByTheirNames) {
+TEST_F(WrapperDataTest, NumbersFontsByTheirNames) {
     const fmx::ExprEnvUniquePtr environment;
     const fmx::FontID greek = data_->GetFontID(*hostText(u"Alpha"), 1, *environment);
     EXPECT_EQ(data_->GetFontID(*hostText(u"Alpha"), 1, *environment), greek);

@@ -13,7 +13,7 @@ fmx::DateTimeUniquePtr moment(fmx::int16 year, fmx::int16 month, fmx::int16 day,
     return result;
 }
 
-TEST(WrapperDateTime, StartsAtTheEpoch) {
+TEST(WrapperDateTimeTest, StartsAtTheEpoch) {
     const DateTimeUniquePtr start;
     EXPECT_EQ(start->GetYear(), 1);
     EXPECT_EQ(start->GetMonth(), 1);
@@ -25,7 +25,7 @@ TEST(WrapperDateTime, StartsAtTheEpoch) {
     EXPECT_FALSE(seconds->AsBool());
 }
 
-TEST(WrapperDateTime, IsReadFromText) {
+TEST(WrapperDateTimeTest, IsReadFromText) {
     const fmx::LocaleUniquePtr locale(fmx::Locale::kType_System);
     const DateTimeUniquePtr stamp(*hostText(u"12/25/2010 14:30:05"), *locale);
     EXPECT_TRUE(*stamp == *moment(2010, 12, 25, 14, 30, 5));
@@ -37,7 +37,7 @@ TEST(WrapperDateTime, IsReadFromText) {
     EXPECT_THROW(DateTimeUniquePtr(nullptr, 3, *locale), std::exception);
 }
 
-TEST(WrapperDateTime, RefusesWhatIsNoDate) {
+TEST(WrapperDateTimeTest, RefusesWhatIsNoDate) {
     const auto day = moment(2010, 12, 25, 1, 2, 3);
     const fmx::int16 bad[][3] = {{13, 1, 2010}, {0, 1, 2010},  {2, 29, 2010}, {2, 30, 2000}, {4, 31, 2010},
                                  {1, 0, 2010},  {1, -1, 2010}, {1, 1, 0},     {1, 1, -5},    {1, 1, 4001}};
@@ -53,7 +53,7 @@ TEST(WrapperDateTime, RefusesWhatIsNoDate) {
     EXPECT_EQ(day->SetNormalizedDate(2, 29, 2000), 0);
 }
 
-TEST(WrapperDateTime, RefusesWhatIsNoTime) {
+TEST(WrapperDateTimeTest, RefusesWhatIsNoTime) {
     const auto time = moment(2010, 12, 25, 1, 2, 3);
     EXPECT_NE(time->SetNormalizedTime(-1, 0, 0, 0), 0);
     EXPECT_NE(time->SetNormalizedTime(0, 60, 0, 0), 0);
@@ -68,7 +68,7 @@ TEST(WrapperDateTime, RefusesWhatIsNoTime) {
     EXPECT_TRUE(*time == *moment(2010, 12, 25, 1, 2, 3));
 }
 
-TEST(WrapperDateTime, SetsAndTellsEachPart) {
+TEST(WrapperDateTimeTest, SetsAndTellsEachPart) {
     const auto time = moment(2010, 12, 25);
     EXPECT_EQ(time->SetNormalizedTime(23, 59, 58, 250'000), 0);
     EXPECT_EQ(time->GetYear(), 2010);
@@ -99,7 +99,7 @@ TEST(WrapperDateTime, SetsAndTellsEachPart) {
     EXPECT_TRUE(*copy == *moment(2011, 2, 3, 4, 5, 6));
 }
 
-TEST(WrapperDateTime, TakesDayOrTimeOfAnother) {
+TEST(WrapperDateTimeTest, TakesDayOrTimeOfAnother) {
     const auto a = moment(2010, 1, 2, 3, 4, 5);
     const auto b = moment(2020, 6, 7, 8, 9, 10);
     a->SetDate(*b);
@@ -109,7 +109,7 @@ TEST(WrapperDateTime, TakesDayOrTimeOfAnother) {
     EXPECT_TRUE(*a == *moment(2010, 1, 2, 8, 9, 10));
 }
 
-TEST(WrapperDateTime, KnowsTheCalendar) {
+TEST(WrapperDateTimeTest, KnowsTheCalendar) {
     EXPECT_TRUE(moment(2000, 1, 1)->IsLeapYear());
     EXPECT_FALSE(moment(1900, 1, 1)->IsLeapYear());
     EXPECT_EQ(moment(2010, 12, 25)->DayOfWeek(), 7);

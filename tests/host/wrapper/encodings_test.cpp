@@ -81,7 +81,7 @@ std::string ascii() {
     return bytes + '\x7F';
 }
 
-TEST(WrapperEncodings, EachReadsAndWritesItsOwnBytes) {
+TEST(WrapperEncodingsTest, EachReadsAndWritesItsOwnBytes) {
     std::set<int32> seen;
     for (const auto& [encoding, bytes, characters] : kSamples) {
         SCOPED_TRACE(encoding);
@@ -92,7 +92,7 @@ TEST(WrapperEncodings, EachReadsAndWritesItsOwnBytes) {
     EXPECT_EQ(seen.size(), size_t{Text::kEncoding_ISO_8859_15} + 1);
 }
 
-TEST(WrapperEncodings, EachHasAscii) {
+TEST(WrapperEncodingsTest, EachHasAscii) {
     const std::string bytes = ascii();
     const std::u16string characters(bytes.begin(), bytes.end());
     for (int32 encoding = 0; encoding <= Text::kEncoding_ISO_8859_15; ++encoding) {
@@ -102,7 +102,7 @@ TEST(WrapperEncodings, EachHasAscii) {
     }
 }
 
-TEST(WrapperEncodings, ReplaceWhatTheyLack) {
+TEST(WrapperEncodingsTest, ReplaceWhatTheyLack) {
     for (int32 encoding = Text::kEncoding_ASCII_DOS; encoding <= Text::kEncoding_ISO_8859_15; ++encoding) {
         SCOPED_TRACE(encoding);
         EXPECT_EQ(encoded(u"a\U0001F600b", encoding), "a?b");
@@ -112,7 +112,7 @@ TEST(WrapperEncodings, ReplaceWhatTheyLack) {
 
 // Any two bytes, with one cut off at the end: an answer, and nothing of it is a character that stands for
 // none.
-TEST(WrapperEncodings, ReadAnyBytes) {
+TEST(WrapperEncodingsTest, ReadAnyBytes) {
     for (int32 encoding = 0; encoding <= Text::kEncoding_ISO_8859_15; ++encoding) {
         SCOPED_TRACE(encoding);
         for (int first = 0x80; first < 0x100; ++first) {
@@ -131,7 +131,7 @@ TEST(WrapperEncodings, ReadAnyBytes) {
     EXPECT_EQ(decoded("a\x82", Text::kEncoding_ShiftJIS_Win), u"a\uFFFD");
 }
 
-TEST(WrapperEncodings, WriteWholeCharactersOnly) {
+TEST(WrapperEncodingsTest, WriteWholeCharactersOnly) {
     for (const auto& [encoding, bytes, characters] : kSamples) {
         for (size_t capacity = 1; capacity <= bytes.size(); ++capacity) {
             SCOPED_TRACE(testing::Message() << encoding << " in " << capacity);
@@ -143,7 +143,7 @@ TEST(WrapperEncodings, WriteWholeCharactersOnly) {
     }
 }
 
-TEST(WrapperEncodings, RefuseOtherNumbers) {
+TEST(WrapperEncodingsTest, RefuseOtherNumbers) {
     for (const int32 encoding : {-1, Text::kEncoding_ISO_8859_15 + 1, 0x7FFFFFFF}) {
         EXPECT_THROW(decoded("a", encoding), std::exception);
         EXPECT_THROW(encoded(u"a", encoding), std::exception);

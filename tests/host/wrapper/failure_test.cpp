@@ -5,12 +5,12 @@
 
 namespace {
 
-class WrapperFailure : public testing::Test {
+class WrapperFailureTest : public testing::Test {
   protected:
-    ~WrapperFailure() override { FM_Host_FailNextCall(0); }
+    ~WrapperFailureTest() override { FM_Host_FailNextCall(0); }
 };
 
-TEST_F(WrapperFailure, BecomesTheExceptionOfItsCode) {
+TEST_F(WrapperFailureTest, BecomesTheExceptionOfItsCode) {
     const auto text = hostText(u"abc");
     FM_Host_FailNextCall(1);
     EXPECT_THROW(text->GetSize(), std::bad_alloc);
@@ -26,7 +26,7 @@ TEST_F(WrapperFailure, BecomesTheExceptionOfItsCode) {
     EXPECT_EQ(unitsOf(*text), u"abc"); // a call that fails does nothing
 }
 
-TEST_F(WrapperFailure, CanHitALaterCall) {
+TEST_F(WrapperFailureTest, CanHitALaterCall) {
     const auto text = hostText(u"abc");
     FM_Host_FailNextCall(1, 2);
     EXPECT_EQ(text->GetSize(), 3U);
@@ -40,14 +40,14 @@ TEST_F(WrapperFailure, CanHitALaterCall) {
     EXPECT_EQ(text->GetSize(), 3U);
 }
 
-TEST_F(WrapperFailure, LeavesNothingBehindWhenAnObjectIsNotMade) {
+TEST_F(WrapperFailureTest, LeavesNothingBehindWhenAnObjectIsNotMade) {
     FM_Host_FailNextCall(1);
     EXPECT_THROW(fmx::TextUniquePtr(), std::bad_alloc);
     FM_Host_FailNextCall(2);
     EXPECT_THROW(fmx::DataVectUniquePtr(), std::exception);
 }
 
-TEST_F(WrapperFailure, OfACallThatAnswersAReferenceThrowsToo) {
+TEST_F(WrapperFailureTest, OfACallThatAnswersAReferenceThrowsToo) {
     const fmx::DataVectUniquePtr vector;
     vector->PushBack(*fmx::DataUniquePtr());
     FM_Host_FailNextCall(1);
@@ -62,7 +62,7 @@ TEST_F(WrapperFailure, OfACallThatAnswersAReferenceThrowsToo) {
 }
 
 // A call without an object, for one function of each class and kind of result.
-TEST_F(WrapperFailure, IsReportedForACallWithoutItsObject) {
+TEST_F(WrapperFailureTest, IsReportedForACallWithoutItsObject) {
     const auto codeOf = [](auto call) {
         fmx::_fmxcpt block;
         call(block);

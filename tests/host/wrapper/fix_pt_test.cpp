@@ -7,7 +7,7 @@ namespace {
 
 using fmx::FixPtUniquePtr;
 
-TEST(WrapperFixPt, IsMadeAndAssigned) {
+TEST(WrapperFixPtTest, IsMadeAndAssigned) {
     const FixPtUniquePtr zero;
     EXPECT_EQ(digitsOf(*zero), u"0");
     EXPECT_EQ(zero->GetPrecision(), 16);
@@ -28,7 +28,7 @@ TEST(WrapperFixPt, IsMadeAndAssigned) {
     EXPECT_EQ(digitsOf(*number), u".1");
 }
 
-TEST(WrapperFixPt, Compares) {
+TEST(WrapperFixPtTest, Compares) {
     const FixPtUniquePtr one(1);
     const FixPtUniquePtr two(2);
     EXPECT_TRUE(*one == *FixPtUniquePtr(1, 400));
@@ -40,7 +40,7 @@ TEST(WrapperFixPt, Compares) {
     EXPECT_FALSE(*two < *one);
 }
 
-TEST(WrapperFixPt, Counts) {
+TEST(WrapperFixPtTest, Counts) {
     const FixPtUniquePtr number(std::numeric_limits<fmx::int32>::max());
     number->Increment(5);
     EXPECT_EQ(digitsOf(*number), u"2147483652");
@@ -51,7 +51,7 @@ TEST(WrapperFixPt, Counts) {
     EXPECT_EQ(digitsOf(*number), u"-2147483700");
 }
 
-TEST(WrapperFixPt, HoldsNumbersOf64Bits) {
+TEST(WrapperFixPtTest, HoldsNumbersOf64Bits) {
     constexpr fmx::int64 kLargest = std::numeric_limits<fmx::int64>::max();
     constexpr fmx::int64 kSmallest = std::numeric_limits<fmx::int64>::min();
     const FixPtUniquePtr number;
@@ -73,7 +73,7 @@ TEST(WrapperFixPt, HoldsNumbersOf64Bits) {
     EXPECT_EQ(number->AsLong64(), kSmallest);
 }
 
-TEST(WrapperFixPt, CalculatesWithTheGreaterPrecision) {
+TEST(WrapperFixPtTest, CalculatesWithTheGreaterPrecision) {
     const FixPtUniquePtr one(1);
     const FixPtUniquePtr three(3, 20);
     const FixPtUniquePtr result;
@@ -92,14 +92,14 @@ TEST(WrapperFixPt, CalculatesWithTheGreaterPrecision) {
     EXPECT_EQ(digitsOf(*result), u".66");
 }
 
-TEST(WrapperFixPt, RefusesToDivideByZero) {
+TEST(WrapperFixPtTest, RefusesToDivideByZero) {
     const FixPtUniquePtr zero;
     const FixPtUniquePtr result(5);
     EXPECT_NE(FixPtUniquePtr(1)->Divide(*zero, *result), 0);
     EXPECT_EQ(digitsOf(*result), u"5");
 }
 
-TEST(WrapperFixPt, HoldsFourHundredDigits) {
+TEST(WrapperFixPtTest, HoldsFourHundredDigits) {
     const FixPtUniquePtr third(0, 400);
     EXPECT_EQ(FixPtUniquePtr(1, 400)->Divide(*FixPtUniquePtr(3), *third), 0);
     EXPECT_EQ(digitsOf(*third), u"." + std::u16string(400, u'3'));
@@ -113,7 +113,7 @@ TEST(WrapperFixPt, HoldsFourHundredDigits) {
     EXPECT_EQ(digitsOf(*result), std::u16string(399, u'9') + u"0");
 }
 
-TEST(WrapperFixPt, ConvertsToPlainNumbers) {
+TEST(WrapperFixPtTest, ConvertsToPlainNumbers) {
     fmx::DataUniquePtr data;
     EXPECT_TRUE(numberFrom(*data, u".01").AsBool());
     EXPECT_FALSE(FixPtUniquePtr(0)->AsBool());

@@ -1,6 +1,7 @@
+#pragma once
+
 // What the tests of the library share. They use it as a plug-in does: through the inline classes of the
 // interface.
-#pragma once
 
 #include "host/wrapper/interface.h"
 

@@ -13,7 +13,7 @@ using fmx::Face;
 using fmx::Text;
 using fmx::TextUniquePtr;
 
-TEST(WrapperColor, HasFourChannels) {
+TEST(WrapperColorTest, HasFourChannels) {
     const ColorUniquePtr color(1, 2, 3, 4);
     EXPECT_EQ(color->GetRed(), 1);
     EXPECT_EQ(color->GetGreen(), 2);
@@ -35,7 +35,7 @@ TEST(WrapperColor, HasFourChannels) {
     EXPECT_TRUE(Color::Black() == *ColorUniquePtr(0, 0, 0, 255));
 }
 
-TEST(WrapperCharacterStyle, SaysNothingAtFirst) {
+TEST(WrapperCharacterStyleTest, SaysNothingAtFirst) {
     const CharacterStyleUniquePtr style;
     EXPECT_TRUE(style->IsAllDisabled());
     EXPECT_FALSE(style->IsFontEnabled());
@@ -44,7 +44,7 @@ TEST(WrapperCharacterStyle, SaysNothingAtFirst) {
     EXPECT_FALSE(style->IsAnyFaceEnabled());
 }
 
-TEST(WrapperCharacterStyle, EnablesWhatIsSet) {
+TEST(WrapperCharacterStyleTest, EnablesWhatIsSet) {
     const CharacterStyleUniquePtr style;
     style->SetFont(3);
     EXPECT_TRUE(style->IsFontEnabled());
@@ -77,7 +77,7 @@ TEST(WrapperCharacterStyle, EnablesWhatIsSet) {
     EXPECT_TRUE(*copy == *style);
 }
 
-TEST(WrapperCharacterStyle, CombinesFacesButHasOneLetterCase) {
+TEST(WrapperCharacterStyleTest, CombinesFacesButHasOneLetterCase) {
     const CharacterStyleUniquePtr style;
     style->EnableFace(CharacterStyle::kFace_Bold);
     style->EnableFace(CharacterStyle::kFace_Italic | CharacterStyle::kFace_Uppercase);
@@ -128,7 +128,7 @@ std::u16string stylesOf(const Text& text) {
     return letters;
 }
 
-TEST(WrapperTextStyles, AreStandardUntilTheyAreSet) {
+TEST(WrapperTextStylesTest, AreStandardUntilTheyAreSet) {
     const TextUniquePtr text = hostText(u"abc");
     const CharacterStyleUniquePtr style;
     const CharacterStyleUniquePtr standard;
@@ -156,7 +156,7 @@ TEST(WrapperTextStyles, AreStandardUntilTheyAreSet) {
 }
 
 // Each edit does to the styles what it does to the letters that stand for them.
-TEST(WrapperTextStyles, GoWithTheirCharacters) {
+TEST(WrapperTextStylesTest, GoWithTheirCharacters) {
     const std::u16string letters = u"bb-ix--bi";
     const std::u16string others = u"-xi";
     const auto size = static_cast<fmx::uint32>(letters.size());
@@ -189,7 +189,7 @@ TEST(WrapperTextStyles, GoWithTheirCharacters) {
     EXPECT_EQ(stylesOf(*twice), letters.substr(2, 3));
 }
 
-TEST(WrapperTextStyles, StayWithLettersThatChange) {
+TEST(WrapperTextStylesTest, StayWithLettersThatChange) {
     const TextUniquePtr text = hostText(u"aßb");
     text->SetStyle(*face(CharacterStyle::kFace_Bold), 1, 1);
     text->SetStyle(*face(CharacterStyle::kFace_Italic), 2, 1);
@@ -198,7 +198,7 @@ TEST(WrapperTextStyles, StayWithLettersThatChange) {
     EXPECT_EQ(stylesOf(*text), u"-bbi");
 }
 
-TEST(WrapperTextStyles, GoWhenTheTextIsReplaced) {
+TEST(WrapperTextStylesTest, GoWhenTheTextIsReplaced) {
     const TextUniquePtr text = styled(u"bbb");
     text->Assign("new");
     EXPECT_EQ(stylesOf(*text), u"---");

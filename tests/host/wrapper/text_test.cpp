@@ -11,13 +11,13 @@ const uint16* units(const char16_t* text) {
     return reinterpret_cast<const uint16*>(text);
 }
 
-TEST(WrapperText, IsEmptyAtFirst) {
+TEST(WrapperTextTest, IsEmptyAtFirst) {
     const fmx::TextUniquePtr text;
     EXPECT_EQ(text->GetSize(), 0U);
     EXPECT_EQ(unitsOf(*text), u"");
 }
 
-TEST(WrapperText, IsAssignedFromEveryKindOfCharacter) {
+TEST(WrapperTextTest, IsAssignedFromEveryKindOfCharacter) {
     const fmx::TextUniquePtr text;
     text->Assign("a\xC3\xA4", Text::kEncoding_UTF8);
     EXPECT_EQ(unitsOf(*text), u"a\u00E4");
@@ -45,12 +45,12 @@ TEST(WrapperText, IsAssignedFromEveryKindOfCharacter) {
     EXPECT_THROW(text->AssignUnicodeWithLength(nullptr, 1), std::exception);
 }
 
-TEST(WrapperText, KeepsZerosAndLoneSurrogates) {
+TEST(WrapperTextTest, KeepsZerosAndLoneSurrogates) {
     const std::u16string odd = {u'a', 0, 0xD800, u'b', 0xDC00, 0xFFFF};
     EXPECT_EQ(unitsOf(*hostText(odd)), odd);
 }
 
-TEST(WrapperText, GivesRanges) {
+TEST(WrapperTextTest, GivesRanges) {
     const auto text = hostText(u"abc");
     std::array<uint16, 4> buffer{9, 9, 9, 9};
     text->GetUnicode(buffer.data(), 1, 2);
@@ -61,7 +61,7 @@ TEST(WrapperText, GivesRanges) {
     EXPECT_THROW(text->GetUnicode(nullptr, 0, 1), std::exception);
 }
 
-TEST(WrapperText, GivesBytesInWholeCharacters) {
+TEST(WrapperTextTest, GivesBytesInWholeCharacters) {
     const auto text = hostText(u"a\u20ACb");
     std::string buffer(8, '#');
     const auto bytes = [&](fmx::uint32 capacity, fmx::uint32 position = 0,
@@ -85,7 +85,7 @@ TEST(WrapperText, GivesBytesInWholeCharacters) {
     EXPECT_THROW(text->GetBytes(nullptr, 8), std::exception);
 }
 
-TEST(WrapperText, IsEdited) {
+TEST(WrapperTextTest, IsEdited) {
     const auto text = hostText(u"abc");
     text->SetText(*hostText(u"0123"), 1, 2);
     EXPECT_EQ(unitsOf(*text), u"12");
@@ -109,7 +109,7 @@ TEST(WrapperText, IsEdited) {
     EXPECT_EQ(unitsOf(*text), u"2");
 }
 
-TEST(WrapperText, IsSearched) {
+TEST(WrapperTextTest, IsSearched) {
     const auto text = hostText(u"xAbxaB\u00C4");
     EXPECT_EQ(text->Find(*hostText(u"x"), 0), 0U);
     EXPECT_EQ(text->Find(*hostText(u"x"), 1), 3U);
@@ -126,7 +126,7 @@ TEST(WrapperText, IsSearched) {
     EXPECT_EQ(text->FindPrevIgnoringCase(*hostText(u"q"), 3), Text::kSize_Invalid);
 }
 
-TEST(WrapperText, ChangesCase) {
+TEST(WrapperTextTest, ChangesCase) {
     const auto text = hostText(u"Stra\u00DFe");
     text->Uppercase();
     EXPECT_EQ(unitsOf(*text), u"STRASSE");
@@ -134,7 +134,7 @@ TEST(WrapperText, ChangesCase) {
     EXPECT_EQ(unitsOf(*text), u"strasse");
 }
 
-TEST(WrapperText, ComparesByUnits) {
+TEST(WrapperTextTest, ComparesByUnits) {
     const auto small = hostText(u"A");
     const auto large = hostText(u"a");
     EXPECT_TRUE(*small < *large);
@@ -148,7 +148,7 @@ TEST(WrapperText, ComparesByUnits) {
     EXPECT_TRUE(*hostText(u"\U0001F600") < *hostText(u"\uFFFD"));
 }
 
-TEST(WrapperLocale, IsCopiedAndAssigned) {
+TEST(WrapperLocaleTest, IsCopiedAndAssigned) {
     const fmx::LocaleUniquePtr system(fmx::Locale::kType_System);
     const fmx::LocaleUniquePtr copy(*system);
     const fmx::LocaleUniquePtr other(fmx::Locale::kType_UnicodeRaw);

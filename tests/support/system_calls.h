@@ -9,7 +9,7 @@
 #include <functional>
 #include <string>
 
-namespace addressbook::test {
+namespace support {
 
 // While it lives, the disk that holds this folder is mounted for reading only, for the super-user as well.
 class ReadOnlyDisk {
@@ -32,4 +32,4 @@ std::string callsMade();
 // Whether what was last written to this file by this process was not brought to the disk since.
 bool isUnsynced(const std::filesystem::path& file);
 
-} // namespace addressbook::test
+} // namespace support

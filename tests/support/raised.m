@@ -1,6 +1,6 @@
 // Catching by type works in plain Objective-C only.
 
-#import "tests/framework/guard.h"
+#import "tests/support/raised.h"
 
 NSException* exceptionOf(void (*work)(void*), void* context) {
     @try {

@@ -8,7 +8,7 @@
 
 #include <list>
 
-namespace addressbook::test {
+namespace support {
 
 // While it lives, databases that are opened go through it.
 class FaultVfs {
@@ -90,4 +90,4 @@ class FaultVfs {
     sqlite3_vfs vfs_{};
 };
 
-} // namespace addressbook::test
+} // namespace support

@@ -1,4 +1,4 @@
-#include "tests/store/system_calls.h"
+#include "tests/support/system_calls.h"
 
 #include <dlfcn.h>
 #include <fcntl.h>
@@ -213,7 +213,7 @@ ssize_t pwrite64(int file, const void* data, size_t size, off64_t offset) {
 } // extern "C"
 #pragma GCC visibility pop
 
-namespace addressbook::test {
+namespace support {
 
 ReadOnlyDisk::ReadOnlyDisk(const std::filesystem::path& folder) {
     const std::lock_guard<std::mutex> guard(state().lock);
@@ -251,4 +251,4 @@ bool isUnsynced(const std::filesystem::path& file) {
     return stat(file.c_str(), &status) == 0 && state().unsynced.contains(status.st_ino);
 }
 
-} // namespace addressbook::test
+} // namespace support
