@@ -258,7 +258,8 @@ id objectFromEncoded(std::string_view value) {
 }
 
 NSString* wordFrom(std::string_view word) {
-    static std::vector<NSString*> known;
+    // Never destroyed, so that the texts are held until the process ends.
+    static std::vector<NSString*>& known = *new std::vector<NSString*>;
     const auto code = static_cast<std::size_t>(wordCode(word));
     if (code == 0)
         return stringFrom(word);
