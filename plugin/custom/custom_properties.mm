@@ -4,19 +4,20 @@
 #import "plugin/shell/handler_frame.h"
 #include "plugin/shell/handlers.h"
 
+namespace koru {
 namespace {
 
 bool isPersonKind(NSString* kind) {
     return [kind caseInsensitiveCompare:@"person"] == NSOrderedSame;
 }
 
-// The current record of the kind; nil when there is none.
+// Returns the current record of the kind; nil when there is none.
 ABRecord* recordOfKind(NSString* kind) {
     return isPersonKind(kind) ? static_cast<ABRecord*>(state.g_person.get())
                               : static_cast<ABRecord*>(state.g_group.get());
 }
 
-// Fails the call, and answers false, when an argument is missing.
+// Fails the call, and returns false, when an argument is missing.
 bool require(NSString* argument) {
     if (argument == nil) {
         setErrorCodeOnly(kInvalidParameterValue);
@@ -25,7 +26,7 @@ bool require(NSString* argument) {
     return true;
 }
 
-// "0" when the framework has changed a property; otherwise nil with the code for its number.
+// Returns "0" when the framework has changed a property; otherwise nil with the code for its number.
 NSString* answerOfCount(NSInteger changed, ErrorCode none, ErrorCode failed) {
     if (changed == 0 || changed == -1) {
         setError(changed == 0 ? none : failed);
@@ -77,6 +78,10 @@ NSString* getCustomValue(NSString* kind, NSString* name) {
     id value = [recordOfKind(kind) valueForProperty:name];
     return value != nil ? value : @"empty";
 }
+
+} // namespace koru
+
+using namespace koru;
 
 fmx::errcode Do_KORU_AddCustomField(short function, const fmx::ExprEnv& /*env*/,
                                     const fmx::DataVect& arguments, fmx::Data& result) {

@@ -6,6 +6,7 @@
 #import "plugin/shell/handler_frame.h"
 #include "plugin/shell/handlers.h"
 
+namespace koru {
 namespace {
 
 // One of the walks: the state variables that it lives in.
@@ -27,7 +28,7 @@ Walk subgroups() {
     return {state.gGroupSubgroups, state.gCurrentSubgroup, state.gCurrentSubgroupIndex};
 }
 
-// Makes the element at the index the current one; nil, and nothing is changed, at the end.
+// Makes the element at the index the current one and returns it; nil, and nothing is changed, at the end.
 ABRecord* take(const Walk& walk) {
     if (walk.index >= [walk.list.get() count]) {
         return nil;
@@ -37,7 +38,7 @@ ABRecord* take(const Walk& walk) {
     return static_cast<ABRecord*>(walk.current.get());
 }
 
-// Moves on, and answers the identifier of the element; "END" at the end.
+// Makes the next element current and returns its identifier; "END" at the end.
 NSString* step(const Walk& walk) {
     ABRecord* record = take(walk);
     if (record == nil) {
@@ -48,7 +49,7 @@ NSString* step(const Walk& walk) {
     return uniqueId;
 }
 
-// The same among the parents, where the walk also moves on past an element whose identifier cannot be had.
+// Like step(), among the parents, but moves on even if the framework raises instead of giving the identifier.
 NSString* stepParents() {
     const Walk walk = parents();
     ABRecord* record = take(walk);
@@ -59,7 +60,7 @@ NSString* stepParents() {
     return [record uniqueId];
 }
 
-// Fails the call, and answers false, when a walk that needs a group has none.
+// Fails the call, and returns false, when a walk that needs a group has none.
 bool requireGroup() {
     if (!state.g_group) {
         setError(kInvalidCallOrder);
@@ -68,7 +69,7 @@ bool requireGroup() {
     return true;
 }
 
-// Fails the call, and answers false, when the walk has not been begun.
+// Fails the call, and returns false, when the walk has not been begun.
 bool requireList(const Walk& walk) {
     if (!walk.list) {
         setError(kInvalidCallOrder);
@@ -142,6 +143,10 @@ NSString* nextSubgroupId() {
     walk.current.reset();
     return [[walk.list.get() objectAtIndex:walk.index] uniqueId]; // raises
 }
+
+} // namespace koru
+
+using namespace koru;
 
 fmx::errcode Do_KORU_GetFirstParentID(short function, const fmx::ExprEnv& /*env*/,
                                       const fmx::DataVect& arguments, fmx::Data& result) {

@@ -5,9 +5,10 @@
 #import "plugin/shell/handler_frame.h"
 #include "plugin/shell/handlers.h"
 
+namespace koru {
 namespace {
 
-// The record with the identifier, once the current group may be changed; nil when the call failed.
+// Returns the record with the identifier, once the current group may be changed; nil when it fails the call.
 ABRecord* recordToJoin(NSString* uniqueId) {
     if (!requireWritableRecord()) {
         return nil;
@@ -28,7 +29,7 @@ ABRecord* recordToJoin(NSString* uniqueId) {
     return record;
 }
 
-// The group with the identifier, likewise.
+// Returns the group with the identifier, once the current group may be changed; nil when it fails the call.
 ABGroup* groupToJoin(NSString* uniqueId) {
     ABRecord* record = recordToJoin(uniqueId);
     if (record != nil && ![record isKindOfClass:[ABGroup class]]) {
@@ -38,7 +39,7 @@ ABGroup* groupToJoin(NSString* uniqueId) {
     return static_cast<ABGroup*>(record);
 }
 
-// The address book's own answers are not asked for: what it refuses is answered as done.
+// Returns the result of a call that did not fail. What the address book itself refuses counts as done.
 NSString* done() {
     return errors.g_llasterror == kSuccess ? @"0" : nil;
 }
@@ -76,6 +77,10 @@ NSString* removeSubgroup(NSString* uniqueId) {
     }
     return done();
 }
+
+} // namespace koru
+
+using namespace koru;
 
 fmx::errcode Do_KORU_AddPerson(short function, const fmx::ExprEnv& /*env*/, const fmx::DataVect& arguments,
                                fmx::Data& result) {

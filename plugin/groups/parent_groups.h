@@ -2,8 +2,12 @@
 
 #import "plugin/records/plugin_state.h"
 
-// The groups that contain the current record; nil when there is no such record.
+namespace koru {
+
+// Returns the groups that contain the current record; nil when there is no such record.
 [[nodiscard]] inline NSArray* parentGroupsOfCurrentRecord() {
     return state.g_currentRecordType == kPersonType ? [state.g_person.get() parentGroups]
                                                     : [state.g_group.get() parentGroups];
 }
+
+} // namespace koru

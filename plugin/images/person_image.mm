@@ -4,6 +4,7 @@
 #include "plugin/shell/handlers.h"
 #import <AppKit/AppKit.h>
 
+namespace koru {
 namespace {
 
 // The code of a container's stream and the format that goes with it.
@@ -22,12 +23,12 @@ constexpr ImageStream kRead[] = {
     {{'G', 'I', 'F', 'f'}, NSBitmapImageFileTypeGIF},
 };
 
-// The codes of the streams that a picture is answered in, in their order.
+// The codes of the streams that a picture is given in, in their order.
 constexpr char kWritten[][4] = {
     {'G', 'I', 'F', 'f'}, {'B', 'M', 'P', 'f'}, {'J', 'P', 'E', 'G'}, {'P', 'N', 'G', 'f'}};
 
-// The first stream of a known code; nullptr when there is none. The container's very first stream is never
-// taken, on purpose: the host's own containers begin with other streams.
+// Returns the first stream of a known code; nullptr when there is none. The container's very first stream is
+// never taken, on purpose: the host's own containers begin with other streams.
 const ImageStream* findStream(const fmx::BinaryData& container, fmx::int32& index) {
     for (const ImageStream& stream : kRead) {
         index = container.GetIndex(*stream.type());
@@ -38,7 +39,7 @@ const ImageStream* findStream(const fmx::BinaryData& container, fmx::int32& inde
     return nullptr;
 }
 
-// The bytes of a stream. The host's answer is not examined.
+// Returns the bytes of a stream. What the host returns is not examined.
 NSData* bytesOf(const fmx::BinaryData& container, fmx::int32 index) {
     const fmx::uint32 size = container.GetSize(index);
     NSMutableData* bytes = [NSMutableData dataWithLength:size];
@@ -46,7 +47,7 @@ NSData* bytesOf(const fmx::BinaryData& container, fmx::int32 index) {
     return bytes;
 }
 
-// The picture's first bitmap. Fails the call with kNoBitmap, and answers nil, when it has none.
+// Returns the picture's first bitmap. Fails the call with kNoBitmap, and returns nil, when it has none.
 NSBitmapImageRep* firstBitmap(NSImage* image) {
     NSArray* representations = [image representations];
     for (NSUInteger i = 0; i < [representations count]; ++i) {
@@ -59,7 +60,7 @@ NSBitmapImageRep* firstBitmap(NSImage* image) {
     return nil;
 }
 
-// The bytes that encode the bitmap; nil for none.
+// Returns the bytes that encode the bitmap; nil for none.
 NSData* encoded(NSBitmapImageRep* bitmap, NSBitmapImageFileType format) {
     // Apple declares the parameter as never nil, and takes nil for no properties. A variable keeps clang
     // content.
@@ -113,6 +114,10 @@ Answer getImage(fmx::Data& result) {
     result.SetBinaryData(*container, true);
     return Answer::written();
 }
+
+} // namespace koru
+
+using namespace koru;
 
 fmx::errcode Do_KORU_SetImage(short function, const fmx::ExprEnv& /*env*/, const fmx::DataVect& arguments,
                               fmx::Data& result) {

@@ -29,27 +29,27 @@
     const fmx::ExprEnv* environment;
 
     // The file and the script to start.
-    Placed<OwnedText> theDB;
-    Placed<OwnedText> theScript;
+    koru::Placed<koru::OwnedText> theDB;
+    koru::Placed<koru::OwnedText> theScript;
 
     // Nothing uses it.
-    Placed<OwnedText> theParam;
+    koru::Placed<koru::OwnedText> theParam;
 
     // The locale in which the parameter becomes the host's, and that parameter.
-    Placed<OwnedLocale> locale;
-    Placed<OwnedData> data;
+    koru::Placed<koru::OwnedLocale> locale;
+    koru::Placed<koru::OwnedData> data;
 
-    // What the host answered to the last start; nothing reads it.
+    // The host's error code of the last start; nothing reads it.
     std::int16_t err;
 }
 
-// A listener for no script yet. A failure of the host's passes as std::bad_alloc or std::exception.
+// Makes a listener for no script yet. A failure of the host's passes as std::bad_alloc or std::exception.
 - (id)init;
 
 // Makes the queue and the port, and the current thread the owning one; only the first time.
 - (void)setUpThreadingSupport;
 
-// A message on the port has come: processes what is queued, and what is added meanwhile.
+// Handles a message on the port: processes what is queued, and what is added meanwhile.
 - (void)handleMachMessage:(void*)message;
 
 // On the owning thread starts the script with "New ", "Updated " or "Deleted " and the first such identifier,

@@ -6,6 +6,7 @@
 #import <Foundation/NSPort.h>
 #include <vector>
 
+namespace koru {
 namespace {
 
 // Holds the lock to the end of the block.
@@ -33,8 +34,8 @@ const Change kChanges[] = {
     {&kABDeletedRecords, @"Deleted %@"},
 };
 
-// The script's parameter: the first record of the first kind of change there is. Without any it is the
-// notification itself, which is no string; its first use as one raises.
+// Returns the script's parameter: the first record of the first kind of change there is. Without any it is
+// the notification itself, which is no string; its first use as one raises.
 NSString* parameterOf(NSNotification* notification) {
     NSDictionary* changes = [notification userInfo];
     for (const Change& change : kChanges) {
@@ -62,6 +63,9 @@ void assignEncoded(fmx::Text& text, NSString* string) {
 }
 
 } // namespace
+} // namespace koru
+
+using namespace koru;
 
 @implementation KORUXNotificationListener
 

@@ -1,4 +1,5 @@
 #pragma once
 
-// Called when the host and its user are idle. Does nothing: no script is ever started from here.
+// Does nothing: the hook for the time in which the host and its user are idle. No script is ever started
+// here.
 void runScript();

@@ -5,11 +5,10 @@
 #include "plugin/shell/handlers.h"
 #include "plugin/support/immortal.h"
 
+namespace koru {
 namespace {
 constinit Immortal<Retained<KORUXNotificationListener>> storage;
 }
-
-constinit Retained<KORUXNotificationListener>& listner = storage.value;
 
 NSString* registerUpdateScript(const fmx::ExprEnv& environment, const fmx::DataVect& arguments,
                                const fmx::Data& result) {
@@ -34,6 +33,12 @@ NSString* registerUpdateScript(const fmx::ExprEnv& environment, const fmx::DataV
     listener->theScript->SetText(arguments.AtAsText(1), 0, fmx::Text::kSize_End);
     return @"0";
 }
+
+} // namespace koru
+
+using namespace koru;
+
+constinit koru::Retained<KORUXNotificationListener>& listner = storage.value;
 
 fmx::errcode Do_KORU_RegisterUpdateScript(short function, const fmx::ExprEnv& env,
                                           const fmx::DataVect& arguments, fmx::Data& result) {

@@ -5,6 +5,7 @@
 #include "plugin/shell/handlers.h"
 #import "plugin/vocabulary/value_format.h"
 
+namespace koru {
 namespace {
 
 bool equalsDate(NSDate* date, NSString* text) {
@@ -31,6 +32,10 @@ NSString* compareProperty(NSString* name, NSString* text, NSString* identifier, 
                            : [text compare:value] == NSOrderedSame;
     return equal ? @"0" : @"-1";
 }
+
+} // namespace koru
+
+using namespace koru;
 
 fmx::errcode Do_KORU_CompareProperty(short function, const fmx::ExprEnv& /*env*/,
                                      const fmx::DataVect& arguments, fmx::Data& result) {

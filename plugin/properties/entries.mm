@@ -8,6 +8,7 @@
 #import "plugin/vocabulary/property_names.h"
 #import "plugin/vocabulary/value_format.h"
 
+namespace koru {
 namespace {
 
 // The fields of an address as they are named for writing.
@@ -31,7 +32,7 @@ NSString* writtenField(NSString* word) {
     return nil;
 }
 
-// Opens the property for an entry with the identifier.
+// Opens the property for an entry with the identifier. Returns false when it fails the call.
 bool openForEntry(NSString* name, NSString* identifier) {
     if (identifier == nil) {
         setError(kUidMissing);
@@ -40,7 +41,8 @@ bool openForEntry(NSString* name, NSString* identifier) {
     return openEntries(name);
 }
 
-// The place of the entry in the open copy; 0 when there is no copy. Fails the call with kUidDoesNotExist.
+// Returns the place of the entry in the open copy; 0 when there is no copy. Fails the call with
+// kUidDoesNotExist.
 NSUInteger indexOfEntry(NSString* identifier) {
     const NSUInteger index = [state.gValues.get() indexForIdentifier:identifier];
     if (index == static_cast<NSUInteger>(NSNotFound)) {
@@ -49,7 +51,7 @@ NSUInteger indexOfEntry(NSString* identifier) {
     return index;
 }
 
-// Opens the property and finds the entry that is to be changed. False when it failed the call, with
+// Opens the property and finds the entry that is to be changed. Returns false when it fails the call, with
 // kNoMultiValue when there is no value at all.
 bool openToChange(NSString* name, NSString* identifier, NSUInteger& index) {
     if (!openForEntry(name, identifier)) {
@@ -63,7 +65,7 @@ bool openToChange(NSString* name, NSString* identifier, NSUInteger& index) {
     return errors.g_llasterror == kSuccess;
 }
 
-// The address with one field changed; nil when it failed the call.
+// Returns the address with one field changed; nil when it fails the call.
 NSDictionary* addressWithField(id address, NSString* word, NSString* text) {
     if (![address isKindOfClass:[NSDictionary class]]) {
         setError(kInvalidPropertyType);
@@ -86,8 +88,8 @@ NSDictionary* addressWithField(id address, NSString* word, NSString* text) {
     return changed;
 }
 
-// The text as the value of an entry; nil for no date and, with the call failed, for a type that text cannot
-// give.
+// Returns the text as the value of an entry; nil for no date and, with the call failed, for a type that text
+// cannot give.
 id convertedEntry(NSString* text, ABPropertyType type) {
     switch (type) {
     case kABMultiStringProperty:
@@ -229,6 +231,10 @@ NSString* setEntryLabel(NSString* name, NSString* identifier, NSString* word) {
     }
     return writeEntriesBack() ? @"0" : nil;
 }
+
+} // namespace koru
+
+using namespace koru;
 
 fmx::errcode Do_KORU_GetValueForUID(short function, const fmx::ExprEnv& /*env*/,
                                     const fmx::DataVect& arguments, fmx::Data& result) {

@@ -6,6 +6,7 @@
 #import "plugin/shell/handler_frame.h"
 #include "plugin/shell/handlers.h"
 
+namespace koru {
 namespace {
 
 bool isWord(NSString* text, NSString* word) {
@@ -56,6 +57,10 @@ NSString* listOfValues(NSString* what, NSString* field) {
     }
     return [items componentsJoinedByString:@"\r"];
 }
+
+} // namespace koru
+
+using namespace koru;
 
 fmx::errcode Do_KORU_GetListOfValues(short function, const fmx::ExprEnv& /*env*/,
                                      const fmx::DataVect& arguments, fmx::Data& result) {

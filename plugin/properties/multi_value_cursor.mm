@@ -6,6 +6,8 @@
 #import "plugin/shell/handler_frame.h"
 #include "plugin/shell/handlers.h"
 
+namespace koru {
+
 NSString* openFirstEntry(NSString* name) {
     if (!requireActiveRecord() || !openEntries(name, @"Property may be a single-value property.")) {
         return nil;
@@ -30,6 +32,10 @@ NSString* openNextEntry() {
     ++state.gCurrentValuesIndex;
     return identifier;
 }
+
+} // namespace koru
+
+using namespace koru;
 
 fmx::errcode Do_KORU_OpenFirstMVProperty(short function, const fmx::ExprEnv& /*env*/,
                                          const fmx::DataVect& arguments, fmx::Data& result) {

@@ -2,8 +2,10 @@
 
 #import <Foundation/Foundation.h>
 
+namespace koru {
+
 // New entries of properties of the current person. Both functions make people the current record type and
-// leave it so, and answer the new entry's identifier, or nil when they failed the call: as OpenProperty does,
+// leave it so, and return the new entry's identifier, or nil when they fail the call: as OpenProperty does,
 // and with kRecordReadOnly, kInvalidParameterValue, kInvalidPropertyType, kReplacingMultiValueFailed. The
 // change stays in memory until it is saved.
 
@@ -26,3 +28,5 @@ struct NewAddress {
 // kInvalidCountryCode (missing, too) and kCreatingAddressFailed (no label); kInvalidParameterValue is an
 // address with a country code alone.
 [[nodiscard]] NSString* addAddress(NSString* label, const NewAddress& address);
+
+} // namespace koru

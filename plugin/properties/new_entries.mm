@@ -8,6 +8,7 @@
 #import "plugin/vocabulary/country_codes.h"
 #import "plugin/vocabulary/labels.h"
 
+namespace koru {
 namespace {
 
 // The labels that a new entry can be given by a word. The list is short on purpose: "mobile phone", which
@@ -142,6 +143,10 @@ NSString* addAddress(NSString* label, const NewAddress& address) {
     }
     return append(dictionaryOf(stored), labelToStore(label), kCreatingAddressFailed);
 }
+
+} // namespace koru
+
+using namespace koru;
 
 fmx::errcode Do_KORU_Add(short function, const fmx::ExprEnv& /*env*/, const fmx::DataVect& arguments,
                          fmx::Data& result) {

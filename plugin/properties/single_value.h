@@ -2,17 +2,21 @@
 
 #import "plugin/shell/handler_frame.h"
 
+namespace koru {
+
 // Reading, writing and removing a property of the current record that has a single value. No name (nil) is
 // the unique id's. Changes stay in memory until they are saved. All fail the call with kNoActiveRecord, as
 // OpenProperty does, and with kInvalidPropertyType for a property with several values; writing and removing
 // also with kRecordReadOnly.
 
-// The value's text, or a time stamp in the result (singleValueAnswer). The property is closed afterwards.
+// Returns the value's text, or stores a time stamp in the result (singleValueAnswer). Closes the property.
 [[nodiscard]] Answer getValueForProperty(NSString* name, fmx::Data& result);
 
 // Sets the property to the text, converted to the property's type; no text removes the value. A text that is
-// no date changes nothing, without an error. "0", or nil with kSettingPropertyFailed.
+// no date changes nothing, without an error. Returns "0", or nil with kSettingPropertyFailed.
 [[nodiscard]] NSString* setValueForProperty(NSString* name, NSString* text);
 
-// Removes the value, if there is one. "0". The property is closed afterwards.
+// Removes the value, if there is one, and closes the property. Returns "0".
 [[nodiscard]] NSString* deleteValueForProperty(NSString* name);
+
+} // namespace koru

@@ -7,6 +7,7 @@
 #import "plugin/vocabulary/property_names.h"
 #import "plugin/vocabulary/value_format.h"
 
+namespace koru {
 namespace {
 
 // The words for the person flags; each stands for the whole number, so that setting one forgets the other.
@@ -32,7 +33,7 @@ NSNumber* flagsFromText(NSString* text) {
     return [NSNumber numberWithInt:0];
 }
 
-// Opens the property and answers its type; 0 when it failed the call. The text extends the message for a
+// Opens the property and returns its type; 0 when it fails the call. The text extends the message for a
 // property with several values.
 ABPropertyType openSingleValue(NSString* name, NSString* severalValuesText) {
     OpenProperty(name);
@@ -118,6 +119,10 @@ NSString* deleteValueForProperty(NSString* name) {
     state.gCurrentProperty.reset();
     return @"0";
 }
+
+} // namespace koru
+
+using namespace koru;
 
 fmx::errcode Do_KORU_GetValueForProperty(short function, const fmx::ExprEnv& /*env*/,
                                          const fmx::DataVect& arguments, fmx::Data& result) {

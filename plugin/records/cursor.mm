@@ -6,14 +6,15 @@
 #import "plugin/shell/handler_frame.h"
 #include "plugin/shell/handlers.h"
 
+namespace koru {
 namespace {
 
-// The cursor of the current record type's side.
+// Returns the cursor of the current record type.
 std::uint32_t& currentIndex() {
     return state.g_currentRecordType == kGroupType ? state.gCurrentGroupIndex : state.gCurrentPersonIndex;
 }
 
-// Opens the record at the index of one side's list as that side's current record.
+// Makes the record at the index of one type's results the current one of that type.
 template <typename Record>
 NSString* openAt(std::uint32_t index, const Retained<NSArray>& results, Retained<Record>& current) {
     current.reset();
@@ -28,7 +29,7 @@ NSString* openAt(std::uint32_t index, const Retained<NSArray>& results, Retained
     return [current.get() uniqueId];
 }
 
-// Opens the record with the id as one side's current record.
+// Makes the record with the id the current one of its type.
 template <typename Record>
 NSString* openById(NSString* uniqueId, std::uint32_t type, Retained<Record>& current) {
     current.reset();
@@ -43,16 +44,6 @@ NSString* openById(NSString* uniqueId, std::uint32_t type, Retained<Record>& cur
 }
 
 } // namespace
-
-NSString* OpenRecordAtGlobalIndex() {
-    NSString* answer = nil;
-    guardedCall([&] {
-        answer = state.g_currentRecordType == kGroupType
-                     ? openAt(state.gCurrentGroupIndex, state.g_groupSearchResults, state.g_group)
-                     : openAt(state.gCurrentPersonIndex, state.g_personSearchResults, state.g_person);
-    });
-    return answer;
-}
 
 NSString* openFirstRecord() {
     currentIndex() = 0;
@@ -70,6 +61,20 @@ NSString* openRecord(NSString* uniqueId) {
     state.gCurrentProperty.reset();
     return isPersonId(uniqueId) ? openById(uniqueId, kPersonType, state.g_person)
                                 : openById(uniqueId, kGroupType, state.g_group);
+}
+
+} // namespace koru
+
+using namespace koru;
+
+NSString* OpenRecordAtGlobalIndex() {
+    NSString* answer = nil;
+    guardedCall([&] {
+        answer = state.g_currentRecordType == kGroupType
+                     ? openAt(state.gCurrentGroupIndex, state.g_groupSearchResults, state.g_group)
+                     : openAt(state.gCurrentPersonIndex, state.g_personSearchResults, state.g_person);
+    });
+    return answer;
 }
 
 fmx::errcode Do_KORU_OpenFirstRecord(short function, const fmx::ExprEnv& /*env*/,

@@ -10,6 +10,8 @@
 - (void)setSelection:(NSArray*)selection;
 @end
 
+namespace koru {
+
 NSString* displayPerson(NSString* uniqueId) {
     SBApplication* application = [SBApplication applicationWithBundleIdentifier:@"com.apple.AddressBook"];
     if (![application isRunning]) {
@@ -21,6 +23,10 @@ NSString* displayPerson(NSString* uniqueId) {
     [application activate];
     return @"0";
 }
+
+} // namespace koru
+
+using namespace koru;
 
 fmx::errcode Do_KORU_Display(short function, const fmx::ExprEnv& /*env*/, const fmx::DataVect& arguments,
                              fmx::Data& result) {

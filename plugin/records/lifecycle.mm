@@ -5,9 +5,10 @@
 #import "plugin/shell/handler_frame.h"
 #include "plugin/shell/handlers.h"
 
+namespace koru {
 namespace {
 
-// A new record in place of a side's current one; answers its unique id.
+// Makes a new record current in place of the one of its type. Returns its unique id.
 template <typename Record>
 NSString* makeCurrent(Retained<Record>& current) {
     current.reset();
@@ -16,8 +17,8 @@ NSString* makeCurrent(Retained<Record>& current) {
     return [current.get() valueForProperty:kABUIDProperty];
 }
 
-// Adds a side's current record, if there is one, to the address book, where it is to be opened by its id from
-// then on.
+// Adds the current record of one type, if there is one, to the address book, where it is to be opened by its
+// id from then on.
 template <typename Record>
 void addCurrent(Retained<Record>& current) {
     ABAddressBook* book = sharedBook();
@@ -72,7 +73,7 @@ class Clearing {
     NSArray* groups_ = nil;
 };
 
-// Makes the group with the id the current one; false when it failed the call.
+// Makes the group with the id the current one. Returns false when it fails the call.
 bool openGroup(NSString* groupId) {
     if (isPersonId(groupId)) {
         setError(kInvalidRecordType);
@@ -172,6 +173,10 @@ NSString* clearAll(NSString* groupId, NSString* what, bool keepOwnCard) {
     }
     return @"0";
 }
+
+} // namespace koru
+
+using namespace koru;
 
 fmx::errcode Do_KORU_New(short function, const fmx::ExprEnv& /*env*/, const fmx::DataVect& arguments,
                          fmx::Data& result) {

@@ -4,6 +4,8 @@
 #import <AddressBook/AddressBook.h>
 #include <cstdint>
 
+namespace koru {
+
 // The record types of g_currentRecordType and g_lastSearchType.
 inline constexpr std::uint32_t kPersonType = 0;
 inline constexpr std::uint32_t kGroupType = 1;
@@ -87,24 +89,26 @@ struct PluginState {
 // Lives as long as the process: nothing here is torn down, neither at shut-down nor at exit.
 extern PluginState& state;
 
-// The current record of the current type; nil when there is none.
+// Returns the current record of the current type; nil when there is none.
 [[nodiscard]] ABRecord* currentRecord();
 
-// The framework's class of the current record type: ABPerson or ABGroup.
+// Returns the framework's class of the current record type: ABPerson or ABGroup.
 [[nodiscard]] Class currentRecordClass();
 
-// The type of a property of the current record type; 0 when its records have no such property.
+// Returns the type of a property of the current record type; 0 when its records have no such property.
 [[nodiscard]] ABPropertyType typeOfCurrentProperty(NSString* property);
 
-// Whether the id is a person's. An id that the address book does not know counts as a person's, too.
+// Tells whether the id is a person's. An id that the address book does not know counts as a person's, too.
 [[nodiscard]] bool isPersonId(NSString* uniqueId);
 
-// Fails the call with kNoActiveRecord, and answers false, when groups are current and no group is open. A
+// Fails the call with kNoActiveRecord, and returns false, when groups are current and no group is open. A
 // missing person is let through on purpose: reading then yields empty text, and writing fails by itself.
 [[nodiscard]] bool requireActiveRecord();
 
-// Fails the call with kRecordReadOnly, and answers false, when the current record must not be changed.
+// Fails the call with kRecordReadOnly, and returns false, when the current record must not be changed.
 [[nodiscard]] bool requireWritableRecord();
 
-// The state as it is when the plug-in has been loaded, for tests.
+// Puts the state back to what it is when the plug-in has been loaded, for tests.
 void resetStateForTests();
+
+} // namespace koru

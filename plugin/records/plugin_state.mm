@@ -4,6 +4,7 @@
 #include "plugin/shell/error_state.h"
 #include "plugin/support/immortal.h"
 
+namespace koru {
 namespace {
 constinit Immortal<PluginState> storage;
 }
@@ -50,3 +51,5 @@ bool requireWritableRecord() {
 void resetStateForTests() {
     state = PluginState{};
 }
+
+} // namespace koru

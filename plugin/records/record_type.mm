@@ -3,6 +3,8 @@
 #import "plugin/records/plugin_state.h"
 #import "plugin/support/host_text.h"
 
+using namespace koru;
+
 void SetType(const fmx::DataVect& arguments, fmx::uint32 position) {
     NSString* word = [textArgument(arguments, position) lowercaseString];
     if (word == nil) {

@@ -5,6 +5,7 @@
 #include "plugin/shell/handlers.h"
 #include <cstdlib>
 
+namespace koru {
 namespace {
 
 void clearState() {
@@ -45,6 +46,10 @@ NSString* reload() {
     NSLog(@"Framework loaded");
     return @"0";
 }
+
+} // namespace koru
+
+using namespace koru;
 
 fmx::errcode Do_KORU_Reload(short function, const fmx::ExprEnv& /*env*/, const fmx::DataVect& arguments,
                             fmx::Data& result) {

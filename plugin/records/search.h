@@ -4,6 +4,8 @@
 #include <cstdint>
 #include <span>
 
+namespace koru {
+
 // A comparison of the search function. The interval comparisons take a number whatever the type of the
 // property.
 struct Comparison {
@@ -12,10 +14,10 @@ struct Comparison {
     bool isInterval = false;
 };
 
-// All comparisons, in the order of their values.
+// Returns all comparisons, in the order of their values.
 [[nodiscard]] std::span<const Comparison> comparisons();
 
-// The comparison of a name, with its letter case; "Equal" for nil and for any name that is none.
+// Returns the comparison of a name, whose letter case counts; "Equal" for nil and for any other name.
 [[nodiscard]] const Comparison& comparisonNamed(NSString* name);
 
 // The arguments of a search; an empty one is nil.
@@ -29,12 +31,14 @@ struct SearchArguments {
     NSString* conjunction;
 };
 
+// Searches, and keeps what was found as the result list of the type searched. Returns how many were found, in
+// decimal digits. Neither the cursor nor the current record changes. Returns nil when it fails the call: as
+// manageSearch does, and with kInvalidParameterValue when the type is missing.
+[[nodiscard]] NSString* search(const SearchArguments& arguments);
+
+} // namespace koru
+
 // Builds the condition and keeps it in g_searchelement, joined with the one kept there when a conjunction
 // says so. Fails the call with kInvalidCallOrder (a conjunction, but nothing to join), kInvalidParameterValue
-// (an unknown conjunction), kExceptionCaught. Always answers 0.
-int manageSearch(const SearchArguments& arguments);
-
-// Searches, and keeps what was found as the result list of the type searched; answers how many in decimal
-// digits. Neither the cursor nor the current record moves. nil when it failed the call: as manageSearch, and
-// with kInvalidParameterValue when the type is missing.
-[[nodiscard]] NSString* search(const SearchArguments& arguments);
+// (an unknown conjunction), kExceptionCaught. Always returns 0.
+int manageSearch(const koru::SearchArguments& arguments);

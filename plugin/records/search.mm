@@ -9,6 +9,7 @@
 #import "plugin/vocabulary/labels.h"
 #import "plugin/vocabulary/property_names.h"
 
+namespace koru {
 namespace {
 
 const Comparison kComparisons[] = {
@@ -42,7 +43,7 @@ const Comparison kComparisons[] = {
 // How the new condition goes with the one that is kept.
 enum class Join { kReplace, kOr, kAnd };
 
-// Reads the conjunction; false when it failed the call.
+// Reads the conjunction. Returns false when it fails the call.
 bool readConjunction(NSString* word, Join& join) {
     if (word == nil) {
         join = Join::kReplace;
@@ -64,8 +65,8 @@ bool readConjunction(NSString* word, Join& join) {
     return true;
 }
 
-// The text as an object of the kind that the comparison and the property want; nil for a text that is no
-// date.
+// Returns the text as an object of the kind that the comparison and the property want; nil for a text that is
+// no date.
 id convertedValue(NSString* text, NSString* property, const Comparison& comparison) {
     if (text == nil) {
         return nil;
@@ -91,8 +92,8 @@ id convertedValue(NSString* text, NSString* property, const Comparison& comparis
     }
 }
 
-// The condition on the records that the type word names: every word but "person" and "contact" means groups,
-// which have neither labels nor keys.
+// Returns the condition on the records that the type word names: every word but "person" and "contact" means
+// groups, which have neither labels nor keys.
 ABSearchElement* newCondition(NSString* type, NSString* property, NSString* label, NSString* key, id value,
                               const Comparison& comparison) {
     NSString* word = [type lowercaseString];
@@ -135,6 +136,31 @@ const Comparison& comparisonNamed(NSString* name) {
     return kComparisons[0];
 }
 
+NSString* search(const SearchArguments& arguments) {
+    if (arguments.type == nil) {
+        setError(kInvalidParameterValue);
+        return nil;
+    }
+    // Any word but "group" files the results with the persons, also one that searches groups. It is meant.
+    state.g_lastSearchType =
+        [[arguments.type lowercaseString] isEqualToString:@"group"] ? kGroupType : kPersonType;
+    manageSearch(arguments);
+    if (errors.g_llasterror != kSuccess) {
+        return nil;
+    }
+    NSArray* found = [sharedBook() recordsMatchingSearchElement:state.g_searchelement.get()];
+    NSString* count = [NSString stringWithFormat:@"%u", static_cast<unsigned>([found count])];
+    auto& results =
+        state.g_lastSearchType == kGroupType ? state.g_groupSearchResults : state.g_personSearchResults;
+    results = Retained<NSArray>::retain(found);
+    state.g_currentRecordType = state.g_lastSearchType;
+    return count;
+}
+
+} // namespace koru
+
+using namespace koru;
+
 int manageSearch(const SearchArguments& arguments) {
     guardedCall([&] {
         errors.g_llasterror = kSuccess;
@@ -156,27 +182,6 @@ int manageSearch(const SearchArguments& arguments) {
         keepCondition(newCondition(arguments.type, property, label, key, value, comparison), join);
     });
     return 0;
-}
-
-NSString* search(const SearchArguments& arguments) {
-    if (arguments.type == nil) {
-        setError(kInvalidParameterValue);
-        return nil;
-    }
-    // Any word but "group" files the results with the persons, also one that searches groups. It is meant.
-    state.g_lastSearchType =
-        [[arguments.type lowercaseString] isEqualToString:@"group"] ? kGroupType : kPersonType;
-    manageSearch(arguments);
-    if (errors.g_llasterror != kSuccess) {
-        return nil;
-    }
-    NSArray* found = [sharedBook() recordsMatchingSearchElement:state.g_searchelement.get()];
-    NSString* count = [NSString stringWithFormat:@"%u", static_cast<unsigned>([found count])];
-    auto& results =
-        state.g_lastSearchType == kGroupType ? state.g_groupSearchResults : state.g_personSearchResults;
-    results = Retained<NSArray>::retain(found);
-    state.g_currentRecordType = state.g_lastSearchType;
-    return count;
 }
 
 fmx::errcode Do_KORU_Search(short function, const fmx::ExprEnv& /*env*/, const fmx::DataVect& arguments,

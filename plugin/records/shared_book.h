@@ -2,9 +2,14 @@
 
 #import <AddressBook/AddressBook.h>
 
-// The address book that all functions work on. Raises an NSException when it cannot be opened, so that such a
-// call fails rather than works on nothing.
+namespace koru {
+
+// Returns the address book that all functions work on. Raises an NSException when it cannot be opened, so
+// that such a call fails rather than works on nothing.
 [[nodiscard]] ABAddressBook* sharedBook();
 
-// The record with the id; nil when the address book has none, and for nil, for which the framework raises.
+// Returns the record with the id; nil when the address book has none, and for nil, for which the framework
+// raises.
 [[nodiscard]] ABRecord* recordWithId(NSString* uniqueId);
+
+} // namespace koru

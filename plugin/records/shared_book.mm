@@ -1,5 +1,7 @@
 #import "plugin/records/shared_book.h"
 
+namespace koru {
+
 ABAddressBook* sharedBook() {
     ABAddressBook* book = [ABAddressBook sharedAddressBook];
     if (book == nil) {
@@ -12,3 +14,5 @@ ABRecord* recordWithId(NSString* uniqueId) {
     ABAddressBook* book = sharedBook();
     return uniqueId != nil ? [book recordForUniqueId:uniqueId] : nil;
 }
+
+} // namespace koru

@@ -11,6 +11,7 @@
 
 FMX_ExternCallPtr gFMX_ExternCallPtr = nullptr;
 
+namespace koru {
 namespace {
 
 // The host's interface versions with which the plug-in works, and the one it declares.
@@ -18,7 +19,7 @@ constexpr std::uint16_t kOldestHostVersion = 50;
 constexpr std::uint16_t kNewestHostVersion = 255;
 constexpr int kOwnVersion = 54;
 
-// Only while the user is idle, too, is idle time used.
+// The idle level at which the user, too, is idle: only then is the idle hook called.
 constexpr fmx::uchar kUserIdle = 0;
 
 bool acceptsHostVersion(std::uint16_t version) {
@@ -64,6 +65,9 @@ void dispatch(FMX_ExternCallStruct& message) {
 }
 
 } // namespace
+} // namespace koru
+
+using namespace koru;
 
 void Do_Init() {
     // What the slot held is not released: a second start-up may find texts that others still use.

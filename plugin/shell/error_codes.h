@@ -2,8 +2,9 @@
 
 #include <cstdint>
 
-// The codes with which a call can fail; what they say to the user stands in error_codes' message table
-// (plugin_error.mm).
+namespace koru {
+
+// The codes with which a call can fail. What they say to the user stands in plugin_error.mm.
 enum ErrorCode : std::int32_t {
     kSuccess = 0,
     kInvalidParameterCount = -3,
@@ -42,3 +43,5 @@ enum ErrorCode : std::int32_t {
     kInvalidCountryCode = -8031,
     kAddressBookNotStarted = -8032,
 };
+
+} // namespace koru

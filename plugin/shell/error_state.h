@@ -5,13 +5,18 @@
 #include "plugin/support/guard.h"
 #include "plugin/support/retained.h"
 
+// Fails the current call with the exception's description, which is kept in g_sExceptionTxt; nil has none.
+void handleException(NSException* exception);
+
+namespace koru {
+
 // How the last call of an external function ended, kept until the next one begins.
 struct ErrorState {
     // The one error object. Made at start-up, never released; nil before.
     koru_PluginError* error = nil;
 
-    // The last code that a call raised, 0 for none. A call that ends with another value answers "!!ERROR!!".
-    // Zeroed when a call begins.
+    // The last code that a call raised, 0 for none. The result of a call that ends with another value is
+    // "!!ERROR!!". Zeroed when a call begins.
     std::int32_t g_llasterror = kSuccess;
 
     // The description of the last exception, or of the failure to save. Released when the next call begins.
@@ -33,14 +38,13 @@ void setError(ErrorCode code, NSString* extended = @"");
 // "Success".
 void setErrorCodeOnly(ErrorCode code);
 
-// Fails the current call with the exception's description, which is kept in g_sExceptionTxt; nil has none.
-void handleException(NSException* exception);
-
 // Runs the work; a platform exception in it fails the current call (handleException). C++ exceptions pass.
 template <typename Work>
 void guardedCall(Work work) {
     guarded(work, handleException);
 }
 
-// The state as it is before start-up, for tests.
+// Puts the state back to what it is before start-up, for tests.
 void resetErrorsForTests();
+
+} // namespace koru

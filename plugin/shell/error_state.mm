@@ -2,6 +2,7 @@
 
 #include "plugin/support/immortal.h"
 
+namespace koru {
 namespace {
 constinit Immortal<ErrorState> storage;
 }
@@ -17,14 +18,18 @@ void setErrorCodeOnly(ErrorCode code) {
     errors.g_llasterror = code;
 }
 
+void resetErrorsForTests() {
+    errors = ErrorState{};
+}
+
+} // namespace koru
+
+using namespace koru;
+
 void handleException(NSException* exception) {
     errors.g_sExceptionTxt.reset();
     if (exception != nil) {
         errors.g_sExceptionTxt = Retained<NSString>::retain([exception description]);
     }
     setError(kExceptionCaught, errors.g_sExceptionTxt.get());
-}
-
-void resetErrorsForTests() {
-    errors = ErrorState{};
 }

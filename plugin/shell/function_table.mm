@@ -5,6 +5,7 @@
 #include <algorithm>
 #include <array>
 
+namespace koru {
 namespace {
 
 constexpr auto kFunctions = std::to_array<ExternalFunction>({
@@ -113,3 +114,5 @@ void unregisterFunctions() {
         fmx::ExprEnv::UnRegisterExternalFunction(*plugin, id);
     }
 }
+
+} // namespace koru

@@ -3,6 +3,7 @@
 #include "plugin/shell/function_table.h"
 #include "plugin/support/pool.h"
 
+namespace koru {
 namespace {
 
 constexpr const char* kErrorMarker = "!!ERROR!!";
@@ -60,3 +61,5 @@ fmx::errcode runFrame(short function, const fmx::DataVect& arguments, fmx::Data&
     }
     return 0;
 }
+
+} // namespace koru

@@ -4,7 +4,7 @@
 #include <type_traits>
 
 // The external functions: each takes its id, the calculation's environment, the arguments and the result, and
-// answers 0 (handler_frame.h says how failures are told). docs/functions.md describes them to users.
+// returns 0 (handler_frame.h says how failures are told). docs/functions.md describes them to users.
 using HandlerFunction = std::remove_pointer_t<fmx::ExtPluginType>;
 
 // shell/

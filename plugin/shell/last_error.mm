@@ -1,9 +1,10 @@
 #import "plugin/shell/handler_frame.h"
 #include "plugin/shell/handlers.h"
 
+namespace koru {
 namespace {
 
-// Without a format, or with "TEXT", the message; with any other, an empty one too, the code.
+// Returns the message without a format, or with "TEXT"; with any other, an empty one too, the code.
 NSString* lastErrorText(const fmx::DataVect& arguments) {
     switch (arguments.Size()) {
     case 0:
@@ -19,6 +20,9 @@ NSString* lastErrorText(const fmx::DataVect& arguments) {
 }
 
 } // namespace
+} // namespace koru
+
+using namespace koru;
 
 fmx::errcode Do_KORU_GetLastError(short function, const fmx::ExprEnv& /*env*/, const fmx::DataVect& arguments,
                                   fmx::Data& result) {

@@ -6,9 +6,11 @@
 #include <dlfcn.h>
 #include <link.h>
 
+namespace koru {
 namespace {
 
-// The file of the library that the host's handle stands for; without a handle, of the one this code is in.
+// Returns the file of the library that the host's handle stands for; without a handle, of the one this code
+// is in.
 const char* ownFile() {
     // The host hands the handle over as a number.
     auto* handle =
@@ -35,3 +37,5 @@ NSBundle* ownBundle() {
                                                                                  length:strlen(absolute)];
     return [NSBundle bundleWithPath:[path stringByDeletingLastPathComponent]];
 }
+
+} // namespace koru

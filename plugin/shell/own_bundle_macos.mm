@@ -3,6 +3,8 @@
 #include "plugin/support/host_interface.h"
 #include <CoreFoundation/CoreFoundation.h>
 
+namespace koru {
+
 NSBundle* ownBundle() {
     // The host hands the bundle reference over as a number.
     auto bundle = reinterpret_cast<CFBundleRef>(gFMX_ExternCallPtr->instanceID);
@@ -17,3 +19,5 @@ NSBundle* ownBundle() {
     CFRelease(location);
     return [NSBundle bundleWithPath:path];
 }
+
+} // namespace koru

@@ -14,13 +14,13 @@
     NSString* extendedError;
 }
 
-// Forgets everything; getError then answers "Success".
+// Forgets everything; getError then returns "Success".
 - (void)clearError;
 
-// The message, and after one blank the extended text when there is one, be it empty.
+// Returns the message, and after one blank the extended text when there is one, be it empty.
 - (NSString*)getError;
 
-// The code in decimal digits.
+// Returns the code in decimal digits.
 - (NSString*)getErrorNumber;
 
 // Records an error. A nil extended text adds nothing to the message, an empty one a blank. Unknown codes read

@@ -2,6 +2,7 @@
 
 #include "plugin/shell/error_codes.h"
 
+namespace koru {
 namespace {
 
 struct ErrorMessage {
@@ -59,6 +60,9 @@ NSString* messageForCode(int code) {
 }
 
 } // namespace
+} // namespace koru
+
+using namespace koru;
 
 @implementation koru_PluginError
 

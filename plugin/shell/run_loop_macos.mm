@@ -1,3 +1,7 @@
 #import "plugin/shell/run_loop.h"
 
+namespace koru {
+
 void turnRunLoop() {}
+
+} // namespace koru

@@ -3,6 +3,7 @@
 #import "plugin/shell/own_bundle.h"
 #include <array>
 
+namespace koru {
 namespace {
 
 constexpr unsigned long kOptionsKind = 131;
@@ -14,6 +15,9 @@ unsigned long stringForKind(unsigned long kind) {
 }
 
 } // namespace
+} // namespace koru
+
+using namespace koru;
 
 long Sub_OSXLoadString(unsigned long id, unsigned short* buffer, long capacity) {
     if (buffer == nullptr || capacity < 2) {

@@ -1,6 +1,7 @@
 #import "plugin/shell/handler_frame.h"
 #include "plugin/shell/handlers.h"
 
+namespace koru {
 namespace {
 
 // The version is the project's, which CMake knows.
@@ -20,6 +21,9 @@ NSString* versionText(const fmx::DataVect& arguments) {
 }
 
 } // namespace
+} // namespace koru
+
+using namespace koru;
 
 fmx::errcode Do_KORU_Version(short function, const fmx::ExprEnv& /*env*/, const fmx::DataVect& arguments,
                              fmx::Data& result) {

@@ -3,6 +3,8 @@
 #include "plugin/support/objc_guard.h"
 #import <Foundation/Foundation.h>
 
+namespace koru {
+
 // Runs the work; a platform exception in it goes to caught, a callable that is given the NSException;
 // everything else passes (see koruGuard). The work must not make an autorelease pool that such an exception
 // would drain on its way.
@@ -18,3 +20,5 @@ void guarded(Work work, Caught caught) {
               },
               &both);
 }
+
+} // namespace koru

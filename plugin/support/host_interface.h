@@ -58,6 +58,8 @@ struct Holder<Unique, Auto> {
 
 } // namespace host_interface
 
+namespace koru {
+
 // Apple has a global TextPtr of its own, hence Owned.
 using OwnedBinaryData = host_interface::Holder<fmx::BinaryDataUniquePtr, fmx::BinaryDataAutoPtr>::Type;
 using OwnedData = host_interface::Holder<fmx::DataUniquePtr, fmx::DataAutoPtr>::Type;
@@ -68,7 +70,9 @@ using OwnedLocale = host_interface::Holder<fmx::LocaleUniquePtr, fmx::LocaleAuto
 using OwnedQuadChar = host_interface::Holder<fmx::QuadCharUniquePtr, fmx::QuadCharAutoPtr>::Type;
 using OwnedText = host_interface::Holder<fmx::TextUniquePtr, fmx::TextAutoPtr>::Type;
 
-#pragma GCC diagnostic pop
-
 // One unit of UTF-16, which the interfaces call unichar or unichar16.
 using TextUnit = fmx::uint16;
+
+} // namespace koru
+
+#pragma GCC diagnostic pop

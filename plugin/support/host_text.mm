@@ -3,6 +3,7 @@
 #include <array>
 #include <vector>
 
+namespace koru {
 namespace {
 
 // Room for UTF-16 units, on the stack for the usual short texts.
@@ -20,8 +21,8 @@ class UnicharBuffer {
     std::vector<TextUnit> large_;
 };
 
-// A string of exactly the units. Foundation may refuse text that is not well-formed, and take a byte-order
-// mark away: such text is put together unit by unit.
+// Returns a string of exactly the units. Foundation may refuse text that is not well-formed, and take a
+// byte-order mark away: such text is put together unit by unit.
 NSString* stringOfUnits(const TextUnit* units, NSUInteger count) {
     NSString* string = [NSString stringWithCharacters:units length:count];
     if ([string length] == count) {
@@ -59,3 +60,5 @@ void assignString(fmx::Text& text, NSString* string) {
     buffer.data()[length] = 0;
     text.AssignUnicode(buffer.data());
 }
+
+} // namespace koru

@@ -1,5 +1,7 @@
 #pragma once
 
+namespace koru {
+
 // A value that is made before the program starts and never destroyed, for the state that lasts as long as the
 // process: at exit its objects may outlive the libraries that their release would call.
 template <typename T>
@@ -8,3 +10,5 @@ union Immortal {
     constexpr Immortal() : value() {}
     ~Immortal() {}
 };
+
+} // namespace koru

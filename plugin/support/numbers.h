@@ -3,8 +3,10 @@
 #include <cmath>
 #include <limits>
 
-// A floating-point value without its fraction; the nearest whole number there is when it is beyond them, 0
-// for no number.
+namespace koru {
+
+// Returns a floating-point value without its fraction; the nearest whole number there is when it is beyond
+// them, 0 for no number.
 [[nodiscard]] inline long long truncated(double value) {
     constexpr auto kLimits = std::numeric_limits<long long>();
     if (std::isnan(value)) {
@@ -18,3 +20,5 @@
     }
     return static_cast<long long>(value);
 }
+
+} // namespace koru

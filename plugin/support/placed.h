@@ -5,6 +5,8 @@
 #include <new>
 #include <utility>
 
+namespace koru {
+
 // A C++ object as an instance variable of an Objective-C object: made and destroyed by hand, since not every
 // compiler does it. The memory must be zeroed at first, as instance variables are; then there is no object.
 template <typename T>
@@ -32,3 +34,5 @@ class Placed {
     alignas(T) std::byte bytes_[sizeof(T)];
     bool alive_;
 };
+
+} // namespace koru

@@ -2,6 +2,8 @@
 
 #import <Foundation/Foundation.h>
 
+namespace koru {
+
 // An autorelease pool for the rest of the block. One stands around everything that the host calls, outside
 // the guard: a platform exception is itself autoreleased, and must outlive the frames that it passes.
 class Pool {
@@ -17,3 +19,5 @@ class Pool {
   private:
     NSAutoreleasePool* pool_;
 };
+
+} // namespace koru

@@ -3,6 +3,8 @@
 #import <Foundation/Foundation.h>
 #include <utility>
 
+namespace koru {
+
 // Holds one Objective-C object retained: lets go of it when it is replaced, reset or destroyed. Empty is nil.
 // The two ways in are named, so that ownership can be read where the holder is made: retain() takes a claim
 // of its own, adopt() takes over the caller's. Not for autorelease pools. Use from one thread at a time.
@@ -11,10 +13,10 @@ class Retained {
   public:
     constexpr Retained() noexcept = default;
 
-    // A holder with a claim of its own on the object; nil makes an empty one.
+    // Returns a holder with a claim of its own on the object; nil makes an empty one.
     [[nodiscard]] static Retained retain(T* object) { return Retained([object retain]); }
 
-    // A holder of the claim that the caller already has (after alloc, copy, mutableCopy).
+    // Returns a holder of the claim that the caller already has (after alloc, copy, mutableCopy).
     [[nodiscard]] static Retained adopt(T* object) noexcept { return Retained(object); }
 
     Retained(const Retained& other) : object_([other.object_ retain]) {}
@@ -25,7 +27,7 @@ class Retained {
     }
     ~Retained() { [object_ release]; }
 
-    // The object, borrowed: valid while it is held here.
+    // Returns the object, borrowed: valid while it is held here.
     [[nodiscard]] T* get() const noexcept { return object_; }
     [[nodiscard]] explicit operator bool() const noexcept { return object_ != nil; }
 
@@ -40,3 +42,5 @@ class Retained {
 
     T* object_ = nil;
 };
+
+} // namespace koru

@@ -1,5 +1,6 @@
 #import "plugin/vocabulary/address_keys.h"
 
+namespace koru {
 namespace {
 
 const AddressKey kAddressKeys[] = {
@@ -13,6 +14,10 @@ const AddressKey kAddressKeys[] = {
 std::span<const AddressKey> addressKeys() {
     return kAddressKeys;
 }
+
+} // namespace koru
+
+using namespace koru;
 
 NSString* toKeyString(NSString* word) {
     if (word == nil) {

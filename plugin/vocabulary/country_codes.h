@@ -4,6 +4,8 @@
 #include <array>
 #include <string_view>
 
+namespace koru {
+
 // The country codes that an address may carry, in lower case. The list is the plug-in's own, not the
 // standard's: "vn" stands twice, "yu" is still here, "uk", "pr" and "sm" are not.
 // clang-format off
@@ -24,5 +26,7 @@ inline constexpr std::array<std::string_view, 200> kCountryCodes = {
 };
 // clang-format on
 
-// Whether the list has the code as it stands: two letters in lower case. nil is no code.
+} // namespace koru
+
+// Tells whether the list has the code as it stands: two letters in lower case. nil is no code.
 [[nodiscard]] bool IsValidCountryCode(NSString* code);

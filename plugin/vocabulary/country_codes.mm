@@ -2,6 +2,8 @@
 
 #include <algorithm>
 
+using namespace koru;
+
 bool IsValidCountryCode(NSString* code) {
     if ([code length] != 2) {
         return false;

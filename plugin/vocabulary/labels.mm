@@ -1,5 +1,6 @@
 #import "plugin/vocabulary/labels.h"
 
+namespace koru {
 namespace {
 
 // Several constants hold the same text ("work", "work email", "work phone"): when reading, the first row
@@ -95,6 +96,15 @@ std::span<const Label> exchangeLabels() {
     return kExchangeLabels;
 }
 
+NSString* labelToStore(NSString* text) {
+    NSString* label = StringToLabel(text);
+    return label != nil ? label : text;
+}
+
+} // namespace koru
+
+using namespace koru;
+
 NSString* StringToLabel(NSString* text) {
     NSString* word = [text lowercaseString];
     for (const auto labels : {frameworkLabels(), messagingLabels(), exchangeLabels()}) {
@@ -105,11 +115,6 @@ NSString* StringToLabel(NSString* text) {
         }
     }
     return nil;
-}
-
-NSString* labelToStore(NSString* text) {
-    NSString* label = StringToLabel(text);
-    return label != nil ? label : text;
 }
 
 NSString* LabelToString(NSString* label) {

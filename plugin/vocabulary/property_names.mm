@@ -6,6 +6,7 @@
 #include <string>
 #include <unordered_map>
 
+namespace koru {
 namespace {
 
 // "homepage" is the list of web pages, as "webpages" is: the single home page of old has no name here.
@@ -89,6 +90,10 @@ std::size_t find(const Lookup& lookup, const std::u16string& text) {
 std::span<const PropertyName> propertyNames() {
     return kPropertyNames;
 }
+
+} // namespace koru
+
+using namespace koru;
 
 NSString* toPropertyString(NSString* name) {
     if (name == nil) {

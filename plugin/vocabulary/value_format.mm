@@ -4,12 +4,14 @@
 #import "plugin/vocabulary/address_keys.h"
 #import "plugin/vocabulary/property_names.h"
 
+namespace koru {
 namespace {
 
 // Years to seconds, by the numbers that every version of the framework has given these units.
 constexpr NSUInteger kDateAndTimeUnits = 4 | 8 | 16 | 32 | 64 | 128;
 
-// The Gregorian calendar in the system's time zone. It is costly to make, so there is one for the process.
+// Returns the Gregorian calendar in the system's time zone. It is costly to make: there is one for the
+// process.
 NSCalendar* gregorianCalendar() {
     static NSCalendar* const calendar = [[NSCalendar alloc] initWithCalendarIdentifier:NSGregorianCalendar];
     NSTimeZone* zone = [NSTimeZone systemTimeZone];
@@ -20,7 +22,7 @@ NSCalendar* gregorianCalendar() {
 }
 
 // Stores a date in the result as a time stamp of the Gregorian calendar in the system's time zone, to the
-// second. Answers nothing when the host has no such date, as after the year 4000.
+// second. Returns nothing when the host has no such date, as after the year 4000.
 Answer writeTimeStamp(NSDate* date, fmx::Data& result) {
     NSDateComponents* parts = [gregorianCalendar() components:static_cast<NSCalendarUnit>(kDateAndTimeUnits)
                                                      fromDate:date];
@@ -37,7 +39,7 @@ Answer writeTimeStamp(NSDate* date, fmx::Data& result) {
     return Answer::written();
 }
 
-// A value's own text; empty for none.
+// Returns a value's own text; empty for none.
 Answer textAnswer(id value) {
     return [value description];
 }
@@ -78,24 +80,6 @@ void findValue(NSString* identifier, NSString* key, id& value) {
 
 } // namespace
 
-id GetPropertyValue(NSString* name, NSString* identifier, NSString* key, std::int32_t /*flags*/) {
-    OpenProperty(name);
-    if (errors.g_llasterror != kSuccess) {
-        return nil;
-    }
-    if (identifier == nil && state.gValues) {
-        setError(kUidMissing);
-        return nil;
-    }
-    if (typeOfCurrentProperty(state.gCurrentProperty.get()) == kABDictionaryProperty && key == nil) {
-        setError(kInvalidKey);
-        return nil;
-    }
-    id value = nil;
-    guardedCall([&] { findValue(identifier, key, value); });
-    return value;
-}
-
 Answer singleValueAnswer(id value, ABPropertyType type, NSString* name, fmx::Data& result) {
     if (value == nil) {
         return {};
@@ -104,7 +88,7 @@ Answer singleValueAnswer(id value, ABPropertyType type, NSString* name, fmx::Dat
     if ((type & kABDateProperty) != 0) {
         return writeTimeStamp(value, result);
     }
-    // Only so spelt: "personflags" answers the number.
+    // Only so spelt: "personflags" gives the number.
     if ([name isEqualToString:@"Person Flags"]) {
         return ([value intValue] & kABShowAsMask) != 0 ? @"ShowAsCompany" : @"ShowAsPerson";
     }
@@ -124,4 +108,26 @@ Answer entryAnswer(id value, ABPropertyType type, NSString* key, fmx::Data& resu
         return writeTimeStamp(value, result);
     }
     return textAnswer(value);
+}
+
+} // namespace koru
+
+using namespace koru;
+
+id GetPropertyValue(NSString* name, NSString* identifier, NSString* key, std::int32_t /*flags*/) {
+    OpenProperty(name);
+    if (errors.g_llasterror != kSuccess) {
+        return nil;
+    }
+    if (identifier == nil && state.gValues) {
+        setError(kUidMissing);
+        return nil;
+    }
+    if (typeOfCurrentProperty(state.gCurrentProperty.get()) == kABDictionaryProperty && key == nil) {
+        setError(kInvalidKey);
+        return nil;
+    }
+    id value = nil;
+    guardedCall([&] { findValue(identifier, key, value); });
+    return value;
 }

@@ -4,14 +4,14 @@
 
 #include "plugin/shell/handlers.h"
 
-void realRegisterFunctions() __asm__("__real__Z17registerFunctionsv");
-void wrappedRegisterFunctions() __asm__("__wrap__Z17registerFunctionsv");
+void realRegisterFunctions() __asm__("__real__ZN4koru17registerFunctionsEv");
+void wrappedRegisterFunctions() __asm__("__wrap__ZN4koru17registerFunctionsEv");
 
 void wrappedRegisterFunctions() {
     realRegisterFunctions();
-    const OwnedQuadChar plugin('K', 'O', 'R', 'U');
-    OwnedText name;
-    OwnedText prototype;
+    const koru::OwnedQuadChar plugin('K', 'O', 'R', 'U');
+    koru::OwnedText name;
+    koru::OwnedText prototype;
     name->Assign("KORU_RegisterUpdateScript");
     prototype->Assign("KORU_RegisterUpdateScript( file ; script )");
     fmx::ExprEnv::RegisterExternalFunction(*plugin, 44, *name, *prototype, 2, 2, 0xFF01,

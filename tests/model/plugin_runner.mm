@@ -16,9 +16,9 @@
 namespace model {
 namespace {
 
-using Plugin = ::PluginState;
+using Plugin = koru::PluginState;
 Plugin& plugin() {
-    return ::state;
+    return koru::state;
 }
 
 // Every unit of a string, well-formed or not.

@@ -6,12 +6,12 @@
 // What a person double does and has been told; as it is at the start of each test (resetPersonDouble).
 struct PersonDoubleScript {
     bool readOnly = false;
-    bool refuses = false;         // setValue:forProperty: answers NO
-    bool failsReading = false;    // valueForProperty: raises
-    bool failsWriting = false;    // setValue:forProperty: raises
-    Retained<NSObject> values;    // every property's value; none is that of a real person
-    Retained<ABMultiValue> taken; // the list that setValue:forProperty: was given last
-    int writes = 0;               // and how often it was called
+    bool refuses = false;               // setValue:forProperty: answers NO
+    bool failsReading = false;          // valueForProperty: raises
+    bool failsWriting = false;          // setValue:forProperty: raises
+    koru::Retained<NSObject> values;    // every property's value; none is that of a real person
+    koru::Retained<ABMultiValue> taken; // the list that setValue:forProperty: was given last
+    int writes = 0;                     // and how often it was called
 };
 extern PersonDoubleScript personDouble;
 

@@ -20,7 +20,7 @@ void resetPersonDouble() {
 }
 - (BOOL)setValue:(id)value forProperty:(NSString*)property {
     ++personDouble.writes;
-    personDouble.taken = Retained<ABMultiValue>::retain(value);
+    personDouble.taken = koru::Retained<ABMultiValue>::retain(value);
     if (personDouble.failsWriting) {
         [NSException raise:NSInternalInconsistencyException format:@"cannot write %@", property];
     }

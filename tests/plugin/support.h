@@ -12,6 +12,9 @@
 #include <optional>
 #include <string>
 
+// The tests name what is the plug-in's as its own sources do.
+using namespace koru;
+
 // What the tests of the plug-in share: a message to the entry point, a call of a handler, and a fixture in
 // which the plug-in has just been started and the address book, of the test run alone, is empty.
 
