@@ -131,7 +131,9 @@ Book::Saved contentsOf(ABRecord* record) {
     NSArray* names = contents.isGroup ? [ABGroup properties] : [ABPerson properties];
     for (NSUInteger i = 0; i < [names count]; ++i) {
         NSString* name = [names objectAtIndex:i];
-        if ([name isEqualToString:kABUIDProperty]) {
+        // Date components are told from the dates, which are looked at themselves.
+        const int type = [[record class] typeOfProperty:name] & ~kABMultiValueMask;
+        if ([name isEqualToString:kABUIDProperty] || type == kABDateComponentsProperty) {
             continue;
         }
         const bool kept = [name isEqualToString:kABCreationDateProperty] ||
