@@ -19,6 +19,7 @@ class JsonError : public std::runtime_error {
 };
 
 // What reading a text gave, remembered with it.
+// NOLINTNEXTLINE(bugprone-exception-escape): the library's values do not throw when they are made or moved
 struct ParsedJson : TextNote {
     Json root;
     std::string error;     // of a text that is no JSON

@@ -72,7 +72,7 @@ fs::path pluginFile(const fs::path& path) {
         throw LoadError("there is no plug-in at " + path.string() +
                         (error && status.type() == fs::file_type::none ? ": " + error.message() : ""));
     }
-    const fs::path file = fs::absolute(fs::is_directory(status) ? onlyLibraryOf(named) : named);
+    fs::path file = fs::absolute(fs::is_directory(status) ? onlyLibraryOf(named) : named);
     if (!fs::is_regular_file(file, error)) {
         throw LoadError("can not load " + file.string() + ": it is neither a file nor a folder");
     }

@@ -32,7 +32,7 @@ constexpr Word<ValueType> kTypes[] = {
     {"time", ValueType::time}, {"timestamp", ValueType::timestamp}, {"container", ValueType::container}};
 constexpr Word<int> kFlags[] = {{"true", 1}, {"1", 1}, {"false", 0}, {"0", 0}};
 
-std::string lower(std::string text) {
+std::string lower(const std::string& text) {
     return toUtf8(foldCase(fromUtf8(text)));
 }
 

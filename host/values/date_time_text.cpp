@@ -95,7 +95,7 @@ int64_t fullYear(int64_t year, size_t digits) {
     if (digits > 2) {
         return year;
     }
-    const int last = DateTime::now().calendar().year + kAhead;
+    const int64_t last = DateTime::now().calendar().year + kAhead;
     const int64_t candidate = last / 100 * 100 + year;
     return candidate > last ? candidate - 100 : candidate;
 }

@@ -106,6 +106,7 @@ using OlderPointer = std::auto_ptr<Object>;
         FM_##name##_Delete(self, block);                                                                     \
     }
 
+// NOLINTBEGIN(bugprone-macro-parentheses): the names of classes
 /// The owning holders of a class, from a template `<name>Holder` over their base: `<name>UniquePtr`, and the
 /// older `<name>AutoPtr`, which gives its object away when it is copied where the C++ library still has
 /// `std::auto_ptr`.
@@ -118,3 +119,4 @@ using OlderPointer = std::auto_ptr<Object>;
       public:                                                                                                \
         using name##Holder<OlderPointer<name>>::name##Holder;                                                \
     };
+// NOLINTEND(bugprone-macro-parentheses)

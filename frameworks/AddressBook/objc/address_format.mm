@@ -55,10 +55,14 @@ constexpr std::array kFormats{
 };
 
 constexpr bool everyFieldIsWritten() {
-    return std::all_of(kFormats.begin(), kFormats.end(), [](const Format& format) {
-        return std::all_of(std::begin("SCAZN"), std::end("SCAZN") - 1,
-                           [&](char field) { return format.layout.find(field) != format.layout.npos; });
-    });
+    for (const Format& format : kFormats) {
+        for (const char field : std::string_view("SCAZN")) {
+            if (format.layout.find(field) == format.layout.npos) {
+                return false;
+            }
+        }
+    }
+    return true;
 }
 static_assert(everyFieldIsWritten());
 

@@ -202,14 +202,14 @@ Value makeArray(Session& /*session*/, Arguments in) {
 Value parse(Session& /*session*/, Arguments in) {
     const auto parsed = parsedJson(in[0]);
     if (!parsed->error.empty()) {
-        const Value error = errorValue(JsonError(parsed->error));
+        Value error = errorValue(JsonError(parsed->error));
         auto failed = std::make_shared<ParsedJson>();
         failed->error = parsed->error;
         failed->declared = true;
         error.setNote(std::move(failed));
         return error;
     }
-    const Value result = Value::text(in[0].asText());
+    Value result = Value::text(in[0].asText());
     auto declared = std::make_shared<ParsedJson>();
     declared->root = parsed->root;
     declared->declared = true;
@@ -229,7 +229,7 @@ Value parsedState(Session& /*session*/, Arguments in) {
 // other. An empty text becomes an object, or an array when the first path begins with a place.
 Value setElement(Evaluator& evaluator, Nodes in) {
     return guarded([&] {
-        const Value json = evaluator.evaluate(in[0]);
+        Value json = evaluator.evaluate(in[0]);
         if (!json.isValid()) {
             return json;
         }

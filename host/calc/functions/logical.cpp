@@ -37,7 +37,7 @@ Value choose(Evaluator& evaluator, Nodes in) {
 // While around it. The fields that may follow only tell when to evaluate again.
 Value evaluateFunction(Evaluator& evaluator, Nodes in) {
     Session& session = evaluator.session();
-    const Value expression = evaluator.evaluate(in[0]);
+    Value expression = evaluator.evaluate(in[0]);
     if (!expression.isValid()) {
         return expression;
     }

@@ -169,7 +169,11 @@ Value asCss(Session& /*session*/, Arguments in) {
     for (const StyledRun& run : in[0].styles()) {
         const std::u16string part = escaped(text.substr(start, run.end - start));
         const std::u16string style = css(run.style);
-        result += style.empty() ? part : u"<span style=\"" + style + u"\">" + part + u"</span>";
+        if (style.empty()) {
+            result += part;
+        } else {
+            result.append(u"<span style=\"").append(style).append(u"\">").append(part).append(u"</span>");
+        }
         start = run.end;
     }
     return Value::text(result);
