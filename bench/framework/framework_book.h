@@ -40,7 +40,7 @@ class FrameworkBook {
 
     // The last name of the person with this unique id.
     std::string lastName(const std::string& uid);
-    // The same without making a C++ text of it: what is measured.
+    // Reads the last name without converting it to std::string: the variant that is timed.
     void readLastName(const std::string& uid);
 
     // Sets a person's job and saves.

@@ -1,4 +1,4 @@
-// Small saves leave the search indexes to later ones: nobody may notice but the disk.
+// Deferred indexing: results must not change, only the pages written.
 
 #include "frameworks/AddressBook/store/backlog.h"
 #include "frameworks/AddressBook/store/record_codec.h"
@@ -171,7 +171,7 @@ TEST_F(BacklogTest, ADamagedOneIsToldBySearches) {
 // A book of the version before has no backlog and gets one.
 TEST_F(BacklogTest, ComesToAnOlderBook) {
     const std::string uid = addPerson(store, {{"First", text("Ada")}});
-    settleIndexes(store);
+    flushIndexes(store);
     const std::filesystem::path older = root() / "older";
     std::filesystem::create_directory(older);
     ask("VACUUM INTO '" + (older / "AddressBook.db").string() + "'");

@@ -37,9 +37,8 @@ inline SaveResult saveRecords(Store& store, std::vector<RecordChange> records, d
     return store.save(changes);
 }
 
-// Brings the search indexes up to date, which small saves leave to others: whatever removes something does
-// not.
-inline void settleIndexes(Store& store) {
+// Flushes the backlog: a save that removes a record always does.
+inline void flushIndexes(Store& store) {
     ChangeSet changes;
     changes.removed = {"nobody"};
     store.save(changes);

@@ -36,7 +36,7 @@ class CheckTest : public Scratch, public testing::WithParamInterface<Planted> {
         changes.memberships = {{group, person, true}};
         changes.me = person;
         store.save(changes);
-        settleIndexes(store);
+        flushIndexes(store);
         saveRecords(store, {updated(person, {{"First", text("Ida Müller")}})}, 2); // waits for others
         file_ = store.file();
         sound_ = store.check().empty();

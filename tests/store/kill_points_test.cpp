@@ -184,7 +184,7 @@ class KillPointsTest : public Scratch {
     // A book of the version before.
     void killAtMigrating(const char* journal) {
         makeBook();
-        settleIndexes(*std::make_unique<Store>(folder()));
+        flushIndexes(*std::make_unique<Store>(folder()));
         execute(kMakeVersion1);
         execute(journal);
         const Contents before = contentsOf(Store(folder()));
