@@ -102,7 +102,7 @@ Answer getImage(fmx::Data& result) {
     const auto image = Retained<NSImage>::adopt([[NSImage alloc] initWithData:picture]);
     NSBitmapImageRep* bitmap = firstBitmap(image.get());
     NSData* bytes = encoded(bitmap, NSBitmapImageFileTypeBMP);
-    // The width is both values, and the bytes are the same whatever a stream's code says. It is meant.
+    // The width is both values, and the bytes are the same whatever a stream's code says. On purpose.
     const auto width = static_cast<short>([bitmap pixelsWide]);
     const auto height = static_cast<short>([bitmap pixelsWide]);
     const OwnedBinaryData container;

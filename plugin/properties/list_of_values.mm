@@ -14,7 +14,7 @@ bool isWord(NSString* text, NSString* word) {
 }
 
 // The parts of the name that a person has, each but the suffix with a blank behind it: without a suffix the
-// name ends in a blank. It is meant.
+// name ends in a blank. On purpose.
 NSString* fullName(ABRecord* person) {
     NSString* const parts[] = {kABTitleProperty, kABFirstNameProperty, kABMiddleNameProperty,
                                kABLastNameProperty};

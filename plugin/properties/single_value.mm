@@ -23,7 +23,7 @@ const FlagWord kFlagWords[] = {
     {@"LastNameFirst", kABLastNameFirst},
 };
 
-// A text other than the words is 0, also one of digits. It is meant.
+// A text other than the words is 0, also one of digits. On purpose.
 NSNumber* flagsFromText(NSString* text) {
     for (const FlagWord& row : kFlagWords) {
         if ([text isEqualToString:row.word]) {

@@ -141,7 +141,7 @@ NSString* search(const SearchArguments& arguments) {
         setError(kInvalidParameterValue);
         return nil;
     }
-    // Any word but "group" files the results with the persons, also one that searches groups. It is meant.
+    // Any word but "group" files the results with the persons, also one that searches groups. On purpose.
     state.g_lastSearchType =
         [[arguments.type lowercaseString] isEqualToString:@"group"] ? kGroupType : kPersonType;
     manageSearch(arguments);

@@ -54,7 +54,7 @@ fmx::errcode runFrame(short function, const fmx::DataVect& arguments, fmx::Data&
 // Runs a handler's work, a callable that returns an Answer, and writes the result: the one way from the host
 // into the plug-in's functions. Around the work stand an autorelease pool and the guard that turns a platform
 // exception into the call's error; a std::bad_alloc or std::exception (a failure of the host) passes, with
-// everything temporary released. Writing the result is not guarded: an answer that is no string leaves the
+// everything temporary released. Writing the result is not guarded: a result that is no string leaves the
 // handler as a platform exception. Returns the host's error code, which is always 0: failures show in the
 // result and through the last-error function.
 template <typename Work>
