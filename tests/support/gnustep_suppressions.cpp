@@ -8,6 +8,12 @@ extern "C" const char* __lsan_default_suppressions() {
     return "leak:libgnustep-base\nleak:libobjc\n";
 }
 
+// What is left out is not listed either: tests read what programs print.
+extern "C" __attribute__((visibility("default"))) const char* __lsan_default_options();
+extern "C" const char* __lsan_default_options() {
+    return "print_suppressions=0";
+}
+
 // One thread takes the runtime's lock and Foundation's in both orders while classes are set up. No race is
 // suppressed.
 extern "C" __attribute__((visibility("default"))) const char* __tsan_default_suppressions();
