@@ -209,16 +209,19 @@ TEST_F(CInterfaceTest, Pictures) {
     EXPECT_TRUE(ABPersonSetImageData(ann, own(CFDataCreate(nullptr, (const UInt8*)"face", 4))));
     EXPECT_EQ(CFDataGetLength(own(ABPersonCopyImageData(ann))), 4);
     Handed cancelled;
-    Handed handed;
-    ABCancelLoadingImageDataForTag(ABBeginLoadingImageDataForClient(ann, note, &cancelled));
-    const CFIndex tag = ABBeginLoadingImageDataForClient(ann, note, &handed);
-    EXPECT_EQ(handed.calls, 0);
-    const CFAbsoluteTime start = CFAbsoluteTimeGetCurrent();
-    EXPECT_EQ(CFRunLoopRunInMode(kCFRunLoopDefaultMode, 60, false), kCFRunLoopRunStopped);
-    EXPECT_LT(CFAbsoluteTimeGetCurrent() - start, 30);
-    EXPECT_EQ(handed.calls, 1);
-    EXPECT_EQ(handed.tag, tag);
-    EXPECT_EQ(handed.data, "face");
+    // The second comes to a loop that waits for nothing else any more.
+    for (int round = 0; round < 2; ++round) {
+        Handed handed;
+        ABCancelLoadingImageDataForTag(ABBeginLoadingImageDataForClient(ann, note, &cancelled));
+        const CFIndex tag = ABBeginLoadingImageDataForClient(ann, note, &handed);
+        EXPECT_EQ(handed.calls, 0);
+        const CFAbsoluteTime start = CFAbsoluteTimeGetCurrent();
+        EXPECT_EQ(CFRunLoopRunInMode(kCFRunLoopDefaultMode, 60, false), kCFRunLoopRunStopped);
+        EXPECT_LT(CFAbsoluteTimeGetCurrent() - start, 20);
+        EXPECT_EQ(handed.calls, 1);
+        EXPECT_EQ(handed.tag, tag);
+        EXPECT_EQ(handed.data, "face");
+    }
     EXPECT_EQ(CFRunLoopRunInMode(kCFRunLoopDefaultMode, 0.05, false), kCFRunLoopRunTimedOut);
     EXPECT_EQ(cancelled.calls, 0);
     EXPECT_TRUE(raised([&] { ABBeginLoadingImageDataForClient(ann, nullptr, nullptr); }));

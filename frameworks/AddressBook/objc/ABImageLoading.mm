@@ -58,11 +58,16 @@ Requests& requests() {
 
 @implementation ABImageRequests
 
-// On the main thread; when that is the one that asks, from within its call.
+// Has the request answered on the main thread, never from within the call that made it: a loop that performs a
+// selector for another thread is woken for it, one that performs it for its own would first wait for its limit.
 + (void)schedule:(NSNumber*)tag {
     NSArray* modes = [NSArray arrayWithObjects:NSDefaultRunLoopMode, @"NSModalPanelRunLoopMode",
                                                @"NSEventTrackingRunLoopMode", nil];
-    [self performSelector:@selector(answer:) withObject:tag afterDelay:0 inModes:modes];
+    if ([NSThread isMainThread]) {
+        [self performSelector:@selector(answer:) withObject:tag afterDelay:0 inModes:modes];
+    } else {
+        [self performSelectorOnMainThread:@selector(answer:) withObject:tag waitUntilDone:NO modes:modes];
+    }
 }
 
 + (void)answer:(NSNumber*)tag {
@@ -91,9 +96,7 @@ Requests& requests() {
     requireArgument(client, @"A picture was asked for by no client");
     NSData* data = [[self imageData] retain]; // read here, as only this thread may use the address book now
     const NSInteger tag = requests().add({[client retain], data});
-    [ABImageRequests performSelectorOnMainThread:@selector(schedule:)
-                                      withObject:[NSNumber numberWithInteger:tag]
-                                   waitUntilDone:NO];
+    [ABImageRequests schedule:[NSNumber numberWithInteger:tag]];
     return tag;
 }
 
