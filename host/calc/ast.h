@@ -1,6 +1,7 @@
+#pragma once
+
 // A parsed calculation: a tree of nodes that the evaluator walks. Parsed once, evaluated as often as wanted;
 // names are already looked up, so an evaluation compares no function name.
-#pragma once
 
 #include "host/calc/builtin.h"
 #include "host/calc/external_function.h"

@@ -1,7 +1,8 @@
+#pragma once
+
 // What a row of the table of functions says: the single source of a function's name, prototype, description
 // and category for the parser, `fmhost functions`, the prompt's help and editors. How many arguments a
 // function takes is derived from its prototype.
-#pragma once
 
 #include "host/calc/calc_error.h"
 #include "host/values/value.h"

@@ -1,5 +1,6 @@
-// The functions of the language and the names of Get: all rows of all categories.
 #pragma once
+
+// The functions of the language and the names of Get: all rows of all categories.
 
 #include "host/calc/builtin.h"
 

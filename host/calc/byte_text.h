@@ -1,5 +1,6 @@
-// Bytes written as text: Base64 and hexadecimal digits.
 #pragma once
+
+// Bytes written as text: Base64 and hexadecimal digits.
 
 #include "host/values/container.h"
 

@@ -1,5 +1,6 @@
-// What goes wrong with a calculation: the kinds, the codes, and the one exception that carries them.
 #pragma once
+
+// What goes wrong with a calculation: the kinds, the codes, and the one exception that carries them.
 
 #include "host/calc/source.h"
 

@@ -1,5 +1,6 @@
-// Text by characters: code points, so that no function cuts a character in two.
 #pragma once
+
+// Text by characters: code points, so that no function cuts a character in two.
 
 #include <string>
 #include <string_view>

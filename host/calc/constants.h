@@ -1,5 +1,6 @@
-// The words that stand for numbers: JSONString, Bold, PosixPath ...
 #pragma once
+
+// The words that stand for numbers: JSONString, Bold, PosixPath ...
 
 #include <cstdint>
 #include <span>

@@ -1,7 +1,8 @@
+#pragma once
+
 // Digests, authentication codes, encryption and signatures. GnuTLS does the work: it is the one library here
 // that has all of them, keys in PEM files with a password included, and it stands on the Nettle that Base64
 // comes from.
-#pragma once
 
 #include "host/calc/byte_text.h"
 #include "host/values/container.h"

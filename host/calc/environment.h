@@ -1,6 +1,7 @@
+#pragma once
+
 // What the Get functions answer about the program around the calculations. The host and its scripts fill it
 // in; a session alone answers the defaults.
-#pragma once
 
 #include <cstdint>
 #include <functional>

@@ -1,5 +1,6 @@
-// Walks a parsed calculation and computes its value.
 #pragma once
+
+// Walks a parsed calculation and computes its value.
 
 #include "host/calc/ast.h"
 #include "host/calc/session.h"

@@ -1,5 +1,6 @@
-// The functions that plug-ins register, as the calculation language sees them.
 #pragma once
+
+// The functions that plug-ins register, as the calculation language sees them.
 
 #include "host/calc/registry.h"
 #include "host/values/value.h"

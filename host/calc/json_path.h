@@ -1,5 +1,6 @@
-// Paths to elements of JSON: a.b, ['a']['b'], [2], a[1].b; the empty path and "." are the root.
 #pragma once
+
+// Paths to elements of JSON: a.b, ['a']['b'], [2], a[1].b; the empty path and "." are the root.
 
 #include "host/calc/json_text.h"
 

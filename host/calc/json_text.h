@@ -1,5 +1,6 @@
-// JSON as texts hold it: read, kept with the text, written.
 #pragma once
+
+// JSON as texts hold it: read, kept with the text, written.
 
 #include "host/values/value.h"
 

@@ -1,5 +1,6 @@
-// Japanese characters in their forms: hiragana and katakana, full and half width.
 #pragma once
+
+// Japanese characters in their forms: hiragana and katakana, full and half width.
 
 #include <string>
 #include <string_view>

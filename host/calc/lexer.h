@@ -1,5 +1,6 @@
-// Cuts a calculation into tokens, one at a time.
 #pragma once
+
+// Cuts a calculation into tokens, one at a time.
 
 #include "host/calc/calc_error.h"
 #include "host/calc/operators.h"

@@ -1,6 +1,7 @@
+#pragma once
+
 // Lists: texts whose values are separated by carriage returns. Line feeds, and both together, are read as
 // well.
-#pragma once
 
 #include <string>
 #include <string_view>

@@ -1,6 +1,7 @@
+#pragma once
+
 // What the operators do with values. A computation that has no answer throws NumberError: the evaluator makes
 // it "?".
-#pragma once
 
 #include "host/calc/operators.h"
 #include "host/values/value.h"

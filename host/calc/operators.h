@@ -1,5 +1,6 @@
-// The operators: spelling, strength, meaning. The lexer reads the spellings, the parser the strengths.
 #pragma once
+
+// The operators: spelling, strength, meaning. The lexer reads the spellings, the parser the strengths.
 
 #include <algorithm>
 #include <array>

@@ -1,5 +1,6 @@
-// Reads calculations. Recursive descent over the operator table; every name is looked up while reading.
 #pragma once
+
+// Reads calculations. Recursive descent over the operator table; every name is looked up while reading.
 
 #include "host/calc/ast.h"
 #include "host/calc/lexer.h"

@@ -1,5 +1,6 @@
-// What plug-ins register under names: case does not count in them.
 #pragma once
+
+// What plug-ins register under names: case does not count in them.
 
 #include "host/values/text.h"
 

@@ -1,6 +1,7 @@
+#pragma once
+
 // Everything that lasts from one calculation to the next: registered functions, variables, the running
 // script, the last error. One thread uses a session.
-#pragma once
 
 #include "host/calc/ast.h"
 #include "host/calc/calc_error.h"

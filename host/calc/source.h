@@ -1,5 +1,6 @@
-// The text that a calculation or a script was read from, and the places in it that error messages name.
 #pragma once
+
+// The text that a calculation or a script was read from, and the places in it that error messages name.
 
 #include <cstddef>
 #include <cstdint>

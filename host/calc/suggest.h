@@ -1,5 +1,6 @@
-// Finds the known name that is nearest to a misspelt one.
 #pragma once
+
+// Finds the known name that is nearest to a misspelt one.
 
 #include <string>
 #include <string_view>

@@ -1,5 +1,6 @@
-// Text in encodings other than Unicode's.
 #pragma once
+
+// Text in encodings other than Unicode's.
 
 #include "host/values/container.h"
 

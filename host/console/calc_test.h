@@ -1,3 +1,5 @@
+#pragma once
+
 // Calculation tests: files of calculations, each with a line that says what it must give.
 //
 //     1 + 1                  a calculation; a backslash at the end of the line goes on in the next one
@@ -7,7 +9,6 @@
 //     # a comment
 //
 // In a Markdown file (.md) only the blocks that are fenced as calc count.
-#pragma once
 
 #include <filesystem>
 #include <iosfwd>

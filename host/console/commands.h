@@ -1,6 +1,7 @@
+#pragma once
+
 // What the commands of the program do once the command line is read. Data goes to standard output. Errors
 // that end a command are thrown: LoadError, FileError, CalcError.
-#pragma once
 
 #include "host/console/exit_code.h"
 #include "host/console/host.h"

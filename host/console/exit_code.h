@@ -1,5 +1,6 @@
-// The exit statuses of the program; scripts and continuous integration rely on the numbers.
 #pragma once
+
+// The exit statuses of the program; scripts and continuous integration rely on the numbers.
 
 namespace host {
 

@@ -1,5 +1,6 @@
-// Lists of functions on the terminal: the plug-in's and the language's, by category, or found by a word.
 #pragma once
+
+// Lists of functions on the terminal: the plug-in's and the language's, by category, or found by a word.
 
 #include "host/console/exit_code.h"
 #include "host/console/host.h"

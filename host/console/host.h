@@ -1,5 +1,6 @@
-// The host put together: a session, its scripts, the plug-in.
 #pragma once
+
+// The host put together: a session, its scripts, the plug-in.
 
 #include "host/calc/session.h"
 #include "host/loader/plugin_host.h"

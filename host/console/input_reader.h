@@ -1,6 +1,7 @@
+#pragma once
+
 // Puts lines together to calculations: one line each, except that a line which ends too early goes on in the
 // next one.
-#pragma once
 
 #include "host/calc/ast.h"
 

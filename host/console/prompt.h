@@ -1,5 +1,6 @@
-// The interactive prompt.
 #pragma once
+
+// The interactive prompt.
 
 #include "host/console/exit_code.h"
 

@@ -1,6 +1,7 @@
+#pragma once
+
 // How values and errors look in a terminal. What is printed is always UTF-8: half of a surrogate pair is
 // shown as U+FFFD, U+0000 as its symbol U+2400.
-#pragma once
 
 #include "host/values/value.h"
 

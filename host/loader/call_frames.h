@@ -1,6 +1,7 @@
+#pragma once
+
 // The host objects that a call needs, kept for the next call: making them anew would cost more than the call
 // itself.
-#pragma once
 
 #include "host/loader/conversion.h"
 

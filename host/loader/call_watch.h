@@ -1,5 +1,6 @@
-// Watches a call into a plug-in that may not come back: says which plug-in it was.
 #pragma once
+
+// Watches a call into a plug-in that may not come back: says which plug-in it was.
 
 #include <chrono>
 #include <condition_variable>

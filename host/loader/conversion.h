@@ -1,6 +1,7 @@
+#pragma once
+
 // Values across the plug-in interface, and back. Throws what the interface throws: std::bad_alloc,
 // std::exception.
-#pragma once
 
 #include "host/values/value.h"
 

@@ -1,5 +1,6 @@
-// The host releases that go with the versions of the plug-in interface.
 #pragma once
+
+// The host releases that go with the versions of the plug-in interface.
 
 #include <string>
 

@@ -1,5 +1,6 @@
-// The error of everything that goes wrong with a plug-in as a whole.
 #pragma once
+
+// The error of everything that goes wrong with a plug-in as a whole.
 
 #include <stdexcept>
 

@@ -1,5 +1,6 @@
-// What machine a library is built for, as its first bytes say, and whether all of it is there.
 #pragma once
+
+// What machine a library is built for, as its first bytes say, and whether all of it is there.
 
 #include <filesystem>
 #include <string>

@@ -1,5 +1,6 @@
-// One plug-in and its messages.
 #pragma once
+
+// One plug-in and its messages.
 
 #include "host/loader/plugin_info.h"
 #include "host/loader/plugin_library.h"

@@ -1,5 +1,6 @@
-// Where the library of a plug-in is.
 #pragma once
+
+// Where the library of a plug-in is.
 
 #include <filesystem>
 

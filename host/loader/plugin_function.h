@@ -1,5 +1,6 @@
-// What a plug-in has registered: a function or a script step.
 #pragma once
+
+// What a plug-in has registered: a function or a script step.
 
 #include "host/calc/external_function.h"
 #include "host/loader/plugin_handler.h"

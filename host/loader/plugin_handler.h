@@ -1,5 +1,6 @@
-// The code of a plug-in behind a function or a script step, and the crossing of values to it and back.
 #pragma once
+
+// The code of a plug-in behind a function or a script step, and the crossing of values to it and back.
 
 #include "host/loader/call_frames.h"
 #include "host/values/value.h"

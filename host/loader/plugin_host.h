@@ -1,6 +1,7 @@
+#pragma once
+
 // The host's side of plug-ins: loads them, sends them messages, keeps what they register, answers what they
 // ask.
-#pragma once
 
 #include "host/calc/session.h"
 #include "host/loader/load_error.h"

@@ -1,5 +1,6 @@
-// What is told to a plug-in and known of it, without the plug-in interface's own types.
 #pragma once
+
+// What is told to a plug-in and known of it, without the plug-in interface's own types.
 
 #include "host/loader/call_watch.h"
 #include "host/loader/host_release.h"

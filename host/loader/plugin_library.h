@@ -1,5 +1,6 @@
-// A plug-in's library in this process.
 #pragma once
+
+// A plug-in's library in this process.
 
 #include "FMWrapper/FMXExtern.h"
 

@@ -1,5 +1,6 @@
-// What plug-ins have registered of one kind, functions or steps.
 #pragma once
+
+// What plug-ins have registered of one kind, functions or steps.
 
 #include "host/calc/registry.h"
 #include "host/loader/plugin_handler.h"

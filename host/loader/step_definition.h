@@ -1,5 +1,6 @@
-// The XML by which plug-ins say what parameters their script steps have.
 #pragma once
+
+// The XML by which plug-ins say what parameters their script steps have.
 
 #include "host/script/external_step.h"
 

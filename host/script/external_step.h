@@ -1,5 +1,6 @@
-// The script steps that plug-ins register, as scripts see them.
 #pragma once
+
+// The script steps that plug-ins register, as scripts see them.
 
 #include "host/calc/ast.h"
 #include "host/calc/registry.h"

@@ -1,5 +1,6 @@
-// Reads how a script writes a step that a plug-in has registered.
 #pragma once
+
+// Reads how a script writes a step that a plug-in has registered.
 
 #include "host/calc/parser.h"
 #include "host/script/external_step.h"

@@ -1,5 +1,6 @@
-// Whole files as bytes. Failures are FileError, with a message that names the file.
 #pragma once
+
+// Whole files as bytes. Failures are FileError, with a message that names the file.
 
 #include "host/values/container.h"
 

@@ -1,5 +1,6 @@
-// A script: a list of steps, as FileMaker prints them, with their jumps already worked out.
 #pragma once
+
+// A script: a list of steps, as FileMaker prints them, with their jumps already worked out.
 
 #include "host/calc/ast.h"
 #include "host/script/external_step.h"

@@ -1,6 +1,7 @@
+#pragma once
+
 // Where scripts live: a "database file" is a folder, a script is a file NAME.fmscript in it. Names compare
 // without regard to case.
-#pragma once
 
 #include "host/script/script.h"
 

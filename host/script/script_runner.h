@@ -1,5 +1,6 @@
-// Runs scripts.
 #pragma once
+
+// Runs scripts.
 
 #include "host/calc/session.h"
 #include "host/script/script_library.h"

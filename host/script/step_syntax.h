@@ -1,5 +1,6 @@
-// What the brackets of several script steps have in common.
 #pragma once
+
+// What the brackets of several script steps have in common.
 
 #include "host/calc/parser.h"
 

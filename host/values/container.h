@@ -1,5 +1,6 @@
-// What a container holds: streams of bytes in their order, at most one of each type.
 #pragma once
+
+// What a container holds: streams of bytes in their order, at most one of each type.
 
 #include <array>
 #include <compare>

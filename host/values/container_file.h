@@ -1,5 +1,6 @@
-// Files inside containers: how the contents of a file become streams, and which stream is the file again.
 #pragma once
+
+// Files inside containers: how the contents of a file become streams, and which stream is the file again.
 
 #include "host/values/container.h"
 

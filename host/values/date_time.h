@@ -1,6 +1,7 @@
+#pragma once
+
 // Days and times of day. The calendar is the Gregorian one for all years; a day is counted from 1 January of
 // year 1, which is day 1.
-#pragma once
 
 #include "host/values/formats.h"
 #include "host/values/number.h"

@@ -1,6 +1,7 @@
+#pragma once
+
 // The inside of a large number. Only the sources of Number include this: the library behind it is slow to
 // compile.
-#pragma once
 
 #include "host/values/number.h"
 

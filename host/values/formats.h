@@ -1,6 +1,7 @@
+#pragma once
+
 // How dates, times and numbers are written as text. A file keeps the formats of the system that it was made
 // on; the host is one such file, so there is one set of formats for the whole program.
-#pragma once
 
 #include <array>
 #include <cstdint>

@@ -1,6 +1,7 @@
+#pragma once
+
 // What locales mean for values: how they write dates, and by which of ICU's they order texts. Locales are
 // numbers, those of the plug-in interface.
-#pragma once
 
 #include "host/values/value.h"
 

@@ -1,5 +1,6 @@
-// Decimal numbers with up to 400 digits.
 #pragma once
+
+// Decimal numbers with up to 400 digits.
 
 #include <compare>
 #include <cstdint>

@@ -1,5 +1,6 @@
-// What kind of picture some bytes are, and how large it is: told by its first bytes, never by a file's name.
 #pragma once
+
+// What kind of picture some bytes are, and how large it is: told by its first bytes, never by a file's name.
 
 #include "host/values/container.h"
 

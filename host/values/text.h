@@ -1,6 +1,7 @@
+#pragma once
+
 // Text is UTF-16. Every conversion succeeds: what is malformed becomes U+FFFD. Case follows Unicode, for no
 // language in particular.
-#pragma once
 
 #include <compare>
 #include <string>

@@ -1,5 +1,6 @@
-// Styles of text: font, size, colour and faces, run by run.
 #pragma once
+
+// Styles of text: font, size, colour and faces, run by run.
 
 #include <cstdint>
 #include <optional>

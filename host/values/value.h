@@ -1,3 +1,5 @@
+#pragma once
+
 // A value of a calculation: of one type, and readable as the others. Here is the one place that says how.
 //
 //   text       its number is made of its digits; its date, time or time stamp is what it spells
@@ -9,7 +11,6 @@
 //   invalid    what could not be computed: its text is "?", it is nothing else
 //
 // An empty value is empty as every type.
-#pragma once
 
 #include "host/values/container.h"
 #include "host/values/date_time.h"

@@ -1,5 +1,6 @@
-// Text in bytes: the encodings of the interface, which ICU converts.
 #pragma once
+
+// Text in bytes: the encodings of the interface, which ICU converts.
 
 #include "FMWrapper/FMXExtern.h"
 

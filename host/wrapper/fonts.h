@@ -1,6 +1,7 @@
+#pragma once
+
 // The numbers of fonts: this host draws nothing, so that a font is a name, and its number the place where the
 // name was first heard.
-#pragma once
 
 #include "FMWrapper/FMXTextStyle.h"
 

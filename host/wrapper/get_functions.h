@@ -1,5 +1,6 @@
-// The numbers by which plug-ins ask for Get ( ... ).
 #pragma once
+
+// The numbers by which plug-ins ask for Get ( ... ).
 
 #include "FMWrapper/FMXExtern.h"
 

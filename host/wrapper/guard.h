@@ -1,6 +1,7 @@
+#pragma once
+
 // The one guard at the edge of the library: no exception crosses it, each becomes a code in the exception
 // block.
-#pragma once
 
 #include "FMWrapper/FMXClient.h"
 

@@ -1,6 +1,7 @@
+#pragma once
+
 // What the library of the plug-in interface offers to the program that runs the plug-ins, beside the
 // interface itself.
-#pragma once
 
 #include "host/wrapper/interface.h"
 

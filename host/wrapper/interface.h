@@ -1,5 +1,6 @@
-// The whole of the plug-in interface.
 #pragma once
+
+// The whole of the plug-in interface.
 
 #include "FMWrapper/FMXBinaryData.h"
 #include "FMWrapper/FMXCalcEngine.h"

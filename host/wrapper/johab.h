@@ -1,7 +1,8 @@
+#pragma once
+
 // Johab (KS X 1001, annex 3; Windows code page 1361): the one encoding of the interface that ICU has no
 // converter for. Hangul is put together of its letters, five bits each; all else is KS X 1001 at other
 // places.
-#pragma once
 
 #include <string>
 #include <string_view>

@@ -1,5 +1,6 @@
-// What stands behind the opaque classes of the interface, and the way between the two.
 #pragma once
+
+// What stands behind the opaque classes of the interface, and the way between the two.
 
 #include "host/values/value.h"
 #include "host/wrapper/interface.h"

@@ -1,5 +1,6 @@
-// Streams of containers that come in pieces: they are kept here until they are whole.
 #pragma once
+
+// Streams of containers that come in pieces: they are kept here until they are whole.
 
 #include "host/values/container.h"
 

@@ -1,5 +1,6 @@
-// How characters look, and the looks of the characters of a text, run by run.
 #pragma once
+
+// How characters look, and the looks of the characters of a text, run by run.
 
 #include "FMWrapper/FMXTextStyle.h"
 

@@ -1,5 +1,6 @@
-/// Container values of the host: streams of bytes in their order, at most one for each four-character code.
 #pragma once
+
+/// Container values of the host: streams of bytes in their order, at most one for each four-character code.
 
 #include "FMXClient.h"
 #include "FMXTypes.h"

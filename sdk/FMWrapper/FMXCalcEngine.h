@@ -1,5 +1,6 @@
-/// Calculations: their arguments, the environment in which they are evaluated, and what plug-ins add to them.
 #pragma once
+
+/// Calculations: their arguments, the environment in which they are evaluated, and what plug-ins add to them.
 
 #include "FMXClient.h"
 

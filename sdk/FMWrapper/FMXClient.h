@@ -1,3 +1,5 @@
+#pragma once
+
 /// How a plug-in calls the host, and how every call reports a failure.
 ///
 /// Every object of the host (a text, a number, a container, ...) is opaque to a plug-in: its class declares
@@ -6,7 +8,6 @@
 ///
 /// C++11 and later. A source includes each header whose classes it uses, in the order FMXTypes, FMXText,
 /// FMXFixPt, FMXDateTime, FMXBinaryData, FMXData, FMXCalcEngine: they do not include one another.
-#pragma once
 
 #include "FMXExtern.h"
 

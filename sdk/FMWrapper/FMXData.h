@@ -1,5 +1,6 @@
-/// A value of the host, as a calculation knows it: of some type, and readable as any other.
 #pragma once
+
+/// A value of the host, as a calculation knows it: of some type, and readable as any other.
 
 #include "FMXClient.h"
 #include "FMXTextStyle.h"

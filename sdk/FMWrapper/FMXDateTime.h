@@ -1,7 +1,8 @@
+#pragma once
+
 /// Dates, times and time stamps of the host: one object holds a day and a time of day.
 ///
 /// The calendar is the Gregorian one for all years, 1 to 4000; the epoch is the start of 1 January of year 1.
-#pragma once
 
 #include "FMXClient.h"
 

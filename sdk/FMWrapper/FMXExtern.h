@@ -1,10 +1,11 @@
+#pragma once
+
 /// The plain types of the host's plug-in interface, the messages that the host sends to a plug-in, and the
 /// structure that carries them.
 ///
 /// A plug-in exports `FMExternCallProc(FMX_ExternCallPtr)` and defines `gFMX_ExternCallPtr`, in which it
 /// keeps the structure of the message at hand: `FMX_StartScript` and `FMX_SetToCurrentEnv` call the host
 /// through it. What stands here serves C and C++.
-#pragma once
 
 #include <stddef.h>
 #include <stdint.h>

@@ -1,5 +1,6 @@
-/// Decimal numbers of the host.
 #pragma once
+
+/// Decimal numbers of the host.
 
 #include "FMXClient.h"
 

@@ -1,7 +1,8 @@
+#pragma once
+
 /// Text of the host, in UTF-16, with the style of its characters.
 ///
 /// Positions and sizes count UTF-16 units; a range that reaches past the end of a text ends with the text.
-#pragma once
 
 #include "FMXClient.h"
 

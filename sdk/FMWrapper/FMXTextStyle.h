@@ -1,5 +1,6 @@
-/// How characters look: font, faces, size and colour.
 #pragma once
+
+/// How characters look: font, faces, size and colour.
 
 #include "FMXClient.h"
 

@@ -1,5 +1,6 @@
-/// Codes of four characters, and the locale by which texts are read and compared.
 #pragma once
+
+/// Codes of four characters, and the locale by which texts are read and compared.
 
 #include "FMXClient.h"
 

@@ -1,3 +1,5 @@
+#pragma once
+
 /* The plug-in interface as a host or a plug-in of others has it: written out by hand, by offsets and
  * signatures, without a header of this project. What stands here must not be changed to make a test pass.
  *
@@ -5,7 +7,6 @@
  * Not own: the functions themselves. They are those of libFMWrapper.so, found by their names: an interface
  * that others make has the same names there.
  */
-#pragma once
 
 #include <stdint.h>
 #include <string.h>

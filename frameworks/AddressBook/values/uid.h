@@ -1,5 +1,6 @@
-// The identifiers of records and entries: new ones, and their packed form.
 #pragma once
+
+// The identifiers of records and entries: new ones, and their packed form.
 
 #include "frameworks/AddressBook/values/value.h"
 

@@ -1,5 +1,6 @@
-// The bytes of values, for functions that write them in other forms.
 #pragma once
+
+// The bytes of values, for functions that write them in other forms.
 
 #include "host/values/value.h"
 

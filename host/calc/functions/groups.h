@@ -1,6 +1,7 @@
+#pragma once
+
 // The tables that the list of functions is put together from, and what their functions share. A function
 // whose computation has no answer may throw NumberError: the evaluator makes it "?".
-#pragma once
 
 #include "host/calc/builtin.h"
 

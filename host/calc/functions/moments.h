@@ -1,5 +1,6 @@
-// Parts of the dates and times that arguments are.
 #pragma once
+
+// Parts of the dates and times that arguments are.
 
 #include "host/calc/functions/groups.h"
 
