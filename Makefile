@@ -34,7 +34,7 @@ lint: setup ## clang-format and clang-tidy over all sources
 	@scripts/lint
 
 format: setup ## lay out all sources with clang-format
-	@git ls-files '*.cpp' '*.h' '*.m' '*.mm' | xargs clang-format -i
+	@git ls-files '*.cpp' '*.h' '*.m' '*.mm' | xargs clang-format-19 -i
 
 build: setup ## the release build
 	@mkdir -p build/release && cmake --preset release > build/release/configure.log && cmake --build --preset release

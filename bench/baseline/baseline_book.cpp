@@ -54,11 +54,13 @@ std::string packed(std::string_view uid) {
     std::string bytes;
     int high = -1;
     for (const char c : uid.substr(0, uid.find(':'))) {
-        if (c == '-')
+        if (c == '-') {
             continue;
+        }
         const int digit = c <= '9' ? c - '0' : c - 'A' + 10;
-        if (high >= 0)
+        if (high >= 0) {
             bytes.push_back(static_cast<char>(high << 4 | digit));
+        }
         high = high >= 0 ? -1 : digit;
     }
     return bytes;
@@ -81,8 +83,9 @@ class BaselineBook::Run {
     Run(const Run&) = delete;
     Run& operator=(const Run&) = delete;
     ~Run() {
-        if (statement_ != nullptr)
+        if (statement_ != nullptr) {
             sqlite3_reset(statement_);
+        }
     }
 
     Run& bind(std::int64_t value) {
@@ -103,8 +106,9 @@ class BaselineBook::Run {
     }
     bool step() {
         const int code = sqlite3_step(statement_);
-        if (code != SQLITE_ROW && code != SQLITE_DONE)
+        if (code != SQLITE_ROW && code != SQLITE_DONE) {
             book_.fail();
+        }
         return code == SQLITE_ROW;
     }
     std::int64_t integer(int column) { return sqlite3_column_int64(statement_, column); }
@@ -129,8 +133,9 @@ class BaselineBook::Keys {
         std::sort(rows_.begin(), rows_.end());
         for (const auto& [key, person] : rows_) {
             auto run = book.run(sql);
-            if (label != nullptr)
+            if (label != nullptr) {
                 run.bind(std::string_view(label));
+            }
             bytes ? run.bindBytes(key) : run.bind(key);
             run.bind(person).step();
         }
@@ -144,31 +149,36 @@ BaselineBook::BaselineBook(const std::filesystem::path& folder) {
     const std::string file = folder / "Baseline.db";
     const bool isNew = !std::filesystem::exists(file);
     if (sqlite3_open_v2(file.c_str(), &db_, SQLITE_OPEN_READWRITE | SQLITE_OPEN_CREATE | SQLITE_OPEN_NOMUTEX,
-                        nullptr) != SQLITE_OK)
+                        nullptr) != SQLITE_OK) {
         fail();
+    }
     execute("PRAGMA journal_mode = WAL; PRAGMA synchronous = FULL; PRAGMA mmap_size = 4294967296; "
             "PRAGMA cache_size = -65536");
-    if (isNew)
+    if (isNew) {
         execute(kSchema);
+    }
 }
 
 BaselineBook::~BaselineBook() {
-    for (const auto& [sql, statement] : statements_)
+    for (const auto& [sql, statement] : statements_) {
         sqlite3_finalize(statement);
+    }
     sqlite3_close(db_);
 }
 
 BaselineBook::Run BaselineBook::run(const char* sql) {
     sqlite3_stmt*& statement = statements_[sql];
     if (statement == nullptr &&
-        sqlite3_prepare_v3(db_, sql, -1, SQLITE_PREPARE_PERSISTENT, &statement, nullptr) != SQLITE_OK)
+        sqlite3_prepare_v3(db_, sql, -1, SQLITE_PREPARE_PERSISTENT, &statement, nullptr) != SQLITE_OK) {
         fail();
+    }
     return {*this, statement};
 }
 
 void BaselineBook::execute(const char* sql) {
-    if (sqlite3_exec(db_, sql, nullptr, nullptr, nullptr) != SQLITE_OK)
+    if (sqlite3_exec(db_, sql, nullptr, nullptr, nullptr) != SQLITE_OK) {
         fail();
+    }
 }
 
 void BaselineBook::fail() const {
@@ -220,11 +230,12 @@ void BaselineBook::add(std::size_t first, std::size_t last) {
             .bind(address.country)
             .bind(address.countryCode)
             .step();
-        if (!person.picture.empty())
+        if (!person.picture.empty()) {
             run("INSERT INTO picture VALUES (?, ?)")
                 .bind(id)
                 .bindBytes({reinterpret_cast<const char*>(person.picture.data()), person.picture.size()})
                 .step();
+        }
         run("INSERT INTO part(rowid, first, last, phone, email, note) VALUES (?, ?, ?, ?, ?, ?)")
             .bind(id)
             .bind(person.first)
@@ -245,8 +256,9 @@ void BaselineBook::add(std::size_t first, std::size_t last) {
     folded.write(*this, "INSERT INTO folded_key VALUES (?, ?)");
     backwards.write(*this, "INSERT INTO reversed_key VALUES (?, ?)", true);
     cities.write(*this, "INSERT INTO city_key VALUES (?, ?)");
-    for (auto& [label, keys] : phones)
+    for (auto& [label, keys] : phones) {
         keys.write(*this, "INSERT OR IGNORE INTO phone_key VALUES (?, ?, ?)", false, label.c_str());
+    }
     execute("COMMIT");
 }
 
@@ -257,19 +269,21 @@ void BaselineBook::addGroups(std::size_t people) {
         const std::string uid = packed(groupUid(group));
         const std::string name = groupName(group);
         run("INSERT INTO team VALUES (?, ?, ?)").bind(id).bindBytes(uid).bind(name).step();
-        for (const std::size_t place : membersOf(group, people))
+        for (const std::size_t place : membersOf(group, people)) {
             run("INSERT INTO member VALUES (?, ?)")
                 .bind(id)
                 .bind(static_cast<std::int64_t>(place + 1))
                 .step();
+        }
     }
     execute("COMMIT");
 }
 
 BaselineBook::Ids BaselineBook::idsOf(Run run, bool ordered) {
     Ids ids;
-    while (run.step())
+    while (run.step()) {
         ids.push_back(run.integer(0));
+    }
     if (!ordered) {
         std::sort(ids.begin(), ids.end());
         ids.erase(std::unique(ids.begin(), ids.end()), ids.end());
@@ -280,8 +294,9 @@ BaselineBook::Ids BaselineBook::idsOf(Run run, bool ordered) {
 BaselineBook::Ids BaselineBook::prefixed(const char* sql, const char* label, std::string prefix) {
     const std::string end = behind(prefix);
     auto statement = run(sql);
-    if (label != nullptr)
+    if (label != nullptr) {
         statement.bind(std::string_view(label));
+    }
     statement.bind(prefix).bind(end);
     return idsOf(std::move(statement), false);
 }
@@ -330,10 +345,12 @@ BaselineBook::Ids BaselineBook::search(Search search) {
                          "CROSS JOIN person p ON p.id = f.person CROSS JOIN email e ON e.person = f.person "
                          "WHERE f.folded >= ?1 AND f.folded < ?2");
         found.bind(key).bind(end).bind(wanted::kCity);
-        while (found.step())
+        while (found.step()) {
             if (fold(found.text(1)).find(word) != std::string::npos &&
-                fold(found.text(2)).find(mail) != std::string::npos)
+                fold(found.text(2)).find(mail) != std::string::npos) {
                 ids.push_back(found.integer(0));
+            }
+        }
         std::sort(ids.begin(), ids.end());
         ids.erase(std::unique(ids.begin(), ids.end()), ids.end());
         return ids;
@@ -351,10 +368,12 @@ std::size_t BaselineBook::walk() {
         bool more = phones.step();
         while (people.step()) {
             const std::int64_t id = people.integer(0);
-            for (int column = 1; column <= 3; ++column)
+            for (int column = 1; column <= 3; ++column) {
                 bytes += people.text(column).size();
-            for (; more && phones.integer(0) == id; more = phones.step())
+            }
+            for (; more && phones.integer(0) == id; more = phones.step()) {
                 bytes += phones.text(1).size();
+            }
         }
     }
     execute("COMMIT");

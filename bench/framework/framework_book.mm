@@ -32,8 +32,9 @@ std::string textFrom(NSString* string) {
 
 ABMultiValue* listOf(const std::vector<LabelledText>& entries) {
     ABMutableMultiValue* list = [[[ABMutableMultiValue alloc] init] autorelease];
-    for (const LabelledText& entry : entries)
+    for (const LabelledText& entry : entries) {
         [list addValue:stringFrom(entry.value) withLabel:stringFrom(entry.label)];
+    }
     return list;
 }
 
@@ -102,8 +103,9 @@ void visitTexts(ABAddressBook* book, Visit visit) {
             visit((NSString*)[person valueForProperty:kABLastNameProperty]);
             visit((NSString*)[person valueForProperty:kABOrganizationProperty]);
             ABMultiValue* phones = [person valueForProperty:kABPhoneProperty];
-            for (NSUInteger phone = 0, phoneCount = [phones count]; phone < phoneCount; ++phone)
+            for (NSUInteger phone = 0, phoneCount = [phones count]; phone < phoneCount; ++phone) {
                 visit((NSString*)[phones valueAtIndex:phone]);
+            }
         }
     }
 }
@@ -127,8 +129,9 @@ FrameworkBook::FrameworkBook(const std::filesystem::path& folder) : objects_(std
     Pool pool;
     setenv("ADDRESSBOOK_HOME", folder.c_str(), 1);
     objects_->book = [[ABAddressBook addressBook] retain];
-    if (objects_->book == nil)
+    if (objects_->book == nil) {
         throw std::runtime_error("the address book in " + folder.string() + " can not be opened");
+    }
 }
 
 FrameworkBook::~FrameworkBook() = default;
@@ -150,19 +153,22 @@ void FrameworkBook::add(std::size_t people) {
         [person setValue:addresses forProperty:kABAddressProperty];
         [person setValue:[NSDate dateWithTimeIntervalSinceReferenceDate:source.birthday]
              forProperty:kABBirthdayProperty];
-        if (!source.picture.empty())
+        if (!source.picture.empty()) {
             [person setImageData:[NSData dataWithBytes:source.picture.data() length:source.picture.size()]];
-        if (![objects_->book addRecord:person])
+        }
+        if (![objects_->book addRecord:person]) {
             throw std::runtime_error("a person can not be added");
+        }
     }
 }
 
 void FrameworkBook::save() {
     Pool pool;
     NSError* error = nil;
-    if (![objects_->book saveAndReturnError:&error])
+    if (![objects_->book saveAndReturnError:&error]) {
         throw std::runtime_error("the address book can not be saved: " +
                                  textFrom([error localizedDescription]));
+    }
 }
 
 std::size_t FrameworkBook::search(Search search) {
@@ -201,15 +207,17 @@ std::string FrameworkBook::lastName(const std::string& uid) {
 
 void FrameworkBook::readLastName(const std::string& uid) {
     Pool pool;
-    if ([[objects_->book recordForUniqueId:stringFrom(uid)] valueForProperty:kABLastNameProperty] == nil)
+    if ([[objects_->book recordForUniqueId:stringFrom(uid)] valueForProperty:kABLastNameProperty] == nil) {
         throw std::runtime_error("there is no person " + uid);
+    }
 }
 
 void FrameworkBook::changeJob(const std::string& uid, const std::string& job) {
     Pool pool;
     ABRecord* person = [objects_->book recordForUniqueId:stringFrom(uid)];
-    if (person == nil || ![person setValue:stringFrom(job) forProperty:kABJobTitleProperty])
+    if (person == nil || ![person setValue:stringFrom(job) forProperty:kABJobTitleProperty]) {
         throw std::runtime_error("the job of " + uid + " can not be set");
+    }
     save();
 }
 
@@ -217,8 +225,9 @@ void FrameworkBook::hold(const std::string& uid) {
     Pool pool;
     objects_->held = [[objects_->book recordForUniqueId:stringFrom(uid)] retain];
     ABMultiValue* phones = [objects_->held valueForProperty:kABPhoneProperty];
-    if ([phones count] == 0)
+    if ([phones count] == 0) {
         throw std::runtime_error("there is no phone of " + uid);
+    }
     objects_->phone = [[phones identifierAtIndex:0] retain];
 }
 
@@ -240,8 +249,9 @@ void FrameworkBook::read(Read what) {
         value = [[person valueForProperty:kABPhoneProperty] labelForIdentifier:objects_->phone];
         break;
     }
-    if (value == nil)
+    if (value == nil) {
         throw std::runtime_error("a value of the person held is missing");
+    }
 }
 
 std::string FrameworkBook::firstPhone() {

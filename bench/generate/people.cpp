@@ -93,8 +93,9 @@ class Random {
     std::string_view of(Words words) { return words[below(words.size())]; }
     std::string digits(int count) {
         std::string text;
-        while (count-- > 0)
+        while (count-- > 0) {
             text.push_back(static_cast<char>('0' + below(10)));
+        }
         return text;
     }
 
@@ -165,13 +166,17 @@ Person person(std::size_t place) {
     person.birthday = -86400.0 * static_cast<double>(random.below(30'000)) + 43200;
     for (std::size_t words = 4 + random.below(9); words > 0; --words) {
         person.note += random.of(kWords);
-        if (words > 1)
+        if (words > 1) {
             person.note += ' ';
+        }
     }
-    if (random.below(20) == 0)
-        for (std::size_t i = 0; i < kPictureBytes; i += 8)
-            for (std::uint64_t bits = random.next(), byte = 0; byte < 8; ++byte)
+    if (random.below(20) == 0) {
+        for (std::size_t i = 0; i < kPictureBytes; i += 8) {
+            for (std::uint64_t bits = random.next(), byte = 0; byte < 8; ++byte) {
                 person.picture.push_back(static_cast<std::uint8_t>(bits >> 8 * byte));
+            }
+        }
+    }
     return person;
 }
 
@@ -185,8 +190,9 @@ std::string groupUid(std::size_t group) {
 
 std::vector<std::size_t> membersOf(std::size_t group, std::size_t people) {
     std::vector<std::size_t> members;
-    for (std::size_t place = group; place < people; place += 2 * kGroups)
+    for (std::size_t place = group; place < people; place += 2 * kGroups) {
         members.push_back(place);
+    }
     return members;
 }
 

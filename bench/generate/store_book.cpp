@@ -19,8 +19,9 @@ constexpr Date kMade{788'918'400};
 
 MultiValue list(const std::vector<LabelledText>& entries) {
     MultiValue values;
-    for (const LabelledText& entry : entries)
+    for (const LabelledText& entry : entries) {
         values.entries.push_back({newUuid(), entry.label, entry.value});
+    }
     return values;
 }
 
@@ -45,8 +46,9 @@ RecordChange changeOf(Person person) {
                                                     {"CountryCode", address.countryCode}}}},
                                        {}});
     set(property::kBirthday, Date{person.birthday});
-    if (!person.picture.empty())
+    if (!person.picture.empty()) {
         set(property::kImage, std::move(person.picture));
+    }
     return change;
 }
 
@@ -58,8 +60,9 @@ ChangeSet groupsOf(std::size_t people) {
                                .kind = Kind::group,
                                .insert = true,
                                .values = {{std::string(property::kGroupName), groupName(group)}}});
-        for (const std::size_t place : membersOf(group, people))
+        for (const std::size_t place : membersOf(group, people)) {
             set.memberships.push_back({groupUid(group), personUid(place), true});
+        }
     }
     return set;
 }
@@ -71,8 +74,9 @@ void makeStoreBook(const std::filesystem::path& folder, std::size_t people) {
     for (std::size_t begin = 0; begin < people; begin += kPeopleInASave) {
         ChangeSet set;
         set.time = kMade;
-        for (std::size_t place = begin; place < std::min(people, begin + kPeopleInASave); ++place)
+        for (std::size_t place = begin; place < std::min(people, begin + kPeopleInASave); ++place) {
             set.records.push_back(changeOf(person(place)));
+        }
         store.save(set);
     }
     store.save(groupsOf(people));

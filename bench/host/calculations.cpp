@@ -35,10 +35,11 @@ struct Calculations::Machine {
     // The result, which must be no failure.
     host::Value value(const host::Calculation& calculation) {
         host::Value result = session.evaluate(calculation);
-        if (result.storedText() == u"!!ERROR!!")
+        if (result.storedText() == u"!!ERROR!!") {
             throw std::runtime_error(
                 "a calculation failed: " +
                 host::toUtf8(session.evaluate(u"KORU_GetLastError ( \"TEXT\" )").asText()));
+        }
         return result;
     }
 };
@@ -80,12 +81,14 @@ std::size_t Calculations::walk(bool counting) {
 
     std::size_t bytes = 0;
     const auto see = [&](const host::Value& value) {
-        if (counting)
+        if (counting) {
             bytes += host::toUtf8(value.storedText()).size();
+        }
     };
     for (host::Value id = machine.value(first); id.storedText() != u"END"; id = machine.value(next)) {
-        for (const host::Calculation& property : properties)
+        for (const host::Calculation& property : properties) {
             see(machine.value(property));
+        }
         for (host::Value entry = machine.value(firstPhone); entry.storedText() != u"END";
              entry = machine.value(nextPhone)) {
             machine.session.setVariable(u"$phone", entry);

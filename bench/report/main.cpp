@@ -25,18 +25,21 @@ constexpr int kOpenings = 5;
 // Runs [work] in a process of its own and answers its figures. Throws what it threw, as text.
 Figures apart(const std::function<Figures()>& work) {
     std::array<int, 2> ends{};
-    if (pipe(ends.data()) != 0)
+    if (pipe(ends.data()) != 0) {
         throw std::runtime_error("no pipe can be made");
+    }
     std::cout.flush();
     const pid_t child = fork();
-    if (child < 0)
+    if (child < 0) {
         throw std::runtime_error("no process can be started");
+    }
     if (child == 0) {
         close(ends[0]);
         FILE* out = fdopen(ends[1], "w");
         try {
-            for (const auto& [name, value] : work())
+            for (const auto& [name, value] : work()) {
                 std::fprintf(out, "%.17g\t%s\n", value, name.c_str());
+            }
             std::fprintf(out, "0\tdone\n");
         } catch (const std::exception& error) {
             std::cerr << "bench: " << error.what() << std::endl;
@@ -49,12 +52,14 @@ Figures apart(const std::function<Figures()>& work) {
     FILE* in = fdopen(ends[0], "r");
     double value = 0;
     std::array<char, 128> name{};
-    while (std::fscanf(in, "%lf\t%127[^\n]\n", &value, name.data()) == 2)
+    while (std::fscanf(in, "%lf\t%127[^\n]\n", &value, name.data()) == 2) {
         figures[name.data()] = value;
+    }
     std::fclose(in);
     waitpid(child, nullptr, 0);
-    if (figures.erase("done") == 0)
+    if (figures.erase("done") == 0) {
         throw std::runtime_error("a measurement failed");
+    }
     return figures;
 }
 
@@ -74,12 +79,14 @@ Figures measure(const Place& place, const fs::path& plugin, const std::string& o
     }
     progress(place, "measuring");
     Figures figures = apart([&] { return measureWork(place, plugin, only); });
-    if (!only.empty())
+    if (!only.empty()) {
         return figures;
+    }
     figures.merge(apart([&] { return measureWalkMemory(place); }));
     std::vector<Figures> openings;
-    for (int i = 0; i < kOpenings; ++i)
+    for (int i = 0; i < kOpenings; ++i) {
         openings.push_back(apart([&] { return measureOpening(place); }));
+    }
     std::sort(openings.begin(), openings.end(), [](const Figures& a, const Figures& b) {
         return a.at(std::string(figure::kOpenTime)) < b.at(std::string(figure::kOpenTime));
     });
@@ -96,14 +103,16 @@ class Books {
             return;
         }
         std::string pattern = fs::temp_directory_path() / "velocard-bench-XXXXXX";
-        if (mkdtemp(pattern.data()) == nullptr)
+        if (mkdtemp(pattern.data()) == nullptr) {
             throw std::runtime_error("no temporary folder can be made");
+        }
         folder_ = pattern;
     }
     ~Books() {
         std::error_code ignored;
-        if (!stays_)
+        if (!stays_) {
             fs::remove_all(folder_, ignored);
+        }
     }
     Books(const Books&) = delete;
     Books& operator=(const Books&) = delete;
@@ -117,14 +126,17 @@ class Books {
 int run(std::size_t least, std::size_t people, const std::string& named, const std::string& only) {
     const Books books(named);
     for (const char* variable :
-         {"HOME", "XDG_DATA_HOME", "XDG_CONFIG_HOME", "XDG_STATE_HOME", "GNUSTEP_USER_DEFAULTS_DIR"})
+         {"HOME", "XDG_DATA_HOME", "XDG_CONFIG_HOME", "XDG_STATE_HOME", "GNUSTEP_USER_DEFAULTS_DIR"}) {
         setenv(variable, books.folder().c_str(), 1);
+    }
     const fs::path program = fs::read_symlink("/proc/self/exe");
     const fs::path plugin = program.parent_path().parent_path() / "lib" / "Velocard";
     std::map<std::size_t, Figures> figures;
-    for (const std::size_t size : kSizes)
-        if (size >= least && size <= people)
+    for (const std::size_t size : kSizes) {
+        if (size >= least && size <= people) {
             figures[size] = measure({books.folder() / std::to_string(size), size}, plugin, only);
+        }
+    }
     std::cout << table(figures);
     return 0;
 }

@@ -40,12 +40,14 @@ class Medians : public benchmark::BenchmarkReporter {
     bool ReportContext(const Context&) override { return true; }
     void ReportRuns(const std::vector<Run>& runs) override {
         for (const Run& run : runs) {
-            if (run.error_occurred)
+            if (run.error_occurred) {
                 throw std::runtime_error(run.benchmark_name() + ": " + run.error_message);
-            if (run.run_type == Run::RT_Iteration)
+            }
+            if (run.run_type == Run::RT_Iteration) {
                 times_[run.run_name.function_name].push_back(
                     (run.run_name.time_type.empty() ? run.cpu_accumulated_time : run.real_accumulated_time) /
                     static_cast<double>(run.iterations));
+            }
         }
     }
     Figures figures() {
@@ -68,11 +70,13 @@ enum class Waits { no, forDisk };
 void repeat(const std::string& name, std::function<void()> work, Waits waits = Waits::no) {
     auto* const registered =
         benchmark::RegisterBenchmark(name.c_str(), [work = std::move(work)](benchmark::State& state) {
-            for ([[maybe_unused]] auto turn : state)
+            for ([[maybe_unused]] auto turn : state) {
                 work();
+            }
         })->Repetitions(kRepetitions);
-    if (waits == Waits::forDisk)
+    if (waits == Waits::forDisk) {
         registered->UseRealTime();
+    }
 }
 
 // Walks through a very large book take long, and vary little.
@@ -122,28 +126,33 @@ constexpr NamedSearch kSearches[] = {{Search::lastEqual, "exact last name"},
 void compareHits(BaselineBook& baseline, FrameworkBook& book) {
     for (const auto& [search, name] : kSearches) {
         std::vector<std::string> uids;
-        for (const std::int64_t id : baseline.search(search))
+        for (const std::int64_t id : baseline.search(search)) {
             uids.push_back(personUid(static_cast<std::size_t>(id - 1)));
-        if (uids != book.found(search))
+        }
+        if (uids != book.found(search)) {
             differ(name);
+        }
     }
 }
 
 void compareWalks(BaselineBook& baseline, FrameworkBook& book, Calculations& host) {
     const std::size_t bytes = baseline.walk();
-    if (bytes != book.walkedBytes())
+    if (bytes != book.walkedBytes()) {
         differ("the walk");
+    }
     host.searchEverybody();
-    if (bytes != host.walk(true))
+    if (bytes != host.walk(true)) {
         differ("the walk of a script");
+    }
 }
 
 // Unique ids of people all over the book, one after the other.
 class Turns {
   public:
     explicit Turns(std::size_t people) {
-        for (std::size_t i = 0; i < 4096; ++i)
+        for (std::size_t i = 0; i < 4096; ++i) {
             uids_.push_back(personUid(i * 7919 % people));
+        }
     }
     const std::string& next() { return uids_[++turn_ % uids_.size()]; }
 
@@ -224,8 +233,9 @@ void registerBooks(const Place& place, BaselineBook& baseline, FrameworkBook& bo
         Waits::forDisk);
 
     // A million objects before one save are more than this is about.
-    if (place.people > 100'000)
+    if (place.people > 100'000) {
         return;
+    }
     const int repetitions = place.people < 100'000 ? 3 : 1;
     repeatPrepared(
         "baseline/add all", repetitions, Waits::forDisk,
@@ -275,9 +285,11 @@ double walkTime(Calculations& host, const Place& place) {
 // A line of /proc/self/status in bytes.
 double memory(const std::string& name) {
     std::ifstream status("/proc/self/status");
-    for (std::string word; status >> word;)
-        if (double kilobytes = 0; word == name + ":" && status >> kilobytes)
+    for (std::string word; status >> word;) {
+        if (double kilobytes = 0; word == name + ":" && status >> kilobytes) {
             return kilobytes * 1024;
+        }
+    }
     throw std::runtime_error("the system does not tell the memory in use");
 }
 
@@ -288,8 +300,9 @@ void makeBooks(const Place& place) {
     makeStoreBook(place.folder, place.people);
     BaselineBook baseline(place.folder);
     constexpr std::size_t kPeopleInASave = 50'000;
-    for (std::size_t first = 0; first < place.people; first += kPeopleInASave)
+    for (std::size_t first = 0; first < place.people; first += kPeopleInASave) {
         baseline.add(first, std::min(place.people, first + kPeopleInASave));
+    }
     baseline.addGroups(place.people);
 }
 
@@ -298,8 +311,9 @@ Figures measureWork(const Place& place, const fs::path& plugin, const std::strin
     FrameworkBook book(place.folder);
     Calculations host(plugin);
     compareHits(baseline, book);
-    if (only.empty())
+    if (only.empty()) {
         compareWalks(baseline, book, host);
+    }
     Turns turns(place.people);
 
     std::string name = "bench";
@@ -314,24 +328,27 @@ Figures measureWork(const Place& place, const fs::path& plugin, const std::strin
     Medians medians;
     benchmark::RunSpecifiedBenchmarks(&medians);
     Figures figures = medians.figures();
-    if (figure::kHostWalk.find(only) != std::string_view::npos)
+    if (figure::kHostWalk.find(only) != std::string_view::npos) {
         figures[std::string(figure::kHostWalk)] = walkTime(host, place) / static_cast<double>(place.people);
+    }
     return figures;
 }
 
 Figures measureOpening(const Place& place) {
     const auto start = Clock::now();
     FrameworkBook book(place.folder);
-    if (book.search(Search::lastEqual) == 0 && place.people >= 10'000)
+    if (book.search(Search::lastEqual) == 0 && place.people >= 10'000) {
         throw std::runtime_error("the first search finds nobody");
+    }
     return {{std::string(figure::kOpenTime), secondsSince(start)},
             {std::string(figure::kOpenMemory), memory("VmRSS")}};
 }
 
 Figures measureWalkMemory(const Place& place) {
     FrameworkBook book(place.folder);
-    if (book.walk() != 5 * place.people)
+    if (book.walk() != 5 * place.people) {
         throw std::runtime_error("the walk does not see everybody");
+    }
     return {{std::string(figure::kWalkMemory), memory("VmHWM")}};
 }
 

@@ -76,8 +76,9 @@ constexpr Row kRows[] = {
 }
 
 std::string duration(double seconds) {
-    if (seconds < 1e-3)
+    if (seconds < 1e-3) {
         return format("%.3g us", seconds / kMicro);
+    }
     return seconds < 1 ? format("%.3g ms", seconds * 1e3) : format("%.3g s", seconds);
 }
 
@@ -88,13 +89,16 @@ std::string megabytes(double bytes) {
 // A figure as the target counts it; none when it was not measured.
 std::optional<double> figureOf(const Row& row, const Figures& figures) {
     const auto measured = figures.find(row.measured);
-    if (measured == figures.end())
+    if (measured == figures.end()) {
         return std::nullopt;
-    if (row.reference == nullptr)
+    }
+    if (row.reference == nullptr) {
         return measured->second;
+    }
     const auto reference = figures.find(row.reference);
-    if (reference == figures.end())
+    if (reference == figures.end()) {
         return std::nullopt;
+    }
     return row.kind == Kind::ratio ? measured->second / reference->second
                                    : measured->second - reference->second;
 }
@@ -115,8 +119,9 @@ std::string target(const Row& row) {
 
 std::string cell(const Row& row, const Figures& figures) {
     const auto figure = figureOf(row, figures);
-    if (!figure)
+    if (!figure) {
         return "-";
+    }
     switch (row.kind) {
     case Kind::ratio:
         return format("%.2fx", *figure) + " " + duration(figures.at(row.measured));
@@ -133,15 +138,19 @@ std::string cell(const Row& row, const Figures& figures) {
 std::string verdict(const Row& row, const std::map<std::size_t, Figures>& all) {
     bool judged = false;
     std::string missed;
-    for (const auto& [people, figures] : all)
-        if (row.people == 0 || row.people == people)
+    for (const auto& [people, figures] : all) {
+        if (row.people == 0 || row.people == people) {
             if (const auto figure = figureOf(row, figures)) {
                 judged = true;
-                if (*figure > row.limit)
+                if (*figure > row.limit) {
                     missed += (missed.empty() ? "" : ", ") + std::to_string(people);
+                }
             }
-    if (!judged)
+        }
+    }
+    if (!judged) {
         return "needs PEOPLE=" + std::to_string(row.people);
+    }
     return missed.empty() ? "met" : "missed at " + missed;
 }
 
@@ -156,16 +165,19 @@ std::string padded(const std::string& text, std::size_t width, bool right = fals
 std::string table(const std::map<std::size_t, Figures>& figures) {
     constexpr std::size_t kWork = 44, kTarget = 9, kCell = 16;
     std::string text = padded("", 3) + padded("work", kWork) + padded("target", kTarget, true);
-    for (const auto& [people, one] : figures)
+    for (const auto& [people, one] : figures) {
         text += padded(std::to_string(people) + " people", kCell + 2, true);
+    }
     text += "   verdict\n";
     for (const Row& row : kRows) {
         if (std::none_of(figures.begin(), figures.end(),
-                         [&](const auto& one) { return figureOf(row, one.second).has_value(); }))
+                         [&](const auto& one) { return figureOf(row, one.second).has_value(); })) {
             continue;
+        }
         text += padded(row.level, 3) + padded(row.work, kWork) + padded(target(row), kTarget, true);
-        for (const auto& [people, one] : figures)
+        for (const auto& [people, one] : figures) {
             text += padded(cell(row, one), kCell + 2, true);
+        }
         text += "   " + verdict(row, figures) + "\n";
     }
     return text;

@@ -51,8 +51,9 @@ static Class classOf(TypeID type) {
 
 CFTypeID CFGetTypeID(CFTypeRef object) {
     for (TypeID type = kString; type < kTypes; ++type) {
-        if ([(id)object isKindOfClass:classOf(type)])
+        if ([(id)object isKindOfClass:classOf(type)]) {
             return type;
+        }
     }
     return 0;
 }

@@ -29,9 +29,10 @@ const CFDictionaryValueCallBacks kCFTypeDictionaryValueCallBacks = {0, retain, r
                                                                     CFEqual};
 
 static void demand(BOOL holdsObjects, NSString* callBacks) {
-    if (!holdsObjects)
+    if (!holdsObjects) {
         [NSException raise:NSInvalidArgumentException
                     format:@"Only objects can be kept here: pass %@", callBacks];
+    }
 }
 
 static void demandForArray(const CFArrayCallBacks* callBacks) {
@@ -170,8 +171,9 @@ Boolean CFDictionaryContainsKey(CFDictionaryRef dictionary, const void* key) {
 
 Boolean CFDictionaryGetValueIfPresent(CFDictionaryRef dictionary, const void* key, const void** value) {
     const void* found = CFDictionaryGetValue(dictionary, key);
-    if (found != NULL && value != NULL)
+    if (found != NULL && value != NULL) {
         *value = found;
+    }
     return found != NULL;
 }
 
@@ -180,17 +182,20 @@ void CFDictionaryGetKeysAndValues(CFDictionaryRef dictionary, const void** keys,
         NSArray* all = [(NSDictionary*)dictionary allKeys];
         for (NSUInteger i = 0; i < [all count]; ++i) {
             id key = [all objectAtIndex:i];
-            if (keys != NULL)
+            if (keys != NULL) {
                 keys[i] = key;
-            if (values != NULL)
+            }
+            if (values != NULL) {
                 values[i] = [(NSDictionary*)dictionary objectForKey:key];
+            }
         }
     });
 }
 
 void CFDictionaryAddValue(CFMutableDictionaryRef dictionary, const void* key, const void* value) {
-    if (!CFDictionaryContainsKey(dictionary, key))
+    if (!CFDictionaryContainsKey(dictionary, key)) {
         CFDictionarySetValue(dictionary, key, value);
+    }
 }
 
 void CFDictionarySetValue(CFMutableDictionaryRef dictionary, const void* key, const void* value) {

@@ -45,8 +45,9 @@ void CFNotificationCenterAddObserver(CFNotificationCenterRef center, const void*
     added->_name = [(NSString*)name copy];
     added->_object = object;
     @synchronized([CFObserver class]) {
-        if (observers == nil)
+        if (observers == nil) {
             observers = [[NSMutableArray alloc] init];
+        }
         [observers addObject:added];
     }
     IN_POOL([(NSNotificationCenter*)center addObserver:added
@@ -62,8 +63,9 @@ void CFNotificationCenterRemoveObserver(CFNotificationCenterRef center, const vo
         for (NSUInteger i = [observers count]; i-- > 0;) {
             CFObserver* one = [observers objectAtIndex:i];
             if (one->_observer != observer || (object != NULL && one->_object != object) ||
-                (name != NULL && ![one->_name isEqual:(NSString*)name]))
+                (name != NULL && ![one->_name isEqual:(NSString*)name])) {
                 continue;
+            }
             IN_POOL([(NSNotificationCenter*)center removeObserver:one]);
             [observers removeObjectAtIndex:i];
         }

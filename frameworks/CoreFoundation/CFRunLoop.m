@@ -31,8 +31,9 @@ CFRunLoopRef CFRunLoopGetMain(void) {
 
 void CFRunLoopStop(CFRunLoopRef loop) {
     @synchronized([NSRunLoop class]) {
-        if (stopping == nil)
+        if (stopping == nil) {
             stopping = [[NSMutableArray alloc] init];
+        }
         [stopping addObject:(NSRunLoop*)loop];
     }
 }
@@ -41,16 +42,20 @@ void CFRunLoopStop(CFRunLoopRef loop) {
 // next one is due. Answers 0 to go on.
 static CFRunLoopRunResult turn(NSRunLoop* loop, NSString* mode, NSDate* end, BOOL once) {
     NSDate* limit = [loop limitDateForMode:mode];
-    if (takeStop(loop))
+    if (takeStop(loop)) {
         return kCFRunLoopRunStopped;
-    if (limit == nil)
+    }
+    if (limit == nil) {
         return kCFRunLoopRunFinished;
+    }
     limit = [limit earlierDate:end];
     [loop acceptInputForMode:mode beforeDate:limit];
-    if (takeStop(loop))
+    if (takeStop(loop)) {
         return kCFRunLoopRunStopped;
-    if ([end timeIntervalSinceNow] <= 0)
+    }
+    if ([end timeIntervalSinceNow] <= 0) {
         return kCFRunLoopRunTimedOut;
+    }
     return once && [limit timeIntervalSinceNow] > 0 ? kCFRunLoopRunHandledSource : 0;
 }
 
@@ -58,8 +63,9 @@ static CFRunLoopRunResult run(NSString* mode, NSDate* end, BOOL once) {
     NSRunLoop* loop = [NSRunLoop currentRunLoop];
     CFRunLoopRunResult result = 0;
     takeStop(loop); // one that came while it did not run counts for nothing
-    while (result == 0)
+    while (result == 0) {
         IN_POOL(result = turn(loop, mode, end, once));
+    }
     return result;
 }
 

@@ -29,12 +29,15 @@ static NSStringEncoding encodingOf(CFStringEncoding encoding) {
 
 static NSStringCompareOptions optionsOf(CFStringCompareFlags flags) {
     NSStringCompareOptions options = 0;
-    if (flags & kCFCompareCaseInsensitive)
+    if (flags & kCFCompareCaseInsensitive) {
         options |= NSCaseInsensitiveSearch;
-    if (flags & kCFCompareBackwards)
+    }
+    if (flags & kCFCompareBackwards) {
         options |= NSBackwardsSearch;
-    if (flags & kCFCompareNumerically)
+    }
+    if (flags & kCFCompareNumerically) {
         options |= NSNumericSearch;
+    }
     return options;
 }
 
@@ -44,8 +47,9 @@ CFStringRef __CFStringMakeConstantString(const char* text) {
     @synchronized([NSString class]) {
         IN_POOL({
             NSString* made = [NSString stringWithUTF8String:text];
-            if (constants == nil)
+            if (constants == nil) {
                 constants = [[NSMutableDictionary alloc] init];
+            }
             constant = [constants objectForKey:made];
             if (constant == nil) {
                 [constants setObject:made forKey:made];
@@ -65,8 +69,9 @@ CFStringRef CFStringCreateWithBytes(CFAllocatorRef allocator, const UInt8* bytes
     (void)allocator;
     (void)isExternalRepresentation; // Foundation looks for a byte-order mark in any case
     const NSStringEncoding known = encodingOf(encoding);
-    if (known == 0)
+    if (known == 0) {
         return NULL;
+    }
     return OWNED([[[NSString alloc] initWithBytes:bytes length:(NSUInteger)count
                                          encoding:known] autorelease]);
 }
@@ -121,8 +126,9 @@ void CFStringAppend(CFMutableStringRef string, CFStringRef more) {
 
 void CFStringAppendCString(CFMutableStringRef string, const char* more, CFStringEncoding encoding) {
     CFStringRef text = CFStringCreateWithCString(NULL, more, encoding);
-    if (text == NULL)
+    if (text == NULL) {
         return;
+    }
     CFStringAppend(string, text);
     CFRelease(text);
 }
@@ -152,8 +158,9 @@ void CFStringGetCharacters(CFStringRef string, CFRange range, UniChar* buffer) {
 Boolean CFStringGetCString(CFStringRef string, char* buffer, CFIndex size, CFStringEncoding encoding) {
     const NSStringEncoding known = encodingOf(encoding);
     BOOL fits = NO;
-    if (known == 0 || size <= 0)
+    if (known == 0 || size <= 0) {
         return false;
+    }
     IN_POOL({
         NSData* bytes = [(NSString*)string dataUsingEncoding:known];
         fits = bytes != nil && (CFIndex)[bytes length] < size;

@@ -49,19 +49,22 @@ NSDate* dateFrom(const NaturalDate& date) {
 bool dayFirstIn(id locale) {
     if ([locale isKindOfClass:[NSDictionary class]]) {
         NSString* ordering = [locale objectForKey:@"NSDateTimeOrdering"];
-        if ([ordering isKindOfClass:[NSString class]])
+        if ([ordering isKindOfClass:[NSString class]]) {
             return [ordering rangeOfString:@"D"].location < [ordering rangeOfString:@"M"].location;
+        }
     }
-    if ([locale isKindOfClass:[NSLocale class]])
+    if ([locale isKindOfClass:[NSLocale class]]) {
         return writesDayFirst([[locale localeIdentifier] UTF8String]);
+    }
     return writesDayFirst(localeName("LC_TIME"));
 }
 
 // Nothing for text that has no UTF-8, half a surrogate pair for one.
 std::optional<std::string> utf8(NSString* text) {
     NSData* bytes = [text dataUsingEncoding:NSUTF8StringEncoding];
-    if (bytes == nil)
+    if (bytes == nil) {
         return std::nullopt;
+    }
     return std::string(static_cast<const char*>([bytes bytes]), [bytes length]);
 }
 

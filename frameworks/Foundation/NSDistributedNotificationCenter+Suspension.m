@@ -11,11 +11,13 @@
 - (void)setSuspendedWhenConnected:(BOOL)suspended {
     [_centerLock lock];
     const BOOL nothingToSay = !suspended && _remote == nil;
-    if (nothingToSay)
+    if (nothingToSay) {
         _suspended = NO;
+    }
     [_centerLock unlock];
-    if (!nothingToSay)
+    if (!nothingToSay) {
         [self setSuspendedWhenConnected:suspended];
+    }
 }
 
 + (void)load {

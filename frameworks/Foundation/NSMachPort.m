@@ -16,25 +16,29 @@ static NSString* const kScheduledPorts = @"NSMachPort scheduled ports";
 
 // The modes that [mode] stands for: itself, or all common ones, two of which are AppKit's.
 static NSArray* modesOf(NSString* mode) {
-    if (mode == nil)
+    if (mode == nil) {
         return [NSArray arrayWithObject:NSDefaultRunLoopMode];
-    if (![mode isEqual:kCFRunLoopCommonModes] && ![mode isEqual:NSRunLoopCommonModes])
+    }
+    if (![mode isEqual:kCFRunLoopCommonModes] && ![mode isEqual:NSRunLoopCommonModes]) {
         return [NSArray arrayWithObject:mode];
+    }
     return [NSArray arrayWithObjects:NSDefaultRunLoopMode, @"NSModalPanelRunLoopMode",
                                      @"NSEventTrackingRunLoopMode", nil];
 }
 
 static void requireOwnThread(NSRunLoop* runLoop) {
-    if (runLoop != [NSRunLoop currentRunLoop])
+    if (runLoop != [NSRunLoop currentRunLoop]) {
         [NSException raise:NSInvalidArgumentException
                     format:@"A Mach port is scheduled by the thread that runs the run loop"];
+    }
 }
 
 @implementation NSMachPort
 
 - (id)init {
-    if ((self = [super init]) == nil)
+    if ((self = [super init]) == nil) {
         return nil;
+    }
     _event = eventfd(0, EFD_CLOEXEC | EFD_NONBLOCK | EFD_SEMAPHORE);
     if (_event < 0) {
         [self release];
@@ -45,8 +49,9 @@ static void requireOwnThread(NSRunLoop* runLoop) {
 }
 
 - (void)dealloc {
-    if (_event >= 0)
+    if (_event >= 0) {
         close(_event);
+    }
     [super dealloc];
 }
 
@@ -66,8 +71,9 @@ static void requireOwnThread(NSRunLoop* runLoop) {
             components:(NSMutableArray*)components
                   from:(NSPort*)GS_UNUSED_ARG receivePort
               reserved:(NSUInteger)GS_UNUSED_ARG headerSpace {
-    if (![self isValid] || [components count] > 0)
+    if (![self isValid] || [components count] > 0) {
         return NO;
+    }
     [self signal];
     return YES;
 }
@@ -78,8 +84,9 @@ static void requireOwnThread(NSRunLoop* runLoop) {
 
 - (void)scheduleInRunLoop:(NSRunLoop*)runLoop forMode:(NSString*)mode {
     requireOwnThread(runLoop);
-    if (![self isValid])
+    if (![self isValid]) {
         return;
+    }
     NSMutableDictionary* thread = [[NSThread currentThread] threadDictionary];
     NSMutableDictionary* ports = [thread objectForKey:kScheduledPorts];
     if (ports == nil) {
@@ -92,8 +99,9 @@ static void requireOwnThread(NSRunLoop* runLoop) {
         [ports setObject:modes forKey:self]; // copying a port is retaining it
     }
     for (NSString* each in modesOf(mode)) {
-        if ([modes containsObject:each])
+        if ([modes containsObject:each]) {
             continue;
+        }
         [modes addObject:each];
         [runLoop addEvent:(void*)(intptr_t)_event type:ET_RDESC watcher:(id<RunLoopEvents>)self forMode:each];
     }
@@ -104,8 +112,9 @@ static void requireOwnThread(NSRunLoop* runLoop) {
     NSMutableDictionary* ports = [[[NSThread currentThread] threadDictionary] objectForKey:kScheduledPorts];
     NSMutableSet* scheduled = [ports objectForKey:self];
     for (NSString* each in modes) {
-        if (![scheduled containsObject:each])
+        if (![scheduled containsObject:each]) {
             continue;
+        }
         [[NSRunLoop currentRunLoop] removeEvent:(void*)(intptr_t)_event type:ET_RDESC forMode:each all:YES];
         [scheduled removeObject:each];
     }
@@ -126,8 +135,9 @@ static void requireOwnThread(NSRunLoop* runLoop) {
 }
 
 - (void)invalidate {
-    if (__atomic_exchange_n(&_closed, 1, __ATOMIC_ACQ_REL))
+    if (__atomic_exchange_n(&_closed, 1, __ATOMIC_ACQ_REL)) {
         return;
+    }
     [self removeFromCurrentRunLoop];
     [self signal]; // another thread's run loop turns and lets go
     [super invalidate];
@@ -143,11 +153,13 @@ static void requireOwnThread(NSRunLoop* runLoop) {
         return;
     }
     uint64_t count;
-    if (read(_event, &count, sizeof count) != sizeof count)
+    if (read(_event, &count, sizeof count) != sizeof count) {
         return; // a loop run by the delegate was quicker
+    }
     [[self retain] autorelease];
-    if ([_delegate respondsToSelector:@selector(handleMachMessage:)])
+    if ([_delegate respondsToSelector:@selector(handleMachMessage:)]) {
         [(id<NSMachPortDelegate>)_delegate handleMachMessage:NULL];
+    }
 }
 
 @end
@@ -159,17 +171,19 @@ static void requireOwnThread(NSRunLoop* runLoop) {
 @implementation NSRunLoop (MachPorts)
 
 - (void)addMachOrOtherPort:(NSPort*)port forMode:(NSString*)mode {
-    if ([port isKindOfClass:[NSMachPort class]])
+    if ([port isKindOfClass:[NSMachPort class]]) {
         [(NSMachPort*)port scheduleInRunLoop:self forMode:mode];
-    else
+    } else {
         [self addMachOrOtherPort:port forMode:mode]; // Foundation's own, exchanged
+    }
 }
 
 - (void)removeMachOrOtherPort:(NSPort*)port forMode:(NSString*)mode {
-    if ([port isKindOfClass:[NSMachPort class]])
+    if ([port isKindOfClass:[NSMachPort class]]) {
         [(NSMachPort*)port removeFromRunLoop:self forMode:mode];
-    else
+    } else {
         [self removeMachOrOtherPort:port forMode:mode];
+    }
 }
 
 + (void)load {

@@ -11,14 +11,17 @@ static Compare compareValues;
 
 static NSComparisonResult compareWithNil(id self, SEL command, id one, id other) {
     NSString* key = [self key];
-    if (key == nil)
+    if (key == nil) {
         return compareValues(self, command, one, other);
+    }
     const BOOL hasOne = [one valueForKeyPath:key] != nil;
     const BOOL hasOther = [other valueForKeyPath:key] != nil;
-    if (hasOne && hasOther)
+    if (hasOne && hasOther) {
         return compareValues(self, command, one, other);
-    if (hasOne == hasOther)
+    }
+    if (hasOne == hasOther) {
         return NSOrderedSame;
+    }
     return hasOther == [self ascending] ? NSOrderedAscending : NSOrderedDescending;
 }
 

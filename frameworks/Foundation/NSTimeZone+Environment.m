@@ -11,8 +11,9 @@
 + (NSTimeZone*)environmentOrSystemTimeZone {
     const char* name = getenv("TZ");
     NSTimeZone* zone = nil;
-    if (name != NULL && *name != '\0')
+    if (name != NULL && *name != '\0') {
         zone = [NSTimeZone timeZoneWithName:[NSString stringWithUTF8String:*name == ':' ? name + 1 : name]];
+    }
     return zone != nil ? zone : [self environmentOrSystemTimeZone];
 }
 

@@ -27,19 +27,21 @@ bool contains(const std::array<std::string_view, Count>& list, std::string_view 
 } // namespace
 
 std::string localeName(const char* category) {
-    for (const char* variable : {"LC_ALL", category, "LANG"})
+    for (const char* variable : {"LC_ALL", category, "LANG"}) {
         if (const char* value = std::getenv(variable); value && *value) {
             const std::string_view name = value;
             return std::string(name.substr(0, name.find_first_of(".@")));
         }
+    }
     return "";
 }
 
 std::string localeCountry() {
     const std::string name = localeName("LC_ADDRESS");
     std::string country(regionOf(name));
-    if (country.size() != 2)
+    if (country.size() != 2) {
         return "us";
+    }
     std::transform(country.begin(), country.end(), country.begin(),
                    [](unsigned char letter) { return static_cast<char>(std::tolower(letter)); });
     return country;
@@ -54,8 +56,9 @@ bool writesDayFirst(std::string_view locale) {
     constexpr std::array<std::string_view, 5> kMonthFirst = {"", "C", "POSIX", "en", "en_US_POSIX"};
     constexpr std::array<std::string_view, 3> kYearFirstLanguages = {"ja", "ko", "zh"};
     constexpr std::array<std::string_view, 4> kMonthFirstRegions = {"US", "PH", "FM", "MH"};
-    if (contains(kMonthFirst, locale) || contains(kYearFirstLanguages, languageOf(locale)))
+    if (contains(kMonthFirst, locale) || contains(kYearFirstLanguages, languageOf(locale))) {
         return false;
+    }
     const bool spanish = languageOf(locale) == "es";
     return spanish || !contains(kMonthFirstRegions, regionOf(locale));
 }

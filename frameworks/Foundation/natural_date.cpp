@@ -59,9 +59,11 @@ struct Word {
 
 template <std::size_t Count>
 std::optional<int> lookUp(const std::array<Word, Count>& words, std::string_view text) {
-    for (const auto& word : words)
-        if (word.text == text)
+    for (const auto& word : words) {
+        if (word.text == text) {
             return word.number;
+        }
+    }
     return std::nullopt;
 }
 
@@ -156,8 +158,9 @@ constexpr std::size_t kMaxText = 200;
 std::optional<std::vector<Token>> tokenize(std::string_view text) {
     std::vector<Token> tokens;
     bool spaced = false;
-    if (text.size() > kMaxText)
+    if (text.size() > kMaxText) {
         return std::nullopt;
+    }
     for (std::size_t i = 0; i < text.size();) {
         const std::size_t start = i;
         if (std::string_view(" \t\r\n").find(text[i]) != std::string_view::npos) {
@@ -175,15 +178,18 @@ std::optional<std::vector<Token>> tokenize(std::string_view text) {
         spaced = false;
         if (isDigit(text[i])) {
             token.kind = Token::Kind::number;
-            while (i < text.size() && isDigit(text[i]))
+            while (i < text.size() && isDigit(text[i])) {
                 ++i;
-            if (i - start > 9)
+            }
+            if (i - start > 9) {
                 return std::nullopt;
+            }
             token.number = std::stoi(std::string(text.substr(start, i - start)));
         } else if (isLetter(text[i])) {
             token.kind = Token::Kind::word;
-            while (i < text.size() && isLetter(text[i]))
+            while (i < text.size() && isLetter(text[i])) {
                 ++i;
+            }
         } else if (std::string_view("/.-:,+").find(text[i]) != std::string_view::npos) {
             ++i;
         } else {
@@ -206,18 +212,21 @@ class Parser {
     std::optional<NaturalDate> run() {
         while (at_ < tokens_.size()) {
             if (skipFiller() || (!haveTime_ && (clock() || clockWord())) ||
-                (haveTime_ && haveClock_ && !offset_ && zone()))
+                (haveTime_ && haveClock_ && !offset_ && zone())) {
                 continue;
+            }
             if (haveDate_ ||
-                !(compactDate() || digitDate() || monthDate() || relative() || dayWord() || weekday()))
+                !(compactDate() || digitDate() || monthDate() || relative() || dayWord() || weekday())) {
                 return std::nullopt;
+            }
         }
         if (weekday_ && !haveDate_) {
             toWeekday(*weekday_, direction_);
             haveDate_ = true;
         }
-        if ((!haveDate_ && !haveTime_) || !dayOf(date_).ok() || date_.year < 1 || date_.year > kLastYear)
+        if ((!haveDate_ && !haveTime_) || !dayOf(date_).ok() || date_.year < 1 || date_.year > kLastYear) {
             return std::nullopt;
+        }
         CivilTime time = haveExactTime_ ? date_ : clock_;
         setDay(time, dayOf(date_));
         return NaturalDate{time, offset_};
@@ -243,16 +252,18 @@ class Parser {
     }
 
     bool skipFiller() {
-        if (is(0, ",") || is(0, "at") || is(0, "on"))
+        if (is(0, ",") || is(0, "at") || is(0, "on")) {
             return at_ + 1 < tokens_.size() && take(1);
+        }
         return haveDate_ && !haveTime_ && is(0, "t") && isNumber(1) && take(1);
     }
 
     // "14:30", "14:30:15.5", "2:30 PM", "2 pm"; after a T also "143015".
     bool clock() {
         const bool afterT = at_ > 0 && tokens_[at_ - 1].text == "t";
-        if (!isNumber(0))
+        if (!isNumber(0)) {
             return false;
+        }
         CivilTime time = now_;
         time.minute = time.second = 0;
         std::size_t used = 1;
@@ -268,8 +279,9 @@ class Parser {
             if (is(3, ":") && isNumber(4) && digits(4) == 2) {
                 time.second = number(4);
                 used = 5;
-                if (is(5, ".") && isNumber(6)) // fractions are dropped
+                if (is(5, ".") && isNumber(6)) { // fractions are dropped
                     used = 7;
+                }
             }
         } else if (!(is(1, "am") || is(1, "pm")) && !afterT) {
             return false;
@@ -277,21 +289,24 @@ class Parser {
             time.hour = number(0);
         }
         if (is(used, "am") || is(used, "pm")) {
-            if (time.hour < 1 || time.hour > 12)
+            if (time.hour < 1 || time.hour > 12) {
                 return false;
+            }
             time.hour = time.hour % 12 + (is(used, "pm") ? 12 : 0);
             ++used;
         }
-        if (time.hour > 23 || time.minute > 59 || time.second > 59)
+        if (time.hour > 23 || time.minute > 59 || time.second > 59) {
             return false;
+        }
         setClock(time);
         haveClock_ = true;
         return take(used);
     }
 
     bool clockWord() {
-        if (!is(0, "noon") && !is(0, "midnight"))
+        if (!is(0, "noon") && !is(0, "midnight")) {
             return false;
+        }
         CivilTime time;
         time.hour = is(0, "noon") ? 12 : 0;
         setClock(time);
@@ -312,8 +327,9 @@ class Parser {
             offset_ = 0;
             return take(1);
         }
-        if ((!is(0, "+") && !is(0, "-")) || !isNumber(1))
+        if ((!is(0, "+") && !is(0, "-")) || !isNumber(1)) {
             return false;
+        }
         int hours = number(1);
         int minutes = 0;
         std::size_t used = 2;
@@ -326,8 +342,9 @@ class Parser {
             minutes = number(3);
             used = 4;
         }
-        if (hours > 18 || minutes > 59)
+        if (hours > 18 || minutes > 59) {
             return false;
+        }
         offset_ = (is(0, "-") ? -1 : 1) * (hours * 3600 + minutes * 60);
         return take(used);
     }
@@ -342,10 +359,12 @@ class Parser {
 
     // A year as written with so many digits; nothing for one or three digits.
     std::optional<int> year(std::size_t ahead) const {
-        if (digits(ahead) == 4)
+        if (digits(ahead) == 4) {
             return number(ahead);
-        if (digits(ahead) != 2)
+        }
+        if (digits(ahead) != 2) {
             return std::nullopt;
+        }
         const int earliest = now_.year - 80;
         const int century = earliest - earliest % 100 + number(ahead);
         return century < earliest ? century + 100 : century;
@@ -353,31 +372,38 @@ class Parser {
 
     // "20101225".
     bool compactDate() {
-        if (!isNumber(0) || digits(0) != 8)
+        if (!isNumber(0) || digits(0) != 8) {
             return false;
+        }
         return setDate(number(0) / 10000, number(0) / 100 % 100, number(0) % 100) && take(1);
     }
 
     // "2010-12-25", "12/25/2010", "25.12.2010", "12/25"; with full stops the day comes first everywhere.
     bool digitDate() {
-        if (!isNumber(0) || !isNumber(2) || !(is(1, "/") || is(1, ".") || is(1, "-")))
+        if (!isNumber(0) || !isNumber(2) || !(is(1, "/") || is(1, ".") || is(1, "-"))) {
             return false;
+        }
         const std::string& mark = peek(1)->text;
         const bool three = is(3, mark) && isNumber(4);
-        if (digits(0) == 4)
+        if (digits(0) == 4) {
             return three && digits(2) <= 2 && digits(4) <= 2 && setDate(number(0), number(2), number(4)) &&
                    take(5);
-        if (digits(0) > 2 || digits(2) > 2 || (!three && mark == "-"))
+        }
+        if (digits(0) > 2 || digits(2) > 2 || (!three && mark == "-")) {
             return false;
+        }
         const auto written = three ? year(4) : now_.year;
-        if (!written)
+        if (!written) {
             return false;
+        }
         int month = number(0);
         int day = number(2);
-        if (mark == "." || dayFirst_)
+        if (mark == "." || dayFirst_) {
             std::swap(month, day);
-        if (month > 12 && day <= 12) // only the other order makes sense
+        }
+        if (month > 12 && day <= 12) { // only the other order makes sense
             std::swap(month, day);
+        }
         const bool closed = !three && mark == "." && is(3, ".");
         return setDate(*written, month, day) && take(three ? 5 : closed ? 4 : 3);
     }
@@ -387,37 +413,46 @@ class Parser {
         std::size_t used = 0;
         std::optional<int> day;
         const auto takeDay = [&] {
-            if (!isNumber(used) || digits(used) > 2)
+            if (!isNumber(used) || digits(used) > 2) {
                 return;
+            }
             day = number(used++);
-            if (peek(used) && !peek(used)->spaced && word(used, kSuffixes))
+            if (peek(used) && !peek(used)->spaced && word(used, kSuffixes)) {
                 ++used;
-            else if (is(used, "."))
+            } else if (is(used, ".")) {
                 ++used;
+            }
         };
         takeDay();
-        if (day && (is(used, "of") || is(used, "-")))
+        if (day && (is(used, "of") || is(used, "-"))) {
             ++used;
+        }
         const auto month = word(used, kMonths);
-        if (!month)
+        if (!month) {
             return false;
+        }
         ++used;
-        if (is(used, ".") || is(used, "-"))
+        if (is(used, ".") || is(used, "-")) {
             ++used;
+        }
         const bool clockNext = is(used + 1, ":") || is(used + 1, "am") || is(used + 1, "pm");
-        if (!day && !clockNext)
+        if (!day && !clockNext) {
             takeDay();
-        if (is(used, ",") && isNumber(used + 1) && digits(used + 1) == 4)
+        }
+        if (is(used, ",") && isNumber(used + 1) && digits(used + 1) == 4) {
             ++used;
+        }
         std::optional<int> written;
         if (isNumber(used) && !is(used + 1, ":") && !is(used + 1, "am") && !is(used + 1, "pm")) {
             written = year(used);
-            if (!written)
+            if (!written) {
                 return false;
+            }
             ++used;
         }
-        if (!day && !written)
+        if (!day && !written) {
             return false;
+        }
         return setDate(written.value_or(now_.year), *month, day.value_or(1)) && take(used);
     }
 
@@ -447,23 +482,26 @@ class Parser {
 
     // "1 week ago", "in 3 days", "two hours from now", "next month".
     bool relative() {
-        if (const auto direction = word(0, kDirections))
+        if (const auto direction = word(0, kDirections)) {
             if (const auto unit = word(1, kUnits); unit && *unit >= kDay) {
                 move(*unit, *direction);
                 return take(2);
             }
+        }
         std::size_t used = is(0, "in") ? 1 : 0;
         const bool ahead = used != 0;
         long count = 0;
-        if (isNumber(used))
+        if (isNumber(used)) {
             count = number(used);
-        else if (const auto spelled = word(used, kCounts))
+        } else if (const auto spelled = word(used, kCounts)) {
             count = *spelled;
-        else
+        } else {
             return false;
+        }
         const auto unit = word(used + 1, kUnits);
-        if (!unit || count > kMostUnits)
+        if (!unit || count > kMostUnits) {
             return false;
+        }
         used += 2;
         if (ahead) {
             move(*unit, count);
@@ -507,17 +545,20 @@ class Parser {
 
     // "friday", "next friday"; in front of a date it only decorates.
     bool weekday() {
-        if (weekday_)
+        if (weekday_) {
             return false;
+        }
         const auto direction = word(0, kDirections);
         const std::size_t used = direction ? 1 : 0;
         weekday_ = word(used, kWeekdays);
         direction_ = direction.value_or(0);
-        if (!weekday_)
+        if (!weekday_) {
             return false;
+        }
         take(used + 1);
-        if (is(0, ".") && at_ + 1 < tokens_.size())
+        if (is(0, ".") && at_ + 1 < tokens_.size()) {
             take(1);
+        }
         return true;
     }
 
@@ -526,10 +567,12 @@ class Parser {
     void toWeekday(int weekday, int direction) {
         const int today = static_cast<int>(std::chrono::weekday(sys_days(dayOf(now_))).c_encoding());
         int shift = (weekday - today + 7) % 7;
-        if (direction > 0 && shift == 0)
+        if (direction > 0 && shift == 0) {
             shift = 7;
-        if (direction < 0)
+        }
+        if (direction < 0) {
             shift -= 7;
+        }
         addDays(date_, shift);
     }
 
@@ -556,8 +599,9 @@ class Parser {
 
 std::optional<NaturalDate> parseNaturalDate(std::string_view text, const CivilTime& now, bool dayFirst) {
     auto tokens = tokenize(text);
-    if (!tokens || tokens->empty())
+    if (!tokens || tokens->empty()) {
         return std::nullopt;
+    }
     return Parser(std::move(*tokens), now, dayFirst).run();
 }
 

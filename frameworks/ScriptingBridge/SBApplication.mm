@@ -33,15 +33,17 @@ std::string elementIdentifier(id element) {
     id identifier = [element isKindOfClass:[SBObject class]] ? [element elementIdentifier] : nil;
     const char* bytes = [identifier isKindOfClass:[NSString class]] ? [identifier UTF8String] : nullptr;
     if (bytes == nullptr ||
-        std::strlen(bytes) != [identifier lengthOfBytesUsingEncoding:NSUTF8StringEncoding])
+        std::strlen(bytes) != [identifier lengthOfBytesUsingEncoding:NSUTF8StringEncoding]) {
         [NSException raise:NSInvalidArgumentException
                     format:@"What is to be selected has no id that is text"];
+    }
     return bytes;
 }
 
 void raiseIf(const std::string& failure) {
-    if (!failure.empty())
+    if (!failure.empty()) {
         [NSException raise:NSGenericException format:@"%@", [NSString stringWithUTF8String:failure.c_str()]];
+    }
 }
 
 } // namespace
@@ -78,8 +80,9 @@ void raiseIf(const std::string& failure) {
 }
 
 - (void)setSelection:(NSArray*)selection {
-    if ([selection count] == 0)
+    if ([selection count] == 0) {
         return;
+    }
     const std::string person = elementIdentifier([selection objectAtIndex:0]);
     raiseIf(in(_remote).activateAction("show-contact", person));
 }

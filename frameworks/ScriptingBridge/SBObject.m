@@ -3,8 +3,9 @@
 @implementation SBObject
 
 - (id)initWithElementIdentifier:(id)identifier {
-    if ((self = [super init]) != nil)
+    if ((self = [super init]) != nil) {
         _elementIdentifier = [identifier copy];
+    }
     return self;
 }
 

@@ -26,17 +26,23 @@ std::uint64_t microsecondsUntil(Clock::time_point deadline) {
 // number.
 int waitUntilReady(sd_bus* bus, Clock::time_point deadline) {
     for (;;) {
-        if (const int ready = sd_bus_is_ready(bus); ready != 0)
+        if (const int ready = sd_bus_is_ready(bus); ready != 0) {
             return std::min(ready, 0);
+        }
         const int worked = sd_bus_process(bus, nullptr);
-        if (worked < 0)
+        if (worked < 0) {
             return worked;
-        if (worked > 0)
+        }
+        if (worked > 0) {
             continue;
-        if (Clock::now() >= deadline)
+        }
+        if (Clock::now() >= deadline) {
             return -ETIMEDOUT;
-        if (const int waited = sd_bus_wait(bus, microsecondsUntil(deadline)); waited < 0 && waited != -EINTR)
+        }
+        if (const int waited = sd_bus_wait(bus, microsecondsUntil(deadline));
+            waited < 0 && waited != -EINTR) {
             return waited;
+        }
     }
 }
 
@@ -54,8 +60,9 @@ class Call {
   public:
     explicit Call(std::chrono::microseconds timeout) : deadline_(Clock::now() + timeout) {
         status_ = sd_bus_open_user(&bus_);
-        if (status_ >= 0)
+        if (status_ >= 0) {
             status_ = waitUntilReady(bus_, deadline_);
+        }
         connected_ = status_ >= 0;
     }
     Call(const Call&) = delete;
@@ -68,45 +75,55 @@ class Call {
     }
 
     void address(const char* name, const char* path, const char* interface, const char* member) {
-        if (status_ >= 0)
+        if (status_ >= 0) {
             status_ = sd_bus_message_new_method_call(bus_, &message_, name, path, interface, member);
-        if (status_ >= 0)
+        }
+        if (status_ >= 0) {
             status_ = sd_bus_message_set_auto_start(message_, 0);
+        }
     }
 
     template <typename... Arguments>
     void append(const char* types, Arguments... arguments) {
-        if (status_ >= 0)
+        if (status_ >= 0) {
             status_ = sd_bus_message_append(message_, types, arguments...);
+        }
     }
 
     void send() {
-        if (status_ >= 0)
+        if (status_ >= 0) {
             status_ = sd_bus_call(bus_, message_, microsecondsUntil(deadline_), &error_, &answer_);
+        }
     }
 
     // The truth value that was answered; false when there is none.
     bool truth() {
         int value = 0;
-        if (status_ >= 0)
+        if (status_ >= 0) {
             status_ = sd_bus_message_read(answer_, "b", &value);
+        }
         return status_ >= 0 && value != 0;
     }
 
     // What went wrong between here and [name]; empty for nothing.
     std::string failure(const std::string& name) const {
-        if (status_ >= 0)
+        if (status_ >= 0) {
             return "";
-        if (!connected_)
+        }
+        if (!connected_) {
             return std::string("The session bus cannot be reached: ") + std::strerror(-status_);
+        }
         const std::string application = "The application " + name;
         if (sd_bus_error_has_name(&error_, SD_BUS_ERROR_SERVICE_UNKNOWN) != 0 ||
-            sd_bus_error_has_name(&error_, SD_BUS_ERROR_NAME_HAS_NO_OWNER) != 0)
+            sd_bus_error_has_name(&error_, SD_BUS_ERROR_NAME_HAS_NO_OWNER) != 0) {
             return application + " is not running";
-        if (sd_bus_error_has_name(&error_, SD_BUS_ERROR_NO_REPLY) != 0)
+        }
+        if (sd_bus_error_has_name(&error_, SD_BUS_ERROR_NO_REPLY) != 0) {
             return application + " ended before it answered";
-        if (status_ == -ETIMEDOUT)
+        }
+        if (status_ == -ETIMEDOUT) {
             return application + " does not answer";
+        }
         return application + " cannot be spoken to: " +
                (error_.message != nullptr ? error_.message : std::strerror(-status_));
     }

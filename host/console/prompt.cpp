@@ -208,7 +208,7 @@ ExitCode runPrompt(Host& host) {
         std::setlocale(LC_CTYPE, "C.UTF-8"); // calculations are Unicode, whatever the environment says
     }
     gStop = &host.session().interruptFlag();
-    struct sigaction action {};
+    struct sigaction action{};
     action.sa_handler = onInterrupt; // without SA_RESTART: a waiting read comes back
     sigaction(SIGINT, &action, nullptr);
     Prompt(host).run();

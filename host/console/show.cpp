@@ -11,8 +11,7 @@ namespace {
 // Four characters; what is not printable ASCII is shown as a question mark.
 std::string typeName(StreamType type) {
     std::string name(type.characters.begin(), type.characters.end());
-    std::replace_if(
-        name.begin(), name.end(), [](char c) { return c < ' ' || c > '~'; }, '?');
+    std::replace_if(name.begin(), name.end(), [](char c) { return c < ' ' || c > '~'; }, '?');
     return name;
 }
 

@@ -29,7 +29,7 @@ void crashed(int signal, siginfo_t* info, void* context);
 // What the plug-in has set itself stays.
 void restoreActions() {
     for (size_t i = 0; i < kCrashes.size(); ++i) {
-        struct sigaction now {};
+        struct sigaction now{};
         sigaction(kCrashes[i], nullptr, &now);
         if (now.sa_sigaction == crashed) {
             sigaction(kCrashes[i], &formerActions[i], nullptr);
@@ -60,7 +60,7 @@ CallWatch::CallWatch(const std::string& plugin, const std::string& stage, std::c
     stack.ss_sp = signalStack_.data();
     stack.ss_size = signalStack_.size();
     sigaltstack(&stack, &formerSignalStack_);
-    struct sigaction action {};
+    struct sigaction action{};
     action.sa_sigaction = crashed;
     action.sa_flags = SA_SIGINFO | SA_ONSTACK;
     for (size_t i = 0; i < kCrashes.size(); ++i) {

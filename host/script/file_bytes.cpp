@@ -125,7 +125,7 @@ Bytes readBytes(const fs::path& file) {
     requireName(file);
     const Descriptor descriptor(
         open(file.c_str(), O_RDONLY | O_CLOEXEC | O_NONBLOCK)); // a pipe must not wait
-    struct stat status {};
+    struct stat status{};
     if (*descriptor < 0 || fstat(*descriptor, &status) != 0) {
         fail("read", file, errno);
     }
@@ -155,7 +155,7 @@ Bytes readBytes(const fs::path& file) {
 
 void writeBytes(const fs::path& file, const Bytes& bytes) {
     requireName(file);
-    struct stat status {};
+    struct stat status{};
     std::optional<mode_t> mode;
     fs::path target = file;
     if (stat(file.c_str(), &status) == 0) {

@@ -157,7 +157,8 @@ const typename ObjectOf<Opaque>::Type& inside(const Opaque& opaque) {
     return *reinterpret_cast<const typename ObjectOf<Opaque>::Type*>(&opaque);
 }
 template <class Opaque>
-requires(!std::is_const_v<Opaque>) typename ObjectOf<Opaque>::Type& inside(Opaque& opaque) {
+    requires(!std::is_const_v<Opaque>)
+typename ObjectOf<Opaque>::Type& inside(Opaque& opaque) {
     return *reinterpret_cast<typename ObjectOf<Opaque>::Type*>(&opaque);
 }
 

@@ -43,9 +43,7 @@ class TextUniquePtr;
 namespace host_interface {
 
 template <class Holder>
-concept Complete = requires {
-    sizeof(Holder);
-};
+concept Complete = requires { sizeof(Holder); };
 
 template <class Unique, class Auto>
 struct Holder {

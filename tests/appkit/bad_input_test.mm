@@ -51,11 +51,12 @@ TEST_F(BadInputTest, ASignatureThatLies) {
 
 TEST_F(BadInputTest, StopsShort) {
     for (const Made& whole : make({"png", "png_alpha", "png_palette", "jpeg", "jpeg_progressive", "jpeg_cmyk",
-                                   "gif", "bmp", "bmp_alpha"}))
+                                   "gif", "bmp", "bmp_alpha"})) {
         for (const int percent : {1, 10, 50, 90, 99}) {
             SCOPED_TRACE(whole.shown.format + ", " + std::to_string(percent) + "%");
             expectRefused(whole.file.substr(0, whole.file.size() * percent / 100));
         }
+    }
 }
 
 TEST_F(BadInputTest, ClaimsTooMany) {
@@ -85,8 +86,9 @@ TEST_F(BadInputTest, HalfAGigabyteOfJunk) {
     constexpr std::size_t kSize = 500'000'000;
     std::mt19937 chance(1);
     std::string junk(kSize, '\0');
-    for (std::size_t i = 0; i < kSize; i += 1000)
+    for (std::size_t i = 0; i < kSize; i += 1000) {
         junk[i] = static_cast<char>(chance());
+    }
     NSData* data = [NSData dataWithBytesNoCopy:junk.data() length:junk.size() freeWhenDone:NO];
     bitmapOf("BM"); // loads the codec
     const long before = mostMemory();

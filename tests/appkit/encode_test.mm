@@ -30,9 +30,10 @@ class EncodedPictureTest : public PictureTest, public testing::WithParamInterfac
             ASSERT_NE(files.back(), nil) << type;
         }
         const std::vector<Shown> theirs = readBack(files);
-        for (std::size_t i = 0; i < files.size(); ++i)
+        for (std::size_t i = 0; i < files.size(); ++i) {
             results_.push_back(
                 {bytesOf(files[i]), theirs[i], shownBy([NSBitmapImageRep imageRepWithData:files[i]])});
+        }
     }
 
     // PNG keeps every sample.
@@ -64,9 +65,11 @@ class EncodedPictureTest : public PictureTest, public testing::WithParamInterfac
         const auto to = jpeg.theirs.rgba();
         ASSERT_EQ(from.size(), to.size());
         double sum = 0;
-        for (std::size_t i = 0; i < from.size(); ++i)
-            if (i % 4 != 3)
+        for (std::size_t i = 0; i < from.size(); ++i) {
+            if (i % 4 != 3) {
                 sum += std::abs((from[i] * from[i | 3] + 255 * (255 - from[i | 3])) / 255 - to[i]);
+            }
+        }
         // Noise, as the pictures of 16 bits are, is what JPEG is worst at.
         EXPECT_LT(sum / static_cast<double>(from.size()), shown_.bits == 16 ? 40 : 8);
     }
@@ -83,8 +86,9 @@ class EncodedPictureTest : public PictureTest, public testing::WithParamInterfac
         for (std::size_t i = 0; i < from.size(); i += 4) {
             transparent |= from[i + 3] < 128;
             ASSERT_EQ(to[i + 3], from[i + 3] < 128 ? 0 : 255) << i / 4;
-            for (std::size_t n = i; n < i + 3 && to[i + 3] != 0; ++n)
+            for (std::size_t n = i; n < i + 3 && to[i + 3] != 0; ++n) {
                 sum += std::abs(from[n] - to[n]);
+            }
         }
         EXPECT_EQ(gif.theirs.hasAlpha(), transparent);
         EXPECT_LT(sum / static_cast<double>(from.size()), shown_.bits == 16 ? 40 : 6);

@@ -34,8 +34,9 @@ class DamageTest : public PictureTest, public testing::WithParamInterface<const 
                 file.insert(at, file.substr(below(file.size()), below(20) + 1));
                 break;
             case 5:
-                if (below(8) == 0)
+                if (below(8) == 0) {
                     file.resize(at);
+                }
                 break;
             }
         }

@@ -36,8 +36,9 @@ class PersonImageTest : public PictureTest {
         const std::string command =
             READ_PICTURE " " + std::string([[person uniqueId] UTF8String]) + " " + answer;
         EXPECT_EQ(std::system(command.c_str()), 0);
-        if (!std::filesystem::exists(answer))
+        if (!std::filesystem::exists(answer)) {
             return nil;
+        }
         NSData* seen = [NSData dataWithContentsOfFile:[NSString stringWithUTF8String:answer.c_str()]];
         std::filesystem::remove(answer);
         return seen;

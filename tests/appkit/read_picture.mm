@@ -4,12 +4,14 @@
 
 int main(int count, char** words) {
     NSAutoreleasePool* pool = [[NSAutoreleasePool alloc] init];
-    if (count != 3)
+    if (count != 3) {
         return 2;
+    }
     ABAddressBook* book = [ABAddressBook sharedAddressBook];
     id person = [book recordForUniqueId:[NSString stringWithUTF8String:words[1]]];
-    if (person == nil)
+    if (person == nil) {
         return 1;
+    }
     NSData* picture = [person imageData];
     const bool written = picture == nil || [picture writeToFile:[NSString stringWithUTF8String:words[2]]
                                                      atomically:NO];

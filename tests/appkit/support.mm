@@ -26,11 +26,13 @@ Shown shownIn(const std::filesystem::path& path) {
     const auto* bytes = reinterpret_cast<const unsigned char*>(file.data()) + head + 1;
     const std::size_t samples = std::size_t{1} * shown.samplesPerPixel * shown.width * shown.height;
     EXPECT_EQ(file.size() - head - 1, samples * shown.bits / 8);
-    if (shown.bits == 8)
+    if (shown.bits == 8) {
         shown.samples.assign(bytes, bytes + samples);
-    else
-        for (std::size_t i = 0; i < samples; ++i)
+    } else {
+        for (std::size_t i = 0; i < samples; ++i) {
             shown.samples.push_back(static_cast<std::uint16_t>(bytes[2 * i] << 8 | bytes[2 * i + 1]));
+        }
+    }
     return shown;
 }
 
@@ -58,27 +60,32 @@ Shown shownBy(NSBitmapImageRep* bitmap) {
     shown.bits = static_cast<unsigned>([bitmap bitsPerSample]);
     shown.samples.resize(shown.samplesPerPixel * shown.width * shown.height);
     const unsigned char* bytes = [bitmap bitmapData];
-    if (shown.bits == 16)
+    if (shown.bits == 16) {
         std::memcpy(shown.samples.data(), bytes, 2 * shown.samples.size());
-    else
+    } else {
         std::copy(bytes, bytes + shown.samples.size(), shown.samples.begin());
+    }
     return shown;
 }
 
 int difference(const Shown& one, const Shown& other, bool visible) {
     EXPECT_EQ(one.width, other.width);
     EXPECT_EQ(one.height, other.height);
-    if (one.samples == other.samples && one.samplesPerPixel == other.samplesPerPixel)
+    if (one.samples == other.samples && one.samplesPerPixel == other.samplesPerPixel) {
         return 0;
+    }
     const auto a = one.rgba();
     const auto b = other.rgba();
     EXPECT_EQ(a.size(), b.size());
-    if (a.size() != b.size())
+    if (a.size() != b.size()) {
         return 256;
+    }
     int largest = 0;
-    for (std::size_t i = 0; i < a.size(); ++i)
-        if (!visible || a[i | 3] != 0 || b[i | 3] != 0)
+    for (std::size_t i = 0; i < a.size(); ++i) {
+        if (!visible || a[i | 3] != 0 || b[i | 3] != 0) {
             largest = std::max(largest, std::abs(a[i] - b[i]));
+        }
+    }
     return largest;
 }
 
@@ -101,12 +108,14 @@ long mostMemory() {
 
 std::vector<PictureTest::Made> PictureTest::make(const std::vector<std::string>& names) {
     std::string arguments = "make " + folder_.string();
-    for (const std::string& name : names)
+    for (const std::string& name : names) {
         arguments += " " + name;
+    }
     run(arguments);
     std::vector<Made> made;
-    for (const std::string& name : names)
+    for (const std::string& name : names) {
         made.push_back({support::bytesOf(folder_ / name), shownIn(folder_ / (name + ".raw"))});
+    }
     return made;
 }
 
@@ -124,8 +133,9 @@ std::vector<Shown> PictureTest::readBack(const std::vector<NSData*>& files) {
     }
     run(arguments);
     std::vector<Shown> shown;
-    for (const std::string& path : paths)
+    for (const std::string& path : paths) {
         shown.push_back(shownIn(path + ".raw"));
+    }
     return shown;
 }
 

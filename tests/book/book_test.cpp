@@ -51,8 +51,9 @@ class BookTest : public Scratch {
     }
     std::vector<std::string> search(const std::string& name) {
         std::vector<std::string> names;
-        for (const auto& place : book_->search(query(kFirst, Comparison::equal, name), kNow))
+        for (const auto& place : book_->search(query(kFirst, Comparison::equal, name), kNow)) {
             names.push_back(first(place.record ? place.record : book_->at(place.row)));
+        }
         return names;
     }
 

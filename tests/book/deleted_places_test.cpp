@@ -202,8 +202,9 @@ TEST_F(DeletedPlacesTest, AreForgottenAfterAMillionDeletions) {
     removeElsewhere({ann_, crew_});
     ask("UPDATE deleted SET number = number + 1000000 WHERE kind = 1");
     ASSERT_TRUE(others_->findDeleted(people.places[0].row));
-    for (int save = 0; save < 64; ++save) // one of which tidies
+    for (int save = 0; save < 64; ++save) { // one of which tidies
         insertElsewhere(newUid(Kind::person), "Cid");
+    }
     EXPECT_FALSE(others_->findDeleted(people.places[0].row));
     EXPECT_THROW(people[0], StoreError);
     expectDeleted(groups[0], crew_, Kind::group);

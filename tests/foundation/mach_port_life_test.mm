@@ -103,8 +103,9 @@ TEST_F(PortTest, AnotherThreadMayInvalidateAndTheLoopLetsGo) {
         [loop() addPort:probe forMode:kPortsOnly];
         std::thread([=] {
             NSAutoreleasePool* pool = [[NSAutoreleasePool alloc] init];
-            for (int message = 0; message < pending; ++message)
+            for (int message = 0; message < pending; ++message) {
                 send(probe);
+            }
             [probe invalidate];
             [probe release];
             [pool release];
@@ -124,8 +125,9 @@ TEST_F(PortTest, InvalidatingWhileOthersSendIsSafe) {
         [loop() addPort:port forMode:kPortsOnly];
         std::thread sender([port] {
             NSAutoreleasePool* pool = [[NSAutoreleasePool alloc] init];
-            while (send(port))
+            while (send(port)) {
                 std::this_thread::yield();
+            }
             [pool release];
         });
         const int before = delegate_->messages;

@@ -13,14 +13,16 @@ namespace {
 // Runs [work] in [threads] threads at once and waits for them.
 void inThreads(int threads, const std::function<void(int)>& work) {
     std::vector<std::thread> all;
-    for (int thread = 0; thread < threads; ++thread)
+    for (int thread = 0; thread < threads; ++thread) {
         all.emplace_back([=] {
             NSAutoreleasePool* pool = [[NSAutoreleasePool alloc] init];
             work(thread);
             [pool release];
         });
-    for (std::thread& thread : all)
+    }
+    for (std::thread& thread : all) {
         thread.join();
+    }
 }
 
 TEST_F(PortTest, IsAPortThatSaysWhoItsDelegateIs) {
@@ -64,8 +66,9 @@ TEST_F(PortTest, EachMessageOfABurstArrivesOnceWhileTheLoopRuns) {
     [loop() addPort:port_ forMode:commonModes()];
     std::thread senders([&] {
         inThreads(4, [&](int) {
-            for (int message = 0; message < 1000; ++message)
+            for (int message = 0; message < 1000; ++message) {
                 EXPECT_TRUE(send());
+            }
         });
     });
     expectMessages(4000);
@@ -75,8 +78,9 @@ TEST_F(PortTest, EachMessageOfABurstArrivesOnceWhileTheLoopRuns) {
 TEST_F(PortTest, ABurstToALoopThatDoesNotRunBlocksNobody) {
     [loop() addPort:port_ forMode:commonModes()];
     inThreads(4, [&](int) {
-        for (int message = 0; message < 1000; ++message)
+        for (int message = 0; message < 1000; ++message) {
             EXPECT_TRUE(send());
+        }
     });
     EXPECT_EQ(delegate_->messages, 0);
     expectMessages(4000);
@@ -91,8 +95,9 @@ TEST_F(PortTest, AQueueBehindItIsDrainedInOrder) {
     std::function<void()> drain = [&] {
         for (;;) {
             [lock lock];
-            if (queue.empty())
+            if (queue.empty()) {
                 break;
+            }
             seen.push_back(queue.front());
             queue.erase(queue.begin());
             [lock unlock];
@@ -115,8 +120,9 @@ TEST_F(PortTest, AQueueBehindItIsDrainedInOrder) {
     onEachMessage(delegate_, nullptr);
     ASSERT_EQ(seen.size(), 3000U);
     std::vector<int> next(3);
-    for (const auto& [thread, number] : seen)
+    for (const auto& [thread, number] : seen) {
         EXPECT_EQ(number, next[thread]++);
+    }
 }
 
 TEST_F(PortTest, MessagesSentWhileOneIsHandledArriveAfterIt) {
@@ -124,8 +130,9 @@ TEST_F(PortTest, MessagesSentWhileOneIsHandledArriveAfterIt) {
     int depth = 0;
     std::function<void()> sendMore = [&] {
         EXPECT_EQ(depth++, 0);
-        if (delegate_->messages < 10)
+        if (delegate_->messages < 10) {
             send();
+        }
         --depth;
     };
     onEachMessage(delegate_, &sendMore);
@@ -136,8 +143,9 @@ TEST_F(PortTest, MessagesSentWhileOneIsHandledArriveAfterIt) {
 TEST_F(PortTest, ADelegateMayRunTheLoopItself) {
     [loop() addPort:port_ forMode:commonModes()];
     std::function<void()> nest = [&] {
-        if (delegate_->messages == 1)
+        if (delegate_->messages == 1) {
             runUntil([&] { return delegate_->messages == 3; });
+        }
     };
     onEachMessage(delegate_, &nest);
     send();
@@ -191,8 +199,9 @@ TEST_F(PortTest, CommonModesAreTheDefaultModeAndThoseOfPanelsAndTracking) {
         }
         [loop() removePort:port_ forMode:common];
         send();
-        for (NSString* mode : modes)
+        for (NSString* mode : modes) {
             [loop() runMode:mode beforeDate:[NSDate date]];
+        }
         EXPECT_EQ(delegate_->messages, messages);
         [loop() addPort:port_ forMode:common]; // the message has waited
         expectMessages(++messages);
@@ -253,12 +262,14 @@ TEST_F(PortTest, TwoThreadsAnswerEachOther) {
         [echo release];
         [pool release];
     });
-    while (!ready)
+    while (!ready) {
         std::this_thread::yield();
+    }
     [loop() addPort:port_ forMode:commonModes()];
     std::function<void()> again = [&] {
-        if (delegate_->messages < 1000)
+        if (delegate_->messages < 1000) {
             send(there);
+        }
     };
     onEachMessage(delegate_, &again);
     send(there);

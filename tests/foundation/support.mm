@@ -3,8 +3,9 @@
 @implementation CountingDelegate
 
 - (id)init {
-    if ((self = [super init]) != nil)
+    if ((self = [super init]) != nil) {
         thread = [NSThread currentThread];
+    }
     return self;
 }
 
@@ -12,8 +13,9 @@
     ++messages;
     onOtherThread = onOtherThread || [NSThread currentThread] != thread;
     withHeader = withHeader || message != nullptr;
-    if (then != nullptr)
+    if (then != nullptr) {
         (*static_cast<std::function<void()>*>(then))();
+    }
 }
 
 @end

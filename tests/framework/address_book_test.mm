@@ -20,11 +20,12 @@ using addressbook::Kind;
 
 @implementation SaveListener
 - (id)init {
-    if ((self = [super init]) != nil)
+    if ((self = [super init]) != nil) {
         [[NSNotificationCenter defaultCenter] addObserver:self
                                                  selector:@selector(saved:)
                                                      name:kABDatabaseChangedNotification
                                                    object:nil];
+    }
     return self;
 }
 - (void)dealloc {
@@ -46,16 +47,19 @@ namespace {
 class AsNobody {
   public:
     explicit AsNobody(const std::vector<std::filesystem::path>& files) {
-        if (::geteuid() != 0)
+        if (::geteuid() != 0) {
             return;
-        for (const auto& file : files)
+        }
+        for (const auto& file : files) {
             EXPECT_EQ(::chown(file.c_str(), kNobody, kNobody), 0);
+        }
         EXPECT_EQ(::setresuid(kNobody, kNobody, 0), 0);
         changed_ = true;
     }
     ~AsNobody() {
-        if (changed_ && ::setresuid(0, 0, 0) != 0)
+        if (changed_ && ::setresuid(0, 0, 0) != 0) {
             std::abort();
+        }
     }
     AsNobody(const AsNobody&) = delete;
     AsNobody& operator=(const AsNobody&) = delete;
@@ -186,8 +190,9 @@ TEST_F(SharedAddressBookTest, ARemovalCanBeTakenBack) {
 }
 
 TEST_F(SharedAddressBookTest, ListsRecordsInTheOrderOfAdding) {
-    for (NSString* name : {@"c", @"a", @"b"})
+    for (NSString* name : {@"c", @"a", @"b"}) {
         person(name, @"X");
+    }
     ASSERT_TRUE([book() save]);
     [[[book() people] objectAtIndex:0] setValue:@"C" forProperty:kABFirstNameProperty];
     person(@"0", @"X");

@@ -18,8 +18,9 @@ class CInterfaceTest : public AddressBookTest {
         ASSERT_NE(shared_, nullptr);
     }
     void TearDown() override {
-        for (CFTypeRef object : owned_)
+        for (CFTypeRef object : owned_) {
             CFRelease(object);
+        }
         ABSetMe(shared_, nullptr);
         ABGetMe(shared_); // lets go of the one before
         AddressBookTest::TearDown();
@@ -280,8 +281,9 @@ TEST_F(CInterfaceTest, NothingIsLeftOver) {
     newPerson(@"Ann");
     newGroup(@"Friends");
     ASSERT_TRUE(ABSave(shared_));
-    for (CFTypeRef object : owned_) // a record that lives keeps the list that was read last
+    for (CFTypeRef object : owned_) { // a record that lives keeps the list that was read last
         CFRelease(object);
+    }
     owned_.clear();
     GSDebugAllocationActive(YES);
     Class const classes[] = {[ABPerson class],
@@ -290,8 +292,9 @@ TEST_F(CInterfaceTest, NothingIsLeftOver) {
                              [ABSearchElement class],
                              [ABMutableMultiValue class]};
     std::vector<int> before;
-    for (Class each : classes)
+    for (Class each : classes) {
         before.push_back(GSDebugAllocationCount(each));
+    }
     for (int round = 0; round < 10; ++round) {
         CFArrayRef people = ABCopyArrayOfAllPeople(shared_);
         auto ann = (ABPersonRef)CFArrayGetValueAtIndex(people, 0);
@@ -322,8 +325,9 @@ TEST_F(CInterfaceTest, NothingIsLeftOver) {
         CFRelease(people);
         ABSave(shared_);
     }
-    for (std::size_t i = 0; i < std::size(classes); ++i)
+    for (std::size_t i = 0; i < std::size(classes); ++i) {
         EXPECT_EQ(GSDebugAllocationCount(classes[i]), before[i]) << text(NSStringFromClass(classes[i]));
+    }
     GSDebugAllocationActive(NO);
 }
 

@@ -11,16 +11,18 @@
 OtherProcess::OtherProcess() {
     int in[2];
     int out[2];
-    if (::pipe2(in, O_CLOEXEC) != 0 || ::pipe2(out, O_CLOEXEC) != 0)
+    if (::pipe2(in, O_CLOEXEC) != 0 || ::pipe2(out, O_CLOEXEC) != 0) {
         throw std::runtime_error("no pipe");
+    }
     posix_spawn_file_actions_t actions;
     posix_spawn_file_actions_init(&actions);
     posix_spawn_file_actions_adddup2(&actions, in[0], STDIN_FILENO);
     posix_spawn_file_actions_adddup2(&actions, out[1], STDOUT_FILENO);
     std::string program = OTHER_PROCESS;
     char* arguments[] = {program.data(), nullptr};
-    if (::posix_spawn(&process_, program.c_str(), &actions, nullptr, arguments, environ) != 0)
+    if (::posix_spawn(&process_, program.c_str(), &actions, nullptr, arguments, environ) != 0) {
         throw std::runtime_error("no process");
+    }
     posix_spawn_file_actions_destroy(&actions);
     ::close(in[0]);
     ::close(out[1]);
@@ -87,10 +89,12 @@ std::string OtherProcess::operator()(const std::string& order) {
     std::string told;
     const auto tell = [&](const char* mark, NSString* key) {
         NSArray* uids = [[notification userInfo] objectForKey:key];
-        if (uids != nil && [uids count] == 0)
+        if (uids != nil && [uids count] == 0) {
             told += " an empty list";
-        for (NSUInteger i = 0; i < [uids count]; ++i)
+        }
+        for (NSUInteger i = 0; i < [uids count]; ++i) {
             told += mark + text([uids objectAtIndex:i]);
+        }
     };
     tell("+", kABInsertedRecords);
     tell("~", kABUpdatedRecords);
@@ -103,8 +107,9 @@ std::string OtherProcess::operator()(const std::string& order) {
         _sender = [notification object];
         _onThisThread = _onThisThread || [NSThread currentThread] == _home;
     }
-    if (raises)
+    if (raises) {
         [NSException raise:NSGenericException format:@"An observer's mistake"];
+    }
 }
 
 - (void)raise {
@@ -127,8 +132,9 @@ std::string OtherProcess::operator()(const std::string& order) {
     while (std::chrono::steady_clock::now() < end) {
         {
             const std::lock_guard<std::mutex> guard(*_lock);
-            if (_told->size() >= count)
+            if (_told->size() >= count) {
                 return true;
+            }
         }
         std::this_thread::sleep_for(std::chrono::milliseconds(1));
     }

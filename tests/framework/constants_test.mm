@@ -64,11 +64,13 @@ TEST(ConstantsTest, PropertiesAgreeWithTheStore) {
 
 TEST(ConstantsTest, LabelsOfListsAreTheGenericOnes) {
     for (NSString* label : {kABEmailHomeLabel, kABAddressHomeLabel, kABPhoneHomeLabel, kABAIMHomeLabel,
-                            kABJabberHomeLabel, kABMSNHomeLabel, kABYahooHomeLabel, kABICQHomeLabel})
+                            kABJabberHomeLabel, kABMSNHomeLabel, kABYahooHomeLabel, kABICQHomeLabel}) {
         EXPECT_TRUE([label isEqual:kABHomeLabel]);
+    }
     for (NSString* label : {kABEmailWorkLabel, kABAddressWorkLabel, kABPhoneWorkLabel, kABAIMWorkLabel,
-                            kABJabberWorkLabel, kABMSNWorkLabel, kABYahooWorkLabel, kABICQWorkLabel})
+                            kABJabberWorkLabel, kABMSNWorkLabel, kABYahooWorkLabel, kABICQWorkLabel}) {
         EXPECT_TRUE([label isEqual:kABWorkLabel]);
+    }
     EXPECT_EQ(text(kABHomeLabel), "_$!<Home>!$_");
     EXPECT_EQ(text(kABPhoneWorkFAXLabel), "_$!<WorkFAX>!$_");
     EXPECT_EQ(text(kABHomePageLabel), "_$!<HomePage>!$_");
@@ -94,15 +96,17 @@ TEST(ConstantsTest, FieldsAndServicesAreThoseThatVCardsAreReadInto) {
     EXPECT_EQ(text(kABSocialProfileUserIdentifierKey), vcard::kSocialProfileIdentifier);
     EXPECT_EQ(text(kABSocialProfileServiceKey), vcard::kSocialProfileService);
     std::set<std::string> services;
-    for (const auto& row : vcard::messagingServices())
+    for (const auto& row : vcard::messagingServices()) {
         services.emplace(row.name);
+    }
     std::set<std::string> constants;
     for (NSString* service :
          {kABInstantMessageServiceAIM, kABInstantMessageServiceFacebook, kABInstantMessageServiceGaduGadu,
           kABInstantMessageServiceGoogleTalk, kABInstantMessageServiceICQ, kABInstantMessageServiceJabber,
           kABInstantMessageServiceMSN, kABInstantMessageServiceQQ, kABInstantMessageServiceSkype,
-          kABInstantMessageServiceYahoo})
+          kABInstantMessageServiceYahoo}) {
         constants.insert(text(service));
+    }
     EXPECT_EQ(constants, services);
     EXPECT_EQ(text(kABSocialProfileServiceSinaWeibo), "sinaweibo");
 }

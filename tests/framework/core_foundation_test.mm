@@ -9,8 +9,9 @@ namespace {
 class CoreFoundationTest : public testing::Test {
   protected:
     void TearDown() override {
-        for (CFTypeRef object : owned_)
+        for (CFTypeRef object : owned_) {
             CFRelease(object);
+        }
     }
     template <typename Ref>
     Ref own(Ref object) {
@@ -77,8 +78,9 @@ TEST_F(CoreFoundationTest, ArraysAndDictionariesKeepObjects) {
     EXPECT_TRUE(raised([&] { CFArrayCreate(nullptr, values, 2, nullptr); }));
 
     CFMutableArrayRef list = own(CFArrayCreateMutable(nullptr, 0, &kCFTypeArrayCallBacks));
-    for (CFStringRef word : {CFSTR("x"), CFSTR("b"), CFSTR("c"), CFSTR("d")})
+    for (CFStringRef word : {CFSTR("x"), CFSTR("b"), CFSTR("c"), CFSTR("d")}) {
         CFArrayAppendValue(list, word);
+    }
     CFArraySortValues(list, CFRangeMake(1, 3), backwards, nullptr);
     CFArrayRemoveValueAtIndex(list, 3);
     EXPECT_EQ(text([(NSArray*)list componentsJoinedByString:@","]), "x,d,c");

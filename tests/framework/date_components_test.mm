@@ -6,8 +6,9 @@ class DateComponentsTest : public AddressBookTest {
   protected:
     static NSDateComponents* day(NSInteger year, NSInteger month, NSInteger day) {
         NSDateComponents* parts = [[[NSDateComponents alloc] init] autorelease];
-        if (year != 0)
+        if (year != 0) {
             [parts setYear:year];
+        }
         [parts setMonth:month];
         [parts setDay:day];
         return parts;
@@ -19,8 +20,9 @@ class DateComponentsTest : public AddressBookTest {
         return text([date descriptionWithCalendarFormat:@"%Y-%m-%d %H:%M" timeZone:nil locale:nil]);
     }
     static std::string words(NSDateComponents* parts) {
-        if (parts == nil)
+        if (parts == nil) {
             return "nil";
+        }
         const auto number = [](NSInteger value) {
             return value == NSIntegerMax ? std::string("none") : std::to_string(value);
         };
@@ -117,8 +119,9 @@ TEST_F(DateComponentsTest, TheAlternateBirthdayKeepsItsCalendar) {
     ASSERT_TRUE([one setValue:parts forProperty:kABAlternateBirthdayComponentsProperty]);
     NSString* uid = [one uniqueId];
     for (const bool fromDisk : {false, true}) {
-        if (fromDisk)
+        if (fromDisk) {
             reopen();
+        }
         NSDateComponents* read =
             [[book() recordForUniqueId:uid] valueForProperty:kABAlternateBirthdayComponentsProperty];
         EXPECT_EQ(words(read), "36 5 15");
@@ -141,8 +144,9 @@ TEST_F(DateComponentsTest, AreSearchedByTheDay) {
     using Names = std::vector<std::string>;
     NSString* const birthday = kABBirthdayComponentsProperty;
     for (const bool fromDisk : {false, true}) {
-        if (fromDisk)
+        if (fromDisk) {
             reopen();
+        }
         EXPECT_EQ(found(birthday, day(1980, 3, 22), kABEqual), (Names{"Ann", "Bob"}));
         EXPECT_EQ(found(birthday, day(0, 3, 22), kABEqual), Names{"Dan"});
         EXPECT_EQ(found(birthday, day(1980, 3, 22), kABNotEqual), (Names{"Cid", "Dan", "Eve"}));

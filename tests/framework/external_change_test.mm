@@ -127,8 +127,9 @@ TEST_F(ExternalChangeTest, ABurstIsToldInOrder) {
     }
     other(order);
     Told expected;
-    for (std::size_t i = 1; i <= 1000; ++i)
+    for (std::size_t i = 1; i <= 1000; ++i) {
         expected.push_back("~" + uids[i % uids.size()]);
+    }
     EXPECT_EQ([listener_ wait:1000], expected);
     EXPECT_EQ(first(record(uids[1000 % 7])), "1000");
 }
@@ -270,8 +271,9 @@ TEST_F(ExternalChangeTest, DeletesAMemberChosenHere) {
     const std::string ann = stranger("Ann");
     const std::string bob = stranger("Bob");
     ABGroup* friends = group(@"Friends");
-    for (const std::string& uid : {ann, bob})
+    for (const std::string& uid : {ann, bob}) {
         ASSERT_TRUE([friends addMember:(ABPerson*)record(uid)]);
+    }
     other("delete " + ann);
     EXPECT_THAT([listener_ wait:1], ElementsAre("-" + ann));
     EXPECT_THAT(saveWithError(), AllOf(HasSubstr("deleted by another program"), HasSubstr(ann)));
@@ -375,8 +377,9 @@ TEST_F(ExternalChangeTest, AnotherFileInTheBooksPlace) {
         changes.records.push_back({bob, Kind::person, true, {{"First", "Robert"}}});
         newer.save(changes);
     }
-    for (const char* part : {"", "-wal", "-shm"})
+    for (const char* part : {"", "-wal", "-shm"}) {
         std::filesystem::remove(file.string() + part);
+    }
     std::filesystem::rename(elsewhere / "AddressBook.db", file);
     EXPECT_THAT([listener_ wait:1], ElementsAre("?"));
     EXPECT_EQ(first(held), "Robert");
@@ -416,8 +419,9 @@ class ProcessEndTest : public ExternalChangeTest {
 - (void)changed:(NSNotification*)notification {
     (void)notification;
     __atomic_store_n(&_entered, 1, __ATOMIC_SEQ_CST);
-    if (_exits)
+    if (_exits) {
         std::exit(3);
+    }
     [NSThread sleepForTimeInterval:60];
 }
 @end
@@ -426,8 +430,9 @@ namespace {
 
 // Waits until a bad observer has been told of a save.
 void engage(bool exits) {
-    if ([ABAddressBook sharedAddressBook] == nil)
+    if ([ABAddressBook sharedAddressBook] == nil) {
         std::_Exit(9);
+    }
     BadObserver* observer = [[BadObserver alloc] init];
     observer->_exits = exits;
     [[NSNotificationCenter defaultCenter] addObserver:observer
@@ -436,8 +441,9 @@ void engage(bool exits) {
                                                object:nil];
     OtherProcess other;
     other("insert " + addressbook::newUid(Kind::person) + " Ann");
-    while (__atomic_load_n(&observer->_entered, __ATOMIC_SEQ_CST) == 0 || exits)
+    while (__atomic_load_n(&observer->_entered, __ATOMIC_SEQ_CST) == 0 || exits) {
         ::usleep(1000);
+    }
 }
 
 TEST_F(ProcessEndTest, WithTheWatchAtRest) {

@@ -6,8 +6,9 @@ class GroupTest : public AddressBookTest {
   protected:
     static std::vector<std::string> groupNames(NSArray* groups) {
         std::vector<std::string> names;
-        for (NSUInteger i = 0; i < [groups count]; ++i)
+        for (NSUInteger i = 0; i < [groups count]; ++i) {
             names.push_back(text([[groups objectAtIndex:i] valueForProperty:kABGroupNameProperty]));
+        }
         return names;
     }
     using Names = std::vector<std::string>;

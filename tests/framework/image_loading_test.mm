@@ -16,8 +16,9 @@
 - (void)consumeImageData:(NSData*)data forTag:(NSInteger)tag {
     (*_handed)[tag] = data ? std::string(static_cast<const char*>([data bytes]), [data length]) : "nil";
     _onMainThread = [NSThread isMainThread];
-    if (_raises)
+    if (_raises) {
         [NSException raise:NSGenericException format:@"no pictures, please"];
+    }
 }
 
 @end

@@ -64,8 +64,9 @@ TEST_F(KeyValueTest, RaisesForWhatIsNoKeyOrCannotBeSet) {
 
 TEST_F(KeyValueTest, SortDescriptors) {
     for (const bool fromDisk : {false, true}) {
-        if (fromDisk)
+        if (fromDisk) {
             reopen();
+        }
         NSArray* people = [book() people];
         EXPECT_EQ(names([people sortedArrayUsingDescriptors:by(kABFirstNameProperty, NO)]),
                   (Names{"bob", "Dan", "Cid", "Ann"}));
@@ -85,8 +86,9 @@ TEST_F(KeyValueTest, SortDescriptors) {
 
 TEST_F(KeyValueTest, Predicates) {
     for (const bool fromDisk : {false, true}) {
-        if (fromDisk)
+        if (fromDisk) {
             reopen();
+        }
         EXPECT_EQ(filtered(@"Organization == 'Acme'"), (Names{"Ann", "Dan"}));
         EXPECT_EQ(filtered(@"First BEGINSWITH[c] 'B' OR Last == 'Moss'"), (Names{"bob", "Cid"}));
         EXPECT_EQ(filtered(@"Last == nil"), Names{"Dan"});

@@ -124,15 +124,17 @@ TEST(MultiValueTest, KeepsWhatItWasGivenEvenWhenTheGiverChangesIt) {
 
 TEST(MultiValueTest, IsWalkedValueByValue) {
     ABMutableMultiValue* list = [[[ABMutableMultiValue alloc] init] autorelease];
-    for (int i = 0; i < 40; ++i)
+    for (int i = 0; i < 40; ++i) {
         [list addValue:[NSNumber numberWithInt:i] withLabel:@"n"];
+    }
     NSFastEnumerationState state{};
     id buffer[16];
     int expected = 0;
     const unsigned long* mutations = nullptr;
     while (const NSUInteger given = [list countByEnumeratingWithState:&state objects:buffer count:16]) {
-        for (NSUInteger i = 0; i < given; ++i)
+        for (NSUInteger i = 0; i < given; ++i) {
             EXPECT_EQ([state.itemsPtr[i] intValue], expected++);
+        }
         mutations = state.mutationsPtr;
     }
     EXPECT_EQ(expected, 40);

@@ -100,8 +100,9 @@ TEST(NaturalDateTest, ReadsWhatPeopleWrite) {
         {"0001-01-01", noon(1, 1, 1)},
         {"9999-12-31", noon(9999, 12, 31)},
     };
-    for (const auto& row : kRows)
+    for (const auto& row : kRows) {
         EXPECT_EQ(parse(row.text), row.time) << row.text;
+    }
 }
 
 TEST(NaturalDateTest, ReadsTheDayFirstWherePeopleWriteItFirst) {
@@ -146,8 +147,9 @@ TEST(NaturalDateTest, RefusesWhatIsNoDate) {
                                       "2010-12-25+01:00",
                                       "25 D\u00e9cembre 2010",
                                       "\xff\xfe"};
-    for (const char* text : kTexts)
+    for (const char* text : kTexts) {
         EXPECT_EQ(parse(text), std::nullopt) << text;
+    }
     EXPECT_EQ(parse(std::string(1000, '1')), std::nullopt);
     EXPECT_EQ(parse(std::string("today\0", 6)), std::nullopt);
 }
@@ -167,10 +169,12 @@ TEST(NaturalDateTest, KeepsTheZoneOfATime) {
 }
 
 TEST(LocaleTest, KnowsWhoWritesTheDayFirst) {
-    for (const char* locale : {"", "C", "POSIX", "en_US", "en_US_POSIX", "en", "ja_JP", "zh_CN", "en_PH"})
+    for (const char* locale : {"", "C", "POSIX", "en_US", "en_US_POSIX", "en", "ja_JP", "zh_CN", "en_PH"}) {
         EXPECT_FALSE(writesDayFirst(locale)) << locale;
-    for (const char* locale : {"de_DE", "en_GB", "fr_FR", "de", "es_US", "sv_SE", "pt_BR"})
+    }
+    for (const char* locale : {"de_DE", "en_GB", "fr_FR", "de", "es_US", "sv_SE", "pt_BR"}) {
         EXPECT_TRUE(writesDayFirst(locale)) << locale;
+    }
 }
 
 TEST(LocaleTest, TakesTheStrongestVariable) {

@@ -20,28 +20,30 @@ void add(ChangeSet& changes, std::istringstream& order) {
     order >> verb >> first >> second >> third;
     const Kind kind = first.ends_with(":ABGroup") ? Kind::group : Kind::person;
     const auto named = kind == Kind::group ? property::kGroupName : property::kFirst;
-    if (verb == "insert")
+    if (verb == "insert") {
         changes.records.push_back({first, kind, true, {{std::string(named), second}}});
-    else if (verb == "update")
+    } else if (verb == "update") {
         changes.records.push_back({first, kind, false, {{second, third}}});
-    else if (verb == "delete")
+    } else if (verb == "delete") {
         changes.removed.push_back(first);
-    else if (verb == "join" || verb == "leave")
+    } else if (verb == "join" || verb == "leave") {
         changes.memberships.push_back({first, second, verb == "join"});
-    else if (verb == "define")
+    } else if (verb == "define") {
         changes.definitions.push_back({Kind::person, first, 1});
-    else if (verb == "me")
+    } else if (verb == "me") {
         changes.me = first;
-    else
+    } else {
         throw std::runtime_error("no such order: " + verb);
+    }
 }
 
 std::int64_t burst(Store& store, std::istringstream& order) {
     int count = 0;
     std::vector<std::string> uids;
     order >> count;
-    for (std::string uid; order >> uid;)
+    for (std::string uid; order >> uid;) {
         uids.push_back(uid);
+    }
     SaveResult result;
     for (int i = 1; i <= count; ++i) {
         ChangeSet changes;

@@ -15,11 +15,13 @@ struct Outcome {
 Outcome run(const std::string& command) {
     Outcome outcome{-1, {}};
     FILE* pipe = ::popen((command + " 2>&1").c_str(), "r");
-    if (pipe == nullptr)
+    if (pipe == nullptr) {
         return outcome;
+    }
     char buffer[4096];
-    for (std::size_t count; (count = std::fread(buffer, 1, sizeof(buffer), pipe)) > 0;)
+    for (std::size_t count; (count = std::fread(buffer, 1, sizeof(buffer), pipe)) > 0;) {
         outcome.output.append(buffer, count);
+    }
     const int status = ::pclose(pipe);
     outcome.status = WIFEXITED(status) ? WEXITSTATUS(status) : -1;
     return outcome;

@@ -100,8 +100,9 @@ TEST_F(RecordListTest, KeepsTheIdAndTheClassOfDeletedRecords) {
 TEST_F(RecordListTest, AnswersADeletedRecordAgainWhenItIsLong) {
     constexpr NSUInteger kPeople = 2000;
     std::string order;
-    for (NSUInteger i = 0; i < kPeople; ++i)
+    for (NSUInteger i = 0; i < kPeople; ++i) {
         order += "insert " + addressbook::newUid(Kind::person) + " Eva;";
+    }
     order.pop_back();
     (*other_)(order);
     NSArray* people = [book() people];

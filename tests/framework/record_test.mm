@@ -14,8 +14,10 @@ class RecordTest : public AddressBookTest {
     }
     // Equal; date components have no equality of their own here.
     static bool alike(id one, id other) {
-        if (![one isKindOfClass:[NSDateComponents class]] || ![other isKindOfClass:[NSDateComponents class]])
+        if (![one isKindOfClass:[NSDateComponents class]] ||
+            ![other isKindOfClass:[NSDateComponents class]]) {
             return [one isEqual:other];
+        }
         return [one year] == [other year] && [one month] == [other month] && [one day] == [other day] &&
                [one hour] == [other hour] && [one minute] == [other minute] && [one second] == [other second];
     }
@@ -61,8 +63,9 @@ TEST_F(RecordTest, KeepsValuesOfEveryType) {
     }
     NSString* uid = [one uniqueId];
     for (const bool fromDisk : {false, true}) {
-        if (fromDisk)
+        if (fromDisk) {
             reopen();
+        }
         ABRecord* same = [book() recordForUniqueId:uid];
         for (const int type : kTypes) {
             id value = [values objectAtIndex:type - 1];

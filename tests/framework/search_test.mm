@@ -50,10 +50,12 @@ class SearchTest : public AddressBookTest {
                                                                    value:value
                                                               comparison:comparison];
             NSArray* people = [book() people];
-            for (NSUInteger i = 0; i < [people count]; ++i)
-                if ([search matchesRecord:[people objectAtIndex:i]])
+            for (NSUInteger i = 0; i < [people count]; ++i) {
+                if ([search matchesRecord:[people objectAtIndex:i]]) {
                     matching.push_back(
                         text([[people objectAtIndex:i] valueForProperty:kABFirstNameProperty]));
+                }
+            }
             EXPECT_EQ(matching, expected)
                 << text(property) << " comparison " << comparison << " record by record";
             ASSERT_TRUE([book() save]);
@@ -185,19 +187,22 @@ TEST_F(SearchTest, SeesUnsavedChanges) {
 
 TEST_F(SearchTest, AnswersEveryComparison) {
     for (int pass = 0; pass < 2; ++pass) {
-        for (int comparison = kABEqual; comparison <= kABNotWithinIntervalFromTodayYearless; ++comparison)
+        for (int comparison = kABEqual; comparison <= kABNotWithinIntervalFromTodayYearless; ++comparison) {
             for (id value : std::vector<id>{@"Smith", @"", number(1), [NSDate date], [NSData data],
-                                            [NSArray array], [NSDictionary dictionary]})
+                                            [NSArray array], [NSDictionary dictionary]}) {
                 for (NSString* property : {kABLastNameProperty, kABPersonFlags, kABBirthdayProperty,
                                            kABPhoneProperty, kABAddressProperty, kABUIDProperty}) {
                     ABSearchElement* search = element(property, value, comparison);
                     NSArray* answer = [book() recordsMatchingSearchElement:search];
                     NSArray* people = [book() people];
-                    for (NSUInteger i = 0; i < [people count]; ++i)
+                    for (NSUInteger i = 0; i < [people count]; ++i) {
                         EXPECT_EQ([search matchesRecord:[people objectAtIndex:i]],
                                   [answer containsObject:[people objectAtIndex:i]])
                             << text(property) << ' ' << comparison << ' ' << text(value);
+                    }
                 }
+            }
+        }
         ASSERT_TRUE([book() save]);
     }
 }

@@ -40,8 +40,9 @@ ABGroup* AddressBookTest::group(NSString* name) {
 
 ABMultiValue* AddressBookTest::list(std::vector<std::pair<NSString*, id>> labelsAndValues) {
     ABMutableMultiValue* list = [[[ABMutableMultiValue alloc] init] autorelease];
-    for (const auto& [label, value] : labelsAndValues)
+    for (const auto& [label, value] : labelsAndValues) {
         EXPECT_NE([list addValue:value withLabel:label], nil);
+    }
     return list;
 }
 
@@ -56,7 +57,8 @@ std::vector<std::string> AddressBookTest::found(NSString* property, id value, AB
 
 std::vector<std::string> AddressBookTest::names(NSArray* people) {
     std::vector<std::string> names;
-    for (NSUInteger i = 0; i < [people count]; ++i)
+    for (NSUInteger i = 0; i < [people count]; ++i) {
         names.push_back(text([[people objectAtIndex:i] valueForProperty:kABFirstNameProperty]));
+    }
     return names;
 }

@@ -11,9 +11,10 @@ class WalkTest : public AddressBookTest {
     // People who are called by their places, saved by another process.
     void fill(int people) {
         addressbook::ChangeSet all;
-        for (int i = 0; i < people; ++i)
+        for (int i = 0; i < people; ++i) {
             all.records.push_back(
                 {addressbook::newUid(Kind::person), Kind::person, true, {{"First", std::to_string(i)}}});
+        }
         store().save(all);
     }
     void saveElsewhere(ABPerson* one, const char* property, addressbook::Value value) {
@@ -39,12 +40,13 @@ TEST_F(WalkTest, LongListsAnswerTheSameRecordsAgain) {
     ASSERT_EQ([people count], static_cast<NSUInteger>(kPeople));
     ABPerson* held = [[people objectAtIndex:3] retain];
     ABPerson* borrowed = [people objectAtIndex:4];
-    for (int twice = 0; twice < 2; ++twice)
+    for (int twice = 0; twice < 2; ++twice) {
         for (int i = 0; i < kPeople; ++i) {
             NSAutoreleasePool* pool = [[NSAutoreleasePool alloc] init];
             EXPECT_EQ(firstOf(people, i), std::to_string(i));
             [pool release];
         }
+    }
     EXPECT_EQ([people objectAtIndex:3], held);
     EXPECT_EQ(firstOf(people, kPeople - 1), "2499");
     EXPECT_EQ(firstOf(people, 0), "0");

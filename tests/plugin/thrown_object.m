@@ -4,7 +4,7 @@
 #import <Foundation/Foundation.h>
 
 void throwObject(void* object) {
-    @throw(id) object;
+    @throw (id)object;
 }
 
 void* objectThrownBy(void (*work)(void* context), void* context) {

@@ -19,12 +19,15 @@ struct StandIn {
     void note(const std::string& line) { record << line << std::endl; }
 
     int answer(sd_bus_message* call, sd_bus_error* error) const {
-        if (way == "ends")
+        if (way == "ends") {
             std::_Exit(0);
-        if (way == "silent")
+        }
+        if (way == "silent") {
             return 1;
-        if (way == "refuses")
+        }
+        if (way == "refuses") {
             return sd_bus_error_set(error, "org.example.Error.Refused", "there is nobody to show");
+        }
         return sd_bus_reply_method_return(call, "");
     }
 };
@@ -40,10 +43,11 @@ int onActivateAction(sd_bus_message* call, void* data, sd_bus_error* error) {
     const char* action = nullptr;
     const char* parameter = nullptr;
     if (sd_bus_message_read(call, "s", &action) < 0 || sd_bus_message_enter_container(call, 'a', "v") < 0 ||
-        sd_bus_message_read(call, "v", "s", &parameter) < 0)
+        sd_bus_message_read(call, "v", "s", &parameter) < 0) {
         standIn->note("not understood");
-    else
+    } else {
         standIn->note(std::string(action) + " " + parameter);
+    }
     return standIn->answer(call, error);
 }
 
@@ -56,8 +60,9 @@ const sd_bus_vtable kInterface[] = {
 
 std::string objectPath(const std::string& name) {
     std::string path = "/";
-    for (const char letter : name)
+    for (const char letter : name) {
         path += letter == '.' ? '/' : letter == '-' ? '_' : letter;
+    }
     return path;
 }
 
@@ -69,31 +74,38 @@ int fail(const char* what) {
 } // namespace
 
 int main(int count, char** arguments) {
-    if (count != 4)
+    if (count != 4) {
         return fail("NAME RECORD WAY");
+    }
     StandIn standIn{std::ofstream(arguments[2], std::ios::app), arguments[3]};
     standIn.note("started");
     sd_bus* bus = nullptr;
-    if (sd_bus_open_user(&bus) < 0)
+    if (sd_bus_open_user(&bus) < 0) {
         return fail("no bus");
+    }
     if (sd_bus_add_object_vtable(bus, nullptr, objectPath(arguments[1]).c_str(),
-                                 "org.freedesktop.Application", kInterface, &standIn) < 0)
+                                 "org.freedesktop.Application", kInterface, &standIn) < 0) {
         return fail("no object");
-    if (sd_bus_request_name(bus, arguments[1], 0) < 0)
+    }
+    if (sd_bus_request_name(bus, arguments[1], 0) < 0) {
         return fail("no name");
+    }
     std::puts("ready");
     std::fflush(stdout);
     for (;;) {
         const int worked = sd_bus_process(bus, nullptr);
-        if (worked < 0)
+        if (worked < 0) {
             break;
-        if (worked > 0)
+        }
+        if (worked > 0) {
             continue;
+        }
         pollfd inputs[] = {{.fd = STDIN_FILENO, .events = POLLIN, .revents = 0},
                            {.fd = sd_bus_get_fd(bus), .events = POLLIN, .revents = 0}};
         inputs[1].events = static_cast<short>(sd_bus_get_events(bus));
-        if (::poll(inputs, 2, -1) > 0 && inputs[0].revents != 0)
+        if (::poll(inputs, 2, -1) > 0 && inputs[0].revents != 0) {
             break;
+        }
     }
     sd_bus_flush_close_unref(bus);
     return 0;

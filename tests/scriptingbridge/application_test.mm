@@ -38,8 +38,9 @@ TEST_F(ScriptingBridgeTest, RunsFromWhenItOwnsItsNameUntilItEnds) {
     startApplication();
     EXPECT_TRUE([book isRunning]);
     stopApplication();
-    for (int i = 0; i < 100 && [book isRunning]; ++i)
+    for (int i = 0; i < 100 && [book isRunning]; ++i) {
         ::usleep(10000);
+    }
     EXPECT_FALSE([book isRunning]);
 }
 

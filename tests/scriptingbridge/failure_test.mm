@@ -32,10 +32,11 @@ class Stopwatch {
 
 TEST_F(ScriptingBridgeTest, WithoutABusNothingRuns) {
     for (const char* address : {"", "unix:path=/nonexistent/bus", "unix:path=", "nonsense", "autolaunch:"}) {
-        if (*address == '\0')
+        if (*address == '\0') {
             ::unsetenv("DBUS_SESSION_BUS_ADDRESS");
-        else
+        } else {
             ::setenv("DBUS_SESSION_BUS_ADDRESS", address, 1);
+        }
         const Stopwatch watch;
         EXPECT_FALSE([application() isRunning]) << address;
         EXPECT_THAT(select(application(), @"a"), HasSubstr("session bus cannot be reached")) << address;
@@ -135,23 +136,27 @@ class OtherListener {
         std::strncpy(address.sun_path, path.c_str(), sizeof address.sun_path - 1);
         socket_ = ::socket(AF_UNIX, SOCK_STREAM | SOCK_CLOEXEC, 0);
         if (::bind(socket_, reinterpret_cast<sockaddr*>(&address), sizeof address) != 0 ||
-            ::listen(socket_, 5) != 0)
+            ::listen(socket_, 5) != 0) {
             ADD_FAILURE() << "no socket";
+        }
         ::setenv("DBUS_SESSION_BUS_ADDRESS", ("unix:path=" + path.string()).c_str(), 1);
-        if (!says.empty())
+        if (!says.empty()) {
             thread_ = std::thread([this] { hangUp(); });
+        }
     }
     ~OtherListener() {
         ::shutdown(socket_, SHUT_RDWR);
-        if (thread_.joinable())
+        if (thread_.joinable()) {
             thread_.join();
+        }
         ::close(socket_);
     }
 
   private:
     void hangUp() {
-        for (int peer = 0; (peer = ::accept4(socket_, nullptr, nullptr, SOCK_CLOEXEC)) >= 0; ::close(peer))
+        for (int peer = 0; (peer = ::accept4(socket_, nullptr, nullptr, SOCK_CLOEXEC)) >= 0; ::close(peer)) {
             (void)!::write(peer, says_.data(), says_.size());
+        }
     }
 
     std::string says_;

@@ -11,11 +11,13 @@
 Child::Child(const std::vector<std::string>& command) {
     int in[2];
     int out[2];
-    if (::pipe2(in, O_CLOEXEC) != 0 || ::pipe2(out, O_CLOEXEC) != 0)
+    if (::pipe2(in, O_CLOEXEC) != 0 || ::pipe2(out, O_CLOEXEC) != 0) {
         throw std::runtime_error("no pipes");
+    }
     std::vector<char*> arguments;
-    for (const std::string& argument : command)
+    for (const std::string& argument : command) {
         arguments.push_back(const_cast<char*>(argument.c_str()));
+    }
     arguments.push_back(nullptr);
     process_ = ::fork();
     if (process_ == 0) {
@@ -32,14 +34,16 @@ Child::Child(const std::vector<std::string>& command) {
 
 std::string Child::line() {
     std::string line;
-    for (char letter = 0; ::read(output_, &letter, 1) == 1 && letter != '\n';)
+    for (char letter = 0; ::read(output_, &letter, 1) == 1 && letter != '\n';) {
         line += letter;
+    }
     return line;
 }
 
 void Child::end() {
-    if (process_ < 0)
+    if (process_ < 0) {
         return;
+    }
     ::close(input_);
     ::waitpid(process_, nullptr, 0);
     ::close(output_);
@@ -70,8 +74,9 @@ TestBus::TestBus(const std::filesystem::path& folder, const std::string& activat
                  const std::filesystem::path& record)
     : child_(command(folder, activatable, record)) {
     const std::string address = child_.line();
-    if (address.empty())
+    if (address.empty()) {
         throw std::runtime_error("dbus-run-session starts no bus");
+    }
     ::setenv("DBUS_SESSION_BUS_ADDRESS", address.c_str(), 1);
 }
 
@@ -91,8 +96,9 @@ pid_t TestBus::process() {
     if (sd_bus_open_user(&bus) < 0 ||
         sd_bus_call_method(bus, "org.freedesktop.DBus", "/org/freedesktop/DBus", "org.freedesktop.DBus",
                            "GetConnectionUnixProcessID", nullptr, &answer, "s", "org.freedesktop.DBus") < 0 ||
-        sd_bus_message_read(answer, "u", &process) < 0)
+        sd_bus_message_read(answer, "u", &process) < 0) {
         throw std::runtime_error("the bus does not tell its process");
+    }
     sd_bus_message_unref(answer);
     sd_bus_flush_close_unref(bus);
     return static_cast<pid_t>(process);

@@ -26,7 +26,9 @@ struct Argument<Type&> {
     template <>                                                                                              \
     struct Argument<name&> {                                                                                 \
         name##UniquePtr object;                                                                              \
-        name& get() { return *object; }                                                                      \
+        name& get() {                                                                                        \
+            return *object;                                                                                  \
+        }                                                                                                    \
     };                                                                                                       \
     template <>                                                                                              \
     struct Argument<const name&> : Argument<name&> {};
@@ -53,7 +55,7 @@ struct WithoutObject {
     }
 };
 template <class Object, class... Arguments>
-requires std::is_same_v<Object, S> || std::is_same_v<Object, C>
+    requires std::is_same_v<Object, S> || std::is_same_v<Object, C>
 struct WithoutObject<void(Object, Arguments...)> {
     template <class Function>
     static int32 code(Function function) {

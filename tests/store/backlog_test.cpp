@@ -70,8 +70,9 @@ TEST_F(BacklogTest, OneSaveInManyWritesTheIndexes) {
 TEST_F(BacklogTest, TheTextIndexStaysInFewPieces) {
     const std::string uid = addPerson(store, {{"Note", text("note 0")}});
     constexpr int kPieces = 15; // at 16 SQLite makes them one by itself
-    for (int i = 1; i <= kPieces * kSavesInBacklog; ++i)
+    for (int i = 1; i <= kPieces * kSavesInBacklog; ++i) {
         saveRecords(store, {updated(uid, {{"Note", text("note " + std::to_string(i))}})}, i);
+    }
     EXPECT_LE(ask("SELECT count(DISTINCT segid) FROM trigram_idx"), 4);
     EXPECT_THAT(store.check(), IsEmpty());
 }
@@ -117,13 +118,15 @@ TEST_F(BacklogTest, ALargeTextIsIndexedAtOnce) {
 TEST_F(BacklogTest, ManyRecordsInOneSaveAreIndexedAtOnce) {
     std::vector<RecordChange> records;
     records.reserve(9);
-    for (int i = 0; i < 9; ++i)
+    for (int i = 0; i < 9; ++i) {
         records.push_back(inserted(newUid(Kind::person), {{"First", text("Ada")}}));
+    }
     saveRecords(store, records);
     EXPECT_EQ(waiting(), 0);
     EXPECT_EQ(indexed("Ada"), 9);
-    for (RecordChange& record : records)
+    for (RecordChange& record : records) {
         record = updated(record.uid, {{"First", text("Ida")}});
+    }
     saveRecords(store, {updated(records[0].uid, {{"First", text("Eve")}})}, 2); // waits
     saveRecords(store, records, 3);
     EXPECT_EQ(waiting(), 0);
@@ -151,8 +154,9 @@ TEST_F(BacklogTest, TheLogOfChangesStaysShort) {
     sqlite3_exec(database, "UPDATE sqlite_sequence SET seq = 10100 WHERE name = 'change'", nullptr, nullptr,
                  nullptr);
     sqlite3_close(database);
-    for (int i = 0; i < 64; ++i)
+    for (int i = 0; i < 64; ++i) {
         saveRecords(store, {updated(uid, {{"First", text(std::to_string(i))}})}, i + 2);
+    }
     EXPECT_EQ(ask("SELECT min(id) FROM change"), 10101);
     EXPECT_THAT(store.check(), IsEmpty());
 }

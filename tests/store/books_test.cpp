@@ -43,18 +43,21 @@ std::string textOf(const Value& value) {
         out << bytes->size() << " bytes";
     } else if (const auto* array = value.as<Array>()) {
         out << '[';
-        for (const Value& item : *array)
+        for (const Value& item : *array) {
             out << textOf(item) << ',';
+        }
         out << ']';
     } else if (const auto* fields = value.as<Dictionary>()) {
         out << '{';
-        for (const auto& [key, field] : *fields)
+        for (const auto& [key, field] : *fields) {
             out << key << '=' << textOf(field) << ',';
+        }
         out << '}';
     } else if (const auto* list = value.as<MultiValue>()) {
-        for (const Entry& entry : list->entries)
+        for (const Entry& entry : list->entries) {
             out << '(' << entry.label << ' ' << textOf(entry.value)
                 << (entry.identifier == list->primary ? " primary)" : ")");
+        }
     }
     return out.str();
 }
@@ -64,13 +67,16 @@ std::string contentsOf(const Store& store) {
     std::ostringstream out;
     for (const std::string& uid : {kIda, kBakery}) {
         const auto record = store.find(uid);
-        if (!record)
+        if (!record) {
             return "no record " + uid;
+        }
         auto values = store.values(record->row);
         values[std::string(property::kImage)] = store.value(record->row, property::kImage);
-        for (const auto& [name, value] : values)
-            if (!value.empty() && name != property::kCreation && name != property::kModification)
+        for (const auto& [name, value] : values) {
+            if (!value.empty() && name != property::kCreation && name != property::kModification) {
                 out << uid.substr(35, 1) << ' ' << name << ' ' << textOf(value) << '\n';
+            }
+        }
     }
     return out.str();
 }
@@ -100,7 +106,9 @@ class BooksTest : public Scratch, public testing::WithParamInterface<int> {
 
 TEST_P(BooksTest, IsOfItsVersionAndIsBroughtUpToDate) {
     EXPECT_EQ(version(), GetParam());
-    { const Store store(folder()); }
+    {
+        const Store store(folder());
+    }
     EXPECT_EQ(version(), static_cast<int>(kSchemaVersion));
 }
 
@@ -111,8 +119,9 @@ TEST_P(BooksTest, SaysWhatItAlwaysSaid) {
     EXPECT_EQ(store.count(Kind::person), 3);
     EXPECT_EQ(store.count(Kind::group), 3);
     std::vector<std::string> members;
-    for (const RowId row : store.members(store.find(kEveryone)->row))
+    for (const RowId row : store.members(store.find(kEveryone)->row)) {
         members.push_back(store.find(row)->uid);
+    }
     EXPECT_THAT(members, ElementsAre(kIda, kBakery, kEveryTypeUid));
 }
 
@@ -121,14 +130,16 @@ TEST_P(BooksTest, KeepsValuesOfEveryType) {
     const auto record = store.find(kEveryTypeUid);
     ASSERT_TRUE(record);
     auto values = store.values(record->row);
-    for (const auto& [name, value] : everyTypeValues())
+    for (const auto& [name, value] : everyTypeValues()) {
         EXPECT_EQ(values[name], value) << name;
+    }
     EXPECT_TRUE(std::signbit(*values["aReal"].as<double>()));
     EXPECT_EQ(values[std::string(property::kCreation)], Value(Date{600'000'000}));
     EXPECT_EQ(values[std::string(property::kModification)], Value(Date{700'000'000}));
     std::map<std::string, int> types;
-    for (const PropertyDefinition& definition : store.definitions())
+    for (const PropertyDefinition& definition : store.definitions()) {
         types[definition.name] = definition.type;
+    }
     EXPECT_EQ(types, everyTypeDefinitions());
 }
 
@@ -160,8 +171,9 @@ TEST_P(BooksTest, LeavesWhatASmallSaveReplacedInTheBacklog) {
     auto column = connection.prepare("SELECT 1 FROM pragma_table_info('change') WHERE name = 'replaced'");
     const bool hasBacklog = GetParam() >= 3;
     ASSERT_EQ(column.step(), hasBacklog);
-    if (!hasBacklog)
+    if (!hasBacklog) {
         return;
+    }
     auto statement = connection.prepare("SELECT count(*) FROM change WHERE length(replaced) > 0");
     ASSERT_TRUE(statement.step());
     EXPECT_EQ(statement.integer(0), 1);
@@ -188,11 +200,14 @@ TEST_P(BooksTest, HasTheTablesOfANewBookAfterwards) {
                                    std::chrono::seconds(1));
         std::map<std::string, std::string> found;
         auto statement = connection.prepare("SELECT name, sql FROM sqlite_schema WHERE sql IS NOT NULL");
-        while (statement.step())
+        while (statement.step()) {
             found.emplace(statement.text(0), statement.text(1));
+        }
         return found;
     };
-    { const Store migrated(folder()), made(root() / "new"); }
+    {
+        const Store migrated(folder()), made(root() / "new");
+    }
     EXPECT_EQ(tables(file()), tables(root() / "new" / kFileName));
 }
 

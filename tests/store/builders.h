@@ -58,8 +58,9 @@ inline Query query(std::string property, Comparison comparison, Value value) {
 // The unique ids that a search finds.
 inline std::vector<std::string> found(const Store& store, const Query& wanted, Date now = Date{0}) {
     std::vector<std::string> uids;
-    for (const RowId row : store.search(wanted, now))
+    for (const RowId row : store.search(wanted, now)) {
         uids.push_back(store.find(row)->uid);
+    }
     return uids;
 }
 

@@ -119,8 +119,9 @@ TEST_F(SoundBookTest, TakesNoSaveOfOthersForDamage) {
     std::atomic<bool> done = false;
     std::thread other([&] {
         Store store(folder());
-        while (!done)
+        while (!done) {
             addPerson(store, {{"First", text("Eve")}, {"Note", text("comes later")}});
+        }
     });
     std::size_t people = 0;
     for (int i = 0; i < 30; ++i) {

@@ -138,8 +138,9 @@ TEST_F(ComparisonsTest, WithoutAValueEqualAsksWhetherThereIsOne) {
     EXPECT_TRUE(meets(MultiValue{}, notEqual, Value()));
     for (int i = 0; i < kComparisonCount; ++i) {
         const auto comparison = static_cast<Comparison>(i);
-        if (comparison == equal || comparison == notEqual)
+        if (comparison == equal || comparison == notEqual) {
             continue;
+        }
         EXPECT_FALSE(meets(text("x"), comparison, Value())) << i;
         EXPECT_FALSE(meets(Value(), comparison, Value())) << i;
     }

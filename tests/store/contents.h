@@ -29,17 +29,21 @@ inline std::string uidAt(const Store& store, RowId row) {
 
 inline Contents contentsOf(const Store& store) {
     Contents contents;
-    for (const Kind kind : {Kind::person, Kind::group})
+    for (const Kind kind : {Kind::person, Kind::group}) {
         for (const RowId row : store.rows(kind)) {
             const std::string uid = uidAt(store, row);
             Values values = store.values(row);
-            if (const Value picture = store.value(row, property::kImage); !picture.empty())
+            if (const Value picture = store.value(row, property::kImage); !picture.empty()) {
                 values.emplace(property::kImage, picture);
+            }
             contents.records.emplace(uid, values);
-            for (const auto& rows : {store.members(row), store.subgroups(row)})
-                for (const RowId member : rows)
+            for (const auto& rows : {store.members(row), store.subgroups(row)}) {
+                for (const RowId member : rows) {
                     contents.members[uid].push_back(uidAt(store, member));
+                }
+            }
         }
+    }
     contents.definitions = store.definitions();
     contents.me = store.me();
     return contents;

@@ -43,8 +43,9 @@ class DamagedTest : public Scratch {
                                                      {"Last", text("Lovelace")},
                                                      {"shoe size", text(number)},
                                                      {"Note", text(std::string(i == 8 ? 5000 : 40, 'n'))}}));
-            if (i % 3 == 0)
+            if (i % 3 == 0) {
                 changes.memberships.push_back({group, uid, true});
+            }
             changes.me = uid;
         }
         store.save(changes);
@@ -52,22 +53,25 @@ class DamagedTest : public Scratch {
         file_ = store.file();
     }
     std::string sound() {
-        if (sound_.empty())
+        if (sound_.empty()) {
             sound_ = bytesOf(file_);
+        }
         return sound_;
     }
     // Puts a book of these bytes alone into the folder.
     void put(const std::string& bytes) {
-        for (const char* suffix : {"", "-wal", "-shm"})
+        for (const char* suffix : {"", "-wal", "-shm"}) {
             fs::remove(file_.string() + suffix);
+        }
         write(file_, bytes);
     }
     // What is wrong with the book, or nothing when it reads as it was written.
     std::string trouble() {
         try {
             const Store store(folder());
-            if (contentsOf(store) == whole_)
+            if (contentsOf(store) == whole_) {
                 return "";
+            }
             const auto problems = store.check();
             return problems.empty() ? "SILENT" : problems.front();
         } catch (const StoreError& error) {
@@ -86,8 +90,9 @@ class DamagedTest : public Scratch {
             EXPECT_TRUE(bytesOf(file_) == before);
             return;
         }
-        if (!report.needed)
+        if (!report.needed) {
             return;
+        }
         EXPECT_TRUE(bytesOf(report.kept) == before);
         const Store store(folder());
         EXPECT_THAT(store.check(), IsEmpty());
@@ -125,8 +130,9 @@ TEST_F(DamagedTest, BitsAreToldOrDoNotMatter) {
         put(bytes);
         const std::string found = trouble();
         EXPECT_NE(found, "SILENT");
-        if (found.empty())
+        if (found.empty()) {
             continue;
+        }
         ++troubles;
         if (troubles % 8 == 0) {
             put(bytes);
@@ -142,10 +148,11 @@ TEST_F(DamagedTest, FilesThatStopShort) {
         SCOPED_TRACE(part);
         const auto size = static_cast<std::size_t>(static_cast<double>(content.size()) * part);
         put(content.substr(0, size));
-        if (const std::string found = trouble(); found.empty()) // what is missing holds no records
+        if (const std::string found = trouble(); found.empty()) { // what is missing holds no records
             EXPECT_FALSE(Store(folder()).check().empty());
-        else
+        } else {
             EXPECT_THAT(found, AnyOf(HasSubstr("damaged"), HasSubstr("no address book")));
+        }
         expectRescue();
     }
     for (const std::size_t size : {0, 1, 99, 511, 4095, 4096}) {

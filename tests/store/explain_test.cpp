@@ -42,8 +42,9 @@ Values person(int place, bool isHit) {
 // A book of so many people, of whom three in the middle are hits, and a group.
 void fill(Store& store, int people) {
     std::vector<RecordChange> records;
-    for (int i = 0; i < people; ++i)
+    for (int i = 0; i < people; ++i) {
         records.push_back(inserted(newUid(Kind::person), person(i, i >= people / 2 && i < people / 2 + 3)));
+    }
     records.push_back(inserted("Friends:ABGroup", {{"GroupName", text("Friends")}}, Kind::group));
     saveRecords(store, records, kNow);
 }
@@ -251,8 +252,9 @@ TEST_F(ExplainYearsTest, ThatAreTooManyAreScanned) {
     const Query query{where("founded", withinIntervalAroundTodayYearless, days(2))};
     for (int year = 0; year < 600; year += 300) {
         std::vector<RecordChange> records;
-        for (int i = 0; i < 300; ++i)
+        for (int i = 0; i < 300; ++i) {
             records.push_back(inserted(newUid(Kind::person), {{"founded", Date{kNow - (year + i) * kYear}}}));
+        }
         saveRecords(store, records, kNow);
         const SearchStep step = store.explain(query, Date{kNow});
         EXPECT_EQ(step.path, year == 0 ? AccessPath::interval : AccessPath::scan);
@@ -333,8 +335,9 @@ TEST_F(ExplainCompoundTest, AnyIsSearchedFromEach) {
     ASSERT_EQ(any.parts.size(), 3U);
     EXPECT_THAT((std::array{place(any.parts[0]), place(any.parts[1]), place(any.parts[2])}),
                 testing::ElementsAre(1, 2, 0));
-    for (const SearchStep& part : any.parts)
+    for (const SearchStep& part : any.parts) {
         EXPECT_EQ(part.execution, Execution::searched);
+    }
     EXPECT_EQ(any.parts[2].indexRows, 200);
 }
 
@@ -353,10 +356,11 @@ TEST_F(ExplainCompoundTest, InACompound) {
 // A few records are left: whether the next condition is searched depends on how many records it would find.
 TEST_F(ExplainCompoundTest, AfterAFewOnlyWhatIsFoundInNoTimeIsSearched) {
     std::vector<RecordChange> records;
-    for (int i = 0; i < 45; ++i)
+    for (int i = 0; i < 45; ++i) {
         records.push_back(inserted(newUid(Kind::person), {{"Last", std::string(i < 10 ? "Aalto" : "Aalund")},
                                                           {"First", std::string(i % 2 != 0 ? "Ida" : "Ivo")},
                                                           {"City", std::string(i < 30 ? "Oulu" : "Turku")}}));
+    }
     saveRecords(store_, records, kNow);
     const Query aalto{where("Last", equal, text("Aalto"))};
     const auto second = [&](const Query& query, std::int64_t hits) {

@@ -52,8 +52,9 @@ class FailingDiskTest : public Scratch, public testing::WithParamInterface<int> 
                 EXPECT_THAT(error.what(), HasSubstr(root().string()));
                 look();
             }
-            if (HasFatalFailure())
+            if (HasFatalFailure()) {
                 return;
+            }
         }
         EXPECT_GT(good, 1);
     }
@@ -102,8 +103,9 @@ TEST_P(FailingDiskTest, AtMakingABook) {
     fail([&] { Store{folder()}; },
          [&] { // either there is none, or it is whole
              expectNothingElse(folder());
-             if (!fs::exists(file()))
+             if (!fs::exists(file())) {
                  return;
+             }
              EXPECT_THAT(Store(folder()).check(), IsEmpty());
              fs::remove(file());
          },

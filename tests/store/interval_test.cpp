@@ -34,8 +34,9 @@ class IntervalTest : public Scratch, public testing::WithParamInterface<const ch
 
     // Days that are near [now] in some year, first and last hours of days, and what is no date.
     Value near(Date now) {
-        if (below(12) == 0)
+        if (below(12) == 0) {
             return below(2) == 0 ? Value(std::int64_t(below(1'000'000'000))) : Value("text");
+        }
         const auto days = static_cast<double>(below(2) == 0 ? below(3) + 29 : below(60)) - 30;
         const std::time_t time = static_cast<std::time_t>(now.seconds + 978307200 + days * 86400);
         std::tm parts{};
@@ -43,11 +44,13 @@ class IntervalTest : public Scratch, public testing::WithParamInterface<const ch
         constexpr int kYears[] = {0, 0, 0, -1, 1, -2, 2, -4, -22, -63, -422};
         const int year = parts.tm_year + 1900 + kYears[below(std::size(kYears))];
         constexpr int kHours[] = {0, 0, 12, 23, 23};
-        if (below(4) != 0)
+        if (below(4) != 0) {
             return moment(year, parts.tm_mon + 1, parts.tm_mday, kHours[below(std::size(kHours))]);
+        }
         DateComponents components;
-        if (below(2) == 0)
+        if (below(2) == 0) {
             components.year = year;
+        }
         components.month = parts.tm_mon + 1;
         components.day = below(8) == 0 ? 29 : parts.tm_mday;
         return components;
@@ -73,8 +76,9 @@ TEST_P(IntervalTest, FindsWhatMatches) {
                            moment(2025, 12, 31, 23), moment(2026, 1, 1, 0), moment(2026, 7, 15)}) {
         std::map<RowId, MemoryRecord> records;
         ChangeSet changes = changesAt(1);
-        for (const RowId row : store.rows(Kind::person))
+        for (const RowId row : store.rows(Kind::person)) {
             changes.removed.push_back(store.find(row)->uid);
+        }
         for (int i = 0; i < 200; ++i) {
             MultiValue several{{{newUuid(), "a", near(now)}, {newUuid(), "b", near(now)}}, {}};
             const std::string alone = "alone" + std::to_string(i % 100);
@@ -82,8 +86,9 @@ TEST_P(IntervalTest, FindsWhatMatches) {
                 newUid(Kind::person), {{"Birthday", near(now)}, {"ABDate", several}, {alone, near(now)}}));
         }
         store.save(changes);
-        for (std::size_t i = 0; const RowId row : store.rows(Kind::person))
+        for (std::size_t i = 0; const RowId row : store.rows(Kind::person)) {
             records.try_emplace(row, Kind::person, changes.records[i++].values);
+        }
         for (int i = 0; i < 400; ++i) {
             const std::string property = below(2) == 0   ? "alone" + std::to_string(below(100))
                                          : below(3) == 0 ? "ABDate"
@@ -95,12 +100,15 @@ TEST_P(IntervalTest, FindsWhatMatches) {
                                   wanted(),
                                   static_cast<Comparison>(17 + below(8))}};
             auto& condition = std::get<Condition>(query.node);
-            if (condition.property == "ABDate" && below(3) == 0)
+            if (condition.property == "ABDate" && below(3) == 0) {
                 condition.label = "b";
+            }
             std::vector<RowId> expected;
-            for (const auto& [row, record] : records)
-                if (matches(query, record, now))
+            for (const auto& [row, record] : records) {
+                if (matches(query, record, now)) {
                     expected.push_back(row);
+                }
+            }
             ASSERT_EQ(store.search(query, now), expected)
                 << "comparison " << static_cast<int>(condition.comparison) << ", now " << now.seconds
                 << ", wanted " << testing::PrintToString(condition.value.index());
@@ -118,13 +126,15 @@ TEST_P(IntervalTest, FindsTheTurnOfTheYear) {
     Store store(folder());
     addPerson(store, {{"Birthday", moment(1980, 1, 1, 0)}, {"met", moment(1990, 12, 31, 23)}});
     for (const auto& [property, now] :
-         {std::pair("Birthday", moment(2026, 1, 1)), {"met", moment(2026, 12, 31)}})
-        for (const std::int64_t number : {0, 1, -1})
+         {std::pair("Birthday", moment(2026, 1, 1)), {"met", moment(2026, 12, 31)}}) {
+        for (const std::int64_t number : {0, 1, -1}) {
             EXPECT_EQ(
                 found(store, query(property, Comparison::withinIntervalFromTodayYearless, days(number)), now)
                     .size(),
                 1U)
                 << property << " within " << number;
+        }
+    }
 }
 
 INSTANTIATE_TEST_SUITE_P(Zones, IntervalTest,

@@ -40,15 +40,18 @@ class KillPointsTest : public Scratch {
     // Each process begins with what is in the book's folder, and among the backups, now.
     void begin() {
         fs::create_directory(kept());
-        for (const fs::path& one : {folder(), backup().parent_path()})
-            if (fs::exists(one))
+        for (const fs::path& one : {folder(), backup().parent_path()}) {
+            if (fs::exists(one)) {
                 fs::copy(one, kept() / one.filename(), fs::copy_options::recursive);
+            }
+        }
     }
     void beginAgain() {
         for (const fs::path& one : {folder(), backup().parent_path()}) {
             fs::remove_all(one);
-            if (fs::exists(kept() / one.filename()))
+            if (fs::exists(kept() / one.filename())) {
                 fs::copy(kept() / one.filename(), one, fs::copy_options::recursive);
+            }
         }
     }
 
@@ -91,15 +94,17 @@ class KillPointsTest : public Scratch {
         look();
         const int apart = std::max(1, calls / numberFrom("VELOCARD_KILLS", 5));
         for (int call = 0; call < calls; ++call) {
-            if (call % apart != 0 && made[static_cast<std::size_t>(call)] != 'n')
+            if (call % apart != 0 && made[static_cast<std::size_t>(call)] != 'n') {
                 continue;
+            }
             SCOPED_TRACE("killed at call " + std::to_string(call) + " of " + made);
             beginAgain();
             *answered_ = false;
             EXPECT_EQ(run(work, call), "");
             look();
-            if (HasFatalFailure())
+            if (HasFatalFailure()) {
                 return;
+            }
         }
     }
 
@@ -174,8 +179,9 @@ class KillPointsTest : public Scratch {
             },
             [&] {
                 const Contents now = contentsIn(folder());
-                if (!after)
+                if (!after) {
                     after = now;
+                }
                 EXPECT_TRUE(now == *after || (now == before && !*answered_));
             });
         EXPECT_FALSE(*after == before);
@@ -283,13 +289,15 @@ TEST_F(KillPointsTest, OfARepair) {
     std::ofstream(file(), std::ios::binary) << bytes;
     kill([&] { repair(folder()); },
          [&] {
-             if (bytesOf(file()) == bytes)
+             if (bytesOf(file()) == bytes) {
                  return;
+             }
              EXPECT_EQ(contentsIn(folder()).records.size(), 4U);
              bool found = false;
-             for (const auto& entry : fs::directory_iterator(folder()))
+             for (const auto& entry : fs::directory_iterator(folder())) {
                  found =
                      found || (entry.path() != file() && entry.is_regular_file() && bytesOf(entry) == bytes);
+             }
              EXPECT_TRUE(found) << "the damaged book is not kept";
          });
 }
@@ -298,16 +306,18 @@ using DurableTest = KillPointsTest;
 
 TEST_F(DurableTest, WhatIsSavedIsOnTheDiskWhenTheSaveAnswers) {
     const auto expectSynced = [&](const char* when) {
-        for (const char* suffix : {"", "-wal"})
+        for (const char* suffix : {"", "-wal"}) {
             EXPECT_FALSE(support::isUnsynced(file().string() + suffix)) << when << suffix;
+        }
     };
     makeBook();
     expectSynced("made");
     Store store(folder());
     store.save(largeSave(6'000));
     expectSynced("saved");
-    for (int i = 0; i < 50; ++i) // beyond the size at which the log is taken over
+    for (int i = 0; i < 50; ++i) { // beyond the size at which the log is taken over
         addPerson(store, {{property::kImage.data(), Bytes(100'000, 'p')}});
+    }
     expectSynced("log taken over");
     fs::create_directory(backup().parent_path());
     backUp(folder(), backup(), Existing::refuse);

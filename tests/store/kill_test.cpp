@@ -44,8 +44,9 @@ std::int64_t counted(const Store& store) {
                 updated(kCounter, {{"Note", text(std::to_string(number))}})};
             changes.memberships = {{kGroup, uid, true}};
             store.save(changes);
-            if (write(pipe, &number, sizeof number) != sizeof number)
+            if (write(pipe, &number, sizeof number) != sizeof number) {
                 _exit(2);
+            }
         }
     } catch (const std::exception& error) {
         std::fprintf(stderr, "%s\n", error.what());
@@ -86,8 +87,9 @@ TEST_F(KillTest, LosesNoAcknowledgedSaveAndLeavesNoneInPart) {
         EXPECT_TRUE(WIFSIGNALED(status)) << status;
         const std::int64_t before = acknowledged;
         acknowledged = std::max(acknowledged, number);
-        while (next())
+        while (next()) {
             acknowledged = number;
+        }
         close(ends[0]);
 
         const Store store(folder());
@@ -107,8 +109,9 @@ TEST_F(KillTest, LosesNoAcknowledgedSaveAndLeavesNoneInPart) {
     const Store store(folder());
     EXPECT_THAT(store.check(), testing::IsEmpty());
     EXPECT_GT(acknowledged, kills);
-    for (std::int64_t one = 1; one <= acknowledged; ++one)
+    for (std::int64_t one = 1; one <= acknowledged; ++one) {
         EXPECT_TRUE(store.find(uidOf(one))) << one;
+    }
 }
 
 } // namespace

@@ -29,8 +29,9 @@ class OpenTest : public Scratch {
         std::ofstream(file(), std::ios::binary) << content;
     }
     std::string content() const {
-        if (!fs::is_regular_file(file()))
+        if (!fs::is_regular_file(file())) {
             return {};
+        }
         std::ifstream in(file(), std::ios::binary);
         return {std::istreambuf_iterator<char>(in), {}};
     }
@@ -74,8 +75,9 @@ TEST_F(OpenTest, MakesFolderAndFilesForTheirOwnerOnly) {
     {
         Store store(folder());
         addPerson(store, {});
-        for (const auto& entry : fs::directory_iterator(folder()))
+        for (const auto& entry : fs::directory_iterator(folder())) {
             EXPECT_EQ(entry.status().permissions(), fs::perms::owner_read | fs::perms::owner_write) << entry;
+        }
         EXPECT_EQ(fs::status(folder()).permissions(), fs::perms::owner_all);
     }
     umask(old);
@@ -90,9 +92,12 @@ TEST_F(OpenTest, RemovesWhatAKilledProcessLeftLongAgo) {
         fs::create_directories(one);
         std::ofstream(one / kFileName) << "x";
     }
-    for (const fs::path& one : {old, other})
+    for (const fs::path& one : {old, other}) {
         fs::last_write_time(one, fs::file_time_type::clock::now() - std::chrono::hours(25));
-    { const Store store(folder()); }
+    }
+    {
+        const Store store(folder());
+    }
     EXPECT_FALSE(fs::exists(old));
     EXPECT_TRUE(fs::exists(recent / kFileName));
     EXPECT_TRUE(fs::exists(other / kFileName));
@@ -140,14 +145,18 @@ TEST_F(OpenTest, TheDatabaseOfAnotherProgram) {
 }
 
 TEST_F(OpenTest, ANewerVersion) {
-    { const Store store(folder()); }
+    {
+        const Store store(folder());
+    }
     run("PRAGMA user_version = 99");
     expectFailure(Reason::newerSchema);
     expectFailure(Reason::newerSchema, Store::Access::readOnly);
 }
 
 TEST_F(OpenTest, ADamagedSchema) {
-    { const Store store(folder()); }
+    {
+        const Store store(folder());
+    }
     std::fstream out(file(), std::ios::binary | std::ios::in | std::ios::out);
     out.seekp(100);
     out << std::string(600, '\xEE');
@@ -156,7 +165,9 @@ TEST_F(OpenTest, ADamagedSchema) {
 }
 
 TEST_F(OpenTest, AFileLockedByAnotherProgram) {
-    { const Store store(folder()); }
+    {
+        const Store store(folder());
+    }
     sqlite3* database = nullptr;
     ASSERT_EQ(sqlite3_open(file().c_str(), &database), SQLITE_OK);
     sqlite3_exec(database, "PRAGMA locking_mode = EXCLUSIVE; BEGIN EXCLUSIVE", nullptr, nullptr, nullptr);
@@ -194,8 +205,9 @@ void expectWithoutRights(const std::function<bool()>& part) {
     const pid_t child = fork();
     ASSERT_GE(child, 0);
     if (child == 0) {
-        if (geteuid() == 0 && (setgid(65534) != 0 || setuid(65534) != 0))
+        if (geteuid() == 0 && (setgid(65534) != 0 || setuid(65534) != 0)) {
             _exit(2);
+        }
         try {
             _exit(part() ? 0 : 1);
         } catch (const std::exception& error) {
@@ -234,7 +246,9 @@ TEST_F(OpenTest, AFileOrFolderThatMayNotBeWrittenIsRead) {
 }
 
 TEST_F(OpenTest, WhatMayNotBeReadOrMadeSaysSo) {
-    { const Store store(folder()); }
+    {
+        const Store store(folder());
+    }
     fs::permissions(root(), fs::perms(0755));
     const auto reason = [](const fs::path& place) {
         try {
@@ -245,13 +259,15 @@ TEST_F(OpenTest, WhatMayNotBeReadOrMadeSaysSo) {
         return std::optional<Reason>();
     };
     fs::permissions(folder(), fs::perms(0));
-    if (geteuid() == 0) // others' rights are none; the owner's would not stop us
+    if (geteuid() == 0) { // others' rights are none; the owner's would not stop us
         expectWithoutRights([&] { return reason(folder()) == Reason::readOnly; });
+    }
     fs::permissions(folder(), fs::perms(0755));
     fs::permissions(file(), fs::perms(0));
     expectWithoutRights([&] { return reason(folder()) == Reason::io; });
-    if (geteuid() == 0)
+    if (geteuid() == 0) {
         expectWithoutRights([&] { return reason(root() / "new") == Reason::readOnly; });
+    }
 }
 
 class MigrationsTest : public OpenTest {};

@@ -30,9 +30,11 @@ std::string seen(const Store& store) {
     std::string all = std::to_string(store.lastChange());
     for (const RowId row : store.rows(Kind::person)) {
         all += ' ' + store.find(row)->uid;
-        for (const auto& [name, value] : store.values(row))
-            if (const auto* words = value.as<std::string>())
+        for (const auto& [name, value] : store.values(row)) {
+            if (const auto* words = value.as<std::string>()) {
                 all += ' ' + name + '=' + *words;
+            }
+        }
     }
     return all;
 }
@@ -90,11 +92,13 @@ void write(const std::filesystem::path& file, const Told& told, const std::strin
     std::ofstream out(file);
     out << told.saves << ' ' << told.own << ' ' << told.lastChange << ' ' << told.lastValue << ' '
         << told.longest << ' ' << told.living.size();
-    for (const auto& uid : told.living)
+    for (const auto& uid : told.living) {
         out << ' ' << uid;
+    }
     out << ' ' << told.dead.size();
-    for (const auto& uid : told.dead)
+    for (const auto& uid : told.dead) {
         out << ' ' << uid;
+    }
     out << '\n' << view << '\n';
 }
 
@@ -102,8 +106,9 @@ std::set<std::string> readUids(std::istream& in) {
     std::size_t count = 0;
     in >> count;
     std::set<std::string> uids;
-    for (std::string uid; count > 0 && in >> uid; --count)
+    for (std::string uid; count > 0 && in >> uid; --count) {
         uids.insert(uid);
+    }
     return uids;
 }
 
@@ -130,8 +135,9 @@ TEST_F(ProcessesTest, EightAtOnceLoseNothing) {
                 Store store(folder());
                 const Told told = work(store, number, shared, time);
                 char byte = 0;
-                if (::write(done[1], &byte, 1) != 1 || read(go[0], &byte, 1) != 0)
+                if (::write(done[1], &byte, 1) != 1 || read(go[0], &byte, 1) != 0) {
                     _exit(2);
+                }
                 write(root() / std::to_string(number), told, seen(store));
                 _exit(0);
             } catch (const std::exception& error) {
@@ -144,9 +150,11 @@ TEST_F(ProcessesTest, EightAtOnceLoseNothing) {
     close(done[1]);
     close(go[0]);
     char byte = 0;
-    for (int number = 0; number < kProcesses; ++number)
-        if (read(done[0], &byte, 1) != 1)
+    for (int number = 0; number < kProcesses; ++number) {
+        if (read(done[0], &byte, 1) != 1) {
             break;
+        }
+    }
     close(go[1]); // all have saved: now they look
     for (const pid_t child : children) {
         int status = 0;
@@ -175,8 +183,9 @@ TEST_F(ProcessesTest, EightAtOnceLoseNothing) {
         EXPECT_LT(told.longest, 10);
         EXPECT_GT(told.saves, 5);
         living.merge(told.living);
-        for (const auto& uid : told.dead)
+        for (const auto& uid : told.dead) {
             EXPECT_FALSE(store.find(uid)) << uid;
+        }
         if (told.lastChange > lastChange) {
             lastChange = told.lastChange;
             lastValue = told.lastValue;
@@ -185,8 +194,9 @@ TEST_F(ProcessesTest, EightAtOnceLoseNothing) {
     }
     EXPECT_EQ(noteOf(store, shared, "Note"), lastValue);
     std::set<std::string> there;
-    for (const RowId row : store.rows(Kind::person))
+    for (const RowId row : store.rows(Kind::person)) {
         there.insert(store.find(row)->uid);
+    }
     EXPECT_EQ(there, living);
     EXPECT_EQ(store.lastChange(), saves);
     EXPECT_THAT(store.check(), testing::IsEmpty());

@@ -37,8 +37,9 @@ class ReadOnlyDiskTest : public Scratch {
     // As if the book had been written long ago: nothing changes at the moment at which it is opened.
     void age() const {
         const auto before = fs::file_time_type::clock::now() - std::chrono::hours(1);
-        for (const auto& entry : fs::directory_iterator(folder()))
+        for (const auto& entry : fs::directory_iterator(folder())) {
             fs::last_write_time(entry.path(), before);
+        }
     }
     // A process that saves a person and is killed then.
     void killAfterSaving(const std::string& first) const {
@@ -54,8 +55,9 @@ class ReadOnlyDiskTest : public Scratch {
     }
     std::map<fs::path, std::uintmax_t> files() const {
         std::map<fs::path, std::uintmax_t> sizes;
-        for (const auto& entry : fs::directory_iterator(folder()))
+        for (const auto& entry : fs::directory_iterator(folder())) {
             sizes.emplace(entry.path(), entry.file_size());
+        }
         return sizes;
     }
     // The book opens, is read whole, refuses a save, and leaves everything as it is.
@@ -67,8 +69,9 @@ class ReadOnlyDiskTest : public Scratch {
             EXPECT_EQ(store.readsWithoutLocks(), snapshot);
             EXPECT_EQ(store.rows(Kind::person).size(), people);
             EXPECT_EQ(found(store, kAnn).size(), people);
-            for (const RowId row : store.rows(Kind::person))
+            for (const RowId row : store.rows(Kind::person)) {
                 EXPECT_EQ(store.value(row, "First"), text("Ann"));
+            }
             EXPECT_THAT(store.check(), IsEmpty());
             try {
                 addPerson(store, {});
@@ -120,7 +123,9 @@ TEST_F(ReadOnlyDiskTest, WithALogOfAKilledProcessIsReadWithIt) {
 }
 
 TEST_F(ReadOnlyDiskTest, WithALogOfAnotherBookIsRefused) {
-    { const Store store(folder()); }
+    {
+        const Store store(folder());
+    }
     {
         Store other(root() / "other");
         addPerson(other, {});

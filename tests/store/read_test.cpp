@@ -25,8 +25,9 @@ class ReadTest : public Scratch {
 
 TEST_F(ReadTest, ARecordAndThoseBehindIt) {
     std::vector<std::string> uids;
-    for (const char* name : {"Ann", "Bob", "Cid", "Dan"})
+    for (const char* name : {"Ann", "Bob", "Cid", "Dan"}) {
         uids.push_back(addPerson(store, {{"First", text(name)}, {"Note", text("n")}}));
+    }
     ChangeSet removal = changesAt(2);
     removal.removed = {uids[1]};
     store.save(removal);
@@ -53,13 +54,14 @@ TEST_F(ReadTest, ADamagedRecordLeavesItsNeighboursReadable) {
     const auto records = store.readFrom(store.find(sound)->row, 10);
     ASSERT_EQ(records.size(), 2U);
     EXPECT_EQ(store.value(records[0], "First"), text("Ann"));
-    for (int twice = 0; twice < 2; ++twice)
+    for (int twice = 0; twice < 2; ++twice) {
         try {
             store.value(records[1], "First");
             FAIL() << "the damage was not noticed";
         } catch (const StoreError& error) {
             EXPECT_EQ(error.reason(), StoreError::Reason::damaged);
         }
+    }
 }
 
 TEST_F(ReadTest, OneMomentForAsLongAsItLasts) {

@@ -24,9 +24,10 @@ TEST(CardTest, ValuesReturnUnchanged) {
 Value decodedList(std::string_view bytes) {
     const EncodedList list = listIn(bytes);
     MultiValue values{{}, list.primary.text()};
-    for (const EncodedEntry& entry : list.entries)
+    for (const EncodedEntry& entry : list.entries) {
         values.entries.push_back(
             {entry.identifier.text(), std::string(entry.label), decodeValue(entry.value)});
+    }
     return values;
 }
 
@@ -109,8 +110,9 @@ TEST(CardTest, RandomBytesAreNoValueOrSomeValueButNeverACrash) {
 
 TEST(CardTest, TooDeepANestIsRefused) {
     Value value;
-    for (int depth = 0; depth < kMaxValueDepth; ++depth)
+    for (int depth = 0; depth < kMaxValueDepth; ++depth) {
         value = Array{value};
+    }
     EXPECT_EQ(decodeValue(encodeValue(value)), value);
     EXPECT_THROW(encodeValue(Array{value}), std::length_error);
 }
@@ -125,8 +127,9 @@ TEST(CardTest, UniqueIdsArePackedOnlyWhenTheyReturnUnchanged) {
     }
     for (const char* text :
          {"", "0f0e0d0c-0b0a-4908-8706-050403020100", "0F0E0D0C-0B0A-4908-8706-050403020100:Other",
-          "0F0E0D0C00B0A-4908-8706-050403020100", "0F0E0D0C-0B0A-4908-8706-05040302010"})
+          "0F0E0D0C00B0A-4908-8706-050403020100", "0F0E0D0C-0B0A-4908-8706-05040302010"}) {
         EXPECT_FALSE(packUid(text)) << text;
+    }
     const std::vector<std::string> uids{"odd", "0F0E0D0C-0B0A-4908-8706-050403020100:ABGroup", ""};
     EXPECT_EQ(decodeUids(encodeUids(uids)), uids);
 }
@@ -140,8 +143,9 @@ TEST(CardTest, TheNumbersOfWordsStay) {
     EXPECT_EQ(wordCode("UID"), 65);
     EXPECT_EQ(wordCode("no such word"), 0);
     EXPECT_EQ(wordOf(66), "");
-    for (std::uint64_t code = 1; code <= 65; ++code)
+    for (std::uint64_t code = 1; code <= 65; ++code) {
         EXPECT_EQ(wordCode(wordOf(code)), static_cast<int>(code));
+    }
 }
 
 TEST(PropertiesTest, HaveTheTypesOfTheFramework) {
@@ -157,8 +161,9 @@ TEST(PropertiesTest, HaveTheTypesOfTheFramework) {
     EXPECT_EQ(builtInType(Kind::person, "GroupName"), 0);
     EXPECT_EQ(builtInType(Kind::group, "First"), 0);
     EXPECT_EQ(builtInType(Kind::person, ".Image"), 7);
-    for (const BuiltInProperty& row : builtInProperties())
+    for (const BuiltInProperty& row : builtInProperties()) {
         EXPECT_FALSE(isInternal(row.name)) << row.name;
+    }
 }
 
 TEST(ValuesTest, KnowTheirType) {

@@ -50,8 +50,9 @@ TEST_F(RoundTripTest, EveryTypeOfValueReturnsUnchanged) {
     expected.emplace("Creation", Date{100});
     expected.emplace("Modification", Date{100});
     EXPECT_EQ(store.values(record->row), expected);
-    for (const auto& [name, value] : expected)
+    for (const auto& [name, value] : expected) {
         EXPECT_EQ(store.value(record->row, name), value) << name;
+    }
     EXPECT_EQ(store.value(record->row, property::kImage), Value(Bytes{9, 8}));
     EXPECT_THAT(store.check(), testing::IsEmpty());
     EXPECT_THAT(

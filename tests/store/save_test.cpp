@@ -134,14 +134,16 @@ TEST_F(SaveTest, ARemovedRecordLeavesNothingBehind) {
 
 TEST_F(SaveTest, MembershipsKeepTheOrderOfJoining) {
     std::vector<std::string> people;
-    for (int i = 0; i < 4; ++i)
+    for (int i = 0; i < 4; ++i) {
         people.push_back(addPerson(store, {}));
+    }
     const std::string outer = newUid(Kind::group);
     const std::string inner = newUid(Kind::group);
     ChangeSet changes = changesAt(2);
     changes.records = {inserted(outer, {}, Kind::group), inserted(inner, {}, Kind::group)};
-    for (const int i : {2, 0, 3})
+    for (const int i : {2, 0, 3}) {
         changes.memberships.push_back({outer, people[static_cast<std::size_t>(i)], true});
+    }
     changes.memberships.push_back({outer, inner, true});
     changes.memberships.push_back({inner, people[2], true});
     store.save(changes);
@@ -168,8 +170,9 @@ TEST_F(SaveTest, AMembershipThatWouldMakeACircleIsReportedAndTheRestKept) {
     const std::string middle = newUid(Kind::group);
     const std::string inner = newUid(Kind::group);
     ChangeSet changes = changesAt(2);
-    for (const std::string& uid : {outer, middle, inner})
+    for (const std::string& uid : {outer, middle, inner}) {
         changes.records.push_back(inserted(uid, {}, Kind::group));
+    }
     changes.memberships = {{outer, middle, true}, {middle, inner, true}};
     store.save(changes);
     changes = changesAt(3);
@@ -214,8 +217,9 @@ TEST_F(SaveTest, WhatIsRefusedChangesNothing) {
                        updated(uid, {{".Image", text("x")}})};
     expectRefused(changes);
     Value deep;
-    for (int i = 0; i < 100; ++i)
+    for (int i = 0; i < 100; ++i) {
         deep = Array{deep};
+    }
     changes.records = {updated(uid, {{"First", text("x")}, {"Note", deep}})};
     expectRefused(changes);
     changes.records = {updated(uid, {{"First", text("x")}})};
@@ -292,13 +296,15 @@ TEST_F(SaveTest, TheLogOfLargeSavesStaysSmall) {
     std::size_t size = 0;
     for (int save = 0; save < 10; ++save) {
         std::vector<RecordChange> records;
-        for (int i = 0; i < 100; ++i)
+        for (int i = 0; i < 100; ++i) {
             records.push_back(inserted(newUid(Kind::person) + std::string(kLength, 'x'), {}));
+        }
         saveRecords(store, std::move(records));
     }
     const auto log = store.changesSince(0);
-    for (const LoggedChange& change : log)
+    for (const LoggedChange& change : log) {
         size += change.inserted.size() * kLength;
+    }
     EXPECT_TRUE(log.front().tellsNothing());
     EXPECT_LT(size, 16U << 20);
     EXPECT_GT(size, 12U << 20);

@@ -81,12 +81,15 @@ class Generator {
 
     std::string text() {
         std::string out;
-        if (oneIn(12))
+        if (oneIn(12)) {
             out.assign(60 + below(10), 'x'); // around the length at which terms are cut
-        for (std::size_t pieces = below(4); pieces > 0; --pieces)
+        }
+        for (std::size_t pieces = below(4); pieces > 0; --pieces) {
             out += pick(kPieces);
-        if (oneIn(20))
+        }
+        if (oneIn(20)) {
             out += std::string(70, 'y');
+        }
         return out;
     }
 
@@ -119,8 +122,9 @@ class Generator {
 
     Value components() {
         DateComponents parts;
-        if (oneIn(2))
+        if (oneIn(2)) {
             parts.year = 2026;
+        }
         parts.month = 1 + static_cast<int>(below(12));
         parts.day = 1 + static_cast<int>(below(31));
         return parts;
@@ -128,69 +132,85 @@ class Generator {
 
     Value dictionary() {
         Dictionary fields;
-        for (std::size_t number = below(4); number > 0; --number)
+        for (std::size_t number = below(4); number > 0; --number) {
             fields[pick(kKeys)] = oneIn(6) ? leaf() : text();
+        }
         return fields;
     }
 
     Value list() {
         MultiValue list;
-        for (std::size_t number = below(4); number > 0; --number)
+        for (std::size_t number = below(4); number > 0; --number) {
             list.entries.push_back({newUuid(), pick(kLabels), oneIn(2) ? leaf() : Value(text())});
-        if (oneIn(3) && !list.entries.empty())
+        }
+        if (oneIn(3) && !list.entries.empty()) {
             list.primary = list.entries.back().identifier;
+        }
         return list;
     }
 
     Value value(std::string_view property) {
         if (property == "Address" && !oneIn(4)) {
             MultiValue list;
-            for (std::size_t number = below(3); number > 0; --number)
+            for (std::size_t number = below(3); number > 0; --number) {
                 list.entries.push_back({newUuid(), pick(kLabels), dictionary()});
+            }
             return list;
         }
-        if (property == "Phone" || property == "Email" || property == "ABDate" || property == "Address")
+        if (property == "Phone" || property == "Email" || property == "ABDate" || property == "Address") {
             return list();
-        if (property == "First" || property == "Last" || property == "Note")
+        }
+        if (property == "First" || property == "Last" || property == "Note") {
             return oneIn(10) ? leaf() : Value(text());
-        if (property == "Birthday")
+        }
+        if (property == "Birthday") {
             return oneIn(2) ? date() : components();
-        if (property == "ABPersonFlags")
+        }
+        if (property == "ABPersonFlags") {
             return std::int64_t(below(64));
-        if (property == ".VCardLines")
+        }
+        if (property == ".VCardLines") {
             return Array{text()};
+        }
         return oneIn(2) ? leaf() : list();
     }
 
     Values values() {
         Values values;
-        for (const char* property : kProperties)
+        for (const char* property : kProperties) {
             if (!oneIn(3) && builtInType(Kind::person, property) != static_cast<int>(Type::data) &&
                 std::string_view(property) != "UID" && std::string_view(property) != "Creation" &&
-                std::string_view(property) != "Modification" && std::string_view(property) != "never")
+                std::string_view(property) != "Modification" && std::string_view(property) != "never") {
                 values[property] = value(property);
+            }
+        }
         return values;
     }
 
     // Something that is near the leaves of a record: one of them, a part of a text, another case.
     Value wanted(const Values& record) {
-        if (oneIn(12))
+        if (oneIn(12)) {
             return {};
-        if (oneIn(8) || record.empty())
+        }
+        if (oneIn(8) || record.empty()) {
             return leaf();
+        }
         Value near = std::next(record.begin(), static_cast<std::ptrdiff_t>(below(record.size())))->second;
         for (int depth = 0; depth < 2; ++depth) {
-            if (const auto* list = near.as<MultiValue>(); list != nullptr && !list->entries.empty())
+            if (const auto* list = near.as<MultiValue>(); list != nullptr && !list->entries.empty()) {
                 near = Value(pick(list->entries).value);
-            else if (const auto* fields = near.as<Dictionary>();
-                     fields != nullptr && !fields->empty() && !oneIn(5))
+            } else if (const auto* fields = near.as<Dictionary>();
+                       fields != nullptr && !fields->empty() && !oneIn(5)) {
                 near = Value(
                     std::next(fields->begin(), static_cast<std::ptrdiff_t>(below(fields->size())))->second);
+            }
         }
-        if (const auto* text = near.as<std::string>())
+        if (const auto* text = near.as<std::string>()) {
             return part(*text);
-        if (near.as<Date>() != nullptr && oneIn(2))
+        }
+        if (near.as<Date>() != nullptr && oneIn(2)) {
             return oneIn(2) ? days(std::int64_t(below(30)) - 8) : Value(std::int64_t(below(2000000)));
+        }
         return near;
     }
 
@@ -202,12 +222,16 @@ class Generator {
                   : oneIn(2) ? out.substr(0, from)
                              : out.substr(from, 1 + below(6));
         }
-        if (oneIn(4))
+        if (oneIn(4)) {
             out = fold(out);
-        if (oneIn(4))
-            for (char& c : out)
-                if (c >= 'a' && c <= 'z')
+        }
+        if (oneIn(4)) {
+            for (char& c : out) {
+                if (c >= 'a' && c <= 'z') {
                     c = static_cast<char>(c - 'a' + 'A');
+                }
+            }
+        }
         return out;
     }
 
@@ -215,10 +239,12 @@ class Generator {
         Condition condition;
         condition.kind = oneIn(5) ? Kind::group : Kind::person;
         condition.property = pick(kProperties);
-        if (oneIn(4))
+        if (oneIn(4)) {
             condition.label = pick(kLabels);
-        if (oneIn(4))
+        }
+        if (oneIn(4)) {
             condition.key = pick(kKeys);
+        }
         condition.comparison = static_cast<Comparison>(below(kComparisonCount));
         aim(condition);
         const auto own = record.find(condition.property);
@@ -228,21 +254,26 @@ class Generator {
 
     // Comparisons that only few properties can meet are mostly tried on those.
     void aim(Condition& condition) {
-        if (oneIn(3))
+        if (oneIn(3)) {
             return;
-        if (condition.comparison == Comparison::bitsInBitFieldMatch)
+        }
+        if (condition.comparison == Comparison::bitsInBitFieldMatch) {
             condition.property = "ABPersonFlags";
-        if (condition.comparison >= Comparison::withinIntervalAroundToday)
+        }
+        if (condition.comparison >= Comparison::withinIntervalAroundToday) {
             condition.property = oneIn(2) ? "Birthday" : oneIn(2) ? "ABDate" : "Modification";
+        }
     }
 
     Query query(const Values& record, int depth = 0) {
-        if (depth == 2 || !oneIn(4))
+        if (depth == 2 || !oneIn(4)) {
             return {condition(record)};
+        }
         Query::Compound compound;
         compound.join = oneIn(2) ? Query::Join::any : Query::Join::all;
-        for (std::size_t number = below(4); number > 0; --number)
+        for (std::size_t number = below(4); number > 0; --number) {
             compound.children.push_back(query(record, depth + 1));
+        }
         return {compound};
     }
 
@@ -252,19 +283,22 @@ class Generator {
 
 std::string shown(std::string_view text) {
     std::ostringstream out;
-    for (const char c : text)
-        if (c > ' ' && c < 127)
+    for (const char c : text) {
+        if (c > ' ' && c < 127) {
             out << c;
-        else
+        } else {
             out << "\\x" << std::hex << (static_cast<unsigned>(c) & 0xFF);
+        }
+    }
     return '"' + out.str() + '"';
 }
 
 std::string described(const Query& query) {
     if (const auto* compound = std::get_if<Query::Compound>(&query.node)) {
         std::string out = compound->join == Query::Join::all ? "all(" : "any(";
-        for (const Query& child : compound->children)
+        for (const Query& child : compound->children) {
             out += described(child) + " ";
+        }
         return out + ")";
     }
     const auto& condition = std::get<Condition>(query.node);
@@ -291,8 +325,9 @@ class Model {
                 changes.removed.push_back(uid);
             } else if (generator.oneIn(2)) {
                 Values values = generator.values();
-                if (generator.oneIn(3))
+                if (generator.oneIn(3)) {
                     values["Note"] = Value();
+                }
                 changes.records.push_back(updated(uid, values, record.kind()));
             }
         }
@@ -324,24 +359,28 @@ class Model {
 
     std::vector<RowId> matching(const Query& query) const {
         std::vector<RowId> rows;
-        for (const auto& [row, record] : records_)
-            if (matches(query, record, Date{kNow}))
+        for (const auto& [row, record] : records_) {
+            if (matches(query, record, Date{kNow})) {
                 rows.push_back(row);
+            }
+        }
         return rows;
     }
 
   private:
     void apply(const ChangeSet& changes) {
-        for (const std::string& uid : changes.removed)
+        for (const std::string& uid : changes.removed) {
             std::erase_if(records_, [&](const auto& item) { return item.second.value("UID") == Value(uid); });
+        }
         for (const RecordChange& change : changes.records) {
             const RowId row = store_.find(change.uid)->row;
             auto& record =
                 records_
                     .try_emplace(row, change.kind, Values{{"UID", change.uid}, {"Creation", changes.time}})
                     .first->second;
-            for (const auto& [name, value] : change.values)
+            for (const auto& [name, value] : change.values) {
                 record.values()[name] = value;
+            }
             record.values()["Modification"] = changes.time;
         }
     }
@@ -359,9 +398,11 @@ TEST_P(SearchTest, FindsWhatMatches) {
     for (int save = 0; save < 4; ++save) {
         model.save(generator, kNow - kDay * (3 - save));
         for (int i = 0; i < 1200; ++i) {
-            if (i % 60 == 40) // more than wait for each other
-                for (int few = 0; few < 7; ++few)
+            if (i % 60 == 40) { // more than wait for each other
+                for (int few = 0; few < 7; ++few) {
                     model.saveFew(generator, kNow - kDay * (3 - save) + i * 10 + few);
+                }
+            }
             const auto& records = model.records();
             const auto& near =
                 std::next(records.begin(), static_cast<std::ptrdiff_t>(generator.below(records.size())));
@@ -371,14 +412,16 @@ TEST_P(SearchTest, FindsWhatMatches) {
                 << "seed " << GetParam() << ", save " << save << ", query " << i << ": " << described(query);
             hits += expected.size();
             if (const auto* condition = std::get_if<Condition>(&query.node);
-                condition != nullptr && !expected.empty())
+                condition != nullptr && !expected.empty()) {
                 ++withHits[static_cast<std::size_t>(condition->comparison)];
+            }
         }
         EXPECT_THAT(store.check(), testing::IsEmpty());
     }
     EXPECT_GT(hits, 10'000U);
-    for (std::size_t i = 0; i < withHits.size(); ++i)
+    for (std::size_t i = 0; i < withHits.size(); ++i) {
         EXPECT_GT(withHits[i], 3) << "comparison " << i << " was hardly tried";
+    }
 }
 
 INSTANTIATE_TEST_SUITE_P(Seeds, SearchTest, testing::Values(1U, 2U, 3U));

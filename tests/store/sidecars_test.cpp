@@ -66,9 +66,11 @@ class SidecarsTest : public Scratch {
     // The files in the book's folder whose bytes are these.
     std::vector<std::string> named(const std::string& bytes) const {
         std::vector<std::string> names;
-        for (const auto& entry : fs::directory_iterator(folder()))
-            if (bytesOf(entry) == bytes)
+        for (const auto& entry : fs::directory_iterator(folder())) {
+            if (bytesOf(entry) == bytes) {
                 names.push_back(entry.path().filename());
+            }
+        }
         return names;
     }
 };
@@ -106,12 +108,14 @@ TEST_F(SidecarsTest, ALogAndItsIndexOfAnotherBookAreRefused) {
     {
         Store other(root() / "other");
         addPerson(other, {{"First", text("Eve")}});
-        for (const char* suffix : {"-wal", "-shm"})
+        for (const char* suffix : {"-wal", "-shm"}) {
             fs::copy_file(other.file().string() + suffix, beside(suffix));
+        }
     }
-    for (const Store::Access access : {Store::Access::readOnly, Store::Access::readWrite})
+    for (const Store::Access access : {Store::Access::readOnly, Store::Access::readWrite}) {
         expectRefused(Reason::damaged, "the log beside it, AddressBook.db-wal, belongs to another file",
                       access);
+    }
     EXPECT_THROW(backUp(folder(), root() / "backup", Existing::refuse), std::exception);
     repair(folder());
     EXPECT_EQ(contentsOf(Store(folder())), before);
@@ -131,9 +135,10 @@ TEST_F(SidecarsTest, AJournalOfAnotherBookIsRefused) {
     makeBook(root() / "other", "Eve");
     interrupt(root() / "other");
     fs::copy_file(root() / "other" / "AddressBook.db-journal", beside("-journal"));
-    for (const Store::Access access : {Store::Access::readOnly, Store::Access::readWrite})
+    for (const Store::Access access : {Store::Access::readOnly, Store::Access::readWrite}) {
         expectRefused(Reason::damaged,
                       "the journal beside it, AddressBook.db-journal, belongs to another file", access);
+    }
     repair(folder());
     EXPECT_EQ(contentsOf(Store(folder())), before);
 }
@@ -142,8 +147,9 @@ TEST_F(SidecarsTest, AJournalOfAnOlderStateIsRefused) {
     makeBook(folder(), "Ann");
     interrupt(folder());
     fs::copy_file(beside("-journal"), root() / "journal");
-    for (const char* first : {"Bea", "Cid", "Dan"})
+    for (const char* first : {"Bea", "Cid", "Dan"}) {
         makeBook(folder(), first);
+    }
     const Contents before = contentsOf(Store(folder()));
     fs::copy_file(root() / "journal", beside("-journal"));
     expectRefused(Reason::damaged, "to an older state");

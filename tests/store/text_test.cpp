@@ -13,8 +13,9 @@ TEST(TextTest, EveryUtf16TextReturnsUnchanged) {
                                           0xDBFF, 0xDC00, 0xDFFF, 0xE000, 0xFFFD, 0xFFFF};
     for (int round = 0; round < 5000; ++round) {
         std::u16string text;
-        for (std::size_t length = random() % 8; length > 0; --length)
+        for (std::size_t length = random() % 8; length > 0; --length) {
             text.push_back(kUnits[random() % std::size(kUnits)]);
+        }
         EXPECT_EQ(utf16FromUtf8(utf8FromUtf16(text)), text) << "round " << round;
     }
 }
@@ -33,8 +34,9 @@ TEST(TextTest, WhatIsNoUtf8BecomesReplacementCharacters) {
     std::mt19937 random(3);
     for (int round = 0; round < 5000; ++round) {
         std::string bytes;
-        for (std::size_t length = random() % 12; length > 0; --length)
+        for (std::size_t length = random() % 12; length > 0; --length) {
             bytes.push_back(static_cast<char>(random()));
+        }
         const std::string folded = fold(bytes);
         EXPECT_EQ(utf8FromUtf16(utf16FromUtf8(folded)), folded) << "round " << round;
     }

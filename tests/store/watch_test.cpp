@@ -68,8 +68,9 @@ class Watching {
     // The numbers of what was told, once so many are there.
     std::vector<std::int64_t> numbers(std::size_t count) {
         std::vector<std::int64_t> numbers;
-        for (const LoggedChange& change : changes(count))
+        for (const LoggedChange& change : changes(count)) {
             numbers.push_back(change.change);
+        }
         return numbers;
     }
     // The number that was told last, once it is this one: how often a book is told of that was away depends
@@ -92,8 +93,9 @@ class Watching {
         for (;;) {
             {
                 const std::lock_guard<std::mutex> guard(lock_);
-                if (done() || std::chrono::steady_clock::now() > end)
+                if (done() || std::chrono::steady_clock::now() > end) {
                     return items;
+                }
             }
             std::this_thread::sleep_for(std::chrono::milliseconds(1));
         }
@@ -143,11 +145,13 @@ TEST_F(WatchTest, KnowsTheSavesOfThisProcess) {
     Watching watching(store.file(), 0);
     addPerson(store, {});
     addPerson(store, {});
-    for (const LoggedChange& change : watching.changes(2))
+    for (const LoggedChange& change : watching.changes(2)) {
         EXPECT_TRUE(change.own);
+    }
     sql(store.file(), "UPDATE change SET origin = NULL; UPDATE change SET origin = 'other' WHERE id = 2");
-    for (const LoggedChange& change : store.changesSince(0))
+    for (const LoggedChange& change : store.changesSince(0)) {
         EXPECT_FALSE(change.own);
+    }
 }
 
 TEST_F(WatchTest, LearnsOfAWriterThatEndedBeforeItCouldTell) {
@@ -197,8 +201,9 @@ TEST_F(WatchTest, GoesOnWithAnotherFileInTheBooksPlace) {
     Watching watching(file, 0);
     EXPECT_THAT(watching.numbers(1), ElementsAre(1));
     fs::create_directory(root() / "away");
-    for (const auto& entry : fs::directory_iterator(folder()))
+    for (const auto& entry : fs::directory_iterator(folder())) {
         fs::rename(entry.path(), root() / "away" / entry.path().filename());
+    }
     Store store(folder()); // begins a new book
     addPerson(store, {});
     // Whether it saw the new book before that save or only after, its first word is that all is new.
@@ -206,8 +211,9 @@ TEST_F(WatchTest, GoesOnWithAnotherFileInTheBooksPlace) {
     ASSERT_GE(changes.size(), 2U);
     EXPECT_TRUE(changes[1].tellsNothing());
     addPerson(store, {});
-    while (watching.numbers(0).back() != 2)
+    while (watching.numbers(0).back() != 2) {
         std::this_thread::sleep_for(std::chrono::milliseconds(1));
+    }
     EXPECT_THAT(watching.reasons(0), IsEmpty());
 }
 
@@ -267,8 +273,9 @@ TEST_F(WatchTest, LooksByTheClockAtASnapshotOfWhichNobodyTells) {
 }
 
 TEST_F(WatchTest, OfABookThatIsNotThereEndsWhenItIsTold) {
-    for (int i = 0; i < 20; ++i)
+    for (int i = 0; i < 20; ++i) {
         Watching(folder() / "AddressBook.db", 0);
+    }
 }
 
 } // namespace

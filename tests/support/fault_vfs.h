@@ -59,8 +59,9 @@ class FaultVfs {
         file->pMethods = nullptr;
         // On a full disk the files that are there can still be opened.
         const bool works = state().code == SQLITE_FULL && (name == nullptr || ::access(name, F_OK) == 0);
-        if (!works && fails())
+        if (!works && fails()) {
             return SQLITE_CANTOPEN;
+        }
         const int result = state().base->xOpen(state().base, name, file, flags, outFlags);
         if (result == SQLITE_OK && file->pMethods != nullptr) {
             Patched& patched = state().patched.emplace_back();

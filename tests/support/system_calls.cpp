@@ -45,15 +45,17 @@ bool isReadOnly(const char* path) {
 
 // Notes a call that changes something; answers whether it is the last.
 bool isLast(char kind) {
-    if (state().left < 0)
+    if (state().left < 0) {
         return false;
+    }
     state().made += kind;
     return state().left-- == 0;
 }
 
 void changeFile(char kind) {
-    if (isLast(kind))
+    if (isLast(kind)) {
         kill(getpid(), SIGKILL);
+    }
 }
 
 int refuse() {
@@ -62,7 +64,7 @@ int refuse() {
 }
 
 ino_t identityOf(int file) {
-    struct stat status {};
+    struct stat status{};
     return fstat(file, &status) == 0 ? status.st_ino : 0;
 }
 
@@ -88,13 +90,15 @@ int syncing(int (*real)(int), int file) {
 }
 
 int opening(int (*real)(const char*, int, ...), const char* path, int flags, mode_t mode) {
-    struct stat status {};
+    struct stat status{};
     const bool writes = (flags & O_ACCMODE) != O_RDONLY;
     const bool makes = (flags & O_CREAT) != 0 && stat(path, &status) != 0;
-    if (isReadOnly(path) && (makes || (writes && stat(path, &status) == 0)))
+    if (isReadOnly(path) && (makes || (writes && stat(path, &status) == 0))) {
         return refuse();
-    if (makes)
+    }
+    if (makes) {
         changeFile('n');
+    }
     return real(path, flags, mode);
 }
 
@@ -133,8 +137,9 @@ int access(const char* path, int rights) noexcept {
 
 int mkdir(const char* path, mode_t mode) noexcept {
     static const auto real = next<int(const char*, mode_t)>("mkdir");
-    if (isReadOnly(path))
+    if (isReadOnly(path)) {
         return refuse();
+    }
     changeFile('n');
     return real(path, mode);
 }
@@ -246,7 +251,7 @@ std::string callsMade() {
 }
 
 bool isUnsynced(const std::filesystem::path& file) {
-    struct stat status {};
+    struct stat status{};
     const std::lock_guard<std::mutex> guard(state().lock);
     return stat(file.c_str(), &status) == 0 && state().unsynced.contains(status.st_ino);
 }

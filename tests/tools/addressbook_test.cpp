@@ -115,21 +115,24 @@ TEST_F(ProgramTest, DryRunSavesNothing) {
 // Killed at moments that are spread over the time that it takes.
 TEST_F(ProgramTest, ImportThatIsKilledIsDoneOrNot) {
     std::string cards;
-    for (int i = 0; i < 100; ++i)
+    for (int i = 0; i < 100; ++i) {
         cards += card("N:P" + std::to_string(i) + "\r\nCATEGORIES:All\r\n");
+    }
     const std::string path = file("many.vcf", cards);
     const auto begin = std::chrono::steady_clock::now();
     ASSERT_EQ(run({"import", path}).status, 0);
     const std::chrono::duration<double> time = std::chrono::steady_clock::now() - begin;
     for (int moment = 1; moment <= 4; ++moment) {
         SCOPED_TRACE(moment);
-        for (const auto& entry : std::filesystem::directory_iterator(book()))
+        for (const auto& entry : std::filesystem::directory_iterator(book())) {
             std::filesystem::remove_all(entry.path());
+        }
         const Outcome killed = shell("timeout -s KILL " + std::to_string(time.count() * moment / 4) +
                                      " $A import '" + path + "'");
         EXPECT_THAT(killed.status, testing::AnyOf(0, 128 + SIGKILL)) << killed.err;
-        if (!std::filesystem::exists(book() / "AddressBook.db"))
+        if (!std::filesystem::exists(book() / "AddressBook.db")) {
             continue;
+        }
         EXPECT_EQ(run({"check"}).status, 0);
         EXPECT_THAT(count("list"), testing::AnyOf(0U, 100U));
         EXPECT_EQ(count("groups"), count("list") / 100);
@@ -189,8 +192,9 @@ TEST_F(ProgramTest, ExportReplacesItsFileOnlyWhenWhole) {
     EXPECT_EQ(run({"export", path}).status, 0);
     EXPECT_THAT(bytesOf(path), StartsWith("BEGIN:VCARD"));
     EXPECT_EQ(run({"export", (folder() / "none/out.vcf").string()}).status, 1);
-    for (const auto& each : std::filesystem::directory_iterator(folder()))
+    for (const auto& each : std::filesystem::directory_iterator(folder())) {
         EXPECT_EQ(each.path().string().find("out.vcf."), std::string::npos) << each.path();
+    }
 }
 
 TEST_F(ProgramTest, ListEscapesAndQuotes) {
@@ -283,8 +287,9 @@ TEST_F(ProgramTest, FilesThatCannotBeRead) {
 
 TEST_F(ProgramTest, ClosedOutputIsNoFailure) {
     std::string text;
-    for (int at = 0; at < 20'000; ++at)
+    for (int at = 0; at < 20'000; ++at) {
         text += card("N:Somebody " + std::to_string(at) + "\r\n");
+    }
     EXPECT_EQ(run({"import", file("many.vcf", text)}).status, 0);
     const Outcome outcome = shell("{ \"$A\" list; echo $? >&2; } | head -n 1");
     EXPECT_EQ(outcome.err, "0\n");

@@ -31,10 +31,12 @@ class BackupTest : public testing::Test, public Sandbox {
     fs::path database() const { return book() / "AddressBook.db"; }
     std::vector<fs::path> beside() const {
         std::vector<fs::path> files;
-        for (const auto& entry : fs::directory_iterator(book()))
+        for (const auto& entry : fs::directory_iterator(book())) {
             if (entry.path() != database() && entry.path() != database().string() + "-wal" &&
-                entry.path() != database().string() + "-shm")
+                entry.path() != database().string() + "-shm") {
                 files.push_back(entry.path());
+            }
+        }
         return files;
     }
     std::string names() const { return run({"list", "--fields", "firstname"}).out; }
@@ -81,17 +83,21 @@ TEST_F(BackupTest, ComesBack) {
 }
 
 TEST_F(BackupTest, IsOneFileForItsOwnerOnly) {
-    { const Store store(book()); }
+    {
+        const Store store(book());
+    }
     const mode_t old = umask(0);
     EXPECT_EQ(backUp().status, 0);
     EXPECT_EQ(restore().status, 0);
     umask(old);
     EXPECT_EQ(fs::status(file_).permissions(), fs::perms(0600));
-    for (const auto& entry : fs::directory_iterator(book()))
+    for (const auto& entry : fs::directory_iterator(book())) {
         EXPECT_EQ(entry.status().permissions(), fs::perms(0600)) << entry.path();
-    for (const auto& entry : fs::directory_iterator(folder()))
+    }
+    for (const auto& entry : fs::directory_iterator(folder())) {
         EXPECT_THAT(entry.path().filename().string(),
                     testing::AnyOf("book", "home", "stdin", "stdout", "stderr", "saved.backup"));
+    }
 }
 
 TEST_F(BackupTest, HoldsWhatIsSavedWhileOthersHaveTheBookOpenAndGoOnSaving) {
@@ -108,7 +114,9 @@ TEST_F(BackupTest, HoldsWhatIsSavedWhileOthersHaveTheBookOpenAndGoOnSaving) {
 }
 
 TEST_F(BackupTest, ReplacesNothingUnasked) {
-    { const Store store(book()); }
+    {
+        const Store store(book());
+    }
     file("saved.backup", "precious");
     const Outcome outcome = backUp();
     EXPECT_EQ(outcome.status, 1);
@@ -138,8 +146,9 @@ TEST_F(BackupTest, RestoresWhereThereIsNoBook) {
         ada = addPerson(store, {{"First", text("Ada")}});
     }
     EXPECT_EQ(backUp().status, 0);
-    for (const auto& entry : fs::directory_iterator(book()))
+    for (const auto& entry : fs::directory_iterator(book())) {
         fs::remove(entry.path());
+    }
     EXPECT_EQ(restore().status, 0);
     EXPECT_EQ(names(), line(ada, "Ada"));
     EXPECT_THAT(beside(), IsEmpty());
@@ -216,7 +225,9 @@ TEST_F(BackupTest, RestoredUnderOpenStoresIsSeenByThemAndNothingOfTheOldLogIsTak
 }
 
 TEST_F(BackupTest, WaitsForNoSaveToBeLostWhileItIsRestored) {
-    { const Store store(book()); }
+    {
+        const Store store(book());
+    }
     EXPECT_EQ(backUp().status, 0);
     const std::string restore =
         "for i in 1 2 3 4 5; do $A restore '" + file_.string() + "' || exit 9; done; ";

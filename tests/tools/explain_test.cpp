@@ -24,9 +24,10 @@ class ExplainProgramTest : public testing::Test, public Sandbox {
     // With so many records that the save writes the indexes.
     ExplainProgramTest() {
         std::string cards = kPeople;
-        for (int i = 0; i < 8; ++i)
+        for (int i = 0; i < 8; ++i) {
             cards += "BEGIN:VCARD\nVERSION:3.0\nFN:Crew " + std::to_string(i) +
                      "\nX-ADDRESSBOOKSERVER-KIND:group\nEND:VCARD\n";
+        }
         EXPECT_EQ(run({"import", file("people.vcf", cards)}).status, 0);
     }
 
@@ -174,8 +175,9 @@ TEST_F(ExplainProgramTest, SaysWhereASearchCannotBeRead) {
         {"(Last = 'x'", "column 12: expected \"and\", \"or\" or \")\", not the end"},
         {"Last = 'x' and", "column 15: expected a property, as Last, or \"(\", not the end"},
     };
-    for (const auto& [search, message] : kWrong)
+    for (const auto& [search, message] : kWrong) {
         EXPECT_EQ(refused(search), message);
+    }
     EXPECT_EQ(run({"check", "--explain"}).status, 2);
     EXPECT_EQ(run({"check", "--explain", "Last = 'x'", "--book", (folder() / "no/such").string()}).status, 3);
 }

@@ -12,8 +12,9 @@ namespace {
 
 std::string quoted(const std::string& text) {
     std::string result = "'";
-    for (const char byte : text)
+    for (const char byte : text) {
         result += byte == '\'' ? std::string("'\\''") : std::string(1, byte);
+    }
     return result + "'";
 }
 
@@ -33,8 +34,9 @@ std::string Sandbox::file(const std::string& name, std::string_view contents) co
 
 Outcome Sandbox::run(const std::vector<std::string>& arguments, std::string_view input) const {
     std::string command = quoted(ADDRESSBOOK_PROGRAM);
-    for (const std::string& argument : arguments)
+    for (const std::string& argument : arguments) {
         command += ' ' + quoted(argument);
+    }
     file("stdin", input);
     return execute(command);
 }

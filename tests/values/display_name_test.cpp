@@ -20,8 +20,9 @@ Value list(std::string value) {
 
 std::string named(const std::map<std::string_view, Value>& given, Kind kind = Kind::person) {
     Values values;
-    for (const auto& [property, value] : given)
+    for (const auto& [property, value] : given) {
         values.emplace(property, value);
+    }
     return displayName(MemoryRecord(kind, std::move(values)));
 }
 

@@ -97,10 +97,12 @@ TEST(BadCardsTest, HugeInputIsRefusedSoon) {
         std::string name, text, reason;
     };
     std::string telephones, folds;
-    for (std::size_t at = 0; at <= kMaxCardLines; ++at)
+    for (std::size_t at = 0; at <= kMaxCardLines; ++at) {
         telephones += "TEL:1\r\n";
-    for (std::size_t at = 0; at < 400'000; ++at)
+    }
+    for (std::size_t at = 0; at < 400'000; ++at) {
         folds += "\r\n x";
+    }
     const std::vector<Huge> rows{
         {"one line", begin + "NOTE:" + std::string(much, 'x') + end, "the card is larger than 32 MB"},
         {"no line end", std::string(much, 'x') + "\n",
@@ -124,9 +126,10 @@ TEST(BadCardsTest, HugeInputIsRefusedSoon) {
 
 TEST(ReadingTest, StreamsAndTextsAgree) {
     std::string text;
-    for (int at = 0; at < 5000; ++at)
+    for (int at = 0; at < 5000; ++at) {
         text += cardText(
             {"N:Card " + std::to_string(at), "NOTE:" + std::string(static_cast<std::size_t>(at % 300), 'n')});
+    }
     std::istringstream stream(text);
     Reader fromStream(stream);
     Reader fromText{std::string_view(text)};

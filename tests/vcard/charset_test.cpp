@@ -10,8 +10,9 @@ namespace {
 // "Zoë" with a euro sign behind it, in UTF-16.
 std::string utf16(std::string_view ascii, bool bigEndian, bool mark) {
     std::u16string units = mark ? u"\uFEFF" : u"";
-    for (const char byte : ascii)
+    for (const char byte : ascii) {
         units.push_back(byte == '$' ? u'\u20AC' : byte == '%' ? u'\u00EB' : static_cast<char16_t>(byte));
+    }
     std::string bytes;
     for (const char16_t unit : units) {
         const char high = static_cast<char>(unit >> 8), low = static_cast<char>(unit);
@@ -24,12 +25,13 @@ std::string utf16(std::string_view ascii, bool bigEndian, bool mark) {
 constexpr std::string_view kName = "Zo\xC3\xAB\xE2\x82\xAC"; // in UTF-8
 
 TEST(CharsetsTest, Utf16WithAndWithoutMark) {
-    for (const bool bigEndian : {false, true})
+    for (const bool bigEndian : {false, true}) {
         for (const bool mark : {false, true}) {
             const Card card =
                 readOne(utf16("begin:vcard\r\nversion:3.0\r\nn:Zo%$\r\nend:vcard\r\n", bigEndian, mark));
             EXPECT_EQ(describe(card, property::kLast), kName) << bigEndian << mark;
         }
+    }
 }
 
 TEST(CharsetsTest, EncodingMayChangeFromCardToCard) {
@@ -77,11 +79,12 @@ TEST(CharsetsTest, PerProperty) {
         {"Zo=C3=AB", ";ENCODING=QUOTED-PRINTABLE;CHARSET=UTF-8", "Zo\xC3\xAB"},
         {"=95=5C", ";CHARSET=SHIFT_JIS;ENCODING=QUOTED-PRINTABLE", "\xE8\xA1\xA8"},
     };
-    for (const Row& row : rows)
+    for (const Row& row : rows) {
         EXPECT_EQ(
             describe(readOne(cardText({"N" + row.parameter + ":" + row.bytes}, "2.1")), property::kLast),
             row.expected)
             << row.parameter;
+    }
 }
 
 TEST(CharsetsTest, Utf8MarkIsNoText) {

@@ -9,8 +9,9 @@ namespace {
 
 std::string withLineEnds(const std::string& text, const std::string& end) {
     std::string result;
-    for (const char byte : text)
+    for (const char byte : text) {
         result += byte == '\n' ? end : std::string(1, byte);
+    }
     return result;
 }
 

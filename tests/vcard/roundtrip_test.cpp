@@ -20,16 +20,20 @@ class Maker {
         Card card;
         card.uid = uuidOf(text()) + ":ABPerson";
         for (const BuiltInProperty& each : builtInProperties()) {
-            if (each.scope == Scope::group || below(3) == 0)
+            if (each.scope == Scope::group || below(3) == 0) {
                 continue;
-            if (Value value = make(each); !value.empty())
+            }
+            if (Value value = make(each); !value.empty()) {
                 card.values[std::string(each.name)] = std::move(value);
+            }
         }
         card.values[std::string(property::kLast)] = trimmed();
-        if (below(2))
+        if (below(2)) {
             card.values[std::string(property::kPersonFlags)] = std::int64_t{below(2) ? 1 : 33};
-        if (below(2))
+        }
+        if (below(2)) {
             card.values[std::string(property::kImage)] = bytes();
+        }
         return card;
     }
 
@@ -48,8 +52,9 @@ class Maker {
                                                      "item1",     "\\n", "TYPE=",    "BEGIN:VCARD",
                                                      "END:VCARD", "=3D"};
         std::string result = "x"; // text at the ends of components is trimmed on reading
-        for (std::size_t left = below(30); left > 0; --left)
+        for (std::size_t left = below(30); left > 0; --left) {
             result += kParts[below(kParts.size())];
+        }
         return result + "y";
     }
 
@@ -57,8 +62,9 @@ class Maker {
 
     Bytes bytes() {
         Bytes result(1 + below(300));
-        for (std::uint8_t& byte : result)
+        for (std::uint8_t& byte : result) {
             byte = static_cast<std::uint8_t>(below(256));
+        }
         return result;
     }
 
@@ -77,23 +83,30 @@ class Maker {
     }
 
     Value entryValue(std::string_view property, int type) {
-        if (type == static_cast<int>(Type::date))
+        if (type == static_cast<int>(Type::date)) {
             return day();
-        if (type == static_cast<int>(Type::string))
+        }
+        if (type == static_cast<int>(Type::string)) {
             return text();
+        }
         Dictionary fields;
-        if (property == property::kAddress)
-            for (const char* key : {"Street", "City", "State", "ZIP", "Country"})
+        if (property == property::kAddress) {
+            for (const char* key : {"Street", "City", "State", "ZIP", "Country"}) {
                 fields[key] = text();
-        if (property == property::kAddress && below(2))
+            }
+        }
+        if (property == property::kAddress && below(2)) {
             fields["CountryCode"] = std::string("dk");
-        if (property == property::kInstantMessage)
+        }
+        if (property == property::kInstantMessage) {
             fields = {{"InstantMessageService", below(2) ? std::string("Skype") : text()},
                       {"InstantMessageUsername", text()}};
-        if (property == property::kSocialProfile)
+        }
+        if (property == property::kSocialProfile) {
             fields = {{"url", text()},
                       {"username", std::string("some body")},
                       {"serviceName", std::string("bird")}};
+        }
         return fields;
     }
 
@@ -101,17 +114,22 @@ class Maker {
         const bool kept = each.name == property::kUid || each.name == property::kCreation ||
                           each.name == property::kModification || each.name == property::kHomePage ||
                           each.name == property::kPersonFlags;
-        if (kept)
+        if (kept) {
             return {}; // the framework's own, or not in vCards
-        if (each.type == static_cast<int>(Type::date))
+        }
+        if (each.type == static_cast<int>(Type::date)) {
             return day();
-        if (each.type == static_cast<int>(Type::string))
+        }
+        if (each.type == static_cast<int>(Type::string)) {
             return text();
+        }
         MultiValue list;
-        for (std::size_t left = 1 + below(4); left > 0; --left)
+        for (std::size_t left = 1 + below(4); left > 0; --left) {
             list.entries.push_back({newUuid(), label(), entryValue(each.name, each.type & 0xFF)});
-        if (const std::size_t chosen = below(list.entries.size()); chosen > 0)
+        }
+        if (const std::size_t chosen = below(list.entries.size()); chosen > 0) {
             list.primary = list.entries[chosen].identifier;
+        }
         return list;
     }
 
@@ -126,8 +144,9 @@ TEST(RoundTripTest, RandomCards) {
         const ReadResult result = readAll(text);
         ASSERT_EQ(result.problems.size(), 0u) << text;
         ASSERT_EQ(result.cards.size(), 1u) << text;
-        for (const auto& [property, value] : card.values)
+        for (const auto& [property, value] : card.values) {
             EXPECT_EQ(describe(result.cards[0], property), describe(value)) << property << '\n' << text;
+        }
         ASSERT_TRUE(sameContents(card, result.cards[0])) << text;
         ASSERT_EQ(write(result.cards[0]), text);
     }

@@ -49,9 +49,11 @@ TEST(WritingTest, APerson) {
 
 TEST(WritingTest, FullNames) {
     const auto fullName = [](const Lines& lines) {
-        for (const std::string& line : linesOf(write(readOne(cardText(lines)))))
-            if (line.starts_with("FN:"))
+        for (const std::string& line : linesOf(write(readOne(cardText(lines))))) {
+            if (line.starts_with("FN:")) {
                 return line.substr(3);
+            }
+        }
         return std::string("none");
     };
     EXPECT_EQ(fullName({"N:Berg;Ida;Maria;Dr.;jun."}), "Dr. Ida Maria Berg jun.");
@@ -64,8 +66,9 @@ TEST(WritingTest, FullNames) {
 TEST(WritingTest, FoldsAt75BytesInsideNoCharacter) {
     for (std::size_t shift = 0; shift < 5; ++shift) {
         std::string note(200 + shift, 'a');
-        for (int at = 0; at < 200; ++at)
+        for (int at = 0; at < 200; ++at) {
             note += at % 3 ? "\xE2\x82\xAC" : "\xF0\x9F\x9A\xA3";
+        }
         Card card = readOne(cardText({"N:A", "NOTE:" + note}));
         const std::string text = write(card);
         for (std::size_t start = 0; start < text.size();) {

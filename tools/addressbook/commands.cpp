@@ -56,20 +56,23 @@ class ProgressLine {
     }
 
     void update(std::size_t bytes, const ImportSummary& summary, bool always = false) {
-        if (!shown_ || (!always && (summary.read % 64 != 0 || Clock::now() - last_ < interval())))
+        if (!shown_ || (!always && (summary.read % 64 != 0 || Clock::now() - last_ < interval()))) {
             return;
+        }
         last_ = Clock::now();
         std::string line = name_ + ": " + counted(summary.read, "card", "cards");
-        if (size_ > 0)
+        if (size_ > 0) {
             line += ", " + std::to_string(std::min<std::uintmax_t>(100, bytes * 100 / size_)) + " %";
+        }
         std::cerr << (terminal_ ? "\r\x1B[K" : "") << line << (terminal_ ? "" : "\n") << std::flush;
         dirty_ = terminal_;
     }
 
     // Makes room for another line on a terminal.
     void clear() {
-        if (dirty_)
+        if (dirty_) {
             std::cerr << "\r\x1B[K";
+        }
         dirty_ = false;
     }
 
@@ -85,36 +88,44 @@ class ProgressLine {
 
 std::string summaryText(const ImportSummary& summary, bool dryRun) {
     std::string text = counted(summary.read, "card", "cards") + " read";
-    if (summary.groups > 0)
+    if (summary.groups > 0) {
         text += " (" + counted(summary.groups, "group", "groups") + ')';
+    }
     text += ": " + std::to_string(summary.added) + " added, " + std::to_string(summary.updated) +
             " updated, " + std::to_string(summary.unchanged) + " unchanged, " +
             std::to_string(summary.refused) + " refused";
-    if (summary.namedGroups > 0)
+    if (summary.namedGroups > 0) {
         text += "; " + counted(summary.namedGroups, "group", "groups") + " made from categories";
-    if (summary.skippedLines > 0)
+    }
+    if (summary.skippedLines > 0) {
         text += "; " + counted(summary.skippedLines, "line", "lines") + " left out";
-    if (summary.unknownMembers > 0)
+    }
+    if (summary.unknownMembers > 0) {
         text += "; " + counted(summary.unknownMembers, "group member", "group members") +
                 " not in the address book";
-    if (summary.circular > 0)
+    }
+    if (summary.circular > 0) {
         text +=
             "; " + counted(summary.circular, "group", "groups") + " not put into another that it contains";
-    if (summary.missing > 0)
+    }
+    if (summary.missing > 0) {
         text += "; " + counted(summary.missing, "record", "records") +
                 " deleted by another program meanwhile, not changed";
+    }
     return text + (dryRun ? " (dry run, nothing saved)" : "");
 }
 
 // The address book of an import; none when a dry run finds that there is none yet.
 std::optional<Store> openForImport(const Options& options) {
-    if (!options.import.dryRun)
+    if (!options.import.dryRun) {
         return std::optional<Store>(std::in_place, folder(options));
+    }
     try {
         return std::optional<Store>(std::in_place, folder(options), Store::Access::readOnly);
     } catch (const StoreError& error) {
-        if (error.reason() != StoreError::Reason::missingFolder)
+        if (error.reason() != StoreError::Reason::missingFolder) {
             throw;
+        }
         return std::nullopt;
     }
 }
@@ -130,16 +141,18 @@ int runExplain(const Options& options) {
         }
     }
     Output output;
-    for (const Query& query : queries)
+    for (const Query& query : queries) {
         explainSearch(store, query, currentTime(), output);
+    }
     output.finish();
     return kDone;
 }
 
 // Tells where the book is that another one has taken the place of.
 void tellKept(const std::filesystem::path& kept) {
-    if (!kept.empty())
+    if (!kept.empty()) {
         std::cerr << "the address book that was there is kept as " << kept.string() << '\n';
+    }
 }
 
 } // namespace
@@ -164,10 +177,11 @@ int runImport(const Options& options) {
         const std::uintmax_t size = standardInput ? 0 : std::filesystem::file_size(file, error);
         std::ifstream stream;
         if (!standardInput) {
-            if (std::filesystem::is_directory(file, error))
+            if (std::filesystem::is_directory(file, error)) {
                 errno = EISDIR;
-            else
+            } else {
                 stream.open(file, std::ios::binary);
+            }
             if (!stream.is_open()) {
                 progress.clear();
                 complain(file + ": " + std::strerror(errno));
@@ -180,8 +194,9 @@ int runImport(const Options& options) {
         const ImportSummary& soFar = importer.read(standardInput ? std::cin : stream, name);
         progress.update(error ? 0 : size, soFar, true);
         progress.clear();
-        if (soFar.read == before)
+        if (soFar.read == before) {
             complain(name + ": no vCard in it");
+        }
         unread = unread || soFar.read == before;
         before = soFar.read;
     }
@@ -195,10 +210,11 @@ int runExport(const Options& options) {
     const Store store = open(options, Store::Access::readOnly);
     const bool standardOutput = options.write.file.empty() || options.write.file == "-";
     std::optional<Output> output;
-    if (standardOutput)
+    if (standardOutput) {
         output.emplace();
-    else
+    } else {
         output.emplace(options.write.file);
+    }
     const ExportSummary summary = exportCards(store, options.write.group, *output);
     std::cerr << counted(summary.people, "person", "people") << " and "
               << counted(summary.groups, "group", "groups") << " exported\n";
@@ -209,10 +225,11 @@ int runList(const Options& options) {
     const Store store = open(options, Store::Access::readOnly);
     const std::vector<Field> fields = parseFields(options.list.fields, store);
     Output output;
-    if (options.list.json)
+    if (options.list.json) {
         listPeopleAsJson(store, fields, output);
-    else
+    } else {
         listPeople(store, fields, output);
+    }
     return kDone;
 }
 
@@ -235,8 +252,9 @@ int runMe(const Options& options) {
         const Store store = open(options, Store::Access::readOnly);
         const auto uid = store.me();
         const auto record = uid ? store.find(*uid) : std::nullopt;
-        if (!record)
+        if (!record) {
             throw Failure("no person is marked as the user's own card; addressbook me ID marks one");
+        }
         Output output;
         output.write(record->uid + '\t' + escaped(displayName(store, *record)) + '\n');
         output.finish();
@@ -247,23 +265,27 @@ int runMe(const Options& options) {
     changes.me = "";
     if (!options.me.clear) {
         const RecordRef record = findRecord(store, options.me.id);
-        if (record.kind != Kind::person)
+        if (record.kind != Kind::person) {
             throw Failure(record.uid + " is a group; the user's own card is a person");
+        }
         changes.me = record.uid;
     }
-    if (!store.save(changes).missing.empty())
+    if (!store.save(changes).missing.empty()) {
         throw Failure(options.me.id + " was deleted by another program just now");
+    }
     return kDone;
 }
 
 int runCheck(const Options& options) {
-    if (!options.searches.empty())
+    if (!options.searches.empty()) {
         return runExplain(options);
+    }
     const Store store = open(options, Store::Access::readOnly);
     const std::vector<std::string> problems = store.check();
     Output output;
-    for (const std::string& problem : problems)
+    for (const std::string& problem : problems) {
         output.write(problem + '\n');
+    }
     output.finish();
     if (!problems.empty()) {
         complain(store.file().string() + ": " + counted(problems.size(), "problem", "problems"));
@@ -295,8 +317,9 @@ int runRepair(const Options& options) {
         return kDone;
     }
     Output output;
-    for (const std::string& lost : report.lost)
+    for (const std::string& lost : report.lost) {
         output.write(lost + '\n');
+    }
     output.finish();
     std::cerr << contents(report.people, report.groups) << " rescued\n";
     tellKept(report.kept);

@@ -73,8 +73,9 @@ class Tokens {
     // Takes the next token when it is this word or sign.
     bool take(std::string_view word) {
         const bool taken = is(word);
-        if (taken)
+        if (taken) {
             advance();
+        }
         return taken;
     }
     bool is(std::string_view word) const {
@@ -89,11 +90,13 @@ class Tokens {
 
   private:
     void advance() {
-        while (at_ < text_.size() && isSpace(text_[at_]))
+        while (at_ < text_.size() && isSpace(text_[at_])) {
             ++at_;
+        }
         token_ = {Token::Kind::end, "", countCharacters(text_.substr(0, at_)) + 1};
-        if (at_ == text_.size())
+        if (at_ == text_.size()) {
             return;
+        }
         const char first = text_[at_];
         if (isQuote(first)) {
             quoted(first);
@@ -113,8 +116,9 @@ class Tokens {
     template <typename Belongs>
     void run(Token::Kind kind, Belongs belongs) {
         token_.kind = kind;
-        while (at_ < text_.size() && belongs(text_[at_]))
+        while (at_ < text_.size() && belongs(text_[at_])) {
             token_.text += text_[at_++];
+        }
     }
 
     void quoted(char quote) {
@@ -151,14 +155,19 @@ std::vector<std::pair<std::string, Property>> properties(const Store& store) {
     const auto add = [&](std::string_view name, std::string_view property, Kind kind) {
         known.push_back({std::string(name), {std::string(property), kind}});
     };
-    for (const BuiltInProperty& one : builtInProperties())
+    for (const BuiltInProperty& one : builtInProperties()) {
         add(one.name, one.name, one.scope == Scope::group ? Kind::group : Kind::person);
-    for (const Field& field : allFields(store))
-        if (!field.property.empty())
+    }
+    for (const Field& field : allFields(store)) {
+        if (!field.property.empty()) {
             add(field.name, field.property, Kind::person);
-    for (const PropertyDefinition& own : store.definitions())
-        if (own.kind == Kind::group)
+        }
+    }
+    for (const PropertyDefinition& own : store.definitions()) {
+        if (own.kind == Kind::group) {
             add(own.name, own.name, own.kind);
+        }
+    }
     return known;
 }
 
@@ -175,12 +184,13 @@ std::string suggestion(const Rows& known, std::string_view word, Name name) {
     const std::string wanted = fold(word);
     std::string nearest;
     std::size_t least = 4;
-    for (const auto& row : known)
+    for (const auto& row : known) {
         if (const std::size_t changes = distance(wanted, fold(name(row)));
             changes < least && changes < word.size()) {
             least = changes;
             nearest = name(row);
         }
+    }
     return nearest.empty() ? "" : "; did you mean " + nearest + '?';
 }
 
@@ -190,8 +200,9 @@ class Parser {
 
     Query whole() {
         Query query = search();
-        if (tokens_.next().kind != Token::Kind::end)
+        if (tokens_.next().kind != Token::Kind::end) {
             tokens_.failExpecting("\"and\", \"or\" or the end");
+        }
         return query;
     }
 
@@ -204,20 +215,24 @@ class Parser {
     template <typename Part>
     Query joined(Query::Join join, std::string_view word, Part part) {
         Query first = part();
-        if (!tokens_.is(word))
+        if (!tokens_.is(word)) {
             return first;
+        }
         Query::Compound compound{join, {std::move(first)}};
-        while (tokens_.take(word))
+        while (tokens_.take(word)) {
             compound.children.push_back(part());
+        }
         return {compound};
     }
 
     Query part() {
-        if (!tokens_.take("("))
+        if (!tokens_.take("(")) {
             return {condition()};
+        }
         Query query = search();
-        if (!tokens_.take(")"))
+        if (!tokens_.take(")")) {
             tokens_.failExpecting("\"and\", \"or\" or \")\"");
+        }
         return query;
     }
 
@@ -226,18 +241,21 @@ class Parser {
         Condition condition;
         condition.kind = property.kind;
         condition.property = property.name;
-        if (tokens_.take("key"))
+        if (tokens_.take("key")) {
             condition.key = word("the name of a field, as City").text;
-        if (tokens_.take("label"))
+        }
+        if (tokens_.take("label")) {
             condition.label = label();
+        }
         condition.comparison = comparison(condition);
         condition.value = value();
         return condition;
     }
 
     Token word(const std::string& what) {
-        if (tokens_.next().kind != Token::Kind::word && tokens_.next().kind != Token::Kind::quoted)
+        if (tokens_.next().kind != Token::Kind::word && tokens_.next().kind != Token::Kind::quoted) {
             tokens_.failExpecting(what);
+        }
         return tokens_.take();
     }
 
@@ -246,23 +264,28 @@ class Parser {
         const Token token = word("a property, as Last, or \"(\"");
         const auto name = [](const auto& row) { return row.first; };
         const auto found = named(properties_, token.text, name);
-        if (found == properties_.end())
+        if (found == properties_.end()) {
             fail(column, "expected a property; none is named \"" + token.text + '"' +
                              suggestion(properties_, token.text, name));
+        }
         return found->second;
     }
 
     // A bare word is one of the labels that everybody has, when there is such a one.
     std::string label() {
         const Token token = word("a label, as Home");
-        if (token.kind == Token::Kind::quoted)
+        if (token.kind == Token::Kind::quoted) {
             return token.text;
+        }
         std::string capital = token.text;
-        if (capital.front() >= 'a' && capital.front() <= 'z')
+        if (capital.front() >= 'a' && capital.front() <= 'z') {
             capital.front() = static_cast<char>(capital.front() - 'a' + 'A');
-        for (const std::string& each : {token.text, capital})
-            if (std::string known = "_$!<" + each + ">!$_"; wordCode(known) != 0)
+        }
+        for (const std::string& each : {token.text, capital}) {
+            if (std::string known = "_$!<" + each + ">!$_"; wordCode(known) != 0) {
                 return known;
+            }
+        }
         return token.text;
     }
 
@@ -271,49 +294,59 @@ class Parser {
                                  : condition.key ? std::string("\"label\" or ") + kComparisonWord
                                                  : std::string("\"key\", \"label\" or ") + kComparisonWord;
         const Token& token = tokens_.next();
-        if (token.kind == Token::Kind::end || token.kind == Token::Kind::quoted)
+        if (token.kind == Token::Kind::end || token.kind == Token::Kind::quoted) {
             tokens_.failExpecting(what);
+        }
         std::string_view text = token.text;
-        if (text.size() > 3 && fold(text).starts_with("kab"))
+        if (text.size() > 3 && fold(text).starts_with("kab")) {
             text.remove_prefix(3);
+        }
         const auto nameOf = [](const auto& row) { return std::string(row.name); };
         const auto take = [this](Comparison found) {
             tokens_.take();
             return found;
         };
-        if (const auto row = named(comparisons(), text, nameOf); row != comparisons().end())
+        if (const auto row = named(comparisons(), text, nameOf); row != comparisons().end()) {
             return take(row->comparison);
-        if (const auto row = named(kShortNames, text, nameOf); row != kShortNames.end())
+        }
+        if (const auto row = named(kShortNames, text, nameOf); row != kShortNames.end()) {
             return take(row->comparison);
+        }
         std::string hint = suggestion(kShortNames, text, nameOf);
-        if (hint.empty())
+        if (hint.empty()) {
             hint = suggestion(comparisons(), text, nameOf);
+        }
         tokens_.failExpecting(what, hint);
     }
 
     Value value() {
         static const std::string what = "a value (text in quotes, a number, a date as 2026-01-31, or nil)";
-        if (tokens_.next().kind == Token::Kind::quoted)
+        if (tokens_.next().kind == Token::Kind::quoted) {
             return tokens_.take().text;
-        if (tokens_.take("nil"))
+        }
+        if (tokens_.take("nil")) {
             return {};
-        if (tokens_.next().kind != Token::Kind::word)
+        }
+        if (tokens_.next().kind != Token::Kind::word) {
             tokens_.failExpecting(what);
+        }
         const std::string& text = tokens_.next().text;
         Value value;
-        if (std::int64_t whole = 0; reads(text, whole))
+        if (std::int64_t whole = 0; reads(text, whole)) {
             value = whole;
-        else if (double real = 0; reads(text, real) && std::isfinite(real))
+        } else if (double real = 0; reads(text, real) && std::isfinite(real)) {
             value = real;
-        else if (const auto day = text.size() == 10 ? vcard::parseDay(text, kNoYear) : std::nullopt)
+        } else if (const auto day = text.size() == 10 ? vcard::parseDay(text, kNoYear) : std::nullopt) {
             value = *day;
-        else
+        } else {
             tokens_.failExpecting(what);
+        }
         tokens_.take();
         if (value.as<Date>() == nullptr && (tokens_.is("days") || tokens_.is("day"))) {
             const auto* whole = value.as<std::int64_t>();
-            if (whole == nullptr || *whole < -INT32_MAX || *whole > INT32_MAX)
+            if (whole == nullptr || *whole < -INT32_MAX || *whole > INT32_MAX) {
                 tokens_.failExpecting("a whole number before it");
+            }
             value = *whole * kSecondsPerDay;
             tokens_.take();
         }
@@ -332,16 +365,19 @@ class Parser {
 
 std::string quotedText(std::string_view text) {
     std::string out = "\"";
-    for (const char c : escaped(text))
+    for (const char c : escaped(text)) {
         out.append(c == '"' ? "\\" : "").push_back(c);
+    }
     return out + '"';
 }
 
 std::string wantedText(const Value& value) {
-    if (const auto* text = value.as<std::string>())
+    if (const auto* text = value.as<std::string>()) {
         return quotedText(*text);
-    if (const auto* date = value.as<Date>())
+    }
+    if (const auto* date = value.as<Date>()) {
         return vcard::dayText(*date).value_or("");
+    }
     return value.empty() ? "nil" : valueText(value);
 }
 
@@ -354,10 +390,12 @@ Query parseSearch(std::string_view text, const Store& store) {
 std::string conditionText(const Condition& condition) {
     const bool plain = condition.property.find_first_of(" \t\"'()=!<>\\") == std::string::npos;
     std::string text = plain ? condition.property : quotedText(condition.property);
-    if (condition.key)
+    if (condition.key) {
         text += " key " + quotedText(*condition.key);
-    if (condition.label)
+    }
+    if (condition.label) {
         text += " label " + quotedText(*condition.label);
+    }
     text += ' ';
     text += factsOf(condition.comparison).name;
     return text + ' ' + wantedText(condition.value);
@@ -365,8 +403,9 @@ std::string conditionText(const Condition& condition) {
 
 std::string shortComparisons() {
     std::string text;
-    for (const ShortName& row : kShortNames)
+    for (const ShortName& row : kShortNames) {
         text += (text.empty() ? "" : ", ") + std::string(row.name);
+    }
     return text + " (those in letters ignore case)";
 }
 

@@ -25,9 +25,11 @@ constexpr std::array kPaths{
 };
 
 constexpr bool inOrder() {
-    for (std::size_t i = 0; i < kPaths.size(); ++i)
-        if (static_cast<std::size_t>(kPaths[i].path) != i)
+    for (std::size_t i = 0; i < kPaths.size(); ++i) {
+        if (static_cast<std::size_t>(kPaths[i].path) != i) {
             return false;
+        }
+    }
     return true;
 }
 static_assert(inOrder());
@@ -44,34 +46,40 @@ std::string milliseconds(std::chrono::nanoseconds time) {
 }
 
 std::string heading(const Query& query) {
-    if (const auto* condition = std::get_if<Condition>(&query.node))
+    if (const auto* condition = std::get_if<Condition>(&query.node)) {
         return conditionText(*condition);
+    }
     return std::get<Query::Compound>(query.node).join == Query::Join::all ? "all of these" : "any of these";
 }
 
 std::string answer(const SearchStep& step) {
-    if (step.execution == SearchStep::Execution::skipped)
+    if (step.execution == SearchStep::Execution::skipped) {
         return "not looked up, nothing was left";
+    }
     std::string text;
-    if (step.execution == SearchStep::Execution::verified)
+    if (step.execution == SearchStep::Execution::verified) {
         text = "what was left, record by record";
-    else if (std::holds_alternative<Condition>(step.query->node))
+    } else if (std::holds_alternative<Condition>(step.query->node)) {
         text = kPaths[static_cast<std::size_t>(step.path)].text +
                number(step.indexRows, "index row", "index rows");
-    else
+    } else {
         text = "searched in this order";
-    if (step.records > 0)
+    }
+    if (step.records > 0) {
         text += number(step.records, "record read", "records read");
-    if (step.everyone > 0)
+    }
+    if (step.everyone > 0) {
         text += "; taken away from all " + std::to_string(step.everyone);
+    }
     return text + number(step.hits, "hit", "hits") + milliseconds(step.time);
 }
 
 void write(const SearchStep& step, const std::string& indent, const std::string& mark, Output& output) {
     const std::string below = indent + std::string(mark.empty() ? 2 : mark.size(), ' ');
     output.write(indent + mark + heading(*step.query) + '\n' + below + answer(step) + '\n');
-    for (std::size_t i = 0; i < step.parts.size(); ++i)
+    for (std::size_t i = 0; i < step.parts.size(); ++i) {
         write(step.parts[i], below, std::to_string(i + 1) + ". ", output);
+    }
 }
 
 } // namespace

@@ -59,16 +59,19 @@ constexpr std::array kFields{
 
 std::string join(const std::vector<std::string>& parts, std::string_view separator) {
     std::string joined;
-    for (const std::string& part : parts)
-        if (!part.empty())
+    for (const std::string& part : parts) {
+        if (!part.empty()) {
             joined.append(joined.empty() ? "" : separator).append(part);
+        }
+    }
     return joined;
 }
 
 std::string dateText(Date date) {
     const double seconds = std::floor(date.seconds + kReferenceDate);
-    if (!(std::fabs(seconds) < 1e12))
+    if (!(std::fabs(seconds) < 1e12)) {
         return {};
+    }
     const auto time = static_cast<std::time_t>(seconds);
     std::tm parts{};
     localtime_r(&time, &parts);
@@ -85,14 +88,17 @@ std::string dictionaryText(const Dictionary& fields) {
         const auto found = fields.find(std::string(key));
         return found == fields.end() ? std::string() : valueText(found->second);
     };
-    if (fields.contains(std::string(vcard::kInstantMessageUsername)))
+    if (fields.contains(std::string(vcard::kInstantMessageUsername))) {
         return join({field(vcard::kInstantMessageService), field(vcard::kInstantMessageUsername)}, ": ");
+    }
     std::vector<std::string> parts{field("Street"), join({field("ZIP"), field("City")}, " "), field("State"),
                                    field("Country")};
-    for (const auto& [key, value] : fields)
+    for (const auto& [key, value] : fields) {
         if (key != "Street" && key != "ZIP" && key != "City" && key != "State" && key != "Country" &&
-            key != "CountryCode")
+            key != "CountryCode") {
             parts.push_back(valueText(value));
+        }
+    }
     return join(parts, ", ");
 }
 
@@ -120,18 +126,22 @@ std::string text(const Store& store, const RecordRef& record, std::string_view p
 std::vector<Field> allFields(const Store& store) {
     std::vector<Field> fields;
     fields.reserve(kFields.size());
-    for (const Row& row : kFields)
+    for (const Row& row : kFields) {
         fields.push_back({std::string(row.name), std::string(row.property)});
-    for (const PropertyDefinition& own : store.definitions())
-        if (own.kind == Kind::person)
+    }
+    for (const PropertyDefinition& own : store.definitions()) {
+        if (own.kind == Kind::person) {
             fields.push_back({own.name, own.name});
+        }
+    }
     return fields;
 }
 
 std::size_t distance(std::string_view left, std::string_view right) {
     std::vector<std::size_t> row(right.size() + 1);
-    for (std::size_t at = 0; at < row.size(); ++at)
+    for (std::size_t at = 0; at < row.size(); ++at) {
         row[at] = at;
+    }
     for (std::size_t line = 0; line < left.size(); ++line) {
         std::size_t diagonal = row[0];
         row[0] = line + 1;
@@ -151,10 +161,12 @@ std::vector<Field> parseFields(std::string_view list, const Store& store) {
         const std::size_t comma = std::min(list.find(',', start), list.size());
         std::string_view name = list.substr(start, comma - start);
         start = comma + 1;
-        while (name.starts_with(' '))
+        while (name.starts_with(' ')) {
             name.remove_prefix(1);
-        while (name.ends_with(' '))
+        }
+        while (name.ends_with(' ')) {
             name.remove_suffix(1);
+        }
         const std::string wanted = fold(name);
         auto found = std::find_if(known.begin(), known.end(), [&](const Field& field) {
             return fold(field.name) == wanted || (!field.property.empty() && fold(field.property) == wanted);
@@ -168,11 +180,13 @@ std::vector<Field> parseFields(std::string_view list, const Store& store) {
                 return distance(wanted, fold(left.name)) < distance(wanted, fold(right.name));
             });
         std::string message = "no field is named \"" + std::string(name) + '"';
-        if (distance(wanted, fold(nearest->name)) <= 3)
+        if (distance(wanted, fold(nearest->name)) <= 3) {
             message += "; did you mean " + nearest->name + '?';
+        }
         message += " Fields: ";
-        for (const Field& field : known)
+        for (const Field& field : known) {
             message += (&field == &known.front() ? "" : ", ") + field.name;
+        }
         throw std::invalid_argument(message);
     }
     return fields;
@@ -183,45 +197,58 @@ std::string displayName(const Store& store, const RecordRef& record) {
 }
 
 std::string fieldText(const Store& store, const RecordRef& record, const Field& field) {
-    if (field.name == "id")
+    if (field.name == "id") {
         return record.uid;
-    if (field.name == "name")
+    }
+    if (field.name == "name") {
         return displayName(store, record);
+    }
     if (field.name == "groups") {
         std::vector<std::string> names;
-        for (const RowId group : store.parents(record.row))
+        for (const RowId group : store.parents(record.row)) {
             names.push_back(valueText(store.value(group, property::kGroupName)));
+        }
         return join(names, "; ");
     }
     return text(store, record, field.property);
 }
 
 std::string valueText(const Value& value) {
-    if (const auto* string = value.as<std::string>())
+    if (const auto* string = value.as<std::string>()) {
         return *string;
-    if (const auto* number = value.as<std::int64_t>())
+    }
+    if (const auto* number = value.as<std::int64_t>()) {
         return std::to_string(*number);
+    }
     if (const auto* real = value.as<double>()) {
         std::array<char, 40> text{};
         std::snprintf(text.data(), text.size(), "%.15g", *real);
         return text.data();
     }
-    if (const auto* date = value.as<Date>())
+    if (const auto* date = value.as<Date>()) {
         return dateText(*date);
-    if (const auto* bytes = value.as<Bytes>())
+    }
+    if (const auto* bytes = value.as<Bytes>()) {
         return std::to_string(bytes->size()) + " bytes";
-    if (const auto* fields = value.as<Dictionary>())
+    }
+    if (const auto* fields = value.as<Dictionary>()) {
         return dictionaryText(*fields);
+    }
     std::vector<std::string> parts;
-    if (const auto* array = value.as<Array>())
-        for (const Value& each : *array)
+    if (const auto* array = value.as<Array>()) {
+        for (const Value& each : *array) {
             parts.push_back(valueText(each));
-    if (const auto* list = value.as<MultiValue>())
-        for (const Entry& entry : list->entries)
+        }
+    }
+    if (const auto* list = value.as<MultiValue>()) {
+        for (const Entry& entry : list->entries) {
             parts.push_back(valueText(entry.value));
+        }
+    }
     if (const auto* date = value.as<DateComponents>()) {
-        for (const auto& part : {date->year, date->month, date->day})
+        for (const auto& part : {date->year, date->month, date->day}) {
             parts.push_back(part ? std::to_string(*part) : "-");
+        }
         return join(parts, "-");
     }
     return join(parts, "; ");
@@ -229,19 +256,25 @@ std::string valueText(const Value& value) {
 
 std::string labelText(std::string_view label) {
     constexpr std::string_view kStart = "_$!<", kEnd = ">!$_";
-    if (label.starts_with(kStart) && label.ends_with(kEnd) && label.size() > kStart.size() + kEnd.size())
+    if (label.starts_with(kStart) && label.ends_with(kEnd) && label.size() > kStart.size() + kEnd.size()) {
         label = label.substr(kStart.size(), label.size() - kStart.size() - kEnd.size());
+    }
     return std::string(label);
 }
 
 RecordRef findRecord(const Store& store, const std::string& id) {
-    if (auto record = store.find(id))
+    if (auto record = store.find(id)) {
         return *record;
-    if (id.find(':') == std::string::npos)
-        for (const char* suffix : {":ABPerson", ":ABGroup"})
-            for (const std::string& uuid : {id, vcard::uuidOf(id)})
-                if (auto record = store.find(uuid + suffix))
+    }
+    if (id.find(':') == std::string::npos) {
+        for (const char* suffix : {":ABPerson", ":ABGroup"}) {
+            for (const std::string& uuid : {id, vcard::uuidOf(id)}) {
+                if (auto record = store.find(uuid + suffix)) {
                     return *record;
+                }
+            }
+        }
+    }
     throw Failure("no person or group has the id " + id);
 }
 

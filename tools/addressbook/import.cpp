@@ -23,27 +23,33 @@ std::string uidOf(std::string uuid, Kind kind) {
 // Entries that are there already keep their identifiers, so that a second import changes nothing.
 void keepIdentifiers(MultiValue& list, const Value& current) {
     const auto* old = current.as<MultiValue>();
-    if (!old)
+    if (!old) {
         return;
+    }
     std::set<std::string> used;
     const std::string primary = list.primary;
     const auto adopt = [&](Entry& entry, bool sameLabel) {
-        for (const Entry& each : old->entries)
+        for (const Entry& each : old->entries) {
             if (each.value == entry.value && (each.label == entry.label || !sameLabel) &&
                 used.insert(each.identifier).second) {
-                if (entry.identifier == primary)
+                if (entry.identifier == primary) {
                     list.primary = each.identifier;
+                }
                 entry.identifier = each.identifier;
                 return true;
             }
+        }
         return false;
     };
     std::vector<Entry*> left;
-    for (Entry& entry : list.entries)
-        if (!adopt(entry, true))
+    for (Entry& entry : list.entries) {
+        if (!adopt(entry, true)) {
             left.push_back(&entry);
-    for (Entry* entry : left)
+        }
+    }
+    for (Entry* entry : left) {
         adopt(*entry, false);
+    }
 }
 
 } // namespace
@@ -63,8 +69,9 @@ const ImportSummary& Importer::read(std::istream& input, const std::string& file
             take(std::get<vcard::Card>(*next), file);
         }
         progress_(reader.bytesRead(), summary_);
-        if (changes_.records.size() >= kCardsPerSave || pendingBytes_ >= kBytesPerSave)
+        if (changes_.records.size() >= kCardsPerSave || pendingBytes_ >= kBytesPerSave) {
             flush();
+        }
     }
     return summary_;
 }
@@ -78,8 +85,9 @@ void Importer::take(vcard::Card& card, const std::string& file) {
     std::string uid = card.uid;
     card.uid.clear();
     const std::string digest = vcard::uuidOf(vcard::write(card));
-    if (uid.empty())
+    if (uid.empty()) {
         uid = uidOf(digest, card.kind);
+    }
 
     // Several cards of one file with one id but different contents are different people.
     for (int copy = 2;; ++copy) {
@@ -88,25 +96,30 @@ void Importer::take(vcard::Card& card, const std::string& file) {
             ++summary_.unchanged;
             return;
         }
-        if (found == seen_.end() || found->second.file != files_)
+        if (found == seen_.end() || found->second.file != files_) {
             break;
-        if (copy == 2)
+        }
+        if (copy == 2) {
             report_(file,
                     {card.number, card.line, "its id is that of a card before; added as another record"});
+        }
         uid = uidOf(vcard::uuidOf(uid.append("#").append(std::to_string(copy))), card.kind);
     }
-    if (!card.otherUuid.empty())
+    if (!card.otherUuid.empty()) {
         aliases_.emplace(card.otherUuid, uid);
-    for (const std::string& name : card.categories)
+    }
+    for (const std::string& name : card.categories) {
         named_[name].push_back(uid);
+    }
     Seen& seen = seen_.try_emplace(uid, Seen{0, kNone, {}}).first->second;
     const bool again = seen.file != 0;
     seen.file = files_;
     seen.digest = digest;
-    if (card.kind == Kind::group)
+    if (card.kind == Kind::group) {
         addGroup(uid, card, seen);
-    else
+    } else {
         addPerson(uid, card, seen, again);
+    }
 }
 
 // Groups wait for finish(): their members may come later.
@@ -121,18 +134,22 @@ void Importer::addGroup(const std::string& uid, vcard::Card& card, Seen& seen) {
         groups_.push_back({uid, Kind::group, true, std::move(card.values)});
         return;
     }
-    for (auto& [property, value] : card.values) // another file of this import had it
+    for (auto& [property, value] : card.values) { // another file of this import had it
         groups_[seen.pending].values[property] = std::move(value);
+    }
     ++summary_.updated;
 }
 
 void Importer::addPerson(const std::string& uid, vcard::Card& card, Seen& seen, bool again) {
-    if (const auto image = card.values.find(std::string(property::kImage)); image != card.values.end())
-        if (const auto* bytes = image->second.as<Bytes>())
+    if (const auto image = card.values.find(std::string(property::kImage)); image != card.values.end()) {
+        if (const auto* bytes = image->second.as<Bytes>()) {
             pendingBytes_ += bytes->size();
+        }
+    }
     if (seen.pending != kNone) { // another file of this import had it
-        for (auto& [property, value] : card.values)
+        for (auto& [property, value] : card.values) {
             changes_.records[seen.pending].values[property] = std::move(value);
+        }
         ++summary_.updated;
         return;
     }
@@ -152,24 +169,28 @@ void Importer::addPerson(const std::string& uid, vcard::Card& card, Seen& seen, 
 // sets what the card has and takes nothing else away.
 bool Importer::takeDifference(RecordChange& change) const {
     const auto record = store_ ? store_->find(change.uid) : std::nullopt;
-    if (!record)
+    if (!record) {
         return false;
+    }
     const std::string unknown(property::kUnknownLines);
     const std::map<std::string, Value> current = store_->values(record->row);
     std::map<std::string, Value> values;
     std::swap(values, change.values);
     change.insert = false;
-    if (current.contains(unknown))
+    if (current.contains(unknown)) {
         values.try_emplace(unknown); // lines that the card does not have any more
+    }
     for (auto& [property, value] : values) {
         const auto found = current.find(property);
         const Value old = property == property::kImage ? store_->value(record->row, property)
                           : found == current.end()     ? Value()
                                                        : found->second;
-        if (auto* list = value.as<MultiValue>())
+        if (auto* list = value.as<MultiValue>()) {
             keepIdentifiers(*list, old);
-        if (!(value == old))
+        }
+        if (!(value == old)) {
             change.values.emplace(property, std::move(value));
+        }
     }
     return true;
 }
@@ -180,11 +201,14 @@ bool Importer::exists(const std::string& uid) const {
 
 // The record that a group's card means by a UUID; empty when there is none.
 std::string Importer::resolve(const std::string& uuid) const {
-    if (const auto alias = aliases_.find(uuid); alias != aliases_.end())
+    if (const auto alias = aliases_.find(uuid); alias != aliases_.end()) {
         return alias->second;
-    for (const Kind kind : {Kind::person, Kind::group})
-        if (std::string uid = uidOf(uuid, kind); exists(uid))
+    }
+    for (const Kind kind : {Kind::person, Kind::group}) {
+        if (std::string uid = uidOf(uuid, kind); exists(uid)) {
             return uid;
+        }
+    }
     return {};
 }
 
@@ -195,16 +219,22 @@ bool Importer::wouldCycle(const std::string& group, const std::string& subgroup)
     while (!open.empty()) {
         const std::string at = open.back();
         open.pop_back();
-        if (at == group)
+        if (at == group) {
             return true;
-        if (!visited.insert(at).second)
+        }
+        if (!visited.insert(at).second) {
             continue;
-        if (const auto joined = subgroups_.find(at); joined != subgroups_.end())
+        }
+        if (const auto joined = subgroups_.find(at); joined != subgroups_.end()) {
             open.insert(open.end(), joined->second.begin(), joined->second.end());
-        if (const auto record = store_ ? store_->find(at) : std::nullopt)
-            for (const RowId row : store_->subgroups(record->row))
-                if (const auto child = store_->find(row))
+        }
+        if (const auto record = store_ ? store_->find(at) : std::nullopt) {
+            for (const RowId row : store_->subgroups(record->row)) {
+                if (const auto child = store_->find(row)) {
                     open.push_back(child->uid);
+                }
+            }
+        }
     }
     return false;
 }
@@ -212,11 +242,15 @@ bool Importer::wouldCycle(const std::string& group, const std::string& subgroup)
 // The members that the card lists become the group's members.
 void Importer::joinGroup(const GroupMembers& group) {
     std::set<std::string> old;
-    if (const auto record = store_ ? store_->find(group.uid) : std::nullopt)
-        for (const auto& rows : {store_->members(record->row), store_->subgroups(record->row)})
-            for (const RowId row : rows)
-                if (const auto member = store_->find(row))
+    if (const auto record = store_ ? store_->find(group.uid) : std::nullopt) {
+        for (const auto& rows : {store_->members(record->row), store_->subgroups(record->row)}) {
+            for (const RowId row : rows) {
+                if (const auto member = store_->find(row)) {
                     old.insert(member->uid);
+                }
+            }
+        }
+    }
     Array unresolved;
     std::set<std::string> listed;
     for (const std::string& uuid : group.members) {
@@ -226,84 +260,109 @@ void Importer::joinGroup(const GroupMembers& group) {
             unresolved.emplace_back("X-ADDRESSBOOKSERVER-MEMBER:urn:uuid:" + uuid);
             continue;
         }
-        if (!listed.insert(member).second || old.contains(member))
+        if (!listed.insert(member).second || old.contains(member)) {
             continue;
+        }
         if (subgroup && wouldCycle(group.uid, member)) {
             ++summary_.circular;
             continue;
         }
-        if (subgroup)
+        if (subgroup) {
             subgroups_[group.uid].push_back(member);
+        }
         changes_.memberships.push_back({group.uid, member, true});
     }
-    for (const std::string& member : old)
-        if (!listed.contains(member))
+    for (const std::string& member : old) {
+        if (!listed.contains(member)) {
             changes_.memberships.push_back({group.uid, member, false});
-    if (unresolved.empty())
+        }
+    }
+    if (unresolved.empty()) {
         return;
+    }
     // They stay in the group's unknown lines, so that an export has them and a later import can find them.
     summary_.unknownMembers += unresolved.size();
     Value& lines = groups_[seen_.at(group.uid).pending].values[std::string(property::kUnknownLines)];
-    if (lines.empty())
+    if (lines.empty()) {
         lines = Array();
+    }
     auto& array = *lines.as<Array>();
-    for (Value& line : unresolved)
-        if (std::find(array.begin(), array.end(), line) == array.end())
+    for (Value& line : unresolved) {
+        if (std::find(array.begin(), array.end(), line) == array.end()) {
             array.push_back(std::move(line));
+        }
+    }
 }
 
 // Groups that cards of people name.
 void Importer::joinNamedGroups() {
-    if (named_.empty())
+    if (named_.empty()) {
         return;
+    }
     std::map<std::string, std::string> byName;
-    if (store_)
-        for (const RowId row : store_->rows(Kind::group))
+    if (store_) {
+        for (const RowId row : store_->rows(Kind::group)) {
             if (const auto record = store_->find(row)) {
                 const Value name = store_->value(row, property::kGroupName);
-                if (const auto* text = name.as<std::string>())
+                if (const auto* text = name.as<std::string>()) {
                     byName.emplace(normalize(*text), record->uid);
+                }
             }
-    for (const RecordChange& group : groups_)
+        }
+    }
+    for (const RecordChange& group : groups_) {
         if (const auto name = group.values.find(std::string(property::kGroupName));
-            name != group.values.end())
-            if (const auto* text = name->second.as<std::string>())
+            name != group.values.end()) {
+            if (const auto* text = name->second.as<std::string>()) {
                 byName.emplace(normalize(*text), group.uid);
+            }
+        }
+    }
     for (const auto& [name, people] : named_) {
         std::string& uid = byName[normalize(name)];
-        if (uid.empty())
+        if (uid.empty()) {
             uid = uidOf(vcard::uuidOf("group:" + name), Kind::group);
+        }
         std::set<std::string> old;
         if (const auto record = store_ ? store_->find(uid) : std::nullopt) {
-            for (const RowId row : store_->members(record->row))
-                if (const auto member = store_->find(row))
+            for (const RowId row : store_->members(record->row)) {
+                if (const auto member = store_->find(row)) {
                     old.insert(member->uid);
+                }
+            }
         } else if (!seen_.contains(uid)) {
             RecordChange group{.uid = uid, .kind = Kind::group, .insert = true, .values = {}};
             group.values[std::string(property::kGroupName)] = name;
             groups_.push_back(std::move(group));
             ++summary_.namedGroups;
         }
-        for (const MembershipChange& each : changes_.memberships)
-            if (each.add && each.group == uid)
+        for (const MembershipChange& each : changes_.memberships) {
+            if (each.add && each.group == uid) {
                 old.insert(each.member);
-        for (const std::string& person : people)
-            if (old.insert(person).second)
+            }
+        }
+        for (const std::string& person : people) {
+            if (old.insert(person).second) {
                 changes_.memberships.push_back({uid, person, true});
+            }
+        }
     }
 }
 
 ImportSummary Importer::finish() {
-    for (const GroupMembers& group : members_)
+    for (const GroupMembers& group : members_) {
         joinGroup(group);
+    }
     joinNamedGroups();
     for (RecordChange& group : groups_) {
         const bool known = takeDifference(group);
         const bool same = known && group.values.empty();
-        if (seen_.contains(group.uid)) // otherwise no card of its own
+        if (seen_.contains(group.uid)) { // otherwise no card of its own
             ++(same ? summary_.unchanged : known ? summary_.updated : summary_.added);
-        if (!same)
+        }
+        if (!same) {
             changes_.records.push_back(std::move(group));
+        }
     }
     flush();
     return summary_;
@@ -318,9 +377,11 @@ void Importer::flush() {
     }
     changes_ = ChangeSet();
     pendingBytes_ = 0;
-    for (auto& [uid, seen] : seen_)
-        if (uid.ends_with(kPersonSuffix))
+    for (auto& [uid, seen] : seen_) {
+        if (uid.ends_with(kPersonSuffix)) {
             seen.pending = kNone;
+        }
+    }
 }
 
 } // namespace addressbook::tool

@@ -14,20 +14,24 @@ Output::Output() : stream_(stdout) {}
 
 Output::Output(fs::path file) : stream_(nullptr), target_(std::move(file)) {
     std::error_code none;
-    if (fs::is_symlink(target_, none))
-        if (fs::path real = fs::weakly_canonical(target_, none); !none)
+    if (fs::is_symlink(target_, none)) {
+        if (fs::path real = fs::weakly_canonical(target_, none); !none) {
             target_ = std::move(real);
+        }
+    }
     const fs::file_status status = fs::status(target_, none);
     if (fs::exists(status) && !fs::is_regular_file(status)) {
         stream_ = std::fopen(target_.c_str(), "wb"); // a pipe or a device
-        if (!stream_)
+        if (!stream_) {
             fail(errno);
+        }
         return;
     }
     std::string name = target_.string() + ".XXXXXX";
     const int descriptor = mkstemp(name.data());
-    if (descriptor < 0)
+    if (descriptor < 0) {
         fail(errno);
+    }
     temporary_ = name;
     // The permissions of the file that is replaced, else those that any new file gets.
     mode_t mode = static_cast<mode_t>(status.permissions()) & 0777;
@@ -46,38 +50,47 @@ Output::Output(fs::path file) : stream_(nullptr), target_(std::move(file)) {
 }
 
 Output::~Output() {
-    if (stream_ && stream_ != stdout)
+    if (stream_ && stream_ != stdout) {
         std::fclose(stream_);
-    if (!temporary_.empty())
+    }
+    if (!temporary_.empty()) {
         unlink(temporary_.c_str());
+    }
 }
 
 void Output::fail(int error) const {
-    if (target_.empty() && error == EPIPE)
+    if (target_.empty() && error == EPIPE) {
         throw OutputClosed();
+    }
     throw Failure((target_.empty() ? std::string("standard output") : target_.string()) +
                   ": cannot write: " + std::strerror(error));
 }
 
 void Output::write(std::string_view text) {
-    if (std::fwrite(text.data(), 1, text.size(), stream_) != text.size())
+    if (std::fwrite(text.data(), 1, text.size(), stream_) != text.size()) {
         fail(errno);
+    }
 }
 
 void Output::finish() {
-    if (std::fflush(stream_) != 0)
+    if (std::fflush(stream_) != 0) {
         fail(errno);
-    if (target_.empty())
+    }
+    if (target_.empty()) {
         return;
-    if (!temporary_.empty() && fsync(fileno(stream_)) != 0)
+    }
+    if (!temporary_.empty() && fsync(fileno(stream_)) != 0) {
         fail(errno);
+    }
     std::FILE* stream = stream_;
     stream_ = nullptr;
-    if (std::fclose(stream) != 0)
+    if (std::fclose(stream) != 0) {
         fail(errno);
+    }
     if (!temporary_.empty()) {
-        if (std::rename(temporary_.c_str(), target_.c_str()) != 0)
+        if (std::rename(temporary_.c_str(), target_.c_str()) != 0) {
             fail(errno);
+        }
         temporary_.clear();
     }
 }

@@ -13,36 +13,43 @@ namespace {
 using Json = nlohmann::ordered_json;
 
 Json jsonOf(const Value& value) {
-    if (const auto* text = value.as<std::string>())
+    if (const auto* text = value.as<std::string>()) {
         return *text;
-    if (const auto* number = value.as<std::int64_t>())
+    }
+    if (const auto* number = value.as<std::int64_t>()) {
         return *number;
-    if (const auto* real = value.as<double>())
+    }
+    if (const auto* real = value.as<double>()) {
         return *real;
+    }
     if (const auto* array = value.as<Array>()) {
         Json list = Json::array();
-        for (const Value& each : *array)
+        for (const Value& each : *array) {
             list.push_back(jsonOf(each));
+        }
         return list;
     }
     if (const auto* fields = value.as<Dictionary>()) {
         Json object = Json::object();
-        for (const auto& [key, each] : *fields)
+        for (const auto& [key, each] : *fields) {
             object[key] = jsonOf(each);
+        }
         return object;
     }
     if (const auto* list = value.as<MultiValue>()) {
         Json entries = Json::array();
         for (const Entry& entry : list->entries) {
             Json object{{"label", labelText(entry.label)}, {"value", jsonOf(entry.value)}};
-            if (!list->primary.empty() && entry.identifier == list->primary)
+            if (!list->primary.empty() && entry.identifier == list->primary) {
                 object["primary"] = true;
+            }
             entries.push_back(std::move(object));
         }
         return entries;
     }
-    if (value.empty())
+    if (value.empty()) {
         return nullptr;
+    }
     return valueText(value);
 }
 
@@ -52,8 +59,9 @@ std::string dump(const Json& json, int indent = -1) {
 }
 
 Json fieldJson(const Store& store, const RecordRef& record, const Field& field) {
-    if (field.property.empty())
+    if (field.property.empty()) {
         return fieldText(store, record, field);
+    }
     return jsonOf(store.value(record.row, field.property));
 }
 
@@ -75,8 +83,9 @@ class JsonLines {
 // The names of the groups that a record is in.
 std::vector<std::string> groupNames(const Store& store, const RecordRef& record) {
     std::vector<std::string> names;
-    for (const RowId row : store.parents(record.row))
+    for (const RowId row : store.parents(record.row)) {
         names.push_back(valueText(store.value(row, property::kGroupName)));
+    }
     return names;
 }
 
@@ -93,8 +102,9 @@ void writeRow(Output& output, const std::string& name, const std::string& label,
     for (std::size_t start = 0;;) {
         const std::size_t end = std::min(value.find_first_of("\r\n", start), value.size());
         row += escaped(value.substr(start, end - start)) + '\n';
-        if (end == value.size())
+        if (end == value.size()) {
             break;
+        }
         row += std::string(kName + kLabel, ' ');
         start = end + (value.substr(end, 2) == "\r\n" ? 2 : 1);
     }
@@ -108,8 +118,9 @@ void writeValue(Output& output, const std::string& name, const Value& value) {
             writeRow(output, at ? "" : name, escaped(labelText(entry.label)), valueText(entry.value));
         }
     } else if (const auto* array = value.as<Array>()) {
-        for (std::size_t at = 0; at < array->size(); ++at)
+        for (std::size_t at = 0; at < array->size(); ++at) {
             writeRow(output, at ? "" : name, "", valueText((*array)[at]));
+        }
     } else {
         writeRow(output, name, "", valueText(value));
     }
@@ -117,10 +128,12 @@ void writeValue(Output& output, const std::string& name, const Value& value) {
 
 // What users call a property; its own name when they have no other.
 std::string friendlyName(const std::vector<Field>& fields, const std::string& property) {
-    if (property == property::kUnknownLines)
+    if (property == property::kUnknownLines) {
         return "vcard";
-    if (property == property::kGroupName)
+    }
+    if (property == property::kGroupName) {
         return "name";
+    }
     const auto found = std::find_if(fields.begin(), fields.end(),
                                     [&](const Field& field) { return field.property == property; });
     return found == fields.end() ? property : found->name;
@@ -131,11 +144,13 @@ std::string friendlyName(const std::vector<Field>& fields, const std::string& pr
 void listPeople(const Store& store, const std::vector<Field>& fields, Output& output) {
     for (const RowId row : store.rows(Kind::person)) {
         const auto record = store.find(row);
-        if (!record)
+        if (!record) {
             continue;
+        }
         std::string line = record->uid;
-        for (const Field& field : fields)
+        for (const Field& field : fields) {
             line += '\t' + escaped(fieldText(store, *record, field));
+        }
         output.write(line + '\n');
     }
     output.finish();
@@ -145,11 +160,13 @@ void listPeopleAsJson(const Store& store, const std::vector<Field>& fields, Outp
     JsonLines lines(output);
     for (const RowId row : store.rows(Kind::person)) {
         const auto record = store.find(row);
-        if (!record)
+        if (!record) {
             continue;
+        }
         Json object{{"id", record->uid}};
-        for (const Field& field : fields)
+        for (const Field& field : fields) {
             object[field.name] = fieldJson(store, *record, field);
+        }
         lines.add(object);
     }
     lines.finish();
@@ -159,19 +176,23 @@ void listPeopleAsJson(const Store& store, const std::vector<Field>& fields, Outp
 void listGroups(const Store& store, bool json, Output& output) {
     if (json) {
         JsonLines lines(output);
-        for (const RowId row : store.rows(Kind::group))
-            if (const auto group = store.find(row))
+        for (const RowId row : store.rows(Kind::group)) {
+            if (const auto group = store.find(row)) {
                 lines.add({{"id", group->uid},
                            {"name", displayName(store, *group)},
                            {"members", store.members(row).size()},
                            {"subgroups", store.subgroups(row).size()}});
+            }
+        }
         lines.finish();
     } else {
-        for (const RowId row : store.rows(Kind::group))
-            if (const auto group = store.find(row))
+        for (const RowId row : store.rows(Kind::group)) {
+            if (const auto group = store.find(row)) {
                 output.write(group->uid + '\t' + escaped(displayName(store, *group)) + '\t' +
                              std::to_string(store.members(row).size()) + '\t' +
                              std::to_string(store.subgroups(row).size()) + '\n');
+            }
+        }
     }
     output.finish();
 }
@@ -184,19 +205,24 @@ void showRecord(const Store& store, const RecordRef& record, bool json, Output& 
     values.erase(std::string(property::kUid));
     if (json) {
         Json object{{"id", record.uid}, {"name", displayName(store, record)}};
-        for (const auto& [property, value] : values)
+        for (const auto& [property, value] : values) {
             object[friendlyName(fields, property)] = jsonOf(value);
-        if (const auto* bytes = image.as<Bytes>())
+        }
+        if (const auto* bytes = image.as<Bytes>()) {
             object["picture"] = {{"bytes", bytes->size()}};
+        }
         object["groups"] = groupNames(store, record);
-        if (record.kind == Kind::group)
+        if (record.kind == Kind::group) {
             for (const auto& [key, rows] : {std::pair("members", store.members(record.row)),
                                             std::pair("subgroups", store.subgroups(record.row))}) {
                 object[key] = Json::array();
-                for (const RowId row : rows)
-                    if (const auto member = store.find(row))
+                for (const RowId row : rows) {
+                    if (const auto member = store.find(row)) {
                         object[key].push_back({{"id", member->uid}, {"name", displayName(store, *member)}});
+                    }
+                }
             }
+        }
         output.write(dump(object, 2) + '\n');
         output.finish();
         return;
@@ -204,22 +230,30 @@ void showRecord(const Store& store, const RecordRef& record, bool json, Output& 
     output.write(escaped(displayName(store, record)) + '\n');
     writeRow(output, "id", "", record.uid);
     // In the order of the fields, then what is left.
-    for (const Field& field : fields)
+    for (const Field& field : fields) {
         if (const auto found = values.find(field.property); found != values.end()) {
             writeValue(output, field.name, found->second);
             values.erase(found);
         }
-    for (const auto& [property, value] : values)
+    }
+    for (const auto& [property, value] : values) {
         writeValue(output, friendlyName(fields, property), value);
-    if (!image.empty())
+    }
+    if (!image.empty()) {
         writeRow(output, "picture", "", valueText(image));
-    for (const std::string& name : groupNames(store, record))
+    }
+    for (const std::string& name : groupNames(store, record)) {
         writeRow(output, "in group", "", name);
-    for (const auto& rows : {store.members(record.row), store.subgroups(record.row)})
-        if (record.kind == Kind::group)
-            for (const RowId row : rows)
-                if (const auto member = store.find(row))
+    }
+    for (const auto& rows : {store.members(record.row), store.subgroups(record.row)}) {
+        if (record.kind == Kind::group) {
+            for (const RowId row : rows) {
+                if (const auto member = store.find(row)) {
                     writeRow(output, "member", "", displayName(store, *member) + "  " + member->uid);
+                }
+            }
+        }
+    }
     output.finish();
 }
 

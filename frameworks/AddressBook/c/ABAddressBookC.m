@@ -9,8 +9,9 @@ CFStringRef const kABGroupRecordType = (CFStringRef) @"ABGroup";
 
 // The class of a type of records; Nil, which answers nothing, for any other.
 static Class classOf(CFStringRef recordType) {
-    if ([(NSString*)recordType isEqualToString:@"ABPerson"])
+    if ([(NSString*)recordType isEqualToString:@"ABPerson"]) {
         return [ABPerson class];
+    }
     return [(NSString*)recordType isEqualToString:@"ABGroup"] ? [ABGroup class] : Nil;
 }
 
@@ -62,8 +63,9 @@ CFIndex ABAddPropertiesAndTypes(ABAddressBookRef addressBook, CFStringRef record
     (void)addressBook;
     NSInteger added = -1;
     Class type = classOf(recordType);
-    if (type != Nil)
+    if (type != Nil) {
         IN_POOL(added = [type addPropertiesAndTypes:(NSDictionary*)propertiesAndTypes]);
+    }
     return added;
 }
 
@@ -71,8 +73,9 @@ CFIndex ABRemoveProperties(ABAddressBookRef addressBook, CFStringRef recordType,
     (void)addressBook;
     NSInteger removed = -1;
     Class type = classOf(recordType);
-    if (type != Nil)
+    if (type != Nil) {
         IN_POOL(removed = [type removeProperties:(NSArray*)properties]);
+    }
     return removed;
 }
 

@@ -63,10 +63,11 @@ bool ABMultiValueInsert(ABMutableMultiValueRef multiValue, CFTypeRef value, CFSt
                                                                        withLabel:(NSString*)label
                                                                          atIndex:(NSUInteger)index]);
     const bool added = identifier != NULL;
-    if (outIdentifier != NULL)
+    if (outIdentifier != NULL) {
         *outIdentifier = identifier;
-    else if (added)
+    } else if (added) {
         CFRelease(identifier);
+    }
     return added;
 }
 

@@ -5,8 +5,9 @@
 #include "frameworks/CoreFoundation/pool.h"
 
 CFStringRef ABRecordCopyRecordType(ABRecordRef record) {
-    if (record == NULL)
+    if (record == NULL) {
         return NULL;
+    }
     return CFRetain([(id)record isKindOfClass:[ABGroup class]] ? kABGroupRecordType : kABPersonRecordType);
 }
 

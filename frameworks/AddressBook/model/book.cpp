@@ -46,8 +46,9 @@ auto named(Kind kind, std::string_view name) {
 
 // The unsaved value of a property, which is no value when it was removed; null when it was not changed.
 const Value* changeOf(const LiveRecord& record, std::string_view property) {
-    if (record.changes.empty())
+    if (record.changes.empty()) {
         return nullptr;
+    }
     const auto change = record.changes.find(std::string(property));
     return change == record.changes.end() ? nullptr : &change->second;
 }
@@ -97,31 +98,36 @@ LiveRecordPtr Book::create(Kind kind) {
 
 LiveRecordPtr Book::adopt(LiveRecord* record) {
     LiveRecordPtr adopted(record, [book = weak_from_this()](LiveRecord* last) {
-        if (auto owner = book.lock())
+        if (auto owner = book.lock()) {
             owner->forget(*last);
+        }
         delete last;
     });
     indexByUid(adopted);
-    if (adopted->row != 0)
+    if (adopted->row != 0) {
         byRow_[adopted->row] = adopted;
+    }
     return adopted;
 }
 
 // Makes this the card of its unique id.
 void Book::indexByUid(const LiveRecordPtr& record) {
     const auto [place, fresh] = byUid_.try_emplace(record->uid, record);
-    if (fresh)
+    if (fresh) {
         return;
+    }
     byUid_.erase(place); // its key belongs to another card
     byUid_.emplace(record->uid, record);
 }
 
 void Book::forget(const LiveRecord& record) {
     // A newer card may have taken the place of one that is gone.
-    if (auto found = byUid_.find(record.uid); found != byUid_.end() && found->second.expired())
+    if (auto found = byUid_.find(record.uid); found != byUid_.end() && found->second.expired()) {
         byUid_.erase(found);
-    if (auto found = byRow_.find(record.row); found != byRow_.end() && found->second.expired())
+    }
+    if (auto found = byRow_.find(record.row); found != byRow_.end() && found->second.expired()) {
         byRow_.erase(found);
+    }
 }
 
 LiveRecordPtr Book::cached(std::string_view uid) const {
@@ -131,8 +137,9 @@ LiveRecordPtr Book::cached(std::string_view uid) const {
 
 LiveRecordPtr Book::materialize(RecordRow stored) {
     if (auto known = cached(stored.uid)) {
-        if (known->state == LiveRecord::State::deleted) // deleted, and then brought back by another process
+        if (known->state == LiveRecord::State::deleted) { // deleted, and then brought back by another process
             reload(known);
+        }
         return known;
     }
     auto made = std::make_unique<LiveRecord>();
@@ -155,15 +162,18 @@ std::optional<RecordRow> Book::fetch(RowId row) {
         readAheadSize_ = kFirstReadAhead;
         return store_->read(row);
     }
-    while (!readAhead_.empty() && readAhead_.front().id < row)
+    while (!readAhead_.empty() && readAhead_.front().id < row) {
         readAhead_.pop_front();
+    }
     if (readAhead_.empty()) {
-        for (RecordRow& stored : store_->readFrom(row, readAheadSize_))
+        for (RecordRow& stored : store_->readFrom(row, readAheadSize_)) {
             readAhead_.push_back(std::move(stored));
+        }
         readAheadSize_ = std::min(readAheadSize_ * 2, kMostReadAhead);
     }
-    if (readAhead_.empty() || readAhead_.front().id != row)
+    if (readAhead_.empty() || readAhead_.front().id != row) {
         return std::nullopt;
+    }
     std::optional<RecordRow> stored(std::move(readAhead_.front()));
     readAhead_.pop_front();
     return stored;
@@ -177,18 +187,22 @@ LiveRecordPtr Book::find(std::string_view uid) {
 LiveRecordPtr Book::findNow(std::string_view uid) {
     const Store::ReadTransaction transaction(*store_);
     applyChangeLog();
-    if (auto known = cached(uid); known && known->state != LiveRecord::State::deleted)
+    if (auto known = cached(uid); known && known->state != LiveRecord::State::deleted) {
         return known->inBook() ? known : nullptr;
+    }
     auto stored = store_->read(uid);
     return stored ? materialize(std::move(*stored)) : nullptr;
 }
 
 LiveRecordPtr Book::at(RowId row) {
-    if (const auto found = byRow_.find(row); found != byRow_.end())
-        if (auto known = found->second.lock())
+    if (const auto found = byRow_.find(row); found != byRow_.end()) {
+        if (auto known = found->second.lock()) {
             return known;
-    if (auto stored = fetch(row))
+        }
+    }
+    if (auto stored = fetch(row)) {
         return materialize(std::move(*stored));
+    }
     return locate(row, *store_);
 }
 
@@ -200,25 +214,30 @@ LiveRecordPtr Book::at(RowId row, const std::shared_ptr<const Store>& origin) {
 // The record that was in a row of [origin], and is in another one now, or deleted.
 LiveRecordPtr Book::locate(RowId row, const Store& origin) {
     auto ref = origin.find(row);
-    if (!ref)
+    if (!ref) {
         ref = origin.findDeleted(row);
-    if (!ref)
+    }
+    if (!ref) {
         throw StoreError(StoreError::Reason::refused,
                          "The address book " + file().string() +
                              " has forgotten which record stood here, so many were "
                              "deleted since: search again.");
-    if (auto record = findNow(ref->uid))
+    }
+    if (auto record = findNow(ref->uid)) {
         return record;
+    }
     auto record = tombstone(std::move(*ref));
-    if (&origin == store_.get() && removedRows_.contains(row))
+    if (&origin == store_.get() && removedRows_.contains(row)) {
         record->removedHere = true;
+    }
     return record;
 }
 
 // A record that the address book does not have any more.
 LiveRecordPtr Book::tombstone(RecordRef ref) {
-    if (auto known = cached(ref.uid))
+    if (auto known = cached(ref.uid)) {
         return known;
+    }
     auto record = std::make_unique<LiveRecord>();
     record->uid = std::move(ref.uid);
     record->kind = ref.kind;
@@ -232,12 +251,16 @@ std::vector<Book::Place> Book::records(Kind kind) {
     refreshIfStale();
     applyChangeLog();
     std::vector<Place> places;
-    for (const RowId row : store_->rows(kind))
-        if (!removed_.contains(row))
+    for (const RowId row : store_->rows(kind)) {
+        if (!removed_.contains(row)) {
             places.push_back({row, nullptr});
-    for (const auto& record : added_)
-        if (record->kind == kind)
+        }
+    }
+    for (const auto& record : added_) {
+        if (record->kind == kind) {
             places.push_back({0, record});
+        }
+    }
     return places;
 }
 
@@ -258,30 +281,40 @@ std::vector<Book::Place> Book::search(const Query& query, Date now) {
     if (mentionsUndefined(query)) {
         // The database still holds values that are to be deleted: only the view of this process tells the
         // truth.
-        for (const Kind kind : {Kind::person, Kind::group})
-            for (const RowId row : store_->rows(kind))
-                if (!removed_.contains(row) && matchesNow(query, *at(row), now))
+        for (const Kind kind : {Kind::person, Kind::group}) {
+            for (const RowId row : store_->rows(kind)) {
+                if (!removed_.contains(row) && matchesNow(query, *at(row), now)) {
                     places.push_back({row, nullptr});
+                }
+            }
+        }
     } else {
-        for (const RowId row : store_->search(query, now))
-            if (!removed_.contains(row) && !changed_.contains(row))
+        for (const RowId row : store_->search(query, now)) {
+            if (!removed_.contains(row) && !changed_.contains(row)) {
                 places.push_back({row, nullptr});
-        for (const auto& [row, record] : changed_)
-            if (matchesNow(query, *record, now))
+            }
+        }
+        for (const auto& [row, record] : changed_) {
+            if (matchesNow(query, *record, now)) {
                 places.push_back({row, record});
+            }
+        }
     }
     std::sort(places.begin(), places.end(), [](const Place& a, const Place& b) { return a.row < b.row; });
-    for (const auto& record : added_)
-        if (matchesNow(query, *record, now))
+    for (const auto& record : added_) {
+        if (matchesNow(query, *record, now)) {
             places.push_back({0, record});
+        }
+    }
     return places;
 }
 
 // Values
 
 void Book::load(LiveRecord& record) {
-    if (record.cachedRow)
+    if (record.cachedRow) {
         return;
+    }
     if (record.state == LiveRecord::State::deleted) {
         record.cachedRow.emplace();
         return;
@@ -294,8 +327,9 @@ void Book::cacheRow(LiveRecord& record, RecordRow stored) {
     record.cachedRow = std::move(stored);
     loaded_.push_back(record.weak_from_this());
     while (loaded_.size() > kLoadedLimit) {
-        if (const auto oldest = loaded_.front().lock(); oldest && oldest.get() != &record)
+        if (const auto oldest = loaded_.front().lock(); oldest && oldest.get() != &record) {
             oldest->cachedRow.reset();
+        }
         loaded_.pop_front();
     }
 }
@@ -310,10 +344,12 @@ const Value& Book::current(LiveRecord& record, std::string_view property) {
         scratch_ = record.uid;
         return scratch_;
     }
-    if (const Value* change = changeOf(record, property))
+    if (const Value* change = changeOf(record, property)) {
         return *change;
-    if (record.row == 0 || isUndefined(record.kind, property))
+    }
+    if (record.row == 0 || isUndefined(record.kind, property)) {
         return kNone;
+    }
     if (property == property::kImage) {
         scratch_ = record.inDatabase() ? store_->value(record.row, property) : Value();
         return scratch_;
@@ -326,8 +362,9 @@ const Value& Book::current(LiveRecord& record, std::string_view property) {
 std::optional<std::string_view> Book::encoded(LiveRecord& record, std::string_view property) {
     refreshIfStale();
     if (record.row == 0 || changeOf(record, property) != nullptr || keptApart(property) ||
-        isUndefined(record.kind, property))
+        isUndefined(record.kind, property)) {
         return std::nullopt;
+    }
     load(record);
     return store_->encodedValue(*record.cachedRow, property);
 }
@@ -351,28 +388,32 @@ std::map<std::string, Value> Book::values(LiveRecord& record) {
         all[std::string(property::kImage)] = current(record, property::kImage);
         std::erase_if(all, [&](const auto& one) { return isUndefined(record.kind, one.first); });
     }
-    for (const auto& [name, value] : record.changes)
+    for (const auto& [name, value] : record.changes) {
         all[name] = value;
+    }
     std::erase_if(all, [](const auto& one) { return one.second.empty(); });
     return all;
 }
 
 void Book::set(const LiveRecordPtr& record, const std::string& property, Value value) {
-    if (this->value(*record, property) == value)
+    if (this->value(*record, property) == value) {
         return;
-    if (value.empty() && record->row == 0)
+    }
+    if (value.empty() && record->row == 0) {
         record->changes.erase(property);
-    else
+    } else {
         record->changes[property] = std::move(value);
+    }
     ++revision_;
     touch(record);
 }
 
 void Book::touch(const LiveRecordPtr& record) {
-    if (record->state == LiveRecord::State::persistent)
+    if (record->state == LiveRecord::State::persistent) {
         changed_[record->row] = record;
-    else if (record->deletedElsewhere())
+    } else if (record->deletedElsewhere()) {
         orphaned_.try_emplace(record->uid, record);
+    }
 }
 
 // Adding and removing
@@ -387,8 +428,9 @@ bool Book::add(const LiveRecordPtr& record) {
     case LiveRecord::State::removed:
         record->state = LiveRecord::State::persistent;
         removed_.erase(record->row);
-        if (record->unsaved())
+        if (record->unsaved()) {
             touch(record);
+        }
         return true;
     case LiveRecord::State::inserted:
     case LiveRecord::State::persistent:
@@ -404,8 +446,9 @@ bool Book::remove(const LiveRecordPtr& record) {
         std::erase(added_, record);
         return true;
     }
-    if (record->state != LiveRecord::State::persistent)
+    if (record->state != LiveRecord::State::persistent) {
         return false;
+    }
     load(*record); // so that whoever still holds the record can read it
     record->state = LiveRecord::State::removed;
     changed_.erase(record->row);
@@ -422,36 +465,46 @@ std::vector<LiveRecordPtr> Book::members(LiveRecord& group, Kind kind) {
         const auto rows = kind == Kind::person ? store_->members(group.row) : store_->subgroups(group.row);
         for (const RowId row : rows) {
             auto member = at(row);
-            if (member->inBook() && !group.left.contains(member->uid))
+            if (member->inBook() && !group.left.contains(member->uid)) {
                 found.push_back(std::move(member));
+            }
         }
     }
-    for (const auto& member : group.joined)
-        if (member->kind == kind && member->inBook() && !contains(found, *member))
+    for (const auto& member : group.joined) {
+        if (member->kind == kind && member->inBook() && !contains(found, *member)) {
             found.push_back(member);
+        }
+    }
     return found;
 }
 
 std::vector<LiveRecordPtr> Book::parents(const LiveRecord& record) {
     refreshIfStale();
     std::vector<LiveRecordPtr> found;
-    if (!record.inBook())
+    if (!record.inBook()) {
         return found;
+    }
     const auto joinedHere = [&](const LiveRecord& group) { return contains(group.joined, record); };
-    if (record.row != 0)
+    if (record.row != 0) {
         for (const RowId row : store_->parents(record.row)) {
             auto group = at(row);
-            if (group->inBook() && !group->left.contains(record.uid))
+            if (group->inBook() && !group->left.contains(record.uid)) {
                 found.push_back(std::move(group));
+            }
         }
-    for (const auto& [row, group] : changed_)
-        if (joinedHere(*group) && !contains(found, *group))
+    }
+    for (const auto& [row, group] : changed_) {
+        if (joinedHere(*group) && !contains(found, *group)) {
             found.push_back(group);
+        }
+    }
     std::sort(found.begin(), found.end(),
               [](const LiveRecordPtr& a, const LiveRecordPtr& b) { return a->row < b->row; });
-    for (const auto& group : added_)
-        if (joinedHere(*group))
+    for (const auto& group : added_) {
+        if (joinedHere(*group)) {
             found.push_back(group);
+        }
+    }
     return found;
 }
 
@@ -465,21 +518,26 @@ bool Book::ascendsTo(const LiveRecordPtr& from, const LiveRecord& target) {
     while (!open.empty()) {
         const auto group = open.back();
         open.pop_back();
-        if (group.get() == &target)
+        if (group.get() == &target) {
             return true;
-        if (!seenChange.insert(group.get()).second)
+        }
+        if (!seenChange.insert(group.get()).second) {
             continue;
-        for (auto& parent : parents(*group))
+        }
+        for (auto& parent : parents(*group)) {
             open.push_back(std::move(parent));
+        }
     }
     return false;
 }
 
 bool Book::join(const LiveRecordPtr& group, const LiveRecordPtr& member) {
-    if (!member->inBook() || isMember(*group, *member))
+    if (!member->inBook() || isMember(*group, *member)) {
         return false;
-    if (member->kind == Kind::group && ascendsTo(group, *member))
+    }
+    if (member->kind == Kind::group && ascendsTo(group, *member)) {
         return false;
+    }
     // One that left and comes back stands behind the others, so it stays in the list of those that left.
     group->joined.push_back(member);
     touch(group);
@@ -487,11 +545,13 @@ bool Book::join(const LiveRecordPtr& group, const LiveRecordPtr& member) {
 }
 
 bool Book::leave(const LiveRecordPtr& group, const LiveRecord& member) {
-    if (!isMember(*group, member))
+    if (!isMember(*group, member)) {
         return false;
+    }
     std::erase_if(group->joined, [&](const LiveRecordPtr& one) { return one.get() == &member; });
-    if (isMember(*group, member)) // the database says so
+    if (isMember(*group, member)) { // the database says so
         group->left.insert(member.uid);
+    }
     touch(group);
     return true;
 }
@@ -499,17 +559,19 @@ bool Book::leave(const LiveRecordPtr& group, const LiveRecord& member) {
 // The user's own card
 
 LiveRecordPtr Book::me() {
-    if (me_)
+    if (me_) {
         return me_->empty() ? nullptr : find(*me_);
+    }
     const auto uid = store_->me();
     return uid ? find(*uid) : nullptr;
 }
 
 void Book::setMe(const LiveRecordPtr& record) {
-    if (!record)
+    if (!record) {
         me_ = "";
-    else if (record->inBook())
+    } else if (record->inBook()) {
         me_ = record->uid;
+    }
 }
 
 // Properties
@@ -519,24 +581,29 @@ bool Book::isUndefined(Kind kind, std::string_view property) const {
 }
 
 bool Book::mentionsUndefined(const Query& query) const {
-    if (undefined_.empty())
+    if (undefined_.empty()) {
         return false;
-    if (const auto* condition = std::get_if<Condition>(&query.node))
+    }
+    if (const auto* condition = std::get_if<Condition>(&query.node)) {
         return isUndefined(condition->kind, condition->property);
+    }
     const auto& children = std::get<Query::Compound>(query.node).children;
     return std::any_of(children.begin(), children.end(),
                        [this](const Query& child) { return mentionsUndefined(child); });
 }
 
 int Book::typeOf(Kind kind, std::string_view property) {
-    if (const int type = publicType(kind, property))
+    if (const int type = publicType(kind, property)) {
         return type;
+    }
     refreshIfStale();
     const auto same = named(kind, property);
-    if (const auto found = std::find_if(defined_.begin(), defined_.end(), same); found != defined_.end())
+    if (const auto found = std::find_if(defined_.begin(), defined_.end(), same); found != defined_.end()) {
         return found->type;
-    if (isUndefined(kind, property))
+    }
+    if (isUndefined(kind, property)) {
         return 0;
+    }
     const auto found = std::find_if(definitions_.begin(), definitions_.end(), same);
     return found == definitions_.end() ? 0 : found->type;
 }
@@ -545,26 +612,33 @@ std::vector<std::string> Book::properties(Kind kind) {
     refreshIfStale();
     const auto builtIn = builtInNames(kind);
     std::vector<std::string> names(builtIn.begin(), builtIn.end());
-    for (const auto& definition : definitions_)
-        if (definition.kind == kind && !isUndefined(kind, definition.name))
+    for (const auto& definition : definitions_) {
+        if (definition.kind == kind && !isUndefined(kind, definition.name)) {
             names.push_back(definition.name);
-    for (const auto& definition : defined_)
-        if (definition.kind == kind)
+        }
+    }
+    for (const auto& definition : defined_) {
+        if (definition.kind == kind) {
             names.push_back(definition.name);
+        }
+    }
     return names;
 }
 
 int Book::define(Kind kind, const std::map<std::string, int>& properties) {
     ++revision_;
-    for (const auto& [name, type] : properties)
-        if (name.empty() || isInternal(name) || !validType(type))
+    for (const auto& [name, type] : properties) {
+        if (name.empty() || isInternal(name) || !validType(type)) {
             return -1;
+        }
+    }
     int count = 0;
-    for (const auto& [name, type] : properties)
+    for (const auto& [name, type] : properties) {
         if (typeOf(kind, name) == 0) {
             defined_.push_back({kind, name, type});
             ++count;
         }
+    }
     return count;
 }
 
@@ -572,14 +646,18 @@ int Book::undefine(Kind kind, const std::vector<std::string>& properties) {
     ++revision_;
     int count = 0;
     for (const auto& name : properties) {
-        if (publicType(kind, name) != 0 || typeOf(kind, name) == 0)
+        if (publicType(kind, name) != 0 || typeOf(kind, name) == 0) {
             continue;
+        }
         const auto same = named(kind, name);
-        if (std::erase_if(defined_, same) == 0)
+        if (std::erase_if(defined_, same) == 0) {
             undefined_.push_back(*std::find_if(definitions_.begin(), definitions_.end(), same));
-        for (const auto& [uid, weak] : byUid_)
-            if (const auto record = weak.lock(); record && record->kind == kind)
+        }
+        for (const auto& [uid, weak] : byUid_) {
+            if (const auto record = weak.lock(); record && record->kind == kind) {
                 record->changes.erase(name);
+            }
+        }
         ++count;
     }
     return count;

@@ -180,8 +180,9 @@ class Book : public std::enable_shared_from_this<Book> {
     void touch(const LiveRecordPtr& record);
     bool matchesNow(const Query& query, LiveRecord& record, Date now);
     void refreshIfStale() {
-        if (generation_.load(std::memory_order_acquire) != seenGeneration_)
+        if (generation_.load(std::memory_order_acquire) != seenGeneration_) {
             refresh();
+        }
     }
     void refresh();
     void applyChangeLog();

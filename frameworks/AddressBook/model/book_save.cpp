@@ -35,11 +35,14 @@ ChangeSet Book::changes(Date now) const {
     set.definitions = defined_;
     set.removedDefinitions = undefined_;
     const auto memberships = [&set](const LiveRecord& group) {
-        for (const auto& uid : group.left)
+        for (const auto& uid : group.left) {
             set.memberships.push_back({.group = group.uid, .member = uid, .add = false});
-        for (const auto& member : group.joined)
-            if (member->inBook() || member->deletedElsewhere()) // which the save tells
+        }
+        for (const auto& member : group.joined) {
+            if (member->inBook() || member->deletedElsewhere()) { // which the save tells
                 set.memberships.push_back({.group = group.uid, .member = member->uid, .add = true});
+            }
+        }
     };
     for (const auto& record : added_) {
         set.records.push_back(
@@ -47,17 +50,21 @@ ChangeSet Book::changes(Date now) const {
         memberships(*record);
     }
     const auto update = [&](const LiveRecordPtr& record) {
-        if (!record->changes.empty())
+        if (!record->changes.empty()) {
             set.records.push_back(
                 {.uid = record->uid, .kind = record->kind, .insert = false, .values = record->changes});
+        }
         memberships(*record);
     };
-    for (const auto& [row, record] : changed_)
+    for (const auto& [row, record] : changed_) {
         update(record);
-    for (const auto& [uid, record] : orphaned_)
+    }
+    for (const auto& [uid, record] : orphaned_) {
         update(record);
-    for (const auto& [row, record] : removed_)
+    }
+    for (const auto& [row, record] : removed_) {
         set.removed.push_back(record->uid);
+    }
     if (me_) {
         const auto mine = cached(*me_);
         const bool tells = !mine || mine->inBook() || mine->deletedElsewhere();
@@ -70,12 +77,14 @@ SaveResult Book::save(Date now) {
     refresh();
     const ChangeSet set = changes(now);
     SaveResult result;
-    if (!set.empty())
+    if (!set.empty()) {
         result = store_->save(set);
+    }
     applySaveResult(result);
     // Others saved nothing in between: what this save did is known.
-    if (result.change == seenChange_ + 1)
+    if (result.change == seenChange_ + 1) {
         seenChange_ = result.change;
+    }
     return result;
 }
 
@@ -90,19 +99,25 @@ void Book::applySaveResult(const SaveResult& result) {
         record->row = *place++;
         byRow_[record->row] = record;
     }
-    for (const auto& uid : result.updated) // also by a property that went, or by a member
-        if (const auto record = cached(uid); record && record->inDatabase())
+    for (const auto& uid : result.updated) { // also by a property that went, or by a member
+        if (const auto record = cached(uid); record && record->inDatabase()) {
             record->cachedRow.reset();
-    for (const auto& uid : result.missing) // deleted elsewhere a moment ago
-        if (const auto record = cached(uid); record && record->inDatabase())
+        }
+    }
+    for (const auto& uid : result.missing) { // deleted elsewhere a moment ago
+        if (const auto record = cached(uid); record && record->inDatabase()) {
             record->state = LiveRecord::State::deleted;
+        }
+    }
     for (const auto& [row, record] : std::exchange(changed_, {})) {
         clean(*record);
-        if (record->inDatabase())
+        if (record->inDatabase()) {
             record->cachedRow.reset();
+        }
     }
-    for (const auto& [uid, record] : std::exchange(orphaned_, {}))
+    for (const auto& [uid, record] : std::exchange(orphaned_, {})) {
         clean(*record);
+    }
     for (const auto& [row, record] : std::exchange(removed_, {})) {
         record->state = LiveRecord::State::deleted;
         record->removedHere = true;
@@ -111,8 +126,9 @@ void Book::applySaveResult(const SaveResult& result) {
         removedRows_.insert(row);
     }
     me_.reset();
-    if (!defined_.empty() || !undefined_.empty())
+    if (!defined_.empty() || !undefined_.empty()) {
         definitions_ = store_->definitions();
+    }
     defined_.clear();
     undefined_.clear();
 }
@@ -121,8 +137,9 @@ void Book::applySaveResult(const SaveResult& result) {
 
 void Book::refresh() {
     const auto generation = generation_.load(std::memory_order_acquire);
-    if (store_->moved() && std::filesystem::exists(store_->file()))
+    if (store_->moved() && std::filesystem::exists(store_->file())) {
         reopen();
+    }
     applyChangeLog();
     seenGeneration_ = generation;
 }
@@ -131,8 +148,9 @@ void Book::refresh() {
 // date.
 void Book::applyChangeLog() {
     const auto newest = store_->lastChange();
-    if (newest == seenChange_)
+    if (newest == seenChange_) {
         return;
+    }
     reloadDefinitions();
     readAhead_.clear();
     ++revision_;
@@ -140,13 +158,17 @@ void Book::applyChangeLog() {
     std::unordered_set<std::string> reloaded;
     for (const auto& change : store_->changesSince(seenChange_)) {
         all = all || change.tellsNothing();
-        for (const auto* uids : {&change.inserted, &change.updated, &change.deleted})
-            for (const auto& uid : *uids)
-                if (const auto record = cached(uid); record && reloaded.insert(uid).second)
+        for (const auto* uids : {&change.inserted, &change.updated, &change.deleted}) {
+            for (const auto& uid : *uids) {
+                if (const auto record = cached(uid); record && reloaded.insert(uid).second) {
                     reload(record);
+                }
+            }
+        }
     }
-    if (all)
+    if (all) {
         reloadAll();
+    }
     seenChange_ = newest;
 }
 
@@ -173,22 +195,27 @@ void Book::reopen() {
 
 void Book::reloadAll() {
     std::vector<LiveRecordPtr> all; // so that none goes while others take its row
-    for (const auto& [uid, weak] : byUid_)
-        if (auto record = weak.lock())
+    for (const auto& [uid, weak] : byUid_) {
+        if (auto record = weak.lock()) {
             all.push_back(std::move(record));
-    for (const auto& record : all)
+        }
+    }
+    for (const auto& record : all) {
         reload(record);
+    }
 }
 
 // Brings a card that is or was in the database up to date with it.
 void Book::reload(const LiveRecordPtr& record) {
     ++revision_;
-    if (record->state == LiveRecord::State::detached || record->state == LiveRecord::State::inserted)
+    if (record->state == LiveRecord::State::detached || record->state == LiveRecord::State::inserted) {
         return;
+    }
     const auto unfile = [&](auto& records) {
         const auto found = records.find(record->row);
-        if (found != records.end() && found->second == record)
+        if (found != records.end() && found->second == record) {
             records.erase(found);
+        }
     };
     unfile(changed_);
     unfile(removed_);
@@ -197,27 +224,31 @@ void Book::reload(const LiveRecordPtr& record) {
     if (!ref) {
         const bool loses =
             wasOrphaned || (record->state == LiveRecord::State::persistent && record->unsaved());
-        if (loses)
+        if (loses) {
             orphaned_.try_emplace(record->uid, record);
+        }
         record->state = LiveRecord::State::deleted;
         return;
     }
     if (record->state == LiveRecord::State::deleted) { // it was brought back
-        if (!wasOrphaned)
+        if (!wasOrphaned) {
             clean(*record);
+        }
         record->state = LiveRecord::State::persistent;
         record->removedHere = false;
     }
     record->cachedRow.reset();
     if (const auto old = byRow_.find(record->row);
-        record->row != ref->row && old != byRow_.end() && old->second.lock() == record)
+        record->row != ref->row && old != byRow_.end() && old->second.lock() == record) {
         byRow_.erase(old);
+    }
     record->row = ref->row;
     byRow_[record->row] = record;
-    if (record->state == LiveRecord::State::removed)
+    if (record->state == LiveRecord::State::removed) {
         removed_[record->row] = record;
-    else if (record->unsaved())
+    } else if (record->unsaved()) {
         changed_[record->row] = record;
+    }
 }
 
 } // namespace addressbook

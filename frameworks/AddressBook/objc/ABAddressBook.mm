@@ -16,8 +16,9 @@ bool announcing = false;
 // Says in the log why the address book cannot be opened: once, not at every attempt.
 void logFailure(const std::string& sentence) {
     static std::string last;
-    if (sentence == last)
+    if (sentence == last) {
         return;
+    }
     last = sentence;
     NSLog(@"AddressBook: %@", stringFrom(sentence));
 }
@@ -50,10 +51,12 @@ template <typename Items, typename Text>
 std::string listed(const Items& items, const char* between, Text text) {
     constexpr std::size_t kNamed = 10;
     std::string list;
-    for (std::size_t i = 0; i < std::min(items.size(), kNamed); ++i)
+    for (std::size_t i = 0; i < std::min(items.size(), kNamed); ++i) {
         list += (i == 0 ? "" : between) + text(items[i]);
-    if (items.size() > kNamed)
+    }
+    if (items.size() > kNamed) {
         list += " and " + std::to_string(items.size() - kNamed) + " more";
+    }
     return list;
 }
 
@@ -61,9 +64,11 @@ std::string listed(const Items& items, const char* between, Text text) {
 std::string groupName(Book& book, const std::string& uid) {
     std::string name = uid;
     try {
-        if (const LiveRecordPtr group = book.find(uid))
-            if (const auto* text = book.value(*group, property::kGroupName).as<std::string>())
+        if (const LiveRecordPtr group = book.find(uid)) {
+            if (const auto* text = book.value(*group, property::kGroupName).as<std::string>()) {
                 name = *text;
+            }
+        }
     } catch (const StoreError&) { // what is told is that the save is done
     }
     return '"' + name + '"';
@@ -72,10 +77,11 @@ std::string groupName(Book& book, const std::string& uid) {
 // Says what a save had to leave out; empty when that is nothing.
 std::string leftOutText(Book& book, const SaveResult& result) {
     std::string text;
-    if (!result.missing.empty())
+    if (!result.missing.empty()) {
         text = "Everything else is saved, but these records were deleted by another program, and what was "
                "changed in them here is not saved: " +
                listed(result.missing, ", ", [](const std::string& uid) { return uid; }) + ".";
+    }
     if (!result.circular.empty()) {
         text += text.empty() ? "Everything else is saved, but no group can contain itself: "
                              : " And no group can contain itself: ";
@@ -96,11 +102,12 @@ NSString* readOnlyText(const Book& book) {
 }
 
 void announce(ABAddressBook* book, const SaveResult& result) {
-    if (announcing && result.change != 0)
+    if (announcing && result.change != 0) {
         [[NSNotificationCenter defaultCenter]
             postNotificationName:kABDatabaseChangedNotification
                           object:book
                         userInfo:changeInfo(result.inserted, result.updated, result.deleted)];
+    }
 }
 
 } // namespace
@@ -120,8 +127,9 @@ BookPtr sharedBook() {
     if (sharedInstance == nil) {
         announcing = true;
         sharedInstance = [[ABAddressBook alloc] init];
-        if (sharedInstance != nil)
+        if (sharedInstance != nil) {
             startAnnouncing(sharedInstance, *[sharedInstance book]);
+        }
     }
     return sharedInstance;
 }
@@ -131,8 +139,9 @@ BookPtr sharedBook() {
 }
 
 - (id)init {
-    if ((self = [super init]) == nil)
+    if ((self = [super init]) == nil) {
         return nil;
+    }
     const BookPtr book = openBook();
     if (!book) {
         [self release];
@@ -168,24 +177,29 @@ BookPtr sharedBook() {
     NSInteger code = 0;
     const bool unsaved = [self hasUnsavedChanges];
     // Who adds a record and saves may look at the save's answer only.
-    if (!unsaved && [self book]->takeRefusal())
+    if (!unsaved && [self book]->takeRefusal()) {
         return refuse(error, ABPropertyReadOnlyError, readOnlyText(*[self book]));
+    }
     try {
-        if (unsaved)
+        if (unsaved) {
             result = [self book]->save(currentTime());
+        }
     } catch (const StoreError& refusal) {
         failure = refusal.what();
         code = codeOf(refusal.reason());
     }
-    if (code != 0)
+    if (code != 0) {
         return refuse(error, code, stringFrom(failure));
+    }
     if (unsaved) {
         announce(self, result);
         [self book]->noteLeftOut(leftOutText(*[self book], result));
     }
-    if (error != nullptr)
-        if (const std::string leftOut = [self book]->takeLeftOut(); !leftOut.empty())
+    if (error != nullptr) {
+        if (const std::string leftOut = [self book]->takeLeftOut(); !leftOut.empty()) {
             refuse(error, ABAddRecordsError, stringFrom(leftOut));
+        }
+    }
     return YES;
 }
 
@@ -198,8 +212,9 @@ BookPtr sharedBook() {
 }
 
 - (void)setMe:(ABPerson*)moi {
-    if (moi == nil || [self owns:(ABRecord*)moi])
+    if (moi == nil || [self owns:(ABRecord*)moi]) {
         [self book]->setMe(liveRecordOf((ABRecord*)moi));
+    }
 }
 
 - (ABRecord*)recordForUniqueId:(NSString*)uniqueId {
@@ -213,8 +228,9 @@ BookPtr sharedBook() {
 }
 
 - (NSString*)recordClassFromUniqueId:(NSString*)uniqueId error:(NSError**)error {
-    if (uniqueId == nil)
+    if (uniqueId == nil) {
         return nil;
+    }
     const std::string uid = textFrom(uniqueId);
     const LiveRecordPtr live = reading([&] { return [self book]->find(uid); });
     if (!live) {
@@ -235,10 +251,11 @@ BookPtr sharedBook() {
         [self book]->noteRefusal();
         return refuse(error, ABPropertyReadOnlyError, readOnlyText(*[self book]));
     }
-    if (![self owns:record] || ![self book]->add([record liveRecord]))
+    if (![self owns:record] || ![self book]->add([record liveRecord])) {
         return refuse(error, ABAddRecordsError,
                       @"The record cannot be added: it is in the address book already, or "
                       @"was deleted, or belongs to another one");
+    }
     return YES;
 }
 
@@ -248,10 +265,12 @@ BookPtr sharedBook() {
 
 - (BOOL)removeRecord:(ABRecord*)record error:(NSError**)error {
     requireArgument(record, @"There is no record to remove");
-    if ([self book]->readOnly())
+    if ([self book]->readOnly()) {
         return refuse(error, ABPropertyReadOnlyError, readOnlyText(*[self book]));
-    if (![self owns:record] || !reading([&] { return [self book]->remove([record liveRecord]); }))
+    }
+    if (![self owns:record] || !reading([&] { return [self book]->remove([record liveRecord]); })) {
         return refuse(error, ABRemoveRecordsError, @"The record is not in the address book");
+    }
     return YES;
 }
 

@@ -78,25 +78,30 @@ void requireForEntry(NSString* property, ABPerson* person) {
                            person:(ABPerson*)person {
     requireForEntry(property, person);
     if ([self isReadOnly] ||
-        !reading([&] { return [self book]->isMember(*[self liveRecord], *[person liveRecord]); }))
+        !reading([&] { return [self book]->isMember(*[self liveRecord], *[person liveRecord]); })) {
         return NO;
+    }
     id entries = [person valueForProperty:property];
     if (![entries isKindOfClass:[ABMultiValue class]] ||
-        (identifier != nil && [entries indexForIdentifier:identifier] == NSNotFound))
+        (identifier != nil && [entries indexForIdentifier:identifier] == NSNotFound)) {
         return NO;
+    }
 
     Dictionary chosen = [self distributionIdentifiers];
     Value& ofProperty = chosen[textFrom(property)];
-    if (!ofProperty.as<Dictionary>())
+    if (!ofProperty.as<Dictionary>()) {
         ofProperty = Dictionary();
+    }
     auto& people = *ofProperty.as<Dictionary>();
     const std::string& uid = [person liveRecord]->uid;
-    if (identifier != nil)
+    if (identifier != nil) {
         people[uid] = textFrom(identifier);
-    else
+    } else {
         people.erase(uid);
-    if (people.empty())
+    }
+    if (people.empty()) {
         chosen.erase(textFrom(property));
+    }
     Value changed = chosen.empty() ? Value() : Value(std::move(chosen));
     reading([&] {
         [self book]->set([self liveRecord], std::string(property::kDistribution), std::move(changed));
@@ -106,18 +111,24 @@ void requireForEntry(NSString* property, ABPerson* person) {
 
 - (NSString*)distributionIdentifierForProperty:(NSString*)property person:(ABPerson*)person {
     requireForEntry(property, person);
-    if (!reading([&] { return [self book]->isMember(*[self liveRecord], *[person liveRecord]); }))
+    if (!reading([&] { return [self book]->isMember(*[self liveRecord], *[person liveRecord]); })) {
         return nil;
+    }
     id entries = [person valueForProperty:property];
-    if (![entries isKindOfClass:[ABMultiValue class]])
+    if (![entries isKindOfClass:[ABMultiValue class]]) {
         return nil;
+    }
     const Dictionary chosen = [self distributionIdentifiers];
-    if (const auto ofProperty = chosen.find(textFrom(property)); ofProperty != chosen.end())
-        if (const auto* people = ofProperty->second.as<Dictionary>())
-            if (const auto own = people->find([person liveRecord]->uid); own != people->end())
+    if (const auto ofProperty = chosen.find(textFrom(property)); ofProperty != chosen.end()) {
+        if (const auto* people = ofProperty->second.as<Dictionary>()) {
+            if (const auto own = people->find([person liveRecord]->uid); own != people->end()) {
                 if (id identifier = objectFrom(own->second);
-                    [entries indexForIdentifier:identifier] != NSNotFound)
+                    [entries indexForIdentifier:identifier] != NSNotFound) {
                     return identifier;
+                }
+            }
+        }
+    }
     return [entries primaryIdentifier];
 }
 

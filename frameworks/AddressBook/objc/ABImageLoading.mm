@@ -31,8 +31,9 @@ class Requests {
     Request take(NSInteger tag) {
         const std::lock_guard lock(mutex_);
         const auto found = requests_.find(tag);
-        if (found == requests_.end())
+        if (found == requests_.end()) {
             return {nil, nil};
+        }
         const Request request = found->second;
         requests_.erase(found);
         return {[request.client autorelease], [request.data autorelease]};
@@ -80,8 +81,9 @@ Requests& requests() {
 @implementation ABPerson (ABImageLoading)
 
 - (BOOL)setImageData:(NSData*)data {
-    if ([self isReadOnly])
+    if ([self isReadOnly]) {
         return NO;
+    }
     Value picture = data ? requireValue(data, kABDataProperty, @"image") : Value();
     reading([&] { [self book]->set([self liveRecord], std::string(property::kImage), std::move(picture)); });
     return YES;

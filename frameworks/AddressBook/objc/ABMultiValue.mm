@@ -44,10 +44,11 @@ void requireEntryLabel(NSString* label) {
 
 - (const ListEntry&)entryAtIndex:(NSUInteger)index {
     const auto& entries = static_cast<ListEntries*>(_list)->entries;
-    if (index >= entries.size())
+    if (index >= entries.size()) {
         [NSException raise:NSRangeException
                     format:@"There is no entry %lu: the list has %lu", (unsigned long)index,
                            (unsigned long)entries.size()];
+    }
     return entries[index];
 }
 
@@ -69,19 +70,22 @@ void requireEntryLabel(NSString* label) {
 
 - (NSUInteger)indexForIdentifier:(NSString*)identifier {
     const auto& entries = [self list].entries;
-    if (identifier == nil || entries.empty())
+    if (identifier == nil || entries.empty()) {
         return NSNotFound;
+    }
     const ListEntry::Sought sought(identifier);
     const auto found = std::find_if(entries.begin(), entries.end(),
                                     [&](const ListEntry& entry) { return entry.isNamed(sought); });
-    if (found == entries.end())
+    if (found == entries.end()) {
         return NSNotFound;
+    }
     return static_cast<NSUInteger>(found - entries.begin());
 }
 
 - (NSString*)primaryIdentifier {
-    if (id chosen = [self chosenPrimary])
+    if (id chosen = [self chosenPrimary]) {
         return chosen;
+    }
     return [self count] == 0 ? nil : [self identifierAtIndex:0];
 }
 
@@ -101,8 +105,9 @@ void requireEntryLabel(NSString* label) {
 }
 
 - (id)copyWithZone:(NSZone*)zone {
-    if ([self isMemberOfClass:[ABMultiValue class]])
+    if ([self isMemberOfClass:[ABMultiValue class]]) {
         return [self retain];
+    }
     return [[ABMultiValue allocWithZone:zone] initWithEntries:std::make_unique<ListEntries>([self list])];
 }
 
@@ -118,23 +123,28 @@ void requireEntryLabel(NSString* label) {
     state->itemsPtr = buffer;
     state->mutationsPtr = &_mutations;
     NSUInteger given = 0;
-    for (; given < length && state->state < [self count]; ++given, ++state->state)
+    for (; given < length && state->state < [self count]; ++given, ++state->state) {
         buffer[given] = [self valueAtIndex:state->state];
+    }
     return given;
 }
 
 - (BOOL)isEqual:(id)other {
-    if (![other isKindOfClass:[ABMultiValue class]])
+    if (![other isKindOfClass:[ABMultiValue class]]) {
         return NO;
+    }
     ABMultiValue* list = other;
     const NSUInteger count = [self count];
-    if ([list count] != count)
+    if ([list count] != count) {
         return NO;
-    for (NSUInteger i = 0; i < count; ++i)
+    }
+    for (NSUInteger i = 0; i < count; ++i) {
         if (![[self identifierAtIndex:i] isEqual:[list identifierAtIndex:i]] ||
             ![[self labelAtIndex:i] isEqual:[list labelAtIndex:i]] ||
-            ![[self valueAtIndex:i] isEqual:[list valueAtIndex:i]])
+            ![[self valueAtIndex:i] isEqual:[list valueAtIndex:i]]) {
             return NO;
+        }
+    }
     return count == 0 || [[self primaryIdentifier] isEqual:[list primaryIdentifier]];
 }
 
@@ -144,9 +154,10 @@ void requireEntryLabel(NSString* label) {
 
 - (NSString*)description {
     NSMutableArray* entries = [NSMutableArray array];
-    for (NSUInteger i = 0, count = [self count]; i < count; ++i)
+    for (NSUInteger i = 0, count = [self count]; i < count; ++i) {
         [entries addObject:[NSString stringWithFormat:@"%@ %@ (%@)", [self labelAtIndex:i],
                                                       [self valueAtIndex:i], [self identifierAtIndex:i]]];
+    }
     return [entries description];
 }
 
@@ -155,8 +166,9 @@ void requireEntryLabel(NSString* label) {
 @implementation ABMultiValue (Internal)
 
 - (id)initWithEntries:(std::unique_ptr<ListEntries>)entries {
-    if ((self = [super init]) != nil)
+    if ((self = [super init]) != nil) {
         _list = entries.release();
+    }
     return self;
 }
 
@@ -176,8 +188,9 @@ void requireEntryLabel(NSString* label) {
     requireEntryValue(value);
     requireEntryLabel(label);
     auto& entries = [self list].entries;
-    if (index > entries.size())
+    if (index > entries.size()) {
         [self entryAtIndex:index]; // raises
+    }
     NSString* identifier = stringFrom(newUuid());
     entries.emplace(entries.begin() + static_cast<std::ptrdiff_t>(index), value, label, identifier);
     ++_mutations;
@@ -186,8 +199,9 @@ void requireEntryLabel(NSString* label) {
 
 - (BOOL)removeValueAndLabelAtIndex:(NSUInteger)index {
     ListEntries& list = [self list];
-    if ([[self identifierAtIndex:index] isEqual:list.primary.get()])
+    if ([[self identifierAtIndex:index] isEqual:list.primary.get()]) {
         list.primary = Retained();
+    }
     list.entries.erase(list.entries.begin() + static_cast<std::ptrdiff_t>(index));
     ++_mutations;
     return YES;
@@ -214,8 +228,9 @@ void requireEntryLabel(NSString* label) {
 
 - (BOOL)setPrimaryIdentifier:(NSString*)identifier {
     requireArgument(identifier, @"A list's primary entry needs an identifier");
-    if ([self indexForIdentifier:identifier] == NSNotFound)
+    if ([self indexForIdentifier:identifier] == NSNotFound) {
         return NO;
+    }
     [self list].primary = copied(identifier);
     return YES;
 }

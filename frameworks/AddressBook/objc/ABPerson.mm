@@ -47,8 +47,9 @@ using namespace addressbook;
 
 // The card's own unique id is not taken over: the person is a new one.
 - (id)initWithVCardRepresentation:(NSData*)vCardData {
-    if ((self = [self init]) == nil)
+    if ((self = [self init]) == nil) {
         return nil;
+    }
     const std::string_view bytes(static_cast<const char*>([vCardData bytes]), [vCardData length]);
     auto read = vcard::Reader(bytes).next();
     auto* card = read ? std::get_if<vcard::Card>(&*read) : nullptr;
@@ -56,9 +57,11 @@ using namespace addressbook;
         [self release];
         return nil;
     }
-    for (auto& [property, value] : card->values)
-        if (!keptByFramework(property))
+    for (auto& [property, value] : card->values) {
+        if (!keptByFramework(property)) {
             [self liveRecord]->changes[property] = std::move(value);
+        }
+    }
     return self;
 }
 

@@ -31,11 +31,13 @@ struct State {
 
 // A stored value is turned into an object from its bytes.
 id valueOf(Book& book, LiveRecord& live, const std::string& property) {
-    if (const auto stored = storedForComponents(property))
+    if (const auto stored = storedForComponents(property)) {
         return componentsFrom(book.current(live, *stored));
+    }
     const auto encoded = book.encoded(live, property);
-    if (!encoded)
+    if (!encoded) {
         return objectFrom(book.current(live, property));
+    }
     try {
         return objectFromEncoded(*encoded);
     } catch (const DamagedRecord& error) {
@@ -63,8 +65,9 @@ void raiseInvalid(NSString* sentence) {
 }
 
 void requireArgument(id argument, NSString* sentence) {
-    if (argument == nil)
+    if (argument == nil) {
         raiseInvalid(sentence);
+    }
 }
 
 void raiseUnreadable(const std::string& sentence) {
@@ -73,19 +76,22 @@ void raiseUnreadable(const std::string& sentence) {
 }
 
 BOOL refuse(NSError** error, NSInteger code, NSString* sentence) {
-    if (error != nullptr)
+    if (error != nullptr) {
         *error = [NSError errorWithDomain:ABAddressBookErrorDomain
                                      code:code
                                  userInfo:[NSDictionary dictionaryWithObject:sentence
                                                                       forKey:NSLocalizedDescriptionKey]];
+    }
     return NO;
 }
 
 ABRecord* recordFrom(const BookPtr& book, const LiveRecordPtr& live) {
-    if (!live)
+    if (!live) {
         return nil;
-    if (live->object != nullptr)
+    }
+    if (live->object != nullptr) {
         return [[static_cast<ABRecord*>(live->object) retain] autorelease];
+    }
     static Class const person = [ABPerson class];
     static Class const group = [ABGroup class];
     return [[[live->kind == Kind::group ? group : person alloc] initWithLiveRecord:live
@@ -94,8 +100,9 @@ ABRecord* recordFrom(const BookPtr& book, const LiveRecordPtr& live) {
 
 NSArray* recordsFrom(const BookPtr& book, const std::vector<LiveRecordPtr>& live) {
     NSMutableArray* records = [NSMutableArray arrayWithCapacity:live.size()];
-    for (const auto& one : live)
+    for (const auto& one : live) {
         [records addObject:recordFrom(book, one)];
+    }
     return [[records copy] autorelease];
 }
 
@@ -142,14 +149,17 @@ BookPtr bookOf(ABRecord* record) {
     auto& state = *static_cast<State*>(_record);
     LiveRecord& live = *state.record;
     if (state.list != nil && state.listName == name &&
-        reading([&] { return book.revision(); }) == state.listRevision)
+        reading([&] { return book.revision(); }) == state.listRevision) {
         return [[state.list retain] autorelease];
+    }
     const int type = reading([&] { return book.typeOf(live.kind, name); });
-    if (type == 0)
+    if (type == 0) {
         return nil;
+    }
     id object = reading([&] { return valueOf(book, live, name); });
-    if ((type & kMultiValue) != 0)
+    if ((type & kMultiValue) != 0) {
         state.keep(object, name);
+    }
     return object;
 }
 
@@ -162,20 +172,25 @@ BookPtr bookOf(ABRecord* record) {
     Book& book = *[self book];
     std::string name = textFrom(property);
     const int type = reading([&] { return book.typeOf([self liveRecord]->kind, name); });
-    if (type == 0)
+    if (type == 0) {
         return refuse(error, ABPropertyUnsupportedBySourceError,
                       [NSString stringWithFormat:@"%@ has no property %@", [self class], property]);
-    if (keptByFramework(name))
+    }
+    if (keptByFramework(name)) {
         return refuse(error, ABPropertyReadOnlyError,
                       [NSString stringWithFormat:@"The property %@ cannot be set", property]);
-    if ([self isReadOnly])
+    }
+    if ([self isReadOnly]) {
         return refuse(error, ABPropertyReadOnlyError, @"The address book can only be read");
+    }
     const auto stored = storedForComponents(name);
     Value converted;
-    if (value != nil)
+    if (value != nil) {
         converted = stored ? requireComponents(value, type, property) : requireValue(value, type, property);
-    if (stored)
+    }
+    if (stored) {
         name = *stored;
+    }
     reading([&] { book.set([self liveRecord], name, std::move(converted)); });
     return YES;
 }
@@ -190,17 +205,19 @@ BookPtr bookOf(ABRecord* record) {
 
 // Properties come first: their names, and those that users give, need no accessor.
 - (id)valueForKey:(NSString*)key {
-    if (key == nil || !hasProperty(self, key))
+    if (key == nil || !hasProperty(self, key)) {
         return [super valueForKey:key];
+    }
     return [self valueForProperty:key];
 }
 
 - (void)setValue:(id)value forKey:(NSString*)key {
     NSError* error = nil;
-    if (key == nil || !hasProperty(self, key))
+    if (key == nil || !hasProperty(self, key)) {
         [super setValue:value forKey:key];
-    else if (![self setValue:value forProperty:key error:&error])
+    } else if (![self setValue:value forProperty:key error:&error]) {
         raiseInvalid([error localizedDescription]);
+    }
 }
 
 - (NSString*)description {

@@ -25,16 +25,19 @@ ABSearchElement* elementFrom(Query query) {
 @implementation ABSearchElement
 
 + (ABSearchElement*)searchElementForConjunction:(ABSearchConjunction)conjunction children:(NSArray*)children {
-    if ([children count] == 0)
+    if ([children count] == 0) {
         raiseInvalid(@"Joining searches needs at least one of them");
-    if (conjunction != kABSearchAnd && conjunction != kABSearchOr)
+    }
+    if (conjunction != kABSearchAnd && conjunction != kABSearchOr) {
         raiseInvalid([NSString stringWithFormat:@"There is no search conjunction %ld", (long)conjunction]);
+    }
     Query::Compound compound;
     compound.join = static_cast<Query::Join>(conjunction);
     for (NSUInteger i = 0; i < [children count]; ++i) {
         id child = [children objectAtIndex:i];
-        if (![child isKindOfClass:[ABSearchElement class]])
+        if (![child isKindOfClass:[ABSearchElement class]]) {
             raiseInvalid(@"Only searches can be joined");
+        }
         compound.children.push_back(queryOf(child));
     }
     return elementFrom(Query{std::move(compound)});
@@ -56,8 +59,9 @@ ABSearchElement* elementFrom(Query query) {
 @implementation ABSearchElement (Internal)
 
 - (id)initWithQuery:(Query)query {
-    if ((self = [super init]) != nil)
+    if ((self = [super init]) != nil) {
         _query = new Query(std::move(query));
+    }
     return self;
 }
 

@@ -112,8 +112,9 @@ void append(NSMutableAttributedString* text, NSString* part, NSDictionary* attri
 @implementation ABAddressBook (ABFormattedAddress)
 
 - (NSAttributedString*)formattedAddressFromDictionary:(NSDictionary*)address {
-    if (address == nil)
+    if (address == nil) {
         return nil;
+    }
     NSString* country = textOf(address, kABAddressCountryCodeKey);
     const Format& format =
         formatOf(addressbook::textFrom([country ? country : [self defaultCountryCode] lowercaseString]));
@@ -124,8 +125,9 @@ void append(NSMutableAttributedString* text, NSString* part, NSDictionary* attri
         const Field field = fieldOf(character, format);
         NSString* part = field.key ? textOf(address, field.key) : nil;
         if (part != nil) {
-            if ([text length] > 0)
+            if ([text length] > 0) {
                 append(text, begun ? between : @"\n", nil);
+            }
             append(text, part, [NSDictionary dictionaryWithObject:field.name forKey:field.key]);
             begun = true;
             between = @"";

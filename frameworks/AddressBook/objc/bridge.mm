@@ -23,8 +23,9 @@
     if ((self = [super init]) != nil) {
         _length = units.size();
         _units = static_cast<unichar*>(calloc(_length + 1, sizeof(unichar)));
-        if (_units == nullptr)
+        if (_units == nullptr) {
             [NSException raise:NSMallocException format:@"Out of memory"];
+        }
         std::copy(units.begin(), units.end(), _units);
     }
     return self;
@@ -37,13 +38,15 @@
     return _length;
 }
 - (unichar)characterAtIndex:(NSUInteger)index {
-    if (index >= _length)
+    if (index >= _length) {
         [NSException raise:NSRangeException format:@"Index %lu beyond the text", (unsigned long)index];
+    }
     return _units[index];
 }
 - (void)getCharacters:(unichar*)buffer range:(NSRange)range {
-    if (range.location > _length || range.length > _length - range.location)
+    if (range.location > _length || range.length > _length - range.location) {
         [NSException raise:NSRangeException format:@"Range beyond the text"];
+    }
     std::copy_n(_units + range.location, range.length, buffer);
 }
 - (id)copyWithZone:(NSZone*)zone {
@@ -59,14 +62,17 @@ namespace {
 // Whether GNUstep's strings would not keep the units as they are: it refuses half of a surrogate pair without
 // the other half, and takes a byte-order mark in front for one that says how to read the rest.
 bool needsRawText(const std::u16string& units) {
-    if (!units.empty() && (units[0] == 0xFEFF || units[0] == 0xFFFE))
+    if (!units.empty() && (units[0] == 0xFEFF || units[0] == 0xFFFE)) {
         return true;
+    }
     for (std::size_t i = 0; i < units.size(); ++i) {
-        if ((units[i] & 0xF800) != 0xD800)
+        if ((units[i] & 0xF800) != 0xD800) {
             continue;
+        }
         const bool pair = units[i] < 0xDC00 && i + 1 < units.size() && (units[i + 1] & 0xFC00) == 0xDC00;
-        if (!pair)
+        if (!pair) {
             return true;
+        }
         ++i;
     }
     return false;
@@ -74,24 +80,31 @@ bool needsRawText(const std::u16string& units) {
 
 NSDateComponents* componentsFrom(const DateComponents& parts) {
     NSDateComponents* components = [[[NSDateComponents alloc] init] autorelease];
-    if (parts.year)
+    if (parts.year) {
         [components setYear:*parts.year];
-    if (parts.month)
+    }
+    if (parts.month) {
         [components setMonth:*parts.month];
-    if (parts.day)
+    }
+    if (parts.day) {
         [components setDay:*parts.day];
-    if (parts.hour)
+    }
+    if (parts.hour) {
         [components setHour:*parts.hour];
-    if (parts.minute)
+    }
+    if (parts.minute) {
         [components setMinute:*parts.minute];
-    if (parts.second)
+    }
+    if (parts.second) {
         [components setSecond:*parts.second];
+    }
     return components;
 }
 
 std::optional<int> part(NSInteger value) {
-    if (value == NSIntegerMax) // not set
+    if (value == NSIntegerMax) { // not set
         return std::nullopt;
+    }
     return static_cast<int>(value);
 }
 
@@ -102,8 +115,9 @@ DateComponents partsFrom(NSDateComponents* components) {
 
 Value numberFrom(NSNumber* number) {
     const char kind = *[number objCType];
-    if (kind == 'f' || kind == 'd')
+    if (kind == 'f' || kind == 'd') {
         return [number doubleValue];
+    }
     return static_cast<std::int64_t>([number longLongValue]);
 }
 
@@ -111,8 +125,9 @@ std::optional<Value> arrayFrom(NSArray* array) {
     Array values;
     for (NSUInteger i = 0, count = [array count]; i < count; ++i) {
         auto value = valueFrom([array objectAtIndex:i]);
-        if (!value)
+        if (!value) {
             return std::nullopt;
+        }
         values.push_back(std::move(*value));
     }
     return values;
@@ -124,8 +139,9 @@ std::optional<Value> dictionaryFrom(NSDictionary* dictionary) {
     for (NSUInteger i = 0, count = [keys count]; i < count; ++i) {
         id key = [keys objectAtIndex:i];
         auto value = valueFrom([dictionary objectForKey:key]);
-        if (!value || ![key isKindOfClass:[NSString class]])
+        if (!value || ![key isKindOfClass:[NSString class]]) {
             return std::nullopt;
+        }
         values.emplace(textFrom(key), std::move(*value));
     }
     return values;
@@ -135,8 +151,9 @@ std::optional<Value> entriesFrom(ABMultiValue* list) {
     MultiValue values;
     for (NSUInteger i = 0, count = [list count]; i < count; ++i) {
         auto value = valueFrom([list valueAtIndex:i]);
-        if (!value || value->as<MultiValue>())
+        if (!value || value->as<MultiValue>()) {
             return std::nullopt;
+        }
         values.entries.push_back(
             {textFrom([list identifierAtIndex:i]), textFrom([list labelAtIndex:i]), std::move(*value)});
     }
@@ -163,23 +180,27 @@ struct ToObject {
     }
     id operator()(const Array& values) const {
         NSMutableArray* array = [NSMutableArray arrayWithCapacity:values.size()];
-        for (const auto& value : values)
+        for (const auto& value : values) {
             [array addObject:objectOrNull(objectFrom(value))];
+        }
         return [[array copy] autorelease];
     }
     id operator()(const Dictionary& values) const {
         NSMutableDictionary* dictionary = [NSMutableDictionary dictionaryWithCapacity:values.size()];
-        for (const auto& [key, value] : values)
+        for (const auto& [key, value] : values) {
             [dictionary setObject:objectOrNull(objectFrom(value)) forKey:wordFrom(key)];
+        }
         return [[dictionary copy] autorelease];
     }
     id operator()(const MultiValue& values) const {
         auto list = std::make_unique<ListEntries>();
-        for (const auto& entry : values.entries)
+        for (const auto& entry : values.entries) {
             list->entries.emplace_back(objectOrNull(objectFrom(entry.value)), wordFrom(entry.label),
                                        stringFrom(entry.identifier));
-        if (!values.primary.empty())
+        }
+        if (!values.primary.empty()) {
             list->primary = Retained(stringFrom(values.primary));
+        }
         return listOf(std::move(list));
     }
 };
@@ -191,24 +212,29 @@ std::string textFrom(NSString* string) {
     // The compiler's constants, as names of properties are, know their bytes. With as many bytes as units
     // they are ASCII.
     static Class const constant = [NSConstantString class];
-    if (string != nil && object_getClass(string) == constant)
-        if (const char* bytes = [string UTF8String]; std::strlen(bytes) == [string length])
+    if (string != nil && object_getClass(string) == constant) {
+        if (const char* bytes = [string UTF8String]; std::strlen(bytes) == [string length]) {
             return bytes;
+        }
+    }
     std::u16string units([string length], u'\0');
-    if (!units.empty())
+    if (!units.empty()) {
         [string getCharacters:reinterpret_cast<unichar*>(units.data()) range:NSMakeRange(0, units.size())];
+    }
     return utf8FromUtf16(units);
 }
 
 NSString* stringFrom(std::string_view text) {
     static Class const type =
         [NSString class]; // looking a class up by its name takes as long as making a text
-    if (isAscii(text))
+    if (isAscii(text)) {
         return [[[type alloc] initWithBytes:text.data() length:text.size()
                                    encoding:NSASCIIStringEncoding] autorelease];
+    }
     const std::u16string units = utf16FromUtf8(text);
-    if (needsRawText(units))
+    if (needsRawText(units)) {
         return [[[ABRawText alloc] initWithUnits:units] autorelease];
+    }
     return [NSString stringWithCharacters:reinterpret_cast<const unichar*>(units.data()) length:units.size()];
 }
 
@@ -218,28 +244,37 @@ Date dateFrom(NSDate* date) {
 
 std::optional<Value> valueFrom(id object) {
     static Class const text = [NSString class];
-    if (object == nil)
+    if (object == nil) {
         return Value();
-    if ([object isKindOfClass:text])
+    }
+    if ([object isKindOfClass:text]) {
         return textFrom(object);
-    if ([object isKindOfClass:[NSNull class]])
+    }
+    if ([object isKindOfClass:[NSNull class]]) {
         return Value();
-    if ([object isKindOfClass:[NSNumber class]])
+    }
+    if ([object isKindOfClass:[NSNumber class]]) {
         return numberFrom(object);
-    if ([object isKindOfClass:[NSDate class]])
+    }
+    if ([object isKindOfClass:[NSDate class]]) {
         return dateFrom(object);
-    if ([object isKindOfClass:[NSDateComponents class]])
+    }
+    if ([object isKindOfClass:[NSDateComponents class]]) {
         return partsFrom(object);
+    }
     if ([object isKindOfClass:[NSData class]]) {
         const auto* bytes = static_cast<const std::uint8_t*>([object bytes]);
         return Bytes(bytes, bytes + [object length]);
     }
-    if ([object isKindOfClass:[NSArray class]])
+    if ([object isKindOfClass:[NSArray class]]) {
         return arrayFrom(object);
-    if ([object isKindOfClass:[NSDictionary class]])
+    }
+    if ([object isKindOfClass:[NSDictionary class]]) {
         return dictionaryFrom(object);
-    if ([object isKindOfClass:[ABMultiValue class]])
+    }
+    if ([object isKindOfClass:[ABMultiValue class]]) {
         return entriesFrom(object);
+    }
     return std::nullopt;
 }
 
@@ -248,12 +283,15 @@ id objectFrom(const Value& value) {
 }
 
 id objectFromEncoded(std::string_view value) {
-    if (value.empty())
+    if (value.empty()) {
         return nil;
-    if (const auto text = textIn(value))
+    }
+    if (const auto text = textIn(value)) {
         return stringFrom(*text);
-    if (holdsList(value))
+    }
+    if (holdsList(value)) {
         return listOf(std::make_unique<ListEntries>(value));
+    }
     return objectFrom(decodeValue(value));
 }
 
@@ -261,12 +299,15 @@ NSString* wordFrom(std::string_view word) {
     // Never destroyed, so that the texts are held until the process ends.
     static std::vector<NSString*>& known = *new std::vector<NSString*>;
     const auto code = static_cast<std::size_t>(wordCode(word));
-    if (code == 0)
+    if (code == 0) {
         return stringFrom(word);
-    if (known.size() <= code)
+    }
+    if (known.size() <= code) {
         known.resize(code + 1, nil);
-    if (known[code] == nil)
+    }
+    if (known[code] == nil) {
         known[code] = [stringFrom(word) retain];
+    }
     return known[code];
 }
 

@@ -21,8 +21,9 @@ constexpr std::chrono::seconds kPatienceAtExit{1};
 
 void post(ABAddressBook* sender, const LoggedChange& change) {
     Book::invalidateAll();
-    if (change.own)
+    if (change.own) {
         return;
+    }
     NSAutoreleasePool* pool = [[NSAutoreleasePool alloc] init];
     [[NSNotificationCenter defaultCenter]
         postNotificationName:kABDatabaseChangedExternallyNotification
@@ -59,17 +60,20 @@ class Announcer {
 
     // Waits for the thread, but not for ever when [patience] is given.
     void stop(const std::chrono::seconds* patience) {
-        if (process_ != getpid())
+        if (process_ != getpid()) {
             return; // a forked child has no such thread
+        }
         watch_.stop();
         std::unique_lock<std::mutex> guard(lock_);
-        if (running_ && pthread_equal(thread_, pthread_self()) != 0)
+        if (running_ && pthread_equal(thread_, pthread_self()) != 0) {
             return;
+        }
         const auto ended = [this] { return ended_; };
-        if (patience != nullptr)
+        if (patience != nullptr) {
             end_.wait_until(guard, std::chrono::system_clock::now() + *patience, ended);
-        else
+        } else {
             end_.wait(guard, ended);
+        }
     }
 
   private:
@@ -89,8 +93,9 @@ std::shared_ptr<Announcer>& current() {
 }
 
 void stopAtExit() {
-    if (const auto announcer = current())
+    if (const auto announcer = current()) {
         announcer->stop(&kPatienceAtExit);
+    }
 }
 
 } // namespace
@@ -106,8 +111,9 @@ void stopAtExit() {
 @implementation ABAnnouncerThread
 
 - (id)initWithAnnouncer:(const std::shared_ptr<Announcer>&)announcer {
-    if ((self = [super init]) != nil)
+    if ((self = [super init]) != nil) {
         _announcer = new std::shared_ptr<Announcer>(announcer);
+    }
     return self;
 }
 
@@ -128,11 +134,13 @@ namespace addressbook {
 namespace {
 
 void putUids(NSMutableDictionary* info, NSString* key, const std::vector<std::string>& uids) {
-    if (uids.empty())
+    if (uids.empty()) {
         return;
+    }
     NSMutableArray* array = [NSMutableArray arrayWithCapacity:uids.size()];
-    for (const auto& uid : uids)
+    for (const auto& uid : uids) {
         [array addObject:stringFrom(uid)];
+    }
     [info setObject:array forKey:key];
 }
 
@@ -161,8 +169,9 @@ void startAnnouncing(ABAddressBook* sender, const Book& book) {
 }
 
 void stopAnnouncing() {
-    if (const auto announcer = std::exchange(current(), nullptr))
+    if (const auto announcer = std::exchange(current(), nullptr)) {
         announcer->stop(nullptr);
+    }
 }
 
 } // namespace addressbook

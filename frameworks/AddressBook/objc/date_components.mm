@@ -27,16 +27,18 @@ bool isAlternateBirthday(NSString* property) {
 
 NSDateComponents* emptyComponents(NSString* calendar) {
     NSDateComponents* components = [[[NSDateComponents alloc] init] autorelease];
-    if (calendar != nil)
+    if (calendar != nil) {
         [components setCalendar:[[[NSCalendar alloc] initWithCalendarIdentifier:calendar] autorelease]];
+    }
     return components;
 }
 
 NSDateComponents* dayFrom(const Date& date) {
     NSDateComponents* components = emptyComponents(NSCalendarIdentifierGregorian);
     if (const auto parts = dayParts(date)) {
-        if (parts->year)
+        if (parts->year) {
             [components setYear:*parts->year];
+        }
         [components setMonth:*parts->month];
         [components setDay:*parts->day];
     }
@@ -47,23 +49,30 @@ NSDateComponents* componentsFromFields(const Dictionary& fields) {
     const auto calendar = fields.find(kCalendar);
     NSDateComponents* components =
         emptyComponents(calendar == fields.end() ? nil : objectFrom(calendar->second));
-    for (const auto& [key, unit] : kFields)
-        if (const auto field = fields.find(key); field != fields.end())
-            if (const auto* number = field->second.as<std::int64_t>())
+    for (const auto& [key, unit] : kFields) {
+        if (const auto field = fields.find(key); field != fields.end()) {
+            if (const auto* number = field->second.as<std::int64_t>()) {
                 [components setValue:*number forComponent:unit];
+            }
+        }
+    }
     [components setLeapMonth:fields.contains(kLeapMonth)];
     return components;
 }
 
 Dictionary fieldsFrom(NSDateComponents* components) {
     Dictionary fields;
-    for (const auto& [key, unit] : kFields)
-        if (const NSInteger number = [components valueForComponent:unit]; number != NSIntegerMax)
+    for (const auto& [key, unit] : kFields) {
+        if (const NSInteger number = [components valueForComponent:unit]; number != NSIntegerMax) {
             fields[key] = static_cast<std::int64_t>(number);
-    if ([components calendar] != nil)
+        }
+    }
+    if ([components calendar] != nil) {
         fields[kCalendar] = textFrom([[components calendar] calendarIdentifier]);
-    if ([components leapMonth])
+    }
+    if ([components leapMonth]) {
         fields[kLeapMonth] = std::int64_t{1};
+    }
     return fields;
 }
 
@@ -72,55 +81,66 @@ Dictionary fieldsFrom(NSDateComponents* components) {
 std::optional<DateComponents> dayInOtherCalendar(NSDateComponents* components) {
     NSCalendar* calendar = [components calendar];
     if (calendar == nil || [[calendar calendarIdentifier] isEqualToString:NSCalendarIdentifierGregorian] ||
-        [components year] == NSIntegerMax)
+        [components year] == NSIntegerMax) {
         return std::nullopt;
+    }
     NSDate* moment = [calendar dateFromComponents:components];
     return moment ? dayParts(dateFrom(moment)) : std::nullopt;
 }
 
 Date dateOf(NSDateComponents* components, NSString* property) {
     auto parts = dayInOtherCalendar(components);
-    if (!parts)
+    if (!parts) {
         parts = *valueFrom(components)->as<DateComponents>();
+    }
     const auto day = monthDayOf(*parts);
-    if (!day)
+    if (!day) {
         raiseInvalid([NSString
             stringWithFormat:@"The property %@ takes date components with a month and a day", property]);
+    }
     return localNoon(parts->year.value_or(kNoYear), *day);
 }
 
 } // namespace
 
 id componentsFrom(const Value& stored) {
-    if (const auto* date = stored.as<Date>())
+    if (const auto* date = stored.as<Date>()) {
         return dayFrom(*date);
-    if (const auto* fields = stored.as<Dictionary>())
+    }
+    if (const auto* fields = stored.as<Dictionary>()) {
         return componentsFromFields(*fields);
+    }
     const auto* list = stored.as<MultiValue>();
-    if (list == nullptr)
+    if (list == nullptr) {
         return nil;
+    }
     ABMutableMultiValue* told = [[objectFrom(stored) mutableCopy] autorelease];
-    for (NSUInteger i = 0; i < list->entries.size(); ++i)
-        if (const auto* date = list->entries[i].value.as<Date>())
+    for (NSUInteger i = 0; i < list->entries.size(); ++i) {
+        if (const auto* date = list->entries[i].value.as<Date>()) {
             [told replaceValueAtIndex:i withValue:dayFrom(*date)];
+        }
+    }
     return [[told copy] autorelease];
 }
 
 Value requireComponents(id object, int type, NSString* property) {
     Value value = requireValue(object, type, property);
-    if (auto* list = value.as<MultiValue>())
-        for (std::size_t i = 0; i < list->entries.size(); ++i)
+    if (auto* list = value.as<MultiValue>()) {
+        for (std::size_t i = 0; i < list->entries.size(); ++i) {
             list->entries[i].value = dateOf([object valueAtIndex:i], property);
-    else if (isAlternateBirthday(property))
+        }
+    } else if (isAlternateBirthday(property)) {
         value = fieldsFrom(object);
-    else if (!value.empty())
+    } else if (!value.empty()) {
         value = dateOf(object, property);
+    }
     return value;
 }
 
 Value soughtComponents(NSDateComponents* components, NSString* property) {
-    if (isAlternateBirthday(property))
+    if (isAlternateBirthday(property)) {
         return fieldsFrom(components);
+    }
     return *dayParts(dateOf(components, property));
 }
 

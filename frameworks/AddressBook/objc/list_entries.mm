@@ -10,8 +10,9 @@ namespace {
 // The object that [held] holds, made by [make] when it is asked for the first time.
 template <typename Make>
 id madeOnce(Retained& held, Make make) {
-    if (held.get() == nil)
+    if (held.get() == nil) {
         held = Retained(make());
+    }
     return held.get();
 }
 
@@ -29,8 +30,9 @@ ListEntry::Sought::Sought(NSString* identifier)
     : object(identifier), text(textFrom(identifier)), packed(packUid(text)) {}
 
 bool ListEntry::isNamed(const Sought& sought) const {
-    if (identifier_.get() != nil)
+    if (identifier_.get() != nil) {
         return [identifier_.get() isEqualToString:sought.object];
+    }
     const EncodedIdentifier& stored = encoded_.identifier;
     return stored.packed ? stored.bytes == sought.packed : stored.bytes == sought.text;
 }
@@ -50,8 +52,9 @@ NSString* ListEntry::identifier() const {
 ListEntries::ListEntries(std::string_view encoded) : bytes(std::make_shared<const std::string>(encoded)) {
     const EncodedList list = listIn(*bytes);
     entries.assign(list.entries.begin(), list.entries.end());
-    if (!list.primary.bytes.empty())
+    if (!list.primary.bytes.empty()) {
         primary = Retained(stringFrom(list.primary.text()));
+    }
 }
 
 } // namespace addressbook

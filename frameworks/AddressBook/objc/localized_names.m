@@ -95,8 +95,9 @@ static const struct {
 
 NSString* ABLocalizedPropertyOrLabel(NSString* propertyOrLabel) {
     for (size_t i = 0; i < sizeof(kNames) / sizeof(*kNames); ++i) {
-        if ([propertyOrLabel isEqualToString:kNames[i].stored])
+        if ([propertyOrLabel isEqualToString:kNames[i].stored]) {
             return kNames[i].shown;
+        }
     }
     return propertyOrLabel;
 }

@@ -20,19 +20,23 @@ NSString* typeWords(int type) {
 // Numbers fit integer and real properties alike; every other value has to be of the type.
 bool conform(Value& value, int type) {
     if (type == static_cast<int>(Type::integer)) {
-        if (const auto* real = value.as<double>())
+        if (const auto* real = value.as<double>()) {
             value = static_cast<std::int64_t>(*real);
+        }
     } else if (type == static_cast<int>(Type::real)) {
-        if (const auto* integer = value.as<std::int64_t>())
+        if (const auto* integer = value.as<std::int64_t>()) {
             value = static_cast<double>(*integer);
+        }
     }
     return typeOf(value) == type;
 }
 
 bool conformEntries(MultiValue& list, int type) {
-    for (auto& entry : list.entries)
-        if (!conform(entry.value, type))
+    for (auto& entry : list.entries) {
+        if (!conform(entry.value, type)) {
             return false;
+        }
+    }
     return true;
 }
 
@@ -44,27 +48,31 @@ Value requireValue(id object, int type, NSString* property) {
     if (value && (type & kMultiValue) != 0) {
         auto* list = value->as<MultiValue>();
         fits = list && conformEntries(*list, type & ~kMultiValue);
-        if (fits && list->entries.empty())
+        if (fits && list->entries.empty()) {
             return {};
+        }
     } else if (value) {
         fits = conform(*value, type);
     }
-    if (!fits)
+    if (!fits) {
         raiseInvalid([NSString stringWithFormat:@"The property %@ takes %@", property, typeWords(type)]);
+    }
     return std::move(*value);
 }
 
 NSInteger addProperties(Kind kind, NSDictionary* properties) {
     const BookPtr book = sharedBook();
-    if (!book || book->readOnly())
+    if (!book || book->readOnly()) {
         return -1;
+    }
     std::map<std::string, int> types;
     NSArray* names = [properties allKeys];
     for (NSUInteger i = 0; i < [names count]; ++i) {
         id name = [names objectAtIndex:i];
         id type = [properties objectForKey:name];
-        if (![name isKindOfClass:[NSString class]] || ![type isKindOfClass:[NSNumber class]])
+        if (![name isKindOfClass:[NSString class]] || ![type isKindOfClass:[NSNumber class]]) {
             return -1;
+        }
         types[textFrom(name)] = [type intValue];
     }
     return reading([&] { return book->define(kind, types); });
@@ -72,13 +80,15 @@ NSInteger addProperties(Kind kind, NSDictionary* properties) {
 
 NSInteger removeProperties(Kind kind, NSArray* properties) {
     const BookPtr book = sharedBook();
-    if (!book || book->readOnly())
+    if (!book || book->readOnly()) {
         return -1;
+    }
     std::vector<std::string> names;
     for (NSUInteger i = 0; i < [properties count]; ++i) {
         id name = [properties objectAtIndex:i];
-        if (![name isKindOfClass:[NSString class]])
+        if (![name isKindOfClass:[NSString class]]) {
             return -1;
+        }
         names.push_back(textFrom(name));
     }
     return reading([&] { return book->undefine(kind, names); });
@@ -87,49 +97,60 @@ NSInteger removeProperties(Kind kind, NSArray* properties) {
 NSArray* propertyNames(Kind kind) {
     NSMutableArray* names = [NSMutableArray array];
     if (const BookPtr book = sharedBook()) {
-        for (const auto& name : reading([&] { return book->properties(kind); }))
+        for (const auto& name : reading([&] { return book->properties(kind); })) {
             [names addObject:stringFrom(name)];
+        }
     } else {
-        for (const auto name : builtInNames(kind))
+        for (const auto name : builtInNames(kind)) {
             [names addObject:stringFrom(name)];
+        }
     }
     return [[names copy] autorelease];
 }
 
 ABPropertyType typeOfProperty(Kind kind, NSString* property) {
-    if (property == nil)
+    if (property == nil) {
         return kABErrorInProperty;
+    }
     const std::string name = textFrom(property);
-    if (const int type = publicType(kind, name))
+    if (const int type = publicType(kind, name)) {
         return type;
+    }
     const BookPtr book = sharedBook();
     return book ? reading([&] { return book->typeOf(kind, name); }) : kABErrorInProperty;
 }
 
 ABSearchElement* searchElement(Kind kind, NSString* property, NSString* label, NSString* key, id value,
                                ABSearchComparison comparison) {
-    if (property == nil)
+    if (property == nil) {
         raiseInvalid(@"A search needs a property");
-    if (comparison < 0 || comparison >= kComparisonCount)
+    }
+    if (comparison < 0 || comparison >= kComparisonCount) {
         raiseInvalid([NSString stringWithFormat:@"There is no search comparison %ld", (long)comparison]);
-    if (value == nil && comparison != kABEqual && comparison != kABNotEqual)
+    }
+    if (value == nil && comparison != kABEqual && comparison != kABNotEqual) {
         raiseInvalid(@"A search without a value can only compare for equal or not equal");
+    }
     auto sought = valueFrom(value);
-    if (!sought || (value != nil && sought->empty()))
+    if (!sought || (value != nil && sought->empty())) {
         raiseInvalid([NSString
             stringWithFormat:@"A search cannot compare with a value of the class %@", [value class]]);
+    }
     Condition condition;
     condition.kind = kind;
     condition.property = textFrom(property);
     if (const auto stored = storedForComponents(condition.property)) {
-        if ([value isKindOfClass:[NSDateComponents class]])
+        if ([value isKindOfClass:[NSDateComponents class]]) {
             sought = soughtComponents(value, property);
+        }
         condition.property = *stored;
     }
-    if (label != nil)
+    if (label != nil) {
         condition.label = textFrom(label);
-    if (key != nil)
+    }
+    if (key != nil) {
         condition.key = textFrom(key);
+    }
     condition.value = std::move(*sought);
     condition.comparison = static_cast<Comparison>(comparison);
     return elementFrom(Query{std::move(condition)});

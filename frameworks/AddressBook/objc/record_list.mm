@@ -44,8 +44,9 @@ struct List {
 
 - (void)dealloc {
     if (auto* list = static_cast<List*>(_list)) {
-        for (const Slot& slot : list->slots)
+        for (const Slot& slot : list->slots) {
             [slot.record release];
+        }
         delete list;
     }
     [super dealloc];
@@ -57,10 +58,11 @@ struct List {
 
 - (id)objectAtIndex:(NSUInteger)index {
     auto& list = *static_cast<List*>(_list);
-    if (index >= list.places.size())
+    if (index >= list.places.size()) {
         [NSException raise:NSRangeException
                     format:@"There is no record %lu: the list has %lu", (unsigned long)index,
                            (unsigned long)list.places.size()];
+    }
     Slot& slot = list.slots[index % kSlots];
     if (slot.record == nil || slot.index != index) {
         const auto& place = list.places[index];

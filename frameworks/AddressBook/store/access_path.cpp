@@ -33,9 +33,11 @@ constexpr std::array kCosts{
 };
 // clang-format on
 constexpr bool inOrder() {
-    for (std::size_t i = 0; i < kCosts.size(); ++i)
-        if (static_cast<std::size_t>(kCosts[i].path) != i)
+    for (std::size_t i = 0; i < kCosts.size(); ++i) {
+        if (static_cast<std::size_t>(kCosts[i].path) != i) {
             return false;
+        }
+    }
     return kCosts.back().path == AccessPath::everyUid;
 }
 static_assert(inOrder(), "one row for each path, in their order");
@@ -43,8 +45,9 @@ static_assert(inOrder(), "one row for each path, in their order");
 // The texts with this beginning.
 Span spanOfPrefix(std::string prefix) {
     Span span{prefix, Bytes()}; // bytes sort behind all text
-    while (!prefix.empty() && static_cast<unsigned char>(prefix.back()) == 0xFF)
+    while (!prefix.empty() && static_cast<unsigned char>(prefix.back()) == 0xFF) {
         prefix.pop_back();
+    }
     if (!prefix.empty()) {
         ++prefix.back();
         span.high = std::move(prefix);
@@ -73,12 +76,14 @@ void spanYears(Store::Impl& impl, const DayRange& days, IndexLookup& lookup) {
             impl.db.prepare("SELECT folded FROM term WHERE property = ? AND folded >= ? AND folded < '' "
                             "ORDER BY folded LIMIT 1");
         statement.bindInteger(lookup.property).bindReal(from.seconds);
-        if (!statement.step())
+        if (!statement.step()) {
             return;
+        }
         ++lookup.rows;
         const auto day = utcDay(Date{statement.real(0)});
-        if (!day)
+        if (!day) {
             return;
+        }
         // Days that began in a year may last into the next one; on its last day the local year may be the
         // next.
         const std::int64_t year = yearOf(*day);
@@ -92,20 +97,23 @@ void spanYears(Store::Impl& impl, const DayRange& days, IndexLookup& lookup) {
 
 void lookUpDays(Store::Impl& impl, const Matcher& matcher, IndexLookup& lookup) {
     const auto& days = matcher.wantedDays();
-    if (!days || !(days->first <= days->last))
+    if (!days || !(days->first <= days->last)) {
         return;
+    }
     const bool yearless = matcher.facts().yearless;
     const bool allYear = yearless && days->last - days->first >= kShortYear;
-    if (!yearless)
+    if (!yearless) {
         lookup.spans = {spanOfDays(days->first, days->last)};
-    else if (!allYear)
+    } else if (!allYear) {
         spanYears(impl, *days, lookup);
+    }
     const bool tooMany = allYear || lookup.spans.size() > kMostYears;
     lookup.path = tooMany ? AccessPath::scan : AccessPath::interval;
-    if (tooMany)
+    if (tooMany) {
         lookup.spans.clear();
-    else
+    } else {
         lookup.spans.push_back(spanOfOthers());
+    }
 }
 
 void lookUpNumber(const Matcher& matcher, IndexLookup& lookup) {
@@ -148,12 +156,14 @@ void lookUpText(const Matcher& matcher, IndexLookup& lookup) {
         return;
     }
     const bool isSuffix = matcher.facts().operation == Operation::suffix;
-    if (isSuffix)
+    if (isSuffix) {
         part = ending(lookup.folded, kTermBytes);
+    }
     lookup.needle = trigramNeedle(part);
     lookup.needle.exact = lookup.needle.exact && part.size() == lookup.folded.size();
-    if (isSuffix)
+    if (isSuffix) {
         lookup.needle.text.push_back(kTextBorder);
+    }
     lookup.path = countCharacters(lookup.needle.text) >= kTrigram ? AccessPath::trigram : AccessPath::scan;
 }
 
@@ -172,8 +182,9 @@ IndexLookup chooseAccessPath(Store::Impl& impl, const Matcher& matcher) {
     IndexLookup lookup;
     const Condition& condition = matcher.condition();
     const ComparisonFacts& facts = matcher.facts();
-    if (matcher.neverMatches() || isInternal(condition.property))
+    if (matcher.neverMatches() || isInternal(condition.property)) {
         return lookup;
+    }
     if (condition.property == property::kUid) {
         const bool oneUid = facts.operation == Operation::equal && !facts.ignoresCase &&
                             condition.value.as<std::string>() != nullptr;
@@ -181,19 +192,22 @@ IndexLookup chooseAccessPath(Store::Impl& impl, const Matcher& matcher) {
         return lookup;
     }
     const auto property = impl.propertyId(condition.kind, condition.property);
-    if (!property)
+    if (!property) {
         return lookup;
+    }
     lookup.property = *property;
-    if (facts.operation == Operation::around || facts.operation == Operation::ahead)
+    if (facts.operation == Operation::around || facts.operation == Operation::ahead) {
         lookUpDays(impl, matcher, lookup);
-    else if (isNumeric(condition.value))
+    } else if (isNumeric(condition.value)) {
         lookUpNumber(matcher, lookup);
-    else if (matcher.wantedText())
+    } else if (matcher.wantedText()) {
         lookUpText(matcher, lookup);
-    else
+    } else {
         lookup.path = AccessPath::scan;
-    if (lookup.path == AccessPath::scan)
+    }
+    if (lookup.path == AccessPath::scan) {
         lookup.spans = {{}};
+    }
     return lookup;
 }
 

@@ -29,14 +29,16 @@ std::string encodeBacklog(const Backlog& backlog) {
 void decodeBacklog(std::string_view bytes, Backlog& backlog) {
     const Value value = decodeValue(bytes);
     const auto* parts = value.as<Array>();
-    if (parts == nullptr || parts->size() % 3 != 0)
+    if (parts == nullptr || parts->size() % 3 != 0) {
         throw DamagedRecord("no list of replaced values");
+    }
     for (std::size_t i = 0; i < parts->size(); i += 3) {
         const auto* record = (*parts)[i].as<std::int64_t>();
         const auto* property = (*parts)[i + 1].as<std::int64_t>();
         const auto* held = (*parts)[i + 2].as<Bytes>();
-        if (record == nullptr || property == nullptr || held == nullptr)
+        if (record == nullptr || property == nullptr || held == nullptr) {
             throw DamagedRecord("no replaced value");
+        }
         backlog.try_emplace({*property, *record}, bytesOf(*held));
     }
 }
@@ -48,8 +50,9 @@ Backlog readBacklog(Store::Impl& impl) {
                         "WHERE replaced IS NOT NULL ORDER BY id");
     statement.bindInteger(kSavesInBacklog);
     try {
-        while (statement.step())
+        while (statement.step()) {
             decodeBacklog(statement.blob(0), backlog);
+        }
     } catch (const DamagedRecord& error) {
         impl.reportDamage(std::string("the change log: ") + error.what());
     }
@@ -57,22 +60,28 @@ Backlog readBacklog(Store::Impl& impl) {
 }
 
 void applyBacklog(Store::Impl& impl, IndexWriter& index, const Backlog& backlog) {
-    for (const auto& [ref, held] : backlog)
-        if (!held.empty())
+    for (const auto& [ref, held] : backlog) {
+        if (!held.empty()) {
             index.remove(ref.record, ref.property, decodeValue(held));
+        }
+    }
     std::map<RowId, std::optional<RecordRow>> rows;
     std::int64_t property = 0;
     std::string name;
     for (const auto& [ref, held] : backlog) {
-        if (property != ref.property)
+        if (property != ref.property) {
             name = impl.propertyName(property = ref.property);
+        }
         const auto [known, isNew] = rows.try_emplace(ref.record);
-        if (isNew)
+        if (isNew) {
             known->second = impl.record(ref.record);
-        if (!known->second)
+        }
+        if (!known->second) {
             continue;
-        if (const Value value = impl.valueOf(*known->second, name); !value.empty())
+        }
+        if (const Value value = impl.valueOf(*known->second, name); !value.empty()) {
             index.add(ref.record, ref.property, value);
+        }
     }
     index.flush();
 }
@@ -80,8 +89,9 @@ void applyBacklog(Store::Impl& impl, IndexWriter& index, const Backlog& backlog)
 void flushBacklog(Store::Impl& impl, IndexWriter& index, Backlog newer) {
     Backlog backlog = readBacklog(impl);
     backlog.merge(newer);
-    if (backlog.empty())
+    if (backlog.empty()) {
         return;
+    }
     applyBacklog(impl, index, backlog);
     impl.db
         .prepare(

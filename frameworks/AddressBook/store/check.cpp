@@ -53,8 +53,9 @@ class Hash {
             word(eight);
         }
         std::uint64_t rest = 0;
-        for (const char c : bytes)
+        for (const char c : bytes) {
             rest = rest << 8 | static_cast<unsigned char>(c);
+        }
         return word(rest);
     }
     std::uint64_t value() const { return state_; }
@@ -165,46 +166,55 @@ class Checker {
     void checkOneMoment() {
         const Store::ReadTransaction oneMoment(store_);
         attempt([this] { checkDatabase(); });
-        for (const Rule& rule : kRules)
+        for (const Rule& rule : kRules) {
             attempt([&] { checkRule(rule); });
+        }
         attempt([this] { checkMe(); });
         attempt([this] { checkRecords(); });
         attempt([this] { checkTerms(); });
-        if (indexes_ && recordsAreKnown_ && recordsAreSound_)
+        if (indexes_ && recordsAreKnown_ && recordsAreSound_) {
             attempt([this] { checkTrigrams(); });
+        }
     }
 
     void attempt(const std::function<void()>& part) {
         try {
             part();
         } catch (const StoreError& error) {
-            if (found_.empty() || found_.back() != error.what())
+            if (found_.empty() || found_.back() != error.what()) {
                 found_.emplace_back(error.what());
+            }
         }
     }
 
     void checkDatabase() {
         auto statement = db_.prepare("PRAGMA integrity_check");
-        while (statement.step())
-            if (statement.text(0) != "ok")
+        while (statement.step()) {
+            if (statement.text(0) != "ok") {
                 found_.push_back("The database is damaged: " + std::string(statement.text(0)) + ".");
+            }
+        }
     }
 
     void checkRule(const Rule& rule) {
         std::size_t number = 0;
         std::int64_t first = 0;
         auto statement = db_.prepare(rule.sql);
-        while (statement.step())
-            if (number++ == 0)
+        while (statement.step()) {
+            if (number++ == 0) {
                 first = statement.integer(0);
-        if (number > 0)
+            }
+        }
+        if (number > 0) {
             report(number, rule.sentence, first);
+        }
     }
 
     void checkMe() {
         auto statement = db_.prepare("SELECT value FROM meta WHERE name = 'me'");
-        if (statement.step() && !impl_.record(statement.text(0)))
+        if (statement.step() && !impl_.record(statement.text(0))) {
             found_.push_back("The user's own card " + std::string(statement.text(0)) + " does not exist.");
+        }
     }
 
     // Every record must be whole; what the indexes should hold is summed up on the way.
@@ -220,31 +230,38 @@ class Checker {
                 const RecordRow row = impl_.rowFrom(statement);
                 const auto current = [&](std::string_view name, const Value& value) {
                     const PropertyRef ref{impl_.propertyId(row.kind, name).value_or(0), row.id};
-                    if (!backlog.contains(ref))
+                    if (!backlog.contains(ref)) {
                         expect(ref, value);
+                    }
                 };
                 current(property::kCreation, row.creation);
                 current(property::kModification, row.modification);
-                for (const auto& [name, value] : impl_.decodeProperties(row))
-                    if (!isInternal(name))
+                for (const auto& [name, value] : impl_.decodeProperties(row)) {
+                    if (!isInternal(name)) {
                         current(name, value);
+                    }
+                }
             } catch (const StoreError& error) {
                 recordsAreSound_ = false;
                 found_.emplace_back(error.what());
             }
         }
-        for (const auto& [ref, held] : backlog)
-            if (!held.empty())
+        for (const auto& [ref, held] : backlog) {
+            if (!held.empty()) {
                 expect(ref, decodeValue(held));
+            }
+        }
         recordsAreKnown_ = true;
     }
 
     // The indexes should hold this value.
     void expect(const PropertyRef& ref, const Value& value) {
-        if (!indexes_)
+        if (!indexes_) {
             return;
-        for (const Term& term : termsOf(ref.record, ref.property, value))
+        }
+        for (const Term& term : termsOf(ref.record, ref.property, value)) {
             terms_.add(hashOf(term));
+        }
         expectTrigrams(trigramText(value), trigramRow(ref.record, ref.property));
     }
 
@@ -253,39 +270,46 @@ class Checker {
         std::size_t starts[3] = {};
         std::int64_t characters = 0;
         const auto behind = [&](std::size_t end) {
-            if (characters >= 3)
+            if (characters >= 3) {
                 trigrams_.add(
                     hashOf(Hash().bytes(text.substr(starts[characters % 3], end - starts[characters % 3])),
                            row, characters - 3));
+            }
         };
-        for (std::size_t i = 0; i < text.size(); ++i)
+        for (std::size_t i = 0; i < text.size(); ++i) {
             if (!isContinuation(text[i])) {
                 behind(i);
                 starts[characters++ % 3] = i;
             }
+        }
         behind(text.size());
     }
 
     // The terms must be those that the records have; without sound ones, at least of records.
     void checkTerms() {
-        if (!recordsAreKnown_)
+        if (!recordsAreKnown_) {
             return;
+        }
         Sum held;
         std::set<RowId> strays;
         RowId first = 0;
         auto statement = db_.prepare("SELECT property, folded, exact, record, label, key, type FROM term");
         while (statement.step()) {
-            if (indexes_)
+            if (indexes_) {
                 held.add(hashOfTerm(statement));
+            }
             const RowId row = statement.integer(3);
             if (!std::binary_search(rows_.begin(), rows_.end(), row) && strays.insert(row).second &&
-                strays.size() == 1)
+                strays.size() == 1) {
                 first = row;
+            }
         }
-        if (!strays.empty())
+        if (!strays.empty()) {
             report(strays.size(), "records in the search index do not exist", first);
-        if (indexes_ && recordsAreSound_ && held != terms_)
+        }
+        if (indexes_ && recordsAreSound_ && held != terms_) {
             found_.emplace_back("The search index (values) does not agree with the records.");
+        }
     }
 
     // One table tells how often each trigram occurs, the other one where, in the same order.
@@ -299,17 +323,20 @@ class Checker {
         auto places = db_.prepare("SELECT doc, offset FROM temp.trigram_places");
         while (terms.step()) {
             const Hash trigram = Hash().bytes(terms.text(0));
-            for (std::int64_t left = terms.integer(1); left > 0 && places.step(); --left)
+            for (std::int64_t left = terms.integer(1); left > 0 && places.step(); --left) {
                 held.add(hashOf(trigram, places.integer(0), places.integer(1)));
+            }
         }
-        if (held != trigrams_)
+        if (held != trigrams_) {
             found_.emplace_back("The search index (text) does not agree with the records.");
+        }
     }
 
     // Only who may write can ask for this.
     void checkTrigramStructure() {
-        if (impl_.opened.readOnly || !indexes_)
+        if (impl_.opened.readOnly || !indexes_) {
             return;
+        }
         sql::Transaction transaction(db_, sql::Transaction::Mode::write);
         db_.prepare("INSERT INTO trigram(trigram) VALUES ('integrity-check')").exec();
     }

@@ -22,20 +22,22 @@ constexpr std::int64_t kSmallTextIndex = 512;
 // Binds a term's columns in the order of its key.
 void bind(sql::Statement& statement, const Term& term) {
     const auto word = [&](const TermWord& value) {
-        if (const auto* text = std::get_if<std::string>(&value))
+        if (const auto* text = std::get_if<std::string>(&value)) {
             statement.bindText(*text);
-        else
+        } else {
             statement.bindInteger(std::get<std::int64_t>(value));
+        }
     };
     statement.bindInteger(term.property);
-    if (const auto* text = std::get_if<std::string>(&term.folded))
+    if (const auto* text = std::get_if<std::string>(&term.folded)) {
         statement.bindText(*text);
-    else if (const auto* whole = std::get_if<std::int64_t>(&term.folded))
+    } else if (const auto* whole = std::get_if<std::int64_t>(&term.folded)) {
         statement.bindInteger(*whole);
-    else if (const auto* real = std::get_if<double>(&term.folded))
+    } else if (const auto* real = std::get_if<double>(&term.folded)) {
         statement.bindReal(*real);
-    else
+    } else {
         statement.bindBlob({});
+    }
     statement.bindText(term.exact).bindInteger(term.record);
     word(term.label);
     word(term.key);
@@ -46,15 +48,17 @@ void bind(sql::Statement& statement, const Term& term) {
 std::uint64_t beginningOf(const Term& term) {
     if (const auto* text = std::get_if<std::string>(&term.folded)) {
         std::uint64_t number = 0;
-        for (std::size_t i = 0; i < 8; ++i)
+        for (std::size_t i = 0; i < 8; ++i) {
             number = number << 8 | (i < text->size() ? static_cast<unsigned char>((*text)[i]) : 0U);
+        }
         return number;
     }
     double number = 0;
-    if (const auto* whole = std::get_if<std::int64_t>(&term.folded))
+    if (const auto* whole = std::get_if<std::int64_t>(&term.folded)) {
         number = static_cast<double>(*whole);
-    else if (const auto* real = std::get_if<double>(&term.folded))
+    } else if (const auto* real = std::get_if<double>(&term.folded)) {
         number = *real;
+    }
     const auto bits = std::bit_cast<std::uint64_t>(number);
     return number < 0 ? ~bits : bits | (std::uint64_t{1} << 63);
 }
@@ -70,18 +74,23 @@ void runForEach(sql::Connection& connection, const char* sql, const std::vector<
     };
     std::vector<Place> places;
     places.reserve(terms.size());
-    for (const Term& term : terms)
+    for (const Term& term : terms) {
         places.push_back({term.property, beginningOf(term), &term});
+    }
     std::sort(places.begin(), places.end(), [](const Place& a, const Place& b) {
-        if (a.property != b.property)
+        if (a.property != b.property) {
             return a.property < b.property;
-        if (a.beginning != b.beginning)
+        }
+        if (a.beginning != b.beginning) {
             return a.beginning < b.beginning;
+        }
         const auto* text = std::get_if<std::string>(&a.term->folded);
         const auto* other = std::get_if<std::string>(&b.term->folded);
-        if (text != nullptr && other != nullptr)
-            if (const int order = text->compare(*other); order != 0)
+        if (text != nullptr && other != nullptr) {
+            if (const int order = text->compare(*other); order != 0) {
                 return order < 0;
+            }
+        }
         return a.term < b.term;
     });
     auto statement = connection.prepare(sql);
@@ -104,8 +113,9 @@ Term termOf(std::int64_t record, std::int64_t property, const Leaf& leaf) {
         const std::string folded = foldNormalized(normalized);
         term.exact = beginning(normalized, kTermBytes);
         term.folded = std::string(beginning(folded, kTermBytes));
-        if (normalized.size() > kTermBytes || folded.size() > kTermBytes)
+        if (normalized.size() > kTermBytes || folded.size() > kTermBytes) {
             term.type = TermType::cutText;
+        }
     } else if (const auto* whole = leaf.value.as<std::int64_t>()) {
         term.folded = *whole;
     } else if (const auto* real = leaf.value.as<double>(); real != nullptr && !std::isnan(*real)) {
@@ -162,17 +172,20 @@ TermType termType(const Value& value) {
 }
 
 void bindWord(sql::Statement& statement, std::string_view word) {
-    if (const int code = wordCode(word))
+    if (const int code = wordCode(word)) {
         statement.bindInteger(code);
-    else
+    } else {
         statement.bindText(word);
+    }
 }
 
 TermWord termWord(const std::string* word) {
-    if (word == nullptr)
+    if (word == nullptr) {
         return std::int64_t{0};
-    if (const int code = wordCode(*word))
+    }
+    if (const int code = wordCode(*word)) {
         return std::int64_t{code};
+    }
     return *word;
 }
 
@@ -181,8 +194,9 @@ std::vector<Term> termsOf(std::int64_t record, std::int64_t property, const Valu
     visitLeaves(value, [&](const Leaf& leaf) {
         // A dictionary is known by its fields, if it has any.
         const auto* fields = leaf.value.as<Dictionary>();
-        if (fields == nullptr || fields->empty() || leaf.key != nullptr)
+        if (fields == nullptr || fields->empty() || leaf.key != nullptr) {
             terms.push_back(termOf(record, property, leaf));
+        }
         return false;
     });
     if (terms.empty() && !value.empty()) {
@@ -201,8 +215,9 @@ std::string trigramText(const Value& value) {
     std::string out;
     visitLeaves(value, [&](const Leaf& leaf) {
         if (const auto* text = leaf.value.as<std::string>()) {
-            if (out.empty())
+            if (out.empty()) {
                 out.push_back(kTextBorder);
+            }
             appendIndexed(out, fold(*text));
             out.push_back(kTextBorder);
         }
@@ -223,35 +238,41 @@ void tidyTexts(sql::Connection& connection) {
         pages.bindInteger(kSmallTextIndex + 1);
         return pages.step() && pages.integer(0) <= kSmallTextIndex;
     }();
-    if (isSmall)
+    if (isSmall) {
         connection.prepare("INSERT INTO trigram(trigram, rank) VALUES ('merge', ?)")
             .bindInteger(kMergedPages)
             .exec();
+    }
 }
 
 void IndexWriter::add(std::int64_t record, std::int64_t property, const Value& value) {
     auto terms = termsOf(record, property, value);
     std::move(terms.begin(), terms.end(), std::back_inserter(terms_));
     addText(record, property, value, Step::add);
-    if (terms_.size() >= kGatheredTerms)
+    if (terms_.size() >= kGatheredTerms) {
         flush();
+    }
 }
 
 void IndexWriter::remove(std::int64_t record, std::int64_t property, const Value& value) {
-    if (!terms_.empty())
+    if (!terms_.empty()) {
         flush(); // it may have been added just now
+    }
     auto terms = termsOf(record, property, value);
     std::move(terms.begin(), terms.end(), std::back_inserter(removed_));
     addText(record, property, value, Step::remove);
-    if (removed_.size() >= kGatheredTerms)
+    if (removed_.size() >= kGatheredTerms) {
         flush();
+    }
 }
 
 void IndexWriter::addText(std::int64_t record, std::int64_t property, const Value& value, Step step) {
-    if (std::string text = trigramText(value); !text.empty())
+    if (std::string text = trigramText(value); !text.empty()) {
         texts_.push_back({trigramRow(record, property), step, std::move(text)});
-    if (texts_.size() >= kGatheredTexts)
+    }
+    if (texts_.size() >= kGatheredTexts) {
         flushTexts();
+    }
 }
 
 void IndexWriter::flush() {

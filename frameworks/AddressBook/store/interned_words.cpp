@@ -32,8 +32,9 @@ constexpr std::uint64_t fingerprint() {
     std::uint64_t hash = 0xCBF29CE484222325U;
     const auto add = [&hash](char c) { hash = (hash ^ static_cast<unsigned char>(c)) * 0x100000001B3U; };
     for (const std::string_view word : kWords) {
-        for (const char c : word)
+        for (const char c : word) {
             add(c);
+        }
         add('\0');
     }
     return hash;
@@ -44,8 +45,9 @@ static_assert(fingerprint() == 0x466547D7D75E43AE,
 const std::unordered_map<std::string_view, int>& wordCodes() {
     static const std::unordered_map<std::string_view, int> codes = [] {
         std::unordered_map<std::string_view, int> map;
-        for (std::size_t i = 0; i < kWords.size(); ++i)
+        for (std::size_t i = 0; i < kWords.size(); ++i) {
             map.emplace(kWords[i], static_cast<int>(i + 1));
+        }
         return map;
     }();
     return codes;

@@ -10,8 +10,9 @@ namespace {
 
 std::vector<RowId> rowsOf(sql::Statement statement) {
     std::vector<RowId> rows;
-    while (statement.step())
+    while (statement.step()) {
         rows.push_back(statement.integer(0));
+    }
     return rows;
 }
 
@@ -51,8 +52,9 @@ Value Store::Impl::value(RowId id, std::string_view property) {
     }
     auto statement = db.prepare("SELECT card FROM record WHERE id = ?");
     statement.bindInteger(id);
-    if (!statement.step())
+    if (!statement.step()) {
         return {};
+    }
     try {
         verifyChecksum(statement.blob(0));
         const auto found = findProperty(statement.blob(0), property);
@@ -63,12 +65,15 @@ Value Store::Impl::value(RowId id, std::string_view property) {
 }
 
 Value Store::Impl::valueOf(const RecordRow& row, std::string_view property) const {
-    if (property == property::kUid)
+    if (property == property::kUid) {
         return row.uid;
-    if (property == property::kCreation)
+    }
+    if (property == property::kCreation) {
         return row.creation;
-    if (property == property::kModification)
+    }
+    if (property == property::kModification) {
         return row.modification;
+    }
     try {
         const auto found = encodedIn(row, property);
         return found.empty() ? Value() : decodeValue(found);
@@ -78,8 +83,9 @@ Value Store::Impl::valueOf(const RecordRow& row, std::string_view property) cons
 }
 
 std::string_view Store::Impl::encodedIn(const RecordRow& row, std::string_view property) const {
-    if (!row.checksumVerified)
+    if (!row.checksumVerified) {
         verifyChecksum(row.properties);
+    }
     row.checksumVerified = true;
     return findProperty(row.properties, property).value_or(std::string_view());
 }
@@ -97,18 +103,21 @@ std::map<std::string, Value> Store::Impl::decodeProperties(const RecordRow& row)
 }
 
 std::string Store::Impl::uidIn(const sql::Statement& statement, int column) const {
-    if (statement.isText(column))
+    if (statement.isText(column)) {
         return std::string(statement.text(column));
+    }
     auto uid = unpackUid(statement.blob(column));
-    if (!uid)
+    if (!uid) {
         reportDamage("a unique id has the wrong length");
+    }
     return std::move(*uid);
 }
 
 Kind Store::Impl::kindIn(const sql::Statement& statement, int column) const {
     const std::int64_t kind = statement.integer(column);
-    if (kind != static_cast<int>(Kind::person) && kind != static_cast<int>(Kind::group))
+    if (kind != static_cast<int>(Kind::person) && kind != static_cast<int>(Kind::group)) {
         reportDamage("a record is neither person nor group");
+    }
     return static_cast<Kind>(kind);
 }
 
@@ -125,24 +134,27 @@ std::optional<RecordRef> Store::find(std::string_view uid) const {
     const StoredUid stored(uid);
     auto statement = impl_->db.prepare("SELECT id, kind FROM record WHERE uid = ?");
     stored.bind(statement);
-    if (!statement.step())
+    if (!statement.step()) {
         return std::nullopt;
+    }
     return RecordRef{statement.integer(0), impl_->kindIn(statement, 1), std::string(uid)};
 }
 
 std::optional<RecordRef> Store::find(RowId row) const {
     auto statement = impl_->db.prepare("SELECT kind, uid FROM record WHERE id = ?");
     statement.bindInteger(row);
-    if (!statement.step())
+    if (!statement.step()) {
         return std::nullopt;
+    }
     return RecordRef{row, impl_->kindIn(statement, 0), impl_->uidIn(statement, 1)};
 }
 
 std::optional<RecordRef> Store::findDeleted(RowId row) const {
     auto statement = impl_->db.prepare("SELECT kind, uid FROM deleted WHERE id = ?");
     statement.bindInteger(row);
-    if (!statement.step())
+    if (!statement.step()) {
         return std::nullopt;
+    }
     return RecordRef{row, impl_->kindIn(statement, 0), impl_->uidIn(statement, 1)};
 }
 
@@ -162,8 +174,9 @@ Value Store::value(RowId row, std::string_view property) const {
     if (property == property::kImage) {
         auto statement = impl_->db.prepare("SELECT data FROM picture WHERE record = ?");
         statement.bindInteger(row);
-        if (!statement.step())
+        if (!statement.step()) {
             return {};
+        }
         const std::string_view data = statement.blob(0);
         return Bytes(data.begin(), data.end());
     }
@@ -189,8 +202,9 @@ std::vector<RecordRow> Store::readFrom(RowId row, std::size_t count) const {
                           "ORDER BY id LIMIT ?");
     statement.bindInteger(row).bindInteger(static_cast<std::int64_t>(count));
     std::vector<RecordRow> records;
-    while (statement.step())
+    while (statement.step()) {
         records.push_back(impl_->rowFrom(statement));
+    }
     return records;
 }
 
@@ -199,8 +213,9 @@ Value Store::value(const RecordRow& record, std::string_view property) const {
 }
 
 std::string_view Store::encodedValue(const RecordRow& record, std::string_view property) const {
-    if (record.id == 0)
+    if (record.id == 0) {
         return {};
+    }
     try {
         return impl_->encodedIn(record, property);
     } catch (const DamagedRecord& error) {
@@ -213,8 +228,9 @@ void Store::reportDamage(const RecordRow& record, const std::string& what) const
 }
 
 std::map<std::string, Value> Store::values(const RecordRow& record) const {
-    if (record.id == 0)
+    if (record.id == 0) {
         return {};
+    }
     auto values = impl_->decodeProperties(record);
     values.insert_or_assign(std::string(property::kUid), record.uid);
     values.insert_or_assign(std::string(property::kCreation), record.creation);
@@ -224,14 +240,16 @@ std::map<std::string, Value> Store::values(const RecordRow& record) const {
 
 Store::ReadTransaction::ReadTransaction(const Store& store) : store_(store) {
     store_.impl_->reopenIfChanged();
-    if (store_.impl_->readTransactions == 0)
+    if (store_.impl_->readTransactions == 0) {
         store_.impl_->readTransaction.emplace(store_.impl_->db, sql::Transaction::Mode::read);
+    }
     ++store_.impl_->readTransactions;
 }
 
 Store::ReadTransaction::~ReadTransaction() {
-    if (--store_.impl_->readTransactions != 0)
+    if (--store_.impl_->readTransactions != 0) {
         return;
+    }
     try {
         store_.impl_->readTransaction->commit();
     } catch (const StoreError&) { // nothing was written; it is undone
@@ -269,9 +287,10 @@ std::vector<PropertyDefinition> Store::definitions() const {
         impl_->db.prepare("SELECT kind, name, type FROM definition JOIN property ON property.id = property "
                           "ORDER BY definition.id");
     std::vector<PropertyDefinition> definitions;
-    while (statement.step())
+    while (statement.step()) {
         definitions.push_back({impl_->kindIn(statement, 0), std::string(statement.text(1)),
                                static_cast<int>(statement.integer(2))});
+    }
     return definitions;
 }
 
@@ -289,8 +308,9 @@ std::vector<LoggedChange> Store::changesSince(std::int64_t change) const {
     const std::string mark = processMark();
     while (statement.step()) {
         const std::int64_t id = statement.integer(0);
-        if (changes.empty() && id > change + 1)
+        if (changes.empty() && id > change + 1) {
             changes.push_back(LoggedChange{.change = id - 1}); // the log no longer tells what happened before
+        }
         const bool own = statement.blob(4) == mark;
         LoggedChange one{id, {}, {}, {}, own};
         try {

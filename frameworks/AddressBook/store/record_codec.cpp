@@ -47,8 +47,9 @@ class Writer {
         count((static_cast<std::uint64_t>(value) << 1) ^ static_cast<std::uint64_t>(value >> 63));
     }
     void eightBytes(std::uint64_t bits) {
-        for (int i = 0; i < 8; ++i)
+        for (int i = 0; i < 8; ++i) {
             byte(static_cast<std::uint8_t>(bits >> (8 * i)));
+        }
     }
     void real(double value) { eightBytes(std::bit_cast<std::uint64_t>(value)); }
     void bytes(std::string_view value) {
@@ -58,8 +59,9 @@ class Writer {
     void word(std::string_view value) {
         const int code = wordCode(value);
         count(static_cast<std::uint64_t>(code));
-        if (code == 0)
+        if (code == 0) {
             bytes(value);
+        }
     }
     // A packed UUID is told from text by its length's lowest bit.
     void identifier(std::string_view value) {
@@ -77,8 +79,9 @@ class Writer {
 };
 
 void Writer::value(const Value& held, int depth) {
-    if (depth > kMaxValueDepth)
+    if (depth > kMaxValueDepth) {
         throw std::length_error("a value is nested too deeply to be kept");
+    }
     const auto tag = [this](Tag what) { byte(static_cast<std::uint8_t>(what)); };
     if (const auto* text = held.as<std::string>()) {
         tag(Tag::string);
@@ -97,20 +100,24 @@ void Writer::value(const Value& held, int depth) {
         const std::optional<int>* const all[] = {&parts->year, &parts->month,  &parts->day,
                                                  &parts->hour, &parts->minute, &parts->second};
         unsigned present = 0;
-        for (unsigned i = 0; i < std::size(all); ++i)
+        for (unsigned i = 0; i < std::size(all); ++i) {
             present |= all[i]->has_value() ? 1U << i : 0U;
+        }
         byte(static_cast<std::uint8_t>(present));
-        for (const auto* part : all)
-            if (*part)
+        for (const auto* part : all) {
+            if (*part) {
                 integer(**part);
+            }
+        }
     } else if (const auto* data = held.as<Bytes>()) {
         tag(Tag::data);
         bytes({reinterpret_cast<const char*>(data->data()), data->size()});
     } else if (const auto* items = held.as<Array>()) {
         tag(Tag::array);
         count(items->size());
-        for (const Value& item : *items)
+        for (const Value& item : *items) {
             value(item, depth + 1);
+        }
     } else if (const auto* fields = held.as<Dictionary>()) {
         tag(Tag::dictionary);
         count(fields->size());
@@ -139,14 +146,16 @@ class Reader {
     bool atEnd() const { return rest_.empty(); }
     std::uint8_t byte() { return static_cast<std::uint8_t>(take(1).front()); }
     std::uint64_t count() {
-        if (!rest_.empty() && static_cast<unsigned char>(rest_.front()) < 0x80) // nearly always
+        if (!rest_.empty() && static_cast<unsigned char>(rest_.front()) < 0x80) { // nearly always
             return byte();
+        }
         std::uint64_t value = 0;
         for (int shift = 0; shift < 64; shift += 7) {
             const std::uint8_t part = byte();
             value |= static_cast<std::uint64_t>(part & 0x7F) << shift;
-            if (part < 0x80)
+            if (part < 0x80) {
                 return value;
+            }
         }
         throw DamagedRecord("a number never ends");
     }
@@ -157,26 +166,30 @@ class Reader {
     std::uint64_t eightBytes() {
         const std::string_view raw = take(8);
         std::uint64_t bits = 0;
-        for (std::size_t i = 0; i < 8; ++i)
+        for (std::size_t i = 0; i < 8; ++i) {
             bits |= static_cast<std::uint64_t>(static_cast<unsigned char>(raw[i])) << (8 * i);
+        }
         return bits;
     }
     double real() { return std::bit_cast<double>(eightBytes()); }
     std::string_view bytes() { return take(count()); }
     std::string_view word() {
         const std::uint64_t code = count();
-        if (code == 0)
+        if (code == 0) {
             return bytes();
+        }
         const std::string_view known = wordOf(code);
-        if (known.empty())
+        if (known.empty()) {
             throw DamagedRecord("a word of an unknown number");
+        }
         return known;
     }
     EncodedIdentifier identifier() {
         const std::uint64_t size = count();
         const EncodedIdentifier found{take(size / 2), size % 2 != 0};
-        if (found.packed && !isPackedUid(found.bytes))
+        if (found.packed && !isPackedUid(found.bytes)) {
             throw DamagedRecord("an identifier of the wrong length");
+        }
         return found;
     }
     Value value(int depth = 0);
@@ -189,21 +202,24 @@ class Reader {
         return before.substr(0, before.size() - rest_.size());
     }
     std::string_view take(std::uint64_t size) {
-        if (size > rest_.size())
+        if (size > rest_.size()) {
             throw DamagedRecord("the bytes end early");
+        }
         const std::string_view taken = rest_.substr(0, size);
         rest_.remove_prefix(size);
         return taken;
     }
     void expectEnd() const {
-        if (!rest_.empty())
+        if (!rest_.empty()) {
             throw DamagedRecord("bytes are left over");
+        }
     }
     // A number of items, each of which takes at least one byte.
     std::size_t items() {
         const std::uint64_t number = count();
-        if (number > rest_.size())
+        if (number > rest_.size()) {
             throw DamagedRecord("more items than bytes");
+        }
         return number;
     }
 
@@ -212,8 +228,9 @@ class Reader {
 };
 
 Value Reader::value(int depth) {
-    if (depth > kMaxValueDepth)
+    if (depth > kMaxValueDepth) {
         throw DamagedRecord("a value is nested too deeply");
+    }
     switch (static_cast<Tag>(byte())) {
     case Tag::none:
         return {};
@@ -234,17 +251,20 @@ Value Reader::value(int depth) {
         std::optional<int>* const all[] = {&parts.year, &parts.month,  &parts.day,
                                            &parts.hour, &parts.minute, &parts.second};
         const unsigned present = byte();
-        for (unsigned i = 0; i < std::size(all); ++i)
-            if ((present & (1U << i)) != 0)
+        for (unsigned i = 0; i < std::size(all); ++i) {
+            if ((present & (1U << i)) != 0) {
                 *all[i] = static_cast<int>(integer());
+            }
+        }
         return parts;
     }
     case Tag::array: {
         Array array;
         const std::size_t number = items();
         array.reserve(number);
-        for (std::size_t i = 0; i < number; ++i)
+        for (std::size_t i = 0; i < number; ++i) {
             array.push_back(value(depth + 1));
+        }
         return array;
     }
     case Tag::dictionary: {
@@ -273,8 +293,9 @@ Value Reader::value(int depth) {
 }
 
 void Reader::skip(int depth) {
-    if (depth > kMaxValueDepth)
+    if (depth > kMaxValueDepth) {
         throw DamagedRecord("a value is nested too deeply");
+    }
     switch (static_cast<Tag>(byte())) {
     case Tag::none:
         return;
@@ -290,12 +311,14 @@ void Reader::skip(int depth) {
         take(8);
         return;
     case Tag::dateComponents:
-        for (int left = std::popcount(byte() & kAllDateParts); left > 0; --left)
+        for (int left = std::popcount(byte() & kAllDateParts); left > 0; --left) {
             count();
+        }
         return;
     case Tag::array:
-        for (std::size_t left = items(); left > 0; --left)
+        for (std::size_t left = items(); left > 0; --left) {
             skip(depth + 1);
+        }
         return;
     case Tag::dictionary:
         for (std::size_t left = items(); left > 0; --left) {
@@ -323,8 +346,9 @@ std::uint64_t checksum(std::string_view bytes) {
         std::uint64_t word = 0;
         const std::size_t size = std::min<std::size_t>(bytes.size(), 8);
         std::memcpy(&word, bytes.data(), size);
-        if constexpr (std::endian::native == std::endian::big)
+        if constexpr (std::endian::native == std::endian::big) {
             word = __builtin_bswap64(word);
+        }
         sum = (sum ^ word) * kMultiplier;
         sum ^= sum >> 32;
         bytes.remove_prefix(size);
@@ -352,8 +376,9 @@ std::string EncodedIdentifier::text() const {
 }
 
 std::optional<std::string_view> textIn(std::string_view value) {
-    if (value.empty() || static_cast<Tag>(value.front()) != Tag::string)
+    if (value.empty() || static_cast<Tag>(value.front()) != Tag::string) {
         return std::nullopt;
+    }
     Reader reader(value.substr(1));
     const std::string_view text = reader.bytes();
     reader.expectEnd();
@@ -366,8 +391,9 @@ bool holdsList(std::string_view value) {
 
 EncodedList listIn(std::string_view value) {
     Reader reader(value);
-    if (static_cast<Tag>(reader.byte()) != Tag::multiValue)
+    if (static_cast<Tag>(reader.byte()) != Tag::multiValue) {
         throw DamagedRecord("a list of an unknown type");
+    }
     EncodedList list;
     list.primary = reader.identifier();
     const std::size_t number = reader.items();
@@ -385,8 +411,9 @@ EncodedList listIn(std::string_view value) {
 void verifyChecksum(std::string_view record) {
     Reader reader(record);
     const std::uint64_t sum = reader.eightBytes();
-    if (checksum(record.substr(8)) != sum)
+    if (checksum(record.substr(8)) != sum) {
         throw DamagedRecord("its checksum is wrong");
+    }
 }
 
 void visitProperties(std::string_view record, const PropertyVisitor& visit) {
@@ -419,8 +446,9 @@ std::optional<std::string_view> findProperty(std::string_view record, std::strin
         const std::uint64_t code = reader.count(); // see word()
         const bool found = code == 0 ? reader.bytes() == name : code == wanted;
         const std::string_view value = reader.bytes();
-        if (found)
+        if (found) {
             return value;
+        }
     }
     return std::nullopt;
 }
@@ -441,16 +469,18 @@ std::string encodeRecord(const std::map<std::string, std::string>& values) {
 std::string encodeUids(const std::vector<std::string>& uids) {
     Writer writer;
     writer.count(uids.size());
-    for (const std::string& uid : uids)
+    for (const std::string& uid : uids) {
         writer.identifier(uid);
+    }
     return writer.take();
 }
 
 std::vector<std::string> decodeUids(std::string_view bytes) {
     Reader reader(bytes);
     std::vector<std::string> uids(reader.items());
-    for (std::string& uid : uids)
+    for (std::string& uid : uids) {
         uid = reader.identifier().text();
+    }
     reader.expectEnd();
     return uids;
 }

@@ -42,27 +42,38 @@ class Saver {
         : impl_(impl), db_(impl.db), changes_(changes), index_(db_) {}
 
     SaveResult run() {
-        if (!small_)
+        if (!small_) {
             flushBacklog(impl_, index_, {});
-        for (const PropertyDefinition& definition : changes_.removedDefinitions)
+        }
+        for (const PropertyDefinition& definition : changes_.removedDefinitions) {
             undefine(definition);
-        for (const PropertyDefinition& definition : changes_.definitions)
+        }
+        for (const PropertyDefinition& definition : changes_.definitions) {
             define(definition);
-        for (const std::string& uid : changes_.removed)
+        }
+        for (const std::string& uid : changes_.removed) {
             removeRecord(uid);
-        for (const RecordChange& change : changes_.records)
+        }
+        for (const RecordChange& change : changes_.records) {
             writeRecord(change);
+        }
         // First who leaves: groups that changed places are no circle.
-        for (const bool add : {false, true})
-            for (const MembershipChange& change : changes_.memberships)
-                if (change.add == add)
+        for (const bool add : {false, true}) {
+            for (const MembershipChange& change : changes_.memberships) {
+                if (change.add == add) {
                     writeMembership(change);
-        if (changes_.me)
+                }
+            }
+        }
+        if (changes_.me) {
             writeMe(*changes_.me);
-        if (!small_)
+        }
+        if (!small_) {
             flushReplaced();
-        if (wrote_ || !changed_.empty() || !result_.deleted.empty())
+        }
+        if (wrote_ || !changed_.empty() || !result_.deleted.empty()) {
             log();
+        }
         return std::move(result_);
     }
 
@@ -114,8 +125,9 @@ class Saver {
 };
 
 void Saver::define(const PropertyDefinition& definition) {
-    if (isInternal(definition.name) || builtInType(definition.kind, definition.name) != 0)
+    if (isInternal(definition.name) || builtInType(definition.kind, definition.name) != 0) {
         refuse("the property \"" + definition.name + "\" belongs to the address book itself");
+    }
     db_.prepare("INSERT OR IGNORE INTO definition(property, type) VALUES (?, ?)")
         .bindInteger(impl_.ensureProperty(definition.kind, definition.name))
         .bindInteger(definition.type)
@@ -125,31 +137,39 @@ void Saver::define(const PropertyDefinition& definition) {
 
 void Saver::undefine(const PropertyDefinition& definition) {
     const auto property = impl_.propertyId(definition.kind, definition.name);
-    if (!property)
+    if (!property) {
         return;
+    }
     db_.prepare("DELETE FROM definition WHERE property = ?").bindInteger(*property).exec();
-    if (db_.changes() == 0)
+    if (db_.changes() == 0) {
         return;
+    }
     wrote_ = true;
     std::vector<RowId> rows;
     for (auto statement =
              std::move(db_.prepare("SELECT DISTINCT record FROM term WHERE property = ? ORDER BY record")
                            .bindInteger(*property));
-         statement.step();)
+         statement.step();) {
         rows.push_back(statement.integer(0));
-    for (const RowId id : rows)
-        if (const auto row = impl_.record(id))
+    }
+    for (const RowId id : rows) {
+        if (const auto row = impl_.record(id)) {
             updateRecord(*row, {{definition.name, Value()}});
+        }
+    }
 }
 
 void Saver::removeRecord(const std::string& uid) {
     flushReplaced();
     const auto row = impl_.record(uid);
-    if (!row)
+    if (!row) {
         return;
-    for (const auto& [name, value] : impl_.decodeProperties(*row))
-        if (!isInternal(name))
+    }
+    for (const auto& [name, value] : impl_.decodeProperties(*row)) {
+        if (!isInternal(name)) {
             index_.remove(row->id, propertyOf(*row, name), value);
+        }
+    }
     index_.remove(row->id, propertyOf(*row, property::kCreation), row->creation);
     index_.remove(row->id, propertyOf(*row, property::kModification), row->modification);
     db_.prepare("DELETE FROM picture WHERE record = ?").bindInteger(row->id).exec();
@@ -166,12 +186,14 @@ void Saver::removeRecord(const std::string& uid) {
 }
 
 void Saver::writeRecord(const RecordChange& change) {
-    if (change.insert)
+    if (change.insert) {
         return insertRecord(change);
-    if (const auto row = impl_.record(change.uid))
+    }
+    if (const auto row = impl_.record(change.uid)) {
         updateRecord(*row, change.values);
-    else if (!removed_.contains(change.uid))
+    } else if (!removed_.contains(change.uid)) {
         missing(change.uid);
+    }
 }
 
 void Saver::insertRecord(const RecordChange& change) {
@@ -182,14 +204,18 @@ void Saver::insertRecord(const RecordChange& change) {
                   .modification = changes_.time,
                   .properties = {}};
     std::map<std::string, std::string> values;
-    for (const auto& [name, value] : change.values)
-        if (!value.empty() && !isKept(name) && name != property::kImage)
+    for (const auto& [name, value] : change.values) {
+        if (!value.empty() && !isKept(name) && name != property::kImage) {
             values.emplace(name, encodeValue(value));
+        }
+    }
     row.properties = encodeRecord(values);
     if (const auto creation = change.values.find(std::string(property::kCreation));
-        creation != change.values.end())
-        if (const auto* date = creation->second.as<Date>())
+        creation != change.values.end()) {
+        if (const auto* date = creation->second.as<Date>()) {
             row.creation = *date;
+        }
+    }
     {
         const StoredUid uid(row.uid);
         auto statement = db_.prepare(
@@ -201,14 +227,16 @@ void Saver::insertRecord(const RecordChange& change) {
             .bindBlob(row.properties)
             .exec();
     }
-    if (db_.changes() == 0)
+    if (db_.changes() == 0) {
         refuse("there is already a record " + row.uid);
+    }
     row.id = db_.lastRow();
     for (const auto& [name, value] : change.values) {
-        if (name == property::kImage)
+        if (name == property::kImage) {
             writePicture(row.id, value);
-        else if (!value.empty() && !isKept(name) && !isInternal(name))
+        } else if (!value.empty() && !isKept(name) && !isInternal(name)) {
             inserted(row, name, value);
+        }
     }
     inserted(row, property::kCreation, row.creation);
     inserted(row, property::kModification, row.modification);
@@ -223,22 +251,26 @@ void Saver::updateRecord(const RecordRow& row, const std::map<std::string, Value
         visitProperties(row.properties,
                         [&](std::string_view name, std::string_view bytes) { kept.emplace(name, bytes); });
         for (const auto& [name, value] : values) {
-            if (isKept(name))
+            if (isKept(name)) {
                 continue;
+            }
             if (name == property::kImage) {
                 writePicture(row.id, value);
                 continue;
             }
             const auto old = kept.find(name);
             std::string bytes = value.empty() ? std::string() : encodeValue(value);
-            if (old == kept.end() ? value.empty() : old->second == bytes)
+            if (old == kept.end() ? value.empty() : old->second == bytes) {
                 continue;
-            if (!isInternal(name))
+            }
+            if (!isInternal(name)) {
                 replaced(row, name, old == kept.end() ? std::string_view() : old->second);
-            if (value.empty())
+            }
+            if (value.empty()) {
                 kept.erase(old);
-            else
+            } else {
                 kept.insert_or_assign(name, std::move(bytes));
+            }
         }
     } catch (const DamagedRecord& error) {
         impl_.reportDamage(row.id, error.what());
@@ -250,8 +282,9 @@ void Saver::updateRecord(const RecordRow& row, const std::map<std::string, Value
         .bindInteger(row.id)
         .exec();
     updated(row);
-    if (replaced_.size() >= kMostReplaced)
+    if (replaced_.size() >= kMostReplaced) {
         flushReplaced();
+    }
 }
 
 void Saver::writePicture(RowId row, const Value& value) {
@@ -260,8 +293,9 @@ void Saver::writePicture(RowId row, const Value& value) {
         return;
     }
     const auto* data = value.as<Bytes>();
-    if (data == nullptr)
+    if (data == nullptr) {
         refuse("a picture must be data");
+    }
     db_.prepare("INSERT OR REPLACE INTO picture(record, data) VALUES (?, ?)")
         .bindInteger(row)
         .bindBlob({reinterpret_cast<const char*>(data->data()), data->size()})
@@ -270,8 +304,9 @@ void Saver::writePicture(RowId row, const Value& value) {
 
 // Gives a record the date of this save.
 void Saver::touch(const RecordRow& row) {
-    if (!updated(row))
+    if (!updated(row)) {
         return;
+    }
     db_.prepare("UPDATE record SET modification = ? WHERE id = ?")
         .bindReal(changes_.time.seconds)
         .bindInteger(row.id)
@@ -280,21 +315,24 @@ void Saver::touch(const RecordRow& row) {
 
 // Notes that a record gets the date of this save; false when it has had it.
 bool Saver::updated(const RecordRow& row) {
-    if (!changed_.insert(row.id).second)
+    if (!changed_.insert(row.id).second) {
         return false;
+    }
     result_.updated.push_back(row.uid);
-    if (row.modification == changes_.time)
+    if (row.modification == changes_.time) {
         return false;
+    }
     replaced(row, property::kModification, encodeValue(row.modification));
     return true;
 }
 
 // Notes that a new record has this value.
 void Saver::inserted(const RecordRow& row, std::string_view property, const Value& value) {
-    if (small_)
+    if (small_) {
         replaced(row, property, {});
-    else
+    } else {
         index_.add(row.id, propertyOf(row, property), value);
+    }
 }
 
 // Notes that a record has another value than the one that was encoded as [before]; empty when it had none.
@@ -308,15 +346,18 @@ void Saver::flushReplaced() {
 }
 
 void Saver::writeMembership(const MembershipChange& change) {
-    if (removed_.contains(change.group))
+    if (removed_.contains(change.group)) {
         return;
+    }
     const auto group = impl_.record(change.group);
-    if (!group || group->kind != Kind::group)
+    if (!group || group->kind != Kind::group) {
         return missing(change.group);
+    }
     const auto member = impl_.record(change.member);
     if (!member) {
-        if (change.add && !removed_.contains(change.member))
+        if (change.add && !removed_.contains(change.member)) {
             missing(change.member);
+        }
         return;
     }
     if (change.add) {
@@ -336,8 +377,9 @@ void Saver::writeMembership(const MembershipChange& change) {
             .bindInteger(group->id)
             .exec();
     }
-    if (db_.changes() > 0)
+    if (db_.changes() > 0) {
         touch(*group);
+    }
 }
 
 // Whether a group is in another one, through any number of groups, or is that one.
@@ -355,17 +397,20 @@ void Saver::writeMe(const std::string& uid) {
         wrote_ |= db_.changes() > 0;
         return;
     }
-    if (removed_.contains(uid))
+    if (removed_.contains(uid)) {
         return;
-    if (!impl_.record(uid))
+    }
+    if (!impl_.record(uid)) {
         return missing(uid);
+    }
     db_.prepare("INSERT OR REPLACE INTO meta(name, value) VALUES ('me', ?)").bindText(uid).exec();
     wrote_ = true;
 }
 
 void Saver::missing(const std::string& uid) {
-    if (missing_.insert(uid).second)
+    if (missing_.insert(uid).second) {
         result_.missing.push_back(uid);
+    }
 }
 
 void Saver::log() {
@@ -384,24 +429,29 @@ void Saver::log() {
         auto statement = db_.prepare(
             "INSERT INTO change(inserted, updated, deleted, origin, replaced) VALUES (?, ?, ?, ?, ?)");
         statement.bindBlob(inserted).bindBlob(updated).bindBlob(deleted).bindBlob(mark);
-        if (leaves)
+        if (leaves) {
             statement.bindBlob(backlog);
+        }
         statement.exec();
     }
     result_.change = db_.lastRow();
     const bool tidies = result_.change % kSavesInBacklog == 0;
-    if (tidies || !(leaves || backlog.empty()))
+    if (tidies || !(leaves || backlog.empty())) {
         flushBacklog(impl_, index_, std::move(replaced_));
-    if (tidies)
+    }
+    if (tidies) {
         tidyTexts(db_);
-    if (!tidies && count < kLargeSave)
+    }
+    if (!tidies && count < kLargeSave) {
         return;
+    }
     db_.prepare("DELETE FROM change WHERE id <= ?").bindInteger(result_.change - kLoggedSaves).exec();
     db_.prepare("DELETE FROM deleted WHERE number <= (SELECT max(number) FROM deleted) - ?")
         .bindInteger(kMostDeleted)
         .exec();
-    if (count < kLargeSave)
+    if (count < kLargeSave) {
         return;
+    }
     db_.prepare("DELETE FROM change WHERE id < ?1 AND id IN (SELECT id FROM (SELECT id, "
                 "sum(length(inserted) + length(updated) + length(deleted)) OVER (ORDER BY id DESC) AS bytes "
                 "FROM change) WHERE bytes > ?2)")
@@ -413,27 +463,33 @@ void Saver::log() {
 } // namespace
 
 SaveResult Store::save(const ChangeSet& changes) {
-    if (changes.empty())
+    if (changes.empty()) {
         return {};
-    if (impl_->opened.readOnly)
+    }
+    if (impl_->opened.readOnly) {
         throw readOnlyError(file());
+    }
     try {
         sql::Transaction transaction(impl_->db, sql::Transaction::Mode::write);
-        if (moved())
+        if (moved()) {
             throw StoreError(Reason::io, file(), "was moved, removed or replaced while it was open",
                              "put it back, or start this program again");
+        }
         SaveResult result = Saver(*impl_, changes).run();
         transaction.commit();
-        if (result.change != 0)
+        if (result.change != 0) {
             notifyWatchers(file());
+        }
         return result;
     } catch (const std::length_error& error) {
-        for (auto& known : impl_->propertyIds)
+        for (auto& known : impl_->propertyIds) {
             known.clear();
+        }
         throw StoreError(Reason::refused, file(), "was not changed", error.what());
     } catch (...) {
-        for (auto& known : impl_->propertyIds)
+        for (auto& known : impl_->propertyIds) {
             known.clear(); // numbers given in the transaction are gone with it
+        }
         throw;
     }
 }

@@ -140,10 +140,12 @@ int schemaVersion(sql::Connection& connection) {
     const auto application = pragma(connection, "PRAGMA application_id");
     const auto version = pragma(connection, "PRAGMA user_version");
     const bool isEmpty = pragma(connection, "SELECT count(*) FROM sqlite_schema") == 0;
-    if (application == kApplicationId && version > 0)
+    if (application == kApplicationId && version > 0) {
         return static_cast<int>(version);
-    if (application == 0 && version == 0 && isEmpty)
+    }
+    if (application == 0 && version == 0 && isEmpty) {
         return 0;
+    }
     throw StoreError(StoreError::Reason::notADatabase,
                      problemSentence("The file", connection.file(),
                                      "is a database of another program, not an address book",
@@ -154,18 +156,21 @@ void migrate(sql::Connection& connection, std::span<const Migration> steps) {
     const auto current = static_cast<int>(steps.size());
     const auto lacking = [&] {
         const int version = schemaVersion(connection);
-        if (version > current)
+        if (version > current) {
             throw StoreError(StoreError::Reason::newerSchema, connection.file(),
                              "was written by a newer version (" + std::to_string(version) +
                                  ", this one knows " + std::to_string(current) + ")",
                              "install that version to use it");
+        }
         return steps.subspan(static_cast<std::size_t>(version));
     };
-    if (lacking().empty())
+    if (lacking().empty()) {
         return;
+    }
     sql::Transaction transaction(connection, sql::Transaction::Mode::write);
-    for (const Migration& step : lacking()) // asked again: another process may have been first
+    for (const Migration& step : lacking()) { // asked again: another process may have been first
         step(connection);
+    }
     connection.execute("PRAGMA application_id = " + std::to_string(kApplicationId) +
                        "; PRAGMA user_version = " + std::to_string(current));
     transaction.commit();

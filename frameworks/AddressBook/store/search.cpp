@@ -25,8 +25,9 @@ constexpr std::size_t kHandful = 4;
 constexpr std::size_t kIndexRowsForRecord = 4;
 
 Rows sorted(Rows rows) {
-    if (!std::is_sorted(rows.begin(), rows.end()))
+    if (!std::is_sorted(rows.begin(), rows.end())) {
         std::sort(rows.begin(), rows.end());
+    }
     rows.erase(std::unique(rows.begin(), rows.end()), rows.end());
     return rows;
 }
@@ -93,14 +94,17 @@ class ConditionSearch {
 
     // Nothing when the index of values has more than so many rows to look at.
     std::optional<Rows> findWithin(std::int64_t mostRows) {
-        if (matcher_.neverMatches())
+        if (matcher_.neverMatches()) {
             return Rows();
+        }
         std::optional<Rows> found = positive(mostRows);
-        if (!found)
+        if (!found) {
             return std::nullopt;
+        }
         Rows hits = upToDate(sorted(std::move(*found)));
-        if (!matcher_.negative())
+        if (!matcher_.negative()) {
             return hits;
+        }
         Rows all = everyRow();
         step_.everyone = static_cast<std::int64_t>(all.size());
         Rows rest;
@@ -141,16 +145,18 @@ std::optional<Rows> ConditionSearch::positive(std::int64_t mostRows) {
 // What the indexes found, corrected by the values that they do not know yet.
 Rows ConditionSearch::upToDate(Rows hits) {
     const Backlog& backlog = impl_.backlog();
-    if (backlog.empty() || lookup_.property == 0)
+    if (backlog.empty() || lookup_.property == 0) {
         return hits;
+    }
     const auto first = backlog.lower_bound({lookup_.property, 0});
     const auto last = backlog.lower_bound({lookup_.property + 1, 0});
     Rows stale;
     Rows now;
     for (auto one = first; one != last; ++one) {
         stale.push_back(one->first.record);
-        if (verify(stale.back()))
+        if (verify(stale.back())) {
             now.push_back(stale.back());
+        }
     }
     Rows fresh;
     std::set_difference(hits.begin(), hits.end(), stale.begin(), stale.end(), std::back_inserter(fresh));
@@ -160,13 +166,16 @@ Rows ConditionSearch::upToDate(Rows hits) {
 // What the index of values tells, and of those of which it does not tell the records that were read.
 std::optional<Rows> ConditionSearch::terms(std::int64_t mostRows) {
     auto found = TermLookup(impl_.db, matcher_, lookup_).run(mostRows, step_.indexRows);
-    if (!found)
+    if (!found) {
         return std::nullopt;
+    }
     const Rows hits = sorted(std::move(found->hits));
     Rows all = hits;
-    for (const RowId row : sorted(std::move(found->candidates)))
-        if (!std::binary_search(hits.begin(), hits.end(), row) && verify(row))
+    for (const RowId row : sorted(std::move(found->candidates))) {
+        if (!std::binary_search(hits.begin(), hits.end(), row) && verify(row)) {
             all.push_back(row);
+        }
+    }
     return all;
 }
 
@@ -175,8 +184,9 @@ Rows ConditionSearch::trigrams() {
     std::string phrase = "\"";
     for (const char c : needle.text) {
         phrase.push_back(c);
-        if (c == '"')
+        if (c == '"') {
             phrase.push_back(c);
+        }
     }
     phrase.push_back('"');
     const bool exact = needle.exact && matcher_.facts().ignoresCase && !condition_.label && !condition_.key;
@@ -185,11 +195,13 @@ Rows ConditionSearch::trigrams() {
     statement.bindText(phrase);
     while (statement.step()) {
         ++step_.indexRows;
-        if (statement.integer(0) % kMostProperties != lookup_.property)
+        if (statement.integer(0) % kMostProperties != lookup_.property) {
             continue;
+        }
         const RowId row = statement.integer(0) / kMostProperties;
-        if (exact || verify(row))
+        if (exact || verify(row)) {
             found.push_back(row);
+        }
     }
     return found;
 }
@@ -201,19 +213,22 @@ Rows ConditionSearch::uids() {
     if (lookUp) {
         ++step_.indexRows;
         if (const auto row = impl_.record(*condition_.value.as<std::string>());
-            row && row->kind == condition_.kind)
+            row && row->kind == condition_.kind) {
             found.push_back(row->id);
+        }
     }
     // Asked for the kind as well, SQLite would look through all records of it.
     auto statement =
         impl_.db.prepare(lookUp ? "SELECT id, uid, kind FROM record WHERE uid >= '' AND uid < x''"
                                 : "SELECT id, uid, kind FROM record WHERE kind = ?");
-    if (!lookUp)
+    if (!lookUp) {
         statement.bindInteger(static_cast<int>(condition_.kind));
+    }
     while (statement.step()) {
         ++step_.indexRows;
-        if (impl_.kindIn(statement, 2) == condition_.kind && matcher_.anyMeets(impl_.uidIn(statement, 1)))
+        if (impl_.kindIn(statement, 2) == condition_.kind && matcher_.anyMeets(impl_.uidIn(statement, 1))) {
             found.push_back(statement.integer(0));
+        }
     }
     return found;
 }
@@ -222,8 +237,9 @@ Rows ConditionSearch::everyRow() {
     auto statement = impl_.db.prepare("SELECT id FROM record WHERE kind = ? ORDER BY id");
     statement.bindInteger(static_cast<int>(condition_.kind));
     Rows rows;
-    while (statement.step())
+    while (statement.step()) {
         rows.push_back(statement.integer(0));
+    }
     return rows;
 }
 
@@ -239,8 +255,9 @@ class QuerySearch {
         step_.query = &query;
         if (const auto* compound = std::get_if<Query::Compound>(&query.node)) {
             all_ = compound->join == Query::Join::all;
-            for (const Query& child : compound->children)
+            for (const Query& child : compound->children) {
                 children_.push_back(std::make_unique<QuerySearch>(impl, child, now));
+            }
             std::stable_sort(children_.begin(), children_.end(),
                              [](const auto& a, const auto& b) { return a->path() < b->path(); });
         } else {
@@ -252,10 +269,12 @@ class QuerySearch {
 
     // The plan that says how dear the whole is.
     AccessPath path() const {
-        if (condition_)
+        if (condition_) {
             return condition_->path();
-        if (children_.empty())
+        }
+        if (children_.empty()) {
             return all_ ? AccessPath::scan : AccessPath::nothing;
+        }
         return all_ ? children_.front()->path() : children_.back()->path();
     }
 
@@ -270,19 +289,23 @@ class QuerySearch {
     // What find() did.
     SearchStep steps() const {
         SearchStep step = step_;
-        if (step.execution == SearchStep::Execution::searched)
-            for (const auto& child : children_)
+        if (step.execution == SearchStep::Execution::searched) {
+            for (const auto& child : children_) {
                 step.parts.push_back(child->steps());
+            }
+        }
         return step;
     }
 
   private:
     Rows join() {
-        if (children_.empty())
+        if (children_.empty()) {
             return all_ ? everyRecord() : Rows();
+        }
         Rows rows = children_.front()->find();
-        for (auto child = std::next(children_.begin()); child != children_.end(); ++child)
+        for (auto child = std::next(children_.begin()); child != children_.end(); ++child) {
             rows = all_ ? (*child)->filter(std::move(rows)) : united(rows, (*child)->find());
+        }
         return rows;
     }
 
@@ -295,8 +318,9 @@ class QuerySearch {
                                   std::back_inserter(both));
             return both;
         }
-        if (rows.empty())
+        if (rows.empty()) {
             return rows;
+        }
         const Stopwatch watch(step_.time);
         step_.execution = SearchStep::Execution::verified;
         step_.records = static_cast<std::int64_t>(rows.size());
@@ -312,8 +336,9 @@ class QuerySearch {
 
     // What find() answers, if that is quicker than looking at so many records.
     std::optional<Rows> findAtMost(std::size_t records) {
-        if (records <= kHandful || !condition_ || !condition_->countsRows())
+        if (records <= kHandful || !condition_ || !condition_->countsRows()) {
             return std::nullopt;
+        }
         const Stopwatch watch(step_.time);
         auto rows = condition_->findWithin(static_cast<std::int64_t>(records * kIndexRowsForRecord));
         if (rows) {
@@ -326,8 +351,9 @@ class QuerySearch {
     Rows everyRecord() {
         auto statement = impl_.db.prepare("SELECT id FROM record ORDER BY id");
         Rows rows;
-        while (statement.step())
+        while (statement.step()) {
             rows.push_back(statement.integer(0));
+        }
         step_.everyone = static_cast<std::int64_t>(rows.size());
         return rows;
     }

@@ -21,10 +21,11 @@ StoredUid::StoredUid(std::string_view uid) {
 }
 
 void StoredUid::bind(sql::Statement& statement) const {
-    if (packed_)
+    if (packed_) {
         statement.bindBlob(stored_);
-    else
+    } else {
         statement.bindText(stored_);
+    }
 }
 
 std::string processMark() {
@@ -36,21 +37,24 @@ std::string processMark() {
     // Never destroyed: a watch's thread may still ask while the process ends.
     static Mark& mark = *new Mark;
     const std::lock_guard<std::mutex> guard(lock);
-    if (mark.process != getpid())
+    if (mark.process != getpid()) {
         mark = {getpid(), newUuid()};
+    }
     return mark.bytes;
 }
 
 Store::Impl::Impl(const std::filesystem::path& folder, Access access, std::chrono::milliseconds busyTimeout)
     : opened(openAddressBook(folder, access, busyTimeout)), db(*opened.connection) {
-    if (opened.readOnly)
+    if (opened.readOnly) {
         return;
+    }
     const bool current = [this] {
         auto statement = db.prepare("SELECT value FROM meta WHERE name = 'unicode'");
         return statement.step() && statement.text(0) == unicodeVersion();
     }();
-    if (!current)
+    if (!current) {
         rebuildIndexes();
+    }
 }
 
 const Backlog& Store::Impl::backlog() {
@@ -76,9 +80,11 @@ void Store::Impl::rebuildIndexes() {
             const RecordRow row = rowFrom(statement);
             index.add(row.id, ensureProperty(row.kind, property::kCreation), row.creation);
             index.add(row.id, ensureProperty(row.kind, property::kModification), row.modification);
-            for (const auto& [name, held] : decodeProperties(row))
-                if (!isInternal(name))
+            for (const auto& [name, held] : decodeProperties(row)) {
+                if (!isInternal(name)) {
                     index.add(row.id, ensureProperty(row.kind, name), held);
+                }
+            }
         }
     }
     index.flush();
@@ -88,25 +94,29 @@ void Store::Impl::rebuildIndexes() {
 }
 
 void Store::Impl::reopenIfChanged() {
-    if (!opened.stamp || readTransactions != 0 || !opened.stamp->outdated())
+    if (!opened.stamp || readTransactions != 0 || !opened.stamp->outdated()) {
         return;
+    }
     // Wait at most 1 s; on failure the caller keeps reading the old files.
     OpenedFile now = openAddressBook(db.file().parent_path(), Access::readOnly, std::chrono::seconds(1));
     db.exchange(*now.connection);
     opened.stamp = std::move(now.stamp);
-    for (auto& known : propertyIds)
+    for (auto& known : propertyIds) {
         known.clear();
+    }
 }
 
 std::optional<std::int64_t> Store::Impl::propertyId(Kind kind, std::string_view name) {
     auto& known = propertyIds[static_cast<int>(kind)];
     std::string key(name);
-    if (const auto found = known.find(key); found != known.end())
+    if (const auto found = known.find(key); found != known.end()) {
         return found->second;
+    }
     auto statement = db.prepare("SELECT id FROM property WHERE kind = ? AND name = ?");
     statement.bindInteger(static_cast<int>(kind)).bindText(name);
-    if (!statement.step())
+    if (!statement.step()) {
         return std::nullopt;
+    }
     return known.emplace(std::move(key), statement.integer(0)).first->second;
 }
 
@@ -117,16 +127,18 @@ std::string Store::Impl::propertyName(std::int64_t id) {
 }
 
 std::int64_t Store::Impl::ensureProperty(Kind kind, std::string_view name) {
-    if (const auto known = propertyId(kind, name))
+    if (const auto known = propertyId(kind, name)) {
         return *known;
+    }
     db.prepare("INSERT INTO property(kind, name) VALUES (?, ?)")
         .bindInteger(static_cast<int>(kind))
         .bindText(name)
         .exec();
     const std::int64_t id = db.lastRow();
-    if (id >= kMostProperties)
+    if (id >= kMostProperties) {
         throw StoreError(StoreError::Reason::refused, db.file(), "has room for 65535 names of properties",
                          "use one of those");
+    }
     propertyIds[static_cast<int>(kind)].emplace(name, id);
     return id;
 }

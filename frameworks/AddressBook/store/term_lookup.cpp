@@ -6,16 +6,17 @@ namespace addressbook {
 namespace {
 
 void bindValue(sql::Statement& statement, const Value& value) {
-    if (const auto* whole = value.as<std::int64_t>())
+    if (const auto* whole = value.as<std::int64_t>()) {
         statement.bindInteger(*whole);
-    else if (const auto* real = value.as<double>())
+    } else if (const auto* real = value.as<double>()) {
         statement.bindReal(*real);
-    else if (const auto* date = value.as<Date>())
+    } else if (const auto* date = value.as<Date>()) {
         statement.bindReal(date->seconds);
-    else if (const auto* text = value.as<std::string>())
+    } else if (const auto* text = value.as<std::string>()) {
         statement.bindText(*text);
-    else if (const auto* bytes = value.as<Bytes>())
+    } else if (const auto* bytes = value.as<Bytes>()) {
         statement.bindBlob({reinterpret_cast<const char*>(bytes->data()), bytes->size()});
+    }
 }
 
 // Columns of the statement; the last three only where the type does not say enough.
@@ -23,8 +24,9 @@ enum Column : int { kRecord, kType, kFolded, kExact, kKey };
 
 // The number in a row, when it is one that the Matcher can judge by itself; else no value.
 Value numberIn(const sql::Statement& row, TermType type) {
-    if (!row.isNumber(kFolded))
+    if (!row.isNumber(kFolded)) {
         return {};
+    }
     switch (type) {
     case TermType::integer:
         return row.integer(kFolded);
@@ -72,10 +74,12 @@ std::string TermLookup::sql() const {
     default:
         break;
     }
-    if (condition_.label)
+    if (condition_.label) {
         sql += " AND (label = 0 OR label = ?)";
-    if (condition_.key)
+    }
+    if (condition_.key) {
         sql += " AND (key = 0 OR key = ?)";
+    }
     return sql;
 }
 
@@ -83,12 +87,15 @@ std::string TermLookup::sql() const {
 void TermLookup::bind(sql::Statement& statement, const Span& span) const {
     statement.bindInteger(lookup_.property);
     bindValue(statement, span.low);
-    if (comparesExact_)
+    if (comparesExact_) {
         statement.bindText(beginning(*matcher_.wantedText(), kTermBytes));
+    }
     bindValue(statement, span.high);
-    for (const auto* word : {&condition_.label, &condition_.key})
-        if (*word)
+    for (const auto* word : {&condition_.label, &condition_.key}) {
+        if (*word) {
             bindWord(statement, **word);
+        }
+    }
 }
 
 TermLookup::Verdict TermLookup::judgeCovered(TermType type) const {
@@ -99,10 +106,12 @@ TermLookup::Verdict TermLookup::judgeCovered(TermType type) const {
 
 TermLookup::Verdict TermLookup::judge(const sql::Statement& row, TermType type) const {
     const bool isNoField = row.isNumber(kKey) && row.integer(kKey) == 0;
-    if (type == TermType::emptyList || (condition_.key && isNoField && type == TermType::dictionary))
+    if (type == TermType::emptyList || (condition_.key && isNoField && type == TermType::dictionary)) {
         return Verdict::miss;
-    if (condition_.value.empty())
+    }
+    if (condition_.value.empty()) {
         return Verdict::hit;
+    }
     // A dictionary is wanted whole: its fields' terms say nothing.
     const Verdict otherwise =
         condition_.value.as<Dictionary>() != nullptr ? Verdict::candidate : Verdict::miss;
@@ -110,8 +119,9 @@ TermLookup::Verdict TermLookup::judge(const sql::Statement& row, TermType type) 
         const bool meets = matcher_.wantedText() && matcher_.meetsText(row.text(kExact), row.text(kFolded));
         return meets ? Verdict::hit : otherwise;
     }
-    if (const Value number = numberIn(row, type); !number.empty())
+    if (const Value number = numberIn(row, type); !number.empty()) {
         return matcher_.meets(number) ? Verdict::hit : otherwise;
+    }
     return Verdict::candidate;
 }
 
@@ -122,12 +132,14 @@ std::optional<TermRows> TermLookup::run(std::int64_t mostRows, std::int64_t& ind
         auto statement = connection_.prepareText(text);
         bind(statement, span);
         while (statement.step()) {
-            if (++indexRows > mostRows)
+            if (++indexRows > mostRows) {
                 return std::nullopt;
+            }
             const auto type = static_cast<TermType>(statement.integer(kType));
             const Verdict verdict = covered_ ? judgeCovered(type) : judge(statement, type);
-            if (verdict != Verdict::miss)
+            if (verdict != Verdict::miss) {
                 (verdict == Verdict::hit ? rows.hits : rows.candidates).push_back(statement.integer(kRecord));
+            }
         }
     }
     return rows;

@@ -30,13 +30,14 @@ constexpr std::uint32_t kEndOfFolder = IN_DELETE_SELF | IN_MOVE_SELF | IN_UNMOUN
 bool takeEvents(int events) {
     alignas(inotify_event) std::array<char, 16384> buffer;
     bool inPlace = true;
-    for (ssize_t size; (size = read(events, buffer.data(), buffer.size())) > 0;)
+    for (ssize_t size; (size = read(events, buffer.data(), buffer.size())) > 0;) {
         for (ssize_t at = 0; at < size;) {
             inotify_event event;
             std::memcpy(&event, buffer.data() + at, sizeof event);
             inPlace = inPlace && (event.mask & kEndOfFolder) == 0;
             at += static_cast<ssize_t>(sizeof event + event.len);
         }
+    }
     return inPlace;
 }
 
@@ -56,15 +57,17 @@ void notifyWatchers(const fs::path& file) {
 Watch::Watch(fs::path file, std::int64_t since, Listener listener)
     : file_(std::move(file)), listener_(std::move(listener)), seen_(since),
       stopped_(eventfd(0, EFD_CLOEXEC | EFD_NONBLOCK)) {
-    if (stopped_ < 0)
+    if (stopped_ < 0) {
         throw StoreError(StoreError::Reason::io, file_,
                          "cannot be watched for changes (" + std::generic_category().message(errno) + ")",
                          "close some files and start this program again");
+    }
 }
 
 Watch::~Watch() {
-    if (events_ >= 0)
+    if (events_ >= 0) {
         close(events_);
+    }
     close(stopped_);
 }
 
@@ -77,8 +80,9 @@ void Watch::run() {
     while (!stopping_) {
         const bool listening = listen(); // before looking, so that nothing falls in between
         const bool polled = poll();
-        if (listening && polled)
+        if (listening && polled) {
             polling_ = false;
+        }
         wait(listening && polled, store_ && store_->readsWithoutLocks());
     }
     // Closed by now, not some time later: who closes the book last tidies up its log.
@@ -87,16 +91,18 @@ void Watch::run() {
 
 // Asks the kernel to tell of changes, when it does not do so already.
 bool Watch::listen() {
-    if (events_ >= 0)
+    if (events_ >= 0) {
         return true;
+    }
     const int events = inotify_init1(IN_CLOEXEC | IN_NONBLOCK);
     if (events >= 0 && inotify_add_watch(events, realFolderOf(file_).c_str(), kEvents) >= 0) {
         events_ = events;
         return true;
     }
     const int error = errno;
-    if (events >= 0)
+    if (events >= 0) {
         close(events);
+    }
     startPolling("The folder of the address book " + file_.string() + " cannot be watched (" +
                  std::generic_category().message(error) +
                  "): it is polled at for changes once a second instead.");
@@ -107,13 +113,15 @@ bool Watch::listen() {
 bool Watch::poll() {
     try {
         const bool moved = store_ && store_->moved();
-        if (moved)
+        if (moved) {
             replaced_ = true;
+        }
         struct stat status;
         if (moved || !store_) {
             store_.reset();
-            if (stat(file_.c_str(), &status) != 0)
+            if (stat(file_.c_str(), &status) != 0) {
                 return true; // its return is an event
+            }
             store_ = std::make_unique<Store>(file_.parent_path(), Store::Access::readOnly, kBusyTimeout);
         }
         deliver();
@@ -131,19 +139,22 @@ void Watch::deliver() {
         seen_ = newest;
         listener_.onSaved(LoggedChange{.change = newest});
     }
-    if (newest == seen_)
+    if (newest == seen_) {
         return;
+    }
     for (const LoggedChange& change : store_->changesSince(seen_)) {
-        if (stopping_)
+        if (stopping_) {
             return;
+        }
         seen_ = change.change;
         listener_.onSaved(change);
     }
 }
 
 void Watch::startPolling(const std::string& reason) {
-    if (!std::exchange(polling_, true))
+    if (!std::exchange(polling_, true)) {
         listener_.onPolling(reason);
+    }
 }
 
 // Waits for something to happen: for an event when [toldWhen], and for the time to look again when nobody
@@ -151,10 +162,12 @@ void Watch::startPolling(const std::string& reason) {
 void Watch::wait(bool hasEvents, bool pollsAnyway) {
     std::array<pollfd, 2> awaited{pollfd{stopped_, POLLIN, 0}, pollfd{hasEvents ? events_ : -1, POLLIN, 0}};
     const int time = hasEvents && !pollsAnyway ? -1 : static_cast<int>(kPollEvery.count());
-    if (::poll(awaited.data(), awaited.size(), time) <= 0)
+    if (::poll(awaited.data(), awaited.size(), time) <= 0) {
         return;
-    if (awaited[1].revents != 0 && !takeEvents(events_))
+    }
+    if (awaited[1].revents != 0 && !takeEvents(events_)) {
         close(std::exchange(events_, -1));
+    }
 }
 
 } // namespace addressbook

@@ -38,8 +38,9 @@ Civil civil(std::int64_t number) {
 std::optional<MonthDay> checked(const DateComponents& parts) {
     static constexpr int kLongest[] = {31, 29, 31, 30, 31, 30, 31, 31, 30, 31, 30, 31};
     if (!parts.month || !parts.day || *parts.month < 1 || *parts.month > 12 || *parts.day < 1 ||
-        *parts.day > kLongest[*parts.month - 1])
+        *parts.day > kLongest[*parts.month - 1]) {
         return std::nullopt;
+    }
     return MonthDay{*parts.month, *parts.day};
 }
 
@@ -68,18 +69,21 @@ double utcMidnight(double dayNumber) {
 }
 
 std::optional<std::int64_t> utcDay(Date date) {
-    if (!(std::fabs(date.seconds) < kFarthest))
+    if (!(std::fabs(date.seconds) < kFarthest)) {
         return std::nullopt;
+    }
     return static_cast<std::int64_t>(std::floor((date.seconds + kReferenceDate) / kSecondsPerDay));
 }
 
 std::optional<std::int64_t> localDay(Date date) {
-    if (!(std::fabs(date.seconds) < kFarthest))
+    if (!(std::fabs(date.seconds) < kFarthest)) {
         return std::nullopt;
+    }
     const auto moment = static_cast<std::time_t>(std::floor(date.seconds + kReferenceDate));
     std::tm parts{};
-    if (localtime_r(&moment, &parts) == nullptr)
+    if (localtime_r(&moment, &parts) == nullptr) {
         return std::nullopt;
+    }
     return dayNumber(std::int64_t{parts.tm_year} + 1900, {parts.tm_mon + 1, parts.tm_mday});
 }
 
@@ -95,23 +99,27 @@ Date localNoon(int year, MonthDay day) {
 
 std::optional<DateComponents> dayParts(Date date) {
     const auto number = localDay(date);
-    if (!number)
+    if (!number) {
         return std::nullopt;
+    }
     const Civil day = civil(*number);
     DateComponents parts;
     parts.month = day.day.month;
     parts.day = day.day.day;
-    if (day.year != kNoYear)
+    if (day.year != kNoYear) {
         parts.year = static_cast<int>(day.year);
+    }
     return parts;
 }
 
 std::optional<std::int64_t> dayOf(const Value& value) {
-    if (const auto* date = value.as<Date>())
+    if (const auto* date = value.as<Date>()) {
         return localDay(*date);
+    }
     const auto* parts = value.as<DateComponents>();
-    if (parts == nullptr || !parts->year)
+    if (parts == nullptr || !parts->year) {
         return std::nullopt;
+    }
     const auto day = checked(*parts);
     return day ? std::optional(anniversary(*parts->year, *day)) : std::nullopt;
 }
@@ -121,15 +129,17 @@ MonthDay dayOfYear(std::int64_t dayNumber) {
 }
 
 std::optional<MonthDay> monthDayOf(const Value& value) {
-    if (const auto* parts = value.as<DateComponents>())
+    if (const auto* parts = value.as<DateComponents>()) {
         return checked(*parts);
+    }
     const auto day = dayOf(value);
     return day ? std::optional(dayOfYear(*day)) : std::nullopt;
 }
 
 std::int64_t anniversary(std::int64_t year, MonthDay day) {
-    if (day.month == 2 && day.day == 29 && !isLeap(year))
+    if (day.month == 2 && day.day == 29 && !isLeap(year)) {
         day.day = 28;
+    }
     return dayNumber(year, day);
 }
 

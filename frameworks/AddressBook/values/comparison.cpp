@@ -56,9 +56,11 @@ constexpr std::array<ComparisonFacts, kComparisonCount> kFacts{
 // clang-format on
 
 constexpr bool inOrder() {
-    for (int i = 0; i < kComparisonCount; ++i)
-        if (static_cast<int>(kFacts[static_cast<std::size_t>(i)].comparison) != i)
+    for (int i = 0; i < kComparisonCount; ++i) {
+        if (static_cast<int>(kFacts[static_cast<std::size_t>(i)].comparison) != i) {
             return false;
+        }
+    }
     return true;
 }
 static_assert(inOrder(), "one row for each comparison, in their order");
@@ -69,43 +71,53 @@ bool isNumber(const Value& value) {
 
 // Exact, although not every integer is a double.
 std::partial_ordering compare(std::int64_t whole, double real) {
-    if (std::isnan(real))
+    if (std::isnan(real)) {
         return std::partial_ordering::unordered;
-    if (real >= 0x1p63)
+    }
+    if (real >= 0x1p63) {
         return std::partial_ordering::less;
-    if (real < -0x1p63)
+    }
+    if (real < -0x1p63) {
         return std::partial_ordering::greater;
+    }
     const double truncated = std::trunc(real);
-    if (const auto order = whole <=> static_cast<std::int64_t>(truncated); order != 0)
+    if (const auto order = whole <=> static_cast<std::int64_t>(truncated); order != 0) {
         return order;
+    }
     return truncated <=> real;
 }
 
 std::partial_ordering compareNumbers(const Value& a, const Value& b) {
     const auto* wholeA = a.as<std::int64_t>();
     const auto* wholeB = b.as<std::int64_t>();
-    if (wholeA != nullptr && wholeB != nullptr)
+    if (wholeA != nullptr && wholeB != nullptr) {
         return *wholeA <=> *wholeB;
-    if (wholeA != nullptr)
+    }
+    if (wholeA != nullptr) {
         return compare(*wholeA, *b.as<double>());
-    if (wholeB != nullptr)
+    }
+    if (wholeB != nullptr) {
         return 0 <=> compare(*wholeB, *a.as<double>());
+    }
     return *a.as<double>() <=> *b.as<double>();
 }
 
 std::partial_ordering compareOrdered(const Value& a, const Value& b) {
-    if (isNumber(a) && isNumber(b))
+    if (isNumber(a) && isNumber(b)) {
         return compareNumbers(a, b);
+    }
     const auto* dateA = a.as<Date>();
     const auto* dateB = b.as<Date>();
-    if (dateA != nullptr && dateB != nullptr)
+    if (dateA != nullptr && dateB != nullptr) {
         return *dateA <=> *dateB;
-    if (dateA != nullptr && b.as<DateComponents>() != nullptr)
+    }
+    if (dateA != nullptr && b.as<DateComponents>() != nullptr) {
         if (const auto parts = dayParts(*dateA)) {
             const auto dayA = dayOf(*parts);
             const auto dayB = dayOf(b);
             return dayA && dayB ? std::partial_ordering(*dayA <=> *dayB) : std::partial_ordering::unordered;
         }
+    }
     return std::partial_ordering::unordered;
 }
 
@@ -121,8 +133,9 @@ bool same(const Value& a, const Value& b) {
         return parts && parts->year == wanted->year && parts->month == wanted->month &&
                parts->day == wanted->day;
     }
-    if (isNumber(a) || a.as<Date>() != nullptr)
+    if (isNumber(a) || a.as<Date>() != nullptr) {
         return compareOrdered(a, b) == 0;
+    }
     if (const auto* items = a.as<Array>()) {
         const auto* others = b.as<Array>();
         return others != nullptr &&
@@ -168,8 +181,9 @@ bool isWithin(std::int64_t day, const DayRange& days) {
 }
 
 bool visitOne(const Value& value, const std::string* label, const std::function<bool(const Leaf&)>& visit) {
-    if (visit({value, label, nullptr}))
+    if (visit({value, label, nullptr})) {
         return true;
+    }
     const auto* fields = value.as<Dictionary>();
     return fields != nullptr && std::any_of(fields->begin(), fields->end(), [&](const auto& field) {
                return visit({field.second, label, &field.first});
@@ -187,19 +201,22 @@ const ComparisonFacts& factsOf(Comparison comparison) {
 }
 
 bool visitLeaves(const Value& value, const std::function<bool(const Leaf&)>& visit) {
-    if (value.empty())
+    if (value.empty()) {
         return false;
+    }
     const auto* list = value.as<MultiValue>();
-    if (list == nullptr)
+    if (list == nullptr) {
         return visitOne(value, nullptr, visit);
+    }
     return std::any_of(list->entries.begin(), list->entries.end(),
                        [&](const Entry& entry) { return visitOne(entry.value, &entry.label, visit); });
 }
 
 Matcher::Matcher(const Condition& condition, Date now)
     : condition_(condition), facts_(factsOf(condition.comparison)) {
-    if (const auto* text = condition.value.as<std::string>())
+    if (const auto* text = condition.value.as<std::string>()) {
         text_ = facts_.ignoresCase ? fold(*text) : normalize(*text);
+    }
     const bool isInterval = facts_.operation == around || facts_.operation == ahead;
     if (const auto today = isInterval ? localDay(now) : std::nullopt; today && isNumber(condition.value)) {
         const auto day = static_cast<double>(*today);
@@ -224,19 +241,23 @@ bool Matcher::anyMeets(const Value& value) const {
 }
 
 bool Matcher::admits(const Leaf& leaf) const {
-    if (condition_.label && leaf.label != nullptr && *leaf.label != *condition_.label)
+    if (condition_.label && leaf.label != nullptr && *leaf.label != *condition_.label) {
         return false;
-    if (!condition_.key)
+    }
+    if (!condition_.key) {
         return true;
+    }
     return leaf.key != nullptr ? *leaf.key == *condition_.key : leaf.value.as<Dictionary>() == nullptr;
 }
 
 bool Matcher::meets(const Value& value) const {
-    if (condition_.value.empty())
+    if (condition_.value.empty()) {
         return condition_.comparison == Comparison::equal || condition_.comparison == Comparison::notEqual;
+    }
     if (const auto* text = value.as<std::string>()) {
-        if (!text_)
+        if (!text_) {
             return false;
+        }
         return facts_.ignoresCase ? meetsText({}, fold(*text)) : meetsText(normalize(*text), {});
     }
     switch (facts_.operation) {
@@ -264,8 +285,9 @@ bool Matcher::meets(const Value& value) const {
 }
 
 bool Matcher::meetsText(std::string_view normalized, std::string_view folded) const {
-    if (!text_)
+    if (!text_) {
         return false;
+    }
     const std::string_view text = facts_.ignoresCase ? folded : normalized;
     switch (facts_.operation) {
     case contains:
@@ -281,18 +303,22 @@ bool Matcher::meetsText(std::string_view normalized, std::string_view folded) co
 }
 
 bool Matcher::meetsInterval(const Value& value) const {
-    if (!days_)
+    if (!days_) {
         return false;
+    }
     if (!facts_.yearless) {
         const auto day = dayOf(value);
         return day && isWithin(*day, *days_);
     }
     const auto day = monthDayOf(value);
-    if (!day)
+    if (!day) {
         return false;
-    for (std::int64_t candidate = year_ - 1; candidate <= year_ + 1; ++candidate)
-        if (isWithin(anniversary(candidate, *day), *days_))
+    }
+    for (std::int64_t candidate = year_ - 1; candidate <= year_ + 1; ++candidate) {
+        if (isWithin(anniversary(candidate, *day), *days_)) {
             return true;
+        }
+    }
     return false;
 }
 
@@ -304,8 +330,9 @@ bool matches(const Query& query, const RecordView& record, Date now) {
                    : std::any_of(compound->children.begin(), compound->children.end(), child);
     }
     const auto& condition = std::get<Condition>(query.node);
-    if (condition.kind != record.kind())
+    if (condition.kind != record.kind()) {
         return false;
+    }
     static const Value kNone;
     return Matcher(condition, now)
         .holds(isInternal(condition.property) ? kNone : record.value(condition.property));

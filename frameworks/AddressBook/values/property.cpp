@@ -78,14 +78,20 @@ constexpr std::array kInternal{
 };
 
 constexpr bool namesDiffer() {
-    for (const auto& row : kComponents)
-        for (const auto& other : kBuiltIn)
-            if (row.name == other.name)
+    for (const auto& row : kComponents) {
+        for (const auto& other : kBuiltIn) {
+            if (row.name == other.name) {
                 return false;
-    for (std::size_t i = 0; i < kBuiltIn.size(); ++i)
-        for (std::size_t j = i + 1; j < kBuiltIn.size(); ++j)
-            if (kBuiltIn[i].name == kBuiltIn[j].name)
+            }
+        }
+    }
+    for (std::size_t i = 0; i < kBuiltIn.size(); ++i) {
+        for (std::size_t j = i + 1; j < kBuiltIn.size(); ++j) {
+            if (kBuiltIn[i].name == kBuiltIn[j].name) {
                 return false;
+            }
+        }
+    }
     return true;
 }
 static_assert(namesDiffer());
@@ -101,28 +107,37 @@ std::span<const BuiltInProperty> builtInProperties() {
 }
 
 std::optional<std::string_view> storedForComponents(std::string_view name) {
-    for (const auto& row : kComponents)
-        if (row.name == name)
+    for (const auto& row : kComponents) {
+        if (row.name == name) {
             return row.stored;
+        }
+    }
     return std::nullopt;
 }
 
 std::vector<std::string_view> builtInNames(Kind kind) {
     std::vector<std::string_view> names;
-    for (const auto& row : kBuiltIn)
-        if (has(row.scope, kind))
+    for (const auto& row : kBuiltIn) {
+        if (has(row.scope, kind)) {
             names.push_back(row.name);
-    if (kind == Kind::person)
-        for (const auto& row : kComponents)
+        }
+    }
+    if (kind == Kind::person) {
+        for (const auto& row : kComponents) {
             names.push_back(row.name);
+        }
+    }
     return names;
 }
 
 int builtInType(Kind kind, std::string_view name) {
-    if (kind == Kind::person)
-        for (const auto& row : kComponents)
-            if (row.name == name)
+    if (kind == Kind::person) {
+        for (const auto& row : kComponents) {
+            if (row.name == name) {
                 return row.type;
+            }
+        }
+    }
     const auto type = [&](const auto& table) {
         const auto* const row =
             std::find_if(table.begin(), table.end(), [&](const BuiltInProperty& candidate) {

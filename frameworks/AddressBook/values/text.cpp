@@ -44,8 +44,9 @@ void appendUtf8(std::string& out, char32_t code) {
 // The code point that begins at [at], which moves behind it; surrogates pass, anything ill-formed is U+FFFD.
 char32_t nextCodePoint(std::string_view text, std::size_t& at) {
     const auto lead = static_cast<unsigned char>(text[at++]);
-    if (lead < 0x80)
+    if (lead < 0x80) {
         return lead;
+    }
     int more = 0;
     char32_t code = 0;
     char32_t least = 0;
@@ -60,12 +61,14 @@ char32_t nextCodePoint(std::string_view text, std::size_t& at) {
     }
     std::size_t behind = at;
     for (; more > 0; --more, ++behind) {
-        if (behind == text.size() || !isContinuation(text[behind]))
+        if (behind == text.size() || !isContinuation(text[behind])) {
             return kReplacement;
+        }
         code = (code << 6) | (static_cast<unsigned char>(text[behind]) & 0x3F);
     }
-    if (code < least || code > 0x10FFFF)
+    if (code < least || code > 0x10FFFF) {
         return kReplacement;
+    }
     at = behind;
     return code;
 }
@@ -74,17 +77,19 @@ const UNormalizer2* composer() {
     static const UNormalizer2* const instance = [] {
         UErrorCode status = U_ZERO_ERROR;
         const UNormalizer2* nfc = unorm2_getNFCInstance(&status);
-        if (U_FAILURE(status))
+        if (U_FAILURE(status)) {
             throw std::runtime_error(std::string("ICU's normalization data is missing: ") +
                                      u_errorName(status));
+        }
         return nfc;
     }();
     return instance;
 }
 
 std::int32_t unitCount(std::u16string_view text) {
-    if (text.size() > INT32_MAX / 4)
+    if (text.size() > INT32_MAX / 4) {
         throw std::length_error("a text is too long to compare");
+    }
     return static_cast<std::int32_t>(text.size());
 }
 
@@ -99,8 +104,9 @@ std::u16string converted(std::size_t guess, Function function) {
             out.resize(static_cast<std::size_t>(length));
             continue;
         }
-        if (U_FAILURE(status))
+        if (U_FAILURE(status)) {
             throw std::runtime_error(std::string("ICU could not convert a text: ") + u_errorName(status));
+        }
         out.resize(static_cast<std::size_t>(length));
         return out;
     }
@@ -108,9 +114,11 @@ std::u16string converted(std::size_t guess, Function function) {
 
 std::string asciiFolded(std::string_view text) {
     std::string out(text);
-    for (char& c : out)
-        if (c >= 'A' && c <= 'Z')
+    for (char& c : out) {
+        if (c >= 'A' && c <= 'Z') {
             c = static_cast<char>(c + ('a' - 'A'));
+        }
+    }
     return out;
 }
 
@@ -121,8 +129,9 @@ std::string utf8FromUtf16(std::u16string_view text) {
     out.reserve(text.size());
     for (std::size_t i = 0; i < text.size(); ++i) {
         char32_t code = text[i];
-        if (isHigh(code) && i + 1 < text.size() && isLow(text[i + 1]))
+        if (isHigh(code) && i + 1 < text.size() && isLow(text[i + 1])) {
             code = 0x10000 + ((code - 0xD800) << 10) + (text[++i] - 0xDC00);
+        }
         appendUtf8(out, code);
     }
     return out;
@@ -148,18 +157,22 @@ bool isAscii(std::string_view text) {
     for (; at + 8 <= text.size(); at += 8) {
         std::uint64_t word = 0;
         std::memcpy(&word, text.data() + at, 8);
-        if ((word & 0x8080808080808080U) != 0)
+        if ((word & 0x8080808080808080U) != 0) {
             return false;
+        }
     }
-    for (; at < text.size(); ++at)
-        if (static_cast<unsigned char>(text[at]) >= 0x80)
+    for (; at < text.size(); ++at) {
+        if (static_cast<unsigned char>(text[at]) >= 0x80) {
             return false;
+        }
+    }
     return true;
 }
 
 std::string normalize(std::string_view text) {
-    if (isAscii(text))
+    if (isAscii(text)) {
         return std::string(text);
+    }
     const std::u16string wide = utf16FromUtf8(text);
     return utf8FromUtf16(
         converted(wide.size() + 16, [&](char16_t* out, std::int32_t capacity, UErrorCode* status) {
@@ -168,8 +181,9 @@ std::string normalize(std::string_view text) {
 }
 
 std::string foldNormalized(std::string_view text) {
-    if (isAscii(text))
+    if (isAscii(text)) {
         return asciiFolded(text);
+    }
     const std::u16string wide = utf16FromUtf8(text);
     return utf8FromUtf16(
         converted(wide.size() + 16, [&](char16_t* out, std::int32_t capacity, UErrorCode* status) {
@@ -192,19 +206,23 @@ std::size_t countCharacters(std::string_view text) {
 }
 
 std::string_view beginning(std::string_view text, std::size_t bytes) {
-    if (text.size() <= bytes)
+    if (text.size() <= bytes) {
         return text;
-    while (bytes > 0 && isContinuation(text[bytes]))
+    }
+    while (bytes > 0 && isContinuation(text[bytes])) {
         --bytes;
+    }
     return text.substr(0, bytes);
 }
 
 std::string_view ending(std::string_view text, std::size_t bytes) {
-    if (text.size() <= bytes)
+    if (text.size() <= bytes) {
         return text;
+    }
     text.remove_prefix(text.size() - bytes);
-    while (!text.empty() && isContinuation(text.front()))
+    while (!text.empty() && isContinuation(text.front())) {
         text.remove_prefix(1);
+    }
     return text;
 }
 

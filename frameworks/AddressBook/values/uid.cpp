@@ -10,10 +10,12 @@ namespace {
 constexpr std::size_t kUuidBytes = 16;
 
 std::optional<int> hexDigit(char c) {
-    if (c >= '0' && c <= '9')
+    if (c >= '0' && c <= '9') {
         return c - '0';
-    if (c >= 'A' && c <= 'F')
+    }
+    if (c >= 'A' && c <= 'F') {
         return c - 'A' + 10;
+    }
     return std::nullopt;
 }
 
@@ -25,28 +27,33 @@ constexpr std::size_t kUuidText = 36;
 } // namespace
 
 std::optional<std::string> packUid(std::string_view text) {
-    if (text.size() < kUuidText)
+    if (text.size() < kUuidText) {
         return std::nullopt;
+    }
     const std::string_view kind = text.substr(kUuidText);
-    if (!kind.empty() && kind != ":ABPerson" && kind != ":ABGroup")
+    if (!kind.empty() && kind != ":ABPerson" && kind != ":ABGroup") {
         return std::nullopt;
+    }
     std::string packed;
     packed.reserve(kUuidBytes + 1);
     for (std::size_t at = 0; at < kUuidText; ++at) {
         if (isDash(at)) {
-            if (text[at] != '-')
+            if (text[at] != '-') {
                 return std::nullopt;
+            }
             continue;
         }
         const auto high = hexDigit(text[at]);
         const auto low = hexDigit(text[at + 1]);
-        if (!high || !low)
+        if (!high || !low) {
             return std::nullopt;
+        }
         packed.push_back(static_cast<char>(*high * 16 + *low));
         ++at;
     }
-    if (!kind.empty())
+    if (!kind.empty()) {
         packed.push_back(kind == ":ABPerson" ? 'P' : 'G');
+    }
     return packed;
 }
 
@@ -55,14 +62,16 @@ bool isPackedUid(std::string_view bytes) {
 }
 
 std::optional<std::string> unpackUid(std::string_view bytes) {
-    if (!isPackedUid(bytes))
+    if (!isPackedUid(bytes)) {
         return std::nullopt;
+    }
     static constexpr char kDigits[] = "0123456789ABCDEF";
     char text[kUuidText];
     std::size_t at = 0;
     for (const char c : bytes.substr(0, kUuidBytes)) {
-        if (isDash(at))
+        if (isDash(at)) {
             text[at++] = '-';
+        }
         const auto byte = static_cast<unsigned char>(c);
         text[at++] = kDigits[byte >> 4];
         text[at++] = kDigits[byte & 0xF];
@@ -78,8 +87,9 @@ std::optional<std::string> unpackUid(std::string_view bytes) {
 
 std::string newUuid() {
     std::string bytes(kUuidBytes, '\0');
-    if (getentropy(bytes.data(), bytes.size()) != 0)
+    if (getentropy(bytes.data(), bytes.size()) != 0) {
         throw std::system_error(errno, std::generic_category(), "no random number can be had");
+    }
     bytes[6] = static_cast<char>((bytes[6] & 0x0F) | 0x40); // random, as opposed to made from a clock
     bytes[8] = static_cast<char>((bytes[8] & 0x3F) | 0x80);
     return *unpackUid(bytes);

@@ -15,13 +15,15 @@ int typeOf(const Value& value) {
                                       Type::real,    Type::date,   Type::dateComponents,
                                       Type::data,    Type::array,  Type::dictionary};
     const auto* list = value.as<MultiValue>();
-    if (list == nullptr)
+    if (list == nullptr) {
         return static_cast<int>(kTypes[value.index()]);
+    }
     int common = 0;
     for (const Entry& entry : list->entries) {
         const int type = typeOf(entry.value);
-        if (type == 0 || (type & kMultiValue) != 0 || (common != 0 && type != common))
+        if (type == 0 || (type & kMultiValue) != 0 || (common != 0 && type != common)) {
             return 0;
+        }
         common = type;
     }
     return common == 0 ? 0 : common + kMultiValue;

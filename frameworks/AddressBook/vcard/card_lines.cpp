@@ -44,12 +44,15 @@ class Lines {
     explicit Lines(const Card& card) : card_(card) {}
 
     std::vector<CardLine> take() {
-        if (card_.kind == Kind::group)
+        if (card_.kind == Kind::group) {
             writeGroup();
-        else
-            for (const Rule& rule : rules())
-                if (rule.use == Use::written)
+        } else {
+            for (const Rule& rule : rules()) {
+                if (rule.use == Use::written) {
                     write(rule);
+                }
+            }
+        }
         return std::move(lines_);
     }
 
@@ -75,9 +78,11 @@ class Lines {
 
     bool hasNames() const {
         for (const auto part :
-             {property::kTitle, property::kFirst, property::kMiddle, property::kLast, property::kSuffix})
-            if (!text(part).empty())
+             {property::kTitle, property::kFirst, property::kMiddle, property::kLast, property::kSuffix}) {
+            if (!text(part).empty()) {
                 return true;
+            }
+        }
         return false;
     }
 
@@ -107,28 +112,33 @@ class Lines {
             writeOrganization(rule);
             break;
         case Shape::text:
-            if (const std::string value = text(rule.property); !value.empty())
+            if (const std::string value = text(rule.property); !value.empty()) {
                 add(rule, escape(value));
+            }
             break;
         case Shape::day:
-            if (const Value* value = find(rule.property))
-                if (const auto* date = value->as<Date>())
+            if (const Value* value = find(rule.property)) {
+                if (const auto* date = value->as<Date>()) {
                     writeDay(rule, *date);
+                }
+            }
             break;
         case Shape::picture:
             writePicture(rule);
             break;
         case Shape::company:
-            if (isCompany())
+            if (isCompany()) {
                 add(rule, "COMPANY");
-            else if (!hasNames() && !text(property::kOrganization).empty())
+            } else if (!hasNames() && !text(property::kOrganization).empty()) {
                 add(rule, "PERSON"); // else a reader would take it for a company
+            }
             break;
         case Shape::nameOrder:
-            if (flags() & person_flags::kLastNameFirst)
+            if (flags() & person_flags::kLastNameFirst) {
                 add(rule, "LASTFIRST");
-            else if (flags() & person_flags::kFirstNameFirst)
+            } else if (flags() & person_flags::kFirstNameFirst) {
                 add(rule, "FIRSTLAST");
+            }
             break;
         default:
             writeEntries(rule);
@@ -138,18 +148,21 @@ class Lines {
     void writeOrganization(const Rule& rule) {
         const std::string department = text(property::kDepartment);
         const std::string organization = text(property::kOrganization);
-        if (!organization.empty() || !department.empty())
+        if (!organization.empty() || !department.empty()) {
             add(rule, escape(organization) + ';' + escape(department));
+        }
     }
 
     CardLine* writeDay(const Rule& rule, Date date) {
         const auto day = dayText(date);
-        if (!day)
+        if (!day) {
             return nullptr;
+        }
         CardLine& line = add(rule, *day);
         const std::string noYear = std::to_string(kNoYear);
-        if (day->starts_with(noYear))
+        if (day->starts_with(noYear)) {
             line.params = ";X-APPLE-OMIT-YEAR=" + noYear;
+        }
         line.params += ";value=date";
         return &line;
     }
@@ -157,57 +170,69 @@ class Lines {
     void writePicture(const Rule& rule) {
         const Value* value = find(rule.property);
         const auto* bytes = value ? value->as<Bytes>() : nullptr;
-        if (!bytes || bytes->empty())
+        if (!bytes || bytes->empty()) {
             return;
+        }
         CardLine& line = add(rule, encodeBase64(*bytes));
         line.params = ";ENCODING=b";
         const std::string_view data(reinterpret_cast<const char*>(bytes->data()), bytes->size());
-        for (const PictureType& type : kPictureTypes)
+        for (const PictureType& type : kPictureTypes) {
             if (data.starts_with(type.start)) {
                 line.params.append(";TYPE=").append(type.name);
                 break;
             }
+        }
     }
 
     void writeEntries(const Rule& rule) {
         const Value* value = find(rule.property);
         const auto* list = value ? value->as<MultiValue>() : nullptr;
-        if (!list)
+        if (!list) {
             return;
+        }
         for (std::size_t at = 0; at < list->entries.size(); ++at) {
             const Entry& entry = list->entries[at];
             CardLine* line = writeValue(rule, entry.value);
-            if (!line)
+            if (!line) {
                 continue;
+            }
             line->entry = at;
             writeLabel(rule, entry.label, *line);
-            if (list->primary.empty() ? at == 0 : entry.identifier == list->primary)
+            if (list->primary.empty() ? at == 0 : entry.identifier == list->primary) {
                 line->params += ";type=pref";
+            }
         }
     }
 
     static void writeLabel(const Rule& rule, const std::string& label, CardLine& line) {
-        if (rule.property == property::kEmail)
+        if (rule.property == property::kEmail) {
             line.params += ";type=INTERNET";
+        }
         const bool labelOnly = rule.shape == Shape::days || rule.shape == Shape::profiles ||
                                rule.property == property::kRelatedNames;
         std::vector<std::string_view> types;
-        if (!labelOnly)
+        if (!labelOnly) {
             types = typesFor(label, rule.shape == Shape::telephones ? Entries::telephones : Entries::any);
-        for (const std::string_view type : types)
+        }
+        for (const std::string_view type : types) {
             line.params.append(";type=").append(type);
-        if (types.empty())
+        }
+        if (types.empty()) {
             line.label = label;
+        }
     }
 
     CardLine* writeValue(const Rule& rule, const Value& value) {
-        if (const auto* string = value.as<std::string>())
+        if (const auto* string = value.as<std::string>()) {
             return &add(rule, escape(*string));
-        if (const auto* date = value.as<Date>())
+        }
+        if (const auto* date = value.as<Date>()) {
             return writeDay(rule, *date);
+        }
         const auto* fields = value.as<Dictionary>();
-        if (!fields)
+        if (!fields) {
             return nullptr;
+        }
         const auto field = [&](std::string_view name) {
             const auto found = fields->find(std::string(name));
             const auto* string = found == fields->end() ? nullptr : found->second.as<std::string>();
@@ -236,9 +261,11 @@ class Lines {
 
     CardLine& writeMessaging(const Rule& rule, const std::string& service, const std::string& user) {
         std::string scheme = "x-apple";
-        for (const MessagingService& each : messagingServices())
-            if (each.name == service)
+        for (const MessagingService& each : messagingServices()) {
+            if (each.name == service) {
                 scheme = each.scheme;
+            }
+        }
         CardLine& line = add(rule, scheme + ':' + escape(user));
         line.params = parameter("X-SERVICE-TYPE", service);
         return line;
@@ -249,8 +276,9 @@ class Lines {
         lines_.push_back({"N", {}, name + ";;;;", property::kGroupName, 0, {}, {}, {}});
         lines_.push_back({"FN", {}, name, property::kGroupName, 0, {}, {}, {}});
         lines_.push_back({"X-ADDRESSBOOKSERVER-KIND", {}, "group", {}, 0, {}, {}, {}});
-        for (const std::string& member : card_.memberUids)
+        for (const std::string& member : card_.memberUids) {
             lines_.push_back({"X-ADDRESSBOOKSERVER-MEMBER", {}, "urn:uuid:" + member, {}, 0, {}, {}, {}});
+        }
     }
 
     const Card& card_;
@@ -268,11 +296,13 @@ std::string_view matchedValue(const CardLine& line) {
 }
 
 std::string GroupNames::renamed(const std::string& group) {
-    if (group.empty())
+    if (group.empty()) {
         return group;
+    }
     std::string& name = names_[upperCase(group)];
-    if (name.empty())
+    if (name.empty()) {
         name = fresh();
+    }
     return name;
 }
 

@@ -38,8 +38,9 @@ std::string parameterText(std::string_view raw) {
     std::string text;
     for (std::size_t at = 0; at < raw.size(); ++at) {
         const char next = at + 1 < raw.size() ? raw[at + 1] : '\0';
-        if (raw[at] == '"')
+        if (raw[at] == '"') {
             continue;
+        }
         if (raw[at] == '^' && (next == '^' || next == 'n' || next == '\'')) {
             text.push_back(next == '^' ? '^' : next == 'n' ? '\n' : '"');
             ++at;
@@ -60,8 +61,9 @@ Param parseParam(std::string_view text) {
         const std::string upper = upperCase(text);
         const auto* row = std::find_if(kBareParams.begin(), kBareParams.end(),
                                        [&](const BareParam& bare) { return bare.word == upper; });
-        if (row != kBareParams.end())
+        if (row != kBareParams.end()) {
             param.name = row->name;
+        }
     }
     // TYPE="work,voice" is a list as well.
     const bool isType = param.name == "TYPE";
@@ -73,8 +75,9 @@ Param parseParam(std::string_view text) {
         }
         for (std::string_view word : splitEscaped(value, ',')) {
             word = trim(word);
-            if (word.size() > 5 && equalsIgnoringCase(word.substr(0, 5), "TYPE=")) // TYPE=HOME,TYPE=VOICE
+            if (word.size() > 5 && equalsIgnoringCase(word.substr(0, 5), "TYPE=")) { // TYPE=HOME,TYPE=VOICE
                 word.remove_prefix(5);
+            }
             param.values.emplace_back(word);
         }
     }
@@ -84,9 +87,11 @@ Param parseParam(std::string_view text) {
 } // namespace
 
 std::string_view ContentLine::param(std::string_view upperName) const {
-    for (const Param& each : params)
-        if (each.name == upperName && !each.values.empty())
+    for (const Param& each : params) {
+        if (each.name == upperName && !each.values.empty()) {
             return each.values.front();
+        }
+    }
     return {};
 }
 
@@ -96,15 +101,17 @@ std::string ContentLine::text() const {
 
 std::vector<std::string> ContentLine::components(std::size_t most) const {
     std::vector<std::string> parts;
-    for (const std::string_view part : splitEscaped(value, ';', most))
+    for (const std::string_view part : splitEscaped(value, ';', most)) {
         parts.push_back(std::string(trim(unescape(part, transfer == Transfer::quotedPrintable))));
+    }
     return parts;
 }
 
 std::optional<ContentLine> parseContentLine(const PropertyLine& line) {
     const std::size_t colon = headerEnd(line.text);
-    if (colon == std::string::npos)
+    if (colon == std::string::npos) {
         return std::nullopt;
+    }
     const std::string header =
         line.utf8 ? line.text.substr(0, colon) : toUtf8(line.text.substr(0, colon), std::string_view());
     const std::vector<std::string_view> parts = splitQuoted(header, ';');
@@ -114,11 +121,13 @@ std::optional<ContentLine> parseContentLine(const PropertyLine& line) {
     if (const std::size_t dot = name.find('.'); dot != std::string_view::npos) {
         result.group = name.substr(0, dot);
         name = name.substr(dot + 1);
-        if (!isName(result.group))
+        if (!isName(result.group)) {
             return std::nullopt;
+        }
     }
-    if (!isName(name))
+    if (!isName(name)) {
         return std::nullopt;
+    }
     result.name = name;
     result.key = upperCase(name);
     result.number = line.number;
@@ -126,22 +135,25 @@ std::optional<ContentLine> parseContentLine(const PropertyLine& line) {
 
     std::string charset;
     for (std::size_t at = 1; at < parts.size(); ++at) {
-        if (trim(parts[at]).empty())
+        if (trim(parts[at]).empty()) {
             continue;
+        }
         Param param = parseParam(parts[at]);
-        if (param.name == "CHARSET")
+        if (param.name == "CHARSET") {
             charset = param.values.empty() ? std::string() : param.values.front();
-        else if (param.name != "ENCODING" && isName(param.name))
+        } else if (param.name != "ENCODING" && isName(param.name)) {
             result.params.push_back(std::move(param));
+        }
     }
 
     std::string_view value = std::string_view(line.text).substr(colon + 1);
-    if (result.transfer == Transfer::quotedPrintable)
+    if (result.transfer == Transfer::quotedPrintable) {
         result.value = toUtf8(decodeQuotedPrintable(value), charset);
-    else if (line.utf8)
+    } else if (line.utf8) {
         result.value = value;
-    else
+    } else {
         result.value = toUtf8(std::string(value), charset);
+    }
     std::erase(result.value, '\0');
     return result;
 }
@@ -151,18 +163,20 @@ std::string renderParams(const std::vector<Param>& params) {
     for (const Param& param : params) {
         text += ';' + param.name + '=';
         for (std::size_t at = 0; at < param.values.size(); ++at) {
-            if (at)
+            if (at) {
                 text += ',';
+            }
             std::string value;
             for (const char byte : param.values[at]) {
-                if (byte == '^')
+                if (byte == '^') {
                     value += "^^";
-                else if (byte == '"')
+                } else if (byte == '"') {
                     value += "^'";
-                else if (byte == '\n' || byte == '\r')
+                } else if (byte == '\n' || byte == '\r') {
                     value += "^n";
-                else
+                } else {
                     value += byte;
+                }
             }
             const bool quote = value.find_first_of(",;:") != std::string::npos;
             text += quote ? '"' + value + '"' : value;
@@ -177,9 +191,11 @@ std::string render(const ContentLine& line) {
     text += renderParams(line.params);
     if (line.transfer == Transfer::base64) {
         text += ";ENCODING=b:";
-        for (const char byte : line.value)
-            if (byte != ' ' && byte != '\t')
+        for (const char byte : line.value) {
+            if (byte != ' ' && byte != '\t') {
                 text += byte;
+            }
+        }
         return text;
     }
     text += ':';
@@ -204,8 +220,9 @@ void appendFolded(std::string& out, std::string_view line) {
     std::size_t width = kWidth;
     while (line.size() > width) {
         std::size_t cut = width;
-        while (cut > width - 4 && isContinuation(line[cut]))
+        while (cut > width - 4 && isContinuation(line[cut])) {
             --cut;
+        }
         out.append(line.substr(0, cut)).append("\r\n ");
         line.remove_prefix(cut);
         width = kWidth - 1; // the space counts

@@ -11,12 +11,14 @@ namespace {
 
 // [count] digits at the start of [text], taken away; -1 when they are not there.
 int takeDigits(std::string_view& text, std::size_t count) {
-    if (text.size() < count)
+    if (text.size() < count) {
         return -1;
+    }
     int number = 0;
     for (std::size_t at = 0; at < count; ++at) {
-        if (text[at] < '0' || text[at] > '9')
+        if (text[at] < '0' || text[at] > '9') {
             return -1;
+        }
         number = number * 10 + (text[at] - '0');
     }
     text.remove_prefix(count);
@@ -38,29 +40,36 @@ std::optional<Date> parseDay(std::string_view text, int omittedYear) {
         text.remove_prefix(2);
     } else {
         year = takeDigits(text, 4);
-        if (year < 1)
+        if (year < 1) {
             return std::nullopt;
-        if (text.starts_with('-'))
+        }
+        if (text.starts_with('-')) {
             text.remove_prefix(1);
+        }
     }
     const int month = takeDigits(text, 2);
-    if (text.starts_with('-'))
+    if (text.starts_with('-')) {
         text.remove_prefix(1);
+    }
     const int day = takeDigits(text, 2);
-    if (!text.empty() && text.front() != 'T' && text.front() != 't' && text.front() != ' ')
+    if (!text.empty() && text.front() != 'T' && text.front() != 't' && text.front() != ' ') {
         return std::nullopt;
-    if (year == omittedYear)
+    }
+    if (year == omittedYear) {
         year = kNoYear;
-    if (month < 1 || month > 12 || day < 1 || day > daysIn(year, month))
+    }
+    if (month < 1 || month > 12 || day < 1 || day > daysIn(year, month)) {
         return std::nullopt;
+    }
     return localNoon(year, {month, day});
 }
 
 std::optional<std::string> dayText(Date date) {
     const auto day = localDay(date);
     const auto monthDay = monthDayOf(date);
-    if (!day || !monthDay || yearOf(*day) < 1 || yearOf(*day) > 9999)
+    if (!day || !monthDay || yearOf(*day) < 1 || yearOf(*day) > 9999) {
         return std::nullopt;
+    }
     std::array<char, 32> text{};
     std::snprintf(text.data(), text.size(), "%04d-%02d-%02d", static_cast<int>(yearOf(*day)), monthDay->month,
                   monthDay->day);

@@ -21,15 +21,18 @@ constexpr std::string_view kHex = "0123456789ABCDEF";
 // does.
 std::size_t utf8Length(std::string_view bytes) {
     const auto lead = static_cast<unsigned char>(bytes[0]);
-    if (lead < 0x80)
+    if (lead < 0x80) {
         return 1;
+    }
     const std::size_t length = lead >= 0xF0 ? 4 : lead >= 0xE0 ? 3 : 2;
-    if (lead < 0xC2 || lead > 0xF4 || length > bytes.size())
+    if (lead < 0xC2 || lead > 0xF4 || length > bytes.size()) {
         return 0;
+    }
     char32_t code = lead & (0x7Fu >> length);
     for (std::size_t at = 1; at < length; ++at) {
-        if (!isContinuation(bytes[at]))
+        if (!isContinuation(bytes[at])) {
             return 0;
+        }
         code = code << 6 | (static_cast<unsigned char>(bytes[at]) & 0x3F);
     }
     return (length == 3 && code < 0x800) || (length == 4 && (code < 0x10000 || code > 0x10FFFF)) ? 0 : length;
@@ -46,8 +49,9 @@ UConverter* converterFor(const std::string& charset) {
     if (name != charset || !converter) {
         UErrorCode status = U_ZERO_ERROR;
         converter.reset(ucnv_open(charset.c_str(), &status));
-        if (U_FAILURE(status))
+        if (U_FAILURE(status)) {
             return nullptr;
+        }
         ucnv_setToUCallBack(converter.get(), UCNV_TO_U_CALLBACK_STOP, nullptr, nullptr, nullptr, &status);
         name = charset;
     }
@@ -56,14 +60,16 @@ UConverter* converterFor(const std::string& charset) {
 
 std::optional<std::string> convert(std::string_view bytes, const std::string& charset) {
     UConverter* converter = converterFor(charset);
-    if (!converter || bytes.size() > static_cast<std::size_t>(std::numeric_limits<int32_t>::max()) / 2)
+    if (!converter || bytes.size() > static_cast<std::size_t>(std::numeric_limits<int32_t>::max()) / 2) {
         return std::nullopt;
+    }
     UErrorCode status = U_ZERO_ERROR;
     std::u16string units(bytes.size() * 2 + 1, u'\0');
     const int32_t length = ucnv_toUChars(converter, units.data(), static_cast<int32_t>(units.size()),
                                          bytes.data(), static_cast<int32_t>(bytes.size()), &status);
-    if (U_FAILURE(status) || length > static_cast<int32_t>(units.size()))
+    if (U_FAILURE(status) || length > static_cast<int32_t>(units.size())) {
         return std::nullopt;
+    }
     units.resize(static_cast<std::size_t>(length));
     return utf8FromUtf16(units);
 }
@@ -73,13 +79,16 @@ std::optional<std::string> convert(std::string_view bytes, const std::string& ch
 std::string toUtf8(std::string bytes, std::string_view charset) {
     const bool ascii =
         std::none_of(bytes.begin(), bytes.end(), [](char byte) { return byte < 0 || byte == 0x1B; });
-    if (ascii)
+    if (ascii) {
         return bytes;
+    }
     // Programs that say ISO-8859-1 mean the superset that Windows has.
     const bool latin = equalsIgnoringCase(charset, "ISO-8859-1");
-    if (!charset.empty() && !latin && !equalsIgnoringCase(charset, "UTF-8"))
-        if (auto text = convert(bytes, std::string(charset)))
+    if (!charset.empty() && !latin && !equalsIgnoringCase(charset, "UTF-8")) {
+        if (auto text = convert(bytes, std::string(charset))) {
             return *std::move(text);
+        }
+    }
     std::size_t good = 0, bad = 0; // characters of more than one byte, and bytes that belong to none
     for (std::string_view rest = bytes; !rest.empty();) {
         const std::size_t length = utf8Length(rest);
@@ -87,8 +96,9 @@ std::string toUtf8(std::string bytes, std::string_view charset) {
         bad += length == 0 ? 1 : 0;
         rest.remove_prefix(std::max<std::size_t>(length, 1));
     }
-    if (!latin && good > bad)
+    if (!latin && good > bad) {
         return bad ? utf8FromUtf16(utf16FromUtf8(bytes)) : bytes;
+    }
     return convert(bytes, "windows-1252").value_or(bytes);
 }
 
@@ -117,8 +127,9 @@ Base64 decodeBase64(std::string_view text) {
     static const std::array<int, 256> kDigits = [] {
         std::array<int, 256> digits{};
         digits.fill(-1);
-        for (std::size_t at = 0; at < kBase64.size(); ++at)
+        for (std::size_t at = 0; at < kBase64.size(); ++at) {
             digits[static_cast<unsigned char>(kBase64[at])] = static_cast<int>(at);
+        }
         return digits;
     }();
     Base64 result;
@@ -127,14 +138,15 @@ Base64 decodeBase64(std::string_view text) {
     std::uint32_t bits = 0;
     int count = 0, padding = 0;
     for (const char byte : text) {
-        if (byte == ' ' || byte == '\t' || byte == '\n' || byte == '\r')
+        if (byte == ' ' || byte == '\t' || byte == '\n' || byte == '\r') {
             continue;
+        }
         const int digit = kDigits[static_cast<unsigned char>(byte)];
-        if (byte == '=')
+        if (byte == '=') {
             ++padding;
-        else if (digit < 0 || padding > 0)
+        } else if (digit < 0 || padding > 0) {
             return result;
-        else {
+        } else {
             bits = bits << 6 | static_cast<std::uint32_t>(digit);
             if (++count == 4) {
                 bytes.push_back(static_cast<std::uint8_t>(bits >> 16));
@@ -145,14 +157,17 @@ Base64 decodeBase64(std::string_view text) {
             }
         }
     }
-    if (padding > 2)
+    if (padding > 2) {
         return result;
+    }
     result.valid = true;
     result.complete = count != 1;
-    if (count >= 2)
+    if (count >= 2) {
         bytes.push_back(static_cast<std::uint8_t>(bits >> (count == 2 ? 4 : 10)));
-    if (count == 3)
+    }
+    if (count == 3) {
         bytes.push_back(static_cast<std::uint8_t>(bits >> 2));
+    }
     return result;
 }
 
@@ -162,10 +177,12 @@ std::string encodeBase64(const Bytes& bytes) {
     for (std::size_t at = 0; at < bytes.size(); at += 3) {
         const std::size_t left = std::min<std::size_t>(3, bytes.size() - at);
         std::uint32_t bits = static_cast<std::uint32_t>(bytes[at]) << 16;
-        if (left > 1)
+        if (left > 1) {
             bits |= static_cast<std::uint32_t>(bytes[at + 1]) << 8;
-        if (left > 2)
+        }
+        if (left > 2) {
             bits |= bytes[at + 2];
+        }
         text.push_back(kBase64[bits >> 18]);
         text.push_back(kBase64[bits >> 12 & 63]);
         text.push_back(left > 1 ? kBase64[bits >> 6 & 63] : '=');
@@ -212,8 +229,9 @@ std::string escape(std::string_view text) {
             at += byte == '\r' && at + 1 < text.size() && text[at + 1] == '\n' ? 1 : 0;
             continue;
         }
-        if (byte == '\\' || byte == ',' || byte == ';')
+        if (byte == '\\' || byte == ',' || byte == ';') {
             escaped.push_back('\\');
+        }
         escaped.push_back(byte);
     }
     return escaped;
@@ -240,9 +258,9 @@ std::vector<std::string_view> splitQuoted(std::string_view text, char separator)
     bool quoted = false;
     std::size_t start = 0;
     for (std::size_t at = 0; at < text.size(); ++at) {
-        if (text[at] == '"' && balanced)
+        if (text[at] == '"' && balanced) {
             quoted = !quoted;
-        else if (text[at] == separator && !quoted) {
+        } else if (text[at] == separator && !quoted) {
             parts.push_back(text.substr(start, at - start));
             start = at + 1;
         }
@@ -253,9 +271,11 @@ std::vector<std::string_view> splitQuoted(std::string_view text, char separator)
 
 std::string upperCase(std::string_view text) {
     std::string upper(text);
-    for (char& byte : upper)
-        if (byte >= 'a' && byte <= 'z')
+    for (char& byte : upper) {
+        if (byte >= 'a' && byte <= 'z') {
             byte = static_cast<char>(byte - 'a' + 'A');
+        }
+    }
     return upper;
 }
 
@@ -266,8 +286,9 @@ bool equalsIgnoringCase(std::string_view left, std::string_view right) {
 std::string_view trim(std::string_view text) {
     constexpr std::string_view kSpace = " \t\r\n";
     const std::size_t first = text.find_first_not_of(kSpace);
-    if (first == std::string_view::npos)
+    if (first == std::string_view::npos) {
         return {};
+    }
     return text.substr(first, text.find_last_not_of(kSpace) - first + 1);
 }
 

@@ -64,9 +64,9 @@ TypeMeaning meaningOf(const std::vector<std::string>& types) {
     std::vector<std::string> words; // upper case, beside meaning.extra
     for (const std::string& type : types) {
         std::string upper = upperCase(type);
-        if (upper == "PREF")
+        if (upper == "PREF") {
             meaning.preferred = true;
-        else if (!upper.empty() && upper != "VOICE" && upper != "INTERNET") {
+        } else if (!upper.empty() && upper != "VOICE" && upper != "INTERNET") {
             words.push_back(std::move(upper));
             meaning.extra.push_back(type);
         }
@@ -92,18 +92,23 @@ TypeMeaning meaningOf(const std::vector<std::string>& types) {
 }
 
 std::vector<std::string_view> typesFor(std::string_view label, Entries entries) {
-    for (const Row& row : kRows)
+    for (const Row& row : kRows) {
         if (row.use == Use::written && row.label == label &&
-            (row.entries == Entries::any || entries == row.entries))
+            (row.entries == Entries::any || entries == row.entries)) {
             return row.types[1].empty() ? std::vector{row.types[0]} : std::vector{row.types[0], row.types[1]};
+        }
+    }
     return {};
 }
 
 std::string relationLabel(const std::vector<std::string>& types) {
-    for (const std::string& type : types)
-        for (const Relation& relation : kRelations)
-            if (equalsIgnoringCase(type, relation.type))
+    for (const std::string& type : types) {
+        for (const Relation& relation : kRelations) {
+            if (equalsIgnoringCase(type, relation.type)) {
                 return std::string(relation.label);
+            }
+        }
+    }
     return types.empty() ? std::string() : types.front();
 }
 

@@ -12,8 +12,9 @@ namespace addressbook::vcard {
 namespace {
 
 std::string withoutPrefix(std::string text, std::string_view prefix) {
-    if (equalsIgnoringCase(std::string_view(text).substr(0, prefix.size()), prefix))
+    if (equalsIgnoringCase(std::string_view(text).substr(0, prefix.size()), prefix)) {
         text.erase(0, prefix.size());
+    }
     return text;
 }
 
@@ -21,8 +22,9 @@ std::string withoutPrefix(std::string text, std::string_view prefix) {
 
 std::string_view schemeOf(std::string_view uri) {
     const std::size_t colon = uri.find(':');
-    if (colon == std::string_view::npos || colon == 0)
+    if (colon == std::string_view::npos || colon == 0) {
         return {};
+    }
     const std::string_view scheme = uri.substr(0, colon);
     const bool plain = std::all_of(scheme.begin(), scheme.end(), [](char byte) {
         return (byte >= 'a' && byte <= 'z') || (byte >= 'A' && byte <= 'Z') || (byte >= '0' && byte <= '9') ||
@@ -39,35 +41,40 @@ bool isMessaging(std::string_view property) {
 
 Value takeText(const Rule& rule, ContentLine& line) {
     std::string value(trim(line.text()));
-    if (rule.shape == Shape::telephones)
+    if (rule.shape == Shape::telephones) {
         value = withoutPrefix(std::move(value), "tel:");
-    else if (rule.shape == Shape::links)
+    } else if (rule.shape == Shape::links) {
         value = withoutPrefix(std::move(value), "mailto:");
+    }
     std::erase_if(line.params, [](const Param& param) { return param.name == "VALUE"; });
     return value.empty() ? Value() : Value(std::move(value));
 }
 
 std::string takeRelation(ContentLine& line) {
-    for (auto param = line.params.begin(); param != line.params.end(); ++param)
+    for (auto param = line.params.begin(); param != line.params.end(); ++param) {
         if (param->name == "TYPE") {
             std::string label = relationLabel(param->values);
             line.params.erase(param);
-            if (!label.empty())
+            if (!label.empty()) {
                 return label;
+            }
             break;
         }
+    }
     return std::string(kOtherLabel);
 }
 
 std::optional<Date> takeDay(ContentLine& line) {
     int omitted = 0;
-    for (const char byte : line.param("X-APPLE-OMIT-YEAR").substr(0, 4))
+    for (const char byte : line.param("X-APPLE-OMIT-YEAR").substr(0, 4)) {
         omitted = byte >= '0' && byte <= '9' ? omitted * 10 + (byte - '0') : 0;
+    }
     const auto date = parseDay(line.text(), omitted);
-    if (date)
+    if (date) {
         std::erase_if(line.params, [](const Param& param) {
             return param.name == "X-APPLE-OMIT-YEAR" || param.name == "VALUE";
         });
+    }
     return date;
 }
 
@@ -77,14 +84,17 @@ std::optional<std::string> pictureData(const ContentLine& line) {
     if (equalsIgnoringCase(scheme, "data")) {
         const std::string uri = line.text();
         const std::size_t comma = uri.find(',');
-        if (comma == std::string::npos || !upperCase(uri.substr(0, comma)).ends_with(";BASE64"))
+        if (comma == std::string::npos || !upperCase(uri.substr(0, comma)).ends_with(";BASE64")) {
             return std::nullopt;
+        }
         return uri.substr(comma + 1);
     }
-    if (line.transfer == Transfer::base64)
+    if (line.transfer == Transfer::base64) {
         return std::string(value);
-    if (!scheme.empty() || !line.param("VALUE").empty() || !decodeBase64(value).valid)
+    }
+    if (!scheme.empty() || !line.param("VALUE").empty() || !decodeBase64(value).valid) {
         return std::nullopt;
+    }
     return std::string(value);
 }
 
@@ -93,13 +103,16 @@ Dictionary addressFields(const ContentLine& line) {
     parts.resize(7);
     // Post-office box and extended address are lines of the street here.
     std::string street;
-    for (std::size_t at = 0; at < 3; ++at)
-        if (!parts[at].empty())
+    for (std::size_t at = 0; at < 3; ++at) {
+        if (!parts[at].empty()) {
             street += (street.empty() ? "" : "\n") + parts[at];
+        }
+    }
     Dictionary fields;
     const auto set = [&fields](const char* key, std::string text) {
-        if (!text.empty())
+        if (!text.empty()) {
             fields[key] = std::move(text);
+        }
     };
     set("Street", std::move(street));
     set("City", std::move(parts[3]));
@@ -110,9 +123,10 @@ Dictionary addressFields(const ContentLine& line) {
 }
 
 Value messagingValue(std::string_view service, std::string user, std::string_view& property) {
-    if (user.empty())
+    if (user.empty()) {
         return {};
-    for (const MessagingService& each : messagingServices())
+    }
+    for (const MessagingService& each : messagingServices()) {
         if (equalsIgnoringCase(each.name, service)) {
             service = each.name;
             if (!each.property.empty()) {
@@ -120,23 +134,29 @@ Value messagingValue(std::string_view service, std::string user, std::string_vie
                 return user;
             }
         }
+    }
     Dictionary fields{{std::string(kInstantMessageUsername), std::move(user)}};
-    if (!service.empty())
+    if (!service.empty()) {
         fields[std::string(kInstantMessageService)] = std::string(service);
+    }
     return fields;
 }
 
 Value takeMessaging(ContentLine& line, std::string_view& property) {
     std::string user(trim(line.text()));
     const std::string scheme(schemeOf(user));
-    if (!scheme.empty())
+    if (!scheme.empty()) {
         user.erase(0, scheme.size() + 1);
+    }
     std::string service(line.param("X-SERVICE-TYPE"));
-    if (service.empty() && !equalsIgnoringCase(scheme, "x-apple"))
+    if (service.empty() && !equalsIgnoringCase(scheme, "x-apple")) {
         service = scheme;
-    for (const MessagingService& each : messagingServices())
-        if (equalsIgnoringCase(service, each.scheme))
+    }
+    for (const MessagingService& each : messagingServices()) {
+        if (equalsIgnoringCase(service, each.scheme)) {
             service = each.name;
+        }
+    }
     std::erase_if(line.params, [](const Param& param) { return param.name == "X-SERVICE-TYPE"; });
     return messagingValue(service, std::move(user), property);
 }
@@ -144,26 +164,29 @@ Value takeMessaging(ContentLine& line, std::string_view& property) {
 Value takeProfile(ContentLine& line) {
     Dictionary fields;
     const auto take = [&](std::string_view name, std::string_view key) {
-        for (Param& param : line.params)
+        for (Param& param : line.params) {
             if (param.name == name) {
                 // The first TYPE that is not "pref" is the service.
                 const auto word =
                     std::find_if(param.values.begin(), param.values.end(), [](const auto& each) {
                         return !each.empty() && !equalsIgnoringCase(each, "pref");
                     });
-                if (word == param.values.end())
+                if (word == param.values.end()) {
                     continue;
+                }
                 fields[std::string(key)] = std::move(*word);
                 param.values.erase(word);
                 break;
             }
+        }
         std::erase_if(line.params, [](const Param& param) { return param.values.empty(); });
     };
     take("TYPE", kSocialProfileService);
     take("X-USER", kSocialProfileUsername);
     take("X-USERID", kSocialProfileIdentifier);
-    if (std::string url(trim(line.text())); !url.empty())
+    if (std::string url(trim(line.text())); !url.empty()) {
         fields[std::string(kSocialProfileUrl)] = std::move(url);
+    }
     return fields.empty() ? Value() : Value(std::move(fields));
 }
 

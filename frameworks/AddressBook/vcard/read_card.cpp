@@ -37,10 +37,12 @@ class CardReader {
             const Rule* rule = ruleFor(line.key);
             const bool known =
                 rule && (card_.kind == Kind::group ? readGroupLine(*rule, line) : readLine(*rule, line));
-            if (!problem_.empty())
+            if (!problem_.empty()) {
                 return problem_;
-            if (!known)
+            }
+            if (!known) {
                 unknown_.push_back(&line);
+            }
         }
         line_ = card_.line;
         return card_.kind == Kind::group ? finishGroup() : finishPerson();
@@ -54,16 +56,20 @@ class CardReader {
     void collectGroups() {
         for (ContentLine& line : lines_) {
             const Rule* rule = ruleFor(line.key);
-            if (!rule)
+            if (!rule) {
                 continue;
-            if (rule->shape == Shape::kind && equalsIgnoringCase(trim(line.value), "group"))
+            }
+            if (rule->shape == Shape::kind && equalsIgnoringCase(trim(line.value), "group")) {
                 card_.kind = Kind::group;
-            if (line.group.empty())
+            }
+            if (line.group.empty()) {
                 continue;
-            if (rule->shape == Shape::label)
+            }
+            if (rule->shape == Shape::label) {
                 labels_.emplace(upperCase(line.group), LabelInGroup{&line, line.text(), false});
-            else if (rule->shape == Shape::country)
+            } else if (rule->shape == Shape::country) {
                 countries_.emplace(upperCase(line.group), LabelInGroup{&line, line.text(), false});
+            }
         }
     }
 
@@ -111,21 +117,25 @@ class CardReader {
                                                                          : 0;
             return order_ != 0;
         case Shape::kind:
-            if (equalsIgnoringCase(trim(line.value), "org"))
+            if (equalsIgnoringCase(trim(line.value), "org")) {
                 company_ = true;
+            }
             return equalsIgnoringCase(trim(line.value), "org") ||
                    equalsIgnoringCase(trim(line.value), "individual");
         case Shape::uid:
         case Shape::addressBookUid:
             return readUid(rule, line);
         case Shape::categories:
-            for (const std::string_view name : splitEscaped(line.value, ','))
-                if (std::string text(trim(unescape(name))); !text.empty())
+            for (const std::string_view name : splitEscaped(line.value, ',')) {
+                if (std::string text(trim(unescape(name))); !text.empty()) {
                     card_.categories.push_back(std::move(text));
+                }
+            }
             return true;
         case Shape::fullName:
-            if (fullName_.empty())
+            if (fullName_.empty()) {
                 fullName_ = trim(line.text());
+            }
             return true;
         case Shape::label:
             return usedLabel(labels_, line);
@@ -156,8 +166,9 @@ class CardReader {
     }
 
     void setText(std::string_view property, std::string text) {
-        if (!text.empty())
+        if (!text.empty()) {
             card_.values[std::string(property)] = std::move(text);
+        }
     }
 
     bool isSet(std::string_view property) const { return card_.values.contains(std::string(property)); }
@@ -168,18 +179,21 @@ class CardReader {
     }
 
     bool readName(ContentLine& line) {
-        if (!names_.empty())
+        if (!names_.empty()) {
             return false;
+        }
         std::vector<std::string> parts = line.components(6);
         const bool more = parts.size() > 5 && !parts[5].empty(); // which the line itself has to keep
         parts.resize(5);
         constexpr std::string_view kParts[] = {property::kLast, property::kFirst, property::kMiddle,
                                                property::kTitle, property::kSuffix};
-        for (std::size_t at = 0; at < parts.size(); ++at)
+        for (std::size_t at = 0; at < parts.size(); ++at) {
             setText(kParts[at], parts[at]);
+        }
         names_ = std::move(parts);
-        if (!more)
+        if (!more) {
             keepParams(property::kLast, line);
+        }
         return !more;
     }
 
@@ -188,8 +202,9 @@ class CardReader {
             return param.name == "TYPE" && !param.values.empty() &&
                    equalsIgnoringCase(param.values[0], "X-IRMC-N");
         });
-        if (!phonetic || isSet(property::kLastPhonetic) || isSet(property::kFirstPhonetic))
+        if (!phonetic || isSet(property::kLastPhonetic) || isSet(property::kFirstPhonetic)) {
             return false;
+        }
         std::vector<std::string> parts = line.components(5);
         parts.resize(5);
         setText(property::kLastPhonetic, parts[0]);
@@ -198,14 +213,17 @@ class CardReader {
     }
 
     bool readOrganization(ContentLine& line) {
-        if (isSet(property::kOrganization) || isSet(property::kDepartment))
+        if (isSet(property::kOrganization) || isSet(property::kDepartment)) {
             return false;
+        }
         const std::vector<std::string> parts = line.components(1000);
         setText(property::kOrganization, parts[0]);
         std::string department;
-        for (std::size_t at = 1; at < parts.size(); ++at)
-            if (!parts[at].empty())
+        for (std::size_t at = 1; at < parts.size(); ++at) {
+            if (!parts[at].empty()) {
                 department += (department.empty() ? "" : "; ") + parts[at];
+            }
+        }
         setText(property::kDepartment, std::move(department));
         keepParams(property::kOrganization, line);
         return true;
@@ -214,16 +232,20 @@ class CardReader {
     bool readText(const Rule& rule, ContentLine& line) {
         std::string value = line.text();
         const bool note = rule.property == property::kNote;
-        if (!note)
+        if (!note) {
             value = trim(value);
-        if (trim(value).empty())
+        }
+        if (trim(value).empty()) {
             return true;
+        }
         if (isSet(rule.property)) {
-            if (!note)
+            if (!note) {
                 return text(rule.property) == value;
+            }
             if (std::string& whole = *card_.values[std::string(rule.property)].as<std::string>();
-                whole != value)
+                whole != value) {
                 whole += '\n' + value;
+            }
             return true;
         }
         setText(rule.property, std::move(value));
@@ -232,33 +254,40 @@ class CardReader {
     }
 
     bool readDay(const Rule& rule, ContentLine& line) {
-        if (trim(line.value).empty())
+        if (trim(line.value).empty()) {
             return true;
-        if (isSet(rule.property))
+        }
+        if (isSet(rule.property)) {
             return false;
+        }
         const auto date = takeDay(line);
-        if (!date)
+        if (!date) {
             return false;
+        }
         card_.values[std::string(rule.property)] = *date;
         keepParams(rule.property, line);
         return true;
     }
 
     bool readPicture(ContentLine& line) {
-        if (trim(line.value).empty())
+        if (trim(line.value).empty()) {
             return true;
+        }
         const auto data = pictureData(line);
-        if (!data || isSet(property::kImage))
+        if (!data || isSet(property::kImage)) {
             return false;
+        }
         Base64 picture = decodeBase64(*data);
         if (!picture.valid) {
             problem_ = "the picture is no base64 data";
             return true;
         }
-        if (!picture.complete)
+        if (!picture.complete) {
             card_.skipped.push_back({card_.number, line.number, "the picture's data is incomplete"});
-        if (picture.bytes.empty())
+        }
+        if (picture.bytes.empty()) {
             return true;
+        }
         card_.values[std::string(property::kImage)] = std::move(picture.bytes);
         std::erase_if(line.params, [](const Param& param) {
             return param.name == "TYPE" || param.name == "VALUE" || param.name == "MEDIATYPE";
@@ -269,28 +298,34 @@ class CardReader {
 
     bool readUid(const Rule& rule, const ContentLine& line) {
         const std::string uid(trim(line.text()));
-        if (uid.empty())
-            return true;
-        if (rule.shape == Shape::addressBookUid) {
-            if (abUuid_.empty())
-                abUuid_ = uuidOf(uid);
+        if (uid.empty()) {
             return true;
         }
-        if (uid_.empty())
-            uid_ = uid;
-        if (uid == uid_)
+        if (rule.shape == Shape::addressBookUid) {
+            if (abUuid_.empty()) {
+                abUuid_ = uuidOf(uid);
+            }
             return true;
+        }
+        if (uid_.empty()) {
+            uid_ = uid;
+        }
+        if (uid == uid_) {
+            return true;
+        }
         keepUid_ = true; // so that it is again the first one
         return false;
     }
 
     bool readMember(const ContentLine& line) {
         const std::string member(trim(line.text()));
-        if (!member.starts_with("urn:uuid:") && !schemeOf(member).empty())
+        if (!member.starts_with("urn:uuid:") && !schemeOf(member).empty()) {
             return false; // somebody elsewhere
+        }
         std::string uuid = uuidOf(member);
-        if (members_.insert(uuid).second)
+        if (members_.insert(uuid).second) {
             card_.memberUids.push_back(std::move(uuid));
+        }
         return true;
     }
 
@@ -302,10 +337,11 @@ class CardReader {
         Value value;
         switch (rule.shape) {
         case Shape::days:
-            if (const auto date = takeDay(line))
+            if (const auto date = takeDay(line)) {
                 value = *date;
-            else
+            } else {
                 return trim(line.value).empty();
+            }
             break;
         case Shape::addresses:
             value = readAddress(line);
@@ -324,16 +360,18 @@ class CardReader {
             if (equalsIgnoringCase(line.param("VALUE"), "uri") ||
                 line.value.find("://") != std::string::npos ||
                 equalsIgnoringCase(schemeOf(line.value), "urn") ||
-                equalsIgnoringCase(schemeOf(line.value), "mailto"))
+                equalsIgnoringCase(schemeOf(line.value), "mailto")) {
                 return false;
+            }
             fallback = takeRelation(line);
             value = takeText(rule, line);
             break;
         default:
             value = takeText(rule, line);
         }
-        if (value.empty())
+        if (value.empty()) {
             return true;
+        }
         addEntry(property, std::move(fallback), std::move(value), line);
         return true;
     }
@@ -353,22 +391,26 @@ class CardReader {
 
     void addEntry(std::string_view property, std::string fallback, Value value, ContentLine& line) {
         Value& slot = card_.values[std::string(property)];
-        if (slot.empty())
+        if (slot.empty()) {
             slot = MultiValue();
+        }
         std::vector<Entry>& entries = slot.as<MultiValue>()->entries;
 
         // Programs write a messaging name under several properties for the sake of older readers.
-        for (const Addition& each : additions_)
+        for (const Addition& each : additions_) {
             if (each.messaging && each.property == property && each.source != line.key &&
-                entries[each.entry].value == value)
+                entries[each.entry].value == value) {
                 return;
+            }
+        }
 
         Addition addition{property, entries.size(), kNotPreferred, line.group, line.key, {}};
         addition.messaging = isMessaging(property);
         const auto found = labels_.find(upperCase(line.group));
         const bool labelled = found != labels_.end() && !line.group.empty() && !found->second.text.empty();
-        if (labelled)
+        if (labelled) {
             found->second.used = true;
+        }
         std::string label = takeLabel(line, labelled ? found->second.text : std::string(), addition);
         entries.push_back(
             {newUuid(), label.empty() ? std::move(fallback) : std::move(label), std::move(value)});
@@ -378,10 +420,12 @@ class CardReader {
     // The end: what only the whole card tells.
 
     std::string finishGroup() {
-        if (!isSet(property::kGroupName) && !names_.empty())
+        if (!isSet(property::kGroupName) && !names_.empty()) {
             setText(property::kGroupName, names_[0].empty() && names_.size() > 1 ? names_[1] : names_[0]);
-        if (!isSet(property::kGroupName))
+        }
+        if (!isSet(property::kGroupName)) {
             return "the group has no name";
+        }
         finishUid();
         keepUnknown({});
         return {};
@@ -389,14 +433,17 @@ class CardReader {
 
     std::string finishPerson() {
         finishName();
-        if (card_.values.size() == (isSet(property::kPersonFlags) ? 1 : 0))
+        if (card_.values.size() == (isSet(property::kPersonFlags) ? 1 : 0)) {
             return lines_.empty() ? "the card is empty" : "the card has nothing that an address book shows";
+        }
         setPrimaries(additions_, card_);
         finishUid();
         std::set<std::string> groups;
-        for (const ContentLine* line : unknown_)
-            if (!line->group.empty() && !isUsedLabel(*line))
+        for (const ContentLine* line : unknown_) {
+            if (!line->group.empty() && !isUsedLabel(*line)) {
                 groups.insert(upperCase(line->group));
+            }
+        }
         keepUnknown(additionLines(additions_, card_, groups, groupNames_));
         return {};
     }
@@ -405,24 +452,28 @@ class CardReader {
         const bool named =
             std::any_of(names_.begin(), names_.end(), [](const auto& part) { return !part.empty(); });
         if (!named && !fullName_.empty()) {
-            if (fullName_ == text(property::kOrganization))
+            if (fullName_ == text(property::kOrganization)) {
                 company_ = company_.value_or(true);
-            else if (!isSaidElsewhere(fullName_))
+            } else if (!isSaidElsewhere(fullName_)) {
                 splitFullName();
+            }
         }
-        if (const int flags = (company_.value_or(false) ? 1 : 0) | order_)
+        if (const int flags = (company_.value_or(false) ? 1 : 0) | order_) {
             card_.values[std::string(property::kPersonFlags)] = std::int64_t{flags};
+        }
     }
 
     // Whether a card without a name shows this text as its name, for want of one.
     bool isSaidElsewhere(const std::string& name) const {
-        if (text(property::kNickname) == name)
+        if (text(property::kNickname) == name) {
             return true;
+        }
         for (const std::string_view property : {property::kEmail, property::kPhone}) {
             const auto found = card_.values.find(std::string(property));
             const auto* list = found == card_.values.end() ? nullptr : found->second.as<MultiValue>();
-            if (list && !list->entries.empty() && list->entries.front().value == Value(name))
+            if (list && !list->entries.empty() && list->entries.front().value == Value(name)) {
                 return true;
+            }
         }
         return false;
     }
@@ -442,13 +493,15 @@ class CardReader {
         std::string uuid = abUuid_;
         if (!uid_.empty()) {
             const std::string other = uuidOf(uid_);
-            if (uuid.empty())
+            if (uuid.empty()) {
                 uuid = other;
-            else if (uuid != other)
+            } else if (uuid != other) {
                 card_.otherUuid = other;
+            }
         }
-        if (uuid.empty())
+        if (uuid.empty()) {
             return;
+        }
         card_.uid = uuid + (card_.kind == Kind::group ? ":ABGroup" : ":ABPerson");
         keepUid_ = keepUid_ || (!uid_.empty() && uid_ != uuid);
     }
@@ -459,18 +512,22 @@ class CardReader {
     }
 
     void keepUnknown(std::vector<std::string> lines) {
-        if (keepUid_)
+        if (keepUid_) {
             lines.push_back("UID:" + escape(uid_));
-        for (ContentLine* line : unknown_)
+        }
+        for (ContentLine* line : unknown_) {
             if (!isUsedLabel(*line)) {
                 line->group = groupNames_.renamed(line->group);
                 lines.push_back(render(*line));
             }
-        if (lines.empty())
+        }
+        if (lines.empty()) {
             return;
+        }
         Array array;
-        for (std::string& line : lines)
+        for (std::string& line : lines) {
             array.emplace_back(std::move(line));
+        }
         card_.values[std::string(property::kUnknownLines)] = std::move(array);
     }
 
@@ -498,8 +555,9 @@ std::variant<Card, Problem> readCard(std::vector<ContentLine> lines, std::size_t
     card.line = line;
     CardReader reader(lines, card);
     std::string reason = reader.run();
-    if (!reason.empty())
+    if (!reason.empty()) {
         return Problem{number, reader.line(), std::move(reason)};
+    }
     return card;
 }
 

@@ -16,8 +16,9 @@ namespace {
 std::string excerpt(std::string_view text) {
     constexpr std::size_t kMost = 40;
     std::string plain;
-    for (const char byte : text.substr(0, kMost))
+    for (const char byte : text.substr(0, kMost)) {
         plain += byte >= ' ' && byte < 0x7F ? byte : '?';
+    }
     return '"' + plain + (text.size() > kMost ? "...\"" : "\"");
 }
 
@@ -33,8 +34,9 @@ bool endsWithBackslash(std::string_view text) {
 
 // Properties whose text programs break into lines without folding them.
 bool takesLooseLines(const ContentLine& line) {
-    if (line.transfer == Transfer::base64)
+    if (line.transfer == Transfer::base64) {
         return false;
+    }
     return line.key == "NOTE" || line.key == "LABEL" || endsWithBackslash(line.value);
 }
 
@@ -70,22 +72,25 @@ std::optional<Problem> Reader::Impl::skipToBegin() {
             atBegin = true;
         } else if (!stray && !current.text.starts_with('#')) {
             stray = Problem{++number, current.number, {}};
-            if (isEnd(current.text))
+            if (isEnd(current.text)) {
                 stray->reason = "END:VCARD without BEGIN:VCARD";
-            else if (isBinary(current.text))
+            } else if (isBinary(current.text)) {
                 stray->reason = "binary data, no vCard";
-            else
+            } else {
                 stray->reason = "no vCard begins here: " + excerpt(current.text);
+            }
         }
     }
     return stray;
 }
 
 std::optional<std::variant<Card, Problem>> Reader::Impl::next() {
-    if (auto stray = skipToBegin())
+    if (auto stray = skipToBegin()) {
         return *std::move(stray);
-    if (!atBegin)
+    }
+    if (!atBegin) {
         return std::nullopt;
+    }
     atBegin = false;
     ++number;
     begin = current.number;
@@ -100,31 +105,37 @@ std::optional<std::variant<Card, Problem>> Reader::Impl::next() {
 std::variant<Card, Problem> Reader::Impl::readBody() {
     while (lines.next(current)) {
         if (isEnd(current.text)) {
-            if (problem)
+            if (problem) {
                 return *std::move(problem);
+            }
             auto card = readCard(std::move(content), number, begin);
-            if (auto* read = std::get_if<Card>(&card))
+            if (auto* read = std::get_if<Card>(&card)) {
                 read->skipped.insert(read->skipped.begin(), skipped.begin(), skipped.end());
+            }
             return card;
         }
         if (isBegin(current.text)) {
             ContentLine* last = content.empty() ? nullptr : &content.back();
             if (last && last->key == "AGENT" && trim(last->value).empty() && !problem) {
-                if (readNested(*last))
+                if (readNested(*last)) {
                     continue;
+                }
                 break;
             }
             atBegin = true;
-            if (problem)
+            if (problem) {
                 return *std::move(problem);
+            }
             return Problem{number, begin,
                            "no END:VCARD before the BEGIN:VCARD in line " + std::to_string(current.number)};
         }
-        if (!problem)
+        if (!problem) {
             take(current);
+        }
     }
-    if (problem)
+    if (problem) {
         return *std::move(problem);
+    }
     return Problem{number, begin, "the file ends before the card's END:VCARD"};
 }
 
@@ -132,12 +143,13 @@ std::variant<Card, Problem> Reader::Impl::readBody() {
 void Reader::Impl::take(PropertyLine& line) {
     size += line.text.size();
     std::string reason;
-    if (line.tooLong || size > kMaxCardBytes)
+    if (line.tooLong || size > kMaxCardBytes) {
         reason = "the card is larger than " + std::to_string(kMaxCardBytes / 1024 / 1024) + " MB";
-    else if (content.size() >= kMaxCardLines)
+    } else if (content.size() >= kMaxCardLines) {
         reason = "the card has more than " + std::to_string(kMaxCardLines) + " properties";
-    else if (isBinary(line.text))
+    } else if (isBinary(line.text)) {
         reason = "binary data inside the card";
+    }
     if (!reason.empty()) {
         problem = Problem{number, line.number, std::move(reason)};
         content.clear();
@@ -145,15 +157,17 @@ void Reader::Impl::take(PropertyLine& line) {
     }
     auto parsed = line.continued ? std::nullopt : parseContentLine(line);
     if (!parsed) {
-        if (line.text.starts_with('#'))
+        if (line.text.starts_with('#')) {
             return;
+        }
         if (content.empty() || !takesLooseLines(content.back())) {
             skipped.push_back({number, line.number, "no property: " + excerpt(line.text)});
             return;
         }
         std::string& value = content.back().value;
-        if (endsWithBackslash(value))
+        if (endsWithBackslash(value)) {
             value.pop_back();
+        }
         value += "\\n" + (line.utf8 ? line.text : toUtf8(line.text, {}));
         return;
     }
@@ -164,8 +178,9 @@ void Reader::Impl::take(PropertyLine& line) {
     }
     content.push_back(*std::move(parsed));
     ContentLine& last = content.back();
-    if (last.key == "AGENT" && isBegin(last.value) && !readNested(last))
+    if (last.key == "AGENT" && isBegin(last.value) && !readNested(last)) {
         problem = Problem{number, begin, "the file ends before the card's END:VCARD"};
+    }
 }
 
 // The lines of a card inside the card become the value of its AGENT property; false when the file ends first.
@@ -173,8 +188,9 @@ bool Reader::Impl::readNested(ContentLine& agent) {
     agent.value = "BEGIN:VCARD";
     int depth = 1;
     while (depth > 0) {
-        if (!lines.next(current))
+        if (!lines.next(current)) {
             return false;
+        }
         depth += isBegin(current.text) ? 1 : isEnd(current.text) ? -1 : 0;
         size += current.text.size();
         if (current.tooLong || size > kMaxCardBytes || isBinary(current.text)) {
@@ -182,8 +198,9 @@ bool Reader::Impl::readNested(ContentLine& agent) {
             size = 0;
             agent.value.clear();
         }
-        if (!problem)
+        if (!problem) {
             agent.value += "\\n" + escape(current.utf8 ? current.text : toUtf8(current.text, {}));
+        }
     }
     return true;
 }

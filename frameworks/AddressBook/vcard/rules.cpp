@@ -90,10 +90,13 @@ constexpr std::array kServices{
 };
 
 constexpr bool namesAreUnique() {
-    for (std::size_t at = 0; at < kRules.size(); ++at)
-        for (std::size_t other = at + 1; other < kRules.size(); ++other)
-            if (kRules[at].name == kRules[other].name)
+    for (std::size_t at = 0; at < kRules.size(); ++at) {
+        for (std::size_t other = at + 1; other < kRules.size(); ++other) {
+            if (kRules[at].name == kRules[other].name) {
                 return false;
+            }
+        }
+    }
     return true;
 }
 static_assert(namesAreUnique());
@@ -107,8 +110,9 @@ std::span<const Rule> rules() {
 const Rule* ruleFor(std::string_view upperName) {
     static const auto kByName = [] {
         std::unordered_map<std::string_view, const Rule*> byName;
-        for (const Rule& rule : kRules)
+        for (const Rule& rule : kRules) {
             byName.emplace(rule.name, &rule);
+        }
         return byName;
     }();
     const auto found = kByName.find(upperName);

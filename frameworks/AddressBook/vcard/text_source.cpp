@@ -19,8 +19,9 @@ bool isLetter(char byte, char upper) {
 // Whether [count] unread bytes are there, reading more if need be.
 bool TextSource::have(std::size_t count) {
     while (window_.size() < count) {
-        if (!input_ || !*input_)
+        if (!input_ || !*input_) {
             return false;
+        }
         buffer_.erase(0, buffer_.size() - window_.size());
         const std::size_t kept = buffer_.size();
         buffer_.resize(kept + kChunk);
@@ -62,13 +63,14 @@ void TextSource::sniff() {
         consume(2);
         encoding_ = Encoding::utf16LittleEndian;
     } else if (have(4)) {
-        if (startsUtf16(true))
+        if (startsUtf16(true)) {
             encoding_ = Encoding::utf16BigEndian;
-        else if (startsUtf16(false))
+        } else if (startsUtf16(false)) {
             encoding_ = Encoding::utf16LittleEndian;
-        else if (encoding_ != Encoding::bytes && isLetter(window_[0], 'B') && isLetter(window_[1], 'E') &&
-                 isLetter(window_[2], 'G') && isLetter(window_[3], 'I'))
+        } else if (encoding_ != Encoding::bytes && isLetter(window_[0], 'B') && isLetter(window_[1], 'E') &&
+                   isLetter(window_[2], 'G') && isLetter(window_[3], 'I')) {
             encoding_ = Encoding::bytes;
+        }
     }
 }
 
@@ -82,30 +84,34 @@ bool TextSource::next(TextLine& line) {
         return false;
     }
     line.number = ++lines_;
-    if (line.utf8)
+    if (line.utf8) {
         readUtf16(line);
-    else
+    } else {
         readBytes(line);
+    }
     return true;
 }
 
 void TextSource::readBytes(TextLine& line) {
     while (have(1)) {
         std::size_t length = 0;
-        while (length < window_.size() && window_[length] != '\n' && window_[length] != '\r')
+        while (length < window_.size() && window_[length] != '\n' && window_[length] != '\r') {
             ++length;
+        }
         const bool ended = length < window_.size();
         line.text.append(window_.substr(0, std::min(length, kMaxCardBytes - line.text.size())));
         line.tooLong = line.tooLong || line.text.size() == kMaxCardBytes;
         consume(length);
-        if (!ended)
+        if (!ended) {
             continue;
-        if (have(2) && window_.starts_with("\r\n"))
+        }
+        if (have(2) && window_.starts_with("\r\n")) {
             consume(2);
-        else if (have(3) && window_.starts_with("\r\r\n"))
+        } else if (have(3) && window_.starts_with("\r\r\n")) {
             consume(3);
-        else
+        } else {
             consume(1);
+        }
         return;
     }
 }
@@ -116,18 +122,20 @@ void TextSource::readUtf16(TextLine& line) {
         const char16_t first = unit(0);
         if (first == u'\n' || first == u'\r') {
             std::size_t length = 1;
-            if (first == u'\r' && have(4) && unit(1) == u'\n')
+            if (first == u'\r' && have(4) && unit(1) == u'\n') {
                 length = 2;
-            else if (first == u'\r' && have(6) && unit(1) == u'\r' && unit(2) == u'\n')
+            } else if (first == u'\r' && have(6) && unit(1) == u'\r' && unit(2) == u'\n') {
                 length = 3;
+            }
             consume(2 * length);
             break;
         }
         consume(2);
-        if (units.size() < kMaxCardBytes / 3)
+        if (units.size() < kMaxCardBytes / 3) {
             units.push_back(first);
-        else
+        } else {
             line.tooLong = true;
+        }
     }
     line.text = utf8FromUtf16(units);
 }

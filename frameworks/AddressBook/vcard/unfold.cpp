@@ -12,15 +12,17 @@ bool isBlankByte(char byte) {
 }
 
 std::string_view withoutTrailingBlanks(std::string_view text) {
-    while (!text.empty() && isBlankByte(text.back()))
+    while (!text.empty() && isBlankByte(text.back())) {
         text.remove_suffix(1);
+    }
     return text;
 }
 
 bool isMarker(std::string_view line, std::string_view keyword) {
     line = trim(line);
-    if (line.size() > 64 || line.size() <= keyword.size() || line[keyword.size()] != ':')
+    if (line.size() > 64 || line.size() <= keyword.size() || line[keyword.size()] != ':') {
         return false;
+    }
     return equalsIgnoringCase(line.substr(0, keyword.size()), keyword) &&
            equalsIgnoringCase(trim(line.substr(keyword.size() + 1)), "VCARD");
 }
@@ -38,17 +40,19 @@ std::size_t headerEnd(std::string_view line) {
     line = line.substr(0, kMaxHeader);
     bool quoted = false;
     for (std::size_t at = 0; at < line.size(); ++at) {
-        if (line[at] == '"')
+        if (line[at] == '"') {
             quoted = !quoted;
-        else if (line[at] == ':' && !quoted)
+        } else if (line[at] == ':' && !quoted) {
             return at;
+        }
     }
     return quoted ? line.find(':') : std::string_view::npos; // version 2.1 knows no quotes
 }
 
 Transfer declaredTransfer(std::string_view header) {
-    if (header.find(';') == std::string_view::npos)
+    if (header.find(';') == std::string_view::npos) {
         return Transfer::none;
+    }
     for (const std::string_view part : splitQuoted(header, ';')) {
         std::string encoding = upperCase(trim(part));
         if (encoding.starts_with("ENCODING=")) {
@@ -57,10 +61,12 @@ Transfer declaredTransfer(std::string_view header) {
         } else if (encoding == "B") {
             continue; // alone it may be any TYPE
         }
-        if (encoding == "QUOTED-PRINTABLE")
+        if (encoding == "QUOTED-PRINTABLE") {
             return Transfer::quotedPrintable;
-        if (encoding == "BASE64" || encoding == "B")
+        }
+        if (encoding == "BASE64" || encoding == "B") {
             return Transfer::base64;
+        }
     }
     return Transfer::none;
 }
@@ -74,24 +80,28 @@ bool isEnd(std::string_view line) {
 
 // Makes the next line of the file the one ahead; false at the end.
 bool LineReader::peek() {
-    if (!hasAhead_)
+    if (!hasAhead_) {
         hasAhead_ = source_.next(ahead_);
+    }
     return hasAhead_;
 }
 
 // Whether the line ahead belongs to a line of that encoding, apart from soft line breaks.
 bool LineReader::joins(Transfer transfer) const {
-    if (ahead_.text.empty())
+    if (ahead_.text.empty()) {
         return false;
-    if (isBlankByte(ahead_.text.front()))
+    }
+    if (isBlankByte(ahead_.text.front())) {
         return true;
+    }
     return transfer == Transfer::base64 && isBareBase64(ahead_.text);
 }
 
 bool LineReader::next(PropertyLine& line) {
     do {
-        if (!peek())
+        if (!peek()) {
             return false;
+        }
         hasAhead_ = false;
         last_ = ahead_.number;
     } while (!ahead_.tooLong && trim(ahead_.text).empty());
@@ -105,41 +115,47 @@ bool LineReader::next(PropertyLine& line) {
 
     std::size_t colon = headerEnd(line.text);
     Transfer transfer = Transfer::none;
-    if (colon != std::string::npos)
+    if (colon != std::string::npos) {
         transfer = declaredTransfer(std::string_view(line.text).substr(0, colon));
+    }
     while (peek()) {
         std::string_view more = ahead_.text;
         const std::string_view trimmed = withoutTrailingBlanks(line.text);
         if (transfer == Transfer::quotedPrintable && trimmed.ends_with('=') && trimmed.size() > colon + 1) {
             line.text.resize(trimmed.size() - 1);
-            if (isEnd(more) || isBegin(more))
+            if (isEnd(more) || isBegin(more)) {
                 break; // a soft break with nothing behind it
+            }
         } else if (joins(transfer)) {
             // Version 2.1 folds before white space that belongs to the text, the others add one character.
-            if (!version21_ && isBlankByte(more.front()))
+            if (!version21_ && isBlankByte(more.front())) {
                 more.remove_prefix(1);
+            }
         } else {
             break;
         }
-        if (ahead_.tooLong || line.text.size() + more.size() > kMaxCardBytes)
+        if (ahead_.tooLong || line.text.size() + more.size() > kMaxCardBytes) {
             line.tooLong = true;
-        else
+        } else {
             line.text.append(more);
+        }
         last_ = ahead_.number;
         hasAhead_ = false;
         ++line.physical;
         if (colon == std::string::npos && line.text.size() < kMaxHeader &&
             more.find_first_of(":\"") != std::string_view::npos) {
             colon = headerEnd(line.text);
-            if (colon != std::string::npos)
+            if (colon != std::string::npos) {
                 transfer = declaredTransfer(std::string_view(line.text).substr(0, colon));
+            }
         }
     }
-    if (isBegin(line.text))
+    if (isBegin(line.text)) {
         version21_ = false;
-    else if (line.text.size() < 32 && upperCase(line.text).starts_with("VERSION:") &&
-             trim(std::string_view(line.text).substr(8)) == "2.1")
+    } else if (line.text.size() < 32 && upperCase(line.text).starts_with("VERSION:") &&
+               trim(std::string_view(line.text).substr(8)) == "2.1") {
         version21_ = true;
+    }
     return true;
 }
 

@@ -22,15 +22,18 @@ std::uint32_t number(std::span<const unsigned char> bytes, std::size_t at) {
 } // namespace
 
 std::optional<std::vector<unsigned char>> upsideDown(std::span<const unsigned char> file) {
-    if (file.size() < kHeaderSize + kInfoHeaderSize || number(file, kHeaderSize) < kInfoHeaderSize)
+    if (file.size() < kHeaderSize + kInfoHeaderSize || number(file, kHeaderSize) < kInfoHeaderSize) {
         return std::nullopt;
+    }
     const std::uint32_t height = number(file, kHeight);
     const std::uint32_t compression = number(file, kCompression);
-    if (height <= INT32_MAX || (compression != kMasks && compression != kMasksWithAlpha))
+    if (height <= INT32_MAX || (compression != kMasks && compression != kMasksWithAlpha)) {
         return std::nullopt;
+    }
     std::vector<unsigned char> copy(file.begin(), file.end());
-    for (unsigned i = 0; i < 4; ++i)
+    for (unsigned i = 0; i < 4; ++i) {
         copy[kHeight + i] = static_cast<unsigned char>(-height >> 8 * i);
+    }
     return copy;
 }
 

@@ -27,9 +27,11 @@ constexpr Signature kSignatures[] = {
 
 std::optional<Format> formatOf(std::span<const unsigned char> file) {
     const std::string_view bytes(reinterpret_cast<const char*>(file.data()), file.size());
-    for (const Signature& signature : kSignatures)
-        if (bytes.starts_with(signature.start))
+    for (const Signature& signature : kSignatures) {
+        if (bytes.starts_with(signature.start)) {
             return signature.format;
+        }
+    }
     return std::nullopt;
 }
 
@@ -41,11 +43,13 @@ ImageHolder read(std::span<const unsigned char> file, Format format) {
     Report report;
     ImageHolder image(BlobToImage(info.get(), file.data(), file.size(), report.get()));
     // A JPEG that stops short is only a warning, as is what the decoder could mend.
-    if (!image || report.failed() || std::strstr(report.reason(), "Premature end") != nullptr)
+    if (!image || report.failed() || std::strstr(report.reason(), "Premature end") != nullptr) {
         return nullptr;
+    }
     if (image->colorspace != RGBColorspace && !IsRGBCompatibleColorspace(image->colorspace) &&
-        TransformColorspace(image.get(), RGBColorspace) == MagickFail)
+        TransformColorspace(image.get(), RGBColorspace) == MagickFail) {
         return nullptr;
+    }
     return image;
 }
 
@@ -88,8 +92,9 @@ void turn(Placement& placement, OrientationType orientation) {
         placement.turned = placement.mirroredDown = true;
         break;
     }
-    if (placement.turned)
+    if (placement.turned) {
         std::swap(placement.width, placement.height);
+    }
 }
 
 // A GIF's frame stands somewhere on its screen; nothing when that is too large.
@@ -104,8 +109,9 @@ std::optional<Placement> placementOf(const Image& image, Format format) {
         width = std::max<std::uint64_t>(image.page.width, left + width);
         height = std::max<std::uint64_t>(image.page.height, top + height);
     }
-    if (width == 0 || height == 0 || width > kMaxSide || height > kMaxSide || width * height > kMaxPixels)
+    if (width == 0 || height == 0 || width > kMaxSide || height > kMaxSide || width * height > kMaxPixels) {
         return std::nullopt;
+    }
     Placement placement;
     placement.left = static_cast<std::uint32_t>(left);
     placement.top = static_cast<std::uint32_t>(top);
@@ -117,14 +123,16 @@ std::optional<Placement> placementOf(const Image& image, Format format) {
 template <typename Sample>
 void store(const PixelPacket& pixel, unsigned samplesPerPixel, unsigned char* to) {
     const auto sample = [](Quantum quantum) {
-        if constexpr (sizeof(Sample) == 1)
+        if constexpr (sizeof(Sample) == 1) {
             return static_cast<Sample>(ScaleQuantumToChar(quantum));
-        else
+        } else {
             return static_cast<Sample>(ScaleQuantumToShort(quantum));
+        }
     };
     Sample samples[4] = {sample(pixel.red), sample(pixel.green), sample(pixel.blue)};
-    if (samplesPerPixel % 2 == 0)
+    if (samplesPerPixel % 2 == 0) {
         samples[samplesPerPixel - 1] = sample(MaxRGB - pixel.opacity);
+    }
     std::memcpy(to, samples, samplesPerPixel * sizeof(Sample));
 }
 
@@ -145,20 +153,25 @@ std::optional<Picture> pictureFrom(const Image& image, const Placement& placemen
     for (std::uint32_t y = 0; y < image.rows; ++y) {
         const PixelPacket* row =
             AcquireImagePixels(&image, 0, static_cast<long>(y), image.columns, 1, report.get());
-        if (row == nullptr)
+        if (row == nullptr) {
             return std::nullopt;
+        }
         for (std::uint32_t x = 0; x < image.columns; ++x) {
             std::uint32_t across = x + placement.left;
             std::uint32_t down = y + placement.top;
-            if (placement.turned)
+            if (placement.turned) {
                 std::swap(across, down);
-            if (placement.mirroredAcross)
+            }
+            if (placement.mirroredAcross) {
                 across = placement.width - 1 - across;
-            if (placement.mirroredDown)
+            }
+            if (placement.mirroredDown) {
                 down = placement.height - 1 - down;
+            }
             PixelPacket pixel = row[x];
-            if (opaque)
+            if (opaque) {
                 pixel.opacity = OpaqueOpacity;
+            }
             storePixel(pixel, picture.samplesPerPixel,
                        &picture.samples[down * picture.bytesPerRow() + across * picture.bytesPerPixel()]);
         }
@@ -170,20 +183,24 @@ std::optional<Picture> pictureFrom(const Image& image, const Placement& placemen
 
 std::optional<Picture> decode(std::span<const unsigned char> file, Orientation orientation) {
     const std::optional<Format> format = formatOf(file);
-    if (!format)
+    if (!format) {
         return std::nullopt;
+    }
     startLibrary();
     const auto copy = *format == Format::bmp ? upsideDown(file) : std::nullopt;
     const ImageHolder image = read(copy ? *copy : file, *format);
-    if (!image)
+    if (!image) {
         return std::nullopt;
+    }
     std::optional<Placement> placement = placementOf(*image, *format);
-    if (!placement)
+    if (!placement) {
         return std::nullopt;
-    if (copy)
+    }
+    if (copy) {
         turn(*placement, BottomLeftOrientation);
-    else if (orientation == Orientation::upright)
+    } else if (orientation == Orientation::upright) {
         turn(*placement, image->orientation);
+    }
     return pictureFrom(*image, *placement);
 }
 

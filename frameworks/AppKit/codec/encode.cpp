@@ -31,13 +31,15 @@ Pixel pixelAt(const unsigned char* from, unsigned samplesPerPixel) {
 
 // What a format without (full) transparency makes of a pixel.
 void fit(Pixel& pixel, Format format) {
-    if (pixel.alpha == kOpaque)
+    if (pixel.alpha == kOpaque) {
         return;
+    }
     if (format == Format::gif) {
-        if (pixel.alpha * 2 < kOpaque)
+        if (pixel.alpha * 2 < kOpaque) {
             pixel = {0, 0, 0, 0};
-        else
+        } else {
             pixel.alpha = kOpaque;
+        }
     } else if (format == Format::jpeg) {
         const auto onWhite = [&](unsigned sample) {
             return kOpaque - (kOpaque - sample) * pixel.alpha / kOpaque;
@@ -58,8 +60,9 @@ ImageHolder imageFrom(const Picture& picture, Format format, const ImageInfo* in
     bool transparent = false;
     for (std::uint32_t y = 0; y < picture.height; ++y) {
         PixelPacket* row = SetImagePixels(image.get(), 0, static_cast<long>(y), picture.width, 1);
-        if (row == nullptr)
+        if (row == nullptr) {
             return nullptr;
+        }
         for (std::uint32_t x = 0; x < picture.width; ++x, from += picture.bytesPerPixel()) {
             Pixel pixel = pixelFrom(from, picture.samplesPerPixel);
             fit(pixel, format);
@@ -69,8 +72,9 @@ ImageHolder imageFrom(const Picture& picture, Format format, const ImageInfo* in
             row[x].blue = ScaleShortToQuantum(pixel.blue);
             row[x].opacity = ScaleShortToQuantum(kOpaque - pixel.alpha);
         }
-        if (SyncImagePixels(image.get()) == MagickFail)
+        if (SyncImagePixels(image.get()) == MagickFail) {
             return nullptr;
+        }
     }
     // PNG and BMP keep alpha where there is some to keep, even if no pixel makes use of it.
     const bool keepsAlpha = format == Format::png || format == Format::bmp;
@@ -81,26 +85,31 @@ ImageHolder imageFrom(const Picture& picture, Format format, const ImageInfo* in
 } // namespace
 
 std::vector<unsigned char> encode(const Picture& picture, Format format, double quality) {
-    if (picture.width == 0 || picture.height == 0)
+    if (picture.width == 0 || picture.height == 0) {
         return {};
+    }
     startLibrary();
     const ImageInfoHolder info = optionsFor(format);
-    if (format == Format::jpeg)
+    if (format == Format::jpeg) {
         info->quality =
             static_cast<unsigned long>(std::lround(100 * (quality > 0 ? std::min(quality, 1.0) : 0)));
+    }
     // The library writes what is grey as RGB unless it is told. In a BMP it would make a palette of it.
-    if (picture.samplesPerPixel < 3 && format != Format::bmp)
+    if (picture.samplesPerPixel < 3 && format != Format::bmp) {
         info->type = picture.hasAlpha() && format == Format::png ? GrayscaleMatteType : GrayscaleType;
+    }
     ImageHolder image = imageFrom(picture, format, info.get());
-    if (!image)
+    if (!image) {
         return {};
+    }
     std::memcpy(image->magick, info->magick, sizeof image->magick);
     std::memcpy(image->filename, info->filename, sizeof image->filename);
     Report report;
     std::size_t length = 0;
     const BlobHolder blob(ImageToBlob(info.get(), image.get(), &length, report.get()));
-    if (!blob || report.failed())
+    if (!blob || report.failed()) {
         return {};
+    }
     image.reset();
     const auto* bytes = static_cast<const unsigned char*>(blob.get());
     return {bytes, bytes + length};

@@ -82,9 +82,10 @@ double qualityFrom(NSDictionary* properties) {
 
 - (NSBitmapFormat)bitmapFormat {
     NSBitmapFormat format = _alpha ? NSBitmapFormatAlphaNonpremultiplied : 0;
-    if (_bitsPerSample == 16)
+    if (_bitsPerSample == 16) {
         format |= std::endian::native == std::endian::little ? NSBitmapFormatSixteenBitLittleEndian
                                                              : NSBitmapFormatSixteenBitBigEndian;
+    }
     return format;
 }
 
@@ -94,8 +95,9 @@ double qualityFrom(NSDictionary* properties) {
 
 - (NSData*)representationUsingType:(NSBitmapImageFileType)type properties:(NSDictionary*)properties {
     const std::optional<Format> format = formatOf(type);
-    if (!format || !_picture || !codec())
+    if (!format || !_picture || !codec()) {
         return nil;
+    }
     const auto file = codec()->encode(*pictureIn(_picture), *format, qualityFrom(properties));
     return file.empty() ? nil : [NSData dataWithBytes:file.data() length:file.size()];
 }
@@ -105,8 +107,9 @@ double qualityFrom(NSDictionary* properties) {
 @implementation NSBitmapImageRep (Reading)
 
 - (id)initWithData:(NSData*)data orientation:(Orientation)orientation {
-    if ((self = [super init]) == nil)
+    if ((self = [super init]) == nil) {
         return nil;
+    }
     const std::span bytes(static_cast<const unsigned char*>([data bytes]), [data length]);
     auto picture = codec() ? codec()->decode(bytes, orientation) : std::nullopt;
     if (!picture) {

@@ -7,14 +7,16 @@ using namespace appkit;
 @implementation NSImage
 
 - (id)init {
-    if ((self = [super init]) != nil)
+    if ((self = [super init]) != nil) {
         _representations = [[NSArray alloc] init];
+    }
     return self;
 }
 
 - (id)initWithData:(NSData*)data orientation:(Orientation)orientation {
-    if ((self = [super init]) == nil)
+    if ((self = [super init]) == nil) {
         return nil;
+    }
     NSBitmapImageRep* bitmap = [[NSBitmapImageRep alloc] initWithData:data orientation:orientation];
     if (bitmap == nil) {
         [self release];

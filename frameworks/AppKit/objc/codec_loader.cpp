@@ -11,13 +11,15 @@ namespace {
 // It stands beside this library. The place is found by hand, since a sanitizer's dlopen() knows no run path.
 const Codec* load() {
     Dl_info self = {};
-    if (::dladdr(reinterpret_cast<const void*>(&codec), &self) == 0 || self.dli_fname == nullptr)
+    if (::dladdr(reinterpret_cast<const void*>(&codec), &self) == 0 || self.dli_fname == nullptr) {
         return nullptr;
+    }
     const std::filesystem::path file = std::filesystem::path(self.dli_fname).replace_filename(kCodecLibrary);
     void* library = ::dlopen(file.c_str(), RTLD_NOW | RTLD_LOCAL);
     void* table = library ? ::dlsym(library, kCodecSymbol) : nullptr;
-    if (table == nullptr)
+    if (table == nullptr) {
         std::fprintf(stderr, "Pictures cannot be read or written: %s\n", ::dlerror());
+    }
     return static_cast<const Codec*>(table);
 }
 

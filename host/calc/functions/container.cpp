@@ -21,7 +21,7 @@ Value md5(const Container& container) {
     return bytes ? Value::text(hexadecimal(*bytes)) : Value();
 }
 
-Value side(const Container& in, int64_t std::pair<int64_t, int64_t>::*which) {
+Value side(const Container& in, int64_t std::pair<int64_t, int64_t>::* which) {
     const auto sides = pictureSides(in);
     return sides ? integerValue((*sides).*which) : Value();
 }

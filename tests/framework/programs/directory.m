@@ -20,8 +20,9 @@ static ABGroup* clubIn(ABAddressBook* book) {
                                                          value:@"Club"
                                                     comparison:kABEqual];
     NSArray* found = [book recordsMatchingSearchElement:named];
-    if ([found count] > 0)
+    if ([found count] > 0) {
         return [found objectAtIndex:0];
+    }
     ABGroup* club = [[[ABGroup alloc] init] autorelease];
     [club setValue:@"Club" forProperty:kABGroupNameProperty];
     [book addRecord:club];
@@ -33,9 +34,10 @@ static NSString* described(ABPerson* person) {
         [NSMutableString stringWithFormat:@"%@, %@", [person valueForKey:kABLastNameProperty],
                                           [person valueForKey:kABFirstNameProperty]];
     ABMultiValue* phones = [person valueForProperty:kABPhoneProperty];
-    for (NSUInteger i = 0; i < [phones count]; i++)
+    for (NSUInteger i = 0; i < [phones count]; i++) {
         [line appendFormat:@"; %@: %@", ABLocalizedPropertyOrLabel([phones labelAtIndex:i]),
                            [phones valueAtIndex:i]];
+    }
     ABMultiValue* mails = [person valueForProperty:kABEmailProperty];
     [line appendFormat:@"; %@", [mails valueForIdentifier:[mails primaryIdentifier]]];
     return line;
@@ -70,8 +72,9 @@ static int list(ABAddressBook* book) {
     NSArray* people = [[clubIn(book) members] sortedArrayUsingDescriptors:[NSArray arrayWithObject:byName]];
     NSEnumerator* each = [people objectEnumerator];
     ABPerson* person;
-    while ((person = [each nextObject]) != nil)
+    while ((person = [each nextObject]) != nil) {
         print(described(person));
+    }
     return 0;
 }
 
@@ -89,16 +92,18 @@ static int find(ABAddressBook* book, NSString* text) {
                                              containing(kABEmailProperty, text), nil];
     NSArray* found = [book
         recordsMatchingSearchElement:[ABSearchElement searchElementForConjunction:kABSearchOr children:any]];
-    for (NSUInteger i = 0; i < [found count]; i++)
+    for (NSUInteger i = 0; i < [found count]; i++) {
         print(described([found objectAtIndex:i]));
+    }
     return [found count] > 0 ? 0 : 1;
 }
 
 static int card(ABAddressBook* book, NSString* last) {
     NSPredicate* named = [NSPredicate predicateWithFormat:@"%K == %@", kABLastNameProperty, last];
     NSArray* people = [[book people] filteredArrayUsingPredicate:named];
-    if ([people count] == 0)
+    if ([people count] == 0) {
         return 1;
+    }
     NSData* data = [[people objectAtIndex:0] vCardRepresentation];
     fwrite([data bytes], 1, [data length], stdout);
     return 0;
@@ -107,23 +112,25 @@ static int card(ABAddressBook* book, NSString* last) {
 int main(int argc, const char* argv[]) {
     NSAutoreleasePool* pool = [[NSAutoreleasePool alloc] init];
     NSMutableArray* words = [NSMutableArray array];
-    for (int i = 2; i < argc; i++)
+    for (int i = 2; i < argc; i++) {
         [words addObject:[NSString stringWithUTF8String:argv[i]]];
+    }
     NSString* verb = argc > 1 ? [NSString stringWithUTF8String:argv[1]] : @"";
     ABAddressBook* book = [ABAddressBook sharedAddressBook];
     int result = 2;
-    if (book == nil)
+    if (book == nil) {
         result = 1;
-    else if ([verb isEqualToString:@"add"] && [words count] >= 3)
+    } else if ([verb isEqualToString:@"add"] && [words count] >= 3) {
         result = add(book, words);
-    else if ([verb isEqualToString:@"list"])
+    } else if ([verb isEqualToString:@"list"]) {
         result = list(book);
-    else if ([verb isEqualToString:@"find"] && [words count] == 1)
+    } else if ([verb isEqualToString:@"find"] && [words count] == 1) {
         result = find(book, [words objectAtIndex:0]);
-    else if ([verb isEqualToString:@"card"] && [words count] == 1)
+    } else if ([verb isEqualToString:@"card"] && [words count] == 1) {
         result = card(book, [words objectAtIndex:0]);
-    else
+    } else {
         fprintf(stderr, "usage: directory add|list|find|card ...\n");
+    }
     [pool release];
     return result;
 }

@@ -138,8 +138,8 @@ TEST(ErrorsTest, ReportShowsTheLineAndTheCaret) {
               "    \t* 3\n"
               "    \t^");
     EXPECT_EQ(reportOf("", "\"ä😀\" ?"), "1:6: a calculation has no use for the character \"?\"\n"
-                                        "    \"ä😀\" ?\n"
-                                        "         ^");
+                                         "    \"ä😀\" ?\n"
+                                         "         ^");
 }
 
 TEST(ErrorsTest, ReportCutsLongLinesAroundThePlace) {

@@ -30,7 +30,9 @@ TEST_F(WrapperFailureTest, CanHitALaterCall) {
     const auto text = hostText(u"abc");
     FM_Host_FailNextCall(1, 2);
     EXPECT_EQ(text->GetSize(), 3U);
-    { const fmx::TextUniquePtr made; } // made and deleted: the deletion does not count
+    {
+        const fmx::TextUniquePtr made;
+    } // made and deleted: the deletion does not count
     EXPECT_THROW(text->GetSize(), std::bad_alloc);
     FM_Host_FailNextCall(1, 1);
     FM_Host_FailNextCall(0);

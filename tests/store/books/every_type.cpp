@@ -9,8 +9,9 @@ int main(int, char** arguments) {
     Store store(arguments[1]);
     ChangeSet changes;
     changes.time = Date{700'000'000};
-    for (const auto& [name, type] : test::everyTypeDefinitions())
+    for (const auto& [name, type] : test::everyTypeDefinitions()) {
         changes.definitions.push_back({Kind::person, name, type});
+    }
     auto values = test::everyTypeValues();
     values["Creation"] = Date{600'000'000};
     changes.records.push_back({test::kEveryTypeUid, Kind::person, true, values});

@@ -29,8 +29,9 @@ inline std::map<std::string, Value> everyTypeValues() {
     list.entries.push_back({"own", "mine", std::string(300, 'x')});
     list.primary = "own";
     Value nested = std::int64_t{1};
-    for (int depth = 0; depth < 60; ++depth)
+    for (int depth = 0; depth < 60; ++depth) {
         nested = Array{nested};
+    }
     return {
         {"aText", std::string("a\0b\xED\xA0\xBD", 6)}, // a zero and half a surrogate pair
         {"aWhole", std::numeric_limits<std::int64_t>::min()},

@@ -34,17 +34,20 @@ CopySummary inspect(const StagingFolder& staging, const fs::path& file, const ch
     try {
         const Store store(staging.folder());
         const auto problems = store.check(Store::Depth::records);
-        if (problems.empty())
+        if (problems.empty()) {
             return {store.count(Kind::person), store.count(Kind::group), {}};
+        }
         problem = problems.front();
     } catch (const StoreError& error) {
-        if (error.reason() != Reason::damaged && error.reason() != Reason::notADatabase)
+        if (error.reason() != Reason::damaged && error.reason() != Reason::notADatabase) {
             throw;
+        }
         problem = error.what();
     }
     const std::string draft = staging.file().string();
-    for (std::size_t at; (at = problem.find(draft)) != std::string::npos;)
+    for (std::size_t at; (at = problem.find(draft)) != std::string::npos;) {
         problem.replace(at, draft.size(), file.string());
+    }
     fail(file, std::string("it is damaged and was not copied: ") + remedy + " (" + problem + ")");
 }
 
@@ -56,21 +59,24 @@ void makeStandalone(const fs::path& file) {
         connection.execute("PRAGMA journal_mode = DELETE");
     }
     const int descriptor = open(file.c_str(), O_RDONLY | O_CLOEXEC);
-    if (descriptor < 0 || fsync(descriptor) != 0)
+    if (descriptor < 0 || fsync(descriptor) != 0) {
         fail(file, "cannot write: " + std::generic_category().message(errno));
+    }
     close(descriptor);
 }
 
 // Gives the draft its name.
 void publish(const fs::path& draft, const fs::path& file, Existing existing) {
     if (existing == Existing::replace) {
-        if (std::rename(draft.c_str(), file.c_str()) != 0)
+        if (std::rename(draft.c_str(), file.c_str()) != 0) {
             fail(file, "cannot write: " + std::generic_category().message(errno));
+        }
     } else if (renameat2(AT_FDCWD, draft.c_str(), AT_FDCWD, file.c_str(), RENAME_NOREPLACE) != 0) {
         // A file system that knows no such renaming: there was no file a moment ago.
-        if (errno != EINVAL || std::rename(draft.c_str(), file.c_str()) != 0)
+        if (errno != EINVAL || std::rename(draft.c_str(), file.c_str()) != 0) {
             fail(file, errno == EEXIST ? "there is such a file; --force replaces it"
                                        : "cannot write: " + std::generic_category().message(errno));
+        }
     }
     syncFolder(folderOf(file));
 }
@@ -86,14 +92,18 @@ CopySummary backUp(const fs::path& folder, const fs::path& file, Existing existi
     const Store::Impl book(folder, Store::Access::readOnly, kBusyTimeout);
     std::error_code error;
     const fs::file_status status = fs::symlink_status(file, error);
-    if (isOpenBook(book.db.file(), file))
+    if (isOpenBook(book.db.file(), file)) {
         fail(file, "this is the address book itself; name another file");
-    if (fs::exists(status) && !fs::is_regular_file(status))
+    }
+    if (fs::exists(status) && !fs::is_regular_file(status)) {
         fail(file, "this is no ordinary file; name another");
-    if (fs::exists(status) && existing == Existing::refuse)
+    }
+    if (fs::exists(status) && existing == Existing::refuse) {
         fail(file, "there is such a file; --force replaces it");
-    if (!fs::is_directory(folderOf(file), error))
+    }
+    if (!fs::is_directory(folderOf(file), error)) {
         fail(file, "its folder does not exist; make it, or name another file");
+    }
     const StagingFolder staging(folderOf(file));
     copyDatabase(book.db, staging.file());
     CopySummary summary = inspect(staging, book.db.file(), "addressbook repair rescues what can be read");
@@ -105,12 +115,15 @@ CopySummary backUp(const fs::path& folder, const fs::path& file, Existing existi
 CopySummary restore(const fs::path& folder, const fs::path& file) {
     std::error_code error;
     const fs::file_status status = fs::status(file, error);
-    if (!fs::exists(status))
+    if (!fs::exists(status)) {
         fail(file, "there is no such file");
-    if (!fs::is_regular_file(status) || fs::file_size(file, error) == 0)
+    }
+    if (!fs::is_regular_file(status) || fs::file_size(file, error) == 0) {
         fail(file, "this is no backup of an address book");
-    if (isOpenBook(folder / kFileName, file))
+    }
+    if (isOpenBook(folder / kFileName, file)) {
         fail(file, "this is the address book itself; name its backup");
+    }
     requireFolder(folder, Access::readWrite);
     const StagingFolder staging(folder);
     try {
@@ -118,12 +131,14 @@ CopySummary restore(const fs::path& folder, const fs::path& file) {
         const bool alone = !fs::exists(file.string() + "-wal");
         sql::Connection backup(file, databaseUri(file, alone ? "?immutable=1" : ""),
                                SQLITE_OPEN_READONLY | SQLITE_OPEN_URI, kBusyTimeout);
-        if (schemaVersion(backup) > static_cast<int>(migrations().size()))
+        if (schemaVersion(backup) > static_cast<int>(migrations().size())) {
             fail(file, "it was written by a newer version; install that to restore it");
+        }
         copyDatabase(backup, staging.file());
     } catch (const StoreError& problem) {
-        if (problem.reason() == Reason::full)
+        if (problem.reason() == Reason::full) {
             throw;
+        }
         throw BackupError(problem.what());
     }
     CopySummary summary = inspect(staging, file, "restore another backup");

@@ -31,10 +31,12 @@ bool FileStamp::outdated() const {
 
 FileStamp::Parts FileStamp::look() const {
     Parts parts;
-    for (std::size_t i = 0; i < parts.size(); ++i)
-        if (struct stat status; stat(sidecarPath(file_, kSuffixes[i]).c_str(), &status) == 0)
+    for (std::size_t i = 0; i < parts.size(); ++i) {
+        if (struct stat status; stat(sidecarPath(file_, kSuffixes[i]).c_str(), &status) == 0) {
             parts[i] = {status.st_dev, status.st_ino, status.st_size,
                         status.st_mtim.tv_sec * 1'000'000'000 + status.st_mtim.tv_nsec};
+        }
+    }
     return parts;
 }
 

@@ -35,8 +35,9 @@ std::unique_ptr<sql::Connection> connect(const fs::path& file, std::string_view 
     auto connection = std::make_unique<sql::Connection>(file, databaseUri(file, query),
                                                         flags | SQLITE_OPEN_URI, busyTimeout);
     setWalAtClose(*connection, WalAtClose::keep);
-    if (query == kWithoutIndex)
+    if (query == kWithoutIndex) {
         connection->execute("PRAGMA locking_mode = EXCLUSIVE");
+    }
     connection->execute(
         "PRAGMA trusted_schema = OFF; PRAGMA cell_size_check = ON; PRAGMA temp_store = MEMORY;"
         "PRAGMA synchronous = FULL; PRAGMA cache_size = -" +
@@ -63,24 +64,28 @@ void makeFile(const fs::path& file, std::chrono::milliseconds busyTimeout) {
     }
     if (link(draft.c_str(), file.c_str()) != 0 && errno != EEXIST) {
         // A file system without links: the name is free unless another process was faster by a hair.
-        if (fs::exists(file))
+        if (fs::exists(file)) {
             return;
+        }
         std::error_code error;
         fs::rename(draft, file, error);
-        if (error)
+        if (error) {
             throw systemError("Could not make the address book", file, error.value(), "check its folder");
+        }
     }
     syncFolder(file.parent_path());
 }
 
 // Saves may wait in a log whose database is gone; a new one would not be theirs.
 void requireNoSidecars(const fs::path& file) {
-    for (const char* suffix : {"-wal", "-journal"})
-        if (hasSidecar(file, suffix) && !fs::exists(file)) // else another process has just made it
+    for (const char* suffix : {"-wal", "-journal"}) {
+        if (hasSidecar(file, suffix) && !fs::exists(file)) { // else another process has just made it
             throw StoreError(
                 Reason::notADatabase, file,
                 "is gone, but not " + sidecarPath(file, suffix).filename().string() + " beside it",
                 "put the file back or restore it from a backup; to begin a new one, move what is left away");
+        }
+    }
 }
 
 // A database in WAL mode needs a file beside it even to be read. Where none can be made, nobody here has it
@@ -92,15 +97,18 @@ OpenedFile connectReadOnly(const fs::path& file, std::chrono::milliseconds busyT
         schemaVersion(*connection);
         return {std::move(connection), true, {}};
     } catch (const StoreError& error) {
-        if (error.reason() != Reason::io && error.reason() != Reason::readOnly)
+        if (error.reason() != Reason::io && error.reason() != Reason::readOnly) {
             throw;
-        if (hasSidecar(file, "-journal"))
+        }
+        if (hasSidecar(file, "-journal")) {
             throw StoreError(Reason::readOnly, file,
                              "was left in the middle of a save and may not be written",
                              "open it once where it may be written");
+        }
         const bool logged = hasSidecar(file, "-wal");
-        if (logged && fs::exists(sidecarPath(file, "-shm")))
+        if (logged && fs::exists(sidecarPath(file, "-shm"))) {
             throw;
+        }
         return {connect(file, logged ? kWithoutIndex : "?immutable=1", SQLITE_OPEN_READONLY, busyTimeout),
                 true, stamp};
     }
@@ -112,16 +120,18 @@ bool isWritable(const fs::path& file) {
 
 void checkVersion(sql::Connection& connection) {
     const auto current = static_cast<int>(migrations().size());
-    if (schemaVersion(connection) < current)
+    if (schemaVersion(connection) < current) {
         throw StoreError(Reason::readOnly, connection.file(), "is of an older version and may not be written",
                          "open it once where it may be written");
+    }
     migrate(connection); // nothing to do, or the error about a newer version
 }
 
 // Files get their name when they are whole: one without tables has lost them.
 void requireTables(sql::Connection& connection) {
-    if (schemaVersion(connection) == 0)
+    if (schemaVersion(connection) == 0) {
         throw StoreError(Reason::notADatabase, connection.file(), "is an empty database", kRestoreOrBegin);
+    }
 }
 
 OpenedFile openFile(const fs::path& file, Access access, std::chrono::milliseconds busyTimeout) {
@@ -134,8 +144,9 @@ OpenedFile openFile(const fs::path& file, Access access, std::chrono::millisecon
         connection->execute("PRAGMA journal_mode = WAL; PRAGMA journal_size_limit = 4194304");
         return {std::move(connection), false, {}};
     }
-    if (hasSidecar(file, "-journal") && isWritable(file))
+    if (hasSidecar(file, "-journal") && isWritable(file)) {
         openFile(file, Access::readWrite, busyTimeout); // undoes what was interrupted
+    }
     std::optional<FileStamp> stamp;
     auto connection = openWithCheckedWal(file, [&] {
         OpenedFile opened = connectReadOnly(file, busyTimeout);
@@ -155,13 +166,15 @@ OpenedFile openAddressBook(const fs::path& folder, Access access, std::chrono::m
     std::error_code error;
     const fs::file_status status = fs::status(file, error);
     if (!fs::exists(status)) {
-        if (status.type() != fs::file_type::not_found)
+        if (status.type() != fs::file_type::not_found) {
             throw systemError("Could not look for the address book", file, error.value(),
                               "check that you may enter its folder");
-        if (access == Access::readOnly)
+        }
+        if (access == Access::readOnly) {
             throw StoreError(Reason::missingFolder,
                              problemSentence("There is no address book in", folder, "",
                                              "import something first, or correct ADDRESSBOOK_HOME"));
+        }
         requireNoSidecars(file);
         makeFile(file, busyTimeout);
     } else if (!fs::is_regular_file(status) || fs::file_size(file, error) == 0) {
@@ -169,9 +182,11 @@ OpenedFile openAddressBook(const fs::path& folder, Access access, std::chrono::m
                          fs::is_regular_file(status) ? "is an empty file" : "is no file", kRestoreOrBegin);
     }
     // A file that was replaced just when it was being opened is not the book any more.
-    for (int attempt = 0; attempt < kAttempts; ++attempt)
-        if (OpenedFile opened = openFile(file, access, busyTimeout); !opened.connection->moved())
+    for (int attempt = 0; attempt < kAttempts; ++attempt) {
+        if (OpenedFile opened = openFile(file, access, busyTimeout); !opened.connection->moved()) {
             return opened;
+        }
+    }
     throw replacedError(file);
 }
 

@@ -25,14 +25,16 @@ const char* environment(const char* name) {
 }
 
 void makeFolder(const fs::path& folder) {
-    if (mkdir(folder.c_str(), kFolderMode) != 0 && errno != EEXIST)
+    if (mkdir(folder.c_str(), kFolderMode) != 0 && errno != EEXIST) {
         throw systemError("Could not make the address book's folder", folder, errno,
                           "make it, or choose another place in ADDRESSBOOK_HOME");
+    }
 }
 
 void makeFolderAndParents(const fs::path& folder) {
-    if (folder.empty() || fs::exists(folder))
+    if (folder.empty() || fs::exists(folder)) {
         return;
+    }
     makeFolderAndParents(folder.parent_path());
     makeFolder(folder);
 }
@@ -41,20 +43,24 @@ void makeFolderAndParents(const fs::path& folder) {
 bool hasFolder(const fs::path& folder, Access access) {
     std::error_code error;
     const fs::file_status status = fs::status(folder, error);
-    if (fs::is_directory(status))
+    if (fs::is_directory(status)) {
         return true;
-    if (fs::exists(status))
+    }
+    if (fs::exists(status)) {
         throw StoreError(Reason::missingFolder,
                          problemSentence(kFolderSubject, folder, "is a file", "name a folder"));
+    }
     const char* home = environment("ADDRESSBOOK_HOME");
-    if (access == Access::readOnly || (home != nullptr && folder == fs::path(home)))
+    if (access == Access::readOnly || (home != nullptr && folder == fs::path(home))) {
         return false;
+    }
     if (home == nullptr && folder == defaultFolder()) {
         makeFolderAndParents(folder);
         return true;
     }
-    if (folder.has_parent_path() && !fs::is_directory(folder.parent_path(), error))
+    if (folder.has_parent_path() && !fs::is_directory(folder.parent_path(), error)) {
         return false;
+    }
     makeFolder(folder);
     return true;
 }
@@ -62,18 +68,21 @@ bool hasFolder(const fs::path& folder, Access access) {
 } // namespace
 
 fs::path defaultFolder() {
-    if (const char* home = environment("ADDRESSBOOK_HOME"))
+    if (const char* home = environment("ADDRESSBOOK_HOME")) {
         return home;
-    if (const char* data = environment("XDG_DATA_HOME"))
+    }
+    if (const char* data = environment("XDG_DATA_HOME")) {
         return fs::path(data) / "AddressBook";
+    }
     const char* home = environment("HOME");
     return fs::path(home != nullptr ? home : "/") / ".local/share/AddressBook";
 }
 
 void requireFolder(const fs::path& folder, Access access) {
-    if (!hasFolder(folder, access))
+    if (!hasFolder(folder, access)) {
         throw StoreError(Reason::missingFolder, problemSentence(kFolderSubject, folder, "does not exist",
                                                                 "make it, or correct ADDRESSBOOK_HOME"));
+    }
 }
 
 fs::path folderOf(const fs::path& file) {
@@ -105,16 +114,18 @@ std::string databaseUri(const fs::path& file, std::string_view query) {
 
 void syncFolder(const fs::path& folder) {
     const int descriptor = open(folder.c_str(), O_RDONLY | O_DIRECTORY | O_CLOEXEC);
-    if (descriptor < 0)
+    if (descriptor < 0) {
         return;
+    }
     fsync(descriptor);
     close(descriptor);
 }
 
 void makePrivateFile(const fs::path& file) {
     const int descriptor = open(file.c_str(), O_RDWR | O_CREAT | O_EXCL | O_CLOEXEC, kFileMode);
-    if (descriptor < 0)
+    if (descriptor < 0) {
         throw systemError("Could not make the file", file, errno, "make its folder writable");
+    }
     close(descriptor);
 }
 

@@ -86,8 +86,9 @@ class Rescue {
 // Opening
 
 void Rescue::open() {
-    if (attempt())
+    if (attempt()) {
         return;
+    }
     if (fs::remove(walOf(damaged_)) && attempt()) {
         lost_.emplace_back("The changes that were only in the log cannot be read.");
         return;
@@ -136,8 +137,9 @@ void Rescue::lendFirstPage() {
 bool Rescue::scan(const std::string& sql, const std::function<void(const sql::Statement&)>& row) {
     try {
         auto statement = db_->prepareText(sql);
-        while (statement.step())
+        while (statement.step()) {
             row(statement);
+        }
         return true;
     } catch (const StoreError&) {
         return false;
@@ -146,11 +148,13 @@ bool Rescue::scan(const std::string& sql, const std::function<void(const sql::St
 
 bool Rescue::scanBothWays(const std::string& select, const std::string& order,
                           const std::function<void(const sql::Statement&)>& row) {
-    if (scan(select + " ORDER BY " + order, row))
+    if (scan(select + " ORDER BY " + order, row)) {
         return true;
+    }
     std::string backwards = order + " DESC";
-    for (std::size_t at = 0; (at = backwards.find(',', at)) != std::string::npos; at += 6)
+    for (std::size_t at = 0; (at = backwards.find(',', at)) != std::string::npos; at += 6) {
         backwards.insert(at, " DESC");
+    }
     scan(select + " ORDER BY " + backwards, row);
     return false;
 }
@@ -158,23 +162,26 @@ bool Rescue::scanBothWays(const std::string& select, const std::string& order,
 void Rescue::readProperties() {
     bool whole =
         scanBothWays("SELECT kind, name FROM property", "id", [this](const sql::Statement& statement) {
-            if (const auto kind = statement.integer(0); kind == 0 || kind == 1)
+            if (const auto kind = statement.integer(0); kind == 0 || kind == 1) {
                 properties_[kind].emplace(statement.text(1));
+            }
         });
     whole &= scan("SELECT kind, name, type FROM definition JOIN property ON property.id = property "
                   "ORDER BY definition.id",
                   [this](const sql::Statement& statement) {
                       const auto kind = static_cast<Kind>(statement.integer(0) & 1);
                       const std::string name(statement.text(1));
-                      if (isInternal(name) || builtInType(kind, name) != 0)
+                      if (isInternal(name) || builtInType(kind, name) != 0) {
                           return;
+                      }
                       made_.db.prepare("INSERT OR IGNORE INTO definition(property, type) VALUES (?, ?)")
                           .bindInteger(made_.ensureProperty(kind, name))
                           .bindInteger(statement.integer(2))
                           .exec();
                   });
-    if (!whole)
+    if (!whole) {
         lost_.emplace_back("Not all names and types of custom properties can be read.");
+    }
 }
 
 void Rescue::readRecords() {
@@ -182,17 +189,20 @@ void Rescue::readRecords() {
     bool whole = scanBothWays("SELECT id, uid FROM record INDEXED BY sqlite_autoindex_record_1", "uid",
                               [this](const sql::Statement& statement) {
                                   auto& uid = uids_[statement.integer(0)];
-                                  if (statement.isText(1))
+                                  if (statement.isText(1)) {
                                       uid = statement.text(1);
-                                  else
+                                  } else {
                                       uid = unpackUid(statement.blob(1)).value_or("");
+                                  }
                               });
     const auto note = [this](const sql::Statement& statement) { uids_.try_emplace(statement.integer(0)); };
     whole &= scanBothWays("SELECT id FROM record INDEXED BY record_kind", "kind, id", note);
-    if (!scanBothWays("SELECT id FROM record NOT INDEXED", "id", note) && !whole)
+    if (!scanBothWays("SELECT id FROM record NOT INDEXED", "id", note) && !whole) {
         lost_.emplace_back("Records may be lost whose ids cannot be told.");
-    for (const auto& [id, uid] : uids_)
+    }
+    for (const auto& [id, uid] : uids_) {
         readRecord(id);
+    }
 }
 
 void Rescue::readRecord(RowId id) {
@@ -208,8 +218,9 @@ void Rescue::readRecord(RowId id) {
         }
         std::int64_t kind = statement.integer(0);
         const std::string uid = uidFor(id, statement);
-        if (kind != 0 && kind != 1)
+        if (kind != 0 && kind != 1) {
             kind = uid.ends_with(":ABGroup") ? 1 : 0;
+        }
         name = uid;
         std::string card(statement.blob(4));
         try {
@@ -229,17 +240,20 @@ void Rescue::readRecord(RowId id) {
         insert.bindReal(statement.real(2)).bindReal(statement.real(3)).bindBlob(card).exec();
         found = made_.db.changes() > 0;
         rescued_.emplace(id, static_cast<Kind>(kind));
-        if (!found)
+        if (!found) {
             lost_.push_back("A second record " + uid + " is left out.");
+        }
     } catch (const StoreError& error) {
-        if (error.reason() == Reason::full)
+        if (error.reason() == Reason::full) {
             throw;
+        }
         lost_.push_back(name + " is lost.");
     }
-    if (found)
+    if (found) {
         readPicture(id, name);
-    else
+    } else {
         rescued_.erase(id);
+    }
 }
 
 // The id in the row; when that is damaged, the one in the index, else a new one.
@@ -247,11 +261,13 @@ std::string Rescue::uidFor(RowId id, const sql::Statement& statement) {
     const auto own =
         statement.isText(1) ? std::optional(std::string(statement.text(1))) : unpackUid(statement.blob(1));
     const std::string& indexed = uids_[id];
-    if (own && (indexed.empty() || *own == indexed))
+    if (own && (indexed.empty() || *own == indexed)) {
         return *own;
+    }
     if (!indexed.empty()) {
-        if (own)
+        if (own) {
             lost_.push_back(indexed + " had a damaged unique id, " + *own + ".");
+        }
         return indexed;
     }
     std::string made = newUid(statement.integer(0) == 1 ? Kind::group : Kind::person);
@@ -267,8 +283,9 @@ std::map<std::string, std::string> Rescue::readable(std::string_view card, Kind 
         const bool known = builtInType(kind, property) != 0 || isInternal(property) ||
                            properties_[static_cast<int>(kind)].contains(property);
         try {
-            if (known && !decodeValue(bytes).empty())
+            if (known && !decodeValue(bytes).empty()) {
                 values.emplace(property, bytes);
+            }
         } catch (const std::runtime_error&) { // not a value
             return;
         }
@@ -280,14 +297,16 @@ void Rescue::readPicture(RowId id, const std::string& name) {
     try {
         auto statement = db_->prepare("SELECT data FROM picture WHERE record = ?");
         statement.bindInteger(id);
-        if (statement.step())
+        if (statement.step()) {
             made_.db.prepare("INSERT INTO picture(record, data) VALUES (?, ?)")
                 .bindInteger(id)
                 .bindBlob(statement.blob(0))
                 .exec();
+        }
     } catch (const StoreError& error) {
-        if (error.reason() == Reason::full)
+        if (error.reason() == Reason::full) {
             throw;
+        }
         lost_.push_back(name + " has lost its picture, if it had one.");
     }
 }
@@ -296,17 +315,19 @@ void Rescue::readMemberships() {
     std::map<std::pair<RowId, std::int64_t>, RowId> members; // by group and place
     std::set<std::pair<RowId, RowId>> known;
     const auto take = [&](const sql::Statement& statement) {
-        if (known.emplace(statement.integer(0), statement.integer(2)).second)
+        if (known.emplace(statement.integer(0), statement.integer(2)).second) {
             members.emplace(std::pair(statement.integer(0), statement.integer(1)), statement.integer(2));
+        }
     };
     if (!scanBothWays("SELECT parent, place, member FROM membership NOT INDEXED", "parent, place", take)) {
         // What the index knows besides, behind the others.
         scanBothWays("SELECT parent, 1 << 40, member FROM membership INDEXED BY membership_member",
                      "member, parent", [&](const sql::Statement& statement) {
-                         if (known.emplace(statement.integer(0), statement.integer(2)).second)
+                         if (known.emplace(statement.integer(0), statement.integer(2)).second) {
                              members.emplace(
                                  std::pair(statement.integer(0), statement.integer(1) + statement.integer(2)),
                                  statement.integer(2));
+                         }
                      });
         lost_.emplace_back("Groups may have lost members, or their order.");
     }
@@ -330,8 +351,9 @@ void Rescue::readMemberships() {
             .exec();
         dropped += made_.db.changes() > 0 ? 0 : 1;
     }
-    if (dropped > 0)
+    if (dropped > 0) {
         lost_.push_back(std::to_string(dropped) + " memberships in groups had lost a side and are left out.");
+    }
 }
 
 void Rescue::readMe() {
@@ -350,8 +372,9 @@ bool isSound(const fs::path& folder) {
     try {
         return Store(folder).check().empty();
     } catch (const StoreError& error) {
-        if (error.reason() == Reason::damaged || error.reason() == Reason::notADatabase)
+        if (error.reason() == Reason::damaged || error.reason() == Reason::notADatabase) {
             return false;
+        }
         throw; // missing, newer, locked: nothing that a repair could mend
     }
 }
@@ -362,10 +385,12 @@ RepairReport repair(const fs::path& folder) {
     RepairReport report;
     std::error_code error;
     const fs::path file = folder / kFileName;
-    if (!fs::is_regular_file(file, error))
+    if (!fs::is_regular_file(file, error)) {
         throw StoreError(Reason::missingFolder, "There is no address book in " + folder.string() + ".");
-    if (isSound(folder))
+    }
+    if (isSound(folder)) {
         return report;
+    }
     report.needed = true;
     std::ifstream source(file, std::ios::binary); // closed last: closing it ends the hold on the file
     const bool foreignJournal = !journalBelongsTo(file);
@@ -377,26 +402,31 @@ RepairReport repair(const fs::path& folder) {
         bool foreign = false;
         if (fs::exists(walOf(file))) {
             foreign = !walBelongsTo(file);
-            if (!foreign)
+            if (!foreign) {
                 fs::copy_file(walOf(file), walOf(damaged));
+            }
         }
         Store::Impl made(staging.folder(), Store::Access::readWrite, kBusyTimeout);
         report.lost = Rescue(file, damaged, made).run();
-        if (foreign)
+        if (foreign) {
             report.lost.emplace_back("The log beside the file belongs to another and is left out.");
-        if (foreignJournal)
+        }
+        if (foreignJournal) {
             report.lost.emplace_back("The journal beside the file belongs to another and is left out.");
+        }
     }
     {
         const Store made(staging.folder());
-        if (const auto problems = made.check(Store::Depth::records); !problems.empty())
+        if (const auto problems = made.check(Store::Depth::records); !problems.empty()) {
             throw StoreError(Reason::damaged, file, "cannot be repaired (" + problems.front() + ")",
                              kRestore);
+        }
         report.people = made.count(Kind::person);
         report.groups = made.count(Kind::group);
     }
-    if (report.people + report.groups == 0 && !report.lost.empty())
+    if (report.people + report.groups == 0 && !report.lost.empty()) {
         throw StoreError(Reason::damaged, file, "cannot be repaired, no record in it can be read", kRestore);
+    }
     report.kept = book.replaceWith(staging.file());
     return report;
 }

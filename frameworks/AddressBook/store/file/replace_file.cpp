@@ -30,7 +30,7 @@ class PendingByteLock {
   public:
     explicit PendingByteLock(const fs::path& file) : descriptor_(open(file.c_str(), O_RDWR | O_CLOEXEC)) {
         constexpr off_t kPendingByte = 0x40000000;
-        struct flock lock {};
+        struct flock lock{};
         lock.l_type = F_WRLCK;
         lock.l_whence = SEEK_SET;
         lock.l_start = kPendingByte;
@@ -51,13 +51,15 @@ class PendingByteLock {
 
 // A second name for the file; a copy where the file system has no links.
 void keepCopy(const fs::path& file, const fs::path& name) {
-    if (link(file.c_str(), name.c_str()) == 0 || errno == ENOENT)
+    if (link(file.c_str(), name.c_str()) == 0 || errno == ENOENT) {
         return;
+    }
     std::error_code error;
     fs::copy_file(file, name, error);
-    if (error)
+    if (error) {
         throw systemError("Could not keep the present address book as", name, error.value(),
                           "make room in its folder and try again");
+    }
 }
 
 // A free name beside the book that tells when.
@@ -71,14 +73,17 @@ fs::path keptName(const fs::path& file) {
     const std::string extension = file.extension().string();
     fs::path name = stem + extension;
     const auto taken = [&] {
-        struct stat status {};
-        for (const char* suffix : kKept)
-            if (lstat(sidecarPath(name, suffix).c_str(), &status) == 0)
+        struct stat status{};
+        for (const char* suffix : kKept) {
+            if (lstat(sidecarPath(name, suffix).c_str(), &status) == 0) {
                 return true;
+            }
+        }
         return false;
     };
-    for (int number = 2; taken(); ++number)
+    for (int number = 2; taken(); ++number) {
         name = fs::path(stem).concat("-").concat(std::to_string(number)).concat(extension);
+    }
     return name;
 }
 
@@ -88,19 +93,23 @@ void copyDatabase(const sql::Connection& from, const fs::path& to) {
     makePrivateFile(to);
     const sql::Connection copy(to, databaseUri(to), SQLITE_OPEN_READWRITE | SQLITE_OPEN_URI, kBusyTimeout);
     sqlite3_backup* work = sqlite3_backup_init(copy.handle(), "main", from.handle(), "main");
-    if (work == nullptr)
+    if (work == nullptr) {
         copy.fail(sqlite3_extended_errcode(copy.handle()));
+    }
     sqlite3_backup_step(work, -1); // all at once: what is saved meanwhile does not begin it anew
-    if (const int code = sqlite3_backup_finish(work); code != SQLITE_OK)
+    if (const int code = sqlite3_backup_finish(work); code != SQLITE_OK) {
         (code == SQLITE_FULL || (code & 0xFF) == SQLITE_IOERR ? copy : from).fail(code);
+    }
 }
 
 LockedBook::LockedBook(const fs::path& folder) : file_(folder / kFileName) {
     std::error_code error;
-    if (const fs::path real = fs::canonical(file_, error); !error)
+    if (const fs::path real = fs::canonical(file_, error); !error) {
         file_ = real; // the book may be a symbolic link
-    if (!fs::is_regular_file(file_, error) || !journalBelongsTo(file_))
+    }
+    if (!fs::is_regular_file(file_, error) || !journalBelongsTo(file_)) {
         return; // to open it would write the journal over it
+    }
     try {
         auto connection = std::make_unique<sql::Connection>(
             file_, databaseUri(file_), SQLITE_OPEN_READWRITE | SQLITE_OPEN_URI, kBusyTimeout);
@@ -109,8 +118,9 @@ LockedBook::LockedBook(const fs::path& folder) : file_(folder / kFileName) {
         connection->execute("BEGIN IMMEDIATE");
         connection_ = std::move(connection);
     } catch (const StoreError& failure) {
-        if (failure.reason() == Reason::locked || failure.reason() == Reason::readOnly)
+        if (failure.reason() == Reason::locked || failure.reason() == Reason::readOnly) {
             throw;
+        }
     }
 }
 
@@ -120,10 +130,11 @@ void LockedBook::checkpoint(const fs::path& draft) const {
                                    kBusyTimeout);
         connection.execute("PRAGMA synchronous = FULL; PRAGMA wal_checkpoint(TRUNCATE)");
     }
-    if (hasSidecar(draft, "-wal") || hasSidecar(draft, "-journal"))
+    if (hasSidecar(draft, "-wal") || hasSidecar(draft, "-journal")) {
         throw StoreError(Reason::io, file_,
                          "was not replaced, for what is to replace it could not be written as a whole",
                          "check the disk and try again");
+    }
 }
 
 fs::path LockedBook::replaceWith(const fs::path& draft) {
@@ -132,15 +143,18 @@ fs::path LockedBook::replaceWith(const fs::path& draft) {
     const PendingByteLock lock(
         draft); // until the old log is away, which the new database would take for its own
     const fs::path name = keptName(file_);
-    for (const char* suffix : kKept) // a log whose file is gone may be wanted as well
+    for (const char* suffix : kKept) { // a log whose file is gone may be wanted as well
         if (hasSidecar(file_, suffix)) {
             keepCopy(sidecarPath(file_, suffix), sidecarPath(name, suffix));
             kept = name;
         }
-    if (std::rename(draft.c_str(), file_.c_str()) != 0)
+    }
+    if (std::rename(draft.c_str(), file_.c_str()) != 0) {
         throw systemError("Could not replace the address book", file_, errno, "check its folder");
-    for (const char* suffix : kCompanions)
+    }
+    for (const char* suffix : kCompanions) {
         unlink(sidecarPath(file_, suffix).c_str());
+    }
     syncFolder(file_.parent_path());
     return kept;
 }

@@ -29,10 +29,11 @@ Mark markOf(sql::Connection& connection) {
     Mark mark;
     auto statement = connection.prepare("SELECT name, seq FROM sqlite_sequence");
     while (statement.step()) {
-        if (statement.text(0) == "change")
+        if (statement.text(0) == "change") {
             mark.saves = statement.integer(1);
-        else if (statement.text(0) == kBookId)
+        } else if (statement.text(0) == kBookId) {
             mark.book = statement.integer(1);
+        }
     }
     return mark;
 }
@@ -67,7 +68,7 @@ bool isWalOf(sql::Connection& connection, const Mark& alone) {
 
 // Which file is there; 0 when none is.
 ino_t identityOf(const fs::path& file) {
-    struct stat status {};
+    struct stat status{};
     return stat(file.c_str(), &status) == 0 ? status.st_ino : 0;
 }
 
@@ -101,11 +102,13 @@ openWithCheckedWal(const fs::path& file, const std::function<std::unique_ptr<sql
                 return connection;
             }
         } catch (const StoreError& error) {
-            if (!alone || error.reason() != Reason::damaged)
+            if (!alone || error.reason() != Reason::damaged) {
                 throw;
+            }
         }
-        if (identityOf(file) == identity) // else the mark may be that of the file before
+        if (identityOf(file) == identity) { // else the mark may be that of the file before
             refuse(file, "log", "-wal");
+        }
     }
     throw replacedError(file);
 }
@@ -125,11 +128,13 @@ bool walBelongsTo(const fs::path& file) {
 }
 
 bool journalBelongsTo(const fs::path& file) {
-    if (!hasSidecar(file, "-journal"))
+    if (!hasSidecar(file, "-journal")) {
         return true;
+    }
     const auto alone = markWithin(file);
-    if (!alone)
+    if (!alone) {
         return true; // what is half written says nothing
+    }
     const StagingFolder staging(file.parent_path());
     try {
         fs::copy_file(file, staging.file());
@@ -139,20 +144,23 @@ bool journalBelongsTo(const fs::path& file) {
         const Mark then = markOf(undone);
         return then.book == alone->book && then.saves >= alone->saves - 1; // it undoes one save
     } catch (const fs::filesystem_error& error) {
-        if (error.code() == std::errc::no_such_file_or_directory)
+        if (error.code() == std::errc::no_such_file_or_directory) {
             return true; // another process has just ended its save
+        }
         throw systemError("Could not look at the journal of the address book", file, error.code().value(),
                           "make room in its folder and try again");
     } catch (const StoreError& error) {
-        if (error.reason() != Reason::damaged && error.reason() != Reason::notADatabase)
+        if (error.reason() != Reason::damaged && error.reason() != Reason::notADatabase) {
             throw;
+        }
         return false;
     }
 }
 
 void requireJournalBelongsTo(const fs::path& file) {
-    if (!journalBelongsTo(file))
+    if (!journalBelongsTo(file)) {
         refuse(file, "journal", "-journal");
+    }
 }
 
 } // namespace addressbook

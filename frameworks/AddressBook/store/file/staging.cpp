@@ -19,10 +19,12 @@ constexpr std::chrono::hours kAbandonedAfter{24};
 void removeAbandoned(const fs::path& folder, const std::string& name) {
     const auto longAgo = fs::file_time_type::clock::now() - kAbandonedAfter;
     std::error_code error;
-    for (const auto& entry : fs::directory_iterator(folder, error))
+    for (const auto& entry : fs::directory_iterator(folder, error)) {
         if (entry.path().filename().string().starts_with(name) && entry.is_directory(error) &&
-            entry.last_write_time(error) < longAgo && !error)
+            entry.last_write_time(error) < longAgo && !error) {
             fs::remove_all(entry.path(), error);
+        }
+    }
 }
 
 } // namespace
@@ -31,9 +33,10 @@ StagingFolder::StagingFolder(const fs::path& folder) {
     const std::string name = std::string(".") + kFileName + "-";
     removeAbandoned(folder, name);
     std::string pattern = (folder / (name + "XXXXXX")).string();
-    if (mkdtemp(pattern.data()) == nullptr)
+    if (mkdtemp(pattern.data()) == nullptr) {
         throw systemError("Could not write in the folder", folder, errno,
                           "make it writable, or choose another");
+    }
     folder_ = pattern;
 }
 

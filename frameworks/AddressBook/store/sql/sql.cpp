@@ -57,14 +57,16 @@ Statement::~Statement() {
 }
 
 Statement& Statement::bindInteger(std::int64_t value) {
-    if (const int code = sqlite3_bind_int64(statement_, ++bound_, value); code != SQLITE_OK)
+    if (const int code = sqlite3_bind_int64(statement_, ++bound_, value); code != SQLITE_OK) {
         connection_.fail(code);
+    }
     return *this;
 }
 
 Statement& Statement::bindReal(double value) {
-    if (const int code = sqlite3_bind_double(statement_, ++bound_, value); code != SQLITE_OK)
+    if (const int code = sqlite3_bind_double(statement_, ++bound_, value); code != SQLITE_OK) {
         connection_.fail(code);
+    }
     return *this;
 }
 
@@ -72,23 +74,26 @@ Statement& Statement::bindText(std::string_view value) {
     const char* data = value.data() != nullptr ? value.data() : "";
     if (const int code =
             sqlite3_bind_text64(statement_, ++bound_, data, value.size(), SQLITE_STATIC, SQLITE_UTF8);
-        code != SQLITE_OK)
+        code != SQLITE_OK) {
         connection_.fail(code);
+    }
     return *this;
 }
 
 Statement& Statement::bindBlob(std::string_view value) {
     const char* data = value.data() != nullptr ? value.data() : "";
     if (const int code = sqlite3_bind_blob64(statement_, ++bound_, data, value.size(), SQLITE_STATIC);
-        code != SQLITE_OK)
+        code != SQLITE_OK) {
         connection_.fail(code);
+    }
     return *this;
 }
 
 bool Statement::step() {
     const int code = sqlite3_step(statement_);
-    if (code != SQLITE_ROW && code != SQLITE_DONE)
+    if (code != SQLITE_ROW && code != SQLITE_DONE) {
         connection_.fail(code);
+    }
     return code == SQLITE_ROW;
 }
 
@@ -148,10 +153,12 @@ Connection::Connection(std::filesystem::path file, const std::string& uri, int f
 int Connection::waitForLock(void* connection, int attempt) {
     auto& self = *static_cast<Connection*>(connection);
     const auto now = std::chrono::steady_clock::now();
-    if (attempt == 0)
+    if (attempt == 0) {
         self.waitsSince_ = now;
-    if (now - self.waitsSince_ >= self.busyTimeout_)
+    }
+    if (now - self.waitsSince_ >= self.busyTimeout_) {
         return 0;
+    }
     thread_local std::minstd_rand random{std::random_device{}()};
     const std::uint_fast32_t longest = 1000 + 500 * static_cast<std::uint_fast32_t>(std::min(attempt, 8));
     std::this_thread::sleep_for(std::chrono::microseconds(200 + random() % longest));
@@ -159,10 +166,12 @@ int Connection::waitForLock(void* connection, int attempt) {
 }
 
 Connection::~Connection() {
-    for (const auto& [sql, statement] : literals_)
+    for (const auto& [sql, statement] : literals_) {
         sqlite3_finalize(statement);
-    for (const auto& [sql, statement] : texts_)
+    }
+    for (const auto& [sql, statement] : texts_) {
         sqlite3_finalize(statement);
+    }
     sqlite3_close(handle_);
 }
 
@@ -172,27 +181,31 @@ void Connection::exchange(Connection& other) {
     std::swap(handle_, other.handle_);
     std::swap(literals_, other.literals_);
     std::swap(texts_, other.texts_);
-    for (Connection* one : {this, &other})
+    for (Connection* one : {this, &other}) {
         sqlite3_busy_handler(one->handle_, &waitForLock, one);
+    }
 }
 
 void Connection::execute(const std::string& statements) {
     if (const int code = sqlite3_exec(handle_, statements.c_str(), nullptr, nullptr, nullptr);
-        code != SQLITE_OK)
+        code != SQLITE_OK) {
         fail(code);
+    }
 }
 
 Statement Connection::prepare(const char* sql) {
     sqlite3_stmt*& statement = literals_[sql];
-    if (statement == nullptr)
+    if (statement == nullptr) {
         statement = compile(sql);
+    }
     return {*this, statement};
 }
 
 Statement Connection::prepareText(const std::string& sql) {
     sqlite3_stmt*& statement = texts_[sql];
-    if (statement == nullptr)
+    if (statement == nullptr) {
         statement = compile(sql);
+    }
     return {*this, statement};
 }
 
@@ -205,12 +218,14 @@ int Connection::changes() const {
 }
 
 std::uint32_t Connection::dataVersion() {
-    if (sqlite3_txn_state(handle_, "main") == SQLITE_TXN_NONE)
+    if (sqlite3_txn_state(handle_, "main") == SQLITE_TXN_NONE) {
         prepare("SELECT 1 FROM meta").step(); // begins to read
+    }
     std::uint32_t version = 0;
     if (const int code = sqlite3_file_control(handle_, "main", SQLITE_FCNTL_DATA_VERSION, &version);
-        code != SQLITE_OK)
+        code != SQLITE_OK) {
         fail(code);
+    }
     return version;
 }
 
@@ -222,8 +237,9 @@ bool Connection::moved() const {
 void Connection::fail(int code) const {
     const Failure failure = failureOf(code);
     std::string detail = sqlite3_errstr(code);
-    if (handle_ != nullptr && sqlite3_extended_errcode(handle_) == code)
+    if (handle_ != nullptr && sqlite3_extended_errcode(handle_) == code) {
         detail = sqlite3_errmsg(handle_);
+    }
     throw StoreError(failure.reason, file_, std::string(failure.what) + " (" + detail + ")", failure.remedy);
 }
 
@@ -231,8 +247,9 @@ sqlite3_stmt* Connection::compile(std::string_view sql) {
     sqlite3_stmt* statement = nullptr;
     const int code = sqlite3_prepare_v3(handle_, sql.data(), static_cast<int>(sql.size()),
                                         SQLITE_PREPARE_PERSISTENT, &statement, nullptr);
-    if (code != SQLITE_OK)
+    if (code != SQLITE_OK) {
         fail(code);
+    }
     return statement;
 }
 
@@ -242,8 +259,9 @@ Transaction::Transaction(Connection& connection, Mode mode) : connection_(connec
 
 Transaction::~Transaction() {
     // SQLite may have undone the transaction by itself, when a disk filled up for instance.
-    if (open_ && sqlite3_get_autocommit(connection_.handle()) == 0)
+    if (open_ && sqlite3_get_autocommit(connection_.handle()) == 0) {
         sqlite3_exec(connection_.handle(), "ROLLBACK", nullptr, nullptr, nullptr);
+    }
 }
 
 void Transaction::commit() {

@@ -6,8 +6,9 @@ std::string problemSentence(std::string_view subject, const std::filesystem::pat
                             std::string_view what, std::string_view remedy) {
     std::string sentence(subject);
     sentence.append(" ").append(file.string());
-    if (!what.empty())
+    if (!what.empty()) {
         sentence.append(" ").append(what);
+    }
     sentence.append(": ").append(remedy).append(".");
     return sentence;
 }
