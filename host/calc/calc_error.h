@@ -57,6 +57,8 @@ class CalcError : public std::exception {
 
     ErrorKind kind() const { return kind_; }
     CalcCode code() const { return code_; }
+    const SourcePtr& source() const { return source_; }
+    size_t offset() const { return offset_; }
     Place place() const { return source_->place(offset_); }
     const char* what() const noexcept override { return message_.c_str(); }
 

@@ -1,11 +1,11 @@
-#include "host/console/calc_test.h"
+#include "host/check/calc_file.h"
 
 #include <gtest/gtest.h>
 
 namespace host {
 namespace {
 
-TEST(CalcTestFileTest, CalculationsAndTheirChecks) {
+TEST(CalcFileTest, CalculationsAndTheirChecks) {
     const CalcTestFile file =
         parseCalcTest("# comment\n1 + 1\n= 2\n\nx\n~ \\d+\r\ny\n!  a part \n\"\"\n=\n", false);
     ASSERT_TRUE(file.faults.empty());
@@ -22,14 +22,14 @@ TEST(CalcTestFileTest, CalculationsAndTheirChecks) {
     EXPECT_EQ(file.checks[3].expected, "");
 }
 
-TEST(CalcTestFileTest, ABackslashContinuesALine) {
+TEST(CalcFileTest, ABackslashContinuesALine) {
     const CalcTestFile file = parseCalcTest("1 +\\\n# 2\\\n= 3\n= 4", false);
     ASSERT_EQ(file.checks.size(), 1U);
     EXPECT_EQ(file.checks[0].text, "1 +\n# 2\n= 3");
     EXPECT_EQ(file.checks[0].expected, "4");
 }
 
-TEST(CalcTestFileTest, FaultsOfForm) {
+TEST(CalcFileTest, FaultsOfForm) {
     const CalcTestFile file = parseCalcTest("= 1\n1\n2\n= 2\n3\n\n= 3\n4", false);
     ASSERT_EQ(file.faults.size(), 5U);
     EXPECT_EQ(file.faults[0].line, 1);
@@ -43,7 +43,7 @@ TEST(CalcTestFileTest, FaultsOfForm) {
     EXPECT_EQ(file.checks.size(), 1U);
 }
 
-TEST(CalcTestFileTest, OnlyTheCalcBlocksOfMarkdownCount) {
+TEST(CalcFileTest, OnlyTheCalcBlocksOfMarkdownCount) {
     const CalcTestFile file =
         parseCalcTest("# Title\ntext\n= 0\n```calc\n1\n= 1\n```\n```\n2\n```\n```calc\n3\n= 3\n```\n", true);
     EXPECT_TRUE(file.faults.empty());
