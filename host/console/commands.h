@@ -23,7 +23,4 @@ ExitCode evaluateAll(Host& host, const std::vector<std::string>& calculations);
 // printed.
 ExitCode runScript(Host& host, const std::string& script, const std::string& parameter, bool showResult);
 
-// Each file in a host of its own; several files each in a process of its own as well.
-ExitCode runTests(const HostOptions& options, const std::vector<std::string>& files);
-
 } // namespace host

@@ -1,9 +1,9 @@
 // The command line.
-#include "host/console/calc_test.h"
 #include "host/console/commands.h"
 #include "host/console/function_list.h"
 #include "host/console/host.h"
 #include "host/console/prompt.h"
+#include "host/console/test_run.h"
 #include "host/values/formats.h"
 
 #include <CLI/CLI.hpp>
@@ -27,7 +27,7 @@ struct CommandLine {
     std::string script;
     std::string parameter;
     bool trace = false;
-    std::vector<std::string> tests;
+    TestPlan tests;
 };
 
 HostOptions hostOptions(const CommandLine& line) {
@@ -104,13 +104,32 @@ void defineCommands(CLI::App& app, CommandLine& line) {
                 "  fmhost run --folder scripts Import --parameter contacts.vcf");
 
     CLI::App* test = app.add_subcommand("test", "Run files of calculations with their expected results");
-    test->add_option("FILE", line.tests,
+    test->add_option("FILE", line.tests.files,
                      "A .calc file, or a .md file with blocks fenced as calc; each is one session")
         ->required();
+    test->add_option("--filter", line.tests.filter.only,
+                     "Judge only calculations with this text in them, or in FILE:LINE; may be repeated")
+        ->type_name("TEXT")
+        ->expected(1)
+        ->take_all();
+    test->add_option("--exclude", line.tests.filter.without,
+                     "Judge none with this text in them, or in FILE:LINE; may be repeated")
+        ->type_name("TEXT")
+        ->expected(1)
+        ->take_all();
+    test->add_option("--repeat", line.tests.repeat, "Run each file so often, each time from the start [1]")
+        ->check(CLI::Range(1, 1'000'000))
+        ->type_name("N");
+    test->add_option("--junit", line.tests.junit, "Write a report for continuous integration (JUnit XML)")
+        ->type_name("PATH");
     test->footer(
         "After a calculation stands one of\n  = RESULT     the whole result, with \u00B6 for a return\n"
         "  ~ PATTERN    a regular expression that matches the whole result\n"
-        "  ! MESSAGE    a part of the error message\n\nExample:\n  fmhost test tests/calculations/*.calc");
+        "  ! MESSAGE    a part of the error message\n\nA calculation that --filter or --exclude leaves out "
+        "is evaluated all the same, since a file is "
+        "one\nsession; it can not fail.\n\nExamples:\n  fmhost test tests/calculations/*.calc\n"
+        "  fmhost test dates.calc --filter WeekOfYear --repeat 100\n"
+        "  fmhost test dates.calc --filter dates.calc:12 --junit report.xml");
 
     app.require_subcommand(0, 1);
     app.footer("Without a command: a prompt on a terminal, else calculations from standard input.\n\n"

@@ -163,43 +163,6 @@ TEST_F(ProgramTest, ScriptsThatPluginsStartRunAfterwards) {
     EXPECT_EQ(good("eval Test_Idle Test_Idle Test_Idle").out, "-1\n10\n20\n");
 }
 
-TEST_F(ProgramTest, Tests) {
-    write("good.calc", "# two\nLet ( $x = 1 ; $x )\n= 1\n\"a¶\" & \\\n $x\n= a¶1\n$x\n~ \\d\nLenght ( 1 )\n! "
-                       "mean Length\n\"\"\n=\n");
-    expect(plain("test good.calc"), ExitCode::ok, "5 passed, 0 failed\n", "");
-    write("bad.calc", "1 + 1\n= 3\n\n\"abc\"\n~ ab\n1\n! x\nNothing\n= 1\n1\n~ (\nNothing\n! else\n2\n= 2\n");
-    expect(plain("test bad.calc"), ExitCode::failure,
-           "bad.calc:1: 1 + 1\n  expected: 3\n  got: 2\n"
-           "bad.calc:4: \"abc\"\n  expected: a match of ab\n  got: abc\n"
-           "bad.calc:6: 1\n  expected: an error with \"x\"\n  got: 1\n"
-           "bad.calc:8: Nothing\n  expected: 1\n  got: the error: there is no function or variable called "
-           "Nothing\n"
-           "bad.calc:10: 1\n  expected: a match of this pattern, which is none: (\n  got: 1\n"
-           "bad.calc:12: Nothing\n  expected: an error with \"else\"\n"
-           "  got: the error: there is no function or variable called Nothing\n"
-           "1 passed, 6 failed\n",
-           "");
-    write("empty.calc", "# nothing\n");
-    expect(plain("test empty.calc"), ExitCode::failure,
-           "empty.calc: there are no checks in this file\n0 passed, 1 failed\n", "");
-    write("form.calc", "1\n2\n= 2\n");
-    expect(plain("test form.calc"), ExitCode::failure,
-           "form.calc:1: a calculation without a check; expected a line with =, ~ or ! after it\n1 passed, 1 "
-           "failed\n",
-           "");
-    expect(plain("test none.calc"), ExitCode::usage, "",
-           "fmhost: can not read none.calc: No such file or directory\n");
-}
-
-TEST_F(ProgramTest, SeveralTestFilesDoNotSeeEachOther) {
-    write("one.calc", "Let ( $$x = Test_Count ( 1 ; 1 ) ; $$x )\n= 1\n");
-    EXPECT_EQ(good("test one.calc one.calc").out, "2 passed, 0 failed\n");
-    write("two.calc", "$$x\n=\n1\n= 2\n");
-    const Outcome result = good("test one.calc two.calc");
-    EXPECT_EQ(result.status, 1);
-    EXPECT_EQ(result.out, "two.calc:3: 1\n  expected: 2\n  got: 1\n2 passed, 1 failed\n");
-}
-
 TEST_F(ProgramTest, Usage) {
     for (const char* arguments : {"nothing", "eval", "run", "test", "--wrong", "--host-version x eval 1",
                                   "functions week day", "--host-version 99999 info"}) {

@@ -2,6 +2,7 @@
 #include "tests/host/loader/test_plugin.h"
 
 #include <chrono>
+#include <cstdlib>
 #include <new>
 #include <stdexcept>
 #include <string>
@@ -103,6 +104,9 @@ errcode misbehave(short, const ExprEnv&, const DataVect& in, Data&) {
     }
     if (what == "int") {
         throw 42; // NOLINT(hicpp-exception-baseclass): what this is about
+    }
+    if (what == "abort") {
+        std::abort();
     }
     in.At(99); // the host throws
     return 0;
