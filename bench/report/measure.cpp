@@ -203,9 +203,9 @@ constexpr NamedRead kReads[] = {
 void registerBooks(const Place& place, BaselineBook& baseline, FrameworkBook& book, Turns& turns) {
     for (const auto& [search, name] : kSearches) {
         repeat(std::string("baseline/") + name,
-               [&baseline, search = search] { benchmark::DoNotOptimize(baseline.search(search)); });
+               [&baseline, sought = search] { benchmark::DoNotOptimize(baseline.search(sought)); });
         repeat(std::string("framework/") + name,
-               [&book, search = search] { benchmark::DoNotOptimize(book.search(search)); });
+               [&book, sought = search] { benchmark::DoNotOptimize(book.search(sought)); });
     }
     repeat("baseline/by id", [&] { benchmark::DoNotOptimize(baseline.lastName(turns.next())); });
     repeat("framework/by id", [&] { book.readLastName(turns.next()); });
@@ -264,7 +264,7 @@ void registerCalculations(Calculations& host, FrameworkBook& book) {
     host.evaluate("KORU_Open ( \"" + personUid(kHeld) + "\" )");
     host.evaluate("Let ( $held = \"" + book.firstPhone() + "\" ; 1 )");
     for (const auto& [read, name, text] : kReads) {
-        repeat(std::string("framework/read ") + name, [&book, read = read] { book.read(read); });
+        repeat(std::string("framework/read ") + name, [&book, what = read] { book.read(what); });
         calculation(std::string("host/read ") + name, text);
     }
 }

@@ -76,6 +76,8 @@ CFComparisonResult CFDateCompare(CFDateRef one, CFDateRef other, void* context) 
     case kCFNumberDoubleType:                                                                                \
     case kCFNumberCGFloatType:                                                                               \
         CASE(double, Double, doubleValue)                                                                    \
+    default:                                                                                                 \
+        break;                                                                                               \
     }
 
 CFNumberRef CFNumberCreate(CFAllocatorRef allocator, CFNumberType type, const void* value) {

@@ -21,7 +21,7 @@ class BacklogTest : public Scratch {
     std::int64_t ask(const std::string& sql) const {
         sqlite3* database = nullptr;
         sqlite3_stmt* statement = nullptr;
-        EXPECT_EQ(sqlite3_open(store.file().c_str(), &database), SQLITE_OK);
+        EXPECT_EQ(sqlite3_open(store_.file().c_str(), &database), SQLITE_OK);
         EXPECT_EQ(sqlite3_prepare_v2(database, sql.c_str(), -1, &statement, nullptr), SQLITE_OK);
         sqlite3_step(statement);
         const std::int64_t answer = sqlite3_column_int64(statement, 0);
@@ -37,19 +37,19 @@ class BacklogTest : public Scratch {
         return found(from, query("First", Comparison::containsSubStringCaseInsensitive, text(part)));
     }
 
-    Store store{folder()};
+    Store store_{folder()};
 };
 
 TEST_F(BacklogTest, OneSaveInManyWritesTheIndexes) {
-    const std::string uid = addPerson(store, {{"First", text("name 0")}});
+    const std::string uid = addPerson(store_, {{"First", text("name 0")}});
     const Store reader(folder(), Store::Access::readOnly);
     for (int i = 1; i <= 200; ++i) {
         const std::string name = "name " + std::to_string(i);
         const std::string old = "name " + std::to_string(i - 1) + "\x1F";
-        saveRecords(store, {updated(uid, {{"First", text(name)}})}, i + 1);
+        saveRecords(store_, {updated(uid, {{"First", text(name)}})}, i + 1);
         EXPECT_LT(waiting(), 64);
         EXPECT_EQ(indexed(name), waiting() == 0 ? 1 : 0);
-        for (const Store* any : {static_cast<const Store*>(&store), &reader}) {
+        for (const Store* any : {static_cast<const Store*>(&store_), &reader}) {
             ASSERT_THAT(named(*any, name), ElementsAre(uid)) << i;
             ASSERT_THAT(found(*any, query("First", Comparison::equal, text("name " + std::to_string(i - 1)))),
                         IsEmpty())
@@ -59,7 +59,7 @@ TEST_F(BacklogTest, OneSaveInManyWritesTheIndexes) {
             ASSERT_THAT(found(*any, query("Modification", Comparison::lessThan, Date{i + 1.0})), IsEmpty());
         }
         if (i % 20 == 0) {
-            EXPECT_THAT(store.check(), IsEmpty()) << i;
+            EXPECT_THAT(store_.check(), IsEmpty()) << i;
             EXPECT_THAT(reader.check(), IsEmpty()) << i;
         }
     }
@@ -68,51 +68,51 @@ TEST_F(BacklogTest, OneSaveInManyWritesTheIndexes) {
 
 // Each time that the indexes are written the text index gets a new piece, which every search would look into.
 TEST_F(BacklogTest, TheTextIndexStaysInFewPieces) {
-    const std::string uid = addPerson(store, {{"Note", text("note 0")}});
+    const std::string uid = addPerson(store_, {{"Note", text("note 0")}});
     constexpr int kPieces = 15; // at 16 SQLite makes them one by itself
     for (int i = 1; i <= kPieces * kSavesInBacklog; ++i) {
-        saveRecords(store, {updated(uid, {{"Note", text("note " + std::to_string(i))}})}, i);
+        saveRecords(store_, {updated(uid, {{"Note", text("note " + std::to_string(i))}})}, i);
     }
     EXPECT_LE(ask("SELECT count(DISTINCT segid) FROM trigram_idx"), 4);
-    EXPECT_THAT(store.check(), IsEmpty());
+    EXPECT_THAT(store_.check(), IsEmpty());
 }
 
 TEST_F(BacklogTest, ANewPersonMayChangeAndGoBeforeTheIndexesKnow) {
-    const std::string uid = addPerson(store, {{"First", text("Ada")}, {"own", text("1")}});
-    const std::string other = addPerson(store, {{"First", text("Adam")}});
-    saveRecords(store, {updated(uid, {{"First", text("Ida")}, {"own", Value()}, {"Note", text("n")}})}, 2);
+    const std::string uid = addPerson(store_, {{"First", text("Ada")}, {"own", text("1")}});
+    const std::string other = addPerson(store_, {{"First", text("Adam")}});
+    saveRecords(store_, {updated(uid, {{"First", text("Ida")}, {"own", Value()}, {"Note", text("n")}})}, 2);
     EXPECT_EQ(ask("SELECT count(*) FROM term"), 0);
-    EXPECT_THAT(named(store, "da"), ElementsAre(uid, other));
-    EXPECT_THAT(named(store, "ada"), ElementsAre(other));
-    EXPECT_THAT(found(store, query("own", Comparison::equal, Value())), IsEmpty());
+    EXPECT_THAT(named(store_, "da"), ElementsAre(uid, other));
+    EXPECT_THAT(named(store_, "ada"), ElementsAre(other));
+    EXPECT_THAT(found(store_, query("own", Comparison::equal, Value())), IsEmpty());
     ChangeSet removal = changesAt(3);
     removal.removed = {uid};
-    store.save(removal);
+    store_.save(removal);
     EXPECT_EQ(waiting(), 0);
-    EXPECT_THAT(named(store, "da"), ElementsAre(other));
-    EXPECT_THAT(store.check(), IsEmpty());
+    EXPECT_THAT(named(store_, "da"), ElementsAre(other));
+    EXPECT_THAT(store_.check(), IsEmpty());
 }
 
 TEST_F(BacklogTest, APropertyMayGoBeforeTheIndexesKnow) {
     ChangeSet changes = changesAt(1);
     changes.definitions = {{Kind::person, "own", 1}};
-    store.save(changes);
-    const std::string uid = addPerson(store, {{"own", text("1")}});
+    store_.save(changes);
+    const std::string uid = addPerson(store_, {{"own", text("1")}});
     ChangeSet removal = changesAt(2);
     removal.removedDefinitions = changes.definitions;
-    EXPECT_THAT(store.save(removal).updated, ElementsAre(uid));
-    EXPECT_EQ(store.value(store.find(uid)->row, "own"), Value());
-    EXPECT_THAT(store.check(), IsEmpty());
+    EXPECT_THAT(store_.save(removal).updated, ElementsAre(uid));
+    EXPECT_EQ(store_.value(store_.find(uid)->row, "own"), Value());
+    EXPECT_THAT(store_.check(), IsEmpty());
 }
 
 TEST_F(BacklogTest, ALargeTextIsIndexedAtOnce) {
-    const std::string uid = addPerson(store, {{"First", text("Ada")}});
-    saveRecords(store, {updated(uid, {{"Note", text(std::string(5000, 'n') + " needle")}})}, 2);
+    const std::string uid = addPerson(store_, {{"First", text("Ada")}});
+    saveRecords(store_, {updated(uid, {{"Note", text(std::string(5000, 'n') + " needle")}})}, 2);
     EXPECT_EQ(waiting(), 2) << "what is new need not be kept";
-    saveRecords(store, {updated(uid, {{"Note", text("short")}})}, 3);
+    saveRecords(store_, {updated(uid, {{"Note", text("short")}})}, 3);
     EXPECT_EQ(waiting(), 0);
     EXPECT_EQ(indexed("short"), 1);
-    EXPECT_THAT(store.check(), IsEmpty());
+    EXPECT_THAT(store_.check(), IsEmpty());
 }
 
 TEST_F(BacklogTest, ManyRecordsInOneSaveAreIndexedAtOnce) {
@@ -121,51 +121,51 @@ TEST_F(BacklogTest, ManyRecordsInOneSaveAreIndexedAtOnce) {
     for (int i = 0; i < 9; ++i) {
         records.push_back(inserted(newUid(Kind::person), {{"First", text("Ada")}}));
     }
-    saveRecords(store, records);
+    saveRecords(store_, records);
     EXPECT_EQ(waiting(), 0);
     EXPECT_EQ(indexed("Ada"), 9);
     for (RecordChange& record : records) {
         record = updated(record.uid, {{"First", text("Ida")}});
     }
-    saveRecords(store, {updated(records[0].uid, {{"First", text("Eve")}})}, 2); // waits
-    saveRecords(store, records, 3);
+    saveRecords(store_, {updated(records[0].uid, {{"First", text("Eve")}})}, 2); // waits
+    saveRecords(store_, records, 3);
     EXPECT_EQ(waiting(), 0);
     EXPECT_EQ(indexed("Ida"), 9);
     EXPECT_EQ(ask("SELECT count(*) FROM term WHERE exact IN ('Ada', 'Eve')"), 0);
-    EXPECT_THAT(store.check(), IsEmpty());
+    EXPECT_THAT(store_.check(), IsEmpty());
 }
 
 // What a save costs on a disk is the pages that it writes.
 TEST_F(BacklogTest, ASmallSaveWritesThreePages) {
     constexpr std::uintmax_t kFrame = 4096 + 24;
-    const std::string uid = addPerson(store, {{"First", text("Ada")}});
-    const std::filesystem::path log = store.file().string() + "-wal";
+    const std::string uid = addPerson(store_, {{"First", text("Ada")}});
+    const std::filesystem::path log = store_.file().string() + "-wal";
     for (int i = 2; i < 20; ++i) {
         const auto before = std::filesystem::file_size(log);
-        saveRecords(store, {updated(uid, {{"First", text(std::to_string(i))}})}, i);
+        saveRecords(store_, {updated(uid, {{"First", text(std::to_string(i))}})}, i);
         EXPECT_LE(std::filesystem::file_size(log) - before, 3 * kFrame);
     }
 }
 
 TEST_F(BacklogTest, TheLogOfChangesStaysShort) {
-    const std::string uid = addPerson(store, {});
+    const std::string uid = addPerson(store_, {});
     sqlite3* database = nullptr;
-    ASSERT_EQ(sqlite3_open(store.file().c_str(), &database), SQLITE_OK);
+    ASSERT_EQ(sqlite3_open(store_.file().c_str(), &database), SQLITE_OK);
     sqlite3_exec(database, "UPDATE sqlite_sequence SET seq = 10100 WHERE name = 'change'", nullptr, nullptr,
                  nullptr);
     sqlite3_close(database);
     for (int i = 0; i < 64; ++i) {
-        saveRecords(store, {updated(uid, {{"First", text(std::to_string(i))}})}, i + 2);
+        saveRecords(store_, {updated(uid, {{"First", text(std::to_string(i))}})}, i + 2);
     }
     EXPECT_EQ(ask("SELECT min(id) FROM change"), 10101);
-    EXPECT_THAT(store.check(), IsEmpty());
+    EXPECT_THAT(store_.check(), IsEmpty());
 }
 
 TEST_F(BacklogTest, ADamagedOneIsToldBySearches) {
-    const std::string uid = addPerson(store, {{"First", text("Ada")}});
+    const std::string uid = addPerson(store_, {{"First", text("Ada")}});
     ask("UPDATE change SET replaced = x'0501'");
     try {
-        named(store, "Ada");
+        named(store_, "Ada");
         ADD_FAILURE() << "searched";
     } catch (const StoreError& error) {
         EXPECT_EQ(error.reason(), StoreError::Reason::damaged);
@@ -174,8 +174,8 @@ TEST_F(BacklogTest, ADamagedOneIsToldBySearches) {
 
 // A book of the version before has no backlog and gets one.
 TEST_F(BacklogTest, ComesToAnOlderBook) {
-    const std::string uid = addPerson(store, {{"First", text("Ada")}});
-    flushIndexes(store);
+    const std::string uid = addPerson(store_, {{"First", text("Ada")}});
+    flushIndexes(store_);
     const std::filesystem::path older = root() / "older";
     std::filesystem::create_directory(older);
     ask("VACUUM INTO '" + (older / "AddressBook.db").string() + "'");

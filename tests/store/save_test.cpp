@@ -20,68 +20,68 @@ class SaveTest : public Scratch {
         return record ? from.value(record->row, property) : Value();
     }
     void expectRefused(const ChangeSet& changes) {
-        const auto before = store.rows(Kind::person);
-        const auto last = store.lastChange();
+        const auto before = store_.rows(Kind::person);
+        const auto last = store_.lastChange();
         try {
-            store.save(changes);
+            store_.save(changes);
             FAIL() << "was not refused";
         } catch (const StoreError& error) {
             EXPECT_EQ(error.reason(), StoreError::Reason::refused) << error.what();
-            EXPECT_THAT(error.what(), testing::HasSubstr(store.file().string()));
+            EXPECT_THAT(error.what(), testing::HasSubstr(store_.file().string()));
         }
-        EXPECT_EQ(store.rows(Kind::person), before);
-        EXPECT_EQ(store.lastChange(), last);
-        EXPECT_THAT(store.check(), IsEmpty());
+        EXPECT_EQ(store_.rows(Kind::person), before);
+        EXPECT_EQ(store_.lastChange(), last);
+        EXPECT_THAT(store_.check(), IsEmpty());
     }
 
-    Store store{folder()};
+    Store store_{folder()};
 };
 
 TEST_F(SaveTest, AnEmptyOneWritesNothing) {
-    const SaveResult result = store.save(ChangeSet());
+    const SaveResult result = store_.save(ChangeSet());
     EXPECT_EQ(result.change, 0);
-    EXPECT_EQ(store.lastChange(), 0);
+    EXPECT_EQ(store_.lastChange(), 0);
 }
 
 TEST_F(SaveTest, WritesOnlyTheChangedPropertiesAndTheDate) {
     const std::string uid =
-        addPerson(store, {{"First", text("Ada")}, {"Note", text("n")}, {"Creation", Date{-5}}});
+        addPerson(store_, {{"First", text("Ada")}, {"Note", text("n")}, {"Creation", Date{-5}}});
     const SaveResult result =
-        saveRecords(store, {updated(uid, {{"First", text("Eve")}, {"Last", text("L")}})}, 7);
+        saveRecords(store_, {updated(uid, {{"First", text("Eve")}, {"Last", text("L")}})}, 7);
     EXPECT_THAT(result.updated, ElementsAre(uid));
     EXPECT_THAT(result.inserted, IsEmpty());
-    EXPECT_EQ(store.values(store.find(uid)->row), (Values{{"First", text("Eve")},
-                                                          {"Last", text("L")},
-                                                          {"Note", text("n")},
-                                                          {"UID", uid},
-                                                          {"Creation", Date{-5}},
-                                                          {"Modification", Date{7}}}));
-    saveRecords(store, {updated(uid, {{"First", Value()}, {"Creation", Date{1}}, {"UID", text("x")}})}, 8);
-    EXPECT_EQ(store.values(store.find(uid)->row), (Values{{"Last", text("L")},
-                                                          {"Note", text("n")},
-                                                          {"UID", uid},
-                                                          {"Creation", Date{-5}},
-                                                          {"Modification", Date{8}}}));
-    EXPECT_THAT(found(store, query("First", Comparison::equal, Value())), IsEmpty());
-    EXPECT_THAT(found(store, query("Modification", Comparison::equal, Date{8})), ElementsAre(uid));
-    EXPECT_THAT(store.check(), IsEmpty());
+    EXPECT_EQ(store_.values(store_.find(uid)->row), (Values{{"First", text("Eve")},
+                                                            {"Last", text("L")},
+                                                            {"Note", text("n")},
+                                                            {"UID", uid},
+                                                            {"Creation", Date{-5}},
+                                                            {"Modification", Date{7}}}));
+    saveRecords(store_, {updated(uid, {{"First", Value()}, {"Creation", Date{1}}, {"UID", text("x")}})}, 8);
+    EXPECT_EQ(store_.values(store_.find(uid)->row), (Values{{"Last", text("L")},
+                                                            {"Note", text("n")},
+                                                            {"UID", uid},
+                                                            {"Creation", Date{-5}},
+                                                            {"Modification", Date{8}}}));
+    EXPECT_THAT(found(store_, query("First", Comparison::equal, Value())), IsEmpty());
+    EXPECT_THAT(found(store_, query("Modification", Comparison::equal, Date{8})), ElementsAre(uid));
+    EXPECT_THAT(store_.check(), IsEmpty());
 }
 
 TEST_F(SaveTest, TwoStoresThatChangeDifferentPropertiesBothWin) {
-    const std::string uid = addPerson(store, {{"First", text("a")}, {"Last", text("b")}});
+    const std::string uid = addPerson(store_, {{"First", text("a")}, {"Last", text("b")}});
     Store other(folder());
     EXPECT_EQ(valueOf(other, uid, "Last"), text("b"));
-    saveRecords(store, {updated(uid, {{"First", text("first")}})}, 2);
+    saveRecords(store_, {updated(uid, {{"First", text("first")}})}, 2);
     saveRecords(other, {updated(uid, {{"Last", text("last")}})}, 3);
-    EXPECT_EQ(valueOf(store, uid, "First"), text("first"));
-    EXPECT_EQ(valueOf(store, uid, "Last"), text("last"));
-    saveRecords(store, {updated(uid, {{"Last", text("again")}})}, 4);
+    EXPECT_EQ(valueOf(store_, uid, "First"), text("first"));
+    EXPECT_EQ(valueOf(store_, uid, "Last"), text("last"));
+    saveRecords(store_, {updated(uid, {{"Last", text("again")}})}, 4);
     EXPECT_EQ(valueOf(other, uid, "Last"), text("again")); // on the same property the last one wins
 }
 
 TEST_F(SaveTest, ARecordDeletedElsewhereIsReportedAndTheRestKept) {
-    const std::string gone = addPerson(store, {});
-    const std::string kept = addPerson(store, {});
+    const std::string gone = addPerson(store_, {});
+    const std::string kept = addPerson(store_, {});
     Store other(folder());
     ChangeSet removal;
     removal.removed = {gone};
@@ -92,50 +92,50 @@ TEST_F(SaveTest, ARecordDeletedElsewhereIsReportedAndTheRestKept) {
                        updated(kept, {{"First", text("y")}})};
     changes.memberships = {{group, gone, true}, {group, kept, true}, {"no such group", kept, true}};
     changes.me = gone;
-    const SaveResult result = store.save(changes);
+    const SaveResult result = store_.save(changes);
     EXPECT_THAT(result.missing, ElementsAre(gone, "no such group"));
     EXPECT_THAT(result.updated, ElementsAre(kept));
-    EXPECT_EQ(valueOf(store, kept, "First"), text("y"));
-    EXPECT_FALSE(store.find(gone));
-    EXPECT_FALSE(store.me());
-    EXPECT_THAT(store.members(store.find(group)->row), ElementsAre(store.find(kept)->row));
-    const SaveResult nothing = saveRecords(store, {updated(gone, {})}, 4);
+    EXPECT_EQ(valueOf(store_, kept, "First"), text("y"));
+    EXPECT_FALSE(store_.find(gone));
+    EXPECT_FALSE(store_.me());
+    EXPECT_THAT(store_.members(store_.find(group)->row), ElementsAre(store_.find(kept)->row));
+    const SaveResult nothing = saveRecords(store_, {updated(gone, {})}, 4);
     EXPECT_EQ(nothing.change, 0);
 }
 
 TEST_F(SaveTest, ARemovedRecordLeavesNothingBehind) {
     const std::string person =
-        addPerson(store, {{"First", text("Ada")}, {".Image", Bytes{1}}, {"Phone", MultiValue{}}});
+        addPerson(store_, {{"First", text("Ada")}, {".Image", Bytes{1}}, {"Phone", MultiValue{}}});
     const std::string group = newUid(Kind::group);
     ChangeSet changes = changesAt(2);
     changes.records = {inserted(group, {}, Kind::group)};
     changes.memberships = {{group, person, true}};
     changes.me = person;
-    store.save(changes);
-    EXPECT_EQ(store.me(), person);
-    const RowId row = store.find(person)->row;
+    store_.save(changes);
+    EXPECT_EQ(store_.me(), person);
+    const RowId row = store_.find(person)->row;
     ChangeSet removal = changesAt(3);
     removal.removed = {person, "never there"};
     removal.records = {updated(person, {{"First", text("late")}})};
-    const SaveResult result = store.save(removal);
+    const SaveResult result = store_.save(removal);
     EXPECT_THAT(result.deleted, ElementsAre(person));
     EXPECT_THAT(result.missing, IsEmpty());
-    EXPECT_FALSE(store.me());
-    EXPECT_FALSE(store.find(row));
-    EXPECT_TRUE(store.values(row).empty());
-    EXPECT_EQ(store.value(row, property::kImage), Value());
-    EXPECT_THAT(store.members(store.find(group)->row), IsEmpty());
-    EXPECT_THAT(found(store, query("First", Comparison::containsSubStringCaseInsensitive, text("ada"))),
+    EXPECT_FALSE(store_.me());
+    EXPECT_FALSE(store_.find(row));
+    EXPECT_TRUE(store_.values(row).empty());
+    EXPECT_EQ(store_.value(row, property::kImage), Value());
+    EXPECT_THAT(store_.members(store_.find(group)->row), IsEmpty());
+    EXPECT_THAT(found(store_, query("First", Comparison::containsSubStringCaseInsensitive, text("ada"))),
                 IsEmpty());
-    EXPECT_THAT(store.check(), IsEmpty());
-    addPerson(store, {});
-    EXPECT_GT(store.rows(Kind::person).back(), row) << "a row's number was used again";
+    EXPECT_THAT(store_.check(), IsEmpty());
+    addPerson(store_, {});
+    EXPECT_GT(store_.rows(Kind::person).back(), row) << "a row's number was used again";
 }
 
 TEST_F(SaveTest, MembershipsKeepTheOrderOfJoining) {
     std::vector<std::string> people;
     for (int i = 0; i < 4; ++i) {
-        people.push_back(addPerson(store, {}));
+        people.push_back(addPerson(store_, {}));
     }
     const std::string outer = newUid(Kind::group);
     const std::string inner = newUid(Kind::group);
@@ -146,26 +146,26 @@ TEST_F(SaveTest, MembershipsKeepTheOrderOfJoining) {
     }
     changes.memberships.push_back({outer, inner, true});
     changes.memberships.push_back({inner, people[2], true});
-    store.save(changes);
-    const auto row = [&](const std::string& uid) { return store.find(uid)->row; };
-    EXPECT_THAT(store.members(row(outer)), ElementsAre(row(people[2]), row(people[0]), row(people[3])));
-    EXPECT_THAT(store.subgroups(row(outer)), ElementsAre(row(inner)));
-    EXPECT_THAT(store.parents(row(people[2])), ElementsAre(row(outer), row(inner)));
-    EXPECT_THAT(store.parents(row(inner)), ElementsAre(row(outer)));
+    store_.save(changes);
+    const auto row = [&](const std::string& uid) { return store_.find(uid)->row; };
+    EXPECT_THAT(store_.members(row(outer)), ElementsAre(row(people[2]), row(people[0]), row(people[3])));
+    EXPECT_THAT(store_.subgroups(row(outer)), ElementsAre(row(inner)));
+    EXPECT_THAT(store_.parents(row(people[2])), ElementsAre(row(outer), row(inner)));
+    EXPECT_THAT(store_.parents(row(inner)), ElementsAre(row(outer)));
 
     ChangeSet moves = changesAt(5);
     moves.memberships = {{outer, people[2], false}, {outer, people[2], true}, {outer, people[0], true}};
-    EXPECT_THAT(store.save(moves).updated, ElementsAre(outer));
-    EXPECT_THAT(store.members(row(outer)), ElementsAre(row(people[0]), row(people[3]), row(people[2])));
-    EXPECT_EQ(valueOf(store, outer, "Modification"), Value(Date{5}));
-    EXPECT_EQ(valueOf(store, inner, "Modification"), Value(Date{2}));
+    EXPECT_THAT(store_.save(moves).updated, ElementsAre(outer));
+    EXPECT_THAT(store_.members(row(outer)), ElementsAre(row(people[0]), row(people[3]), row(people[2])));
+    EXPECT_EQ(valueOf(store_, outer, "Modification"), Value(Date{5}));
+    EXPECT_EQ(valueOf(store_, inner, "Modification"), Value(Date{2}));
     ChangeSet same = changesAt(6);
     same.memberships = {{outer, people[0], true}, {inner, people[0], false}};
-    EXPECT_EQ(store.save(same).change, 0);
+    EXPECT_EQ(store_.save(same).change, 0);
 }
 
 TEST_F(SaveTest, AMembershipThatWouldMakeACircleIsReportedAndTheRestKept) {
-    const std::string person = addPerson(store, {});
+    const std::string person = addPerson(store_, {});
     const std::string outer = newUid(Kind::group);
     const std::string middle = newUid(Kind::group);
     const std::string inner = newUid(Kind::group);
@@ -174,23 +174,23 @@ TEST_F(SaveTest, AMembershipThatWouldMakeACircleIsReportedAndTheRestKept) {
         changes.records.push_back(inserted(uid, {}, Kind::group));
     }
     changes.memberships = {{outer, middle, true}, {middle, inner, true}};
-    store.save(changes);
+    store_.save(changes);
     changes = changesAt(3);
     changes.records = {updated(person, {{"First", text("kept")}})};
     changes.memberships = {{inner, outer, true}, {inner, person, true}, {outer, outer, true}};
-    const SaveResult result = store.save(changes);
+    const SaveResult result = store_.save(changes);
     ASSERT_EQ(result.circular.size(), 2U);
     EXPECT_EQ(result.circular[0].group, inner);
     EXPECT_EQ(result.circular[0].member, outer);
     EXPECT_EQ(result.circular[1].member, outer);
     EXPECT_THAT(result.updated, UnorderedElementsAre(person, inner));
-    EXPECT_EQ(valueOf(store, person, "First"), text("kept"));
-    EXPECT_THAT(store.members(store.find(inner)->row), ElementsAre(store.find(person)->row));
-    EXPECT_THAT(store.subgroups(store.find(inner)->row), IsEmpty());
-    EXPECT_THAT(store.check(), IsEmpty());
+    EXPECT_EQ(valueOf(store_, person, "First"), text("kept"));
+    EXPECT_THAT(store_.members(store_.find(inner)->row), ElementsAre(store_.find(person)->row));
+    EXPECT_THAT(store_.subgroups(store_.find(inner)->row), IsEmpty());
+    EXPECT_THAT(store_.check(), IsEmpty());
     changes = changesAt(4);
     changes.memberships = {{inner, outer, true}};
-    EXPECT_EQ(store.save(changes).change, 0); // nothing was written, and nobody is told of a change
+    EXPECT_EQ(store_.save(changes).change, 0); // nothing was written, and nobody is told of a change
 }
 
 TEST_F(SaveTest, GroupsChangePlacesInWhateverOrderTheyAreTold) {
@@ -199,16 +199,16 @@ TEST_F(SaveTest, GroupsChangePlacesInWhateverOrderTheyAreTold) {
     ChangeSet changes = changesAt(2);
     changes.records = {inserted(outer, {}, Kind::group), inserted(inner, {}, Kind::group)};
     changes.memberships = {{outer, inner, true}};
-    store.save(changes);
+    store_.save(changes);
     changes = changesAt(3);
     changes.memberships = {{inner, outer, true}, {outer, inner, false}};
-    EXPECT_THAT(store.save(changes).updated, testing::UnorderedElementsAre(outer, inner));
-    EXPECT_THAT(store.subgroups(store.find(inner)->row), ElementsAre(store.find(outer)->row));
-    EXPECT_TRUE(store.subgroups(store.find(outer)->row).empty());
+    EXPECT_THAT(store_.save(changes).updated, testing::UnorderedElementsAre(outer, inner));
+    EXPECT_THAT(store_.subgroups(store_.find(inner)->row), ElementsAre(store_.find(outer)->row));
+    EXPECT_TRUE(store_.subgroups(store_.find(outer)->row).empty());
 }
 
 TEST_F(SaveTest, WhatIsRefusedChangesNothing) {
-    const std::string uid = addPerson(store, {});
+    const std::string uid = addPerson(store_, {});
     ChangeSet changes = changesAt(2);
     changes.records = {inserted(newUid(Kind::person), {{"First", text("x")}, {"new name", text("y")}}),
                        inserted(uid, {})};
@@ -228,9 +228,9 @@ TEST_F(SaveTest, WhatIsRefusedChangesNothing) {
         changes.definitions = {definition};
         expectRefused(changes);
     }
-    EXPECT_EQ(valueOf(store, uid, "First"), Value());
-    const std::string later = addPerson(store, {{"new name", text("y")}});
-    EXPECT_THAT(found(store, query("new name", Comparison::equal, text("y"))), ElementsAre(later));
+    EXPECT_EQ(valueOf(store_, uid, "First"), Value());
+    const std::string later = addPerson(store_, {{"new name", text("y")}});
+    EXPECT_THAT(found(store_, query("new name", Comparison::equal, text("y"))), ElementsAre(later));
 }
 
 TEST_F(SaveTest, CustomPropertiesComeAndGoWithTheirValues) {
@@ -239,31 +239,31 @@ TEST_F(SaveTest, CustomPropertiesComeAndGoWithTheirValues) {
     const PropertyDefinition ofGroups{Kind::group, "own", 2};
     ChangeSet changes = changesAt(1);
     changes.definitions = {own, list, ofGroups, {Kind::person, "own", 3}};
-    store.save(changes);
-    EXPECT_THAT(store.definitions(), ElementsAre(own, list, ofGroups));
+    store_.save(changes);
+    EXPECT_THAT(store_.definitions(), ElementsAre(own, list, ofGroups));
     const std::string uid =
-        addPerson(store, {{"own", text("Wert")}, {"list", MultiValue{}}, {"First", text("f")}});
+        addPerson(store_, {{"own", text("Wert")}, {"list", MultiValue{}}, {"First", text("f")}});
     ChangeSet removal = changesAt(9);
     removal.removedDefinitions = {own, list, {Kind::person, "never", 1}};
-    const SaveResult result = store.save(removal);
+    const SaveResult result = store_.save(removal);
     EXPECT_THAT(result.updated, ElementsAre(uid));
-    EXPECT_THAT(store.definitions(), ElementsAre(ofGroups));
-    EXPECT_EQ(store.values(store.find(uid)->row),
+    EXPECT_THAT(store_.definitions(), ElementsAre(ofGroups));
+    EXPECT_EQ(store_.values(store_.find(uid)->row),
               (Values{{"First", text("f")}, {"UID", uid}, {"Creation", Date{1}}, {"Modification", Date{9}}}));
-    EXPECT_THAT(found(store, query("own", Comparison::containsSubStringCaseInsensitive, text("WERT"))),
+    EXPECT_THAT(found(store_, query("own", Comparison::containsSubStringCaseInsensitive, text("WERT"))),
                 IsEmpty());
-    EXPECT_THAT(store.check(), IsEmpty());
+    EXPECT_THAT(store_.check(), IsEmpty());
 }
 
 TEST_F(SaveTest, TheChangeLogTellsWhatEachSaveDid) {
     Store other(folder());
     EXPECT_EQ(other.lastChange(), 0);
-    const std::string first = addPerson(store, {});
-    const std::string second = addPerson(store, {});
+    const std::string first = addPerson(store_, {});
+    const std::string second = addPerson(store_, {});
     ChangeSet changes = changesAt(4);
     changes.records = {updated(first, {{"First", text("x")}})};
     changes.removed = {second};
-    const SaveResult result = store.save(changes);
+    const SaveResult result = store_.save(changes);
     EXPECT_EQ(other.lastChange(), result.change);
     const auto log = other.changesSince(0);
     ASSERT_EQ(log.size(), 3U);
@@ -277,14 +277,14 @@ TEST_F(SaveTest, TheChangeLogTellsWhatEachSaveDid) {
 }
 
 TEST_F(SaveTest, ALogThatNoLongerReachesBackSaysThatAnythingMayHaveChanged) {
-    const std::string uid = addPerson(store, {});
+    const std::string uid = addPerson(store_, {});
     sqlite3* database = nullptr;
-    ASSERT_EQ(sqlite3_open(store.file().c_str(), &database), SQLITE_OK);
+    ASSERT_EQ(sqlite3_open(store_.file().c_str(), &database), SQLITE_OK);
     sqlite3_exec(database, "UPDATE sqlite_sequence SET seq = 5000 WHERE name = 'change'", nullptr, nullptr,
                  nullptr);
     sqlite3_close(database);
-    saveRecords(store, {updated(uid, {{"First", text("x")}})}, 3);
-    const auto log = store.changesSince(1);
+    saveRecords(store_, {updated(uid, {{"First", text("x")}})}, 3);
+    const auto log = store_.changesSince(1);
     ASSERT_EQ(log.size(), 2U);
     EXPECT_TRUE(log[0].inserted.empty() && log[0].updated.empty() && log[0].deleted.empty());
     EXPECT_EQ(log[0].change, 5000);
@@ -299,9 +299,9 @@ TEST_F(SaveTest, TheLogOfLargeSavesStaysSmall) {
         for (int i = 0; i < 100; ++i) {
             records.push_back(inserted(newUid(Kind::person) + std::string(kLength, 'x'), {}));
         }
-        saveRecords(store, std::move(records));
+        saveRecords(store_, std::move(records));
     }
-    const auto log = store.changesSince(0);
+    const auto log = store_.changesSince(0);
     for (const LoggedChange& change : log) {
         size += change.inserted.size() * kLength;
     }
@@ -313,37 +313,37 @@ TEST_F(SaveTest, TheLogOfLargeSavesStaysSmall) {
 }
 
 TEST_F(SaveTest, IsRefusedWhenTheFileIsNoLongerThere) {
-    const std::string uid = addPerson(store, {});
+    const std::string uid = addPerson(store_, {});
     const auto aside = folder() / "aside";
-    std::filesystem::rename(store.file(), aside);
-    EXPECT_TRUE(store.moved());
+    std::filesystem::rename(store_.file(), aside);
+    EXPECT_TRUE(store_.moved());
     try {
-        saveRecords(store, {updated(uid, {{"First", text("x")}})});
+        saveRecords(store_, {updated(uid, {{"First", text("x")}})});
         ADD_FAILURE() << "was saved";
     } catch (const StoreError& error) {
-        EXPECT_THAT(error.what(), testing::HasSubstr(store.file().string()));
+        EXPECT_THAT(error.what(), testing::HasSubstr(store_.file().string()));
     }
-    std::filesystem::rename(aside, store.file());
-    EXPECT_FALSE(store.moved());
-    saveRecords(store, {updated(uid, {{"First", text("x")}})});
-    EXPECT_EQ(valueOf(store, uid, "First"), text("x"));
+    std::filesystem::rename(aside, store_.file());
+    EXPECT_FALSE(store_.moved());
+    saveRecords(store_, {updated(uid, {{"First", text("x")}})});
+    EXPECT_EQ(valueOf(store_, uid, "First"), text("x"));
 }
 
 TEST_F(SaveTest, MeIsSetAndCleared) {
-    const std::string uid = addPerson(store, {});
+    const std::string uid = addPerson(store_, {});
     ChangeSet changes;
     changes.me = uid;
-    EXPECT_NE(store.save(changes).change, 0);
-    EXPECT_EQ(store.me(), uid);
+    EXPECT_NE(store_.save(changes).change, 0);
+    EXPECT_EQ(store_.me(), uid);
     changes.me = "";
-    store.save(changes);
-    EXPECT_FALSE(store.me());
-    EXPECT_EQ(store.save(changes).change, 0);
+    store_.save(changes);
+    EXPECT_FALSE(store_.me());
+    EXPECT_EQ(store_.save(changes).change, 0);
 }
 
 TEST_F(SaveTest, WaitsForAnotherWriterOnlySoLong) {
     sqlite3* database = nullptr;
-    ASSERT_EQ(sqlite3_open(store.file().c_str(), &database), SQLITE_OK);
+    ASSERT_EQ(sqlite3_open(store_.file().c_str(), &database), SQLITE_OK);
     Store hasty(folder(), Store::Access::readWrite, std::chrono::milliseconds(20));
     ASSERT_EQ(sqlite3_exec(database, "BEGIN IMMEDIATE", nullptr, nullptr, nullptr), SQLITE_OK);
     const std::string uid = newUid(Kind::person);
@@ -358,7 +358,7 @@ TEST_F(SaveTest, WaitsForAnotherWriterOnlySoLong) {
     sqlite3_exec(database, "ROLLBACK", nullptr, nullptr, nullptr);
     sqlite3_close(database);
     saveRecords(hasty, {inserted(uid, {{"p", text("x")}})});
-    EXPECT_TRUE(store.find(uid));
+    EXPECT_TRUE(store_.find(uid));
 }
 
 } // namespace
