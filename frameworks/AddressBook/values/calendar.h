@@ -1,7 +1,7 @@
 #pragma once
 
-// Days of the calendar, counted from 1970-01-01, in the process's time zone and the proleptic Gregorian
-// calendar.
+// Days of the proleptic Gregorian calendar. A day is known by its number: the days since 1970-01-01, which is
+// day 0. Local days are those of the process's time zone.
 
 #include "frameworks/AddressBook/values/value.h"
 
@@ -10,10 +10,10 @@
 
 namespace addressbook {
 
-// What Date counts from, 2001-01-01 00:00 UTC, in seconds since 1970.
+// The epoch of Date, 2001-01-01 00:00 UTC, in seconds since 1970.
 inline constexpr double kReferenceDate = 978307200;
 
-// This moment.
+// Returns the current time.
 Date currentTime();
 
 // A day of the year.
@@ -22,44 +22,48 @@ struct MonthDay {
     int day = 1;   // 1 to 31
 };
 
-// Moments are less than so many seconds from 2001: some three million years either way.
+// Limit of the valid dates: they are less than this many seconds from 2001, about three million years either
+// way.
 inline constexpr double kFarthest = 1e14;
 
-// The number of a day; month and day must be in range.
+// Returns the number of a day; month and day must be in range.
 std::int64_t dayNumber(std::int64_t year, MonthDay day);
 
-// The year in which a day lies.
+// Returns the year in which a day lies.
 std::int64_t yearOf(std::int64_t dayNumber);
 
-// The second of Date at which a day begins in UTC; in other time zones it is up to a day away.
+// Returns when a day begins in UTC, in seconds as Date counts them. In any time zone the day begins less than
+// a day before or after.
 double utcMidnight(double dayNumber);
 
-// The day of a moment in UTC; none for what is no moment.
+// Returns the day of a date in UTC; none when the date is not valid (NaN, infinite, beyond kFarthest).
 std::optional<std::int64_t> utcDay(Date date);
 
-// The local day of a moment; none for what is no moment (NaN, infinite, beyond the calendar).
+// Returns the local day of a date; none when the date is not valid.
 std::optional<std::int64_t> localDay(Date date);
 
 // The year that stands for "no year" in a date; it is a leap year, so 29 February exists.
 inline constexpr int kNoYear = 1604;
 
-// The noon, in local time, of a day: what dates without a time are stored as.
+// Returns noon of a day, in local time: as what dates without a time are stored.
 Date localNoon(int year, MonthDay day);
 
-// The local day of a moment as year, month and day, without the year when that is kNoYear; none for what is
-// no moment.
+// Returns the local day of a date as year, month and day, without the year when that is kNoYear; none when
+// the date is not valid.
 std::optional<DateComponents> dayParts(Date date);
 
-// The day that a value names: of a date its local day, of components their year, month and day.
+// Returns the day that a value names: the local day of a date, or the year, month and day of components (29
+// February means 28 February in a year that has none). None for components without one of the three or out of
+// range, and for values of other types.
 std::optional<std::int64_t> dayOf(const Value& value);
 
-// The day of the year on which a day falls.
+// Returns month and day of a day.
 MonthDay dayOfYear(std::int64_t dayNumber);
 
-// The day of the year that a value names; components may lack the year.
+// Returns the day of the year that a value names, as dayOf() does; components may lack the year.
 std::optional<MonthDay> monthDayOf(const Value& value);
 
-// The day on which [day] falls in [year]: 29 February falls on 28 February in a year that has none.
+// Returns the day on which [day] falls in [year]: 29 February falls on 28 February in a year that has none.
 std::int64_t anniversary(std::int64_t year, MonthDay day);
 
 } // namespace addressbook

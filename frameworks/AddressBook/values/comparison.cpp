@@ -12,7 +12,7 @@ namespace {
 
 using enum Operation;
 
-// What else a comparison does.
+// Flags that make up a row together with its operation.
 enum Trait : unsigned { kPlain = 0, kNegative = 1, kIgnoresCase = 2, kYearless = 4 };
 
 constexpr ComparisonFacts row(Comparison comparison, std::string_view name, Operation operation,
@@ -69,7 +69,7 @@ bool isNumber(const Value& value) {
     return value.as<std::int64_t>() != nullptr || value.as<double>() != nullptr;
 }
 
-// Exact, although not every integer is a double.
+// Compares exactly, although not every integer is a double.
 std::partial_ordering compare(std::int64_t whole, double real) {
     if (std::isnan(real)) {
         return std::partial_ordering::unordered;
@@ -121,8 +121,9 @@ std::partial_ordering compareOrdered(const Value& a, const Value& b) {
     return std::partial_ordering::unordered;
 }
 
-// Whether a value found reads as the value wanted: text in any canonically equivalent form, numbers by their
-// worth, lists and dictionaries item by item.
+// Whether two values are equal as the comparisons see it: text in any canonically equivalent form, numbers by
+// their value whatever their type, arrays and dictionaries item by item, and a date [a] with components [b] by
+// its local day.
 bool same(const Value& a, const Value& b) {
     if (const auto* text = a.as<std::string>()) {
         const auto* other = b.as<std::string>();
@@ -297,7 +298,7 @@ bool Matcher::meetsText(std::string_view normalized, std::string_view folded) co
     case suffix:
         return text.ends_with(*text_);
     default:
-        // UTF-8 sorts as its code points do.
+        // The byte order of UTF-8 is the order of code points.
         return ordered(facts_.operation, text <=> std::string_view(*text_));
     }
 }

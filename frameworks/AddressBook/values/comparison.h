@@ -1,7 +1,7 @@
 #pragma once
 
-// The one definition of the comparisons: `matches` applies it to records in memory, the store to what its
-// indexes find.
+// The one definition of the comparisons, used by matches() on records in memory and by the store on what its
+// indexes find. The head of query.h says what each comparison means.
 
 #include "frameworks/AddressBook/values/calendar.h"
 #include "frameworks/AddressBook/values/query.h"
@@ -14,7 +14,8 @@
 
 namespace addressbook {
 
-// What a comparison does, apart from looking at one value or many.
+// How one value is compared with the wanted one. `around` and `ahead` are the intervals around and from
+// today.
 enum class Operation {
     equal,
     less,
@@ -56,12 +57,14 @@ struct Leaf {
 // whole and each of its fields; stops when it answers true, and answers whether it did.
 bool visitLeaves(const Value& value, const std::function<bool(const Leaf&)>& visit);
 
-// Days, counted as in calendar.h; none when the first is behind the last or either is no number.
+// The days from `first` to `last`, both included, numbered as in calendar.h. No day is within when `first` is
+// after `last` or either is NaN.
 struct DayRange {
     double first, last;
 };
 
-// A condition made ready to look at many records. It keeps a reference to the condition.
+// A condition prepared for being tested against many records: the wanted value is folded or converted once.
+// Refers to the condition, which must outlive it.
 class Matcher {
   public:
     // [now] is the moment that "today" means.
@@ -70,24 +73,24 @@ class Matcher {
     const Condition& condition() const { return condition_; }
     const ComparisonFacts& facts() const { return facts_; }
 
-    // Whether the condition holds for a record whose property has this value (none when it is not set).
+    // Whether the condition holds for a record whose property has this value (no value: it is not set).
     bool holds(const Value& value) const;
 
-    // Whether some value meets the positive form of the comparison; with no wanted value, whether there is
-    // one.
+    // Whether some value meets the positive form of the comparison (equal for notEqual); with no wanted
+    // value, whether the property has any that label and key admit.
     bool anyMeets(const Value& value) const;
 
-    // Whether one value meets it, label and key aside.
+    // Whether one value meets the positive form of the comparison, whatever its label and key.
     bool meets(const Value& value) const;
 
-    // Whether a text does whose compared forms are known: [folded] counts when case is ignored, else
+    // Like meets() for a text whose compared forms are known: [folded] is compared when case is ignored, else
     // [normalized].
     bool meetsText(std::string_view normalized, std::string_view folded) const;
 
     // Whether the label and key of a leaf are those that the condition asks for.
     bool admits(const Leaf& leaf) const;
 
-    // Holds when no value meets the positive form.
+    // Whether the comparison is a negative one: it holds when no value meets the positive form.
     bool negative() const { return facts_.negative; }
 
     // Whether no record meets the condition, not even when it is negative: no wanted value, and a comparison

@@ -7,8 +7,8 @@
 
 namespace addressbook {
 
-// What a person's flags (property::kPersonFlags) say about the name to show: two numbers in one, numbered as
-// the AddressBook framework numbers them.
+// What a person's flags (property::kPersonFlags) say about the name to show. They hold two numbers, which
+// have the framework's values: how the person is shown (person or company), and the order of names.
 namespace person_flags {
 inline constexpr std::int64_t kShowAsMask = 007;
 inline constexpr std::int64_t kShowAsCompany = 001;
@@ -21,9 +21,10 @@ inline constexpr std::int64_t kFirstNameFirst = 040;
 // - a group's own name;
 // - for a company its organization;
 // - for a person title, first, middle and last name, and suffix; with kLastNameFirst the last name before the
-// first. Who has none of these is called by organization, nickname, first e-mail address or first phone
-// number, in this order; a company without an organization by its names first. Empty when there is nothing of
-// all this.
+//   first.
+// A person without any of these names is shown by organization, nickname, first e-mail address or first phone
+// number, whichever is there first; a company without an organization by its personal names, then by these.
+// Empty when the record has nothing of all this.
 std::string displayName(const RecordView& record);
 
 } // namespace addressbook

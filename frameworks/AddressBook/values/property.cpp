@@ -58,7 +58,7 @@ constexpr std::array kBuiltIn{
     BuiltInProperty{p::kGroupName, kString, Scope::group},
 };
 
-// Properties of people whose values the framework tells as date components, and where they are stored.
+// Properties of people whose values the framework gives as date components, and where they are stored.
 struct ComponentsProperty {
     std::string_view name;
     int type;
@@ -70,7 +70,7 @@ constexpr std::array kComponents{
     ComponentsProperty{p::kOtherDateComponents, kDateComponents + kMultiValue, p::kOtherDates},
 };
 
-// Not listed to anybody, but of a known type.
+// Properties that are never listed, with their types.
 constexpr std::array kInternal{
     BuiltInProperty{p::kImage, kData, Scope::person},
     BuiltInProperty{p::kUnknownLines, kArray, Scope::both},

@@ -26,12 +26,12 @@ struct BuiltInProperty {
 // Returns every built-in property in the framework's order.
 std::span<const BuiltInProperty> builtInProperties();
 
-// Returns the property of people that holds what a property of date components tells: the dates themselves, of which
-// the components are the days, or for the alternate birthday a dictionary, as components alone do not say by
-// which calendar they count. None for any other property.
+// Returns the property under which the values of a date components property are stored: kBirthday and
+// kOtherDates, whose dates are given as components of their local day, or for the alternate birthday a
+// dictionary, since components alone do not say by which calendar they count. None for any other property.
 std::optional<std::string_view> storedForComponents(std::string_view name);
 
-// Returns the names of all properties of a kind that users see before they add some.
+// Returns the names of all built-in properties of a kind, without those that users added.
 std::vector<std::string_view> builtInNames(Kind kind);
 
 // A property that users added to people or groups.
@@ -45,8 +45,8 @@ struct PropertyDefinition {
 // Returns the type of a built-in, components or internal property, 0 when [kind] has no such property.
 int builtInType(Kind kind, std::string_view name);
 
-// Whether only this framework knows properties of this name (a leading dot): they are never listed or
-// searched.
+// Whether [name] is that of an internal property (a leading dot): only this framework knows it, and it is
+// never listed or searched.
 bool isInternal(std::string_view name);
 
 // Names of the built-in properties, and of those that only this framework knows (a leading dot; never

@@ -1,13 +1,14 @@
 #pragma once
 
-// Searches: a condition on one property, or several joined. `matches` is the one definition of every
-// comparison; the store answers the same from its indexes and is tested against it.
+// Searches: a condition on one property, or several joined. matches() is the one definition of every
+// comparison; the store finds exactly the records for which it is true, by way of its indexes, and is tested
+// against it.
 //
 // What a condition looks at. Of a single value: that value. Of a multi-value: every entry, or with a label
-// those with exactly this label. Of a dictionary, single or in an entry: every field, and without a key the
-// dictionary as a whole; with a key only that field. A label says nothing about single values, a key nothing
-// about what is no dictionary. UID, Creation and Modification are searched like any property; internal
-// properties (a leading dot) are never set here.
+// those with exactly this label. Of a dictionary, single or in an entry: the dictionary as a whole and every
+// field, or with a key only that field. The label is ignored for single values, the key for values that are no
+// dictionaries. UID, Creation and Modification are searched like any property; internal properties (a leading
+// dot) count as not set.
 //
 // When it holds. A positive comparison holds when some value meets it. A negative one (its name has "not" in
 // it) holds when no value meets the positive one, so also for records without the property. Without a wanted
@@ -22,11 +23,11 @@
 //   A date without a year equals components without one.
 // - Order is for text, numbers and dates with a year; contained text, prefix and suffix are for text.
 // - A bit field matches when (value & wanted) == wanted; both are integers.
-// - The interval comparisons take a number of seconds. The n whole days in it are compared with the calendar
-//   days from today to a date or to date components. Around today: at most n before or after, none for n < 0.
-//   From today: 0 to n ahead, or for n < 0 0 to -n ago. Yearless: some anniversary of month and day lies
-//   there, across the turn of the year too, and 29 February falls on 28 February where there is none.
-//   Components without a year have only yearless intervals.
+// - The wanted value of an interval comparison is a number of seconds, n whole days. Dates and date components
+//   meet it by their local day. Around today: at most n days before or after today; none for n < 0. From
+//   today: from today to n days ahead, or for n < 0 from -n days ago to today. Yearless: some anniversary of
+//   month and day lies in the interval, which may cross the turn of the year; 29 February falls on 28 February
+//   in a year that has none. Components without a year meet only yearless comparisons.
 
 #include "frameworks/AddressBook/values/value.h"
 
@@ -38,7 +39,7 @@
 
 namespace addressbook {
 
-// Numbered as the framework numbers them.
+// The comparisons, with the framework's numbers.
 enum class Comparison : int {
     equal = 0,
     notEqual,
@@ -68,7 +69,7 @@ enum class Comparison : int {
 };
 inline constexpr int kComparisonCount = 25;
 
-// One condition; it finds only records of its own kind.
+// A condition on one property. Only records of its kind can meet it.
 struct Condition {
     Kind kind = Kind::person;
     std::string property;
@@ -78,7 +79,8 @@ struct Condition {
     Comparison comparison = Comparison::equal;
 };
 
-// A condition, or children joined by "and" or "or". Of no children, all hold and none does.
+// A condition, or child queries joined by "and" (all) or "or" (any). Without children, `all` holds for every
+// record and `any` for none.
 struct Query {
     enum class Join : int { all = 0, any = 1 };
     struct Compound {
@@ -88,12 +90,13 @@ struct Query {
     std::variant<Condition, Compound> node;
 };
 
-// What a query looks at: a record in memory or in the database.
+// The record that a query is tested against, whether it is in memory or in the database.
 class RecordView {
   public:
     virtual ~RecordView() = default;
     virtual Kind kind() const = 0;
-    // The value of [property], no value when it is not set. The reference lives until the next call.
+    // Returns the value of [property], no value when it is not set. The reference is valid until the next
+    // call.
     virtual const Value& value(std::string_view property) const = 0;
 };
 

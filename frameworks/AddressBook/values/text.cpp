@@ -41,7 +41,7 @@ void appendUtf8(std::string& out, char32_t code) {
     }
 }
 
-// The code point that begins at [at], which moves behind it; surrogates pass, anything ill-formed is U+FFFD.
+// Returns the code point at [at] and moves [at] past it. Surrogates are accepted; ill-formed bytes give U+FFFD.
 char32_t nextCodePoint(std::string_view text, std::size_t& at) {
     const auto lead = static_cast<unsigned char>(text[at++]);
     if (lead < 0x80) {
@@ -93,7 +93,7 @@ std::int32_t unitCount(std::u16string_view text) {
     return static_cast<std::int32_t>(text.size());
 }
 
-// Runs an ICU function that writes UTF-16 into a buffer; again with a larger one when it asks for that.
+// Runs an ICU function that writes UTF-16 into a buffer, and again with a larger buffer when it asks for one.
 template <typename Function>
 std::u16string converted(std::size_t guess, Function function) {
     std::u16string out(guess, u'\0');

@@ -1,16 +1,16 @@
 #pragma once
 
-// Text: the two encodings, and the two forms in which it is compared. UTF-8 here may hold a lone surrogate as
-// the three-byte sequence of its code point, and zero characters; nothing in it is ever lost or mistaken for
-// an end.
+// Text: the two encodings, and the two forms in which it is compared. UTF-8 here may hold a lone surrogate, as
+// the three-byte sequence of its code point, and NUL characters, which do not end it: no text is changed by
+// being converted.
 
 #include <string>
 #include <string_view>
 
 namespace addressbook {
 
-// Return UTF-16 as UTF-8, and UTF-8 as UTF-16: every UTF-16 text returns unchanged. Bytes that are no UTF-8
-// become U+FFFD.
+// Convert between UTF-16 and UTF-8. Any UTF-16 text, converted to UTF-8 and back, is unchanged. Bytes that are
+// not UTF-8 become U+FFFD.
 std::string utf8FromUtf16(std::u16string_view text);
 std::u16string utf16FromUtf8(std::string_view text);
 
@@ -18,30 +18,30 @@ std::u16string utf16FromUtf8(std::string_view text);
 std::string normalize(std::string_view text);
 
 // Returns the form for comparisons that ignore case: NFC, then full Unicode case folding. Accents stay.
-// Folding maps each character by itself, so a text that begins with, ends with or contains another does so
-// when both are folded too.
+// Each character is folded independently, so when a text begins with, ends with or contains another, its
+// folded form does so with the other's.
 std::string fold(std::string_view text);
 
 // Returns the folded form of a text that is in NFC already.
 std::string foldNormalized(std::string_view text);
 
-// Returns the version of Unicode that normalizing and folding follow; a newer one may treat new characters
-// differently.
+// Returns the version of Unicode that normalize() and fold() follow. What they return for characters that are
+// new in a later version may change with it, and indexes made with the old one are then stale.
 std::string unicodeVersion();
 
 // Whether every byte is below 0x80: such text is in NFC.
 bool isAscii(std::string_view text);
 
-// Whether a byte of UTF-8 goes on with the character that an earlier byte began.
+// Whether a byte of UTF-8 continues a character, instead of beginning one.
 constexpr bool isContinuation(char byte) {
     return (static_cast<unsigned char>(byte) & 0xC0) == 0x80;
 }
 
-// Returns how many characters (code points) a text has.
+// Returns the number of characters (code points) in a text.
 std::size_t countCharacters(std::string_view text);
 
-// Return the longest beginning and the longest ending of [text] that have at most [bytes] bytes and are cut
-// between two characters.
+// Return the longest prefix and the longest suffix of [text] with at most [bytes] bytes that do not split a
+// character.
 std::string_view beginning(std::string_view text, std::size_t bytes);
 std::string_view ending(std::string_view text, std::size_t bytes);
 

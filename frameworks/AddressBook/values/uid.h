@@ -1,6 +1,7 @@
 #pragma once
 
-// The identifiers of records and entries: new ones, and their packed form.
+// The identifiers of records and of the entries of lists: making new ones, and the packed form in which the
+// database keeps them.
 
 #include "frameworks/AddressBook/values/value.h"
 
@@ -16,12 +17,12 @@ std::string newUuid();
 // Returns a new identifier of a record, as "<UUID>:ABPerson" or "<UUID>:ABGroup".
 std::string newUid(Kind kind);
 
-// Returns the packed form of a UUID in capitals, alone or before ":ABPerson" or ":ABGroup": 16 or 17 bytes.
-// Nothing for any other text.
+// Returns the packed form of a UUID in capitals: its 16 bytes; for one that ":ABPerson" or ":ABGroup" follows,
+// 17 bytes. Nothing for any other text, which has no packed form.
 std::optional<std::string> packUid(std::string_view text);
 
-// Whether bytes have the length of a packed unique id or identifier; and its text, nothing when they have
-// not.
+// Whether [bytes] have the length of a packed identifier; and the text that they stand for, nothing when they
+// have not.
 bool isPackedUid(std::string_view bytes);
 std::optional<std::string> unpackUid(std::string_view bytes);
 

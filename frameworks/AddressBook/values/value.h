@@ -1,8 +1,8 @@
 #pragma once
 
-// The values an address book holds, free of Objective-C: what the store keeps, what vCards are read into,
-// what searches compare. Text is UTF-8; a lone surrogate of the source text is kept in the three-byte form
-// that UTF-8 would give its code point, so that nothing is lost on the way (see text.h).
+// The values that an address book holds, in C++: what the store keeps, what vCards are read into, what
+// searches compare. Text is UTF-8; a lone surrogate of UTF-16 text is kept as the three bytes that UTF-8 would
+// give its code point, so that nothing is lost (see text.h).
 
 #include <compare>
 #include <cstdint>
@@ -17,8 +17,8 @@ namespace addressbook {
 // The kinds of record; the numbers are stored.
 enum class Kind : int { person = 0, group = 1 };
 
-// A property's type, numbered as the AddressBook framework numbers it; `kMultiValue` added makes the list
-// type.
+// A property's type, with the framework's numbers. The type of a list of such values is this number plus
+// kMultiValue.
 enum class Type : int {
     unknown = 0,
     string = 1,
@@ -76,7 +76,7 @@ struct Value : std::variant<std::monostate, std::string, std::int64_t, double, D
     }
 };
 
-// One entry of a multi-value: its identifier persists through copying, saving and reloading.
+// One entry of a multi-value. Its identifier stays the same when the entry is copied, saved and loaded.
 struct Entry {
     std::string identifier; // a UUID
     std::string label;
@@ -84,8 +84,8 @@ struct Entry {
     bool operator==(const Entry&) const = default;
 };
 
-// Returns the type number of a value as a property of that type would have it: base type, or base type +
-// kMultiValue for a multi-value whose entries agree; 0 for no value and for mixed or empty multi-values.
+// Returns the type that a property with this value would have: a Type, or for a multi-value whose entries are
+// all of one type, that type plus kMultiValue. 0 for no value and for mixed or empty multi-values.
 int typeOf(const Value& value);
 
 } // namespace addressbook
