@@ -12,7 +12,7 @@
         [pool_ release];                                                                                     \
     } while (0)
 
-// The object that the expression answers, owned by the caller.
+// The expression's object, owned by the caller; evaluated in a pool of its own.
 #define OWNED(...)                                                                                           \
     ({                                                                                                       \
         id object_;                                                                                          \

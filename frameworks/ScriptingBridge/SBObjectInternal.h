@@ -6,7 +6,7 @@
 
 - (id)initWithElementIdentifier:(id)identifier;
 
-// The id that it was asked for by; nil for an application.
+// Returns the id by which the element was looked up; nil for an application.
 - (id)elementIdentifier;
 
 @end

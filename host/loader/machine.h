@@ -15,7 +15,7 @@ std::string foreignMachine(const std::filesystem::path& file);
 // This program's own, in the same words.
 std::string ownMachine();
 
-// Whether a library for this machine ends before the segments that its head announces, as a copy does that was
+// Whether a library for this machine ends before the segments that its header describes, as a copy does that was
 // broken off. dlopen would map it all the same, and crash.
 bool isCutShort(const std::filesystem::path& file);
 

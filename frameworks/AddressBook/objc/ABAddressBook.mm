@@ -9,9 +9,9 @@ using namespace addressbook;
 
 namespace {
 
-// The shared address book, once it was asked for; changes of all address books are announced from then on.
+// The shared address book, once it was asked for; changes of all address books are posted from then on.
 ABAddressBook* sharedInstance = nil;
-bool announcing = false;
+bool notifying = false;
 
 // Says in the log why the address book cannot be opened: once, not at every attempt.
 void logFailure(const std::string& sentence) {
@@ -101,8 +101,8 @@ NSString* readOnlyText(const Book& book) {
     return stringFrom(readOnlyError(book.file()).what());
 }
 
-void announce(ABAddressBook* book, const SaveResult& result) {
-    if (announcing && result.change != 0) {
+void postChanges(ABAddressBook* book, const SaveResult& result) {
+    if (notifying && result.change != 0) {
         [[NSNotificationCenter defaultCenter]
             postNotificationName:kABDatabaseChangedNotification
                           object:book
@@ -125,10 +125,10 @@ BookPtr sharedBook() {
 
 + (ABAddressBook*)sharedAddressBook {
     if (sharedInstance == nil) {
-        announcing = true;
+        notifying = true;
         sharedInstance = [[ABAddressBook alloc] init];
         if (sharedInstance != nil) {
-            startAnnouncing(sharedInstance, *[sharedInstance book]);
+            startNotifying(sharedInstance, *[sharedInstance book]);
         }
     }
     return sharedInstance;
@@ -192,7 +192,7 @@ BookPtr sharedBook() {
         return refuse(error, code, stringFrom(failure));
     }
     if (unsaved) {
-        announce(self, result);
+        postChanges(self, result);
         [self book]->noteLeftOut(leftOutText(*[self book], result));
     }
     if (error != nullptr) {
@@ -299,7 +299,7 @@ BookPtr sharedBook() {
 }
 
 + (void)closeSharedAddressBook {
-    stopAnnouncing();
+    stopNotifying();
     [sharedInstance release];
     sharedInstance = nil;
 }

@@ -1,6 +1,6 @@
 #pragma once
 
-// Between Foundation's objects and the store's values: the one place where they are turned into one another.
+// Converts between Foundation's objects and the store's values; nothing else does.
 
 #include "frameworks/AddressBook/values/value.h"
 
@@ -11,26 +11,26 @@
 
 namespace addressbook {
 
-// Text keeps everything, lone surrogates included (as the three bytes of their code point). nil gives "".
+// Converts text without loss, lone surrogates included (as the three bytes of their code point); "" for nil.
 std::string textFrom(NSString* string);
 NSString* stringFrom(std::string_view text);
 
 Date dateFrom(NSDate* date);
 
-// The value of a property list object, an NSDateComponents or an ABMultiValue; nothing for an object that no
-// property can hold. NSNull and nil give no value.
+// Returns the value of a property list object, an NSDateComponents or an ABMultiValue; nothing for an object
+// that no property can hold. NSNull and nil give no value.
 std::optional<Value> valueFrom(id object);
 
-// An immutable, autoreleased object; nil for no value.
+// Returns an immutable, autoreleased object; nil for no value.
 id objectFrom(const Value& value);
 
 // Returns the object of a value's bytes (encodeValue), nil for no bytes. Throws DamagedRecord.
 id objectFromEncoded(std::string_view value);
 
-// A label or key: the well-known ones are made once.
+// Returns a label or key; the well-known ones are made once.
 NSString* wordFrom(std::string_view word);
 
-// A value that a list holds: NSNull for no value.
+// Returns what stands for a value in a list: NSNull for nil.
 id objectOrNull(id object);
 
 } // namespace addressbook

@@ -39,9 +39,9 @@ void log(const std::string& sentence) {
 }
 
 // The watch and the thread that runs it.
-class Announcer {
+class ChangeNotifier {
   public:
-    Announcer(ABAddressBook* sender, const Book& book)
+    ChangeNotifier(ABAddressBook* sender, const Book& book)
         : watch_(book.file(), book.seenChange(),
                  {[sender](const LoggedChange& change) { post(sender, change); }, log}) {}
 
@@ -87,44 +87,44 @@ class Announcer {
 };
 
 // Never taken down with the process: the thread may outlive its last statements.
-std::shared_ptr<Announcer>& current() {
-    static auto* announcer = new std::shared_ptr<Announcer>;
-    return *announcer;
+std::shared_ptr<ChangeNotifier>& current() {
+    static auto* notifier = new std::shared_ptr<ChangeNotifier>;
+    return *notifier;
 }
 
 void stopAtExit() {
-    if (const auto announcer = current()) {
-        announcer->stop(&kPatienceAtExit);
+    if (const auto notifier = current()) {
+        notifier->stop(&kPatienceAtExit);
     }
 }
 
 } // namespace
 
 // Foundation wants to know the threads that use it: this one is an NSThread, which keeps its target.
-@interface ABAnnouncerThread : NSObject {
-    void* _announcer;
+@interface ABChangeNotifierThread : NSObject {
+    void* _notifier;
 }
-- (id)initWithAnnouncer:(const std::shared_ptr<Announcer>&)announcer;
+- (id)initWithNotifier:(const std::shared_ptr<ChangeNotifier>&)notifier;
 - (void)run;
 @end
 
-@implementation ABAnnouncerThread
+@implementation ABChangeNotifierThread
 
-- (id)initWithAnnouncer:(const std::shared_ptr<Announcer>&)announcer {
+- (id)initWithNotifier:(const std::shared_ptr<ChangeNotifier>&)notifier {
     if ((self = [super init]) != nil) {
-        _announcer = new std::shared_ptr<Announcer>(announcer);
+        _notifier = new std::shared_ptr<ChangeNotifier>(notifier);
     }
     return self;
 }
 
 - (void)dealloc {
-    delete static_cast<std::shared_ptr<Announcer>*>(_announcer);
+    delete static_cast<std::shared_ptr<ChangeNotifier>*>(_notifier);
     [super dealloc];
 }
 
 - (void)run {
     NSAutoreleasePool* pool = [[NSAutoreleasePool alloc] init];
-    (*static_cast<std::shared_ptr<Announcer>*>(_announcer))->run();
+    (*static_cast<std::shared_ptr<ChangeNotifier>*>(_notifier))->run();
     [pool release];
 }
 
@@ -155,22 +155,22 @@ NSDictionary* changeInfo(const std::vector<std::string>& inserted, const std::ve
     return info;
 }
 
-void startAnnouncing(ABAddressBook* sender, const Book& book) {
+void startNotifying(ABAddressBook* sender, const Book& book) {
     try {
-        current() = std::make_shared<Announcer>(sender, book);
+        current() = std::make_shared<ChangeNotifier>(sender, book);
     } catch (const StoreError& error) {
         log(error.what());
         return;
     }
     [[maybe_unused]] static const int registered = std::atexit(stopAtExit);
-    ABAnnouncerThread* thread = [[ABAnnouncerThread alloc] initWithAnnouncer:current()];
+    ABChangeNotifierThread* thread = [[ABChangeNotifierThread alloc] initWithNotifier:current()];
     [NSThread detachNewThreadSelector:@selector(run) toTarget:thread withObject:nil];
     [thread release];
 }
 
-void stopAnnouncing() {
-    if (const auto announcer = std::exchange(current(), nullptr)) {
-        announcer->stop(nullptr);
+void stopNotifying() {
+    if (const auto notifier = std::exchange(current(), nullptr)) {
+        notifier->stop(nullptr);
     }
 }
 

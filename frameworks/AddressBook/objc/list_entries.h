@@ -1,7 +1,7 @@
 #pragma once
 
-// The entries of a multi-value as objects. What is read from an address book stays bytes until somebody asks
-// for it, part by part: most lists are read for one thing only.
+// The entries of a multi-value as objects. Entries read from an address book stay bytes until a part of them is
+// asked for: most lists are read for one part only.
 
 #include "frameworks/AddressBook/store/record_codec.h"
 
@@ -14,7 +14,7 @@
 
 namespace addressbook {
 
-// An object that is retained while this lives.
+// Retains an object while it lives.
 class Retained {
   public:
     Retained() = default;
@@ -32,18 +32,18 @@ class Retained {
     id object_ = nil;
 };
 
-// An object, or its copy when it can be copied.
+// Returns a copy of the object when it can be copied, else the object itself.
 Retained copied(id object);
 
-// One entry; it never changes, so that copies of a list share its objects.
+// One entry: immutable, so that copies of a list share its objects.
 class ListEntry {
   public:
     ListEntry(id value, NSString* label, NSString* identifier);
-    // One whose parts are made of bytes, which must outlive it.
+    // Makes an entry whose parts are decoded when they are asked for; the bytes must outlive it.
     ListEntry(const EncodedEntry& encoded) : encoded_(encoded) {}
 
-    // Whether this is the entry's identifier, which is given as an object, as text and, where it can be,
-    // packed.
+    // An identifier to look for, as an object, as text and, where it can be, packed: each made once for all
+    // entries that it is compared with.
     struct Sought {
         explicit Sought(NSString* identifier);
         NSString* object;
@@ -63,7 +63,7 @@ class ListEntry {
 
 struct ListEntries {
     ListEntries() = default;
-    // The list with these bytes, which it copies. Throws DamagedRecord.
+    // Decodes a list from these bytes, which it copies. Throws DamagedRecord.
     explicit ListEntries(std::string_view encoded);
 
     std::shared_ptr<const std::string> bytes; // what the entries were read from, if any

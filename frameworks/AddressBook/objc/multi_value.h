@@ -1,6 +1,6 @@
 #pragma once
 
-// What the framework itself does with multi-values beyond the public interface.
+// The framework's own additions to the public interface of multi-values.
 
 #include "frameworks/AddressBook/objc/list_entries.h"
 
@@ -10,7 +10,7 @@
 
 - (id)initWithEntries:(std::unique_ptr<addressbook::ListEntries>)entries;
 
-// The primary identifier that was chosen; nil when the first entry is primary because none was.
+// Returns the primary identifier that was set; nil when none was, so that the first entry is primary.
 - (NSString*)chosenPrimary;
 
 @end

@@ -1,7 +1,7 @@
 #pragma once
 
-// What the framework's classes share: records and their cards, the address book of the process, and failures
-// of the store turned into what callers of the framework expect.
+// What the framework's classes share: live records and their objects, the address book of the process, and
+// failures of the store turned into what callers of the framework expect.
 
 #include "frameworks/AddressBook/model/book.h"
 
@@ -11,36 +11,37 @@ namespace addressbook {
 
 using BookPtr = std::shared_ptr<Book>;
 
-// The one object of this card while it lives, autoreleased; nil for no card.
+// Returns the one object of this live record, autoreleased; nil for null.
 ABRecord* recordFrom(const BookPtr& book, const LiveRecordPtr& live);
 NSArray* recordsFrom(const BookPtr& book, const std::vector<LiveRecordPtr>& live);
-// A list whose records are made when they are asked for.
+// Returns a list whose records are made when they are asked for.
 NSArray* listFrom(const BookPtr& book, std::vector<Book::Place> places);
 
-// The card of a record, null for nil; its address book.
+// Return a record's live record, and its address book; null for nil.
 LiveRecordPtr liveRecordOf(ABRecord* record);
 BookPtr bookOf(ABRecord* record);
 
-// The address book of the process; null when it cannot be opened.
+// Returns the address book of the process; null when it cannot be opened.
 BookPtr sharedBook();
 
-// Whether only the framework sets this property.
+// Returns whether only the framework sets this property.
 bool keptByFramework(std::string_view property);
 
-// The query of a search element; and the other way.
+// Convert between a search element and its query.
 const Query& queryOf(ABSearchElement* element);
 ABSearchElement* elementFrom(Query query);
 
-// Sets [*error], when the caller wants one, and answers NO.
+// Sets [*error], unless it is null, and returns NO.
 BOOL refuse(NSError** error, NSInteger code, NSString* sentence);
 
+// Raises NSInvalidArgumentException.
 [[noreturn]] void raiseInvalid(NSString* sentence);
 // Raises NSInvalidArgumentException, with the sentence, for an argument that is nil.
 void requireArgument(id argument, NSString* sentence);
+// Raises NSGenericException: the address book could not be read.
 [[noreturn]] void raiseUnreadable(const std::string& sentence);
 
-// Runs [work], which reads the store; a failure is raised as an NSException with the store's
-// sentence.
+// Runs [work], which reads the store; its StoreError is raised as an NSException with the same sentence.
 template <typename Work>
 auto reading(Work&& work) -> decltype(work()) {
     std::string failure;
