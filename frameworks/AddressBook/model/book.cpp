@@ -1,5 +1,5 @@
-// In this order: cards, lists and searches, values, adding and removing, groups, the user's own card,
-// properties. Saving, and taking notice of what others saved, are in book_save.cpp.
+// In this order: records, lists and searches, values, adding and removing, groups, the user's own card,
+// properties. Saving, and refreshing after saves of other processes, are in book_save.cpp.
 
 #include "frameworks/AddressBook/model/book.h"
 
@@ -12,16 +12,16 @@ namespace addressbook {
 
 namespace {
 
-// So many records keep their stored values in memory; older ones read them again.
+// The number of records that keep their stored row in memory.
 constexpr std::size_t kLoadedLimit = 1024;
 
-// A walk that goes on in order reads so many records at once: few at first, as it may end soon.
+// A walk over records in order reads this many rows at once: few at first, as it may end soon, then more.
 constexpr std::size_t kFirstReadAhead = 16;
 constexpr std::size_t kMostReadAhead = 256;
 
 const Value kNone;
 
-// A record for queries: its values as this process sees them.
+// A LiveRecord for matches(), with the values that this process sees.
 class LiveRecordView : public RecordView {
   public:
     LiveRecordView(Book& book, LiveRecord& record) : book_(book), card_(record) {}
@@ -44,7 +44,7 @@ auto named(Kind kind, std::string_view name) {
     };
 }
 
-// The unsaved value of a property, which is no value when it was removed; null when it was not changed.
+// Returns the unsaved value of a property, "no value" when it was removed; null when it was not changed.
 const Value* changeOf(const LiveRecord& record, std::string_view property) {
     if (record.changes.empty()) {
         return nullptr;
@@ -53,7 +53,7 @@ const Value* changeOf(const LiveRecord& record, std::string_view property) {
     return change == record.changes.end() ? nullptr : &change->second;
 }
 
-// Whether the database keeps a property beside the card.
+// Whether the database keeps a property outside the properties blob.
 bool keptApart(std::string_view property) {
     return property == property::kUid || property == property::kCreation ||
            property == property::kModification || property == property::kImage;
@@ -90,7 +90,7 @@ Book::Book(std::unique_ptr<Store> store)
     : store_(std::move(store)), seenGeneration_(generation_.load()), seenChange_(store_->lastChange()),
       definitions_(store_->definitions()) {}
 
-// Cards
+// Records
 
 LiveRecordPtr Book::create(Kind kind) {
     return adopt(newRecord(kind).release());
@@ -110,18 +110,18 @@ LiveRecordPtr Book::adopt(LiveRecord* record) {
     return adopted;
 }
 
-// Makes this the card of its unique id.
+// Makes this the record that is found by its unique id.
 void Book::indexByUid(const LiveRecordPtr& record) {
     const auto [place, fresh] = byUid_.try_emplace(record->uid, record);
     if (fresh) {
         return;
     }
-    byUid_.erase(place); // its key belongs to another card
+    byUid_.erase(place); // its key refers to the text of another record
     byUid_.emplace(record->uid, record);
 }
 
 void Book::forget(const LiveRecord& record) {
-    // A newer card may have taken the place of one that is gone.
+    // A newer record may have taken the place of one that no longer lives.
     if (auto found = byUid_.find(record.uid); found != byUid_.end() && found->second.expired()) {
         byUid_.erase(found);
     }
@@ -137,7 +137,7 @@ LiveRecordPtr Book::cached(std::string_view uid) const {
 
 LiveRecordPtr Book::materialize(RecordRow stored) {
     if (auto known = cached(stored.uid)) {
-        if (known->state == LiveRecord::State::deleted) { // deleted, and then brought back by another process
+        if (known->state == LiveRecord::State::deleted) { // another process has restored it
             reload(known);
         }
         return known;
@@ -152,8 +152,8 @@ LiveRecordPtr Book::materialize(RecordRow stored) {
     return adopted;
 }
 
-// Reads a record. Whoever asks for one that follows closely on the one before is on a walk, and will ask for
-// the next ones.
+// Reads a row. A row that follows closely on the last one fetched is part of a walk, so the next rows are
+// read ahead.
 std::optional<RecordRow> Book::fetch(RowId row) {
     const bool walks = row > lastFetched_ && row - lastFetched_ <= 4;
     lastFetched_ = row;
@@ -211,7 +211,7 @@ LiveRecordPtr Book::at(RowId row, const std::shared_ptr<const Store>& origin) {
     return origin == store_ ? at(row) : locate(row, *origin);
 }
 
-// The record that was in a row of [origin], and is in another one now, or deleted.
+// Returns the record that was in a row of [origin], by its unique id: it is in another row now, or deleted.
 LiveRecordPtr Book::locate(RowId row, const Store& origin) {
     auto ref = origin.find(row);
     if (!ref) {
@@ -233,7 +233,7 @@ LiveRecordPtr Book::locate(RowId row, const Store& origin) {
     return record;
 }
 
-// A record that the address book does not have any more.
+// Returns the object for a record that was deleted; it has no values.
 LiveRecordPtr Book::tombstone(RecordRef ref) {
     if (auto known = cached(ref.uid)) {
         return known;
@@ -279,8 +279,8 @@ std::vector<Book::Place> Book::search(const Query& query, Date now) {
     applyChangeLog();
     std::vector<Place> places;
     if (mentionsUndefined(query)) {
-        // The database still holds values that are to be deleted: only the view of this process tells the
-        // truth.
+        // The database still has the values of a property that is being removed, so each record is checked as
+        // this process sees it.
         for (const Kind kind : {Kind::person, Kind::group}) {
             for (const RowId row : store_->rows(kind)) {
                 if (!removed_.contains(row) && matchesNow(query, *at(row), now)) {
@@ -449,7 +449,7 @@ bool Book::remove(const LiveRecordPtr& record) {
     if (record->state != LiveRecord::State::persistent) {
         return false;
     }
-    load(*record); // so that whoever still holds the record can read it
+    load(*record); // so that its values can still be read when it is deleted
     record->state = LiveRecord::State::removed;
     changed_.erase(record->row);
     removed_[record->row] = record;
@@ -538,7 +538,7 @@ bool Book::join(const LiveRecordPtr& group, const LiveRecordPtr& member) {
     if (member->kind == Kind::group && ascendsTo(group, *member)) {
         return false;
     }
-    // One that left and comes back stands behind the others, so it stays in the list of those that left.
+    // A member that left and joins again goes to the end, so it stays in `left` as well.
     group->joined.push_back(member);
     touch(group);
     return true;
@@ -549,7 +549,7 @@ bool Book::leave(const LiveRecordPtr& group, const LiveRecord& member) {
         return false;
     }
     std::erase_if(group->joined, [&](const LiveRecordPtr& one) { return one.get() == &member; });
-    if (isMember(*group, member)) { // the database says so
+    if (isMember(*group, member)) { // still a member, so by the database
         group->left.insert(member.uid);
     }
     touch(group);

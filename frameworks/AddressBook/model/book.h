@@ -1,14 +1,14 @@
 #pragma once
 
-// The address book as this process sees it: the store, with everything that was changed here and is not saved
-// yet laid over it. Free of Objective-C; the framework's classes are thin over this. Not thread-safe, except
-// invalidateAll(). Every function that reads or writes the store throws StoreError when it cannot.
+// The address book as this process sees it: the store, overlaid with everything that was changed in this
+// process and is not saved yet. C++ only; the framework's Objective-C classes are a thin layer over it. Not
+// thread-safe, except invalidateAll(). Every function that reads or writes the store throws StoreError when
+// it cannot.
 //
-// What others save shows at the next call. Values changed here and not saved stay as they are here, all
-// others become the new ones. A record that was deleted elsewhere is gone at once: lists and searches no
-// longer have it, whoever holds it still reads what it had. Unsaved changes to it, made before or after, are
-// orphaned until the save, which reports it as missing; should it be brought back before that, they are there
-// again.
+// Saves of other processes become visible at the next call. Unsaved values of this process stay; all others
+// become the saved ones. A record that another process deleted disappears from lists and searches at once,
+// but a holder can still read the values it had. Unsaved changes to such a record are orphaned: the next save
+// reports the record as missing and drops them, unless the record is restored before, which brings them back.
 
 #include "frameworks/AddressBook/store/store.h"
 #include "frameworks/AddressBook/values/calendar.h"
@@ -28,25 +28,26 @@
 
 namespace addressbook {
 
-// One record as this process sees it. There is one object for each unique id for as long as anybody holds it.
+// One record as this process sees it. There is only one object for a unique id at a time, which lives as long
+// as anybody holds it.
 struct LiveRecord : std::enable_shared_from_this<LiveRecord> {
     enum class State {
-        detached,   // made here, not added
+        detached,   // made in this process, not added to the book
         inserted,   // added, not saved
         persistent, // in the database
-        removed,    // in the database, removed here, not saved
-        deleted     // its removal was saved, here or elsewhere
+        removed,    // in the database; removed by this process, which is not saved
+        deleted     // its removal was saved, by this process or another
     };
     std::string uid;
     Kind kind = Kind::person;
     State state = State::detached;
     RowId row = 0;
-    std::map<std::string, Value> changes;            // unsaved values; no value: removed
-    std::vector<std::shared_ptr<LiveRecord>> joined; // of a group: members and subgroups that joined, unsaved
-    std::set<std::string> left;                      // of a group: uids that left, unsaved
-    std::optional<RecordRow> cachedRow;              // what is stored, once it was asked for; without the uid
-    bool removedHere = false;                        // of a deleted one: by this process
-    void* object = nullptr; // the live Objective-C object of this record; it clears this when it goes
+    std::map<std::string, Value> changes;            // unsaved values; "no value" removes one
+    std::vector<std::shared_ptr<LiveRecord>> joined; // of a group: members and subgroups added, unsaved
+    std::set<std::string> left;                      // of a group: uids of members removed, unsaved
+    std::optional<RecordRow> cachedRow;              // the stored row once it was read; its uid is empty
+    bool removedHere = false;                        // of a deleted record: this process removed it
+    void* object = nullptr; // the Objective-C object of this record, not retained; it clears this in dealloc
 
     bool inBook() const { return state == State::inserted || state == State::persistent; }
     bool inDatabase() const { return state == State::persistent || state == State::removed; }
@@ -55,64 +56,65 @@ struct LiveRecord : std::enable_shared_from_this<LiveRecord> {
 };
 using LiveRecordPtr = std::shared_ptr<LiveRecord>;
 
-// Returns the type of a built-in property that users may see, else 0.
+// Returns the type of a built-in property that is public, else 0.
 int publicType(Kind kind, std::string_view property);
 
-// Returns a new record with a new unique id and its dates.
+// Returns a new record with a new unique id, created and modified now.
 std::unique_ptr<LiveRecord> newRecord(Kind kind);
 
+// An open address book with its unsaved changes.
 class Book : public std::enable_shared_from_this<Book> {
   public:
-    // Opens the default folder's address book.
+    // Opens the address book in the default folder. Throws StoreError.
     static std::shared_ptr<Book> open();
 
     explicit Book(std::unique_ptr<Store> store);
     bool readOnly() const { return store_->readOnly(); }
-    // Return the database's file, and the number of the newest save in it that this book knows.
+    // Return the database's file, and the number of the newest save in its change log that this book has
+    // seen.
     const std::filesystem::path& file() const { return store_->file(); }
     std::int64_t seenChange() const { return seenChange_; }
 
-    // Makes every book of the process ask for others' saves before it is next read. May be called from any
-    // thread.
+    // Makes every book of the process look for new saves before it is next read. Thread-safe.
     static void invalidateAll() { generation_.fetch_add(1, std::memory_order_release); }
 
-    // Returns a new record, added to no address book yet.
+    // Returns a new record, which is not added yet.
     LiveRecordPtr create(Kind kind);
 
     // Returns the record with this unique id, null when the address book has none.
     LiveRecordPtr find(std::string_view uid);
-    // Returns the record in a row of store(), never null: for a deleted one a tombstone with its unique id. Throws
-    // StoreError when so many were deleted since that the id is not known any more.
+    // Returns the record in a row of store(), never null: for a deleted one a tombstone with its unique id.
+    // Throws StoreError when so many were deleted since that the id is not known any more.
     LiveRecordPtr at(RowId row);
-    // Returns the record that was in a row of an earlier store(), wherever it is now; as above.
+    // Like at(), for a row of [origin], an earlier store(): returns that record, whatever row it has now.
     LiveRecordPtr at(RowId row, const std::shared_ptr<const Store>& origin);
-    // Returns what rows are rows of. When another file takes the database's place, another store takes this
-    // one's; whoever keeps rows keeps this, and with it the old file.
+    // Returns the store that rows belong to. It is replaced when another file takes the database's place, so
+    // keep it together with the rows: it keeps the old file open.
     std::shared_ptr<const Store> store() const { return store_; }
 
-    // A record in a list: its row, or the record itself where it has no row yet.
+    // A record in a list: its row, or the record itself while it has no row.
     struct Place {
         RowId row = 0;
         LiveRecordPtr record;
     };
     // Return all records of a kind, and those that meet a query, in the order in which they were added. [now]
-    // is what "today" means.
+    // is what "today" means in queries.
     std::vector<Place> records(Kind kind);
     std::vector<Place> search(const Query& query, Date now);
     // Whether one record meets a query.
     bool matches(const Query& query, LiveRecord& record, Date now);
 
-    // Returns a value as changed here, else as stored. The reference lives until the next call.
+    // Returns a property's unsaved value, else the stored one. The reference is valid until the next call.
     const Value& value(LiveRecord& record, std::string_view property);
     // Like value(), without refreshing first.
     const Value& current(LiveRecord& record, std::string_view property);
-    // Returns a stored value as its bytes (encodeValue), empty for no value; they live until the next call.
-    // Nothing for a value that was changed here, and for those that are kept apart: the unique id, the dates,
-    // the picture.
+    // Returns a stored value in encoded form (encodeValue), empty for no value; valid until the next call.
+    // Nothing for a value with unsaved changes, and for those outside the properties blob: the unique id, the
+    // dates, the picture.
     std::optional<std::string_view> encoded(LiveRecord& record, std::string_view property);
-    // Throws StoreError: such bytes make no sense.
+    // Throws StoreError (damaged), saying [what] is wrong with the stored bytes of [record].
     [[noreturn]] void reportDamage(const LiveRecord& record, const std::string& what) const;
-    // Returns a number that changes whenever values may have changed, here or elsewhere.
+    // Returns a number that changes whenever values may have changed, by this process or another.
     std::uint64_t revision() {
         refreshIfStale();
         return revision_;
@@ -121,42 +123,43 @@ class Book : public std::enable_shared_from_this<Book> {
     std::string displayName(LiveRecord& record);
     // Returns all values that are set, the picture included.
     std::map<std::string, Value> values(LiveRecord& record);
-    // Sets a value; no value removes it.
+    // Sets a value; "no value" removes the property.
     void set(const LiveRecordPtr& record, const std::string& property, Value value);
 
-    // Adds a record; returns false when it is in the book already, or its removal was saved. Removes one;
-    // returns false when it is not in the book.
+    // Adds a record. Returns false when it is in the book already, or was deleted.
     bool add(const LiveRecordPtr& record);
+    // Removes a record. Returns false when it is not in the book.
     bool remove(const LiveRecordPtr& record);
 
     // Return a group's members of one kind, in the order of joining, and the groups that a record is in, in
-    // the order of adding.
+    // the order in which these were added.
     std::vector<LiveRecordPtr> members(LiveRecord& group, Kind kind);
     std::vector<LiveRecordPtr> parents(const LiveRecord& record);
     bool isMember(LiveRecord& group, const LiveRecord& member);
-    // Puts a record into a group and takes one out. Return false when there is nothing to do, when the member
+    // Add a record to a group and remove one from it. Return false when that changes nothing, when the member
     // is not in the book, and when groups would form a circle.
     bool join(const LiveRecordPtr& group, const LiveRecordPtr& member);
     bool leave(const LiveRecordPtr& group, const LiveRecord& member);
 
-    // Returns the user's own card, null when there is none; sets it, null for none.
+    // Return and set the record that is the user's own card; null for none.
     LiveRecordPtr me();
     void setMe(const LiveRecordPtr& record);
 
-    // Return the type of a property, 0 for an unknown one, and the names of all, the built-in ones first.
+    // Return the type of a property, 0 for an unknown one, and the names of all properties, built-in ones
+    // first.
     int typeOf(Kind kind, std::string_view property);
     std::vector<std::string> properties(Kind kind);
-    // Add and remove custom properties; return how many. define() returns -1 and changes nothing when a name
-    // or a type is not valid.
+    // Add and remove custom properties; return how many were added or removed. define() returns -1 and
+    // changes nothing when a name or a type is not valid.
     int define(Kind kind, const std::map<std::string, int>& properties);
     int undefine(Kind kind, const std::vector<std::string>& properties);
 
-    // Notes that a record was refused, as the book may only be read; returns whether one was since this was
-    // last asked.
+    // Notes that a change was refused because the book may only be read; takeRefusal() returns whether one
+    // was since it was last called.
     void noteRefusal() { refused_ = true; }
     bool takeRefusal() { return std::exchange(refused_, false); }
 
-    // Collects, in sentences, what saves left out; returns it once.
+    // Collects sentences that say what saves left out; takeLeftOut() returns and clears them.
     void noteLeftOut(const std::string& sentence) {
         leftOut_ += leftOut_.empty() || sentence.empty() ? sentence : " " + sentence;
     }
@@ -164,7 +167,7 @@ class Book : public std::enable_shared_from_this<Book> {
 
     // Whether anything is unsaved.
     bool changed() const;
-    // Writes everything that is unsaved. When that fails it throws StoreError, and everything stays unsaved.
+    // Writes everything that is unsaved. Throws StoreError, and then everything stays unsaved.
     SaveResult save(Date now);
 
   private:
@@ -207,13 +210,13 @@ class Book : public std::enable_shared_from_this<Book> {
     std::unordered_map<std::string_view, std::weak_ptr<LiveRecord>>
         byUid_; // keys are the uids in the records themselves
     std::unordered_map<RowId, std::weak_ptr<LiveRecord>> byRow_;
-    std::unordered_set<RowId> removedRows_;        // whose records were removed here, and it is saved
-    std::deque<std::weak_ptr<LiveRecord>> loaded_; // whose stored values are in memory, oldest first
+    std::unordered_set<RowId> removedRows_;        // of records that this process removed and saved
+    std::deque<std::weak_ptr<LiveRecord>> loaded_; // records with a cachedRow, oldest first
     std::uint64_t revision_ = 1;
-    std::deque<RecordRow> readAhead_; // read ahead for a walk, ascending
-    std::size_t readAheadSize_ = 0;   // how many are read next
+    std::deque<RecordRow> readAhead_; // rows that a walk will probably ask for next, ascending
+    std::size_t readAheadSize_ = 0;   // how many rows are read ahead next time
     RowId lastFetched_ = -1'000;      // the row that was fetched last
-    Value scratch_;                   // what value() refers to when no record holds it
+    Value scratch_;                   // holds what value() returns a reference to, if no record does
 
     bool refused_ = false;
     std::string leftOut_;
@@ -221,7 +224,7 @@ class Book : public std::enable_shared_from_this<Book> {
     // What is unsaved.
     std::vector<LiveRecordPtr> added_;
     std::map<RowId, LiveRecordPtr> changed_;
-    std::map<std::string_view, LiveRecordPtr> orphaned_; // changed here, and deleted elsewhere; by uid
+    std::map<std::string_view, LiveRecordPtr> orphaned_; // with changes, but deleted elsewhere; by uid
     std::unordered_map<RowId, LiveRecordPtr> removed_;
     std::optional<std::string> me_;
     std::vector<PropertyDefinition> defined_, undefined_;

@@ -1,4 +1,4 @@
-// Saving, and taking notice of what others saved.
+// Saving, and refreshing after saves of other processes.
 
 #include "frameworks/AddressBook/model/book.h"
 
@@ -15,7 +15,7 @@ bool contains(const std::vector<PropertyDefinition>& definitions, const Property
     });
 }
 
-// Forgets what is unsaved.
+// Drops the record's unsaved changes.
 void clean(LiveRecord& record) {
     record.changes.clear();
     record.joined.clear();
@@ -39,7 +39,7 @@ ChangeSet Book::changes(Date now) const {
             set.memberships.push_back({.group = group.uid, .member = uid, .add = false});
         }
         for (const auto& member : group.joined) {
-            if (member->inBook() || member->deletedElsewhere()) { // which the save tells
+            if (member->inBook() || member->deletedElsewhere()) { // the latter is reported by the save
                 set.memberships.push_back({.group = group.uid, .member = member->uid, .add = true});
             }
         }
@@ -81,7 +81,7 @@ SaveResult Book::save(Date now) {
         result = store_->save(set);
     }
     applySaveResult(result);
-    // Others saved nothing in between: what this save did is known.
+    // No other save came in between, so that nothing need be refreshed.
     if (result.change == seenChange_ + 1) {
         seenChange_ = result.change;
     }
@@ -99,12 +99,12 @@ void Book::applySaveResult(const SaveResult& result) {
         record->row = *place++;
         byRow_[record->row] = record;
     }
-    for (const auto& uid : result.updated) { // also by a property that went, or by a member
+    for (const auto& uid : result.updated) { // also records that only lost a removed property or a member
         if (const auto record = cached(uid); record && record->inDatabase()) {
             record->cachedRow.reset();
         }
     }
-    for (const auto& uid : result.missing) { // deleted elsewhere a moment ago
+    for (const auto& uid : result.missing) { // another process has just deleted them
         if (const auto record = cached(uid); record && record->inDatabase()) {
             record->state = LiveRecord::State::deleted;
         }
@@ -121,7 +121,7 @@ void Book::applySaveResult(const SaveResult& result) {
     for (const auto& [row, record] : std::exchange(removed_, {})) {
         record->state = LiveRecord::State::deleted;
         record->removedHere = true;
-        record->joined.clear(); // a group that is gone has no members
+        record->joined.clear(); // a deleted group has no members
         record->left.clear();
         removedRows_.insert(row);
     }
@@ -133,7 +133,7 @@ void Book::applySaveResult(const SaveResult& result) {
     undefined_.clear();
 }
 
-// What others saved
+// Saves of other processes
 
 void Book::refresh() {
     const auto generation = generation_.load(std::memory_order_acquire);
@@ -144,8 +144,8 @@ void Book::refresh() {
     seenGeneration_ = generation;
 }
 
-// Takes notice of what was saved since, here and elsewhere: what is in memory of those records is out of
-// date.
+// Reads the saves since the last one seen from the change log, and reloads the records in memory that they
+// changed.
 void Book::applyChangeLog() {
     const auto newest = store_->lastChange();
     if (newest == seenChange_) {
@@ -154,7 +154,7 @@ void Book::applyChangeLog() {
     reloadDefinitions();
     readAhead_.clear();
     ++revision_;
-    bool all = newest < seenChange_; // an older state was restored
+    bool all = newest < seenChange_; // an older state of the book was restored
     std::unordered_set<std::string> reloaded;
     for (const auto& change : store_->changesSince(seenChange_)) {
         all = all || change.tellsNothing();
@@ -175,13 +175,13 @@ void Book::applyChangeLog() {
 void Book::reloadDefinitions() {
     definitions_ = store_->definitions();
     std::erase_if(undefined_, [this](const auto& one) { return !contains(definitions_, one); });
-    // One that is removed here may come back with another type.
+    // A property that is being removed may be defined again with another type, and then stays in defined_.
     std::erase_if(defined_, [this](const auto& one) {
         return contains(definitions_, one) && !contains(undefined_, one);
     });
 }
 
-// Another file is in the database's place.
+// Opens the file that has taken the database's place, and reloads everything.
 void Book::reopen() {
     store_ = std::make_shared<Store>(store_->file().parent_path());
     ++revision_;
@@ -194,7 +194,7 @@ void Book::reopen() {
 }
 
 void Book::reloadAll() {
-    std::vector<LiveRecordPtr> all; // so that none goes while others take its row
+    std::vector<LiveRecordPtr> all; // keeps every record alive meanwhile
     for (const auto& [uid, weak] : byUid_) {
         if (auto record = weak.lock()) {
             all.push_back(std::move(record));
@@ -205,7 +205,7 @@ void Book::reloadAll() {
     }
 }
 
-// Brings a card that is or was in the database up to date with it.
+// Updates state and row of a record that is or was in the database, and drops its cached values.
 void Book::reload(const LiveRecordPtr& record) {
     ++revision_;
     if (record->state == LiveRecord::State::detached || record->state == LiveRecord::State::inserted) {
@@ -230,7 +230,7 @@ void Book::reload(const LiveRecordPtr& record) {
         record->state = LiveRecord::State::deleted;
         return;
     }
-    if (record->state == LiveRecord::State::deleted) { // it was brought back
+    if (record->state == LiveRecord::State::deleted) { // another process has restored it
         if (!wasOrphaned) {
             clean(*record);
         }

@@ -2,7 +2,7 @@
 
 namespace addressbook {
 
-// What a book is opened for.
+// Whether a book is opened to be read only, or to be written as well.
 enum class Access { readWrite, readOnly };
 
 } // namespace addressbook

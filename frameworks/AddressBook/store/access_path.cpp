@@ -12,9 +12,9 @@ namespace {
 
 constexpr std::size_t kTrigram = 3;     // characters; shorter texts are in no trigram
 constexpr double kShortYear = 365;      // days
-constexpr std::size_t kMostYears = 500; // that are looked up one by one
+constexpr std::size_t kMostYears = 500; // with dates; a property with more of them is scanned
 
-// Up to how many records it is cheaper to read them than to look a condition up, by the path of the look-up.
+// One row of the table behind fewRecordsFor().
 struct PathCost {
     AccessPath path;
     std::size_t fewRecords;
@@ -42,7 +42,7 @@ constexpr bool inOrder() {
 }
 static_assert(inOrder(), "one row for each path, in their order");
 
-// The texts with this beginning.
+// Returns the span of all texts that begin with [prefix].
 Span spanOfPrefix(std::string prefix) {
     Span span{prefix, Bytes()}; // bytes sort behind all text
     while (!prefix.empty() && static_cast<unsigned char>(prefix.back()) == 0xFF) {
@@ -55,12 +55,12 @@ Span spanOfPrefix(std::string prefix) {
     return span;
 }
 
-// The moments of these days in every time zone, which is up to a day earlier or later.
+// Returns the span of the dates that may lie on these days in some time zone: a day more at either end.
 Span spanOfDays(double first, double last) {
     return {utcMidnight(first - 1), utcMidnight(last + 2)};
 }
 
-// What is neither text nor number; date components are.
+// Returns the span of the values that are neither text nor number, among them date components.
 Span spanOfOthers() {
     return {Bytes(), Bytes{0}};
 }
@@ -84,8 +84,8 @@ void spanYears(Store::Impl& impl, const DayRange& days, IndexLookup& lookup) {
         if (!day) {
             return;
         }
-        // Days that began in a year may last into the next one; on its last day the local year may be the
-        // next.
+        // An interval that began in the year before may last into this one, and on the last day of a UTC year
+        // the local year may be the next.
         const std::int64_t year = yearOf(*day);
         for (next = std::max(next, year - 1); next <= year + 1; ++next) {
             const auto start = static_cast<double>(anniversary(next, begin));
@@ -137,7 +137,7 @@ void lookUpNumber(const Matcher& matcher, IndexLookup& lookup) {
 void lookUpText(const Matcher& matcher, IndexLookup& lookup) {
     const std::string& wanted = *matcher.wantedText();
     lookup.folded = matcher.facts().ignoresCase ? wanted : foldNormalized(wanted);
-    // A long text is looked for by a part of it.
+    // The index keeps at most kTermBytes of a text, so that a longer one is looked up by a part of it.
     std::string_view part = beginning(lookup.folded, kTermBytes);
     switch (matcher.facts().operation) {
     case Operation::equal:

@@ -1,6 +1,6 @@
 #pragma once
 
-// Which index serves a condition, and what is looked up in it.
+// The choice of an access path: which index answers a condition, and what is looked up in it.
 
 #include "frameworks/AddressBook/store/explain.h"
 #include "frameworks/AddressBook/store/impl.h"
@@ -12,31 +12,31 @@
 
 namespace addressbook {
 
-// What is bound to one look-up in the table `term`: in `low` the value or limit wanted; or a half-open range
-// from `low` to `high`.
+// What is bound to one look-up in the table `term`: a value or limit in `low`, or the half-open range from
+// `low` up to but without `high`.
 struct Span {
     Value low, high; // no value: nothing is bound
 };
 
-// How a condition is looked up, with all that is bound to its SQL.
+// The chosen access path of a condition, with everything that is bound to its SQL.
 struct IndexLookup {
     AccessPath path = AccessPath::nothing;
     std::int64_t property = 0; // its id; 0 for the unique id, and where nothing can match
-    std::string folded;        // the wanted text
+    std::string folded;        // the wanted text, folded
     TrigramNeedle needle;      // AccessPath::trigram
     std::vector<Span> spans;   // looked up one after the other; a record may be in several
-    std::int64_t rows = 0;     // of the index that were read to choose
+    std::int64_t rows = 0;     // index rows that were read to make the choice
 };
 
-// Chooses the cheapest path for a condition, and makes ready what it looks up. Reads the index where the
-// years of a yearless interval must be known. Throws StoreError.
+// Chooses the cheapest access path for a condition and prepares its look-up. For a yearless interval this
+// reads the index, to learn the years in which there are dates. Throws StoreError.
 IndexLookup chooseAccessPath(Store::Impl& impl, const Matcher& matcher);
 
-// Returns how many candidates are few for a condition with this path: with at most so many left, they are
-// checked record by record instead of querying the condition's index.
+// Returns the number of candidates up to which it is cheaper to check them record by record than to look the
+// condition up by [path].
 std::size_t fewRecordsFor(AccessPath path);
 
-// Whether an index keeps this value as a number.
+// Whether the index of values keeps [value] as a number.
 bool isNumeric(const Value& value);
 
 } // namespace addressbook

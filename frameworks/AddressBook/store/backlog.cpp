@@ -15,7 +15,8 @@ std::string_view bytesOf(const Bytes& bytes) {
 
 } // namespace
 
-// Three values for each property, the last one encoded by itself: it may be nested as deeply as values may.
+// Writes an array of three values for each property: record, property, and the held value encoded once more,
+// as it may be nested as deeply as the codec allows.
 std::string encodeBacklog(const Backlog& backlog) {
     Array parts;
     for (const auto& [ref, held] : backlog) {

@@ -1,9 +1,9 @@
 #pragma once
 
-// What small saves leave to do. The entries of one changed property lie all over the search indexes: writing
-// them costs a save ten pages and more. A small save enters in the change log what the indexes hold of the
-// values that it replaced; one save in kSavesInBacklog, and each large one, brings the indexes up to date.
-// Until then searches look at those few values themselves.
+// Deferred indexing. The index entries of one changed property are spread over many pages: writing them costs
+// a save ten pages and more. A small save only records, in its row of the change log, what the indexes still
+// hold of the values that it replaced. One save in kSavesInBacklog, and each large one, brings the indexes up
+// to date. Until then, searches check the properties in the backlog record by record.
 
 #include "frameworks/AddressBook/store/store.h"
 
@@ -17,7 +17,7 @@ namespace addressbook {
 
 class IndexWriter;
 
-// At most so many saves wait.
+// The most saves whose index updates may be pending.
 inline constexpr std::int64_t kSavesInBacklog = 64;
 
 // One property of one record.
@@ -27,24 +27,25 @@ struct PropertyRef {
     auto operator<=>(const PropertyRef&) const = default;
 };
 
-// What the indexes still hold of properties that were changed since: encoded values, empty for none.
+// The properties that were changed since the indexes were last up to date, with what the indexes still hold
+// of them: an encoded value (encodeValue), empty when they hold nothing.
 using Backlog = std::map<PropertyRef, std::string>;
 
-// Returns a backlog as the change log keeps it.
+// Returns the bytes of a backlog, as a row of the change log keeps it.
 std::string encodeBacklog(const Backlog& backlog);
-// Adds to [backlog] what it does not know yet: the first change of a property says what the indexes hold.
-// Throws DamagedRecord.
+// Adds such bytes to [backlog], oldest row first: of several changes of a property the first one says what
+// the indexes hold, so that a property that is there already stays. Throws DamagedRecord.
 void decodeBacklog(std::string_view bytes, Backlog& backlog);
 
-// Returns what waits in the database. Throws StoreError.
+// Returns the backlog that the database holds. Throws StoreError.
 Backlog readBacklog(Store::Impl& impl);
 
-// Brings the indexes up to date: what they hold by [backlog] becomes what the records hold. Requires a write
+// Replaces what the indexes hold of the properties in [backlog] by what the records hold. Requires a write
 // transaction.
 void applyBacklog(Store::Impl& impl, IndexWriter& index, const Backlog& backlog);
 
-// Brings the indexes up to date with all that waits in the database and, after that, [newer]; then nothing
-// waits any more. Requires a write transaction.
+// Brings the indexes up to date with the database's backlog and, after it, [newer], and empties the backlog.
+// Requires a write transaction.
 void flushBacklog(Store::Impl& impl, IndexWriter& index, Backlog newer);
 
 } // namespace addressbook

@@ -1,4 +1,4 @@
-// Looking for damage: what SQLite can see, and what only the address book knows.
+// Store::check(): damage that SQLite can see, and contradictions that only the address book can.
 
 #include "frameworks/AddressBook/store/impl.h"
 
@@ -15,7 +15,7 @@
 namespace addressbook {
 namespace {
 
-// Rows that a sound address book does not have, and how to say so; one column names the culprit.
+// A query for rows that a sound address book does not have. Its column is the number of the row at fault.
 struct Rule {
     const char* sql;
     const char* sentence; // follows "N"
@@ -39,11 +39,11 @@ constexpr Rule kRules[] = {
      "definitions of properties belong to no property"},
 };
 
-// A hash of all that is added to it, in this order.
+// A hash over everything that is added to it, in order.
 class Hash {
   public:
     Hash& number(std::int64_t value) { return word(static_cast<std::uint64_t>(value)); }
-    // Whole numbers and reals of one worth are one.
+    // -0.0 and 0.0 are equal numbers and give equal hashes.
     Hash& real(double value) { return word(std::bit_cast<std::uint64_t>(value + 0.0)); }
     Hash& bytes(std::string_view bytes) {
         word(bytes.size());
@@ -70,7 +70,7 @@ class Hash {
     std::uint64_t state_ = 0x2545F4914F6CDD1DU;
 };
 
-// A sum that does not depend on the order in which hashes are added to it.
+// A sum of hashes that does not depend on the order in which they are added.
 class Sum {
   public:
     void add(const Hash& hash) {
@@ -84,7 +84,7 @@ class Sum {
     std::size_t count_ = 0;
 };
 
-// What is hashed says first of which type it is, so that 1 is not taken for "1".
+// Hashed before each value, so that the number 1 and the text "1" differ.
 enum class Typed { number, text, bytes };
 
 void add(Hash& hash, Typed type) {
@@ -117,7 +117,7 @@ Hash hashOf(const Term& term) {
     return hash.number(static_cast<int>(term.type));
 }
 
-// Returns the hash of a row of the table, as hashOf() makes it of a term.
+// Returns the hash of a row of the table `term`, which equals hashOf() of the Term that it was written from.
 Hash hashOfTerm(const sql::Statement& statement) {
     Hash hash;
     const auto value = [&](int column) {
@@ -145,7 +145,8 @@ Hash hashOfTerm(const sql::Statement& statement) {
     return hash.number(statement.integer(6));
 }
 
-// One occurrence of a trigram: in which text, and how many characters before it.
+// Returns the hash of one occurrence of a trigram: [text] is the rowid in the index, [place] the number of
+// characters before it.
 Hash hashOf(Hash trigram, std::int64_t text, std::int64_t place) {
     return trigram.number(text).number(place);
 }
@@ -162,7 +163,7 @@ class Checker {
     }
 
   private:
-    // What others save meanwhile is no contradiction.
+    // In one read transaction, so that saves of other processes are not taken for contradictions.
     void checkOneMoment() {
         const Store::ReadTransaction oneMoment(store_);
         attempt([this] { checkDatabase(); });
@@ -217,7 +218,7 @@ class Checker {
         }
     }
 
-    // Every record must be whole; what the indexes should hold is summed up on the way.
+    // Reads every record, and sums up what the indexes should hold of it.
     void checkRecords() {
         recordsAreSound_ = false;
         const Backlog backlog = readBacklog(impl_);
@@ -254,7 +255,7 @@ class Checker {
         recordsAreKnown_ = true;
     }
 
-    // The indexes should hold this value.
+    // Adds what the indexes should hold of a value to the sums.
     void expect(const PropertyRef& ref, const Value& value) {
         if (!indexes_) {
             return;
@@ -266,7 +267,7 @@ class Checker {
     }
 
     void expectTrigrams(std::string_view text, std::int64_t row) {
-        // Where three characters begin that follow one another, and where the third ends.
+        // The places where the last three characters begin.
         std::size_t starts[3] = {};
         std::int64_t characters = 0;
         const auto behind = [&](std::size_t end) {
@@ -285,7 +286,8 @@ class Checker {
         behind(text.size());
     }
 
-    // The terms must be those that the records have; without sound ones, at least of records.
+    // Compares the terms with those of the records; when some record is damaged, only looks for terms of
+    // records that do not exist.
     void checkTerms() {
         if (!recordsAreKnown_) {
             return;
@@ -312,7 +314,8 @@ class Checker {
         }
     }
 
-    // One table tells how often each trigram occurs, the other one where, in the same order.
+    // Compares the trigrams with those of the records. trigram_terms says how often each occurs, and
+    // trigram_places where, in the same order.
     void checkTrigrams() {
         db_.execute(
             "CREATE VIRTUAL TABLE IF NOT EXISTS temp.trigram_terms USING fts5vocab(main, trigram, row);"
@@ -332,7 +335,7 @@ class Checker {
         }
     }
 
-    // Only who may write can ask for this.
+    // FTS5's own check of the index, a statement that only a book that may be written can run.
     void checkTrigramStructure() {
         if (impl_.opened.readOnly || !indexes_) {
             return;

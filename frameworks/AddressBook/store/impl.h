@@ -1,6 +1,6 @@
 #pragma once
 
-// What the parts of Store share; included by its sources only.
+// Store's implementation, shared by its sources and included by nothing else.
 
 #include "frameworks/AddressBook/store/backlog.h"
 #include "frameworks/AddressBook/store/file/open_file.h"
@@ -15,7 +15,7 @@
 
 namespace addressbook {
 
-// A unique id as the database keeps it: packed where it can be.
+// A unique id in the form in which the database keeps it: packed (packUid) where it can be.
 class StoredUid {
   public:
     explicit StoredUid(std::string_view uid);
@@ -27,8 +27,8 @@ class StoredUid {
     bool packed_;
 };
 
-// Returns what marks the saves of this process in the change log: a random UUID, another one in a forked
-// child.
+// Returns the mark of this process's saves in the change log: a random UUID, which is the same until the
+// process ends and another one in a forked child. Thread-safe.
 std::string processMark();
 
 struct Store::Impl {
@@ -36,18 +36,18 @@ struct Store::Impl {
 
     OpenedFile opened;
     sql::Connection& db;
-    int readTransactions = 0; // Store::ReadTransactions that live, all in readTransaction
+    int readTransactions = 0; // how many Store::ReadTransaction objects live; all share readTransaction
     std::optional<sql::Transaction> readTransaction;
-    // Ids of property names that this connection has met, by Kind.
+    // Ids of property names that this connection has looked up, by Kind.
     std::unordered_map<std::string, std::int64_t> propertyIds[2];
     Backlog knownBacklog;
     std::optional<std::uint32_t> backlogVersion; // the data version in which knownBacklog was read
 
-    // Opens files that are read without locks again when they have changed. Does nothing for others, and
-    // while a ReadTransaction lives.
+    // Opens the files again when they are read without locks and have changed. Does nothing for other files,
+    // and while a ReadTransaction lives. Throws StoreError.
     void reopenIfChanged();
 
-    // Returns the property's id, nothing when no record ever had it.
+    // Returns the property's id; nothing when no record ever had the property.
     std::optional<std::int64_t> propertyId(Kind kind, std::string_view name);
     // Returns the property's id, inserting it if absent. Requires a write transaction.
     std::int64_t ensureProperty(Kind kind, std::string_view name);
@@ -55,33 +55,36 @@ struct Store::Impl {
     // Returns the name that has this id; empty when there is none.
     std::string propertyName(std::int64_t id);
 
-    // Returns what the search indexes do not know yet, as of the transaction that is open.
+    // Returns the backlog (see backlog.h) as of the open transaction; read again only when the database has
+    // changed.
     const Backlog& backlog();
 
-    // Return a record's row, nothing when there is none.
+    // Return a record with its properties blob; nothing when there is none.
     std::optional<RecordRow> record(RowId id);
     std::optional<RecordRow> record(std::string_view uid);
 
-    // Returns one property of a record but the picture; no value when the record does not exist.
+    // Returns the value of a property of record [id], but not the picture; no value when there is no such
+    // record.
     Value value(RowId id, std::string_view property);
-    // Returns the value that a row holds of any property but the picture.
+    // Returns the value of a property of [row], but not the picture.
     Value valueOf(const RecordRow& row, std::string_view property) const;
-    // Returns the bytes of that value, empty for no value. The id and the dates have none. Throws
-    // DamagedRecord.
+    // Returns the encoded value of a property in the properties blob of [row]; empty when it is not there, as
+    // for the unique id and the dates. Throws DamagedRecord.
     std::string_view encodedIn(const RecordRow& row, std::string_view property) const;
-    // Returns the row that a statement over (id, kind, uid, creation, modification, card) stands on.
+    // Returns the record in the current row of a statement whose columns are id, kind, uid, creation,
+    // modification, card.
     RecordRow rowFrom(const sql::Statement& statement) const;
-    // Returns the values of the properties blob alone.
+    // Returns the values in the properties blob of [row].
     std::map<std::string, Value> decodeProperties(const RecordRow& row) const;
 
-    // Return the unique id and the kind in a column. Throw StoreError when there is none.
+    // Return the unique id and the kind in a column. Throw StoreError when the column holds something else.
     std::string uidIn(const sql::Statement& statement, int column) const;
     Kind kindIn(const sql::Statement& statement, int column) const;
 
-    // Makes the search indexes again from the records, in one transaction.
+    // Rebuilds the search indexes from the records, in one transaction.
     void rebuildIndexes();
 
-    // Throw StoreError: what the database, or one record of it, holds makes no sense.
+    // Throw StoreError (damaged), saying [what] is wrong with the database or with one of its records.
     [[noreturn]] void reportDamage(const std::string& what) const;
     [[noreturn]] void reportDamage(RowId row, const std::string& what) const;
 };

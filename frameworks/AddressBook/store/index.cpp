@@ -11,7 +11,7 @@
 namespace addressbook {
 namespace {
 
-// So many terms and texts are kept in memory before they are written.
+// The most terms and texts that are gathered in memory before they are written.
 constexpr std::size_t kGatheredTerms = 200'000;
 constexpr std::size_t kGatheredTexts = 10'000;
 // Page budget of one merge of the text index's segments. Above kSmallTextIndex pages the number of segments
@@ -44,7 +44,7 @@ void bind(sql::Statement& statement, const Term& term) {
     statement.bindInteger(static_cast<int>(term.type));
 }
 
-// A number that sorts as a term's text does by its first eight bytes, or as its number does.
+// Returns a sort key for a term: the first eight bytes of its text, or its number, in the order of the table.
 std::uint64_t beginningOf(const Term& term) {
     if (const auto* text = std::get_if<std::string>(&term.folded)) {
         std::uint64_t number = 0;
@@ -63,9 +63,9 @@ std::uint64_t beginningOf(const Term& term) {
     return number < 0 ? ~bits : bits | (std::uint64_t{1} << 63);
 }
 
-// Runs a statement with the columns of each term. They come in the order of the table, but for a few that
-// differ in little: places are sorted instead of terms, by numbers where these decide, for that takes a
-// fraction of the time.
+// Runs a statement with the columns of each term, nearly in the order of the table. Sorts places by small
+// keys, and by whole texts only where the keys are equal, which takes a fraction of the time of sorting
+// terms.
 void runForEach(sql::Connection& connection, const char* sql, const std::vector<Term>& terms) {
     struct Place {
         std::int64_t property;
@@ -128,7 +128,7 @@ Term termOf(std::int64_t record, std::int64_t property, const Leaf& leaf) {
     return term;
 }
 
-// Appends [folded] as the trigram index keeps it; answers whether nothing was replaced.
+// Appends [folded] in the form that the index of texts keeps; returns whether nothing was replaced.
 bool appendIndexed(std::string& out, std::string_view folded) {
     bool unchanged = true;
     for (std::size_t i = 0; i < folded.size(); ++i) {
@@ -192,7 +192,7 @@ TermWord termWord(const std::string* word) {
 std::vector<Term> termsOf(std::int64_t record, std::int64_t property, const Value& value) {
     std::vector<Term> terms;
     visitLeaves(value, [&](const Leaf& leaf) {
-        // A dictionary is known by its fields, if it has any.
+        // A dictionary with fields is represented by the terms of its fields.
         const auto* fields = leaf.value.as<Dictionary>();
         if (fields == nullptr || fields->empty() || leaf.key != nullptr) {
             terms.push_back(termOf(record, property, leaf));
@@ -291,7 +291,7 @@ void IndexWriter::flush() {
 }
 
 void IndexWriter::flushTexts() {
-    // A row that does not follow the one before would make the text index write a piece of its own.
+    // In ascending order of rows: FTS5 starts a new segment whenever a row does not follow the one before.
     std::sort(texts_.begin(), texts_.end());
     auto adding = connection_.prepare("INSERT INTO trigram(rowid, text) VALUES (?, ?)");
     auto removing = connection_.prepare("INSERT INTO trigram(trigram, rowid, text) VALUES ('delete', ?, ?)");

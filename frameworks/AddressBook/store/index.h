@@ -1,9 +1,9 @@
 #pragma once
 
-// What makes searches fast: for each value a row in the table `term`, ordered by its folded text or its
-// number, and for each property's text the trigrams of its folded form in `trigram`. Everything here follows
-// from the records and can be made again. The numbers in it are stored: a change of them is a new schema
-// version.
+// The search indexes. The table `term` (the index of values) has a row for each value, ordered by folded text
+// or number; the table `trigram` (the index of texts) has the trigrams of each property's folded text. Both
+// are made from the records and can be rebuilt at any time. The numbers in this header are stored: changing
+// one takes a new schema version.
 
 #include "frameworks/AddressBook/store/sql/sql.h"
 #include "frameworks/AddressBook/values/value.h"
@@ -17,10 +17,10 @@
 
 namespace addressbook {
 
-// Terms keep this many bytes of a text; a longer one is looked up in its record.
+// Terms keep this many bytes of a text. Whether a longer one matches is decided by reading its record.
 inline constexpr std::size_t kTermBytes = 64;
 
-// What a term was made of.
+// What kind of value a term stands for.
 enum class TermType : int {
     none = 0, // no value, as an entry of a list may be
     text = 1,
@@ -35,21 +35,24 @@ enum class TermType : int {
     cutText = 0x101 // a text of which the term keeps the beginning
 };
 
-// Returns the type of the term that stands for a value. Only an empty list has one: others have a term for
-// each entry.
+// Returns the type of the term that stands for a value. Of multi-values only an empty one has a term of its
+// own; others have a term for each entry.
 TermType termType(const Value& value);
 
-// A label or key in a term: 0 for none, a well-known word's number, or its text.
+// A label or key as a term keeps it: 0 for none, the number of a well-known word, else the text.
 using TermWord = std::variant<std::int64_t, std::string>;
+// Returns [word], which may be null, in this form.
 TermWord termWord(const std::string* word);
-// Binds such a word as the next parameter; it must live as long as the statement.
+// Binds [word] in this form as the next parameter; it must outlive the statement.
 void bindWord(sql::Statement& statement, std::string_view word);
 
 // One row of the table `term`.
 struct Term {
     std::int64_t property = 0;
-    // Text: the folded and the normalized form, both perhaps cut. Numbers and dates: the number, and nothing.
-    // Anything else: no bytes, and nothing.
+    //                  folded                                    exact
+    // Text             folded text, at most kTermBytes of it     normalized text, likewise
+    // Number, date     the number, of a date its seconds         empty
+    // Anything else    no bytes                                  empty
     std::variant<std::string, std::int64_t, double, Bytes> folded;
     std::string exact;
     std::int64_t record = 0;
@@ -61,39 +64,43 @@ struct Term {
 // Returns all terms of a property's value, ordered, each once.
 std::vector<Term> termsOf(std::int64_t record, std::int64_t property, const Value& value);
 
-// Returns the text whose trigrams are kept: each text of [value] folded, with a kTextBorder before and behind
-// it; empty when there is none. Characters that the tokenizer would not take one for one are replaced by
-// kReplaced.
+// Returns the text whose trigrams the index keeps: each text in [value] folded, with kTextBorder before and
+// after it; empty when there is none. Characters that FTS5's tokenizer would drop or change (lone surrogates,
+// U+FFFD, NUL) are replaced by kReplaced.
 inline constexpr char kTextBorder = '\x1F';
 inline constexpr char kReplaced = '\x1E';
 std::string trigramText(const Value& value);
 
-// A folded text as trigramText() writes it; exact when nothing in it was replaced.
+// A text to look for in the index of texts, in the form that trigramText() writes. `exact` is false when a
+// character of it was replaced, so that hits must be checked.
 struct TrigramNeedle {
     std::string text;
     bool exact = true;
 };
 TrigramNeedle trigramNeedle(std::string_view folded);
 
-// Returns the rowid of a property's text in the table `trigram`.
+// The most properties there may be, and the rowid of a property's text in the table `trigram`.
 inline constexpr std::int64_t kMostProperties = 65536;
 constexpr std::int64_t trigramRow(std::int64_t record, std::int64_t property) {
     return record * kMostProperties + property;
 }
 
-// Merges some segments of a small text index, inside the caller's transaction: each IndexWriter::flush()
-// writes one, and a search looks into all. The work is bounded; it goes on where the last one ended.
+// Merges some segments of a small text index, inside the caller's transaction. Each IndexWriter::flush() adds
+// a segment, and every search looks into all of them. The work of one call is bounded; the next one continues
+// it.
 void tidyTexts(sql::Connection& connection);
 
-// Writes both indexes inside the caller's transaction. Gathers additions and removals and writes them in
-// order, which is many times faster than one by one; call flush() before the transaction ends.
+// Writes both indexes inside the caller's transaction. Gathers additions and removals and writes them sorted,
+// which is many times faster than one by one; call flush() before the transaction ends. Throws StoreError.
 class IndexWriter {
   public:
     explicit IndexWriter(sql::Connection& connection) : connection_(connection) {}
 
+    // Adds the entries of a property's [value].
     void add(std::int64_t record, std::int64_t property, const Value& value);
-    // Removes what add() wrote for this [value].
+    // Removes the entries that add() wrote for this [value].
     void remove(std::int64_t record, std::int64_t property, const Value& value);
+    // Writes what was gathered.
     void flush();
 
   private:

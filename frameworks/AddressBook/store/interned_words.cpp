@@ -10,7 +10,7 @@ namespace {
 
 namespace p = property;
 
-// Words that most records hold. Their places, from 1, are what the database keeps.
+// Words that most records hold. The number of a word is its place in this table, counted from 1.
 // clang-format off
 constexpr std::array<std::string_view, 65> kWords{
     p::kFirst, p::kLast, p::kFirstPhonetic, p::kLastPhonetic, p::kMiddle, p::kMiddlePhonetic, p::kTitle,
@@ -27,7 +27,7 @@ constexpr std::array<std::string_view, 65> kWords{
 };
 // clang-format on
 
-// FNV-1a over all words in their order, each with its end.
+// Returns FNV-1a over all words in order, each with a terminator; the assertion below pins the table.
 constexpr std::uint64_t fingerprint() {
     std::uint64_t hash = 0xCBF29CE484222325U;
     const auto add = [&hash](char c) { hash = (hash ^ static_cast<unsigned char>(c)) * 0x100000001B3U; };

@@ -1,7 +1,7 @@
 #pragma once
 
-// The well-known words among labels, keys and names of properties, which the database writes as numbers. A
-// word's number never changes, and no word is ever taken away: what older programs wrote would mean something
+// The well-known words among labels, keys and names of properties, which the database keeps as numbers. The
+// number of a word never changes and no word is ever removed, as stored numbers would then mean something
 // else.
 
 #include <cstdint>

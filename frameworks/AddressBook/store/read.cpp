@@ -252,7 +252,7 @@ Store::ReadTransaction::~ReadTransaction() {
     }
     try {
         store_.impl_->readTransaction->commit();
-    } catch (const StoreError&) { // nothing was written; it is undone
+    } catch (const StoreError&) { // nothing was written, so that nothing is lost
     }
     store_.impl_->readTransaction.reset();
 }
@@ -309,7 +309,7 @@ std::vector<LoggedChange> Store::changesSince(std::int64_t change) const {
     while (statement.step()) {
         const std::int64_t id = statement.integer(0);
         if (changes.empty() && id > change + 1) {
-            changes.push_back(LoggedChange{.change = id - 1}); // the log no longer tells what happened before
+            changes.push_back(LoggedChange{.change = id - 1}); // the log no longer has the saves before
         }
         const bool own = statement.blob(4) == mark;
         LoggedChange one{id, {}, {}, {}, own};

@@ -12,7 +12,7 @@
 namespace addressbook {
 namespace {
 
-// What a value's first byte says.
+// A value's first byte: its type.
 enum class Tag : std::uint8_t {
     none = 0,
     string = 1,
@@ -26,7 +26,7 @@ enum class Tag : std::uint8_t {
     multiValue = 9
 };
 
-// Which parts of a date are there: six bits.
+// The bits that say which parts date components have.
 constexpr unsigned kAllDateParts = 0x3F;
 
 static_assert(sizeof(double) == 8 && std::numeric_limits<double>::is_iec559, "reals are stored bit by bit");
@@ -63,7 +63,7 @@ class Writer {
             bytes(value);
         }
     }
-    // A packed UUID is told from text by its length's lowest bit.
+    // Writes an identifier; the lowest bit of its length is set when it is packed.
     void identifier(std::string_view value) {
         const auto packed = packUid(value);
         const std::string_view stored = packed ? *packed : value;
@@ -193,9 +193,9 @@ class Reader {
         return found;
     }
     Value value(int depth = 0);
-    // Goes past a value, and finds all that value() would find damaged in it.
+    // Skips a value. Throws DamagedRecord wherever value() would.
     void skip(int depth = 0);
-    // The bytes of the value that comes next.
+    // Skips the next value and returns its bytes.
     std::string_view encoded(int depth = 0) {
         const std::string_view before = rest_;
         skip(depth);
@@ -214,7 +214,7 @@ class Reader {
             throw DamagedRecord("bytes are left over");
         }
     }
-    // A number of items, each of which takes at least one byte.
+    // Reads a number of items; each takes at least one byte, so that there are no more than bytes left.
     std::size_t items() {
         const std::uint64_t number = count();
         if (number > rest_.size()) {
@@ -338,7 +338,8 @@ void Reader::skip(int depth) {
     throw DamagedRecord("a value of an unknown type");
 }
 
-// Every step is one-to-one, so that bytes which differ in one place always give different sums.
+// Returns the checksum of [bytes]. Every step is one-to-one, so that a change of a single word of eight bytes
+// always changes the result.
 std::uint64_t checksum(std::string_view bytes) {
     constexpr std::uint64_t kMultiplier = 0x9E3779B97F4A7C15U;
     std::uint64_t sum = bytes.size() * kMultiplier;

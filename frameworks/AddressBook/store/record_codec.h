@@ -1,10 +1,10 @@
 #pragma once
 
-// A record's properties as the database keeps them, in the column record.card: one block of bytes, in which
-// each property can be found, read and replaced without reading the others. It needs no other table to be
-// read, and a checksum tells when its bytes have changed by themselves.
+// The codec of the properties blob, in which the database keeps a record's properties (column record.card).
+// Each property in it can be found, read and replaced without reading the others. It refers to no other
+// table, and a checksum reveals bytes that were changed by accident.
 //
-// The bytes, for ever (a change of them is a new schema version):
+// The format, which never changes without a new schema version. "record" is the whole blob:
 //
 //   record      checksum, then for each property in the order of names: word (its name), bytes (its value)
 //   checksum    8 bytes, little-endian, over all bytes behind it; see checksum() in record_codec.cpp
@@ -43,31 +43,31 @@
 
 namespace addressbook {
 
-// The bytes are no record or no value.
+// Thrown for bytes that are no properties blob, or no encoded value.
 class DamagedRecord : public std::runtime_error {
   public:
     using std::runtime_error::runtime_error;
 };
 
-// A value inside this many others is neither written nor read: reading it would take the stack.
+// The deepest nesting of values that is written and read, so that reading cannot exhaust the stack.
 inline constexpr int kMaxValueDepth = 64;
 
-// Returns one value as bytes, losslessly. Throws std::length_error for a value nested too deeply.
+// Returns a value as bytes, losslessly. Throws std::length_error for a value nested too deeply.
 std::string encodeValue(const Value& value);
-// Returns the value of such bytes. Throws DamagedRecord.
+// Returns the value that encodeValue() wrote as [bytes]. Throws DamagedRecord.
 Value decodeValue(std::string_view bytes);
 
-// Reading encoded values where they are: what is found refers to their bytes. Throws DamagedRecord, also for
-// what would only be seen when the parts are decoded.
+// The following read encoded values in place: results refer to the given bytes and live as long as they do.
+// They throw DamagedRecord, also for damage in parts that they do not decode.
 
-// An identifier, perhaps packed.
+// An identifier, perhaps packed; text() unpacks it.
 struct EncodedIdentifier {
     std::string_view bytes;
     bool packed = false;
     std::string text() const;
 };
 
-// A multi-value's entries, each value encoded.
+// A multi-value, with the value of each entry still encoded.
 struct EncodedEntry {
     EncodedIdentifier identifier;
     std::string_view label;
@@ -82,31 +82,33 @@ struct EncodedList {
 bool holdsList(std::string_view value);
 // Returns the entries of an encoded multi-value.
 EncodedList listIn(std::string_view value);
-// Returns the text that an encoded value is, nothing for a value of another type.
+// Returns the text of an encoded text value; nothing for a value of another type.
 std::optional<std::string_view> textIn(std::string_view value);
+
+// In what follows, [record] is a whole properties blob.
 
 // Calls [visit] with each property's name and encoded value, in the order of names. Throws DamagedRecord,
 // also for a wrong checksum.
 using PropertyVisitor = std::function<void(std::string_view name, std::string_view value)>;
 void visitProperties(std::string_view record, const PropertyVisitor& visit);
 
-// Calls [visit] with the properties that can be read in a damaged record, whatever its checksum says; some of
-// it may be wrong.
+// Like visitProperties(), for a damaged record: ignores the checksum, and ends where nothing more can be
+// read. Names and values may be wrong.
 void visitReadableProperties(std::string_view record, const PropertyVisitor& visit);
 
 // Throws DamagedRecord when a record's checksum is wrong.
 void verifyChecksum(std::string_view record);
 
-// Returns the encoded value of one property, nothing when the record has none; verify its checksum first.
-// Throws DamagedRecord.
+// Returns the encoded value of one property, nothing when the record has none. Does not verify the checksum:
+// call verifyChecksum() first. Throws DamagedRecord.
 std::optional<std::string_view> findProperty(std::string_view record, std::string_view name);
 
-// Returns a record of these properties and their encoded values.
+// Returns the properties blob of these properties, given by name with their encoded values.
 std::string encodeRecord(const std::map<std::string, std::string>& values);
 
-// Returns a list of unique ids as bytes.
+// Returns a list of unique ids as bytes, for the change log.
 std::string encodeUids(const std::vector<std::string>& uids);
-// Returns the unique ids of such bytes. Throws DamagedRecord.
+// Returns the list that encodeUids() wrote as [bytes]. Throws DamagedRecord.
 std::vector<std::string> decodeUids(std::string_view bytes);
 
 } // namespace addressbook

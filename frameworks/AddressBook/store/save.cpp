@@ -16,18 +16,18 @@ namespace {
 using Reason = StoreError::Reason;
 
 constexpr std::size_t kMostLogged =
-    100'000; // unique ids that one save logs; more are "anything may have changed"
-constexpr std::int64_t kLoggedSaves = 10'000; // saves that the log keeps at least
-// Saves of this many records and more make sure that the log's lists stay below this many bytes, too.
+    100'000; // unique ids that one save logs; with more it logs that anything may have changed
+constexpr std::int64_t kLoggedSaves = 10'000; // saves that the log keeps, unless they are too large:
+// A save of at least kLargeSave records also trims the log when its lists have more than kMostLogBytes bytes.
 constexpr std::size_t kLargeSave = 100;
 constexpr std::int64_t kMostLogBytes = 16 << 20;
-// Of so many deleted records it is known what named them; about 45 bytes each.
+// The most rows of the table `deleted`, of about 45 bytes each.
 constexpr std::int64_t kMostDeleted = 1'000'000;
-// A save of so few records and memberships may leave the search indexes to a later one, when what they hold
-// of the values that it replaces takes no more than so many bytes.
+// A save of at most kSmallSave records and memberships may leave the search indexes to a later one, when its
+// backlog (backlog.h) takes at most kMostBacklogBytes bytes.
 constexpr std::size_t kSmallSave = 8;
 constexpr std::size_t kMostBacklogBytes = 2048;
-// A large save brings the indexes up to date whenever so many values of records were replaced.
+// A large save updates the indexes each time this many values were replaced, to bound its memory.
 constexpr std::size_t kMostReplaced = 20'000;
 
 bool isKept(std::string_view property) {
@@ -57,7 +57,7 @@ class Saver {
         for (const RecordChange& change : changes_.records) {
             writeRecord(change);
         }
-        // First who leaves: groups that changed places are no circle.
+        // Removals first, so that groups which swap places never form a circle.
         for (const bool add : {false, true}) {
             for (const MembershipChange& change : changes_.memberships) {
                 if (change.add == add) {
@@ -91,12 +91,12 @@ class Saver {
     void touch(const RecordRow& row);
     bool updated(const RecordRow& row);
 
-    // What the search indexes do not know yet.
+    // Changes that the search indexes do not have yet.
     void inserted(const RecordRow& row, std::string_view property, const Value& value);
     void replaced(const RecordRow& row, std::string_view property, std::string_view before);
     void flushReplaced();
 
-    // What refers to records.
+    // References to records.
     void writeMembership(const MembershipChange& change);
     bool contains(RowId group, RowId within);
     void writeMe(const std::string& uid);
@@ -114,10 +114,10 @@ class Saver {
     sql::Connection& db_;
     const ChangeSet& changes_;
     IndexWriter index_;
-    Backlog replaced_; // the indexes hold something else of these than the records do
+    Backlog replaced_; // properties that this save changed, and whose index entries are not updated yet
     SaveResult result_;
     std::unordered_set<RowId> changed_; // inserted or updated
-    bool wrote_ = false;                // something that belongs to no record
+    bool wrote_ = false;                // something was written that belongs to no record
     std::unordered_set<std::string> missing_;
     const std::unordered_set<std::string_view> removed_{changes_.removed.begin(), changes_.removed.end()};
     const bool small_ = removed_.empty() && changes_.removedDefinitions.empty() &&
@@ -302,7 +302,7 @@ void Saver::writePicture(RowId row, const Value& value) {
         .exec();
 }
 
-// Gives a record the date of this save.
+// Writes the date of this save as a record's modification date.
 void Saver::touch(const RecordRow& row) {
     if (!updated(row)) {
         return;
@@ -313,7 +313,7 @@ void Saver::touch(const RecordRow& row) {
         .exec();
 }
 
-// Notes that a record gets the date of this save; false when it has had it.
+// Notes that a record was changed by this save; returns false when that was noted already.
 bool Saver::updated(const RecordRow& row) {
     if (!changed_.insert(row.id).second) {
         return false;
@@ -326,7 +326,7 @@ bool Saver::updated(const RecordRow& row) {
     return true;
 }
 
-// Notes that a new record has this value.
+// Notes a new record's value for the indexes.
 void Saver::inserted(const RecordRow& row, std::string_view property, const Value& value) {
     if (small_) {
         replaced(row, property, {});
@@ -335,7 +335,8 @@ void Saver::inserted(const RecordRow& row, std::string_view property, const Valu
     }
 }
 
-// Notes that a record has another value than the one that was encoded as [before]; empty when it had none.
+// Notes for the indexes that a value was replaced. [before] is the old value, encoded; empty when there was
+// none.
 void Saver::replaced(const RecordRow& row, std::string_view property, std::string_view before) {
     replaced_.try_emplace({propertyOf(row, property), row.id}, before);
 }
@@ -382,7 +383,7 @@ void Saver::writeMembership(const MembershipChange& change) {
     }
 }
 
-// Whether a group is in another one, through any number of groups, or is that one.
+// Whether [group] is [within], or inside it through any number of groups.
 bool Saver::contains(RowId group, RowId within) {
     auto statement = db_.prepare(
         "WITH RECURSIVE above(id) AS (VALUES (?1) UNION SELECT parent FROM membership JOIN above ON "
@@ -488,7 +489,7 @@ SaveResult Store::save(const ChangeSet& changes) {
         throw StoreError(Reason::refused, file(), "was not changed", error.what());
     } catch (...) {
         for (auto& known : impl_->propertyIds) {
-            known.clear(); // numbers given in the transaction are gone with it
+            known.clear(); // ids that were given in the transaction are undone with it
         }
         throw;
     }

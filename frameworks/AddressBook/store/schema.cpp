@@ -6,8 +6,8 @@
 namespace addressbook {
 namespace {
 
-// What these statements, and the numbers in other rooms, say of each version is what stands in users' files:
-// they are never changed. A change of the format is one more step, and docs/storage.md tells of it.
+// The statements of each version describe the files that users have, and never change. A change of the format
+// is one more step here, and a line in docs/storage.md.
 //
 // Columns without a type keep numbers, text and bytes exactly as they are given.
 constexpr const char* kVersion1 = R"(
@@ -98,11 +98,11 @@ constexpr const char* kVersion2 = "ALTER TABLE change ADD COLUMN origin";
 // they are up to date.
 constexpr const char* kVersion3 = "ALTER TABLE change ADD COLUMN replaced";
 
-// Two pieces of the text index that are about as large are enough to be made one (tidyTexts).
+// FTS5 merges as few as two segments of about the same size (see tidyTexts).
 constexpr const char* kVersion4 = "INSERT INTO trigram(trigram, rank) VALUES ('usermerge', 2)";
 
-// What named the records that were deleted, in the order of deleting: lists that were made before have no
-// more than their rows.
+// Row, kind and unique id of deleted records, in the order of deletion. Lists that were made before a
+// deletion know no more of a record than its row.
 constexpr const char* kVersion5 = R"(
 CREATE TABLE deleted (
     number INTEGER PRIMARY KEY,
@@ -112,7 +112,7 @@ CREATE TABLE deleted (
 );
 )";
 
-// The rowid of a text, and what SQL here and elsewhere says in numbers.
+// Numbers that the SQL here and in other sources repeats.
 static_assert(kMostProperties == 65536 && kTermBytes == 64);
 static_assert(static_cast<int>(Kind::person) == 0 && static_cast<int>(Kind::group) == 1);
 

@@ -9,24 +9,25 @@
 
 namespace addressbook {
 
-// The number in the file's header (PRAGMA application_id) that says it is an address book.
+// The number by which SQLite's file header (PRAGMA application_id) identifies an address book.
 inline constexpr std::int64_t kApplicationId = 0x41424B31; // "ABK1"
 
-// The version that this program writes (PRAGMA user_version). docs/storage.md tells what each version
-// brought.
+// The schema version that this program writes (PRAGMA user_version). docs/storage.md says what each version
+// added.
 inline constexpr std::size_t kSchemaVersion = 5;
 
-// One step: brings a database of the version before (the first step: an empty one) to the next.
+// One step: upgrades a database from a version to the next one; the first step makes the tables of version 1
+// in an empty database.
 using Migration = std::function<void(sql::Connection&)>;
 
-// Returns all steps, kSchemaVersion in number.
+// Returns all steps, in order; there are kSchemaVersion of them.
 std::span<const Migration> migrations();
 
 // Returns the version of a database; 0 for an empty one. Throws StoreError when the file is no address book.
 int schemaVersion(sql::Connection& connection);
 
-// Runs the steps that the database lacks, all in one transaction. Throws StoreError, notably when the
-// database is newer than the steps.
+// Upgrades the database to the newest version: runs the steps that it lacks, all in one transaction. Throws
+// StoreError, notably when the database is of a newer version than there are steps.
 void migrate(sql::Connection& connection, std::span<const Migration> steps = migrations());
 
 } // namespace addressbook

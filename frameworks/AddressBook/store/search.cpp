@@ -1,6 +1,5 @@
-// Searching. Each condition is answered as an ascending list of rows, from the index that serves it;
-// compounds join the lists. An index only has to find every record that may match: what decides is always the
-// Matcher.
+// Store::search(). Each condition yields an ascending list of rows, by its access path; compounds join the
+// lists. An index only has to find every record that may match: the Matcher decides which do.
 
 #include "frameworks/AddressBook/store/impl.h"
 
@@ -38,7 +37,7 @@ Rows united(const Rows& a, const Rows& b) {
     return both;
 }
 
-// Adds the time it lives.
+// Adds its lifetime to a duration.
 class Stopwatch {
   public:
     explicit Stopwatch(std::chrono::nanoseconds& time) : time_(time) {}
@@ -52,7 +51,7 @@ class Stopwatch {
     Clock::time_point start_ = Clock::now();
 };
 
-// A record in the database as conditions look at it.
+// A record in the database, for matches().
 class StoredRecord final : public RecordView {
   public:
     StoredRecord(const Store::Impl& impl, const RecordRow& row) : impl_(impl), row_(row) {}
@@ -67,7 +66,7 @@ class StoredRecord final : public RecordView {
     mutable Value value_;
 };
 
-// One condition, and in [step] what was done for it.
+// The search for one condition. Reports in [step] what it did.
 class ConditionSearch {
   public:
     ConditionSearch(Store::Impl& impl, const Condition& condition, Date now, SearchStep& step)
@@ -77,12 +76,14 @@ class ConditionSearch {
         step_.indexRows = lookup_.rows;
     }
 
-    // What is dear about a negative comparison is the list of all others.
+    // Returns the access path by which the cost is judged: a negative comparison lists all records, which
+    // costs as much as a scan.
     AccessPath path() const {
         return matcher_.negative() ? std::max(lookup_.path, AccessPath::scan) : lookup_.path;
     }
 
-    // Whether findWithin() keeps to its limit: with a label or a key SQLite passes over rows by itself.
+    // Whether findWithin() can keep to its limit. With a label or a key it cannot, as SQLite skips rows that
+    // are not counted.
     bool countsRows() const {
         const AccessPath mine = path();
         const bool looksUpValues = mine == AccessPath::exact || mine == AccessPath::prefix ||
@@ -92,7 +93,8 @@ class ConditionSearch {
 
     Rows find() { return *findWithin(std::numeric_limits<std::int64_t>::max()); }
 
-    // Nothing when the index of values has more than so many rows to look at.
+    // Returns the records that meet the condition; nothing when that would take more than [mostRows] rows of
+    // the index of values.
     std::optional<Rows> findWithin(std::int64_t mostRows) {
         if (matcher_.neverMatches()) {
             return Rows();
@@ -142,7 +144,7 @@ std::optional<Rows> ConditionSearch::positive(std::int64_t mostRows) {
     }
 }
 
-// What the indexes found, corrected by the values that they do not know yet.
+// Returns [hits] corrected by the backlog: of its properties the current values are checked.
 Rows ConditionSearch::upToDate(Rows hits) {
     const Backlog& backlog = impl_.backlog();
     if (backlog.empty() || lookup_.property == 0) {
@@ -163,7 +165,8 @@ Rows ConditionSearch::upToDate(Rows hits) {
     return united(fresh, now);
 }
 
-// What the index of values tells, and of those of which it does not tell the records that were read.
+// Returns the hits in the index of values, and those of its candidates whose records match; nothing when that
+// would take more than [mostRows] rows.
 std::optional<Rows> ConditionSearch::terms(std::int64_t mostRows) {
     auto found = TermLookup(impl_.db, matcher_, lookup_).run(mostRows, step_.indexRows);
     if (!found) {
@@ -206,7 +209,8 @@ Rows ConditionSearch::trigrams() {
     return found;
 }
 
-// Unique ids that are packed are found by looking them up; the few others are looked at.
+// Returns the hits among unique ids. Packed ones are looked up, if they can be; the few others, which sort
+// apart as text, are compared one by one.
 Rows ConditionSearch::uids() {
     const bool lookUp = lookup_.path == AccessPath::uid;
     Rows found;
@@ -217,7 +221,7 @@ Rows ConditionSearch::uids() {
             found.push_back(row->id);
         }
     }
-    // Asked for the kind as well, SQLite would look through all records of it.
+    // The kind is compared below: in the statement it would make SQLite read all records of the kind.
     auto statement =
         impl_.db.prepare(lookUp ? "SELECT id, uid, kind FROM record WHERE uid >= '' AND uid < x''"
                                 : "SELECT id, uid, kind FROM record WHERE kind = ?");
@@ -248,7 +252,7 @@ bool ConditionSearch::verify(RowId row) {
     return matcher_.anyMeets(impl_.value(row, condition_.property));
 }
 
-// A query's conditions made ready, in the same shape.
+// The search for a query: a tree of the shape of the query, with a ConditionSearch for each condition.
 class QuerySearch {
   public:
     QuerySearch(Store::Impl& impl, const Query& query, Date now) : impl_(impl), query_(query), now_(now) {
@@ -267,7 +271,7 @@ class QuerySearch {
     QuerySearch(const QuerySearch&) = delete;
     QuerySearch& operator=(const QuerySearch&) = delete;
 
-    // The plan that says how dear the whole is.
+    // Returns the access path by which the cost of the whole is judged.
     AccessPath path() const {
         if (condition_) {
             return condition_->path();
@@ -286,7 +290,7 @@ class QuerySearch {
         return rows;
     }
 
-    // What find() did.
+    // Returns what find() did.
     SearchStep steps() const {
         SearchStep step = step_;
         if (step.execution == SearchStep::Execution::searched) {
@@ -309,7 +313,7 @@ class QuerySearch {
         return rows;
     }
 
-    // Those of [rows] that match: looked at one by one when they are few, unless a search is quicker.
+    // Returns those of [rows] that match. Reads the records when they are few, unless a look-up is quicker.
     Rows filter(Rows rows) {
         const bool few = rows.size() <= fewRecordsFor(path());
         if (const auto mine = few ? findAtMost(rows.size()) : find()) {
@@ -334,7 +338,7 @@ class QuerySearch {
         return rows;
     }
 
-    // What find() answers, if that is quicker than looking at so many records.
+    // Returns the result of find() if that is quicker than reading this many records, else nothing.
     std::optional<Rows> findAtMost(std::size_t records) {
         if (records <= kHandful || !condition_ || !condition_->countsRows()) {
             return std::nullopt;

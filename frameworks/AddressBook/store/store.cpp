@@ -1,4 +1,4 @@
-// Opening, unique ids, and what the other parts share.
+// Opening a store, and what its sources share: unique ids, ids of properties, damage reports.
 
 #include "frameworks/AddressBook/store/impl.h"
 
@@ -34,7 +34,7 @@ std::string processMark() {
         std::string bytes;
     };
     static std::mutex lock;
-    // Never destroyed: a watch's thread may still ask while the process ends.
+    // Never destroyed: the thread of a watch may use it while the process ends.
     static Mark& mark = *new Mark;
     const std::lock_guard<std::mutex> guard(lock);
     if (mark.process != getpid()) {

@@ -1,7 +1,7 @@
 #pragma once
 
-// The address book on disk: one SQLite database in one folder. A Store is one connection and is used by one
-// thread at a time; several stores, in this and other processes, may be open on the same folder.
+// The address book on disk: one SQLite database in one folder. A Store is one connection to it. A Store is
+// not thread-safe; several stores, in this and other processes, may be open on the same folder.
 
 #include "frameworks/AddressBook/store/access.h"
 #include "frameworks/AddressBook/store/sql/store_error.h"
@@ -22,36 +22,36 @@
 
 namespace addressbook {
 
-// A record's place in the database; ascending in the order in which records were added.
+// A record's row in the database; ascending in the order in which records were added, and never used again.
 using RowId = std::int64_t;
 
 struct SearchStep;
 
-// What names a record. A unique id reads "<UUID>:ABPerson" or "<UUID>:ABGroup".
+// Names a record. A unique id is "<UUID>:ABPerson" or "<UUID>:ABGroup".
 struct RecordRef {
     RowId row = 0;
     Kind kind = Kind::person;
     std::string uid;
 };
 
-// A record as it was read in one row; Store::value() and values() say what is in it.
+// A record as read from its row; Store::value() and values() decode it.
 struct RecordRow {
-    RowId id = 0; // 0: no record, without values
+    RowId id = 0; // 0: no record; it has no values
     Kind kind = Kind::person;
     std::string uid;
     Date creation, modification;
-    std::string properties;                // see record_codec.h
-    mutable bool checksumVerified = false; // the checksum of `properties` was found right
+    std::string properties;                // the properties blob; see record_codec.h
+    mutable bool checksumVerified = false; // the checksum of `properties` is right
 };
 
-// The changes of one record; an insertion has all its values in `values`. UID and Modification among them are
-// ignored, Creation counts for an insertion only.
+// The changes of one record, or a new record with all its values. UID and Modification among the values are
+// ignored, Creation as well unless the record is new.
 struct RecordChange {
     std::string uid;
     Kind kind = Kind::person;
     bool insert = false;
     std::map<std::string, Value>
-        values; // property -> new value; no value removes it. The picture is property::kImage
+        values; // property -> new value; "no value" removes it. The picture is property::kImage
 };
 
 // One membership added or removed.
@@ -61,10 +61,10 @@ struct MembershipChange {
     bool add = true;
 };
 
-// Everything one save writes, in one transaction. A group whose memberships change counts as changed, and so
-// does a record that loses a value because its custom property is removed. Refused
-// (StoreError::Reason::refused, nothing written): an insertion with the unique id of a record that exists, a
-// definition of a built-in or internal name, a picture that is not data, values nested beyond reason.
+// Everything that one save writes, in one transaction. A group whose memberships change counts as changed,
+// and so does a record that loses a value because its custom property is removed. A save is refused
+// (StoreError::Reason::refused) and writes nothing when it inserts a unique id that exists, defines a
+// built-in or internal property, sets a picture that is not data, or nests values deeper than kMaxValueDepth.
 struct ChangeSet {
     Date time;                                   // becomes the Modification date of every changed record
     std::vector<PropertyDefinition> definitions; // custom properties added
@@ -72,27 +72,26 @@ struct ChangeSet {
     std::vector<RecordChange> records;                  // insertions in the order in which they were added
     std::vector<std::string> removed;                   // uids
     std::vector<MembershipChange> memberships;
-    std::optional<std::string> me; // uid of the user's own card; "" clears it
+    std::optional<std::string> me; // uid of the user's own card; "" clears it, nothing leaves it
     bool empty() const;
 };
 
-// What a save did: unique ids, each at most once.
+// What a save did. Each unique id is there at most once.
 struct SaveResult {
     std::vector<std::string> inserted, updated, deleted;
-    std::vector<RowId> insertedRows; // where those inserted are, in the same order
+    std::vector<RowId> insertedRows; // the rows of `inserted`, in the same order
     std::vector<std::string>
         missing; // changed here, but deleted by another process; their changes were dropped
     std::vector<MembershipChange> circular; // left out: the group would contain itself
     std::int64_t change = 0; // the number of this save in the change log; 0 when nothing was written
 };
 
-// One save as the change log tells it to other processes. All lists empty: anything may have changed (a very
-// large save, a change of the custom properties or of `me` alone, or saves so old that the log no longer has
-// them).
+// One save as the change log records it. Empty lists mean that anything may have changed: a very large save,
+// a change of the custom properties or of `me` alone, or saves so old that the log no longer has them.
 struct LoggedChange {
     std::int64_t change = 0;
     std::vector<std::string> inserted = {}, updated = {}, deleted = {};
-    bool own = false; // saved by this process, through whatever store
+    bool own = false; // saved by this process, through any Store
     bool tellsNothing() const { return inserted.empty() && updated.empty() && deleted.empty(); }
 };
 
@@ -104,11 +103,11 @@ class Store {
     // Returns $ADDRESSBOOK_HOME, else $XDG_DATA_HOME/AddressBook, else ~/.local/share/AddressBook.
     static std::filesystem::path defaultFolder();
 
-    // Opens the database in [folder]; with readWrite makes the folder's last component and the database when
-    // they are missing (for their owner only) and migrates an older schema. $ADDRESSBOOK_HOME must exist: a
+    // Opens the database in [folder]. With readWrite, makes the folder's last component and the database when
+    // they are missing (for their owner only), and upgrades an older schema. $ADDRESSBOOK_HOME must exist: a
     // mistyped folder is an error, not a new address book. A file or folder that may not be written is opened
-    // for reading. Waits for other processes' locks up to [busyTimeout], then and later. Throws StoreError,
-    // and so does everything below that reads or writes.
+    // for reading. Waits up to [busyTimeout] for a lock of another process, here and in every later call.
+    // Throws StoreError, and so does everything below that reads or writes.
     explicit Store(const std::filesystem::path& folder, Access access = Access::readWrite,
                    std::chrono::milliseconds busyTimeout = std::chrono::seconds(10));
     ~Store();
@@ -117,41 +116,42 @@ class Store {
 
     const std::filesystem::path& file() const;
     bool readOnly() const;
-    // Whether the files are read as they were when they were opened, because nothing can be made beside them.
-    // lastChange() and the constructor of ReadTransaction open them again when they have changed; nothing
-    // else does.
+    // Whether the files are read without locks, as they were when they were opened, because no file can be
+    // made beside them. Only lastChange() and the constructor of ReadTransaction look whether they have
+    // changed since, and then open them again.
     bool readsWithoutLocks() const;
-    // Whether the file is no longer in its place: it was removed, or another one was put there.
+    // Whether the open file is no longer the one at its path: it was removed or replaced.
     bool moved() const;
 
-    // Return what names a record, and those of a kind in the order in which they were added.
+    // Return a record's row, kind and unique id; nothing when there is no such record.
     std::optional<RecordRef> find(std::string_view uid) const;
     std::optional<RecordRef> find(RowId row) const;
-    // What named the record that was in this row until it was deleted; nothing when there was none, or more
-    // than a million were deleted since.
+    // Returns row, kind and unique id of a deleted record by the row it had; nothing when there was none, or
+    // when more than a million records were deleted since.
     std::optional<RecordRef> findDeleted(RowId row) const;
+    // Return the rows of all records of a kind, in the order in which they were added, and their number.
     std::vector<RowId> rows(Kind kind) const;
     std::int64_t count(Kind kind) const;
 
-    // Return one property (kImage included), or all that are set but kImage. An unknown row has no values.
+    // Return the value of one property, or all values but the picture (kImage). An unknown row has no values.
     Value value(RowId row, std::string_view property) const;
     std::map<std::string, Value> values(RowId row) const;
 
-    // Return a whole record to take values from, the picture apart; readFrom() the first [count] records from
-    // [row] on. A damaged record is reported when a value is taken from it.
+    // Return a record to take values from without further reading, except the picture; readFrom() returns the
+    // first [count] records from [row] on. A damaged record is reported when a value is taken from it.
     std::optional<RecordRow> read(std::string_view uid) const;
     std::optional<RecordRow> read(RowId row) const;
     std::vector<RecordRow> readFrom(RowId row, std::size_t count) const;
     Value value(const RecordRow& record, std::string_view property) const;
     std::map<std::string, Value> values(const RecordRow& record) const;
-    // Returns the bytes (encodeValue) of a value, which live as long as the record; empty for no value. The
-    // id, the two dates and the picture have none.
+    // Returns a value in encoded form (encodeValue), in memory that [record] owns; empty for no value. The
+    // unique id, the two dates and the picture are never encoded.
     std::string_view encodedValue(const RecordRow& record, std::string_view property) const;
-    // Throws StoreError: such bytes make no sense.
+    // Throws StoreError (damaged), saying [what] is wrong with the bytes of [record].
     [[noreturn]] void reportDamage(const RecordRow& record, const std::string& what) const;
 
-    // A read transaction: while one lives, everything that is read shows one moment, and is read faster. They
-    // may be nested. Keep it short, and save nothing.
+    // A read transaction: while one lives, everything that is read is of one moment, and reading is faster.
+    // They may be nested. Keep it short, and save nothing meanwhile.
     class ReadTransaction {
       public:
         explicit ReadTransaction(const Store& store);
@@ -163,13 +163,13 @@ class Store {
         const Store& store_;
     };
 
-    // Return memberships: a group's members in the order of joining, a record's groups in the order of
-    // adding.
+    // Return the people and the groups in a group, in the order of joining, and the groups that a record is
+    // in, in the order in which these were added.
     std::vector<RowId> members(RowId group) const;
     std::vector<RowId> subgroups(RowId group) const;
     std::vector<RowId> parents(RowId record) const;
 
-    // Returns the unique id of the user's own card.
+    // Returns the unique id of the user's own card; nothing when there is none.
     std::optional<std::string> me() const;
 
     // Returns the custom properties, in the order in which they were added.
@@ -179,21 +179,22 @@ class Store {
     // means.
     std::vector<RowId> search(const Query& query, Date now) const;
 
-    // Runs the search and returns how it was answered; see explain.h. The result refers to [query].
+    // Runs the search and returns how it was done; see explain.h. The result refers to [query].
     SearchStep explain(const Query& query, Date now) const;
 
-    // Writes everything or nothing; durable when it returns. Throws StoreError, also when the file is no
-    // longer in its place: the changes would be lost with it.
+    // Writes all changes, durably, or none. Throws StoreError, also when the file was removed or replaced, as
+    // the changes would be lost with it.
     SaveResult save(const ChangeSet& changes);
 
-    // Return the number of the newest save in the change log, and all saves after [change]. A number lower
-    // than one that was seen before says that an older state of the book was restored.
+    // Return the number of the newest save in the change log, 0 when there is none, and all saves after
+    // number [change]. A lower number than one seen before means that an older state of the book was
+    // restored.
     std::int64_t lastChange() const;
     std::vector<LoggedChange> changesSince(std::int64_t change) const;
 
-    // Looks for damage: SQLite's own check, then dangling and contradictory rows; with [depth] everything
-    // also whether the search indexes say what the records do, which takes far longer. Returns a sentence for
-    // each problem.
+    // Looks for damage and returns a sentence for each problem found. Runs SQLite's own check, then looks for
+    // dangling and contradictory rows; with Depth::everything also compares the search indexes with the
+    // records, which takes far longer.
     enum class Depth { records, everything };
     std::vector<std::string> check(Depth depth = Depth::everything) const;
 

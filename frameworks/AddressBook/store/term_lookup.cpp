@@ -19,10 +19,10 @@ void bindValue(sql::Statement& statement, const Value& value) {
     }
 }
 
-// Columns of the statement; the last three only where the type does not say enough.
+// The columns of the statement. The last three are there only when hits must be judged by their values.
 enum Column : int { kRecord, kType, kFolded, kExact, kKey };
 
-// The number in a row, when it is one that the Matcher can judge by itself; else no value.
+// Returns the number or date in a row, for the Matcher to judge; no value for a row of any other type.
 Value numberIn(const sql::Statement& row, TermType type) {
     if (!row.isNumber(kFolded)) {
         return {};
@@ -65,7 +65,7 @@ std::string TermLookup::sql() const {
         sql += " AND folded >= ? AND folded < ?";
         break;
     case AccessPath::range:
-        // Numbers sort before text.
+        // SQLite sorts numbers before text, so that `folded < ''` ends the numbers.
         sql += matcher_.facts().operation == Operation::less          ? " AND folded < ?"
                : matcher_.facts().operation == Operation::lessOrEqual ? " AND folded <= ?"
                : matcher_.facts().operation == Operation::greater     ? " AND folded > ? AND folded < ''"
@@ -83,7 +83,7 @@ std::string TermLookup::sql() const {
     return sql;
 }
 
-// Binds what sql() asks for, in its order; the bytes that are bound live as long as this and [span].
+// Binds the parameters of sql(), in its order. The statement must not outlive this object and [span].
 void TermLookup::bind(sql::Statement& statement, const Span& span) const {
     statement.bindInteger(lookup_.property);
     bindValue(statement, span.low);
@@ -112,7 +112,7 @@ TermLookup::Verdict TermLookup::judge(const sql::Statement& row, TermType type) 
     if (condition_.value.empty()) {
         return Verdict::hit;
     }
-    // A dictionary is wanted whole: its fields' terms say nothing.
+    // Terms have only a dictionary's fields, so that a wanted dictionary has to be compared in the record.
     const Verdict otherwise =
         condition_.value.as<Dictionary>() != nullptr ? Verdict::candidate : Verdict::miss;
     if (type == TermType::text) {

@@ -1,7 +1,7 @@
 #pragma once
 
-// Looking a condition up in the index of values, the table `term`: which rows are asked for, and what each
-// says of its record.
+// Looking a condition up in the index of values, the table `term`: the SQL for each access path, and what
+// each row found says about its record.
 
 #include "frameworks/AddressBook/store/access_path.h"
 #include "frameworks/AddressBook/values/comparison.h"
@@ -13,20 +13,21 @@
 
 namespace addressbook {
 
-// The records that a look-up found, in no order, and perhaps more than once.
+// The records that a look-up found, in no order; a record may be there several times and in both lists.
 struct TermRows {
-    std::vector<RowId> hits;       // they meet the condition
-    std::vector<RowId> candidates; // the index does not tell: read the record
+    std::vector<RowId> hits;       // meet the condition
+    std::vector<RowId> candidates; // may meet it: read the record to find out
 };
 
+// The look-up of one condition.
 class TermLookup {
   public:
-    // All three must live as long as this does. [lookup] is what chooseAccessPath() answered for the
-    // condition.
+    // [lookup] is the result of chooseAccessPath() for the condition of [matcher]. All three arguments must
+    // outlive this object.
     TermLookup(sql::Connection& connection, const Matcher& matcher, const IndexLookup& lookup);
 
-    // Returns what the index has; nothing when it would have to look at more than [mostRows] rows. Adds to
-    // [indexRows] each row that it looked at. Throws StoreError.
+    // Returns the records that the index finds; nothing when that would take more than [mostRows] rows. Adds
+    // the number of rows that were looked at to [indexRows]. Throws StoreError.
     std::optional<TermRows> run(std::int64_t mostRows, std::int64_t& indexRows) const;
 
   private:
@@ -40,8 +41,8 @@ class TermLookup {
     const Matcher& matcher_;
     const Condition& condition_;
     const IndexLookup& lookup_;
-    const bool comparesExact_; // the text is looked up in the form that counts case
-    const bool covered_; // what is found is then what is wanted, text for text: nothing else need be read
+    const bool comparesExact_; // the wanted text is compared with case
+    const bool covered_;       // the SQL compares whole texts, so that rows found need no further comparison
 };
 
 } // namespace addressbook

@@ -18,15 +18,16 @@ namespace {
 
 namespace fs = std::filesystem;
 
-constexpr std::chrono::milliseconds kPollEvery{1000}; // where nobody tells when
+constexpr std::chrono::milliseconds kPollEvery{1000}; // while there are no events
 constexpr std::chrono::milliseconds kBusyTimeout{1000};
 
-// The bell; a file that comes or goes; the end of a process that had the file open; the folder's own end.
+// The touch of notifyWatchers (IN_ATTRIB); a file that is made, moved or removed; the end of a process that
+// had the file open for writing; the removal of the folder itself.
 constexpr std::uint32_t kEvents = IN_ATTRIB | IN_CREATE | IN_MOVED_TO | IN_MOVED_FROM | IN_DELETE |
                                   IN_CLOSE_WRITE | IN_DELETE_SELF | IN_MOVE_SELF | IN_ONLYDIR;
 constexpr std::uint32_t kEndOfFolder = IN_DELETE_SELF | IN_MOVE_SELF | IN_UNMOUNT | IN_IGNORED;
 
-// Takes what the kernel has told so far; false when that is that the folder is no longer in its place.
+// Reads all pending events; returns false when one says that the folder was removed or moved.
 bool takeEvents(int events) {
     alignas(inotify_event) std::array<char, 16384> buffer;
     bool inPlace = true;
@@ -41,7 +42,7 @@ bool takeEvents(int events) {
     return inPlace;
 }
 
-// The folder in which the database lies, behind symbolic links.
+// Returns the folder in which the database really is, with symbolic links resolved.
 fs::path realFolderOf(const fs::path& file) {
     std::error_code error;
     const fs::path real = fs::canonical(file, error);
@@ -78,18 +79,18 @@ void Watch::stop() {
 
 void Watch::run() {
     while (!stopping_) {
-        const bool listening = listen(); // before looking, so that nothing falls in between
+        const bool listening = listen(); // before poll(), so that no save is missed in between
         const bool polled = poll();
         if (listening && polled) {
             polling_ = false;
         }
         wait(listening && polled, store_ && store_->readsWithoutLocks());
     }
-    // Closed by now, not some time later: who closes the book last tidies up its log.
+    // Closed here and not by the destructor: the last connection to close removes the log.
     store_.reset();
 }
 
-// Asks the kernel to tell of changes, when it does not do so already.
+// Begins to watch the folder by inotify, unless it is watched already; returns whether it is.
 bool Watch::listen() {
     if (events_ >= 0) {
         return true;
@@ -109,7 +110,7 @@ bool Watch::listen() {
     return false;
 }
 
-// Tells what is new; false when the book cannot be read just now.
+// Delivers new saves; returns false when the book cannot be read at present.
 bool Watch::poll() {
     try {
         const bool moved = store_ && store_->moved();
@@ -120,7 +121,7 @@ bool Watch::poll() {
         if (moved || !store_) {
             store_.reset();
             if (stat(file_.c_str(), &status) != 0) {
-                return true; // its return is an event
+                return true; // there will be an event when a file is there again
             }
             store_ = std::make_unique<Store>(file_.parent_path(), Store::Access::readOnly, kBusyTimeout);
         }
@@ -157,8 +158,8 @@ void Watch::startPolling(const std::string& reason) {
     }
 }
 
-// Waits for something to happen: for an event when [toldWhen], and for the time to look again when nobody
-// tells of everything.
+// Waits for stop() or, when [hasEvents], for an inotify event; at most kPollEvery without events, or when the
+// book is polled anyway.
 void Watch::wait(bool hasEvents, bool pollsAnyway) {
     std::array<pollfd, 2> awaited{pollfd{stopped_, POLLIN, 0}, pollfd{hasEvents ? events_ : -1, POLLIN, 0}};
     const int time = hasEvents && !pollsAnyway ? -1 : static_cast<int>(kPollEvery.count());

@@ -1,12 +1,12 @@
 #pragma once
 
-// Learning of saves while they happen, those of other processes too.
+// Notification of saves while they happen, by this and other processes.
 //
-// A process that saved touches the database's file once the save can be seen (notifyWatchers): the write
-// itself is too early, for SQLite shows a save only after it was written. inotify on the folder tells this,
-// the end of a process that was killed in between, and a file put in the book's place. Then the change log,
-// read on a connection of the watch's own, says what happened. A book that is read without locks may lie on
-// another machine's disk, of which the kernel tells nothing: it is polled once a second as well.
+// A process that saved touches the database's file once the save is visible to others (notifyWatchers): the
+// write itself comes too early. inotify on the folder reports this touch, the end of a process that was
+// killed before it, and a file put in the book's place. The watch then reads the change log on a connection
+// of its own to learn what was saved. A book that is read without locks may be on a network disk, for which
+// inotify reports nothing, so it is also polled once a second.
 
 #include "frameworks/AddressBook/store/store.h"
 
@@ -19,32 +19,32 @@
 
 namespace addressbook {
 
-// Wakes everybody who watches this database file: a save is done.
+// Wakes all watches of this database file, in every process. Called after each save.
 void notifyWatchers(const std::filesystem::path& file);
 
-// A watch over one address book. One thread runs it, any other may stop it.
+// A watch over one address book. One thread calls run(), any other may call stop().
 class Watch {
   public:
-    // What it tells, on the thread that runs it.
+    // Callbacks, called on the thread that runs the watch.
     struct Listener {
-        // Called for each save, in their order. One that tells nothing of records
-        // (LoggedChange::tellsNothing) says that anything may have changed.
+        // Called for each save, in order. One without any unique id (LoggedChange::tellsNothing) means that
+        // anything may have changed.
         std::function<void(const LoggedChange&)> onSaved;
-        // inotify or the book is unavailable: polling every second until it is back. Called once for each
-        // such time, with a sentence that says why.
+        // Called, with a sentence that says why, when inotify or the book has become unavailable and the
+        // watch begins to poll once a second until it is back.
         std::function<void(const std::string&)> onPolling;
     };
 
-    // Watches the database [file], and tells of all saves after number [since], also of those that are done
-    // already. Throws StoreError when the system gives it nothing to wait on.
+    // Watches the database [file] for all saves after number [since], including those already done. Throws
+    // StoreError when the process has no file descriptors left.
     Watch(std::filesystem::path file, std::int64_t since, Listener listener);
     ~Watch();
     Watch(const Watch&) = delete;
     Watch& operator=(const Watch&) = delete;
 
-    // Watches until it is stopped. Throws nothing of its own.
+    // Watches until stop() is called. Throws only what the listener throws.
     void run();
-    // Makes run() return as soon as the listener does.
+    // Makes run() return, after a callback that is running.
     void stop();
 
   private:
@@ -58,10 +58,10 @@ class Watch {
     const Listener listener_;
     std::unique_ptr<Store> store_;
     std::int64_t seen_;
-    bool replaced_ = false; // another file is in the book's place, which is not delivered yet
-    bool polling_ = false;  // polls once a second, and has told why
-    int events_ = -1;       // inotify's descriptor; -1 while it gives none
-    int stopped_ = -1;      // readable once stop() was called
+    bool replaced_ = false; // another file is in the book's place, and the listener does not know yet
+    bool polling_ = false;  // polls once a second; the listener knows why
+    int events_ = -1;       // inotify's descriptor; -1 while the folder is not watched
+    int stopped_ = -1;      // an eventfd, readable once stop() was called
     std::atomic<bool> stopping_{false};
 };
 

@@ -122,8 +122,8 @@ std::partial_ordering compareOrdered(const Value& a, const Value& b) {
 }
 
 // Whether two values are equal as the comparisons see it: text in any canonically equivalent form, numbers by
-// their value whatever their type, arrays and dictionaries item by item, and a date [a] with components [b] by
-// its local day.
+// their value whatever their type, arrays and dictionaries item by item, and a date [a] with components [b]
+// by its local day.
 bool same(const Value& a, const Value& b) {
     if (const auto* text = a.as<std::string>()) {
         const auto* other = b.as<std::string>();

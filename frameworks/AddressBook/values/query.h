@@ -6,9 +6,9 @@
 //
 // What a condition looks at. Of a single value: that value. Of a multi-value: every entry, or with a label
 // those with exactly this label. Of a dictionary, single or in an entry: the dictionary as a whole and every
-// field, or with a key only that field. The label is ignored for single values, the key for values that are no
-// dictionaries. UID, Creation and Modification are searched like any property; internal properties (a leading
-// dot) count as not set.
+// field, or with a key only that field. The label is ignored for single values, the key for values that are
+// no dictionaries. UID, Creation and Modification are searched like any property; internal properties (a
+// leading dot) count as not set.
 //
 // When it holds. A positive comparison holds when some value meets it. A negative one (its name has "not" in
 // it) holds when no value meets the positive one, so also for records without the property. Without a wanted
@@ -23,11 +23,12 @@
 //   A date without a year equals components without one.
 // - Order is for text, numbers and dates with a year; contained text, prefix and suffix are for text.
 // - A bit field matches when (value & wanted) == wanted; both are integers.
-// - The wanted value of an interval comparison is a number of seconds, n whole days. Dates and date components
-//   meet it by their local day. Around today: at most n days before or after today; none for n < 0. From
-//   today: from today to n days ahead, or for n < 0 from -n days ago to today. Yearless: some anniversary of
-//   month and day lies in the interval, which may cross the turn of the year; 29 February falls on 28 February
-//   in a year that has none. Components without a year meet only yearless comparisons.
+// - The wanted value of an interval comparison is a number of seconds, n whole days. Dates and date
+//   components meet it by their local day. Around today: at most n days before or after today, none for a
+//   negative n. From today: from today to n days ahead, or for a negative n from -n days ago to today.
+//   Yearless: some anniversary of month and day lies in the interval, which may cross the turn of the year;
+//   29 February falls on 28 February in a year that has none. Components without a year meet only yearless
+//   comparisons.
 
 #include "frameworks/AddressBook/values/value.h"
 

@@ -41,7 +41,8 @@ void appendUtf8(std::string& out, char32_t code) {
     }
 }
 
-// Returns the code point at [at] and moves [at] past it. Surrogates are accepted; ill-formed bytes give U+FFFD.
+// Returns the code point at [at] and moves [at] past it. Surrogates are accepted; ill-formed bytes give
+// U+FFFD.
 char32_t nextCodePoint(std::string_view text, std::size_t& at) {
     const auto lead = static_cast<unsigned char>(text[at++]);
     if (lead < 0x80) {

@@ -1,16 +1,16 @@
 #pragma once
 
-// Text: the two encodings, and the two forms in which it is compared. UTF-8 here may hold a lone surrogate, as
-// the three-byte sequence of its code point, and NUL characters, which do not end it: no text is changed by
-// being converted.
+// Text: the two encodings, and the two forms in which it is compared. UTF-8 here may hold a lone surrogate,
+// as the three-byte sequence of its code point, and NUL characters, which do not end it: no text is changed
+// by being converted.
 
 #include <string>
 #include <string_view>
 
 namespace addressbook {
 
-// Convert between UTF-16 and UTF-8. Any UTF-16 text, converted to UTF-8 and back, is unchanged. Bytes that are
-// not UTF-8 become U+FFFD.
+// Convert between UTF-16 and UTF-8. Any UTF-16 text, converted to UTF-8 and back, is unchanged. Bytes that
+// are not UTF-8 become U+FFFD.
 std::string utf8FromUtf16(std::u16string_view text);
 std::u16string utf16FromUtf8(std::string_view text);
 

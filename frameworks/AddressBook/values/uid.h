@@ -17,8 +17,8 @@ std::string newUuid();
 // Returns a new identifier of a record, as "<UUID>:ABPerson" or "<UUID>:ABGroup".
 std::string newUid(Kind kind);
 
-// Returns the packed form of a UUID in capitals: its 16 bytes; for one that ":ABPerson" or ":ABGroup" follows,
-// 17 bytes. Nothing for any other text, which has no packed form.
+// Returns the packed form of a UUID in capitals: its 16 bytes; for one that ":ABPerson" or ":ABGroup"
+// follows, 17 bytes. Nothing for any other text, which has no packed form.
 std::optional<std::string> packUid(std::string_view text);
 
 // Whether [bytes] have the length of a packed identifier; and the text that they stand for, nothing when they

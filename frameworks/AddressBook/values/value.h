@@ -1,8 +1,8 @@
 #pragma once
 
 // The values that an address book holds, in C++: what the store keeps, what vCards are read into, what
-// searches compare. Text is UTF-8; a lone surrogate of UTF-16 text is kept as the three bytes that UTF-8 would
-// give its code point, so that nothing is lost (see text.h).
+// searches compare. Text is UTF-8; a lone surrogate of UTF-16 text is kept as the three bytes that UTF-8
+// would give its code point, so that nothing is lost (see text.h).
 
 #include <compare>
 #include <cstdint>

@@ -27,8 +27,8 @@ constexpr std::chrono::seconds kBusyTimeout{10};
     throw BackupError(file.string() + ": " + what);
 }
 
-// Looks whether the copy in the workshop is a sound address book, and counts what is in it. An older one is
-// brought up to date on the way.
+// Checks that the copy in [staging] is a sound address book, and counts its records; throws BackupError with
+// [remedy] when it is damaged. Opening it upgrades an older schema.
 CopySummary inspect(const StagingFolder& staging, const fs::path& file, const char* remedy) {
     std::string problem;
     try {
@@ -51,7 +51,7 @@ CopySummary inspect(const StagingFolder& staging, const fs::path& file, const ch
     fail(file, std::string("it is damaged and was not copied: ") + remedy + " (" + problem + ")");
 }
 
-// Makes the database one file that needs nothing beside it, and safe on the disk.
+// Makes the database a single file without sidecars, and writes it through to the disk.
 void makeStandalone(const fs::path& file) {
     {
         sql::Connection connection(file, databaseUri(file), SQLITE_OPEN_READWRITE | SQLITE_OPEN_URI,
@@ -65,14 +65,14 @@ void makeStandalone(const fs::path& file) {
     close(descriptor);
 }
 
-// Gives the draft its name.
+// Gives the finished [draft] the name [file].
 void publish(const fs::path& draft, const fs::path& file, Existing existing) {
     if (existing == Existing::replace) {
         if (std::rename(draft.c_str(), file.c_str()) != 0) {
             fail(file, "cannot write: " + std::generic_category().message(errno));
         }
     } else if (renameat2(AT_FDCWD, draft.c_str(), AT_FDCWD, file.c_str(), RENAME_NOREPLACE) != 0) {
-        // A file system that knows no such renaming: there was no file a moment ago.
+        // EINVAL: the file system cannot rename without replacing. There was no such file a moment ago.
         if (errno != EINVAL || std::rename(draft.c_str(), file.c_str()) != 0) {
             fail(file, errno == EEXIST ? "there is such a file; --force replaces it"
                                        : "cannot write: " + std::generic_category().message(errno));
@@ -127,7 +127,8 @@ CopySummary restore(const fs::path& folder, const fs::path& file) {
     requireFolder(folder, Access::readWrite);
     const StagingFolder staging(folder);
     try {
-        // Alone it is the whole truth, may lie where nothing can be written, and gets nothing beside it.
+        // Without a log the file is complete. "immutable" then reads it where nothing can be written, and
+        // makes no sidecars.
         const bool alone = !fs::exists(file.string() + "-wal");
         sql::Connection backup(file, databaseUri(file, alone ? "?immutable=1" : ""),
                                SQLITE_OPEN_READONLY | SQLITE_OPEN_URI, kBusyTimeout);

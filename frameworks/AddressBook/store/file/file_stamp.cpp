@@ -12,7 +12,7 @@ namespace addressbook {
 namespace {
 
 constexpr std::array kSuffixes{"", "-wal", "-shm", "-journal"};
-constexpr std::chrono::seconds kCoarsestClock{2}; // of file systems
+constexpr std::chrono::seconds kCoarsestClock{2}; // the coarsest modification times of file systems
 
 } // namespace
 

@@ -11,14 +11,14 @@
 
 namespace addressbook {
 
-// The state of a book's files at one moment.
+// The state of a book's files when it was made.
 class FileStamp {
   public:
-    // Takes the state of the database [file] and of what lies beside it. Do so before opening them.
+    // Takes the state of the database [file] and its sidecars. Make it before they are opened.
     explicit FileStamp(std::filesystem::path file);
 
-    // Whether the database may say something else now. False also when another file is in its place: see
-    // Store::moved().
+    // Whether the files may have changed since. False also when another file is in the database's place,
+    // which Store::moved() reports.
     bool outdated() const;
 
   private:
@@ -34,7 +34,7 @@ class FileStamp {
 
     std::filesystem::path file_;
     Parts parts_;
-    bool recent_; // changed so shortly before that a change right after need not show in the times
+    bool recent_; // changed so shortly before that a further change may leave the same time
 };
 
 } // namespace addressbook

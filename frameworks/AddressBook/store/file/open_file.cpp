@@ -24,10 +24,11 @@ namespace {
 namespace fs = std::filesystem;
 using Reason = StoreError::Reason;
 
-constexpr int kAttempts = 3; // at opening a file that others replace
+constexpr int kAttempts = 3; // at opening a file that is replaced meanwhile
 constexpr const char* kRestoreOrBegin = "restore it from a backup, or move it away to begin a new one";
 constexpr int kCacheKilobytes = 16 * 1024;
-// For a database whose log has to be read and nobody writes; with the exclusive locking mode.
+// For a database with a log that nobody writes: no locks, and with the exclusive locking mode the index of
+// the log is kept in memory instead of a file.
 constexpr std::string_view kWithoutIndex = "?vfs=unix-none";
 
 std::unique_ptr<sql::Connection> connect(const fs::path& file, std::string_view query, int flags,
@@ -45,9 +46,9 @@ std::unique_ptr<sql::Connection> connect(const fs::path& file, std::string_view 
     return connection;
 }
 
-// Makes an empty address book beside its place and gives it its name only when it is whole: a file of that
-// name is never half-made, whatever ends this process, and of two processes at this the second finds the
-// first one's file.
+// Makes an empty address book in a staging folder, and gives it its name when it is complete: there is never
+// an incomplete file of that name, even when this process is killed, and of two processes that do this at
+// once the second one finds the file of the first.
 void makeFile(const fs::path& file, std::chrono::milliseconds busyTimeout) {
     const StagingFolder staging(file.parent_path());
     const fs::path draft = staging.file();
@@ -60,10 +61,10 @@ void makeFile(const fs::path& file, std::chrono::milliseconds busyTimeout) {
         connection.prepare("INSERT INTO sqlite_sequence(name, seq) VALUES (?, random())")
             .bindText(kBookId)
             .exec();
-        connection.execute("PRAGMA journal_mode = WAL"); // last, so that nothing is in the log
+        connection.execute("PRAGMA journal_mode = WAL"); // last, so that the log is empty
     }
     if (link(draft.c_str(), file.c_str()) != 0 && errno != EEXIST) {
-        // A file system without links: the name is free unless another process was faster by a hair.
+        // The file system has no hard links, so that the name has to be looked for first.
         if (fs::exists(file)) {
             return;
         }
@@ -76,7 +77,8 @@ void makeFile(const fs::path& file, std::chrono::milliseconds busyTimeout) {
     syncFolder(file.parent_path());
 }
 
-// Saves may wait in a log whose database is gone; a new one would not be theirs.
+// Throws StoreError when there is a log or journal without its database: it may hold saves, and does not
+// belong to the file that would be made.
 void requireNoSidecars(const fs::path& file) {
     for (const char* suffix : {"-wal", "-journal"}) {
         if (hasSidecar(file, suffix) && !fs::exists(file)) { // else another process has just made it
@@ -88,8 +90,9 @@ void requireNoSidecars(const fs::path& file) {
     }
 }
 
-// A database in WAL mode needs a file beside it even to be read. Where none can be made, nobody here has it
-// open: its files are read as they are, without locks, the log with an index in memory.
+// Opens a database to be read. In WAL mode that takes a file beside it (-shm). Where none can be made, no
+// process of this machine has the database open, so its files are read without locks, with the index of the
+// log in memory.
 OpenedFile connectReadOnly(const fs::path& file, std::chrono::milliseconds busyTimeout) {
     const FileStamp stamp(file);
     try {
@@ -127,7 +130,7 @@ void checkVersion(sql::Connection& connection) {
     migrate(connection); // nothing to do, or the error about a newer version
 }
 
-// Files get their name when they are whole: one without tables has lost them.
+// Throws StoreError for a database without tables. As makeFile() names only complete files, it was emptied.
 void requireTables(sql::Connection& connection) {
     if (schemaVersion(connection) == 0) {
         throw StoreError(Reason::notADatabase, connection.file(), "is an empty database", kRestoreOrBegin);
@@ -145,7 +148,7 @@ OpenedFile openFile(const fs::path& file, Access access, std::chrono::millisecon
         return {std::move(connection), false, {}};
     }
     if (hasSidecar(file, "-journal") && isWritable(file)) {
-        openFile(file, Access::readWrite, busyTimeout); // undoes what was interrupted
+        openFile(file, Access::readWrite, busyTimeout); // undoes the save that was interrupted
     }
     std::optional<FileStamp> stamp;
     auto connection = openWithCheckedWal(file, [&] {
@@ -181,7 +184,7 @@ OpenedFile openAddressBook(const fs::path& folder, Access access, std::chrono::m
         throw StoreError(Reason::notADatabase, file,
                          fs::is_regular_file(status) ? "is an empty file" : "is no file", kRestoreOrBegin);
     }
-    // A file that was replaced just when it was being opened is not the book any more.
+    // Again when the file was replaced while it was being opened.
     for (int attempt = 0; attempt < kAttempts; ++attempt) {
         if (OpenedFile opened = openFile(file, access, busyTimeout); !opened.connection->moved()) {
             return opened;

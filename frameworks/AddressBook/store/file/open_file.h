@@ -1,6 +1,6 @@
 #pragma once
 
-// Opening the address book's file, and making it: complete from the first moment it has its name.
+// Opening the address book's file, and making it. A new file is complete from the moment it has its name.
 
 #include "frameworks/AddressBook/store/access.h"
 #include "frameworks/AddressBook/store/file/file_stamp.h"
@@ -13,15 +13,15 @@
 
 namespace addressbook {
 
-// A connection and what it can do.
+// An open connection.
 struct OpenedFile {
     std::unique_ptr<sql::Connection> connection;
     bool readOnly = false;
-    // Of files that the connection reads without locks and never looks at again.
+    // Set when the connection reads the files without locks: their state before they were opened.
     std::optional<FileStamp> stamp;
 };
 
-// Opens the database in [folder], making folder and file as Store's constructor says, and brings it to the
+// Opens the database in [folder], making folder and file as Store's constructor says, and upgrades it to the
 // current schema. A file or folder that may not be written is opened for reading. Throws StoreError.
 OpenedFile openAddressBook(const std::filesystem::path& folder, Access access,
                            std::chrono::milliseconds busyTimeout);

@@ -18,7 +18,7 @@ constexpr mode_t kFolderMode = 0700;
 constexpr mode_t kFileMode = 0600;
 constexpr std::string_view kFolderSubject = "The address book's folder";
 
-// The value of an environment variable; null when it is unset or empty.
+// Returns the value of an environment variable; null when it is unset or empty.
 const char* environment(const char* name) {
     const char* value = std::getenv(name);
     return value != nullptr && *value != '\0' ? value : nullptr;
@@ -39,7 +39,7 @@ void makeFolderAndParents(const fs::path& folder) {
     makeFolder(folder);
 }
 
-// Answers whether the folder is there, having made it when it may.
+// Makes the folder if it is missing and may be made; returns whether it is there.
 bool hasFolder(const fs::path& folder, Access access) {
     std::error_code error;
     const fs::file_status status = fs::status(folder, error);

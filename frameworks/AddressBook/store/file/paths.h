@@ -1,6 +1,6 @@
 #pragma once
 
-// Where the address book lies, and the files that are made there: for their owner only.
+// Where the address book is, and how files are made there, which only their owner may read.
 
 #include "frameworks/AddressBook/store/access.h"
 #include "frameworks/AddressBook/store/sql/store_error.h"
@@ -17,24 +17,24 @@ inline constexpr const char* kFileName = "AddressBook.db";
 // Returns $ADDRESSBOOK_HOME, else $XDG_DATA_HOME/AddressBook, else ~/.local/share/AddressBook.
 std::filesystem::path defaultFolder();
 
-// Makes sure that a book's [folder] is there. With readWrite, makes its last component when it is missing,
-// and all components of the default folder; but never $ADDRESSBOOK_HOME, so that a mistyped name is an error
-// and not a new address book. Throws StoreError.
+// Throws StoreError unless a book's [folder] is there. With readWrite, first makes its last component when
+// that is missing, or all components of the default folder; but never $ADDRESSBOOK_HOME, so that a mistyped
+// name is an error and not a new address book.
 void requireFolder(const std::filesystem::path& folder, Access access);
 
 // Returns the folder that a file is or will be in; "." for a mere name.
 std::filesystem::path folderOf(const std::filesystem::path& file);
 
-// Returns the name under which SQLite opens a file; [query] holds its options, "?immutable=1" for instance.
+// Returns the URI under which SQLite opens a file; [query] holds options, "?immutable=1" for instance.
 std::string databaseUri(const std::filesystem::path& file, std::string_view query = "");
 
-// Makes an empty file for its owner only. Throws StoreError, also when there is one.
+// Makes an empty file that only its owner may read and write. Throws StoreError, also when the file exists.
 void makePrivateFile(const std::filesystem::path& file);
 
-// Waits until what was named, renamed and removed in a folder is on the disk.
+// Waits until the folder itself, with the names of new, renamed and removed files, is on the disk.
 void syncFolder(const std::filesystem::path& folder);
 
-// Returns a system call's [error] as one sentence: "[sentence] [path] (reason): [remedy]."
+// Returns the error for a system call that failed with errno [error]: "[sentence] [path] (reason): [remedy]."
 StoreError systemError(const std::string& sentence, const std::filesystem::path& path, int error,
                        const char* remedy);
 

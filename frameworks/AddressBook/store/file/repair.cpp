@@ -1,4 +1,4 @@
-// In this order: opening what is damaged, reading its records and what refers to them, writing the new book.
+// In this order: opening the damaged file, reading its records and what refers to them, writing the new book.
 
 #include "frameworks/AddressBook/store/file/repair.h"
 
@@ -26,7 +26,7 @@ using Reason = StoreError::Reason;
 
 constexpr std::chrono::seconds kBusyTimeout{10};
 constexpr const char* kRestore = "restore it from a backup";
-constexpr std::size_t kPageSize = 4096; // of every address book
+constexpr std::size_t kPageSize = 4096; // bytes; every address book has this size of page
 
 fs::path walOf(fs::path file) {
     file += "-wal";
@@ -77,8 +77,8 @@ class Rescue {
     const fs::path& damaged_;
     Store::Impl& made_;
     std::unique_ptr<sql::Connection> db_;
-    std::set<std::string> properties_[2]; // known names
-    std::map<RowId, std::string> uids_;   // as the index has them; empty when it does not
+    std::set<std::string> properties_[2]; // names of known properties, by Kind
+    std::map<RowId, std::string> uids_;   // by the index of unique ids; empty text when it has none
     std::map<RowId, Kind> rescued_;
     std::vector<std::string> lost_;
 };
@@ -101,23 +101,24 @@ void Rescue::open() {
     throw StoreError(Reason::damaged, file_, "cannot be repaired, nothing in it can be read", kRestore);
 }
 
-// Whether records can be asked for.
+// Opens the damaged copy; returns whether the table of records can be queried.
 bool Rescue::attempt() {
     try {
         db_ = std::make_unique<sql::Connection>(file_, databaseUri(damaged_),
                                                 SQLITE_OPEN_READWRITE | SQLITE_OPEN_URI, kBusyTimeout);
-        // Lets SQLite read on where a file is shorter than it should be or a definition makes no sense.
+        // Lets SQLite read a file that is too short or has damaged definitions.
         db_->execute("PRAGMA writable_schema = ON; PRAGMA cell_size_check = ON; PRAGMA trusted_schema = OFF");
         db_->prepare("SELECT id, kind, uid, creation, modification, card FROM record WHERE id = 1").step();
         return true;
     } catch (const StoreError&) {
-        // The record may be what is damaged: then the tables are known all the same.
+        // Only that record may be damaged, so look whether the table is known.
         return db_ && sqlite3_table_column_metadata(db_->handle(), "main", "record", "card", nullptr, nullptr,
                                                     nullptr, nullptr, nullptr) == SQLITE_OK;
     }
 }
 
-// All address books of a version begin with the same page, but for some counters.
+// Replaces the first page, which holds the definitions of all tables, by that of the new book: but for some
+// counters it is the same in every address book of a version.
 void Rescue::lendFirstPage() {
     db_.reset();
     made_.db.execute("PRAGMA wal_checkpoint(TRUNCATE)");
@@ -185,7 +186,7 @@ void Rescue::readProperties() {
 }
 
 void Rescue::readRecords() {
-    // Which records there were: every index tells it again.
+    // The rows of all records, which each index lists again.
     bool whole = scanBothWays("SELECT id, uid FROM record INDEXED BY sqlite_autoindex_record_1", "uid",
                               [this](const sql::Statement& statement) {
                                   auto& uid = uids_[statement.integer(0)];
@@ -256,7 +257,7 @@ void Rescue::readRecord(RowId id) {
     }
 }
 
-// The id in the row; when that is damaged, the one in the index, else a new one.
+// Returns the unique id in the row; when that is damaged, the one in the index, else a new one.
 std::string Rescue::uidFor(RowId id, const sql::Statement& statement) {
     const auto own =
         statement.isText(1) ? std::optional(std::string(statement.text(1))) : unpackUid(statement.blob(1));
@@ -275,7 +276,7 @@ std::string Rescue::uidFor(RowId id, const sql::Statement& statement) {
     return made;
 }
 
-// The values in a damaged card that can be read and belong to known properties.
+// Returns the encoded values in a damaged properties blob that can be read and belong to known properties.
 std::map<std::string, std::string> Rescue::readable(std::string_view card, Kind kind) const {
     std::map<std::string, std::string> values;
     visitReadableProperties(card, [&](std::string_view name, std::string_view bytes) {
@@ -320,7 +321,7 @@ void Rescue::readMemberships() {
         }
     };
     if (!scanBothWays("SELECT parent, place, member FROM membership NOT INDEXED", "parent, place", take)) {
-        // What the index knows besides, behind the others.
+        // Memberships that only the index has are put after the others.
         scanBothWays("SELECT parent, 1 << 40, member FROM membership INDEXED BY membership_member",
                      "member, parent", [&](const sql::Statement& statement) {
                          if (known.emplace(statement.integer(0), statement.integer(2)).second) {
@@ -375,7 +376,7 @@ bool isSound(const fs::path& folder) {
         if (error.reason() == Reason::damaged || error.reason() == Reason::notADatabase) {
             return false;
         }
-        throw; // missing, newer, locked: nothing that a repair could mend
+        throw; // missing, newer or locked, which no repair can change
     }
 }
 
@@ -392,7 +393,7 @@ RepairReport repair(const fs::path& folder) {
         return report;
     }
     report.needed = true;
-    std::ifstream source(file, std::ios::binary); // closed last: closing it ends the hold on the file
+    std::ifstream source(file, std::ios::binary); // closed last: closing it drops this process's locks
     const bool foreignJournal = !journalBelongsTo(file);
     LockedBook book(folder);
     const StagingFolder staging(folder);

@@ -1,6 +1,6 @@
 #pragma once
 
-// Rescuing what can be read of a damaged address book.
+// Repair of a damaged address book: whatever can be read is written into a new one.
 
 #include "frameworks/AddressBook/store/store.h"
 
@@ -14,14 +14,14 @@ namespace addressbook {
 struct RepairReport {
     bool needed = false;                 // false: the book was sound and was left alone
     std::int64_t people = 0, groups = 0; // what the new book holds
-    std::filesystem::path kept;          // the damaged book
-    std::vector<std::string> lost;       // what is lost or doubtful, a sentence each; empty: nothing
+    std::filesystem::path kept;          // where the damaged book is kept
+    std::vector<std::string> lost;       // a sentence for each thing that is lost or doubtful
 };
 
-// Makes a new address book of what can be read in the one in [folder], and puts it into its place. The search
-// indexes are made anew; records keep their order, unique ids and dates. The damaged one is kept beside it.
-// Nobody can save meanwhile. Throws StoreError, notably when nothing can be read, and then the book is as it
-// was.
+// Makes a new address book from whatever can be read of the one in [folder], puts it in its place, and keeps
+// the damaged one beside it. Records keep their order, unique ids and dates; the search indexes are rebuilt.
+// Nobody can save meanwhile. Throws StoreError, notably when nothing can be read, and then the book is
+// unchanged.
 RepairReport repair(const std::filesystem::path& folder);
 
 } // namespace addressbook

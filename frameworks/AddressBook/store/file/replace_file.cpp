@@ -20,12 +20,13 @@ namespace fs = std::filesystem;
 using Reason = StoreError::Reason;
 
 constexpr std::chrono::seconds kBusyTimeout{10};
-// What SQLite keeps beside a database and would take for part of whatever lies there.
+// The sidecars, which SQLite would take for those of the new database, and the files of the old book that are
+// kept.
 constexpr const char* kCompanions[] = {"-wal", "-journal", "-shm"};
 constexpr const char* kKept[] = {"", "-wal", "-journal"};
 
-// Locks the byte that every SQLite takes for a moment before it reads: nobody can open the database while it
-// lives.
+// Locks the byte (SQLite's PENDING_BYTE) that every connection locks for a moment before it reads, so that no
+// process can open the database while this object lives.
 class PendingByteLock {
   public:
     explicit PendingByteLock(const fs::path& file) : descriptor_(open(file.c_str(), O_RDWR | O_CLOEXEC)) {
@@ -49,7 +50,8 @@ class PendingByteLock {
     int descriptor_;
 };
 
-// A second name for the file; a copy where the file system has no links.
+// Gives the file a second [name], or makes a copy where the file system has no hard links. A missing file is
+// ignored.
 void keepCopy(const fs::path& file, const fs::path& name) {
     if (link(file.c_str(), name.c_str()) == 0 || errno == ENOENT) {
         return;
@@ -62,7 +64,7 @@ void keepCopy(const fs::path& file, const fs::path& name) {
     }
 }
 
-// A free name beside the book that tells when.
+// Returns an unused name beside the book, with date and time.
 fs::path keptName(const fs::path& file) {
     const std::time_t now = std::time(nullptr);
     std::tm local{};
@@ -96,7 +98,7 @@ void copyDatabase(const sql::Connection& from, const fs::path& to) {
     if (work == nullptr) {
         copy.fail(sqlite3_extended_errcode(copy.handle()));
     }
-    sqlite3_backup_step(work, -1); // all at once: what is saved meanwhile does not begin it anew
+    sqlite3_backup_step(work, -1); // all pages at once: between steps, a save would restart the copy
     if (const int code = sqlite3_backup_finish(work); code != SQLITE_OK) {
         (code == SQLITE_FULL || (code & 0xFF) == SQLITE_IOERR ? copy : from).fail(code);
     }
@@ -108,12 +110,12 @@ LockedBook::LockedBook(const fs::path& folder) : file_(folder / kFileName) {
         file_ = real; // the book may be a symbolic link
     }
     if (!fs::is_regular_file(file_, error) || !journalBelongsTo(file_)) {
-        return; // to open it would write the journal over it
+        return; // opening the book would write that journal over it
     }
     try {
         auto connection = std::make_unique<sql::Connection>(
             file_, databaseUri(file_), SQLITE_OPEN_READWRITE | SQLITE_OPEN_URI, kBusyTimeout);
-        // A log that is not this database's must not be written into it.
+        // The log may belong to another file, and must then not be written into this one.
         setWalAtClose(*connection, WalAtClose::keep);
         connection->execute("BEGIN IMMEDIATE");
         connection_ = std::move(connection);
@@ -141,9 +143,9 @@ fs::path LockedBook::replaceWith(const fs::path& draft) {
     fs::path kept;
     checkpoint(draft);
     const PendingByteLock lock(
-        draft); // until the old log is away, which the new database would take for its own
+        draft); // until the old log is removed, which SQLite would take for the new database's
     const fs::path name = keptName(file_);
-    for (const char* suffix : kKept) { // a log whose file is gone may be wanted as well
+    for (const char* suffix : kKept) { // a log without its database may be wanted as well
         if (hasSidecar(file_, suffix)) {
             keepCopy(sidecarPath(file_, suffix), sidecarPath(name, suffix));
             kept = name;

@@ -17,10 +17,10 @@ namespace {
 namespace fs = std::filesystem;
 using Reason = StoreError::Reason;
 
-constexpr int kAttempts = 3; // at looking at a file that others replace
+constexpr int kAttempts = 3; // at opening a file that is replaced meanwhile
 
-// What every save writes on one page of the database: a number that is this book's own, 0 in an old one, and
-// how many saves there were.
+// Identifies the state of a database. Both numbers are on one page (sqlite_sequence), which every save
+// writes: the book's random id, 0 in an old book, and the number of saves so far.
 struct Mark {
     std::int64_t book = 0, saves = 0;
 };
@@ -38,14 +38,14 @@ Mark markOf(sql::Connection& connection) {
     return mark;
 }
 
-// The mark in the file alone; nothing when it cannot be read.
+// Returns the mark in the database file without its sidecars; nothing when it cannot be read.
 std::optional<Mark> markWithin(const fs::path& file) {
     try {
         sql::Connection alone(file, databaseUri(file, "?immutable=1"), SQLITE_OPEN_READONLY | SQLITE_OPEN_URI,
                               std::chrono::milliseconds(0));
         return markOf(alone);
     } catch (const StoreError&) {
-        return std::nullopt; // another process is just writing there, or what follows will say what is wrong
+        return std::nullopt; // another process is writing, or the file is damaged, which opening will report
     }
 }
 
@@ -54,7 +54,7 @@ std::optional<Mark> markWithoutWal(const fs::path& file) {
 }
 
 bool isWalOf(sql::Connection& connection, const Mark& alone) {
-    const Mark now = markOf(connection); // no earlier than the other
+    const Mark now = markOf(connection); // file and log together: no earlier than the file alone
     return now.book == alone.book && now.saves >= alone.saves;
 }
 
@@ -66,7 +66,7 @@ bool isWalOf(sql::Connection& connection, const Mark& alone) {
                      "repair it, or restore it from a backup");
 }
 
-// Which file is there; 0 when none is.
+// Returns the inode of the file; 0 when there is none.
 ino_t identityOf(const fs::path& file) {
     struct stat status{};
     return stat(file.c_str(), &status) == 0 ? status.st_ino : 0;
@@ -106,7 +106,7 @@ openWithCheckedWal(const fs::path& file, const std::function<std::unique_ptr<sql
                 throw;
             }
         }
-        if (identityOf(file) == identity) { // else the mark may be that of the file before
+        if (identityOf(file) == identity) { // else the file was replaced after the mark was read
             refuse(file, "log", "-wal");
         }
     }
@@ -133,7 +133,7 @@ bool journalBelongsTo(const fs::path& file) {
     }
     const auto alone = markWithin(file);
     if (!alone) {
-        return true; // what is half written says nothing
+        return true; // the file may be half written by the interrupted save
     }
     const StagingFolder staging(file.parent_path());
     try {
@@ -142,10 +142,10 @@ bool journalBelongsTo(const fs::path& file) {
         sql::Connection undone(file, databaseUri(staging.file()), SQLITE_OPEN_READWRITE | SQLITE_OPEN_URI,
                                std::chrono::milliseconds(0));
         const Mark then = markOf(undone);
-        return then.book == alone->book && then.saves >= alone->saves - 1; // it undoes one save
+        return then.book == alone->book && then.saves >= alone->saves - 1; // a journal undoes one save
     } catch (const fs::filesystem_error& error) {
         if (error.code() == std::errc::no_such_file_or_directory) {
-            return true; // another process has just ended its save
+            return true; // another process has just finished its save and removed the journal
         }
         throw systemError("Could not look at the journal of the address book", file, error.code().value(),
                           "make room in its folder and try again");

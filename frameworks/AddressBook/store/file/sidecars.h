@@ -1,8 +1,9 @@
 #pragma once
 
-// What SQLite leaves beside a database when a program is killed, for the next one that opens it: a log of
-// saves that are not in the file yet (-wal), and a journal to undo a save that was interrupted (-journal).
-// One of another file, or of an older state of this one, would make a mixture of both.
+// The files that SQLite leaves beside a database when a program is killed: a log of saves that are not in the
+// database yet (-wal), and a journal to undo a save that was interrupted (-journal). The next program that
+// opens the database applies them. If they belonged to another file, or to an older state of this one, the
+// database would become a mixture of both.
 
 #include "frameworks/AddressBook/store/sql/sql.h"
 
@@ -17,27 +18,28 @@ namespace addressbook {
 // page that every save rewrites anyway.
 inline constexpr std::string_view kBookId = "book";
 
-// Returns the name of the file beside a database file with this [suffix], "-wal" for instance.
+// Returns the path of a database's sidecar with this [suffix], "-wal" for instance.
 std::filesystem::path sidecarPath(std::filesystem::path file, const char* suffix);
 
-// Whether there is such a file beside [file], with something in it.
+// Whether [file] has a sidecar with this [suffix] that is not empty.
 bool hasSidecar(const std::filesystem::path& file, const char* suffix);
 
-// What the last connection does with the log when it closes.
+// Whether the last connection, when it closes, writes the log into the database and removes it, or keeps it.
 enum class WalAtClose { checkpoint, keep };
 void setWalAtClose(const sql::Connection& connection, WalAtClose what);
 
-// Opens [file] by [open], whose connection must keep the log at its close (setWalAtClose). Refuses a log that
-// is not the file's own before anything of it gets into the file. Throws StoreError.
+// Opens [file] by calling [open], which must set WalAtClose::keep on the connection. Throws StoreError
+// (damaged) when the log does not belong to the file, before anything of it is written there. The connection
+// returned has WalAtClose::checkpoint.
 std::unique_ptr<sql::Connection>
 openWithCheckedWal(const std::filesystem::path& file,
                    const std::function<std::unique_ptr<sql::Connection>()>& open);
 
-// Whether the log beside [file] belongs to it. One that cannot be read is taken for its own.
+// Whether the log beside [file] belongs to it. One that cannot be read counts as belonging to it.
 bool walBelongsTo(const std::filesystem::path& file);
 
-// Whether the rollback journal beside [file] belongs to it: SQLite replays it on open, so ask first. Throws
-// StoreError when that cannot be found out.
+// Whether the rollback journal beside [file] belongs to it. SQLite replays it when it opens the file, so ask
+// first. Throws StoreError when that cannot be determined.
 bool journalBelongsTo(const std::filesystem::path& file);
 
 // Throws StoreError when the journal beside [file] does not belong to it.

@@ -15,7 +15,7 @@ namespace fs = std::filesystem;
 
 constexpr std::chrono::hours kAbandonedAfter{24};
 
-// Removes what processes that were killed left.
+// Removes the staging folders that killed processes left.
 void removeAbandoned(const fs::path& folder, const std::string& name) {
     const auto longAgo = fs::file_time_type::clock::now() - kAbandonedAfter;
     std::error_code error;

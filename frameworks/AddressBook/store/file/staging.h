@@ -1,13 +1,14 @@
 #pragma once
 
-// Where a database is made before it is put into its place.
+// The temporary folder in which a database is made before it is put in its place.
 
 #include <filesystem>
 
 namespace addressbook {
 
-// A folder for its owner only, beside the place where the database will be. Deleted with its contents by the
-// destructor; those of killed processes by the next one that is made there, after 24 h.
+// A folder that only its owner may enter, on the file system of the database's final place. Deleted with its
+// contents by the destructor; folders of killed processes are deleted by the next StagingFolder made in the
+// same place, once they are 24 hours old.
 class StagingFolder {
   public:
     // Makes a new folder in [folder]. Throws StoreError.
@@ -17,7 +18,7 @@ class StagingFolder {
     StagingFolder& operator=(const StagingFolder&) = delete;
 
     const std::filesystem::path& folder() const { return folder_; }
-    // Returns the name of the database in it: the one that every address book has.
+    // Returns the path for the database in it, whose name is that of every address book.
     std::filesystem::path file() const;
 
   private:

@@ -147,9 +147,9 @@ Connection::Connection(std::filesystem::path file, const std::string& uri, int f
     sqlite3_busy_handler(handle_, &waitForLock, this);
 }
 
-// SQLite asks this between two attempts at a lock: answers whether to try again. The pauses stay short and
-// differ, so that of several processes that save all the time each has its turn; SQLite's own grow to 100 ms,
-// in which others that wait less come first again and again.
+// SQLite's busy handler, called between two attempts at a lock: waits a little and returns whether to try
+// again. The pauses stay short and vary, so that several processes which save all the time take turns. Those
+// of SQLite's own handler grow to 100 ms, and a process that waits so long loses to others again and again.
 int Connection::waitForLock(void* connection, int attempt) {
     auto& self = *static_cast<Connection*>(connection);
     const auto now = std::chrono::steady_clock::now();

@@ -1,7 +1,8 @@
 #pragma once
 
 // A thin, owning layer over SQLite: connections, statements that are prepared once, transactions. Every
-// failure leaves here as a StoreError that names the database file.
+// failure is thrown as a StoreError that names the database file. A connection and its statements are used by
+// one thread at a time.
 
 #include "frameworks/AddressBook/store/sql/store_error.h"
 
@@ -19,9 +20,9 @@ namespace addressbook::sql {
 
 class Connection;
 
-// One use of a prepared statement: bind, step, read columns. The destructor resets it and clears what was
-// bound. Bound text and blobs are not copied: they must live as long as this. Columns live until the next
-// step.
+// One use of a prepared statement: bind, step, read columns. The destructor resets the statement and clears
+// what was bound. Bound text and blobs are not copied: they must outlive this object. The text or blob of a
+// column is valid until the next step.
 class Statement {
   public:
     Statement(Connection& connection, sqlite3_stmt* statement)
@@ -40,12 +41,12 @@ class Statement {
 
     // Steps to the next row; returns false at the end. Throws StoreError.
     bool step();
-    // Steps to the end, whether there are rows or none. Throws StoreError.
+    // Runs the statement to its end and ignores its rows. Throws StoreError.
     void exec();
-    // Makes the statement ready to run again with other values, all of which must be bound.
+    // Makes the statement ready to run again; all its parameters must be bound anew.
     void reset();
 
-    // The type and the value of a column of the row that was stepped to, counted from 0.
+    // Return the type and the value of a column, counted from 0, of the current row.
     bool isNull(int column) const;
     bool isText(int column) const;
     bool isReal(int column) const;
@@ -64,8 +65,8 @@ class Statement {
 // One connection to a database file.
 class Connection {
   public:
-    // Opens [uri] with SQLite's [flags]; errors name [file]. Waits for other connections' locks up to
-    // [busyTimeout]. Throws StoreError.
+    // Opens [uri] with SQLite's [flags]; errors name [file]. Waits up to [busyTimeout] for each lock that
+    // another connection holds. Throws StoreError.
     Connection(std::filesystem::path file, const std::string& uri, int flags,
                std::chrono::milliseconds busyTimeout);
     ~Connection();
@@ -75,30 +76,31 @@ class Connection {
     const std::filesystem::path& file() const { return file_; }
     sqlite3* handle() const { return handle_; }
 
-    // Exchanges the open databases of both. No statement may be in use in either.
+    // Swaps the open databases of two connections. No statement of either may be in use.
     void exchange(Connection& other);
 
     // Runs statements that have no parameters and whose rows do not matter. Throws StoreError.
     void execute(const std::string& statements);
 
-    // Returns a statement that is prepared at its first use and kept; [sql] is a literal and known by its
-    // address.
+    // Returns a statement, which is compiled once and then cached by the address of [sql], which must be a
+    // literal. Throws StoreError.
     Statement prepare(const char* sql);
-    // Returns a statement whose text is put together at run time; kept as well.
+    // Returns a statement for a text that is made at run time; cached by its text. Throws StoreError.
     Statement prepareText(const std::string& sql);
 
-    // Return the rowid of the last insertion, and how many rows the last statement changed.
+    // Return the rowid of the last insertion, and the number of rows that the last statement changed.
     std::int64_t lastRow() const;
     int changes() const;
 
-    // Returns SQLite's data version, which changes with every commit here or elsewhere. Opens a read
-    // transaction if there is none, so that it stays valid.
+    // Returns SQLite's data version, a number that changes with every commit of this or another connection.
+    // To be called inside a transaction, in which the number stays valid; reads something first, so that the
+    // transaction has begun. Throws StoreError.
     std::uint32_t dataVersion();
 
-    // Whether the file that is open is no longer the one of its name.
+    // Whether the open file is no longer the one at its path: it was removed or replaced.
     bool moved() const;
 
-    // Throws what an SQLite result code means for this file.
+    // Throws the StoreError for an SQLite result code.
     [[noreturn]] void fail(int code) const;
 
   private:
@@ -113,7 +115,8 @@ class Connection {
     std::unordered_map<std::string, sqlite3_stmt*> texts_;
 };
 
-// A transaction that is undone unless it is committed.
+// A transaction, which the destructor rolls back unless it was committed. A write transaction takes the write
+// lock at once. The constructor and commit() throw StoreError.
 class Transaction {
   public:
     enum class Mode { read, write };
