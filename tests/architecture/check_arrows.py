@@ -52,7 +52,7 @@ ROOMS = {
     MODEL: Room((STORE, VALUES), (), (), "the model knows the store and values"),
     VCARD: Room((VALUES,), ("ICU", "Boost"), (), "vCards know values alone"),
     OBJC: Room((MODEL, STORE, VCARD, VALUES, "frameworks/AddressBook/include", "frameworks/Foundation"),
-               ("Foundation", "AddressBook", "objc"), ("frameworks/CoreFoundation",),
+               ("Foundation", "AddressBook", "Boost", "objc"), ("frameworks/CoreFoundation",),
                "the classes know what is below them and Foundation"),
     "frameworks/AddressBook/include": Room((), ("Foundation", "AddressBook", "CoreFoundation"), (),
                                            "public headers know Apple's alone"),

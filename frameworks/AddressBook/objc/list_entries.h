@@ -6,31 +6,26 @@
 #include "frameworks/AddressBook/store/record_codec.h"
 
 #import <Foundation/Foundation.h>
+#include <boost/smart_ptr/intrusive_ptr.hpp>
 #include <memory>
 #include <optional>
 #include <string>
 #include <string_view>
+#include <type_traits>
 #include <vector>
+
+// What boost::intrusive_ptr calls to hold an object.
+inline void intrusive_ptr_add_ref(id object) {
+    [object retain];
+}
+inline void intrusive_ptr_release(id object) {
+    [object release];
+}
 
 namespace addressbook {
 
 // Retains an object while it lives.
-class Retained {
-  public:
-    Retained() = default;
-    explicit Retained(id object) : object_([object retain]) {}
-    Retained(const Retained& other) : Retained(other.object_) {}
-    Retained(Retained&& other) noexcept : object_(other.object_) { other.object_ = nil; }
-    Retained& operator=(Retained other) noexcept {
-        std::swap(object_, other.object_);
-        return *this;
-    }
-    ~Retained() { [object_ release]; }
-    id get() const { return object_; }
-
-  private:
-    id object_ = nil;
-};
+using Retained = boost::intrusive_ptr<std::remove_pointer_t<id>>;
 
 // Returns a copy of the object when it can be copied, else the object itself.
 Retained copied(id object);
