@@ -26,7 +26,8 @@ bool require(NSString* argument) {
     return true;
 }
 
-// Returns "0" when the framework has changed a property; otherwise nil with the code for its number.
+// Returns "0" when the framework changed a property. Otherwise fails the call, with [none] when [changed] is
+// 0 and [failed] when it is -1, and returns nil.
 NSString* answerOfCount(NSInteger changed, ErrorCode none, ErrorCode failed) {
     if (changed == 0 || changed == -1) {
         setError(changed == 0 ? none : failed);

@@ -9,7 +9,7 @@
 namespace koru {
 namespace {
 
-// One of the walks: the state variables that it lives in.
+// The state variables of one of the walks.
 struct Walk {
     Retained<NSArray>& list;
     Retained<NSObject>& current;
@@ -60,7 +60,7 @@ NSString* stepParents() {
     return [record uniqueId];
 }
 
-// Fails the call, and returns false, when a walk that needs a group has none.
+// Fails the call, and returns false, when no group is open.
 bool requireGroup() {
     if (!state.g_group) {
         setError(kInvalidCallOrder);
@@ -127,7 +127,7 @@ NSString* firstSubgroupId() {
     const Walk walk = subgroups();
     walk.list.reset();
     walk.list = Retained<NSArray>::retain([state.g_group.get() subgroups]);
-    // Behind the list, unlike the members' walk: when the framework raises, the old index stays.
+    // Set after the list, unlike in firstMemberId(): when listing raises, the old index stays.
     walk.index = 0;
     return step(walk);
 }

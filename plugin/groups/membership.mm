@@ -17,7 +17,7 @@ ABRecord* recordToJoin(NSString* uniqueId) {
         setError(kInvalidCallOrder);
         return nil;
     }
-    // The current record need not be the group.
+    // Looked at besides the current record, which need not be the group.
     if ([state.g_group.get() isReadOnly]) {
         setError(kRecordReadOnly);
         return nil;
@@ -50,7 +50,7 @@ NSString* addPerson(NSString* uniqueId) {
     if (!requireActiveRecord()) {
         return nil;
     }
-    // Whether it is a person is the address book's affair, here and in removePerson.
+    // Not checked to be a person, here and in removePerson(): the framework decides.
     if (ABRecord* record = recordToJoin(uniqueId); record != nil) {
         [state.g_group.get() addMember:static_cast<ABPerson*>(record)];
     }

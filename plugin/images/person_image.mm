@@ -23,7 +23,7 @@ constexpr ImageStream kRead[] = {
     {{'G', 'I', 'F', 'f'}, NSBitmapImageFileTypeGIF},
 };
 
-// The codes of the streams that a picture is given in, in their order.
+// The codes of the streams in which a picture is returned, in order.
 constexpr char kWritten[][4] = {
     {'G', 'I', 'F', 'f'}, {'B', 'M', 'P', 'f'}, {'J', 'P', 'E', 'G'}, {'P', 'N', 'G', 'f'}};
 
@@ -39,7 +39,7 @@ const ImageStream* findStream(const fmx::BinaryData& container, fmx::int32& inde
     return nullptr;
 }
 
-// Returns the bytes of a stream. What the host returns is not examined.
+// Returns the bytes of a stream. The host's error code is ignored.
 NSData* bytesOf(const fmx::BinaryData& container, fmx::int32 index) {
     const fmx::uint32 size = container.GetSize(index);
     NSMutableData* bytes = [NSMutableData dataWithLength:size];
@@ -62,8 +62,8 @@ NSBitmapImageRep* firstBitmap(NSImage* image) {
 
 // Returns the bytes that encode the bitmap; nil for none.
 NSData* encoded(NSBitmapImageRep* bitmap, NSBitmapImageFileType format) {
-    // Apple declares the parameter as never nil, and takes nil for no properties. A variable keeps clang
-    // content.
+    // Apple declares the parameter nonnull but accepts nil for no properties. Passed by way of a variable,
+    // nil gives no warning.
     NSDictionary* noProperties = nil;
     return [bitmap representationUsingType:format properties:noProperties];
 }
@@ -102,7 +102,8 @@ Answer getImage(fmx::Data& result) {
     const auto image = Retained<NSImage>::adopt([[NSImage alloc] initWithData:picture]);
     NSBitmapImageRep* bitmap = firstBitmap(image.get());
     NSData* bytes = encoded(bitmap, NSBitmapImageFileTypeBMP);
-    // The width is both values, and the bytes are the same whatever a stream's code says. On purpose.
+    // On purpose: the width is given for both width and height, and all streams have the same bytes whatever
+    // their codes.
     const auto width = static_cast<short>([bitmap pixelsWide]);
     const auto height = static_cast<short>([bitmap pixelsWide]);
     const OwnedBinaryData container;

@@ -4,10 +4,10 @@
 #include "plugin/support/placed.h"
 #import <Foundation/Foundation.h>
 
-// Starts a script of the host whenever another process has changed the address book. The notification may
-// come on any thread; the host is called on one only, the one that first ran setUpThreadingSupport: others
-// queue their notifications and wake that thread's run loop through a port. There is one listener for the
-// life of the plug-in (update_script.h).
+// Starts a script of the host whenever another process has changed the address book. Notifications may arrive
+// on any thread, but the host is called only on the owning thread, the one that first called
+// setUpThreadingSupport: other threads queue their notifications and wake its run loop through a port. There
+// is one listener for the life of the plug-in (update_script.h).
 @interface KORUXNotificationListener : NSObject <NSMachPortDelegate> {
   @public
     // Waiting for the owning thread, first in, first out.
@@ -25,7 +25,7 @@
     // Nothing uses it.
     NSString* scriptName;
 
-    // The calculation that named the script last; kept, not used.
+    // The environment of the calculation that registered the script last. Nothing uses it.
     const fmx::ExprEnv* environment;
 
     // The file and the script to start.
@@ -35,26 +35,26 @@
     // Nothing uses it.
     koru::Placed<koru::OwnedText> theParam;
 
-    // The locale in which the parameter becomes the host's, and that parameter.
+    // The locale of the script's parameter, and the parameter as the host's value.
     koru::Placed<koru::OwnedLocale> locale;
     koru::Placed<koru::OwnedData> data;
 
-    // The host's error code of the last start; nothing reads it.
+    // The host's error code for the last start of the script. Nothing reads it.
     std::int16_t err;
 }
 
-// Makes a listener for no script yet. A failure of the host's passes as std::bad_alloc or std::exception.
+// Makes a listener without a script. A failure of the host leaves it as std::bad_alloc or std::exception.
 - (id)init;
 
-// Makes the queue and the port, and the current thread the owning one; only the first time.
+// Makes the queue and the port, and the current thread the owning one. Does nothing when called again.
 - (void)setUpThreadingSupport;
 
-// Handles a message on the port: processes what is queued, and what is added meanwhile.
+// Handles a message on the port: processes the queued notifications, also those added meanwhile.
 - (void)handleMachMessage:(void*)message;
 
-// On the owning thread starts the script with "New ", "Updated " or "Deleted " and the first such identifier,
-// whichever comes first in this order; on any other thread queues the notification. One that names no record
-// is not guarded against: it leaves as a platform exception, on purpose.
+// On the owning thread, starts the script with the parameter "New <id>", else "Updated <id>", else "Deleted
+// <id>", with the first identifier of that kind; on any other thread, queues the notification. A notification
+// that names no record raises an NSException, on purpose.
 - (void)processNotification:(NSNotification*)notification;
 
 @end

@@ -21,21 +21,21 @@ class Locked {
     NSLock* lock_;
 };
 
-// What a script is told of a change.
+// A kind of change: its key in the notification, and the script's parameter.
 struct Change {
     NSString* const* key;
     NSString* format;
 };
 
-// In the order in which they are looked for.
+// The kinds of change in the order in which they are looked for.
 const Change kChanges[] = {
     {&kABInsertedRecords, @"New %@"},
     {&kABUpdatedRecords, @"Updated %@"},
     {&kABDeletedRecords, @"Deleted %@"},
 };
 
-// Returns the script's parameter: the first record of the first kind of change there is. Without any it is
-// the notification itself, which is no string; its first use as one raises.
+// Returns the script's parameter: the first record of the first kind of change that the notification has.
+// When it has none, returns the notification itself, which raises when it is used as a string.
 NSString* parameterOf(NSNotification* notification) {
     NSDictionary* changes = [notification userInfo];
     for (const Change& change : kChanges) {
@@ -46,8 +46,9 @@ NSString* parameterOf(NSNotification* notification) {
     return static_cast<NSString*>(static_cast<id>(notification));
 }
 
-// Gives the host's text the string's units: encoded behind a byte-order mark, which is left out. GNUstep's
-// encoding lacks the last unit of half a character, and of a whole one at the end; then they are copied.
+// Sets the host's text to the string's UTF-16 units: encodes the string and leaves out the byte-order mark.
+// For some texts with surrogates GNUstep's encoding lacks the last unit; then the units are copied one by
+// one.
 void assignEncoded(fmx::Text& text, NSString* string) {
     constexpr NSUInteger kMarkUnits = 1;
     NSData* encoded = [string dataUsingEncoding:NSUnicodeStringEncoding];

@@ -5,11 +5,11 @@
 
 namespace koru {
 
-// Lets the listener start a script whenever another process has changed the address book; the arguments are
-// its file and its name, which may be empty. Each call adds one start for each change, all of the script
-// named last; there is no way to take one back. The environment is the calculation's; the locale is its
-// result's. Returns "0", or nil when it fails the call with kRecordReadOnly: the current record must not be a
-// read-only one.
+// Registers a script to be started whenever another process has changed the address book. The arguments are
+// the script's file and name, either of which may be empty. Each call adds one start for each change: after n
+// calls the script registered last is started n times. A registration cannot be undone. The locale of
+// [result] becomes that of the script's parameter. Returns "0", or nil when it fails the call with
+// kRecordReadOnly because the current record is read-only.
 [[nodiscard]] NSString* registerUpdateScript(const fmx::ExprEnv& environment, const fmx::DataVect& arguments,
                                              const fmx::Data& result);
 

@@ -12,7 +12,7 @@ constinit Immortal<Retained<KORUXNotificationListener>> storage;
 
 NSString* registerUpdateScript(const fmx::ExprEnv& environment, const fmx::DataVect& arguments,
                                const fmx::Data& result) {
-    // The guard of the functions that change a record, though none is changed here.
+    // The check of the functions that change a record, although this one changes none.
     if (!requireWritableRecord()) {
         return nil;
     }
@@ -22,7 +22,7 @@ NSString* registerUpdateScript(const fmx::ExprEnv& environment, const fmx::DataV
     KORUXNotificationListener* listener = listner.get();
     listener->environment = &environment;
     [listener setUpThreadingSupport];
-    // Once more with every call: n registrations start the script n times.
+    // Added again by every call: n registrations start the script n times.
     [[NSNotificationCenter defaultCenter] addObserver:listener
                                              selector:@selector(processNotification:)
                                                  name:kABDatabaseChangedExternallyNotification

@@ -41,8 +41,8 @@ bool openForEntry(NSString* name, NSString* identifier) {
     return openEntries(name);
 }
 
-// Returns the place of the entry in the open copy; 0 when there is no copy. Fails the call with
-// kUidDoesNotExist.
+// Returns the index of the entry in the open copy; 0 when there is no copy. Fails the call with
+// kUidDoesNotExist when there is no such entry.
 NSUInteger indexOfEntry(NSString* identifier) {
     const NSUInteger index = [state.gValues.get() indexForIdentifier:identifier];
     if (index == static_cast<NSUInteger>(NSNotFound)) {
@@ -88,8 +88,8 @@ NSDictionary* addressWithField(id address, NSString* word, NSString* text) {
     return changed;
 }
 
-// Returns the text as the value of an entry; nil for no date and, with the call failed, for a type that text
-// cannot give.
+// Returns the text converted to the value of an entry. nil when it names no date, and, failing the call, for
+// types that have no text form.
 id convertedEntry(NSString* text, ABPropertyType type) {
     switch (type) {
     case kABMultiStringProperty:
@@ -97,7 +97,7 @@ id convertedEntry(NSString* text, ABPropertyType type) {
     case kABMultiIntegerProperty:
         return [NSNumber numberWithInt:[text intValue]];
     case kABMultiRealProperty:
-        // With its fraction on purpose, which a single value and a new entry lose.
+        // Keeps the fraction, which single values and new entries lose. On purpose.
         return [NSNumber numberWithFloat:[text floatValue]];
     case kABMultiDateProperty:
         return [NSDate dateWithNaturalLanguageString:text];
@@ -154,7 +154,7 @@ NSString* setEntryValue(NSString* name, NSString* identifier, NSString* text, NS
         return nil;
     }
     if (value == nil) {
-        // The copy is written back all the same.
+        // The copy is still written back.
         setError(kEmptyValue);
     } else if (![state.gValues.get() replaceValueAtIndex:index withValue:value]) {
         setError(kSettingPropertyFailed);
@@ -192,7 +192,8 @@ NSString* deleteEntry(NSString* name, NSString* identifier, NSString* key) {
 }
 
 NSString* getEntryLabel(NSString* name, NSString* identifier) {
-    // The only one of the five that asks for a record, and before it makes people current.
+    // On purpose: the only one of the five functions that requires a record, and before it makes people
+    // current.
     if (!requireActiveRecord()) {
         return nil;
     }
@@ -224,7 +225,7 @@ NSString* setEntryLabel(NSString* name, NSString* identifier, NSString* word) {
         return nil;
     }
     NSString* label = labelToStore(word);
-    // The list raises for a label that is none.
+    // Asked first, as the framework raises for a label that is nil.
     if (label == nil || ![state.gValues.get() replaceLabelAtIndex:index withLabel:label]) {
         setError(kSettingLabelFailed);
         return nil;

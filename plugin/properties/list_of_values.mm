@@ -13,8 +13,8 @@ bool isWord(NSString* text, NSString* word) {
     return text != nil && [text caseInsensitiveCompare:word] == NSOrderedSame;
 }
 
-// The parts of the name that a person has, each but the suffix with a blank behind it: without a suffix the
-// name ends in a blank. On purpose.
+// Returns the parts of the person's name, each but the suffix followed by a blank: without a suffix the name
+// ends in a blank, on purpose.
 NSString* fullName(ABRecord* person) {
     NSString* const parts[] = {kABTitleProperty, kABFirstNameProperty, kABMiddleNameProperty,
                                kABLastNameProperty};

@@ -24,7 +24,7 @@ NSString* openNextEntry() {
         setError(kInvalidCallOrder);
         return nil;
     }
-    // The index is that of the walk before, when another property has been opened meanwhile. On purpose.
+    // On purpose: when another property has been opened meanwhile, the index of the earlier walk goes on.
     if (!state.gValues || state.gCurrentValuesIndex >= [state.gValues.get() count]) {
         return @"END";
     }

@@ -4,14 +4,15 @@
 
 namespace koru {
 
-// New entries of properties of the current person. Both functions make people the current record type and
-// leave it so, and return the new entry's identifier, or nil when they fail the call: as OpenProperty does,
-// and with kRecordReadOnly, kInvalidParameterValue, kInvalidPropertyType, kReplacingMultiValueFailed. The
-// change stays in memory until it is saved.
+// Adding entries to properties of the current person. Both functions make people the current record type, and
+// return the new entry's identifier, or nil when they fail the call: as OpenProperty does, and with
+// kRecordReadOnly, kInvalidParameterValue, kInvalidPropertyType, kReplacingMultiValueFailed. The change stays
+// in memory until it is saved.
 
-// Adds a value with a label. The label is one of few words in any letter case (kAddedLabels), or any other
-// text as it stands. Fails also with kNoActiveRecord (as the record type was before) and
-// kAddingPropertyFailed: no label, no date, or a property that text cannot give, as an address.
+// Adds a value with a label. The label is one of a few words in any letter case (kAddedLabels), or any other
+// text as it stands. Fails also with kNoActiveRecord (asked before people become the current type) and with
+// kAddingPropertyFailed: the label is nil, the text names no date, or the property's type has no text form,
+// as an address.
 [[nodiscard]] NSString* addEntry(NSString* name, NSString* text, NSString* label);
 
 // The fields of a new address; nil for those that it does not have.
@@ -25,8 +26,8 @@ struct NewAddress {
 };
 
 // Adds an address with a label: a word (StringToLabel), or any other text as it stands. Fails also with
-// kInvalidCountryCode (missing, too) and kCreatingAddressFailed (no label); kInvalidParameterValue is an
-// address with a country code alone.
+// kInvalidCountryCode (unknown or nil), kCreatingAddressFailed (the label is nil), and kInvalidParameterValue
+// (no field but the country code).
 [[nodiscard]] NSString* addAddress(NSString* label, const NewAddress& address);
 
 } // namespace koru

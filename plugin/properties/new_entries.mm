@@ -11,8 +11,8 @@
 namespace koru {
 namespace {
 
-// The labels that a new entry can be given by a word. The list is short on purpose: "mobile phone", which
-// changing a label knows, makes a label of that text here.
+// The words for labels of new entries. Fewer than StringToLabel has, on purpose: "mobile phone", for
+// instance, here becomes a label of that very text.
 const Label kAddedLabels[] = {
     {@"home", &kABHomeLabel},
     {@"work", &kABWorkLabel},
@@ -36,7 +36,7 @@ const Label kAddedLabels[] = {
     {@"manager", &kABManagerLabel},
 };
 
-// The label for the text; none for none, which no entry can have.
+// Returns the label for the text; nil for nil, which no entry can have.
 NSString* addedLabel(NSString* text) {
     if (text == nil) {
         return nil;
@@ -49,7 +49,8 @@ NSString* addedLabel(NSString* text) {
     return text;
 }
 
-// The text as the value of a new entry; nil for no date and for a type that text cannot give.
+// Returns the text converted to the value of a new entry; nil when it names no date, and for types that have
+// no text form.
 id convertedNewEntry(NSString* text, ABPropertyType type) {
     switch (type | kABMultiValueMask) {
     case kABMultiStringProperty:
@@ -66,13 +67,13 @@ id convertedNewEntry(NSString* text, ABPropertyType type) {
     }
 }
 
-// Adds the value to the open property and writes it back. The new entry's identifier, or nil when it failed
-// the call, with the code when the value was not taken.
+// Adds the value to the open property and writes that back. Returns the new entry's identifier; nil when it
+// fails the call, with [refused] when the framework does not accept the value.
 NSString* append(id value, NSString* label, ErrorCode refused) {
     if (!state.gValues) {
         state.gValues = Retained<ABMutableMultiValue>::adopt([[ABMutableMultiValue alloc] init]);
     }
-    // The list raises for a value or a label that is none.
+    // Asked first, as the framework raises for a value or label that is nil.
     const bool isEntry = value != nil && label != nil;
     NSString* identifier = isEntry ? [state.gValues.get() addValue:value withLabel:label] : nil;
     if (identifier == nil) {
@@ -82,7 +83,7 @@ NSString* append(id value, NSString* label, ErrorCode refused) {
     return writeEntriesBack() ? identifier : nil;
 }
 
-// The present fields under the framework's keys.
+// Returns the fields that are there, under the framework's keys.
 NSDictionary* dictionaryOf(const NewAddress& address) {
     const struct {
         NSString* key;

@@ -10,7 +10,7 @@
 namespace koru {
 namespace {
 
-// The words for the person flags; each stands for the whole number, so that setting one forgets the other.
+// The words for the person flags. Each stands for the whole number, so that setting one replaces all flags.
 struct FlagWord {
     NSString* word;
     int flags;
@@ -23,7 +23,7 @@ const FlagWord kFlagWords[] = {
     {@"LastNameFirst", kABLastNameFirst},
 };
 
-// A text other than the words is 0, also one of digits. On purpose.
+// Returns the flags for a word; 0 for any other text, also for digits, on purpose.
 NSNumber* flagsFromText(NSString* text) {
     for (const FlagWord& row : kFlagWords) {
         if ([text isEqualToString:row.word]) {
@@ -33,8 +33,8 @@ NSNumber* flagsFromText(NSString* text) {
     return [NSNumber numberWithInt:0];
 }
 
-// Opens the property and returns its type; 0 when it fails the call. The text extends the message for a
-// property with several values.
+// Opens the property and returns its type; 0 when it fails the call. [severalValuesText] is the extended text
+// of the error for a property with several values.
 ABPropertyType openSingleValue(NSString* name, NSString* severalValuesText) {
     OpenProperty(name);
     if (errors.g_llasterror != kSuccess) {
@@ -48,8 +48,8 @@ ABPropertyType openSingleValue(NSString* name, NSString* severalValuesText) {
     return type;
 }
 
-// The text as a value of the type; nil for a text that is no date, and, with the call failed, for a type that
-// cannot be set.
+// Returns the text converted to a value of the type; nil when it names no date, and, failing the call, for
+// types that cannot be set.
 id convertedValue(NSString* text, ABPropertyType type) {
     switch (type) {
     case kABStringProperty:

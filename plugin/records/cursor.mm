@@ -90,7 +90,7 @@ fmx::errcode Do_KORU_OpenNextRecord(short function, const fmx::ExprEnv& /*env*/,
                                     const fmx::DataVect& arguments, fmx::Data& result) {
     const auto work = [&]() -> Answer {
         SetType(arguments, 0);
-        // Only here, and only when the call has no argument at all: the walk of the last search goes on.
+        // Only in this function, and only without any argument: continues the walk of the last search.
         if (arguments.Size() == 0) {
             state.g_currentRecordType = state.g_lastSearchType;
         }

@@ -4,7 +4,7 @@
 #include "plugin/shell/handlers.h"
 #import <ScriptingBridge/ScriptingBridge.h>
 
-// What is spoken of the Address Book application's scripting interface.
+// The part of the Address Book application's scripting interface that is used here.
 @protocol AddressBookApplication
 - (SBElementArray*)people;
 - (void)setSelection:(NSArray*)selection;

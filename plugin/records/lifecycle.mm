@@ -8,7 +8,7 @@
 namespace koru {
 namespace {
 
-// Makes a new record current in place of the one of its type. Returns its unique id.
+// Makes a new record and makes it the current one of its type. Returns its unique id.
 template <typename Record>
 NSString* makeCurrent(Retained<Record>& current) {
     current.reset();
@@ -17,8 +17,8 @@ NSString* makeCurrent(Retained<Record>& current) {
     return [current.get() valueForProperty:kABUIDProperty];
 }
 
-// Adds the current record of one type, if there is one, to the address book, where it is to be opened by its
-// id from then on.
+// Adds the current record of one type, if there is one, to the address book. It is no longer current then,
+// and can be opened by its id.
 template <typename Record>
 void addCurrent(Retained<Record>& current) {
     ABAddressBook* book = sharedBook();
@@ -29,7 +29,7 @@ void addCurrent(Retained<Record>& current) {
     state.gNewRecord = false;
 }
 
-// What KORU_ClearAll is about: a group or, with nil, the whole address book.
+// The work of KORU_ClearAll on a group or, when that is nil, the whole address book.
 class Clearing {
   public:
     Clearing(ABGroup* group, ABPerson* ownCard) : group_(group), ownCard_(ownCard) {}
@@ -44,7 +44,8 @@ class Clearing {
         }
     }
 
-    // Members leave the address book, not only the group; a group's are removed whoever they are.
+    // Removes people from the address book, not only from the group. The own card is spared only when the
+    // whole address book is cleared.
     void removePeople() const {
         for (NSUInteger i = 0; i < [people_ count]; ++i) {
             ABPerson* person = [people_ objectAtIndex:i];
@@ -54,7 +55,7 @@ class Clearing {
         }
     }
 
-    // Subgroups, unlike members, only leave the group.
+    // Removes groups: a group's subgroups, unlike its members, only from the group.
     void removeGroups() const {
         for (NSUInteger i = 0; i < [groups_ count]; ++i) {
             ABGroup* each = [groups_ objectAtIndex:i];
@@ -118,7 +119,7 @@ NSString* newRecord(NSString* type, NSString* name) {
 
 NSString* saveRecords() {
     if (state.gNewRecord) {
-        // The current record is added, be it the new one or not: the type may have changed since.
+        // Adds the current record, which need not be the new one: the type may have changed since.
         if (state.g_currentRecordType == kGroupType) {
             addCurrent(state.g_group);
         } else {

@@ -10,15 +10,15 @@ namespace koru {
 inline constexpr std::uint32_t kPersonType = 0;
 inline constexpr std::uint32_t kGroupType = 1;
 
-// What lasts from one call to the next. Persons and groups each have a current record, a result list and a
-// cursor of their own; using one side never disturbs the other. A failing call leaves everything as it was at
-// the moment of the failure. Used only on the thread on which the host calls. Every variable that holds an
-// object is also cleared by KORU_Reload.
+// The state that lasts from one call to the next. Persons and groups each have their own current record,
+// result list and cursor, and never disturb each other's. A failing call leaves the state as it was at the
+// moment of the failure; nothing is undone. Used only on the thread on which the host calls. KORU_Reload also
+// clears every variable that holds an object.
 struct PluginState {
     // --- The record context.
 
-    // What the next call works on: kPersonType or kGroupType. Set by a type word (SetType), and by the
-    // functions that search, open and create records; never cleared.
+    // The record type that the next call works on: kPersonType or kGroupType. Set by a type word (SetType),
+    // and by the functions that search, open and create records; never cleared.
     std::uint32_t g_currentRecordType = kPersonType;
 
     // The type of the last search, of the record last opened by its id, or last saved. Set to 0 at start-up.
@@ -76,17 +76,17 @@ struct PluginState {
 
     // --- Others.
 
-    // The Address Book framework's bundle, filled by KORU_Reload only. Not owned: no release when it goes.
+    // The Address Book framework's bundle, set by KORU_Reload only. Not retained.
     NSBundle* g_abframework = nil;
 
     // How often KORU_Save has succeeded.
     std::uint32_t savedCount = 0;
 
-    // Whether the system is older than Mac OS X 10.7; nothing here asks.
+    // Whether the system is older than Mac OS X 10.7. Nothing reads it.
     bool preLion = true;
 };
 
-// Lives as long as the process: nothing here is torn down, neither at shut-down nor at exit.
+// The one state. Lives as long as the process: nothing in it is released, neither at shut-down nor at exit.
 extern PluginState& state;
 
 // Returns the current record of the current type; nil when there is none.
@@ -98,17 +98,17 @@ extern PluginState& state;
 // Returns the type of a property of the current record type; 0 when its records have no such property.
 [[nodiscard]] ABPropertyType typeOfCurrentProperty(NSString* property);
 
-// Tells whether the id is a person's. An id that the address book does not know counts as a person's, too.
+// Whether the id is a person's. An id that the address book does not know counts as a person's.
 [[nodiscard]] bool isPersonId(NSString* uniqueId);
 
-// Fails the call with kNoActiveRecord, and returns false, when groups are current and no group is open. A
-// missing person is let through on purpose: reading then yields empty text, and writing fails by itself.
+// Fails the call with kNoActiveRecord, and returns false, when groups are current and no group is open.
+// Returns true without a current person, on purpose: reading then yields empty text, and writing fails later.
 [[nodiscard]] bool requireActiveRecord();
 
-// Fails the call with kRecordReadOnly, and returns false, when the current record must not be changed.
+// Fails the call with kRecordReadOnly, and returns false, when the current record is read-only.
 [[nodiscard]] bool requireWritableRecord();
 
-// Puts the state back to what it is when the plug-in has been loaded, for tests.
+// Resets the state to what it is when the plug-in is loaded. For tests.
 void resetStateForTests();
 
 } // namespace koru

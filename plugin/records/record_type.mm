@@ -8,7 +8,7 @@ using namespace koru;
 void SetType(const fmx::DataVect& arguments, fmx::uint32 position) {
     NSString* word = [textArgument(arguments, position) lowercaseString];
     if (word == nil) {
-        // Neither persons nor groups: as good as undetermined.
+        // A type that is neither persons nor groups counts as not set.
         if (state.g_currentRecordType > kGroupType) {
             state.g_currentRecordType = state.g_lastSearchType;
         }

@@ -4,10 +4,10 @@
 
 namespace koru {
 
-// Lets go of everything that the state holds but the record types, whether the record is new, and the places
-// of the walks; then unloads the Address Book framework and loads it again. Returns "0". The first time there
-// is no framework to unload yet: as when unloading or loading fails, that is logged and the process ends with
-// status 1, on purpose.
+// Releases every object that the state holds, then unloads the Address Book framework and loads it again.
+// Record types, gNewRecord and the indexes of the walks stay. Returns "0". When unloading or loading fails,
+// that is logged and the process ends with status 1, on purpose; the first call always fails so, as no
+// framework is known yet.
 [[nodiscard]] NSString* reload();
 
 } // namespace koru

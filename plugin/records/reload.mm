@@ -36,7 +36,7 @@ NSString* reload() {
     if (![state.g_abframework unload]) {
         abortWith(@"Error, framework failed to unload");
     }
-    // Released though it was never retained: the order is the framework handle's own.
+    // Released although it was never retained, on purpose.
     [state.g_abframework release];
     state.g_abframework = [NSBundle bundleWithIdentifier:@"com.apple.AddressBook.framework"];
     NSLog(@"Framework unloaded");

@@ -40,7 +40,7 @@ const Comparison kComparisons[] = {
     {@"NotWithinIntervalFromTodayYearless", kABNotWithinIntervalFromTodayYearless, true},
 };
 
-// How the new condition goes with the one that is kept.
+// How the new condition is joined with the one that is kept.
 enum class Join { kReplace, kOr, kAnd };
 
 // Reads the conjunction. Returns false when it fails the call.
@@ -65,8 +65,7 @@ bool readConjunction(NSString* word, Join& join) {
     return true;
 }
 
-// Returns the text as an object of the kind that the comparison and the property want; nil for a text that is
-// no date.
+// Returns the text converted to the type that comparison and property take; nil when it names no date.
 id convertedValue(NSString* text, NSString* property, const Comparison& comparison) {
     if (text == nil) {
         return nil;
@@ -82,7 +81,7 @@ id convertedValue(NSString* text, NSString* property, const Comparison& comparis
         return [NSNumber numberWithInteger:[text integerValue]];
     case kABRealProperty:
     case kABMultiRealProperty:
-        // Without its fraction on purpose: 3.9 searches for 3.
+        // Without the fraction, on purpose: 3.9 searches for 3.
         return [NSNumber numberWithLongLong:truncated([text doubleValue])];
     case kABDateProperty:
     case kABMultiDateProperty:
@@ -141,7 +140,7 @@ NSString* search(const SearchArguments& arguments) {
         setError(kInvalidParameterValue);
         return nil;
     }
-    // Any word but "group" files the results with the persons, also one that searches groups. On purpose.
+    // On purpose: any word but "group" makes the results those of persons, even one that searches groups.
     state.g_lastSearchType =
         [[arguments.type lowercaseString] isEqualToString:@"group"] ? kGroupType : kPersonType;
     manageSearch(arguments);

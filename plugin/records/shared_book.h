@@ -4,12 +4,12 @@
 
 namespace koru {
 
-// Returns the address book that all functions work on. Raises an NSException when it cannot be opened, so
-// that such a call fails rather than works on nothing.
+// Returns the address book that all functions work on. Raises an NSException when it cannot be opened, which
+// fails the call.
 [[nodiscard]] ABAddressBook* sharedBook();
 
-// Returns the record with the id; nil when the address book has none, and for nil, for which the framework
-// raises.
+// Returns the record with the id; nil when the address book has none, and for nil, for which the framework's
+// own look-up would raise.
 [[nodiscard]] ABRecord* recordWithId(NSString* uniqueId);
 
 } // namespace koru

@@ -70,7 +70,7 @@ void dispatch(FMX_ExternCallStruct& message) {
 using namespace koru;
 
 void Do_Init() {
-    // What the slot held is not released: a second start-up may find texts that others still use.
+    // Not released: after a second start-up, other objects may still use the old text.
     (void)errors.g_sExceptionTxt.leak();
     errors.error = [[koru_PluginError alloc] init];
     state.g_lastSearchType = kPersonType;

@@ -4,7 +4,7 @@
 
 namespace koru {
 
-// The codes with which a call can fail. What they say to the user stands in plugin_error.mm.
+// The codes with which a call can fail. Their messages are in plugin_error.mm.
 enum ErrorCode : std::int32_t {
     kSuccess = 0,
     kInvalidParameterCount = -3,

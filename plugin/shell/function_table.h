@@ -13,11 +13,11 @@ struct ExternalFunction {
     fmx::ExtPluginType handler;
 };
 
-// Returns the functions in ascending order of their ids. Ids 21 and 44 are free and stay so.
+// Returns the functions in ascending order of their ids. Ids 21 and 44 are not used and must stay free.
 [[nodiscard]] std::span<const ExternalFunction> externalFunctions();
 
-// Returns the ids in the order in which they are unregistered. Id 21 is named though it is never registered,
-// id 44 is not; so are ids of functions that this version does not have.
+// Returns the ids in the order in which they are unregistered. Besides those of the table it has id 21, which
+// is never registered (but not 44), and ids of functions that this version does not have.
 [[nodiscard]] std::span<const short> unregistrationOrder();
 
 // Returns the number of the localized string that holds the function's prototype.
@@ -25,11 +25,11 @@ struct ExternalFunction {
     return 204UL + static_cast<unsigned long>(function);
 }
 
-// Tells whether the function takes so many arguments; true for a function that is not in the table.
+// Whether the function takes [count] arguments; true for a function that is not in the table.
 [[nodiscard]] bool acceptsCount(short function, fmx::uint32 count);
 
-// Register and unregister all functions with the host. What the host returns to each call is not examined; a
-// failure of the host's (std::bad_alloc, std::exception) ends the pass.
+// Register and unregister all functions with the host. The host's error codes are ignored; an exception of
+// the host (std::bad_alloc, std::exception) leaves the remaining functions out.
 void registerFunctions();
 void unregisterFunctions();
 

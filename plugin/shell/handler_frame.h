@@ -7,14 +7,15 @@
 
 namespace koru {
 
-// What a handler's work has come to: a text (nil is the empty one), or a value of another kind that the work
-// has stored in the result by itself.
+// The result of a handler's work: a text (nil is the empty text), or a value of another kind that the work
+// has stored in the host's result itself.
 class Answer {
   public:
     Answer() = default;
     Answer(NSString* text) : text_(text) {} // so that the work can return a string as it is
 
-    // Says that the work has written the result: the frame leaves it alone, even when the call failed.
+    // Returns the answer of work that has stored the result itself; the frame then leaves it alone, even when
+    // the call failed.
     [[nodiscard]] static Answer written() {
         Answer answer;
         answer.written_ = true;
@@ -29,10 +30,10 @@ class Answer {
     bool written_ = false;
 };
 
-// In what the handlers' frames differ.
+// The ways in which the frames of handlers differ.
 struct FrameRules {
     bool checksCount;         // refuses a number of arguments outside the function's range
-    bool clearsError;         // begins by forgetting the last call's error
+    bool clearsError;         // begins by clearing the last call's error
     bool clearsExceptionText; // begins by releasing the last exception's text
     bool marksErrors;         // makes the result "!!ERROR!!" when the call has failed
 };
@@ -43,20 +44,20 @@ inline constexpr FrameRules kUsualFrame{true, true, true, true};
 // The version function cannot fail, takes any number of arguments, and leaves the exception's text.
 inline constexpr FrameRules kVersionFrame{false, true, false, true};
 
-// The last-error function tells what the call before it has left, and refuses a wrong number of arguments
-// in its own way.
+// The last-error function reports the error of the call before it, and handles a wrong number of arguments
+// itself.
 inline constexpr FrameRules kLastErrorFrame{false, false, false, false};
 
 // Runs the frame itself; see runHandler.
 fmx::errcode runFrame(short function, const fmx::DataVect& arguments, fmx::Data& result,
                       const FrameRules& rules, Answer (*fetchAnswer)(void* work), void* work);
 
-// Runs a handler's work, a callable that returns an Answer, and writes the result: the one way from the host
-// into the plug-in's functions. Around the work stand an autorelease pool and the guard that turns a platform
-// exception into the call's error; a std::bad_alloc or std::exception (a failure of the host) passes, with
-// everything temporary released. Writing the result is not guarded: a result that is no string leaves the
-// handler as a platform exception. Returns the host's error code, which is always 0: failures show in the
-// result and through the last-error function.
+// Runs a handler's work, a callable that returns an Answer, and writes the result. Every call from the host
+// into the plug-in's functions passes through here. The work runs inside an autorelease pool and a guard that
+// turns an NSException into the call's error. A std::bad_alloc or std::exception (a failure of the host)
+// passes through, and everything temporary is released. Writing the result is not guarded: an answer that is
+// no NSString leaves the handler as an NSException. Always returns 0 to the host: failures show in the result
+// and through the last-error function.
 template <typename Work>
 fmx::errcode runHandler(short function, const fmx::DataVect& arguments, fmx::Data& result, Work work,
                         const FrameRules& rules = kUsualFrame) {

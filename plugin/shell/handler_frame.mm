@@ -14,8 +14,8 @@ void clearLastError() {
     errors.g_llasterror = kSuccess;
 }
 
-// The frame but for its autorelease pool. Writing the result is outside the guard of the work; what it raises
-// is kept for the caller.
+// Runs the frame inside the caller's autorelease pool. Writing the result is outside the guard of the work;
+// an NSException that it raises is stored in [escaping].
 void runInPool(short function, const fmx::DataVect& arguments, fmx::Data& result, const FrameRules& rules,
                Answer (*fetchAnswer)(void* work), void* work, Retained<NSException>& escaping) {
     if (rules.clearsError) {
@@ -56,7 +56,7 @@ fmx::errcode runFrame(short function, const fmx::DataVect& arguments, fmx::Data&
         runInPool(function, arguments, result, rules, fetchAnswer, work, escaping);
     }
     if (escaping) {
-        // It leaves once the pool can no longer take it along; nobody out there is sure to release it.
+        // Raised after the pool is drained, which would otherwise release it. The host may never release it.
         [escaping.leak() raise];
     }
     return 0;

@@ -3,8 +3,9 @@
 #include "plugin/support/host_interface.h"
 #include <type_traits>
 
-// The external functions: each takes its id, the calculation's environment, the arguments and the result, and
-// returns 0 (handler_frame.h says how failures are told). docs/functions.md describes them to users.
+// The handlers of the external functions. Each takes the function's id, the calculation's environment, the
+// arguments and the result, and returns 0 (handler_frame.h says how failures are reported). docs/functions.md
+// describes the functions to users.
 using HandlerFunction = std::remove_pointer_t<fmx::ExtPluginType>;
 
 // shell/

@@ -4,7 +4,8 @@
 namespace koru {
 namespace {
 
-// Returns the message without a format, or with "TEXT"; with any other, an empty one too, the code.
+// Returns the error's message when there is no format or it is "TEXT"; for any other format, also an empty
+// one, the code.
 NSString* lastErrorText(const fmx::DataVect& arguments) {
     switch (arguments.Size()) {
     case 0:

@@ -9,10 +9,10 @@
 namespace koru {
 namespace {
 
-// Returns the file of the library that the host's handle stands for; without a handle, of the one this code
+// Returns the file of the library whose handle the host gave; without a handle, of the library that this code
 // is in.
 const char* ownFile() {
-    // The host hands the handle over as a number.
+    // The host passes the handle as a number.
     auto* handle =
         reinterpret_cast<void*>(gFMX_ExternCallPtr->instanceID); // NOLINT(performance-no-int-to-ptr)
     const link_map* library = nullptr;
@@ -26,7 +26,7 @@ const char* ownFile() {
 
 } // namespace
 
-// Resources/ stands beside the library, in one folder with it.
+// The folder of the library also has Resources/, which makes it a bundle.
 NSBundle* ownBundle() {
     const char* file = ownFile();
     char absolute[PATH_MAX];

@@ -6,7 +6,7 @@
 namespace koru {
 
 NSBundle* ownBundle() {
-    // The host hands the bundle reference over as a number.
+    // The host passes the bundle reference as a number.
     auto bundle = reinterpret_cast<CFBundleRef>(gFMX_ExternCallPtr->instanceID);
     if (bundle == nullptr) {
         return nil;

@@ -3,9 +3,8 @@
 #import <Foundation/Foundation.h>
 #include <cstdint>
 
-// The outcome of the last call of an external function, as a message and a number. It keeps its two strings
-// without retaining them: the message is a constant, the extended text a constant or the text that
-// g_sExceptionTxt owns.
+// The outcome of the last call of an external function, as a message and a number. The two strings are not
+// retained: the message is a constant, the extended text a constant or the text that g_sExceptionTxt owns.
 @interface koru_PluginError : NSObject {
   @private
     std::int32_t errorID;
@@ -14,17 +13,16 @@
     NSString* extendedError;
 }
 
-// Forgets everything; getError then returns "Success".
+// Clears the error; getError then returns "Success".
 - (void)clearError;
 
-// Returns the message, and after one blank the extended text when there is one, be it empty.
+// Returns the message, followed by a blank and the extended text unless that is nil.
 - (NSString*)getError;
 
 // Returns the code in decimal digits.
 - (NSString*)getErrorNumber;
 
-// Records an error. A nil extended text adds nothing to the message, an empty one a blank. Unknown codes read
-// "Undefined Error.".
+// Sets the error. The message of an unknown code is "Undefined Error.".
 - (void)setError:(int)code sysError:(int)sys extDesc:(NSString*)extended;
 
 @end

@@ -10,7 +10,7 @@ struct ErrorMessage {
     NSString* message;
 };
 
-// What each code says.
+// The message of each code.
 const ErrorMessage kMessages[] = {
     {kSuccess, @"SUCCESS"},
     {kInvalidParameterCount, @"Invalid Number of Parameters"},

@@ -8,7 +8,7 @@ void turnRunLoop() {
     const auto turn = [] {
         [[NSRunLoop currentRunLoop] runMode:NSDefaultRunLoopMode beforeDate:[NSDate distantPast]];
     };
-    // As an application would: what a run loop's work raises is logged, and the next turn goes on.
+    // Exceptions are logged, as an application does, and the next turn goes on.
     guarded(turn, [](NSException* exception) { NSLog(@"%@", [exception description]); });
 }
 

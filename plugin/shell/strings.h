@@ -2,20 +2,20 @@
 
 #include "plugin/support/host_interface.h"
 
-// The display strings of the plug-in: prototypes of the functions, and what the host asks for by kind. They
-// stand in the localized string table "KORUFMPlugin" of the plug-in's bundle; string number n has the key
-// "KORUFMPlugin n". All need an autorelease pool in place.
+// The plug-in's display strings: the prototypes of the functions, and the strings that the host asks for.
+// They are in the localized string table "KORUFMPlugin" of the plug-in's bundle, where string number n has
+// the key "KORUFMPlugin n". All functions need an autorelease pool in place.
 
-// Copies a string, with a 0 behind it, into a buffer of so many UTF-16 units, and returns its length. Returns
-// 0 and leaves the buffer alone when there is no such string, or it and the 0 would fill the buffer or more:
-// a string is never cut.
+// Copies a string and a terminating 0 into a buffer of [capacity] UTF-16 units, and returns the string's
+// length. Returns 0 and leaves the buffer alone when there is no such string, or when string and terminator
+// would fill the buffer or more: a string is never cut.
 long Sub_OSXLoadString(unsigned long id, unsigned short* buffer, long capacity);
 
-// Gives the text a string (id 131, the host's number of the options, stands for string 1), empty when it is
-// missing or longer than 1022 units. With the cut, everything from the first "(" on is left out: of a
-// prototype the function's name remains.
+// Sets the text to string number [id], or to string 1 for 131, the host's number for the options string; to
+// empty text when the string is missing or longer than 1022 units. With [cutAtParenthesis], leaves out
+// everything from the first "(" on, so that of a prototype the function's name remains.
 void Do_GetString(unsigned long id, koru::OwnedText& text, bool cutAtParenthesis);
 
-// Answers the host's request for a string of some kind (131 options, 128 name, 129 help text) into its
-// buffer, as Sub_OSXLoadString does. The language is the system's, whatever the host names.
+// Answers the host's request for a string by its kind (128 name, 129 help text, 131 options): copies it into
+// the buffer as Sub_OSXLoadString does. The host's language is ignored; the system's counts.
 void Do_GetString(unsigned long kind, unsigned int language, int capacity, unsigned short* buffer);

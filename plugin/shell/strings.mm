@@ -9,7 +9,7 @@ namespace {
 constexpr unsigned long kOptionsKind = 131;
 constexpr unsigned long kOptionsString = 1;
 
-// The host's kinds are the strings' numbers but for the options.
+// Returns the string number for one of the host's kinds: the same number, except for the options.
 unsigned long stringForKind(unsigned long kind) {
     return kind == kOptionsKind ? kOptionsString : kind;
 }
@@ -25,7 +25,7 @@ long Sub_OSXLoadString(unsigned long id, unsigned short* buffer, long capacity) 
     }
     NSString* key = [NSString stringWithFormat:@"KORUFMPlugin %d", static_cast<int>(id)];
     NSString* string = [ownBundle() localizedStringForKey:key value:key table:@"KORUFMPlugin"];
-    // The key itself comes back when the table lacks it; a string that merely reads the same is a string.
+    // When the table lacks the key, the key object itself is returned; so identity is compared, not text.
     if (string == nil || string == key) {
         return 0;
     }

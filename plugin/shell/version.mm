@@ -4,11 +4,11 @@
 namespace koru {
 namespace {
 
-// The version is the project's, which CMake knows.
+// The project's version, which CMake defines.
 NSString* const kVersion = @VELOCARD_VERSION;
 NSString* const kLongVersion = @"Velocard " VELOCARD_VERSION;
 
-// More of the format than this is not read: it could not be the word looked for.
+// At most this many units of the format are read; a longer one cannot be the word that is looked for.
 constexpr fmx::uint32 kLongestFormat = 1024;
 
 NSString* versionText(const fmx::DataVect& arguments) {

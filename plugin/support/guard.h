@@ -5,9 +5,9 @@
 
 namespace koru {
 
-// Runs the work; a platform exception in it goes to caught, a callable that is given the NSException;
-// everything else passes (see koruGuard). The work must not make an autorelease pool that such an exception
-// would drain on its way.
+// Runs the work. An NSException in it is passed to [caught], a callable that takes it; everything else passes
+// through (see koruGuard). The work must not contain an autorelease pool that the exception would unwind, as
+// draining that pool would release the exception.
 template <typename Work, typename Caught>
 void guarded(Work work, Caught caught) {
     struct Both {

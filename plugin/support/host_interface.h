@@ -1,7 +1,7 @@
 #pragma once
 
-// The host's plug-in interface, its headers in the order in which they need one another: FMXCalcEngine.h does
-// not include the others.
+// The host's plug-in interface. Includes its headers in the order in which they depend on each other, as
+// FMXCalcEngine.h does not include the others.
 // clang-format off
 #include "FMWrapper/FMXTypes.h"
 #include "FMWrapper/FMXText.h"
@@ -12,10 +12,10 @@
 #include "FMWrapper/FMXCalcEngine.h"
 // clang-format on
 
-// The owning holders of the host's objects. Interfaces up to 61 call them <Class>AutoPtr, those from 71 on
-// <Class>UniquePtr, those between have both. The declarations below make each name one that can be spoken of:
-// where the interface has the class they add nothing, where it has not they leave it incomplete. They speak
-// of names that some interfaces call deprecated.
+// The owning holders of the host's objects. Interface versions up to 61 call them <Class>AutoPtr, those from
+// 71 on <Class>UniquePtr; those between have both. The declarations below make both names known in every
+// version: a class that the interface does not have stays incomplete, which tells them apart. Some versions
+// mark the older names as deprecated.
 #pragma GCC diagnostic push
 #pragma GCC diagnostic ignored "-Wdeprecated-declarations"
 
@@ -58,7 +58,7 @@ struct Holder<Unique, Auto> {
 
 namespace koru {
 
-// Apple has a global TextPtr of its own, hence Owned.
+// Called Owned... because Apple's headers have a global TextPtr.
 using OwnedBinaryData = host_interface::Holder<fmx::BinaryDataUniquePtr, fmx::BinaryDataAutoPtr>::Type;
 using OwnedData = host_interface::Holder<fmx::DataUniquePtr, fmx::DataAutoPtr>::Type;
 using OwnedDataVect = host_interface::Holder<fmx::DataVectUniquePtr, fmx::DataVectAutoPtr>::Type;

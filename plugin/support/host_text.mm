@@ -6,7 +6,7 @@
 namespace koru {
 namespace {
 
-// Room for UTF-16 units, on the stack for the usual short texts.
+// A buffer for UTF-16 units, which is on the stack for the usual short texts.
 class UnicharBuffer {
   public:
     explicit UnicharBuffer(std::size_t size) {
@@ -21,8 +21,8 @@ class UnicharBuffer {
     std::vector<TextUnit> large_;
 };
 
-// Returns a string of exactly the units. Foundation may refuse text that is not well-formed, and take a
-// byte-order mark away: such text is put together unit by unit.
+// Returns a string with exactly these units. Foundation may refuse ill-formed text and drop a byte-order
+// mark; such text is appended unit by unit.
 NSString* stringOfUnits(const TextUnit* units, NSUInteger count) {
     NSString* string = [NSString stringWithCharacters:units length:count];
     if ([string length] == count) {

@@ -2,8 +2,8 @@
 
 namespace koru {
 
-// A value that is made before the program starts and never destroyed, for the state that lasts as long as the
-// process: at exit its objects may outlive the libraries that their release would call.
+// A value that is constructed at compile time and never destroyed, for state that lasts as long as the
+// process. Destroying it at exit would call libraries that may already be unloaded.
 template <typename T>
 union Immortal {
     T value;

@@ -5,8 +5,7 @@
 
 namespace koru {
 
-// Returns a floating-point value without its fraction; the nearest whole number there is when it is beyond
-// them, 0 for no number.
+// Returns the value without its fraction; the nearest limit of long long when it is beyond that, 0 for NaN.
 [[nodiscard]] inline long long truncated(double value) {
     constexpr auto kLimits = std::numeric_limits<long long>();
     if (std::isnan(value)) {

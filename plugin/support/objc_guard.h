@@ -4,15 +4,15 @@
 extern "C" {
 #endif
 
-// What runs inside the guard.
+// The function that runs inside the guard.
 typedef void (*KoruGuardedWork)(void* context);
 
-// Told of the exception (an NSException, borrowed until the autorelease pool in place is drained), with the
+// Called with the exception (an NSException, valid until the current autorelease pool is drained) and the
 // work's context.
 typedef void (*KoruExceptionHandler)(void* context, void* exception);
 
-// Runs work(context). An NSException ends the work (destructors on the way run) and goes to caught; anything
-// else, a C++ exception or an object of another class, passes through unchanged.
+// Runs work(context). An NSException ends the work, running the destructors it unwinds, and is passed to
+// caught. Anything else, a C++ exception or a thrown object of another class, passes through unchanged.
 void koruGuard(KoruGuardedWork work, KoruExceptionHandler caught, void* context);
 
 #ifdef __cplusplus

@@ -1,6 +1,5 @@
-// Plain Objective-C on purpose, and the only place that names a platform exception: a handler that names one
-// in Objective-C++ crashes the unwinder of GCC, and a catch that names none cannot tell it from a C++
-// exception.
+// Plain Objective-C on purpose, and the only place that catches an NSException by type: in Objective-C++ such
+// a handler crashes GCC's unwinder, and a handler without a type cannot tell an NSException from a C++ one.
 
 #include "plugin/support/objc_guard.h"
 #import <Foundation/Foundation.h>

@@ -7,12 +7,14 @@
 
 namespace koru {
 
-// A C++ object as an instance variable of an Objective-C object: made and destroyed by hand, since not every
-// compiler does it. The memory must be zeroed at first, as instance variables are; then there is no object.
+// A C++ object as an instance variable of an Objective-C object. It is made and destroyed by hand, since not
+// every compiler does that. The memory must be zeroed at first, as that of instance variables is, and then
+// holds no object.
 template <typename T>
 class Placed {
   public:
-    // Makes the object; there must be none yet. What its constructor throws passes, and there is none then.
+    // Makes the object; there must be none yet. An exception of its constructor passes through and leaves
+    // none.
     template <typename... Arguments>
     void construct(Arguments&&... arguments) {
         new (bytes_) T(std::forward<Arguments>(arguments)...);

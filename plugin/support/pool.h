@@ -4,8 +4,8 @@
 
 namespace koru {
 
-// An autorelease pool for the rest of the block. One stands around everything that the host calls, outside
-// the guard: a platform exception is itself autoreleased, and must outlive the frames that it passes.
+// An autorelease pool for the rest of the block. Everything that the host calls runs inside one, which is
+// outside the guard: an NSException is itself autoreleased and must outlive the frames that it unwinds.
 class Pool {
   public:
     Pool() {

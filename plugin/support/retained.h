@@ -5,18 +5,18 @@
 
 namespace koru {
 
-// Holds one Objective-C object retained: lets go of it when it is replaced, reset or destroyed. Empty is nil.
-// The two ways in are named, so that ownership can be read where the holder is made: retain() takes a claim
-// of its own, adopt() takes over the caller's. Not for autorelease pools. Use from one thread at a time.
+// Holds one Objective-C object and releases it when it is replaced, reset or destroyed. An empty holder has
+// nil. The two ways to make one are named, so that ownership can be read there: retain() retains the object,
+// adopt() takes over the caller's reference. Not for autorelease pools. Not thread-safe.
 template <typename T>
 class Retained {
   public:
     constexpr Retained() noexcept = default;
 
-    // Returns a holder with a claim of its own on the object; nil makes an empty one.
+    // Returns a holder that retains the object; an empty one for nil.
     [[nodiscard]] static Retained retain(T* object) { return Retained([object retain]); }
 
-    // Returns a holder of the claim that the caller already has (after alloc, copy, mutableCopy).
+    // Returns a holder that takes over the caller's reference (after alloc, copy, mutableCopy).
     [[nodiscard]] static Retained adopt(T* object) noexcept { return Retained(object); }
 
     Retained(const Retained& other) : object_([other.object_ retain]) {}
@@ -27,14 +27,14 @@ class Retained {
     }
     ~Retained() { [object_ release]; }
 
-    // Returns the object, borrowed: valid while it is held here.
+    // Returns the object, which is valid as long as it is held.
     [[nodiscard]] T* get() const noexcept { return object_; }
     [[nodiscard]] explicit operator bool() const noexcept { return object_ != nil; }
 
-    // Releases the object and holds nothing. The holder is empty already when the object's dealloc runs.
+    // Releases the object. The holder is empty already when the object's dealloc runs.
     void reset() { [std::exchange(object_, nil) release]; }
 
-    // Holds nothing without releasing the object; the claim becomes the caller's.
+    // Empties the holder without releasing the object, and returns it; the caller must release it.
     [[nodiscard]] T* leak() noexcept { return std::exchange(object_, nil); }
 
   private:

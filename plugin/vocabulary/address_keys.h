@@ -5,7 +5,7 @@
 
 namespace koru {
 
-// A field of an address: the beginning of the words that name it, and the framework's key.
+// A field of an address: the prefix of the words that name it, and the framework's key.
 struct AddressKey {
     NSString* prefix; // compared with its letter case
     NSString* const* key;

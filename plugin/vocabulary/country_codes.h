@@ -6,8 +6,8 @@
 
 namespace koru {
 
-// The country codes that an address may carry, in lower case. The list is the plug-in's own, not the
-// standard's: "vn" stands twice, "yu" is still here, "uk", "pr" and "sm" are not.
+// The country codes that an address may have, in lower case. The list is the plug-in's own and differs from
+// the standard on purpose: "vn" is there twice, "yu" is still there, and "uk", "pr" and "sm" are missing.
 // clang-format off
 inline constexpr std::array<std::string_view, 200> kCountryCodes = {
     "ad", "ae", "ag", "al", "am", "ao", "ar", "at", "au", "az", "ba", "bb", "bd", "be", "bf", "bg",
@@ -28,5 +28,5 @@ inline constexpr std::array<std::string_view, 200> kCountryCodes = {
 
 } // namespace koru
 
-// Tells whether the list has the code as it stands: two letters in lower case. nil is no code.
+// Whether the list has the code exactly as it stands, two letters in lower case; false for nil.
 [[nodiscard]] bool IsValidCountryCode(NSString* code);

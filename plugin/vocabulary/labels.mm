@@ -43,8 +43,8 @@ const Label kMessagingLabels[] = {
     {@"work icq", &kABICQWorkLabel},       {@"home icq", &kABICQHomeLabel},
 };
 
-// The oddities are the vocabulary's own and stay: the missing "<" of the assistant's phone, the spelling
-// "messaginb 3 ex", and the second rows of "home ex" and "other ex", which only reading reaches.
+// These oddities are on purpose: the missing "<" of the assistant's phone, the spelling "messaginb 3 ex", and
+// the second rows of "home ex" and "other ex", which are found only when reading.
 const Label kExchangeLabels[] = {
     {@"assistant phone ex", nullptr, @"_$!EX-AssistantPhone>!$_"},
     {@"work fax ex", nullptr, @"_$!<EX-BusinessFax>!$_"},

@@ -17,13 +17,13 @@ struct PropertyName {
 
 } // namespace koru
 
-// Returns the framework's name for a property: the name is matched without regard to letter case and blanks
-// with the keys of the table, and as it stands with the framework's own names. nil when nothing matches. No
-// name at all (nil) matches the first row, the unique id, on purpose. Never fails the call.
+// Returns the framework's name of the property with this name: a key of the table, whatever its letter case
+// and blanks, or one of the framework's own names exactly. nil when there is none. nil as the name gives the
+// first row, the unique id, on purpose. Never fails the call.
 [[nodiscard]] NSString* toPropertyString(NSString* name);
 
-// Makes a property of the current record the open one, with a copy of its entries when it has several values.
-// Returns 1, or the number of entries; -1 when it fails the call: kInvalidPropertyName (nothing has
+// Opens a property of the current record: keeps its name and, when it has several values, a copy of its
+// entries. Returns 1, or the number of entries; -1 when it fails the call: kInvalidPropertyName (nothing has
 // changed), kErrorInProperty when the current record type has no such property (it is open nevertheless),
 // kExceptionCaught.
 int OpenProperty(NSString* name);

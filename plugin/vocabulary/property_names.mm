@@ -9,7 +9,7 @@
 namespace koru {
 namespace {
 
-// "homepage" is the list of web pages, as "webpages" is: the single home page of old has no name here.
+// "homepage" is the list of web pages, as "webpages" is; the old property for a single home page has no name.
 const PropertyName kPropertyNames[] = {
     {@"id", &kABUIDProperty},
     {@"creationdate", &kABCreationDateProperty},
@@ -47,7 +47,7 @@ const PropertyName kPropertyNames[] = {
     {@"imyahoo", &kABYahooInstantProperty},
 };
 
-// What can be typed for a property, and the first row that it fits.
+// A column of the table: its texts, and the first row with each.
 using Lookup = std::unordered_map<std::u16string, std::size_t>;
 
 std::u16string unitsOf(NSString* text) {
@@ -56,7 +56,7 @@ std::u16string unitsOf(NSString* text) {
     return units;
 }
 
-// In lower case and without blanks. The usual name is short and plain, and needs no string of its own for
+// Returns the name in lower case and without blanks. Only a name that is not plain ASCII needs Foundation for
 // that.
 std::u16string normalised(NSString* name, std::u16string units) {
     if (std::any_of(units.begin(), units.end(), [](char16_t unit) { return unit > 0x7F; })) {
@@ -69,7 +69,7 @@ std::u16string normalised(NSString* name, std::u16string units) {
     return units;
 }
 
-// The table by one of its columns. Where two rows have the same text the first counts.
+// Returns the table by one of its columns. Of two rows with the same text the first counts.
 template <typename TextOf>
 Lookup lookupBy(TextOf textOf) {
     Lookup lookup;
@@ -79,7 +79,7 @@ Lookup lookupBy(TextOf textOf) {
     return lookup;
 }
 
-// The row of a text, or behind the last.
+// Returns the row of a text; the number of rows when there is none.
 std::size_t find(const Lookup& lookup, const std::u16string& text) {
     const auto found = lookup.find(text);
     return found == lookup.end() ? std::size(kPropertyNames) : found->second;

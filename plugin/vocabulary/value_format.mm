@@ -7,11 +7,10 @@
 namespace koru {
 namespace {
 
-// Years to seconds, by the numbers that every version of the framework has given these units.
+// The calendar units from year to second, as numbers, which are the same in every version of Foundation.
 constexpr NSUInteger kDateAndTimeUnits = 4 | 8 | 16 | 32 | 64 | 128;
 
-// Returns the Gregorian calendar in the system's time zone. It is costly to make: there is one for the
-// process.
+// Returns the Gregorian calendar in the system's time zone. Made once, as making one is slow.
 NSCalendar* gregorianCalendar() {
     static NSCalendar* const calendar = [[NSCalendar alloc] initWithCalendarIdentifier:NSGregorianCalendar];
     NSTimeZone* zone = [NSTimeZone systemTimeZone];
@@ -39,13 +38,13 @@ Answer writeTimeStamp(NSDate* date, fmx::Data& result) {
     return Answer::written();
 }
 
-// Returns a value's own text; empty for none.
+// Returns a value's description; empty text for nil.
 Answer textAnswer(id value) {
     return [value description];
 }
 
-// The steps of GetPropertyValue once the property is open. The value is set as soon as it is found, so that
-// an exception leaves what there is by then: an address whose field could not be read, for one.
+// Finds the value for GetPropertyValue once the property is open. Sets [value] step by step, so that an
+// exception leaves what was found by then, for instance an address whose field could not be read.
 void findValue(NSString* identifier, NSString* key, id& value) {
     if (identifier == nil) {
         value = [currentRecord() valueForProperty:state.gCurrentProperty.get()];
@@ -84,11 +83,11 @@ Answer singleValueAnswer(id value, ABPropertyType type, NSString* name, fmx::Dat
     if (value == nil) {
         return {};
     }
-    // One bit on purpose: arrays, dictionaries and data have it, too, and are taken for dates.
+    // Tests one bit, on purpose: arrays, dictionaries and data have it as well, and are treated as dates.
     if ((type & kABDateProperty) != 0) {
         return writeTimeStamp(value, result);
     }
-    // Only so spelt: "personflags" gives the number.
+    // Only in this spelling: "personflags" gives the number.
     if ([name isEqualToString:@"Person Flags"]) {
         return ([value intValue] & kABShowAsMask) != 0 ? @"ShowAsCompany" : @"ShowAsPerson";
     }
