@@ -3,6 +3,10 @@
 // The work of each command. Each answers the exit status, and throws what Store, Output and Failure throw;
 // std::invalid_argument for what the user wrote and nobody can read.
 
+#include "frameworks/AddressBook/store/store.h"
+
+#include <cstddef>
+#include <filesystem>
 #include <string>
 #include <vector>
 
@@ -37,6 +41,13 @@ struct Options {
         bool force = false;
     } backup;
 };
+
+// Returns the folder of the address book that the user means, and opens the book in it.
+std::filesystem::path folder(const Options& options);
+Store open(const Options& options, Store::Access access);
+
+// Returns "1 card", "2 cards".
+std::string counted(std::size_t count, const std::string& singular, const std::string& plural);
 
 int runImport(const Options& options);
 int runExport(const Options& options);

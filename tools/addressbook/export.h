@@ -2,6 +2,7 @@
 
 // Writing an address book, or a group of it, as vCards.
 
+#include "frameworks/AddressBook/store/progress.h"
 #include "frameworks/AddressBook/store/store.h"
 #include "tools/addressbook/output.h"
 
@@ -16,6 +17,7 @@ struct ExportSummary {
 
 // All people and groups; with a [group] (its name or unique id) that group, its subgroups and their members.
 // People come before groups. Throws Failure when there is no such group.
-ExportSummary exportCards(const Store& store, const std::string& group, Output& output);
+ExportSummary exportCards(const Store& store, const std::string& group, Output& output,
+                          const Progress& progress = {});
 
 } // namespace addressbook::tool

@@ -372,6 +372,7 @@ void Importer::flush() {
     if (!dryRun_ && !changes_.empty()) {
         changes_.time = currentTime();
         const SaveResult result = store_->save(changes_);
+        summary_.saved += changes_.records.size();
         summary_.circular += result.circular.size();
         summary_.missing += result.missing.size();
     }

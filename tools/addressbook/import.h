@@ -25,6 +25,7 @@ struct ImportSummary {
     std::size_t unknownMembers = 0; // members of groups whose cards are not there; kept for a later import
     std::size_t skippedLines = 0;
     std::size_t circular = 0; // memberships left out, for a group would contain itself
+    std::size_t saved = 0;    // people whose changes are written
     std::size_t missing = 0;  // records that another program deleted meanwhile; what was for them is left out
 };
 

@@ -3,6 +3,7 @@
 
 #include "tools/addressbook/commands.h"
 #include "tools/addressbook/condition.h"
+#include "tools/addressbook/interrupt.h"
 #include "tools/addressbook/output.h"
 
 #include "frameworks/AddressBook/store/store.h"
@@ -19,7 +20,8 @@ namespace {
 
 constexpr const char* kExitCodes =
     "Exit status: 0 done; 1 some cards refused, something not found, a file not read or "
-    "written; 2 wrong usage; 3 the address book cannot be opened or written.";
+    "written; 2 wrong usage; 3 the address book cannot be opened or written; 129, 130, 143 ended by SIGHUP, "
+    "Ctrl-C, SIGTERM.";
 
 // Declares the command line; each command's work is put into [work] when the user asks for it.
 void declare(CLI::App& app, Options& options, int (*&work)(const Options&)) {
@@ -157,6 +159,8 @@ int run(int argc, char** argv) {
         return work(options);
     } catch (const OutputClosed&) {
         return kDone;
+    } catch (const Interrupted& end) {
+        return end.status();
     } catch (const StoreError& error) {
         complain(error.what());
         return kNoBook;

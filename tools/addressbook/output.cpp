@@ -33,14 +33,9 @@ Output::Output(fs::path file) : stream_(nullptr), target_(std::move(file)) {
         fail(errno);
     }
     temporary_ = name;
-    // The permissions of the file that is replaced, else those that any new file gets.
-    mode_t mode = static_cast<mode_t>(status.permissions()) & 0777;
-    if (!fs::exists(status)) {
-        const mode_t mask = umask(0);
-        umask(mask);
-        mode = 0666 & ~mask;
+    if (fs::exists(status)) {
+        mode_ = static_cast<mode_t>(status.permissions()) & 0777;
     }
-    fchmod(descriptor, mode);
     stream_ = fdopen(descriptor, "wb");
     if (!stream_) {
         close(descriptor);
@@ -79,8 +74,11 @@ void Output::finish() {
     if (target_.empty()) {
         return;
     }
-    if (!temporary_.empty() && fsync(fileno(stream_)) != 0) {
-        fail(errno);
+    if (!temporary_.empty()) {
+        fchmod(fileno(stream_), mode_);
+        if (fsync(fileno(stream_)) != 0) {
+            fail(errno);
+        }
     }
     std::FILE* stream = stream_;
     stream_ = nullptr;

@@ -7,6 +7,7 @@
 #include <stdexcept>
 #include <string>
 #include <string_view>
+#include <sys/types.h>
 
 namespace addressbook::tool {
 
@@ -31,6 +32,7 @@ class Output {
     // Standard output.
     Output();
     // A file, by way of a temporary one beside it; throws Failure. Without finish() the file stays as it was.
+    // A new file is for its owner only; one that is replaced hands its permissions on.
     explicit Output(std::filesystem::path file);
     ~Output();
     Output(const Output&) = delete;
@@ -45,6 +47,7 @@ class Output {
 
     std::FILE* stream_;
     std::filesystem::path target_, temporary_; // empty: standard output, or written in place
+    mode_t mode_ = 0600;                       // that the file gets when it is whole
 };
 
 // One line for the user on standard error: "addressbook: [message]".

@@ -128,9 +128,6 @@ void writeValue(Output& output, const std::string& name, const Value& value) {
 
 // What users call a property; its own name when they have no other.
 std::string friendlyName(const std::vector<Field>& fields, const std::string& property) {
-    if (property == property::kUnknownLines) {
-        return "vcard";
-    }
     if (property == property::kGroupName) {
         return "name";
     }
@@ -201,7 +198,7 @@ void showRecord(const Store& store, const RecordRef& record, bool json, Output& 
     std::map<std::string, Value> values = store.values(record.row);
     const std::vector<Field> fields = allFields(store);
     const Value image = store.value(record.row, property::kImage);
-    values.erase(std::string(property::kDistribution));
+    std::erase_if(values, [](const auto& value) { return isInternal(value.first); });
     values.erase(std::string(property::kUid));
     if (json) {
         Json object{{"id", record.uid}, {"name", displayName(store, record)}};

@@ -20,7 +20,7 @@ void listPeopleAsJson(const Store& store, const std::vector<Field>& fields, Outp
 // One line a group: the unique id, the name, how many members and subgroups it has.
 void listGroups(const Store& store, bool json, Output& output);
 
-// Everything about one record.
+// Everything about one record that users know of.
 void showRecord(const Store& store, const RecordRef& record, bool json, Output& output);
 
 } // namespace addressbook::tool

@@ -77,6 +77,7 @@ class Sum {
         total_ += hash.value();
         ++count_;
     }
+    std::size_t count() const { return count_; }
     bool operator==(const Sum&) const = default;
 
   private:
@@ -151,10 +152,14 @@ Hash hashOf(Hash trigram, std::int64_t text, std::int64_t place) {
     return trigram.number(text).number(place);
 }
 
+// Which share of the time a check has taken when each of its parts is done.
+constexpr double kDatabaseShare = 0.3, kRecordsShare = 0.55, kTermsShare = 0.75;
+
 class Checker {
   public:
-    Checker(const Store& store, Store::Impl& impl, Store::Depth depth)
-        : store_(store), impl_(impl), db_(impl.db), indexes_(depth == Store::Depth::everything) {}
+    Checker(const Store& store, Store::Impl& impl, Store::Depth depth, const Progress& progress)
+        : store_(store), impl_(impl), db_(impl.db), indexes_(depth == Store::Depth::everything),
+          progress_(progress) {}
 
     std::vector<std::string> run() {
         checkOneMoment();
@@ -223,9 +228,11 @@ class Checker {
         recordsAreSound_ = false;
         const Backlog backlog = readBacklog(impl_);
         recordsAreSound_ = true;
+        const auto records = static_cast<std::size_t>(store_.count(Kind::person) + store_.count(Kind::group));
         auto statement =
             db_.prepare("SELECT id, kind, uid, creation, modification, card FROM record ORDER BY id");
         while (statement.step()) {
+            tellProgress(progress_, rows_.size(), records, kDatabaseShare, kRecordsShare);
             rows_.push_back(statement.integer(0));
             try {
                 const RecordRow row = impl_.rowFrom(statement);
@@ -295,8 +302,12 @@ class Checker {
         Sum held;
         std::set<RowId> strays;
         RowId first = 0;
+        std::size_t done = 0;
         auto statement = db_.prepare("SELECT property, folded, exact, record, label, key, type FROM term");
         while (statement.step()) {
+            // There are as many values as the records have, as long as nothing is damaged.
+            tellProgress(progress_, std::min(done++, terms_.count()), terms_.count(), kRecordsShare,
+                         kTermsShare);
             if (indexes_) {
                 held.add(hashOfTerm(statement));
             }
@@ -327,6 +338,8 @@ class Checker {
         while (terms.step()) {
             const Hash trigram = Hash().bytes(terms.text(0));
             for (std::int64_t left = terms.integer(1); left > 0 && places.step(); --left) {
+                tellProgress(progress_, std::min(held.count(), trigrams_.count()), trigrams_.count(),
+                             kTermsShare, 1);
                 held.add(hashOf(trigram, places.integer(0), places.integer(1)));
             }
         }
@@ -352,7 +365,8 @@ class Checker {
     const Store& store_;
     Store::Impl& impl_;
     sql::Connection& db_;
-    bool indexes_;                 // whether they are compared with the records
+    bool indexes_; // whether they are compared with the records
+    const Progress& progress_;
     std::vector<RowId> rows_;      // of all records, ascending
     bool recordsAreKnown_ = false; // all their rows
     bool recordsAreSound_ = true;  // and what is in them
@@ -362,8 +376,8 @@ class Checker {
 
 } // namespace
 
-std::vector<std::string> Store::check(Depth depth) const {
-    return Checker(*this, *impl_, depth).run();
+std::vector<std::string> Store::check(Depth depth, const Progress& progress) const {
+    return Checker(*this, *impl_, depth, progress).run();
 }
 
 } // namespace addressbook

@@ -4,6 +4,7 @@
 // not thread-safe; several stores, in this and other processes, may be open on the same folder.
 
 #include "frameworks/AddressBook/store/access.h"
+#include "frameworks/AddressBook/store/progress.h"
 #include "frameworks/AddressBook/store/sql/store_error.h"
 #include "frameworks/AddressBook/values/property.h"
 #include "frameworks/AddressBook/values/query.h"
@@ -196,7 +197,7 @@ class Store {
     // dangling and contradictory rows; with Depth::everything also compares the search indexes with the
     // records, which takes far longer.
     enum class Depth { records, everything };
-    std::vector<std::string> check(Depth depth = Depth::everything) const;
+    std::vector<std::string> check(Depth depth = Depth::everything, const Progress& progress = {}) const;
 
     struct Impl; // shared by the store's sources
 

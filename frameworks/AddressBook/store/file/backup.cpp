@@ -22,6 +22,7 @@ namespace fs = std::filesystem;
 using Reason = StoreError::Reason;
 
 constexpr std::chrono::seconds kBusyTimeout{10};
+constexpr double kCopyShare = 0.5; // of the time; looking at the copy takes the other half
 
 [[noreturn]] void fail(const fs::path& file, const std::string& what) {
     throw BackupError(file.string() + ": " + what);
@@ -29,11 +30,12 @@ constexpr std::chrono::seconds kBusyTimeout{10};
 
 // Checks that the copy in [staging] is a sound address book, and counts its records; throws BackupError with
 // [remedy] when it is damaged. Opening it upgrades an older schema.
-CopySummary inspect(const StagingFolder& staging, const fs::path& file, const char* remedy) {
+CopySummary inspect(const StagingFolder& staging, const fs::path& file, const char* remedy,
+                    const Progress& progress) {
     std::string problem;
     try {
         const Store store(staging.folder());
-        const auto problems = store.check(Store::Depth::records);
+        const auto problems = store.check(Store::Depth::records, share(progress, kCopyShare, 1));
         if (problems.empty()) {
             return {store.count(Kind::person), store.count(Kind::group), {}};
         }
@@ -88,7 +90,8 @@ bool isOpenBook(const fs::path& book, const fs::path& file) {
 
 } // namespace
 
-CopySummary backUp(const fs::path& folder, const fs::path& file, Existing existing) {
+CopySummary backUp(const fs::path& folder, const fs::path& file, Existing existing,
+                   const Progress& progress) {
     const Store::Impl book(folder, Store::Access::readOnly, kBusyTimeout);
     std::error_code error;
     const fs::file_status status = fs::symlink_status(file, error);
@@ -105,14 +108,15 @@ CopySummary backUp(const fs::path& folder, const fs::path& file, Existing existi
         fail(file, "its folder does not exist; make it, or name another file");
     }
     const StagingFolder staging(folderOf(file));
-    copyDatabase(book.db, staging.file());
-    CopySummary summary = inspect(staging, book.db.file(), "addressbook repair rescues what can be read");
+    copyDatabase(book.db, staging.file(), share(progress, 0, kCopyShare));
+    CopySummary summary =
+        inspect(staging, book.db.file(), "addressbook repair rescues what can be read", progress);
     makeStandalone(staging.file());
     publish(staging.file(), file, existing);
     return summary;
 }
 
-CopySummary restore(const fs::path& folder, const fs::path& file) {
+CopySummary restore(const fs::path& folder, const fs::path& file, const Progress& progress) {
     std::error_code error;
     const fs::file_status status = fs::status(file, error);
     if (!fs::exists(status)) {
@@ -135,14 +139,14 @@ CopySummary restore(const fs::path& folder, const fs::path& file) {
         if (schemaVersion(backup) > static_cast<int>(migrations().size())) {
             fail(file, "it was written by a newer version; install that to restore it");
         }
-        copyDatabase(backup, staging.file());
+        copyDatabase(backup, staging.file(), share(progress, 0, kCopyShare));
     } catch (const StoreError& problem) {
         if (problem.reason() == Reason::full) {
             throw;
         }
         throw BackupError(problem.what());
     }
-    CopySummary summary = inspect(staging, file, "restore another backup");
+    CopySummary summary = inspect(staging, file, "restore another backup", progress);
     LockedBook book(folder);
     summary.kept = book.replaceWith(staging.file());
     return summary;

@@ -26,10 +26,12 @@ struct CopySummary {
 // read. Other processes may save meanwhile. The file gets its name only when it is complete and was checked;
 // an existing file is refused or replaced. Throws StoreError and BackupError.
 enum class Existing { refuse, replace };
-CopySummary backUp(const std::filesystem::path& folder, const std::filesystem::path& file, Existing existing);
+CopySummary backUp(const std::filesystem::path& folder, const std::filesystem::path& file, Existing existing,
+                   const Progress& progress = {});
 
 // Replaces the address book in [folder] by the backup in [file], once the backup was checked. Throws
 // StoreError and BackupError, and then the book is unchanged.
-CopySummary restore(const std::filesystem::path& folder, const std::filesystem::path& file);
+CopySummary restore(const std::filesystem::path& folder, const std::filesystem::path& file,
+                    const Progress& progress = {});
 
 } // namespace addressbook

@@ -193,4 +193,9 @@ OpenedFile openAddressBook(const fs::path& folder, Access access, std::chrono::m
     throw replacedError(file);
 }
 
+void requirePlaceForBook(const fs::path& folder) {
+    requirePlace(folder);
+    requireNoSidecars(folder / kFileName);
+}
+
 } // namespace addressbook

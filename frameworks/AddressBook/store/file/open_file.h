@@ -26,4 +26,8 @@ struct OpenedFile {
 OpenedFile openAddressBook(const std::filesystem::path& folder, Access access,
                            std::chrono::milliseconds busyTimeout);
 
+// Throws the StoreError with which openAddressBook() could make no new book in [folder], in which there is
+// none; makes nothing.
+void requirePlaceForBook(const std::filesystem::path& folder);
+
 } // namespace addressbook

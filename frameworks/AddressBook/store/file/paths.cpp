@@ -39,6 +39,17 @@ void makeFolderAndParents(const fs::path& folder) {
     makeFolder(folder);
 }
 
+// Whether a missing folder is one to be made.
+bool mayMake(const fs::path& folder) {
+    std::error_code error;
+    const char* home = environment("ADDRESSBOOK_HOME");
+    if (home != nullptr && folder == fs::path(home)) {
+        return false;
+    }
+    return (home == nullptr && folder == defaultFolder()) || !folder.has_parent_path() ||
+           fs::is_directory(folder.parent_path(), error);
+}
+
 // Makes the folder if it is missing and may be made; returns whether it is there.
 bool hasFolder(const fs::path& folder, Access access) {
     std::error_code error;
@@ -50,19 +61,16 @@ bool hasFolder(const fs::path& folder, Access access) {
         throw StoreError(Reason::missingFolder,
                          problemSentence(kFolderSubject, folder, "is a file", "name a folder"));
     }
-    const char* home = environment("ADDRESSBOOK_HOME");
-    if (access == Access::readOnly || (home != nullptr && folder == fs::path(home))) {
+    if (access == Access::readOnly || !mayMake(folder)) {
         return false;
     }
-    if (home == nullptr && folder == defaultFolder()) {
-        makeFolderAndParents(folder);
-        return true;
-    }
-    if (folder.has_parent_path() && !fs::is_directory(folder.parent_path(), error)) {
-        return false;
-    }
-    makeFolder(folder);
+    makeFolderAndParents(folder);
     return true;
+}
+
+StoreError missing(const fs::path& folder) {
+    return {Reason::missingFolder, problemSentence(kFolderSubject, folder, "does not exist",
+                                                   "make it, or correct ADDRESSBOOK_HOME")};
 }
 
 } // namespace
@@ -80,8 +88,23 @@ fs::path defaultFolder() {
 
 void requireFolder(const fs::path& folder, Access access) {
     if (!hasFolder(folder, access)) {
-        throw StoreError(Reason::missingFolder, problemSentence(kFolderSubject, folder, "does not exist",
-                                                                "make it, or correct ADDRESSBOOK_HOME"));
+        throw missing(folder);
+    }
+}
+
+void requirePlace(const fs::path& folder) {
+    fs::path there = fs::absolute(folder);
+    if (!hasFolder(folder, Access::readOnly)) {
+        if (!mayMake(folder)) {
+            throw missing(folder);
+        }
+        while (!fs::exists(there)) {
+            there = there.parent_path();
+        }
+    }
+    if (::access(there.c_str(), W_OK | X_OK) != 0) {
+        throw systemError("Could not write in the folder", there, errno,
+                          "make it writable, or choose another");
     }
 }
 

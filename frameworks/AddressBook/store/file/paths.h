@@ -22,6 +22,9 @@ std::filesystem::path defaultFolder();
 // name is an error and not a new address book.
 void requireFolder(const std::filesystem::path& folder, Access access);
 
+// Throws the StoreError with which a new book could not be made in [folder]; makes nothing.
+void requirePlace(const std::filesystem::path& folder);
+
 // Returns the folder that a file is or will be in; "." for a mere name.
 std::filesystem::path folderOf(const std::filesystem::path& file);
 

@@ -26,6 +26,8 @@ using Reason = StoreError::Reason;
 
 constexpr std::chrono::seconds kBusyTimeout{10};
 constexpr const char* kRestore = "restore it from a backup";
+// Which share of the time a repair has taken when it has looked for damage, and read what can be read.
+constexpr double kLookShare = 0.3, kRescueShare = 0.8;
 constexpr std::size_t kPageSize = 4096; // bytes; every address book has this size of page
 
 fs::path walOf(fs::path file) {
@@ -36,8 +38,8 @@ fs::path walOf(fs::path file) {
 // A rescue from the copy [damaged], whose name for errors is [file], into the new book [made].
 class Rescue {
   public:
-    Rescue(const fs::path& file, const fs::path& damaged, Store::Impl& made)
-        : file_(file), damaged_(damaged), made_(made) {}
+    Rescue(const fs::path& file, const fs::path& damaged, Store::Impl& made, Progress progress)
+        : file_(file), damaged_(damaged), made_(made), progress_(std::move(progress)) {}
 
     std::vector<std::string> run() {
         open();
@@ -76,6 +78,7 @@ class Rescue {
     const fs::path& file_;
     const fs::path& damaged_;
     Store::Impl& made_;
+    Progress progress_;
     std::unique_ptr<sql::Connection> db_;
     std::set<std::string> properties_[2]; // names of known properties, by Kind
     std::map<RowId, std::string> uids_;   // by the index of unique ids; empty text when it has none
@@ -201,7 +204,9 @@ void Rescue::readRecords() {
     if (!scanBothWays("SELECT id FROM record NOT INDEXED", "id", note) && !whole) {
         lost_.emplace_back("Records may be lost whose ids cannot be told.");
     }
+    std::size_t done = 0;
     for (const auto& [id, uid] : uids_) {
+        tellProgress(progress_, done++, uids_.size());
         readRecord(id);
     }
 }
@@ -369,9 +374,9 @@ void Rescue::readMe() {
     }
 }
 
-bool isSound(const fs::path& folder) {
+bool isSound(const fs::path& folder, const Progress& progress) {
     try {
-        return Store(folder).check().empty();
+        return Store(folder).check(Store::Depth::everything, progress).empty();
     } catch (const StoreError& error) {
         if (error.reason() == Reason::damaged || error.reason() == Reason::notADatabase) {
             return false;
@@ -382,14 +387,14 @@ bool isSound(const fs::path& folder) {
 
 } // namespace
 
-RepairReport repair(const fs::path& folder) {
+RepairReport repair(const fs::path& folder, const Progress& progress) {
     RepairReport report;
     std::error_code error;
     const fs::path file = folder / kFileName;
     if (!fs::is_regular_file(file, error)) {
         throw StoreError(Reason::missingFolder, "There is no address book in " + folder.string() + ".");
     }
-    if (isSound(folder)) {
+    if (isSound(folder, share(progress, 0, kLookShare))) {
         return report;
     }
     report.needed = true;
@@ -408,7 +413,7 @@ RepairReport repair(const fs::path& folder) {
             }
         }
         Store::Impl made(staging.folder(), Store::Access::readWrite, kBusyTimeout);
-        report.lost = Rescue(file, damaged, made).run();
+        report.lost = Rescue(file, damaged, made, share(progress, kLookShare, kRescueShare)).run();
         if (foreign) {
             report.lost.emplace_back("The log beside the file belongs to another and is left out.");
         }
@@ -418,7 +423,8 @@ RepairReport repair(const fs::path& folder) {
     }
     {
         const Store made(staging.folder());
-        if (const auto problems = made.check(Store::Depth::records); !problems.empty()) {
+        if (const auto problems = made.check(Store::Depth::records, share(progress, kRescueShare, 1));
+            !problems.empty()) {
             throw StoreError(Reason::damaged, file, "cannot be repaired (" + problems.front() + ")",
                              kRestore);
         }

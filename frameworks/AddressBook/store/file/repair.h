@@ -22,6 +22,6 @@ struct RepairReport {
 // the damaged one beside it. Records keep their order, unique ids and dates; the search indexes are rebuilt.
 // Nobody can save meanwhile. Throws StoreError, notably when nothing can be read, and then the book is
 // unchanged.
-RepairReport repair(const std::filesystem::path& folder);
+RepairReport repair(const std::filesystem::path& folder, const Progress& progress = {});
 
 } // namespace addressbook

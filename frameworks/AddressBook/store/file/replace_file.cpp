@@ -8,6 +8,7 @@
 #include <sys/stat.h>
 #include <unistd.h>
 
+#include <algorithm>
 #include <cerrno>
 #include <chrono>
 #include <ctime>
@@ -20,6 +21,7 @@ namespace fs = std::filesystem;
 using Reason = StoreError::Reason;
 
 constexpr std::chrono::seconds kBusyTimeout{10};
+constexpr int kPagesAtOnce = 1024; // between two looks at how far a copy is
 // The sidecars, which SQLite would take for those of the new database, and the files of the old book that are
 // kept.
 constexpr const char* kCompanions[] = {"-wal", "-journal", "-shm"};
@@ -91,14 +93,27 @@ fs::path keptName(const fs::path& file) {
 
 } // namespace
 
-void copyDatabase(const sql::Connection& from, const fs::path& to) {
+void copyDatabase(sql::Connection& from, const fs::path& to, const Progress& progress) {
+    // While it is read in one transaction, what is saved meanwhile does not begin it anew.
+    const sql::Transaction oneMoment(from, sql::Transaction::Mode::read);
+    from.prepare("SELECT count(*) FROM sqlite_schema").step();
     makePrivateFile(to);
     const sql::Connection copy(to, databaseUri(to), SQLITE_OPEN_READWRITE | SQLITE_OPEN_URI, kBusyTimeout);
     sqlite3_backup* work = sqlite3_backup_init(copy.handle(), "main", from.handle(), "main");
     if (work == nullptr) {
         copy.fail(sqlite3_extended_errcode(copy.handle()));
     }
-    sqlite3_backup_step(work, -1); // all pages at once: between steps, a save would restart the copy
+    try {
+        while (sqlite3_backup_step(work, kPagesAtOnce) == SQLITE_OK) {
+            const int all = std::max(sqlite3_backup_pagecount(work), 1);
+            if (progress) {
+                progress(1 - static_cast<double>(sqlite3_backup_remaining(work)) / all);
+            }
+        }
+    } catch (...) {
+        sqlite3_backup_finish(work);
+        throw;
+    }
     if (const int code = sqlite3_backup_finish(work); code != SQLITE_OK) {
         (code == SQLITE_FULL || (code & 0xFF) == SQLITE_IOERR ? copy : from).fail(code);
     }

@@ -2,6 +2,7 @@
 
 // Replacing the address book's database by another one, while other processes have it open.
 
+#include "frameworks/AddressBook/store/progress.h"
 #include "frameworks/AddressBook/store/sql/sql.h"
 
 #include <filesystem>
@@ -11,7 +12,7 @@ namespace addressbook {
 
 // Copies the database of [from] into the new file [to], as of one moment; other processes may write
 // meanwhile. Throws StoreError.
-void copyDatabase(const sql::Connection& from, const std::filesystem::path& to);
+void copyDatabase(sql::Connection& from, const std::filesystem::path& to, const Progress& progress);
 
 // Holds the write lock of the address book in a folder, so that no process saves while it lives. For a book
 // that is missing, or too damaged to be opened, it holds nothing.

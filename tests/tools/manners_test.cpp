@@ -1,0 +1,187 @@
+// How the program behaves when it is stopped, tried out first, or watched on a terminal.
+
+#include "tests/tools/program.h"
+
+#include <gmock/gmock.h>
+#include <gtest/gtest.h>
+
+#include <algorithm>
+#include <chrono>
+#include <csignal>
+#include <filesystem>
+
+namespace addressbook {
+namespace {
+
+namespace fs = std::filesystem;
+using testing::AnyOf;
+using testing::ContainsRegex;
+using testing::HasSubstr;
+using testing::Not;
+
+constexpr int kInterrupted = 128 + SIGINT, kTerminated = 128 + SIGTERM, kHungUp = 128 + SIGHUP;
+
+class MannersTest : public testing::Test, public Sandbox {
+  protected:
+    // Cards of so many people.
+    static std::string cards(int count) {
+        std::string text;
+        for (int at = 0; at < count; ++at) {
+            text += "BEGIN:VCARD\r\nVERSION:3.0\r\nN:Name " + std::to_string(at) + "\r\nEND:VCARD\r\n";
+        }
+        return text;
+    }
+    std::size_t people() {
+        const std::string out = run({"list", "--fields", "name"}).out;
+        return static_cast<std::size_t>(std::count(out.begin(), out.end(), '\n'));
+    }
+    // What lies in the folder beside what is there in any case.
+    std::vector<std::string> files() {
+        std::vector<std::string> names;
+        for (const auto& each : fs::directory_iterator(folder())) {
+            const std::string name = each.path().filename();
+            if (name != "book" && name != "home" && name != "stdin" && name != "stdout" && name != "stderr") {
+                names.push_back(name);
+            }
+        }
+        return names;
+    }
+};
+
+// Stopped at moments that are spread over the time that it takes.
+TEST_F(MannersTest, ExportThatIsStoppedLeavesNoFile) {
+    ASSERT_EQ(run({"import", "-"}, cards(20'000)).status, 0);
+    const auto begin = std::chrono::steady_clock::now();
+    ASSERT_EQ(run({"export", "out.vcf"}).status, 0);
+    const std::chrono::duration<double> time = std::chrono::steady_clock::now() - begin;
+    fs::remove(folder() / "out.vcf");
+    int stopped = 0;
+    for (int moment = 1; moment <= 6; ++moment) {
+        const std::string signal = moment % 3 == 0 ? "INT" : moment % 3 == 1 ? "TERM" : "HUP";
+        SCOPED_TRACE(signal);
+        const Outcome outcome = shell("timeout --preserve-status -s " + signal + ' ' +
+                                      std::to_string(time.count() * moment / 8) + " \"$A\" export out.vcf");
+        EXPECT_THAT(outcome.status, AnyOf(0, kInterrupted, kTerminated, kHungUp)) << outcome.err;
+        stopped += outcome.status != 0 ? 1 : 0;
+        EXPECT_EQ(files(),
+                  outcome.status == 0 ? std::vector<std::string>{"out.vcf"} : std::vector<std::string>{});
+        fs::remove(folder() / "out.vcf");
+    }
+    EXPECT_GE(stopped, 2);
+}
+
+TEST_F(MannersTest, ExportIsForItsOwnerOnlyUnlessItReplacesAnotherFile) {
+    ASSERT_EQ(run({"import", "-"}, cards(1)).status, 0);
+    EXPECT_EQ(shell("umask 022; \"$A\" export out.vcf; stat -c %a out.vcf").out, "600\n");
+    EXPECT_EQ(shell("chmod 640 out.vcf; \"$A\" export out.vcf; stat -c %a out.vcf").out, "640\n");
+}
+
+// What is written while an export runs is nobody else's either: seen where it is killed.
+TEST_F(MannersTest, BackupThatIsStoppedLeavesNothing) {
+    ASSERT_EQ(run({"import", "-"}, cards(20'000)).status, 0);
+    const auto begin = std::chrono::steady_clock::now();
+    ASSERT_EQ(run({"backup", "copy"}).status, 0);
+    const std::chrono::duration<double> time = std::chrono::steady_clock::now() - begin;
+    fs::remove(folder() / "copy");
+    int stopped = 0;
+    for (int moment = 1; moment <= 6; ++moment) {
+        const Outcome outcome = shell("timeout --preserve-status -s INT " +
+                                      std::to_string(time.count() * moment / 8) + " \"$A\" backup copy");
+        EXPECT_THAT(outcome.status, AnyOf(0, kInterrupted)) << outcome.err;
+        stopped += outcome.status != 0 ? 1 : 0;
+        EXPECT_EQ(files(),
+                  outcome.status == 0 ? std::vector<std::string>{"copy"} : std::vector<std::string>{});
+        fs::remove(folder() / "copy");
+    }
+    EXPECT_GE(stopped, 1);
+}
+
+// More cards than one save takes; then it waits for others that do not come.
+TEST_F(MannersTest, ImportThatIsStoppedTellsWhatIsSavedAndIsCompletedByAnother) {
+    file("cards", cards(12'000));
+    const Outcome outcome = shell("mkfifo fifo; \"$A\" import fifo & exec 3>fifo; cat cards >&3; sleep 2; "
+                                  "kill -TERM $!; wait $!");
+    EXPECT_EQ(outcome.status, kTerminated);
+    const std::size_t saved = people();
+    EXPECT_GT(saved, 0U);
+    EXPECT_LT(saved, 12'000U);
+    EXPECT_EQ(outcome.err, "addressbook: interrupted: " + std::to_string(saved) +
+                               " people are saved, the others and all groups are not; running it again "
+                               "completes it\n");
+    EXPECT_EQ(run({"check"}).status, 0);
+    EXPECT_THAT(run({"import", "cards"}).err,
+                HasSubstr(std::to_string(12'000 - saved) + " added, 0 updated"));
+    EXPECT_EQ(people(), 12'000U);
+}
+
+TEST_F(MannersTest, ImportThatWaitsForInputCanBeStopped) {
+    const Outcome outcome =
+        shell("mkfifo fifo; exec 3<>fifo; timeout --preserve-status -k 5 -s INT 0.5 \"$A\" import - <&3");
+    EXPECT_EQ(outcome.status, kInterrupted);
+    EXPECT_EQ(outcome.err, "addressbook: interrupted: nothing is saved; running it again completes it\n");
+}
+
+TEST_F(MannersTest, SignalsThatAreIgnoredStayIgnored) {
+    EXPECT_EQ(shell("mkfifo fifo; trap '' HUP; \"$A\" import - <fifo & exec 3>fifo; sleep 0.5; kill -HUP $!; "
+                    "exec 3>&-; wait $!")
+                  .err,
+              "addressbook: standard input: no vCard in it\n"
+              "0 cards read: 0 added, 0 updated, 0 unchanged, 0 refused\n");
+}
+
+TEST_F(MannersTest, DryRunIsRefusedWhereTheImportIs) {
+    const std::string path = file("one.vcf", cards(1));
+    file("file", "");
+    fs::create_directory(folder() / "log");
+    file("log/AddressBook.db-wal", "x");
+    for (const std::string place : {"no/such", "file", "log"}) {
+        const Outcome dry = run({"import", "--dry-run", "--book", place, path});
+        const Outcome real = run({"import", "--book", place, path});
+        EXPECT_EQ(dry.status, 3) << place;
+        EXPECT_EQ(dry.status, real.status) << place;
+        EXPECT_EQ(dry.err, real.err);
+    }
+    EXPECT_EQ(shell("ADDRESSBOOK_HOME=gone \"$A\" import --dry-run one.vcf").status, 3);
+    EXPECT_EQ(run({"import", "--dry-run", "--book", "new", path}).status, 0);
+    EXPECT_FALSE(fs::exists(folder() / "new"));
+}
+
+// A book on a disk that may not be written: told before the cards are read.
+TEST_F(MannersTest, ImportIntoABookThatMayOnlyBeReadIsRefusedAtOnce) {
+    ASSERT_EQ(run({"import", "-"}, cards(1)).status, 0);
+    file("more.vcf", cards(2));
+    for (const std::string option : {"", "--dry-run"}) {
+        const Outcome outcome = shell("unshare -rm sh -c 'mount --bind book book && mount -o remount,bind,ro "
+                                      "book && exec \"$0\" import " +
+                                      option + " more.vcf' \"$A\"");
+        if (outcome.err.find("unshare") != std::string::npos || outcome.err.find("mount") == 0) {
+            GTEST_SKIP() << "no mounts here: " << outcome.err;
+        }
+        EXPECT_EQ(outcome.status, 3) << option;
+        EXPECT_THAT(outcome.err, HasSubstr("may only be read"));
+    }
+}
+
+TEST_F(MannersTest, ShowHidesWhatOnlyTheBookKnows) {
+    ASSERT_EQ(run({"import", "-"}, "BEGIN:VCARD\nN:A\nUID:1\nX-OTHER:kept\nEND:VCARD\n"
+                                   "BEGIN:VCARD\nFN:G\nKIND:group\nUID:2\nMEMBER:urn:uuid:gone\nEND:VCARD\n")
+                  .status,
+              0);
+    EXPECT_THAT(run({"export"}).out, HasSubstr("X-OTHER:kept"));
+    for (const std::string each : {"list", "groups"}) {
+        const std::string out = run({each}).out;
+        const std::string id = out.substr(0, out.find('\t'));
+        EXPECT_THAT(run({"show", id}).out, Not(AnyOf(HasSubstr("X-"), HasSubstr("vcard"))));
+        EXPECT_THAT(run({"show", id, "--json"}).out, Not(AnyOf(HasSubstr("X-"), HasSubstr("vcard"))));
+    }
+}
+
+TEST_F(MannersTest, ATerminalShowsHowFarItIs) {
+    const Outcome outcome =
+        shell("mkfifo fifo; { cat; sleep 1; echo 'BEGIN:VCARD\nN:B\nEND:VCARD'; } >fifo & "
+              "script -qec \"$A import fifo\" /dev/null </dev/null");
+    EXPECT_THAT(outcome.out, ContainsRegex("\r\x1B\\[Kfifo: 1 card\r\x1B\\[K1 card read: 1 added"));
+}
+
+} // namespace
+} // namespace addressbook

@@ -1,0 +1,130 @@
+// addressbook import: which files, how far it is, what it did.
+
+#include "tools/addressbook/commands.h"
+
+#include "tools/addressbook/import.h"
+#include "tools/addressbook/input.h"
+#include "tools/addressbook/interrupt.h"
+#include "tools/addressbook/output.h"
+#include "tools/addressbook/progress.h"
+
+#include "frameworks/AddressBook/store/file/open_file.h"
+#include "frameworks/AddressBook/store/file/paths.h"
+#include "frameworks/AddressBook/store/store.h"
+
+#include <cstdio>
+#include <filesystem>
+#include <iostream>
+#include <memory>
+
+namespace addressbook::tool {
+namespace {
+
+std::string summaryText(const ImportSummary& summary, bool dryRun) {
+    std::string text = counted(summary.read, "card", "cards") + " read";
+    if (summary.groups > 0) {
+        text += " (" + counted(summary.groups, "group", "groups") + ')';
+    }
+    text += ": " + std::to_string(summary.added) + " added, " + std::to_string(summary.updated) +
+            " updated, " + std::to_string(summary.unchanged) + " unchanged, " +
+            std::to_string(summary.refused) + " refused";
+    if (summary.namedGroups > 0) {
+        text += "; " + counted(summary.namedGroups, "group", "groups") + " made from categories";
+    }
+    if (summary.skippedLines > 0) {
+        text += "; " + counted(summary.skippedLines, "line", "lines") + " left out";
+    }
+    if (summary.unknownMembers > 0) {
+        text += "; " + counted(summary.unknownMembers, "group member", "group members") +
+                " not in the address book";
+    }
+    if (summary.circular > 0) {
+        text +=
+            "; " + counted(summary.circular, "group", "groups") + " not put into another that it contains";
+    }
+    if (summary.missing > 0) {
+        text += "; " + counted(summary.missing, "record", "records") +
+                " deleted by another program meanwhile, not changed";
+    }
+    return text + (dryRun ? " (dry run, nothing saved)" : "");
+}
+
+// The address book of an import; none when a dry run finds that there is none yet. A dry run is refused where
+// the import would be.
+std::unique_ptr<Store> openForImport(const Options& options) {
+    const std::filesystem::path place = folder(options);
+    if (std::error_code error; options.import.dryRun && !std::filesystem::exists(place / kFileName, error)) {
+        requirePlaceForBook(place);
+        return nullptr;
+    }
+    auto store = std::make_unique<Store>(place);
+    if (store->readOnly()) {
+        throw readOnlyError(store->file());
+    }
+    return store;
+}
+
+std::string interruptedText(const ImportSummary& summary, bool dryRun) {
+    if (dryRun) {
+        return "interrupted; a dry run saves nothing";
+    }
+    return "interrupted: " +
+           (summary.saved == 0 ? std::string("nothing is saved")
+                               : counted(summary.saved, "person is", "people are") +
+                                     " saved, the others and all groups are not") +
+           "; running it again completes it";
+}
+
+} // namespace
+
+int runImport(const Options& options) {
+    noteSignals();
+    const std::unique_ptr<Store> store = openForImport(options);
+    ProgressLine progress("import", options.import.progress);
+    std::uintmax_t size = 0;
+    ImportSummary soFar;
+    Importer importer(
+        store.get(), options.import.dryRun,
+        [&](const std::string& file, const vcard::Problem& problem) {
+            progress.clear();
+            const std::string line = file + ": card " + std::to_string(problem.number) + ", line " +
+                                     std::to_string(problem.line) + ": " + problem.reason + '\n';
+            std::fwrite(line.data(), 1, line.size(), stderr);
+        },
+        [&](std::size_t bytes, const ImportSummary& now) {
+            soFar = now;
+            progress.update(size == 0 ? -1 : static_cast<double>(bytes) / static_cast<double>(size),
+                            counted(now.read, "card", "cards"));
+        });
+    bool unread = false;
+    try {
+        for (const std::string& file : options.import.files) {
+            try {
+                Input input(file);
+                size = input.size();
+                progress.start(input.name());
+                const std::size_t before = soFar.read;
+                soFar = importer.read(input, input.name());
+                progress.update(size == 0 ? -1 : 1, counted(soFar.read, "card", "cards"), true);
+                progress.clear();
+                if (soFar.read == before) {
+                    throw Failure(input.name() + ": no vCard in it");
+                }
+            } catch (const Failure& failure) { // the other files are read all the same
+                progress.clear();
+                complain(failure.what());
+                unread = true;
+            }
+        }
+    } catch (const Interrupted&) {
+        progress.clear();
+        complain(interruptedText(soFar, options.import.dryRun));
+        throw;
+    }
+    const ImportSummary summary = importer.finish();
+    progress.clear();
+    std::cerr << summaryText(summary, options.import.dryRun) << '\n';
+    return unread || summary.refused + summary.missing > 0 ? kIncomplete : kDone;
+}
+
+} // namespace addressbook::tool
