@@ -76,7 +76,6 @@ TEST_F(MannersTest, ExportIsForItsOwnerOnlyUnlessItReplacesAnotherFile) {
     EXPECT_EQ(shell("chmod 640 out.vcf; \"$A\" export out.vcf; stat -c %a out.vcf").out, "640\n");
 }
 
-// What is written while an export runs is nobody else's either: seen where it is killed.
 TEST_F(MannersTest, BackupThatIsStoppedLeavesNothing) {
     ASSERT_EQ(run({"import", "-"}, cards(20'000)).status, 0);
     const auto begin = std::chrono::steady_clock::now();
