@@ -38,11 +38,14 @@ Value Evaluator::evaluateForm(const Node& /*node*/, const Literal& form) {
 }
 
 Value Evaluator::evaluateForm(const Node& /*node*/, const Variable& form) {
-    const Value* value = session_.variable(form.repetition == nullptr ? form.key : keyOf(form));
+    const Value* value = session_.variable(keyOf(form));
     return value == nullptr ? Value() : *value;
 }
 
 std::u16string Evaluator::keyOf(const Variable& variable) {
+    if (variable.repetition == nullptr) {
+        return variable.key;
+    }
     return repetitionKey(variable.key, evaluate(*variable.repetition).asNumber().value_or(0).toInt64());
 }
 
@@ -142,8 +145,7 @@ void Evaluator::assign(const std::vector<Assignment>& assignments) {
             slots_[slot->index] = std::move(value);
         } else {
             const auto& variable = std::get<Variable>(assignment.target);
-            session_.setVariable(variable.repetition == nullptr ? variable.key : keyOf(variable),
-                                 std::move(value));
+            session_.setVariable(keyOf(variable), std::move(value));
         }
     }
 }

@@ -21,6 +21,9 @@ class Evaluator {
     Value evaluate(const Node& node);
     Session& session() { return session_; }
 
+    // The key of the variable and its repetition, see repetitionKey().
+    std::u16string keyOf(const Variable& variable);
+
     // Throws the error that a calculation at [node] can not be evaluated.
     [[noreturn]] void fail(const Node& node, std::string message) const;
 
@@ -38,7 +41,6 @@ class Evaluator {
     Value evaluateForm(const Node& node, const Get& form);
 
     std::vector<Value> evaluateAll(std::span<const Node> nodes);
-    std::u16string keyOf(const Variable& variable);
     Value joined(const Chain& chain);
     void assign(const std::vector<Assignment>& assignments);
     ExternalFunctionPtr function(const Node& node, const ExternalCall& call) const;

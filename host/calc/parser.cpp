@@ -69,6 +69,19 @@ Calculation Parser::calculation() {
     return result;
 }
 
+Calculation Parser::variableCalculation() {
+    if (token_.kind != TokenKind::variable) {
+        failExpected("a $local or $$global variable", CalcCode::nameMissing);
+    }
+    names_.clear();
+    slots_ = 0;
+    Calculation result{source(), {}, 0};
+    const size_t begin = token_.begin;
+    result.root = Node{begin, variable()};
+    result.slots = slots_;
+    return result;
+}
+
 // Binary operators from [minimumLevel] up. The right side of an operator is read one level up, so that what
 // follows it is weaker or of its own level, and a chain takes all of its own level.
 Node Parser::expression(int minimumLevel) {

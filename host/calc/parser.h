@@ -27,6 +27,9 @@ class Parser {
     // One calculation, up to the first token that does not belong to it.
     Calculation calculation();
 
+    // A variable with or without its repetition, as a calculation of its own: what Session::assign() takes.
+    Calculation variableCalculation();
+
     const Token& current() const { return token_; }
     void advance() { token_ = lexer_.next(); }
     const SourcePtr& source() const { return lexer_.source(); }

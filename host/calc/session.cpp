@@ -19,6 +19,10 @@ Value Session::evaluate(std::u16string text) {
     return evaluate(parseCalculation(std::make_shared<Source>("", std::move(text)), functions_));
 }
 
+void Session::assign(const Calculation& variable, Value value) {
+    setVariable(Evaluator(*this, variable).keyOf(std::get<Variable>(variable.root.form)), std::move(value));
+}
+
 std::u16string repetitionKey(const std::u16string& key, int64_t repetition) {
     if (repetition <= 1) {
         return key;

@@ -51,6 +51,10 @@ class Session {
     // Parses and evaluates; throws CalcError of any kind.
     Value evaluate(std::u16string text);
 
+    // Gives a value to a variable, whose repetition is computed: see Parser::variableCalculation(). Throws
+    // CalcError.
+    void assign(const Calculation& variable, Value value);
+
     // The value of a variable; null for one that was never set. [key] is folded and has its dollar signs.
     const Value* variable(const std::u16string& key) const;
     void setVariable(const std::u16string& key, Value value);

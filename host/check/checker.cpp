@@ -44,7 +44,7 @@ class Checker {
             calculations(*text, kind == FileKind::markdown);
             break;
         case FileKind::script:
-            attempt([&] { parseScript(text, known_.functions, known_.steps); });
+            script(text);
             break;
         case FileKind::customFunctions:
             break;
@@ -67,6 +67,14 @@ class Checker {
 
     void calculation(const SourcePtr& text) {
         attempt([&] { parseCalculation(text, known_.functions); });
+    }
+
+    void script(const SourcePtr& text) {
+        std::vector<CalcError> errors;
+        parseScript(text, known_.functions, known_.steps, errors);
+        for (const CalcError& error : errors) {
+            found_.push_back(diagnostic(error));
+        }
     }
 
     void calculations(const Source& file, bool isMarkdown) {

@@ -41,7 +41,7 @@ Host::Host(const HostOptions& options)
                [this](const std::u16string& file, const std::u16string& script, const Value& parameter) {
                    const auto found = library_.find(file, script);
                    if (!found) {
-                       return kScriptMissing;
+                       return static_cast<int>(kScriptMissing);
                    }
                    queue_.push({*found, parameter});
                    return 0;
@@ -98,6 +98,10 @@ bool Host::idle(IdleLevel level) {
         ran = true;
         runStarted(*request);
     }
+    if (const auto request = runner_.canRun() ? runner_.dueScript() : std::nullopt) {
+        ran = true;
+        runStarted(*request);
+    }
     printWarnings();
     return ran;
 }
@@ -131,6 +135,12 @@ void Host::dialog(const Value& title, const Value& message) {
     const std::string head = severalLines(title);
     const std::string body = severalLines(message);
     std::cout << head << (head.empty() || body.empty() ? "" : "\n") << body << std::endl;
+}
+
+void Host::beep() {
+    if (isatty(STDOUT_FILENO) != 0) {
+        std::cout << '\a' << std::flush;
+    }
 }
 
 // A step as it stands in the script, the value below it.

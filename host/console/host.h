@@ -55,6 +55,7 @@ class Host : private ScriptListener {
     void dialog(const Value& title, const Value& message) override;
     void evaluated(const Script& script, const Step& step, const Value& result) override;
     void paused(std::chrono::duration<double> time) override;
+    void beep() override;
     bool idle(IdleLevel level);
     void describeEnvironment(const HostOptions& options);
     void runStarted(const ScriptQueue::Request& request);

@@ -9,8 +9,7 @@
 #include "host/loader/plugin_function.h"
 #include "host/loader/registrations.h"
 #include "host/loader/step_definition.h"
-#include "host/script/script.h"
-#include "host/script/step_syntax.h"
+#include "host/script/own_steps.h"
 #include "host/values/container.h"
 #include "host/values/text.h"
 #include "host/wrapper/host_hooks.h"
@@ -121,7 +120,7 @@ class PluginHost::Implementation {
     std::vector<StepInfo> steps() const {
         std::vector<StepInfo> result;
         for (const Steps::Pointer& step : steps_.items()) {
-            result.push_back({listed(*step), stepPrototype(*step)});
+            result.push_back({listed(*step), stepPrototype(step->name(), step->parameters())});
         }
         return result;
     }

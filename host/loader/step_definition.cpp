@@ -1,6 +1,6 @@
 #include "host/loader/step_definition.h"
 
-#include "host/script/step_syntax.h"
+#include "host/script/step_parameter.h"
 #include "host/values/text.h"
 
 #include <algorithm>

@@ -3,42 +3,32 @@
 // A script: a list of steps, as FileMaker prints them, with their jumps already worked out.
 
 #include "host/calc/ast.h"
+#include "host/calc/calc_error.h"
 #include "host/script/external_step.h"
+#include "host/script/own_steps.h"
+#include "host/script/step_arguments.h"
 
-#include <filesystem>
-#include <memory>
-#include <optional>
 #include <string>
 #include <vector>
 
 namespace host {
 
-enum class StepKind : uint8_t {
-    setVariable,      // variable := first
-    jumpUnless,       // If, Else If: goes to target unless first is true
-    jump,             // the end of a branch or of a loop's body: goes to target
-    exitLoopIf,       // goes to target if first is true
-    showCustomDialog, // title first, message second
-    performScript,    // name or first; parameter second
-    exitScript,       // result first
-    insertPicture,    // variable := the picture in the file that first names
-    insertFile,       // variable := the file that first names
-    exportContents,   // writes the container first to the file that second names
-    pause,            // waits for first seconds
-    external,         // the step of a plug-in that external says
+// Where a script goes on after a step.
+enum class Flow : uint8_t {
+    next,       // with the next one; the step is run
+    jump,       // at the target: the end of a branch, of a loop's body
+    jumpUnless, // at the target unless the first argument is true: If, Else If
+    jumpIf,     // at the target if the first argument is true: Exit Loop If
 };
 
 struct Step {
-    StepKind kind;
-    size_t begin = 0; // of the step's text in the script's source, half open
+    const OwnStep* own = nullptr; // of the language; null for the step of a plug-in
+    ExternalStepPtr external;
+    Flow flow = Flow::next;
+    size_t target = 0; // of a jump: an index into steps, at most their number
+    size_t begin = 0;  // of the step's text in the script's source, half open
     size_t end = 0;
-    std::optional<Calculation> first;
-    std::optional<Calculation> second;
-    std::u16string
-        name; // setVariable, insert...: the folded name; performScript: the script's name when it is fixed
-    std::u16string database; // performScript: the file that holds the script; empty for the script's own
-    size_t target = 0;       // of a jump: an index into steps, at most their number
-    std::shared_ptr<const ExternalStepCall> external;
+    StepArguments arguments; // one for each parameter
 };
 
 struct Script {
@@ -51,7 +41,9 @@ struct Script {
 Script parseScript(const SourcePtr& source, const FunctionRegistry& functions,
                    const StepRegistry& externalSteps);
 
-// Whether one of the steps above has that (folded) name.
-bool isStepName(std::u16string_view key);
+// Parses the text of a script and puts all that is wrong into [errors]; goes on behind a step that can not be
+// read. With errors the script is not to be run.
+Script parseScript(const SourcePtr& source, const FunctionRegistry& functions,
+                   const StepRegistry& externalSteps, std::vector<CalcError>& errors);
 
 } // namespace host

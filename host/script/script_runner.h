@@ -3,22 +3,21 @@
 // Runs scripts.
 
 #include "host/calc/session.h"
+#include "host/script/data_files.h"
+#include "host/script/error_log.h"
 #include "host/script/script_library.h"
-#include "host/values/container_file.h"
+#include "host/script/script_queue.h"
+#include "host/script/step_context.h"
+#include "host/script/step_failure.h"
 
 #include <chrono>
-#include <mutex>
 #include <optional>
-#include <queue>
 #include <string>
 
 namespace host {
 
 // Scripts may perform each other this deep.
 inline constexpr int kMaxScriptDepth = 200;
-
-// The step codes that Get ( LastError ) answers, FileMaker's own numbers.
-inline constexpr int kScriptMissing = 104;
 
 // What a running script shows. Each function does nothing unless it is overridden.
 class ScriptListener {
@@ -33,52 +32,48 @@ class ScriptListener {
 
     // Pause/Resume Script: the script goes on when this returns.
     virtual void paused(std::chrono::duration<double> /*time*/) {}
+
+    // Beep.
+    virtual void beep() {}
+};
+
+// A script that runs again and again: Install OnTimer Script.
+struct TimerScript {
+    ScriptRequest script;
+    std::chrono::duration<double> interval;
+    std::chrono::steady_clock::time_point next;
 };
 
 class ScriptRunner {
   public:
     ScriptRunner(Session& session, ScriptLibrary& library, ScriptListener& listener)
-        : session_(session), library_(library), listener_(listener) {}
+        : session_(session), library_(library), listener_(listener), dataFiles_(session.environment()) {}
 
-    // Runs a file's script to its end and answers its result. Throws CalcError, FileError.
+    // Runs a file's script to its end and answers its result; empty when Halt Script ends it. Throws CalcError,
+    // FileError.
     Value run(const std::filesystem::path& file, Value parameter);
 
     // False when as many scripts as may be are inside each other.
     bool canRun() const { return depth_ <= kMaxScriptDepth; }
 
-  private:
-    using ContainerMaker = Container (*)(std::u16string_view name, Bytes contents);
+    // The timer's script when its time has come.
+    std::optional<ScriptRequest> dueScript();
 
-    Value run(const Script& script);
-    void perform(const Script& script, const Step& step);
-    Value evaluate(const Script& script, const Step& step);
-    void insert(const Script& script, const Step& step, ContainerMaker make);
-    void exportContents(const Script& script, const Step& step);
-    void pause(const Script& script, const Step& step);
-    void runExternal(const Script& script, const Step& step);
-    std::filesystem::path path(const Script& script, const Calculation& calculation);
-    [[noreturn]] void fail(const Script& script, const Calculation& calculation, std::string message) const;
+  private:
+    friend class StepContext;
+
+    Value runSteps(const Script& script);
+    void runOwn(StepContext& context, const Script& script, const Step& step);
+    void runExternal(StepContext& context, const Script& script, const Step& step);
+    void fail(const Script& script, const Step& step, const StepFailure& failure);
 
     Session& session_;
     ScriptLibrary& library_;
     ScriptListener& listener_;
+    DataFiles dataFiles_;
+    ErrorLog errorLog_;
+    std::optional<TimerScript> timer_;
     int depth_ = 0;
-};
-
-// Scripts that plug-ins have started and that wait for their turn. Any thread may add one.
-class ScriptQueue {
-  public:
-    struct Request {
-        std::filesystem::path file;
-        Value parameter;
-    };
-
-    void push(Request request);
-    std::optional<Request> pop();
-
-  private:
-    std::mutex mutex_;
-    std::queue<Request> waiting_;
 };
 
 } // namespace host

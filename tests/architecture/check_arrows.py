@@ -88,6 +88,7 @@ ONE_UNIT = (
     ("host/calc/builtins", "host/calc/function_groups"),
     ("host/calc/evaluator", "host/calc/session"),
     ("host/loader/plugin_host", "host/loader/plugin_library", "host/loader/plugin"),
+    ("host/script/script_runner", "host/script/step_context"),
     ("host/values/decimal", "host/values/number"),
 )
 

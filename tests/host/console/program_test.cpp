@@ -150,7 +150,7 @@ TEST_F(ProgramTest, Scripts) {
            "fmhost: can not read nothing.fmscript: No such file or directory\n");
     write("bad.fmscript", "\nBep\n");
     expect(plain("run bad.fmscript"), ExitCode::parse, "",
-           "bad.fmscript:2:1: there is no script step called Bep\n    Bep\n    ^\n");
+           "bad.fmscript:2:1: there is no script step called Bep; did you mean Beep?\n    Bep\n    ^\n");
 }
 
 TEST_F(ProgramTest, ScriptsThatPluginsStartRunAfterwards) {

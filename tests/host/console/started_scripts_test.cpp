@@ -124,23 +124,22 @@ TEST_F(StartedScriptsTest, TheirMistakesAreReportedAndTheOthersRun) {
     const Outcome result = good("run Main.fmscript");
     EXPECT_EQ(result.out, "Main\nHello\n");
     EXPECT_THAT(result.err, HasSubstr("/Bad.fmscript:2:20: can not read "));
-    EXPECT_THAT(result.err, HasSubstr("/Unreadable.fmscript:1:1: there is no script step called Bep\n"));
+    EXPECT_THAT(
+        result.err,
+        HasSubstr("/Unreadable.fmscript:1:1: there is no script step called Bep; did you mean Beep?\n"));
     EXPECT_EQ(result.status, static_cast<int>(ExitCode::failure));
     EXPECT_EQ(good("eval 'Test_StartScript ( \"\" ; \"Bad\" )' 1").status,
               static_cast<int>(ExitCode::failure));
 }
 
 TEST_F(StartedScriptsTest, PausesThatCanNotBeRead) {
-    for (const char* step :
-         {"Pause/Resume Script [ 5 ]", "Pause/Resume Script [ Duration: 5 ]",
-          "Pause/Resume Script [ Duration (minutes): 5 ]", "Pause/Resume Script [ Indefinitely ]"}) {
+    for (const char* step : {"Pause/Resume Script [ 5 ]", "Pause/Resume Script [ Duration: 5 ]",
+                             "Pause/Resume Script [ Duration (minutes): 5 ]"}) {
         write("Main.fmscript", step);
         const Outcome result = plain("run Main.fmscript");
         EXPECT_EQ(result.status, static_cast<int>(ExitCode::parse)) << step;
-        EXPECT_THAT(result.err, HasSubstr("expected \"Duration (seconds):\", found ")) << step;
+        EXPECT_THAT(result.err, HasSubstr("Duration (seconds)")) << step;
     }
-    write("Main.fmscript", "Pause/Resume Script");
-    EXPECT_EQ(plain("run Main.fmscript").status, static_cast<int>(ExitCode::parse));
 }
 
 } // namespace

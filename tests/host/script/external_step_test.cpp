@@ -1,5 +1,6 @@
 // How scripts write the steps that plug-ins register.
-#include "host/script/external_step_parser.h"
+#include "host/script/external_step.h"
+#include "host/script/step_arguments.h"
 #include "host/values/text.h"
 
 #include <gtest/gtest.h>
@@ -8,13 +9,6 @@ namespace host {
 namespace {
 
 using Kind = StepParameter::Kind;
-
-class SomeStep : public ExternalStep {
-  public:
-    explicit SomeStep(std::vector<StepParameter> parameters)
-        : ExternalStep(u"Some Step", std::move(parameters)) {}
-    Value run(Session&, std::span<Value>) override { return {}; }
-};
 
 std::vector<StepParameter> everyKind() {
     return {{Kind::calculation, 0, u"Send to", ValueType::text, {}, 0},
@@ -29,36 +23,39 @@ const FunctionRegistry kNoFunctions;
 // What is read between brackets: "0=calculation" or "1=number" for each parameter by its index, and the
 // variable; or "error column: message".
 std::string read(const std::string& brackets, const std::vector<StepParameter>& parameters = everyKind()) {
-    const auto step = std::make_shared<SomeStep>(parameters);
     const auto source = std::make_shared<Source>("", fromUtf8(brackets));
     try {
         Parser in(source, 1, kNoFunctions);
-        const ExternalStepCall call = readExternalStep(step, &in);
+        const StepArguments arguments = readStepArguments(u"Some Step", parameters, &in);
         if (in.current().kind != TokenKind::rightBracket) {
-            return "more at " + std::to_string(in.current().begin);
+            in.failExpected("an operator or the \"]\" of Some Step", CalcCode::unbalancedParenthesis);
         }
         std::string result;
-        for (const auto& [parameter, calculation, fixed] : call.arguments) {
-            result += std::to_string(parameter->index) + "=" +
-                      (calculation ? toUtf8(source->text().substr(calculation->root.begin, 1))
-                                   : std::to_string(fixed)) +
-                      " ";
+        for (size_t i = 0; i < arguments.size(); ++i) {
+            const auto& [isGiven, value, number, script, file] = arguments[i];
+            if (isGiven) {
+                const size_t begin = value ? value->root.begin : 0;
+                const size_t length = parameters[i].kind == Kind::target ? 5 : 1;
+                result += std::to_string(parameters[i].index) + "=" +
+                          (value ? toUtf8(source->text().substr(begin, length)) : std::to_string(number)) +
+                          " ";
+            }
         }
-        return result + toUtf8(call.target);
+        return result;
     } catch (const CalcError& error) {
         return "error " + error.summary();
     }
 }
 
 TEST(ExternalStepTest, ParametersStandInTheOrderOfTheDefinition) {
-    EXPECT_EQ(read("[ \"a\" ; Off ; Red & white ; 4 ; $x ]"), "0=\" 1=0 3=5 2=4 $x");
+    EXPECT_EQ(read("[ \"a\" ; Off ; Red & white ; 4 ; $x ]"), "0=\" 1=0 3=5 2=4 4=$x ] ");
     EXPECT_EQ(read("[ 8 ; on ; \"GREEN\" ]"), "0=8 1=1 3=7 ");
     EXPECT_EQ(read("[ ]"), "");
 }
 
 TEST(ExternalStepTest, ALabelNamesItsParameter) {
-    EXPECT_EQ(read("[ Result: $$out[1] ; colour : Green ; send  TO: 9 ]"), "3=7 0=9 $$out");
-    EXPECT_EQ(read("[ Urgent: On ; 6 ; Green ]"), "1=1 0=6 3=7 ");
+    EXPECT_EQ(read("[ Result: $$out[1] ; colour : Green ; send  TO: 9 ]"), "0=9 3=7 4=$$out ");
+    EXPECT_EQ(read("[ Urgent: On ; 6 ; Green ]"), "0=6 1=1 3=7 ");
     EXPECT_EQ(read("[ \"Urgent: no label\" & $x ]"), "0=\" ");
 }
 
@@ -69,18 +66,18 @@ TEST(ExternalStepTest, MistakesAreToldWhereTheyAre) {
     EXPECT_EQ(read("[ Urgent: Maybe ]"), "error 1:11: expected On or Off, found Maybe");
     EXPECT_EQ(read("[ Colour: Blue ]"), "error 1:11: expected one of Red & white, Green, found Blue");
     EXPECT_EQ(read("[ Result: 5 ]"), "error 1:11: expected a $local or $$global variable, found 5");
-    EXPECT_EQ(read("[ 1 ; On ; Green ; 4 ; $x ; 6 ]").substr(0, 47),
-              "error 1:29: expected the \"]\" of Some Step [ Sen");
+    EXPECT_EQ(read("[ 1 ; On ; Green ; 4 ; $x ; 6 ]"),
+              "error 1:27: expected an operator or the \"]\" of Some Step, found ;");
     EXPECT_EQ(read("[ 1", {}).substr(0, 35), "error 1:3: expected the \"]\" of Some");
     EXPECT_EQ(read("[ Colour: "), "error 1:11: expected one of Red & white, Green, found the end");
 }
 
 TEST(ExternalStepTest, TheListShowsHowAStepIsWritten) {
-    EXPECT_EQ(toUtf8(stepPrototype(SomeStep(everyKind()))),
+    EXPECT_EQ(toUtf8(stepPrototype(u"Some Step", everyKind())),
               "Some Step [ Send to: calculation ; Urgent: On/Off ; Colour: Red & white/Green ; calculation ; "
               "Result: "
               "$variable ]");
-    EXPECT_EQ(toUtf8(stepPrototype(SomeStep({}))), "Some Step");
+    EXPECT_EQ(toUtf8(stepPrototype(u"Some Step", {})), "Some Step");
 }
 
 } // namespace

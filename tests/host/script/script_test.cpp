@@ -1,76 +1,13 @@
-#include "host/script/script_runner.h"
-#include "host/values/text.h"
-#include "tests/support/temporary_folder.h"
+#include "host/script/script_queue.h"
+#include "tests/host/script/scripts_fixture.h"
 
 #include <chrono>
-#include <cstdlib>
 #include <fstream>
-#include <gtest/gtest.h>
 #include <thread>
 #include <vector>
 
 namespace host {
 namespace {
-
-namespace fs = std::filesystem;
-
-// A folder of scripts, a session, and what the scripts showed.
-class ScriptsTest : public testing::Test, protected ScriptListener {
-  protected:
-    ScriptsTest() {
-        fs::create_directory(root_ / "main");
-        library_.emplace(root_ / "main", session_.functions(), steps_);
-        runner_.emplace(session_, *library_, static_cast<ScriptListener&>(*this));
-    }
-
-    fs::path write(const std::string& name, const std::string& text) const {
-        fs::path file = root_ / "main" / (name + ".fmscript");
-        fs::create_directories(file.parent_path());
-        std::ofstream(file, std::ios::binary) << text;
-        return file;
-    }
-
-    // The result of a script, or "error " and the message with its place in the file main.
-    std::string run(const std::string& text, const std::string& parameter = "") {
-        const fs::path file = write("main", text);
-        try {
-            return shown(runner_->run(file, Value::text(fromUtf8(parameter))));
-        } catch (const CalcError& error) {
-            std::string message = error.summary();
-            if (message.starts_with(file.string())) {
-                message = "main" + message.substr(file.string().size());
-            }
-            return "error " + message;
-        } catch (const FileError& error) {
-            return std::string("error ") + error.what();
-        }
-    }
-
-    static std::string shown(const Value& value) {
-        std::string text = toUtf8(value.asText());
-        for (char& c : text) {
-            c = c == '\r' ? '|' : c;
-        }
-        return text;
-    }
-
-    void dialog(const Value& title, const Value& message) override {
-        dialogs_.push_back(shown(title) + ": " + shown(message));
-    }
-    void evaluated(const Script& script, const Step& step, const Value& result) override {
-        traced_.push_back(toUtf8(script.source->text().substr(step.begin, step.end - step.begin)) + " -> " +
-                          shown(result));
-    }
-
-    support::TemporaryFolder folder_;
-    fs::path root_ = folder_.path();
-    Session session_;
-    StepRegistry steps_;
-    std::optional<ScriptLibrary> library_;
-    std::optional<ScriptRunner> runner_;
-    std::vector<std::string> dialogs_;
-    std::vector<std::string> traced_;
-};
 
 using Strings = std::vector<std::string>;
 
@@ -192,12 +129,23 @@ TEST_F(ScriptsTest, ParseErrorsNameThePlaceInTheFile) {
     const std::vector<std::pair<const char*, const char*>> rows = {
         {"\n\n  Set Varable [ $x ; Value: 1 ]",
          "main:3:3: there is no script step called Set Varable; did you mean Set Variable?"},
-        {"Beep", "main:1:1: there is no script step called Beep"},
+        {"Xyzzy", "main:1:1: there is no script step called Xyzzy"},
+        {"\nSet Field [ Person::Name ; \"x\" ]", "main:2:1: Set Field is not supported: there are no fields "
+                                                 "here; use Set Variable or Insert Calculated "
+                                                 "Result with a variable"},
+        {"Perform Script on Server [ \"x\" ]",
+         "main:1:1: Perform Script on Server is not supported: there is no server here; use Perform Script"},
         {"Set Variable [ x ; Value: 1 ]", "main:1:16: expected a $local or $$global variable, found x"},
         {"Set Variable [ $x ; 1 ]", "main:1:21: expected \"Value:\", found 1"},
-        {"Set Variable [ $x ; Value 1 ]", "main:1:27: expected \"Value:\", found 1"},
-        {"Set Variable [ $x[2] ; Value: 1 ]",
-         "main:1:19: expected repetition 1, the only one a variable has here, found 2"},
+        {"Set Variable [ $x ; Value 1 ]", "main:1:21: expected \"Value:\", found Value"},
+        {"Set Variable [ $x Value: 1 ]",
+         "main:1:19: expected an operator, \";\" or the \"]\" of Set Variable, found Value"},
+        {"Set Variable [ $x ]", "main:1:19: expected \"Value:\", found ]"},
+        {"Set Variable [ $x ; Valu: 1 ]",
+         "main:1:21: Set Variable has no parameter called Valu; did you mean Value?"},
+        {"Set Error Capture [ 1 ]", "main:1:21: expected On or Off, found 1"},
+        {"Read from Data File [ File ID: 1 ; Target: $x ; Read as: ASCII ]",
+         "main:1:58: expected one of UTF-8, UTF-16, Bytes, found ASCII"},
         {"Set Variable [ $x ; Value: 1 ; 2 ]",
          "main:1:30: expected an operator or the \"]\" of Set Variable, found ;"},
         {"Set Variable [ $x ; Value: Lenght ( 1 ) ]",
@@ -225,7 +173,7 @@ TEST_F(ScriptsTest, ParseErrorsNameThePlaceInTheFile) {
         {"Perform Script [ ]", "main:1:18: expected a value (a number, a text in quotes, a variable, a "
                                "function or \"(\"), found ]"},
         {"Perform Script [ “x ]", "main:1:18: this name is not closed; expected \"”\""},
-        {"Perform Script [ “x” ; 1 ]", "main:1:24: expected \"Parameter:\", found 1"},
+        {"Perform Script [ “x” ; 1 ]", "main:1:24: expected \"Specified:\" or \"Parameter:\", found 1"},
     };
     for (const auto& [script, message] : rows) {
         EXPECT_EQ(run(script), std::string("error ") + message) << script;
@@ -245,7 +193,7 @@ TEST_F(ScriptsTest, ParseErrorsShowTheLine) {
 }
 
 TEST_F(ScriptsTest, NothingRunsWhenTheScriptHasAMistakeAnywhere) {
-    EXPECT_EQ(run("Show Custom Dialog [ \"x\" ]\nBeep").substr(0, 12), "error main:2");
+    EXPECT_EQ(run("Show Custom Dialog [ \"x\" ]\nXyzzy").substr(0, 12), "error main:2");
     EXPECT_TRUE(dialogs_.empty());
 }
 

@@ -1,0 +1,44 @@
+#pragma once
+
+// Scripts that wait for their turn.
+
+#include "host/values/value.h"
+
+#include <filesystem>
+#include <mutex>
+#include <optional>
+#include <queue>
+
+namespace host {
+
+struct ScriptRequest {
+    std::filesystem::path file;
+    Value parameter;
+};
+
+// Scripts that plug-ins have started. Any thread may add one.
+class ScriptQueue {
+  public:
+    using Request = ScriptRequest;
+
+    void push(Request request) {
+        const std::lock_guard lock(mutex_);
+        waiting_.push(std::move(request));
+    }
+
+    std::optional<Request> pop() {
+        const std::lock_guard lock(mutex_);
+        if (waiting_.empty()) {
+            return std::nullopt;
+        }
+        Request next = std::move(waiting_.front());
+        waiting_.pop();
+        return next;
+    }
+
+  private:
+    std::mutex mutex_;
+    std::queue<Request> waiting_;
+};
+
+} // namespace host

@@ -1,0 +1,33 @@
+#pragma once
+
+// Reads how one place of a script writes the parameters of a step.
+
+#include "host/calc/parser.h"
+#include "host/script/step_parameter.h"
+
+#include <optional>
+#include <string>
+#include <vector>
+
+namespace host {
+
+// What a script gives to one parameter.
+struct StepArgument {
+    bool isGiven = false;
+    std::optional<Calculation>
+        value;             // calculation; target: the variable; script: its name when it is computed
+    int number = 0;        // flag, choice
+    std::u16string script; // script: its name when it is fixed
+    std::u16string file;   // script: the file that holds it; empty for the script's own
+};
+
+// One for each parameter of the step, in their order.
+using StepArguments = std::vector<StepArgument>;
+
+// Reads what stands between the brackets, up to the closing one: parameters with semicolons between them, in
+// the order of the step's definition; one with its label before it ("Label: value") may stand anywhere. [in]
+// is null when the step has no brackets. Throws CalcError.
+StepArguments readStepArguments(std::u16string_view step, const std::vector<StepParameter>& parameters,
+                                Parser* in);
+
+} // namespace host

@@ -1,0 +1,18 @@
+#pragma once
+
+// The rows of each category of steps; own_steps.cpp puts them together.
+
+#include "host/script/steps/step_row.h"
+
+#include <span>
+
+namespace host {
+
+std::span<const StepRow> controlSteps();
+std::span<const StepRow> variableSteps();
+std::span<const StepRow> fileSteps();
+std::span<const StepRow> dataFileSteps();
+std::span<const StepRow> miscellaneousSteps();
+std::span<const StepRow> refusedSteps();
+
+} // namespace host
