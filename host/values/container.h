@@ -1,6 +1,6 @@
 #pragma once
 
-// What a container holds: streams of bytes in their order, at most one of each type.
+// Container values: an ordered list of streams of bytes, at most one of each type.
 
 #include <array>
 #include <compare>
@@ -19,7 +19,7 @@ struct StreamType {
     std::array<char, 4> characters{};
 
     static constexpr StreamType of(const char (&text)[5]) { return {{text[0], text[1], text[2], text[3]}}; }
-    // The characters as one number, the first in its highest byte.
+    // The characters as one number, with the first character in its highest byte.
     uint32_t code() const noexcept;
     void setCode(uint32_t code) noexcept;
 
@@ -32,11 +32,11 @@ struct StreamType {
 
 using Bytes = std::vector<unsigned char>;
 
-// Copying is cheap: the bytes of a stream are shared.
+// The contents of a container value. Copying is cheap: copies share the bytes of their streams.
 class Container {
   public:
-    // The streams that hold the file names (UTF-16, low byte first) and the size of a picture (two numbers of
-    // 16 bits, high byte first).
+    // The types of the streams that hold the file names (UTF-16, little-endian) and the size of a picture
+    // (two 16-bit numbers, big-endian).
     static constexpr StreamType kFileNames = StreamType::of("FNAM");
     static constexpr StreamType kSize = StreamType::of("SIZE");
 
@@ -63,26 +63,27 @@ class Container {
     bool isEmpty() const noexcept { return streams_.empty(); }
     auto begin() const noexcept { return streams_.begin(); }
     auto end() const noexcept { return streams_.end(); }
-    // Bytes of all streams together.
+    // Returns the number of bytes in all streams.
     size_t totalSize() const noexcept;
-    // The stream at a place below the count.
+    // Returns the stream at [index]. Throws std::out_of_range.
     const Stream& at(size_t index) const { return streams_.at(index); }
-    // The place of the stream of a type; nothing when there is none.
+    // Returns the index of the stream of a type; nothing when there is none.
     std::optional<size_t> find(StreamType type) const noexcept;
 
-    // Adds a stream at the end, or replaces the one of that type where it stands.
+    // Adds a stream at the end, or replaces the one of that type in its place.
     void set(StreamType type, Bytes bytes);
-    // Whether there was such a stream.
+    // Removes the stream of a type; returns whether there was one.
     bool remove(StreamType type);
     void clear() noexcept { streams_.clear(); }
 
+    // Return and set what the streams kFileNames and kSize say; nothing when there is no such stream.
     std::optional<std::u16string> fileNames() const;
     void setFileNames(std::u16string_view names);
     std::optional<std::pair<int16_t, int16_t>> pictureSize() const; // width, height
     void setPictureSize(int16_t width, int16_t height);
 
     friend bool operator==(const Container&, const Container&) = default;
-    // By the streams, the first difference decides.
+    // Compares stream by stream; the first difference decides.
     friend std::strong_ordering operator<=>(const Container&, const Container&) = default;
 
   private:

@@ -1,6 +1,7 @@
 #pragma once
 
-// Files inside containers: how the contents of a file become streams, and which stream is the file again.
+// Files in containers: making the streams for the contents of a file, and finding the stream that is the
+// file.
 
 #include "host/values/container.h"
 
@@ -10,23 +11,23 @@
 
 namespace host {
 
-// The stream of a file that is kept as it is, whatever it holds.
+// The type of the stream that holds a file as it is, whatever its contents.
 inline constexpr StreamType kFileStream = StreamType::of("FILE");
 
-// A container with a picture: its name, its size, then the stream of its kind. A side of more than 32767
-// pixels is given as 32767, the largest that fits. Contents that are no picture are kept as a file.
+// Returns a container with a picture: streams for its name, its size, and the contents, in this order. A side
+// of more than 32767 pixels is given as 32767, the largest number that fits. For contents that are no picture
+// returns what fileContainer() does.
 Container pictureContainer(std::u16string_view name, Bytes contents);
 
-// A container with a file: its name and its contents.
+// Returns a container with a file: streams for its name and its contents.
 Container fileContainer(std::u16string_view name, Bytes contents);
 
-// The stream that is the container's file: the one of a file kept as it is; else the first whose content is
-// the picture that its type says; else the first that is neither the name nor the size. Null when there is
-// none.
+// Returns the stream that is the container's file: the one of type kFileStream; else the first whose contents
+// are a picture of its type; else the first that is neither the name nor the size. Null when there is none.
 const Container::Stream* fileStream(const Container& container) noexcept;
 
-// Width and height of the picture in a container: as its data say, else as its size says. Nothing when
-// neither does.
+// Returns width and height, in pixels, of the picture in a container: from the picture's data, else from the
+// size stream. Nothing when neither has them.
 std::optional<std::pair<int64_t, int64_t>> pictureSides(const Container& container) noexcept;
 
 } // namespace host

@@ -10,7 +10,7 @@ namespace {
 constexpr int32_t kDaysIn400Years = 146097;
 constexpr int kDaysBeforeMonth[] = {0, 31, 59, 90, 120, 151, 181, 212, 243, 273, 304, 334, 365};
 
-// Days before the first of a month that the calendar has, of any year from 1 on.
+// Returns the number of days before the first of a month (1 to 12), for any year from 1 on.
 int64_t daysBefore(int64_t year, int month) {
     const int64_t past = year - 1;
     const bool leapDay = month > 2 && year % 4 == 0 && (year % 100 != 0 || year % 400 == 0);
@@ -33,8 +33,7 @@ bool isCalendarDay(int64_t year, int64_t month, int64_t day) noexcept {
 }
 
 std::optional<int32_t> dayNumber(int64_t year, int64_t month, int64_t day) noexcept {
-    // Far outside, before the sums below could overflow; every month and day that can still carry into the
-    // years is inside.
+    // Beyond this, the sums below could overflow. No month or day beyond it can carry back into the calendar.
     constexpr int64_t kFar = 4'000'000;
     if (year < -kFar || year > kFar || month < -kFar || month > kFar || day < -kFar || day > kFar) {
         return std::nullopt;
@@ -55,14 +54,14 @@ CalendarDay calendarDay(int32_t dayNumber) noexcept {
     result.year = rest / kDaysIn400Years * 400 + 1;
     rest %= kDaysIn400Years;
     const int32_t centuries =
-        rest / 36524 - rest / (kDaysIn400Years - 1); // the last day of a cycle is no new century
+        rest / 36524 - rest / (kDaysIn400Years - 1); // the last day of a cycle does not begin a century
     rest -= centuries * 36524;
     const int32_t fourYears = rest / 1461;
     rest %= 1461;
-    const int32_t years = rest / 365 - rest / 1460; // the last day of four years is no new year
+    const int32_t years = rest / 365 - rest / 1460; // the last day of four years does not begin a year
     rest -= years * 365;
     result.year += centuries * 100 + fourYears * 4 + years;
-    result.month = rest / 31 + 1; // or one less than the month
+    result.month = rest / 31 + 1; // the month or the one before it
     if (result.month < 12 && rest >= daysBefore(result.year, result.month + 1) - daysBefore(result.year, 1)) {
         ++result.month;
     }
@@ -112,7 +111,7 @@ int DateTime::weekOfYear() const noexcept {
     return (dayOfYear() - 1 + firstWeekday) / 7 + 1;
 }
 
-// The week belongs to the year that its fourth day is in.
+// A week belongs to the year of its fourth day.
 int DateTime::fiscalWeekOfYear(int firstDay) const noexcept {
     const int64_t weekStart = day_ - ((dayOfWeek() - firstDay) % 7 + 7) % 7;
     const int64_t middle = weekStart + 3;

@@ -1,7 +1,7 @@
 #pragma once
 
-// Days and times of day. The calendar is the Gregorian one for all years; a day is counted from 1 January of
-// year 1, which is day 1.
+// Days and times of day. The calendar is the Gregorian one for all years. The number of a day counts from 1
+// January of year 1, which is day 1.
 
 #include "host/values/formats.h"
 #include "host/values/number.h"
@@ -22,7 +22,7 @@ struct CalendarDay {
     friend bool operator==(const CalendarDay&, const CalendarDay&) = default;
 };
 
-// A time by its parts; all are negative, or none.
+// A time by its parts; those of a negative time are all negative or 0.
 struct ClockTime {
     int64_t hour = 0;
     int minute = 0;
@@ -34,7 +34,7 @@ inline constexpr int kFirstYear = 1;
 inline constexpr int kLastYear = 4000;
 inline constexpr int32_t kLastDay = 1460970; // 31 December of the last year
 inline constexpr int64_t kSecondsPerDay = 86400;
-inline constexpr int64_t kMaxTimeSeconds = 2147483647; // the longest time, to either side of zero
+inline constexpr int64_t kMaxTimeSeconds = 2147483647; // the longest time, positive or negative
 
 bool isLeapYear(int year) noexcept;
 int daysInMonth(int year, int month) noexcept;
@@ -42,60 +42,64 @@ int daysInMonth(int year, int month) noexcept;
 // Whether the calendar has that day.
 bool isCalendarDay(int64_t year, int64_t month, int64_t day) noexcept;
 
-// The number of a day. Months and days outside their range carry over: month 13 is January of the next year,
-// day 0 the last of the month before. Nothing when it is not in the years 1 to 4000.
+// Returns the number of a day. Months and days outside their range carry over: month 13 is January of the
+// next year, day 0 the last day of the month before. Nothing when the day is not in the years 1 to 4000.
 std::optional<int32_t> dayNumber(int64_t year, int64_t month, int64_t day) noexcept;
 CalendarDay calendarDay(int32_t dayNumber) noexcept;
 
-// A day and a time, which may be used apart: a date has no time, a time no day.
+// A day and a time of day. Dates use only the day, times only the time.
 class DateTime {
   public:
     DateTime() = default; // 1 January of year 1, 0:00:00
 
-    // The given day must be 1 to kLastDay, the time within kMaxTimeSeconds: else NumberError.
+    // Throws NumberError unless the day is 1 to kLastDay and the time within kMaxTimeSeconds.
     explicit DateTime(int32_t dayNumber, Number seconds = {});
 
-    // Seconds from the start of day 1; nothing when that is no day of the calendar.
+    // Returns the day and time that are [seconds] after the start of day 1; nothing when the calendar does
+    // not have that day.
     static std::optional<DateTime> fromTimestampSeconds(const Number& seconds);
 
-    // A time alone (day 1); nothing when it is longer than kMaxTimeSeconds.
+    // Returns a time, on day 1; nothing when it is longer than kMaxTimeSeconds.
     static std::optional<DateTime> fromSeconds(const Number& seconds);
 
     int32_t day() const noexcept { return day_; }
-    // Seconds from midnight; may be negative or more than a day.
+    // Returns the time in seconds from midnight; may be negative or more than a day.
     const Number& seconds() const noexcept { return seconds_; }
     CalendarDay calendar() const noexcept { return calendarDay(day_); }
     ClockTime clock() const;
 
-    // Seconds from the start of day 1, day and time together.
+    // Returns day and time as seconds from the start of day 1.
     Number timestampSeconds() const;
-    // The same moment with the time inside its day. Nothing when it is no day of the calendar.
+    // Returns this moment with a time from 0 to less than a day, which may change the day. Nothing when the
+    // calendar does not have that day.
     std::optional<DateTime> normalized() const { return fromTimestampSeconds(timestampSeconds()); }
 
     int dayOfWeek() const noexcept { return day_ % 7 + 1; } // 1 is Sunday
     int dayOfYear() const noexcept;
-    int weekOfYear() const noexcept; // 1 holds 1 January; weeks start on Sunday
-    // The week of a year whose weeks start on [firstDay] (1 is Sunday) and whose first one has four days in
-    // it.
+    int weekOfYear() const noexcept; // 1 is the week of 1 January; weeks start on Sunday
+    // Returns the number of the week, where weeks start on [firstDay] (1 is Sunday) and week 1 is the first
+    // one with at least four days in the year.
     int fiscalWeekOfYear(int firstDay) const noexcept;
 
-    // As the formats in use write them (values/formats.h); those of the United States are given here.
+    // Return the text in the formats in use (values/formats.h); the comments show those of the United States.
     std::u16string dateText() const;      // m/d/yyyy
     std::u16string timeText() const;      // h:mm:ss, with a fraction if there is one, counting on over 24
     std::u16string timestampText() const; // m/d/yyyy h:mm:ss AM
 
-    // The day that a text names in numbers, with slashes, dashes or points between them; nothing when there
-    // is none such. A year of one or two digits is the one from 70 years ago to 30 years ahead. In orders
-    // other than month, day, year blanks may stand behind points, and a point behind the date.
+    // Returns the date that a text gives in numbers, separated by slashes, dashes or points; nothing when it
+    // gives none. A year of one or two digits is the one within 70 years ago and 30 years ahead. In orders
+    // other than month, day, year, points may be followed by blanks and the date by a point.
     static std::optional<DateTime> dateFromText(std::u16string_view text,
                                                 DateOrder order = formats().dateOrder);
-    // The time that a text names: h:mm, h:mm:ss or h:mm:ss.fraction, with AM, PM or a minus sign if wanted.
+    // Returns the time that a text gives: h:mm, h:mm:ss or h:mm:ss.fraction, optionally with AM, PM or a
+    // minus sign; nothing when it gives none.
     static std::optional<DateTime> timeFromText(std::u16string_view text);
-    // A date, or a date and a time.
+    // Returns the time stamp that a text gives: a date, optionally followed by a time; nothing when it gives
+    // none.
     static std::optional<DateTime> timestampFromText(std::u16string_view text,
                                                      DateOrder order = formats().dateOrder);
 
-    // The local day and time.
+    // Returns the current local day and time.
     static DateTime now();
 
     friend bool operator==(const DateTime&, const DateTime&) = default;

@@ -1,4 +1,4 @@
-// How dates and times are written and read.
+// Dates and times as text: writing and reading them.
 #include "host/values/date_time.h"
 #include "host/values/formats.h"
 #include "host/values/text.h"
@@ -10,7 +10,7 @@ namespace host {
 
 namespace {
 
-// Reads a text from its start, piece by piece.
+// Reads a text from its start. A take or read function that finds nothing leaves the text as it was.
 class Reader {
   public:
     explicit Reader(std::u16string_view text) : rest_(text) {}
@@ -25,7 +25,7 @@ class Reader {
         return true;
     }
 
-    // One of the characters; 0 when the next is none of them.
+    // Takes the next character if it is one of [characters]; else returns 0.
     char16_t takeAny(std::u16string_view characters) {
         if (rest_.empty() || characters.find(rest_.front()) == std::u16string_view::npos) {
             return 0;
@@ -52,8 +52,7 @@ class Reader {
         return result;
     }
 
-    // A whole number of so many digits at most; nothing, and nothing read, when there is none or a longer
-    // one.
+    // Reads a whole number of at most [digitsAtMost] digits; nothing when there is none or a longer one.
     std::optional<int64_t> number(size_t digitsAtMost) {
         const std::u16string_view before = rest_;
         const std::u16string_view found = digits();
@@ -68,7 +67,7 @@ class Reader {
         return value;
     }
 
-    // AM or PM, or the words for them in the formats in use: 0 or 12; nothing when there is neither.
+    // Reads AM or PM, or the words for them in the formats in use; returns 0 or 12, nothing for neither.
     std::optional<int> halfDay() {
         const std::u16string_view before = rest_;
         skipBlanks();
@@ -89,7 +88,7 @@ class Reader {
     std::u16string_view rest_;
 };
 
-// A year of one or two digits is one of the hundred around this year.
+// Returns the year that is meant: one of one or two digits is within the hundred years around this one.
 int64_t fullYear(int64_t year, size_t digits) {
     constexpr int kAhead = 30;
     if (digits > 2) {
@@ -100,7 +99,7 @@ int64_t fullYear(int64_t year, size_t digits) {
     return candidate > last ? candidate - 100 : candidate;
 }
 
-// Reads a separator, the wanted one unless that is 0; answers 0 when there is none.
+// Reads a separator, which must be [wanted] unless that is 0; returns it, or 0 when there is none.
 char16_t readSeparator(Reader& reader, DateOrder order, char16_t wanted) {
     const char16_t found = reader.takeAny(wanted == 0 ? u"/-." : std::u16string_view(&wanted, 1));
     if (found == u'.' && order != DateOrder::monthDayYear) {
@@ -109,7 +108,7 @@ char16_t readSeparator(Reader& reader, DateOrder order, char16_t wanted) {
     return found;
 }
 
-// Day, month and year in an order.
+// Reads day, month and year in the given order; returns the day's number.
 std::optional<int32_t> readDay(Reader& reader, DateOrder order) {
     std::array<int64_t, 3> parts{};
     std::array<size_t, 3> digits{};
@@ -171,7 +170,7 @@ std::optional<Number> readSeconds(Reader& reader) {
     return negative ? -seconds : seconds;
 }
 
-// A text without the blanks around it, read to its end, or nothing.
+// Calls [read] on a text without the blanks around it; nothing when that does not read it to its end.
 template <class Read>
 auto readWhole(std::u16string_view text, Read read) -> decltype(read(std::declval<Reader&>())) {
     Reader reader(text);
@@ -211,7 +210,7 @@ std::u16string DateTime::dateText() const {
 
 namespace {
 
-// Hours, minutes, seconds of a time that is not negative.
+// Returns a time, which must not be negative, as hours, minutes and seconds.
 std::u16string clockText(const Number& hours, const Number& seconds, size_t hourWidth) {
     const Formats& form = formats();
     const int64_t whole = seconds.toInt64();
@@ -230,7 +229,7 @@ std::u16string DateTime::timeText() const {
     return (seconds_.sign() < 0 ? u"-" : u"") + clockText(size.toInt64() / 3600, size, 1);
 }
 
-// A moment has its time inside its day: that of another one is written as a time is.
+// The time of a time stamp lies inside its day; any other time is written as timeText() does.
 std::u16string DateTime::timestampText() const {
     const Formats& form = formats();
     const int64_t hours = seconds_.toInt64() / 3600;

@@ -1,7 +1,7 @@
 #pragma once
 
-// The inside of a large number. Only the sources of Number include this: the library behind it is slow to
-// compile.
+// The representation of large numbers. Included only by the sources of Number, as the library behind it is
+// slow to compile.
 
 #include "host/values/number.h"
 
@@ -9,7 +9,7 @@
 
 namespace host {
 
-// Without expression templates: they are slower to compile and analyse than they are faster to run.
+// Without expression templates, which cost more time to compile and analyse than they save.
 using BigInteger =
     boost::multiprecision::number<boost::multiprecision::cpp_int_backend<>, boost::multiprecision::et_off>;
 
@@ -17,16 +17,16 @@ inline BigInteger sizeOf(const BigInteger& value) {
     return value.sign() < 0 ? -value : value;
 }
 
-// 10 to a power that is not negative.
+// Returns 10 to the power of [exponent], which must not be negative.
 BigInteger powerOfTen(int exponent);
 
-// How many decimal digits a number has; 0 has none.
+// Returns the number of decimal digits; 0 for 0.
 int digitCount(const BigInteger& value);
 
-// Divides by a power of ten (not negative), halves away from zero.
+// Returns [value] divided by 10 to the power of [digits] (not negative), rounded with halves away from zero.
 BigInteger shiftedDown(const BigInteger& value, int digits);
 
-// mantissa * 10^exponent.
+// The number mantissa * 10^exponent.
 struct Number::Decimal {
     BigInteger mantissa;
     int exponent = 0;

@@ -2,8 +2,7 @@
 
 namespace host {
 
-// Counts one level deeper for as long as it lives. Who goes deeper compares the count with a limit of its
-// own.
+// Increments a count of nested calls for as long as it lives. The caller compares the count with its limit.
 class DepthGuard {
   public:
     explicit DepthGuard(int& depth) : depth_(depth) { ++depth_; }

@@ -24,7 +24,7 @@ bool isKnown(const std::string& locale) {
     return false;
 }
 
-// The pattern of the short date, or of the time with seconds.
+// Returns a locale's pattern for the given styles of time and date.
 std::u16string pattern(const std::string& locale, UDateFormatStyle time, UDateFormatStyle date) {
     UErrorCode status = U_ZERO_ERROR;
     UDateFormat* format = udat_open(time, date, locale.c_str(), nullptr, 0, nullptr, 0, &status);
@@ -56,7 +56,7 @@ char16_t numberSymbol(const std::string& locale, UNumberFormatSymbol which) {
     return result[0];
 }
 
-// The first character of a pattern that stands for no part of a date or time.
+// Returns the first separator in a pattern; [otherwise] when it has none.
 char16_t separatorIn(const std::u16string& pattern, char16_t otherwise) {
     const auto found = std::find_if(pattern.begin(), pattern.end(), [](char16_t c) {
         return c == u'/' || c == u'.' || c == u'-' || c == u':';

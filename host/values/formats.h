@@ -1,7 +1,7 @@
 #pragma once
 
-// How dates, times and numbers are written as text. A file keeps the formats of the system that it was made
-// on; the host is one such file, so there is one set of formats for the whole program.
+// How dates, times and numbers are written as text. In FileMaker a file keeps the formats of the system on
+// which it was made. The host counts as one file, so the whole program has one set of formats.
 
 #include <array>
 #include <cstdint>
@@ -11,7 +11,7 @@
 
 namespace host {
 
-// How the three numbers of a date stand in a text.
+// The order of the three numbers of a date.
 enum class DateOrder : uint8_t { monthDayYear, dayMonthYear, yearMonthDay };
 
 struct Formats {
@@ -31,16 +31,16 @@ struct Formats {
                                            u"Thursday", u"Friday", u"Saturday"};
 };
 
-// The formats in use: those of the United States until set.
+// Returns the formats in use: those of the United States until setFormats() is called.
 const Formats& formats();
 
-// Changes the formats in use. To be called before anything is evaluated: other threads are not guarded.
+// Changes the formats in use. Call it before anything is evaluated, as it is not thread-safe.
 void setFormats(Formats formats);
 
-// The order of a date's numbers that the Unicode data give for a locale.
+// Returns the order of a date's numbers in a locale, by Unicode's locale data.
 DateOrder dateOrderOf(const std::string& locale);
 
-// The formats that the Unicode data give for a locale such as "de_DE"; nothing for one they do not know.
+// Returns the formats of a locale such as "de_DE", by Unicode's locale data; nothing for an unknown locale.
 std::optional<Formats> formatsOf(const std::string& locale);
 
 } // namespace host

@@ -10,12 +10,13 @@ namespace host {
 
 namespace {
 
-// The numbers of the plug-in interface for the first and the last language.
+// The first and the last of the interface's numbers that stand for a language.
 constexpr int32_t kFirstLanguage = 16;
 constexpr int32_t kLastLanguage = 76;
 
-// ICU's locale for each language, by the number of its type, the first one 16. The custom Finnish and Swedish
-// take v and w for one letter; German sorts as telephone books do unless it is called the dictionary's.
+// ICU's locale for each language, by the interface's number, from kFirstLanguage on. The custom Finnish and
+// Swedish orders (fmi) treat v and w as one letter; German sorts as in telephone books, or as in
+// dictionaries.
 constexpr const char* kLanguages[] = {
     "ca",                       // CAT
     "hr",                       // HRV
@@ -81,7 +82,7 @@ constexpr const char* kLanguages[] = {
 };
 static_assert(std::size(kLanguages) == kLastLanguage - kFirstLanguage + 1);
 
-// A text with all decimal digits as 0 to 9, and without the marks that say which way it is written.
+// Returns a text with all decimal digits as 0 to 9, and without marks for the direction of writing.
 std::u16string withPlainDigits(std::u16string_view text) {
     std::u16string plain;
     for (const char16_t c : text) {

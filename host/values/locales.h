@@ -1,7 +1,7 @@
 #pragma once
 
-// What locales mean for values: how they write dates, and by which of ICU's they order texts. Locales are
-// numbers, those of the plug-in interface.
+// What locales mean for values: how dates are written, and by which of ICU's locales texts are ordered.
+// Locales are given as numbers, those of the plug-in interface.
 
 #include "host/values/value.h"
 
@@ -11,19 +11,20 @@
 
 namespace host {
 
-// ICU's name of a language's locale; null for a locale of no language.
+// Returns ICU's name for a language's locale; null for a locale without a language.
 const char* icuLocaleOf(int32_t locale);
 
-// How a locale writes a day in numbers. The system's locale, those of no language, and a number
-// that no locale has write as the formats in use do.
+// Returns the order of the numbers in a locale's dates. For the system's locale, those without a language,
+// and unknown numbers returns that of the formats in use.
 DateOrder dateOrderIn(int32_t locale);
 
-// The date, or date and time, that a text spells in a locale, in whatever decimal digits; nothing when it
-// spells none.
+// Returns the date, or date and time, that a text gives in a locale, in decimal digits of any script; nothing
+// when it gives none.
 std::optional<DateTime> timestampIn(int32_t locale, std::u16string_view text);
 
-// A text as it is to be read in a locale when a value of a type is wanted: dates and time stamps are read,
-// all else stays text. Invalid for a text with digits that is no date of the locale.
+// Returns the value for a text that was given in a locale where a value of type [wanted] is needed. For dates
+// and time stamps: the time stamp that the text gives, or an invalid value when it has digits but gives no
+// date in the locale. In all other cases the text itself.
 Value valueIn(int32_t locale, std::u16string_view text, ValueType wanted);
 
 } // namespace host

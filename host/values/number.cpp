@@ -1,5 +1,5 @@
-// Reading order: whole numbers of any size, then what brings a decimal into its one form, then text, then
-// arithmetic. A number that fits 64 bits is always kept there, so that equal numbers have equal forms.
+// Reading order: whole numbers of any size, then normalising decimals, then text, then arithmetic. A whole
+// number that fits 64 bits is always kept as such, so that equal numbers have equal representations.
 #include "host/values/number.h"
 
 #include "host/values/decimal.h"
@@ -47,7 +47,7 @@ int digitCount(const BigInteger& value) {
         return 0;
     }
     const BigInteger size = sizeOf(value);
-    // Of the power of ten below the number; or one less.
+    // An estimate of the decimal logarithm: its floor, or one less.
     const int power = static_cast<int>(static_cast<double>(mp::msb(size)) * std::log10(2.0));
     return size >= powerOfTen(power + 1) ? power + 2 : power + 1;
 }
@@ -72,7 +72,7 @@ Number::Number(Decimal&& decimal) {
         throw NumberError("the number has more than 400 whole digits");
     }
     if (digits + exponent < -kMaxDigits) {
-        return; // too small to tell from 0
+        return; // too small to be told from 0
     }
     const int excess = std::max({digits - kMaxDigits, -kMaxDigits - exponent, 0});
     mantissa = shiftedDown(mantissa, excess);
@@ -89,7 +89,7 @@ Number::Number(Decimal&& decimal) {
     }
     BigInteger quotient;
     BigInteger rest;
-    for (int step = 256; step > 0 && exponent < 0;) { // trailing zeros behind the point, many at a time
+    for (int step = 256; step > 0 && exponent < 0;) { // trailing zeros after the point, many at a time
         if (step > -exponent) {
             step /= 2;
             continue;
@@ -122,7 +122,7 @@ Number Number::parsed(bool negative, std::string digits, int exponent) {
     if (static_cast<int64_t>(digits.size()) + exponent > kMaxDigits) {
         throw NumberError("the number has more than 400 whole digits");
     }
-    // What stands far behind the last digit that is kept cannot change it.
+    // Digits this far after the last one that is kept cannot change it.
     constexpr size_t kept = size_t{2} * kMaxDigits;
     if (digits.size() > kept) {
         exponent += static_cast<int>(digits.size() - kept);
@@ -143,8 +143,8 @@ bool Number::standsIn(std::u16string_view text) noexcept {
 
 namespace {
 
-// The exponent of a text that is a number and nothing else, [at] the place of its "e"; nothing for any other
-// text.
+// Returns the exponent of a text that is nothing but a number, where [at] is the place of its "e"; nothing
+// for any other text.
 std::optional<int> exponentAt(std::u16string_view text, size_t at, char16_t point) {
     std::u16string_view before = text.substr(0, at);
     if (before.starts_with(u'-') || before.starts_with(u'+')) {
@@ -164,7 +164,7 @@ std::optional<int> exponentAt(std::u16string_view text, size_t at, char16_t poin
     }
     int exponent = 0;
     for (const char16_t c : after) {
-        exponent = std::min(exponent * 10 + (c - u'0'), 100'000); // beyond any number, and far from overflow
+        exponent = std::min(exponent * 10 + (c - u'0'), 100'000); // larger than any valid one; no overflow
     }
     return negative ? -exponent : exponent;
 }
@@ -336,8 +336,7 @@ Number Number::divide(const Number& left, const Number& right, int places) {
     places = std::clamp(places, 0, kMaxDigits);
     const Decimal a = left.decimal();
     const Decimal b = right.decimal();
-    // mantissa / mantissa * 10^(exponents) = quotient * 10^-places, so the dividend is scaled by what that
-    // leaves.
+    // a.mantissa / b.mantissa * 10^(a.exponent - b.exponent) = quotient * 10^-places, which gives the scale.
     const int scale = a.exponent - b.exponent + places;
     const BigInteger dividend = scale > 0 ? a.mantissa * powerOfTen(scale) : a.mantissa;
     const BigInteger divisor = scale < 0 ? b.mantissa * powerOfTen(-scale) : b.mantissa;

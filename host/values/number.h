@@ -11,7 +11,7 @@
 
 namespace host {
 
-// What arithmetic throws when there is no answer: a division by zero, a result of more than 400 whole digits.
+// Thrown when arithmetic has no result: a division by zero, or more than 400 whole digits.
 class NumberError : public std::domain_error {
   public:
     using std::domain_error::domain_error;
@@ -22,50 +22,53 @@ class DivisionByZero : public NumberError {
     DivisionByZero() : NumberError("division by zero") {}
 };
 
-// A decimal number. Sums, differences and products are exact up to 400 significant digits, of which none
-// stands further than 400 places behind the point. Copying is cheap and shares what is large.
+// A decimal number. Sums, differences and products are exact up to 400 significant digits and 400 places
+// after the point, and rounded beyond; arithmetic throws NumberError for results with more than 400 whole
+// digits. Copying is cheap: copies share large numbers.
 class Number {
   public:
     static constexpr int kMaxDigits = 400;
-    // Places behind the point that a quotient, a power, a root or a logarithm keeps unless told otherwise.
+    // The places after the point of a quotient, a power, a root or a logarithm, unless given otherwise.
     static constexpr int kQuotientPlaces = 16;
 
     Number() noexcept = default; // 0
     Number(int64_t value) noexcept
         : small_(value) {} // NOLINT(google-explicit-constructor): a whole number is one
 
-    // The shortest decimal number that the double stands for. Throws NumberError for what is not finite.
+    // Returns the shortest decimal number that reads back as this double. Throws NumberError for NaN and
+    // infinities.
     static Number fromDouble(double value);
 
-    // The number that the digits of a text make, one after the other: the first [point] counts, a minus sign
-    // or an opening parenthesis before all digits and points makes it negative, everything else is passed
-    // over; 0 when there is no digit. A text that is nothing but a number may have an exponent ("1.5e3").
-    // Throws NumberError for more than 400 whole digits.
+    // Returns the number made of all digits in a text, in order: the first [point] is its decimal point, a
+    // minus sign or opening parenthesis before the first digit or point makes it negative, and everything
+    // else is ignored; 0 when there is no digit. A text that is nothing but a number may have an exponent
+    // ("1.5e3"). Throws NumberError for more than 400 whole digits.
     static Number fromText(std::u16string_view text, char16_t point = u'.');
 
-    // Whether a text has a digit in it.
+    // Whether a text has a digit in it, so that fromText() finds a number.
     static bool standsIn(std::u16string_view text) noexcept;
 
-    // All digits, no exponent, no zero before the point or at the end behind it: "-.5".
+    // Returns all digits, with a point and without exponent; no zero before the point or at the end after it:
+    // "-.5".
     std::u16string toText() const;
 
-    // The nearest double.
+    // Returns the nearest double.
     double toDouble() const;
 
-    // The number without its fraction, held to the range of 64 bits.
+    // Returns the number without its fraction, or the nearest limit of 64 bits when it is beyond that.
     int64_t toInt64() const;
 
     bool isZero() const noexcept { return !large_ && small_ == 0; }
     bool isInteger() const noexcept;
     int sign() const noexcept;   // -1, 0 or 1
-    int places() const noexcept; // digits behind the point
+    int places() const noexcept; // digits after the point
 
-    // Rounded to that many places behind the point, halves away from zero; a negative count rounds before the
-    // point.
+    // Returns the number rounded to [places] digits after the point, halves away from zero; with a negative
+    // [places], to a power of ten.
     Number rounded(int places) const;
-    // Without what stands behind that many places.
+    // Returns the number with the digits after [places] places cut off.
     Number truncated(int places = 0) const;
-    // The greatest whole number that is not above this one.
+    // Returns the greatest whole number that is not above this one.
     Number floor() const;
     Number abs() const { return sign() < 0 ? -*this : *this; }
 
@@ -77,14 +80,14 @@ class Number {
         return divide(left, right, kQuotientPlaces);
     }
 
-    // The quotient, rounded to that many places behind the point, halves away from zero. Throws
+    // Returns the quotient, rounded to [places] digits after the point, halves away from zero. Throws
     // DivisionByZero.
     static Number divide(const Number& left, const Number& right, int places);
-    // What the left number exceeds a whole multiple of the right one by; it has the right one's sign.
+    // Returns left - right * floor(left / right), which has the sign of [right]. Throws DivisionByZero.
     static Number modulo(const Number& left, const Number& right);
 
-    // Powers, roots and logarithms, rounded to that many places behind the point (0 to 400). They throw
-    // NumberError where there is none: of a negative number, of 0.
+    // Return powers, roots and logarithms, rounded to [places] digits after the point (0 to 400). Throw
+    // NumberError where the result does not exist, as for the logarithm of 0.
     static Number power(const Number& base, const Number& exponent, int places = kQuotientPlaces);
     static Number squareRoot(const Number& value, int places = kQuotientPlaces);
     static Number exponential(const Number& value, int places = kQuotientPlaces);
@@ -95,13 +98,13 @@ class Number {
     friend std::strong_ordering operator<=>(const Number& left, const Number& right);
 
   private:
-    struct Decimal; // whole mantissa and power of ten, for what 64 bits cannot hold
+    struct Decimal; // mantissa and power of ten, for numbers that are not whole or do not fit 64 bits
 
     explicit Number(Decimal&& decimal); // normalises
     static Number parsed(bool negative, std::string digits, int exponent);
     Decimal decimal() const;
 
-    int64_t small_ = 0; // the value, unless there is a large one
+    int64_t small_ = 0; // the value, unless large_ is set
     std::shared_ptr<const Decimal> large_;
 };
 

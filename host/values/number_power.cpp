@@ -13,8 +13,8 @@ namespace mp = boost::multiprecision;
 
 namespace {
 
-// Computing with few digits is much faster than with all that a number may have; each keeps a reserve behind
-// the digits that are asked for, so that these are right.
+// The precisions, in digits, with which results are computed: few where that is enough, as it is much faster.
+// kReserve digits more than asked for are computed, so that those asked for are right.
 constexpr int kFewDigits = 100;
 constexpr int kAllDigits = 480;
 constexpr int kReserve = 20;
@@ -36,8 +36,8 @@ Number toNumber(const R& value, int places) {
     return Number::fromText(std::u16string(digits.begin(), digits.end())).rounded(places);
 }
 
-// Runs [function] on a real number type of enough digits for a result that has [wholeDigits] digits before
-// the point.
+// Runs [function] with a real number type that has enough digits for a result with [wholeDigits] digits
+// before and [places] digits after the point.
 template <class Function>
 Number computed(int wholeDigits, int places, Function function) {
     if (std::max(wholeDigits, 0) + places + kReserve <= kFewDigits) {
@@ -46,7 +46,7 @@ Number computed(int wholeDigits, int places, Function function) {
     return toNumber(function(Real<kAllDigits>()), places);
 }
 
-// By squaring: exact up to 400 digits at each step.
+// Returns the power by repeated squaring, in which each step is exact up to 400 digits.
 Number wholePower(Number base, uint64_t exponent) {
     Number result = 1;
     for (; exponent > 0; exponent /= 2) {
@@ -60,8 +60,8 @@ Number wholePower(Number base, uint64_t exponent) {
     return result;
 }
 
-// How many digits a power has before the point; 0 or less for one below 1. Throws for a number too large to
-// keep, answers nothing for one too small to tell from 0.
+// Returns the number of digits that a power has before the point; 0 or less for one below 1. Throws
+// NumberError for a power that is too large, returns nothing for one too small to be told from 0.
 std::optional<int> wholeDigitsOf(const Real<kFewDigits>& decimalLogarithm) {
     if (decimalLogarithm > Number::kMaxDigits) {
         throw NumberError("the number has more than 400 whole digits");
@@ -103,7 +103,7 @@ Number Number::power(const Number& base, const Number& exponent, int places) {
     if (!wholeDigits) {
         return {};
     }
-    const bool isExact = exponent.sign() > 0 || *wholeDigits > 2 - kMaxDigits; // its inverse can be kept
+    const bool isExact = exponent.sign() > 0 || *wholeDigits > 2 - kMaxDigits; // the inverse is not too large
     if (whole && isExact && exponent.abs() <= Number(kMostSquarings)) {
         const Number power = wholePower(base, static_cast<uint64_t>(exponent.abs().toInt64()));
         if (exponent.sign() < 0) {
@@ -118,8 +118,7 @@ Number Number::power(const Number& base, const Number& exponent, int places) {
     return base.sign() < 0 && !modulo(exponent, 2).isZero() ? -result : result;
 }
 
-// The root of the whole number that has one digit more than wanted, cut off: rounding that digit away is
-// exact.
+// Takes the whole root of the number scaled to one digit more than wanted; rounding that digit away is exact.
 Number Number::squareRoot(const Number& value, int places) {
     if (value.sign() < 0) {
         throw NumberError("a negative number has no square root");

@@ -8,7 +8,7 @@ namespace host {
 
 namespace {
 
-// The bytes with their order; what lies outside them reads as 0, so that a short header has no size.
+// Reads numbers of either byte order. Bytes after the end read as 0, so that a header cut short has no size.
 class Header {
   public:
     explicit Header(const Bytes& bytes) : bytes_(bytes) {}
@@ -43,8 +43,8 @@ Size readGif(const Header& in) {
     return in.hasAt(0, "GIF87a") || in.hasAt(0, "GIF89a") ? Size{in.low16(6), in.low16(8)} : Size{};
 }
 
-// The header behind the file's own is of one of a few known lengths. Only the first of them has sides of 16
-// bits; a negative height says that the rows stand top down.
+// The file's header is followed by one of a few known lengths. Only the shortest has sides of 16 bits. A
+// negative height says that the rows are stored from top to bottom.
 Size readBmp(const Header& in) {
     constexpr uint32_t kOldest = 12;
     constexpr uint32_t kLengths[] = {kOldest, 40, 52, 56, 64, 108, 124};
@@ -61,7 +61,7 @@ Size readBmp(const Header& in) {
     return {in.low32(18), isTopDown ? 0U - height : height};
 }
 
-// Walks the segments to the one that starts the frame.
+// Walks from segment to segment to the start of the frame, which has the size.
 Size readJpeg(const Header& in) {
     if (!in.hasAt(0, "\xFF\xD8\xFF")) {
         return {};
@@ -70,11 +70,11 @@ Size readJpeg(const Header& in) {
     while (at + 3 < in.size() && in.byte(at) == 0xFF) {
         const uint32_t marker = in.byte(at + 1);
         if (marker == 0xFF) {
-            ++at; // fill bytes may stand before a marker
+            ++at; // a fill byte before a marker
         } else if (marker >= 0xC0 && marker <= 0xCF && marker != 0xC4 && marker != 0xC8 && marker != 0xCC) {
             return {in.high16(at + 7), in.high16(at + 5)};
         } else if (marker == 0x01 || (marker >= 0xD0 && marker <= 0xD8)) {
-            at += 2; // these have no length
+            at += 2; // markers without a length
         } else {
             at += 2 + std::max<size_t>(in.high16(at + 2), 2);
         }

@@ -1,6 +1,6 @@
 #pragma once
 
-// What kind of picture some bytes are, and how large it is: told by its first bytes, never by a file's name.
+// The kind and size of a picture, by its first bytes and never by a file's name.
 
 #include "host/values/container.h"
 
@@ -9,7 +9,7 @@
 
 namespace host {
 
-// A picture by its header. Its data may still be damaged.
+// What a picture's header says. The data after it may still be damaged.
 struct PictureHeader {
     StreamType type;    // PNGf, JPEG, GIFf or BMPf
     uint32_t width = 0; // in pixels, as stored: 1 or more
@@ -21,7 +21,8 @@ struct PictureHeader {
 // Whether streams of that type hold pictures.
 bool isPictureType(StreamType type) noexcept;
 
-// Nothing when the bytes are no PNG, JPEG, GIF or BMP, or stop before they say how large the picture is.
+// Returns what the header of a PNG, JPEG, GIF or BMP says; nothing for other bytes, and for those that end
+// before the picture's size.
 std::optional<PictureHeader> readPictureHeader(const Bytes& bytes) noexcept;
 
 } // namespace host

@@ -13,7 +13,7 @@ namespace host {
 
 namespace {
 
-// ICU counts with 32 bits.
+// Returns the text's length as ICU counts, in 32 bits. Throws std::length_error for a longer text.
 int32_t length32(std::u16string_view text) {
     if (text.size() > static_cast<size_t>(std::numeric_limits<int32_t>::max())) {
         throw std::length_error("the text is too long");
@@ -46,7 +46,7 @@ bool isAscii(std::u16string_view text) {
     return std::all_of(text.begin(), text.end(), [](char16_t c) { return c < 0x80; });
 }
 
-// Moves letters of ASCII between the cases; most texts have no others.
+// Changes the case of the ASCII letters from [first] to [last]; a fast path, as most texts have no others.
 std::u16string shifted(std::u16string_view text, char16_t first, char16_t last) {
     std::u16string result(text);
     for (char16_t& c : result) {

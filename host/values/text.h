@@ -1,7 +1,7 @@
 #pragma once
 
-// Text is UTF-16. Every conversion succeeds: what is malformed becomes U+FFFD. Case follows Unicode, for no
-// language in particular.
+// Functions on text, which is UTF-16. Every conversion succeeds: ill-formed text becomes U+FFFD. Letter case
+// follows Unicode, without the rules of any particular language.
 
 #include <compare>
 #include <string>
@@ -12,23 +12,24 @@ namespace host {
 std::string toUtf8(std::u16string_view text);
 std::u16string fromUtf8(std::string_view bytes);
 
-// The form in which texts that differ in letter case alone are the same. It may have another length.
+// Returns the case-folded text: texts that differ only in letter case have the same. Its length may differ.
 std::u16string foldCase(std::u16string_view text);
 std::u16string toUpper(std::u16string_view text);
 std::u16string toLower(std::u16string_view text);
 
-// Order by the folded texts, by code point.
+// Compares the case-folded texts by code point.
 std::strong_ordering compareIgnoringCase(std::u16string_view left, std::u16string_view right);
 
-// Order by UTF-16 units.
+// Compares by UTF-16 units.
 inline std::strong_ordering compareUnits(std::u16string_view left, std::u16string_view right) {
     return left.compare(right) <=> 0;
 }
 
-// Where [wanted] next starts at or after [position], ignoring case; npos when nowhere. Characters are
-// compared one by one, so that a match is as long as what is wanted.
+// Returns the position of the first occurrence of [wanted] at or after [position], ignoring case; npos when
+// there is none. Characters are compared one by one, so that a match is always as long as [wanted].
 size_t findIgnoringCase(std::u16string_view text, std::u16string_view wanted, size_t position);
-// Where [wanted] last starts at or before [position], ignoring case; npos when nowhere.
+// Returns the position of the last occurrence of [wanted] at or before [position], ignoring case; npos when
+// there is none.
 size_t findLastIgnoringCase(std::u16string_view text, std::u16string_view wanted, size_t position);
 
 } // namespace host

@@ -9,17 +9,18 @@
 
 namespace host {
 
-// What a run of characters has of its own; what is not set is as everywhere else.
+// The style that a run of characters has of its own; what is not set is the default.
 struct TextStyle {
     std::u16string font;           // empty for none
     int32_t size = 0;              // in points; 0 for none
     std::optional<uint32_t> color; // red * 65536 + green * 256 + blue
-    uint32_t faces = 0;            // the constants Bold, Italic ... added up
+    uint32_t faces = 0;            // the sum of the calculation language's constants Bold, Italic ...
 
     friend bool operator==(const TextStyle&, const TextStyle&) = default;
 };
 
-// A style up to a place in the text, in UTF-16 units; it begins where the run before it ends.
+// A run: a style up to the position [end] in the text, in UTF-16 units. It begins where the run before it
+// ends.
 struct StyledRun {
     size_t end;
     TextStyle style;
@@ -28,13 +29,13 @@ struct StyledRun {
 // The runs of a text in order; the last one ends with the text. Empty for a text without styles.
 using StyledRuns = std::vector<StyledRun>;
 
-// Adds the runs of a text of [size] units behind [before] units that have [runs] already.
+// Appends the runs [added] of a text of [size] units to the [runs] of a text of [before] units.
 void appendRuns(StyledRuns& runs, size_t before, const StyledRuns& added, size_t size);
 
-// The runs of the units from [begin] to [end].
+// Returns the runs of the units from [begin] up to [end].
 StyledRuns slicedRuns(const StyledRuns& runs, size_t begin, size_t end);
 
-// Joins neighbours of one style; nothing is left when no run has any.
+// Returns the runs with neighbours of equal style joined; empty when no run has a style.
 StyledRuns simplifiedRuns(StyledRuns runs);
 
 } // namespace host

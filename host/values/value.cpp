@@ -8,7 +8,7 @@ namespace host {
 
 namespace {
 
-// With the decimal point of the formats in use.
+// Returns the number's text with the decimal point of the formats in use.
 std::u16string numberText(const Number& number) {
     std::u16string text = number.toText();
     if (formats().decimalPoint != u'.') {
@@ -114,7 +114,7 @@ std::optional<Number> Value::asNumber() const {
             try {
                 return Number::fromText(storedText(), formats().decimalPoint);
             } catch (const NumberError&) {
-                return std::nullopt; // more digits than a number has
+                return std::nullopt; // more digits than a Number may have
             }
         }
         return std::nullopt;
@@ -143,7 +143,7 @@ bool Value::asBoolean() const {
 
 std::optional<DateTime> Value::asDateTime(ValueType wanted) const {
     if (type_ == ValueType::text) {
-        auto moment = DateTime::timestampFromText(storedText()); // which spells a day and a time as well
+        auto moment = DateTime::timestampFromText(storedText()); // also gives a date or a time
         return moment || wanted != ValueType::time ? moment : DateTime::timeFromText(storedText());
     }
     if (const DateTime* moment = std::get_if<DateTime>(&content_)) {

@@ -1,16 +1,16 @@
 #pragma once
 
-// A value of a calculation: of one type, and readable as the others. Here is the one place that says how.
+// A value of a calculation. It has one type and can be read as the others:
 //
-//   text       its number is made of its digits; its date, time or time stamp is what it spells
-//   number     as a date, the number of the day; as a time, seconds; as a time stamp, seconds from the start of day 1
-//   date       its number is the number of its day (1 January of year 1 is 1); as a time stamp, its midnight
-//   time       its number is its seconds; as a time stamp, seconds from the start of day 1
-//   timestamp  its number is its seconds from the start of day 1; as a date or a time, that part of it
-//   container  its text is its file names; it is no number and no date
-//   invalid    what could not be computed: its text is "?", it is nothing else
+//   text       as a number, all its digits; as a date, time or time stamp, the one that it spells
+//   number     as a date, the day of that number; as a time, seconds; as a time stamp, seconds from day 1
+//   date       as a number, the number of its day (1 January of year 1 is 1); as a time stamp, its midnight
+//   time       as a number, its seconds; as a time stamp, that many seconds from the start of day 1
+//   timestamp  as a number, its seconds from the start of day 1; as a date or a time, that part of it
+//   container  as text, its file names; never a number or a date
+//   invalid    a value that could not be computed: as text "?", never anything else
 //
-// An empty value is empty as every type.
+// Every type also has an empty value, which is empty as any other type.
 
 #include "host/values/container.h"
 #include "host/values/date_time.h"
@@ -27,7 +27,8 @@ namespace host {
 
 enum class ValueType : uint8_t { invalid, text, number, date, time, timestamp, container };
 
-// What is remembered with a text for as long as the text lives, so that it need not be found out again.
+// Something derived from a text that is kept with it for as long as the text lives, so that it is computed
+// once.
 struct TextNote {
     virtual ~TextNote() = default;
     TextNote() = default;
@@ -35,7 +36,7 @@ struct TextNote {
     TextNote& operator=(const TextNote&) = delete;
 };
 
-// A value. It does not change; copying is cheap and shares what is large.
+// An immutable value. Copying is cheap: copies share texts, large numbers and streams.
 class Value {
   public:
     Value() = default; // empty text
@@ -45,10 +46,11 @@ class Value {
     static Value text(std::u16string text);
     static Value text(std::u16string_view text) { return Value::text(std::u16string(text)); }
     static Value text(const char16_t* text) { return Value::text(std::u16string(text)); }
-    // A text with styles; they do not count when values are compared.
+    // Returns a text with styles, which are ignored when values are compared.
     static Value styledText(std::u16string text, StyledRuns styles);
     static Value number(Number number) { return Value(ValueType::number, std::move(number)); }
-    // The day or the time alone counts for a date or a time. A time stamp's time is brought inside its day.
+    // Return values of a date, of which only the day counts; a time, of which only the time counts; and a
+    // time stamp, whose time is carried into its day (DateTime::normalized).
     static Value date(const DateTime& day) { return Value(ValueType::date, DateTime(day.day())); }
     static Value time(const DateTime& time) { return Value(ValueType::time, DateTime(1, time.seconds())); }
     static Value timestamp(const DateTime& moment);
@@ -56,35 +58,37 @@ class Value {
 
     ValueType type() const noexcept { return type_; }
     bool isValid() const noexcept { return type_ != ValueType::invalid; }
-    // No text, no number, no streams. What could not be computed is not empty.
+    // Whether the value is empty: no text, no number, no streams. An invalid value is not empty.
     bool isEmpty() const noexcept;
 
     std::u16string asText() const;
-    // Nothing when the value is empty or is no number: a text without digits, a container.
+    // Returns the number; nothing when the value is empty or has none, as a text without digits or a
+    // container.
     std::optional<Number> asNumber() const;
-    // Whether it is a number other than 0, or a container with streams.
+    // Whether the value is a number other than 0, or a container with streams.
     bool asBoolean() const;
-    // The part of the answer that the name says; nothing when the value is empty or spells no such thing.
+    // Return the value as a date, a time, or a time stamp; nothing when it is empty or cannot be read as one.
     std::optional<DateTime> asDate() const;
     std::optional<DateTime> asTime() const;
     std::optional<DateTime> asTimestamp() const;
-    // The streams; none unless the value is a container.
+    // Returns the streams; an empty container unless the value is a container.
     const Container& asContainer() const noexcept;
 
-    // The text of a text value, without a copy; empty for every other type. Lives as long as a value that
-    // shares it.
+    // Returns the text of a text value, without a copy; empty for every other type. The reference is valid as
+    // long as any value that shares the text.
     const std::u16string& storedText() const noexcept;
 
-    // The styles of a text value; none for every other one.
+    // Returns the styles of a text value; none for every other type.
     const StyledRuns& styles() const noexcept;
 
-    // What was remembered with a text value; null for none. A note does not change what the value is; values
-    // that share the text share it. Not for several threads at once.
+    // Returns the note kept with a text value; null for none. Values that share a text share its note, which
+    // is no part of the value. Not thread-safe.
     const TextNote* note() const noexcept;
-    // Remembers something with a text value in place of what was; nothing happens to values without a text.
+    // Keeps a note with a text value, in place of the one before. Does nothing for values of other types. Not
+    // thread-safe.
     void setNote(std::shared_ptr<const TextNote> note) const;
 
-    // The value as another type: empty when it is empty, invalid when it cannot be read so.
+    // Returns the value as another type: an empty one when it is empty, invalid when it cannot be read so.
     Value convertedTo(ValueType type) const;
 
   private:

@@ -21,7 +21,7 @@ using host::self;
 
 namespace {
 
-// Throws for an index that the container does not have.
+// Returns the stream at an index. Throws std::out_of_range when the container has none.
 const Container::Stream& streamAt(const Container& container, int32 index) {
     return container.at(static_cast<size_t>(index)); // a negative one is far out of range
 }

@@ -17,7 +17,7 @@ using host::self;
 using host::Value;
 using host::ValueType;
 
-// The native types are the types of a value, and one more: a number that is true or false.
+// The native types have the numbers of ValueType; there is one more, for a number that is true or false.
 static_assert(static_cast<int>(ValueType::invalid) == Data::kDTInvalid);
 static_assert(static_cast<int>(ValueType::text) == Data::kDTText);
 static_assert(static_cast<int>(ValueType::number) == Data::kDTNumber);
@@ -30,7 +30,7 @@ namespace host {
 
 namespace {
 
-// Throws for a number that is no native type.
+// Returns the type of a value of a native type. Throws std::invalid_argument for an unknown number.
 ValueType typeFor(int32 nativeType) {
     if (nativeType < Data::kDTInvalid || nativeType > Data::kDTBoolean) {
         throw std::invalid_argument("no native type has that number");
@@ -121,7 +121,7 @@ bool FM_Data_IsEmpty(const void* object, _fmxcpt& block) noexcept {
 bool FM_Data_IsValid(const void* object, _fmxcpt& block) noexcept {
     return guarded(block, [&] { return self<Data>(object).value().isValid(); });
 }
-// This host has no find mode, so that no value of it is the request of a search.
+// This host has no find mode, so that no value is a find request.
 bool FM_Data_IsFindRequest(const void* object, _fmxcpt& block) noexcept {
     return guarded(block, [&] {
         static_cast<void>(self<Data>(object));

@@ -21,7 +21,8 @@ namespace {
 
 using Moment = host::DateTime;
 
-// A date, a time or both, as a locale writes them; the epoch for a text that spells none of them.
+// Returns the date, the time or both that a text gives in a locale; 1 January of year 1, 0:00 when it gives
+// neither.
 Moment spelt(std::u16string_view text, const Locale& locale) {
     const auto moment = host::timestampIn(inside(locale).type, text);
     return moment ? *moment : Moment::timeFromText(text).value_or(Moment());

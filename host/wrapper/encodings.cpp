@@ -17,10 +17,10 @@ namespace host {
 
 namespace {
 
-// ICU's converter for each encoding, by the encoding's number; null for UTF-8, which needs none. ICU has none
-// for the Japanese, Korean, Chinese, Arabic and Hebrew of old Macs: there stands the one for the standard
-// that these extend. Nor has it one for Johab, whose signs and Chinese characters are those of Windows's
-// Korean.
+// ICU's converter for each encoding, by the interface's number; null for UTF-8, which needs none. ICU has
+// none for the old Mac encodings of Japanese, Korean, Chinese, Arabic and Hebrew: instead, those of the
+// standards that they extend are used. It has none for Johab either (johab.h), whose symbols and Chinese
+// characters are those of Windows's Korean.
 constexpr const char* kConverters[] = {
     nullptr,                 // Native
     nullptr,                 // UTF8
@@ -69,13 +69,13 @@ const char* converterName(fmx::int32 encoding) {
     return kConverters[encoding];
 }
 
-// ICU's tables for these are IBM's, in which three control characters stand in each other's places.
+// Whether ICU's table for an encoding is one of IBM's, in which three control characters are interchanged.
 bool turnsControls(fmx::int32 encoding) {
     return encoding == fmx::Text::kEncoding_ASCII_DOS || encoding == fmx::Text::kEncoding_ShiftJIS_Mac ||
            encoding == fmx::Text::kEncoding_ShiftJIS_Win;
 }
 
-// The control characters as everyone else has them, and as IBM's tables have them.
+// Change the control characters of IBM's tables to the usual ones, and the other way round.
 void turnBack(std::u16string& text) {
     for (char16_t& c : text) {
         c = c == u'\x1A' ? u'\x7F' : c == u'\x1C' ? u'\x1A' : c == u'\x7F' ? u'\x1C' : c;
@@ -89,7 +89,8 @@ std::u16string turned(std::u16string_view text) {
     return result;
 }
 
-// For ICU: U+FFFD for what cannot be read, in place of the control character that some converters have.
+// ICU's callback for bytes that cannot be read: writes U+FFFD, where some converters have a control
+// character.
 void replaceUnreadable(const void* /*context*/, UConverterToUnicodeArgs* arguments, const char* /*bytes*/,
                        int32_t /*length*/, UConverterCallbackReason reason, UErrorCode* error) {
     if (reason <= UCNV_IRREGULAR) {
@@ -139,7 +140,7 @@ std::u16string decodedBy(UConverter& converter, std::string_view bytes) {
 
 std::string encodedBy(UConverter& converter, std::u16string_view text, size_t capacity) {
     std::string bytes;
-    std::vector<int32_t> sources; // of each byte, where its character stands
+    std::vector<int32_t> sources; // for each byte, the position of its character in the text
     const UChar* from = text.data();
     const UChar* const end = from + text.size();
     UErrorCode error = U_BUFFER_OVERFLOW_ERROR;

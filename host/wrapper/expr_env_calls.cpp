@@ -30,7 +30,7 @@ namespace {
 
 host::HostHooks hooks;
 
-// Asks the program; without a hook there is no one to ask.
+// Calls a hook of the program; returns kUnavailable when there is none.
 template <class Hook, class... Arguments>
 errcode ask(Hook hook, const Arguments&... arguments) {
     return hook != nullptr ? hook(hooks.context, arguments...) : host::kUnavailable;
@@ -42,7 +42,7 @@ errcode evaluate(const void* object, const Text& expression, Data& result) {
                                      : host::kUnavailable;
 }
 
-// A text as calculations write it.
+// Returns a text as a literal of the calculation language.
 std::u16string quoted(const std::u16string& text) {
     std::u16string result = u"\"";
     for (const char16_t c : text) {
@@ -51,8 +51,8 @@ std::u16string quoted(const std::u16string& text) {
     return result + u"\"";
 }
 
-// Asks for a path by one of the functions that convert them. The result is empty when the path can not be
-// converted.
+// Converts a path by evaluating one of the calculation functions that do so. The result is empty when the
+// path cannot be converted.
 errcode convertPath(const char16_t* function, const void* object, const Text& path, int32 format,
                     Text& result) {
     const std::string number = std::to_string(format);

@@ -36,7 +36,7 @@ FixPt* madeNumber(int32 value, int precision) {
     return host::made<FixPt>(Number(value), std::clamp(precision, 0, Number::kMaxDigits));
 }
 
-// A result keeps as many places as the operand that keeps more.
+// Returns the precision of a result: that of the operand with the higher one.
 int precisionFor(const FixPtObject& left, const FixPtObject& right) {
     return std::max(left.precision, right.precision);
 }

@@ -11,7 +11,7 @@ namespace {
 struct Fonts {
     std::mutex mutex;
     std::vector<Font> known{
-        {u"Helvetica", fmx::CharacterStyle::kFontScript_Roman}}; // of text without a style
+        {u"Helvetica", fmx::CharacterStyle::kFontScript_Roman}}; // the font of text without a style
 };
 
 Fonts& fonts() {

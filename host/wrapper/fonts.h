@@ -1,7 +1,7 @@
 #pragma once
 
-// The numbers of fonts: this host draws nothing, so that a font is a name, and its number the place where the
-// name was first heard.
+// The numbers of fonts. As this host draws nothing, a font is only a name; names are numbered in the order in
+// which they are first used.
 
 #include "FMWrapper/FMXTextStyle.h"
 
@@ -15,11 +15,11 @@ struct Font {
     fmx::FontScript script;
 };
 
-// The number of a font, the same each time; a name that is new gets a new one. kInvalidFont for an empty name
-// and when there are no numbers left.
+// Returns the number of a font, which is the same each time; a new name gets a new number. kInvalidFont for
+// an empty name, and when no numbers are left.
 fmx::FontID fontNumber(const std::u16string& name, fmx::FontScript script);
 
-// The font of a number; nothing when there is none.
+// Returns the font with a number; nothing when there is none.
 std::optional<Font> fontOf(fmx::FontID number);
 
 } // namespace host

@@ -8,7 +8,7 @@
 
 namespace host {
 
-// The name in Get ( name ) of a number; empty for one that this host does not know.
+// Returns the name in Get ( name ) for a number; empty for a number that this host does not know.
 std::u16string_view getFunctionName(fmx::int16 which);
 
 } // namespace host

@@ -1,7 +1,7 @@
 #pragma once
 
-// The one guard at the edge of the library: no exception crosses it, each becomes a code in the exception
-// block.
+// The guard around every call of the interface: no exception leaves the library, each becomes a code in the
+// call's exception block.
 
 #include "FMWrapper/FMXClient.h"
 
@@ -14,13 +14,13 @@ namespace host {
 inline constexpr fmx::int32 kOutOfMemory = 1;
 inline constexpr fmx::int32 kUnknownFailure = 2;
 
-// Calls that are left until the one that a test wants to fail, itself included; 0 when none is to fail.
+// The number of calls up to and with the one that a test wants to fail; 0 when none is to fail.
 extern std::atomic<fmx::int32> callsUntilFailure;
 
-// Counts a call; answers the code that it must report, or 0.
+// Counts a call; returns the code that it must report, or 0.
 fmx::int32 countedFailure() noexcept;
 
-// What a call that failed answers: nothing, zero, null, or an object that stands for none.
+// Returns the result of a call that failed: nothing, zero, null, or a reference to a default object.
 template <class Result>
 Result failedResult() {
     if constexpr (std::is_reference_v<Result>) {
@@ -31,7 +31,7 @@ Result failedResult() {
     }
 }
 
-// Does the work of a call. Whatever it throws, or a test wanted, is reported in the block.
+// Runs the work of a call. Reports whatever it throws, or a failure that a test asked for, in the block.
 template <class Work>
 std::invoke_result_t<Work> guarded(fmx::_fmxcpt& block, Work work) noexcept {
     using Result = std::invoke_result_t<Work>;

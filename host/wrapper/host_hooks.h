@@ -1,13 +1,13 @@
 #pragma once
 
-// What the library of the plug-in interface offers to the program that runs the plug-ins, beside the
-// interface itself.
+// What the library of the plug-in interface offers, besides the interface itself, to the program that runs
+// the plug-ins.
 
 #include "host/wrapper/interface.h"
 
 namespace host {
 
-// A function that a plug-in offers to calculations.
+// A function that a plug-in registers for calculations.
 struct FunctionRegistration {
     const fmx::QuadChar& plugin;
     fmx::int16 id;
@@ -20,7 +20,7 @@ struct FunctionRegistration {
     fmx::ExtPluginType function;
 };
 
-// A step that a plug-in offers to scripts.
+// A step that a plug-in registers for scripts.
 struct ScriptStepRegistration {
     const fmx::QuadChar& plugin;
     fmx::int16 id;
@@ -31,11 +31,11 @@ struct ScriptStepRegistration {
     fmx::ExtPluginType function;
 };
 
-// How the program answers what plug-ins ask of the calculation engine; each answers an error code, 0 for
-// success. A function that is null, and one that throws, makes the plug-in's call fail. They run on the
-// thread of that call.
+// The program's side of the calls by which plug-ins use the calculation engine. Each hook returns an error
+// code, 0 for success. A hook that is null or throws makes the plug-in's call fail. Hooks run on the thread
+// of that call.
 struct HostHooks {
-    void* context = nullptr; // handed to each
+    void* context = nullptr; // passed to each hook
 
     fmx::errcode (*registerFunction)(void* context, const FunctionRegistration& wanted) = nullptr;
     fmx::errcode (*unregisterFunction)(void* context, const fmx::QuadChar& plugin, fmx::int16 id) = nullptr;
@@ -53,12 +53,11 @@ struct HostHooks {
 
 extern "C" {
 
-// Sets the hooks, which are copied; null takes them away. Not while another thread calls the interface.
+// Sets the hooks, which are copied; null removes them. No other thread may be calling the interface.
 FMX_API void FM_Host_SetHooks(const host::HostHooks* hooks) noexcept;
 
-// For tests: lets [afterCalls] calls of the interface pass and makes the one after them do nothing and report
-// [code], 1 or 2, in its exception block. Code 0 calls it off. Deleting an object never fails, and does not
-// count.
+// For tests: makes the interface call after the next [afterCalls] calls do nothing and report [code], 1 or 2,
+// in its exception block. Code 0 cancels that. Deleting an object never fails, and is not counted.
 FMX_API void FM_Host_FailNextCall(fmx::int32 code, fmx::int32 afterCalls = 0) noexcept;
 
 } // extern "C"

@@ -17,7 +17,7 @@ constexpr char16_t kFirstConsonant = 0x3131;
 constexpr char16_t kFirstVowel = 0x314F;
 constexpr char16_t kUnreadable = 0xFFFD;
 
-// The five bits of each letter, in Unicode's order, and those of a missing one.
+// The five bits for each letter, in Unicode's order, and those for a letter that is absent.
 constexpr std::array<int, 19> kInitialBits = {2,  3,  4,  5,  6,  7,  8,  9,  10, 11,
                                               12, 13, 14, 15, 16, 17, 18, 19, 20};
 constexpr std::array<int, kMedials> kMedialBits = {3,  4,  5,  6,  7,  10, 11, 12, 13, 14, 15,
@@ -28,8 +28,8 @@ constexpr int kNoInitial = 1;
 constexpr int kNoMedial = 2;
 constexpr int kNoFinal = 1;
 
-// Letters that stand alone, U+3131 on: those that can begin a syllable are written as its beginning (their
-// number), the others as its end (their number, below zero).
+// How the single letters from U+3131 on are written: as the initial with this number, or as the final with
+// this number negated.
 constexpr std::array<int, 30> kLoneConsonants = {0,   1,   -3,  2,   -5,  -6,  3,  4,  5,  -9,
                                                  -10, -11, -12, -13, -14, -15, 6,  7,  8,  -18,
                                                  9,   10,  11,  12,  13,  14,  15, 16, 17, 18};
@@ -56,7 +56,7 @@ std::optional<uint16_t> hangulCode(char16_t c) {
     return std::nullopt;
 }
 
-// Which of the letters has these bits; -1 when none has.
+// Returns the index of the letter with these bits; -1 when there is none.
 template <size_t Size>
 int letter(const std::array<int, Size>& letters, int bits) {
     const auto found = std::find(letters.begin(), letters.end(), bits);
@@ -70,7 +70,7 @@ char16_t hangulCharacter(int code) {
     if (initial >= 0 && medial >= 0 && final >= 0) {
         return static_cast<char16_t>(kFirstSyllable + (initial * kMedials + medial) * kFinals + final);
     }
-    // A letter that stands alone is what would be written with this code.
+    // A single letter: the one that is written with this code.
     for (char16_t c = kFirstConsonant; c < kFirstVowel + kMedials; ++c) {
         if (hangulCode(c) == code) {
             return c;
@@ -79,8 +79,8 @@ char16_t hangulCharacter(int code) {
     return kUnreadable;
 }
 
-// Two rows of 94 places lie behind one first byte: the rows of signs behind 0xD9, those of Chinese
-// characters behind 0xE0.
+// Each first byte covers two rows of 94 places of KS X 1001: the rows of symbols begin at 0xD9, those of
+// Chinese characters at 0xE0.
 constexpr int kPlaces = 94;
 constexpr int kFirstRow = 0x21;
 constexpr int kRowBehindSigns = 0x2D;
@@ -88,7 +88,7 @@ constexpr int kFirstChineseRow = 0x4A;
 constexpr int kRowBehindChinese = 0x7E;
 constexpr int kSigns = 0xD9;
 constexpr int kChinese = 0xE0;
-constexpr int kLowPlaces = 78; // of the second bytes, those from 0x31 on; the others go from 0x91 on
+constexpr int kLowPlaces = 78; // places whose second bytes are from 0x31 on; those of the others from 0x91 on
 
 char byteOf(int value) {
     return static_cast<char>(static_cast<unsigned char>(value));
@@ -141,7 +141,7 @@ char16_t takeJohab(std::string_view& bytes, UConverter& eucKr) {
         return static_cast<char16_t>(first);
     }
     if (bytes.empty() || static_cast<unsigned char>(bytes[0]) < 0x31) {
-        return kUnreadable; // cut off; what follows is a character of its own
+        return kUnreadable; // an incomplete character; the next byte begins another
     }
     const int second = static_cast<unsigned char>(bytes[0]);
     bytes.remove_prefix(1);

@@ -1,6 +1,6 @@
 #pragma once
 
-// What stands behind the opaque classes of the interface, and the way between the two.
+// The objects behind the opaque classes of the interface, and the conversions between the two.
 
 #include "host/values/value.h"
 #include "host/wrapper/interface.h"
@@ -16,11 +16,11 @@
 
 namespace host {
 
-// The results of operations that can be refused; 0 is success.
+// The error codes of operations; 0 is success.
 inline constexpr fmx::errcode kSucceeded = 0;
-inline constexpr fmx::errcode kUnavailable = 3;   // there is no such stream, no one to ask
-inline constexpr fmx::errcode kNotThatType = 102; // a value that cannot be read as the type wanted
-inline constexpr fmx::errcode kNoFile = 802;      // no database to ask
+inline constexpr fmx::errcode kUnavailable = 3;   // there is no such stream, or no hook for the call
+inline constexpr fmx::errcode kNotThatType = 102; // the value cannot be read as the wanted type
+inline constexpr fmx::errcode kNoFile = 802;      // there is no database
 inline constexpr fmx::errcode kNoDate = 500;
 inline constexpr fmx::errcode kNoTime = 501;
 inline constexpr fmx::errcode kNoNumber = 504; // a division by zero, too many digits
@@ -35,7 +35,7 @@ struct TextObject {
     StyleRuns styles;
 };
 
-// A number, and the places behind the point that it keeps.
+// A number, and the digits after the point that it keeps.
 struct FixPtObject {
     static constexpr int kDefaultPrecision = 16;
 
@@ -43,8 +43,9 @@ struct FixPtObject {
     int precision = kDefaultPrecision;
 };
 
-// A value, with what it reads as: made when first asked for, kept until it is set again. A copy makes its
-// own. Of a text, the value itself is such a reading, because plug-ins seldom need it.
+// A value with its readings as the interface's types, which are made when first asked for and kept until the
+// value is set again. A copy makes its own readings. For text the object itself is what is kept, and the
+// Value is such a reading, because plug-ins seldom need it.
 class DataObject {
   public:
     DataObject() : text_(TextObject()) {}
@@ -59,9 +60,9 @@ class DataObject {
     fmx::int32 nativeType() const { return nativeType_; }
     void setLocale(const LocaleObject& locale) { locale_ = locale; }
 
-    // Makes the value, converted, one of a native type. One that cannot be read so leaves it invalid.
+    // Sets the value, converted to a native type; an invalid value when it cannot be converted.
     fmx::errcode set(const Value& value, fmx::int32 nativeType);
-    // Makes it a text that keeps its styles.
+    // Sets a text with its styles.
     void set(const TextObject& text);
     void clear(fmx::int32 nativeType);
 
@@ -88,7 +89,7 @@ class DataObject {
     mutable std::optional<DateTime> timestamp_;
 };
 
-// The values stay where they are when the vector grows.
+// A vector of values, whose addresses stay the same when it grows.
 struct DataVectObject {
     std::vector<std::unique_ptr<DataObject>> values;
 };
@@ -97,7 +98,7 @@ struct RowVectObject {
     std::vector<std::unique_ptr<DataVectObject>> rows;
 };
 
-// An environment: all that is known of one is which it is.
+// An environment, which has nothing but its identity.
 struct ExprEnvObject {};
 
 template <class Opaque>
@@ -151,7 +152,7 @@ struct ObjectOf<fmx::ExprEnv> {
     using Type = ExprEnvObject;
 };
 
-// The object behind an opaque reference.
+// Returns the object behind an opaque reference.
 template <class Opaque>
 const typename ObjectOf<Opaque>::Type& inside(const Opaque& opaque) {
     return *reinterpret_cast<const typename ObjectOf<Opaque>::Type*>(&opaque);
@@ -162,7 +163,7 @@ typename ObjectOf<Opaque>::Type& inside(Opaque& opaque) {
     return *reinterpret_cast<typename ObjectOf<Opaque>::Type*>(&opaque);
 }
 
-// The object that a method is called for. Throws when there is none.
+// Returns the object that a method is called for. Throws std::invalid_argument for null.
 template <class Opaque>
 const typename ObjectOf<Opaque>::Type& self(const void* object) {
     if (object == nullptr) {
@@ -178,7 +179,7 @@ typename ObjectOf<Opaque>::Type& self(void* object) {
     return *static_cast<typename ObjectOf<Opaque>::Type*>(object);
 }
 
-// The opaque face of an object.
+// Returns the opaque reference to an object.
 template <class Opaque>
 Opaque& outside(typename ObjectOf<Opaque>::Type& object) {
     return *reinterpret_cast<Opaque*>(&object);
@@ -188,7 +189,7 @@ const Opaque& outside(const typename ObjectOf<Opaque>::Type& object) {
     return *reinterpret_cast<const Opaque*>(&object);
 }
 
-// A new object, by its opaque face, and the end of one.
+// Make and delete an object, given by its opaque pointer.
 template <class Opaque, class... Arguments>
 Opaque* made(Arguments&&... arguments) {
     return reinterpret_cast<Opaque*>(new
@@ -199,7 +200,7 @@ void destroy(void* object) noexcept {
     delete static_cast<typename ObjectOf<Opaque>::Type*>(object);
 }
 
-// A size as the interface counts it. Throws when it is too large for that.
+// Returns a size in the interface's 32 bits. Throws std::length_error when it is too large.
 inline fmx::uint32 size32(size_t size) {
     if (size > std::numeric_limits<fmx::uint32>::max()) {
         throw std::length_error("more than the interface can count");
@@ -207,16 +208,16 @@ inline fmx::uint32 size32(size_t size) {
     return static_cast<fmx::uint32>(size);
 }
 
-// Throws when a buffer that is needed is missing.
+// Throws std::invalid_argument when [buffer] is null but [size] is not 0.
 inline void requireBuffer(const void* buffer, size_t size) {
     if (buffer == nullptr && size > 0) {
         throw std::invalid_argument("a call without its buffer");
     }
 }
 
-// Sets a number and its precision; what stands further behind the point is rounded away.
+// Sets a number, rounded to [precision] digits after the point.
 void assign(FixPtObject& result, const Number& value, int precision);
-// Sets a number that keeps all of its own places.
+// Sets a number and its precision to all digits that it has after the point.
 void assign(FixPtObject& result, Number value);
 
 } // namespace host

@@ -19,7 +19,7 @@ struct PendingStreams {
     std::map<uint32_t, PendingStream> streams;
     uint32_t lastNumber = 0;
 
-    // Nothing when the container has no such stream.
+    // Returns the stream with this number; end() when it does not belong to the container or there is none.
     std::map<uint32_t, PendingStream>::iterator find(const void* owner, uint32_t number) {
         const auto stream = streams.find(number);
         return stream != streams.end() && stream->second.owner == owner ? stream : streams.end();

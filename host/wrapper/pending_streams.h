@@ -1,6 +1,6 @@
 #pragma once
 
-// Streams of containers that come in pieces: they are kept here until they are whole.
+// Streams of containers that plug-ins write in pieces; they are kept here until they are complete.
 
 #include "host/values/container.h"
 
@@ -9,17 +9,17 @@
 
 namespace host {
 
-// Begins a stream for a container; answers the number, never 0, by which the calls below name it.
+// Begins a stream for a container; returns the number, never 0, by which the calls below refer to it.
 uint32_t beginStream(const Container& owner, StreamType type);
 
-// Adds bytes to a stream; false, and nothing added, when the container has begun none of that number, and
-// when the stream would be larger than the interface can count.
+// Adds bytes to a stream. Returns false, and adds nothing, when the container has no such pending stream, or
+// when the stream would become larger than 32 bits can count.
 bool appendToStream(const Container& owner, uint32_t number, std::span<const unsigned char> bytes);
 
-// Puts a stream into its container. False when the container has begun none of that number.
+// Puts a stream into its container. Returns false when the container has no such pending stream.
 bool finishStream(Container& owner, uint32_t number);
 
-// Forgets what a container has begun; called when it goes.
+// Discards the pending streams of a container; called when it is deleted.
 void forgetStreams(const void* owner) noexcept;
 
 } // namespace host

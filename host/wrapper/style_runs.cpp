@@ -20,7 +20,7 @@ Face united(Face faces, Face more) {
     return static_cast<Face>(kept | more);
 }
 
-// The bits of [faces] without those in [fewer].
+// Returns the bits of [faces] without those in [fewer].
 Face without(Face faces, Face fewer) {
     return static_cast<Face>(faces & ~fewer);
 }
@@ -104,7 +104,7 @@ CharacterStyleObject StyleRuns::at(size_t position) const {
     return style;
 }
 
-// Makes runs reach to a position and one end there; answers the run that starts there.
+// Splits or extends the runs so that one ends at a position; returns the run that starts there.
 StyleRuns::Runs::iterator StyleRuns::splitAt(size_t position) {
     const size_t end = runs_.empty() ? 0 : runs_.back().end;
     if (position > end) {
@@ -185,7 +185,7 @@ void StyleRuns::append(size_t count, const CharacterStyleObject& style) {
     }
 }
 
-// Takes away what is empty, what equals its neighbour, and what says nothing at the end.
+// Removes empty runs and, at the end, runs without a style; joins neighbours of equal style.
 void StyleRuns::join() {
     Runs kept;
     for (const Run& run : runs_) {

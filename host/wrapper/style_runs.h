@@ -1,6 +1,6 @@
 #pragma once
 
-// How characters look, and the looks of the characters of a text, run by run.
+// Styles of characters, and the styles of a text's characters as runs.
 
 #include "FMWrapper/FMXTextStyle.h"
 
@@ -20,18 +20,18 @@ struct ColorObject {
     friend bool operator==(const ColorObject&, const ColorObject&) = default;
 };
 
-// A style. What is not enabled keeps its value for when it is enabled again.
+// A style. An attribute that is not enabled keeps its value for when it is enabled again.
 struct CharacterStyleObject {
     fmx::FontID font = 0;
     fmx::FontSize size = 0;
     ColorObject color;
-    fmx::Face faces = 0;       // those that are set
-    fmx::Face statedFaces = 0; // those that the style says something about, set or not
+    fmx::Face faces = 0;       // the faces that are set
+    fmx::Face statedFaces = 0; // the faces that the style sets or clears
     bool hasFont = false;
     bool hasSize = false;
     bool hasColor = false;
 
-    // The style of text that was given none: font 0, 12 points, plain, black.
+    // Returns the style of text that has none of its own: font 0, 12 points, plain, black.
     static CharacterStyleObject standard();
 
     bool saysNothing() const { return !hasFont && !hasSize && !hasColor && statedFaces == 0; }
@@ -41,38 +41,39 @@ struct CharacterStyleObject {
     void dropFaces(fmx::Face fewer);
     bool hasFaces(fmx::Face wanted) const;
 
-    // Takes over what another style says.
+    // Takes over every attribute that the other style has enabled.
     void overlay(const CharacterStyleObject& other);
-    // Forgets what another style says in the same way.
+    // Disables every attribute that the other style has enabled with the same value.
     void forget(const CharacterStyleObject& other);
 
     friend bool operator==(const CharacterStyleObject& left, const CharacterStyleObject& right);
 };
 
-// The styles of a text's characters. Runs lie one behind the other from the start of the text; characters
-// behind the last run have no style of their own, so that plain text has no runs at all. Positions and counts
-// are of UTF-16 units and lie within the text.
+// The styles of a text's characters. Runs follow each other from the start of the text; characters after the
+// last run have no style of their own, so that plain text has no runs at all. Positions and counts are in
+// UTF-16 units and must lie within the text.
 class StyleRuns {
   public:
     bool isEmpty() const { return runs_.empty(); }
     void clear() { runs_.clear(); }
 
-    // The style of a character: the standard one, with what was given to it.
+    // Returns the style of a character: the standard style overlaid with its own.
     CharacterStyleObject at(size_t position) const;
 
-    // Gives a style to characters; takes one away from all.
+    // Overlays a range of characters with a style.
     void apply(const CharacterStyleObject& style, size_t position, size_t count);
+    // Removes a style's attributes from all characters (CharacterStyleObject::forget).
     void forget(const CharacterStyleObject& style);
 
-    // The styles of a range alone.
+    // Returns the styles of a range.
     StyleRuns part(size_t position, size_t count) const;
-    // Makes room for [count] characters that have the styles of [inserted].
+    // Inserts the styles of [count] characters.
     void insert(size_t position, const StyleRuns& inserted, size_t count);
     void erase(size_t position, size_t count);
 
   private:
     struct Run {
-        size_t end; // where the run behind it starts
+        size_t end; // the position where the next run starts
         CharacterStyleObject style;
     };
     using Runs = std::vector<Run>;

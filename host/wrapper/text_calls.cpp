@@ -22,20 +22,20 @@ using host::TextObject;
 
 namespace {
 
-// The part of a text that a range names: it ends with the text.
+// Returns the part of a text in a range, which is cut at the text's end.
 std::u16string_view rangeOf(const TextObject& text, uint32 position, uint32 size) {
     return std::u16string_view(text.characters)
         .substr(std::min<size_t>(position, text.characters.size()), size);
 }
 
-// A part of a text, with its styles.
+// Returns a part of a text with its styles.
 TextObject partOf(const TextObject& text, uint32 position, uint32 size) {
     const std::u16string_view range = rangeOf(text, position, size);
     return {std::u16string(range),
             text.styles.part(static_cast<size_t>(range.data() - text.characters.data()), range.size())};
 }
 
-// Gives the object other characters, which have no style.
+// Replaces the object's text by characters without a style.
 void assign(void* object, std::u16string characters) {
     self<Text>(object) = TextObject{std::move(characters), {}};
 }
@@ -85,7 +85,8 @@ size_t unitsBeforeZero(const uint16* units) {
     return length;
 }
 
-// What one character becomes may be longer or shorter: its style stays with it.
+// Changes the letters of a text by [change]. One character may become several, or the other way round; they
+// keep its style.
 void changeLetters(const void* object, std::u16string (*change)(std::u16string_view)) {
     auto& [characters, styles] = self<Text>(const_cast<void*>(object)); // NOLINT: see the two calls
     std::u16string changed = change(characters);
@@ -243,7 +244,7 @@ uint32 FM_Text_FindPrevIgnoringCase(const void* object, const Text& wanted, uint
     });
 }
 
-// The interface declares these two for texts that are not to be changed, and means the change.
+// The interface declares these two as const, although they change the text.
 void FM_Text_Uppercase(const void* object, _fmxcpt& block) noexcept {
     guarded(block, [&] { changeLetters(object, host::toUpper); });
 }

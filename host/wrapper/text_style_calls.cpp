@@ -19,7 +19,7 @@ using host::self;
 
 namespace {
 
-// A channel brought up to 16 bits, so that the largest becomes the largest.
+// Returns a colour channel in 16 bits: 0xFF becomes 0xFFFF.
 ColorChannel16 upsampled(ColorChannel channel) {
     return static_cast<ColorChannel16>(channel * 0x101);
 }

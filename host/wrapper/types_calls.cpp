@@ -17,7 +17,7 @@ using host::StreamType;
 
 namespace {
 
-// Throws for an index that is not 0 to 3.
+// Returns one of the four characters. Throws std::out_of_range for an index that is not 0 to 3.
 uchar characterAt(const void* object, int32 index) {
     return static_cast<uchar>(self<QuadChar>(object).characters.at(static_cast<size_t>(index)));
 }

@@ -16,7 +16,7 @@ using host::self;
 
 namespace {
 
-// Throws for an index that is not below the size.
+// Returns the value at an index. Throws std::out_of_range when there is none.
 const DataObject& valueAt(const void* object, uint32 index) {
     return *self<DataVect>(object).values.at(index);
 }
