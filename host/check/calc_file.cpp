@@ -76,7 +76,7 @@ class CalcTestParser {
     }
 
     bool isMarkdown_;
-    bool isInside_; // of what counts
+    bool isInside_; // of a block that is read
     bool isOpen_ = false;
     bool isContinued_ = false;
     int line_ = 0;

@@ -1,14 +1,14 @@
 #pragma once
 
-// Calculation tests: files of calculations, each with a line that says what it must give.
+// Files of calculation tests: calculations, each followed by a line with what it must give.
 //
-//     1 + 1                  a calculation; a backslash at the end of the line goes on in the next one
+//     1 + 1                  a calculation; a backslash at the end of a line continues it on the next
 //     = 2                    the whole result; ¶ stands for a return, nothing for empty
-//     ~ \d+                  or: a pattern that the whole result matches
+//     ~ \d+                  or: a regular expression that the whole result matches
 //     ! is called            or: a part of the error message
 //     # a comment
 //
-// In a Markdown file (.md) only the blocks that are fenced as calc count.
+// In a Markdown file (.md) only the blocks that are fenced as calc are read.
 
 #include <string>
 #include <vector>
@@ -24,7 +24,7 @@ struct CalcCheck {
     std::string expected;
 };
 
-// What is wrong with the form of a test file: a line without its check, a check without its calculation.
+// An error in the form of a test file: a calculation without a check, or a check without a calculation.
 struct CalcTestFault {
     int line;
     std::string message;
@@ -35,7 +35,7 @@ struct CalcTestFile {
     std::vector<CalcTestFault> faults;
 };
 
-// Reads the text of a test file; [isMarkdown] as described above.
+// Parses the text of a test file, which is Markdown when [isMarkdown].
 CalcTestFile parseCalcTest(std::string_view text, bool isMarkdown);
 
 } // namespace host

@@ -12,14 +12,15 @@ namespace host {
 
 namespace {
 
-// Where the word at [offset] ends; one character on where there is no word, and at the end of the text there.
+// Returns the end of the word at [offset]; one character further when there is no word, but at most the end
+// of the text.
 size_t endOfWord(const SourcePtr& source, size_t offset) {
     try {
         const Token token = Lexer(source, offset).next();
         if (token.begin == offset && token.end > offset) {
             return token.end;
         }
-    } catch (const CalcError&) { // an open text, a character that fits nowhere: the character alone
+    } catch (const CalcError&) { // an open text or an unexpected character: only that character
     }
     return std::min(offset + 1, source->text().size());
 }

@@ -1,7 +1,7 @@
 #pragma once
 
-// Reads scripts, custom functions and files of calculations without running them, and tells everything that is
-// wrong: for `fmhost check`, and for editors.
+// Checks scripts, custom functions and files of calculations without running them, and reports everything
+// that is wrong: for `fmhost check`, and for editors.
 
 #include "host/calc/external_function.h"
 #include "host/calc/source.h"
@@ -16,7 +16,7 @@ namespace host {
 
 enum class Severity : uint8_t { error, warning };
 
-// Something that is wrong at a place of a file.
+// Something that is wrong in a file, and where.
 struct Diagnostic {
     std::string file; // the name of the source
     Place begin;      // of what is wrong, half open; lines and columns (code points) count from 1
@@ -35,17 +35,18 @@ enum class FileKind : uint8_t {
     customFunctions, // .fmfn
 };
 
-// Tells it by the file's ending; nothing for other endings.
+// Returns the kind of a file by its extension; nothing for any other extension.
 std::optional<FileKind> fileKind(const std::filesystem::path& file);
 
-// What files may use besides the language itself: what plug-ins have registered, custom functions.
+// The names that files may use besides those of the language: those that plug-ins have registered, and custom
+// functions.
 struct Vocabulary {
     const FunctionRegistry& functions;
     const StepRegistry& steps;
 };
 
-// Reads a text and answers what is wrong, in the order of places. A calculation that a test expects to fail is
-// not looked at.
+// Checks a text and returns what is wrong with it, in the order of the text. A calculation that a test
+// expects to fail is not checked.
 std::vector<Diagnostic> check(const SourcePtr& text, FileKind kind, const Vocabulary& known);
 
 } // namespace host

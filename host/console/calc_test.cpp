@@ -16,7 +16,7 @@ namespace host {
 
 namespace {
 
-// True when [pattern] matches the whole of [text]; nothing when the pattern is none.
+// Whether [pattern] matches the whole of [text]; nothing when it is no valid regular expression.
 std::optional<bool> matches(const std::string& pattern, const std::string& text) {
     const std::u16string expression = fromUtf8(pattern);
     const std::u16string subject = fromUtf8(text);
@@ -33,7 +33,7 @@ bool isDigit(char16_t c) {
     return c >= u'0' && c <= u'9';
 }
 
-// What a calculation gave: a result, or an error.
+// The outcome of a calculation: the text of its result or error.
 struct Outcome {
     std::string text;
     bool isError;
@@ -74,7 +74,8 @@ std::string expectation(const CalcCheck& check) {
     return {};
 }
 
-// Two results one below the other, with a mark where they begin to differ; long ones are cut around it.
+// Returns two results one below the other, with a mark where they begin to differ. Long ones are cut around
+// it.
 std::string difference(const std::string& expected, const std::string& got) {
     const std::u16string wanted = fromUtf8(expected);
     const std::u16string come = fromUtf8(got);

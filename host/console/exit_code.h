@@ -7,8 +7,8 @@ namespace host {
 enum class ExitCode : int {
     ok = 0,
     failure = 1, // an evaluation, a script or a test failed
-    usage = 2,   // wrong options, or a file that can not be read
-    parse = 3,   // a calculation or a script that can not be understood
+    usage = 2,   // wrong options, or a file that cannot be read
+    parse = 3,   // a calculation or a script that cannot be parsed
     load = 4,    // the plug-in could not be loaded, refused to run, or registered what it must not
 };
 

@@ -16,13 +16,13 @@ namespace host {
 
 namespace {
 
-// A line of the list, of whatever kind.
+// A row of the list: a function, a step, or a name in Get ( ).
 struct Row {
     std::string kind; // function, step, get
     std::string name;
     std::string prototype;
     std::string description;
-    std::string category; // the plug-in's identifier for what a plug-in registered
+    std::string category; // for functions and steps of a plug-in, its identifier
     std::string range;    // of arguments
     nlohmann::ordered_json more;
 };
@@ -91,7 +91,7 @@ Row rowOf(const GetRow& get) {
             {{"description", description}, {"category", "Get"}}};
 }
 
-// Category by category, in each by name.
+// Returns the rows of the language, by category and name.
 std::vector<Row> languageRows() {
     std::vector<Row> rows;
     std::string_view category;
@@ -116,7 +116,8 @@ bool contains(const std::string& text, const std::u16string& foldedWord) {
     return foldCase(fromUtf8(text)).find(foldedWord) != std::u16string::npos;
 }
 
-// With a heading for each category; descriptions of the language's functions only where they were searched.
+// Prints the rows with a heading for each category. Descriptions of the language's functions are printed only
+// when [withDescriptions].
 void printTable(const std::vector<Row>& rows, bool withDescriptions) {
     std::string category;
     for (const Row& row : rows) {

@@ -1,6 +1,6 @@
 #pragma once
 
-// Lists of functions on the terminal: the plug-in's and the language's, by category, or found by a word.
+// Lists of functions on the terminal: those of the plug-in and of the language, by category or by a word.
 
 #include "host/console/exit_code.h"
 #include "host/console/host.h"
@@ -13,16 +13,16 @@ namespace host {
 
 // Which functions `fmhost functions` shows, and how.
 struct FunctionQuery {
-    bool all = false;    // the language's too, by category
-    bool asJson = false; // with all that is known of each
-    std::string word;    // only those whose name or description has it, the language's too
+    bool all = false;    // also those of the language, by category
+    bool asJson = false; // as JSON, with all details
+    std::string word;    // only those with it in their name or description, also those of the language
 };
 
-// Prints the functions, and the plug-in's script steps. A word that none has is an error.
+// Prints the functions, and the plug-in's script steps. When no function has the word, that is an error.
 ExitCode listFunctions(const Host& host, const FunctionQuery& query);
 
-// What is known of a function or a Get name of the language: prototypes, what it is for, its category;
-// nothing for a name that there is not. Letter case does not count.
+// Returns a description of a function, or of a name in Get ( ), of the language: prototypes, purpose,
+// category. Nothing for an unknown name. Letter case is ignored.
 std::optional<std::string> functionSheet(std::u16string_view name);
 
 } // namespace host

@@ -26,7 +26,8 @@ fs::path defaultPlugin() {
 
 namespace {
 
-// The plug-in holds the program's thread, or the program ends: what is left is to say so.
+// Prints a message and ends the program at once: the plug-in blocks the main thread, or the program is
+// exiting.
 [[noreturn]] void endProgram(const std::string& message) {
     const std::string line = "fmhost: " + message + "\n";
     [[maybe_unused]] const ssize_t written = write(STDERR_FILENO, line.data(), line.size());
@@ -54,7 +55,7 @@ Host::Host(const HostOptions& options)
     printWarnings();
 }
 
-// What the Get functions tell about the folder and the plug-in.
+// Fills in what the Get functions return about the folder and the plug-in.
 void Host::describeEnvironment(const HostOptions& options) {
     Environment& environment = session_.environment();
     std::error_code error;
@@ -118,8 +119,8 @@ void Host::runStarted(const ScriptQueue::Request& request) {
     startedScriptFailed_ = true;
 }
 
-// A paused script leaves the host to the plug-ins, and to the scripts that they start. One of these that runs
-// longer than the pause makes it longer.
+// While a script is paused, plug-ins get idle messages and the scripts that they start run. A script that is
+// still running when the pause is over prolongs it.
 void Host::paused(std::chrono::duration<double> time) {
     using Clock = std::chrono::steady_clock;
     constexpr auto kInterval = std::chrono::milliseconds(50);
@@ -143,7 +144,7 @@ void Host::beep() {
     }
 }
 
-// A step as it stands in the script, the value below it.
+// Prints a step as it is written in the script, and its value below it.
 void Host::evaluated(const Script& script, const Step& step, const Value& result) {
     if (trace_) {
         const std::string value = oneLine(result);

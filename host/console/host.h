@@ -1,6 +1,6 @@
 #pragma once
 
-// The host put together: a session, its scripts, the plug-in.
+// The host as a whole: a session, its scripts, the plug-in.
 
 #include "host/calc/session.h"
 #include "host/loader/plugin_host.h"
@@ -12,14 +12,15 @@
 namespace host {
 
 struct HostOptions {
-    std::optional<std::filesystem::path> plugin; // none: the language alone
+    std::optional<std::filesystem::path> plugin; // none: only the language
     int hostVersion = kHostVersion;
     std::chrono::seconds limit = LoadOptions().limit; // for the plug-in's start-up and shut-down; 0: none
-    std::filesystem::path scripts = ".";              // the database file: a folder of scripts
+    std::filesystem::path scripts = ".";              // the folder of scripts, which is the database file
     bool trace = false;                               // print the steps of scripts
 };
 
-// The plug-in that --plugin, then $FMHOST_PLUGIN, then the place beside this program names.
+// Returns the plug-in to use when --plugin does not name one: that of $FMHOST_PLUGIN, else the one installed
+// with this program.
 std::filesystem::path defaultPlugin();
 
 class Host : private ScriptListener {
@@ -27,7 +28,7 @@ class Host : private ScriptListener {
     // Loads the plug-in. Throws LoadError.
     explicit Host(const HostOptions& options);
 
-    // Shuts the plug-in down; what was printed before is out by then.
+    // Shuts the plug-in down, after flushing the output.
     ~Host() override;
 
     Session& session() { return session_; }
@@ -35,17 +36,17 @@ class Host : private ScriptListener {
     std::vector<FunctionInfo> functions() const { return plugins_.functions(); }
     std::vector<StepInfo> steps() const { return plugins_.steps(); }
 
-    // Whether the plug-in wanted to register what it must not; standard error says what.
+    // Whether anything that the plug-in tried to register was refused; standard error says what.
     bool hasRefused() const { return plugins_.hasRefused(); }
 
-    // What is known of the plug-in; null when there is none.
+    // Returns data of the plug-in; null when there is none.
     const PluginInfo* plugin() const { return plugin_; }
 
-    // Runs a script and answers its result. Throws CalcError, FileError.
+    // Runs a script and returns its result. Throws CalcError, FileError.
     Value run(const std::filesystem::path& script, Value parameter);
 
-    // Between two calculations or scripts: the plug-in's idle time, then the scripts that it has started.
-    // Their errors go to standard error. Answers whether a script ran.
+    // To be called between calculations or scripts: sends the plug-in the idle message, then runs the scripts
+    // that it has started, whose errors are written to standard error. Returns whether a script ran.
     bool idle() { return idle(IdleLevel::userIdle); }
 
     // Whether a script that the plug-in has started failed.

@@ -1,7 +1,7 @@
 #pragma once
 
-// Puts lines together to calculations: one line each, except that a line which ends too early goes on in the
-// next one.
+// Combines lines into calculations. Each line is a calculation, but an incomplete one continues on the next
+// line.
 
 #include "host/calc/ast.h"
 
@@ -14,22 +14,23 @@ namespace host {
 
 class InputReader {
   public:
-    // [name] is what errors call the input, with lines counted from its start; empty for calculations typed
-    // by hand, each of which starts at line 1.
+    // [name] is the input's name in errors, whose line numbers then count from its start; empty for
+    // calculations typed by hand, each of which starts at line 1.
     InputReader(const FunctionRegistry& functions, std::string name)
         : functions_(functions), name_(std::move(name)) {}
 
-    // Takes a line without its end. Answers a calculation when it is complete; nothing while more is needed,
-    // and for a line that holds no calculation. Throws CalcError (syntax) and forgets the lines.
+    // Adds a line, without its line end. Returns the calculation when it is complete; nothing while more
+    // lines are needed, and for a line without a calculation. Throws CalcError (syntax), and then discards
+    // the lines.
     std::optional<Calculation> addLine(std::string_view line);
 
-    // The end of the input: throws CalcError when a calculation is open.
+    // Ends the input. Throws CalcError when a calculation is incomplete.
     void finish();
 
-    // True while a calculation is open.
+    // Whether a calculation is incomplete.
     bool isOpen() const { return open_; }
 
-    // Forgets the open calculation.
+    // Discards the incomplete calculation.
     void clear();
 
   private:

@@ -14,7 +14,7 @@ namespace {
 
 using namespace host;
 
-// What the options say, before anything is done about it.
+// The options as given on the command line.
 struct CommandLine {
     std::string plugin;
     bool noPlugin = false;
@@ -157,7 +157,7 @@ ExitCode runOnHost(Host& host, const CLI::App& app, const CommandLine& line) {
     return evaluateAll(host, {"-"});
 }
 
-// Answers false for a locale that there is not.
+// Sets the formats of a locale; returns false for an unknown locale.
 bool useLocale(const std::string& name) {
     const std::optional<Formats> formats = name.empty() ? Formats() : formatsOf(name);
     if (formats) {

@@ -44,8 +44,8 @@ void onInterrupt(int /*signal*/) {
     }
 }
 
-// The folder is made when it is missing; nothing when that is impossible, and the history then lasts as long
-// as the prompt.
+// Returns the file of the history, and makes its folder when it is missing; an empty path when that fails,
+// and the history is then not kept.
 fs::path historyFile() {
     const char* state = std::getenv("XDG_STATE_HOME");
     const char* home = std::getenv("HOME");
@@ -97,8 +97,9 @@ class Prompt {
             int size = 0;
             gInterrupted = 0;
             host_.session().interruptFlag() =
-                false; // Ctrl-C stops what it met, not the script that comes next
-            // Raw before the prompt shows: a Ctrl-D typed at once would else be the terminal's, and be lost.
+                false; // Ctrl-C stops what was running, not the next script
+            // Sets raw mode before the prompt shows; otherwise the terminal would swallow a Ctrl-D typed at
+            // once.
             el_set(line_.get(), EL_PREP_TERM, 1);
             const char* text = el_gets(line_.get(), &size);
             if (gInterrupted != 0) {
@@ -123,7 +124,7 @@ class Prompt {
         return static_cast<Prompt*>(self)->reader_.isOpen() ? open : ready;
     }
 
-    // Waits for a character in the locale's encoding; meanwhile the host is idle.
+    // Waits for a character in the locale's encoding; meanwhile runs the host's idle work.
     static int readCharacter(EditLine* line, wchar_t* result) {
         void* self = nullptr;
         el_get(line, EL_CLIENTDATA, &self);
@@ -136,7 +137,7 @@ class Prompt {
             }
             if (ready <= 0) {
                 if (static_cast<Prompt*>(self)->host_.idle()) {
-                    el_set(line, EL_REFRESH); // a script may have written over the line
+                    el_set(line, EL_REFRESH); // a script may have overwritten the line
                 }
                 continue;
             }
@@ -146,14 +147,14 @@ class Prompt {
             }
             const size_t used = std::mbrtowc(result, &byte, 1, &state);
             if (used == static_cast<size_t>(-1)) {
-                state = {}; // no character of the locale: left out
+                state = {}; // bytes that are no character in the locale are ignored
             } else if (used != static_cast<size_t>(-2)) {
                 return 1;
             }
         }
     }
 
-    // One line of input; false to leave.
+    // Handles one line of input; returns false to leave the prompt.
     bool take(std::string text) {
         while (text.ends_with('\n') || text.ends_with('\r')) {
             text.pop_back();
@@ -205,11 +206,11 @@ class Prompt {
 
 ExitCode runPrompt(Host& host) {
     if (std::setlocale(LC_CTYPE, "") == nullptr || MB_CUR_MAX == 1) {
-        std::setlocale(LC_CTYPE, "C.UTF-8"); // calculations are Unicode, whatever the environment says
+        std::setlocale(LC_CTYPE, "C.UTF-8"); // calculations are Unicode, whatever the environment's locale
     }
     gStop = &host.session().interruptFlag();
     struct sigaction action{};
-    action.sa_handler = onInterrupt; // without SA_RESTART: a waiting read comes back
+    action.sa_handler = onInterrupt; // without SA_RESTART, so that a blocked read returns
     sigaction(SIGINT, &action, nullptr);
     Prompt(host).run();
     return ExitCode::ok;

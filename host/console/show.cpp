@@ -8,7 +8,7 @@ namespace host {
 
 namespace {
 
-// Four characters; what is not printable ASCII is shown as a question mark.
+// Returns the four characters of a type, with question marks for those that are not printable ASCII.
 std::string typeName(StreamType type) {
     std::string name(type.characters.begin(), type.characters.end());
     std::replace_if(name.begin(), name.end(), [](char c) { return c < ' ' || c > '~'; }, '?');
@@ -36,7 +36,7 @@ std::string summary(const Container& container) {
     return "[container: " + result + "]";
 }
 
-// The text of [value] with every line end replaced.
+// Returns the text of [value] with [lineEnd] for every line end.
 std::string shown(const Value& value, std::string_view lineEnd) {
     std::string result;
     const std::string text =

@@ -1,7 +1,7 @@
 #pragma once
 
-// How values and errors look in a terminal. What is printed is always UTF-8: half of a surrogate pair is
-// shown as U+FFFD, U+0000 as its symbol U+2400.
+// Values as text for a terminal. The text is always valid UTF-8: half of a surrogate pair is shown as U+FFFD,
+// U+0000 as its symbol U+2400.
 
 #include "host/values/value.h"
 
@@ -9,11 +9,11 @@
 
 namespace host {
 
-// The value in UTF-8 on one line: a return and a line feed are shown as a paragraph mark. A container is
-// shown as its name, its size and its streams: [container: "a.png", 20 x 10, PNGf 312 bytes].
+// Returns the value on one line: carriage returns and line feeds are shown as paragraph marks. A container is
+// shown by its name, size and streams: [container: "a.png", 20 x 10, PNGf 312 bytes].
 std::string oneLine(const Value& value);
 
-// The value in UTF-8 with line feeds for its returns.
+// Returns the value with line feeds for its carriage returns.
 std::string severalLines(const Value& value);
 
 } // namespace host

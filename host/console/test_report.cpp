@@ -17,8 +17,8 @@ std::string place(const TestSuite& suite, int line) {
     return line == 0 ? suite.file : suite.file + ":" + std::to_string(line);
 }
 
-// Control characters other than those of white space are not in XML, not even escaped; neither are U+FFFE
-// and U+FFFF.
+// Returns a text without the characters that XML cannot have, not even escaped: control characters other than
+// white space become their symbols; U+FFFE and U+FFFF are replaced.
 std::string xmlText(const std::string& text) {
     std::string result;
     for (size_t i = 0; i < text.size(); ++i) {
@@ -36,7 +36,7 @@ std::string xmlText(const std::string& text) {
     return result;
 }
 
-// Writes one document into memory; the library escapes.
+// Writes an XML document into memory. libxml2 does the escaping.
 class XmlWriter {
   public:
     XmlWriter()
@@ -97,7 +97,7 @@ std::string firstLine(const std::string& text) {
     return text.substr(0, text.find('\n'));
 }
 
-// The name of a check in lists: its line and what it evaluates.
+// Returns the name of a check in lists: its line and its calculation.
 std::string caseName(const CheckResult& result) {
     return result.text.empty() ? "line " + std::to_string(result.line)
                                : "line " + std::to_string(result.line) + ": " + result.text;
@@ -169,8 +169,8 @@ size_t TestReport::failed() const {
 }
 
 void TestReport::printSummary() const {
-    std::map<std::string, int> runs;                       // of each file
-    std::map<std::pair<std::string, int>, int> failuresOf; // of each place
+    std::map<std::string, int> runs;                       // by file
+    std::map<std::pair<std::string, int>, int> failuresOf; // by file and line
     for (const TestSuite& suite : suites_) {
         ++runs[suite.file];
         for (const CheckResult& result : suite.results) {

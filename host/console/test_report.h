@@ -1,6 +1,6 @@
 #pragma once
 
-// What the tests of `fmhost test` came to: lines on the terminal as they fail, the summary, the JUnit report.
+// The report of `fmhost test`: failures on the terminal as they occur, the summary, and the JUnit report.
 
 #include "host/console/calc_test.h"
 
@@ -22,21 +22,23 @@ struct TestSuite {
 
 class TestReport {
   public:
-    // Each failure is printed to [out] as it comes.
+    // Prints each failure to [out] when it is added.
     explicit TestReport(std::ostream& out) : out_(out) {}
 
-    // The results that follow belong to that file, in its run of that number, from 1.
+    // Begins a run of a file; the results added next belong to it. Runs of a file are counted from 1.
     void startSuite(const std::string& file, int run);
     void add(CheckResult result);
 
     size_t passed() const;
     size_t failed() const;
 
-    // One line of counts; before it, where several runs were made, how many of them each failing check failed.
+    // Prints one line of counts. When files were run several times, first prints how many times each failing
+    // check failed.
     void printSummary() const;
 
-    // The report that continuous integration reads: a test suite for each run of a file, a test case for each
-    // check. XML in UTF-8; characters that XML does not have are shown as their symbols.
+    // Returns the report in the JUnit format, for continuous integration: a test suite for each run of a
+    // file, a test case for each check. XML in UTF-8; control characters that XML cannot have become their
+    // symbols.
     std::string junit() const;
 
   private:

@@ -28,7 +28,7 @@ void runFile(const HostOptions& options, const std::string& file, const CheckFil
     }
 }
 
-// In this process: straight into the report.
+// Adds results to the report directly, for a run in this process.
 class DirectListener : public CheckListener {
   public:
     explicit DirectListener(TestReport& report) : report_(report) {}
@@ -39,7 +39,7 @@ class DirectListener : public CheckListener {
     TestReport& report_;
 };
 
-// In a process of its own: a line of JSON into a pipe for everything that happens.
+// Writes a line of JSON into a pipe for each event, for a run in a process of its own.
 class PipeListener : public CheckListener {
   public:
     explicit PipeListener(int pipe) : pipe_(pipe) {}
@@ -64,7 +64,7 @@ class PipeListener : public CheckListener {
         for (size_t sent = 0; sent < line.size();) {
             const ssize_t count = write(pipe_, line.data() + sent, line.size() - sent);
             if (count < 0 && errno != EINTR) {
-                _exit(1); // nobody listens any more
+                _exit(1); // the reading process has ended
             }
             sent += count > 0 ? static_cast<size_t>(count) : 0;
         }
@@ -73,7 +73,7 @@ class PipeListener : public CheckListener {
     int pipe_;
 };
 
-// What the other process tells, taken into the report.
+// Reads what PipeListener wrote, and adds it to the report.
 class Receiver {
   public:
     explicit Receiver(TestReport& report) : report_(report) {}
@@ -93,7 +93,8 @@ class Receiver {
         }
     }
 
-    // Once the process is gone: throws what it could not do, and reports that it ended early.
+    // To be called when the process has ended. Throws the error that ended it, and reports a check in which
+    // it ended early.
     void close(int status) {
         if (error_ == ExitCode::load) {
             throw LoadError(message_);
@@ -103,7 +104,7 @@ class Receiver {
         }
         if (!isFinished_) {
             CheckResult result = current_.value_or(CheckResult());
-            result.failure = result.text.empty() ? "" : "  "; // below the calculation
+            result.failure = result.text.empty() ? "" : "  "; // indented below the calculation
             result.failure += "the host ended early";
             result.failure += WIFSIGNALED(status) ? std::string(": ") + strsignal(WTERMSIG(status)) : "";
             report_.add(std::move(result));
@@ -112,7 +113,7 @@ class Receiver {
 
   private:
     TestReport& report_;
-    std::optional<CheckResult> current_; // being evaluated
+    std::optional<CheckResult> current_; // the check that is being evaluated
     ExitCode error_ = ExitCode::ok;
     std::string message_;
     bool isFinished_ = false;
@@ -133,7 +134,8 @@ class Receiver {
     _exit(0);
 }
 
-// A plug-in keeps its state for as long as its process lives, and one file must not see what another one left.
+// Runs a file in a process of its own. A plug-in keeps its state as long as its process lives, and no file
+// may depend on the state that another one left.
 void runFileApart(const HostOptions& options, const std::string& file, const CheckFilter& filter,
                   TestReport& report) {
     int ends[2];
@@ -172,7 +174,7 @@ void runFileApart(const HostOptions& options, const std::string& file, const Che
     receiver.close(status);
 }
 
-// The report, whole or not at all: a file that is there is replaced once the new one is written.
+// Writes the report atomically: an existing file is replaced when the new one is complete.
 void writeReport(const fs::path& file, const std::string& report) {
     std::error_code error;
     const bool isSpecial = fs::exists(file, error) && !fs::is_regular_file(file, error); // /dev/stdout

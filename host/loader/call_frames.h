@@ -1,7 +1,7 @@
 #pragma once
 
-// The host objects that a call needs, kept for the next call: making them anew would cost more than the call
-// itself.
+// The host objects that a call into a plug-in needs. They are reused for the next call, as making them would
+// take longer than the call itself.
 
 #include "host/loader/conversion.h"
 
@@ -12,14 +12,15 @@
 
 namespace host {
 
+// The objects of one call.
 struct CallFrame {
     fmx::ExprEnvUniquePtr environment;
     fmx::DataVectUniquePtr arguments;
-    fmx::DataUniquePtr argument; // what is put into [arguments] next
+    fmx::DataUniquePtr argument; // the value that is appended to [arguments] next
     fmx::DataUniquePtr result;
     ConversionTools tools;
 
-    // Lets go of the values of a call.
+    // Clears the values of a call.
     void release() {
         arguments->Clear();
         argument->Clear(fmx::Data::kDTText);
@@ -27,10 +28,10 @@ struct CallFrame {
     }
 };
 
-// Calls may be inside each other: each takes a frame of its own. One thread uses it.
+// The frames of a host. Nested calls each take a frame of their own. Not thread-safe.
 class CallFrames {
   public:
-    // A frame for as long as it lives; empty at first.
+    // Takes a frame, whose values are cleared, and gives it back when destroyed.
     class Lease {
       public:
         explicit Lease(CallFrames& frames) : frames_(frames) {
@@ -42,7 +43,7 @@ class CallFrames {
                 frames_.free_.pop_back();
             }
         }
-        // Never allocates: the constructor has made room.
+        // Does not allocate: the constructor has reserved the memory.
         ~Lease() { frames_.free_.push_back(std::move(frame_)); }
         Lease(const Lease&) = delete;
         Lease& operator=(const Lease&) = delete;

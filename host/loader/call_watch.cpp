@@ -13,11 +13,11 @@ namespace {
 constexpr std::array kCrashes = {SIGSEGV, SIGBUS, SIGILL, SIGFPE, SIGABRT, SIGTRAP, SIGSYS};
 constexpr size_t kSignalStackBytes = size_t{64} << 10;
 
-// What a signal handler needs, ready to be used as it stands.
+// The signal handler's data, prepared so that it need not allocate.
 std::string crashMessage; // without the signal and the end of the line
 std::array<struct sigaction, kCrashes.size()> formerActions;
 
-// What the exit of the program needs.
+// Called when the program exits during a watched call; empty when there is none.
 std::function<void()> exitDuringCall;
 
 void write(const char* text) {
@@ -26,7 +26,7 @@ void write(const char* text) {
 
 void crashed(int signal, siginfo_t* info, void* context);
 
-// What the plug-in has set itself stays.
+// Restores the former signal handlers, but leaves those that the plug-in has set.
 void restoreActions() {
     for (size_t i = 0; i < kCrashes.size(); ++i) {
         struct sigaction now{};
@@ -37,7 +37,7 @@ void restoreActions() {
     }
 }
 
-// Only calls what a signal handler may.
+// The signal handler. Calls only async-signal-safe functions.
 void crashed(int signal, siginfo_t* info, void* /*context*/) {
     write(crashMessage.c_str());
     const char* name = sigdescr_np(signal);
@@ -45,7 +45,7 @@ void crashed(int signal, siginfo_t* info, void* /*context*/) {
     write("\n");
     restoreActions();
     if (info->si_code <= 0) {
-        raise(signal); // it was sent, and would not come again by itself
+        raise(signal); // the signal was sent by a process, and would not occur again by itself
     }
 }
 

@@ -1,6 +1,6 @@
 #pragma once
 
-// Watches a call into a plug-in that may not come back: says which plug-in it was.
+// Watches a call into a plug-in that may never return, so that the user learns which plug-in it was.
 
 #include <chrono>
 #include <condition_variable>
@@ -13,19 +13,20 @@
 
 namespace host {
 
-// Gets one line that names the plug-in and says what became of it, and ends the program: nothing else can be
-// done any more. It runs on a thread of its own while the plug-in hangs, or at the program's exit.
+// Called when a watched call hangs or exits the program, with one line that names the plug-in and says which.
+// Must end the program, as there is no way to go on. Runs on a thread of its own while the plug-in hangs, or
+// at the program's exit.
 using FatalHandler = std::function<void(const std::string& message)>;
 
-// While one lives, on the thread that made it,
+// Watches from its construction to its destruction, on one thread:
 // - a signal by which the program crashes (such as SIGSEGV or SIGABRT, on any thread) first writes a line to
-//   standard error, then takes the course that it would have taken: a core dump, a sanitizer's report;
-// - a call that lasts longer than the limit, and one that exits the program, is handed to the handler.
-// One lives at a time.
+//   standard error, and then has its usual effect: a core dump, a sanitizer's report;
+// - the handler is called when the limit is exceeded, and when the program exits meanwhile.
+// There may be only one at a time.
 class CallWatch {
   public:
-    // [plugin] is the plug-in's file, [stage] what it is about ("start-up"). A limit of 0 is none. Without a
-    // handler only crashes are watched.
+    // [plugin] is the plug-in's file, [stage] names the call ("start-up"). 0 as the limit means none. Without
+    // a handler, only crashes are watched.
     CallWatch(const std::string& plugin, const std::string& stage, std::chrono::seconds limit,
               FatalHandler fatal);
     ~CallWatch();
@@ -38,7 +39,7 @@ class CallWatch {
     std::string plugin_;
     std::string stage_;
     FatalHandler fatal_;
-    std::vector<char> signalStack_; // a crash may be a stack that is full
+    std::vector<char> signalStack_; // the handler's own stack, as the crash may be a stack overflow
     stack_t formerSignalStack_{};
 
     std::mutex mutex_;

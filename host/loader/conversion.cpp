@@ -46,7 +46,7 @@ void setContainer(fmx::Data& data, const Container& container) {
     for (const Container::Stream& stream : container) {
         const Bytes& bytes = stream.bytes();
         type->SetMacType(stream.type().code());
-        // The interface takes them as writable, and only reads them.
+        // The interface declares the bytes as writable, but only reads them.
         binary->Add(*type, static_cast<fmx::uint32>(bytes.size()), const_cast<unsigned char*>(bytes.data()));
     }
     data.SetBinaryData(*binary, true);
@@ -66,7 +66,7 @@ void setText(fmx::Text& text, std::u16string_view value) {
                                  static_cast<fmx::uint32>(value.size()));
 }
 
-// Numbers, days and times cross as what they spell, which is exact.
+// Numbers, dates and times are passed as text, which is exact.
 Value valueOf(const fmx::Data& data) {
     switch (data.GetNativeType()) {
     case fmx::Data::kDTText:

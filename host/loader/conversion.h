@@ -1,7 +1,7 @@
 #pragma once
 
-// Values across the plug-in interface, and back. Throws what the interface throws: std::bad_alloc,
-// std::exception.
+// Conversions of values to the plug-in interface's objects and back. They throw what the interface throws:
+// std::bad_alloc, std::exception.
 
 #include "host/values/value.h"
 
@@ -16,13 +16,13 @@ void setText(fmx::Text& text, std::u16string_view value);
 
 Value valueOf(const fmx::Data& data);
 
-// Host objects that setting a value needs on the way; kept, because making one costs more than using it.
+// Objects that setData() uses, kept because making one takes longer than using it.
 struct ConversionTools {
     fmx::TextUniquePtr text;
     fmx::LocaleUniquePtr locale{fmx::Locale::kType_System};
 };
 
-// Makes [data] that value, of the same type.
+// Sets [data] to a value, with the native type of its type.
 void setData(fmx::Data& data, const Value& value, ConversionTools& tools);
 
 } // namespace host

@@ -13,7 +13,8 @@ namespace host {
 
 namespace {
 
-// As much of a file's head as tells what it is for; the fields are where both classes of ELF have them.
+// The beginning of a file, up to the fields of ELF that name the machine; they are in the same place in both
+// classes.
 using Head = std::array<unsigned char, EI_NIDENT + 4>;
 
 Head headOf(const std::filesystem::path& file) {
@@ -32,7 +33,7 @@ constexpr Processor kProcessors[] = {
     {EM_LOONGARCH, "loong"}, {EM_PPC, "ppc"},       {EM_SPARCV9, "sparc"},
 };
 
-// The first bytes of libraries of other systems.
+// Kinds of libraries of other systems, by their first bytes.
 struct Format {
     std::string_view magic;
     std::string_view system;
@@ -49,7 +50,7 @@ bool isElf(const Head& head) {
 }
 
 std::string elfMachine(const Head& head) {
-    const unsigned char* field = head.data() + EI_NIDENT + 2; // behind e_type
+    const unsigned char* field = head.data() + EI_NIDENT + 2; // e_machine, after e_type
     const bool bigEndian = head[EI_DATA] == ELFDATA2MSB;
     const auto machine =
         static_cast<uint16_t>(bigEndian ? field[0] << 8 | field[1] : field[1] << 8 | field[0]);
@@ -88,7 +89,7 @@ bool isCutShort(const std::filesystem::path& file) {
     ElfW(Ehdr) head{};
     if (error || !isElf(headOf(file)) || !stream.read(reinterpret_cast<char*>(&head), sizeof head) ||
         head.e_phentsize != sizeof(ElfW(Phdr)) || !stream.seekg(static_cast<std::streamoff>(head.e_phoff))) {
-        return false; // no library that could be mapped
+        return false; // not a library of this machine
     }
     ElfW(Phdr) segment{};
     for (int i = 0; i < head.e_phnum && stream.read(reinterpret_cast<char*>(&segment), sizeof segment); ++i) {

@@ -1,22 +1,22 @@
 #pragma once
 
-// What machine a library is built for, as its first bytes say, and whether all of it is there.
+// The machine for which a library is built, by its header, and whether the file is complete.
 
 #include <filesystem>
 #include <string>
 
 namespace host {
 
-// The system and processor that a library is for, such as "Linux on arm64 (64 bit)" or "macOS", when these
-// are others than this program's; empty when they are the same, or when the file is no library of a known
+// Returns the system and processor that a library is for, such as "Linux on arm64 (64 bit)" or "macOS", when
+// they differ from this program's; empty when they are the same, or when the file is no library of a known
 // kind.
 std::string foreignMachine(const std::filesystem::path& file);
 
-// This program's own, in the same words.
+// Returns this program's system and processor, as foreignMachine() would word them.
 std::string ownMachine();
 
-// Whether a library for this machine ends before the segments that its header describes, as a copy does that was
-// broken off. dlopen would map it all the same, and crash.
+// Whether a library for this machine ends before the segments that its header lists, as an interrupted copy
+// does. dlopen would map it nevertheless, and crash.
 bool isCutShort(const std::filesystem::path& file);
 
 } // namespace host

@@ -81,8 +81,8 @@ void Plugin::idle(IdleLevel level) {
     }
 }
 
-// A plug-in that answers no proper options is started all the same: most of what is tried out here is not
-// finished.
+// A plug-in without a proper options string is started as well, since plug-ins that are tried out here are
+// often unfinished.
 bool Plugin::asksForStartUp() const {
     return info_.options.size() < kOptionsLength || asksFor(kStartUpOption);
 }
@@ -98,7 +98,7 @@ std::u16string Plugin::string(fmx::uchar which) {
     return buffer;
 }
 
-// Sends a message and answers what stands in the result afterwards.
+// Sends a message, and returns the result field of the message afterwards.
 fmx::ptrtype Plugin::send(fmx::uchar message, fmx::uchar parm1, fmx::ptrtype parm2, fmx::ptrtype parm3,
                           fmx::ptrtype result) {
     call_.whichCall = message;

@@ -1,6 +1,6 @@
 #pragma once
 
-// One plug-in and its messages.
+// One plug-in, and the messages that the host sends it.
 
 #include "host/loader/plugin_info.h"
 #include "host/loader/plugin_library.h"
@@ -12,27 +12,27 @@
 
 namespace host {
 
-// There is one session, with one file.
+// The ids of the one session, and of the one file in it.
 inline constexpr fmx::ptrtype kSession = 1;
 inline constexpr fmx::ptrtype kFile = 1;
 
-// From the library to the end of the plug-in's work. All throw LoadError, also for what the plug-in throws.
+// A loaded plug-in. All functions throw LoadError, also when the plug-in throws an exception.
 class Plugin {
   public:
-    // Loads the library, without a message to the plug-in.
+    // Loads the library, without sending a message to the plug-in.
     Plugin(const std::filesystem::path& file, int hostVersion, FMX_StartScriptCall startScript,
            FMX_CurrentEnvCall currentEnv);
     Plugin(const Plugin&) = delete;
     Plugin& operator=(const Plugin&) = delete;
 
-    // Sends the start-up and asks for the strings. Throws when the plug-in does not want to run.
+    // Asks for the plug-in's strings and sends the start-up message. Throws when the plug-in refuses to run.
     void start();
 
-    // Tells a started plug-in that the file, the session and at last the host come to their end, each if it
-    // asks for such messages.
+    // Sends a started plug-in the messages for the end of the file, of the session and of the host, each if
+    // its options string asks for it.
     void shutDown();
 
-    // Tells a started plug-in that asks for it that the host has time.
+    // Sends a started plug-in the idle message, if its options string asks for it.
     void idle(IdleLevel level);
 
     const PluginInfo& info() const { return info_; }

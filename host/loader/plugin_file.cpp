@@ -17,7 +17,7 @@ constexpr const char* kLibraryEnding = ".fmx";
 constexpr const char* kBundleEnding = ".fmplugin";
 constexpr const char* kBundleFolder = "Contents/Resources/Linux";
 
-// The .fmx files of a folder, and those of the bundles in it.
+// Returns the .fmx files in a folder, and those in its bundles.
 std::vector<fs::path> librariesIn(const fs::path& folder) {
     std::vector<fs::path> result;
     std::error_code error;
@@ -65,7 +65,7 @@ fs::path onlyLibraryOf(const fs::path& folder) {
 
 fs::path pluginFile(const fs::path& path) {
     std::error_code error;
-    // "Some.fmplugin/" is "Some.fmplugin".
+    // "Some.fmplugin/" means "Some.fmplugin".
     const fs::path named = path.has_filename() ? path : path.parent_path();
     const fs::file_status status = fs::status(named, error);
     if (!fs::exists(status)) {

@@ -1,14 +1,14 @@
 #pragma once
 
-// Where the library of a plug-in is.
+// Finding the library of a plug-in.
 
 #include <filesystem>
 
 namespace host {
 
-// The absolute path of the .fmx file that [path] stands for: the file itself; a bundle X.fmplugin with one in
-// Contents/Resources/Linux; or a folder that holds one file or bundle of these kinds. The file is of this
-// machine's architecture, as far as its head says what it is for. Throws LoadError.
+// Returns the absolute path of the .fmx file that [path] stands for: the file itself; the one in
+// Contents/Resources/Linux of a bundle X.fmplugin; or that of the only such file or bundle in a folder.
+// Throws LoadError, also when the file's header says that it is for another machine.
 std::filesystem::path pluginFile(const std::filesystem::path& path);
 
 } // namespace host

@@ -1,6 +1,6 @@
 #pragma once
 
-// What a plug-in has registered: a function or a script step.
+// The functions and script steps that plug-ins have registered.
 
 #include "host/calc/external_function.h"
 #include "host/loader/plugin_handler.h"
@@ -11,11 +11,11 @@
 
 namespace host {
 
-// What functions and steps have beside their name: only lists show it.
+// What a plug-in gave with the name of a function or step.
 struct Registration {
     PluginHandler handler;
-    std::u16string description; // may be empty
-    uint32_t flags;             // where it is offered and where it may run
+    std::u16string description; // for lists; may be empty
+    uint32_t flags;             // for lists: where it is offered and may run
 };
 
 class PluginFunction : public ExternalFunction {

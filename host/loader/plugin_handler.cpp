@@ -30,7 +30,7 @@ Value PluginHandler::call(Session& session, std::span<Value> arguments) const {
         session.setLastError(code);
         Value result = code == 0 ? valueOf(*frame->result) : Value::invalid();
         if (holdsContainer(arguments) || result.type() == ValueType::container) {
-            frame->release(); // large ones are not kept until the next call
+            frame->release(); // not kept until the next call, as values may be large
         }
         return result;
     } catch (const std::bad_alloc&) {

@@ -1,6 +1,6 @@
 #pragma once
 
-// The code of a plug-in behind a function or a script step, and the crossing of values to it and back.
+// Calls the code of a plug-in for a function or a script step, converting the values.
 
 #include "host/loader/call_frames.h"
 #include "host/values/value.h"
@@ -16,7 +16,7 @@ class Session;
 
 class PluginHandler {
   public:
-    // By what a plug-in registers and unregisters.
+    // Identifies a function or step of a plug-in.
     struct Identity {
         uint32_t plugin; // its four characters, the first one in the highest byte
         short id;
@@ -27,8 +27,8 @@ class PluginHandler {
     PluginHandler(Identity identity, fmx::ExtPluginType code, CallFrames& frames)
         : identity_(identity), code_(code), frames_(frames) {}
 
-    // Runs it. Its error code becomes the session's last error, and makes the result "?". Whatever it throws
-    // ends here and becomes an ExternalFailure.
+    // Calls the code and returns its result. An error code becomes the session's last error, and makes the
+    // result "?". Throws ExternalFailure for any exception of the plug-in.
     Value call(Session& session, std::span<Value> arguments) const;
 
     const Identity& identity() const { return identity_; }

@@ -22,10 +22,10 @@ namespace host {
 
 namespace {
 
-// What registering and unregistering answer to the plug-in when they refuse.
+// The error code that a plug-in gets when registering or unregistering is refused.
 constexpr fmx::errcode kRefused = 1210;
 
-// What evaluating answers to a plug-in that asks on another thread than the host's.
+// The error code for a plug-in that evaluates on another thread than the host's.
 constexpr fmx::errcode kWrongThread = 3;
 
 std::u16string identifierText(uint32_t plugin) {
@@ -34,7 +34,7 @@ std::u16string identifierText(uint32_t plugin) {
     return fromUtf8({characters.characters.data(), characters.characters.size()});
 }
 
-// A name without the blanks around it: plug-ins cut it out of a prototype.
+// Returns a name without the blanks around it, which remain when plug-ins cut it out of a prototype.
 std::u16string trimmed(const std::u16string& text) {
     const size_t first = text.find_first_not_of(u' ');
     const size_t last = text.find_last_not_of(u' ');
@@ -92,7 +92,7 @@ class PluginHost::Implementation {
         } catch (...) {
             if (plugin != nullptr) {
                 end(*plugin);
-                plugins_.push_back(std::move(plugin)); // it may still use the structure of its messages
+                plugins_.push_back(std::move(plugin)); // it may still use the message structure
             }
             functions_.removeAllBut(functionsBefore);
             steps_.removeAllBut(stepsBefore);
@@ -136,7 +136,7 @@ class PluginHost::Implementation {
     using Functions = Registrations<PluginFunction, ExternalFunction>;
     using Steps = Registrations<PluginStep, ExternalStep>;
 
-    // Says which plug-in is being loaded, for as long as it lives.
+    // Notes which plug-in is being loaded, for as long as it lives.
     class Loading {
       public:
         Loading(Implementation& host, std::string file) : host_(host) { host_.loading_ = std::move(file); }
@@ -174,8 +174,8 @@ class PluginHost::Implementation {
         return {identifierText(plugin), id, item.name(), registration.description, registration.flags};
     }
 
-    // Adds what nothing speaks against, or says why it does not: [objection] is what this kind has against it
-    // by itself.
+    // Adds a function or step, unless [objection] says what is wrong with it, or its id or name is taken. A
+    // refusal becomes a warning, and kRefused is returned.
     template <class List>
     fmx::errcode add(List& list, const char* kind, const typename List::Pointer& item,
                      std::string objection) {
@@ -203,7 +203,7 @@ class PluginHost::Implementation {
         return kRefused;
     }
 
-    // What speaks against a function by itself; empty when nothing does.
+    // Returns what is wrong with a function, whatever else is registered; empty when nothing is.
     static std::string objection(const PluginFunction& function) {
         const int minimum = function.minArguments();
         const int maximum = function.maxArguments();
@@ -235,7 +235,7 @@ class PluginHost::Implementation {
         return 0;
     }
 
-    // The functions below run when a plug-in calls the host.
+    // The hooks, which run when a plug-in calls the host.
 
     static Implementation& of(void* context) { return *static_cast<Implementation*>(context); }
 
@@ -288,7 +288,7 @@ class PluginHost::Implementation {
         }
     }
 
-    // The two calls that carry no context. They may come on any thread, also when there is no host any more.
+    // The two calls that have no context. They may come on any thread, and after the host is destroyed.
     static fmx::errcode startScriptCall(const fmx::Text* file, const fmx::Text* script,
                                         fmx::uchar /*control*/, const fmx::Data* parameter) {
         const std::lock_guard lock(currentMutex_);
@@ -306,7 +306,7 @@ class PluginHost::Implementation {
         }
     }
 
-    // There is one environment, and it is always the current one.
+    // Succeeds always: there is only one environment.
     static fmx::errcode currentEnvCall(fmx::ExprEnv* env) { return env == nullptr ? kRefused : 0; }
 
     static inline std::mutex currentMutex_;

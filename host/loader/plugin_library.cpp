@@ -11,7 +11,7 @@ namespace {
 
 constexpr const char* kEntryName = "FMExternCallProc";
 
-// dlerror's text often begins with the file, which the message names anyway.
+// Returns dlerror's text without the file at its beginning, which the caller's message names anyway.
 std::string loaderMessage(const std::filesystem::path& file) {
     const char* text = dlerror();
     std::string message = text == nullptr ? "unknown reason" : text;

@@ -8,9 +8,9 @@
 
 namespace host {
 
-// Loading and looking into it is all the constructor does; the plug-in has not been called yet, only what its
-// library does by itself when it is loaded has been done.
-// There is no unloading: classes, threads and texts of a plug-in may outlive every use the host has for it.
+// A loaded library. The constructor loads it and finds the entry point, but does not call the plug-in; only
+// the library's own initialisers have run. It is never unloaded, as classes, threads and texts of a plug-in
+// may still be in use when the host no longer needs it.
 class PluginLibrary {
   public:
     using EntryPoint = void (*)(FMX_ExternCallPtr);
@@ -20,7 +20,7 @@ class PluginLibrary {
 
     EntryPoint entry() const { return entry_; }
 
-    // What dlopen answered: the instance that each message tells the plug-in.
+    // Returns dlopen's handle, which each message gives to the plug-in as its instance.
     void* handle() const { return handle_; }
 
   private:

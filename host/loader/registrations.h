@@ -1,6 +1,6 @@
 #pragma once
 
-// What plug-ins have registered of one kind, functions or steps.
+// The functions, or the steps, that plug-ins have registered.
 
 #include "host/calc/registry.h"
 #include "host/loader/plugin_handler.h"
@@ -11,8 +11,8 @@
 
 namespace host {
 
-// In the order of their registration. What stands here stands in the registry, too, where the language looks
-// it up.
+// A list in the order of registration. Every item is also in the registry, where the language looks names up;
+// the destructor removes all of them there.
 template <class Item, class Base>
 class Registrations {
   public:
@@ -26,7 +26,7 @@ class Registrations {
 
     const Items& items() const { return items_; }
 
-    // Null when there is none.
+    // Returns the item with this identity; null when there is none.
     Pointer find(const PluginHandler::Identity& identity) const {
         const auto found = std::find_if(items_.begin(), items_.end(), [&](const Pointer& item) {
             return item->registration().handler.identity() == identity;
@@ -34,10 +34,10 @@ class Registrations {
         return found == items_.end() ? nullptr : *found;
     }
 
-    // Whether anything has that name.
+    // Whether the registry has an item of that name.
     bool hasName(std::u16string_view name) const { return registry_.find(foldName(name)) != nullptr; }
 
-    // Its identity and its name are free.
+    // Adds an item. Its identity and name must not be taken.
     void add(const Pointer& item) {
         registry_.add(item);
         items_.push_back(item);

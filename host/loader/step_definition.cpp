@@ -17,7 +17,7 @@ namespace {
 
 using Kind = StepParameter::Kind;
 
-// Parameters are numbered by hand: a number beyond this is a mistake.
+// The largest ID of a parameter. A larger one is taken for a mistake.
 constexpr int kMaxIndex = 255;
 
 template <class Meaning>
@@ -36,7 +36,7 @@ std::string lower(const std::string& text) {
     return toUtf8(foldCase(fromUtf8(text)));
 }
 
-// What a word means; its case does not count.
+// Returns the meaning of a word in any letter case. Throws DefinitionError, with all words, for another text.
 template <class Meaning, size_t size>
 Meaning meaningOf(const Word<Meaning> (&words)[size], const std::string& text, const char* attribute) {
     std::string known;
@@ -58,7 +58,7 @@ const xmlChar* xml(const char* text) {
     return reinterpret_cast<const xmlChar*>(text);
 }
 
-// Empty for one that is not there.
+// Returns an attribute; empty when there is none.
 std::string attribute(const xmlNode* node, const char* name) {
     return owned(xmlGetProp(node, xml(name)));
 }
@@ -86,7 +86,7 @@ void forEachChild(const xmlNode* node, const char* name, Work work) {
     }
 }
 
-// A label as scripts write it: single spaces, no colon at its end.
+// Returns a parameter's label as scripts write it: with single spaces and without a colon at its end.
 std::u16string labelOf(const xmlNode* node) {
     std::u16string label = normalName(fromUtf8(attribute(node, "Label")));
     while (label.ends_with(u':') || label.ends_with(u' ')) {

@@ -16,9 +16,9 @@ class ErrorLog {
     }
     void turnOff() { isOn_ = false; }
 
-    // Adds a line to ScriptErrors.log in the folder Documents of the user, or in their home folder without one:
-    // time, file, script, step, line, error, information, with tabs between them. Nothing while it is off; a file
-    // that cannot be written is passed over.
+    // Adds a line to ScriptErrors.log in the folder Documents of the user, or in their home folder without
+    // one: time, file, script, step, line, error, information, with tabs between them. Nothing while it is
+    // off; a file that cannot be written is passed over.
     void write(std::string_view file, std::u16string_view script, std::u16string_view step, size_t line,
                int code) const;
 

@@ -20,8 +20,8 @@ class ExternalStep : public Registered {
     ExternalStep(std::u16string name, std::vector<StepParameter> parameters)
         : Registered(std::move(name)), parameters_(std::move(parameters)) {}
 
-    // Runs the step; values that the script leaves out are empty. Its error code is the session's last
-    // error afterwards. Throws ExternalFailure when it let an exception through.
+    // Runs the step and returns its result; values that the script leaves out are empty. The step's error
+    // code becomes the session's last error. Throws ExternalFailure when the plug-in throws an exception.
     virtual Value run(Session& session, std::span<Value> values) = 0;
 
     // In the order in which scripts write them.

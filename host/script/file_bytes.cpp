@@ -40,14 +40,14 @@ class Descriptor {
     int number_;
 };
 
-// Names hold no zero character, and a system call would stop at one.
+// Throws FileError for an empty name, and for one with a zero character, at which a system call would stop.
 void requireName(const fs::path& file) {
     if (file.empty() || file.native().find('\0') != std::string::npos) {
         throw FileError(file.empty() ? "the path is empty" : "the path holds a zero character");
     }
 }
 
-// Fills [bytes] from the file; answers how many there were.
+// Reads from the file until [bytes] are full or the file ends; returns how many were read.
 size_t fill(std::span<unsigned char> bytes, int descriptor, const fs::path& file) {
     size_t filled = 0;
     while (filled < bytes.size()) {
@@ -73,7 +73,7 @@ void writeAll(std::span<const unsigned char> bytes, int descriptor, const fs::pa
     }
 }
 
-// A file beside the one that it will replace; removed unless it was put in its place.
+// A temporary file beside the one that it will replace; removed by the destructor unless it was put in place.
 class Replacement {
   public:
     explicit Replacement(const fs::path& file) : file_(file), descriptor_(create()) {}
@@ -85,7 +85,7 @@ class Replacement {
     Replacement(const Replacement&) = delete;
     Replacement& operator=(const Replacement&) = delete;
 
-    // With the given mode, else with what a new file has.
+    // Writes the contents; with the given mode, else with that of a new file.
     void write(const Bytes& bytes, std::optional<mode_t> mode) {
         writeAll(bytes, *descriptor_, file_);
         if ((mode && fchmod(*descriptor_, *mode) != 0) || fsync(*descriptor_) != 0 || !descriptor_.close() ||
@@ -96,7 +96,8 @@ class Replacement {
     }
 
   private:
-    // Opens a file of a name that is free. A process that was killed may have left one behind.
+    // Makes and opens a file with a name that is not taken, for instance by a file that a killed process
+    // left.
     int create() {
         constexpr int kTries = 100;
         const std::string prefix =
@@ -124,7 +125,7 @@ class Replacement {
 Bytes readBytes(const fs::path& file) {
     requireName(file);
     const Descriptor descriptor(
-        open(file.c_str(), O_RDONLY | O_CLOEXEC | O_NONBLOCK)); // a pipe must not wait
+        open(file.c_str(), O_RDONLY | O_CLOEXEC | O_NONBLOCK)); // so that a pipe does not block
     struct stat status{};
     if (*descriptor < 0 || fstat(*descriptor, &status) != 0) {
         fail("read", file, errno);

@@ -1,6 +1,6 @@
 #pragma once
 
-// Whole files as bytes. Failures are FileError, with a message that names the file.
+// Reading and writing whole files. Both functions throw FileError, with a message that names the file.
 
 #include "host/values/container.h"
 
@@ -11,11 +11,11 @@ namespace host {
 // Files larger than this are refused.
 inline constexpr size_t kMaxFileBytes = size_t{2} << 30;
 
-// The contents of a regular file that is not empty, held once in memory.
+// Returns the contents of a regular file. Throws for an empty file, too.
 Bytes readBytes(const std::filesystem::path& file);
 
-// Makes [bytes] the contents of a file, which is there with all of them or as it was before. A link is
-// followed; what is there and is no regular file is refused.
+// Writes [bytes] as the contents of a file, atomically: on failure the file is unchanged. Follows a link;
+// throws when there is something that is not a regular file.
 void writeBytes(const std::filesystem::path& file, const Bytes& bytes);
 
 } // namespace host

@@ -1,7 +1,7 @@
 #pragma once
 
-// The script steps of the language: the single source of a step's name, prototype, description and category for
-// the parser, the runner, `fmhost functions` and editors.
+// The script steps of the language: the single source of a step's name, prototype, description and category
+// for the parser, the runner, `fmhost functions` and editors.
 
 #include "host/script/step_parameter.h"
 #include "host/script/steps/step_row.h"

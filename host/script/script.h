@@ -1,6 +1,7 @@
 #pragma once
 
-// A script: a list of steps, as FileMaker prints them, with their jumps already worked out.
+// A parsed script: a list of steps, in which blocks (If, Loop) have become jumps. The text is in the form in
+// which FileMaker prints scripts.
 
 #include "host/calc/ast.h"
 #include "host/calc/calc_error.h"
@@ -36,8 +37,8 @@ struct Script {
     std::vector<Step> steps;
 };
 
-// Parses the text of a script. Throws CalcError, incomplete when an If or Loop is left open, else as
-// calculations do.
+// Parses the text of a script. Throws CalcError: as for calculations, and incomplete when an If or Loop is
+// not closed.
 Script parseScript(const SourcePtr& source, const FunctionRegistry& functions,
                    const StepRegistry& externalSteps);
 

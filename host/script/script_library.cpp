@@ -15,7 +15,7 @@ namespace {
 
 constexpr std::string_view kScriptEnding = ".fmscript";
 
-// A folder's name as scripts give it: without its ending.
+// Returns the folded name of a database file, without its extension.
 std::u16string databaseKey(std::u16string_view name) {
     return foldName(name.substr(0, name.rfind(u'.')));
 }
@@ -45,7 +45,7 @@ ScriptLibrary::ScriptLibrary(const fs::path& folder, const FunctionRegistry& fun
                              const StepRegistry& externalSteps)
     : folder_(fs::absolute(folder).lexically_normal()), functions_(functions), externalSteps_(externalSteps) {
     if (!folder_.has_filename()) {
-        folder_ = folder_.parent_path(); // "scripts/" is "scripts"
+        folder_ = folder_.parent_path(); // "scripts/" means "scripts"
     }
 }
 

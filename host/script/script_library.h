@@ -1,7 +1,7 @@
 #pragma once
 
-// Where scripts live: a "database file" is a folder, a script is a file NAME.fmscript in it. Names compare
-// without regard to case.
+// The scripts on disk. A folder stands for a database file; a script is a file NAME.fmscript in it. Names are
+// compared without regard to case.
 
 #include "host/script/script.h"
 
@@ -13,29 +13,31 @@
 
 namespace host {
 
-// A file that can not be read; what() names it.
+// Thrown when a file cannot be read or written; what() names it.
 class FileError : public std::runtime_error {
   public:
     using std::runtime_error::runtime_error;
 };
 
-// The whole of a file in UTF-8 as a source that has the file's path for its name. Throws FileError, also for
-// a file that is no UTF-8 text.
+// Returns the contents of a UTF-8 file as a source named by the file's path. Throws FileError, also when the
+// file is not UTF-8.
 SourcePtr readSource(const std::filesystem::path& file);
 
 using ScriptPtr = std::shared_ptr<const Script>;
 
+// Finds scripts, and keeps those that were parsed.
 class ScriptLibrary {
   public:
-    // [folder] is the database file that names without one refer to.
+    // [folder] is the database file for scripts that are named without one.
     ScriptLibrary(const std::filesystem::path& folder, const FunctionRegistry& functions,
                   const StepRegistry& externalSteps);
 
-    // The file of a script; nothing when there is none. [database] is empty, or the name of the folder or of
-    // one beside it, with or without an ending. Reads folders only: safe on any thread.
+    // Returns the file of a script; nothing when there is none. [database] is empty, or the name of the
+    // folder or of one beside it, with or without an extension. Thread-safe: it only reads folders.
     std::optional<std::filesystem::path> find(std::u16string_view database, std::u16string_view name) const;
 
-    // The parsed script of a file, read again when the file has changed. Throws CalcError, FileError.
+    // Returns the parsed script in a file; reads it again when the file has changed. Throws CalcError,
+    // FileError.
     ScriptPtr load(const std::filesystem::path& file);
 
   private:

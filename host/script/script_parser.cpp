@@ -1,5 +1,5 @@
-// Reading order: steps one by one, then the blocks (If, Loop), which are kept on a stack. Brackets are read by
-// the calculation parser itself.
+// Reading order: steps one by one, then the blocks (If, Loop), which are kept on a stack. Brackets are read
+// by the calculation parser itself.
 #include "host/calc/parser.h"
 #include "host/calc/suggest.h"
 #include "host/script/script.h"
@@ -13,13 +13,13 @@ bool isLineEnd(char16_t c) {
     return c == u'\r' || c == u'\n';
 }
 
-// An If or Loop whose end has not been reached.
+// An If or Loop that is not closed yet.
 struct Block {
     StepForm opener;                 // ifStep, elseStep (an If past its Else) or loop
     size_t begin;                    // where it stands in the source
     size_t start = 0;                // loop: the first step of the body
-    std::optional<size_t> condition; // If: the step that waits for the next branch
-    std::vector<size_t> leaving;     // the steps that go to the block's end
+    std::optional<size_t> condition; // If: the jumpUnless that goes to the next branch
+    std::vector<size_t> leaving;     // the steps that jump to the block's end
 };
 
 class ScriptParser {
@@ -49,7 +49,7 @@ class ScriptParser {
     }
 
   private:
-    // Goes past blank lines, comments (#) and disabled steps (//). False at the end of the text.
+    // Skips blank lines, comments (#) and disabled steps (//). Returns false at the end of the text.
     bool skipToStep() {
         while (at_ < text_.size()) {
             if (isSpace(text_[at_]) || isLineEnd(text_[at_])) {
@@ -65,8 +65,8 @@ class ScriptParser {
 
     size_t endOfLine(size_t from) const { return std::min(text_.find_first_of(u"\r\n", from), text_.size()); }
 
-    // Where reading goes on behind a step with a mistake: after its closing bracket, else on the line after the
-    // mistake.
+    // Where reading goes on behind a step with a mistake: after its closing bracket, else on the line after
+    // the mistake.
     size_t endOfBadStep(const CalcError& error) const {
         const size_t open = text_.find_first_of(u"[\r\n", begin_);
         if (open < text_.size() && text_[open] == u'[') {
@@ -166,8 +166,8 @@ class ScriptParser {
              "there is no script step called " + toUtf8(name) + nearest.question());
     }
 
-    // Adds what a step does, but for its arguments; answers who takes these. Blocks open even when the brackets
-    // have a mistake, so that their ends are found.
+    // Adds what a step does, but for its arguments; answers who takes these. Blocks open even when the
+    // brackets have a mistake, so that their ends are found.
     Step* open(const OwnStep& own) {
         switch (own.row.form) {
         case StepForm::ifStep:
@@ -201,8 +201,8 @@ class ScriptParser {
         return &add(Flow::jumpUnless);
     }
 
-    // The end of a branch that another one follows: what ran the branch leaves, what did not run it comes
-    // here.
+    // Ends a branch that another one follows: adds a jump to the block's end, and makes the branch's
+    // condition jump behind it when it is false.
     void closeBranch(const OwnStep& own) {
         if (blocks_.empty() || blocks_.back().opener != StepForm::ifStep) {
             const bool afterElse = !blocks_.empty() && blocks_.back().opener == StepForm::elseStep;

@@ -16,10 +16,10 @@
 
 namespace host {
 
-// Scripts may perform each other this deep.
+// The deepest nesting of scripts that perform each other.
 inline constexpr int kMaxScriptDepth = 200;
 
-// What a running script shows. Each function does nothing unless it is overridden.
+// Called for what a running script shows. Each function does nothing unless it is overridden.
 class ScriptListener {
   public:
     virtual ~ScriptListener() = default;
@@ -27,7 +27,7 @@ class ScriptListener {
     // Show Custom Dialog.
     virtual void dialog(const Value& /*title*/, const Value& /*message*/) {}
 
-    // A step has evaluated the calculation that it depends on.
+    // Called when a step has evaluated its calculation.
     virtual void evaluated(const Script& /*script*/, const Step& /*step*/, const Value& /*result*/) {}
 
     // Pause/Resume Script: the script goes on when this returns.
@@ -44,16 +44,17 @@ struct TimerScript {
     std::chrono::steady_clock::time_point next;
 };
 
+// Runs scripts in a session. Not thread-safe.
 class ScriptRunner {
   public:
     ScriptRunner(Session& session, ScriptLibrary& library, ScriptListener& listener)
         : session_(session), library_(library), listener_(listener), dataFiles_(session.environment()) {}
 
-    // Runs a file's script to its end and answers its result; empty when Halt Script ends it. Throws CalcError,
-    // FileError.
+    // Runs a file's script to its end and answers its result; empty when Halt Script ends it. Throws
+    // CalcError, FileError.
     Value run(const std::filesystem::path& file, Value parameter);
 
-    // False when as many scripts as may be are inside each other.
+    // Whether kMaxScriptDepth allows another script to be performed.
     bool canRun() const { return depth_ <= kMaxScriptDepth; }
 
     // The timer's script when its time has come.

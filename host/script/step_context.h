@@ -36,8 +36,8 @@ class StepContext {
     // Of a flag or a choice: what the script gives, else [standard].
     int number(size_t place, int standard = 0) const;
 
-    // A path, from the script's own folder; what FileMaker writes before a path to say what kind it is does not
-    // count. Fails when it is empty.
+    // A path, from the script's own folder; what FileMaker writes before a path to say what kind it is does
+    // not count. Fails when it is empty.
     std::filesystem::path path(size_t place) const;
 
     // Gives a value to the variable of an argument; nothing when none is given.
@@ -49,7 +49,8 @@ class StepContext {
     // The script that an argument names; nothing when there is none.
     std::optional<std::filesystem::path> script(size_t place) const;
 
-    // Runs a script and answers its result. Throws CalcError, also when scripts perform each other too deeply.
+    // Runs a script and answers its result. Throws CalcError, also when scripts perform each other too
+    // deeply.
     Value perform(const std::filesystem::path& file, Value parameter) const;
 
     // Runs a script again and again whenever none runs, in place of the one before.
