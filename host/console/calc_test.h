@@ -38,7 +38,6 @@ struct CheckFilter {
     // Whether a check counts. Texts are looked for, without regard to case, in the calculation and in
     // "FILE:LINE".
     bool accepts(const std::string& file, int line, const std::string& text) const;
-    bool isEmpty() const { return only.empty() && without.empty(); }
 };
 
 // Runs the checks of a file in the session of [host]. A file without checks fails. Throws FileError.

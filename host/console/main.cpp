@@ -1,5 +1,6 @@
 // The command line.
 #include "host/console/commands.h"
+#include "host/console/format_command.h"
 #include "host/console/function_list.h"
 #include "host/console/host.h"
 #include "host/console/prompt.h"
@@ -28,6 +29,8 @@ struct CommandLine {
     std::string parameter;
     bool trace = false;
     TestPlan tests;
+    FormatCommand format;
+    int indent = -1; // of formatted files; -1: their own
 };
 
 HostOptions hostOptions(const CommandLine& line) {
@@ -131,6 +134,27 @@ void defineCommands(CLI::App& app, CommandLine& line) {
         "  fmhost test dates.calc --filter WeekOfYear --repeat 100\n"
         "  fmhost test dates.calc --filter dates.calc:12 --junit report.xml");
 
+    CLI::App* format = app.add_subcommand("format", "Lay scripts and calculations out in FileMaker's style");
+    format->add_option(
+        "FILE", line.format.files,
+        "A script (.fmscript), custom functions (.fmfn), calculations (.calc, .md): formatted in "
+        "place; - or none: a calculation from standard input, to standard output");
+    format->add_flag("--check", line.format.check,
+                     "Write nothing; name the files that would change, and fail when there are any");
+    format->add_option("--width", line.format.style.width, "Break longer lines; 0 breaks none [120]")
+        ->check(CLI::Range(0, 10'000))
+        ->type_name("N");
+    format
+        ->add_option("--indent", line.indent,
+                     "Blanks for each level; 0 for a tab [tabs where the file has them, else 4]")
+        ->check(CLI::Range(0, 16))
+        ->type_name("N");
+    format->footer(
+        "Prints the names of the files that it changes. Line breaks and comments stay.\n\nExamples:\n"
+        "  fmhost format scripts/*.fmscript\n"
+        "  fmhost format --check scripts/*.fmscript functions/*.fmfn\n"
+        "  echo 'let([x=1;y=x*2];x&y)' | fmhost format");
+
     app.require_subcommand(0, 1);
     app.footer("Without a command: a prompt on a terminal, else calculations from standard input.\n\n"
                "Exit status: 0 ok, 1 a calculation or test failed, 2 wrong usage, 3 a calculation or script "
@@ -175,6 +199,14 @@ ExitCode runCommand(const CLI::App& app, const CommandLine& line) {
     const HostOptions options = hostOptions(line);
     if (app.got_subcommand("test")) {
         return runTests(options, line.tests);
+    }
+    if (app.got_subcommand("format")) {
+        FormatCommand command = line.format;
+        if (line.indent >= 0) {
+            command.style.indent =
+                line.indent == 0 ? u"\t" : std::u16string(static_cast<size_t>(line.indent), u' ');
+        }
+        return runFormat(command);
     }
     Host host(options);
     if (app.get_subcommands().empty() && isatty(STDIN_FILENO) != 0) {

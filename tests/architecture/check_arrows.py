@@ -30,7 +30,7 @@ MODEL = "frameworks/AddressBook/model"
 VCARD = "frameworks/AddressBook/vcard"
 OBJC = "frameworks/AddressBook/objc"
 APPLE = "frameworks/AddressBook/include", "frameworks/AppKit/include", "frameworks/ScriptingBridge/include"
-HOST = "host/values", "host/calc", "host/script", "host/check", "host/loader", "host/wrapper"
+HOST = "host/values", "host/calc", "host/script", "host/check", "host/editor", "host/loader", "host/wrapper"
 
 ROOMS = {
     "sdk": Room(why="the interface knows nobody"),
@@ -43,6 +43,8 @@ ROOMS = {
                       "calculations know the host's values alone"),
     "host/script": Room(("host/calc", "host/values"), (), (), "scripts know calculations"),
     "host/check": Room(("host/script", "host/calc", "host/values"), (), (), "checking knows scripts and calculations"),
+    "host/editor": Room(("host/check", "host/script", "host/calc", "host/values"), ("json",), (),
+                        "editors are told of scripts and calculations, not of who runs them"),
     "host/loader": Room(("host/calc", "host/script", "host/values", "host/wrapper", "sdk"), ("dl", "libxml2"), (),
                         "the loader knows calculations, scripts and the interface, not the console"),
     "host/console": Room(HOST, ("CLI11", "json", "libedit", "libxml2", "ICU"), (), "the console is the host's top room"),

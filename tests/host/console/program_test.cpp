@@ -163,6 +163,31 @@ TEST_F(ProgramTest, ScriptsThatPluginsStartRunAfterwards) {
     EXPECT_EQ(good("eval Test_Idle Test_Idle Test_Idle").out, "-1\n10\n20\n");
 }
 
+TEST_F(ProgramTest, Format) {
+    expect(plain("format", "upper(\"a\")"), ExitCode::ok, "Upper ( \"a\" )\n", "");
+    write("A.fmscript", "If[1]\nBeep\nEnd If\n");
+    write("b.calc", "1 + 1\n= 2\n");
+    expect(plain("format --check A.fmscript b.calc"), ExitCode::failure, "A.fmscript\n", "");
+    EXPECT_EQ(read(folder_ / "A.fmscript"), "If[1]\nBeep\nEnd If\n");
+    expect(plain("format --indent 2 A.fmscript b.calc"), ExitCode::ok, "A.fmscript\n", "");
+    EXPECT_EQ(read(folder_ / "A.fmscript"), "If [ 1 ]\n  Beep\nEnd If\n");
+    expect(plain("format --indent 0 A.fmscript"), ExitCode::ok, "A.fmscript\n", "");
+    expect(plain("format A.fmscript"), ExitCode::ok, "", ""); // keeps its tabs
+    expect(plain("format --width 10 -", "List ( $a ; $b )"), ExitCode::ok, "List (\n    $a ;\n    $b\n)\n",
+           "");
+}
+
+TEST_F(ProgramTest, FormatLeavesWhatItCanNotRead) {
+    write("a.fmscript", "If [ ( 1 ]\n");
+    write("b.fmscript", "If[1]\nEnd If\n");
+    write("c.txt", "1");
+    expect(plain("format a.fmscript c.txt none.calc b.fmscript"), ExitCode::parse, "b.fmscript\n",
+           "a.fmscript:1:6: this \"(\" is not closed\n    If [ ( 1 ]\n         ^\n"
+           "fmhost: c.txt is of no kind that can be formatted; expected .fmscript, .fmfn, .calc or .md\n"
+           "fmhost: can not read none.calc: No such file or directory\n");
+    EXPECT_EQ(read(folder_ / "a.fmscript"), "If [ ( 1 ]\n");
+}
+
 TEST_F(ProgramTest, Usage) {
     for (const char* arguments : {"nothing", "eval", "run", "test", "--wrong", "--host-version x eval 1",
                                   "functions week day", "--host-version 99999 info"}) {
@@ -171,8 +196,8 @@ TEST_F(ProgramTest, Usage) {
         EXPECT_EQ(result.out, "") << arguments;
         EXPECT_NE(result.err, "") << arguments;
     }
-    for (const char* arguments :
-         {"--help", "eval --help", "run --help", "functions --help", "test --help", "info --help"}) {
+    for (const char* arguments : {"--help", "eval --help", "run --help", "functions --help", "test --help",
+                                  "format --help", "info --help"}) {
         const Outcome result = run(arguments);
         EXPECT_EQ(result.status, 0) << arguments;
         EXPECT_THAT(result.out, HasSubstr("Example")) << arguments;
