@@ -9,17 +9,11 @@
 
 #include "host/calc/source.h"
 #include "host/check/checker.h"
+#include "host/editor/format_style.h"
 
 #include <string>
 
 namespace host {
-
-inline constexpr std::u16string_view kIndent = u"    ";
-
-struct FormatStyle {
-    size_t width = 120;    // in characters; 0: no line is too long
-    std::u16string indent; // for each level; empty: tabs where the file has them, else four blanks
-};
 
 // The formatted text of a whole file, with the line ends that it has. In files of calculations, and in
 // Markdown, only those that can be read are formatted, and none is broken into more lines. Throws CalcError

@@ -2,7 +2,7 @@
 
 // Puts pieces on lines.
 
-#include "host/editor/format.h"
+#include "host/editor/format_style.h"
 #include "host/editor/pieces.h"
 
 namespace host {

@@ -3,7 +3,7 @@
 #include "host/calc/characters.h"
 #include "host/calc/lexer.h"
 #include "host/editor/layout.h"
-#include "host/script/step_syntax.h"
+#include "host/script/step_parameter.h"
 
 namespace host {
 

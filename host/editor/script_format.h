@@ -2,7 +2,8 @@
 
 // Lays scripts out: a step a line, indented inside blocks, what stands in its brackets as calculations are.
 
-#include "host/editor/format.h"
+#include "host/calc/source.h"
+#include "host/editor/format_style.h"
 
 namespace host {
 
