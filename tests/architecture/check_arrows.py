@@ -73,7 +73,7 @@ ROOMS = {
     "frameworks/ScriptingBridge": Room(("frameworks/ScriptingBridge/include",),
                                        ("Foundation", "ScriptingBridge", "systemd", "objc"), (),
                                        "the bridge knows the session bus"),
-    "tools": Room((STORE, VCARD, VALUES), ("CLI11", "json"), (), "tools know the frameworks' C++ rooms"),
+    "tools": Room((MODEL, STORE, VCARD, VALUES), ("CLI11", "json"), (), "tools know the frameworks' C++ rooms"),
 }
 # Who measures and tests may know everybody; nobody knows them. What tests share knows no test.
 OPEN_ROOMS = "bench", "tests"

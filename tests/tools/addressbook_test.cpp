@@ -240,7 +240,8 @@ TEST_F(ProgramTest, ShowAndMe) {
 }
 
 TEST_F(ProgramTest, HelpOnEveryLevel) {
-    for (const std::string command : {"import", "export", "list", "show", "me", "groups", "check"}) {
+    for (const std::string command :
+         {"import", "export", "list", "find", "show", "set", "delete", "me", "groups", "check"}) {
         const Outcome outcome = run({command, "--help"});
         EXPECT_EQ(outcome.status, 0);
         EXPECT_THAT(outcome.out, HasSubstr("Examples:\n  addressbook " + command));

@@ -14,9 +14,11 @@
 #include "frameworks/AddressBook/store/store.h"
 #include "frameworks/AddressBook/values/calendar.h"
 
+#include <algorithm>
 #include <filesystem>
 #include <iostream>
 #include <optional>
+#include <span>
 
 namespace addressbook::tool {
 namespace {
@@ -42,6 +44,11 @@ int runExplain(const Options& options) {
     }
     output.finish();
     return kDone;
+}
+
+// The first lines, at most so many.
+std::span<const std::string> firstOf(const std::vector<std::string>& lines, std::size_t limit) {
+    return std::span(lines).first(std::min(lines.size(), limit));
 }
 
 // Tells where the book is that another one has taken the place of.
@@ -84,32 +91,6 @@ int runExport(const Options& options) {
     return kDone;
 }
 
-int runList(const Options& options) {
-    const Store store = open(options, Store::Access::readOnly);
-    const std::vector<Field> fields = parseFields(options.list.fields, store);
-    Output output;
-    if (options.list.json) {
-        listPeopleAsJson(store, fields, output);
-    } else {
-        listPeople(store, fields, output);
-    }
-    return kDone;
-}
-
-int runShow(const Options& options) {
-    const Store store = open(options, Store::Access::readOnly);
-    Output output;
-    showRecord(store, findRecord(store, options.show.id), options.show.json, output);
-    return kDone;
-}
-
-int runGroups(const Options& options) {
-    const Store store = open(options, Store::Access::readOnly);
-    Output output;
-    listGroups(store, options.groupsJson, output);
-    return kDone;
-}
-
 int runMe(const Options& options) {
     if (options.me.id.empty() && !options.me.clear) {
         const Store store = open(options, Store::Access::readOnly);
@@ -149,7 +130,7 @@ int runCheck(const Options& options) {
         store.check(Store::Depth::everything, [&](double part) { progress.update(part); });
     progress.clear();
     Output output;
-    for (const std::string& problem : problems) {
+    for (const std::string& problem : firstOf(problems, options.narrow.limit)) {
         output.write(problem + '\n');
     }
     output.finish();
@@ -194,7 +175,7 @@ int runRepair(const Options& options) {
         return kDone;
     }
     Output output;
-    for (const std::string& lost : report.lost) {
+    for (const std::string& lost : firstOf(report.lost, options.narrow.limit)) {
         output.write(lost + '\n');
     }
     output.finish();

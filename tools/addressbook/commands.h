@@ -7,6 +7,7 @@
 
 #include <cstddef>
 #include <filesystem>
+#include <limits>
 #include <string>
 #include <vector>
 
@@ -17,24 +18,31 @@ struct Options {
     std::string book; // folder; empty: the user's own
     struct {
         std::vector<std::string> files;
-        bool dryRun = false, progress = false;
+        bool dryRun = false, progress = false, quiet = false;
     } import;
     struct {
         std::string group, file;
     } write;
+    struct { // of what is listed
+        std::string group, where;
+        std::size_t limit = std::numeric_limits<std::size_t>::max();
+    } narrow;
+    std::string fields = "name,organization,phones,emails"; // of what is listed
+    bool json = false;                                      // what is written is JSON
+    std::vector<std::string> words;                         // to find
+    std::string id;                                         // to show
     struct {
-        std::string fields = "name,organization,phones,emails";
-        bool json = false;
-    } list;
+        std::vector<std::string> ids;
+        bool dryRun = false;
+    } remove;
     struct {
         std::string id;
-        bool json = false;
-    } show;
+        std::vector<std::string> assignments;
+    } set;
     struct {
         std::string id;
         bool clear = false;
     } me;
-    bool groupsJson = false;
     std::vector<std::string> searches; // to explain
     struct {
         std::string file;
@@ -52,9 +60,12 @@ std::string counted(std::size_t count, const std::string& singular, const std::s
 int runImport(const Options& options);
 int runExport(const Options& options);
 int runList(const Options& options);
+int runFind(const Options& options);
 int runShow(const Options& options);
 int runGroups(const Options& options);
 int runMe(const Options& options);
+int runSet(const Options& options);
+int runDelete(const Options& options);
 int runCheck(const Options& options);
 int runBackup(const Options& options);
 int runRestore(const Options& options);

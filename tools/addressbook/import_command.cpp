@@ -86,6 +86,9 @@ int runImport(const Options& options) {
     Importer importer(
         store.get(), options.import.dryRun,
         [&](const std::string& file, const vcard::Problem& problem) {
+            if (options.import.quiet) {
+                return;
+            }
             progress.clear();
             const std::string line = file + ": card " + std::to_string(problem.number) + ", line " +
                                      std::to_string(problem.line) + ": " + problem.reason + '\n';

@@ -42,6 +42,7 @@ void declare(CLI::App& app, Options& options, int (*&work)(const Options&)) {
     app.footer(std::string("Examples:\n"
                            "  addressbook import contacts.vcf\n"
                            "  addressbook list --fields lastname,firstname,phones\n"
+                           "  addressbook find berg\n"
                            "  addressbook export --group Friends friends.vcf\n"
                            "addressbook COMMAND --help tells more about a command.\n") +
                kExitCodes);
@@ -56,6 +57,7 @@ void declare(CLI::App& app, Options& options, int (*&work)(const Options&)) {
     sub->add_option("FILE", options.import.files, "vCard files of any version; - is standard input")
         ->required();
     sub->add_flag("--dry-run", options.import.dryRun, "Read and report, but save nothing");
+    sub->add_flag("--quiet", options.import.quiet, "Tell how many cards and lines are left out, not which");
     sub->add_flag("--progress", options.import.progress, "Tell how far it is even when that is no terminal");
 
     sub = command("export", "Write people and groups as vCards (version 3.0)",
@@ -67,25 +69,83 @@ void declare(CLI::App& app, Options& options, int (*&work)(const Options&)) {
     sub->add_option("FILE", options.write.file,
                     "Where to; replaced only when all is written. Without it, or with -, standard output");
 
-    sub = command("list", "List people, one a line: unique id, then the fields, separated by tabs",
-                  "  addressbook list\n"
-                  "  addressbook list --fields lastname,firstname,birthday\n"
-                  "  addressbook list --fields name,emails --json\n"
-                  "Tabs, line ends and backslashes in a value are written \\t, \\n and \\\\.",
-                  runList);
-    sub->add_option("--fields", options.list.fields,
-                    "What to show of each person; a wrong name is answered with all of them [" +
-                        options.list.fields + "]")
-        ->type_name("a,b,...");
-    sub->add_flag("--json", options.list.json, "A JSON array with one object a line");
+    const auto addJson = [&](const char* about) { sub->add_flag("--json", options.json, about); };
+    const auto addLimit = [&](const char* about) {
+        sub->add_option("--limit", options.narrow.limit, about)->type_name("N")->check(CLI::PositiveNumber);
+    };
+    const auto addFields = [&] {
+        sub->add_option("--fields", options.fields,
+                        "What to show of each; a wrong name is answered with all of them [" + options.fields +
+                            "]")
+            ->type_name("a,b,...");
+    };
+    const auto addNarrowing = [&](const char* group) {
+        sub->add_option("--group", options.narrow.group, group)->type_name("NAME");
+        sub->add_option("--where", options.narrow.where,
+                        "Only what this search finds; addressbook check --help tells how to write it")
+            ->type_name("SEARCH");
+        addLimit("Only the first N");
+    };
+
+    sub = command(
+        "list", "List people, one a line: unique id, then the fields, separated by tabs",
+        "  addressbook list\n"
+        "  addressbook list --fields lastname,firstname,birthday\n"
+        "  addressbook list --fields name,emails --json\n"
+        "  addressbook list --group Friends --where 'Birthday WithinIntervalFromTodayYearless 7 days'\n"
+        "Tabs, line ends and backslashes in a value are written \\t, \\n and \\\\.",
+        runList);
+    addFields();
+    addNarrowing("Only the members of this group and its subgroups");
+    addJson("A JSON array with one object a line");
+
+    sub = command("find", "List the people and groups about whom something is written",
+                  "  addressbook find berg\n"
+                  "  addressbook find ida oslo\n"
+                  "  addressbook find 555-0133 --fields name,phones\n"
+                  "Every word must be found, in any text and any letter case; a number also inside a phone "
+                  "number, whatever\n"
+                  "stands between its digits. Exit status 1 when nothing is found.",
+                  runFind);
+    sub->add_option("TEXT", options.words, "Words, or parts of words")->required();
+    addFields();
+    addLimit("Only the first N");
+    addJson("A JSON array with one object a line");
 
     sub = command("show", "Show everything about one person or group",
                   "  addressbook show 6F9619FF-8B86-D011-B42D-00CF4FC964FF:ABPerson\n"
                   "  addressbook show 6F9619FF-8B86-D011-B42D-00CF4FC964FF --json",
                   runShow);
-    sub->add_option("ID", options.show.id, "The unique id, with or without what follows the colon")
+    sub->add_option("ID", options.id, "The unique id, with or without what follows the colon")->required();
+    addLimit("Of a group's members only the first N");
+    addJson("A JSON object");
+
+    sub = command("set", "Change a person or a group",
+                  "  addressbook set 6F9619FF-8B86-D011-B42D-00CF4FC964FF lastname=Berg birthday=1980-03-22\n"
+                  "  addressbook set 6F9619FF-8B86-D011-B42D-00CF4FC964FF phones/mobile='555 0133' "
+                  "emails/work+=ida@example.org\n"
+                  "  addressbook set 6F9619FF-8B86-D011-B42D-00CF4FC964FF addresses/home/city=Oslo note=\n"
+                  "All that is asked for is saved, or nothing. PROPERTY is a name as in addressbook list; of "
+                  "properties with several\n"
+                  "values PROPERTY/LABEL is the entry with this label, or a new one; += adds a further one. "
+                  "An empty value takes\n"
+                  "away what was there. A wrong name is answered with all that are possible.",
+                  runSet);
+    sub->add_option("ID", options.set.id, "The unique id, with or without what follows the colon")
         ->required();
-    sub->add_flag("--json", options.show.json, "A JSON object");
+    sub->add_option("PROPERTY=VALUE", options.set.assignments, "What to change")->required();
+    addJson("Show the record as it is then, as a JSON object");
+
+    sub =
+        command("delete", "Delete people and groups; the members of a group stay",
+                "  addressbook delete 6F9619FF-8B86-D011-B42D-00CF4FC964FF:ABPerson\n"
+                "  addressbook list --where 'Organization = \"Mill\"' | cut -f 1 | xargs addressbook delete\n"
+                "All of them are deleted, or none when there is one that does not exist.",
+                runDelete);
+    sub->add_option("ID", options.remove.ids, "Unique ids, with or without what follows the colon")
+        ->required();
+    sub->add_flag("--dry-run", options.remove.dryRun, "Tell what would be deleted, but delete nothing");
+    addJson("Tell what is deleted as a JSON array");
 
     sub = command("me", "Tell which person is the user's own card, or say which one it is",
                   "  addressbook me\n"
@@ -96,8 +156,12 @@ void declare(CLI::App& app, Options& options, int (*&work)(const Options&)) {
     sub->add_flag("--clear", options.me.clear, "Nobody is the user")->excludes(id);
 
     sub = command("groups", "List groups: unique id, name, number of members, number of subgroups",
-                  "  addressbook groups\n  addressbook groups --json", runGroups);
-    sub->add_flag("--json", options.groupsJson, "A JSON array with one object a line");
+                  "  addressbook groups\n"
+                  "  addressbook groups --where 'GroupName contains \"club\"'\n"
+                  "  addressbook groups --json",
+                  runGroups);
+    addNarrowing("Only this group and its subgroups");
+    addJson("A JSON array with one object a line");
 
     const std::string searches =
         "  addressbook check --book /srv/contacts\n"
@@ -120,6 +184,7 @@ void declare(CLI::App& app, Options& options, int (*&work)(const Options&)) {
                   searches.c_str(), runCheck);
     sub->add_option("--explain", options.searches, "Tell which index serves a search, and look for no damage")
         ->type_name("SEARCH");
+    addLimit("Tell only the first N problems");
 
     sub = command("backup", "Copy the whole address book into one file, while it may be in use",
                   "  addressbook backup contacts.backup\n"
@@ -135,14 +200,17 @@ void declare(CLI::App& app, Options& options, int (*&work)(const Options&)) {
                   runRestore);
     sub->add_option("FILE", options.backup.file, "A file that addressbook backup wrote")->required();
 
-    command("repair", "Make a new address book of what can be read in a damaged one",
-            "  addressbook repair\n"
-            "What is lost or doubtful is told, a line each; the damaged book is kept beside the new one.",
-            runRepair);
+    sub =
+        command("repair", "Make a new address book of what can be read in a damaged one",
+                "  addressbook repair\n"
+                "What is lost or doubtful is told, a line each; the damaged book is kept beside the new one.",
+                runRepair);
+    addLimit("Tell only the first N losses");
 }
 
 int run(int argc, char** argv) {
-    CLI::App app("An address book from the command line: bring vCards in and out, list, show and check.",
+    CLI::App app("An address book from the command line: bring contacts in and out, find and change them, "
+                 "keep them safe.",
                  "addressbook");
     Options options;
     int (*work)(const Options&) = nullptr;

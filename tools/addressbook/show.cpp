@@ -5,6 +5,7 @@
 #include <nlohmann/json.hpp>
 
 #include <algorithm>
+#include <span>
 
 namespace addressbook::tool {
 
@@ -89,6 +90,11 @@ std::vector<std::string> groupNames(const Store& store, const RecordRef& record)
     return names;
 }
 
+// The first rows, at most so many.
+std::span<const RowId> firstOf(const std::vector<RowId>& rows, std::size_t limit) {
+    return std::span(rows).first(std::min(rows.size(), limit));
+}
+
 // A line of a single record: name, label and value in columns; the value's further lines are indented.
 std::string column(std::string text, std::size_t width) {
     const std::size_t characters = countCharacters(text);
@@ -138,8 +144,9 @@ std::string friendlyName(const std::vector<Field>& fields, const std::string& pr
 
 } // namespace
 
-void listPeople(const Store& store, const std::vector<Field>& fields, Output& output) {
-    for (const RowId row : store.rows(Kind::person)) {
+void listRecords(const Store& store, const std::vector<RowId>& rows, const std::vector<Field>& fields,
+                 Output& output) {
+    for (const RowId row : rows) {
         const auto record = store.find(row);
         if (!record) {
             continue;
@@ -153,9 +160,10 @@ void listPeople(const Store& store, const std::vector<Field>& fields, Output& ou
     output.finish();
 }
 
-void listPeopleAsJson(const Store& store, const std::vector<Field>& fields, Output& output) {
+void listRecordsAsJson(const Store& store, const std::vector<RowId>& rows, const std::vector<Field>& fields,
+                       Output& output) {
     JsonLines lines(output);
-    for (const RowId row : store.rows(Kind::person)) {
+    for (const RowId row : rows) {
         const auto record = store.find(row);
         if (!record) {
             continue;
@@ -170,10 +178,10 @@ void listPeopleAsJson(const Store& store, const std::vector<Field>& fields, Outp
     output.finish();
 }
 
-void listGroups(const Store& store, bool json, Output& output) {
+void listGroups(const Store& store, const std::vector<RowId>& rows, bool json, Output& output) {
     if (json) {
         JsonLines lines(output);
-        for (const RowId row : store.rows(Kind::group)) {
+        for (const RowId row : rows) {
             if (const auto group = store.find(row)) {
                 lines.add({{"id", group->uid},
                            {"name", displayName(store, *group)},
@@ -183,7 +191,7 @@ void listGroups(const Store& store, bool json, Output& output) {
         }
         lines.finish();
     } else {
-        for (const RowId row : store.rows(Kind::group)) {
+        for (const RowId row : rows) {
             if (const auto group = store.find(row)) {
                 output.write(group->uid + '\t' + escaped(displayName(store, *group)) + '\t' +
                              std::to_string(store.members(row).size()) + '\t' +
@@ -194,7 +202,21 @@ void listGroups(const Store& store, bool json, Output& output) {
     output.finish();
 }
 
-void showRecord(const Store& store, const RecordRef& record, bool json, Output& output) {
+void writeNames(const Store& store, const std::vector<RecordRef>& records, bool json, Output& output) {
+    if (json) {
+        JsonLines lines(output);
+        for (const RecordRef& record : records) {
+            lines.add({{"id", record.uid}, {"name", displayName(store, record)}});
+        }
+        lines.finish();
+        return;
+    }
+    for (const RecordRef& record : records) {
+        output.write(record.uid + '\t' + escaped(displayName(store, record)) + '\n');
+    }
+}
+
+void showRecord(const Store& store, const RecordRef& record, bool json, Output& output, std::size_t limit) {
     std::map<std::string, Value> values = store.values(record.row);
     const std::vector<Field> fields = allFields(store);
     const Value image = store.value(record.row, property::kImage);
@@ -213,10 +235,13 @@ void showRecord(const Store& store, const RecordRef& record, bool json, Output& 
             for (const auto& [key, rows] : {std::pair("members", store.members(record.row)),
                                             std::pair("subgroups", store.subgroups(record.row))}) {
                 object[key] = Json::array();
-                for (const RowId row : rows) {
+                for (const RowId row : firstOf(rows, limit)) {
                     if (const auto member = store.find(row)) {
                         object[key].push_back({{"id", member->uid}, {"name", displayName(store, *member)}});
                     }
+                }
+                if (rows.size() > limit) {
+                    object[std::string(key) + "NotShown"] = rows.size() - limit;
                 }
             }
         }
@@ -242,12 +267,15 @@ void showRecord(const Store& store, const RecordRef& record, bool json, Output& 
     for (const std::string& name : groupNames(store, record)) {
         writeRow(output, "in group", "", name);
     }
-    for (const auto& rows : {store.members(record.row), store.subgroups(record.row)}) {
-        if (record.kind == Kind::group) {
-            for (const RowId row : rows) {
+    if (record.kind == Kind::group) {
+        for (const auto& rows : {store.members(record.row), store.subgroups(record.row)}) {
+            for (const RowId row : firstOf(rows, limit)) {
                 if (const auto member = store.find(row)) {
                     writeRow(output, "member", "", displayName(store, *member) + "  " + member->uid);
                 }
+            }
+            if (rows.size() > limit) {
+                writeRow(output, "", "", "and " + std::to_string(rows.size() - limit) + " more");
             }
         }
     }

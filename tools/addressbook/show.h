@@ -6,21 +6,29 @@
 #include "tools/addressbook/fields.h"
 #include "tools/addressbook/output.h"
 
+#include <cstddef>
+#include <limits>
 #include <vector>
 
 namespace addressbook::tool {
 
-// One line a person: the unique id, then the fields, separated by tabs.
-void listPeople(const Store& store, const std::vector<Field>& fields, Output& output);
+// One line a record: the unique id, then the fields, separated by tabs.
+void listRecords(const Store& store, const std::vector<RowId>& rows, const std::vector<Field>& fields,
+                 Output& output);
 
 // Writes the records as a JSON array with one object a line. Lists are arrays of objects with label and
 // value.
-void listPeopleAsJson(const Store& store, const std::vector<Field>& fields, Output& output);
+void listRecordsAsJson(const Store& store, const std::vector<RowId>& rows, const std::vector<Field>& fields,
+                       Output& output);
 
 // One line a group: the unique id, the name, how many members and subgroups it has.
-void listGroups(const Store& store, bool json, Output& output);
+void listGroups(const Store& store, const std::vector<RowId>& rows, bool json, Output& output);
 
-// Everything about one record that users know of.
-void showRecord(const Store& store, const RecordRef& record, bool json, Output& output);
+// One line a record: the unique id and the name.
+void writeNames(const Store& store, const std::vector<RecordRef>& records, bool json, Output& output);
+
+// Everything about one record that users know of; of a group's members and subgroups [limit] at most.
+void showRecord(const Store& store, const RecordRef& record, bool json, Output& output,
+                std::size_t limit = std::numeric_limits<std::size_t>::max());
 
 } // namespace addressbook::tool
