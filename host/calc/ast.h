@@ -1,7 +1,7 @@
 #pragma once
 
-// A parsed calculation: a tree of nodes that the evaluator walks. Parsed once, evaluated as often as wanted;
-// names are already looked up, so an evaluation compares no function name.
+// A parsed calculation: a tree of nodes that the evaluator walks. It is parsed once and can be evaluated many
+// times; names are looked up when parsing, so that evaluating compares no function names.
 
 #include "host/calc/builtin.h"
 #include "host/calc/external_function.h"
@@ -19,7 +19,7 @@ namespace host {
 struct Node;
 using NodePtr = std::unique_ptr<Node>;
 
-// A number, a text, a paragraph mark.
+// A number, a text, or a paragraph mark.
 struct Literal {
     Value value;
 };
@@ -30,7 +30,7 @@ struct Variable {
     NodePtr repetition; // $x[n]; null for the first
 };
 
-// A name that a Let or While of the same calculation defined: its place in the frame.
+// A name that a Let or While of the calculation defines: its index among the evaluator's slots.
 struct Slot {
     uint32_t index;
 };
@@ -40,8 +40,8 @@ struct Unary {
     NodePtr operand;
 };
 
-// Operators of one level, from left to right: first op value op value ... A chain, not a pair, so that a sum
-// of a hundred thousand terms needs no deeper a tree than one of two.
+// Operators of one level, from left to right: first op value op value ... A chain and not a tree of pairs, so
+// that a sum of a hundred thousand terms is no deeper than one of two.
 struct Chain {
     struct Link;
     NodePtr first;
@@ -53,7 +53,7 @@ struct BuiltinCall {
     std::vector<Node> arguments;
 };
 
-// A call of a registered function. [function] is looked up again by name when it has been unregistered since.
+// A call of a registered function. [function] is looked up again by name once it has been unregistered.
 struct ExternalCall {
     std::u16string key;
     mutable ExternalFunctionPtr function;
@@ -102,11 +102,11 @@ struct Assignment {
     Node value;
 };
 
-// What parsing answers: the tree, and the text that it came from.
+// The result of parsing: the tree, and the text that it was parsed from.
 struct Calculation {
     SourcePtr source;
     Node root;
-    uint32_t slots = 0; // how many names its frame holds
+    uint32_t slots = 0; // the number of slots for names of Let and While
 };
 
 } // namespace host

@@ -1,8 +1,8 @@
 #pragma once
 
-// What a row of the table of functions says: the single source of a function's name, prototype, description
-// and category for the parser, `fmhost functions`, the prompt's help and editors. How many arguments a
-// function takes is derived from its prototype.
+// The rows of the tables of functions. A row is the only source of a function's name, prototype, description
+// and category for the parser, `fmhost functions`, the prompt's help and editors. The numbers of arguments
+// are derived from the prototype.
 
 #include "host/calc/calc_error.h"
 #include "host/values/value.h"
@@ -21,9 +21,9 @@ struct Node;
 enum class BuiltinForm : uint8_t {
     eager,       // all arguments are evaluated, then the function runs
     lazy,        // the function evaluates the arguments that it needs
-    placeholder, // answers the same whatever the arguments: what it asks about does not exist here
+    placeholder, // always returns the same value, as what it is about does not exist in this host
     refused,     // needs a field: the parser refuses it with an error code
-    let,         // Let, While and Get have a syntax of their own
+    let,         // let, loop and get: Let, While and Get, which have a syntax of their own
     loop,
     get,
 };
@@ -31,29 +31,30 @@ enum class BuiltinForm : uint8_t {
 using EagerFunction = Value (*)(Session&, std::span<const Value>);
 using LazyFunction = Value (*)(Evaluator&, std::span<const Node>);
 
-// What a function answers in a host that has no file, record, layout, window or network: a text, a number
-// when it is one, "?" for the error result.
+// The value of a function in a host that has no file, record, layout, window or network: a text, which
+// becomes a number when it is one, and an invalid value when it is "?".
 struct Placeholder {
     std::u16string_view answer;
 
     Value value() const;
 };
 
-// The error of a function that FileMaker refuses unless it is given a field.
+// The error for a function that FileMaker refuses unless its argument is a field.
 struct Refused {
     CalcCode code;
 };
 
+// The row of a function of the language.
 struct Builtin {
-    std::u16string_view prototype;     // Name ( needed ; needed {; optional } ), "..." for any number
-    std::u16string_view listPrototype; // where arguments may come in brackets; else empty
+    std::u16string_view prototype;     // Name ( required ; required {; optional } ), "..." for any number
+    std::u16string_view listPrototype; // a second form with arguments in brackets; empty when there is none
     std::string_view description;      // one sentence
-    std::string_view category;         // filled in by the table that the row stands in
+    std::string_view category;         // set from the FunctionGroup of the row
     BuiltinForm form = BuiltinForm::eager;
     EagerFunction eager = nullptr;
     LazyFunction lazy = nullptr;
     Placeholder placeholder{};
-    CalcCode refusal = CalcCode::none; // of a function of fields
+    CalcCode refusal = CalcCode::none; // the error of a function that needs a field
 
     constexpr Builtin(std::u16string_view text, EagerFunction function, std::string_view sentence,
                       std::u16string_view withLists = {})
@@ -66,7 +67,7 @@ struct Builtin {
         : prototype(text), description(sentence), form(BuiltinForm::placeholder), placeholder(standIn) {}
     constexpr Builtin(std::u16string_view text, Refused error, std::string_view sentence)
         : prototype(text), description(sentence), form(BuiltinForm::refused), refusal(error.code) {}
-    // A function of fields that a $variable may stand for; anything else is refused.
+    // A function that needs a field, but also takes a $variable; it is refused for anything else.
     constexpr Builtin(std::u16string_view text, Refused error, LazyFunction function,
                       std::string_view sentence)
         : prototype(text), description(sentence), form(BuiltinForm::lazy), lazy(function),
@@ -81,7 +82,7 @@ struct Builtin {
     }
 
   private:
-    // Arguments in [text]: separators outside square brackets, plus one.
+    // Returns the number of arguments in [text]: separators outside square brackets, plus one.
     static constexpr int count(std::u16string_view text) {
         const size_t open = text.find(u'(');
         if (open == std::u16string_view::npos) {
@@ -99,12 +100,12 @@ struct Builtin {
     }
 };
 
-// A row of Get ( Name ).
+// The row of a name in Get ( Name ).
 struct GetRow {
     std::u16string_view name;
     std::string_view description; // one sentence
     Value (*function)(Session&) = nullptr;
-    Placeholder placeholder{}; // answered when there is no function
+    Placeholder placeholder{}; // the value when there is no function
 
     constexpr GetRow(std::u16string_view text, Value (*read)(Session&), std::string_view sentence)
         : name(text), description(sentence), function(read) {}

@@ -19,7 +19,7 @@ std::u16string_view nameOf(const GetRow& row) {
     return row.name;
 }
 
-// Rows of several tables by folded name.
+// The rows of several tables, by folded name.
 template <class Row>
 class Index {
   public:

@@ -1,6 +1,6 @@
 #pragma once
 
-// The functions of the language and the names of Get: all rows of all categories.
+// The functions of the language and the names in Get ( ): the rows of all categories.
 
 #include "host/calc/builtin.h"
 
@@ -9,11 +9,11 @@
 
 namespace host {
 
-// All rows, ordered by name without regard to case.
+// Return all rows, ordered by name without regard to case.
 std::span<const Builtin> builtins();
 std::span<const GetRow> getRows();
 
-// The row for a folded name; null when there is none.
+// Return the row for a folded name; null when there is none.
 const Builtin* findBuiltin(std::u16string_view key);
 const GetRow* findGet(std::u16string_view key);
 

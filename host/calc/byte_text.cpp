@@ -16,7 +16,7 @@ bool isAscii(std::u16string_view text) {
 
 } // namespace
 
-// The files of containers may be large: work goes by pieces, beside the result there is no second copy.
+// Works piece by piece, so that besides the result there is no second copy: files in containers may be large.
 std::u16string base64Text(std::span<const unsigned char> bytes, size_t columns) {
     constexpr size_t kPiece = 48; // bytes of a piece of a single line
     const size_t piece = columns == 0 ? kPiece : columns / 4 * 3;

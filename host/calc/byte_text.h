@@ -1,6 +1,6 @@
 #pragma once
 
-// Bytes written as text: Base64 and hexadecimal digits.
+// Bytes as text: Base64 and hexadecimal digits. White space is ignored when reading either.
 
 #include "host/values/container.h"
 
@@ -13,16 +13,17 @@ namespace host {
 
 using ByteView = std::span<const unsigned char>;
 
-// Lines of [columns] characters, a multiple of 4, each followed by CR LF; 0 for a single line without an end.
+// Returns Base64 in lines of [columns] characters, a multiple of 4, each followed by CR LF; with 0, in a
+// single line without a line end.
 std::u16string base64Text(ByteView bytes, size_t columns);
 
-// Nothing for a text that is no Base64. White space does not count.
+// Returns the bytes that a text in Base64 stands for; nothing for any other text.
 std::optional<Bytes> base64Bytes(std::u16string_view text);
 
-// Two capital digits for each byte.
+// Returns two digits, in capitals, for each byte.
 std::u16string hexadecimal(ByteView bytes);
 
-// Nothing for a text that is no such digits. White space does not count.
+// Returns the bytes that hexadecimal digits stand for; nothing for any other text.
 std::optional<Bytes> hexadecimalBytes(std::u16string_view text);
 
 } // namespace host

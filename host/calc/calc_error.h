@@ -1,6 +1,6 @@
 #pragma once
 
-// What goes wrong with a calculation: the kinds, the codes, and the one exception that carries them.
+// Errors of calculations: their kinds, their codes, and the exception that carries them.
 
 #include "host/calc/source.h"
 
@@ -11,12 +11,12 @@
 namespace host {
 
 enum class ErrorKind {
-    incomplete, // the text ends too early: more input can make it right
-    syntax,     // the text can not be understood
-    evaluation, // the text was understood, and its evaluation failed
+    incomplete, // the text ends too early; more input can complete it
+    syntax,     // the text cannot be parsed
+    evaluation, // the text was parsed, but evaluating it failed
 };
 
-// The codes that EvaluationError and a plug-in's evaluation report; the numbers are FileMaker's own.
+// The codes that EvaluationError returns and plug-ins get for an evaluation; the numbers are FileMaker's.
 enum class CalcCode : int {
     none = 0,
     outOfRange = 14,
@@ -41,8 +41,8 @@ enum class CalcCode : int {
     notSupportedHere = 1225,
 };
 
-// The kind that a code of the lexer or the parser belongs to; what is missing at the end of a text is
-// incomplete whatever its code.
+// Returns the kind of an error by the code that the lexer or the parser gives. An error at the end of a text
+// is incomplete whatever its code.
 constexpr ErrorKind parseErrorKind(CalcCode code) {
     return code == CalcCode::unexpectedEnd || code == CalcCode::unterminatedComment ||
                    code == CalcCode::unterminatedText
@@ -50,7 +50,7 @@ constexpr ErrorKind parseErrorKind(CalcCode code) {
                : ErrorKind::syntax;
 }
 
-// An error at a place of a source. what() is the message alone, in UTF-8.
+// An error at a place in a source. what() is the message without the place, in UTF-8.
 class CalcError : public std::exception {
   public:
     CalcError(ErrorKind kind, CalcCode code, SourcePtr source, size_t offset, std::string message);
@@ -62,10 +62,11 @@ class CalcError : public std::exception {
     Place place() const { return source_->place(offset_); }
     const char* what() const noexcept override { return message_.c_str(); }
 
-    // "name:line:column: message", without "name:" for a text that has none.
+    // Returns "name:line:column: message", without "name:" when the source has no name.
     std::string summary() const;
 
-    // The summary, then the line with a caret under the place; no line end at the end.
+    // Returns the summary, followed by the source line with a caret under the place; without a final line
+    // end.
     std::string report() const;
 
   private:

@@ -1,6 +1,6 @@
 #pragma once
 
-// Text by characters: code points, so that no function cuts a character in two.
+// Text by characters (code points), so that no function cuts a surrogate pair in two.
 
 #include <string>
 #include <string_view>
@@ -8,24 +8,24 @@
 
 namespace host {
 
-// A text with its characters counted. Positions start at 0. It refers to the text.
+// A view of a text by characters, whose positions start at 0. The text must outlive it.
 class Characters {
   public:
     explicit Characters(std::u16string_view text);
 
     size_t count() const { return count_; }
 
-    // [length] characters from [start] on; what lies outside the text is left out.
+    // Returns [length] characters from [start] on, as far as the text has them.
     std::u16string_view slice(size_t start, size_t length) const;
 
-    // The character that the unit at [offset] belongs to, and the first unit of a character.
+    // Return the character to which the unit at [offset] belongs, and the offset of a character's first unit.
     size_t characterAt(size_t offset) const;
     size_t offsetOf(size_t character) const;
 
   private:
     std::u16string_view text_;
     size_t count_;
-    bool simple_; // no pairs of units: a character is a unit
+    bool simple_; // no surrogate pairs, so that each character is one unit
 };
 
 } // namespace host

@@ -1,6 +1,6 @@
 #pragma once
 
-// The words that stand for numbers: JSONString, Bold, PosixPath ...
+// The constants of the language, words that stand for numbers: JSONString, Bold, PosixPath ...
 
 #include <cstdint>
 #include <span>
@@ -11,12 +11,12 @@ namespace host {
 struct Constant {
     std::u16string_view name;
     int64_t value;
-    std::string_view description; // what it is given to
+    std::string_view description; // the functions that take it, and its meaning
 };
 
 std::span<const Constant> constants();
 
-// The constant of a folded name; null when there is none.
+// Returns the constant with a folded name; null when there is none.
 const Constant* findConstant(std::u16string_view key);
 
 } // namespace host

@@ -34,12 +34,12 @@ gnutls_datum_t datum(ByteView bytes) {
     return {const_cast<unsigned char*>(bytes.data()), static_cast<unsigned>(bytes.size())};
 }
 
-// Encrypted data: salt, nonce, then what the cipher made, with its tag at the end.
+// The layout of encrypted data: salt, nonce, then the encrypted bytes with the authentication tag at the end.
 constexpr size_t kSaltSize = 16;
 constexpr size_t kNonceSize = 12;
 constexpr size_t kTagSize = 16;
 constexpr size_t kKeySize = 32;
-constexpr unsigned kRounds = 100'000; // of making a key, so that guessing passwords takes long
+constexpr unsigned kRounds = 100'000; // of deriving a key, so that guessing passwords takes long
 
 class Cipher {
   public:
@@ -60,7 +60,7 @@ class Cipher {
     Cipher(const Cipher&) = delete;
     Cipher& operator=(const Cipher&) = delete;
 
-    // Answer whether it worked; [size] is the room at [to] and becomes what was written.
+    // Return whether they succeeded. [size] is the capacity at [to], and becomes the number of bytes written.
     bool encrypt(ByteView nonce, ByteView data, unsigned char* to, size_t& size) const {
         return ready_ && gnutls_aead_cipher_encrypt(handle_, nonce.data(), nonce.size(), nullptr, 0, kTagSize,
                                                     data.data(), data.size(), to, &size) == 0;

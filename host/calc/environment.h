@@ -1,7 +1,7 @@
 #pragma once
 
-// What the Get functions answer about the program around the calculations. The host and its scripts fill it
-// in; a session alone answers the defaults.
+// What the Get functions return about the program around the calculations. The host and its scripts set it; a
+// session alone has the defaults.
 
 #include <cstdint>
 #include <functional>
@@ -10,7 +10,7 @@
 
 namespace host {
 
-// A plug-in as Get ( InstalledFMPlugins ) lists it.
+// A plug-in in the list of Get ( InstalledFMPlugins ).
 struct InstalledPlugin {
     std::u16string name;
     std::u16string version;

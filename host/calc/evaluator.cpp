@@ -27,7 +27,7 @@ Value Evaluator::evaluate(const Node& node) {
         return std::visit([&](const auto& form) { return evaluateForm(node, form); }, node.form);
     } catch (const DivisionByZero&) {
         session_.setEvaluationError(static_cast<int>(CalcCode::divisionByZero));
-    } catch (const NumberError&) { // a number of too many digits, the logarithm of 0
+    } catch (const NumberError&) { // for instance too many digits, or the logarithm of 0
         session_.setEvaluationError(static_cast<int>(CalcCode::outOfRange));
     }
     return Value::invalid();
@@ -57,7 +57,7 @@ Value Evaluator::evaluateForm(const Node& /*node*/, const Unary& form) {
     return applyUnary(form.op, evaluate(*form.operand));
 }
 
-// `and` and `or` leave out what can not change the answer; a chain of & makes one text.
+// `and` and `or` do not evaluate operands that cannot change the result. A chain of & makes one text at once.
 Value Evaluator::evaluateForm(const Node& /*node*/, const Chain& form) {
     if (form.rest.front().op == Operator::join) {
         return joined(form);
@@ -72,7 +72,7 @@ Value Evaluator::evaluateForm(const Node& /*node*/, const Chain& form) {
     return left;
 }
 
-// Styles of the texts stay with them.
+// Joins the texts of a chain of &, with their styles.
 Value Evaluator::joined(const Chain& chain) {
     std::u16string text;
     StyledRuns styles;
@@ -156,7 +156,7 @@ Value Evaluator::evaluateForm(const Node& /*node*/, const Let& form) {
 }
 
 Value Evaluator::evaluateForm(const Node& /*node*/, const While& form) {
-    for (const Assignment& assignment : form.logic) { // what an outer loop's last turn left behind
+    for (const Assignment& assignment : form.logic) { // values left by the last turn of an outer loop
         if (const auto* slot = std::get_if<Slot>(&assignment.target)) {
             slots_[slot->index] = Value();
         }

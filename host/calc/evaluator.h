@@ -1,6 +1,6 @@
 #pragma once
 
-// Walks a parsed calculation and computes its value.
+// Evaluates parsed calculations.
 
 #include "host/calc/ast.h"
 #include "host/calc/session.h"
@@ -15,16 +15,17 @@ class Evaluator {
   public:
     Evaluator(Session& session, const Calculation& calculation);
 
-    // The calculation's value. Throws CalcError.
+    // Returns the calculation's value. Throws CalcError.
     Value run() { return evaluate(calculation_.root); }
 
+    // Returns the value of a node of the calculation. Throws CalcError.
     Value evaluate(const Node& node);
     Session& session() { return session_; }
 
     // The key of the variable and its repetition, see repetitionKey().
     std::u16string keyOf(const Variable& variable);
 
-    // Throws the error that a calculation at [node] can not be evaluated.
+    // Throws a CalcError of the evaluation kind at the place of [node].
     [[noreturn]] void fail(const Node& node, std::string message) const;
 
   private:

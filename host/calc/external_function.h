@@ -1,6 +1,6 @@
 #pragma once
 
-// The functions that plug-ins register, as the calculation language sees them.
+// The interface between the calculation language and the functions that plug-ins register.
 
 #include "host/calc/registry.h"
 #include "host/values/value.h"
@@ -11,7 +11,7 @@ namespace host {
 
 class Session;
 
-// One registered function. Argument counts are checked by the caller, before call() runs.
+// A registered function. The caller of call() checks the number of arguments.
 class ExternalFunction : public Registered {
   public:
     static constexpr int kAnyNumber = -1; // as `maxArguments`
@@ -20,7 +20,7 @@ class ExternalFunction : public Registered {
         : Registered(std::move(name)), prototype_(std::move(prototype)), minArguments_(minArguments),
           maxArguments_(maxArguments) {}
 
-    // Runs the function. Throws ExternalFailure when it let an exception through.
+    // Runs the function and returns its result. Throws ExternalFailure when the plug-in throws an exception.
     virtual Value call(Session& session, std::span<Value> arguments) = 0;
 
     const std::u16string& prototype() const { return prototype_; }

@@ -11,7 +11,7 @@ namespace host {
 namespace {
 
 constexpr const char* kBadPath = "Incorrect key, index, or path";
-constexpr size_t kMaxIndex = 10'000'000; // an array filled up to more would not fit memory
+constexpr size_t kMaxIndex = 10'000'000; // padding an array further could exhaust memory
 
 [[noreturn]] void fail() {
     throw JsonError(kBadPath);
@@ -24,7 +24,7 @@ std::optional<size_t> indexIn(std::string_view digits) {
     return whole ? std::optional(index) : std::nullopt;
 }
 
-// What stands between brackets; [rest] begins behind the opening one and ends up behind the closing one.
+// Reads the step in brackets. [rest] begins after the opening bracket, and is moved past the closing one.
 JsonStep bracketStep(std::string_view& rest) {
     const char quote = rest.empty() ? '\0' : rest.front();
     if (quote == '\'' || quote == '"') {
@@ -61,7 +61,7 @@ JsonStep bracketStep(std::string_view& rest) {
     return {JsonStep::Kind::index, {}, *index};
 }
 
-// The place in an array that a step means; nothing for a key that is none.
+// Returns the place in an array that a step means; nothing for a key that is not made of digits.
 std::optional<size_t> placeIn(const Json& array, const JsonStep& step) {
     switch (step.kind) {
     case JsonStep::Kind::index:
@@ -148,7 +148,7 @@ Json& makeJson(Json& root, const std::vector<JsonStep>& path) {
         if (!place || *place > kMaxIndex) {
             fail();
         }
-        at = &(*at)[*place]; // makes the places before it
+        at = &(*at)[*place]; // also pads the array
     }
     return *at;
 }

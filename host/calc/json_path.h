@@ -1,6 +1,6 @@
 #pragma once
 
-// Paths to elements of JSON: a.b, ['a']['b'], [2], a[1].b; the empty path and "." are the root.
+// Paths to elements of JSON: a.b, ['a']['b'], [2], a[1].b; the empty path and "." mean the root.
 
 #include "host/calc/json_text.h"
 
@@ -11,7 +11,7 @@
 
 namespace host {
 
-// A step of a path: a key, or a place in an array.
+// A step of a path: a key of an object, or a place in an array.
 struct JsonStep {
     enum class Kind { key, index, last, append }; // name, [n], [:], [+]
 
@@ -22,17 +22,17 @@ struct JsonStep {
     bool isPlace() const { return kind != Kind::key; }
 };
 
-// Reads a path. Throws JsonError for one that cannot be understood.
+// Returns the steps of a path. Throws JsonError for one that cannot be parsed.
 std::vector<JsonStep> jsonPath(const Value& path);
 
-// The element at the end of a path; null when there is none. A key of digits is a place in an array.
+// Returns the element at a path; null when there is none. In an array, a key made of digits is a place.
 const Json* findJson(const Json& root, const std::vector<JsonStep>& path);
 
-// The element at the end of a path; what is missing on the way is made, arrays are filled up with null.
-// Throws JsonError where the path meets an element of another kind.
+// Returns the element at a path, and makes it if it is missing; so are the elements on the way, and arrays
+// are padded with null. Throws JsonError where the path leads through an element of another kind.
 Json& makeJson(Json& root, const std::vector<JsonStep>& path);
 
-// Removes the element at the end of a path, if there is one.
+// Removes the element at a path, if there is one.
 void removeJson(Json& root, const std::vector<JsonStep>& path);
 
 } // namespace host

@@ -11,9 +11,9 @@ namespace host {
 
 namespace {
 
-constexpr int kMaxDepth = 1000; // of objects and arrays inside each other
+constexpr int kMaxDepth = 1000; // of nested objects and arrays
 
-// The place of a byte, as the message of an error names it.
+// Returns the place of a byte for an error message.
 std::string place(std::string_view text, size_t byte) {
     const std::string_view before = text.substr(0, std::min(byte, text.size()));
     const auto line = std::count(before.begin(), before.end(), '\n') + 1;
@@ -23,7 +23,7 @@ std::string place(std::string_view text, size_t byte) {
            "\n  ";
 }
 
-// What the reader's library says, and what is told of it.
+// A sign by which an error of the library is recognised, and the message for it.
 struct Reason {
     std::string_view sign;
     std::string_view message;
@@ -54,7 +54,7 @@ std::string messageOf(const Json::parse_error& error, std::string_view text) {
     return message;
 }
 
-// Objects and arrays inside each other, texts left out.
+// Whether objects and arrays are nested deeper than kMaxDepth; ignores brackets in texts.
 bool isTooDeep(std::string_view text) {
     int depth = 0;
     bool inText = false;
@@ -198,7 +198,7 @@ void writeFormatted(std::string& out, const Json& json, size_t depth) {
 
 std::shared_ptr<const ParsedJson> parsedJson(const Value& value) {
     if (const auto* known = dynamic_cast<const ParsedJson*>(value.note())) {
-        return {std::shared_ptr<const ParsedJson>(), known}; // the value keeps it
+        return {std::shared_ptr<const ParsedJson>(), known}; // not owned: the value keeps it
     }
     auto result = read(value.asText());
     value.setNote(result);

@@ -1,6 +1,6 @@
 #pragma once
 
-// JSON as texts hold it: read, kept with the text, written.
+// JSON in texts: parsing it, keeping the parsed form with the text, and writing it.
 
 #include "host/values/value.h"
 
@@ -13,37 +13,37 @@ namespace host {
 
 using Json = nlohmann::json; // its objects keep their keys sorted, which is the order that is written
 
-// A text that is no JSON document; what() is the message of the reader, in UTF-8.
+// Thrown for a text that is no JSON document; what() is the parser's message, in UTF-8.
 class JsonError : public std::runtime_error {
   public:
     using std::runtime_error::runtime_error;
 };
 
-// What reading a text gave, remembered with it.
+// The result of parsing a text, kept as its note.
 // NOLINTNEXTLINE(bugprone-exception-escape): the library's values do not throw when they are made or moved
 struct ParsedJson : TextNote {
     Json root;
     std::string error;     // of a text that is no JSON
-    bool declared = false; // by JSONParse, or a result of JSONSetElement: JSONParsedState tells
+    bool declared = false; // a result of JSONParse or JSONSetElement, which JSONParsedState asks for
 };
 
-// The parsed form of a value's text, from memory when it was read before. Never null; a text that is no JSON
-// document (an object or an array) has an error. Lives as long as [value].
+// Returns the parsed form of a value's text; parses it only once, as it is kept with the text. Never null;
+// for a text that is no JSON document (an object or an array) it has an error. Valid as long as [value].
 std::shared_ptr<const ParsedJson> parsedJson(const Value& value);
 
-// The parsed form of a JSON document. Throws JsonError for a text that is none.
+// Like parsedJson(), but throws JsonError for a text that is no JSON document.
 std::shared_ptr<const ParsedJson> requireJson(const Value& value);
 
-// The first JSON value that a text begins with; what follows does not count. Throws JsonError for none.
+// Returns the JSON value with which a text begins, and ignores the rest. Throws JsonError when there is none.
 Json firstJson(std::u16string_view text);
 
-// Without spaces; numbers as short as they can be, characters as they are but for those that must be escaped.
+// Returns JSON as text without spaces, with numbers as short as possible, and escapes only where required.
 std::u16string jsonText(const Json& json);
 
-// A value a line, indented by tabs.
+// Returns JSON as text with one value a line, indented by tabs.
 std::u16string formattedJson(const Json& json);
 
-// A text value of some JSON that knows its parsed form.
+// Returns JSON as a text value, which keeps the parsed form.
 Value jsonValue(Json json, bool declared);
 
 } // namespace host

@@ -4,11 +4,11 @@ namespace host {
 
 namespace {
 
-// Half-width katakana from U+FF61 on, in its full width.
+// The full-width forms of the half-width katakana from U+FF61 on.
 constexpr char16_t kFirstHalf = u'\uFF61';
 constexpr std::u16string_view kFullWidth = u"。「」、・ヲァィゥェォャュョッーアイウエオカキクケコサシスセソタ"
                                            u"チツテトナニヌネノハヒフヘホマミムメモヤユヨラリルレロワン゛゜";
-// Katakana with one of the two marks, and without.
+// Katakana with each of the two marks (dakuten, handakuten), and without.
 constexpr std::u16string_view kVoiced = u"ガギグゲゴザジズゼゾダヂヅデドバビブベボヴ";
 constexpr std::u16string_view kUnvoiced = u"カキクケコサシスセソタチツテトハヒフヘホウ";
 constexpr std::u16string_view kPlosive = u"パピプペポ";
@@ -25,7 +25,7 @@ constexpr char16_t kFirstFullRoman = u'\uFF01';
 constexpr char16_t kLastFullRoman = u'\uFF5E';
 constexpr char16_t kFullSpace = u'\u3000';
 
-// The character of [to] at the place of [c] in [from]; 0 when it is not there.
+// Returns the character in [to] at the place that [c] has in [from]; 0 when [from] does not have it.
 char16_t counterpart(char16_t c, std::u16string_view from, std::u16string_view to) {
     const size_t place = from.find(c);
     return place == std::u16string_view::npos ? u'\0' : to[place];

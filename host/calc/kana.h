@@ -1,6 +1,7 @@
 #pragma once
 
-// Japanese characters in their forms: hiragana and katakana, full and half width.
+// Conversions between the forms of Japanese characters: hiragana and katakana, full and half width. Other
+// characters stay as they are.
 
 #include <string>
 #include <string_view>

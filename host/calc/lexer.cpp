@@ -21,7 +21,7 @@ bool isDigit(char16_t c) {
     return c >= u'0' && c <= u'9';
 }
 
-// A no-break space counts: text pasted from a page is full of them.
+// White space includes the no-break space, of which text pasted from web pages is full.
 bool isBlank(char16_t c) {
     return c == u' ' || (c >= u'\t' && c <= u'\r') || c == u'\u00A0' || c == u'\uFEFF';
 }
@@ -51,7 +51,7 @@ bool startsName(char32_t c) {
 bool continuesName(char32_t c) {
     const auto character = static_cast<UChar32>(c);
     return startsName(c) || c == U'.' || u_isalnum(character) ||
-           (U_GET_GC_MASK(character) & U_GC_M_MASK) != 0; // accents of decomposed letters
+           (U_GET_GC_MASK(character) & U_GC_M_MASK) != 0; // combining accents
 }
 
 char16_t Lexer::peek(size_t ahead) const {
@@ -113,8 +113,8 @@ void Lexer::skipBlanks() {
     }
 }
 
-// Inside quotes a backslash keeps a quote, a backslash and a paragraph mark; a bare paragraph mark and every
-// line end stand for a return.
+// In a text, a backslash escapes a quote, a backslash or a paragraph mark; a paragraph mark without it and
+// any line end stand for a carriage return.
 void Lexer::readText(Token& token) {
     token.kind = TokenKind::text;
     const size_t size = source_->text().size();
@@ -155,7 +155,7 @@ void Lexer::readNumber(Token& token) {
     while (isDigit(peek())) {
         ++at_;
     }
-    // A file with another decimal point takes that one as well.
+    // The decimal point of the formats in use is accepted as well.
     const bool hasOwnPoint = peek() == formats().decimalPoint && isDigit(peek(1));
     if (peek() == u'.' || hasOwnPoint) {
         ++at_;

@@ -1,6 +1,6 @@
 #pragma once
 
-// Cuts a calculation into tokens, one at a time.
+// Splits a calculation into tokens, one at a time.
 
 #include "host/calc/calc_error.h"
 #include "host/calc/operators.h"
@@ -12,8 +12,8 @@ namespace host {
 enum class TokenKind : uint8_t {
     end,
     number,     // text: its characters
-    text,       // text: what it stands for, escapes resolved; also the paragraph mark
-    quoted,     // text in curly quotes, as script steps name scripts; no value of a calculation
+    text,       // text: its contents, escapes resolved; also for a paragraph mark
+    quoted,     // text in curly quotes, by which script steps name scripts; not valid in a calculation
     identifier, // text: the word as written
     variable,   // text: the name with its one or two dollar signs, as written
     symbol,     // op: the operator
@@ -27,24 +27,24 @@ enum class TokenKind : uint8_t {
 
 struct Token {
     TokenKind kind = TokenKind::end;
-    const OperatorRow* op = nullptr; // of a symbol
+    const OperatorRow* op = nullptr; // set for a symbol
     size_t begin = 0;                // offsets into the source, half open
     size_t end = 0;
     std::u16string text;
 };
 
-// True for a character that a name may start with, or go on with.
+// Whether a name may start with a character, and whether it may continue with it.
 bool startsName(char32_t c);
 bool continuesName(char32_t c);
 
 class Lexer {
   public:
-    // Starts at [offset] of [source], so that a calculation inside a script has its place in the script's
-    // file.
+    // Starts at [offset] in [source], so that the places in a calculation inside a script are those in the
+    // script's file.
     Lexer(SourcePtr source, size_t offset) : source_(std::move(source)), at_(offset) {}
 
-    // The next token; after the last one, `end` for ever. White space and comments are skipped.
-    // Throws CalcError: incomplete for an open text or comment, syntax for a character that fits nowhere.
+    // Returns the next token; after the last one, always `end`. Skips white space and comments. Throws
+    // CalcError: incomplete for a text or comment without its end, syntax for an unexpected character.
     Token next();
 
     const SourcePtr& source() const { return source_; }

@@ -1,7 +1,7 @@
 #pragma once
 
-// Lists: texts whose values are separated by carriage returns. Line feeds, and both together, are read as
-// well.
+// Lists: texts whose values are separated by carriage returns. When reading, line feeds and CR LF are
+// accepted as well.
 
 #include <string>
 #include <string_view>
@@ -9,11 +9,11 @@
 
 namespace host {
 
-// The values of a list, empty ones included; the text after the last separator only when it is not empty.
+// Returns the values of a list, also empty ones; the text after the last separator only when it is not empty.
 // They refer to [list].
 std::vector<std::u16string_view> listValues(std::u16string_view list);
 
-// The values one after another, each followed by a return.
+// Returns the values as a text, each followed by a carriage return.
 std::u16string terminatedList(const std::vector<std::u16string_view>& values);
 
 } // namespace host

@@ -17,8 +17,9 @@ bool isMomentAndTime(ValueType left, ValueType right) {
            (left == ValueType::time && right == ValueType::timestamp);
 }
 
-// The type of a sum or difference: a day, a time or a moment moved by a number stays one. The distance of two
-// times, or of two moments, is a time, that of two days a number of days.
+// Returns the type of a sum or difference. A date, a time or a time stamp and a number give the same type as
+// the former. The difference of two times, or of two time stamps, is a time; that of two dates a number of
+// days.
 ValueType resultType(Operator op, ValueType left, ValueType right) {
     if (isDateOrTime(left) && !isDateOrTime(right)) {
         return left;
@@ -58,7 +59,7 @@ Value arithmetic(Operator op, const Value& left, const Value& right, int places)
     return isSum ? number.convertedTo(resultType(op, left.type(), right.type())) : number;
 }
 
-// The number to compare with a value of [other]'s type; nothing when [value] has none.
+// Returns the number by which [value] is compared with a value of type [other]; nothing when it has none.
 std::optional<Number> comparable(const Value& value, ValueType other) {
     if (value.type() == ValueType::text && isDateOrTime(other)) {
         const Value read = value.convertedTo(other);
@@ -67,7 +68,7 @@ std::optional<Number> comparable(const Value& value, ValueType other) {
     return value.asNumber();
 }
 
-// By their names, then by all they hold, so that only containers with the same streams are equal.
+// Compares containers by their names, then by their streams, so that only those with equal streams are equal.
 std::strong_ordering compareContainers(const Value& left, const Value& right) {
     const auto names = compareIgnoringCase(left.asText(), right.asText());
     return names != 0 ? names : left.asContainer() <=> right.asContainer();

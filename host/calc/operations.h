@@ -1,7 +1,7 @@
 #pragma once
 
-// What the operators do with values. A computation that has no answer throws NumberError: the evaluator makes
-// it "?".
+// The operators on values. They throw NumberError for a computation without a result, which the evaluator
+// makes "?".
 
 #include "host/calc/operators.h"
 #include "host/values/value.h"
@@ -10,23 +10,23 @@
 
 namespace host {
 
-// The number 1 or 0.
+// Returns the number 1 or 0.
 Value truth(bool value);
 
-// +, - or not. A value that could not be computed ("?") stays what it is.
+// Applies +, - or not. An invalid value ("?") stays invalid.
 Value applyUnary(Operator op, const Value& operand);
 
-// Any operator between two values but joining; `and`, `or` and `xor` get both. A value that could not be
-// computed stays "?" in arithmetic. A day, a time or a moment plus or minus a number stays one; the distance
-// of two times, or of two moments, is a time. A quotient or a power keeps [places] places behind the point.
+// Applies any operator between two values, except &. Arithmetic with an invalid value ("?") gives "?". A
+// date, a time or a time stamp plus or minus a number keeps its type; the difference of two times, or of two
+// time stamps, is a time. A quotient or a power is rounded to [places] digits after the point.
 Value applyBinary(Operator op, const Value& left, const Value& right, int places = Number::kQuotientPlaces);
 
-// How two values compare: as numbers when one of them is no text and the other has a number in it, else as
-// texts without regard to letter case. A text that is compared with a day, a time or a time stamp is read as
-// one if it spells one.
+// Compares two values: as numbers when at least one of them is not text and both have a number; else as texts
+// without regard to letter case. A text that is compared with a date, a time or a time stamp is read as one
+// if it gives one.
 std::strong_ordering compareValues(const Value& left, const Value& right);
 
-// Adds the value's text.
+// Appends the value's text to [text].
 void appendText(std::u16string& text, const Value& value);
 
 } // namespace host

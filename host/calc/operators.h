@@ -1,6 +1,7 @@
 #pragma once
 
-// The operators: spelling, strength, meaning. The lexer reads the spellings, the parser the strengths.
+// The table of operators. The lexer uses their spellings, the parser their levels, the evaluator their
+// meanings.
 
 #include <algorithm>
 #include <array>
@@ -28,8 +29,7 @@ enum class Operator : uint8_t {
     logicalNot,
 };
 
-// How strongly operators bind; a higher number binds first. Operators of one level are read from left to
-// right.
+// Levels of precedence: operators of a higher level bind first, those of one level from left to right.
 namespace level {
 inline constexpr int kOr = 1;
 inline constexpr int kAnd = 2;
@@ -38,7 +38,7 @@ inline constexpr int kJoin = 4;
 inline constexpr int kSum = 5;
 inline constexpr int kProduct = 6;
 inline constexpr int kPower = 7;
-inline constexpr int kNone = 0; // not written between two values
+inline constexpr int kNone = 0; // not a binary operator
 } // namespace level
 
 struct OperatorRow {
@@ -47,7 +47,7 @@ struct OperatorRow {
     int level;
 };
 
-// A spelling that another one begins with stands after it: the lexer takes the first that fits.
+// A spelling comes after all that begin with it, as the lexer takes the first that matches.
 inline constexpr std::array kOperators = {
     OperatorRow{u"^", Operator::power, level::kPower},
     OperatorRow{u"*", Operator::multiply, level::kProduct},
@@ -70,7 +70,7 @@ inline constexpr std::array kOperators = {
     OperatorRow{u"not", Operator::logicalNot, level::kNone},
 };
 
-// A word operator is lexed as a whole word, a symbol by its characters.
+// Whether the operator is a word, which is lexed as a whole, and not a symbol.
 constexpr bool isWord(const OperatorRow& row) {
     return row.spelling[0] >= u'a' && row.spelling[0] <= u'z';
 }

@@ -82,8 +82,8 @@ Calculation Parser::variableCalculation() {
     return result;
 }
 
-// Binary operators from [minimumLevel] up. The right side of an operator is read one level up, so that what
-// follows it is weaker or of its own level, and a chain takes all of its own level.
+// Parses binary operators of [minimumLevel] and above. The right operand is parsed one level up, so that the
+// next operator is of the same level, and continues the chain, or of a lower one.
 Node Parser::expression(int minimumLevel) {
     Node left = operand();
     while (token_.kind == TokenKind::symbol && token_.op->level >= minimumLevel) {
@@ -100,7 +100,7 @@ Node Parser::expression(int minimumLevel) {
     return left;
 }
 
-// A sign, which binds less than ^ and more than *; or `not`, which binds more than all others.
+// Parses a sign, which binds weaker than ^ and stronger than *; or `not`, which binds strongest of all.
 Node Parser::operand() {
     const DepthGuard level(depth_);
     if (depth_ > kMaxNesting) {
@@ -167,7 +167,7 @@ Node Parser::textOrNumber() {
     }
 }
 
-// A name: of this calculation, of the language, of a plug-in, in this order.
+// Parses a name, which is looked up in this calculation, then in the language, then among plug-in functions.
 Node Parser::named() {
     const Token token = std::move(token_);
     advance();
@@ -232,7 +232,7 @@ Node Parser::call(const ExternalFunctionPtr& function, size_t begin) {
     return Node{begin, ExternalCall{foldName(function->name()), function, std::move(given)}};
 }
 
-// The arguments in parentheses; a call without parentheses has none.
+// Parses the arguments in parentheses; a call without parentheses has none.
 std::vector<Node> Parser::arguments(std::u16string_view function, bool allowBrackets) {
     std::vector<Node> result;
     if (!accept(TokenKind::leftParen) || accept(TokenKind::rightParen)) {
@@ -257,8 +257,8 @@ Node Parser::brackets() {
     return Node{begin, std::move(result)};
 }
 
-// After the first argument every other one is a list; where the function takes several arguments behind the
-// first, each list holds that many.
+// Checks a call with arguments in brackets: all arguments after the first are then lists. If the function
+// requires several arguments after the first, each list must have that many.
 void Parser::checkLists(const Builtin& function, const std::vector<Node>& given) const {
     const auto items = static_cast<size_t>(std::max(function.minArguments() - 1, 0));
     for (const Node& node : given) {
@@ -272,7 +272,7 @@ void Parser::checkLists(const Builtin& function, const std::vector<Node>& given)
     }
 }
 
-// A function of fields takes a variable where it can; everything else is refused.
+// Refuses a function that needs a field, unless it accepts a variable and gets one.
 void Parser::checkField(const Builtin& function, const std::vector<Node>& given, size_t begin) const {
     const bool takesVariable = function.form == BuiltinForm::lazy;
     if (takesVariable && std::holds_alternative<Variable>(given.front().form)) {
@@ -336,7 +336,7 @@ Node Parser::getForm(size_t begin) {
     return Node{begin, Get{row}};
 }
 
-// One assignment, or several in brackets; brackets may be empty.
+// Parses one assignment, or any number of them in brackets.
 std::vector<Assignment> Parser::assignments(size_t scope) {
     std::vector<Assignment> result;
     if (!accept(TokenKind::leftBracket)) {
@@ -375,7 +375,8 @@ Assignment Parser::assignment(size_t scope) {
     return {Slot{define(std::move(key), scope)}, std::move(value)};
 }
 
-// The slot of a name of the form whose names start at [scope]; a new one when the form has no such name yet.
+// Returns the slot of a name in the form whose names start at [scope]; a new one when it has no such name
+// yet.
 uint32_t Parser::define(std::u16string key, size_t scope) {
     for (size_t i = names_.size(); i > scope; --i) {
         if (names_[i - 1].key == key) {

@@ -1,6 +1,7 @@
 #pragma once
 
-// Reads calculations. Recursive descent over the operator table; every name is looked up while reading.
+// The parser of calculations: recursive descent, with the table of operators. Names are looked up while
+// parsing.
 
 #include "host/calc/ast.h"
 #include "host/calc/lexer.h"
@@ -10,21 +11,21 @@
 
 namespace host {
 
-// Parentheses, calls and signs may stand inside each other this deep.
+// The deepest nesting of parentheses, calls and signs.
 inline constexpr int kMaxNesting = 250;
 
 // Parses the whole of [source] as one calculation. Throws CalcError (incomplete or syntax).
 Calculation parseCalculation(const SourcePtr& source, const FunctionRegistry& functions);
 
-// True when a text holds nothing but white space and comments. Throws CalcError as parsing does.
+// Whether a text has only white space and comments. Throws CalcError for a comment without its end.
 bool isBlankCalculation(const SourcePtr& source);
 
-// A reader of tokens and calculations; script steps read their brackets with it as well.
+// Parses calculations in a source, and tokens between them: script steps parse their brackets with it.
 class Parser {
   public:
     Parser(SourcePtr source, size_t offset, const FunctionRegistry& functions);
 
-    // One calculation, up to the first token that does not belong to it.
+    // Parses one calculation, up to the first token that does not belong to it.
     Calculation calculation();
 
     // A variable with or without its repetition, as a calculation of its own: what Session::assign() takes.
@@ -34,19 +35,20 @@ class Parser {
     void advance() { token_ = lexer_.next(); }
     const SourcePtr& source() const { return lexer_.source(); }
 
-    // Goes on with the first token at or after that place of the source.
+    // Continues with the first token at or after [offset] in the source.
     void continueAt(size_t offset);
 
-    // Takes the current token when it is of [kind].
+    // Takes the current token if it is of [kind]; returns whether it was.
     bool accept(TokenKind kind);
 
-    // Takes the current token, or fails with "expected [what]".
+    // Takes the current token, which must be of [kind]; otherwise fails with "expected [what]".
     void expect(TokenKind kind, std::string_view what);
 
-    // Takes the current token when it is the word [word] (folded).
+    // Takes the current token if it is the word [word] (folded); returns whether it was.
     bool acceptWord(std::u16string_view word);
 
-    // Fails at the current token with [code]: incomplete when it is the end, else syntax.
+    // Throws CalcError, "expected [what]", at the current token: incomplete when that is the end, else
+    // syntax.
     [[noreturn]] void failExpected(std::string_view what, CalcCode code) const;
     [[noreturn]] void fail(size_t offset, CalcCode code, std::string message) const;
 

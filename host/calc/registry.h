@@ -1,6 +1,6 @@
 #pragma once
 
-// What plug-ins register under names: case does not count in them.
+// Registries: what plug-ins register, by name without regard to case.
 
 #include "host/values/text.h"
 
@@ -13,19 +13,18 @@
 
 namespace host {
 
-// The form of a name that decides whether two names are the same.
+// Returns the folded form of a name: two names are the same when their folded forms are.
 inline std::u16string foldName(std::u16string_view name) {
     return foldCase(name);
 }
 
-// What a call that failed inside the plug-in throws: the message says how, without the name of what was
-// called.
+// Thrown when a call failed inside the plug-in. what() says how, without the name of the function or step.
 class ExternalFailure : public std::runtime_error {
   public:
     using std::runtime_error::runtime_error;
 };
 
-// A thing with a name that can stand in a registry.
+// Base class of the items of a registry.
 class Registered {
   public:
     explicit Registered(std::u16string name) : name_(std::move(name)) {}
@@ -35,7 +34,7 @@ class Registered {
 
     const std::u16string& name() const { return name_; }
 
-    // False once the plug-in has unregistered it; whoever still holds it must not call it any more.
+    // False once the plug-in has unregistered the item, which must not be called any more then.
     bool registered() const { return registered_; }
 
   private:
@@ -46,14 +45,14 @@ class Registered {
     bool registered_ = false;
 };
 
-// Registered things by name.
+// Registered items by name.
 template <class Item>
 class Registry {
   public:
     using Pointer = std::shared_ptr<Item>;
     using Items = std::map<std::u16string, Pointer, std::less<>>;
 
-    // Answers false, and changes nothing, when the name is taken.
+    // Adds an item. Returns false, and changes nothing, when the name is taken.
     bool add(const Pointer& item) {
         const bool added = items_.emplace(foldName(item->name()), item).second;
         item->registered_ = item->registered_ || added;
@@ -68,13 +67,13 @@ class Registry {
         }
     }
 
-    // [key] is a folded name; null when there is none.
+    // Returns the item with a folded name; null when there is none.
     Pointer find(std::u16string_view key) const {
         const auto found = items_.find(key);
         return found == items_.end() ? nullptr : found->second;
     }
 
-    // All of them, ordered by their folded name.
+    // Returns all items, ordered by folded name.
     const Items& all() const { return items_; }
 
   private:

@@ -9,7 +9,7 @@ namespace host {
 
 namespace {
 
-// The characters of a line that an excerpt shows on each side of the place, at most.
+// The most characters of a line that an excerpt shows on each side of the place.
 constexpr size_t kExcerptReach = 60;
 
 bool isLineEnd(char16_t c) {

@@ -10,11 +10,11 @@ namespace host {
 
 namespace {
 
-// Names longer than this are compared by their beginning: the distance takes time by the square of the
-// length.
+// The number of characters by which names are compared, as the time grows with the square of the length.
 constexpr size_t kCompared = 64;
 
-// Single-character insertions, deletions, replacements and swaps of neighbours that lead from [a] to [b].
+// Returns the least number of insertions, deletions and replacements of a character, and swaps of neighbours,
+// that turn [a] into [b].
 size_t editDistance(std::u16string_view a, std::u16string_view b) {
     std::vector<size_t> beforeLast(b.size() + 1);
     std::vector<size_t> last(b.size() + 1);

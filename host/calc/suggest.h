@@ -1,6 +1,6 @@
 #pragma once
 
-// Finds the known name that is nearest to a misspelt one.
+// Finds the candidate that is most similar to a misspelt name.
 
 #include <string>
 #include <string_view>
@@ -11,10 +11,10 @@ class Suggestion {
   public:
     explicit Suggestion(std::u16string_view misspelt);
 
-    // Keeps [candidate] when it is nearer than all before it.
+    // Keeps [candidate] if it is more similar than all before it.
     void consider(std::u16string_view candidate);
 
-    // "; did you mean Name?", or nothing when no candidate is near enough to be meant.
+    // Returns "; did you mean Name?" with the best candidate; empty when none is similar enough.
     std::string question() const;
 
   private:

@@ -96,8 +96,7 @@ class Prompt {
         while (true) {
             int size = 0;
             gInterrupted = 0;
-            host_.session().interruptFlag() =
-                false; // Ctrl-C stops what was running, not the next script
+            host_.session().interruptFlag() = false; // Ctrl-C stops what was running, not the next script
             // Sets raw mode before the prompt shows; otherwise the terminal would swallow a Ctrl-D typed at
             // once.
             el_set(line_.get(), EL_PREP_TERM, 1);

@@ -1,4 +1,4 @@
-// Functions of any number of values. Empty ones are passed over.
+// Functions of any number of values, which ignore empty ones.
 #include "host/calc/functions/groups.h"
 #include "host/calc/operations.h"
 #include "host/calc/session.h"
@@ -10,7 +10,7 @@ namespace host {
 
 namespace {
 
-// The numbers of the arguments that have one.
+// Returns the numbers of the arguments that have one. Throws NumberError for an invalid argument.
 std::vector<Number> numbers(Arguments in) {
     std::vector<Number> result;
     for (const Value& value : in) {
@@ -44,7 +44,7 @@ Value countFunction(Session& /*session*/, Arguments in) {
         std::count_if(in.begin(), in.end(), [](const Value& value) { return !value.isEmpty(); }));
 }
 
-// The values that are not empty, with returns between them.
+// Returns the values that are not empty, separated by carriage returns.
 Value list(Session& /*session*/, Arguments in) {
     std::u16string result;
     bool first = true;
@@ -60,8 +60,8 @@ Value list(Session& /*session*/, Arguments in) {
     return Value::text(result);
 }
 
-// The argument that comes first by [isBefore]: of texts alone the text, else the number; a text without a
-// number then does not count.
+// Returns the argument that comes first by [isBefore]. When all are texts they are compared as such, else as
+// numbers; arguments without a number are then ignored.
 template <class Order>
 Value extreme(Arguments in, Order isBefore) {
     const bool areTexts =
@@ -96,8 +96,8 @@ Value sum(Session& /*session*/, Arguments in) {
     return Value::number(sumOf(numbers(in)));
 }
 
-// The sum of the squared distances from the mean, divided by the number of values less [fewer]. One division
-// at the end keeps it exact.
+// Returns the sum of the squared distances from the mean, divided by the number of values minus [fewer].
+// Divides only once, at the end, to stay exact.
 Number varianceOf(const std::vector<Number>& values, int64_t fewer, int places) {
     const auto size = static_cast<int64_t>(values.size());
     Number squares;
@@ -121,7 +121,7 @@ Value deviation(Session& session, Arguments in) {
         return {};
     }
     const int places = session.precision();
-    const int twice = std::min(2 * places + 2, Number::kMaxDigits); // the root halves the places that count
+    const int twice = std::min(2 * places + 2, Number::kMaxDigits); // the root halves the significant places
     return Value::number(Number::squareRoot(varianceOf(values, Fewer, twice), places));
 }
 

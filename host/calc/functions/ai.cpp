@@ -1,5 +1,5 @@
-// Artificial intelligence: computing with vectors of numbers. Models are asked over a network, which there is
-// none of.
+// Artificial intelligence: computing with vectors of numbers. Functions that ask a model are placeholders, as
+// this host has no network.
 #include "host/calc/functions/data.h"
 #include "host/calc/functions/groups.h"
 #include "host/calc/json_text.h"
@@ -16,7 +16,8 @@ namespace {
 
 using Vector = std::vector<double>;
 
-// A vector: a JSON array of numbers, or a file of binary ones of 32 bits, low byte first.
+// Returns a value as a vector: a JSON array of numbers, or a file of little-endian 32-bit floating-point
+// numbers.
 std::optional<Vector> vectorOf(const Value& value) {
     Vector result;
     if (value.type() == ValueType::container) {
@@ -54,7 +55,7 @@ Value binaryFile(const Vector& vector, std::u16string_view name) {
     return name.empty() ? namelessFile(std::move(bytes)) : decodedValue(std::move(bytes), name);
 }
 
-// In the form of [like]: a file when that is one, else JSON.
+// Returns a vector in the form of [like]: as a file when that is a container, else as JSON.
 Value vectorValue(const Vector& vector, const Value& like) {
     return like.type() == ValueType::container ? binaryFile(vector, u"") : jsonValue(Json(vector), false);
 }
@@ -63,7 +64,7 @@ double product(const Vector& left, const Vector& right) {
     return std::inner_product(left.begin(), left.end(), right.begin(), 0.0);
 }
 
-// Brings the length to 1; nothing for a vector without a length.
+// Returns the vector scaled to length 1; nothing for one of length 0.
 std::optional<Vector> normalized(Vector vector) {
     const double length = std::sqrt(product(vector, vector));
     if (length == 0 || !std::isfinite(length)) {
@@ -106,7 +107,7 @@ Value cosineSimilarity(Session& /*session*/, Arguments in) {
                         : Value::number(Number::fromDouble(product(*left, *right) / lengths));
 }
 
-// Of the first dimensions only, when so many are given.
+// Keeps only the given number of dimensions, if there is one.
 Value normalizeEmbedding(Session& /*session*/, Arguments in) {
     auto vector = vectorOf(in[0]);
     if (!vector) {
@@ -133,7 +134,7 @@ Value embeddingAsText(Session& /*session*/, Arguments in) {
     return vector ? jsonValue(Json(*vector), false) : Value::invalid();
 }
 
-// An estimate: four characters make a token.
+// Estimates the number of tokens: one for every four characters.
 Value tokenCount(Session& /*session*/, Arguments in) {
     constexpr size_t kCharactersOfToken = 4;
     const size_t size = in[0].asText().size();

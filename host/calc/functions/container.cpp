@@ -1,4 +1,4 @@
-// What containers hold: attributes, sizes, thumbnails.
+// Functions of containers: attributes, sizes, thumbnails.
 #include "host/calc/crypt.h"
 #include "host/calc/functions/groups.h"
 #include "host/values/container_file.h"
@@ -14,7 +14,7 @@ Value sizeValue(size_t number) {
     return integerValue(static_cast<int64_t>(number));
 }
 
-// The digest of the container's file.
+// Returns the MD5 digest of the container's file.
 Value md5(const Container& container) {
     const Container::Stream* stream = fileStream(container);
     const auto bytes = stream == nullptr ? std::nullopt : digest(stream->bytes(), u"MD5");
@@ -75,7 +75,7 @@ constexpr Attribute kAttributes[] = {
     {u"barcode", u"barcodeType", nothing},
 };
 
-// The attributes of a group that have a value, one a line; nothing when there is no such group.
+// Returns the attributes of a group that have a value, one a line; nothing when there is no such group.
 std::optional<std::u16string> groupText(const Container& container, std::u16string_view group) {
     std::u16string text;
     bool known = false;
@@ -91,7 +91,8 @@ std::optional<std::u16string> groupText(const Container& container, std::u16stri
     return known ? std::optional(text) : std::nullopt;
 }
 
-// Nothing for what is no container or an empty one, "?" for an attribute that there is not.
+// Returns an attribute, or the attributes of a group; empty when the value is no container or an empty one,
+// "?" for an unknown attribute.
 Value getContainerAttribute(Session& /*session*/, Arguments in) {
     const std::u16string wanted = foldCase(in[1].asText());
     const Container& container = in[0].asContainer();
@@ -116,7 +117,7 @@ Value getWidth(Session& /*session*/, Arguments in) {
     return integerValue(sides ? sides->first : 0);
 }
 
-// What is kept here cannot have been changed by others.
+// Returns 1 for any container, since nobody else can have changed those of this host.
 Value verifyContainer(Session& /*session*/, Arguments in) {
     return in[0].type() == ValueType::container ? integerValue(1) : Value::invalid();
 }

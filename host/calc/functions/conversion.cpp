@@ -1,4 +1,4 @@
-// GetAs...: a value read as another type, or written for another purpose.
+// The functions GetAs...: a value as another type or in another notation.
 #include "host/calc/functions/groups.h"
 #include "host/values/text.h"
 
@@ -22,7 +22,7 @@ Value asTimestamp(Session& /*session*/, Arguments in) {
     return in[0].convertedTo(ValueType::timestamp);
 }
 
-// Every byte of the UTF-8 but those that may stand in an address as they are.
+// Escapes every byte of the UTF-8, except those that a URL may contain as they are.
 Value asUrlEncoded(Session& /*session*/, Arguments in) {
     constexpr std::string_view kPlain = "ABCDEFGHIJKLMNOPQRSTUVWXYZabcdefghijklmnopqrstuvwxyz0123456789-_.~";
     constexpr std::string_view kDigits = "0123456789ABCDEF";

@@ -1,4 +1,5 @@
-// Digests, authentication codes, encryption and signatures of data: containers' files, or texts in UTF-8.
+// Digests, authentication codes, encryption and signatures of data: the files of containers, or texts in
+// UTF-8.
 #include "host/calc/crypt.h"
 
 #include "host/calc/functions/data.h"
@@ -29,7 +30,7 @@ Value cryptAuthCode(Session& /*session*/, Arguments in) {
                : Value::invalid();
 }
 
-// What is encrypted: a mark that tells text from a file, the file's name up to a 0, the bytes.
+// The layout of the data that are encrypted: a byte for text or file, a file's name and a 0, the bytes.
 constexpr unsigned char kText = 'T';
 constexpr unsigned char kFile = 'F';
 
@@ -76,7 +77,7 @@ Value cryptEncrypt(Session& /*session*/, Arguments in) {
     return bytes ? Value::container(fileContainer(u"encrypted.data", std::move(*bytes))) : Value::invalid();
 }
 
-// In one line.
+// Returns the encrypted data as Base64 in one line.
 Value cryptEncryptBase64(Session& /*session*/, Arguments in) {
     const auto bytes = encryptedValue(in[0], in[1]);
     return bytes ? Value::text(base64Text(*bytes, 0)) : Value::invalid();

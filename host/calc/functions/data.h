@@ -1,6 +1,6 @@
 #pragma once
 
-// The bytes of values, for functions that write them in other forms.
+// Values as bytes, for functions that encode, encrypt or digest them.
 
 #include "host/values/value.h"
 
@@ -12,14 +12,15 @@
 
 namespace host {
 
-// The bytes that a value is: of a container its file, of everything else the UTF-8 of its text.
+// The bytes of a value: those of a container's file, for all other types its text in UTF-8. Refers to the
+// value.
 class DataBytes {
   public:
     explicit DataBytes(const Value& value);
     DataBytes(const DataBytes&) = delete;
     DataBytes& operator=(const DataBytes&) = delete;
 
-    // False for an error and for a container without a file.
+    // False for an invalid value, and for a container without a file.
     bool exist() const { return exist_; }
     std::span<const unsigned char> bytes() const { return bytes_; }
 
@@ -29,11 +30,11 @@ class DataBytes {
     bool exist_ = true;
 };
 
-// A container with a file that has no name.
+// Returns a container with a file that has no name.
 Value namelessFile(Bytes bytes);
 
-// Decoded bytes: with a name a container with that file; without one the text that they spell in UTF-8, a
-// file without a name when they spell none.
+// Returns decoded bytes as a value: with a name, as a container with a file of that name; without one, as the
+// text that they are in UTF-8, or as a file without a name when they are not UTF-8.
 Value decodedValue(Bytes bytes, std::u16string_view name);
 
 bool isUtf8(std::span<const unsigned char> bytes);

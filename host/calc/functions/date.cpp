@@ -8,7 +8,7 @@ namespace host {
 
 namespace {
 
-// Months and days outside their range carry over.
+// Returns a date; months and days outside their range carry over.
 Value dateFunction(Session& /*session*/, Arguments in) {
     const std::optional<int32_t> day = dayNumber(integer(in[2]), integer(in[0]), integer(in[1]));
     return day ? Value::date(DateTime(*day)) : Value::invalid();

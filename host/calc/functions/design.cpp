@@ -1,4 +1,5 @@
-// The design of a file. A folder of scripts has scripts and nothing else.
+// Functions about the design of a file. The host's file is a folder of scripts, which has nothing but
+// scripts.
 #include "host/calc/functions/groups.h"
 #include "host/calc/session.h"
 #include "host/values/text.h"
@@ -7,13 +8,13 @@ namespace host {
 
 namespace {
 
-// The folder is the one open file.
+// Returns the folder's name: it is the only open file.
 Value databaseNames(Session& session, Arguments /*in*/) {
     const std::u16string& folder = session.environment().folder;
     return Value::text(folder.substr(folder.rfind(u'/') + 1));
 }
 
-// Of the folder, which an empty name means as well.
+// Returns the scripts of the file with the given name, which must be the folder; an empty name means it, too.
 Value scriptNames(Session& session, Arguments in) {
     const std::u16string file = in[0].asText();
     const Environment& environment = session.environment();

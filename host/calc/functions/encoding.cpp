@@ -12,7 +12,7 @@ namespace host {
 
 namespace {
 
-// The checksum that RFC 4880 puts behind the lines.
+// Returns the checksum that RFC 4880 appends to the lines.
 std::u16string checksum(std::span<const unsigned char> bytes) {
     constexpr uint32_t kStart = 0xB704CE;
     constexpr uint32_t kPolynomial = 0x1864CFB;
@@ -53,7 +53,7 @@ Value base64Encode(Session& /*session*/, Arguments in) {
     return encodedValue(in[0], {0, 76, false});
 }
 
-// A number of no such document means the newest.
+// Encodes by the RFC with the given number; by the newest for an unknown number.
 Value base64EncodeRfc(Session& /*session*/, Arguments in) {
     const int64_t rfc = integer(in[0]);
     const auto* form = std::find_if(std::begin(kForms), std::end(kForms),
@@ -70,7 +70,7 @@ Value base64Decode(Session& /*session*/, Arguments in) {
     return in[0].isValid() && bytes ? decodedValue(std::move(*bytes), nameArgument(in)) : Value::invalid();
 }
 
-// In capital digits.
+// Returns hexadecimal digits in capitals.
 Value hexEncode(Session& /*session*/, Arguments in) {
     const DataBytes data(in[0]);
     if (!data.exist()) {
@@ -84,7 +84,7 @@ Value hexDecode(Session& /*session*/, Arguments in) {
     return in[0].isValid() && bytes ? decodedValue(std::move(*bytes), nameArgument(in)) : Value::invalid();
 }
 
-// The line ends that the third argument of TextEncode names; nothing leaves them as they are.
+// Returns the line end that the third argument of TextEncode names; empty to leave line ends as they are.
 std::u16string_view lineEndOf(int64_t number) {
     constexpr std::u16string_view kLineEnds[] = {u"", u"", u"\r", u"\n", u"\r\n"};
     return number >= 1 && number <= 4 ? kLineEnds[number] : u"";

@@ -1,4 +1,4 @@
-// Payments and interest. Rates and numbers of periods are of the same period.
+// Payments and interest. A rate is the interest of one period.
 #include "host/calc/evaluator.h"
 #include "host/calc/functions/groups.h"
 
@@ -15,7 +15,7 @@ Number argument(Arguments in, size_t place) {
     return in[place].asNumber().value_or(0);
 }
 
-// (1 + rate) ^ periods, with more places than the result will have.
+// Returns (1 + rate) ^ periods, with more places than the result will have.
 Number growth(const Number& rate, const Number& periods, int places) {
     constexpr int kReserve = 40;
     return Number::power(rate + 1, periods, std::min(places + kReserve, Number::kMaxDigits));
@@ -55,7 +55,7 @@ Value presentValue(Session& session, Arguments in) {
         Number::divide(payment * (Number(1) - growth(rate, -periods, places)), rate, places));
 }
 
-// The repetitions of a variable are the payments, one a period.
+// The payments, one a period, are the repetitions of a variable.
 Value netPresentValue(Evaluator& evaluator, Nodes in) {
     Session& session = evaluator.session();
     const Number factor = evaluator.evaluate(in[1]).asNumber().value_or(0) + 1;

@@ -1,4 +1,4 @@
-// Get functions about files, records, layouts, windows and networks, of which there are none.
+// Get functions about files, records, layouts, windows and networks, which this host does not have.
 #include "host/calc/functions/groups.h"
 
 namespace host {

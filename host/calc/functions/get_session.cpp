@@ -8,7 +8,7 @@ namespace host {
 
 namespace {
 
-// The folder as FileMaker writes paths of files.
+// Returns the folder in the form in which FileMaker writes paths of files.
 std::u16string filePath(Session& session) {
     const std::u16string& folder = session.environment().folder;
     return folder.empty() ? u"" : u"file:" + folder;

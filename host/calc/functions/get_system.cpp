@@ -23,7 +23,7 @@ namespace {
 
 namespace fs = std::filesystem;
 
-constexpr std::u16string_view kVersion = u"Pro 26.0.1"; // the program whose functions these are
+constexpr std::u16string_view kVersion = u"Pro 26.0.1"; // the version of FileMaker that has these functions
 
 std::u16string environmentText(const char* name) {
     const char* text = std::getenv(name);
@@ -37,12 +37,13 @@ std::string firstLine(const fs::path& file) {
     return line;
 }
 
-// A folder as FileMaker writes it: a slash at both ends.
+// Returns a folder in FileMaker's form, with a slash at both ends.
 Value folder(std::u16string path) {
     return Value::text(path.ends_with(u'/') ? std::move(path) : path + u"/");
 }
 
-// A folder in the user's own: as the desktop's variable names it, else in the home folder.
+// Returns a folder of the user: the one that the desktop's environment variable names, else [name] in the
+// home folder.
 std::u16string userFolder(const char* variable, std::u16string_view name) {
     const std::u16string known = environmentText(variable);
     return known.starts_with(u'/') ? known : environmentText("HOME") + u"/" + std::u16string(name);
@@ -66,7 +67,7 @@ Value programPath(Session& /*session*/) {
     return folder(fromUtf8(fs::read_symlink("/proc/self/exe", error).parent_path().string()));
 }
 
-// All files below the documents folder.
+// Returns all files below the documents folder.
 Value documentsPathListing(Session& session) {
     std::set<std::string> paths;
     std::error_code error;
@@ -102,7 +103,7 @@ Value systemLanguage(Session& /*session*/) {
     return Value::text(languageName());
 }
 
-// The addresses of the network interfaces that are no loop back to this computer.
+// Returns the addresses of all network interfaces, except loopback ones.
 Value addresses(Session& /*session*/) {
     ifaddrs* list = nullptr;
     std::u16string result;
@@ -143,7 +144,7 @@ Value hostName(Session& /*session*/) {
     return Value::text(fromUtf8(name));
 }
 
-// The identifier that the system keeps for this computer.
+// Returns the system's identifier for this computer.
 Value persistentId(Session& /*session*/) {
     return Value::text(toUpper(fromUtf8(firstLine("/etc/machine-id"))));
 }
@@ -154,7 +155,7 @@ Value storageAvailable(Session& /*session*/) {
     return error ? Value() : integerValue(static_cast<int64_t>(space.available));
 }
 
-// From the system's description of itself.
+// Returns the version in /etc/os-release.
 Value systemVersion(Session& /*session*/) {
     constexpr std::string_view kKey = "VERSION_ID=";
     std::ifstream in("/etc/os-release");
@@ -168,7 +169,7 @@ Value systemVersion(Session& /*session*/) {
     return {};
 }
 
-// The name in the user's description, up to the first comma; else the name of the account.
+// Returns the full name in the account's GECOS field, up to the first comma; else the name of the account.
 Value userName(Session& /*session*/) {
     const passwd* user = getpwuid(getuid());
     if (user == nullptr) {
@@ -179,7 +180,7 @@ Value userName(Session& /*session*/) {
     return Value::text(fromUtf8(name.empty() ? user->pw_name : name));
 }
 
-// The formats of dates, times and numbers.
+// Returns the formats of dates, times and numbers as JSON.
 Value localeElements(Session& /*session*/) {
     const Formats& form = formats();
     using Order = DateOrder;
@@ -202,7 +203,7 @@ std::mt19937_64& generator() {
     return instance;
 }
 
-// Version 4: all bits but six are random.
+// Returns a UUID of version 4, in which all bits but six are random.
 Value uuid(Session& /*session*/) {
     constexpr std::u16string_view kForm = u"xxxxxxxx-xxxx-4xxx-yxxx-xxxxxxxxxxxx";
     constexpr std::u16string_view kDigits = u"0123456789ABCDEF";

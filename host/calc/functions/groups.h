@@ -1,7 +1,7 @@
 #pragma once
 
-// The tables that the list of functions is put together from, and what their functions share. A function
-// whose computation has no answer may throw NumberError: the evaluator makes it "?".
+// The tables of functions by category, and what the functions share. A function may throw NumberError for a
+// computation without a result, which the evaluator makes "?".
 
 #include "host/calc/builtin.h"
 
@@ -15,13 +15,13 @@ namespace host {
 using Arguments = std::span<const Value>;
 using Nodes = std::span<const Node>;
 
-// Some functions of a category; a large category has several.
+// A table of functions of a category; a large category has several tables.
 struct FunctionGroup {
     std::string_view category;
     std::span<const Builtin> rows;
 };
 
-// Every table, in the order in which categories are listed.
+// Return all tables, in the order in which categories are listed.
 std::span<const FunctionGroup> functionGroups();
 std::span<const std::span<const GetRow>> getGroups();
 
@@ -54,10 +54,10 @@ std::span<const GetRow> sessionGets();
 std::span<const GetRow> systemGets();
 std::span<const GetRow> absentGets();
 
-// The whole part of a value's number; beyond 64 bits the nearest number that fits.
+// Returns the whole part of a value's number, or the nearest limit of 64 bits; 0 when it has none.
 int64_t integer(const Value& value);
 
-// The whole part as a count: nothing below 0.
+// Returns integer() as a count: 0 for negative numbers.
 size_t count(const Value& value);
 
 Value integerValue(int64_t number);

@@ -1,4 +1,4 @@
-// Japanese: names of days, months and years, kana of all widths, numbers in characters.
+// Japanese: names of days, months and years, forms of kana, numbers in kanji.
 #include "host/calc/functions/groups.h"
 #include "host/calc/functions/moments.h"
 #include "host/calc/kana.h"
@@ -21,7 +21,7 @@ Value monthNameJ(Session& /*session*/, Arguments in) {
         in, [](const DateTime& date) { return Value::text(Number(date.calendar().month).toText() + u"月"); });
 }
 
-// An era by the day that it began.
+// An era and the day on which it began.
 struct Era {
     CalendarDay start;
     std::u16string_view name;
@@ -32,8 +32,8 @@ constexpr Era kEras[] = {
     {{1912, 7, 30}, u"大正", u"T"}, {{1868, 9, 8}, u"明治", u"M"},
 };
 
-// The year of the era: 0 平成3, 1 (平)3, 2 H3. Its first year is 元, but for the letter. Before the eras, the
-// year of the western calendar.
+// Returns the year of the era, in one of three forms: 0 平成3, 1 (平)3, 2 H3. The first year is 元, except in
+// form 2. For dates before the eras, the year of the western calendar.
 Value yearName(Session& /*session*/, Arguments in) {
     const int64_t form = integer(in[1]);
     return dayPart(in, [form](const DateTime& date) {
@@ -65,7 +65,7 @@ constexpr std::u16string_view kOldDigits = u"〇壱弐参四伍六七八九";
 constexpr std::u16string_view kFullWidthDigits = u"０１２３４５６７８９";
 constexpr std::u16string_view kHalfWidthDigits = u"0123456789";
 
-// Each digit for itself.
+// Returns the text with each digit as a kanji.
 Value kanjiNumeral(Session& /*session*/, Arguments in) {
     std::u16string text = in[0].asText();
     for (char16_t& c : text) {
@@ -76,7 +76,7 @@ Value kanjiNumeral(Session& /*session*/, Arguments in) {
     return Value::text(text);
 }
 
-// The characters that numbers are written with.
+// The characters in which numbers are written.
 struct Numerals {
     std::u16string_view digits;
     std::u16string_view comma;
@@ -108,7 +108,7 @@ std::u16string withCommas(std::u16string_view digits, const Numerals& numerals) 
     return result;
 }
 
-// Four digits with all units: 千二百三十四. A unit alone means one of it.
+// Returns up to four digits with all units: 千二百三十四. A unit without a digit means one of it.
 std::u16string withSmallUnits(std::u16string_view digits, const Numerals& numerals) {
     std::u16string result;
     for (size_t i = 0; i < digits.size(); ++i) {
@@ -124,7 +124,7 @@ std::u16string withSmallUnits(std::u16string_view digits, const Numerals& numera
     return result;
 }
 
-// Groups of four digits with their unit behind; groups of zeros are left out.
+// Returns digits in groups of four, each followed by its unit; groups of zeros are left out.
 std::u16string withLargeUnits(std::u16string_view digits, const Numerals& numerals, bool smallUnits) {
     std::u16string result;
     while (!digits.empty()) {

@@ -1,4 +1,4 @@
-// JSON: reading and changing elements of a text. A text that is no JSON gives "?" and what is wrong with it.
+// JSON: reading and changing elements. A text that is no JSON gives "?" followed by what is wrong with it.
 #include "host/calc/constants.h"
 #include "host/calc/evaluator.h"
 #include "host/calc/functions/groups.h"
@@ -19,7 +19,7 @@ Value errorValue(const JsonError& error) {
     return Value::text(fromUtf8(std::string("? ") + error.what()));
 }
 
-// Runs a function that may throw JsonError.
+// Returns the result of a function that may throw JsonError, or the error as a value.
 template <class Function>
 Value guarded(Function function) {
     try {
@@ -29,7 +29,8 @@ Value guarded(Function function) {
     }
 }
 
-// An element as a value: what a text, a number or a boolean is; objects and arrays as JSON; nothing for null.
+// Returns an element as a value: the value of a text, number or boolean; JSON for objects and arrays; empty
+// for null.
 Value valueOf(const Json& json) {
     switch (json.type()) {
     case Json::value_t::string:
@@ -65,13 +66,13 @@ int64_t typeOf(const Json& json) {
     }
 }
 
-// A whole number as such, any other in binary, as JSON's readers take it.
+// Returns a number as JSON: a whole number as such, any other as a double, which is what JSON parsers read.
 Json numberJson(const Number& number) {
     const int64_t whole = number.toInt64();
     return number == Number(whole) ? Json(whole) : Json(number.toDouble());
 }
 
-// A value as it is, by its own type: what begins like JSON is JSON.
+// Returns a value as JSON by its own type; a text that begins like JSON is parsed.
 Json rawJson(const Value& value) {
     if (value.type() == ValueType::number && !value.isEmpty()) {
         return numberJson(*value.asNumber());
@@ -84,7 +85,7 @@ Json rawJson(const Value& value) {
     }
 }
 
-// A value as an element of a type.
+// Returns a value as an element of a JsonType.
 Json elementOf(const Value& value, int64_t type) {
     const std::u16string text = type == kNull ? std::u16string() : value.asText();
     switch (type) {
@@ -107,7 +108,7 @@ Json elementOf(const Value& value, int64_t type) {
     }
 }
 
-// A type by its number, or by its name in a text.
+// Returns the JsonType that an argument gives, by its number or by its constant's name in a text.
 int64_t typeArgument(const Value& value) {
     const Constant* named =
         value.type() == ValueType::text ? findConstant(foldCase(value.asText())) : nullptr;
@@ -146,7 +147,7 @@ Value getElementType(Session& /*session*/, Arguments in) {
     });
 }
 
-// Something of each element of an object or an array, with returns between.
+// Returns a list of what [textOf] makes of each element of an object or an array.
 template <class Function>
 Value listOf(Arguments in, Function textOf) {
     return guarded([&] {
@@ -172,7 +173,7 @@ Value listValuesFunction(Session& /*session*/, Arguments in) {
     return listOf(in, [](const auto& item) { return valueOf(item.value()).asText(); });
 }
 
-// The parts of a text between separators; a separator at the end begins no other part.
+// Returns the parts of a text between separators; after a separator at the end there is no further part.
 std::vector<std::u16string_view> partsOf(std::u16string_view text, std::u16string_view separator) {
     if (separator.empty()) {
         return listValues(text);
@@ -198,7 +199,7 @@ Value makeArray(Session& /*session*/, Arguments in) {
     });
 }
 
-// The text again, in a value of its own that remembers that it was parsed.
+// Returns the text as a new value that keeps its parsed form and is marked as parsed (JSONParsedState).
 Value parse(Session& /*session*/, Arguments in) {
     const auto parsed = parsedJson(in[0]);
     if (!parsed->error.empty()) {
@@ -225,8 +226,8 @@ Value parsedState(Session& /*session*/, Arguments in) {
     return integerValue(parsed->error.empty() ? typeOf(parsed->root) : -1);
 }
 
-// Either json ; path ; value ; type, or json ; [ path ; value ; type ] any number of times, one after the
-// other. An empty text becomes an object, or an array when the first path begins with a place.
+// Takes either json ; path ; value ; type, or json and any number of [ path ; value ; type ], which are set
+// in order. An empty text becomes an object, or an array when the first path begins with a place in an array.
 Value setElement(Evaluator& evaluator, Nodes in) {
     return guarded([&] {
         Value json = evaluator.evaluate(in[0]);

@@ -16,7 +16,7 @@ Value ifFunction(Evaluator& evaluator, Nodes in) {
     return in.size() > 2 ? evaluator.evaluate(in[2]) : Value();
 }
 
-// Pairs of test and result; an odd last argument is the result when no test is true.
+// Takes pairs of test and result; a last argument without a pair is the result when no test is true.
 Value caseFunction(Evaluator& evaluator, Nodes in) {
     size_t i = 0;
     for (; i + 1 < in.size(); i += 2) {
@@ -33,8 +33,9 @@ Value choose(Evaluator& evaluator, Nodes in) {
     return known ? evaluator.evaluate(in[static_cast<size_t>(index) + 1]) : Value();
 }
 
-// The calculation that a text holds; "?" when it can not be parsed or evaluated. It sees no names of Let and
-// While around it. The fields that may follow only tell when to evaluate again.
+// Evaluates a text as a calculation; "?" when it cannot be parsed or evaluated. The names of an enclosing Let
+// or While are not visible in it. The further arguments, fields that trigger a new evaluation, have no
+// effect.
 Value evaluateFunction(Evaluator& evaluator, Nodes in) {
     Session& session = evaluator.session();
     Value expression = evaluator.evaluate(in[0]);
@@ -65,7 +66,7 @@ Value isValidExpression(Session& session, Arguments in) {
     }
 }
 
-// Of a variable, which may hold anything: only what could not be computed is not valid.
+// Takes a variable, which may have any value; only an invalid value ("?") is not valid.
 Value isValid(Evaluator& evaluator, Nodes in) {
     return integerValue(evaluator.evaluate(in[0]).isValid() ? 1 : 0);
 }
@@ -80,7 +81,7 @@ Value setRecursion(Evaluator& evaluator, Nodes in) {
     return evaluator.evaluate(in[0]);
 }
 
-// There is no field of any name.
+// There are no fields: a name that is not empty is an error.
 Value getField(Session& session, Arguments in) {
     if (in[0].isEmpty()) {
         return {};
@@ -89,7 +90,7 @@ Value getField(Session& session, Arguments in) {
     return Value::invalid();
 }
 
-// What could not be computed counts as empty.
+// An invalid value ("?") counts as empty.
 Value isEmpty(Session& /*session*/, Arguments in) {
     return integerValue(in[0].isEmpty() || !in[0].isValid() ? 1 : 0);
 }

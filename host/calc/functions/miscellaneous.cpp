@@ -1,4 +1,5 @@
-// Paths in FileMaker's form and the system's, and functions of what a host of calculations does not have.
+// Conversions between paths of FileMaker and of the system, and placeholders for what this host does not
+// have.
 #include "host/calc/functions/groups.h"
 #include "host/calc/json_text.h"
 #include "host/values/text.h"
@@ -12,7 +13,7 @@ namespace {
 
 enum PathFormat : int64_t { kPosix = 1, kWindows = 2, kUrl = 3 };
 
-// What may stand before a path, in small letters.
+// The prefixes of paths, in lower case.
 constexpr std::u16string_view kPrefixes[] = {u"filemac:",  u"filewin:",  u"filelinux:",  u"file:",
                                              u"imagemac:", u"imagewin:", u"imagelinux:", u"image:",
                                              u"moviemac:", u"moviewin:", u"movielinux:", u"movie:"};
@@ -26,7 +27,7 @@ std::u16string replaced(std::u16string text, char16_t from, char16_t to) {
     return text;
 }
 
-// A path with percent signs, but for what separates its parts.
+// Returns a path with percent escapes, except for its separators.
 std::u16string urlPath(std::u16string_view path) {
     constexpr std::string_view kPlain =
         "ABCDEFGHIJKLMNOPQRSTUVWXYZabcdefghijklmnopqrstuvwxyz0123456789-_.~/:";
@@ -104,7 +105,7 @@ Value toFileMakerPath(Session& /*session*/, Arguments in) {
     }
 }
 
-// 1 and 4 and 2 are JSON arrays, 0 and 3 lists: none of them has an id.
+// Returns ids of no records: an empty JSON array for the types 1, 2 and 4, an empty list for 0 and 3.
 Value recordIds(Session& /*session*/, Arguments in) {
     const int64_t type = integer(in[0]);
     return type == 1 || type == 2 || type == 4 ? Value::text(u"[]") : Value();

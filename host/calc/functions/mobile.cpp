@@ -1,4 +1,4 @@
-// What only phones and tablets have.
+// Functions of phones and tablets.
 #include "host/calc/functions/groups.h"
 
 namespace host {

@@ -1,6 +1,6 @@
 #pragma once
 
-// Parts of the dates and times that arguments are.
+// Functions of parts of a date or time, such as Year and Minute.
 
 #include "host/calc/functions/groups.h"
 
@@ -8,8 +8,8 @@
 
 namespace host {
 
-// A part of the day or the time that a value is read as; nothing for an empty value, "?" for one that is no
-// such thing. [take] makes the answer.
+// Returns what [take] makes of [read], the date or time that [value] was read as. When there is none: empty
+// for an empty value, "?" for any other.
 template <class Take>
 Value partOf(const Value& value, const std::optional<DateTime>& read, Take take) {
     if (!read) {
@@ -18,13 +18,13 @@ Value partOf(const Value& value, const std::optional<DateTime>& read, Take take)
     return take(*read);
 }
 
-// A part of the date that the first argument is.
+// Like partOf(), for the first argument as a date.
 template <class Take>
 Value dayPart(Arguments in, Take take) {
     return partOf(in[0], in[0].asDate(), take);
 }
 
-// A part of the time that the first argument is.
+// Like partOf(), for the first argument as a time.
 template <class Take>
 Value timePart(Arguments in, Take take) {
     return partOf(in[0], in[0].asTime(), take);

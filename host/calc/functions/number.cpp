@@ -9,11 +9,11 @@ namespace host {
 
 namespace {
 
-// Places behind the point that rounding looks at, to either side.
+// The most places by which a number can be rounded, before and after the point.
 constexpr int64_t kMostPlaces = Number::kMaxDigits;
 
-// Applies [function] to the numbers of the arguments, an empty one being 0; "?" when one could not be
-// computed.
+// Applies [function] to the numbers of the arguments, with 0 for an empty one; returns "?" when an argument
+// is invalid.
 template <class Function>
 Value computed(Arguments in, Function function) {
     if (std::any_of(in.begin(), in.end(), [](const Value& value) { return !value.isValid(); })) {
@@ -26,7 +26,7 @@ int places(const Number& number) {
     return static_cast<int>(std::clamp(number.toInt64(), -kMostPlaces, kMostPlaces));
 }
 
-// A time stays one.
+// Returns the absolute value; of a time, as a time.
 Value absolute(Session& /*session*/, Arguments in) {
     const Value result = computed(in, [](auto argument) { return argument(0).abs(); });
     return in[0].type() == ValueType::time ? result.convertedTo(ValueType::time) : result;
@@ -40,7 +40,7 @@ Value floorFunction(Session& /*session*/, Arguments in) {
 Value intFunction(Session& /*session*/, Arguments in) {
     return computed(in, [](auto argument) { return argument(0).truncated(); });
 }
-// The whole multiples of the divisor below the number; the rest has the divisor's sign, so this rounds down.
+// Returns the quotient rounded down: the remainder has the divisor's sign.
 Value div(Session& /*session*/, Arguments in) {
     return computed(in, [](auto argument) {
         const Number rest = Number::modulo(argument(0), argument(1));
@@ -79,7 +79,7 @@ Value squareRoot(Session& session, Arguments in) {
     return computed(in, [&](auto argument) { return Number::squareRoot(argument(0), session.precision()); });
 }
 
-// The product of [factors] whole numbers from [from] down, of which none is below 1.
+// Returns the product of [factors] whole numbers from [from] down; stops at 1.
 Number fallingProduct(Number from, Number factors) {
     Number product = 1;
     for (; factors.sign() > 0 && from > Number(1); factors = factors - 1, from = from - 1) {
@@ -99,7 +99,7 @@ Value factorial(Session& /*session*/, Arguments in) {
     });
 }
 
-// Each step gives a whole number: the combinations of one choice more.
+// Multiplies and divides step by step; each step gives a whole number, the combinations of one choice more.
 Value combination(Session& /*session*/, Arguments in) {
     return computed(in, [](auto argument) {
         const Number size = argument(0).truncated();
@@ -119,7 +119,7 @@ Value combination(Session& /*session*/, Arguments in) {
     });
 }
 
-// 20 digits, below 1.
+// Returns a random number of 20 digits, from 0 to less than 1.
 Value random(Session& /*session*/, Arguments /*in*/) {
     thread_local std::mt19937_64 generator{std::random_device{}()};
     std::uniform_int_distribution<int> digit(0, 9);
@@ -130,7 +130,7 @@ Value random(Session& /*session*/, Arguments /*in*/) {
     return Value::number(Number::fromText(text));
 }
 
-// The expression is evaluated with that many places behind the point.
+// Evaluates an expression with the given number of places after the point.
 Value setPrecision(Evaluator& evaluator, Nodes in) {
     constexpr int64_t kMost = Number::kMaxDigits;
     Session& session = evaluator.session();

@@ -1,4 +1,4 @@
-// Repetitions. There are no fields here; variables have repetitions too.
+// Repetitions of variables, as there are no fields.
 #include "host/calc/evaluator.h"
 #include "host/calc/functions/groups.h"
 

@@ -12,7 +12,7 @@ namespace host {
 
 namespace {
 
-// Of containers every stream counts.
+// Compares containers by all their streams.
 Value exact(Session& /*session*/, Arguments in) {
     if (in[0].type() == ValueType::container && in[1].type() == ValueType::container) {
         return integerValue(in[0].asContainer() == in[1].asContainer() ? 1 : 0);
@@ -20,7 +20,7 @@ Value exact(Session& /*session*/, Arguments in) {
     return integerValue(in[0].asText() == in[1].asText() ? 1 : 0);
 }
 
-// Of a container the bytes of its file.
+// Returns the number of characters; of a container, the number of bytes of its file.
 Value length(Session& /*session*/, Arguments in) {
     if (in[0].type() == ValueType::container) {
         const Container::Stream* stream = fileStream(in[0].asContainer());
@@ -42,7 +42,8 @@ Value right(Session& /*session*/, Arguments in) {
     return Value::text(characters.slice(characters.count() - wanted, wanted));
 }
 
-// The characters that [start], counted from 1, and [length] name; a start before the first is the first.
+// A range of characters, counted from 0. rangeFrom() makes it from arguments that count from 1; a start below
+// 1 means the first character.
 struct Range {
     size_t start;
     size_t length;
@@ -69,8 +70,8 @@ Value replace(Session& /*session*/, Arguments in) {
     return Value::text(result);
 }
 
-// Where the search text stands for the [occurrence]th time from [start] on, both counted from 1; backwards
-// for a negative occurrence. 0 when it does not.
+// Returns the position of the nth occurrence of the search text from [start] on, all counted from 1; searches
+// backwards for a negative n. 0 when there is none.
 Value position(Session& /*session*/, Arguments in) {
     const std::u16string text = in[0].asText();
     const std::u16string wanted = in[1].asText();
@@ -125,7 +126,7 @@ std::u16string substituted(std::u16string_view text, std::u16string_view wanted,
     return result;
 }
 
-// Letter case counts here, unlike in a search. The parser has seen to the form of the arguments.
+// Letter case matters, unlike in Position. The parser has checked the form of the arguments.
 Value substitute(Evaluator& evaluator, std::span<const Node> in) {
     std::u16string text = evaluator.evaluate(in[0]).asText();
     const auto apply = [&](const Node& wanted, const Node& replacement) {
@@ -158,7 +159,7 @@ Value lower(Session& /*session*/, Arguments in) {
     return Value::text(toLower(in[0].asText()));
 }
 
-// The characters of a text that also stand in another one.
+// Returns the characters of a text that are also in another one.
 Value filter(Session& /*session*/, Arguments in) {
     const std::u16string text = in[0].asText();
     const std::u16string allowed = in[1].asText();
@@ -175,7 +176,7 @@ Value filter(Session& /*session*/, Arguments in) {
     return Value::text(result);
 }
 
-// The text as a literal of the language.
+// Returns the text as a literal of the language.
 Value quote(Session& /*session*/, Arguments in) {
     std::u16string result = u"\"";
     for (const char16_t c : in[0].asText()) {
@@ -187,9 +188,9 @@ Value quote(Session& /*session*/, Arguments in) {
     return Value::text(result + u"\"");
 }
 
-// A character holds five digits of the number, the last five the first character. Any code counts: half of a
-// pair and U+0000 as well, so that a calculation can make every text. Nothing for no number, "?" for a
-// negative one.
+// Returns the characters whose codes are the groups of five digits of a number, beginning with the last
+// group. Accepts any code, also half of a surrogate pair and U+0000, so that a calculation can make any text.
+// Empty without a number, "?" for a negative one.
 Value character(Session& /*session*/, Arguments in) {
     const Number step(100'000);
     std::optional<Number> rest = in[0].asNumber();
@@ -209,8 +210,8 @@ Value character(Session& /*session*/, Arguments in) {
     return Value::text(result);
 }
 
-// The codes of all characters in one number, the first one in its last five digits; nothing for an empty
-// text.
+// Returns the codes of all characters in one number, that of the first in the last five digits; empty for an
+// empty text.
 Value code(Session& /*session*/, Arguments in) {
     const std::u16string text = in[0].asText();
     if (text.empty()) {
@@ -225,8 +226,8 @@ Value code(Session& /*session*/, Arguments in) {
     return Value::number(result);
 }
 
-// Adds to the last group of digits, which keeps its length with zeros at least. A text without digits gets
-// the number at its end.
+// Adds to the last group of digits, padding it with zeros to its old length. A text without digits gets the
+// number appended.
 Value serialIncrement(Session& /*session*/, Arguments in) {
     constexpr std::u16string_view kDigits = u"0123456789";
     const std::u16string text = in[0].asText();
@@ -246,14 +247,14 @@ Value serialIncrement(Session& /*session*/, Arguments in) {
     return Value::text(text.substr(0, first) + digits + text.substr(last + 1));
 }
 
-// What stands between two characters that TrimAll looks at.
+// The spaces that TrimAll leaves between two characters.
 enum class Gap { none, one };
 
-// A row for each type: between two Roman characters, between a Roman one and another.
+// A row for each trim type: the spaces between two Roman characters, and between a Roman one and another.
 struct TrimType {
     Gap roman;
     Gap mixed;
-    bool putIn; // between a Roman character and another even where no space was
+    bool putIn; // also adds a space between a Roman character and another where there was none
 };
 constexpr TrimType kTrimTypes[] = {
     {Gap::one, Gap::none, false},

@@ -1,5 +1,5 @@
-// Styles of text: given, taken away, written as web pages and drawings do. A text keeps them when it is
-// joined with others; functions that change a text give it back without.
+// Styles of text: adding and removing them, and writing them as CSS and SVG. A text keeps its styles when it
+// is joined with others; functions that change a text return it without styles.
 #include "host/calc/characters.h"
 #include "host/calc/functions/groups.h"
 #include "host/values/text.h"
@@ -22,7 +22,7 @@ Value rgb(Session& /*session*/, Arguments in) {
     return integerValue(color);
 }
 
-// The text with the style of each run changed.
+// Returns the text with the style of each run changed by [change].
 template <class Change>
 Value changed(const Value& value, Change change) {
     if (!value.isValid()) {
@@ -82,7 +82,7 @@ Value textSizeRemove(Session& /*session*/, Arguments in) {
         }
     });
 }
-// Plain alone takes all faces away; a letter case replaces another one.
+// Plain alone removes all faces; a letter case replaces another one.
 Value textStyleAdd(Session& /*session*/, Arguments in) {
     const uint32_t faces = faceArgument(in[1]);
     return changed(in[0], [faces](TextStyle& style) {
@@ -96,7 +96,7 @@ Value textStyleRemove(Session& /*session*/, Arguments in) {
 }
 
 struct FaceRow {
-    uint32_t mask; // of the bits that are looked at
+    uint32_t mask; // the bits that are tested
     uint32_t face;
     std::u16string_view css;
 };
@@ -158,7 +158,7 @@ std::u16string escaped(std::u16string_view text) {
     return result;
 }
 
-// A span for each run that has a style.
+// Writes a span for each run that has a style.
 Value asCss(Session& /*session*/, Arguments in) {
     const std::u16string text = in[0].asText();
     if (in[0].styles().empty()) {
@@ -179,7 +179,7 @@ Value asCss(Session& /*session*/, Arguments in) {
     return Value::text(result);
 }
 
-// The styles by the characters that have them, counted from 1, then the text.
+// Writes the styles with the ranges of characters that have them, counted from 1, and then the text.
 Value asSvg(Session& /*session*/, Arguments in) {
     const std::u16string text = in[0].asText();
     const Characters characters(text);

@@ -22,7 +22,8 @@ Value valueCount(Session& /*session*/, Arguments in) {
     return integerValue(static_cast<int64_t>(listValues(text).size()));
 }
 
-// Values [start] (from 0) up to but without [end] of a list; each is followed by a return.
+// Returns the values of a list from [start] (counted from 0) up to but without [end], each followed by a
+// carriage return.
 Value part(const Value& from, size_t start, size_t end) {
     const std::u16string text = from.asText();
     auto values = listValues(text);
@@ -49,7 +50,7 @@ Value middleValues(Session& /*session*/, Arguments in) {
     return part(in[0], from, wanted > SIZE_MAX - from ? SIZE_MAX : from + wanted);
 }
 
-// The values of a list that also stand in another one; letter case does not count.
+// Returns the values of a list that are also in another one, without regard to letter case.
 Value filterValues(Session& /*session*/, Arguments in) {
     const std::u16string text = in[0].asText();
     const std::u16string allowedText = foldCase(in[1].asText());

@@ -1,4 +1,4 @@
-// Lists in order, and without what stands in them twice. Texts are ordered as a language orders them.
+// Sorting lists, and removing duplicate values from them. Texts are ordered by the rules of a language.
 #include "host/calc/functions/groups.h"
 #include "host/calc/lists.h"
 #include "host/values/locales.h"
@@ -80,7 +80,7 @@ constexpr Language kLanguages[] = {
     {u"Vietnamese", 56},
 };
 
-// The order of texts in a language: a key for each text, by which the texts compare.
+// The order of texts in a language: makes a sort key for each text.
 class TextOrder {
   public:
     // [locale] may be kRaw: the order of the characters' codes.
@@ -109,8 +109,7 @@ class TextOrder {
     std::unique_ptr<UCollator, decltype(&ucol_close)> collator_{nullptr, ucol_close};
 };
 
-// What a value of a list compares by: its number, or its key as a text. What is no number stands before all
-// numbers.
+// The sort key of a value: its number, or its key as a text. Values without a number come before all numbers.
 struct Key {
     std::optional<Number> number;
     std::string text;
@@ -123,7 +122,7 @@ struct Key {
     }
 };
 
-// The datatype argument of both functions; a text for one that there is not.
+// Returns the type for the datatype argument of both functions; text for an unknown one.
 ValueType typeOf(int64_t datatype) {
     constexpr ValueType kTypes[] = {ValueType::text, ValueType::number, ValueType::date, ValueType::time,
                                     ValueType::timestamp};
@@ -131,7 +130,7 @@ ValueType typeOf(int64_t datatype) {
     return place >= 0 && place < static_cast<int64_t>(std::size(kTypes)) ? kTypes[place] : ValueType::text;
 }
 
-// The locale that the third argument names; the standard order without one.
+// Returns the locale that the third argument names; the default order when there is no such argument.
 std::optional<int32_t> localeOf(Arguments in) {
     const std::u16string name = in.size() > 2 ? foldCase(in[2].asText()) : std::u16string();
     if (name.empty()) {

@@ -1,4 +1,4 @@
-// Words: runs of letters, digits and what belongs to them between spaces and signs.
+// Words: runs of letters and digits, with the punctuation that belongs to them (joinsWord).
 #include "host/calc/functions/groups.h"
 #include "host/values/text.h"
 
@@ -28,7 +28,7 @@ bool isPartOfWord(UChar32 c) {
     return c == '_' || (U_GET_GC_MASK(c) & kParts) != 0;
 }
 
-// A point or a comma between digits, an apostrophe between letters.
+// Whether a character continues a word: a point or comma between digits, an apostrophe between letters.
 bool joinsWord(std::u16string_view text, size_t at) {
     if (at == 0 || at + 1 >= text.size()) {
         return false;
@@ -60,7 +60,7 @@ std::vector<Word> wordsOf(std::u16string_view text) {
     return words;
 }
 
-// The text from the first to the last of [wanted] words, with what stands between them.
+// Returns the text of [wanted] words from word [first] on, with everything between them.
 Value slice(const std::u16string& text, const std::vector<Word>& words, size_t first, size_t wanted) {
     if (first >= words.size() || wanted == 0) {
         return {};
@@ -91,7 +91,7 @@ Value wordCount(Session& /*session*/, Arguments in) {
     return integerValue(static_cast<int64_t>(wordsOf(in[0].asText()).size()));
 }
 
-// The first letter of each word large, all others small.
+// Returns the text with the first letter of each word in capitals and all others in lower case.
 Value proper(Session& /*session*/, Arguments in) {
     const std::u16string text = in[0].asText();
     std::u16string result;

@@ -15,7 +15,7 @@ Value hour(Session& /*session*/, Arguments in) {
 Value minute(Session& /*session*/, Arguments in) {
     return timePart(in, [](const DateTime& time) { return integerValue(time.clock().minute); });
 }
-// With their fraction.
+// Returns the seconds with their fraction.
 Value seconds(Session& /*session*/, Arguments in) {
     return timePart(in, [](const DateTime& time) {
         const Number& all = time.seconds();
@@ -44,13 +44,13 @@ constexpr Builtin kFunctions[] = {
     {u"Timestamp ( date ; time )", timestampFunction, "Returns the timestamp of a date and a time."},
 };
 
-// A moment of the clock without the fraction of its second.
+// Returns the current time in whole seconds.
 DateTime clockNow() {
     const DateTime now = DateTime::now();
     return DateTime(now.day(), now.seconds().truncated());
 }
 
-// Units of time since 1 January of year 1, in the world's time.
+// Returns the number of units of time since 1 January of year 1, in UTC.
 template <class Unit>
 Value sinceYearOne(Session& /*session*/) {
     constexpr int64_t kSecondsBefore1970 = 62'135'596'800;

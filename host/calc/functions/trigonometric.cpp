@@ -1,4 +1,4 @@
-// Trigonometry. It computes with binary numbers, whatever the precision; the results have 17 digits.
+// Trigonometry, computed with doubles whatever the precision; the results have 17 significant digits.
 #include "host/calc/functions/groups.h"
 
 #include <charconv>
@@ -15,7 +15,7 @@ Number pi() {
     return Number::fromText(kPi);
 }
 
-// A binary result as a decimal number of 17 digits.
+// Returns a double as a decimal number of 17 significant digits.
 Number decimal(double value) {
     constexpr int kDigitsBehindFirst = 16;
     if (!std::isfinite(value)) {
