@@ -2,6 +2,7 @@
 
 #include "host/calc/characters.h"
 #include "host/calc/lexer.h"
+#include "host/calc/registry.h"
 #include "host/editor/layout.h"
 #include "host/script/step_parameter.h"
 
