@@ -11,7 +11,7 @@
 namespace addressbook::tool {
 namespace {
 
-// The label of a new entry for which none was written.
+// The label of a new entry when the user gives none.
 struct DefaultLabel {
     std::string_view property, label;
 };
@@ -43,7 +43,7 @@ std::string labelsOf(const MultiValue& list) {
     return listed(labels);
 }
 
-// The value of an entry afterwards; no value: the entry is taken away.
+// Returns the value of an entry after the change, "no value" to remove the entry.
 Value assignedEntry(const Assignment& assignment, const Value& before) {
     const PropertyPath& path = assignment.path;
     if (path.entryType() != Type::dictionary) {

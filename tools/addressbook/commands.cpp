@@ -46,12 +46,12 @@ int runExplain(const Options& options) {
     return kDone;
 }
 
-// The first lines, at most so many.
+// Returns the first [limit] lines at most.
 std::span<const std::string> firstOf(const std::vector<std::string>& lines, std::size_t limit) {
     return std::span(lines).first(std::min(lines.size(), limit));
 }
 
-// Tells where the book is that another one has taken the place of.
+// Prints where the address book that was replaced is kept, if there was one.
 void tellKept(const std::filesystem::path& kept) {
     if (!kept.empty()) {
         std::cerr << "the address book that was there is kept as " << kept.string() << '\n';

@@ -1,7 +1,7 @@
 #pragma once
 
-// The work of each command. Each answers the exit status, and throws what Store, Output and Failure throw;
-// std::invalid_argument for what the user wrote and nobody can read.
+// The commands. Each returns the exit status. They throw StoreError, Failure, OutputClosed and Interrupted,
+// and std::invalid_argument when the user's words cannot be parsed.
 
 #include "frameworks/AddressBook/store/store.h"
 
@@ -13,9 +13,9 @@
 
 namespace addressbook::tool {
 
-// What the command line says.
+// The command line, parsed.
 struct Options {
-    std::string book; // folder; empty: the user's own
+    std::string book; // the folder of the address book; empty: the user's own
     struct {
         std::vector<std::string> files;
         bool dryRun = false, progress = false, quiet = false;
@@ -23,14 +23,14 @@ struct Options {
     struct {
         std::string group, file;
     } write;
-    struct { // of what is listed
+    struct { // which records are listed
         std::string group, where;
         std::size_t limit = std::numeric_limits<std::size_t>::max();
     } narrow;
-    std::string fields = "name,organization,phones,emails"; // of what is listed
-    bool json = false;                                      // what is written is JSON
-    std::vector<std::string> words;                         // to find
-    std::string id;                                         // to show
+    std::string fields = "name,organization,phones,emails"; // the columns of a list
+    bool json = false;                                      // writes JSON instead of text
+    std::vector<std::string> words;                         // find: the words
+    std::string id;                                         // show: the record
     struct {
         std::vector<std::string> ids;
         bool dryRun = false;
@@ -43,18 +43,18 @@ struct Options {
         std::string id;
         bool clear = false;
     } me;
-    std::vector<std::string> searches; // to explain
+    std::vector<std::string> searches; // explain: the searches
     struct {
         std::string file;
         bool force = false;
     } backup;
 };
 
-// Returns the folder of the address book that the user means, and opens the book in it.
+// Return the folder of the address book that the options name, and the book in it, opened.
 std::filesystem::path folder(const Options& options);
 Store open(const Options& options, Store::Access access);
 
-// Returns "1 card", "2 cards".
+// Returns a count with its noun: "1 card", "2 cards".
 std::string counted(std::size_t count, const std::string& singular, const std::string& plural);
 
 int runImport(const Options& options);

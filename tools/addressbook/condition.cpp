@@ -17,7 +17,7 @@
 namespace addressbook::tool {
 namespace {
 
-// What frequent comparisons may be called as well.
+// A short name for a frequent comparison.
 struct ShortName {
     std::string_view name;
     Comparison comparison;
@@ -70,7 +70,7 @@ class Tokens {
         advance();
         return taken;
     }
-    // Takes the next token when it is this word or sign.
+    // Takes the next token if it is this word or sign; returns whether it was.
     bool take(std::string_view word) {
         const bool taken = is(word);
         if (taken) {
@@ -149,7 +149,8 @@ struct Property {
     Kind kind = Kind::person;
 };
 
-// The names by which properties go, and what they mean: the framework's, ours, the users' own.
+// Returns all names of properties with their meanings: the framework's, those of fields.h, and those that
+// users added.
 std::vector<std::pair<std::string, Property>> properties(const Store& store) {
     std::vector<std::pair<std::string, Property>> known;
     const auto add = [&](std::string_view name, std::string_view property, Kind kind) {
@@ -171,7 +172,7 @@ std::vector<std::pair<std::string, Property>> properties(const Store& store) {
     return known;
 }
 
-// The row of [known] whose name is [word] in any letter case; nothing is said of the others.
+// Returns the row of [known] whose name is [word] in any letter case.
 template <typename Rows, typename Name>
 auto named(const Rows& known, std::string_view word, Name name) {
     const std::string wanted = fold(word);
@@ -271,7 +272,7 @@ class Parser {
         return found->second;
     }
 
-    // A bare word is one of the labels that everybody has, when there is such a one.
+    // Reads a label. A word without quotes means the built-in label of that name, if there is one.
     std::string label() {
         const Token token = word("a label, as Home");
         if (token.kind == Token::Kind::quoted) {

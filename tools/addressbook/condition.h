@@ -8,10 +8,10 @@
 //   condition = property [ "key" word ] [ "label" word ] comparison value
 //   value     = text in quotes | number | number "days" | date, as 2026-01-31 | "nil"
 //
-// A property goes by the framework's name or by ours; one that only groups have makes it a search for groups.
-// A comparison goes by the framework's name without kAB, or by a short one. Words are taken in any letter
-// case, those in quotes as they are; in quotes, \n is a
-// line end, \t a tab, and \ takes any other character as it is.
+// A property is named as in the framework or by the names of fields.h; one that only groups have makes it a
+// search for groups. A comparison is named as in the framework without kAB, or by a short name. Words may be
+// in any letter case; text in quotes is taken literally, except for \n, a line end, \t, a tab, and \ before
+// any other character, which stands for that character.
 
 #include "frameworks/AddressBook/store/store.h"
 
@@ -20,13 +20,14 @@
 
 namespace addressbook::tool {
 
-// Throws std::invalid_argument with the column, what was expected there and what is there.
+// Returns the query for a search. Throws std::invalid_argument with the column, what was expected there and
+// what was found.
 Query parseSearch(std::string_view text, const Store& store);
 
-// A condition as parseSearch reads it, by the framework's names.
+// Returns a condition in the form that parseSearch() reads, with the framework's names.
 std::string conditionText(const Condition& condition);
 
-// The short names of comparisons, as a help tells them.
+// Returns the list of the comparisons' short names, for the help.
 std::string shortComparisons();
 
 } // namespace addressbook::tool

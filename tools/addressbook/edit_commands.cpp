@@ -1,4 +1,4 @@
-// addressbook set and addressbook delete.
+// The commands `set` and `delete`.
 
 #include "tools/addressbook/commands.h"
 
@@ -56,7 +56,7 @@ int runSet(const Options& options) {
 int runDelete(const Options& options) {
     const std::shared_ptr<Book> book = openBook(options);
     std::vector<RecordRef> deleted;
-    for (const std::string& id : options.remove.ids) { // all or none
+    for (const std::string& id : options.remove.ids) { // all are looked up before any is removed
         RecordRef record = findRecord(*book->store(), id);
         if (book->remove(book->find(record.uid))) {
             deleted.push_back(std::move(record));

@@ -15,8 +15,8 @@ struct ExportSummary {
     std::size_t people = 0, groups = 0;
 };
 
-// All people and groups; with a [group] (its name or unique id) that group, its subgroups and their members.
-// People come before groups. Throws Failure when there is no such group.
+// Writes all people and groups; with a [group] (its name or unique id) that group, its subgroups and their
+// members. People come before groups. Throws Failure when there is no such group.
 ExportSummary exportCards(const Store& store, const std::string& group, Output& output,
                           const Progress& progress = {});
 

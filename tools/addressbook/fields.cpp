@@ -76,7 +76,7 @@ std::string dateText(Date date) {
     std::tm parts{};
     localtime_r(&time, &parts);
     std::array<char, 64> text{};
-    // Dates without a time are stored as noon; the year 1604 stands for none.
+    // Dates without a time are stored as noon; the year 1604 stands for no year.
     const bool day = parts.tm_hour == 12 && parts.tm_min == 0 && parts.tm_sec == 0;
     const bool noYear = parts.tm_year + 1900 == 1604;
     const char* format = noYear ? "--%m-%d" : day ? "%Y-%m-%d" : "%Y-%m-%d %H:%M:%S";
@@ -102,7 +102,7 @@ std::string dictionaryText(const Dictionary& fields) {
     return join(parts, ", ");
 }
 
-// A record in the store as the rule for the name to show looks at it.
+// A record in the store, for displayName().
 class StoredRecord final : public RecordView {
   public:
     StoredRecord(const Store& store, const RecordRef& record) : store_(store), record_(record) {}

@@ -1,6 +1,6 @@
 #pragma once
 
-// The names that users give to properties, and records as they show them.
+// The names of properties for users, and values as text.
 
 #include "frameworks/AddressBook/store/store.h"
 
@@ -10,34 +10,35 @@
 
 namespace addressbook::tool {
 
-// A column of a list. Some are worked out: id, name, groups.
+// A column of a list. Some are computed: id, name, groups.
 struct Field {
     std::string name;     // as users write it
-    std::string property; // of the address book; empty for those that are worked out
+    std::string property; // the property's name in the address book; empty for computed columns
 };
 
-// Every field that a list of people can have, the properties of users' own included.
+// Returns every field that a list of people can have, also for custom properties.
 std::vector<Field> allFields(const Store& store);
 
-// The fields named in "a,b,...", by our names or the properties' own, in any letter case. Throws
-// std::invalid_argument with a message that names the nearest field.
+// Returns the fields in a list "a,b,...", which may also be named by their properties, in any letter case.
+// Throws std::invalid_argument with a message that names the most similar field.
 std::vector<Field> parseFields(std::string_view list, const Store& store);
 
-// How many letters must change to make one word the other.
+// Returns the number of single-letter changes that turn one word into the other.
 std::size_t distance(std::string_view left, std::string_view right);
 
-// The name to show for a record.
+// Returns the name to show for a record (values/display_name.h).
 std::string displayName(const Store& store, const RecordRef& record);
 
-// The value of a field as one text; entries are separated by "; ".
+// Returns the value of a field as one text, with "; " between entries.
 std::string fieldText(const Store& store, const RecordRef& record, const Field& field);
 
-// A value as text, its lines kept; a label without its decoration.
+// Return a value as text, which may have several lines, and a label without its decoration, "_$!<" and
+// ">!$_".
 std::string valueText(const Value& value);
 std::string labelText(std::string_view label);
 
-// The person or group with this unique id, or with this UUID in any letter case. Throws Failure when there is
-// none.
+// Returns the person or group with this unique id, or with this UUID in any letter case. Throws Failure when
+// there is none.
 RecordRef findRecord(const Store& store, const std::string& id);
 
 } // namespace addressbook::tool

@@ -10,7 +10,7 @@ namespace {
 
 constexpr std::size_t kFewestDigits = 3;
 
-// Whether a property holds text that users read.
+// Whether a property's values are text or have text in them.
 bool holdsText(int type) {
     const auto base = static_cast<Type>(type & ~kMultiValue);
     return base == Type::string || base == Type::dictionary;
@@ -39,7 +39,7 @@ std::string digitsOf(std::string_view text) {
     return digits;
 }
 
-// The digits of a word that may be a phone number, or a part of one; else empty.
+// Returns the digits of a word that may be a phone number or a part of one; empty for any other word.
 std::string phoneDigits(std::string_view word) {
     std::string digits = digitsOf(word);
     const bool number = word.find_first_not_of("0123456789+-./() ") == std::string_view::npos;

@@ -10,7 +10,7 @@ namespace addressbook::tool {
 
 namespace {
 
-// One save for so many cards: a save is written whole or not at all, and takes memory for all of it.
+// The most cards and bytes of one save. Larger saves would take too much memory.
 constexpr std::size_t kCardsPerSave = 10'000;
 constexpr std::size_t kBytesPerSave = std::size_t{128} * 1024 * 1024;
 
@@ -20,7 +20,7 @@ std::string uidOf(std::string uuid, Kind kind) {
     return uuid.append(kind == Kind::group ? kGroupSuffix : kPersonSuffix);
 }
 
-// Entries that are there already keep their identifiers, so that a second import changes nothing.
+// Gives entries that exist already their old identifiers, so that importing a card twice changes nothing.
 void keepIdentifiers(MultiValue& list, const Value& current) {
     const auto* old = current.as<MultiValue>();
     if (!old) {
@@ -81,7 +81,7 @@ void Importer::take(vcard::Card& card, const std::string& file) {
         ++summary_.skippedLines;
         report_(file, {skipped.number, skipped.line, "left out: " + skipped.reason});
     }
-    // A card without an id is known again by what it says.
+    // A card without an id is recognised by its contents.
     std::string uid = card.uid;
     card.uid.clear();
     const std::string digest = vcard::uuidOf(vcard::write(card));
@@ -122,7 +122,7 @@ void Importer::take(vcard::Card& card, const std::string& file) {
     }
 }
 
-// Groups wait for finish(): their members may come later.
+// Keeps a group until finish(), as cards of its members may follow.
 void Importer::addGroup(const std::string& uid, vcard::Card& card, Seen& seen) {
     ++summary_.groups;
     if (!card.memberUids.empty()) {
@@ -134,7 +134,7 @@ void Importer::addGroup(const std::string& uid, vcard::Card& card, Seen& seen) {
         groups_.push_back({uid, Kind::group, true, std::move(card.values)});
         return;
     }
-    for (auto& [property, value] : card.values) { // another file of this import had it
+    for (auto& [property, value] : card.values) { // an earlier file had this group, too
         groups_[seen.pending].values[property] = std::move(value);
     }
     ++summary_.updated;
@@ -146,7 +146,7 @@ void Importer::addPerson(const std::string& uid, vcard::Card& card, Seen& seen, 
             pendingBytes_ += bytes->size();
         }
     }
-    if (seen.pending != kNone) { // another file of this import had it
+    if (seen.pending != kNone) { // an earlier file had this person, too
         for (auto& [property, value] : card.values) {
             changes_.records[seen.pending].values[property] = std::move(value);
         }
@@ -165,8 +165,8 @@ void Importer::addPerson(const std::string& uid, vcard::Card& card, Seen& seen, 
     changes_.records.push_back(std::move(change));
 }
 
-// Leaves in [change] what differs from the record in the address book; false when it is not there. An import
-// sets what the card has and takes nothing else away.
+// Reduces [change] to what differs from the record in the address book; returns false when that has no such
+// record. An import sets the values of the card, and does not remove others.
 bool Importer::takeDifference(RecordChange& change) const {
     const auto record = store_ ? store_->find(change.uid) : std::nullopt;
     if (!record) {
@@ -178,7 +178,7 @@ bool Importer::takeDifference(RecordChange& change) const {
     std::swap(values, change.values);
     change.insert = false;
     if (current.contains(unknown)) {
-        values.try_emplace(unknown); // lines that the card does not have any more
+        values.try_emplace(unknown); // removes unknown lines that the card no longer has
     }
     for (auto& [property, value] : values) {
         const auto found = current.find(property);
@@ -199,7 +199,7 @@ bool Importer::exists(const std::string& uid) const {
     return seen_.contains(uid) || (store_ && store_->find(uid).has_value());
 }
 
-// The record that a group's card means by a UUID; empty when there is none.
+// Returns the unique id of the record that a group's card names by a UUID; empty when there is none.
 std::string Importer::resolve(const std::string& uuid) const {
     if (const auto alias = aliases_.find(uuid); alias != aliases_.end()) {
         return alias->second;
@@ -239,7 +239,7 @@ bool Importer::wouldCycle(const std::string& group, const std::string& subgroup)
     return false;
 }
 
-// The members that the card lists become the group's members.
+// Makes the members that the card lists the group's members.
 void Importer::joinGroup(const GroupMembers& group) {
     std::set<std::string> old;
     if (const auto record = store_ ? store_->find(group.uid) : std::nullopt) {
@@ -280,7 +280,7 @@ void Importer::joinGroup(const GroupMembers& group) {
     if (unresolved.empty()) {
         return;
     }
-    // They stay in the group's unknown lines, so that an export has them and a later import can find them.
+    // Unresolved members stay in the group's unknown lines, for an export and for a later import.
     summary_.unknownMembers += unresolved.size();
     Value& lines = groups_[seen_.at(group.uid).pending].values[std::string(property::kUnknownLines)];
     if (lines.empty()) {
@@ -294,7 +294,7 @@ void Importer::joinGroup(const GroupMembers& group) {
     }
 }
 
-// Groups that cards of people name.
+// Adds people to the groups that their cards name, and makes those groups.
 void Importer::joinNamedGroups() {
     if (named_.empty()) {
         return;
@@ -357,7 +357,7 @@ ImportSummary Importer::finish() {
     for (RecordChange& group : groups_) {
         const bool known = takeDifference(group);
         const bool same = known && group.values.empty();
-        if (seen_.contains(group.uid)) { // otherwise no card of its own
+        if (seen_.contains(group.uid)) { // groups that are only named have no card
             ++(same ? summary_.unchanged : known ? summary_.updated : summary_.added);
         }
         if (!same) {

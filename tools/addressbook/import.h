@@ -1,6 +1,6 @@
 #pragma once
 
-// Bringing vCards into an address book.
+// The command `import`: reading vCards into an address book.
 
 #include "frameworks/AddressBook/store/store.h"
 #include "frameworks/AddressBook/vcard/vcard.h"
@@ -17,43 +17,44 @@
 
 namespace addressbook::tool {
 
-// What an import did, in cards.
+// What an import did, in numbers of cards.
 struct ImportSummary {
     std::size_t read = 0, added = 0, updated = 0, unchanged = 0, refused = 0;
-    std::size_t groups = 0;         // of the cards read, those of groups
-    std::size_t namedGroups = 0;    // groups made because a card names one
-    std::size_t unknownMembers = 0; // members of groups whose cards are not there; kept for a later import
+    std::size_t groups = 0;         // cards of groups among those read
+    std::size_t namedGroups = 0;    // groups made because a person's card names one
+    std::size_t unknownMembers = 0; // members of groups without a card; kept for a later import
     std::size_t skippedLines = 0;
-    std::size_t circular = 0; // memberships left out, for a group would contain itself
-    std::size_t saved = 0;    // people whose changes are written
-    std::size_t missing = 0;  // records that another program deleted meanwhile; what was for them is left out
+    std::size_t circular = 0; // memberships left out, as a group would contain itself
+    std::size_t saved = 0;    // people whose changes have been written
+    std::size_t missing = 0;  // records that another program deleted meanwhile; their changes are dropped
 };
 
+// Imports the cards of one or several files. Not thread-safe.
 class Importer {
   public:
-    // Called with a file's name and what is wrong with a card or a line of it.
+    // Called with a file's name and a problem with a card or a line in it.
     using Report = std::function<void(const std::string& file, const vcard::Problem& problem)>;
-    // Called often, with the bytes of the file that are read.
+    // Called often, with the number of bytes of the file read so far.
     using Progress = std::function<void(std::size_t bytes, const ImportSummary& soFar)>;
 
     // [store] may be null, for an address book that does not exist yet; then, or with [dryRun], nothing is
     // written.
     Importer(Store* store, bool dryRun, Report report, Progress progress);
 
-    // Reads one file's cards; answers what was done so far. They are saved by finish(), or before when there
-    // are very many.
+    // Reads the cards of a file; returns what was done so far. The cards are saved by finish(), or earlier
+    // when there are very many.
     const ImportSummary& read(std::istream& input, const std::string& file);
 
-    // Joins groups and members and saves what is left. Until then no group is saved.
+    // Adds members to groups, and saves everything that is not saved yet. No group is saved before.
     ImportSummary finish();
 
   private:
-    // A record of this import.
+    // A record that this import has met.
     struct Seen {
         std::size_t file = 0;
         std::size_t pending =
             0;              // index into changes_.records or groups_; kNone when there is nothing to save
-        std::string digest; // of the card's contents
+        std::string digest; // a digest of the card's contents
     };
     // The members that a group's card lists.
     struct GroupMembers {
@@ -83,7 +84,7 @@ class Importer {
     std::unordered_map<std::string, std::string> aliases_;  // UUID of a UID -> unique id
     std::map<std::string, std::vector<std::string>> named_; // group's name -> people's unique ids
     std::vector<GroupMembers> members_;
-    std::map<std::string, std::vector<std::string>> subgroups_; // joined in this import
+    std::map<std::string, std::vector<std::string>> subgroups_; // added by this import
     std::vector<RecordChange> groups_;                          // held back until all members are known
     ChangeSet changes_;
     std::size_t pendingBytes_ = 0;

@@ -1,4 +1,4 @@
-// addressbook import: which files, how far it is, what it did.
+// The command `import`: opens the files, shows the progress, and prints what was done.
 
 #include "tools/addressbook/commands.h"
 
@@ -49,8 +49,8 @@ std::string summaryText(const ImportSummary& summary, bool dryRun) {
     return text + (dryRun ? " (dry run, nothing saved)" : "");
 }
 
-// The address book of an import; none when a dry run finds that there is none yet. A dry run is refused where
-// the import would be.
+// Opens the address book for an import; null for a dry run when there is none yet. A dry run fails where the
+// import would.
 std::unique_ptr<Store> openForImport(const Options& options) {
     const std::filesystem::path place = folder(options);
     if (std::error_code error; options.import.dryRun && !std::filesystem::exists(place / kFileName, error)) {
@@ -113,7 +113,7 @@ int runImport(const Options& options) {
                 if (soFar.read == before) {
                     throw Failure(input.name() + ": no vCard in it");
                 }
-            } catch (const Failure& failure) { // the other files are read all the same
+            } catch (const Failure& failure) { // continues with the other files
                 progress.clear();
                 complain(failure.what());
                 unread = true;

@@ -25,7 +25,7 @@ Input::Input(const std::string& file)
     if (S_ISREG(status.st_mode)) {
         size_ = static_cast<std::uintmax_t>(status.st_size);
     }
-    exceptions(std::ios::badbit); // what reading throws is not to be lost
+    exceptions(std::ios::badbit); // so that the stream rethrows exceptions of underflow()
 }
 
 Input::~Input() {
@@ -38,7 +38,7 @@ void Input::release() const {
     }
 }
 
-// Reads into the buffer behind [from]; returns where what was read ends.
+// Reads into the buffer at offset [from]; returns the offset at which the bytes read end.
 std::size_t Input::fill(std::size_t from) {
     for (;;) {
         waitForInput(descriptor_);

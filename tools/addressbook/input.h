@@ -1,6 +1,6 @@
 #pragma once
 
-// Files and standard input, read so that a signal ends the waiting for them.
+// Reading files and standard input in such a way that a signal interrupts the waiting.
 
 #include <array>
 #include <cstddef>
@@ -12,8 +12,8 @@
 
 namespace addressbook::tool {
 
-// A file, or standard input for "-", as a stream. Reading throws Failure when the system cannot read, and
-// Interrupted when the program is to end.
+// A file, or standard input for "-", as a stream. Reading throws Failure for errors of the system, and
+// Interrupted after a signal (interrupt.h).
 class Input : private std::streambuf, public std::istream {
   public:
     // Throws Failure when the file cannot be opened.
@@ -22,11 +22,11 @@ class Input : private std::streambuf, public std::istream {
     Input(const Input&) = delete;
     Input& operator=(const Input&) = delete;
 
-    // Returns how users know it.
+    // Returns the name for messages: that of the file, or of standard input.
     const std::string& name() const { return name_; }
-    // Returns the file's size in bytes, 0 for what has none.
+    // Returns the file's size in bytes, 0 for pipes and the like.
     std::uintmax_t size() const { return size_; }
-    // Returns the first bytes, at most 64 KB, without taking them; call it before reading.
+    // Returns the first bytes, at most 64 KB, without consuming them. Call it before reading.
     std::string_view beginning();
 
   private:

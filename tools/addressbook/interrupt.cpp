@@ -10,12 +10,12 @@ namespace addressbook::tool {
 namespace {
 
 volatile std::sig_atomic_t noted = 0;
-// The handler writes into it, so that a signal that comes just before poll() wakes it all the same.
+// A pipe into which the handler writes, so that a signal that comes just before poll() wakes it as well.
 std::array<int, 2> wakeUp{-1, -1};
 
 void note(int signal) {
     noted = signal;
-    [[maybe_unused]] const auto written = write(wakeUp[1], "", 1); // full is as good as written
+    [[maybe_unused]] const auto written = write(wakeUp[1], "", 1); // a full pipe wakes poll() as well
 }
 
 } // namespace

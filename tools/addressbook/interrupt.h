@@ -1,22 +1,21 @@
 #pragma once
 
-// Ctrl-C, SIGTERM and SIGHUP during long work: they do not end the program at once but at the next place
-// where nothing is left half-done, by an exception on whose way up temporary files are removed and locks let
-// go.
+// Ctrl-C, SIGTERM and SIGHUP during long work. They do not end the program at once, but by an exception at
+// the next place where nothing is left unfinished, so that temporary files are removed and locks released.
 
 namespace addressbook::tool {
 
-// The user or the system wants the program to end.
+// Thrown when a signal has asked the program to end.
 struct Interrupted {
     int signal = 0;
-    // Returns the exit status that shells give a program that the signal ended: 130, 143 or 129.
+    // Returns the exit status by which shells report a program that the signal has ended: 130, 143 or 129.
     int status() const { return 128 + signal; }
 };
 
-// From now on the three signals are only noted; one that is ignored already (nohup) stays so.
+// Makes the three signals be noted only, from now on; one that is ignored already (nohup) stays ignored.
 void noteSignals();
 
-// Throws Interrupted when one was noted.
+// Throws Interrupted if a signal was noted.
 void throwIfInterrupted();
 
 // Waits until [descriptor] can be read. Throws Interrupted when a signal comes first.

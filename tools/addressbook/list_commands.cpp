@@ -1,4 +1,4 @@
-// addressbook list, groups, find and show.
+// The commands `list`, `groups`, `find` and `show`.
 
 #include "tools/addressbook/commands.h"
 
@@ -18,7 +18,7 @@
 namespace addressbook::tool {
 namespace {
 
-// The rows of what --where finds.
+// Returns the rows that a search (--where) finds.
 std::vector<RowId> found(const Store& store, const std::string& where) {
     try {
         return store.search(parseSearch(where, store), currentTime());
@@ -27,7 +27,7 @@ std::vector<RowId> found(const Store& store, const std::string& where) {
     }
 }
 
-// All records of a kind, or those that the options leave.
+// Returns the rows of all records of a kind, or of those that the options select.
 std::vector<RowId> narrowed(const Store& store, Kind kind, const Options& options) {
     std::vector<RowId> rows;
     if (options.narrow.group.empty()) {

@@ -23,10 +23,10 @@ constexpr const char* kExitCodes =
     "written; 2 wrong usage; 3 the address book cannot be opened or written; 129, 130, 143 ended by SIGHUP, "
     "Ctrl-C, SIGTERM.";
 
-// Declares the command line; each command's work is put into [work] when the user asks for it.
+// Declares the command line. Parsing it sets [work] to the function of the command that the user gives.
 void declare(CLI::App& app, Options& options, int (*&work)(const Options&)) {
     app.require_subcommand(1);
-    app.fallthrough(); // --book may stand behind the command
+    app.fallthrough(); // --book may follow the command
     app.option_defaults()->always_capture_default(false);
     app.add_option("--book", options.book,
                    "The folder of the address book; without it $ADDRESSBOOK_HOME, else "
@@ -245,7 +245,7 @@ int run(int argc, char** argv) {
 } // namespace addressbook::tool
 
 int main(int argc, char** argv) {
-    std::signal(SIGPIPE, SIG_IGN); // a reader that has seen enough is no reason to die
+    std::signal(SIGPIPE, SIG_IGN); // a closed pipe is reported by the write (OutputClosed)
     try {
         return addressbook::tool::run(argc, argv);
     } catch (const std::exception& error) {

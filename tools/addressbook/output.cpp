@@ -21,7 +21,7 @@ Output::Output(fs::path file) : stream_(nullptr), target_(std::move(file)) {
     }
     const fs::file_status status = fs::status(target_, none);
     if (fs::exists(status) && !fs::is_regular_file(status)) {
-        stream_ = std::fopen(target_.c_str(), "wb"); // a pipe or a device
+        stream_ = std::fopen(target_.c_str(), "wb"); // a pipe or a device is written in place
         if (!stream_) {
             fail(errno);
         }

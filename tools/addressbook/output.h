@@ -1,6 +1,6 @@
 #pragma once
 
-// Where results go: standard output, or a file that appears under its name only when it is whole.
+// The output of commands: standard output, or a file that gets its name only when it is complete.
 
 #include <cstdio>
 #include <filesystem>
@@ -11,34 +11,35 @@
 
 namespace addressbook::tool {
 
-// What the program's exit status says.
+// The exit statuses of the program.
 enum ExitCode : int {
     kDone = 0,
-    kIncomplete = 1, // some cards refused, a record not found, a file not read or written, damage found
+    kIncomplete = 1, // cards were refused, a record not found, a file not read or written, damage found
     kUsage = 2,
     kNoBook = 3 // the address book cannot be opened, read or written
 };
 
-// A failure that ends the program with kIncomplete; what() is the message.
+// Thrown to end the program with kIncomplete; what() is the message.
 class Failure : public std::runtime_error {
     using std::runtime_error::runtime_error;
 };
 
-// The reader of standard output has gone; there is nothing left to do.
+// Thrown when the reader of standard output has closed it, so that the program can end.
 struct OutputClosed {};
 
+// A destination for text.
 class Output {
   public:
-    // Standard output.
+    // Writes to standard output.
     Output();
-    // A file, by way of a temporary one beside it; throws Failure. Without finish() the file stays as it was.
-    // A new file is for its owner only; one that is replaced hands its permissions on.
+    // Writes to a file, by way of a temporary file beside it: without finish() the file is unchanged. Only
+    // its owner may read a new file; a replaced one keeps its permissions. Throws Failure.
     explicit Output(std::filesystem::path file);
     ~Output();
     Output(const Output&) = delete;
     Output& operator=(const Output&) = delete;
 
-    // Throws Failure or OutputClosed.
+    // Write text, and complete the output. Throw Failure or OutputClosed.
     void write(std::string_view text);
     void finish();
 
@@ -47,13 +48,13 @@ class Output {
 
     std::FILE* stream_;
     std::filesystem::path target_, temporary_; // empty: standard output, or written in place
-    mode_t mode_ = 0600;                       // that the file gets when it is whole
+    mode_t mode_ = 0600;                       // the permissions of the complete file
 };
 
-// One line for the user on standard error: "addressbook: [message]".
+// Writes a line to standard error: "addressbook: [message]".
 void complain(std::string_view message);
 
-// A line of text with tabs, line ends, backslashes and other control characters escaped.
+// Returns a text with tabs, line ends, backslashes and other control characters escaped.
 std::string escaped(std::string_view text);
 
 } // namespace addressbook::tool

@@ -12,7 +12,7 @@ namespace addressbook::tool {
 namespace {
 
 using std::chrono::milliseconds;
-constexpr milliseconds kPatience{500}; // what takes less needs no line
+constexpr milliseconds kPatience{500}; // shorter work shows no line
 constexpr milliseconds kOnTerminal{100};
 constexpr milliseconds kElsewhere{1000};
 constexpr const char* kClearLine = "\r\x1B[K";

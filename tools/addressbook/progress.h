@@ -1,31 +1,31 @@
 #pragma once
 
-// The line that tells on standard error how far long work is.
+// The line on standard error that shows the progress of long work.
 
 #include <chrono>
 #include <string>
 
 namespace addressbook::tool {
 
-// On a terminal one line that is rewritten in place, from half a second on; else nothing, or a new line every
-// second when that was asked for. The destructor clears it.
+// On a terminal, one line that is rewritten in place, beginning after half a second; elsewhere nothing, or
+// when [asked] a new line every second. The destructor clears the line.
 class ProgressLine {
   public:
-    // [asked]: also where standard error is no terminal.
+    // [what] names the work. [asked]: shows progress also where standard error is no terminal.
     explicit ProgressLine(std::string what, bool asked = false);
     ~ProgressLine() { clear(); }
     ProgressLine(const ProgressLine&) = delete;
     ProgressLine& operator=(const ProgressLine&) = delete;
 
-    // Begins to tell of other work.
+    // Begins other work.
     void start(std::string what);
 
-    // Tells that [part] of the work is done, of 1; negative when nobody knows. [always] tells it even if the
-    // line before is young. Throws Interrupted when the program is to end, so that whoever tells how far it
-    // is can be stopped.
+    // Shows that [part] of the work is done, from 0 to 1; negative when that is not known. Does nothing
+    // shortly after the last line, unless [always]. Throws Interrupted after a signal, so that work that
+    // reports its progress can be stopped.
     void update(double part, const std::string& details = "", bool always = false);
 
-    // Makes room for another line.
+    // Removes the line, so that another text can be printed.
     void clear();
 
   private:

@@ -14,7 +14,7 @@
 namespace addressbook::tool {
 namespace {
 
-// The fields of dictionaries: the user's word and the key.
+// A field of a dictionary property: the user's word and the key.
 struct FieldName {
     std::string_view property, word, key;
 };
@@ -43,7 +43,7 @@ std::vector<std::string> fieldWords(std::string_view property) {
     return words;
 }
 
-// The type of a property, the users' own included; 0 when there is none that can be set.
+// Returns the type of a property, built-in or custom; 0 when there is none, or it cannot be set.
 int settableType(const Store& store, Kind kind, const std::string& property) {
     if (property == property::kUid || property == property::kCreation ||
         property == property::kModification) {
@@ -60,7 +60,7 @@ int settableType(const Store& store, Kind kind, const std::string& property) {
     return 0;
 }
 
-// The properties that can be set, by their names for users.
+// Returns the fields of the properties that can be set.
 std::vector<Field> settable(const Store& store, Kind kind) {
     std::vector<Field> fields;
     if (kind == Kind::group) {
@@ -135,7 +135,7 @@ PropertyPath parsePath(std::string_view text, Kind kind, const Store& store) {
     const std::vector<Field> known = settable(store, kind);
     const std::size_t slash = std::min(text.find('/'), text.size());
     const std::string wanted = fold(text.substr(0, slash));
-    // One entry of a list may be called by the singular, as phone.
+    // A list may also be named in the singular: phone for phones.
     const auto found = std::find_if(known.begin(), known.end(), [&](const Field& field) {
         const std::string name = fold(field.name);
         return name == wanted || fold(field.property) == wanted || name == wanted + "s" ||

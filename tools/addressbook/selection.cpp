@@ -8,7 +8,7 @@
 namespace addressbook::tool {
 namespace {
 
-// The groups that have the name; with none, those that have it in other letter case.
+// Returns the groups with a name; when there are none, those with the name in other letter case.
 std::vector<RowId> groupsNamed(const Store& store, const std::string& name) {
     std::vector<RowId> exact, similar;
     for (const RowId row : store.rows(Kind::group)) {
@@ -24,7 +24,7 @@ std::vector<RowId> groupsNamed(const Store& store, const std::string& name) {
     return exact.empty() ? similar : exact;
 }
 
-// A group and everything below it.
+// Adds a group and everything in it to the selection.
 void collect(const Store& store, RowId group, Selection& selection) {
     if (!selection.groups.insert(group).second) {
         return;

@@ -9,7 +9,7 @@
 
 namespace addressbook::tool {
 
-// Rows ascend in the order in which records were added.
+// The rows of some people and groups, ascending in the order in which they were added.
 struct Selection {
     std::set<RowId> people, groups;
 };
@@ -17,8 +17,9 @@ struct Selection {
 // Returns all people and groups.
 Selection everything(const Store& store);
 
-// Returns the group of this name or unique id, its subgroups and the members of them all; when several have the name,
-// all of these. Without one, letter case does not matter. Throws Failure when there is no such group.
+// Returns the group with a unique id, or all groups with a name, with their subgroups and the members of all
+// these. When no group has exactly this name, letter case is ignored. Throws Failure when there is no such
+// group.
 Selection contentsOfGroup(const Store& store, const std::string& group);
 
 } // namespace addressbook::tool

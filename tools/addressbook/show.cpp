@@ -54,7 +54,7 @@ Json jsonOf(const Value& value) {
     return valueText(value);
 }
 
-// Text that is no UTF-8 (a lone surrogate) is replaced, not refused.
+// Writes JSON as text; bytes that are not UTF-8 (lone surrogates) are replaced, as the library would throw.
 std::string dump(const Json& json, int indent = -1) {
     return json.dump(indent, ' ', false, Json::error_handler_t::replace);
 }
@@ -66,7 +66,7 @@ Json fieldJson(const Store& store, const RecordRef& record, const Field& field) 
     return jsonOf(store.value(record.row, field.property));
 }
 
-// A list as JSON with one element a line.
+// Writes a JSON array with one element a line.
 class JsonLines {
   public:
     explicit JsonLines(Output& output) : output_(output) { output_.write("["); }
@@ -81,7 +81,7 @@ class JsonLines {
     bool first_ = true;
 };
 
-// The names of the groups that a record is in.
+// Returns the names of the groups that a record is in.
 std::vector<std::string> groupNames(const Store& store, const RecordRef& record) {
     std::vector<std::string> names;
     for (const RowId row : store.parents(record.row)) {
@@ -90,12 +90,12 @@ std::vector<std::string> groupNames(const Store& store, const RecordRef& record)
     return names;
 }
 
-// The first rows, at most so many.
+// Returns the first [limit] rows at most.
 std::span<const RowId> firstOf(const std::vector<RowId>& rows, std::size_t limit) {
     return std::span(rows).first(std::min(rows.size(), limit));
 }
 
-// A line of a single record: name, label and value in columns; the value's further lines are indented.
+// Pads a text to a column of [width] characters, followed by at least one blank.
 std::string column(std::string text, std::size_t width) {
     const std::size_t characters = countCharacters(text);
     text.append(characters < width ? width - characters : 1, ' ');
@@ -132,7 +132,7 @@ void writeValue(Output& output, const std::string& name, const Value& value) {
     }
 }
 
-// What users call a property; its own name when they have no other.
+// Returns the users' name of a property; the property's own name when there is none.
 std::string friendlyName(const std::vector<Field>& fields, const std::string& property) {
     if (property == property::kGroupName) {
         return "name";
@@ -251,7 +251,7 @@ void showRecord(const Store& store, const RecordRef& record, bool json, Output& 
     }
     output.write(escaped(displayName(store, record)) + '\n');
     writeRow(output, "id", "", record.uid);
-    // In the order of the fields, then what is left.
+    // In the order of the fields, then all other properties.
     for (const Field& field : fields) {
         if (const auto found = values.find(field.property); found != values.end()) {
             writeValue(output, field.name, found->second);

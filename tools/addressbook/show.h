@@ -12,7 +12,7 @@
 
 namespace addressbook::tool {
 
-// One line a record: the unique id, then the fields, separated by tabs.
+// Writes one line for each record: the unique id and the fields, separated by tabs.
 void listRecords(const Store& store, const std::vector<RowId>& rows, const std::vector<Field>& fields,
                  Output& output);
 
@@ -21,13 +21,14 @@ void listRecords(const Store& store, const std::vector<RowId>& rows, const std::
 void listRecordsAsJson(const Store& store, const std::vector<RowId>& rows, const std::vector<Field>& fields,
                        Output& output);
 
-// One line a group: the unique id, the name, how many members and subgroups it has.
+// Writes one line for each group: the unique id, the name, and the numbers of members and subgroups.
 void listGroups(const Store& store, const std::vector<RowId>& rows, bool json, Output& output);
 
-// One line a record: the unique id and the name.
+// Writes one line for each record: the unique id and the name.
 void writeNames(const Store& store, const std::vector<RecordRef>& records, bool json, Output& output);
 
-// Everything about one record that users know of; of a group's members and subgroups [limit] at most.
+// Writes everything about a record except internal properties; of a group's members and subgroups at most
+// [limit].
 void showRecord(const Store& store, const RecordRef& record, bool json, Output& output,
                 std::size_t limit = std::numeric_limits<std::size_t>::max());
 
