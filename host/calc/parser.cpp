@@ -368,7 +368,7 @@ Assignment Parser::assignment(size_t scope) {
         failExpected("\"=\" after the name of a variable", CalcCode::operatorOrFunctionExpected);
     }
     advance();
-    Node value = expression(); // read before the name is known: it may use an outer one of the same name
+    Node value = expression(); // parsed before the name is known: it may use an outer one of the same name
     if (target) {
         return {std::move(*target), std::move(value)};
     }

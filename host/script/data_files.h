@@ -1,6 +1,6 @@
 #pragma once
 
-// The data files that scripts have open, by the numbers that Open Data File gives them.
+// The data files that scripts have opened, by the ids that Open Data File returns.
 
 #include "host/calc/environment.h"
 #include "host/values/container.h"
@@ -14,25 +14,25 @@
 
 namespace host {
 
+// The open data files of a session. All functions throw StepFailure.
 class DataFiles {
   public:
     static constexpr size_t kMaxOpen = 25;
 
-    // Keeps the list of the open files in [environment].
+    // Keeps Environment::openDataFiles up to date.
     explicit DataFiles(Environment& environment) : environment_(environment) {}
 
-    // Opens a file for reading and writing, at its start; answers its number, from 1 on. All functions throw
-    // StepFailure.
+    // Opens a file for reading and writing, at its start; returns its id, from 1 on.
     int64_t open(const std::filesystem::path& file);
     void close(int64_t id);
 
-    // Reads from the position, to the end without [amount] (in bytes).
+    // Reads [amount] bytes from the position on, or to the end without an amount.
     Bytes read(int64_t id, std::optional<int64_t> amount);
 
-    // Writes at the position, over what is there.
+    // Writes at the position, overwriting what is there.
     void write(int64_t id, const Bytes& bytes);
 
-    // The position in bytes, from 0.
+    // Return and set the position in bytes, from 0.
     int64_t position(int64_t id) const;
     void setPosition(int64_t id, int64_t position);
 

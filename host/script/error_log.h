@@ -1,6 +1,6 @@
 #pragma once
 
-// Set Error Logging: a file of the steps that failed.
+// The log of failed steps that Set Error Logging turns on.
 
 #include <string>
 #include <string_view>
@@ -9,16 +9,16 @@ namespace host {
 
 class ErrorLog {
   public:
-    // [information] stands at the end of each line.
+    // Turns the log on. [information] is added to the end of each line.
     void turnOn(std::u16string information) {
         isOn_ = true;
         information_ = std::move(information);
     }
     void turnOff() { isOn_ = false; }
 
-    // Adds a line to ScriptErrors.log in the folder Documents of the user, or in their home folder without
-    // one: time, file, script, step, line, error, information, with tabs between them. Nothing while it is
-    // off; a file that cannot be written is passed over.
+    // Appends a line to ScriptErrors.log in the user's folder Documents, or in the home folder when there is
+    // none: time, file, script, step, line, error and information, separated by tabs. Does nothing while the
+    // log is off, or when the file cannot be written.
     void write(std::string_view file, std::u16string_view script, std::u16string_view step, size_t line,
                int code) const;
 

@@ -1,6 +1,6 @@
 #pragma once
 
-// The script steps that plug-ins register, as scripts see them.
+// The interface between scripts and the steps that plug-ins register.
 
 #include "host/calc/registry.h"
 #include "host/script/step_parameter.h"
@@ -14,7 +14,7 @@ namespace host {
 
 class Session;
 
-// One registered step.
+// A registered step.
 class ExternalStep : public Registered {
   public:
     ExternalStep(std::u16string name, std::vector<StepParameter> parameters)
@@ -24,7 +24,7 @@ class ExternalStep : public Registered {
     // code becomes the session's last error. Throws ExternalFailure when the plug-in throws an exception.
     virtual Value run(Session& session, std::span<Value> values) = 0;
 
-    // In the order in which scripts write them.
+    // Returns the parameters, in the order in which scripts write them.
     const std::vector<StepParameter>& parameters() const { return parameters_; }
 
   private:

@@ -1,7 +1,7 @@
 #pragma once
 
-// The script steps of the language: the single source of a step's name, prototype, description and category
-// for the parser, the runner, `fmhost functions` and editors.
+// The script steps of the language. Their rows are the only source of a step's name, prototype, description
+// and category for the parser, the runner, `fmhost functions` and editors.
 
 #include "host/script/step_parameter.h"
 #include "host/script/steps/step_row.h"
@@ -13,7 +13,7 @@
 
 namespace host {
 
-// A row with what its prototype says.
+// A row, with the parameters that its prototype describes.
 struct OwnStep {
     StepRow row;
     std::string_view category;
@@ -27,13 +27,13 @@ struct OwnStep {
     }
 };
 
-// All steps, by category in the order of FileMaker's list.
+// Returns all steps, by category in FileMaker's order.
 std::span<const OwnStep> ownSteps();
 
-// Whether a step that does something has that folded name; others leave the name to plug-ins.
+// Whether a supported step has that folded name. The names of other steps may be used by plug-ins.
 bool isStepName(std::u16string_view key);
 
-// The step of a folded name; null when there is none.
+// Returns the step with a folded name; null when there is none.
 const OwnStep* findOwnStep(std::u16string_view key);
 
 } // namespace host

@@ -14,7 +14,7 @@
 
 namespace host {
 
-// Where a script goes on after a step.
+// Where a script continues after a step.
 enum class Flow : uint8_t {
     next,       // with the next one; the step is run
     jump,       // at the target: the end of a branch, of a loop's body
@@ -42,8 +42,8 @@ struct Script {
 Script parseScript(const SourcePtr& source, const FunctionRegistry& functions,
                    const StepRegistry& externalSteps);
 
-// Parses the text of a script and puts all that is wrong into [errors]; goes on behind a step that can not be
-// read. With errors the script is not to be run.
+// Parses the text of a script and adds all errors to [errors]: after a step that cannot be parsed it
+// continues with the next one. A script with errors must not be run.
 Script parseScript(const SourcePtr& source, const FunctionRegistry& functions,
                    const StepRegistry& externalSteps, std::vector<CalcError>& errors);
 

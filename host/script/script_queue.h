@@ -1,6 +1,6 @@
 #pragma once
 
-// Scripts that wait for their turn.
+// Scripts that are waiting to be run.
 
 #include "host/values/value.h"
 
@@ -16,7 +16,7 @@ struct ScriptRequest {
     Value parameter;
 };
 
-// Scripts that plug-ins have started. Any thread may add one.
+// The queue of scripts that plug-ins have started. Thread-safe.
 class ScriptQueue {
   public:
     using Request = ScriptRequest;

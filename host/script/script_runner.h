@@ -37,7 +37,7 @@ class ScriptListener {
     virtual void beep() {}
 };
 
-// A script that runs again and again: Install OnTimer Script.
+// A script that runs at an interval (Install OnTimer Script).
 struct TimerScript {
     ScriptRequest script;
     std::chrono::duration<double> interval;
@@ -50,14 +50,14 @@ class ScriptRunner {
     ScriptRunner(Session& session, ScriptLibrary& library, ScriptListener& listener)
         : session_(session), library_(library), listener_(listener), dataFiles_(session.environment()) {}
 
-    // Runs a file's script to its end and answers its result; empty when Halt Script ends it. Throws
+    // Runs the script in a file to its end and returns its result; empty when Halt Script ends it. Throws
     // CalcError, FileError.
     Value run(const std::filesystem::path& file, Value parameter);
 
     // Whether kMaxScriptDepth allows another script to be performed.
     bool canRun() const { return depth_ <= kMaxScriptDepth; }
 
-    // The timer's script when its time has come.
+    // Returns the timer's script if it is due.
     std::optional<ScriptRequest> dueScript();
 
   private:

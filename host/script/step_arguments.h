@@ -1,6 +1,6 @@
 #pragma once
 
-// Reads how one place of a script writes the parameters of a step.
+// The arguments of a step in a script, and how they are parsed.
 
 #include "host/calc/parser.h"
 #include "host/script/step_parameter.h"
@@ -11,7 +11,7 @@
 
 namespace host {
 
-// What a script gives to one parameter.
+// What a script gives for a parameter.
 struct StepArgument {
     bool isGiven = false;
     std::optional<Calculation>
@@ -24,9 +24,9 @@ struct StepArgument {
 // One for each parameter of the step, in their order.
 using StepArguments = std::vector<StepArgument>;
 
-// Reads what stands between the brackets, up to the closing one: parameters with semicolons between them, in
-// the order of the step's definition; one with its label before it ("Label: value") may stand anywhere. [in]
-// is null when the step has no brackets. Throws CalcError.
+// Parses the text in a step's brackets, up to the closing bracket: arguments separated by semicolons, in the
+// order of the step's parameters; an argument with its label ("Label: value") may be in any place. [in] is
+// null when the step has no brackets. Throws CalcError.
 StepArguments readStepArguments(std::u16string_view step, const std::vector<StepParameter>& parameters,
                                 Parser* in);
 

@@ -1,7 +1,7 @@
 #pragma once
 
-// What the function of a step sees while it runs: its arguments by their place in the prototype, and what it
-// can do.
+// What the function of a step can use while it runs: its arguments, by their place in the prototype, and the
+// services of the runner.
 
 #include "host/calc/session.h"
 #include "host/script/script.h"
@@ -29,31 +29,31 @@ class StepContext {
 
     bool isGiven(size_t place) const { return step_.arguments[place].isGiven; }
 
-    // The value of an argument; empty when it is not given. Throws CalcError.
+    // Returns the value of an argument; empty when it is not given. Throws CalcError.
     Value value(size_t place) const;
     std::u16string text(size_t place) const { return value(place).asText(); }
 
-    // Of a flag or a choice: what the script gives, else [standard].
+    // Returns the number of a flag or a choice; [standard] when it is not given.
     int number(size_t place, int standard = 0) const;
 
-    // A path, from the script's own folder; what FileMaker writes before a path to say what kind it is does
-    // not count. Fails when it is empty.
+    // Returns an argument as a path, relative to the script's folder, without the prefix by which FileMaker
+    // marks the kind of path. Fails when it is empty.
     std::filesystem::path path(size_t place) const;
 
-    // Gives a value to the variable of an argument; nothing when none is given.
+    // Sets the variable of an argument; does nothing when it is not given.
     void assign(size_t place, Value value) const;
 
-    // Shows a value to who follows the script step by step.
+    // Passes a value to ScriptListener::evaluated().
     void trace(const Value& value) const;
 
-    // The script that an argument names; nothing when there is none.
+    // Returns the file of the script that an argument names; nothing when there is none.
     std::optional<std::filesystem::path> script(size_t place) const;
 
-    // Runs a script and answers its result. Throws CalcError, also when scripts perform each other too
-    // deeply.
+    // Runs a script and returns its result. Throws CalcError, also when scripts are nested deeper than
+    // kMaxScriptDepth.
     Value perform(const std::filesystem::path& file, Value parameter) const;
 
-    // Runs a script again and again whenever none runs, in place of the one before.
+    // Makes a script run at an interval while no other script runs; replaces the one before.
     void installTimer(const std::filesystem::path& file, Value parameter,
                       std::chrono::duration<double> interval) const;
     void removeTimer() const;
@@ -62,11 +62,11 @@ class StepContext {
     void pause(std::chrono::duration<double> time) const;
     void beep() const;
 
-    // Ends the script with that result when the step is done.
+    // Ends the script with a result when the step is done.
     void exit(Value result) { result_ = std::move(result); }
     std::optional<Value>& result() { return result_; }
 
-    // Fails with one of the codes of step_failure.h, at the place of an argument.
+    // Throws StepFailure with a StepCode, at the place of an argument.
     [[noreturn]] void fail(int code, const std::string& message, size_t place) const;
 
   private:

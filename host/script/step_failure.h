@@ -1,6 +1,6 @@
 #pragma once
 
-// How a step fails, and the codes that Get ( LastError ) answers then: FileMaker's own numbers.
+// Failures of steps, with the codes that Get ( LastError ) then returns, which are FileMaker's.
 
 #include <optional>
 #include <stdexcept>
@@ -18,11 +18,11 @@ enum StepCode : int {
     kNetworkUnavailable = 1631,
 };
 
-// A step that could not do its work. With Set Error Capture [ On ] the script goes on and asks for the code;
-// else the failure ends it.
+// Thrown by a step that failed. With Set Error Capture [ On ] the script continues and can ask for the code;
+// otherwise the failure ends it.
 class StepFailure : public std::runtime_error {
   public:
-    // [offset] is the place in the script that the message is about; the step itself when there is none.
+    // [offset] is the place in the script that the message is about; without one, that of the step.
     StepFailure(int code, const std::string& message, std::optional<size_t> offset = std::nullopt)
         : std::runtime_error(message), code_(code), offset_(offset) {}
 

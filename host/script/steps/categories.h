@@ -1,6 +1,6 @@
 #pragma once
 
-// The rows of each category of steps; own_steps.cpp puts them together.
+// The tables of steps, one for each category; own_steps.cpp combines them.
 
 #include "host/script/steps/step_row.h"
 

@@ -1,6 +1,6 @@
 #pragma once
 
-// A row of the tables of script steps.
+// The rows of the tables of script steps.
 
 #include <cstdint>
 #include <string_view>
@@ -9,20 +9,20 @@ namespace host {
 
 class StepContext;
 
-// How a step is read and run.
+// How a step is parsed and run.
 enum class StepForm : uint8_t {
-    run,    // a function runs it
-    quiet,  // a function runs it, and it leaves Get ( LastError ) alone unless it says otherwise
-    ifStep, // the parser works these out
+    run,    // runs a function, and sets Get ( LastError )
+    quiet,  // runs a function; Get ( LastError ) stays as it is unless the function sets it
+    ifStep, // this and the following: control structures, which the parser makes jumps
     elseIf,
     elseStep,
     endIf,
     loop,
     exitLoopIf,
     endLoop,
-    inert,       // does nothing where there is no window, and succeeds
-    unavailable, // does nothing, error 3: what it talks to does not exist here
-    refused,     // the parser refuses it: what it is for does not exist here
+    inert,       // does nothing and succeeds, as there is no window
+    unavailable, // does nothing and gives error 3, as what it needs does not exist in this host
+    refused,     // the parser refuses it, as what it is for does not exist in this host
 };
 
 using StepFunction = void (*)(StepContext&);
