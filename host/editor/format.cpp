@@ -12,7 +12,7 @@ namespace host {
 
 namespace {
 
-// The line end of a text: that of its first line.
+// Returns the line end of a text: that of its first line.
 std::u16string lineEnd(std::u16string_view text) {
     const size_t at = text.find_first_of(u"\r\n");
     if (at == std::u16string_view::npos || text[at] == u'\n') {
@@ -41,8 +41,8 @@ std::vector<std::u16string> linesOf(std::u16string_view text) {
     return lines;
 }
 
-// The lines of a calculation in a file of calculations: a backslash says that it goes on. Nothing for one that
-// can not be read: tests expect some to fail.
+// Returns a formatted calculation for a file of calculations, where a backslash continues a line. Nothing for
+// one that cannot be parsed, as tests expect some to fail.
 std::optional<std::u16string> continuedLines(const CalcCheck& check, const FormatStyle& style) {
     try {
         const auto source = std::make_shared<Source>("", fromUtf8(check.text));
@@ -79,7 +79,7 @@ std::u16string formatCalculations(const Source& file, bool isMarkdown, const For
     return result;
 }
 
-// Whether the first line that is indented is so with a tab.
+// Whether the first indented line is indented by a tab.
 bool usesTabs(std::u16string_view text) {
     for (size_t i = 0; i < text.size(); ++i) {
         const bool startsLine = i == 0 || text[i - 1] == u'\n' || text[i - 1] == u'\r';

@@ -1,6 +1,6 @@
 #pragma once
 
-// What users may choose about the layout of scripts and calculations.
+// The options for formatting scripts and calculations.
 
 #include <cstddef>
 #include <string>
@@ -11,8 +11,8 @@ namespace host {
 inline constexpr std::u16string_view kIndent = u"    ";
 
 struct FormatStyle {
-    size_t width = 120;    // in characters; 0: no line is too long
-    std::u16string indent; // for each level; empty: tabs where the file has them, else kIndent
+    size_t width = 120;    // the longest line, in characters; 0: no limit
+    std::u16string indent; // of one level; empty: tabs if the file has them, else kIndent
 };
 
 } // namespace host

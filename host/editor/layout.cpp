@@ -1,4 +1,4 @@
-// Line by line: a line that is too long is broken at its weakest places, then looked at again.
+// Works line by line: breaks a line that is too long at its outermost places, then looks at the parts again.
 #include "host/editor/layout.h"
 
 #include "host/calc/characters.h"
@@ -13,7 +13,7 @@ bool isComment(const Piece& piece) {
     return piece.kind == PieceKind::comment || piece.kind == PieceKind::lineComment;
 }
 
-// Whether a blank stands between two pieces of one line.
+// Whether there is a blank between two pieces in a line.
 bool needsBlank(const Piece& left, const Piece& right) {
     if (isComment(left) || isComment(right)) {
         return true;
@@ -85,8 +85,9 @@ class Layout {
         return result;
     }
 
-    // How far a line is indented: one more than the line with the bracket that it stands in, and one more when
-    // it goes on with what a line before began. The brackets of a script step count alike.
+    // Returns the level of a line: one more than that of the line with the innermost open bracket, and one
+    // more when it continues an expression of an earlier line. The brackets of a script step count as
+    // brackets.
     int levelOf(size_t begin) const {
         if (pieces_[begin].kind == PieceKind::close) {
             return level_[pieces_[begin].partner];
@@ -117,7 +118,7 @@ class Layout {
         return result;
     }
 
-    // A comment at the end does not count: it can not be made shorter.
+    // Whether a line is too long, without a comment at its end, which cannot be broken.
     bool isTooLong(size_t begin, size_t end, int level) const {
         if (style_.width == 0) {
             return false;
@@ -137,8 +138,8 @@ class Layout {
         return false;
     }
 
-    // Breaks a line at its outermost semicolons, else operators, else brackets. Answers false when there is
-    // nothing to break at.
+    // Breaks a line at its outermost semicolons, else operators, else brackets. Returns false when it has
+    // none.
     bool breakLine(size_t begin, size_t end) {
         for (int depth = lowestDepth(begin, end); depth <= highestDepth(begin, end); ++depth) {
             if (breakAfterSemicolons(begin, end, depth) || breakBeforeOperators(begin, end, depth) ||
@@ -158,7 +159,7 @@ class Layout {
                                  depth_.begin() + static_cast<long>(end));
     }
 
-    // A comment at the end of its line stays there.
+    // Breaks the line before a piece, but keeps a comment at the end of a line there.
     bool breakBefore(size_t piece, size_t end) {
         while (piece < end && pieces_[piece].kind == PieceKind::lineComment) {
             ++piece;
@@ -187,8 +188,8 @@ class Layout {
         return isBroken;
     }
 
-    // A condition of Case and its result stay on one line: the semicolon between them is the first, the third
-    // ... of the call.
+    // Whether a semicolon is between a condition of Case and its result, which stay on one line: it is the
+    // first, third ... of the call.
     bool keepsPair(size_t semicolon) const {
         const size_t bracket = opener_[semicolon];
         return bracket != kNone && bracket > 0 && pieces_[bracket - 1].text == u"Case" &&
@@ -213,7 +214,7 @@ class Layout {
         return isBroken;
     }
 
-    // Brackets around a single word are left alone.
+    // Breaks the longest brackets of a line, but none around a single word.
     bool breakLongestBrackets(size_t begin, size_t end, int depth) {
         std::vector<std::pair<size_t, size_t>> byLength;
         for (size_t i = begin; i < end; ++i) {
@@ -228,13 +229,13 @@ class Layout {
                            [&](const auto& bracket) { return breakBrackets(bracket.second, end); });
     }
 
-    // "Let ( [": both open on one line.
+    // Whether a parenthesis is directly followed by a bracket, as in "Let ( [", which stay on one line.
     bool startsWithList(size_t bracket) const {
         const Piece& first = pieces_[bracket + 1];
         return pieces_[bracket].text == u"(" && first.kind == PieceKind::open && first.text == u"[";
     }
 
-    // After the opening bracket, after its semicolons, before the closing one.
+    // Breaks after the opening bracket, after its semicolons, and before the closing one.
     bool breakBrackets(size_t bracket, size_t end) {
         const size_t close = pieces_[bracket].partner;
         const bool afterOpening = startsWithList(bracket)
@@ -247,11 +248,11 @@ class Layout {
     std::vector<Piece> pieces_;
     const FormatStyle& style_;
     const LayoutStart& start_;
-    std::vector<int> level_; // of the line that a piece stands in
-    // Of each piece; a bracket stands outside itself.
-    std::vector<int> depth_;     // how many brackets are open
-    std::vector<size_t> opener_; // the innermost of them, or kNone
-    std::vector<int> ordinal_;   // how many semicolons that bracket has up to here
+    std::vector<int> level_; // by piece: the level of its line
+    // By piece; a bracket counts as outside itself.
+    std::vector<int> depth_;     // the number of open brackets
+    std::vector<size_t> opener_; // the innermost open bracket, or kNone
+    std::vector<int> ordinal_;   // the number of semicolons in that bracket so far
 };
 
 } // namespace

@@ -1,20 +1,20 @@
 #pragma once
 
-// Puts pieces on lines.
+// Arranges pieces in lines.
 
 #include "host/editor/format_style.h"
 #include "host/editor/pieces.h"
 
 namespace host {
 
-// Where a text that is laid out begins.
+// The place where a text begins.
 struct LayoutStart {
-    std::u16string indent; // of the line that it begins in: lines after it have at least that
-    size_t column = 0;     // characters before it in its line
-    bool isInStep = false; // in the brackets of a script step, which lines after the first stand inside
+    std::u16string indent; // the indentation of the first line, which all further lines have at least
+    size_t column = 0;     // the number of characters before the text in its line
+    bool isInStep = false; // in the brackets of a script step: further lines are indented by one level
 };
 
-// The text of the pieces, its first line without indentation, lines ended by line feeds.
+// Returns the text of the pieces, with line feeds between lines; the first line is not indented.
 std::u16string layOut(std::vector<Piece> pieces, const FormatStyle& style, const LayoutStart& start = {});
 
 } // namespace host

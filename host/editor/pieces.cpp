@@ -13,7 +13,7 @@ bool isLineEnd(char16_t c) {
     return c == u'\r' || c == u'\n';
 }
 
-// Whether an operator that follows stands between two values.
+// Whether an operator after a piece is a binary one.
 bool endsValue(const Piece& piece) {
     return piece.kind == PieceKind::word || piece.kind == PieceKind::close;
 }
@@ -32,7 +32,7 @@ class PieceReader {
                 add(token);
                 at_ = token.end;
             }
-        } catch (const CalcError& error) { // with its place in the whole text
+        } catch (const CalcError& error) { // rethrown with its place in the whole source
             throw CalcError(error.kind(), error.code(), source_, offset_ + error.offset(), error.what());
         }
         readBlanks(text_.size());
@@ -45,7 +45,7 @@ class PieceReader {
     }
 
   private:
-    // White space and comments from at_ up to [end].
+    // Reads white space and comments from at_ up to [end].
     void readBlanks(size_t end) {
         while (at_ < end) {
             if (text_[at_] != u'/') {
@@ -77,7 +77,7 @@ class PieceReader {
         offsets_.push_back(offset);
     }
 
-    // The last piece that is no comment; null at the start.
+    // Returns the last piece that is no comment; null at the start.
     const Piece* lastWord() const {
         for (size_t i = pieces_.size(); i > 0; --i) {
             if (pieces_[i - 1].kind != PieceKind::comment && pieces_[i - 1].kind != PieceKind::lineComment) {
@@ -151,7 +151,7 @@ class PieceReader {
         }
     }
 
-    // What stands before the colon becomes one piece with it: "Duration (seconds):".
+    // Joins the pieces of a label and its colon to one piece: "Duration (seconds):".
     void addLabel(const Token& colon) {
         size_t first = pieces_.size();
         while (first > 0 && pieces_[first - 1].kind != PieceKind::semicolon) {
@@ -173,8 +173,8 @@ class PieceReader {
         pieces_.back().breaks = std::max(breaks, pieces_.back().breaks);
     }
 
-    // Functions and Get names have the letter case of their definition. Before "(" a name is a function,
-    // whatever Let calls so.
+    // Returns the spelling of a name: functions and Get names have the letter case of their definition. A
+    // name before "(" is a function, even if Let defines the same name.
     std::u16string spelling(const std::u16string& name, const Token& token, const Piece* last) const {
         size_t next = token.end;
         while (next < text_.size() && (text_[next] == u' ' || text_[next] == u'\t')) {
@@ -197,13 +197,13 @@ class PieceReader {
     }
 
     SourcePtr source_;
-    size_t offset_; // where the text begins in the source
+    size_t offset_; // of the text in the source
     std::u16string_view text_;
     bool isStep_;
     size_t at_ = 0;
-    int breaks_ = 0; // of lines since the last piece
+    int breaks_ = 0; // line breaks since the last piece
     std::vector<Piece> pieces_;
-    std::vector<size_t> offsets_; // of the pieces in the text
+    std::vector<size_t> offsets_; // by piece: its offset in the text
     std::vector<size_t> open_;    // brackets that are not closed yet
 };
 

@@ -10,7 +10,7 @@ namespace host {
 
 namespace {
 
-// How a step moves itself and those after it.
+// How a step changes the indentation of itself and of the steps after it.
 struct Indentation {
     std::u16string_view name; // folded
     int before;
@@ -45,7 +45,7 @@ class ScriptFormatter {
     }
 
   private:
-    // A step, which may go over several lines; a comment; an empty line, which is a step of its own.
+    // Reads a step, which may have several lines, or a comment, or an empty line, which is a step of its own.
     void readLine() {
         while (at_ < text_.size() && isSpace(text_[at_])) {
             ++at_;
@@ -69,7 +69,7 @@ class ScriptFormatter {
         return end == std::u16string_view::npos ? text_.size() : end;
     }
 
-    // The text up to [end] without blanks at its end; goes on behind it.
+    // Returns the text up to [end], without blanks at its end, and moves past it.
     std::u16string lineUpTo(size_t end) {
         std::u16string line(text_.substr(at_, end - at_));
         while (!line.empty() && isSpace(line.back())) {
@@ -103,7 +103,7 @@ class ScriptFormatter {
             brackets(name);
         }
         level_ += after;
-        const std::u16string rest = lineUpTo(endOfLine()); // what can not be there, for whoever reads it next
+        const std::u16string rest = lineUpTo(endOfLine()); // not valid here, but kept for the user to see
         result_ += rest.empty() ? u"" : u" " + rest;
     }
 
@@ -119,7 +119,7 @@ class ScriptFormatter {
         at_ = close + 1;
     }
 
-    // The bracket that closes the one at at_.
+    // Returns the offset of the bracket that closes the one at at_.
     size_t closingBracket() const {
         Lexer lexer(source_, at_ + 1);
         int depth = 1;

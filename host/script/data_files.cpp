@@ -71,7 +71,7 @@ Bytes DataFiles::read(int64_t id, std::optional<int64_t> amount) {
 
 void DataFiles::write(int64_t id, const Bytes& bytes) {
     std::FILE* file = stream(id);
-    std::fseek(file, 0, SEEK_CUR); // between reading and writing
+    std::fseek(file, 0, SEEK_CUR); // required by stdio between reading and writing
     const bool written = std::fwrite(bytes.data(), 1, bytes.size(), file) == bytes.size();
     if (!written || std::fflush(file) != 0) {
         std::clearerr(file);

@@ -1,5 +1,5 @@
-// Reading order: steps one by one, then the blocks (If, Loop), which are kept on a stack. Brackets are read
-// by the calculation parser itself.
+// Reading order: parsing step by step, then the blocks (If, Loop), which are kept on a stack. The text in
+// brackets is read by the calculation parser.
 #include "host/calc/parser.h"
 #include "host/calc/suggest.h"
 #include "host/script/script.h"
@@ -65,8 +65,8 @@ class ScriptParser {
 
     size_t endOfLine(size_t from) const { return std::min(text_.find_first_of(u"\r\n", from), text_.size()); }
 
-    // Where reading goes on behind a step with a mistake: after its closing bracket, else on the line after
-    // the mistake.
+    // Returns where parsing continues after a step with an error: after its closing bracket, else on the line
+    // after the error.
     size_t endOfBadStep(const CalcError& error) const {
         const size_t open = text_.find_first_of(u"[\r\n", begin_);
         if (open < text_.size() && text_[open] == u'[') {
@@ -80,10 +80,10 @@ class ScriptParser {
                         return endOfLine(token.begin);
                     }
                 }
-            } catch (const CalcError&) { // an open text: nobody knows where the brackets end
+            } catch (const CalcError&) { // a text without its end, so that the closing bracket is not known
             }
         }
-        // A mistake at the first word of a line is that of the step before, whose bracket is not closed.
+        // An error at the first word of a line belongs to the step before, whose bracket is not closed.
         const size_t lineStart = text_.find_last_of(u"\r\n", error.offset() == 0 ? 0 : error.offset() - 1);
         const bool isFirstWord =
             error.code() != CalcCode::unterminatedText && lineStart != text_.npos && lineStart >= begin_ &&
@@ -166,8 +166,8 @@ class ScriptParser {
              "there is no script step called " + toUtf8(name) + nearest.question());
     }
 
-    // Adds what a step does, but for its arguments; answers who takes these. Blocks open even when the
-    // brackets have a mistake, so that their ends are found.
+    // Adds a step without its arguments, and returns it for these. Blocks are opened even if the brackets
+    // have an error, so that their ends are found.
     Step* open(const OwnStep& own) {
         switch (own.row.form) {
         case StepForm::ifStep:

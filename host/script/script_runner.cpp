@@ -14,7 +14,7 @@ Value ScriptRunner::run(const std::filesystem::path& file, Value parameter) {
     if (depth_ > 1) {
         return runSteps(*script);
     }
-    // What a script switches lasts until the scripts that it is part of have ended.
+    // The settings of scripts last until the outermost script has ended.
     Environment& environment = session_.environment();
     environment.errorCapture = false;
     environment.allowUserAbort = true;

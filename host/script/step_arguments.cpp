@@ -48,7 +48,7 @@ class ArgumentReader {
         const bool isLeftOut = isAtEnd() || in_.current().kind == TokenKind::semicolon;
         if (parameter.kind == Kind::calculation && !parameter.isRequired && parameter.needsLabel &&
             isLeftOut) {
-            return; // "Parameter:" with nothing behind it
+            return; // "Parameter:" without a value
         }
         argument.isGiven = true;
         switch (parameter.kind) {
@@ -71,7 +71,7 @@ class ArgumentReader {
         }
     }
 
-    // The place of the next value that has no label.
+    // Returns the index of the parameter for the next value without a label.
     size_t next() {
         const bool isVariable = in_.current().kind == TokenKind::variable;
         for (size_t i = 0; i < parameters_.size(); ++i) {
@@ -95,14 +95,14 @@ class ArgumentReader {
         in_.failExpected(labels.empty() ? "the \"]\" of " + toUtf8(step_) : labels, CalcCode::nameMissing);
     }
 
-    // What stands from [begin] to the next character of [ends].
+    // Returns the text from [begin] to the next character that is in [ends].
     std::u16string_view until(std::u16string_view ends, size_t begin, size_t& end) const {
         const std::u16string_view text = in_.source()->text();
         end = std::min(text.find_first_of(ends, begin), text.size());
         return text.substr(begin, end - begin);
     }
 
-    // Takes an option that is its label alone.
+    // Takes an option that is only a label; returns whether there was one.
     bool word() {
         if (in_.current().kind != TokenKind::identifier) {
             return false;
@@ -119,8 +119,8 @@ class ArgumentReader {
         return false;
     }
 
-    // Takes a label and its colon. A calculation has no single colon outside texts, so that what stands before
-    // one is a label.
+    // Takes a label and its colon; returns whether there was one. A calculation has no single colon outside
+    // texts, so that any words before one are a label.
     bool labelled() {
         const std::u16string_view text = in_.source()->text();
         const size_t begin = in_.current().begin;
@@ -156,7 +156,7 @@ class ArgumentReader {
         return isOn;
     }
 
-    // A word of the definition, as it stands or in quotes.
+    // Takes one of a parameter's words, with or without quotes; returns its number.
     int choice(const StepParameter& parameter) {
         const Token& token = in_.current();
         const bool isQuoted = token.kind == TokenKind::text || token.kind == TokenKind::quoted;
@@ -173,7 +173,8 @@ class ArgumentReader {
         in_.failExpected("one of " + words, CalcCode::nameMissing);
     }
 
-    // A name in curly quotes, or a calculation that gives it; then perhaps: from file: "name".
+    // Takes a script's name in curly quotes, or a calculation that gives it, optionally followed by: from
+    // file: "name".
     void script(StepArgument& argument) {
         if (in_.current().kind == TokenKind::quoted) {
             argument.script = in_.current().text;
@@ -205,7 +206,7 @@ class ArgumentReader {
         case Kind::calculation:
         case Kind::script:
             if (parameter.label.empty()) {
-                in_.calculation(); // fails as a missing value does anywhere
+                in_.calculation(); // throws the usual error for a missing value
             }
             break;
         case Kind::target:
@@ -223,7 +224,7 @@ class ArgumentReader {
     const std::vector<StepParameter>& parameters_;
     Parser& in_;
     StepArguments arguments_;
-    size_t place_ = 0; // what word() and labelled() have found
+    size_t place_ = 0; // the index of the parameter that word() or labelled() found
 };
 
 } // namespace

@@ -32,7 +32,7 @@ std::u16string parameterForm(const StepParameter& parameter) {
     return {};
 }
 
-// Takes what stands before the first [mark] of a text, without white space around it.
+// Removes the text before the first [mark], and returns it without white space around it.
 std::u16string cut(std::u16string_view& text, char16_t mark) {
     const size_t end = text.find(mark);
     std::u16string part = normalName(text.substr(0, end));

@@ -1,4 +1,4 @@
-// Steps that say what runs next, and how errors are met.
+// Steps that control what runs next, and the handling of errors.
 #include "host/script/error_log.h"
 #include "host/script/step_context.h"
 #include "host/script/steps/categories.h"
@@ -22,7 +22,7 @@ void performScript(StepContext& step) {
 }
 
 void pauseScript(StepContext& step) {
-    constexpr size_t kDuration = 1; // behind Indefinitely
+    constexpr size_t kDuration = 1; // the parameter after Indefinitely
     const Value duration = step.value(kDuration);
     step.trace(duration);
     const double seconds =
@@ -66,7 +66,7 @@ void setRevertTransaction(StepContext& step) {
     step.session().environment().revertTransactionOnError = step.number(0) != 0;
 }
 
-// No script and no interval, or one of 0, ends the timer.
+// Removes the timer when there is no script, or no interval or one of 0.
 void installTimer(StepContext& step) {
     enum : size_t { kScript, kParameter, kInterval };
     const double seconds = step.value(kInterval).asNumber().value_or(0).toDouble();

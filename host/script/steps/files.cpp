@@ -1,4 +1,4 @@
-// Steps about whole files and folders.
+// Steps for whole files and folders.
 #include "host/script/file_bytes.h"
 #include "host/script/script_library.h"
 #include "host/script/step_context.h"
@@ -30,7 +30,7 @@ void insert(StepContext& step) {
     step.assign(kInsertTarget, std::move(contents));
 }
 
-// Makes the folders that a file lies in, when the step says so.
+// Makes the missing folders of a file's path, when the flag of the step is set.
 void createFolders(StepContext& step, const fs::path& file, size_t flag) {
     std::error_code error;
     if (step.number(flag) != 0) {
@@ -58,7 +58,7 @@ void exportContents(StepContext& step) {
     }
 }
 
-// The empty file replaces one that is there.
+// Makes an empty file, also in place of an existing one.
 void createDataFile(StepContext& step) {
     const fs::path file = step.path(0);
     createFolders(step, file, 1);
@@ -97,7 +97,7 @@ void deleteFile(StepContext& step) {
     }
 }
 
-// The new name stands alone, in the same folder; a file of that name is not replaced.
+// Renames a file within its folder; an existing file is not replaced.
 void renameFile(StepContext& step) {
     const fs::path file = step.path(0);
     requireFile(step, file);
@@ -116,7 +116,7 @@ void renameFile(StepContext& step) {
     }
 }
 
-// Nobody chooses here: the folder that the step proposes, when it is there.
+// There is no dialog here: returns the folder that the step proposes, if it exists.
 void getFolderPath(StepContext& step) {
     enum : size_t { kCreate, kTarget, kTitle, kPath };
     std::error_code error;

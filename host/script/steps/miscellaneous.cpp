@@ -1,4 +1,4 @@
-// Dialogs and sounds, and steps that do nothing where there is no window.
+// Dialogs and sounds, and steps that do nothing as there is no window.
 #include "host/script/step_context.h"
 #include "host/script/steps/categories.h"
 
@@ -6,7 +6,7 @@ namespace host {
 
 namespace {
 
-// Nobody answers: the first button, and the inputs stay as they are.
+// There is nobody to answer: chooses the first button, and leaves the inputs as they are.
 void showCustomDialog(StepContext& step) {
     const Value title = step.value(0);
     step.showDialog(title, step.value(1));

@@ -1,5 +1,5 @@
-// Steps that FileMaker has and that mean nothing without a database: a script with one of them is refused, so
-// that nobody believes that it did its work.
+// Steps of FileMaker that have no meaning without a database. A script with one of them is refused, so that
+// nobody takes them for done.
 #include "host/script/steps/categories.h"
 
 namespace host {

@@ -1,4 +1,4 @@
-// Steps that give values to variables.
+// Steps that set variables.
 #include "host/script/file_bytes.h"
 #include "host/script/script_library.h"
 #include "host/script/step_context.h"
@@ -23,7 +23,7 @@ void insertText(StepContext& step) {
     step.assign(kTarget, std::move(value));
 }
 
-// What a file: URL names, as a text when it is UTF-8.
+// Inserts the file of a file: URL; as text when it is UTF-8.
 void insertFromUrl(StepContext& step) {
     enum : size_t { kSelect, kDialog, kTarget, kUrl, kVerify, kOptions };
     const std::string url = toUtf8(step.text(kUrl));
