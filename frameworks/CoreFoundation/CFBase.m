@@ -1,4 +1,4 @@
-// What every object has in common: objects are Foundation's, so most of this is one message.
+// Functions for all objects. As these are Foundation's objects, most functions send one message.
 
 #include <CoreFoundation/CoreFoundation.h>
 #import <Foundation/Foundation.h>
@@ -10,7 +10,7 @@ CFTypeRef CFRetain(CFTypeRef object) {
 }
 
 void CFRelease(CFTypeRef object) {
-    IN_POOL([(id)object release]); // what goes with it may autorelease others
+    IN_POOL([(id)object release]); // dealloc may autorelease other objects
 }
 
 CFIndex CFGetRetainCount(CFTypeRef object) {
@@ -27,7 +27,7 @@ CFHashCode CFHash(CFTypeRef object) {
     return [(id)object hash];
 }
 
-// The classes that have a number, which is their place here, from 1 on.
+// The type ids of classes: their places in this list, from 1 on.
 typedef enum { kString = 1, kArray, kDictionary, kData, kDate, kNumber, kTypes } TypeID;
 
 static Class classOf(TypeID type) {

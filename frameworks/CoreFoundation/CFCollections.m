@@ -103,7 +103,7 @@ void CFArrayRemoveValueAtIndex(CFMutableArrayRef array, CFIndex index) {
     IN_POOL([(NSMutableArray*)array removeObjectAtIndex:(NSUInteger)index]);
 }
 
-// What a sort is told besides the values.
+// The comparator of a sort, with its context.
 typedef struct {
     CFComparatorFunction comparator;
     void* context;

@@ -3,7 +3,7 @@
 
 #include "frameworks/CoreFoundation/pool.h"
 
-// One function that is to be called.
+// A callback and what it was registered for.
 @interface CFObserver : NSObject {
   @public
     const void* _observer;
@@ -28,7 +28,7 @@
 
 @end
 
-// All of them: Foundation's center does not retain them.
+// All registered observers, retained here, as Foundation's center does not retain them.
 static NSMutableArray* observers = nil;
 
 CFNotificationCenterRef CFNotificationCenterGetLocalCenter(void) {

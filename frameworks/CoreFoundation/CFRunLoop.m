@@ -5,10 +5,10 @@
 
 const CFRunLoopMode kCFRunLoopDefaultMode = (CFRunLoopMode) @"NSDefaultRunLoopMode";
 
-// The loops that are to stop.
+// The loops that CFRunLoopStop() was called for.
 static NSMutableArray* stopping = nil;
 
-// Whether a loop was stopped since this was last asked.
+// Returns whether a loop was told to stop, and clears that.
 static BOOL takeStop(NSRunLoop* loop) {
     @synchronized([NSRunLoop class]) {
         const BOOL stopped = [stopping containsObject:loop];
@@ -38,8 +38,8 @@ void CFRunLoopStop(CFRunLoopRef loop) {
     }
 }
 
-// One turn: the timers that are due, and then, unless one of them stopped the loop, what comes in before the
-// next one is due. Answers 0 to go on.
+// Runs one turn: the timers that are due, and then, unless one of them stopped the loop, the input that
+// arrives before the next timer is due. Returns 0 to continue.
 static CFRunLoopRunResult turn(NSRunLoop* loop, NSString* mode, NSDate* end, BOOL once) {
     NSDate* limit = [loop limitDateForMode:mode];
     if (takeStop(loop)) {
@@ -62,7 +62,7 @@ static CFRunLoopRunResult turn(NSRunLoop* loop, NSString* mode, NSDate* end, BOO
 static CFRunLoopRunResult run(NSString* mode, NSDate* end, BOOL once) {
     NSRunLoop* loop = [NSRunLoop currentRunLoop];
     CFRunLoopRunResult result = 0;
-    takeStop(loop); // one that came while it did not run counts for nothing
+    takeStop(loop); // a stop while the loop did not run is ignored
     while (result == 0) {
         IN_POOL(result = turn(loop, mode, end, once));
     }

@@ -3,7 +3,7 @@
 
 #include "frameworks/CoreFoundation/pool.h"
 
-// Foundation's number for an encoding; 0 for an unknown one.
+// Returns Foundation's number for an encoding; 0 for an unknown one.
 static NSStringEncoding encodingOf(CFStringEncoding encoding) {
     switch (encoding) {
     case kCFStringEncodingMacRoman:
@@ -67,7 +67,7 @@ CFStringRef CFStringCreateWithCString(CFAllocatorRef allocator, const char* text
 CFStringRef CFStringCreateWithBytes(CFAllocatorRef allocator, const UInt8* bytes, CFIndex count,
                                     CFStringEncoding encoding, Boolean isExternalRepresentation) {
     (void)allocator;
-    (void)isExternalRepresentation; // Foundation looks for a byte-order mark in any case
+    (void)isExternalRepresentation; // Foundation always looks for a byte-order mark
     const NSStringEncoding known = encodingOf(encoding);
     if (known == 0) {
         return NULL;

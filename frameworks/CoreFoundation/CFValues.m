@@ -51,7 +51,7 @@ CFComparisonResult CFDateCompare(CFDateRef one, CFDateRef other, void* context) 
     return [(NSDate*)one compare:(NSDate*)other];
 }
 
-// The number made of, or written to, each C type.
+// Expands CASE for the C type that corresponds to each CFNumberType.
 #define FOR_TYPE(type, CASE)                                                                                 \
     switch (type) {                                                                                          \
     case kCFNumberSInt8Type:                                                                                 \

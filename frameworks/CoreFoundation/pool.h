@@ -1,7 +1,7 @@
 #pragma once
 
-// Functions for C run without an autorelease pool around them, so each has its own. An exception leaves it to
-// the pool outside, if there is one: the exception itself may be in it.
+// C programs have no autorelease pool, so each function makes one for the statements given. An exception
+// leaves this pool to the enclosing one, if there is any, as the exception itself may be in it.
 
 #import <Foundation/Foundation.h>
 
@@ -12,7 +12,7 @@
         [pool_ release];                                                                                     \
     } while (0)
 
-// The expression's object, owned by the caller; evaluated in a pool of its own.
+// Evaluates an expression in a pool of its own, and returns its object, which the caller owns.
 #define OWNED(...)                                                                                           \
     ({                                                                                                       \
         id object_;                                                                                          \

@@ -1,4 +1,4 @@
-// Natural-language dates as macOS reads them; Foundation's own reader here knows fewer forms and reads some
+// Natural-language dates as macOS reads them. GNUstep's own implementation knows fewer forms, and reads some
 // of them wrongly.
 
 #include "frameworks/Foundation/locale.h"
@@ -44,8 +44,8 @@ NSDate* dateFrom(const NaturalDate& date) {
     return date.offset ? [moment dateByAddingTimeInterval:-*date.offset] : moment;
 }
 
-// The order of day and month: that of the locale given (an NSLocale, or a dictionary with
-// NSDateTimeOrdering), else of the environment.
+// Returns the order of day and month in a locale (an NSLocale, or a dictionary with NSDateTimeOrdering); that
+// of the environment's locale when none is given.
 bool dayFirstIn(id locale) {
     if ([locale isKindOfClass:[NSDictionary class]]) {
         NSString* ordering = [locale objectForKey:@"NSDateTimeOrdering"];
@@ -59,7 +59,7 @@ bool dayFirstIn(id locale) {
     return writesDayFirst(localeName("LC_TIME"));
 }
 
-// Nothing for text that has no UTF-8, half a surrogate pair for one.
+// Returns a text in UTF-8; nothing when it has none, as with half of a surrogate pair.
 std::optional<std::string> utf8(NSString* text) {
     NSData* bytes = [text dataUsingEncoding:NSUTF8StringEncoding];
     if (bytes == nil) {

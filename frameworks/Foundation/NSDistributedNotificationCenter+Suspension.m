@@ -1,13 +1,13 @@
-// A centre that is connected to no notification server has no notifications to hold back, and a connection
-// starts unsuspended: ending the suspension then is nobody else's business. Foundation would start the server
-// for it, wait up to ten seconds and raise where there is none.
+// A distributed notification center that is not connected to a notification server has no notifications to
+// suspend, and a new connection is not suspended: ending the suspension then needs no server. GNUstep would
+// start the server for it, wait up to ten seconds, and raise where there is none.
 
 #import <Foundation/Foundation.h>
 #import <objc/runtime.h>
 
 @implementation NSDistributedNotificationCenter (Suspension)
 
-// Takes the place of -setSuspended:, which is found under this name from then on.
+// Replaces -setSuspended:, whose implementation then has this name.
 - (void)setSuspendedWhenConnected:(BOOL)suspended {
     [_centerLock lock];
     const BOOL nothingToSay = !suspended && _remote == nil;

@@ -1,8 +1,9 @@
-// Mach ports over an eventfd: its count is the number of messages that wait, a send adds one and the run loop
-// takes one at a time.
+// Mach ports by means of an eventfd, whose count is the number of pending messages: a send adds one, the run
+// loop takes one at a time.
 //
-// Foundation's run loops do not retain what they watch and may be touched by their own thread alone. So each
-// thread's dictionary keeps the ports of its run loop, with their modes; it goes when the run loop goes.
+// GNUstep's run loops do not retain what they watch, and may only be used by their own thread. So the
+// dictionary of each thread keeps the ports of its run loop, with their modes, for as long as the thread
+// lives.
 
 #import <Foundation/Foundation.h>
 #import <objc/runtime.h>
@@ -14,7 +15,7 @@ NSString* const kCFRunLoopCommonModes = @"kCFRunLoopCommonModes";
 
 static NSString* const kScheduledPorts = @"NSMachPort scheduled ports";
 
-// The modes that [mode] stands for: itself, or all common ones, two of which are AppKit's.
+// Returns the modes that [mode] stands for: itself, or all common modes, two of which are AppKit's.
 static NSArray* modesOf(NSString* mode) {
     if (mode == nil) {
         return [NSArray arrayWithObject:NSDefaultRunLoopMode];
@@ -59,13 +60,14 @@ static void requireOwnThread(NSRunLoop* runLoop) {
     return !__atomic_load_n(&_closed, __ATOMIC_ACQUIRE);
 }
 
-// The write fails only when 2^64 - 2 messages wait; then the delegate is called anyway.
+// Adds a message. The write fails only when 2^64 - 2 messages are pending, so that the delegate is called
+// anyway.
 - (void)signal {
     const uint64_t one = 1;
     (void)!write(_event, &one, sizeof one);
 }
 
-// What Foundation's -sendBeforeDate:components:from:reserved: comes to.
+// Called by Foundation's -sendBeforeDate:components:from:reserved:.
 - (BOOL)sendBeforeDate:(NSDate*)GS_UNUSED_ARG limit
                  msgid:(NSInteger)GS_UNUSED_ARG identifier
             components:(NSMutableArray*)components
@@ -96,7 +98,7 @@ static void requireOwnThread(NSRunLoop* runLoop) {
     NSMutableSet* modes = [ports objectForKey:self];
     if (modes == nil) {
         modes = [NSMutableSet set];
-        [ports setObject:modes forKey:self]; // copying a port is retaining it
+        [ports setObject:modes forKey:self]; // -copy of a port retains it
     }
     for (NSString* each in modesOf(mode)) {
         if ([modes containsObject:each]) {
@@ -107,7 +109,7 @@ static void requireOwnThread(NSRunLoop* runLoop) {
     }
 }
 
-// Takes this port out of [modes] of the current thread's run loop, as far as it is in.
+// Removes this port from those of [modes] of the current thread's run loop in which it is.
 - (void)removeFromModes:(NSArray*)modes {
     NSMutableDictionary* ports = [[[NSThread currentThread] threadDictionary] objectForKey:kScheduledPorts];
     NSMutableSet* scheduled = [ports objectForKey:self];
@@ -139,11 +141,11 @@ static void requireOwnThread(NSRunLoop* runLoop) {
         return;
     }
     [self removeFromCurrentRunLoop];
-    [self signal]; // another thread's run loop turns and lets go
+    [self signal]; // wakes the run loop of another thread, which then removes the port
     [super invalidate];
 }
 
-// Sent by the run loop, on its thread.
+// Sent by the run loop, on its thread, when there are messages.
 - (void)receivedEvent:(void*)GS_UNUSED_ARG data
                  type:(RunLoopEventType)GS_UNUSED_ARG type
                 extra:(void*)GS_UNUSED_ARG extra
@@ -154,7 +156,7 @@ static void requireOwnThread(NSRunLoop* runLoop) {
     }
     uint64_t count;
     if (read(_event, &count, sizeof count) != sizeof count) {
-        return; // a loop run by the delegate was quicker
+        return; // a nested run of the loop has already taken the message
     }
     [[self retain] autorelease];
     if ([_delegate respondsToSelector:@selector(handleMachMessage:)]) {
@@ -164,7 +166,7 @@ static void requireOwnThread(NSRunLoop* runLoop) {
 
 @end
 
-// The run loop's two messages, as far as Mach ports are concerned, are the ports' business.
+// Passes -addPort:forMode: and -removePort:forMode: to the port when it is a Mach port.
 @interface NSRunLoop (MachPorts)
 @end
 
@@ -174,7 +176,7 @@ static void requireOwnThread(NSRunLoop* runLoop) {
     if ([port isKindOfClass:[NSMachPort class]]) {
         [(NSMachPort*)port scheduleInRunLoop:self forMode:mode];
     } else {
-        [self addMachOrOtherPort:port forMode:mode]; // Foundation's own, exchanged
+        [self addMachOrOtherPort:port forMode:mode]; // Foundation's implementation, exchanged
     }
 }
 

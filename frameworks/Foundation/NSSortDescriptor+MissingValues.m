@@ -1,6 +1,6 @@
 // Sorting by a property that not all objects have: as on macOS, an object without a value comes before those
-// with one (behind them, when the order is descending), and two without are alike. Foundation's own raises
-// for one of the two orders and takes the other for alike.
+// with one (after them in descending order), and two without are equal. GNUstep's implementation raises when
+// one object has no value, and treats it as equal when the other one has none.
 
 #import <Foundation/Foundation.h>
 #include <objc/runtime.h>

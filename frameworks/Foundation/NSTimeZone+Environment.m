@@ -1,5 +1,5 @@
-// The system's time zone is that of TZ where it is set, as on macOS and in the C library; Foundation here
-// always takes the machine's.
+// The system's time zone is that of the environment variable TZ if it is set, as on macOS and in the C
+// library. GNUstep always takes the machine's.
 
 #import <Foundation/Foundation.h>
 #import <objc/runtime.h>
@@ -7,7 +7,7 @@
 
 @implementation NSTimeZone (Environment)
 
-// Takes the place of +systemTimeZone, which is found under this name from then on.
+// Replaces +systemTimeZone, whose implementation then has this name.
 + (NSTimeZone*)environmentOrSystemTimeZone {
     const char* name = getenv("TZ");
     NSTimeZone* zone = nil;

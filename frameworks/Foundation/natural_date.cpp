@@ -1,5 +1,5 @@
 // Reading order: days of the calendar, the words, tokens, then the parser. The parser walks the tokens once;
-// at each place the first rule that fits takes as many tokens as it understands.
+// at each token the first rule that matches takes as many tokens as it can.
 
 #include "frameworks/Foundation/natural_date.h"
 
@@ -32,7 +32,7 @@ void addDays(CivilTime& time, long count) {
     setDay(time, sys_days(dayOf(time)) + days(count));
 }
 
-// A month later or earlier; the 31st of a shorter month is its last day.
+// Adds months to a time; where the new month has no such day, it becomes the month's last day.
 void addMonths(CivilTime& time, long count) {
     const auto month = dayOf(time).year() / dayOf(time).month() + std::chrono::months(count);
     const auto last = (month / std::chrono::last).day();
@@ -154,7 +154,8 @@ constexpr char lower(char c) {
 
 constexpr std::size_t kMaxText = 200;
 
-// Nothing for text with characters that no date has, or too long a number.
+// Returns the tokens of a text; nothing when it has characters that no date has, or a number that is too
+// long.
 std::optional<std::vector<Token>> tokenize(std::string_view text) {
     std::vector<Token> tokens;
     bool spaced = false;
@@ -168,7 +169,7 @@ std::optional<std::vector<Token>> tokenize(std::string_view text) {
             ++i;
             continue;
         }
-        // The narrow and the wide no-break space, which clocks put before AM and PM.
+        // The narrow and the usual no-break space, which systems put before AM and PM.
         if (const auto blank = text.substr(i, 3); blank == "\u202F" || blank.substr(0, 2) == "\u00A0") {
             spaced = true;
             i += blank == "\u202F" ? 3 : 2;
@@ -258,7 +259,7 @@ class Parser {
         return haveDate_ && !haveTime_ && is(0, "t") && isNumber(1) && take(1);
     }
 
-    // "14:30", "14:30:15.5", "2:30 PM", "2 pm"; after a T also "143015".
+    // Reads "14:30", "14:30:15.5", "2:30 PM", "2 pm"; after a T also "143015".
     bool clock() {
         const bool afterT = at_ > 0 && tokens_[at_ - 1].text == "t";
         if (!isNumber(0)) {
@@ -321,7 +322,7 @@ class Parser {
         haveExactTime_ = false;
     }
 
-    // "Z", "UTC", "GMT", "+01:00", "-0500", "+01".
+    // Reads "Z", "UTC", "GMT", "+01:00", "-0500", "+01".
     bool zone() {
         if (is(0, "z") || is(0, "utc") || is(0, "gmt")) {
             offset_ = 0;
@@ -357,7 +358,7 @@ class Parser {
         return dayOf(date_).ok();
     }
 
-    // A year as written with so many digits; nothing for one or three digits.
+    // Returns the year at a token, by its number of digits; nothing for one or three digits.
     std::optional<int> year(std::size_t ahead) const {
         if (digits(ahead) == 4) {
             return number(ahead);
@@ -370,7 +371,7 @@ class Parser {
         return century < earliest ? century + 100 : century;
     }
 
-    // "20101225".
+    // Reads "20101225".
     bool compactDate() {
         if (!isNumber(0) || digits(0) != 8) {
             return false;
@@ -378,7 +379,7 @@ class Parser {
         return setDate(number(0) / 10000, number(0) / 100 % 100, number(0) % 100) && take(1);
     }
 
-    // "2010-12-25", "12/25/2010", "25.12.2010", "12/25"; with full stops the day comes first everywhere.
+    // Reads "2010-12-25", "12/25/2010", "25.12.2010", "12/25". With full stops the day always comes first.
     bool digitDate() {
         if (!isNumber(0) || !isNumber(2) || !(is(1, "/") || is(1, ".") || is(1, "-"))) {
             return false;
@@ -401,14 +402,14 @@ class Parser {
         if (mark == "." || dayFirst_) {
             std::swap(month, day);
         }
-        if (month > 12 && day <= 12) { // only the other order makes sense
+        if (month > 12 && day <= 12) { // only valid in the other order
             std::swap(month, day);
         }
         const bool closed = !three && mark == "." && is(3, ".");
         return setDate(*written, month, day) && take(three ? 5 : closed ? 4 : 3);
     }
 
-    // "25 December 2010", "December 25, 2010", "25th of Dec", "December 2010".
+    // Reads "25 December 2010", "December 25, 2010", "25th of Dec", "December 2010".
     bool monthDate() {
         std::size_t used = 0;
         std::optional<int> day;
@@ -480,7 +481,7 @@ class Parser {
         haveDate_ = true;
     }
 
-    // "1 week ago", "in 3 days", "two hours from now", "next month".
+    // Reads "1 week ago", "in 3 days", "two hours from now", "next month".
     bool relative() {
         if (const auto direction = word(0, kDirections)) {
             if (const auto unit = word(1, kUnits); unit && *unit >= kDay) {
@@ -520,7 +521,7 @@ class Parser {
         return take(used);
     }
 
-    // "today", "now", "day after tomorrow".
+    // Reads "today", "now", "day after tomorrow".
     bool dayWord() {
         if (is(0, "now")) {
             haveDate_ = haveTime_ = haveExactTime_ = true;
@@ -543,7 +544,7 @@ class Parser {
         return take(used);
     }
 
-    // "friday", "next friday"; in front of a date it only decorates.
+    // Reads "friday", "next friday". A weekday before a date is ignored.
     bool weekday() {
         if (weekday_) {
             return false;
@@ -562,8 +563,8 @@ class Parser {
         return true;
     }
 
-    // "friday" and "this friday": the first from today on; "next": the first after today; "last": the last
-    // before it.
+    // Sets the date to a weekday: for "friday" and "this friday" the first from today on, for "next" the
+    // first after today, for "last" the last before today.
     void toWeekday(int weekday, int direction) {
         const int today = static_cast<int>(std::chrono::weekday(sys_days(dayOf(now_))).c_encoding());
         int shift = (weekday - today + 7) % 7;
@@ -577,15 +578,15 @@ class Parser {
     }
 
     static constexpr int kLastYear = 9999;
-    // More of any unit leads out of the calendar.
+    // The largest number of any unit; more could leave the range of the calendar.
     static constexpr long kMostUnits = 10'000;
 
     std::vector<Token> tokens_;
     CivilTime now_;
     bool dayFirst_;
     std::size_t at_ = 0;
-    CivilTime date_;  // the day found; while nothing is found, this moment
-    CivilTime clock_; // the time found; noon otherwise
+    CivilTime date_;  // the date found; the current time until then
+    CivilTime clock_; // the time found; noon until then
     bool haveDate_ = false;
     bool haveTime_ = false;
     bool haveClock_ = false;     // a time in digits, which a zone may follow

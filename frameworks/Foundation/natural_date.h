@@ -1,14 +1,14 @@
 #pragma once
 
-// Dates as people write them: ISO, digits in the order of the locale, month names, and words like "next
-// friday".
+// Reading dates as people write them: ISO, numeric dates in the order of the locale, month names, and words
+// like "next friday".
 
 #include <optional>
 #include <string_view>
 
 namespace foundation {
 
-// A date and time of the calendar, in no particular time zone.
+// A date and time, without a time zone.
 struct CivilTime {
     int year = 1970;
     int month = 1; // 1 to 12
@@ -19,16 +19,17 @@ struct CivilTime {
     bool operator==(const CivilTime&) const = default;
 };
 
-// What a text says: a time on the user's clock, or, with an offset, on a clock so many seconds east of
-// Greenwich.
+// The date that a text gives: in the user's time zone, or with an offset in one that is so many seconds east
+// of UTC.
 struct NaturalDate {
     CivilTime time;
     std::optional<int> offset;
 };
 
-// Reads a text; nothing when any of it is not understood or the date does not exist. [now] is what "today"
-// and "1 hour ago" count from, on the user's clock. A date without a time means noon. [dayFirst] is the order
-// of day and month between slashes; two digits of a year mean the year from 80 years ago to 19 years ahead.
+// Returns the date in a text; nothing when any part of the text is not understood, or the date does not
+// exist. [now] is the user's local time, for "today" and "1 hour ago". A date without a time means noon.
+// [dayFirst] is the order of day and month between slashes. A year of two digits is the one within 80 years
+// ago and 19 years ahead.
 std::optional<NaturalDate> parseNaturalDate(std::string_view text, const CivilTime& now, bool dayFirst);
 
 } // namespace foundation

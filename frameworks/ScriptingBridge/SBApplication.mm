@@ -28,7 +28,8 @@ std::string configuredName() {
     return name != nullptr && *name != '\0' ? name : "org.gnome.Contacts";
 }
 
-// The id as D-Bus takes it, UTF-8 without zero characters; raises when there is none.
+// Returns the identifier of an element in the form that D-Bus takes, UTF-8 without zero characters; raises
+// when there is none.
 std::string elementIdentifier(id element) {
     id identifier = [element isKindOfClass:[SBObject class]] ? [element elementIdentifier] : nil;
     const char* bytes = [identifier isKindOfClass:[NSString class]] ? [identifier UTF8String] : nullptr;

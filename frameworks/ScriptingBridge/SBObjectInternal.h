@@ -6,7 +6,7 @@
 
 - (id)initWithElementIdentifier:(id)identifier;
 
-// Returns the id by which the element was looked up; nil for an application.
+// Returns the identifier of an element; nil for an application.
 - (id)elementIdentifier;
 
 @end

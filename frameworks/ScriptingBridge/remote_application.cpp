@@ -1,5 +1,5 @@
-// sd-bus of libsystemd: Foundation is linked with it already, so it costs nothing to load; it starts no bus
-// of its own accord, and every wait takes a limit.
+// By means of libsystemd's sd-bus: it is loaded anyway, as Foundation is linked with it, it never starts a
+// bus, and all its calls take a time limit.
 
 #include "frameworks/ScriptingBridge/remote_application.h"
 
@@ -16,14 +16,14 @@ using Clock = std::chrono::steady_clock;
 
 constexpr const char* kApplicationInterface = "org.freedesktop.Application";
 
-// What is left until [deadline]; never 0, which sd-bus takes for its own default.
+// Returns the time left until [deadline]; at least 1, as 0 means sd-bus's own default.
 std::uint64_t microsecondsUntil(Clock::time_point deadline) {
     const auto left = std::chrono::duration_cast<std::chrono::microseconds>(deadline - Clock::now());
     return static_cast<std::uint64_t>(std::max<std::int64_t>(left.count(), 1));
 }
 
-// Connects and greets the bus, which sd_bus_call would do without a limit. Answers 0 or a negative error
-// number.
+// Waits until the bus is connected and has said hello, which sd_bus_call would do without a limit. Returns 0
+// or a negative errno.
 int waitUntilReady(sd_bus* bus, Clock::time_point deadline) {
     for (;;) {
         if (const int ready = sd_bus_is_ready(bus); ready != 0) {
@@ -46,7 +46,7 @@ int waitUntilReady(sd_bus* bus, Clock::time_point deadline) {
     }
 }
 
-// Where the object of the application called [name] is: its name as a path.
+// Returns the path of the application's object: its name with slashes.
 std::string objectPath(const std::string& name) {
     std::string path = "/" + name;
     std::replace(path.begin(), path.end(), '.', '/');
@@ -54,7 +54,7 @@ std::string objectPath(const std::string& name) {
     return path;
 }
 
-// One method call with its answer, on a connection of its own. After the first step that fails, the others do
+// One method call and its reply, on a connection of its own. After a step has failed, the further ones do
 // nothing.
 class Call {
   public:
@@ -96,7 +96,7 @@ class Call {
         }
     }
 
-    // The truth value that was answered; false when there is none.
+    // Returns the reply's boolean; false when there is none.
     bool truth() {
         int value = 0;
         if (status_ >= 0) {
@@ -105,7 +105,7 @@ class Call {
         return status_ >= 0 && value != 0;
     }
 
-    // What went wrong between here and [name]; empty for nothing.
+    // Returns what went wrong with [name], as a sentence; empty when nothing did.
     std::string failure(const std::string& name) const {
         if (status_ >= 0) {
             return "";

@@ -1,16 +1,16 @@
 #pragma once
 
-// An application on the D-Bus session bus that is looked for, shown something and brought to the front. The
-// bus is that of $DBUS_SESSION_BUS_ADDRESS, else $XDG_RUNTIME_DIR/bus. Neither a bus nor an application is
-// ever started.
+// An application on the D-Bus session bus, which can be looked for, made to show something and brought to the
+// front. The bus is that of $DBUS_SESSION_BUS_ADDRESS, else $XDG_RUNTIME_DIR/bus. Neither a bus nor an
+// application is ever started.
 
 #include <chrono>
 #include <string>
 
 namespace scripting_bridge {
 
-// Each question makes a connection of its own, so none is ever found broken, and takes no longer than the
-// time-out, the connecting included.
+// Each call makes a connection of its own, so that there are no stale ones, and takes at most the time-out in
+// all.
 class RemoteApplication {
   public:
     // [name] is the name that the application owns when it runs.
@@ -18,11 +18,11 @@ class RemoteApplication {
 
     void setTimeout(std::chrono::microseconds timeout) { timeout_ = timeout; }
 
-    // Whether the name has an owner. No bus, or one that does not answer, has no owners.
+    // Whether the name has an owner. False when there is no bus, or when it does not reply.
     bool isRunning() const;
 
-    // Two messages of org.freedesktop.Application, to the object that is called like the application. They
-    // answer what went wrong in a sentence, empty when the application has answered.
+    // Send the two messages of org.freedesktop.Application to the object that is named like the application.
+    // Return a sentence that says what went wrong; empty when the application has replied.
     std::string activate() const;
     std::string activateAction(const std::string& action, const std::string& parameter) const;
 

@@ -6,9 +6,10 @@
 
 namespace appkit {
 
-// BMP files may hold their rows from the top, as a negative height says; macOS writes its own that way. The
-// image library refuses that where the samples have masks. For such a file this answers a copy with the
-// height made positive, which shows the picture upside down; nothing for any other.
+// Returns a copy of a BMP file with its height made positive, which turns the picture upside down, if the
+// image library could not read the file otherwise; nothing for any other file. A negative height says that
+// the rows are stored from top to bottom, as macOS does; the library refuses it for pictures with channel
+// masks.
 std::optional<std::vector<unsigned char>> upsideDown(std::span<const unsigned char> file);
 
 } // namespace appkit

@@ -1,8 +1,8 @@
 #pragma once
 
-// Picture files to pixels and back. The codec is a library of its own that is loaded when it is needed: what
-// is called here goes through the table that codec_loader.h answers. Nothing throws but std::bad_alloc; any
-// thread may call.
+// Conversion between picture files and pixels. The codec is a library of its own, which is loaded when it is
+// first needed; its functions are called through the table that codec() returns (codec_loader.h). They throw
+// nothing but std::bad_alloc, and are thread-safe.
 
 #include <cstddef>
 #include <cstdint>
@@ -12,13 +12,13 @@
 
 namespace appkit {
 
-// Beyond this nothing is read: a few bytes of a file can claim any size. The widest fits a signed 16-bit
-// number.
+// The largest pictures that are read, since a few bytes of a file can claim any size. A side fits a signed
+// 16-bit number.
 inline constexpr std::uint32_t kMaxSide = 32'767;
 inline constexpr std::uint32_t kMaxPixels = 64 * 1024 * 1024;
 
-// Pixels: rows from the top without padding, the samples of a pixel next to each other; alpha is not
-// multiplied in.
+// Pixels, in rows from top to bottom without padding, with the samples of a pixel next to each other. Alpha
+// is not premultiplied.
 struct Picture {
     std::uint32_t width = 0;
     std::uint32_t height = 0;
@@ -33,20 +33,21 @@ struct Picture {
 
 enum class Format { bmp, gif, jpeg, png };
 
-// Whether the side that a camera says is up is turned up.
+// Whether a picture is rotated as the camera's orientation (EXIF) says.
 enum class Orientation { upright, asStored };
 
+// The functions of the codec library.
 struct Codec {
-    // The picture in a file, the first frame of several; nothing when the file is none that the codec knows,
-    // is damaged, stops short or exceeds the limits above.
+    // Returns the picture in a file, the first frame of several; nothing when the file has no known format,
+    // is damaged or incomplete, or exceeds the limits above.
     std::optional<Picture> (*decode)(std::span<const unsigned char> file, Orientation orientation);
 
-    // The picture as a file; [quality], 0 to 1, is for JPEG. Empty when it cannot be written, as with no
-    // pixels or with more of them than the format or the limits allow.
+    // Returns the picture as a file; [quality], 0 to 1, is for JPEG. Empty when it cannot be written, for
+    // instance because it has no pixels, or more than the format or the limits allow.
     std::vector<unsigned char> (*encode)(const Picture& picture, Format format, double quality);
 };
 
-// What the codec library exports, under this name.
+// The symbol that the codec library exports.
 extern "C" const Codec velocardPictureCodec;
 inline constexpr const char* kCodecSymbol = "velocardPictureCodec";
 inline constexpr const char* kCodecLibrary = "libAppKitCodec.so";

@@ -1,4 +1,4 @@
-// From the bottom up: which format, reading, where the pixels belong, the samples.
+// In this order: the format, reading, the places of the pixels, the samples.
 
 #include "frameworks/AppKit/codec/decode.h"
 
@@ -35,14 +35,14 @@ std::optional<Format> formatOf(std::span<const unsigned char> file) {
     return std::nullopt;
 }
 
-// The first frame as the library has it; null when there is none or when it is not whole.
+// Returns the first frame as the library reads it; null when there is none, or when it is incomplete.
 ImageHolder read(std::span<const unsigned char> file, Format format) {
     const ImageInfoHolder info = optionsFor(format);
     info->subimage = 0;
     info->subrange = 1;
     Report report;
     ImageHolder image(BlobToImage(info.get(), file.data(), file.size(), report.get()));
-    // A JPEG that stops short is only a warning, as is what the decoder could mend.
+    // For an incomplete JPEG the library only gives a warning, as for damage that the decoder could repair.
     if (!image || report.failed() || std::strstr(report.reason(), "Premature end") != nullptr) {
         return nullptr;
     }
@@ -53,18 +53,19 @@ ImageHolder read(std::span<const unsigned char> file, Format format) {
     return image;
 }
 
-// Where a stored pixel is shown: moved, turned over its diagonal, mirrored, in this order.
+// How stored pixels are mapped to shown ones: moved, mirrored at the diagonal, mirrored at the axes, in this
+// order.
 struct Placement {
     std::uint32_t left = 0;
     std::uint32_t top = 0;
-    std::uint32_t width = 0; // of what is shown
+    std::uint32_t width = 0; // of the shown picture
     std::uint32_t height = 0;
     bool turned = false;
     bool mirroredAcross = false;
     bool mirroredDown = false;
 };
 
-// The eight orientations of EXIF.
+// Adds one of EXIF's eight orientations to a placement.
 void turn(Placement& placement, OrientationType orientation) {
     switch (orientation) {
     case UndefinedOrientation:
@@ -97,7 +98,8 @@ void turn(Placement& placement, OrientationType orientation) {
     }
 }
 
-// A GIF's frame stands somewhere on its screen; nothing when that is too large.
+// Returns the placement of an image; that of a GIF's frame is anywhere on its screen. Nothing when the screen
+// exceeds the limits.
 std::optional<Placement> placementOf(const Image& image, Format format) {
     std::uint64_t left = 0;
     std::uint64_t top = 0;

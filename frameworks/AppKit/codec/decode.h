@@ -4,7 +4,7 @@
 
 namespace appkit {
 
-// As Codec::decode says.
+// Implements Codec::decode.
 std::optional<Picture> decode(std::span<const unsigned char> file, Orientation orientation);
 
 } // namespace appkit

@@ -12,7 +12,7 @@ namespace {
 
 constexpr unsigned kOpaque = 0xffff;
 
-// One pixel of 16 bits a sample, whatever the picture has.
+// A pixel with 16 bits a sample, whatever the picture has.
 struct Pixel {
     unsigned red, green, blue, alpha;
 };
@@ -29,7 +29,7 @@ Pixel pixelAt(const unsigned char* from, unsigned samplesPerPixel) {
     return {widened(0), widened(grey ? 0 : 1), widened(grey ? 0 : 2), alpha};
 }
 
-// What a format without (full) transparency makes of a pixel.
+// Changes a pixel for a format without transparency, or with only full transparency.
 void fit(Pixel& pixel, Format format) {
     if (pixel.alpha == kOpaque) {
         return;
@@ -76,7 +76,7 @@ ImageHolder imageFrom(const Picture& picture, Format format, const ImageInfo* in
             return nullptr;
         }
     }
-    // PNG and BMP keep alpha where there is some to keep, even if no pixel makes use of it.
+    // PNG and BMP keep an alpha channel, even if all pixels are opaque.
     const bool keepsAlpha = format == Format::png || format == Format::bmp;
     image->matte = keepsAlpha ? picture.hasAlpha() : transparent;
     return image;
@@ -94,7 +94,7 @@ std::vector<unsigned char> encode(const Picture& picture, Format format, double 
         info->quality =
             static_cast<unsigned long>(std::lround(100 * (quality > 0 ? std::min(quality, 1.0) : 0)));
     }
-    // The library writes what is grey as RGB unless it is told. In a BMP it would make a palette of it.
+    // Otherwise the library would write grey as RGB. Not for BMP, where this would make a palette.
     if (picture.samplesPerPixel < 3 && format != Format::bmp) {
         info->type = picture.hasAlpha() && format == Format::png ? GrayscaleMatteType : GrayscaleType;
     }

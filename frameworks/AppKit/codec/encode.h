@@ -4,7 +4,7 @@
 
 namespace appkit {
 
-// As Codec::encode says.
+// Implements Codec::encode.
 std::vector<unsigned char> encode(const Picture& picture, Format format, double quality);
 
 } // namespace appkit

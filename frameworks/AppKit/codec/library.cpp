@@ -37,7 +37,7 @@ ImageInfoHolder optionsFor(Format format) {
     ImageInfoHolder info(CloneImageInfo(nullptr));
     const char* name = libraryName(format);
     std::snprintf(info->magick, sizeof info->magick, "%s", name);
-    // A name with a prefix keeps the library from guessing the format out of the bytes.
+    // The prefix keeps the library from guessing the format from the bytes.
     std::snprintf(info->filename, sizeof info->filename, "%s:picture", name);
     return info;
 }

@@ -1,7 +1,7 @@
 #pragma once
 
-// GraphicsMagick, set up for pictures that come from anywhere: the codec is chosen here, never by a file's
-// name; no disk, no threads, no signal handlers, no picture beyond the limits.
+// GraphicsMagick, set up for untrusted pictures: the format is chosen by this code, never by a file's name;
+// it uses no disk, threads or signal handlers, and reads no picture beyond the limits.
 
 #include "frameworks/AppKit/codec/codec.h"
 
@@ -10,10 +10,10 @@
 
 namespace appkit {
 
-// Sets the library up, once in a process; call it before anything else of the library.
+// Initialises the library, once in a process; call it before any other function of the library. Thread-safe.
 void startLibrary();
 
-// The library's own name of a format.
+// Returns the library's name for a format.
 const char* libraryName(Format format);
 
 struct ImageDeleter {
@@ -29,7 +29,7 @@ using ImageHolder = std::unique_ptr<Image, ImageDeleter>;
 using ImageInfoHolder = std::unique_ptr<ImageInfo, ImageInfoDeleter>;
 using BlobHolder = std::unique_ptr<void, BlobDeleter>;
 
-// Where the library reports what went wrong; it prints nothing.
+// Collects the errors that the library reports, so that it prints nothing.
 class Report {
   public:
     Report() { GetExceptionInfo(&info_); }
@@ -45,7 +45,7 @@ class Report {
     ExceptionInfo info_;
 };
 
-// Options for reading or writing this format and no other.
+// Returns options for reading or writing a format, and no other.
 ImageInfoHolder optionsFor(Format format);
 
 } // namespace appkit

@@ -40,7 +40,7 @@ double qualityFrom(NSDictionary* properties) {
 
 } // namespace
 
-// _picture is a Picture that belongs to this object, null until there is one.
+// _picture is a Picture that this object owns; null until there is one.
 @implementation NSBitmapImageRep
 
 + (id)imageRepWithData:(NSData*)data {

@@ -6,7 +6,7 @@
 
 @interface NSBitmapImageRep (Reading)
 
-// -initWithData:, with a say in which side is up.
+// Like -initWithData:, with a choice of the orientation.
 - (id)initWithData:(NSData*)data orientation:(appkit::Orientation)orientation;
 
 @end

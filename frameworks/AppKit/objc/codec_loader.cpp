@@ -8,7 +8,8 @@ namespace appkit {
 
 namespace {
 
-// It stands beside this library. The place is found by hand, since a sanitizer's dlopen() knows no run path.
+// The codec is in the folder of this library, which is looked up here, as a sanitizer's dlopen() ignores run
+// paths.
 const Codec* load() {
     Dl_info self = {};
     if (::dladdr(reinterpret_cast<const void*>(&codec), &self) == 0 || self.dli_fname == nullptr) {

@@ -4,8 +4,8 @@
 
 namespace appkit {
 
-// The codec, loaded when it is first asked for; null when it cannot be loaded, which is said once on standard
-// error.
+// Returns the codec, and loads it when first called; null when it cannot be loaded, which is reported once on
+// standard error. Thread-safe.
 const Codec* codec();
 
 } // namespace appkit

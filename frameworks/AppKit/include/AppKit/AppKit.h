@@ -1,8 +1,8 @@
 #pragma once
 
-// The part of AppKit that deals with pictures as data: reading picture files, looking at their pixels,
-// writing them again. Nothing here draws or needs a display, a font or a file. An object may be used by one
-// thread at a time, on any thread.
+// The part of AppKit for pictures as data: reading picture files, accessing their pixels, and writing files.
+// Nothing here draws, or needs a display, a font or a file. Objects may be used on any thread, by one thread
+// at a time.
 
 #import <AppKit/NSBitmapImageRep.h>
 #import <AppKit/NSImage.h>

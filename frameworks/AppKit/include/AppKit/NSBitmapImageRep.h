@@ -3,7 +3,7 @@
 #import <AppKit/NSImageRep.h>
 #import <Foundation/Foundation.h>
 
-// What a bitmap can be written as. TIFF and JPEG 2000 have their numbers, but are not written here.
+// The file types of bitmaps. TIFF and JPEG 2000 have their numbers, but cannot be written here.
 enum {
     NSBitmapImageFileTypeTIFF = 0,
     NSBitmapImageFileTypeBMP = 1,
@@ -29,20 +29,20 @@ enum {
 };
 typedef NSUInteger NSBitmapFormat;
 
-// An NSNumber from 0 (small) to 1 (good) for JPEG; 0.8 when it is not given.
+// A property for JPEG: an NSNumber from 0 (smallest file) to 1 (best quality); 0.8 by default.
 extern NSString* const NSImageCompressionFactor;
 
-// A picture as pixels: rows from the top without padding, the samples of a pixel next to each other (grey,
-// grey and alpha, RGB or RGBA), 8 bits each, or 16 in the machine's byte order. Palettes become RGB, CMYK
-// becomes RGB, fewer bits become 8; colour profiles are not kept. At most 32,767 pixels wide or high and
-// 67,108,864 (64 Mi) in all.
+// A picture as pixels, in rows from top to bottom without padding, with the samples of a pixel next to each
+// other (grey, grey and alpha, RGB or RGBA), 8 bits each, or 16 in the machine's byte order. Palettes and
+// CMYK become RGB, fewer than 8 bits become 8; colour profiles are not kept. At most 32,767 pixels wide or
+// high, and 67,108,864 (64 Mi) pixels in all.
 @interface NSBitmapImageRep : NSImageRep {
   @private
     void* _picture;
 }
 
-// Reads a picture file as -[NSImage initWithData:] does, but leaves the pixels as they are stored; nil when
-// it cannot.
+// Read a picture file as -[NSImage initWithData:] does, but leave the pixels as they are stored. Return nil
+// when that fails.
 + (id)imageRepWithData:(NSData*)data;
 - (id)initWithData:(NSData*)data;
 
@@ -54,14 +54,14 @@ extern NSString* const NSImageCompressionFactor;
 - (BOOL)isPlanar;
 - (NSBitmapFormat)bitmapFormat;
 
-// The samples themselves, owned by this object; they may be changed.
+// Returns the samples, which this object owns; they may be changed.
 - (unsigned char*)bitmapData;
 
-// The picture as a file; nil when it cannot be written as that type. Properties may be nil.
+// Returns the picture as a file; nil when it cannot be written as that type. Properties may be nil.
 //
-// PNG keeps every sample. BMP keeps all that 8 bits hold, with alpha in 32 bits a pixel, else in 24. JPEG
-// shows what is transparent on white. GIF has at most 256 colours, chosen to fit when there are more; a pixel
-// is wholly transparent in it (alpha below one half) or not at all.
+// PNG keeps every sample. BMP has 8 bits a sample: 32 bits a pixel with alpha, else 24. JPEG has no alpha:
+// transparent pixels are blended with white. GIF has at most 256 colours, of which the best are chosen when
+// there are more, and a pixel is either fully transparent (alpha below one half) or opaque.
 - (NSData*)representationUsingType:(NSBitmapImageFileType)type properties:(NSDictionary*)properties;
 
 @end

@@ -2,30 +2,29 @@
 
 #import <Foundation/Foundation.h>
 
-// A picture of some size in points, with the representations that it was read into.
+// A picture with a size in points, and its representations as pixels.
 @interface NSImage : NSObject {
   @private
     NSArray* _representations;
     NSSize _size;
 }
 
-// Reads a picture file: BMP, GIF (its first frame), JPEG or PNG, whatever it is called. The pixels stand
-// upright: what a camera says about the side that is up is carried out. nil for anything else, for a file
-// that stops short or is damaged beyond what can be mended, and for more pixels than NSBitmapImageRep takes.
-// The size is one point a pixel.
+// Reads the bytes of a picture file: BMP, GIF (its first frame), JPEG or PNG. The pixels are upright: the
+// camera's orientation is applied. Returns nil for any other file, for one that is incomplete or damaged
+// beyond repair, and for more pixels than NSBitmapImageRep accepts. The size is one point a pixel.
 - (id)initWithData:(NSData*)data;
 
-// As above, but with the pixels as they are stored.
+// Like -initWithData:, but with the pixels as they are stored.
 - (id)initWithDataIgnoringOrientation:(NSData*)data;
 
-// How large the picture is meant to be shown; setting it changes no pixel.
+// The size in points at which the picture is to be shown; setting it changes no pixel.
 - (NSSize)size;
 - (void)setSize:(NSSize)size;
 
-// NSImageRep objects, at least one in an image that was read; empty after a plain init.
+// Returns the NSImageRep objects: at least one in an image that was read, none after a plain -init.
 - (NSArray*)representations;
 
-// NO when there is no representation.
+// Whether there is a representation.
 - (BOOL)isValid;
 
 @end

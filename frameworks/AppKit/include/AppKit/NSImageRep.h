@@ -2,7 +2,7 @@
 
 #import <Foundation/Foundation.h>
 
-// One form of a picture: its size in pixels and how fine its samples are.
+// A representation of a picture: its size in pixels and the precision of its samples.
 @interface NSImageRep : NSObject {
   @protected
     NSSize _size;
@@ -12,7 +12,7 @@
     BOOL _alpha;
 }
 
-// In points.
+// The size in points.
 - (NSSize)size;
 - (void)setSize:(NSSize)size;
 

@@ -2,8 +2,8 @@
 
 #include <CoreFoundation/CFBase.h>
 
-// How an array keeps what is put into it. Arrays here hold objects: pass &kCFTypeArrayCallBacks. Any other,
-// NULL included, raises NSInvalidArgumentException.
+// How an array retains its values. Arrays here hold only objects: pass &kCFTypeArrayCallBacks. Any other
+// pointer, also NULL, raises NSInvalidArgumentException.
 typedef struct {
     CFIndex version;
     const void* (*retain)(CFAllocatorRef allocator, const void* value);
@@ -20,7 +20,7 @@ CF_EXPORT CFArrayRef CFArrayCreate(CFAllocatorRef allocator, const void** values
                                    const CFArrayCallBacks* callBacks);
 CF_EXPORT CFArrayRef CFArrayCreateCopy(CFAllocatorRef allocator, CFArrayRef array);
 
-// A capacity is a hint.
+// The capacity is only a hint.
 CF_EXPORT CFMutableArrayRef CFArrayCreateMutable(CFAllocatorRef allocator, CFIndex capacity,
                                                  const CFArrayCallBacks* callBacks);
 CF_EXPORT CFMutableArrayRef CFArrayCreateMutableCopy(CFAllocatorRef allocator, CFIndex capacity,

@@ -1,11 +1,11 @@
 #pragma once
 
-// What every object of Core Foundation has in common. These are the parts of Core Foundation that programs in
-// C need for the address book. Every object is one of Foundation's, and casting a pointer is all it takes to
-// go from one to the other: a CFStringRef is an NSString*, an ABPersonRef an ABPerson*.
+// The basics of Core Foundation, of which the parts are here that C programs need for the address book. Every
+// object is one of Foundation's, and a pointer can simply be cast: a CFStringRef is an NSString*, an
+// ABPersonRef an ABPerson*.
 //
-// Functions with Create or Copy in their name answer an object that the caller releases; those with Get do
-// not, and what they answer lives as long as the object that it was got from.
+// Functions with Create or Copy in their name return an object that the caller must release. Functions with
+// Get return one that is valid as long as the object from which it was got.
 
 #include <stdbool.h>
 #include <stddef.h>
@@ -63,10 +63,10 @@ typedef const struct __CFDate* CFDateRef;
 typedef const struct __CFNumber* CFNumberRef;
 typedef struct __CFError* CFErrorRef;
 
-// There is one allocator: functions that take one ignore it.
+// The only allocator; functions ignore theirs.
 #define kCFAllocatorDefault ((CFAllocatorRef)NULL)
 
-// Adds an owner to an object, and takes one away; the object goes with its last one. NULL is not allowed.
+// Retain and release an object, which is deallocated with its last release. NULL is not allowed.
 CF_EXPORT CFTypeRef CFRetain(CFTypeRef object);
 CF_EXPORT void CFRelease(CFTypeRef object);
 CF_EXPORT CFIndex CFGetRetainCount(CFTypeRef object);
@@ -74,10 +74,10 @@ CF_EXPORT CFIndex CFGetRetainCount(CFTypeRef object);
 CF_EXPORT Boolean CFEqual(CFTypeRef one, CFTypeRef other);
 CF_EXPORT CFHashCode CFHash(CFTypeRef object);
 
-// What kind of object it is: one of the numbers that CFStringGetTypeID() and so on answer. 0 for those that
-// have no such function.
+// Returns the type of an object, as CFStringGetTypeID() and the like return it; 0 for objects that have no
+// such function.
 CF_EXPORT CFTypeID CFGetTypeID(CFTypeRef object);
 
-// A text for people who look for errors; CFShow writes it to standard error.
+// Returns a description for debugging; CFShow() writes it to standard error.
 CF_EXPORT CFStringRef CFCopyDescription(CFTypeRef object);
 CF_EXPORT void CFShow(CFTypeRef object);

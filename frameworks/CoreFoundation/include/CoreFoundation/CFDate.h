@@ -2,11 +2,11 @@
 
 #include <CoreFoundation/CFBase.h>
 
-// Moments: seconds since 2001-01-01 00:00 UTC.
+// Absolute times are seconds since 2001-01-01 00:00 UTC.
 typedef double CFTimeInterval;
 typedef CFTimeInterval CFAbsoluteTime;
 
-// What that is in seconds since 1970, as time() counts them.
+// That moment in seconds since 1970, as time() counts them.
 CF_EXPORT const CFTimeInterval kCFAbsoluteTimeIntervalSince1970;
 
 CF_EXPORT CFAbsoluteTime CFAbsoluteTimeGetCurrent(void);

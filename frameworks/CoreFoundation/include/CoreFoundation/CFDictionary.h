@@ -2,9 +2,9 @@
 
 #include <CoreFoundation/CFBase.h>
 
-// How a dictionary keeps its keys and its values. Dictionaries here hold objects: pass
-// &kCFTypeDictionaryKeyCallBacks (or the one that copies texts) and &kCFTypeDictionaryValueCallBacks. Any
-// other, NULL included, raises NSInvalidArgumentException. Keys are always copied.
+// How a dictionary retains its keys and values. Dictionaries here hold only objects: pass
+// &kCFTypeDictionaryKeyCallBacks (or the one that copies strings) and &kCFTypeDictionaryValueCallBacks. Any
+// other pointer, also NULL, raises NSInvalidArgumentException. Keys are always copied.
 typedef struct {
     CFIndex version;
     const void* (*retain)(CFAllocatorRef allocator, const void* value);
@@ -30,7 +30,7 @@ CF_EXPORT CFDictionaryRef CFDictionaryCreate(CFAllocatorRef allocator, const voi
                                              const CFDictionaryValueCallBacks* valueCallBacks);
 CF_EXPORT CFDictionaryRef CFDictionaryCreateCopy(CFAllocatorRef allocator, CFDictionaryRef dictionary);
 
-// A capacity is a hint.
+// The capacity is only a hint.
 CF_EXPORT CFMutableDictionaryRef CFDictionaryCreateMutable(CFAllocatorRef allocator, CFIndex capacity,
                                                            const CFDictionaryKeyCallBacks* keyCallBacks,
                                                            const CFDictionaryValueCallBacks* valueCallBacks);
@@ -39,16 +39,16 @@ CF_EXPORT CFMutableDictionaryRef CFDictionaryCreateMutableCopy(CFAllocatorRef al
 CF_EXPORT CFIndex CFDictionaryGetCount(CFDictionaryRef dictionary);
 CF_EXPORT Boolean CFDictionaryContainsKey(CFDictionaryRef dictionary, const void* key);
 
-// NULL when there is no such key; the second tells whether there is.
+// Return the value of a key, NULL when there is none. The second function returns whether there is the key.
 CF_EXPORT const void* CFDictionaryGetValue(CFDictionaryRef dictionary, const void* key);
 CF_EXPORT Boolean CFDictionaryGetValueIfPresent(CFDictionaryRef dictionary, const void* key,
                                                 const void** value);
 
-// Writes all keys, and the value of each in the same place; either may be NULL.
+// Writes all keys, and their values in the same order, into arrays; either may be NULL.
 CF_EXPORT void CFDictionaryGetKeysAndValues(CFDictionaryRef dictionary, const void** keys,
                                             const void** values);
 
-// Adding leaves a key that is there as it is.
+// CFDictionaryAddValue() does nothing for an existing key.
 CF_EXPORT void CFDictionaryAddValue(CFMutableDictionaryRef dictionary, const void* key, const void* value);
 CF_EXPORT void CFDictionarySetValue(CFMutableDictionaryRef dictionary, const void* key, const void* value);
 CF_EXPORT void CFDictionaryRemoveValue(CFMutableDictionaryRef dictionary, const void* key);

@@ -2,11 +2,11 @@
 
 #include <CoreFoundation/CFBase.h>
 
-// Who is told what happens in this process: the center is Foundation's default one, where the address book
-// posts kABDatabaseChangedNotification and kABDatabaseChangedExternallyNotification.
+// Notifications in this process. The center is Foundation's default one, to which the address book posts
+// kABDatabaseChangedNotification and kABDatabaseChangedExternallyNotification.
 typedef struct __CFNotificationCenter* CFNotificationCenterRef;
 
-// Called on the thread that posts. [observer] is what the observer was added with, [object] who posts.
+// Called on the thread that posts. [observer] is the pointer that was added, [object] the sender.
 typedef void (*CFNotificationCallback)(CFNotificationCenterRef center, void* observer, CFStringRef name,
                                        const void* object, CFDictionaryRef userInfo);
 
@@ -20,13 +20,15 @@ enum {
 
 CF_EXPORT CFNotificationCenterRef CFNotificationCenterGetLocalCenter(void);
 
-// Any name, any object: NULL. The behaviour is ignored, as this center is never suspended.
+// Registers a callback. NULL as the name or object means any. The suspension behaviour is ignored, as this
+// center is never suspended.
 CF_EXPORT void CFNotificationCenterAddObserver(CFNotificationCenterRef center, const void* observer,
                                                CFNotificationCallback callBack, CFStringRef name,
                                                const void* object,
                                                CFNotificationSuspensionBehavior suspensionBehavior);
 
-// Takes back what was added with the same observer, and the same name and object unless they are NULL.
+// Removes the callbacks that were added with the same observer, and with the same name and object unless
+// these are NULL.
 CF_EXPORT void CFNotificationCenterRemoveObserver(CFNotificationCenterRef center, const void* observer,
                                                   CFStringRef name, const void* object);
 CF_EXPORT void CFNotificationCenterRemoveEveryObserver(CFNotificationCenterRef center, const void* observer);

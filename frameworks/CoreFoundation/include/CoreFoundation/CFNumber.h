@@ -2,7 +2,7 @@
 
 #include <CoreFoundation/CFBase.h>
 
-// The C type that a number is made of or written to.
+// The C type from which a number is made, or to which it is written.
 typedef CFIndex CFNumberType;
 enum {
     kCFNumberSInt8Type = 1,
@@ -25,9 +25,9 @@ enum {
 
 CF_EXPORT CFTypeID CFNumberGetTypeID(void);
 
-// NULL for an unknown type.
+// Makes a number of the value that [value] points to; NULL for an unknown type.
 CF_EXPORT CFNumberRef CFNumberCreate(CFAllocatorRef allocator, CFNumberType type, const void* value);
 
-// Answers whether the value is the same in the type that is asked for; writes it, cut to size, in any case.
+// Writes the number's value in the given type, truncated if necessary; returns whether it is unchanged.
 CF_EXPORT Boolean CFNumberGetValue(CFNumberRef number, CFNumberType type, void* value);
 CF_EXPORT Boolean CFNumberIsFloatType(CFNumberRef number);

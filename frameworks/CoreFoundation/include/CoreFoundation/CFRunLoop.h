@@ -3,8 +3,8 @@
 #include <CoreFoundation/CFDate.h>
 #include <CoreFoundation/CFString.h>
 
-// The loop in which a thread waits for what there is to do: in the main thread's, for instance, pictures that
-// were asked for are handed over.
+// The loop in which a thread waits for events and handles them: that of the main thread, for instance,
+// delivers pictures that were loaded in the background.
 typedef struct __CFRunLoop* CFRunLoopRef;
 typedef CFStringRef CFRunLoopMode;
 
@@ -27,11 +27,11 @@ CF_EXPORT CFRunLoopRef CFRunLoopGetMain(void);
 // Runs this thread's loop in its default mode until it is stopped.
 CF_EXPORT void CFRunLoopRun(void);
 
-// Runs it in a mode for so many seconds at most, or until it is stopped or, with the last argument, until it
-// has done something. With 0 seconds it does what there is to do and does not wait.
+// Runs this thread's loop in a mode for at most [seconds], or until it is stopped, or, if the last argument
+// is true, until it has handled something. With 0 seconds it handles what is pending and does not wait.
 CF_EXPORT CFRunLoopRunResult CFRunLoopRunInMode(CFRunLoopMode mode, CFTimeInterval seconds,
                                                 Boolean returnAfterSourceHandled);
 
-// Makes the innermost of the above return. Called by what the loop runs, or by another thread, whose call is
-// noticed with the next thing that the loop does.
+// Makes the innermost of the above calls return. May be called by a callback of the loop, or by another
+// thread, whose call takes effect after the next event.
 CF_EXPORT void CFRunLoopStop(CFRunLoopRef loop);

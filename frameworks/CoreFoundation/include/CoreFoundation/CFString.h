@@ -3,7 +3,7 @@
 #include <CoreFoundation/CFBase.h>
 #include <stdarg.h>
 
-// How text is written as bytes.
+// Encodings of text as bytes.
 typedef UInt32 CFStringEncoding;
 enum {
     kCFStringEncodingMacRoman = 0,
@@ -20,14 +20,14 @@ enum {
 typedef CFOptionFlags CFStringCompareFlags;
 enum { kCFCompareCaseInsensitive = 1, kCFCompareBackwards = 4, kCFCompareNumerically = 64 };
 
-// A constant text, in ASCII or UTF-8: the same object for the same text, which is never released. It is made
-// when the expression is first met, so it initialises no static variable.
+// A constant string, in ASCII or UTF-8: the same object for the same text, which is never released. It is
+// made when the expression is first evaluated, so it cannot initialise a static variable.
 #define CFSTR(text) __CFStringMakeConstantString("" text "")
 CF_EXPORT CFStringRef __CFStringMakeConstantString(const char* text);
 
 CF_EXPORT CFTypeID CFStringGetTypeID(void);
 
-// NULL when the bytes are no text in that encoding.
+// Return a string of bytes; NULL when the bytes are not valid in the encoding.
 CF_EXPORT CFStringRef CFStringCreateWithCString(CFAllocatorRef allocator, const char* text,
                                                 CFStringEncoding encoding);
 CF_EXPORT CFStringRef CFStringCreateWithBytes(CFAllocatorRef allocator, const UInt8* bytes, CFIndex count,
@@ -35,7 +35,7 @@ CF_EXPORT CFStringRef CFStringCreateWithBytes(CFAllocatorRef allocator, const UI
 CF_EXPORT CFStringRef CFStringCreateWithCharacters(CFAllocatorRef allocator, const UniChar* characters,
                                                    CFIndex count);
 
-// As printf; %@ takes an object. There are no options.
+// Formats like printf; %@ takes an object. The options are ignored.
 CF_EXPORT CFStringRef CFStringCreateWithFormat(CFAllocatorRef allocator, CFDictionaryRef options,
                                                CFStringRef format, ...);
 CF_EXPORT CFStringRef CFStringCreateWithFormatAndArguments(CFAllocatorRef allocator, CFDictionaryRef options,
@@ -44,7 +44,7 @@ CF_EXPORT CFStringRef CFStringCreateWithSubstring(CFAllocatorRef allocator, CFSt
                                                   CFRange range);
 CF_EXPORT CFStringRef CFStringCreateCopy(CFAllocatorRef allocator, CFStringRef string);
 
-// The length that may not be exceeded, 0 for none, is ignored.
+// The maximum length is ignored.
 CF_EXPORT CFMutableStringRef CFStringCreateMutable(CFAllocatorRef allocator, CFIndex maximum);
 CF_EXPORT CFMutableStringRef CFStringCreateMutableCopy(CFAllocatorRef allocator, CFIndex maximum,
                                                        CFStringRef string);
@@ -53,25 +53,25 @@ CF_EXPORT void CFStringAppendCString(CFMutableStringRef string, const char* more
 CF_EXPORT void CFStringAppendFormat(CFMutableStringRef string, CFDictionaryRef options, CFStringRef format,
                                     ...);
 
-// Counted in UTF-16 units.
+// Returns the length in UTF-16 units.
 CF_EXPORT CFIndex CFStringGetLength(CFStringRef string);
 CF_EXPORT UniChar CFStringGetCharacterAtIndex(CFStringRef string, CFIndex index);
 CF_EXPORT void CFStringGetCharacters(CFStringRef string, CFRange range, UniChar* buffer);
 
-// Writes the text and a zero byte; false, when it does not fit into [size] bytes or the encoding cannot write
-// it.
+// Writes the text and a zero byte. Returns false when that does not fit into [size] bytes, or when the
+// encoding does not have all characters.
 CF_EXPORT Boolean CFStringGetCString(CFStringRef string, char* buffer, CFIndex size,
                                      CFStringEncoding encoding);
 
-// Always NULL here, as it may be anywhere: programs then call CFStringGetCString.
+// Always returns NULL here, as it may do everywhere: programs must then call CFStringGetCString().
 CF_EXPORT const char* CFStringGetCStringPtr(CFStringRef string, CFStringEncoding encoding);
 
-// The most bytes that so many UTF-16 units may need, without the zero byte.
+// Returns the most bytes that [length] UTF-16 units can take, without the zero byte.
 CF_EXPORT CFIndex CFStringGetMaximumSizeForEncoding(CFIndex length, CFStringEncoding encoding);
 
 CF_EXPORT CFComparisonResult CFStringCompare(CFStringRef one, CFStringRef other, CFStringCompareFlags flags);
 CF_EXPORT Boolean CFStringHasPrefix(CFStringRef string, CFStringRef prefix);
 CF_EXPORT Boolean CFStringHasSuffix(CFStringRef string, CFStringRef suffix);
 
-// Where the first part that is like [sought] stands; a location of kCFNotFound when none is.
+// Returns the range of the first occurrence of [sought]; its location is kCFNotFound when there is none.
 CF_EXPORT CFRange CFStringFind(CFStringRef string, CFStringRef sought, CFStringCompareFlags flags);

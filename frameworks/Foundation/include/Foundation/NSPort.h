@@ -1,8 +1,7 @@
 #pragma once
 
-// Foundation's ports, and what Foundation lacks of them here: NSMachPort, by which one thread wakes the run
-// loop of another. It stands where macOS has it, so that <Foundation/Foundation.h> is all that a source
-// imports.
+// GNUstep's ports, and NSMachPort, which it lacks and by which a thread wakes the run loop of another one. It
+// is in the header in which macOS has it, so that a source needs to import only <Foundation/Foundation.h>.
 
 #include_next <Foundation/NSPort.h>
 
@@ -21,35 +20,34 @@ extern NSString* const kCFRunLoopCommonModes;
 }
 #endif
 
-// What a Mach port sends its delegate. [message] is the message's header on macOS and NULL here.
+// Implemented by the delegate of a Mach port. [message] is the message's header on macOS, NULL here.
 @protocol NSMachPortDelegate <NSObject>
 - (void)handleMachMessage:(void*)message;
 @end
 
-// A port for empty messages. Any thread that holds it may send them with
-// -sendBeforeDate:components:from:reserved:, and each reaches the delegate once, on the thread whose run loop
-// has the port. Sending never waits, whatever the date is: messages that wait are counted, and the count does
-// not fill up. It answers NO when the port is invalid or when there are components, which have no way to
-// travel.
+// A port for empty messages. Any thread may send one with -sendBeforeDate:components:from:reserved:, and the
+// delegate gets each message once, on the thread whose run loop has the port. Sending never blocks, whatever
+// the date is, as pending messages are only counted. It returns NO when the port is invalid, or when there
+// are components, which cannot be sent.
 //
-// A run loop keeps a port that is added to it until the port is removed or invalidated, or its thread ends.
-// The delegate, as everywhere, is not retained.
+// A run loop retains its ports until they are removed or invalidated, or its thread ends. The delegate is not
+// retained.
 @interface NSMachPort : NSPort {
   @private
     int _event;
     int _closed;
 }
 
-// nil when the process can open no more files.
+// Returns nil when the process has no file descriptors left.
 - (id)init;
 
-// What -[NSRunLoop addPort:forMode:] and -[NSRunLoop removePort:forMode:] do; adding twice is adding once.
-// Only the run loop's own thread may ask for it; from another an NSInvalidArgumentException is raised.
+// Do what -[NSRunLoop addPort:forMode:] and -[NSRunLoop removePort:forMode:] do; adding a port again has no
+// effect. Raise an NSInvalidArgumentException on any thread but that of the run loop.
 - (void)scheduleInRunLoop:(NSRunLoop*)runLoop forMode:(NSString*)mode;
 - (void)removeFromRunLoop:(NSRunLoop*)runLoop forMode:(NSString*)mode;
 
-// No message arrives any more, pending ones included. Any thread may do it; a run loop of another thread lets
-// go of the port when it turns next.
+// Ends the delivery of messages, also of pending ones. Thread-safe; the run loop of another thread releases
+// the port in its next turn.
 - (void)invalidate;
 
 @end

@@ -2,40 +2,40 @@
 
 #import <ScriptingBridge/SBObject.h>
 
-// The address book application. What its scripting interface adds is declared by those who use it, as on
-// macOS, where the declarations are generated from the application:
+// The address book application. Its own scripting interface is declared by the program that uses it, as on
+// macOS, where these declarations are generated from the application:
 //
 //     @protocol AddressBookApplication
 //     - (SBElementArray*)people;
 //     - (void)setSelection:(NSArray*)selection;
 //     @end
 //
-// The environment variable ADDRESSBOOK_APPLICATION names the application on the D-Bus session bus; without it
-// org.gnome.Contacts counts. It is running when its name has an owner; nothing here starts it. A selection
-// activates the action "show-contact" of its org.freedesktop.Application interface with the id of the
-// selection's first person; an empty selection does nothing.
+// The environment variable ADDRESSBOOK_APPLICATION gives the application's name on the D-Bus session bus; the
+// default is org.gnome.Contacts. The application is running when its name has an owner; nothing here starts
+// it. Setting the selection activates the action "show-contact" of its org.freedesktop.Application interface,
+// with the id of the selection's first person; an empty selection does nothing.
 //
-// Only a question connects to the bus. None waits longer than the time-out. setSelection:
-// and activate raise an NSGenericException that says what is wrong: no bus, no owner, an owner that goes
-// away, refuses or does not answer; and an NSInvalidArgumentException for a selection that is none. An
-// application is used by one thread at a time.
+// Only isRunning, setSelection: and activate connect to the bus, and none of them takes longer than the
+// time-out. setSelection: and activate raise an NSGenericException when there is no bus or no owner, or when
+// the owner disappears, refuses or does not reply; and an NSInvalidArgumentException for an invalid
+// selection. An application is used by one thread at a time.
 @interface SBApplication : SBObject {
   @private
     void* _remote;
     long _timeout;
 }
 
-// The application for "com.apple.AddressBook", running or not; nil for every other identifier.
+// Returns the application for "com.apple.AddressBook", whether it is running or not; nil for any other
+// identifier.
 + (id)applicationWithBundleIdentifier:(NSString*)identifier;
 
-// NO as well when there is no bus or it does not answer in time.
+// Returns whether it is running; also NO when there is no bus, or when it does not reply in time.
 - (BOOL)isRunning;
 
 // Brings the application to the front.
 - (void)activate;
 
-// How long to wait for an answer, in sixtieths of a second: five seconds unless set; zero or less sets it
-// back.
+// The time-out in sixtieths of a second; five seconds by default, to which zero or less resets it.
 - (long)timeout;
 - (void)setTimeout:(long)ticks;
 

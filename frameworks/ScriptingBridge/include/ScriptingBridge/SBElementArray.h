@@ -2,11 +2,11 @@
 
 #import <ScriptingBridge/SBObject.h>
 
-// The elements of one kind in an application. Applications on the bus publish no list of them, so an element
-// is reached by its id only.
+// The elements of one kind in an application. Applications on the bus do not list them, so that an element
+// can only be accessed by its id.
 @interface SBElementArray : NSObject
 
-// The element with that id, whether it exists or not.
+// Returns the element with an id, whether it exists or not.
 - (SBObject*)objectWithID:(id)identifier;
 
 @end

@@ -2,8 +2,8 @@
 
 #import <Foundation/Foundation.h>
 
-// Something in an application: made by it or by an element array, and only a reference. Whether there is such
-// a thing is known to the application alone, once it is asked to do something with it.
+// A reference to an object in an application, made by the application or by an element array. Whether the
+// object exists is known only to the application, when it is asked to use it.
 @interface SBObject : NSObject {
   @private
     id _elementIdentifier;

@@ -1,6 +1,6 @@
 #pragma once
 
-// The Scripting Bridge: speaks to the address book application, which on Linux is a program on the D-Bus
+// The Scripting Bridge: controls the address book application, which on Linux is a program on the D-Bus
 // session bus.
 
 #import <ScriptingBridge/SBApplication.h>
