@@ -1,4 +1,5 @@
 // How calculations and scripts are laid out.
+#include "host/calc/calc_error.h"
 #include "host/editor/format.h"
 #include "host/values/text.h"
 
