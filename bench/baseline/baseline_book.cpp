@@ -49,7 +49,7 @@ std::string quoted(std::string_view text) {
     return "\"" + std::string(text) + "\"";
 }
 
-// The 16 bytes of a UUID.
+// Returns the 16 bytes of the UUID in a unique id.
 std::string packed(std::string_view uid) {
     std::string bytes;
     int high = -1;
@@ -66,7 +66,7 @@ std::string packed(std::string_view uid) {
     return bytes;
 }
 
-// The least text behind all with this beginning.
+// Returns the least text that sorts after all texts with this prefix.
 std::string behind(std::string prefix) {
     ++prefix.back();
     return prefix;
@@ -74,7 +74,7 @@ std::string behind(std::string prefix) {
 
 } // namespace
 
-// One run of a kept statement. Bound text must outlive it.
+// One use of a cached statement. Bound text must outlive it.
 class BaselineBook::Run {
   public:
     Run(BaselineBook& book, sqlite3_stmt* statement) : book_(book), statement_(statement) {}
@@ -124,11 +124,11 @@ class BaselineBook::Run {
     int bound_ = 0;
 };
 
-// The rows of a key table, written in the order of their keys.
+// Gathers the rows of a key table, and writes them in the order of their keys.
 class BaselineBook::Keys {
   public:
     void add(std::string key, std::int64_t person) { rows_.emplace_back(std::move(key), person); }
-    // [sql] takes the key and the person; a label before them when there is one.
+    // Writes the rows. The parameters of [sql] are the key and the person, after a label if there is one.
     void write(BaselineBook& book, const char* sql, bool bytes = false, const char* label = nullptr) {
         std::sort(rows_.begin(), rows_.end());
         for (const auto& [key, person] : rows_) {
@@ -334,7 +334,7 @@ BaselineBook::Ids BaselineBook::search(Search search) {
         return prefixed("SELECT person FROM phone_key WHERE label = ? AND folded >= ? AND folded < ?",
                         kMobile, fold(wanted::kMobilePrefix));
     case Search::compound: {
-        // The two key tables first: what they have in common is little, and the texts of those few decide.
+        // Intersects the two key tables first, which leaves few people, whose texts are then compared.
         const std::string key = fold(wanted::kLastPrefix);
         const std::string end = behind(key);
         const std::string word = fold(wanted::kNoteWord);

@@ -1,8 +1,8 @@
 #pragma once
 
-// The measure of the benchmark: the same people in a database of a hand-written program, straight on SQLite.
-// It knows nothing but the work that is measured and is laid out for exactly that: a key table for each
-// search, one trigram index, nothing kept for other programs, no types, labels or properties but these.
+// The baseline of the benchmark: the same people in a hand-written SQLite database that is laid out for
+// exactly the work that is measured: a key table for each search, one trigram index, no change log, and no
+// types, labels or properties but those of the benchmark.
 
 #include "bench/generate/people.h"
 
@@ -18,31 +18,33 @@ struct sqlite3_stmt;
 
 namespace bench {
 
+// An open baseline database. All functions throw std::runtime_error when SQLite fails. Not thread-safe.
 class BaselineBook {
   public:
     using Ids = std::vector<std::int64_t>;
 
-    // Opens the database in [folder], and makes it when it is missing. All functions throw std::runtime_error
-    // when SQLite fails. One thread.
+    // Opens the database in [folder], and makes it when it is missing.
     explicit BaselineBook(const std::filesystem::path& folder);
     ~BaselineBook();
     BaselineBook(const BaselineBook&) = delete;
     BaselineBook& operator=(const BaselineBook&) = delete;
 
-    // Adds the people at [first] to [last] - 1 in one durable transaction; ids are places + 1.
+    // Adds the people with numbers [first] to [last] - 1 in one durable transaction. A person's id is the
+    // number + 1.
     void add(std::size_t first, std::size_t last);
     void addGroups(std::size_t people);
 
-    // The ids of those found, ascending.
+    // Returns the ids of the people found, ascending.
     Ids search(Search search);
 
-    // Reads the names, the organization and all phones of everybody; answers the bytes of text that it saw.
+    // Reads the names, the organization and all phones of all people; returns the number of bytes of text
+    // read.
     std::size_t walk();
 
-    // The last name of the person with this unique id.
+    // Returns the last name of the person with this unique id.
     std::string lastName(std::string_view uid);
 
-    // Sets a person's job and makes that durable.
+    // Sets a person's job title, durably.
     void changeJob(std::int64_t id, std::string_view job);
 
   private:

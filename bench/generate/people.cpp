@@ -40,7 +40,7 @@ constexpr std::string_view kHangulHeads[] = {"김", "이", "박", "최", "정", 
 constexpr std::string_view kHangulTails[] = {"가", "나", "다", "라", "마"};
 constexpr std::string_view kHangulFirsts[] = {"민준", "서연", "지우", "하은"};
 
-// A script's last names are all pairs of head and tail.
+// The names in one script. Last names are all combinations of head and tail.
 struct Script {
     Words heads, tails, firsts;
     std::size_t names() const { return heads.size() * tails.size(); }
@@ -79,7 +79,7 @@ constexpr std::string_view kCountryCodes[] = {"ch", "de", "dk", "se", "br", "pl"
 constexpr std::string_view kCountries[] = {"Schweiz", "Deutschland", "Danmark", "Sverige", "Brasil",
                                            "Polska",  "Ελλάδα",      "日本",    "Britain", "USA"};
 
-// Numbers that follow from a seed (splitmix64).
+// A generator of pseudo-random numbers (splitmix64).
 class Random {
   public:
     explicit Random(std::uint64_t seed) : state_(seed) {}

@@ -1,7 +1,7 @@
 #pragma once
 
-// The people that every book of the benchmark holds: one source for the address book and for the baseline. A
-// person follows from the seed and the person's place alone, so that no book has to be in memory to be made.
+// The people of the benchmark, the same for the address book and the baseline. A person depends only on the
+// seed and the person's number, so that books can be made without keeping them in memory.
 
 #include <cstddef>
 #include <cstdint>
@@ -27,23 +27,25 @@ struct Address {
 struct Person {
     std::string uid; // "<UUID>:ABPerson"
     std::string first, last, organization, jobTitle, note;
-    std::vector<LabelledText> phones; // two
+    std::vector<LabelledText> phones; // always two
     LabelledText email;
     Address address;
     double birthday = 0;               // seconds since 2001-01-01 00:00:00 UTC
-    std::vector<std::uint8_t> picture; // of 5% of the people; else empty
+    std::vector<std::uint8_t> picture; // for 5% of the people, else empty
 };
 
-// The person at a place, counted from 0. Last names are drawn from 1,000, each equally likely.
+// Return the person with a number, counted from 0, and its unique id. There are 1,000 last names, equally
+// likely.
 Person person(std::size_t place);
 std::string personUid(std::size_t place);
 
-// Group [group] of a book of [people]: half of the people are in one group each.
+// Return name, unique id and members (numbers of people) of group [group] in a book of [people]. Half of the
+// people are in one group each.
 std::string groupName(std::size_t group);
 std::string groupUid(std::size_t group);
 std::vector<std::size_t> membersOf(std::size_t group, std::size_t people);
 
-// What the searches look for; the shares are of the people who are found.
+// The values that the searches look for, with the share of the people who are found.
 namespace wanted {
 inline constexpr std::string_view kLast = "Lindström";      // exactly: 0.1%
 inline constexpr std::string_view kLastPart = "STRÖM";      // anywhere, ignoring case: 2.8%
@@ -57,7 +59,8 @@ inline constexpr std::string_view kNoteWord = "PIANO";      // in the compound s
 inline constexpr std::string_view kMailPart = "EXAMPLE.ORG";
 } // namespace wanted
 
-// The searches that are measured; a compound has kLastPrefix, kCity, kNoteWord and kMailPart, all of them.
+// The searches that are measured. The compound one requires all of kLastPrefix, kCity, kNoteWord and
+// kMailPart.
 enum class Search {
     lastEqual,
     lastContains,

@@ -14,7 +14,7 @@ using namespace addressbook;
 
 constexpr std::size_t kPeopleInASave = 50'000;
 
-// Groups and people in a fixed order; seconds since 2001.
+// The creation date of all records, in seconds since 2001.
 constexpr Date kMade{788'918'400};
 
 MultiValue list(const std::vector<LabelledText>& entries) {

@@ -5,8 +5,8 @@
 
 namespace bench {
 
-// Makes the address book of [people] generated people and their groups in [folder], which must exist, through
-// the store: 50,000 people a save. Throws addressbook::StoreError.
+// Makes the address book of [people] generated people and their groups in [folder], which must exist, by way
+// of the store, with 50,000 people a save. Throws addressbook::StoreError.
 void makeStoreBook(const std::filesystem::path& folder, std::size_t people);
 
 } // namespace bench

@@ -12,7 +12,7 @@
 namespace bench {
 namespace {
 
-// Does nothing.
+// The function that does nothing.
 class EmptyFunction : public host::ExternalFunction {
   public:
     EmptyFunction() : ExternalFunction(u"Nothing", u"Nothing", 0, 0) {}
@@ -32,7 +32,7 @@ struct Calculations::Machine {
                                       session.functions());
     }
 
-    // The result, which must be no failure.
+    // Returns the result of a calculation. Throws when it is the plug-in's error.
     host::Value value(const host::Calculation& calculation) {
         host::Value result = session.evaluate(calculation);
         if (result.storedText() == u"!!ERROR!!") {

@@ -1,7 +1,6 @@
 #pragma once
 
-// Calculations in the host with the plug-in, in this process: what is measured at the level of users. One of
-// these in a process; one thread.
+// Calculations in the host with the plug-in, in this process: the measurements at the level of users.
 
 #include <cstddef>
 #include <filesystem>
@@ -10,6 +9,7 @@
 
 namespace bench {
 
+// A host with the plug-in. There may be one in a process. Not thread-safe.
 class Calculations {
   public:
     // Loads the plug-in, which works on the address book in $ADDRESSBOOK_HOME. Throws std::exception.
@@ -18,17 +18,18 @@ class Calculations {
     Calculations(const Calculations&) = delete;
     Calculations& operator=(const Calculations&) = delete;
 
-    // A function of the host that does nothing, to compare calls with.
+    // A function of the host that does nothing: the cost of a call.
     static constexpr const char* kEmptyCall = "Nothing";
 
-    // Reads a calculation; run() evaluates it. [as] is a number of the caller's choice.
+    // Parses a calculation, which run() then evaluates. [as] is any number by which run() refers to it.
     void prepare(int as, const std::string& calculation);
     void run(int as);
-    // Evaluates a calculation and answers its result as text.
+    // Evaluates a calculation and returns its result as text.
     std::string evaluate(const std::string& calculation);
 
-    // Searches everybody; then walks them as scripts do: opens the next, reads three properties, opens each
-    // phone and reads it. Answers the bytes of text that it saw, as UTF-8, when [counting], else nothing.
+    // Search all people, and walk through them as scripts do: open the next one, read three properties, open
+    // each phone and read it. walk() returns the number of bytes of text read, in UTF-8, when [counting],
+    // else 0.
     void searchEverybody();
     std::size_t walk(bool counting);
 

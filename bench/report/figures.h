@@ -9,38 +9,39 @@
 
 namespace bench {
 
-// What was measured, by name: seconds, or bytes where the name says memory.
+// The measured figures, by name: seconds, or bytes when the name ends in "memory".
 using Figures = std::map<std::string, double>;
 
 // Names that more than one source uses.
 namespace figure {
 inline constexpr std::string_view kOpenTime = "framework/open and search";
 inline constexpr std::string_view kOpenMemory = "framework/open and search, memory";
-inline constexpr std::string_view kHostWalk = "host/walk"; // a person
+inline constexpr std::string_view kHostWalk = "host/walk"; // seconds for each person
 inline constexpr std::string_view kWalkMemory = "framework/walk, memory";
 } // namespace figure
 
-// A book of one size: the address book and the baseline's database are in one folder.
+// The folder with the address book and the baseline's database of one size.
 struct Place {
     std::filesystem::path folder;
     std::size_t people = 0;
 };
 
-// Each of these runs in a process of its own, so that none inherits another's memory. They throw
-// std::exception when something cannot be measured, and when the baseline and the address book do not answer
-// the same.
+// The program runs each of the following functions in a process of its own, so that none is affected by
+// another's memory. They throw std::exception when something cannot be measured, and when the results of the
+// baseline and of the address book differ.
 
 // Makes both books.
 void makeBooks(const Place& place);
 
-// Everything that Google Benchmark repeats: each work of the baseline, of the framework, of calculations.
-// [plugin] is the plug-in's library. Of the works, only those whose names contain [only].
+// Measures, by Google Benchmark, the repeated work of the baseline, of the framework and of calculations, as
+// far as its name contains [only]. [plugin] is the plug-in's library.
 Figures measureWork(const Place& place, const std::filesystem::path& plugin, const std::string& only);
 
-// From nothing to the first answer of an exact search, and the memory resident then.
+// Measures the time from opening the book to the first result of an exact search, and the resident memory
+// then.
 Figures measureOpening(const Place& place);
 
-// The most memory that was resident in a process that walked everybody once.
+// Measures the peak resident memory of a process that walks through all people once.
 Figures measureWalkMemory(const Place& place);
 
 } // namespace bench

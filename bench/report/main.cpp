@@ -22,7 +22,8 @@ namespace fs = std::filesystem;
 constexpr std::size_t kSizes[] = {1'000, 10'000, 100'000, 1'000'000};
 constexpr int kOpenings = 5;
 
-// Runs [work] in a process of its own and answers its figures. Throws what it threw, as text.
+// Runs [work] in a process of its own and returns its figures. Throws its exception's text as
+// std::runtime_error.
 Figures apart(const std::function<Figures()>& work) {
     std::array<int, 2> ends{};
     if (pipe(ends.data()) != 0) {
@@ -75,7 +76,7 @@ Figures measure(const Place& place, const fs::path& plugin, const std::string& o
             makeBooks(place);
             return Figures();
         });
-        fs::create_directory(place.folder / "whole"); // nothing interrupted it
+        fs::create_directory(place.folder / "whole"); // marks the books as complete
     }
     progress(place, "measuring");
     Figures figures = apart([&] { return measureWork(place, plugin, only); });
@@ -94,7 +95,7 @@ Figures measure(const Place& place, const fs::path& plugin, const std::string& o
     return figures;
 }
 
-// A folder that goes when the program ends; or one that the user named, which stays.
+// The folder for the books: one that the user named, which stays, else a temporary one.
 class Books {
   public:
     explicit Books(std::string named) : stays_(!named.empty()), folder_(std::move(named)) {

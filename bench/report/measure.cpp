@@ -79,12 +79,12 @@ void repeat(const std::string& name, std::function<void()> work, Waits waits = W
     }
 }
 
-// Walks through a very large book take long, and vary little.
+// Returns how many times a book is walked: a very large one takes long, and its times vary little.
 int walksOf(const Place& place) {
     return place.people > 100'000 ? 1 : kRepetitions;
 }
 
-// The same for work that needs something made ready each time, which is not measured; once a repetition.
+// Like repeat(), for work that needs a preparation each time, which is not measured. Runs once a repetition.
 template <typename Prepare, typename Work>
 void repeatPrepared(const std::string& name, int repetitions, Waits waits, Prepare prepare, Work work) {
     benchmark::RegisterBenchmark(name.c_str(),
@@ -122,7 +122,8 @@ constexpr NamedSearch kSearches[] = {{Search::lastEqual, "exact last name"},
     throw std::runtime_error("the baseline and the address book do not answer the same: " + what);
 }
 
-// The same people in the same order, and the same texts: else the figures would compare different work.
+// Throws unless both find the same people in the same order, as the figures would else compare different
+// work.
 void compareHits(BaselineBook& baseline, FrameworkBook& book) {
     for (const auto& [search, name] : kSearches) {
         std::vector<std::string> uids;
@@ -146,7 +147,7 @@ void compareWalks(BaselineBook& baseline, FrameworkBook& book, Calculations& hos
     }
 }
 
-// Unique ids of people all over the book, one after the other.
+// Returns unique ids of people from all over the book in turn.
 class Turns {
   public:
     explicit Turns(std::size_t people) {
@@ -161,7 +162,7 @@ class Turns {
     std::size_t turn_ = 0;
 };
 
-// An empty folder for a book that is made and thrown away.
+// An empty temporary folder for a book.
 class Scratch {
   public:
     explicit Scratch(const fs::path& folder) : folder_(folder / "scratch") {
@@ -187,7 +188,7 @@ struct ScratchBook {
     Book book;
 };
 
-// Who the calculations read; and what.
+// The number of the person that calculations read, and the properties read.
 constexpr std::size_t kHeld = 17;
 struct NamedRead {
     FrameworkBook::Read read;
@@ -232,7 +233,7 @@ void registerBooks(const Place& place, BaselineBook& baseline, FrameworkBook& bo
         [&, count = 0]() mutable { book.changeJob(turns.next(), "Job " + std::to_string(++count)); },
         Waits::forDisk);
 
-    // A million objects before one save are more than this is about.
+    // A single save of a million objects is not a use case.
     if (place.people > 100'000) {
         return;
     }

@@ -8,7 +8,7 @@
 
 namespace bench {
 
-// The table of all work with targets, figures and verdicts; [figures] by the number of people.
+// Returns the table of all work with targets, figures and verdicts; [figures] are by the number of people.
 std::string table(const std::map<std::size_t, Figures>& figures);
 
 } // namespace bench
