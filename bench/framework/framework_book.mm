@@ -7,7 +7,7 @@
 namespace bench {
 namespace {
 
-// So many people are read before what they left behind is let go.
+// The number of people that are read before the autorelease pool is drained.
 constexpr NSUInteger kPeopleInAPool = 256;
 
 class Pool {
@@ -89,7 +89,7 @@ ABSearchElement* elementFor(Search search) {
     return nil;
 }
 
-// Calls [visit] with each of everybody's texts.
+// Calls [visit] with each text that a walk reads.
 template <typename Visit>
 void visitTexts(ABAddressBook* book, Visit visit) {
     Pool outer;
@@ -115,7 +115,7 @@ void visitTexts(ABAddressBook* book, Visit visit) {
 struct FrameworkBook::Objects {
     ABAddressBook* book = nil;
     ABRecord* held = nil;
-    NSString* phone = nil; // identifier of the held person's first
+    NSString* phone = nil; // identifier of the held person's first phone
 
     ~Objects() {
         Pool pool;

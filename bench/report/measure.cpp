@@ -270,7 +270,8 @@ void registerCalculations(Calculations& host, FrameworkBook& book) {
     }
 }
 
-// The walk moves the plug-in to other records: it is measured after all the others.
+// Returns the time of a walk. Measured after everything else, as it makes other records the plug-in's current
+// ones.
 double walkTime(Calculations& host, const Place& place) {
     std::vector<double> times;
     for (int i = 0; i < walksOf(place); ++i) {
@@ -283,7 +284,7 @@ double walkTime(Calculations& host, const Place& place) {
     return times[times.size() / 2];
 }
 
-// A line of /proc/self/status in bytes.
+// Returns the value of a line in /proc/self/status, in bytes.
 double memory(const std::string& name) {
     std::ifstream status("/proc/self/status");
     for (std::string word; status >> word;) {

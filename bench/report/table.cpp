@@ -10,7 +10,7 @@
 namespace bench {
 namespace {
 
-// What a target limits.
+// The quantity that a target limits.
 enum class Kind {
     ratio,  // measured / reference
     excess, // measured - reference, in seconds
@@ -24,13 +24,13 @@ constexpr std::size_t kMillion = 1'000'000;
 
 // One line of the table.
 struct Row {
-    const char* level; // F: the framework's interface; C: a calculation in the host
+    const char* level; // F: framework; C: calculation in the host
     const char* work;
     const char* measured;
     const char* reference; // none for time and memory
     Kind kind;
     double limit;
-    std::size_t people = 0; // the size that the target is about; 0: every size
+    std::size_t people = 0; // the size of book to which the target applies; 0: every size
 };
 
 constexpr const char* kOpen = "framework/open and search";
@@ -86,7 +86,7 @@ std::string megabytes(double bytes) {
     return format("%.0f MB", bytes / kMega);
 }
 
-// A figure as the target counts it; none when it was not measured.
+// Returns the quantity that a row's target limits; none when it was not measured.
 std::optional<double> figureOf(const Row& row, const Figures& figures) {
     const auto measured = figures.find(row.measured);
     if (measured == figures.end()) {
@@ -154,7 +154,7 @@ std::string verdict(const Row& row, const std::map<std::size_t, Figures>& all) {
     return missed.empty() ? "met" : "missed at " + missed;
 }
 
-// [text] in a column of [width] characters, on the left or on the right of it.
+// Returns [text] padded to [width] characters, aligned to the left or to the right.
 std::string padded(const std::string& text, std::size_t width, bool right = false) {
     const std::string blanks(width - std::min(width, text.size()), ' ');
     return right ? blanks + text : text + blanks;

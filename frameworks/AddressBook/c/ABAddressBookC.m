@@ -1,4 +1,4 @@
-// The address book's functions for C, over its class.
+// The C functions of the address book, which call its class.
 
 #import <AddressBook/AddressBook.h>
 
@@ -7,7 +7,7 @@
 CFStringRef const kABPersonRecordType = (CFStringRef) @"ABPerson";
 CFStringRef const kABGroupRecordType = (CFStringRef) @"ABGroup";
 
-// The class of a type of records; Nil, which answers nothing, for any other.
+// Returns the class for a type of records; Nil, to which messages return nothing, for any other type.
 static Class classOf(CFStringRef recordType) {
     if ([(NSString*)recordType isEqualToString:@"ABPerson"]) {
         return [ABPerson class];
@@ -37,7 +37,7 @@ bool ABHasUnsavedChanges(ABAddressBookRef addressBook) {
     return unsaved;
 }
 
-// The caller owns nothing, so the card is kept here until another one is answered.
+// A Get function: the caller does not own the record, so it is retained here until another one is returned.
 ABPersonRef ABGetMe(ABAddressBookRef addressBook) {
     static ABPerson* me = nil;
     @synchronized([ABAddressBook class]) {

@@ -1,4 +1,4 @@
-// Functions for C of multi-values, over their classes.
+// The C functions of multi-values, which call their classes.
 
 #import <AddressBook/AddressBook.h>
 

@@ -1,4 +1,4 @@
-// Functions for C of records, people, groups and searches, over their classes.
+// The C functions of records, people, groups and searches, which call their classes.
 
 #import <AddressBook/AddressBook.h>
 
@@ -70,7 +70,7 @@ CFDataRef ABPersonCopyImageData(ABPersonRef person) {
     return OWNED([(ABPerson*)person imageData]);
 }
 
-// A client that calls a function.
+// A client that calls a C callback.
 @interface ABImageCallback : NSObject <ABImageClient> {
   @public
     ABImageClientCallback _callback;

@@ -4,21 +4,22 @@
 
 @class ABPerson;
 
-// What the principal class of an action plug-in has: a bundle that adds an item to the menu at entries of one
-// property in the address book application. Declared so that such bundles compile; no application for this
-// address book loads them.
+// The methods of the principal class of an action plug-in: a bundle that adds an item to the menu of a
+// property's entries in the address book application. Declared so that such bundles compile; no application
+// for this address book loads them.
 @interface NSObject (ABActionDelegate)
 
-// The property at whose entries the item stands.
+// Returns the property whose entries have the item.
 - (NSString*)actionProperty;
 
-// The item's title for the entry with this identifier; of a property that is no multi-value, nil.
+// Returns the item's title for the entry with this identifier, which is nil for a property that is no
+// multi-value.
 - (NSString*)titleForPerson:(ABPerson*)person identifier:(NSString*)identifier;
 
-// The item was chosen.
+// Called when the item was chosen.
 - (void)performActionForPerson:(ABPerson*)person identifier:(NSString*)identifier;
 
-// Whether the item can be chosen; it can when this is not there.
+// Returns whether the item can be chosen. Optional; without it, the item can be chosen.
 - (BOOL)shouldEnableActionForPerson:(ABPerson*)person identifier:(NSString*)identifier;
 
 @end

@@ -2,9 +2,9 @@
 
 #include <AddressBook/ABAddressBookC.h>
 
-// What an action plug-in in C hands over: a bundle that adds an item to the menu at entries of one property
-// in the address book application. Declared so that such bundles compile; no application for this address
-// book loads them. See ABActions.h for what each function is asked.
+// The functions of an action plug-in in C: a bundle that adds an item to the menu of a property's entries in
+// the address book application. Declared so that such bundles compile; no application for this address book
+// loads them. ABActions.h describes the functions.
 typedef CFStringRef (*ABActionGetPropertyCallback)(void);
 typedef CFStringRef (*ABActionCopyTitleCallback)(ABPersonRef person, CFStringRef identifier);
 typedef Boolean (*ABActionEnabledCallback)(ABPersonRef person, CFStringRef identifier);
@@ -18,5 +18,5 @@ typedef struct {
     ABActionSelectedCallback selected;
 } ABActionCallbacks;
 
-// The function that the bundle defines.
+// Defined by the bundle: returns its functions.
 AB_EXTERN ABActionCallbacks* ABActionRegisterCallbacks(void);

@@ -4,10 +4,10 @@
 #include <AddressBook/ABTypedefs.h>
 #include <CoreFoundation/CoreFoundation.h>
 
-// The address book for C. Each function is the method of the class of which it has the name, and each
-// reference an object of that class, so what the classes' headers say holds here, exceptions included.
-// Functions with Create or Copy in their name answer an object that the caller releases with CFRelease; those
-// with Get one that the address book keeps.
+// The address book for C. Each function calls the method of the same name, and each reference is an object of
+// the class, so that the headers of the classes apply, also for exceptions. Functions with Create or Copy in
+// their name return an object that the caller must release with CFRelease; those with Get one that the
+// address book keeps.
 
 typedef void* ABRecordRef; // an ABPersonRef or an ABGroupRef
 typedef struct __ABPerson* ABPersonRef;
@@ -17,7 +17,7 @@ typedef struct __ABAddressBookRef* ABAddressBookRef;
 typedef const struct __ABMultiValue* ABMultiValueRef;
 typedef struct __ABMultiValue* ABMutableMultiValueRef;
 
-// The address book. NULL when it cannot be opened.
+// Returns the address book; NULL when it cannot be opened.
 AB_EXTERN ABAddressBookRef ABGetSharedAddressBook(void);
 AB_EXTERN CFArrayRef ABCopyArrayOfMatchingRecords(ABAddressBookRef addressBook, ABSearchElementRef search);
 AB_EXTERN bool ABSave(ABAddressBookRef addressBook);
@@ -25,10 +25,11 @@ AB_EXTERN bool ABHasUnsavedChanges(ABAddressBookRef addressBook);
 AB_EXTERN ABPersonRef ABGetMe(ABAddressBookRef addressBook);
 AB_EXTERN void ABSetMe(ABAddressBookRef addressBook, ABPersonRef moi);
 
-// kABPersonRecordType or kABGroupRecordType; NULL when there is no such record.
+// Returns kABPersonRecordType or kABGroupRecordType; NULL when there is no such record.
 AB_EXTERN CFStringRef ABCopyRecordTypeFromUniqueId(ABAddressBookRef addressBook, CFStringRef uniqueId);
 
-// Properties of a type of records. Another type has none: -1, an empty array, kABErrorInProperty.
+// Properties of a type of records. For an unknown type these return -1, an empty array, and
+// kABErrorInProperty.
 AB_EXTERN CFIndex ABAddPropertiesAndTypes(ABAddressBookRef addressBook, CFStringRef recordType,
                                           CFDictionaryRef propertiesAndTypes);
 AB_EXTERN CFIndex ABRemoveProperties(ABAddressBookRef addressBook, CFStringRef recordType,
@@ -45,7 +46,7 @@ AB_EXTERN CFArrayRef ABCopyArrayOfAllPeople(ABAddressBookRef addressBook);
 AB_EXTERN CFArrayRef ABCopyArrayOfAllGroups(ABAddressBookRef addressBook);
 AB_EXTERN CFStringRef ABCopyDefaultCountryCode(ABAddressBookRef addressBook);
 
-// Only the text; the marks of its fields are Objective-C's.
+// Returns only the text, without the attributes of its fields.
 AB_EXTERN CFStringRef ABCreateFormattedAddressFromDictionary(ABAddressBookRef addressBook,
                                                              CFDictionaryRef address);
 AB_EXTERN CFStringRef ABCopyLocalizedPropertyOrLabel(CFStringRef labelOrProperty);
@@ -67,8 +68,8 @@ AB_EXTERN ABSearchElementRef ABPersonCreateSearchElement(CFStringRef property, C
                                                          CFStringRef key, CFTypeRef value,
                                                          ABSearchComparison comparison);
 
-// Pictures. The function is called on the main thread, from its run loop; [imageData] is NULL when the person
-// has no picture. Raises for a NULL function.
+// Pictures. The callback is called on the main thread, from its run loop; [imageData] is NULL when the person
+// has no picture. Raises for a NULL callback.
 typedef void (*ABImageClientCallback)(CFDataRef imageData, CFIndex tag, void* refcon);
 AB_EXTERN bool ABPersonSetImageData(ABPersonRef person, CFDataRef imageData);
 AB_EXTERN CFDataRef ABPersonCopyImageData(ABPersonRef person);
@@ -105,7 +106,7 @@ AB_EXTERN CFTypeRef ABMultiValueCopyValueAtIndex(ABMultiValueRef multiValue, CFI
 AB_EXTERN CFStringRef ABMultiValueCopyLabelAtIndex(ABMultiValueRef multiValue, CFIndex index);
 AB_EXTERN CFStringRef ABMultiValueCopyPrimaryIdentifier(ABMultiValueRef multiValue);
 
-// -1 when no entry has the identifier.
+// Returns -1 when no entry has the identifier.
 AB_EXTERN CFIndex ABMultiValueIndexForIdentifier(ABMultiValueRef multiValue, CFStringRef identifier);
 AB_EXTERN CFStringRef ABMultiValueCopyIdentifierAtIndex(ABMultiValueRef multiValue, CFIndex index);
 AB_EXTERN ABPropertyType ABMultiValuePropertyType(ABMultiValueRef multiValue);
@@ -114,8 +115,8 @@ AB_EXTERN ABMutableMultiValueRef ABMultiValueCreateMutableCopy(ABMultiValueRef m
 
 AB_EXTERN ABMutableMultiValueRef ABMultiValueCreateMutable(void);
 
-// The new entry's identifier is written where the last argument points, unless that is NULL: the caller
-// releases it.
+// Add an entry. The last argument, unless it is NULL, receives the new entry's identifier, which the caller
+// must release.
 AB_EXTERN bool ABMultiValueAdd(ABMutableMultiValueRef multiValue, CFTypeRef value, CFStringRef label,
                                CFStringRef* outIdentifier);
 AB_EXTERN bool ABMultiValueInsert(ABMutableMultiValueRef multiValue, CFTypeRef value, CFStringRef label,

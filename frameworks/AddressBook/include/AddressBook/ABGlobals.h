@@ -29,11 +29,11 @@ AB_EXTERN AB_STRING const kABHomePageProperty;
 AB_EXTERN AB_STRING const kABPersonFlags;
 
 // Dates as date components (NSDateComponents with a month and a day). The birthday and the other dates are
-// those of kABBirthdayProperty and kABOtherDatesProperty, told by the day and, where a date has one, the
-// year: setting either sets the other, labels and identifiers are the same. Of components set only the day
-// counts, in their calendar (Gregorian when they name none); components without a year make a date in 1604,
-// which is how a date without a year is stored. The alternate birthday, by another calendar, stands for
-// itself and keeps era, year, month (leap months too), day, time and calendar.
+// those of kABBirthdayProperty and kABOtherDatesProperty, given by month, day and, if the date has one, the
+// year: setting either property sets the other, with the same labels and identifiers. Of components that are
+// set, only the day is used, in their calendar (Gregorian when they have none); components without a year
+// become a date in 1604, which is how dates without a year are stored. The alternate birthday, by another
+// calendar, is independent, and keeps era, year, month (also leap months), day, time and calendar.
 AB_EXTERN AB_STRING const kABBirthdayComponentsProperty;
 AB_EXTERN AB_STRING const kABAlternateBirthdayComponentsProperty;
 AB_EXTERN AB_STRING const kABOtherDateComponentsProperty;
@@ -44,8 +44,8 @@ AB_EXTERN AB_STRING const kABCalendarURIsProperty;
 AB_EXTERN AB_STRING const kABEmailProperty;
 AB_EXTERN AB_STRING const kABPhoneProperty;
 AB_EXTERN AB_STRING const kABRelatedNamesProperty;
-// The five services that have a property each. macOS has deprecated them for kABInstantMessageProperty; here
-// each keeps its own entries.
+// The five services with a property of their own. macOS has deprecated these for kABInstantMessageProperty;
+// here each has entries of its own.
 AB_EXTERN AB_STRING const kABAIMInstantProperty;
 AB_EXTERN AB_STRING const kABJabberInstantProperty;
 AB_EXTERN AB_STRING const kABMSNInstantProperty;
@@ -95,13 +95,13 @@ AB_EXTERN AB_STRING const kABSocialProfileServiceSinaWeibo;
 AB_EXTERN AB_STRING const kABSocialProfileServiceTencentWeibo;
 AB_EXTERN AB_STRING const kABSocialProfileServiceYelp;
 
-// Labels that go with any list.
+// Labels for any list.
 AB_EXTERN AB_STRING const kABHomeLabel;
 AB_EXTERN AB_STRING const kABWorkLabel;
 AB_EXTERN AB_STRING const kABOtherLabel;
 AB_EXTERN AB_STRING const kABMobileMeLabel;
 
-// Labels of particular lists.
+// Labels for particular lists.
 AB_EXTERN AB_STRING const kABHomePageLabel;
 AB_EXTERN AB_STRING const kABEmailHomeLabel;
 AB_EXTERN AB_STRING const kABEmailWorkLabel;
@@ -140,18 +140,18 @@ AB_EXTERN AB_STRING const kABYahooWorkLabel;
 AB_EXTERN AB_STRING const kABICQHomeLabel;
 AB_EXTERN AB_STRING const kABICQWorkLabel;
 
-// Sent by the default notification center after this process saved, on the thread that saved; and after
-// another process did, on a thread of the framework's: one for each save, in their order, from the first call
-// of sharedAddressBook on. The user info may hold arrays of unique ids under the three keys. None of them:
-// everything may have changed.
+// Posted to the default notification center after this process has saved, on the thread that saved; and after
+// another process has, on a thread of the framework. There is one notification for each save, in order, from
+// the first call of sharedAddressBook on. The user info has arrays of unique ids under the three keys; when
+// it has none of them, everything may have changed.
 AB_EXTERN AB_STRING const kABDatabaseChangedNotification;
 AB_EXTERN AB_STRING const kABDatabaseChangedExternallyNotification;
 AB_EXTERN AB_STRING const kABInsertedRecords;
 AB_EXTERN AB_STRING const kABUpdatedRecords;
 AB_EXTERN AB_STRING const kABDeletedRecords;
 
-// The low three bits of the person flags say what the card is, the next three in which order its name is
-// shown.
+// The lower three bits of the person flags say whether the record is shown as a person or as a company, the
+// next three the order of names.
 #define kABShowAsMask 7
 #define kABShowAsPerson 0
 #define kABShowAsCompany 1
@@ -165,8 +165,8 @@ AB_EXTERN AB_STRING const kABDeletedRecords;
 // Errors of the framework.
 AB_EXTERN AB_STRING const ABAddressBookErrorDomain;
 
-// In an error's user info: an array of identifiers, those of the entries of a multi-value that are not valid.
-// This framework raises for such entries instead and never sets it.
+// A key in an error's user info: an array with the identifiers of a multi-value's invalid entries. This
+// framework raises for such entries instead, and never sets it.
 AB_EXTERN AB_STRING const ABMultiValueIdentifiersErrorKey;
 
 enum _ABAddressBookErrorCode {
@@ -178,7 +178,7 @@ enum _ABAddressBookErrorCode {
 };
 
 #ifdef __OBJC__
-// The name to show, in English, for the name of a built-in property, a label or a key of a dictionary: "First
-// Name", "work fax", "ZIP". Anything else, a label of the user's own say, is its own name; nil for nil.
+// Returns the name to show, in English, for a built-in property, a label or a key of a dictionary: "First
+// Name", "work fax", "ZIP". Any other text, for instance a user's label, is returned as it is; nil for nil.
 AB_EXTERN NSString* ABLocalizedPropertyOrLabel(NSString* propertyOrLabel);
 #endif

@@ -2,7 +2,7 @@
 
 #include <CoreFoundation/CoreFoundation.h>
 
-// The constants for C. They are those of Objective-C: there a constant is an NSString*, which is cast where a
+// The constants for C, which are those of Objective-C. There they are NSString*, and have to be cast where a
 // function of the C interface takes a CFStringRef.
 #include <AddressBook/ABGlobals.h>
 

@@ -2,26 +2,26 @@
 
 #import <AddressBook/ABPerson.h>
 
-// Who is handed a picture that was asked for.
+// The receiver of pictures that are loaded in the background.
 @protocol ABImageClient <NSObject>
 
-// On the main thread, from its run loop, never from within the call that asked. [data] is nil when the person
-// has no picture; [tag] is what that call answered.
+// Called on the main thread, from its run loop, never from within the call that began loading. [data] is nil
+// when the person has no picture; [tag] is the tag that that call returned.
 - (void)consumeImageData:(NSData*)data forTag:(NSInteger)tag;
 
 @end
 
 @interface ABPerson (ABImageLoading)
 
-// The picture, byte for byte as it was set; nil removes it.
+// Set and return the picture, byte for byte as it was set; nil removes it.
 - (BOOL)setImageData:(NSData*)data;
 - (NSData*)imageData;
 
-// Asks for the picture as it is now, and answers the request's tag, never 0. The client is retained until it
-// has been called, or the request is cancelled. Raises NSInvalidArgumentException for nil.
+// Begins loading the picture as it is now, and returns the request's tag, never 0. The client is retained
+// until it has been called, or the request is cancelled. Raises NSInvalidArgumentException for nil.
 - (NSInteger)beginLoadingImageDataForClient:(id<ABImageClient>)client;
 
-// From here on the client is not called for this request. Nothing happens for a tag that is done or unknown.
+// Cancels a request, whose client is then not called. Does nothing for a tag that is done or unknown.
 + (void)cancelLoadingImageDataForTag:(NSInteger)tag;
 
 @end

@@ -3,8 +3,8 @@
 #import <AddressBook/ABTypedefs.h>
 #import <Foundation/Foundation.h>
 
-// The entries of a property that holds several values: each has a value, a label and an identifier that stays
-// the same when the list is copied, saved and read again. Indexes out of bounds raise NSRangeException.
+// The entries of a property with several values. Each entry has a value, a label, and an identifier that
+// stays the same when the list is copied, saved and loaded. Indexes out of bounds raise NSRangeException.
 @interface ABMultiValue : NSObject <NSCopying, NSMutableCopying, NSFastEnumeration> {
     void* _list;
     unsigned long _mutations;
@@ -15,18 +15,18 @@
 - (NSString*)labelAtIndex:(NSUInteger)index;
 - (NSString*)identifierAtIndex:(NSUInteger)index;
 
-// NSNotFound when no entry has the identifier.
+// Returns the index of an entry; NSNotFound when no entry has the identifier.
 - (NSUInteger)indexForIdentifier:(NSString*)identifier;
 
-// The entry to use when only one is wanted: the first unless another was chosen; nil when there are no
-// entries.
+// Returns the identifier of the entry to use when only one is wanted: the first, unless another one was
+// chosen; nil when there are no entries.
 - (NSString*)primaryIdentifier;
 
-// The type of a property that would hold these entries; kABErrorInProperty when there are none or their types
+// Returns the type of a property with these entries; kABErrorInProperty when there are none, or their types
 // differ.
 - (ABPropertyType)propertyType;
 
-// nil when no entry has the identifier.
+// Return an entry's value and label; nil when no entry has the identifier.
 - (id)valueForIdentifier:(NSString*)identifier;
 - (NSString*)labelForIdentifier:(NSString*)identifier;
 
@@ -34,17 +34,19 @@
 
 @interface ABMutableMultiValue : ABMultiValue
 
-// The new entry's identifier. Raises NSInvalidArgumentException when the value or the label is nil.
+// Add an entry and return its identifier. Raise NSInvalidArgumentException when the value or the label is
+// nil.
 - (NSString*)addValue:(id)value withLabel:(NSString*)label;
 - (NSString*)insertValue:(id)value withLabel:(NSString*)label atIndex:(NSUInteger)index;
 
 - (BOOL)removeValueAndLabelAtIndex:(NSUInteger)index;
 
-// Both raise NSInvalidArgumentException when what is to be put in place is nil.
+// Replace an entry's value and label. Raise NSInvalidArgumentException when the new one is nil.
 - (BOOL)replaceValueAtIndex:(NSUInteger)index withValue:(id)value;
 - (BOOL)replaceLabelAtIndex:(NSUInteger)index withLabel:(NSString*)label;
 
-// NO when no entry has the identifier. Raises NSInvalidArgumentException for nil.
+// Chooses the primary entry. Returns NO when no entry has the identifier. Raises NSInvalidArgumentException
+// for nil.
 - (BOOL)setPrimaryIdentifier:(NSString*)identifier;
 
 @end

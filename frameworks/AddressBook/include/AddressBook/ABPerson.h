@@ -8,39 +8,40 @@
 // A person or a company.
 @interface ABPerson : ABRecord
 
-// The groups that have this person as a member.
+// Returns the groups that have this person as a member.
 - (NSArray*)parentGroups;
 
-// The records that are shown as one card with this one, itself included.
+// Returns the records that are shown as one card with this one, including itself.
 - (NSArray*)linkedPeople;
 
-// Adds properties to every person: names and type numbers (NSNumber). Answers how many were new, -1 when a
-// name or a type is not valid (nothing is added then).
+// Adds properties to all people; the dictionary has their names and types (NSNumber). Returns how many were
+// new; -1 when a name or a type is not valid, and then adds none.
 + (NSInteger)addPropertiesAndTypes:(NSDictionary*)properties;
 
-// Removes added properties, and their values from every person. Answers how many were removed.
+// Removes added properties, with their values, from all people. Returns how many were removed.
 + (NSInteger)removeProperties:(NSArray*)properties;
 
-// The names of all properties of people.
+// Returns the names of all properties of people.
 + (NSArray*)properties;
 
-// kABErrorInProperty when people have no such property.
+// Returns the type of a property; kABErrorInProperty when people have no such property.
 + (ABPropertyType)typeOfProperty:(NSString*)property;
 
 @end
 
 @interface ABPerson (ABPerson_Convenience)
 
-// A search for people. A label restricts it to entries with that label, a key to that field of dictionary
-// values. A nil value goes only with kABEqual (the property is set) and kABNotEqual (it is not);
-// NSInvalidArgumentException otherwise, and for a nil property or an unknown comparison.
+// Returns a search for people. A label restricts it to entries with that label, a key to that field of
+// dictionary values. A nil value is allowed only with kABEqual (the property is set) and kABNotEqual (it is
+// not set). Raises NSInvalidArgumentException for a nil value otherwise, a nil property and an unknown
+// comparison.
 + (ABSearchElement*)searchElementForProperty:(NSString*)property
                                        label:(NSString*)label
                                          key:(NSString*)key
                                        value:(id)value
                                   comparison:(ABSearchComparison)comparison;
 
-// A person that is in no address book yet, from one card; nil when the data is none.
+// Makes a person, which is not added to the address book, from a vCard; nil when the data is not one.
 - (id)initWithVCardRepresentation:(NSData*)vCardData;
 - (NSData*)vCardRepresentation;
 

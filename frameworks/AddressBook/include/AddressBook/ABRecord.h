@@ -4,36 +4,36 @@
 
 @class ABAddressBook;
 
-// What a person and a group have in common: properties, a unique id that never changes, and creation and
-// modification dates that the framework keeps. Changes stay in memory until the address book is saved.
+// The base class of people and groups: properties, a unique id that never changes, and the dates of creation
+// and modification, which the framework sets. Changes stay in memory until the address book is saved.
 @interface ABRecord : NSObject {
   @private
     void* _record;
 }
 
-// A new record of the shared address book. It is saved only once it has been added (-[ABAddressBook
+// Makes a new record for the shared address book. It is saved only after it has been added (-[ABAddressBook
 // addRecord:]).
 - (id)init;
 - (id)initWithAddressBook:(ABAddressBook*)addressBook;
 
-// The value of a property, an immutable object; nil when it is not set. Raises NSInvalidArgumentException for
-// nil.
+// Returns the value of a property, an immutable object; nil when it is not set. Raises
+// NSInvalidArgumentException for nil.
 - (id)valueForProperty:(NSString*)property;
 
-// Sets a property; nil removes the value. NO, with the error, when the property cannot be set (its value is
-// the framework's own, the record's class has no such property, the address book is read-only). Raises
-// NSInvalidArgumentException when the value is not of the property's type or the property is nil.
+// Set a property; nil removes the value. Return NO, with an error, when the property cannot be set: only the
+// framework sets it, records of this class have no such property, or the address book is read-only. Raise
+// NSInvalidArgumentException when the value is not of the property's type, or the property is nil.
 - (BOOL)setValue:(id)value forProperty:(NSString*)property;
 - (BOOL)setValue:(id)value forProperty:(NSString*)property error:(NSError**)error;
 
-// Removes the value of a property; YES also when there was none.
+// Removes the value of a property. Returns YES also when there was none.
 - (BOOL)removeValueForProperty:(NSString*)property;
 
 - (BOOL)isReadOnly;
 
-// Key-value coding, so that sort descriptors and predicates take names of properties: the value of that
-// property, added ones included. Any other key is looked up as everywhere (uniqueId, displayName). Setting a
-// property that cannot be set raises NSInvalidArgumentException.
+// Key-value coding, so that sort descriptors and predicates accept the names of properties, also of added
+// ones. Any other key is looked up as usual (uniqueId, displayName). Setting a property that cannot be set
+// raises NSInvalidArgumentException.
 - (id)valueForKey:(NSString*)key;
 - (void)setValue:(id)value forKey:(NSString*)key;
 
@@ -41,11 +41,11 @@
 
 @interface ABRecord (ABRecord_Convenience)
 
-// "<UUID>:ABPerson" or "<UUID>:ABGroup".
+// Returns the unique id, "<UUID>:ABPerson" or "<UUID>:ABGroup".
 - (NSString*)uniqueId;
 
-// The name to show: of a person the name, the company or the first of the other properties that says who it
-// is; of a group its name. Empty when nothing is known.
+// Returns the name to show: of a person the name, the company, or the first other property that identifies
+// the person; of a group its name. Empty when there is none.
 - (NSString*)displayName;
 
 @end

@@ -6,16 +6,16 @@
 
 @class ABRecord;
 
-// A search: one condition (made by ABPerson and ABGroup) or several joined.
+// A search: one condition (made by ABPerson or ABGroup), or several searches joined.
 @interface ABSearchElement : NSObject {
   @private
     void* _query;
 }
 
-// Raises NSInvalidArgumentException when there are no children.
+// Returns a search that joins others. Raises NSInvalidArgumentException when there are no children.
 + (ABSearchElement*)searchElementForConjunction:(ABSearchConjunction)conjunction children:(NSArray*)children;
 
-// Raises NSInvalidArgumentException for nil.
+// Returns whether a record meets the search. Raises NSInvalidArgumentException for nil.
 - (BOOL)matchesRecord:(ABRecord*)record;
 
 @end

@@ -1,6 +1,6 @@
 #pragma once
 
-// For Objective-C and for C: both see the same constants, as objects of Foundation or of Core Foundation.
+// Types for Objective-C and C. Both see the same constants, as objects of Foundation or of Core Foundation.
 #ifdef __OBJC__
 #import <Foundation/Foundation.h>
 typedef NSInteger ABPropertyType;
@@ -21,7 +21,7 @@ typedef CFIndex ABSearchConjunction;
 #define AB_EXTERN extern
 #endif
 
-// A property's type; a property that holds a list of entries has the type of its entries and the multi-value
+// The types of properties. A property with several values has the type of its entries with the multi-value
 // bit.
 #define kABMultiValueMask 0x100
 
@@ -45,7 +45,7 @@ enum _ABPropertyType {
     kABMultiDateComponentsProperty = kABMultiValueMask | kABDateComponentsProperty
 };
 
-// How a search compares a property with a value. The interval comparisons take a number of seconds;
+// The comparisons of a property with a value in a search. The interval comparisons take a number of seconds;
 // "Yearless" ignores the year, as for birthdays.
 enum _ABSearchComparison {
     kABEqual = 0,

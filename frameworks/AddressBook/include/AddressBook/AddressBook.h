@@ -1,7 +1,7 @@
 #pragma once
 
-// The AddressBook framework: people, groups and their properties, kept in one address book per user.
-// Objective-C has the classes and the C functions, C the functions.
+// The AddressBook framework: people, groups and their properties, kept in one address book for each user.
+// Objective-C programs can use the classes and the C functions, C programs the functions.
 
 #ifdef __OBJC__
 #import <AddressBook/ABActions.h>
