@@ -30,7 +30,7 @@ const std::string kFile =
         "N:Berg;Ida;;;\r\nFN:Ida Berg\r\nORG:Mill;Bread\r\nTEL;type=CELL;type=pref:12\r\nTEL;type=boat:34\r\n"
         "NOTE:one\\ntwo\ttabbed\r\nBDAY:1980-03-22\r\nUID:11111111-1111-4111-8111-111111111111\r\n"
         "X-OTHER:kept\r\nPHOTO;ENCODING=b;TYPE=JPEG:/9j/AAE=\r\n") +
-    card("N:A\r\nPHOTO;ENCODING=b:***\r\n") +
+    card("UID:1\r\nPHOTO;ENCODING=b:***\r\n") +
     card("N:Tal;Ole;;;\r\nEMAIL;type=HOME:ole@tal.example\r\nUID:22222222-2222-4222-8222-222222222222\r\n") +
     card("FN:Rowers\r\nUID:33333333-3333-4333-8333-333333333333\r\nX-ADDRESSBOOKSERVER-KIND:group\r\n"
          "X-ADDRESSBOOKSERVER-MEMBER:urn:uuid:11111111-1111-4111-8111-111111111111\r\n"
@@ -53,7 +53,8 @@ TEST_F(ProgramTest, ImportReportsBadCardsAndTakesTheOthers) {
     const Outcome outcome = run({"import", path});
     EXPECT_EQ(outcome.status, 1);
     EXPECT_EQ(outcome.out, "");
-    EXPECT_EQ(outcome.err, path + ": card 2, line 17: the picture is no base64 data\n"
+    EXPECT_EQ(outcome.err, path + ": card 2, line 17: the card has nothing in it; the picture is no base64 data: "
+                                  "\"PHOTO;ENCODING=b:***\"\n"
                                   "4 cards read (1 group): 3 added, 0 updated, 0 unchanged, 1 refused\n");
     EXPECT_EQ(count("list"), 2u);
     EXPECT_EQ(run({"groups"}).out, "33333333-3333-4333-8333-333333333333:ABGroup\tRowers\t2\t0\n");

@@ -45,7 +45,7 @@ TEST(NamesTest, Table) {
         {{"FN:Ida"}, kFirst, "Ida"},
         {{"N:;;;;", "FN:Ida Berg"}, kLast, "Berg"},
         {{"N:Berg", "FN:Ida Other"}, kFirst, "-"},
-        {{"N:A;B;C;D;E;more"}, kUnknownLines, "[N:A;B;C;D;E;more]"},
+        {{"N:A;B;C;D;E;more"}, kUnknownLines, "[+N;AS-READ=\"A;B;C;D;E;more\":A;B;C;D;E]"},
         {{"N:A;B;C;D;E;"}, kUnknownLines, "-"},
         {{"NICKNAME:Idi,Ida"}, kNickname, "Idi,Ida"},
         {{"X-MAIDENNAME:Tal"}, kMaidenName, "Tal"},
@@ -117,7 +117,7 @@ TEST(TelephonesTest, TypesAreLabels) {
         {{"item1.TEL;type=CELL:1", "item1.X-ABLabel:_$!<Assistant>!$_"}, kPhone, "[Assistant:1]"},
         {{"item7.X-ABLabel:My own\\, label", "ITEM7.TEL:1"}, kPhone, "[My own, label:1]"},
         {{"TEL;type=HOME:1", "TEL;type=WORK;type=pref:2"}, kPhone, "[Home:1 Work*:2]"},
-        {{"TEL;type=HOME;type=pref:1", "TEL;type=WORK:2"}, kPhone, "[Home:1 Work:2]"},
+        {{"TEL;type=HOME;type=pref:1", "TEL;type=WORK:2"}, kPhone, "[Home*:1 Work:2]"},
         {{"TEL;PREF=9:1", "TEL;PREF=2:2", "TEL;PREF=2:3"}, kPhone, "[Other:1 Other*:2 Other:3]", "4.0"},
     });
 }

@@ -82,9 +82,13 @@ int runExport(const Options& options) {
         noteSignals();
         output.emplace(options.write.file);
     }
+    const ExportForm form{.groupCards = options.write.groups != "categories",
+                          .categories = options.write.groups != "cards",
+                          .version = options.write.version == "4.0" ? vcard::WrittenVersion::v4
+                                                                    : vcard::WrittenVersion::v3};
     ProgressLine progress("export");
-    const ExportSummary summary =
-        exportCards(store, options.write.group, *output, [&](double part) { progress.update(part); });
+    const ExportSummary summary = exportCards(store, options.write.group, form, *output,
+                                              [&](double part) { progress.update(part); });
     progress.clear();
     std::cerr << counted(summary.people, "person", "people") << " and "
               << counted(summary.groups, "group", "groups") << " exported\n";

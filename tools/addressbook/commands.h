@@ -22,6 +22,8 @@ struct Options {
     } import;
     struct {
         std::string group, file;
+        std::string version = "3.0";
+        std::string groups = "both"; // cards, categories or both
     } write;
     struct { // which records are listed
         std::string group, where;

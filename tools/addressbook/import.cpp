@@ -81,6 +81,9 @@ void Importer::take(vcard::Card& card, const std::string& file) {
         ++summary_.skippedLines;
         report_(file, {skipped.number, skipped.line, "left out: " + skipped.reason});
     }
+    if (!card.unended.empty()) {
+        report_(file, {card.number, card.line, card.unended});
+    }
     // A card without an id is recognised by its contents.
     std::string uid = card.uid;
     card.uid.clear();
@@ -199,8 +202,9 @@ bool Importer::exists(const std::string& uid) const {
     return seen_.contains(uid) || (store_ && store_->find(uid).has_value());
 }
 
-// Returns the unique id of the record that a group's card names by a UUID; empty when there is none.
-std::string Importer::resolve(const std::string& uuid) const {
+// Returns the unique id of the record that a group's card names as a member; empty when there is none.
+std::string Importer::resolve(const std::string& member) const {
+    const std::string uuid = vcard::uuidOf(member);
     if (const auto alias = aliases_.find(uuid); alias != aliases_.end()) {
         return alias->second;
     }
@@ -253,11 +257,11 @@ void Importer::joinGroup(const GroupMembers& group) {
     }
     Array unresolved;
     std::set<std::string> listed;
-    for (const std::string& uuid : group.members) {
-        const std::string member = resolve(uuid);
+    for (const std::string& name : group.members) {
+        const std::string member = resolve(name);
         const bool subgroup = member.ends_with(kGroupSuffix);
         if (member.empty()) {
-            unresolved.emplace_back("X-ADDRESSBOOKSERVER-MEMBER:urn:uuid:" + uuid);
+            unresolved.emplace_back(vcard::memberLine(name));
             continue;
         }
         if (!listed.insert(member).second || old.contains(member)) {
@@ -294,56 +298,104 @@ void Importer::joinGroup(const GroupMembers& group) {
     }
 }
 
-// Adds people to the groups that their cards name, and makes those groups.
-void Importer::joinNamedGroups() {
-    if (named_.empty()) {
+// Members that groups in the address book wait for, and that have come with this import.
+void Importer::joinLateMembers() {
+    if (!store_) {
         return;
     }
-    std::map<std::string, std::string> byName;
+    for (const RowId row : store_->rows(Kind::group)) {
+        const auto record = store_->find(row);
+        const std::string unknown(property::kUnknownLines);
+        const Value stored = record ? store_->value(row, unknown) : Value();
+        const auto* lines = stored.as<Array>();
+        if (!lines || (seen_.contains(record->uid) && seen_.at(record->uid).pending != kNone)) {
+            continue; // a group whose card is here lists its members anew
+        }
+        Array left;
+        for (const Value& line : *lines) {
+            const auto* text = line.as<std::string>();
+            const auto name = text ? vcard::memberIn(*text) : std::nullopt;
+            const std::string member = name ? resolve(*name) : std::string();
+            if (member.empty() || (member.ends_with(kGroupSuffix) && wouldCycle(record->uid, member))) {
+                left.push_back(line);
+                continue;
+            }
+            changes_.memberships.push_back({record->uid, member, true});
+            ++summary_.lateMembers;
+        }
+        if (left.size() < lines->size()) {
+            changes_.records.push_back({.uid = record->uid,
+                                        .kind = Kind::group,
+                                        .insert = false,
+                                        .values = {{unknown, left.empty() ? Value() : Value(left)}}});
+        }
+    }
+}
+
+// The groups of the address book and of this import by their names.
+std::map<std::string, std::vector<std::string>> Importer::groupsByName() const {
+    std::map<std::string, std::vector<std::string>> byName;
+    const auto add = [&](const Value& name, const std::string& uid) {
+        if (const auto* text = name.as<std::string>()) {
+            byName[normalize(*text)].push_back(uid);
+        }
+    };
     if (store_) {
         for (const RowId row : store_->rows(Kind::group)) {
             if (const auto record = store_->find(row)) {
-                const Value name = store_->value(row, property::kGroupName);
-                if (const auto* text = name.as<std::string>()) {
-                    byName.emplace(normalize(*text), record->uid);
-                }
+                add(store_->value(row, property::kGroupName), record->uid);
             }
         }
     }
     for (const RecordChange& group : groups_) {
         if (const auto name = group.values.find(std::string(property::kGroupName));
             name != group.values.end()) {
-            if (const auto* text = name->second.as<std::string>()) {
-                byName.emplace(normalize(*text), group.uid);
-            }
+            add(name->second, group.uid);
+        }
+    }
+    return byName;
+}
+
+// Groups that cards of people name. Of several groups of one name a person joins the first, but none when
+// another one has the person already: a card names its groups beside the groups' own cards.
+void Importer::joinNamedGroups() {
+    if (named_.empty()) {
+        return;
+    }
+    auto byName = groupsByName();
+    std::map<std::string, std::vector<std::string>> joined;
+    for (const MembershipChange& each : changes_.memberships) {
+        if (each.add) {
+            joined[each.group].push_back(each.member);
         }
     }
     for (const auto& [name, people] : named_) {
-        std::string& uid = byName[normalize(name)];
-        if (uid.empty()) {
-            uid = uidOf(vcard::uuidOf("group:" + name), Kind::group);
+        std::vector<std::string>& groups = byName[normalize(name)];
+        if (groups.empty()) {
+            groups.push_back(uidOf(vcard::uuidOf("group:" + name), Kind::group));
         }
+        const std::string uid = groups.front();
         std::set<std::string> old;
-        if (const auto record = store_ ? store_->find(uid) : std::nullopt) {
-            for (const RowId row : store_->members(record->row)) {
-                if (const auto member = store_->find(row)) {
-                    old.insert(member->uid);
+        for (const std::string& group : groups) {
+            if (const auto record = store_ ? store_->find(group) : std::nullopt) {
+                for (const RowId row : store_->members(record->row)) {
+                    if (const auto member = store_->find(row)) {
+                        old.insert(member->uid);
+                    }
                 }
             }
-        } else if (!seen_.contains(uid)) {
+            old.insert(joined[group].begin(), joined[group].end());
+        }
+        if (!seen_.contains(uid) && !(store_ && store_->find(uid))) {
             RecordChange group{.uid = uid, .kind = Kind::group, .insert = true, .values = {}};
             group.values[std::string(property::kGroupName)] = name;
             groups_.push_back(std::move(group));
             ++summary_.namedGroups;
         }
-        for (const MembershipChange& each : changes_.memberships) {
-            if (each.add && each.group == uid) {
-                old.insert(each.member);
-            }
-        }
         for (const std::string& person : people) {
             if (old.insert(person).second) {
                 changes_.memberships.push_back({uid, person, true});
+                joined[uid].push_back(person);
             }
         }
     }
@@ -353,6 +405,7 @@ ImportSummary Importer::finish() {
     for (const GroupMembers& group : members_) {
         joinGroup(group);
     }
+    joinLateMembers();
     joinNamedGroups();
     for (RecordChange& group : groups_) {
         const bool known = takeDifference(group);

@@ -23,6 +23,7 @@ struct ImportSummary {
     std::size_t groups = 0;         // cards of groups among those read
     std::size_t namedGroups = 0;    // groups made because a person's card names one
     std::size_t unknownMembers = 0; // members of groups without a card; kept for a later import
+    std::size_t lateMembers = 0;    // members kept by an earlier import that joined their group now
     std::size_t skippedLines = 0;
     std::size_t circular = 0; // memberships left out, as a group would contain itself
     std::size_t saved = 0;    // people whose changes have been written
@@ -59,7 +60,7 @@ class Importer {
     // The members that a group's card lists.
     struct GroupMembers {
         std::string uid;
-        std::vector<std::string> members; // UUIDs
+        std::vector<std::string> members; // as the card names them
     };
     static constexpr std::size_t kNone = static_cast<std::size_t>(-1);
 
@@ -69,7 +70,9 @@ class Importer {
     bool takeDifference(RecordChange& change) const;
     std::string resolve(const std::string& uuid) const;
     void joinGroup(const GroupMembers& group);
+    void joinLateMembers();
     void joinNamedGroups();
+    std::map<std::string, std::vector<std::string>> groupsByName() const;
     bool wouldCycle(const std::string& group, const std::string& subgroup) const;
     bool exists(const std::string& uid) const;
     void flush();

@@ -38,6 +38,9 @@ std::string summaryText(const ImportSummary& summary, bool dryRun) {
         text += "; " + counted(summary.unknownMembers, "group member", "group members") +
                 " not in the address book";
     }
+    if (summary.lateMembers > 0) {
+        text += "; " + counted(summary.lateMembers, "member", "members") + " joined a group that waited";
+    }
     if (summary.circular > 0) {
         text +=
             "; " + counted(summary.circular, "group", "groups") + " not put into another that it contains";

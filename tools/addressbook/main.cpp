@@ -60,12 +60,22 @@ void declare(CLI::App& app, Options& options, int (*&work)(const Options&)) {
     sub->add_flag("--quiet", options.import.quiet, "Tell how many cards and lines are left out, not which");
     sub->add_flag("--progress", options.import.progress, "Tell how far it is even when that is no terminal");
 
-    sub = command("export", "Write people and groups as vCards (version 3.0)",
+    sub = command("export", "Write people and groups as vCards",
                   "  addressbook export backup.vcf\n"
-                  "  addressbook export --group Friends | gzip > friends.vcf.gz",
+                  "  addressbook export --group Friends | gzip > friends.vcf.gz\n"
+                  "  addressbook export --version 4.0 --groups categories phone.vcf",
                   runExport);
     sub->add_option("--group", options.write.group, "Only this group, its subgroups and their members")
         ->type_name("NAME");
+    sub->add_option("--version", options.write.version,
+                    "The version of vCard: 3.0, which is the default, or 4.0")
+        ->check(CLI::IsMember({"3.0", "4.0"}))
+        ->type_name("N");
+    sub->add_option(
+           "--groups", options.write.groups,
+           "How a card says the groups: group cards, categories of people, or both, which is the default")
+        ->check(CLI::IsMember({"cards", "categories", "both"}))
+        ->type_name("cards|categories|both");
     sub->add_option("FILE", options.write.file,
                     "Where to; replaced only when all is written. Without it, or with -, standard output");
 

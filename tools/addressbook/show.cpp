@@ -1,6 +1,7 @@
 #include "tools/addressbook/show.h"
 
 #include "frameworks/AddressBook/values/text.h"
+#include "frameworks/AddressBook/vcard/vcard.h"
 
 #include <nlohmann/json.hpp>
 
@@ -222,8 +223,15 @@ void showRecord(const Store& store, const RecordRef& record, bool json, Output& 
     const Value image = store.value(record.row, property::kImage);
     std::erase_if(values, [](const auto& value) { return isInternal(value.first); });
     values.erase(std::string(property::kUid));
+    vcard::Card card;
+    card.kind = record.kind;
+    card.values = values;
+    const auto fullName = vcard::keptFullName(card);
     if (json) {
         Json object{{"id", record.uid}, {"name", displayName(store, record)}};
+        if (fullName) {
+            object["fullname"] = *fullName;
+        }
         for (const auto& [property, value] : values) {
             object[friendlyName(fields, property)] = jsonOf(value);
         }
@@ -251,6 +259,9 @@ void showRecord(const Store& store, const RecordRef& record, bool json, Output& 
     }
     output.write(escaped(displayName(store, record)) + '\n');
     writeRow(output, "id", "", record.uid);
+    if (fullName) {
+        writeRow(output, "fullname", "", *fullName);
+    }
     // In the order of the fields, then all other properties.
     for (const Field& field : fields) {
         if (const auto found = values.find(field.property); found != values.end()) {

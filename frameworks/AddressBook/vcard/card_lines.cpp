@@ -24,6 +24,16 @@ constexpr std::array kPictureTypes{
     PictureType{"II*", "TIFF"},          PictureType{"MM", "TIFF"},
 };
 
+// Whether the service is named by the scheme of its addresses, as "matrix" is.
+bool saysItself(std::string_view service) {
+    const auto services = messagingServices();
+    return !service.empty() && service != "x-apple" &&
+           std::all_of(service.begin(), service.end(),
+                       [](char byte) { return (byte >= 'a' && byte <= 'z') || byte == '-'; }) &&
+           std::none_of(services.begin(), services.end(),
+                        [&](const MessagingService& each) { return each.scheme == service; });
+}
+
 // A card as the rule for the name to show looks at it.
 class CardView final : public RecordView {
   public:
@@ -41,14 +51,14 @@ class CardView final : public RecordView {
 
 class Lines {
   public:
-    explicit Lines(const Card& card) : card_(card) {}
+    Lines(const Card& card, bool pictures) : card_(card), pictures_(pictures) {}
 
     std::vector<CardLine> take() {
         if (card_.kind == Kind::group) {
             writeGroup();
         } else {
             for (const Rule& rule : rules()) {
-                if (rule.use == Use::written) {
+                if (rule.use != Use::readOnly) {
                     write(rule);
                 }
             }
@@ -87,15 +97,12 @@ class Lines {
     }
 
     CardLine& add(const Rule& rule, std::string value) {
-        lines_.push_back({std::string(rule.spelling.empty() ? rule.name : rule.spelling),
-                          {},
-                          std::move(value),
-                          rule.property,
-                          0,
-                          {},
-                          {},
-                          {}});
-        return lines_.back();
+        CardLine& line = lines_.emplace_back();
+        line.rule = &rule;
+        line.name = rule.spelling.empty() ? rule.name : rule.spelling;
+        line.value = std::move(value);
+        line.property = rule.property;
+        return line;
     }
 
     void write(const Rule& rule) {
@@ -106,7 +113,7 @@ class Lines {
                           escape(text(property::kSuffix)));
             break;
         case Shape::fullName:
-            add(rule, escape(displayName(CardView(card_))));
+            add(rule, escape(shownName(card_)));
             break;
         case Shape::organization:
             writeOrganization(rule);
@@ -140,8 +147,16 @@ class Lines {
                 add(rule, "FIRSTLAST");
             }
             break;
+        case Shape::messaging:
+            for (const MessagingService& service : messagingServices()) {
+                if (!service.property.empty()) {
+                    writeEntries(rule, service.property, service.name);
+                }
+            }
+            writeEntries(rule, rule.property);
+            break;
         default:
-            writeEntries(rule);
+            writeEntries(rule, rule.property);
         }
     }
 
@@ -149,7 +164,7 @@ class Lines {
         const std::string department = text(property::kDepartment);
         const std::string organization = text(property::kOrganization);
         if (!organization.empty() || !department.empty()) {
-            add(rule, escape(organization) + ';' + escape(department));
+            add(rule, escape(organization) + (department.empty() ? "" : ';' + escape(department)));
         }
     }
 
@@ -173,7 +188,7 @@ class Lines {
         if (!bytes || bytes->empty()) {
             return;
         }
-        CardLine& line = add(rule, encodeBase64(*bytes));
+        CardLine& line = add(rule, pictures_ ? encodeBase64(*bytes) : std::string());
         line.params = ";ENCODING=b";
         const std::string_view data(reinterpret_cast<const char*>(bytes->data()), bytes->size());
         for (const PictureType& type : kPictureTypes) {
@@ -184,47 +199,48 @@ class Lines {
         }
     }
 
-    void writeEntries(const Rule& rule) {
-        const Value* value = find(rule.property);
+    // The lines of a list; [service] is the one at which all its names are.
+    void writeEntries(const Rule& rule, std::string_view property, std::string_view service = {}) {
+        const Value* value = find(property);
         const auto* list = value ? value->as<MultiValue>() : nullptr;
         if (!list) {
             return;
         }
         for (std::size_t at = 0; at < list->entries.size(); ++at) {
             const Entry& entry = list->entries[at];
-            CardLine* line = writeValue(rule, entry.value);
+            const bool labelled = rule.use == Use::beside && rule.shape != Shape::messagingNames;
+            if (labelled && entry.label != rule.label) {
+                continue;
+            }
+            CardLine* line = writeValue(rule, entry.value, service);
             if (!line) {
                 continue;
             }
+            line->property = property;
             line->entry = at;
-            writeLabel(rule, entry.label, *line);
-            if (list->primary.empty() ? at == 0 : entry.identifier == list->primary) {
-                line->params += ";type=pref";
+            line->preferred = !list->primary.empty() && entry.identifier == list->primary;
+            if (labelled) {
+                return; // such a line holds one value
             }
+            writeLabel(rule, entry.label, *line);
         }
     }
 
     static void writeLabel(const Rule& rule, const std::string& label, CardLine& line) {
-        if (rule.property == property::kEmail) {
-            line.params += ";type=INTERNET";
-        }
-        const bool labelOnly = rule.shape == Shape::days || rule.shape == Shape::profiles ||
-                               rule.property == property::kRelatedNames;
-        std::vector<std::string_view> types;
-        if (!labelOnly) {
-            types = typesFor(label, rule.shape == Shape::telephones ? Entries::telephones : Entries::any);
-        }
-        for (const std::string_view type : types) {
-            line.params.append(";type=").append(type);
-        }
-        if (types.empty()) {
+        line.types = writtenTypes(rule, label);
+        if (line.types.empty() && label != defaultLabel(rule)) {
             line.label = label;
         }
     }
 
-    CardLine* writeValue(const Rule& rule, const Value& value) {
+    CardLine* writeValue(const Rule& rule, const Value& value, std::string_view service) {
         if (const auto* string = value.as<std::string>()) {
-            return &add(rule, escape(*string));
+            if (rule.shape == Shape::messaging) {
+                return &writeMessaging(rule, service, *string);
+            }
+            return rule.shape == Shape::messagingNames
+                       ? nullptr
+                       : &add(rule, rule.shape == Shape::uris ? escapeUri(*string) : escape(*string));
         }
         if (const auto* date = value.as<Date>()) {
             return writeDay(rule, *date);
@@ -246,49 +262,73 @@ class Lines {
             return &line;
         }
         if (rule.shape == Shape::profiles) {
-            CardLine& line = add(rule, escape(field(kSocialProfileUrl)));
+            CardLine& line = add(rule, escapeUri(field(kSocialProfileUrl)));
             line.params = parameter("type", field(kSocialProfileService)) +
                           parameter("x-user", field(kSocialProfileUsername)) +
                           parameter("x-userid", field(kSocialProfileIdentifier));
             return &line;
         }
-        return &writeMessaging(rule, field(kInstantMessageService), field(kInstantMessageUsername));
+        const std::string user = field(kInstantMessageUsername);
+        if (rule.shape == Shape::messagingNames) {
+            return field(kInstantMessageService) == rule.label ? &add(rule, escape(user)) : nullptr;
+        }
+        return &writeMessaging(rule, field(kInstantMessageService), user);
     }
 
     static std::string parameter(const std::string& name, const std::string& value) {
         return value.empty() ? std::string() : renderParams({{name, {value}}});
     }
 
-    CardLine& writeMessaging(const Rule& rule, const std::string& service, const std::string& user) {
-        std::string scheme = "x-apple";
-        for (const MessagingService& each : messagingServices()) {
-            if (each.name == service) {
-                scheme = each.scheme;
-            }
+    CardLine& writeMessaging(const Rule& rule, std::string_view service, std::string_view user) {
+        CardLine& line = add(rule, escapeUri(messagingUri(service, user)));
+        if (!saysItself(service)) {
+            line.params = parameter("X-SERVICE-TYPE", std::string(service));
         }
-        CardLine& line = add(rule, scheme + ':' + escape(user));
-        line.params = parameter("X-SERVICE-TYPE", service);
         return line;
     }
 
     void writeGroup() {
+        const auto add = [this](std::string name, std::string value, std::string_view property) {
+            CardLine& line = lines_.emplace_back();
+            line.name = std::move(name);
+            line.value = std::move(value);
+            line.property = property;
+        };
         const std::string name = escape(text(property::kGroupName));
-        lines_.push_back({"N", {}, name + ";;;;", property::kGroupName, 0, {}, {}, {}});
-        lines_.push_back({"FN", {}, name, property::kGroupName, 0, {}, {}, {}});
-        lines_.push_back({"X-ADDRESSBOOKSERVER-KIND", {}, "group", {}, 0, {}, {}, {}});
+        add("N", name + ";;;;", property::kGroupName);
+        add("FN", name, property::kGroupName);
+        add("X-ADDRESSBOOKSERVER-KIND", "group", {});
         for (const std::string& member : card_.memberUids) {
-            lines_.push_back({"X-ADDRESSBOOKSERVER-MEMBER", {}, "urn:uuid:" + member, {}, 0, {}, {}, {}});
+            add("X-ADDRESSBOOKSERVER-MEMBER", escapeUri(member), {});
         }
     }
 
     const Card& card_;
+    bool pictures_;
     std::vector<CardLine> lines_;
 };
 
 } // namespace
 
-std::vector<CardLine> cardLines(const Card& card) {
-    return Lines(card).take();
+std::vector<CardLine> cardLines(const Card& card, bool pictures) {
+    return Lines(card, pictures).take();
+}
+
+std::string shownName(const Card& card) {
+    return displayName(CardView(card));
+}
+
+std::string messagingUri(std::string_view service, std::string_view user) {
+    std::string uri = "x-apple";
+    if (saysItself(service)) {
+        uri = service;
+    }
+    for (const MessagingService& each : messagingServices()) {
+        if (each.name == service) {
+            uri = each.scheme;
+        }
+    }
+    return uri.append(":").append(user);
 }
 
 std::string_view matchedValue(const CardLine& line) {
@@ -299,9 +339,12 @@ std::string GroupNames::renamed(const std::string& group) {
     if (group.empty()) {
         return group;
     }
-    std::string& name = names_[upperCase(group)];
+    const std::string upper = upperCase(group);
+    std::string& name = names_[upper];
     if (name.empty()) {
-        name = fresh();
+        const bool numbered =
+            upper.starts_with("ITEM") && upper.find_first_not_of("0123456789", 4) == std::string::npos;
+        name = numbered ? fresh() : group;
     }
     return name;
 }

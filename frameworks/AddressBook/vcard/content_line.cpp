@@ -26,11 +26,22 @@ bool isNameByte(char byte) {
            byte == '-' || byte == '_';
 }
 
-// Longer ones are no names but data; and a longer one could be folded, so that it reads like data.
-constexpr std::size_t kMaxName = 67;
+// Longer ones are no names but data; and a longer one could be folded, so that it reads like data. The hyphen
+// after an X tells it from data.
+constexpr std::size_t kMaxName = 67, kMaxExtensionName = 1000;
 
+bool hasLengthOfName(std::string_view text) {
+    const bool extension = text.starts_with("X-") || text.starts_with("x-");
+    return !text.empty() && text.size() <= (extension ? kMaxExtensionName : kMaxName);
+}
+
+// Whether programs write such a name, be it against the standards: "X-messaging/aim-All", "X-My Field".
 bool isName(std::string_view text) {
-    return !text.empty() && text.size() <= kMaxName && std::all_of(text.begin(), text.end(), isNameByte);
+    constexpr std::string_view kOdd = " ./()+&#@!*'";
+    return hasLengthOfName(text) && kOdd.find(text.front()) == std::string_view::npos &&
+           std::all_of(text.begin(), text.end(), [&](char byte) {
+               return isNameByte(byte) || byte < 0 || kOdd.find(byte) != std::string_view::npos;
+           });
 }
 
 // A parameter value with its quotes and the caret escapes taken away.
@@ -86,6 +97,10 @@ Param parseParam(std::string_view text) {
 
 } // namespace
 
+bool isPlainName(std::string_view name) {
+    return hasLengthOfName(name) && std::all_of(name.begin(), name.end(), isNameByte);
+}
+
 std::string_view ContentLine::param(std::string_view upperName) const {
     for (const Param& each : params) {
         if (each.name == upperName && !each.values.empty()) {
@@ -118,12 +133,10 @@ std::optional<ContentLine> parseContentLine(const PropertyLine& line) {
 
     ContentLine result;
     std::string_view name = trim(parts.front());
-    if (const std::size_t dot = name.find('.'); dot != std::string_view::npos) {
+    if (const std::size_t dot = name.find('.');
+        dot != std::string_view::npos && isPlainName(name.substr(0, dot)) && isName(name.substr(dot + 1))) {
         result.group = name.substr(0, dot);
         name = name.substr(dot + 1);
-        if (!isName(result.group)) {
-            return std::nullopt;
-        }
     }
     if (!isName(name)) {
         return std::nullopt;
@@ -185,12 +198,9 @@ std::string renderParams(const std::vector<Param>& params) {
     return text;
 }
 
-std::string render(const ContentLine& line) {
-    std::string text = line.group.empty() ? std::string() : line.group + '.';
-    text += line.name;
-    text += renderParams(line.params);
+std::string renderValue(const ContentLine& line) {
+    std::string text;
     if (line.transfer == Transfer::base64) {
-        text += ";ENCODING=b:";
         for (const char byte : line.value) {
             if (byte != ' ' && byte != '\t') {
                 text += byte;
@@ -198,7 +208,6 @@ std::string render(const ContentLine& line) {
         }
         return text;
     }
-    text += ':';
     for (std::size_t at = 0; at < line.value.size(); ++at) {
         const char byte = line.value[at];
         if (byte == '\r' || byte == '\n') { // quoted-printable text has real line ends
@@ -213,6 +222,29 @@ std::string render(const ContentLine& line) {
         }
     }
     return text;
+}
+
+std::string render(const ContentLine& line) {
+    std::string text = line.group.empty() ? std::string() : line.group + '.';
+    text += line.name;
+    text += renderParams(line.params);
+    text += line.transfer == Transfer::base64 ? ";ENCODING=b:" : ":";
+    return text + renderValue(line);
+}
+
+std::string excerpt(std::string_view line) {
+    constexpr std::size_t kMost = 60;
+    std::size_t end = std::min(line.size(), kMost);
+    while (end < line.size() && end > 0 && isContinuation(line[end])) {
+        --end;
+    }
+    std::string plain = utf8FromUtf16(utf16FromUtf8(line.substr(0, end)));
+    for (char& byte : plain) {
+        if ((byte >= 0 && byte < ' ') || byte == 0x7F) {
+            byte = '?';
+        }
+    }
+    return '"' + plain + (end < line.size() ? "...\"" : "\"");
 }
 
 void appendFolded(std::string& out, std::string_view line) {

@@ -36,14 +36,23 @@ struct ContentLine {
     std::vector<std::string> components(std::size_t most) const;
 };
 
+// Whether [name] is one that the standards allow. Programs write others as well: with blanks, dots, slashes.
+bool isPlainName(std::string_view name);
+
 // Takes [line] apart; nothing when it is no property line.
 std::optional<ContentLine> parseContentLine(const PropertyLine& line);
 
 // Parameters as version 3.0 writes them, each with its ';' before.
 std::string renderParams(const std::vector<Param>& params);
 
+// The value as version 3.0 writes it.
+std::string renderValue(const ContentLine& line);
+
 // The whole line as version 3.0 writes it, unfolded.
 std::string render(const ContentLine& line);
+
+// The start of a line in quotes, for a message.
+std::string excerpt(std::string_view line);
 
 // Appends [line] to [out], folded at 75 bytes but inside no character, with its line end.
 void appendFolded(std::string& out, std::string_view line);

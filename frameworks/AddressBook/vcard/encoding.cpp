@@ -219,7 +219,9 @@ std::string unescape(std::string_view text, bool keepN) {
     return plain;
 }
 
-std::string escape(std::string_view text) {
+namespace {
+
+std::string escapeWith(std::string_view text, std::string_view special) {
     std::string escaped;
     escaped.reserve(text.size() + 8);
     for (std::size_t at = 0; at < text.size(); ++at) {
@@ -229,12 +231,26 @@ std::string escape(std::string_view text) {
             at += byte == '\r' && at + 1 < text.size() && text[at + 1] == '\n' ? 1 : 0;
             continue;
         }
-        if (byte == '\\' || byte == ',' || byte == ';') {
+        if (special.find(byte) != std::string_view::npos) {
             escaped.push_back('\\');
         }
         escaped.push_back(byte);
     }
     return escaped;
+}
+
+} // namespace
+
+std::string escape(std::string_view text) {
+    return escapeWith(text, "\\,;");
+}
+
+std::string escapeUri(std::string_view text) {
+    return escapeWith(text, "\\");
+}
+
+bool hasUnescaped(std::string_view text, char separator) {
+    return text.find(separator) != std::string_view::npos && splitEscaped(text, separator, 2).size() > 1;
 }
 
 std::vector<std::string_view> splitEscaped(std::string_view text, char separator, std::size_t most) {
@@ -277,6 +293,16 @@ std::string upperCase(std::string_view text) {
         }
     }
     return upper;
+}
+
+std::string lowerCase(std::string_view text) {
+    std::string lower(text);
+    for (char& byte : lower) {
+        if (byte >= 'A' && byte <= 'Z') {
+            byte = static_cast<char>(byte - 'A' + 'a');
+        }
+    }
+    return lower;
 }
 
 bool equalsIgnoringCase(std::string_view left, std::string_view right) {

@@ -33,15 +33,26 @@ std::string unescape(std::string_view text, bool keepN = false);
 // Text as a value or a component of one: line ends, backslashes, commas and semicolons escaped.
 std::string escape(std::string_view text);
 
+// An address (URI) as a value: its commas and semicolons are its own.
+std::string escapeUri(std::string_view text);
+
+// Whether [separator] stands in [text] with no backslash before it.
+bool hasUnescaped(std::string_view text, char separator);
+
+// More components than any value has; of lists there may be more.
+inline constexpr std::size_t kMaxParts = 1000;
+
 // Splits at each [separator] that no backslash precedes, into [most] parts, the last of which takes the rest;
 // the parts are still escaped.
-std::vector<std::string_view> splitEscaped(std::string_view text, char separator, std::size_t most = 1000);
+std::vector<std::string_view> splitEscaped(std::string_view text, char separator,
+                                           std::size_t most = kMaxParts);
 
 // Splits at each [separator] outside quotes, with the quotes kept; everywhere when a quote is left open.
 std::vector<std::string_view> splitQuoted(std::string_view text, char separator);
 
 // ASCII helpers; other bytes stay as they are.
 std::string upperCase(std::string_view text);
+std::string lowerCase(std::string_view text);
 bool equalsIgnoringCase(std::string_view left, std::string_view right);
 std::string_view trim(std::string_view text);
 

@@ -19,9 +19,8 @@ struct Row {
 constexpr std::array kRows{
     Row{{"HOME", "FAX"}, "_$!<HomeFAX>!$_", Entries::telephones, Use::written},
     Row{{"WORK", "FAX"}, "_$!<WorkFAX>!$_", Entries::telephones, Use::written},
-    Row{{"OTHER", "FAX"}, "_$!<OtherFAX>!$_", Entries::telephones, Use::written},
     Row{{"IPHONE", "CELL"}, "iPhone", Entries::telephones, Use::written},
-    Row{{"FAX", ""}, "_$!<OtherFAX>!$_", Entries::telephones, Use::readOnly},
+    Row{{"FAX", ""}, "_$!<OtherFAX>!$_", Entries::telephones, Use::written},
     Row{{"IPHONE", ""}, "iPhone", Entries::telephones, Use::readOnly},
     Row{{"CELL", ""}, "_$!<Mobile>!$_", Entries::telephones, Use::written},
     Row{{"MOBILE", ""}, "_$!<Mobile>!$_", Entries::telephones, Use::readOnly},
@@ -34,21 +33,30 @@ constexpr std::array kRows{
     Row{{"OTHER", ""}, kOtherLabel, Entries::any, Use::written},
 };
 
-// Words that say what a number or an address can do, not whose or where it is: never a label.
-constexpr std::array<std::string_view, 15> kCapabilities{"BBS",  "DOM",    "INTL", "ISDN",   "MODEM",
-                                                         "MSG",  "PARCEL", "PCS",  "POSTAL", "SMS",
-                                                         "TEXT", "TLX",    "TTY",  "VIDEO",  "X400"};
+// What every number is: alone it says that the number is nothing else.
+constexpr std::string_view kVoice = "VOICE";
 
-// Relations that the framework has a label for.
+// Words that say what a number or an address can do, not whose or where it is: never a label.
+constexpr std::array<std::string_view, 17> kCapabilities{
+    kVoice, "BBS",    "DOM", "INTERNET", "INTL", "ISDN", "MODEM", "MSG", "PARCEL",
+    "PCS",  "POSTAL", "SMS", "TEXT",     "TLX",  "TTY",  "VIDEO", "X400"};
+
+// Relations that the framework has a label for. Those that version 4.0 has a word for are written by it.
 struct Relation {
     std::string_view type, label;
+    Use use = Use::readOnly;
 };
 constexpr std::array kRelations{
-    Relation{"FATHER", "_$!<Father>!$_"},   Relation{"MOTHER", "_$!<Mother>!$_"},
-    Relation{"PARENT", "_$!<Parent>!$_"},   Relation{"BROTHER", "_$!<Brother>!$_"},
-    Relation{"SISTER", "_$!<Sister>!$_"},   Relation{"CHILD", "_$!<Child>!$_"},
-    Relation{"FRIEND", "_$!<Friend>!$_"},   Relation{"SPOUSE", "_$!<Spouse>!$_"},
-    Relation{"PARTNER", "_$!<Partner>!$_"}, Relation{"ASSISTANT", "_$!<Assistant>!$_"},
+    Relation{"FATHER", "_$!<Father>!$_"},
+    Relation{"MOTHER", "_$!<Mother>!$_"},
+    Relation{"PARENT", "_$!<Parent>!$_", Use::written},
+    Relation{"BROTHER", "_$!<Brother>!$_"},
+    Relation{"SISTER", "_$!<Sister>!$_"},
+    Relation{"CHILD", "_$!<Child>!$_", Use::written},
+    Relation{"FRIEND", "_$!<Friend>!$_", Use::written},
+    Relation{"SPOUSE", "_$!<Spouse>!$_", Use::written},
+    Relation{"PARTNER", "_$!<Partner>!$_"},
+    Relation{"ASSISTANT", "_$!<Assistant>!$_"},
     Relation{"MANAGER", "_$!<Manager>!$_"},
 };
 
@@ -59,34 +67,32 @@ bool contains(const Table& table, std::string_view word) {
 
 } // namespace
 
-TypeMeaning meaningOf(const std::vector<std::string>& types) {
+TypeMeaning meaningOf(const std::vector<std::string>& types, Entries entries) {
     TypeMeaning meaning;
-    std::vector<std::string> words; // upper case, beside meaning.extra
+    std::vector<std::string> words; // upper case, beside meaning.words
     for (const std::string& type : types) {
         std::string upper = upperCase(type);
         if (upper == "PREF") {
             meaning.preferred = true;
-        } else if (!upper.empty() && upper != "VOICE" && upper != "INTERNET") {
+        } else if (!upper.empty() && (entries != Entries::emails || upper != "INTERNET")) {
             words.push_back(std::move(upper));
-            meaning.extra.push_back(type);
+            meaning.words.push_back(type);
         }
     }
-    meaning.words = meaning.extra;
     const auto* row = std::find_if(kRows.begin(), kRows.end(), [&](const Row& each) {
         return contains(words, each.types[0]) && (each.types[1].empty() || contains(words, each.types[1]));
     });
     if (row != kRows.end()) {
         meaning.label = row->label;
-        std::erase_if(meaning.extra,
-                      [&](const std::string& type) { return contains(row->types, upperCase(type)); });
         return meaning;
     }
     const auto custom = std::find_if(words.begin(), words.end(),
                                      [](const std::string& word) { return !contains(kCapabilities, word); });
     if (custom != words.end()) {
-        const auto at = meaning.extra.begin() + (custom - words.begin());
-        meaning.label = custom->starts_with("X-") && custom->size() > 2 ? at->substr(2) : *at;
-        meaning.extra.erase(at);
+        const std::string& written = meaning.words[static_cast<std::size_t>(custom - words.begin())];
+        meaning.label = custom->starts_with("X-") && custom->size() > 2 ? written.substr(2) : written;
+    } else if (entries == Entries::telephones && contains(words, kVoice)) {
+        meaning.label = std::string();
     }
     return meaning;
 }
@@ -98,7 +104,8 @@ std::vector<std::string_view> typesFor(std::string_view label, Entries entries) 
             return row.types[1].empty() ? std::vector{row.types[0]} : std::vector{row.types[0], row.types[1]};
         }
     }
-    return {};
+    return label.empty() && entries == Entries::telephones ? std::vector{kVoice}
+                                                           : std::vector<std::string_view>();
 }
 
 std::string relationLabel(const std::vector<std::string>& types) {
@@ -110,6 +117,15 @@ std::string relationLabel(const std::vector<std::string>& types) {
         }
     }
     return types.empty() ? std::string() : types.front();
+}
+
+std::string_view relationType(std::string_view label) {
+    for (const Relation& relation : kRelations) {
+        if (relation.use == Use::written && relation.label == label) {
+            return relation.type;
+        }
+    }
+    return {};
 }
 
 } // namespace addressbook::vcard

@@ -1,5 +1,6 @@
 #include "frameworks/AddressBook/vcard/line_values.h"
 
+#include "frameworks/AddressBook/vcard/card_lines.h"
 #include "frameworks/AddressBook/vcard/dates.h"
 #include "frameworks/AddressBook/vcard/encoding.h"
 #include "frameworks/AddressBook/vcard/labels.h"
@@ -50,20 +51,6 @@ Value takeText(const Rule& rule, ContentLine& line) {
     return value.empty() ? Value() : Value(std::move(value));
 }
 
-std::string takeRelation(ContentLine& line) {
-    for (auto param = line.params.begin(); param != line.params.end(); ++param) {
-        if (param->name == "TYPE") {
-            std::string label = relationLabel(param->values);
-            line.params.erase(param);
-            if (!label.empty()) {
-                return label;
-            }
-            break;
-        }
-    }
-    return std::string(kOtherLabel);
-}
-
 std::optional<Date> takeDay(ContentLine& line) {
     int omitted = 0;
     for (const char byte : line.param("X-APPLE-OMIT-YEAR").substr(0, 4)) {
@@ -78,6 +65,14 @@ std::optional<Date> takeDay(ContentLine& line) {
     return date;
 }
 
+bool saysLessThanADay(const ContentLine& line) {
+    const std::string text(trim(line.text()));
+    const bool digits = text.find_first_not_of("0123456789-") == std::string::npos;
+    return equalsIgnoringCase(line.param("VALUE"), "text") || text.starts_with('T') ||
+           (digits && (text.size() == 4 || (text.size() == 5 && text.starts_with("---")) ||
+                       (text.size() == 7 && text[4] == '-')));
+}
+
 std::optional<std::string> pictureData(const ContentLine& line) {
     const std::string_view value = trim(line.value);
     const std::string_view scheme = schemeOf(value);
@@ -89,10 +84,11 @@ std::optional<std::string> pictureData(const ContentLine& line) {
         }
         return uri.substr(comma + 1);
     }
-    if (line.transfer == Transfer::base64) {
+    constexpr std::size_t kLongestScheme = 12; // of those that name pictures; longer ones are broken data
+    if (line.transfer == Transfer::base64 && (scheme.empty() || scheme.size() > kLongestScheme)) {
         return std::string(value);
     }
-    if (!scheme.empty() || !line.param("VALUE").empty() || !decodeBase64(value).valid) {
+    if (!scheme.empty() || !line.param("VALUE").empty()) {
         return std::nullopt;
     }
     return std::string(value);
@@ -101,7 +97,6 @@ std::optional<std::string> pictureData(const ContentLine& line) {
 Dictionary addressFields(const ContentLine& line) {
     std::vector<std::string> parts = line.components(7);
     parts.resize(7);
-    // Post-office box and extended address are lines of the street here.
     std::string street;
     for (std::size_t at = 0; at < 3; ++at) {
         if (!parts[at].empty()) {
@@ -142,8 +137,9 @@ Value messagingValue(std::string_view service, std::string user, std::string_vie
     return fields;
 }
 
-Value takeMessaging(ContentLine& line, std::string_view& property) {
-    std::string user(trim(line.text()));
+Value takeMessaging(ContentLine& line, std::string_view& property, std::string& asRead) {
+    const std::string uri(trim(line.text()));
+    std::string user = uri;
     const std::string scheme(schemeOf(user));
     if (!scheme.empty()) {
         user.erase(0, scheme.size() + 1);
@@ -158,6 +154,14 @@ Value takeMessaging(ContentLine& line, std::string_view& property) {
         }
     }
     std::erase_if(line.params, [](const Param& param) { return param.name == "X-SERVICE-TYPE"; });
+    for (const MessagingService& each : messagingServices()) {
+        if (equalsIgnoringCase(service, each.name)) {
+            service = each.name;
+        }
+    }
+    if (messagingUri(service, user) != uri) {
+        asRead = escapeUri(uri);
+    }
     return messagingValue(service, std::move(user), property);
 }
 

@@ -23,11 +23,15 @@ Value takeText(const Rule& rule, ContentLine& line);
 // The date, its year left out when a parameter says so.
 std::optional<Date> takeDay(ContentLine& line);
 
-// The base64 text of a picture: declared as such, in a data URI, or undeclared and plainly no address.
-// Nothing when the line only says where the picture is.
+// The base64 text of a picture: declared as such, in a data URI, or undeclared and no address. Nothing when
+// the line only says where the picture is.
 std::optional<std::string> pictureData(const ContentLine& line);
 
-// The fields of an address that have a text.
+// Whether a property that should hold a day holds what is less than a day or text on purpose: a year, a
+// month, a time, VALUE=text.
+bool saysLessThanADay(const ContentLine& line);
+
+// The fields of an address that have a text; post-office box and extended address are lines of the street.
 Dictionary addressFields(const ContentLine& line);
 
 // Whether a property of the address book holds names at one messaging service.
@@ -35,12 +39,10 @@ bool isMessaging(std::string_view property);
 
 // A name at a messaging service; [property] becomes the property of the address book that holds it.
 Value messagingValue(std::string_view service, std::string user, std::string_view& property);
-Value takeMessaging(ContentLine& line, std::string_view& property);
+// Also sets [asRead] to the address when it is not the one that will be written for the name.
+Value takeMessaging(ContentLine& line, std::string_view& property, std::string& asRead);
 
 // A profile at a social service.
 Value takeProfile(ContentLine& line);
-
-// The label that the TYPE words of a relation say.
-std::string takeRelation(ContentLine& line);
 
 } // namespace addressbook::vcard

@@ -10,7 +10,10 @@
 
 namespace addressbook::vcard {
 
-std::string takeLabel(const ContentLine& line, const std::string& groupLabel, Addition& addition) {
+namespace {
+
+// Takes the line's TYPE words; its other parameters and the preference go to [addition].
+std::vector<std::string> takeTypes(const ContentLine& line, Addition& addition) {
     std::vector<std::string> types;
     for (const Param& param : line.params) {
         if (param.name == "TYPE") {
@@ -23,16 +26,44 @@ std::string takeLabel(const ContentLine& line, const std::string& groupLabel, Ad
         }
         addition.params.push_back(param);
     }
-    TypeMeaning meaning = meaningOf(types);
+    return types;
+}
+
+void keepWords(std::vector<std::string> words, const TypeMeaning& meaning, Addition& addition) {
     if (meaning.preferred && addition.preference == kNotPreferred) {
         addition.preference = 1;
+        words.emplace_back(kPreferred);
     }
-    // Words that would be the label stay beside one that comes from elsewhere.
-    std::vector<std::string>& rest = groupLabel.empty() ? meaning.extra : meaning.words;
-    if (!rest.empty()) {
-        addition.params.push_back({"TYPE", std::move(rest)});
+    if (!words.empty()) {
+        addition.params.push_back({"TYPE", std::move(words)});
     }
-    return groupLabel.empty() ? meaning.label : groupLabel;
+}
+
+} // namespace
+
+std::string takeLabel(const ContentLine& line, const Rule& rule, const std::optional<std::string>& groupLabel,
+                      Addition& addition) {
+    TypeMeaning meaning = meaningOf(takeTypes(line, addition), entriesOf(rule));
+    std::string label = groupLabel      ? *groupLabel
+                        : meaning.label ? *meaning.label
+                                        : std::string(defaultLabel(rule));
+    const std::vector<std::string_view> written = writtenTypes(rule, label);
+    std::erase_if(meaning.words, [&](const std::string& word) {
+        return std::find(written.begin(), written.end(), upperCase(word)) != written.end();
+    });
+    keepWords(meaning.words, meaning, addition);
+    return label;
+}
+
+std::string takeRelation(const ContentLine& line, const Rule& rule,
+                         const std::optional<std::string>& groupLabel, Addition& addition) {
+    TypeMeaning meaning = meaningOf(takeTypes(line, addition), Entries::any);
+    const std::string label = groupLabel ? *groupLabel : relationLabel(meaning.words);
+    if (meaning.words.size() == 1 && upperCase(meaning.words[0]) == relationType(label)) {
+        meaning.words.clear();
+    }
+    keepWords(meaning.words, meaning, addition);
+    return label.empty() && !groupLabel ? std::string(defaultLabel(rule)) : label;
 }
 
 void setPrimaries(std::vector<Addition>& additions, Card& card) {
@@ -47,52 +78,88 @@ void setPrimaries(std::vector<Addition>& additions, Card& card) {
     }
     for (auto& [property, chosen] : best) {
         auto& list = *card.values[std::string(property)].as<MultiValue>();
-        if (chosen->entry > 0) {
-            list.primary = list.entries[chosen->entry].identifier;
-        }
-        std::erase_if(chosen->params, [](const Param& param) { return param.name == "PREF"; });
+        list.primary = list.entries[chosen->entry].identifier;
     }
+    for (Addition& each : additions) {
+        if (const auto chosen = best.find(each.property);
+            chosen != best.end() && chosen->second->entry == each.entry) {
+            dropPreference(each.params, true);
+        }
+    }
+}
+
+void dropPreference(std::vector<Param>& params, bool any) {
+    for (Param& param : params) {
+        if (param.name == "PREF" && (any || param.values == std::vector<std::string>{"1"})) {
+            param.values.clear();
+        } else if (param.name == "TYPE") {
+            std::erase_if(param.values,
+                          [](const std::string& word) { return equalsIgnoringCase(word, kPreferred); });
+        }
+    }
+    std::erase_if(params, [](const Param& param) {
+        return param.values.empty() && (param.name == "PREF" || param.name == "TYPE");
+    });
 }
 
 std::vector<std::string> additionLines(const std::vector<Addition>& additions, const Card& card,
                                        const std::set<std::string>& groups, GroupNames& groupNames) {
     const auto isWanted = [&](const Addition& each) {
-        return !each.params.empty() || groups.contains(upperCase(each.group));
+        return !each.params.empty() || !each.asRead.empty() || groups.contains(upperCase(each.group));
     };
     std::vector<std::string> result;
     if (std::none_of(additions.begin(), additions.end(), isWanted)) {
         return result;
     }
-    std::map<std::pair<std::string_view, std::size_t>, const Addition*> byEntry;
+    const std::vector<CardLine> lines = cardLines(card, false);
+    // Each belongs to the line of its own property, else to the first of those that are written for the entry.
+    using Place = std::pair<std::string_view, std::size_t>;
+    std::map<Place, std::vector<std::size_t>> linesOf;
+    for (std::size_t at = 0; at < lines.size(); ++at) {
+        linesOf[{lines[at].property, lines[at].entry}].push_back(at);
+    }
+    std::vector<const Addition*> additionOf(lines.size());
     for (const Addition& each : additions) {
-        byEntry.emplace(std::pair(each.property, each.entry), &each);
+        const auto found = linesOf.find({each.property, each.entry});
+        if (found == linesOf.end()) {
+            continue;
+        }
+        const auto own = std::find_if(found->second.begin(), found->second.end(), [&](std::size_t at) {
+            return upperCase(lines[at].name) == each.source;
+        });
+        const Addition*& slot = additionOf[own == found->second.end() ? found->second.front() : *own];
+        if (!slot || !isWanted(*slot)) {
+            slot = &each;
+        }
     }
     // Of equal lines each needs an addition as soon as one does: they are told apart by their order.
-    const std::vector<CardLine> lines = cardLines(card);
-    const auto additionOf = [&](const CardLine& line) {
-        const auto found = byEntry.find({line.property, line.entry});
-        return found == byEntry.end() ? nullptr : found->second;
-    };
     const auto textOf = [](const CardLine& line) {
         return std::pair<std::string_view, std::string_view>(line.name, matchedValue(line));
     };
     std::set<std::pair<std::string_view, std::string_view>> texts;
-    for (const CardLine& line : lines) {
-        if (const Addition* addition = additionOf(line); addition && isWanted(*addition)) {
-            texts.insert(textOf(line));
+    for (std::size_t at = 0; at < lines.size(); ++at) {
+        if (additionOf[at] && isWanted(*additionOf[at])) {
+            texts.insert(textOf(lines[at]));
         }
     }
-    for (const CardLine& line : lines) {
-        const Addition* addition = additionOf(line);
-        if (!addition || !texts.contains(textOf(line))) {
+    for (std::size_t at = 0; at < lines.size(); ++at) {
+        if (!texts.contains(textOf(lines[at]))) {
             continue;
         }
         std::string text(1, kAddition);
-        if (groups.contains(upperCase(addition->group))) {
-            text += groupNames.renamed(addition->group) + '.';
+        if (const Addition* addition = additionOf[at]) {
+            if (groups.contains(upperCase(addition->group))) {
+                text += groupNames.renamed(addition->group) + '.';
+            }
+            text += lines[at].name + renderParams(addition->params);
+            if (!addition->asRead.empty()) {
+                text += renderParams({{std::string(kAsRead), {addition->asRead}}});
+            }
+        } else {
+            text += lines[at].name;
         }
-        text += line.name + renderParams(addition->params) + ':';
-        text += matchedValue(line);
+        text += ':';
+        text += matchedValue(lines[at]);
         result.push_back(std::move(text));
     }
     return result;

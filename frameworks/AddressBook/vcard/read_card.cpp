@@ -5,19 +5,25 @@
 #include "frameworks/AddressBook/values/uid.h"
 #include "frameworks/AddressBook/vcard/card_lines.h"
 #include "frameworks/AddressBook/vcard/encoding.h"
+#include "frameworks/AddressBook/vcard/full_name.h"
 #include "frameworks/AddressBook/vcard/labels.h"
 #include "frameworks/AddressBook/vcard/line_values.h"
 #include "frameworks/AddressBook/vcard/preserved_parameters.h"
 #include "frameworks/AddressBook/vcard/rules.h"
+#include "frameworks/AddressBook/vcard/version4.h"
 
 #include <algorithm>
 #include <set>
+#include <tuple>
 #include <unordered_map>
 #include <utility>
 
 namespace addressbook::vcard {
 
 namespace {
+
+// A version 2.1 knows no lists, 4.0 writes unique ids as addresses.
+enum class Version { v21, v3, v4 };
 
 struct LabelInGroup {
     ContentLine* line = nullptr;
@@ -29,26 +35,23 @@ class CardReader {
   public:
     CardReader(std::vector<ContentLine>& lines, Card& card) : lines_(lines), card_(card) {}
 
-    // Empty, or why the card is refused; line() is then the line to blame.
+    // Empty, or why the card is refused.
     std::string run() {
         collectGroups();
         for (ContentLine& line : lines_) {
-            line_ = line.number;
             const Rule* rule = ruleFor(line.key);
-            const bool known =
-                rule && (card_.kind == Kind::group ? readGroupLine(*rule, line) : readLine(*rule, line));
-            if (!problem_.empty()) {
-                return problem_;
+            if (!rule || !decodeText(*rule, line)) {
+                if (!rule) {
+                    unknown_.push_back(&line);
+                }
+                continue;
             }
-            if (!known) {
+            if (!(card_.kind == Kind::group ? readGroupLine(*rule, line) : readLine(*rule, line))) {
                 unknown_.push_back(&line);
             }
         }
-        line_ = card_.line;
         return card_.kind == Kind::group ? finishGroup() : finishPerson();
     }
-
-    std::size_t line() const { return line_; }
 
   private:
     // Labels and country codes stand after the line that they belong to, so they are looked up before
@@ -62,6 +65,11 @@ class CardReader {
             if (rule->shape == Shape::kind && equalsIgnoringCase(trim(line.value), "group")) {
                 card_.kind = Kind::group;
             }
+            if (line.key == "VERSION") {
+                version_ = trim(line.value) == "2.1"           ? Version::v21
+                           : trim(line.value).starts_with("4") ? Version::v4
+                                                               : Version::v3;
+            }
             if (line.group.empty()) {
                 continue;
             }
@@ -71,6 +79,26 @@ class CardReader {
                 countries_.emplace(upperCase(line.group), LabelInGroup{&line, line.text(), false});
             }
         }
+    }
+
+    // Leaves a line out and says why.
+    void leaveOut(const ContentLine& line, const std::string& reason) {
+        card_.skipped.push_back({card_.number, line.number, reason + ": " + excerpt(render(line))});
+    }
+
+    // Text in base64 becomes text; false when it is none.
+    bool decodeText(const Rule& rule, ContentLine& line) {
+        if (line.transfer != Transfer::base64 || rule.shape == Shape::picture) {
+            return true;
+        }
+        const Base64 text = decodeBase64(line.value);
+        if (!text.valid) {
+            leaveOut(line, "no base64 data");
+            return false;
+        }
+        line.value = toUtf8(std::string(text.bytes.begin(), text.bytes.end()), {});
+        line.transfer = Transfer::quotedPrintable; // a backslash before an n is one here, too
+        return true;
     }
 
     bool readGroupLine(const Rule& rule, ContentLine& line) {
@@ -119,24 +147,25 @@ class CardReader {
         case Shape::kind:
             if (equalsIgnoringCase(trim(line.value), "org")) {
                 company_ = true;
+                return true;
             }
-            return equalsIgnoringCase(trim(line.value), "org") ||
-                   equalsIgnoringCase(trim(line.value), "individual");
+            if (equalsIgnoringCase(trim(line.value), "individual")) {
+                company_ = company_.value_or(false);
+                return true;
+            }
+            return false;
         case Shape::uid:
         case Shape::addressBookUid:
             return readUid(rule, line);
         case Shape::categories:
-            for (const std::string_view name : splitEscaped(line.value, ',')) {
+            for (const std::string_view name : splitEscaped(line.value, ',', kMaxCardBytes)) {
                 if (std::string text(trim(unescape(name))); !text.empty()) {
                     card_.categories.push_back(std::move(text));
                 }
             }
             return true;
         case Shape::fullName:
-            if (fullName_.empty()) {
-                fullName_ = trim(line.text());
-            }
-            return true;
+            return readFullName(line);
         case Shape::label:
             return usedLabel(labels_, line);
         case Shape::country:
@@ -173,9 +202,29 @@ class CardReader {
 
     bool isSet(std::string_view property) const { return card_.values.contains(std::string(property)); }
 
-    // Keeps the parameters of a line that fills a property which is no list.
-    void keepParams(std::string_view property, ContentLine& line) {
-        additions_.push_back({property, 0, kNotPreferred, line.group, line.key, std::move(line.params)});
+    // Keeps what a line says besides the value of a property that is no list.
+    void keep(std::string_view property, ContentLine& line, std::string asRead = {}) {
+        additions_.push_back(
+            {property, 0, kNotPreferred, line.group, line.key, std::move(line.params), std::move(asRead)});
+    }
+
+    // The value as it is when its components are lists, which are one text each in the address book.
+    std::string listsOf(const ContentLine& line) const {
+        return version_ != Version::v21 && hasUnescaped(line.value, ',') ? renderValue(line) : std::string();
+    }
+
+    // The value as it is, but for commas that are no separators, with at least [count] components.
+    std::string componentsOf(const ContentLine& line, std::size_t count = 0) const {
+        const std::vector<std::string> parts = line.components(kMaxParts);
+        std::string value;
+        if (version_ != Version::v21) {
+            value = renderValue(line);
+        } else {
+            for (const std::string& part : parts) {
+                value += (&part == parts.data() ? "" : ";") + escape(part);
+            }
+        }
+        return value.append(count > parts.size() ? count - parts.size() : 0, ';');
     }
 
     bool readName(ContentLine& line) {
@@ -183,7 +232,7 @@ class CardReader {
             return false;
         }
         std::vector<std::string> parts = line.components(6);
-        const bool more = parts.size() > 5 && !parts[5].empty(); // which the line itself has to keep
+        const bool more = parts.size() > 5 && !parts[5].empty();
         parts.resize(5);
         constexpr std::string_view kParts[] = {property::kLast, property::kFirst, property::kMiddle,
                                                property::kTitle, property::kSuffix};
@@ -191,10 +240,20 @@ class CardReader {
             setText(kParts[at], parts[at]);
         }
         names_ = std::move(parts);
-        if (!more) {
-            keepParams(property::kLast, line);
+        keep(property::kLast, line, more || !listsOf(line).empty() ? componentsOf(line, 5) : std::string());
+        return true;
+    }
+
+    bool readFullName(ContentLine& line) {
+        const std::string name(trim(line.text()));
+        if (fullNameLine_ && (name != fullName_ || !line.params.empty())) {
+            return false;
         }
-        return !more;
+        if (!fullNameLine_ && !name.empty()) {
+            fullName_ = name;
+            fullNameLine_ = &line;
+        }
+        return true;
     }
 
     bool readPhoneticName(const ContentLine& line) {
@@ -216,7 +275,7 @@ class CardReader {
         if (isSet(property::kOrganization) || isSet(property::kDepartment)) {
             return false;
         }
-        const std::vector<std::string> parts = line.components(1000);
+        const std::vector<std::string> parts = line.components(kMaxParts);
         setText(property::kOrganization, parts[0]);
         std::string department;
         for (std::size_t at = 1; at < parts.size(); ++at) {
@@ -225,7 +284,7 @@ class CardReader {
             }
         }
         setText(property::kDepartment, std::move(department));
-        keepParams(property::kOrganization, line);
+        keep(property::kOrganization, line, parts.size() > 2 ? componentsOf(line) : std::string());
         return true;
     }
 
@@ -249,7 +308,7 @@ class CardReader {
             return true;
         }
         setText(rule.property, std::move(value));
-        keepParams(rule.property, line);
+        keep(rule.property, line, rule.property == property::kNickname ? listsOf(line) : std::string());
         return true;
     }
 
@@ -262,10 +321,25 @@ class CardReader {
         }
         const auto date = takeDay(line);
         if (!date) {
-            return false;
+            return leaveOutUnlessPartial(line);
         }
         card_.values[std::string(rule.property)] = *date;
-        keepParams(rule.property, line);
+        keep(rule.property, line, timeOf(line));
+        return true;
+    }
+
+    // A day with its time, which the address book does not hold.
+    static std::string timeOf(const ContentLine& line) {
+        const std::string text(trim(line.text()));
+        return text.find_first_of("Tt") == std::string::npos ? std::string() : escape(text);
+    }
+
+    // What is no day: false when the line is to be kept.
+    bool leaveOutUnlessPartial(const ContentLine& line) {
+        if (saysLessThanADay(line)) {
+            return false;
+        }
+        leaveOut(line, "no date");
         return true;
     }
 
@@ -279,11 +353,11 @@ class CardReader {
         }
         Base64 picture = decodeBase64(*data);
         if (!picture.valid) {
-            problem_ = "the picture is no base64 data";
+            leaveOut(line, "the picture is no base64 data");
             return true;
         }
         if (!picture.complete) {
-            card_.skipped.push_back({card_.number, line.number, "the picture's data is incomplete"});
+            leaveOut(line, "the last bits of a picture, which is incomplete");
         }
         if (picture.bytes.empty()) {
             return true;
@@ -292,7 +366,7 @@ class CardReader {
         std::erase_if(line.params, [](const Param& param) {
             return param.name == "TYPE" || param.name == "VALUE" || param.name == "MEDIATYPE";
         });
-        keepParams(property::kImage, line);
+        keep(property::kImage, line);
         return true;
     }
 
@@ -318,13 +392,9 @@ class CardReader {
     }
 
     bool readMember(const ContentLine& line) {
-        const std::string member(trim(line.text()));
-        if (!member.starts_with("urn:uuid:") && !schemeOf(member).empty()) {
-            return false; // somebody elsewhere
-        }
-        std::string uuid = uuidOf(member);
-        if (members_.insert(uuid).second) {
-            card_.memberUids.push_back(std::move(uuid));
+        std::string member(trim(line.text()));
+        if (!member.empty() && members_.insert(uuidOf(member)).second) {
+            card_.memberUids.push_back(std::move(member));
         }
         return true;
     }
@@ -333,24 +403,27 @@ class CardReader {
 
     bool readEntry(const Rule& rule, ContentLine& line) {
         std::string_view property = rule.property;
-        std::string fallback(rule.label);
         Value value;
+        std::string asRead;
         switch (rule.shape) {
         case Shape::days:
             if (const auto date = takeDay(line)) {
                 value = *date;
+                asRead = timeOf(line);
             } else {
-                return trim(line.value).empty();
+                return trim(line.value).empty() || leaveOutUnlessPartial(line);
             }
             break;
         case Shape::addresses:
+            if (!line.value.starts_with(";;") || !listsOf(line).empty()) {
+                asRead = componentsOf(line, 7);
+            }
             value = readAddress(line);
             break;
         case Shape::messaging:
-            value = takeMessaging(line, property);
+            value = takeMessaging(line, property, asRead);
             break;
         case Shape::messagingNames:
-            fallback = kOtherLabel;
             value = messagingValue(rule.label, std::string(trim(line.text())), property);
             break;
         case Shape::profiles:
@@ -363,7 +436,6 @@ class CardReader {
                 equalsIgnoringCase(schemeOf(line.value), "mailto")) {
                 return false;
             }
-            fallback = takeRelation(line);
             value = takeText(rule, line);
             break;
         default:
@@ -372,7 +444,7 @@ class CardReader {
         if (value.empty()) {
             return true;
         }
-        addEntry(property, std::move(fallback), std::move(value), line);
+        addEntry(property, rule, std::move(value), std::move(asRead), line);
         return true;
     }
 
@@ -389,32 +461,65 @@ class CardReader {
         return fields.empty() ? Value() : Value(std::move(fields));
     }
 
-    void addEntry(std::string_view property, std::string fallback, Value value, ContentLine& line) {
+    void addEntry(std::string_view property, const Rule& rule, Value value, std::string asRead,
+                  ContentLine& line) {
         Value& slot = card_.values[std::string(property)];
         if (slot.empty()) {
             slot = MultiValue();
         }
         std::vector<Entry>& entries = slot.as<MultiValue>()->entries;
 
-        // Programs write a messaging name under several properties for the sake of older readers.
+        Addition addition{property, entries.size(),   kNotPreferred, line.group, line.key,
+                          {},       std::move(asRead)};
+        std::optional<std::string> groupLabel;
+        if (const auto found = labels_.find(upperCase(line.group));
+            found != labels_.end() && !line.group.empty()) {
+            found->second.used = true;
+            groupLabel = found->second.text;
+        }
+        const auto take = rule.shape == Shape::relations ? takeRelation : takeLabel;
+        std::string label = take(line, rule, groupLabel, addition);
+        if (const auto same = sameEntry(rule, property, entries, label, value, line)) {
+            addition.entry = *same;
+            if (entries[*same].label != label) {
+                addition.params.clear();
+                take(line, rule, entries[*same].label, addition);
+            }
+        } else {
+            entries.push_back({newUuid(), std::move(label), std::move(value)});
+        }
+        additions_.push_back(std::move(addition));
+    }
+
+    // The entry that a line of another property has said already: programs write a messaging name, an
+    // anniversary or a relation under several properties for the sake of other readers.
+    std::optional<std::size_t> sameEntry(const Rule& rule, std::string_view property,
+                                         const std::vector<Entry>& entries, const std::string& label,
+                                         const Value& value, const ContentLine& line) {
+        const bool messaging = isMessaging(property) || property == property::kInstantMessage;
+        if (!messaging && rule.property != property::kOtherDates &&
+            rule.property != property::kRelatedNames) {
+            return std::nullopt;
+        }
+        std::optional<std::size_t> best;
         for (const Addition& each : additions_) {
-            if (each.messaging && each.property == property && each.source != line.key &&
-                entries[each.entry].value == value) {
-                return;
+            if (each.property != property || each.source == line.key ||
+                !(entries[each.entry].value == value) ||
+                repeated_.contains({each.property, each.entry, line.key})) {
+                continue;
+            }
+            if (entries[each.entry].label == label) {
+                best = each.entry;
+                break;
+            }
+            if (messaging && !best) {
+                best = each.entry;
             }
         }
-
-        Addition addition{property, entries.size(), kNotPreferred, line.group, line.key, {}};
-        addition.messaging = isMessaging(property);
-        const auto found = labels_.find(upperCase(line.group));
-        const bool labelled = found != labels_.end() && !line.group.empty() && !found->second.text.empty();
-        if (labelled) {
-            found->second.used = true;
+        if (best) {
+            repeated_.emplace(property, *best, line.key);
         }
-        std::string label = takeLabel(line, labelled ? found->second.text : std::string(), addition);
-        entries.push_back(
-            {newUuid(), label.empty() ? std::move(fallback) : std::move(label), std::move(value)});
-        additions_.push_back(std::move(addition));
+        return best;
     }
 
     // The end: what only the whole card tells.
@@ -423,8 +528,8 @@ class CardReader {
         if (!isSet(property::kGroupName) && !names_.empty()) {
             setText(property::kGroupName, names_[0].empty() && names_.size() > 1 ? names_[1] : names_[0]);
         }
-        if (!isSet(property::kGroupName)) {
-            return "the group has no name";
+        if (!isSet(property::kGroupName) && card_.memberUids.empty() && unknown_.empty()) {
+            return "the group has neither name nor members";
         }
         finishUid();
         keepUnknown({});
@@ -433,8 +538,9 @@ class CardReader {
 
     std::string finishPerson() {
         finishName();
-        if (card_.values.size() == (isSet(property::kPersonFlags) ? 1 : 0)) {
-            return lines_.empty() ? "the card is empty" : "the card has nothing that an address book shows";
+        if (card_.values.size() == (isSet(property::kPersonFlags) ? 1 : 0) && unknown_.empty() &&
+            card_.categories.empty()) {
+            return "the card has nothing in it";
         }
         setPrimaries(additions_, card_);
         finishUid();
@@ -454,12 +560,21 @@ class CardReader {
         if (!named && !fullName_.empty()) {
             if (fullName_ == text(property::kOrganization)) {
                 company_ = company_.value_or(true);
+            } else if (company_.value_or(false) && !isSet(property::kOrganization)) {
+                setText(property::kOrganization, fullName_);
             } else if (!isSaidElsewhere(fullName_)) {
-                splitFullName();
+                NameParts parts = splitFullName(fullName_);
+                setText(property::kTitle, std::move(parts.title));
+                setText(property::kFirst, std::move(parts.first));
+                setText(property::kLast, std::move(parts.last));
+                setText(property::kSuffix, std::move(parts.suffix));
             }
         }
         if (const int flags = (company_.value_or(false) ? 1 : 0) | order_) {
             card_.values[std::string(property::kPersonFlags)] = std::int64_t{flags};
+        }
+        if (fullNameLine_) {
+            keep({}, *fullNameLine_, fullName_ == shownName(card_) ? std::string() : escape(fullName_));
         }
     }
 
@@ -478,17 +593,6 @@ class CardReader {
         return false;
     }
 
-    // Only a full name: its last word is the last name, as names are mostly written.
-    void splitFullName() {
-        const std::size_t space = fullName_.rfind(' ');
-        if (space == std::string::npos) {
-            setText(property::kFirst, fullName_);
-            return;
-        }
-        setText(property::kFirst, std::string(trim(std::string_view(fullName_).substr(0, space))));
-        setText(property::kLast, fullName_.substr(space + 1));
-    }
-
     void finishUid() {
         std::string uuid = abUuid_;
         if (!uid_.empty()) {
@@ -503,7 +607,9 @@ class CardReader {
             return;
         }
         card_.uid = uuid + (card_.kind == Kind::group ? ":ABGroup" : ":ABPerson");
-        keepUid_ = keepUid_ || (!uid_.empty() && uid_ != uuid);
+        // A form that writing gives it again is not kept.
+        const bool plain = uid_ == uuid || (version_ == Version::v4 && uid_ == "urn:uuid:" + uuid);
+        keepUid_ = keepUid_ || (!uid_.empty() && !plain);
     }
 
     bool isUsedLabel(const ContentLine& line) {
@@ -517,6 +623,9 @@ class CardReader {
         }
         for (ContentLine* line : unknown_) {
             if (!isUsedLabel(*line)) {
+                if (version_ == Version::v4) {
+                    fromVersion4(*line);
+                }
                 line->group = groupNames_.renamed(line->group);
                 lines.push_back(render(*line));
             }
@@ -533,14 +642,15 @@ class CardReader {
 
     std::vector<ContentLine>& lines_;
     Card& card_;
-    std::size_t line_ = 0;
-    std::string problem_;
+    Version version_ = Version::v3;
     std::unordered_map<std::string, LabelInGroup> labels_, countries_; // by group in upper case
     std::vector<ContentLine*> unknown_;
     std::vector<Addition> additions_;
     std::vector<std::string> names_; // of N
     std::string fullName_, uid_, abUuid_;
+    ContentLine* fullNameLine_ = nullptr;
     std::set<std::string> members_;
+    std::set<std::tuple<std::string_view, std::size_t, std::string>> repeated_; // see sameEntry
     std::optional<bool> company_; // unless X-ABShowAs or KIND says nothing
     int order_ = 0;
     bool keepUid_ = false;
@@ -556,7 +666,7 @@ std::variant<Card, Problem> readCard(std::vector<ContentLine> lines, std::size_t
     CardReader reader(lines, card);
     std::string reason = reader.run();
     if (!reason.empty()) {
-        return Problem{number, reader.line(), std::move(reason)};
+        return Problem{number, line, std::move(reason)};
     }
     return card;
 }

@@ -12,16 +12,6 @@ namespace addressbook::vcard {
 
 namespace {
 
-// An excerpt of a line for a message.
-std::string excerpt(std::string_view text) {
-    constexpr std::size_t kMost = 40;
-    std::string plain;
-    for (const char byte : text.substr(0, kMost)) {
-        plain += byte >= ' ' && byte < 0x7F ? byte : '?';
-    }
-    return '"' + plain + (text.size() > kMost ? "...\"" : "\"");
-}
-
 bool isBinary(std::string_view text) {
     return text.find('\0') != std::string_view::npos;
 }
@@ -48,8 +38,11 @@ struct Reader::Impl {
     std::optional<std::variant<Card, Problem>> next();
     std::optional<Problem> skipToBegin();
     std::variant<Card, Problem> readBody();
+    std::variant<Card, Problem> finish(const std::string& unended);
     void take(PropertyLine& line);
+    void takeParsed(PropertyLine& line);
     bool readNested(ContentLine& agent);
+    void leaveOut(const PropertyLine& line, const std::string& reason);
 
     LineReader lines;
     PropertyLine current;
@@ -61,7 +54,8 @@ struct Reader::Impl {
     std::vector<Problem> skipped;
     std::size_t size = 0;
     std::size_t begin = 0; // its first line
-    std::optional<Problem> problem;
+    bool full = false;     // the rest of it is left out
+    std::string component; // "VEVENT" while such a thing is skipped that has no place in a card
 };
 
 // Goes to the next BEGIN:VCARD. What stands before it and is no card is one problem.
@@ -96,8 +90,9 @@ std::optional<std::variant<Card, Problem>> Reader::Impl::next() {
     begin = current.number;
     content.clear();
     skipped.clear();
-    problem.reset();
     size = 0;
+    full = false;
+    component.clear();
     return readBody();
 }
 
@@ -105,63 +100,97 @@ std::optional<std::variant<Card, Problem>> Reader::Impl::next() {
 std::variant<Card, Problem> Reader::Impl::readBody() {
     while (lines.next(current)) {
         if (isEnd(current.text)) {
-            if (problem) {
-                return *std::move(problem);
-            }
-            auto card = readCard(std::move(content), number, begin);
-            if (auto* read = std::get_if<Card>(&card)) {
-                read->skipped.insert(read->skipped.begin(), skipped.begin(), skipped.end());
-            }
-            return card;
+            return finish({});
         }
         if (isBegin(current.text)) {
             ContentLine* last = content.empty() ? nullptr : &content.back();
-            if (last && last->key == "AGENT" && trim(last->value).empty() && !problem) {
+            if (last && last->key == "AGENT" && trim(last->value).empty() && !full) {
                 if (readNested(*last)) {
                     continue;
                 }
                 break;
             }
             atBegin = true;
-            if (problem) {
-                return *std::move(problem);
-            }
-            return Problem{number, begin,
-                           "no END:VCARD before the BEGIN:VCARD in line " + std::to_string(current.number)};
+            return finish("no END:VCARD before the BEGIN:VCARD in line " + std::to_string(current.number));
         }
-        if (!problem) {
-            take(current);
+        if (!current.ended) {
+            leaveOut(current, "cut off by the end of the file");
+            break;
         }
+        take(current);
     }
-    if (problem) {
-        return *std::move(problem);
-    }
-    return Problem{number, begin, "the file ends before the card's END:VCARD"};
+    return finish("the file ends before the card's END:VCARD");
 }
 
-// One property line into the content, or what is wrong with it.
-void Reader::Impl::take(PropertyLine& line) {
-    size += line.text.size();
-    std::string reason;
-    if (line.tooLong || size > kMaxCardBytes) {
-        reason = "the card is larger than " + std::to_string(kMaxCardBytes / 1024 / 1024) + " MB";
-    } else if (content.size() >= kMaxCardLines) {
-        reason = "the card has more than " + std::to_string(kMaxCardLines) + " properties";
-    } else if (isBinary(line.text)) {
-        reason = "binary data inside the card";
+// The card that was read; [unended] says what is wrong with its end.
+std::variant<Card, Problem> Reader::Impl::finish(const std::string& unended) {
+    auto card = readCard(std::move(content), number, begin);
+    content = {};
+    if (auto* read = std::get_if<Card>(&card)) {
+        read->skipped.insert(read->skipped.begin(), skipped.begin(), skipped.end());
+        read->unended = unended;
+        return card;
     }
-    if (!reason.empty()) {
-        problem = Problem{number, line.number, std::move(reason)};
-        content.clear();
+    Problem& problem = std::get<Problem>(card);
+    if (!unended.empty()) {
+        problem.reason = unended;
+    } else if (!skipped.empty()) {
+        problem.line = skipped.front().line;
+        problem.reason += "; " + skipped.front().reason;
+    }
+    return card;
+}
+
+void Reader::Impl::leaveOut(const PropertyLine& line, const std::string& reason) {
+    skipped.push_back({number, line.number, reason + ": " + excerpt(line.text)});
+}
+
+// One property line into the content, unless something is wrong with it.
+void Reader::Impl::take(PropertyLine& line) {
+    if (full) {
         return;
     }
+    if (!component.empty()) {
+        const std::size_t colon = line.text.find(':');
+        if (equalsIgnoringCase(trim(line.text.substr(0, colon)), "END") && colon != std::string::npos &&
+            equalsIgnoringCase(trim(line.text.substr(colon + 1)), component)) {
+            component.clear();
+        }
+        return;
+    }
+    if (line.tooLong) {
+        leaveOut(line, "a line of more than " + std::to_string(kMaxCardBytes / 1024 / 1024) + " MB");
+        return;
+    }
+    size += line.text.size();
+    if (size > kMaxCardBytes) {
+        full = true;
+        leaveOut(line, "the card is larger than " + std::to_string(kMaxCardBytes / 1024 / 1024) +
+                           " MB; it ends here");
+    } else if (content.size() >= kMaxCardLines) {
+        full = true;
+        leaveOut(line,
+                 "the card has more than " + std::to_string(kMaxCardLines) + " properties; it ends here");
+    } else if (isBinary(line.text)) {
+        leaveOut(line, "binary data inside the card");
+    } else {
+        takeParsed(line);
+    }
+}
+
+void Reader::Impl::takeParsed(PropertyLine& line) {
+    const bool loose = !content.empty() && takesLooseLines(content.back());
     auto parsed = line.continued ? std::nullopt : parseContentLine(line);
+    // Text that goes on in its own line may have a colon in it.
+    if (parsed && loose && !isPlainName(parsed->name) && !parsed->key.starts_with("X-")) {
+        parsed.reset();
+    }
     if (!parsed) {
         if (line.text.starts_with('#')) {
             return;
         }
-        if (content.empty() || !takesLooseLines(content.back())) {
-            skipped.push_back({number, line.number, "no property: " + excerpt(line.text)});
+        if (!loose) {
+            leaveOut(line, "no property");
             return;
         }
         std::string& value = content.back().value;
@@ -172,37 +201,45 @@ void Reader::Impl::take(PropertyLine& line) {
         return;
     }
     if (parsed->key == "BEGIN" || parsed->key == "END") {
-        problem = Problem{number, line.number, "wrong nesting: " + excerpt(line.text) + " inside the card"};
-        content.clear();
+        leaveOut(line, "wrong nesting inside the card");
+        component = parsed->key == "BEGIN" ? std::string(trim(parsed->value)) : std::string();
         return;
     }
     content.push_back(*std::move(parsed));
     ContentLine& last = content.back();
-    if (last.key == "AGENT" && isBegin(last.value) && !readNested(last)) {
-        problem = Problem{number, begin, "the file ends before the card's END:VCARD"};
+    if (last.key == "AGENT" && isBegin(last.value)) {
+        readNested(last);
     }
 }
 
 // The lines of a card inside the card become the value of its AGENT property; false when the file ends first.
 bool Reader::Impl::readNested(ContentLine& agent) {
-    agent.value = "BEGIN:VCARD";
+    std::string value = "BEGIN:VCARD";
+    bool whole = true;
     int depth = 1;
     while (depth > 0) {
         if (!lines.next(current)) {
-            return false;
+            whole = false;
+            break;
         }
         depth += isBegin(current.text) ? 1 : isEnd(current.text) ? -1 : 0;
-        size += current.text.size();
-        if (current.tooLong || size > kMaxCardBytes || isBinary(current.text)) {
-            problem = Problem{number, current.number, "the card inside the card is too large or binary"};
-            size = 0;
-            agent.value.clear();
+        if (!full &&
+            (current.tooLong || size + current.text.size() > kMaxCardBytes || isBinary(current.text))) {
+            leaveOut(current, "the card inside the card is too large or binary");
+            full = true;
         }
-        if (!problem) {
-            agent.value += "\\n" + escape(current.utf8 ? current.text : toUtf8(current.text, {}));
+        if (!full) {
+            size += current.text.size();
+            value += "\\n" + escape(current.utf8 ? current.text : toUtf8(current.text, {}));
         }
     }
-    return true;
+    if (full || !whole) {
+        content.pop_back();
+        full = false;
+    } else {
+        agent.value = std::move(value);
+    }
+    return whole;
 }
 
 Reader::Reader(std::istream& input) : impl_(std::make_unique<Impl>(TextSource(input))) {}

@@ -31,8 +31,8 @@ constexpr std::array kRules{
     Rule{"TEL", telephones, property::kPhone, kOtherLabel},
     Rule{"ADR", addresses, property::kAddress, kOtherLabel},
     Rule{"NOTE", text, property::kNote, ""},
-    Rule{"URL", texts, property::kUrls, kHomePageLabel},
-    Rule{"CALURI", texts, property::kCalendarUris, kOtherLabel},
+    Rule{"URL", uris, property::kUrls, kHomePageLabel},
+    Rule{"CALURI", uris, property::kCalendarUris, kOtherLabel},
     Rule{"BDAY", day, property::kBirthday, ""},
     Rule{"X-AIM", texts, property::kAim, kOtherLabel},
     Rule{"X-JABBER", texts, property::kJabber, kOtherLabel},
@@ -41,26 +41,26 @@ constexpr std::array kRules{
     Rule{"X-YAHOO-ID", texts, property::kYahoo, kOtherLabel, Use::readOnly},
     Rule{"X-ICQ", texts, property::kIcq, kOtherLabel},
     Rule{"IMPP", messaging, property::kInstantMessage, kOtherLabel},
-    Rule{"X-SKYPE", messagingNames, property::kInstantMessage, "Skype", Use::readOnly},
+    Rule{"X-SKYPE", messagingNames, property::kInstantMessage, "Skype", Use::beside},
     Rule{"X-SKYPE-USERNAME", messagingNames, property::kInstantMessage, "Skype", Use::readOnly},
     Rule{"X-GTALK", messagingNames, property::kInstantMessage, "GoogleTalk", Use::readOnly},
-    Rule{"X-GOOGLE-TALK", messagingNames, property::kInstantMessage, "GoogleTalk", Use::readOnly},
-    Rule{"X-QQ", messagingNames, property::kInstantMessage, "QQ", Use::readOnly},
-    Rule{"X-GADUGADU", messagingNames, property::kInstantMessage, "GaduGadu", Use::readOnly},
+    Rule{"X-GOOGLE-TALK", messagingNames, property::kInstantMessage, "GoogleTalk", Use::beside},
+    Rule{"X-QQ", messagingNames, property::kInstantMessage, "QQ", Use::beside},
+    Rule{"X-GADUGADU", messagingNames, property::kInstantMessage, "GaduGadu", Use::beside},
     Rule{"X-SOCIALPROFILE", profiles, property::kSocialProfile, kOtherLabel},
     Rule{"X-ABDATE", days, property::kOtherDates, kOtherLabel},
     Rule{"ANNIVERSARY", days, property::kOtherDates, kAnniversaryLabel, Use::readOnly},
-    Rule{"X-ANNIVERSARY", days, property::kOtherDates, kAnniversaryLabel, Use::readOnly},
-    Rule{"X-EVOLUTION-ANNIVERSARY", days, property::kOtherDates, kAnniversaryLabel, Use::readOnly},
+    Rule{"X-ANNIVERSARY", days, property::kOtherDates, kAnniversaryLabel, Use::beside},
+    Rule{"X-EVOLUTION-ANNIVERSARY", days, property::kOtherDates, kAnniversaryLabel, Use::beside},
     Rule{"X-MS-ANNIVERSARY", days, property::kOtherDates, kAnniversaryLabel, Use::readOnly},
     Rule{"X-ABRELATEDNAMES", texts, property::kRelatedNames, kOtherLabel},
     Rule{"RELATED", relations, property::kRelatedNames, kOtherLabel, Use::readOnly},
     Rule{"X-SPOUSE", texts, property::kRelatedNames, kSpouseLabel, Use::readOnly},
     Rule{"X-MANAGER", texts, property::kRelatedNames, kManagerLabel, Use::readOnly},
     Rule{"X-ASSISTANT", texts, property::kRelatedNames, kAssistantLabel, Use::readOnly},
-    Rule{"X-EVOLUTION-SPOUSE", texts, property::kRelatedNames, kSpouseLabel, Use::readOnly},
-    Rule{"X-EVOLUTION-MANAGER", texts, property::kRelatedNames, kManagerLabel, Use::readOnly},
-    Rule{"X-EVOLUTION-ASSISTANT", texts, property::kRelatedNames, kAssistantLabel, Use::readOnly},
+    Rule{"X-EVOLUTION-SPOUSE", texts, property::kRelatedNames, kSpouseLabel, Use::beside},
+    Rule{"X-EVOLUTION-MANAGER", texts, property::kRelatedNames, kManagerLabel, Use::beside},
+    Rule{"X-EVOLUTION-ASSISTANT", texts, property::kRelatedNames, kAssistantLabel, Use::beside},
     Rule{"X-MS-SPOUSE", texts, property::kRelatedNames, kSpouseLabel, Use::readOnly},
     Rule{"X-MS-MANAGER", texts, property::kRelatedNames, kManagerLabel, Use::readOnly},
     Rule{"X-MS-ASSISTANT", texts, property::kRelatedNames, kAssistantLabel, Use::readOnly},
@@ -102,6 +102,25 @@ constexpr bool namesAreUnique() {
 static_assert(namesAreUnique());
 
 } // namespace
+
+std::string_view defaultLabel(const Rule& rule) {
+    return rule.shape == messagingNames ? kOtherLabel : rule.label;
+}
+
+Entries entriesOf(const Rule& rule) {
+    return rule.shape == telephones ? Entries::telephones
+           : rule.shape == links    ? Entries::emails
+                                    : Entries::any;
+}
+
+std::vector<std::string_view> writtenTypes(const Rule& rule, std::string_view label) {
+    const bool labelOnly =
+        rule.shape == days || rule.shape == profiles || rule.property == property::kRelatedNames;
+    if (labelOnly || label == defaultLabel(rule)) {
+        return {};
+    }
+    return typesFor(label, entriesOf(rule));
+}
 
 std::span<const Rule> rules() {
     return kRules;

@@ -8,6 +8,7 @@
 
 #include <span>
 #include <string_view>
+#include <vector>
 
 namespace addressbook::vcard {
 
@@ -19,7 +20,8 @@ enum class Shape {
     text,           // one text
     texts,          // a list of texts with labels
     telephones,     // a list of texts whose labels TYPE words can say
-    links,          // a list of texts from which "tel:" or "mailto:" is taken away
+    links,          // a list of texts from which "mailto:" is taken away
+    uris,           // a list of addresses, which are not escaped
     addresses,      // ADR
     day,            // one date
     days,           // a list of dates
@@ -49,6 +51,15 @@ struct Rule {
     Use use = Use::written;
     std::string_view spelling = {}; // as written, when that is not upper case
 };
+
+// The label of an entry whose line says nothing about it: it is written as nothing.
+std::string_view defaultLabel(const Rule& rule);
+
+// The TYPE words by which [label] is written; none when only X-ABLabel can say it, and for the default label.
+std::vector<std::string_view> writtenTypes(const Rule& rule, std::string_view label);
+
+// What TYPE words of such lines can say.
+Entries entriesOf(const Rule& rule);
 
 // The table, in the order in which a card is written.
 std::span<const Rule> rules();

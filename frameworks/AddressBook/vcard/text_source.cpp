@@ -78,6 +78,7 @@ bool TextSource::next(TextLine& line) {
     sniff();
     line.text.clear();
     line.tooLong = false;
+    line.ended = false;
     line.utf8 = encoding_ != Encoding::bytes;
     if (!have(line.utf8 ? 2 : 1)) {
         consume(window_.size()); // half a UTF-16 unit
@@ -105,6 +106,7 @@ void TextSource::readBytes(TextLine& line) {
         if (!ended) {
             continue;
         }
+        line.ended = true;
         if (have(2) && window_.starts_with("\r\n")) {
             consume(2);
         } else if (have(3) && window_.starts_with("\r\r\n")) {
@@ -128,6 +130,7 @@ void TextSource::readUtf16(TextLine& line) {
                 length = 3;
             }
             consume(2 * length);
+            line.ended = true;
             break;
         }
         consume(2);

@@ -16,6 +16,7 @@ struct TextLine {
     std::size_t number = 0; // from 1
     bool utf8 = false;      // was UTF-16 and is UTF-8 now; otherwise the bytes as they stand
     bool tooLong = false;   // kMaxCardBytes or more; text holds its start
+    bool ended = true;      // by a line end, not by the end of the file
 };
 
 class TextSource {

@@ -110,6 +110,7 @@ bool LineReader::next(PropertyLine& line) {
     line.number = ahead_.number;
     line.utf8 = ahead_.utf8;
     line.tooLong = ahead_.tooLong;
+    line.ended = ahead_.ended;
     line.continued = !line.text.empty() && isBlankByte(line.text.front());
     line.physical = 1;
 
@@ -140,6 +141,7 @@ bool LineReader::next(PropertyLine& line) {
             line.text.append(more);
         }
         last_ = ahead_.number;
+        line.ended = ahead_.ended;
         hasAhead_ = false;
         ++line.physical;
         if (colon == std::string::npos && line.text.size() < kMaxHeader &&

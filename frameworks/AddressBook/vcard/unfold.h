@@ -23,6 +23,7 @@ struct PropertyLine {
     std::size_t number = 0;   // of its first line in the file, from 1
     bool utf8 = false;        // see TextLine
     bool tooLong = false;     // kMaxCardBytes or more; text holds its start
+    bool ended = true;        // see TextLine
     bool continued = false;   // begins with white space, with no line before that it could continue
     std::size_t physical = 0; // lines of the file it is made of
 };

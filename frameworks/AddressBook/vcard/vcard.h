@@ -53,9 +53,12 @@ struct Card {
     // property::kUnknownLines. Entries of multi-values have fresh identifiers; `primary` is empty when it is
     // the first.
     std::map<std::string, Value> values;
-    std::vector<std::string> memberUids; // a group's members, persons and subgroups: bare UUIDs, upper case
+    // A group's members, persons and subgroups, as its card names them: addresses, mostly "urn:uuid:" and what
+    // the member's UID says; uuidOf() tells which record is meant.
+    std::vector<std::string> memberUids;
     std::vector<std::string> categories; // a person's groups by name
     std::vector<Problem> skipped;        // lines that could not be read and were left out
+    std::string unended;                 // how the card ends without END:VCARD; mostly empty
     std::size_t number = 0;              // of the card in the file, from 1
     std::size_t line = 0;                // where its BEGIN:VCARD is, from 1
 };
@@ -81,13 +84,28 @@ class Reader {
     std::unique_ptr<Impl> impl_;
 };
 
-// The card as vCard 3.0: UTF-8, CRLF, lines of at most 75 bytes. [card]'s uid may be empty; number, line,
-// categories and skipped are not looked at.
-std::string write(const Card& card);
+// The versions that can be written.
+enum class WrittenVersion { v3, v4 };
+
+// The card as a vCard: UTF-8, CRLF, lines of at most 75 bytes. [card]'s uid may be empty; number, line and
+// skipped are not looked at.
+std::string write(const Card& card, WrittenVersion version = WrittenVersion::v3);
+
+// How a group's card names the record [uid] as a member: by the UID that write() gives the record's own card,
+// which has these kUnknownLines.
+std::string memberName(std::string_view uid, const Value& unknownLines);
+
+// The line by which a group keeps a member that is not in the address book among its kUnknownLines; and the
+// member in such a line.
+std::string memberLine(const std::string& member);
+std::optional<std::string> memberIn(std::string_view line);
+
+// The full name (FN) that the card came with, when it says something else than the names of the record and
+// they have not changed since.
+std::optional<std::string> keptFullName(const Card& card);
 
 // The UUID, upper case, that stands for a UID: the UID itself when it is a UUID (with or without "urn:uuid:"
-// before and
-// ":ABPerson" or ":ABGroup" behind it), else a hash of it.
+// before and ":ABPerson" or ":ABGroup" behind it), else a hash of it.
 std::string uuidOf(std::string_view uid);
 
 } // namespace addressbook::vcard

@@ -3,7 +3,11 @@
 #include "frameworks/AddressBook/vcard/card_lines.h"
 #include "frameworks/AddressBook/vcard/content_line.h"
 #include "frameworks/AddressBook/vcard/encoding.h"
+#include "frameworks/AddressBook/vcard/labels.h"
+#include "frameworks/AddressBook/vcard/line_values.h"
+#include "frameworks/AddressBook/vcard/preserved_parameters.h"
 #include "frameworks/AddressBook/vcard/vcard.h"
+#include "frameworks/AddressBook/vcard/version4.h"
 
 #include <map>
 
@@ -18,12 +22,6 @@ std::optional<ContentLine> parseStored(std::string text) {
     return parseContentLine(line);
 }
 
-std::string inGroup(const std::string& group, std::string_view line) {
-    std::string text = group.empty() ? std::string() : group + '.';
-    text += line;
-    return text;
-}
-
 // Gives each line the parameters and the group that the additions among [stored] have for it.
 void applyAdditions(std::vector<CardLine>& lines, const std::vector<std::string>& stored) {
     std::multimap<std::string, CardLine*> byText; // equal ones in their order
@@ -31,7 +29,7 @@ void applyAdditions(std::vector<CardLine>& lines, const std::vector<std::string>
         if (!text.starts_with(kAddition)) {
             continue;
         }
-        const auto addition = parseStored(text.substr(1));
+        auto addition = parseStored(text.substr(1));
         if (!addition) {
             continue;
         }
@@ -45,75 +43,213 @@ void applyAdditions(std::vector<CardLine>& lines, const std::vector<std::string>
         if (found == byText.end() || found->first != key) {
             continue; // the value has changed since
         }
-        found->second->params += renderParams(addition->params);
-        found->second->group = addition->group;
+        CardLine& line = *found->second;
+        if (const std::string_view value = addition->param(kAsRead); !value.empty()) {
+            line.value = value;
+            if (line.rule && (line.rule->shape == Shape::day || line.rule->shape == Shape::days)) {
+                line.params = ";value=date-time";
+            }
+            std::erase_if(addition->params, [](const Param& param) { return param.name == kAsRead; });
+        }
+        line.extra = std::move(addition->params);
+        line.group = addition->group;
         byText.erase(found);
     }
 }
 
-} // namespace
-
-std::string write(const Card& card) {
+std::vector<std::string> storedLines(const Value& value) {
     std::vector<std::string> stored;
-    if (const auto found = card.values.find(std::string(property::kUnknownLines));
-        found != card.values.end()) {
-        if (const auto* array = found->second.as<Array>()) {
-            for (const Value& each : *array) {
-                if (const auto* text = each.as<std::string>()) {
-                    stored.push_back(*text);
-                }
+    if (const auto* array = value.as<Array>()) {
+        for (const Value& each : *array) {
+            if (const auto* text = each.as<std::string>()) {
+                stored.push_back(*text);
             }
         }
     }
+    return stored;
+}
 
-    std::vector<CardLine> lines = cardLines(card);
-    applyAdditions(lines, stored);
+const Value& unknownLinesOf(const Card& card) {
+    static const Value kNone;
+    const auto found = card.values.find(std::string(property::kUnknownLines));
+    return found == card.values.end() ? kNone : found->second;
+}
 
-    std::string out = "BEGIN:VCARD\r\nVERSION:3.0\r\n";
-    GroupNames groups;
-    std::map<std::string, const CardLine*> firstInGroup;
-    for (const CardLine& line : lines) {
-        std::string group = groups.renamed(line.group);
+// The parameters that say label and preference, and those that no property holds.
+std::string paramsOf(const CardLine& line, WrittenVersion version) {
+    std::string text;
+    if (version == WrittenVersion::v3) {
+        text = line.params;
+        if (line.rule && line.rule->shape == Shape::links) {
+            text += ";type=INTERNET";
+        }
+        for (const std::string_view type : line.types) {
+            text.append(";type=").append(type);
+        }
+        text += line.preferred ? ";type=pref" : "";
+    } else {
+        text = line.preferred ? ";PREF=1" + line.params : line.params;
+        for (const std::string_view type : line.types) {
+            text += ";TYPE=" + lowerCase(type);
+        }
+    }
+    return text + renderParams(line.extra);
+}
+
+// Whether the TYPE words say the label, so that it needs no line of its own.
+bool typesSayLabel(const CardLine& line) {
+    for (const Param& param : line.extra) {
+        if (param.name == "TYPE" && line.rule) {
+            return meaningOf(param.values, entriesOf(*line.rule)).label == line.label;
+        }
+    }
+    return false;
+}
+
+class CardWriter {
+  public:
+    explicit CardWriter(WrittenVersion version) : version_(version) {
+        out_ = version == WrittenVersion::v3 ? "BEGIN:VCARD\r\nVERSION:3.0\r\n"
+                                             : "BEGIN:VCARD\r\nVERSION:4.0\r\n";
+    }
+
+    std::string run(const Card& card) {
+        const std::vector<std::string> stored = storedLines(unknownLinesOf(card));
+        std::vector<CardLine> lines = cardLines(card);
+        applyAdditions(lines, stored);
+        for (CardLine& line : lines) {
+            writeKnown(line);
+        }
+        writeCategories(card);
+        for (const std::string& text : stored) {
+            if (!text.starts_with(kAddition)) {
+                writeUnknown(text);
+            }
+        }
+        if (!card.uid.empty()) {
+            if (!hasUid_) {
+                append({}, (version_ == WrittenVersion::v3 ? "UID:" : "UID:urn:uuid:") + uuidOf(card.uid));
+            }
+            append({}, "X-ABUID:" + card.uid);
+        }
+        std::erase(out_, '\0'); // no reader takes it for text
+        return out_ + "END:VCARD\r\n";
+    }
+
+  private:
+    void append(const std::string& group, std::string_view line) {
+        std::string text = group.empty() ? std::string() : group + '.';
+        appendFolded(out_, text.append(line));
+    }
+
+    void writeKnown(CardLine& line) {
+        if (version_ == WrittenVersion::v4) {
+            toVersion4(line);
+        }
+        if (line.label && typesSayLabel(line)) {
+            line.label.reset();
+        }
+        // Of several preferred entries the first is the one.
+        bool& preferred = preferred_[line.property];
+        preferred = preferred || line.preferred;
+        if (!preferred) {
+            dropPreference(line.extra, false);
+        }
+        std::string group = groups_.renamed(line.group);
         bool hasLabel = false;
-        if (const CardLine*& first = firstInGroup[group]; !group.empty() && !first) {
+        if (const CardLine*& first = firstInGroup_[group]; !group.empty() && !first) {
             first = &line;
         } else if (!group.empty() && first->label == line.label && line.country.empty()) {
             hasLabel = true;
         } else {
             group.clear(); // what belongs to the group's first line would be taken for this one's
         }
-        if (group.empty() && (!line.label.empty() || !line.country.empty())) {
-            group = groups.fresh();
+        if (group.empty() && (line.label || !line.country.empty())) {
+            group = groups_.fresh();
         }
-        appendFolded(out, inGroup(group, line.name + line.params + ':' + line.value));
-        if (!line.label.empty() && !hasLabel) {
-            appendFolded(out, inGroup(group, "X-ABLabel:" + escape(line.label)));
+        append(group, line.name + paramsOf(line, version_) + ':' + line.value);
+        if (line.label && !hasLabel) {
+            append(group, "X-ABLabel:" + escape(*line.label));
         }
         if (!line.country.empty()) {
-            appendFolded(out, inGroup(group, "X-ABADR:" + escape(line.country)));
+            append(group, "X-ABADR:" + escape(line.country));
         }
     }
-    bool hasUid = false;
-    for (const std::string& text : stored) {
-        if (text.starts_with(kAddition)) {
-            continue;
+
+    void writeCategories(const Card& card) {
+        std::string names;
+        for (const std::string& name : card.categories) {
+            names += (names.empty() ? "" : ",") + escape(name);
         }
+        if (!names.empty()) {
+            append({}, "CATEGORIES:" + names);
+        }
+    }
+
+    void writeUnknown(const std::string& text) {
         auto line = parseStored(text);
         if (!line) {
+            return;
+        }
+        hasUid_ = hasUid_ || line->key == "UID";
+        line->group = groups_.renamed(line->group);
+        if (version_ == WrittenVersion::v4) {
+            toVersion4(*line);
+        }
+        append({}, render(*line));
+    }
+
+    WrittenVersion version_;
+    std::string out_;
+    GroupNames groups_;
+    std::map<std::string, const CardLine*> firstInGroup_;
+    std::map<std::string_view, bool> preferred_; // property -> a preferred entry is written
+    bool hasUid_ = false;
+};
+
+} // namespace
+
+std::string write(const Card& card, WrittenVersion version) {
+    return CardWriter(version).run(card);
+}
+
+std::string memberName(std::string_view uid, const Value& unknownLines) {
+    for (const std::string& text : storedLines(unknownLines)) {
+        if (!text.starts_with("UID")) {
             continue;
         }
-        hasUid = hasUid || line->key == "UID";
-        line->group = groups.renamed(line->group);
-        appendFolded(out, render(*line));
-    }
-    if (!card.uid.empty()) {
-        if (!hasUid) {
-            appendFolded(out, "UID:" + uuidOf(card.uid));
+        if (const auto line = parseStored(text); line && line->key == "UID") {
+            const std::string written(trim(line->text()));
+            return schemeOf(written).empty() ? "urn:uuid:" + written : written;
         }
-        appendFolded(out, "X-ABUID:" + card.uid);
     }
-    std::erase(out, '\0'); // no reader takes it for text
-    return out + "END:VCARD\r\n";
+    return "urn:uuid:" + uuidOf(uid);
+}
+
+namespace {
+constexpr std::string_view kMember = "X-ADDRESSBOOKSERVER-MEMBER:";
+}
+
+std::string memberLine(const std::string& member) {
+    return std::string(kMember) + escapeUri(member);
+}
+
+std::optional<std::string> memberIn(std::string_view line) {
+    return line.starts_with(kMember) ? std::optional(unescape(line.substr(kMember.size()))) : std::nullopt;
+}
+
+std::optional<std::string> keptFullName(const Card& card) {
+    for (const std::string& text : storedLines(unknownLinesOf(card))) {
+        if (!text.starts_with("+FN;")) {
+            continue;
+        }
+        const auto addition = parseStored(text.substr(1));
+        if (addition && addition->key == "FN" && addition->text() == shownName(card) &&
+            !addition->param(kAsRead).empty()) {
+            return unescape(addition->param(kAsRead));
+        }
+    }
+    return std::nullopt;
 }
 
 } // namespace addressbook::vcard

@@ -1,0 +1,189 @@
+#include "frameworks/AddressBook/vcard/version4.h"
+
+#include "frameworks/AddressBook/values/calendar.h"
+#include "frameworks/AddressBook/vcard/encoding.h"
+#include "frameworks/AddressBook/vcard/labels.h"
+#include "frameworks/AddressBook/vcard/line_values.h"
+
+#include <algorithm>
+#include <array>
+
+namespace addressbook::vcard {
+
+namespace {
+
+// Data: the TYPE of version 3.0 and the media type of 4.0.
+struct Media {
+    std::string_view type, media;
+};
+constexpr std::array kMedia{
+    Media{"JPEG", "image/jpeg"},
+    Media{"PNG", "image/png"},
+    Media{"GIF", "image/gif"},
+    Media{"BMP", "image/bmp"},
+    Media{"TIFF", "image/tiff"},
+    Media{"WEBP", "image/webp"},
+    Media{"PGP", "application/pgp-keys"},
+    Media{"X509", "application/pkix-cert"},
+    Media{"BASIC", "audio/basic"},
+};
+constexpr std::string_view kAnyMedia = "application/octet-stream";
+
+// Properties that 4.0 has given up, and their names there.
+struct Renamed {
+    std::string_view version3, version4;
+};
+constexpr std::array kRenamed{
+    Renamed{"AGENT", "X-VCARD3-AGENT"},
+    Renamed{"CLASS", "X-VCARD3-CLASS"},
+    Renamed{"LABEL", "X-VCARD3-LABEL"},
+    Renamed{"MAILER", "X-VCARD3-MAILER"},
+    Renamed{"NAME", "X-VCARD3-NAME"},
+    Renamed{"PROFILE", "X-VCARD3-PROFILE"},
+    Renamed{"SORT-STRING", "X-VCARD3-SORT-STRING"},
+    Renamed{"X-ADDRESSBOOKSERVER-KIND", "KIND"},
+    Renamed{"X-ADDRESSBOOKSERVER-MEMBER", "MEMBER"},
+};
+
+// "1980-03-22" or "1980-03-22T10:00:00Z" as 4.0 writes it, without the hyphens and colons and the year that
+// stands for none.
+std::string dayOf(std::string_view day) {
+    const std::size_t time = std::min(day.find_first_of("Tt"), day.size());
+    std::string text(day.substr(0, time));
+    std::erase(text, '-');
+    text += day.substr(time);
+    std::erase(text, ':');
+    const std::string noYear = std::to_string(kNoYear);
+    return text.starts_with(noYear) ? "--" + text.substr(noYear.size()) : text;
+}
+
+void writeRelation(CardLine& line) {
+    line.name = "RELATED";
+    line.params = ";VALUE=text";
+    const auto types = std::find_if(line.extra.begin(), line.extra.end(),
+                                    [](const Param& param) { return param.name == "TYPE"; });
+    const std::string label = line.label.value_or(std::string(defaultLabel(*line.rule)));
+    if (types != line.extra.end()) {
+        if (relationLabel(types->values) == label) {
+            line.label.reset();
+        }
+    } else if (const std::string_view type = relationType(label); !type.empty()) {
+        line.types = {type};
+        line.label.reset();
+    }
+}
+
+void writePicture(CardLine& line) {
+    std::string_view media = kAnyMedia;
+    for (const Media& each : kMedia) {
+        if (line.params.ends_with("TYPE=" + std::string(each.type))) {
+            media = each.media;
+        }
+    }
+    line.value = "data:" + std::string(media) + ";base64," + line.value;
+    line.params.clear();
+}
+
+} // namespace
+
+void toVersion4(CardLine& line) {
+    for (const Renamed& each : kRenamed) {
+        if (line.name == each.version3) {
+            line.name = each.version4;
+        }
+    }
+    if (!line.rule) {
+        return;
+    }
+    switch (line.rule->shape) {
+    case Shape::day:
+        line.value = dayOf(line.value);
+        line.params.clear();
+        break;
+    case Shape::days:
+        line.value = dayOf(line.value);
+        line.params.clear();
+        if (line.rule->use == Use::written && line.label == ruleFor("ANNIVERSARY")->label) {
+            line.name = "ANNIVERSARY";
+            line.label.reset();
+        } else if (line.rule->use == Use::written) {
+            line.params = ";VALUE=date-and-or-time";
+        }
+        break;
+    case Shape::picture:
+        writePicture(line);
+        break;
+    case Shape::company:
+        line.name = "KIND";
+        line.value = line.value == "COMPANY" ? "org" : "individual";
+        break;
+    default:
+        if (line.name == "X-ABRELATEDNAMES") {
+            writeRelation(line);
+        }
+    }
+}
+
+void toVersion4(ContentLine& line) {
+    for (const Renamed& each : kRenamed) {
+        if (line.key == each.version3) {
+            line.name = each.version4;
+        }
+    }
+    if (line.transfer == Transfer::base64) {
+        std::string_view media = kAnyMedia;
+        for (const Media& each : kMedia) {
+            if (line.params.size() == 1 && line.params[0].name == "TYPE" &&
+                line.params[0].values == std::vector{std::string(each.type)}) {
+                media = each.media;
+                line.params.clear();
+                break;
+            }
+        }
+        line.value = "data:" + std::string(media) + ";base64," + renderValue(line);
+        line.transfer = Transfer::none;
+    } else if (line.key == "GEO" && line.params.empty()) {
+        if (const auto parts = line.components(3); parts.size() == 2) {
+            line.value = "geo:" + parts[0] + ',' + parts[1];
+        }
+    } else if (line.key == "UID" && schemeOf(line.value).empty()) {
+        line.params.push_back({"VALUE", {"text"}});
+    }
+}
+
+void fromVersion4(ContentLine& line) {
+    for (const Renamed& each : kRenamed) {
+        if (line.key == each.version4 && each.version4 != "KIND") { // 3.0 may have that as well
+            line.name = each.version3;
+            line.key = each.version3;
+        }
+    }
+    const std::string uri = line.text();
+    if (equalsIgnoringCase(schemeOf(uri), "data")) {
+        const std::size_t comma = uri.find(',');
+        constexpr std::string_view kBase64 = ";base64";
+        const std::string head = uri.substr(0, std::min(comma, uri.size()));
+        if (comma == std::string::npos || !head.ends_with(kBase64) || line.transfer != Transfer::none) {
+            return;
+        }
+        const std::string_view media = std::string_view(head).substr(5, head.size() - 5 - kBase64.size());
+        const auto* row = std::find_if(kMedia.begin(), kMedia.end(),
+                                       [&](const Media& each) { return each.media == media; });
+        if ((row == kMedia.end() && media != kAnyMedia) || (row != kMedia.end() && !line.params.empty())) {
+            return;
+        }
+        if (row != kMedia.end()) {
+            line.params.push_back({"TYPE", {std::string(row->type)}});
+        }
+        line.value = uri.substr(comma + 1);
+        line.transfer = Transfer::base64;
+    } else if (line.key == "GEO" && line.params.empty() && equalsIgnoringCase(schemeOf(uri), "geo") &&
+               std::count(uri.begin(), uri.end(), ',') == 1 && uri.find(';') == std::string::npos) {
+        const std::size_t comma = uri.find(',');
+        line.value = uri.substr(4, comma - 4) + ';' + uri.substr(comma + 1);
+    } else if (line.key == "UID") {
+        std::erase_if(line.params, [](const Param& param) { return param.name == "VALUE"; });
+    }
+}
+
+} // namespace addressbook::vcard
