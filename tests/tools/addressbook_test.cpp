@@ -53,9 +53,10 @@ TEST_F(ProgramTest, ImportReportsBadCardsAndTakesTheOthers) {
     const Outcome outcome = run({"import", path});
     EXPECT_EQ(outcome.status, 1);
     EXPECT_EQ(outcome.out, "");
-    EXPECT_EQ(outcome.err, path + ": card 2, line 17: the card has nothing in it; the picture is no base64 data: "
-                                  "\"PHOTO;ENCODING=b:***\"\n"
-                                  "4 cards read (1 group): 3 added, 0 updated, 0 unchanged, 1 refused\n");
+    EXPECT_EQ(outcome.err,
+              path + ": card 2, line 17: the card has nothing in it; the picture is no base64 data: "
+                     "\"PHOTO;ENCODING=b:***\"\n"
+                     "4 cards read (1 group): 3 added, 0 updated, 0 unchanged, 1 refused\n");
     EXPECT_EQ(count("list"), 2u);
     EXPECT_EQ(run({"groups"}).out, "33333333-3333-4333-8333-333333333333:ABGroup\tRowers\t2\t0\n");
     EXPECT_EQ(run({"check"}).status, 0);
@@ -148,8 +149,8 @@ TEST_F(ProgramTest, GroupsFindTheirMembersWhereverTheyCome) {
     // A subgroup that contains its parent would go round in a circle; that membership is left out.
     const std::string rest = file(
         "rest.vcf", card("N:P\r\nUID:p\r\n") + card("FN:H\r\nKIND:group\r\nUID:h\r\nMEMBER:urn:uuid:g\r\n"));
-    EXPECT_EQ(run({"import", rest}).status, 0);
-    EXPECT_THAT(run({"groups"}).out, HasSubstr("\tG\t0\t0\n"));
+    EXPECT_THAT(run({"import", rest}).err, HasSubstr("; 1 member joined a group that waited\n"));
+    EXPECT_THAT(run({"groups"}).out, HasSubstr("\tG\t1\t0\n"));
     EXPECT_THAT(run({"groups"}).out, HasSubstr("\tH\t0\t1\n"));
     const Outcome both = run({"import", group, rest});
     EXPECT_EQ(both.status, 0);
@@ -170,7 +171,105 @@ TEST_F(ProgramTest, ExportAndImportElsewhereIsTheSameBook) {
     EXPECT_EQ(run({"export", "--book", other, "-"}).out, bytesOf(path));
     EXPECT_THAT(bytesOf(path), HasSubstr("PHOTO;ENCODING=b;TYPE=JPEG:/9j/AAE=\r\n"));
     EXPECT_THAT(bytesOf(path), HasSubstr("X-OTHER:kept\r\n"));
-    EXPECT_THAT(bytesOf(path), HasSubstr("X-ABLabel:boat\r\n"));
+    EXPECT_THAT(bytesOf(path), HasSubstr("TEL;TYPE=boat:34\r\n"));
+
+    // By way of version 4.0 as well.
+    const std::string path4 = folder() / "out4.vcf", other4 = folder() / "other4";
+    EXPECT_EQ(run({"export", "--version", "4.0", path4}).status, 0);
+    EXPECT_THAT(bytesOf(path4), HasSubstr("VERSION:4.0\r\n"));
+    EXPECT_EQ(run({"--book", other4, "import", path4}).status, 0);
+    EXPECT_EQ(run({"export", "--book", other4, "-"}).out, bytesOf(path));
+    EXPECT_EQ(run({"export", "--version", "2.1", "-"}).status, 2);
+}
+
+// Each UID in a form of its own: a group's card names its members by the very UIDs of their cards.
+TEST_F(ProgramTest, GroupCardsNameMembersAsTheirCardsDo) {
+    const std::string kLater = "X-ADDRESSBOOKSERVER-MEMBER:urn:uuid:Not-Here-yet\r\n";
+    const std::vector<std::string> uids{"abcdef01-1111-4111-8111-111111111111", "357", "urn:uuid:odd",
+                                        "https://x.example/ida?a,b", "A1"};
+    std::string cards, members;
+    for (const std::string& uid : uids) {
+        cards += card("N:P" + uid + "\r\nUID:" + uid + "\r\n");
+        members += "X-ADDRESSBOOKSERVER-MEMBER:" +
+                   std::string(uid.find(':') == std::string::npos ? "urn:uuid:" : "") + uid + "\r\n";
+    }
+    const std::string group = "FN:G\r\nX-ADDRESSBOOKSERVER-KIND:group\r\nUID:group one\r\n" + members;
+    run({"import", "-"}, card(group + kLater) + cards);
+    const std::string written = run({"export", "-"}).out;
+    EXPECT_THAT(written, HasSubstr(members));
+    EXPECT_THAT(written, HasSubstr(kLater));
+    for (const std::string& uid : uids) {
+        EXPECT_THAT(written, HasSubstr("\r\nUID:" + uid + "\r\n"));
+    }
+    const std::string written4 = run({"export", "--version", "4.0", "-"}).out;
+    EXPECT_THAT(written4, HasSubstr("\r\nMEMBER:https://x.example/ida?a,b\r\n"));
+    EXPECT_THAT(written4, HasSubstr("\r\nUID:https://x.example/ida?a,b\r\n"));
+    EXPECT_THAT(written4, HasSubstr("\r\nMEMBER:urn:uuid:357\r\n"));
+    EXPECT_THAT(written4, HasSubstr("\r\nUID;VALUE=text:357\r\n"));
+    EXPECT_THAT(written4, HasSubstr("\r\nMEMBER:urn:uuid:Not-Here-yet\r\n"));
+    for (const std::string& text : {written, written4}) {
+        const std::string other = folder() / ("other" + std::to_string(text.size()));
+        run({"--book", other, "import", "-"}, text);
+        EXPECT_EQ(run({"--book", other, "export", "-"}).out, written);
+    }
+    run({"import", "-"}, card("N:Late\r\nUID:Not-Here-yet\r\n"));
+    EXPECT_THAT(run({"groups"}).out, HasSubstr("\tG\t6\t0\n"));
+    EXPECT_THAT(run({"export", "-"}).out, HasSubstr(kLater));
+}
+
+TEST_F(ProgramTest, GroupsAreWrittenAsCardsAndCategories) {
+    std::string cards, categories;
+    for (int i = 0; i < 1200; ++i) {
+        categories += (i ? "," : "") + std::string("g") + std::to_string(i);
+    }
+    const std::string people = card("N:A\r\nUID:a\r\nCATEGORIES:Best\\, Friends," + categories + "\r\n") +
+                               card("N:B\r\nUID:b\r\nCATEGORIES:Best\\, Friends\r\n");
+    ASSERT_EQ(run({"import", "-"}, people).status, 0);
+    EXPECT_EQ(count("groups"), 1201U);
+    const std::string groups = run({"groups"}).out;
+    for (const char* form : {"cards", "categories", "both"}) {
+        SCOPED_TRACE(form);
+        const std::string text = run({"export", "--groups", form, "-"}).out;
+        const bool asCards = text.find(":group\r\n") != std::string::npos;
+        const bool asCategories = text.find("CATEGORIES:Best\\, Friends") != std::string::npos;
+        EXPECT_EQ(asCards, std::string(form) != "categories");
+        EXPECT_EQ(asCategories, std::string(form) != "cards");
+        const std::string other = folder() / form;
+        run({"--book", other, "import", "-"}, text);
+        EXPECT_EQ(run({"--book", other, "groups"}).out.size(), groups.size());
+        EXPECT_THAT(run({"--book", other, "groups"}).out, HasSubstr("\tBest, Friends\t2\t0\n"));
+    }
+    EXPECT_EQ(run({"export", "--groups", "none", "-"}).status, 2);
+}
+
+// Two groups of one name: the categories of their members put nobody into the other one.
+TEST_F(ProgramTest, CategoriesDoNotJoinAnotherGroupOfTheName) {
+    const std::string kind = "X-ADDRESSBOOKSERVER-KIND:group\r\nFN:Team\r\n";
+    run({"import", "-"}, card("N:A\r\nUID:a\r\n") + card("N:B\r\nUID:b\r\n") +
+                             card(kind + "UID:g1\r\nX-ADDRESSBOOKSERVER-MEMBER:urn:uuid:a\r\n") +
+                             card(kind + "UID:g2\r\nX-ADDRESSBOOKSERVER-MEMBER:urn:uuid:b\r\n"));
+    const std::string groups = run({"groups"}).out;
+    const std::string text = run({"export", "-"}).out;
+    EXPECT_THAT(text, HasSubstr("CATEGORIES:Team\r\n"));
+    const std::string other = folder() / "other";
+    run({"--book", other, "import", "-"}, text);
+    EXPECT_EQ(run({"--book", other, "groups"}).out, groups);
+}
+
+TEST_F(ProgramTest, ShowsTheFullNameOfTheCard) {
+    run({"import", "-"}, card("N:Berg;Ida;;;\r\nFN:Ida \\, the Baker\r\nUID:a\r\n"));
+    const std::string id = run({"list"}).out.substr(0, 36);
+    EXPECT_THAT(run({"show", id}).out, ContainsRegex("fullname +Ida , the Baker\n"));
+    EXPECT_THAT(run({"show", id, "--json"}).out, HasSubstr("\"fullname\": \"Ida , the Baker\""));
+    EXPECT_THAT(run({"export", "-"}).out, HasSubstr("\r\nFN:Ida \\, the Baker\r\n"));
+}
+
+TEST_F(ProgramTest, ACardWithoutItsEndIsTakenAndNamed) {
+    const Outcome outcome = run({"import", "-"}, "BEGIN:VCARD\nVERSION:3.0\nN:A\nTEL:1");
+    EXPECT_THAT(outcome.err,
+                HasSubstr("card 1, line 4: left out: cut off by the end of the file: \"TEL:1\"\n"));
+    EXPECT_THAT(outcome.err, HasSubstr("card 1, line 1: the file ends before the card's END:VCARD\n"));
+    EXPECT_THAT(run({"list"}).out, HasSubstr("\tA\t\t\t\n"));
 }
 
 TEST_F(ProgramTest, ExportOfAGroup) {

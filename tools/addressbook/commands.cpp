@@ -87,8 +87,8 @@ int runExport(const Options& options) {
                           .version = options.write.version == "4.0" ? vcard::WrittenVersion::v4
                                                                     : vcard::WrittenVersion::v3};
     ProgressLine progress("export");
-    const ExportSummary summary = exportCards(store, options.write.group, form, *output,
-                                              [&](double part) { progress.update(part); });
+    const ExportSummary summary =
+        exportCards(store, options.write.group, form, *output, [&](double part) { progress.update(part); });
     progress.clear();
     std::cerr << counted(summary.people, "person", "people") << " and "
               << counted(summary.groups, "group", "groups") << " exported\n";

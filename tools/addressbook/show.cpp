@@ -143,6 +143,14 @@ std::string friendlyName(const std::vector<Field>& fields, const std::string& pr
     return found == fields.end() ? property : found->name;
 }
 
+// The full name that a card gave the record; none when it is the one to show.
+std::optional<std::string> fullNameOf(const RecordRef& record, const std::map<std::string, Value>& values) {
+    vcard::Card card;
+    card.kind = record.kind;
+    card.values = values;
+    return vcard::keptFullName(card);
+}
+
 } // namespace
 
 void listRecords(const Store& store, const std::vector<RowId>& rows, const std::vector<Field>& fields,
@@ -221,12 +229,9 @@ void showRecord(const Store& store, const RecordRef& record, bool json, Output& 
     std::map<std::string, Value> values = store.values(record.row);
     const std::vector<Field> fields = allFields(store);
     const Value image = store.value(record.row, property::kImage);
+    const auto fullName = fullNameOf(record, values);
     std::erase_if(values, [](const auto& value) { return isInternal(value.first); });
     values.erase(std::string(property::kUid));
-    vcard::Card card;
-    card.kind = record.kind;
-    card.values = values;
-    const auto fullName = vcard::keptFullName(card);
     if (json) {
         Json object{{"id", record.uid}, {"name", displayName(store, record)}};
         if (fullName) {

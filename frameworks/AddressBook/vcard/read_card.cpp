@@ -619,7 +619,7 @@ class CardReader {
 
     void keepUnknown(std::vector<std::string> lines) {
         if (keepUid_) {
-            lines.push_back("UID:" + escape(uid_));
+            lines.push_back("UID:" + escapeUri(uid_));
         }
         for (ContentLine* line : unknown_) {
             if (!isUsedLabel(*line)) {
@@ -666,6 +666,9 @@ std::variant<Card, Problem> readCard(std::vector<ContentLine> lines, std::size_t
     CardReader reader(lines, card);
     std::string reason = reader.run();
     if (!reason.empty()) {
+        if (!card.skipped.empty()) {
+            return Problem{number, card.skipped.front().line, reason + "; " + card.skipped.front().reason};
+        }
         return Problem{number, line, std::move(reason)};
     }
     return card;
