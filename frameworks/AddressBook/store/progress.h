@@ -24,7 +24,7 @@ inline Progress share(const Progress& whole, double from, double to) {
     if (!whole) {
         return {};
     }
-    return [&whole, from, to](double part) { whole(from + (to - from) * part); };
+    return [=, &whole](double part) { whole(from + (to - from) * part); };
 }
 
 } // namespace addressbook
