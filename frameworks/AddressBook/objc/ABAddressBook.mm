@@ -9,11 +9,12 @@ using namespace addressbook;
 
 namespace {
 
-// The shared address book, once it was asked for; changes of all address books are posted from then on.
+// The shared address book, once sharedAddressBook was called, and whether notifications of changes are
+// posted, which is so from then on.
 ABAddressBook* sharedInstance = nil;
 bool notifying = false;
 
-// Says in the log why the address book cannot be opened: once, not at every attempt.
+// Logs why the address book cannot be opened; once for each reason, not at every attempt.
 void logFailure(const std::string& sentence) {
     static std::string last;
     if (sentence == last) {
@@ -34,7 +35,7 @@ BookPtr openBook() {
     return nullptr;
 }
 
-// The error code for a save that the store refused.
+// Returns the framework's error code for a save that failed.
 NSInteger codeOf(StoreError::Reason reason) {
     switch (reason) {
     case StoreError::Reason::readOnly:
@@ -46,7 +47,7 @@ NSInteger codeOf(StoreError::Reason reason) {
     }
 }
 
-// The first of many items, in a sentence.
+// Returns the first items for a sentence, and how many more there are.
 template <typename Items, typename Text>
 std::string listed(const Items& items, const char* between, Text text) {
     constexpr std::size_t kNamed = 10;
@@ -60,7 +61,7 @@ std::string listed(const Items& items, const char* between, Text text) {
     return list;
 }
 
-// A group's name in quotes; its id when it has none, or it cannot be read.
+// Returns a group's name in quotes; its unique id when it has no name, or when it cannot be read.
 std::string groupName(Book& book, const std::string& uid) {
     std::string name = uid;
     try {
@@ -69,12 +70,12 @@ std::string groupName(Book& book, const std::string& uid) {
                 name = *text;
             }
         }
-    } catch (const StoreError&) { // what is told is that the save is done
+    } catch (const StoreError&) { // the save has succeeded, so that this must not fail it
     }
     return '"' + name + '"';
 }
 
-// Says what a save had to leave out; empty when that is nothing.
+// Returns sentences that say what a save left out; empty when it left out nothing.
 std::string leftOutText(Book& book, const SaveResult& result) {
     std::string text;
     if (!result.missing.empty()) {
@@ -156,7 +157,7 @@ BookPtr sharedBook() {
     [super dealloc];
 }
 
-// Records of another address book object are strangers.
+// Returns NO for records of another address book object, which cannot be used with this one.
 - (BOOL)owns:(ABRecord*)record {
     return [record book] == [self book];
 }
@@ -176,7 +177,7 @@ BookPtr sharedBook() {
     std::string failure;
     NSInteger code = 0;
     const bool unsaved = [self hasUnsavedChanges];
-    // Who adds a record and saves may look at the save's answer only.
+    // A program that adds a record and saves may look only at the result of the save.
     if (!unsaved && [self book]->takeRefusal()) {
         return refuse(error, ABPropertyReadOnlyError, readOnlyText(*[self book]));
     }

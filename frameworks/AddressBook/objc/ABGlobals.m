@@ -1,4 +1,4 @@
-// The framework's constants; the properties' names agree with the built-in table of the store.
+// The framework's constants. The names of properties are those of values/property.h.
 
 #import <AddressBook/ABGlobals.h>
 
@@ -85,13 +85,13 @@ NSString* const kABSocialProfileServiceSinaWeibo = @"sinaweibo";
 NSString* const kABSocialProfileServiceTencentWeibo = @"tencentweibo";
 NSString* const kABSocialProfileServiceYelp = @"yelp";
 
-// Labels that go with any list.
+// Labels for any list.
 NSString* const kABHomeLabel = @"_$!<Home>!$_";
 NSString* const kABWorkLabel = @"_$!<Work>!$_";
 NSString* const kABOtherLabel = @"_$!<Other>!$_";
 NSString* const kABMobileMeLabel = @"_$!<MobileMe>!$_";
 
-// Labels of particular lists.
+// Labels for particular lists.
 NSString* const kABHomePageLabel = @"_$!<HomePage>!$_";
 NSString* const kABEmailHomeLabel = @"_$!<Home>!$_";
 NSString* const kABEmailWorkLabel = @"_$!<Work>!$_";

@@ -8,7 +8,7 @@ using namespace addressbook;
 
 namespace {
 
-// What the choice of a member's entry needs.
+// Raises NSInvalidArgumentException when the property or the person is nil.
 void requireForEntry(NSString* property, ABPerson* person) {
     requireArgument(property, @"The entry that a group uses needs a property");
     requireArgument(person, @"The entry that a group uses needs a person");
@@ -65,7 +65,8 @@ void requireForEntry(NSString* property, ABPerson* person) {
     return recordsFrom([self book], reading([&] { return [self book]->parents(*[self liveRecord]); }));
 }
 
-// The chosen identifiers are a dictionary in the group: property -> dictionary of person -> identifier.
+// Returns the chosen identifiers, which the group keeps: property -> dictionary of person's uid -> entry
+// identifier.
 - (Dictionary)distributionIdentifiers {
     const Value value =
         reading([&] { return [self book]->value(*[self liveRecord], property::kDistribution); });

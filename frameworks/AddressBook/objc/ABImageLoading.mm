@@ -11,14 +11,14 @@ using namespace addressbook;
 
 namespace {
 
-// Who waits for a picture, and the picture: both retained.
+// A request: the client, and the picture for it. Both are retained.
 struct Request {
     id<ABImageClient> client;
     NSData* data;
 };
 
-// The requests that are not done, by tag. A book is used by one thread, yet that need not be the main thread,
-// on which clients are called.
+// The pending requests, by tag. Thread-safe, as clients are called on the main thread, which need not be the
+// thread that uses the address book.
 class Requests {
   public:
     NSInteger add(const Request& request) {
@@ -27,7 +27,8 @@ class Requests {
         return last_;
     }
 
-    // The request with this tag, autoreleased; no client when it is done or was cancelled.
+    // Removes the request with this tag and returns it, autoreleased; without a client when it is done or
+    // cancelled.
     Request take(NSInteger tag) {
         const std::lock_guard lock(mutex_);
         const auto found = requests_.find(tag);
@@ -59,8 +60,9 @@ Requests& requests() {
 
 @implementation ABImageRequests
 
-// Has the request answered on the main thread, never from within the call that made it: a loop that performs a
-// selector for another thread is woken for it, one that performs it for its own would first wait for its limit.
+// Has the request answered on the main thread, never from within the call that made it: a loop that performs
+// a selector for another thread is woken for it, one that performs it for its own would first wait for its
+// limit.
 + (void)schedule:(NSNumber*)tag {
     NSArray* modes = [NSArray arrayWithObjects:NSDefaultRunLoopMode, @"NSModalPanelRunLoopMode",
                                                @"NSEventTrackingRunLoopMode", nil];

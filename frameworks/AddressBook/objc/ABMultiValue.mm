@@ -12,7 +12,7 @@ using namespace addressbook;
 
 namespace {
 
-// An entry has both.
+// Raise NSInvalidArgumentException when an entry's value or label is nil.
 void requireEntryValue(id value) {
     requireArgument(value, @"An entry of a list needs a value");
 }
@@ -116,7 +116,7 @@ void requireEntryLabel(NSString* label) {
         [[ABMutableMultiValue allocWithZone:zone] initWithEntries:std::make_unique<ListEntries>([self list])];
 }
 
-// Walks the values, in order.
+// NSFastEnumeration over the values, in order.
 - (NSUInteger)countByEnumeratingWithState:(NSFastEnumerationState*)state
                                   objects:(id[])buffer
                                     count:(NSUInteger)length {

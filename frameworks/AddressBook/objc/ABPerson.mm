@@ -45,7 +45,7 @@ using namespace addressbook;
     return searchElement(Kind::person, property, label, key, value, comparison);
 }
 
-// The card's own unique id is not taken over: the person is a new one.
+// The unique id in the vCard is ignored, as the person is a new one.
 - (id)initWithVCardRepresentation:(NSData*)vCardData {
     if ((self = [self init]) == nil) {
         return nil;

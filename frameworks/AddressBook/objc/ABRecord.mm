@@ -12,14 +12,14 @@ using namespace addressbook;
 
 namespace {
 
-// What a record object holds. The list that was read last is kept: whoever walks its entries asks for it
-// again and again.
+// The state of a record object. The list that was read last is cached, as programs that walk through its
+// entries ask for it each time.
 struct State {
     BookPtr book;
     LiveRecordPtr record;
     ABMultiValue* list = nil; // retained
     std::string listName;
-    std::uint64_t listRevision = 0; // the book's state in which it was read
+    std::uint64_t listRevision = 0; // Book::revision() when it was read
 
     void keep(id value, const std::string& name) {
         [list release];
@@ -29,7 +29,7 @@ struct State {
     }
 };
 
-// A stored value is turned into an object from its bytes.
+// Returns a property's value as an object; stored values are converted directly from their encoded form.
 id valueOf(Book& book, LiveRecord& live, const std::string& property) {
     if (const auto stored = storedForComponents(property)) {
         return componentsFrom(book.current(live, *stored));
@@ -203,7 +203,7 @@ BookPtr bookOf(ABRecord* record) {
     return [self book]->readOnly();
 }
 
-// Properties come first: their names, and those that users give, need no accessor.
+// Looks for a property first, built-in or added, which has no accessor.
 - (id)valueForKey:(NSString*)key {
     if (key == nil || !hasProperty(self, key)) {
         return [super valueForKey:key];

@@ -1,4 +1,4 @@
-// How addresses are written, country by country.
+// The address formats of countries.
 
 #import <AddressBook/ABAddressBook.h>
 
@@ -10,9 +10,9 @@
 
 namespace {
 
-// A way to write addresses. In the layout, S stands for the street, C the city, A the state or what a country
-// has instead (its administrative area), Z the postal code, N the country, and | ends a line. What stands
-// before a field is written when another one of its line comes before it.
+// An address format. In the layout, S is the street, C the city, A the state or other administrative area, Z
+// the postal code, N the country, and | ends a line. All other characters are separators: they are written
+// only between two fields of a line.
 struct Format {
     std::string_view countries; // ISO codes
     std::string_view layout;
@@ -20,7 +20,7 @@ struct Format {
     const char* code;
 };
 
-// Of a country that is not here, addresses are written as in the first row, with its words.
+// For a country that is not in this table, the first row is used.
 constexpr std::array kFormats{
     Format{"us pr", "S|C A Z|N", "State", "ZIP"},
     Format{"ca", "S|C A Z|N", "Province", "Postal Code"},
@@ -78,7 +78,7 @@ struct Field {
     NSString* name;
 };
 
-// The field that a character of a layout stands for; no key for what stands between fields.
+// Returns the field for a character of a layout; one without a key for a separator.
 Field fieldOf(char character, const Format& format) {
     switch (character) {
     case 'S':
@@ -96,7 +96,7 @@ Field fieldOf(char character, const Format& format) {
     }
 }
 
-// The text of a field; nil when it is not there, or is no text.
+// Returns the text of a field; nil when it is missing, empty or not text.
 NSString* textOf(NSDictionary* address, NSString* key) {
     id text = [address objectForKey:key];
     return [text isKindOfClass:[NSString class]] && [text length] > 0 ? text : nil;
@@ -119,8 +119,8 @@ void append(NSMutableAttributedString* text, NSString* part, NSDictionary* attri
     const Format& format =
         formatOf(addressbook::textFrom([country ? country : [self defaultCountryCode] lowercaseString]));
     NSMutableAttributedString* text = [[[NSMutableAttributedString alloc] init] autorelease];
-    NSString* between = @""; // what comes before the next field that is there
-    bool begun = false;      // the line
+    NSString* between = @""; // the separator before the next field that is there
+    bool begun = false;      // whether the line has a field already
     for (const char character : format.layout) {
         const Field field = fieldOf(character, format);
         NSString* part = field.key ? textOf(address, field.key) : nil;

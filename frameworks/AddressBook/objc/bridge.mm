@@ -10,7 +10,8 @@
 #include <cstring>
 #include <objc/runtime.h>
 
-// Text that Foundation's own strings refuse: UTF-16 with lone surrogates.
+// A string for text that GNUstep's own classes do not keep: UTF-16 with lone surrogates or a leading
+// byte-order mark.
 @interface ABRawText : NSString {
     unichar* _units;
     NSUInteger _length;
@@ -59,8 +60,8 @@ namespace addressbook {
 
 namespace {
 
-// Whether GNUstep's strings would not keep the units as they are: it refuses half of a surrogate pair without
-// the other half, and takes a byte-order mark in front for one that says how to read the rest.
+// Whether GNUstep's strings would not keep the units as they are: they refuse half of a surrogate pair, and
+// interpret a leading byte-order mark instead of keeping it.
 bool needsRawText(const std::u16string& units) {
     if (!units.empty() && (units[0] == 0xFEFF || units[0] == 0xFFFE)) {
         return true;
@@ -209,8 +210,8 @@ struct ToObject {
 
 std::string textFrom(NSString* string) {
     static_assert(sizeof(unichar) == sizeof(char16_t));
-    // The compiler's constants, as names of properties are, know their bytes. With as many bytes as units
-    // they are ASCII.
+    // Constant strings of the compiler, which names of properties are, hold their bytes. With as many bytes
+    // as units they are ASCII.
     static Class const constant = [NSConstantString class];
     if (string != nil && object_getClass(string) == constant) {
         if (const char* bytes = [string UTF8String]; std::strlen(bytes) == [string length]) {
@@ -226,7 +227,7 @@ std::string textFrom(NSString* string) {
 
 NSString* stringFrom(std::string_view text) {
     static Class const type =
-        [NSString class]; // looking a class up by its name takes as long as making a text
+        [NSString class]; // looking a class up by its name takes as long as making a string
     if (isAscii(text)) {
         return [[[type alloc] initWithBytes:text.data() length:text.size()
                                    encoding:NSASCIIStringEncoding] autorelease];
@@ -296,7 +297,7 @@ id objectFromEncoded(std::string_view value) {
 }
 
 NSString* wordFrom(std::string_view word) {
-    // Never destroyed, so that the texts are held until the process ends.
+    // Never destroyed, so that the strings live until the process ends.
     static std::vector<NSString*>& known = *new std::vector<NSString*>;
     const auto code = static_cast<std::size_t>(wordCode(word));
     if (code == 0) {

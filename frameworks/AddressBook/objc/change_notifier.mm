@@ -15,8 +15,8 @@ using namespace addressbook;
 
 namespace {
 
-// How long the end of the process waits for an observer that is still at work on the thread; it may itself be
-// waiting for the thread that ends the process.
+// How long the exit of the process waits for an observer that is still running on the notifier's thread.
+// Limited, as the observer may itself be waiting for the thread that exits.
 constexpr std::chrono::seconds kPatienceAtExit{1};
 
 void post(ABAddressBook* sender, const LoggedChange& change) {
@@ -58,7 +58,7 @@ class ChangeNotifier {
         end_.notify_all();
     }
 
-    // Waits for the thread, but not for ever when [patience] is given.
+    // Stops the watch and waits for the thread, at most [patience] unless that is null.
     void stop(const std::chrono::seconds* patience) {
         if (process_ != getpid()) {
             return; // a forked child has no such thread
@@ -86,7 +86,7 @@ class ChangeNotifier {
     bool ended_ = false;
 };
 
-// Never taken down with the process: the thread may outlive its last statements.
+// Never destroyed, as the thread may still run while the process exits.
 std::shared_ptr<ChangeNotifier>& current() {
     static auto* notifier = new std::shared_ptr<ChangeNotifier>;
     return *notifier;
@@ -100,7 +100,8 @@ void stopAtExit() {
 
 } // namespace
 
-// Foundation wants to know the threads that use it: this one is an NSThread, which keeps its target.
+// The target of the notifier's NSThread, which retains it. Foundation must know all threads that use it, so
+// that this cannot be a std::thread.
 @interface ABChangeNotifierThread : NSObject {
     void* _notifier;
 }

@@ -8,8 +8,8 @@ namespace addressbook {
 
 namespace {
 
-// The fields of the dictionary that is stored for the alternate birthday: numbers, and beside them the
-// calendar's identifier and whether the month is a leap month.
+// A number in the dictionary that is stored for the alternate birthday; it also has the calendar's
+// identifier, and whether the month is a leap month.
 struct Field {
     const char* key;
     NSCalendarUnit unit;
@@ -76,8 +76,8 @@ Dictionary fieldsFrom(NSDateComponents* components) {
     return fields;
 }
 
-// The day that components of another calendar name, as Foundation counts there; nothing when that is this one
-// or they do not name a day.
+// Returns the Gregorian day for components of another calendar, converted by Foundation; nothing for the
+// Gregorian calendar, and for components that name no day.
 std::optional<DateComponents> dayInOtherCalendar(NSDateComponents* components) {
     NSCalendar* calendar = [components calendar];
     if (calendar == nil || [[calendar calendarIdentifier] isEqualToString:NSCalendarIdentifierGregorian] ||

@@ -7,7 +7,7 @@
 namespace addressbook {
 namespace {
 
-// The object that [held] holds, made by [make] when it is asked for the first time.
+// Returns the object in [held], which [make] makes at the first call.
 template <typename Make>
 id madeOnce(Retained& held, Make make) {
     if (held.get() == nil) {

@@ -1,6 +1,6 @@
 #import <AddressBook/ABGlobals.h>
 
-// What is shown for the stored names. Labels are written small, as they stand beside their entries.
+// The names to show, by stored name. Labels are in lower case.
 static const struct {
     NSString* stored;
     NSString* shown;

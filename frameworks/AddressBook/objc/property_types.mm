@@ -7,7 +7,7 @@ namespace addressbook {
 
 namespace {
 
-// What a property of each type holds, in words, in the order of the types' numbers.
+// The type of a value in words for messages, by the number of the type.
 constexpr const char* kTypeWords[] = {"nothing", "text",         "an integer", "a number",       "a date",
                                       "a list",  "a dictionary", "data",       "date components"};
 
@@ -17,7 +17,7 @@ NSString* typeWords(int type) {
                               : [NSString stringWithUTF8String:words];
 }
 
-// Numbers fit integer and real properties alike; every other value has to be of the type.
+// Converts a number to the type of an integer or real property; returns whether the value then has the type.
 bool conform(Value& value, int type) {
     if (type == static_cast<int>(Type::integer)) {
         if (const auto* real = value.as<double>()) {

@@ -4,9 +4,10 @@
 
 using namespace addressbook;
 
-// An array of records that makes each when it is asked for. A short list keeps them from then on, as every
-// array does. A long one keeps those that were asked for of late, so that a walk through a whole address book
-// does not end with all of it in memory; each record that it answers lives at least as long as the pool.
+// An array of records that makes each record when it is first accessed. It retains up to kSlots of them: a
+// short list keeps all, as any array does, a long one those accessed last, so that a walk through a whole
+// address book does not load all of it into memory. Every record that it returns lives at least until the
+// autorelease pool is drained.
 @interface ABRecordList : NSArray {
     void* _list;
 }
@@ -15,17 +16,18 @@ using namespace addressbook;
 
 namespace {
 
-// So many records a list keeps: each place has a slot, which it shares with others in a longer list.
+// The number of records that a list retains. Each index has a slot, which several indexes share in a longer
+// list.
 constexpr std::size_t kSlots = 1024;
 
 struct Slot {
     std::size_t index = 0;
-    ABRecord* record = nil; // retained; nil where nobody asked yet
+    ABRecord* record = nil; // retained; nil when the slot is unused
 };
 
 struct List {
     BookPtr book;
-    std::shared_ptr<const Store> origin; // whose rows the places are
+    std::shared_ptr<const Store> origin; // the store to which the rows belong
     std::vector<Book::Place> places;
     std::vector<Slot> slots;
 };
@@ -69,7 +71,7 @@ struct List {
         const LiveRecordPtr live =
             place.record ? place.record : reading([&] { return list.book->at(place.row, list.origin); });
         ABRecord* record = [recordFrom(list.book, live) retain];
-        [slot.record autorelease]; // whoever asked for it may still use it
+        [slot.record autorelease]; // the caller that got it may still use it
         slot = {index, record};
     }
     return slot.record;
