@@ -1,6 +1,6 @@
 #pragma once
 
-// What the tests of pictures share: pictures made by another program, and what that program sees in ours.
+// Support for the tests of pictures: pictures that another program (Pillow) makes, and what it reads in ours.
 
 #include "tests/support/temporary_folder.h"
 #import <AppKit/AppKit.h>
@@ -10,7 +10,7 @@
 #include <string>
 #include <vector>
 
-// What a picture shows: rows from the top, the samples of a pixel next to each other.
+// The pixels of a picture: rows from top to bottom, the samples of a pixel next to each other.
 struct Shown {
     std::string format; // as Pillow names it
     unsigned width = 0;
@@ -20,35 +20,35 @@ struct Shown {
     std::vector<std::uint16_t> samples;
 
     bool hasAlpha() const { return samplesPerPixel % 2 == 0; }
-    // As RGBA of 8 bits a sample.
+    // Returns the pixels as RGBA with 8 bits a sample.
     std::vector<std::uint8_t> rgba() const;
 };
 
 Shown shownBy(NSBitmapImageRep* bitmap);
 
-// How far two pictures of the same size are apart at most, as RGBA; what cannot be seen may differ if
-// [visible].
+// Returns the largest difference of a sample in two pictures of the same size, as RGBA. With [visible],
+// ignores the colours of transparent pixels.
 int difference(const Shown& one, const Shown& other, bool visible = false);
 
 NSData* dataOf(const std::string& bytes);
 std::string bytesOf(NSData* data);
 
-// The most memory that the process ever had, in MiB; 0 where a sanitizer leaves no meaning in it.
+// Returns the peak memory of the process in MiB; 0 with a sanitizer, under which it has no meaning.
 long mostMemory();
 
-// Each test has a folder of its own.
+// A test of pictures, with a temporary folder.
 class PictureTest : public testing::Test {
   protected:
     struct Made {
         std::string file;
         Shown shown;
     };
-    // A picture of pictures.py.
+    // Makes a picture by pictures.py.
     Made make(const std::string& name);
     std::vector<Made> make(const std::vector<std::string>& names);
-    // What Pillow sees in the files.
+    // Returns what Pillow reads in picture files.
     std::vector<Shown> readBack(const std::vector<NSData*>& files);
-    // The one bitmap of the image; nil when the image cannot be read.
+    // Returns the only bitmap of an image; nil when it cannot be read.
     static NSBitmapImageRep* bitmapOf(const std::string& file);
 
     support::TemporaryHome home_;

@@ -1,7 +1,7 @@
 #pragma once
 
-// What the tests of Foundation's additions share: a Mach port on this thread's run loop and a delegate that
-// counts.
+// Support for the tests of Mach ports: a port for this thread's run loop, and a delegate that counts
+// messages.
 
 #include "tests/support/raised.h"
 
@@ -9,12 +9,12 @@
 #include <functional>
 #include <gtest/gtest.h>
 
-// The mode that the plug-in's sources name, written as they write it.
+// Returns the mode that the plug-in uses, written as in its sources.
 inline NSString* commonModes() {
     return (NSString*)kCFRunLoopCommonModes;
 }
 
-// Counts its messages; all of it belongs to the thread that handles them.
+// A delegate that counts its messages. Used only by the thread that handles them.
 @interface CountingDelegate : NSObject <NSMachPortDelegate> {
   @public
     int messages;
@@ -25,31 +25,31 @@ inline NSString* commonModes() {
 }
 @end
 
-// Lets [delegate] call [work] for each message; the work stays the caller's. nullptr for no more.
+// Makes [delegate] call [work] for each message, or nothing for nullptr. The caller keeps [work] alive.
 inline void onEachMessage(CountingDelegate* delegate, std::function<void()>* work) {
     delegate->then = work;
 }
 
-// A port that says when it is gone.
+// A port that notes its deallocation.
 @interface ProbePort : NSMachPort {
   @public
     bool* gone;
 }
 @end
 
-// A pool around each test, a port with its delegate that is in no run loop yet, invalidated at the end.
+// A test with a port and its delegate. The port is in no run loop at first, and is invalidated at the end.
 class PortTest : public testing::Test {
   protected:
     void SetUp() override;
     void TearDown() override;
 
     static NSRunLoop* loop() { return [NSRunLoop currentRunLoop]; }
-    // An empty message that is not waited for, as the plug-in sends it.
+    // Sends an empty message without waiting, as the plug-in does.
     static BOOL send(NSMachPort* port);
     BOOL send() { return send(port_); }
-    // Lets the run loop turn in [mode] until [done] or ten seconds are over.
+    // Runs the run loop in [mode] until [done] returns true, at most ten seconds.
     static void runUntil(const std::function<bool()>& done, NSString* mode = NSDefaultRunLoopMode);
-    // Lets it turn until the delegate has had [count] messages, and then a little longer for those too many.
+    // Expects exactly [count] messages: runs the loop until the delegate has them, and a little longer.
     void expectMessages(int count, NSString* mode = NSDefaultRunLoopMode);
 
     NSAutoreleasePool* pool_ = nil;

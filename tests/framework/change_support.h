@@ -1,6 +1,6 @@
 #pragma once
 
-// What the tests of external changes need: the other process, and somebody who keeps the notifications.
+// Support for the tests of external changes: another process, and a listener that records notifications.
 
 #include "tests/framework/support.h"
 
@@ -9,8 +9,7 @@
 #include <mutex>
 #include <sys/types.h>
 
-// A process of its own that has the address book of the environment open; see other_process.cpp for what it
-// is told.
+// Another process that has the address book of the environment open; other_process.cpp describes its orders.
 class OtherProcess {
   public:
     OtherProcess();
@@ -18,11 +17,11 @@ class OtherProcess {
     OtherProcess(const OtherProcess&) = delete;
     OtherProcess& operator=(const OtherProcess&) = delete;
 
-    // Gives an order, and answers its answer.
+    // Sends an order and returns the reply.
     std::string operator()(const std::string& order);
     void begin(const std::string& order);
     std::string answer();
-    // Lets it end; answers how it did, 0 when all went well. The destructor expects that.
+    // Ends the process and returns its exit status. The destructor expects 0.
     int end();
 
   private:
@@ -31,9 +30,8 @@ class OtherProcess {
     std::FILE* answers_ = nullptr;
 };
 
-// Keeps every notification of external changes in short: "+ID" for each inserted record, "~ID" for each
-// updated,
-// "-ID" for each deleted, "?" for a notification that names none.
+// Records every notification of external changes as text: "+ID" for each inserted record, "~ID" for each
+// updated and "-ID" for each deleted one, "?" for a notification without records.
 @interface ExternalListener : NSObject {
   @public
     std::mutex* _lock;
@@ -45,11 +43,12 @@ class OtherProcess {
 }
 - (void)changed:(NSNotification*)notification;
 - (id)sender;
-// From now on it raises an exception whenever it is told.
+// Makes it raise an exception for each notification from now on.
 - (void)raise;
 - (bool)wasToldOnThisThread;
-// Waits until so many came, at most 30 seconds, and a moment longer for some that should not; answers them.
+// Waits until [count] notifications have come, at most 30 seconds, and a moment longer for any unexpected
+// ones. Returns and clears them.
 - (std::vector<std::string>)wait:(std::size_t)count;
-// The same without the moment longer; nothing is forgotten.
+// Waits until [count] notifications have come, at most 30 seconds; returns whether they have. Clears nothing.
 - (bool)comes:(std::size_t)count;
 @end

@@ -1,7 +1,6 @@
 #pragma once
 
-// What the framework's tests share: an address book of their own in a temporary folder, and short ways to say
-// things.
+// Support for the tests of the framework: an address book in a temporary folder, and short helper functions.
 
 #include "frameworks/AddressBook/store/store.h"
 #include "tests/support/raised.h"
@@ -19,19 +18,19 @@ bool raisesInvalidArgument(Work work) {
     return [[raised(work) name] isEqual:NSInvalidArgumentException];
 }
 
-// Readable text of any object; "nil".
+// Returns a readable text for any object; "nil" for nil.
 std::string text(id object);
 
-// Each test has an empty address book in a folder of its own, and an autorelease pool around it.
+// A test with an empty address book in a temporary folder, and an autorelease pool around it.
 class AddressBookTest : public testing::Test {
   protected:
     void SetUp() override;
     void TearDown() override;
 
     ABAddressBook* book() { return [ABAddressBook sharedAddressBook]; }
-    // Saves, closes and opens the address book: what is read next comes from the disk.
+    // Saves, closes and opens the address book, so that what is read next comes from the disk.
     void reopen();
-    // Another connection to the same database, as another process has it.
+    // Returns another connection to the database, like that of another process.
     addressbook::Store store() { return addressbook::Store(folder_); }
 
     ABPerson* person(NSString* first, NSString* last);
@@ -39,7 +38,7 @@ class AddressBookTest : public testing::Test {
     static NSNumber* number(double value) { return [NSNumber numberWithDouble:value]; }
     static ABMultiValue* list(std::vector<std::pair<NSString*, id>> labelsAndValues);
 
-    // First names of what a search of people finds, in order.
+    // Returns the first names of the people that a search finds, in order.
     std::vector<std::string> found(NSString* property, id value, ABSearchComparison comparison,
                                    NSString* label = nil, NSString* key = nil);
     static std::vector<std::string> names(NSArray* people);

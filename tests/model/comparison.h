@@ -1,6 +1,6 @@
 #pragma once
 
-// Calls made of the plug-in and of the model, and compared one by one.
+// Makes calls to the plug-in and to the model, and compares them call by call.
 
 #include "tests/model/plugin_runner.h"
 
@@ -13,21 +13,21 @@ namespace model {
 
 class Comparison {
   public:
-    // Begins with the plug-in just loaded and an empty address book. The title says in reports which test it
-    // is.
+    // Resets the plug-in to the state in which it is loaded, with an empty address book. [title] names the
+    // test in reports.
     explicit Comparison(std::string title) : title_(std::move(title)) { resetPlugin(); }
 
-    // Makes a call and compares the answer, the error's number and text, and the plug-in's variables. False,
-    // and a failure of the test with all calls so far, when something differs.
+    // Makes a call and compares the result, the error's number and text, and the plug-in's variables. When
+    // anything differs, returns false and fails the test, with a list of all calls so far.
     bool make(const Function& function, const Arguments& arguments);
-    // The same for what is in the address book, and for the database.
+    // Compares the address book in memory, and the database, in the same way.
     bool books();
     bool databases();
 
     [[nodiscard]] const Model& model() const { return model_; }
-    // The last call's answer.
+    // Returns the result of the last call.
     [[nodiscard]] const std::string& answer() const { return answer_; }
-    // Called with every identifier that an answer has told.
+    // Called with every identifier in a result.
     std::function<void(const std::string&)> learned;
 
   private:
@@ -39,7 +39,7 @@ class Comparison {
     Model model_;
     std::string answer_;
     std::vector<std::string> lines_;
-    std::map<std::string, std::string> names_; // identifiers, as the printed calculations call them
+    std::map<std::string, std::string> names_; // names of identifiers in printed calculations
 };
 
 } // namespace model

@@ -1,7 +1,7 @@
 #pragma once
 
-// Random calls: of every function, with arguments that are mostly such as a solution would give, and else
-// empty, wrong, of another type, of deleted records, or in odd letter case.
+// Random calls of every function. The arguments are mostly those of a typical solution; others are empty,
+// wrong, of another type, of deleted records, or in odd letter case.
 
 #include "tests/model/model.h"
 
@@ -18,17 +18,17 @@ class Generator {
   public:
     Generator(std::uint64_t seed, const Model& model) : random_(seed), model_(model) {}
 
-    // Another call, to follow those that were made.
+    // Returns the next call, which depends on those before.
     Call next();
-    // A call of this function.
+    // Returns a call of a function.
     Call callOf(const Function& function);
-    // Calls that make a book to work on, one at a time; none when it is made.
+    // Returns the next of the calls that fill an address book to work on; none when it is filled.
     std::optional<Call> preparation();
 
     int number(int limit) { return static_cast<int>(random_() % static_cast<std::uint64_t>(limit)); }
     bool chance(int percent) { return number(100) < percent; }
 
-    // Keeps an identifier for arguments to come.
+    // Keeps an identifier for later arguments.
     void learn(const std::string& id) { ids_.push_back(id); }
 
     // --- For the table of arguments.
@@ -45,7 +45,7 @@ class Generator {
     std::string key();
     std::string customName();
     std::string comparison();
-    // A list property of the current person and the identifier of one of its entries.
+    // Returns a list property of the current person, and the identifier of one of its entries.
     std::pair<std::string, std::string> entry();
 
   private:

@@ -1,7 +1,7 @@
 #pragma once
 
-// What the plug-in should do, told a second time and as simply as possible: every function as its steps, over
-// the model's own book. The variables have the plug-in's names without their prefixes, so that the two can be
+// A second, as simple as possible implementation of the plug-in: every function step by step, on the model's
+// own address book. The variables have the plug-in's names without their prefixes, so that both can be
 // compared after every call.
 
 #include "tests/model/book.h"
@@ -13,16 +13,16 @@ namespace model {
 
 using Arguments = std::vector<std::string>;
 
-// What a call should answer.
+// The expected result of a call.
 struct Expected {
     enum class Kind {
         text,       // exactly this
-        newRecord,  // an identifier that nobody has seen: learn() takes it
-        newEntry,   // likewise
+        newRecord,  // a new identifier of a record, which learn() takes
+        newEntry,   // a new identifier of an entry, which learn() takes
         date,       // this time stamp
         moment,     // a time stamp of this test run
-        dictionary, // some description that has every one of the texts in it
-        escapes     // no answer: a platform exception leaves the handler
+        dictionary, // a description that contains all of the texts
+        escapes     // none: an NSException leaves the handler
     };
     Kind kind = Kind::text;
     std::string text;
@@ -32,17 +32,17 @@ struct Expected {
     bool orException = false; // the framework may raise instead
 };
 
-// The last call's outcome, as the last-error function tells it.
+// The outcome of the last call, as the last-error function returns it.
 struct LastError {
-    int code = 0;           // what makes a call answer the error marker
-    int number = 0;         // what the last-error function answers
+    int code = 0;           // other than 0: the call results in the error marker
+    int number = 0;         // the last-error function's number
     Text message;           // none: "Success"
-    Text detail;            // behind the message
-    bool anyDetail = false; // an exception: what it says is the framework's affair
+    Text detail;            // follows the message
+    bool anyDetail = false; // an exception, whose text is the framework's
     std::string text() const;
 };
 
-// A result list of a search; a record in it exists only once somebody has asked for it.
+// The result list of a search; a record in it becomes an object when it is first accessed.
 struct Found {
     RecordPtr record;
     bool asked = false;
@@ -73,7 +73,7 @@ struct State {
 
 class Model;
 
-// One function of the plug-in: to the model and to the generator all functions are rows of a table.
+// A function of the plug-in: a row of the table that the model and the generator use.
 struct Function {
     const char* name; // as calculations call it
     short id;
@@ -83,10 +83,10 @@ struct Function {
 
 class Model {
   public:
-    // What the call should answer; the state and the error are then as after it.
+    // Makes a call and returns the expected result. State and error are then those after the call.
     Expected call(const Function& function, const Arguments& arguments);
 
-    // A call that the framework may fail was failed.
+    // To be called when the framework has raised in a call that allows it (Expected::orException).
     void raised();
 
     State state;
@@ -96,7 +96,7 @@ class Model {
     // --- For the functions.
 
     struct Failed {};
-    // Notes a failure; and ends the call.
+    // Note a failure, without and with ending the call.
     void note(int code, const std::string& detail = "");
     [[noreturn]] void fail(int code, const std::string& detail = "");
     [[noreturn]] void failCodeOnly(int code);
@@ -106,16 +106,16 @@ class Model {
     RecordPtr current() const { return ofGroups() ? state.group : state.person; }
     void setType(const Arguments& arguments, std::size_t position);
     void requireActive();
-    // Opens a property; its type.
+    // Opens a property and returns its type.
     int openProperty(const Text& name);
-    // The same for a list, or not a list.
+    // Like openProperty(), but fails the call unless the property is a list, or unless it is not.
     int openList(const Text& name, const std::string& detail = "");
     int openSingle(const Text& name, const std::string& detail = "");
-    // Sets a property of the current record; false when it is refused.
+    // Sets a property of the current record; returns false when it is refused.
     bool set(const std::string& property, Value value);
     void remove(const RecordPtr& record);
     void save();
-    // Records that are in no book but in somebody's hand.
+    // Returns the records that somebody holds but that are in no address book.
     std::vector<RecordPtr> strays() const;
 
   private:
@@ -123,13 +123,13 @@ class Model {
     std::vector<RecordPtr> inHand() const;
 };
 
-// An argument; none when it is absent or empty.
+// Returns an argument; none when it is missing or empty.
 Text argument(const Arguments& arguments, std::size_t position);
 
 Expected answer(std::string text);
 Expected done();
 
-// The functions, in the order of their ids.
+// Returns the functions, in the order of their ids.
 std::span<const Function> functions();
 const Function& functionNamed(const std::string& name);
 

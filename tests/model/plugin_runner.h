@@ -1,15 +1,15 @@
 #pragma once
 
-// The plug-in itself, called as the host calls it.
+// Calls the plug-in as the host does.
 
 #include "tests/model/generator.h"
 
 namespace model {
 
-// What a call answered.
+// The result of a call.
 struct Answered {
-    bool escaped = false; // a platform exception left the handler
-    bool date = false;    // a time stamp
+    bool escaped = false; // an NSException left the handler
+    bool date = false;    // the result is a time stamp
     std::string text;     // UTF-8
     Civil stamp;
 };
@@ -17,20 +17,22 @@ struct Answered {
 // Calls a function of the plug-in by its id.
 Answered callPlugin(const Function& function, const Arguments& arguments);
 
-// The plug-in as it is when it has been loaded, with an empty address book.
+// Resets the plug-in to the state in which it is loaded, with an empty address book.
 void resetPlugin();
 
-// In what the plug-in's variables differ from the model's; empty when they agree.
+// Returns the differences between the plug-in's variables and the model's; empty when there are none.
 std::string differenceOfStates(const State& state);
 
-// In what the address book differs from the model's: in memory; in the database, opened a second time.
+// Return the differences between the address book and the model's: in memory, and in the database, which is
+// opened a second time for this.
 std::string differenceOfBooks(const Model& model);
 std::string differenceOfDatabases(const Model& model);
 
-// Whether the plug-in's table and the model's have the same functions and numbers of arguments; what differs.
+// Returns the differences between the plug-in's table of functions and the model's: functions and numbers of
+// arguments.
 std::string differenceOfTables();
 
-// Identifiers of a person and a group in another address book.
+// Returns the identifiers of a person and a group in another address book.
 std::pair<std::string, std::string> recordsElsewhere();
 
 } // namespace model

@@ -1,7 +1,6 @@
 #pragma once
 
-// Texts of the tests: UTF-8, in which also half of a surrogate pair, which is no character, has its three
-// bytes.
+// The encoding of texts in these tests: UTF-8, in which half of a surrogate pair has three bytes as well.
 
 #include <string>
 #include <string_view>

@@ -1,6 +1,6 @@
 #pragma once
 
-// What the model's records hold. Plain C++, and on purpose not the types of the address book under test.
+// The values of the model's records. On purpose not the types of the address book under test.
 
 #include <compare>
 #include <map>
@@ -12,13 +12,13 @@
 
 namespace model {
 
-// A date and time on the user's clock, which runs on UTC in the tests.
+// A date and time in the user's time zone, which is UTC in the tests.
 struct Civil {
     int year = 0, month = 0, day = 0, hour = 12, minute = 0, second = 0;
     auto operator<=>(const Civil&) const = default;
 };
 
-// A time that the address book keeps by itself: some moment of this test run.
+// A date that the address book sets by itself, which is some moment of this test run.
 struct Clock {
     bool operator==(const Clock&) const = default;
 };
@@ -43,7 +43,7 @@ struct Value : std::variant<std::monostate, std::string, long long, Civil, Clock
 };
 
 struct Entry {
-    std::string id; // empty until an answer has told it
+    std::string id; // empty until a result of the plug-in has told it
     std::string label;
     Value value;
     bool operator==(const Entry&) const;
@@ -56,14 +56,14 @@ inline bool Entry::operator==(const Entry& other) const {
 // An argument of a call, or a text that may be missing.
 using Text = std::optional<std::string>;
 
-// ASCII lower case.
+// Returns a text with its ASCII letters in lower case.
 std::string lower(std::string text);
 
-// The date that a text names; none for a text that is no date. Only the forms that the generator uses.
+// Returns the date that a text gives; none for any other text. Knows only the forms that the generator uses.
 std::optional<Civil> dateFromText(const std::string& text);
 
-// The number that a text begins with, after leading white space and a sign; 0 for none, the last
-// there is for one beyond it.
+// Returns the number with which a text begins, after white space and a sign; 0 when there is none, the
+// nearest limit for one that is too large.
 long long integerFromText(const std::string& text);
 
 } // namespace model

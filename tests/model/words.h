@@ -1,7 +1,6 @@
 #pragma once
 
-// The vocabulary as the model knows it: names of properties, words for labels, fields of addresses,
-// countries.
+// The model's vocabulary: names of properties, words for labels, fields of addresses, countries.
 
 #include "tests/model/value.h"
 
@@ -9,30 +8,30 @@
 
 namespace model {
 
-// The type of a property that the address book has by itself for people (false) or groups (true): 1 text,
-// 2 number, 4 date; with 0x100 a list, of texts, of dates, 0x106 of addresses. 0: no such property.
+// Returns the type of a built-in property of people (false) or groups (true): 1 text, 2 number, 4 date; 0x101
+// a list of texts, 0x104 of dates, 0x106 of addresses; 0 when there is no such property.
 int builtInType(bool ofGroups, const std::string& property);
 
-// The framework's name for what a calculation calls a property. No name at all is the identifier.
+// Returns the framework's name for a property as calculations name it; the identifier's for no name.
 Text propertyNamed(const Text& name);
 
-// The stored label for a word and the other way; none when it is no known word.
+// Return the stored label for a word, and the word for a label; none for unknown ones.
 Text labelForWord(const Text& word);
 Text wordForLabel(const std::string& label);
 
-// The label of a new entry: from a shorter list of words, else the text itself.
+// Returns the label of a new entry: by a shorter list of words, else the text itself.
 Text labelForNewEntry(const Text& word);
 
-// The field of an address for a word, when it is read; and when it is written.
+// Return the field of an address for a word, when reading and when writing.
 Text keyForReading(const Text& word);
 Text keyForWriting(const std::string& word);
 
 bool isCountry(const std::string& code);
 
-// The names of the search comparisons, in the order of their numbers.
+// Returns the names of the comparisons, in the order of their numbers.
 std::span<const char* const> comparisonNames();
 
-// The number of a search comparison; 0 for none and for any other text.
+// Returns the number of a comparison; 0 for no text and for any other.
 int comparisonNamed(const Text& name);
 
 } // namespace model

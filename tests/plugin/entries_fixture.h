@@ -6,8 +6,8 @@
 #include "tests/plugin/replaced_method.h"
 #include "tests/plugin/support.h"
 
-// The tests of the functions for entries: a person double is current, and groups are the record type, so that
-// it shows who makes people current.
+// A test of the functions for entries. The current person is a double, and groups are the current record
+// type, so that the tests see which functions make it people.
 class EntriesTest : public PluginTest {
   protected:
     void SetUp() override {
@@ -20,7 +20,7 @@ class EntriesTest : public PluginTest {
     }
     void TearDown() override { resetPersonDouble(); }
 
-    // Makes every list of the person these values, which the identifiers "0", "1", ... name.
+    // Gives every list property of the person these values, with the identifiers "0", "1", ...
     static void giveList(std::initializer_list<id> values) {
         auto list = Retained<ABMutableMultiValue>::adopt([[VelocardListDouble alloc] init]);
         for (id value : values) {
@@ -29,14 +29,14 @@ class EntriesTest : public PluginTest {
         personDouble.values = Retained<NSObject>::retain(list.get());
     }
 
-    // Checks that a call has failed so: the result, the message and the code.
+    // Expects that a call has failed with this message and code.
     static void expectFailure(const std::string& answer, const std::string& text, const std::string& code) {
         EXPECT_EQ(answer, "!!ERROR!!");
         EXPECT_EQ(lastErrorText(), text);
         EXPECT_EQ(lastErrorNumber(), code);
     }
 
-    // A value of the list last written to the person.
+    // Returns a value of the list last written to the person.
     static std::string written(NSUInteger index) {
         return utf8([[personDouble.taken.get() valueAtIndex:index] description]);
     }
@@ -44,7 +44,7 @@ class EntriesTest : public PluginTest {
     static std::string openProperty() { return utf8(state.gCurrentProperty.get()); }
 };
 
-// Makes all properties of people have a type for the rest of the block.
+// Gives all properties of people one type for the rest of the block.
 template <int Type>
 class EveryPropertyHasType {
     static ABPropertyType answer(id /*self*/, SEL /*selector*/, NSString* /*property*/) {

@@ -104,7 +104,7 @@ TEST_F(EntriesTest, ANumberIsTheTextsWholeNumber) {
     }
 }
 
-// Unlike for a property with a single value, and for a new entry. It is meant.
+// On purpose: a single value and a new entry lose it.
 TEST_F(EntriesTest, ARealNumberKeepsItsFraction) {
     giveList({[NSNumber numberWithInt:0]});
     const EveryPropertyHasType<kABMultiRealProperty> type;
@@ -143,7 +143,7 @@ TEST_F(EntriesTest, ATypeOfASingleValueIsRefusedWhateverTheRest) {
     expectFailure(deleteValue("phone", "0"), "Invalid property type ", "-8006");
 }
 
-// The list is written back although nothing in it has changed. It is meant.
+// On purpose: the list is written back although nothing in it has changed.
 TEST_F(EntriesTest, NoDateFailsAndStillWritesTheListBack) {
     NSDate* date = [NSDate dateWithTimeIntervalSinceReferenceDate:0];
     giveList({date});

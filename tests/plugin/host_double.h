@@ -5,11 +5,11 @@
 #include <string_view>
 #include <vector>
 
-// Stands between the plug-in and the host's library in the tests: notes which functions are registered,
-// counts the host's objects that live, and can make the host's calls fail.
+// A double between the plug-in and the host's library: records which functions are registered, counts the
+// host's objects, and can make calls to the host fail.
 namespace host_double {
 
-// One registration, as the host got it.
+// A registration of a function.
 struct Registration {
     std::string plugin;
     short id;
@@ -21,30 +21,30 @@ struct Registration {
     fmx::ExtPluginType function;
 };
 
-// What was registered and unregistered (plug-in and id) since the last reset, in order.
+// Return what was registered and unregistered (plug-in and id) since the last reset, in order.
 [[nodiscard]] const std::vector<Registration>& registrations();
 [[nodiscard]] const std::vector<std::pair<std::string, short>>& unregistrations();
 
-// The values of the host that were made ("+ FM_Text_Constructor1") and deleted ("- FM_Text_Delete") since the
-// last reset, in order.
+// Returns the constructors ("+ FM_Text_Constructor1") and deletions ("- FM_Text_Delete") of host objects
+// since the last reset, in order.
 [[nodiscard]] const std::vector<std::string_view>& lives();
 
-// The type of the locale that was made last.
+// Returns the type of the locale that was made last.
 [[nodiscard]] fmx::int32 localeType();
 
-// The locale with which a value was last made text.
+// Returns the locale with which a value was last set to a text.
 [[nodiscard]] const fmx::Locale* textLocale();
 
-// Forgets them, and lets every call succeed.
+// Clears all records, and lets every call succeed.
 void reset();
 
-// Values of the host (texts, dates, containers, ...) that have been made and not deleted.
+// Returns the number of host objects (texts, dates, containers, ...) that have been made and not deleted.
 [[nodiscard]] int livingObjects();
 
-// Makes the call after so many others fail with the code (1 no memory, 2 unknown).
+// Makes the call after the next [calls] calls fail with [code] (1 out of memory, 2 unknown).
 void failAfter(int calls, int code);
 
-// Whether the call that was to fail has come.
+// Whether that call was made.
 [[nodiscard]] bool hasFailed();
 
 } // namespace host_double

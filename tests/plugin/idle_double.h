@@ -1,6 +1,6 @@
 #pragma once
 
-// Stands in for the plug-in's idle hook, which has no effect that could be seen: counts its calls.
+// A double of the plug-in's idle hook, which has no visible effect: counts its calls.
 namespace idle_double {
 
 [[nodiscard]] int calls();

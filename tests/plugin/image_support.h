@@ -4,33 +4,33 @@
 #include <string>
 #include <vector>
 
-// What the tests of pictures share: containers, the two functions, and a current person.
+// Support for the tests of pictures: containers, the two functions, and a current person.
 
 struct Stream {
     std::string code;
     std::string bytes;
 };
 
-// Puts a stream at the end of a container.
+// Adds a stream to the end of a container.
 void add(fmx::BinaryData& container, const Stream& stream);
 
-// The streams behind a first one that is no picture (it says 30 by 20), as the host makes its containers.
+// Returns a container with these streams after a first one for the size (30 by 20), as the host makes them.
 OwnedBinaryData containerOf(std::initializer_list<Stream> streams);
 
 std::vector<Stream> streamsOf(const fmx::BinaryData& container);
 
-// What setting the picture answers.
+// Sets the picture and returns the function's result.
 std::string setPicture(const fmx::BinaryData& container);
 
-// The result of reading the picture.
+// Reads the picture and returns the function's result.
 OwnedData getPicture();
 
-// A saved person is the current one.
+// A test in which a saved person is current.
 class ImageTest : public PluginTest {
   protected:
     void SetUp() override;
 
-    // How the person's picture begins; empty without one.
+    // Returns the first bytes of the person's picture; empty when there is none.
     std::string start(std::size_t length) const;
     bool hasPicture() const { return [person_ imageData] != nil; }
 

@@ -29,8 +29,8 @@ TEST_F(WalkTest, TheIndexIsThatOfTheNextEntry) {
     EXPECT_EQ(openProperty(), "Phone");
 }
 
-// Only a first entry sets the index: opening another property does not, nor a first that finds no value or
-// fails. It is meant.
+// On purpose: only opening a first entry sets the index back; opening another property does not, nor opening
+// a first entry that fails or finds no value.
 TEST_F(WalkTest, TheIndexIsNotSetBack) {
     giveList({@"one", @"two", @"three"});
     first("phone");

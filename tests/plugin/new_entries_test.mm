@@ -49,7 +49,7 @@ TEST_F(NewEntriesTest, TheListIsWrittenBackWithTheNewEntryAtItsEnd) {
     EXPECT_EQ(state.gCurrentValuesIndex, 0U);
 }
 
-// The words are fewer than those for changing a label. It is meant.
+// On purpose: there are fewer words than for changing a label.
 TEST_F(NewEntriesTest, TheWordsForLabels) {
     giveList({});
     const auto stored = [](const std::string& label) {
@@ -110,7 +110,7 @@ TEST_F(NewEntriesTest, ANumberIsTheTextsWholeNumber) {
     }
 }
 
-// As for a property with a single value, and unlike when an entry is changed. It is meant.
+// On purpose: as with a single value, but unlike a change of an entry.
 TEST_F(NewEntriesTest, ARealNumberLosesItsFraction) {
     giveList({});
     const EveryPropertyHasType<kABMultiRealProperty> type;
@@ -183,7 +183,7 @@ TEST_F(NewEntriesTest, ExceptionsFailTheCall) {
     EXPECT_EQ(personDouble.writes, 2);
 }
 
-// Whatever becomes of it, the host is told that it went well. It is meant.
+// On purpose: the host gets no error, even when the call fails.
 TEST_F(NewEntriesTest, TheHostSeesSuccessAlone) {
     const OwnedExprEnv environment;
     const OwnedData result;

@@ -6,10 +6,10 @@
 #include <thread>
 #include <vector>
 
-// What the tests of change notifications share: a host that notes which scripts it is asked to start, and
+// Support for the tests of change notifications: a host that records which scripts it is asked to start, and
 // notifications of every kind, from this thread and from others.
 
-// One start of a script, as the host was asked for it.
+// A start of a script that the host was asked for.
 struct Start {
     std::string file;
     std::string script;
@@ -20,34 +20,34 @@ struct Start {
     bool operator==(const Start&) const = default;
 };
 
-// The starts of the test, what is done in each of them, and what the host answers to them.
+// The starts in this test, what is run in each of them, and the error code that the host returns.
 extern std::vector<Start> starts;
 extern std::function<void()> duringStart;
 extern fmx::errcode startAnswer;
 
-// The starts' parameters.
+// Returns the parameters of the starts.
 std::vector<std::string> parameters();
 
-// A notification's information: identifiers for each kind of change, nil for none.
+// Returns a notification's user info: identifiers for each kind of change, nil for none.
 NSDictionary* changes(NSArray* inserted, NSArray* updated, NSArray* deleted);
 NSArray* ids(NSString* first, NSString* second = nil);
 
-// An external change's notification.
+// Returns a notification of an external change.
 NSNotification* notificationOf(NSDictionary* changes);
 
-// Posts it; what it raises goes to the log.
+// Posts a notification; exceptions that this raises are logged.
 void post(NSDictionary* changes);
 
-// Posts on a thread of its own, one notification for each number.
+// Posts notifications on another thread, one for each number.
 void postElsewhere(int first, int count);
 
-// Turns the run loop until it has nothing to do any more.
+// Runs the run loop until nothing is due.
 void turnLoop();
 
-// Names the script to start.
+// Registers the script to start; returns the function's result.
 std::string registerScript(const std::string& file, const std::string& script);
 
-// No listener is there when a test begins.
+// A test that begins without a listener.
 class NotificationTest : public PluginTest {
   protected:
     void SetUp() override;

@@ -3,25 +3,26 @@
 #include "plugin/support/retained.h"
 #import <AddressBook/AddressBook.h>
 
-// What a person double does and has been told; as it is at the start of each test (resetPersonDouble).
+// The behaviour of a person double, and what was recorded. Reset at the start of each test
+// (resetPersonDouble).
 struct PersonDoubleScript {
     bool readOnly = false;
-    bool refuses = false;               // setValue:forProperty: answers NO
+    bool refuses = false;               // setValue:forProperty: returns NO
     bool failsReading = false;          // valueForProperty: raises
     bool failsWriting = false;          // setValue:forProperty: raises
-    koru::Retained<NSObject> values;    // every property's value; none is that of a real person
-    koru::Retained<ABMultiValue> taken; // the list that setValue:forProperty: was given last
-    int writes = 0;                     // and how often it was called
+    koru::Retained<NSObject> values;    // every property's value; nil: those of a real person
+    koru::Retained<ABMultiValue> taken; // the last list given to setValue:forProperty:
+    int writes = 0;                     // how many times it was called
 };
 extern PersonDoubleScript personDouble;
 
 void resetPersonDouble();
 
-// A person that does as the script says.
+// A person with the behaviour of the script.
 @interface VelocardPersonDouble : ABPerson
 @end
 
-// A list's copies that refuse what the script says.
+// The behaviour of copies of a list double.
 struct ListDoubleScript {
     bool refusesValues = false;
     bool refusesLabels = false;
@@ -31,7 +32,7 @@ struct ListDoubleScript {
 };
 extern ListDoubleScript listDouble;
 
-// A list whose mutable copy does as the script says.
+// A list whose mutable copy has the behaviour of the script.
 @interface VelocardListDouble : ABMutableMultiValue
 @end
 

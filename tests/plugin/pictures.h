@@ -3,7 +3,7 @@
 #import <Foundation/Foundation.h>
 #include <string>
 
-// A picture file of one colour: BMP, 24 bits.
+// Returns a picture file of one colour: BMP with 24 bits a pixel.
 std::string bmp(int width, int height);
 
 NSData* dataOf(const std::string& bytes);

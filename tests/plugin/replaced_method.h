@@ -3,9 +3,9 @@
 #import <Foundation/Foundation.h>
 #include <objc/runtime.h>
 
-// Puts another implementation in place of a class's method for the rest of the block, an inherited one too;
-// for a method of the class itself, give the class's class (object_getClass). Of a class with subclasses,
-// replace the method in these: the runtime of GCC does not tell all of them.
+// Replaces the implementation of a class's method, also of an inherited one, for the rest of the block. For a
+// class method, give the class's class (object_getClass). When the class has subclasses, replace the method
+// in these: the GNU runtime does not update all of them.
 class ReplacedMethod {
   public:
     template <typename Function>
@@ -14,7 +14,7 @@ class ReplacedMethod {
         original_ = method_getImplementation(method);
         const IMP replacement = reinterpret_cast<IMP>(reinterpret_cast<void*>(implementation));
         const char* encoding = method_getTypeEncoding(method);
-        // Replacing an inherited method would change the superclass's.
+        // Setting the implementation of an inherited method would change that of the superclass.
         if (!class_addMethod(type_, selector_, replacement, encoding)) {
             class_replaceMethod(type_, selector_, replacement, encoding);
         }

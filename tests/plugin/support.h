@@ -12,47 +12,47 @@
 #include <optional>
 #include <string>
 
-// The tests name what is the plug-in's as its own sources do.
+// The tests use the plug-in's names without a prefix, as its own sources do.
 using namespace koru;
 
-// What the tests of the plug-in share: a message to the entry point, a call of a handler, and a fixture in
-// which the plug-in has just been started and the address book, of the test run alone, is empty.
+// Support for the tests of the plug-in: messages to the entry point, calls of handlers, and a fixture with a
+// plug-in that has just been started and an empty address book of its own.
 
-// UTF-8 of a string; "(nil)" of none.
+// Returns a string in UTF-8; "(nil)" for nil.
 std::string utf8(NSString* string);
 NSString* string(const std::string& text);
 
-// A message of the host, all zero but for the fields given, with the current interface version.
+// Returns a message of the host with the current interface version; all other fields but those given are 0.
 FMX_ExternCallStruct messageOf(int whichCall, int parm1 = 0);
 
-// The answer in a message, by value: its place in the structure is not aligned, so that no reference may be
-// bound to it.
+// Returns the result in a message by value: the field is not aligned, so that no reference may be bound to
+// it.
 inline fmx::ptrtype resultOf(const FMX_ExternCallStruct& message) {
     return message.result;
 }
 
-// An argument of a call.
+// Returns a text as an argument of a call.
 OwnedData textData(const std::string& text);
 
-// The arguments of a call.
+// Returns the arguments of a call.
 OwnedDataVect vectorOf(std::initializer_list<std::string> arguments);
 
-// Calls a handler with the id that the function table has for it, checks that it answers 0 and that the
-// result is text, and answers that.
+// Calls a handler with its id in the function table, expects that it returns 0 and that the result is text,
+// and returns the text.
 std::string call(HandlerFunction handler, std::initializer_list<std::string> arguments = {});
 
-// The last error's message and number, as the last-error function gives them.
+// Return the last error's message and number, by the last-error function.
 std::string lastErrorText();
 std::string lastErrorNumber();
 
-// A plug-in's bundle with the given string table.
+// A bundle of a plug-in with the given string table.
 class Bundle {
   public:
     explicit Bundle(const std::string& stringTable);
     ~Bundle();
     Bundle(const Bundle&) = delete;
     Bundle& operator=(const Bundle&) = delete;
-    // The host's name for it.
+    // Returns the instance by which the host refers to it.
     [[nodiscard]] fmx::ptrtype instance() const { return reinterpret_cast<fmx::ptrtype>(handle_); }
 
   private:
@@ -64,7 +64,7 @@ class PluginTest : public testing::Test {
   protected:
     void SetUp() override;
 
-    // A saved person or group.
+    // Add and save a person or a group, and return it.
     static ABPerson* addPerson(NSString* first, NSString* last);
     static ABGroup* addGroup(NSString* name);
 

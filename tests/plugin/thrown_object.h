@@ -4,10 +4,10 @@
 extern "C" {
 #endif
 
-// Throws an object of any class (borrowed).
+// Throws an object of any class, without retaining it.
 void throwObject(void* object);
 
-// Runs work(context) and answers what it throws; null when it throws nothing.
+// Runs work(context) and returns the object that it throws; null when it throws nothing.
 void* objectThrownBy(void (*work)(void* context), void* context);
 
 #ifdef __cplusplus

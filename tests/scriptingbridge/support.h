@@ -1,6 +1,6 @@
 #pragma once
 
-// What the tests of the Scripting Bridge share.
+// Support for the tests of the Scripting Bridge.
 
 #include "tests/scriptingbridge/test_bus.h"
 #include "tests/support/raised.h"
@@ -11,7 +11,7 @@
 #include <gtest/gtest.h>
 #include <memory>
 
-// What the application's scripting interface adds, declared as the plug-in declares it.
+// The application's scripting interface, declared as in the plug-in.
 @protocol AddressBookApplication
 - (SBElementArray*)people;
 - (void)setSelection:(NSArray*)selection;
@@ -19,7 +19,8 @@
 
 inline constexpr const char* kDefaultName = "org.gnome.Contacts";
 
-// Each test has a folder, a pool and a bus of its own, on which the application can be started but is not.
+// A test with a temporary folder and a session bus, on which the application could be started by the bus but
+// is not.
 class ScriptingBridgeTest : public testing::Test {
   protected:
     void SetUp() override;
@@ -30,15 +31,15 @@ class ScriptingBridgeTest : public testing::Test {
     // Starts the stand-in and waits until it owns its name.
     void startApplication(const std::string& way = "answers", const std::string& name = kDefaultName);
     void stopApplication() { standIn_.reset(); }
-    // What the stand-in was told, line by line.
+    // Returns what the stand-in has recorded, line by line.
     std::string record() const;
 
     static SBApplication* application() {
         return [SBApplication applicationWithBundleIdentifier:@"com.apple.AddressBook"];
     }
-    // One that waits half a second only.
+    // Returns an application with a time-out of half a second.
     static SBApplication* impatient();
-    // Selects the person with that id and answers what goes wrong, "" for nothing; likewise for activating.
+    // Select the person with an id, and activate the application. Return what went wrong, "" for nothing.
     static std::string select(SBApplication* application, id identifier);
     static std::string activate(SBApplication* application);
 

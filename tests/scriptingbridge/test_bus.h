@@ -1,13 +1,13 @@
 #pragma once
 
-// A session bus of a test's own, and the programs on it.
+// A session bus for a test, and the programs on it.
 
 #include <filesystem>
 #include <string>
 #include <sys/types.h>
 #include <vector>
 
-// A child process that ends when its standard input does, which is when this object goes.
+// A child process that ends when its standard input is closed, which the destructor does.
 class Child {
   public:
     explicit Child(const std::vector<std::string>& command);
@@ -15,7 +15,7 @@ class Child {
     Child(const Child&) = delete;
     Child& operator=(const Child&) = delete;
 
-    // The next line that it prints; empty when it has ended.
+    // Returns the next line that it prints; empty when it has ended.
     std::string line();
     void end();
 
@@ -25,16 +25,16 @@ class Child {
     int output_ = -1;
 };
 
-// A bus in a folder of its own. It knows how to start the stand-in as [activatable]; the environment names it
-// while it lives.
+// A bus in a folder of its own, which can start the stand-in under the name [activatable]. The environment
+// names the bus while this object lives.
 class TestBus {
   public:
     TestBus(const std::filesystem::path& folder, const std::string& activatable,
             const std::filesystem::path& record);
 
-    // Asks the owner of [name] whether it is there and lets the bus start one; whether somebody answered.
+    // Pings the owner of [name], which the bus may start for this; returns whether there was a reply.
     static bool ping(const std::string& name);
-    // The process of the bus itself.
+    // Returns the process id of the bus.
     static pid_t process();
 
   private:

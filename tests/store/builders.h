@@ -1,6 +1,6 @@
 #pragma once
 
-// Short ways to write what the tests say often.
+// Helper functions for the tests of the store.
 
 #include "frameworks/AddressBook/store/store.h"
 
@@ -26,11 +26,11 @@ inline ChangeSet changesAt(double seconds) {
     return changes;
 }
 
-// Makes a book what a program of the first version would have left.
+// SQL that turns a book into one of schema version 1.
 inline constexpr const char* kMakeVersion1 = "DROP TABLE deleted; ALTER TABLE change DROP COLUMN replaced; "
                                              "ALTER TABLE change DROP COLUMN origin; PRAGMA user_version = 1";
 
-// Saves these records alone.
+// Saves these records and nothing else.
 inline SaveResult saveRecords(Store& store, std::vector<RecordChange> records, double seconds = 1) {
     ChangeSet changes = changesAt(seconds);
     changes.records = std::move(records);
@@ -44,7 +44,7 @@ inline void flushIndexes(Store& store) {
     store.save(changes);
 }
 
-// A new person; answers the unique id.
+// Adds a person; returns the unique id.
 inline std::string addPerson(Store& store, Values values) {
     const std::string uid = newUid(Kind::person);
     saveRecords(store, {inserted(uid, std::move(values))});
@@ -55,7 +55,7 @@ inline Query query(std::string property, Comparison comparison, Value value) {
     return Query{Condition{Kind::person, std::move(property), {}, {}, std::move(value), comparison}};
 }
 
-// The unique ids that a search finds.
+// Returns the unique ids that a search finds.
 inline std::vector<std::string> found(const Store& store, const Query& wanted, Date now = Date{0}) {
     std::vector<std::string> uids;
     for (const RowId row : store.search(wanted, now)) {
@@ -67,7 +67,7 @@ inline std::vector<std::string> found(const Store& store, const Query& wanted, D
 inline Value text(std::string_view value) {
     return std::string(value);
 }
-// An interval of so many days, as the interval comparisons take it: in seconds.
+// Returns an interval of [value] days, in seconds, for the interval comparisons.
 inline Value days(std::int64_t value) {
     return value * 86400;
 }

@@ -1,6 +1,6 @@
 #pragma once
 
-// Everything that a book says, to compare it with what it said before; and the bytes of files.
+// The complete contents of a book, for comparisons, and the bytes of files.
 
 #include "tests/store/builders.h"
 #include "tests/support/files.h"
@@ -12,7 +12,7 @@
 
 namespace addressbook::test {
 
-// Everything that a book says of its records.
+// Everything in a book.
 struct Contents {
     std::map<std::string, Values> records;
     std::map<std::string, std::vector<std::string>> members;
@@ -21,7 +21,7 @@ struct Contents {
     bool operator==(const Contents&) const = default;
 };
 
-// The id of a record that an index names; it may be lost.
+// Returns the unique id of the record in a row, which may be lost.
 inline std::string uidAt(const Store& store, RowId row) {
     const auto record = store.find(row);
     return record ? record->uid : "lost";

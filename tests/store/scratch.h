@@ -1,6 +1,6 @@
 #pragma once
 
-// A folder of its own for each test, and a clean environment to go with it.
+// A temporary folder for each test, with a clean environment.
 
 #include "tests/support/temporary_folder.h"
 
@@ -13,9 +13,9 @@ namespace addressbook::test {
 class Scratch : public testing::Test {
   protected:
     Scratch() { setenv("TZ", "Europe/Berlin", 1); }
-    // The test's own folder.
+    // Returns the test's folder.
     const std::filesystem::path& root() const { return home_.path(); }
-    // A folder for an address book in it; a store makes it.
+    // Returns a folder in it for an address book, which a store makes.
     std::filesystem::path folder() const { return root() / "book"; }
 
   private:

@@ -1,7 +1,7 @@
 #pragma once
 
-// A file system for SQLite whose n-th write, sync, truncation, opening or mapping of the log's index fails:
-// what a full or broken disk does to a save.
+// A VFS for SQLite in which the n-th write, sync, truncation, opening or mapping of the log's index fails, as
+// on a full or broken disk.
 
 #include <sqlite3.h>
 #include <unistd.h>
@@ -10,7 +10,7 @@
 
 namespace support {
 
-// While it lives, databases that are opened go through it.
+// While it lives, databases are opened by way of it.
 class FaultVfs {
   public:
     FaultVfs() {
@@ -27,8 +27,8 @@ class FaultVfs {
     FaultVfs(const FaultVfs&) = delete;
     FaultVfs& operator=(const FaultVfs&) = delete;
 
-    // Lets so many of them pass; all after them fail with [code], or what is usual for their kind, until
-    // disarm().
+    // Lets [good] calls succeed and makes all later ones fail with [code], or the usual code of their kind,
+    // until disarm().
     void arm(int good, int code) {
         state().left = good;
         state().code = code;
@@ -36,7 +36,7 @@ class FaultVfs {
     void disarm() { state().code = SQLITE_OK; }
 
   private:
-    // The methods of one kind of file, with ours among them; what SQLite holds is the first member.
+    // The methods of one kind of file, with some replaced. SQLite has a pointer to the first member.
     struct Patched {
         sqlite3_io_methods methods{};
         const sqlite3_io_methods* original = nullptr;
@@ -57,7 +57,7 @@ class FaultVfs {
     static bool fails() { return state().code != SQLITE_OK && state().left-- <= 0; }
     static int open(sqlite3_vfs*, const char* name, sqlite3_file* file, int flags, int* outFlags) {
         file->pMethods = nullptr;
-        // On a full disk the files that are there can still be opened.
+        // On a full disk, existing files can still be opened.
         const bool works = state().code == SQLITE_FULL && (name == nullptr || ::access(name, F_OK) == 0);
         if (!works && fails()) {
             return SQLITE_CANTOPEN;

@@ -1,5 +1,5 @@
-// What the sanitizers report about GNUstep and the Objective-C runtime, in every program that is linked with
-// them.
+// Suppressions of sanitizer reports about GNUstep and the Objective-C runtime, which every program would get
+// that is linked with them.
 
 // Foundation keeps classes, constants and caches for as long as the process lives; those are no leaks of
 // ours.

@@ -1,4 +1,4 @@
-// Catching by type works in plain Objective-C only.
+// Plain Objective-C, as with GCC only there a handler can catch by type.
 
 #import "tests/support/raised.h"
 

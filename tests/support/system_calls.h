@@ -1,7 +1,7 @@
 #pragma once
 
-// What becomes of this process's calls to the system that change files: every call of the tests, of what they
-// test and of the libraries below goes through here.
+// Doubles of the system calls that change files. All such calls of this process pass through them: those of
+// the tests, of the code under test and of its libraries.
 
 #include <sys/types.h>
 
@@ -11,7 +11,7 @@
 
 namespace support {
 
-// While it lives, the disk that holds this folder is mounted for reading only, for the super-user as well.
+// While it lives, the disk with this folder acts as if it was mounted read-only, also for the super-user.
 class ReadOnlyDisk {
   public:
     explicit ReadOnlyDisk(const std::filesystem::path& folder);
@@ -19,17 +19,18 @@ class ReadOnlyDisk {
     ReadOnlyDisk(const ReadOnlyDisk&) = delete;
     ReadOnlyDisk& operator=(const ReadOnlyDisk&) = delete;
 
-    // Does something as one for whom it is mounted for writing.
+    // Runs [work] with the disk writable.
     void writable(const std::function<void()>& work) const;
 };
 
-// Kills this process at the call after so many that change files; a write is done in half by then.
+// Kills this process at the call after the next [calls] calls that change files; if it is a write, half of it
+// is done.
 void killAfterCalls(int calls);
-// What these calls were since killAfterCalls(), one letter each: "w" is a write or a sync, "n" gives or takes
-// a name.
+// Returns the calls since killAfterCalls(), one letter each: "w" for a write or a sync, "n" for one that
+// gives or removes a name.
 std::string callsMade();
 
-// Whether what was last written to this file by this process was not brought to the disk since.
+// Whether this process has written to a file since it last synced it.
 bool isUnsynced(const std::filesystem::path& file);
 
 } // namespace support

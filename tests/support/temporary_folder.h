@@ -9,10 +9,10 @@
 
 namespace support {
 
-// A folder that nobody else uses. It goes away with the object, and with it whatever is inside.
+// A new temporary folder. The destructor removes it with its contents.
 class TemporaryFolder {
   public:
-    // Makes the folder; std::runtime_error when it cannot be made.
+    // Makes the folder. Throws std::runtime_error.
     TemporaryFolder() {
         std::string pattern = std::filesystem::temp_directory_path() / "velocard-test-XXXXXX";
         if (mkdtemp(pattern.data()) == nullptr) {
@@ -20,8 +20,8 @@ class TemporaryFolder {
         }
         path_ = pattern;
     }
-    // Removes the folder. A program that is just ending may still be removing files of its own: tries again
-    // for a second.
+    // Removes the folder. Tries for a second, as a program that is just ending may still remove files of its
+    // own.
     ~TemporaryFolder() {
         std::error_code failed;
         for (int i = 0; i < 100; ++i) {
@@ -41,9 +41,9 @@ class TemporaryFolder {
     std::filesystem::path path_;
 };
 
-// A temporary folder that is the home of this process and of those it starts: they find their settings, data
-// and caches in it, and neither an address book nor a plug-in nor a session bus of the user's. The
-// environment stays when the object goes.
+// A temporary folder that is the home of this process and of those it starts: they have their settings, data
+// and caches in it, and find neither an address book nor a plug-in nor a session bus of the user. The
+// environment is not restored.
 class TemporaryHome {
   public:
     TemporaryHome() {

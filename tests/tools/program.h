@@ -1,6 +1,6 @@
 #pragma once
 
-// Running the real program in a folder of its own.
+// Runs the program addressbook in a temporary folder.
 
 #include "tests/support/files.h"
 #include "tests/support/temporary_folder.h"
@@ -13,11 +13,11 @@
 namespace addressbook {
 
 struct Outcome {
-    int status = -1; // exit status; 128 and the signal's number when a signal ended it
+    int status = -1; // exit status; 128 plus the signal's number when a signal ended it
     std::string out, err;
 };
 
-// A temporary folder with a home, an address book and files; removed at the end.
+// A temporary folder with a home, an address book and files.
 class Sandbox {
   public:
     Sandbox();
@@ -25,7 +25,7 @@ class Sandbox {
     const std::filesystem::path& folder() const { return folder_.path(); }
     std::filesystem::path book() const { return folder() / "book"; }
 
-    // Writes a file into the folder and answers its path.
+    // Writes a file into the folder and returns its path.
     std::string file(const std::string& name, std::string_view contents) const;
 
     // Runs the program with these arguments and standard input.

@@ -1,6 +1,6 @@
 #pragma once
 
-// What the tests of vCards share: reading a text, and values as one line of text to compare with.
+// Support for the tests of vCards: reading a text, and values as a line of text.
 
 #include "frameworks/AddressBook/vcard/vcard.h"
 
@@ -17,20 +17,20 @@ struct ReadResult {
 
 ReadResult readAll(std::string_view data);
 
-// The one card of [data]; fails the test when there is not exactly one, or a problem.
+// Returns the only card in [data]; fails the test when there is not exactly one, or when there is a problem.
 Card readOne(std::string_view data);
 
-// A card made of these lines, each ended by CRLF, with BEGIN, the version and END around them.
+// Returns a card with these lines, each ended by CRLF, and with BEGIN, VERSION and END.
 std::string cardText(const std::vector<std::string>& lines, const std::string& version = "3.0");
 
-// A value as text: "a", 1, 1980-03-22, 3 bytes, {Key=value}, [Label:value Label*:value], where * marks the
-// primary entry.
+// Returns a value as text: "a", 1, 1980-03-22, 3 bytes, {Key=value}, [Label:value Label*:value], where *
+// marks the primary entry.
 std::string describe(const Value& value);
 
-// The property of the card, described; "-" when it is not set.
+// Returns a property of the card as text; "-" when it is not set.
 std::string describe(const Card& card, std::string_view property);
 
-// The card's unknown lines.
+// Returns the card's unknown lines.
 std::vector<std::string> unknownLines(const Card& card);
 
 // The lines of a written card, unfolded, without BEGIN, VERSION and END.

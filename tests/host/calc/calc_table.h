@@ -1,6 +1,6 @@
 #pragma once
 
-// Tables of calculations and what they give.
+// Tables of calculations with their expected results.
 
 #include "host/calc/session.h"
 #include "host/values/text.h"
@@ -16,8 +16,8 @@ struct CalcRow {
     const char* expected; // in UTF-8; a paragraph mark stands for a return
 };
 
-// The result of a calculation with paragraph marks for its returns, or "error " and the message with its
-// place.
+// Returns the result of a calculation, with paragraph marks for carriage returns, or "error " and the message
+// with its place.
 inline std::string outcome(Session& session, const std::string& calculation) {
     try {
         std::u16string text(session.evaluate(fromUtf8(calculation)).asText());
@@ -30,7 +30,7 @@ inline std::string outcome(Session& session, const std::string& calculation) {
     }
 }
 
-// Each row in the same session.
+// Evaluates all rows in one session, and expects their results.
 inline void expectRows(Session& session, std::initializer_list<CalcRow> rows) {
     for (const CalcRow& row : rows) {
         EXPECT_EQ(outcome(session, row.calculation), row.expected) << row.calculation;

@@ -1,6 +1,6 @@
 #pragma once
 
-// The program from the outside: runs it in a folder of its own.
+// Runs the program fmhost in a temporary folder.
 
 #include "host/console/exit_code.h"
 #include "tests/support/files.h"
@@ -27,7 +27,7 @@ class ProgramTest : public testing::Test {
   protected:
     ProgramTest() { setenv("XDG_STATE_HOME", (folder_ / "state").c_str(), 1); }
 
-    // Runs the program with the arguments as the shell reads them.
+    // Runs the program with arguments in the shell's syntax.
     Outcome run(const std::string& arguments, const std::string& input = "") {
         const std::filesystem::path out = folder_ / "out";
         const std::filesystem::path err = folder_ / "err";

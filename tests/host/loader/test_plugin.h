@@ -1,6 +1,6 @@
 #pragma once
 
-// What the plug-ins of these tests share: registering functions and answering the host's questions for
+// Support for the plug-ins of these tests: registering functions, and answering the host's requests for
 // strings.
 
 #include "host/wrapper/interface.h"
@@ -31,7 +31,7 @@ inline fmx::errcode unregisterFunction(short id) {
     return fmx::ExprEnv::UnRegisterExternalFunction(*plugin, id);
 }
 
-// Puts ASCII text into the buffer of a get-string message, if it fits.
+// Writes ASCII text into the buffer of a message that asks for a string, if it fits.
 inline void answerString(FMX_ExternCallPtr call, const char* text) {
     const size_t size = std::strlen(text);
     if (size + 1 < call->parm3) {

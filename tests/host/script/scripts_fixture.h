@@ -14,7 +14,7 @@ namespace host {
 
 namespace fs = std::filesystem;
 
-// A folder of scripts, a session, and what the scripts showed.
+// A test with a folder of scripts and a session, which records what the scripts show.
 class ScriptsTest : public testing::Test, protected ScriptListener {
   protected:
     ScriptsTest() {
@@ -30,7 +30,7 @@ class ScriptsTest : public testing::Test, protected ScriptListener {
         return file;
     }
 
-    // The result of a script, or "error " and the message with its place in the file main.
+    // Runs a script and returns its result, or "error " and the message with its place in the file main.
     std::string run(const std::string& text, const std::string& parameter = "") {
         const fs::path file = write("main", text);
         try {

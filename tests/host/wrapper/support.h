@@ -1,7 +1,6 @@
 #pragma once
 
-// What the tests of the library share. They use it as a plug-in does: through the inline classes of the
-// interface.
+// Support for the tests of the interface library, which use it as a plug-in does: by the inline classes.
 
 #include "host/wrapper/interface.h"
 
@@ -9,10 +8,10 @@
 #include <string>
 #include <string_view>
 
-// A text of the host from UTF-16, and back.
+// Convert UTF-16 to a text of the host, and back.
 fmx::TextUniquePtr hostText(std::u16string_view text);
 std::u16string unitsOf(const fmx::Text& text);
 
-// A number of the host in decimal, and from decimal.
+// Convert a number of the host to decimal digits, and back.
 std::u16string digitsOf(const fmx::FixPt& number);
 const fmx::FixPt& numberFrom(fmx::Data& holder, std::u16string_view text);

@@ -1,7 +1,7 @@
 #pragma once
 
-// The person that no vCard can bring into a book: a custom property of each type, and values that are hard to
-// keep. Included behind the Value type of whichever version of the store.
+// A person that no vCard can describe: a custom property of each type, and values that are hard to keep.
+// Included after the Value type of any version of the store.
 
 #include <cmath>
 #include <limits>
