@@ -56,7 +56,7 @@ class EncodedPictureTest : public PictureTest, public testing::WithParamInterfac
         EXPECT_EQ(difference(bmp.theirs, bmp.ours), 0);
     }
 
-    // JPEG comes close, with white behind what is transparent.
+    // JPEG is lossy, and blends transparent pixels with white.
     void checkJpeg(const Result& jpeg) const {
         EXPECT_EQ(jpeg.theirs.format, "JPEG");
         EXPECT_FALSE(jpeg.theirs.hasAlpha());

@@ -1,4 +1,4 @@
-// Pictures of people: what is written here is kept byte for byte, and reaches other processes.
+// Pictures of people: they are kept byte for byte, and other processes see them.
 
 #include "frameworks/AddressBook/objc/record.h"
 #include "tests/appkit/support.h"

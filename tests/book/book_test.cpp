@@ -1,5 +1,5 @@
-// The unsaved laid over the stored, without Objective-C: what a program sees before it saves, when others
-// save, and after.
+// The model, without Objective-C: what a program sees before it saves, after it, and when other processes
+// save.
 
 #include "frameworks/AddressBook/model/book.h"
 

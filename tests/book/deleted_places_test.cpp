@@ -1,4 +1,4 @@
-// Places in lists whose records others deleted before anybody asked for them, and what is changed in such
+// Places in lists whose records another process deleted before they were accessed, and changes to such
 // records.
 
 #include "frameworks/AddressBook/model/book.h"
@@ -30,7 +30,7 @@ class DeletedPlacesTest : public Scratch {
         book_ = std::make_shared<Book>(std::make_unique<Store>(folder()));
     }
 
-    // A list that nobody has looked into: its rows, and whose they are.
+    // A list whose records were not accessed yet: its rows, and the store to which they belong.
     struct List {
         std::shared_ptr<Book> book;
         std::vector<Book::Place> places;
@@ -147,7 +147,7 @@ TEST_F(DeletedPlacesTest, ChangesAreSavedInARecordThatIsBroughtBackBefore) {
     EXPECT_EQ(others_->value(row, kFirst), text("Anna"));
 }
 
-// Whoever deletes a record knows it.
+// A process knows the records that it has deleted itself.
 TEST_F(DeletedPlacesTest, ChangesToARecordDeletedHereAreDropped) {
     const List people = this->people();
     {

@@ -1,4 +1,4 @@
-// How long a port lives, and what is left when it is invalidated.
+// The lifetime of a port, and its state after it is invalidated.
 
 #include "tests/foundation/support.h"
 

@@ -1,4 +1,4 @@
-// Messages: who gets them, where, how many, in which modes.
+// Messages of a port: the thread that gets them, their number, and the modes.
 
 #include "tests/foundation/support.h"
 

@@ -43,7 +43,7 @@ using addressbook::Kind;
 
 namespace {
 
-// Goes on as a user for whom file modes count, when this is the super-user.
+// When this is the super-user, continues as a user to whom file modes apply.
 class AsNobody {
   public:
     explicit AsNobody(const std::vector<std::filesystem::path>& files) {
@@ -410,7 +410,7 @@ TEST_F(SharedAddressBookTest, KeepsChangesThatCouldNotBeSaved) {
     ABPerson* two = person(@"Cid", @"Lee");
     ABGroup* friends = group(@"Friends");
     [friends addMember:one];
-    // Somebody else takes the new record's unique id.
+    // Another process adds a record with the new record's unique id.
     addressbook::ChangeSet taken;
     const std::string uid = [[two uniqueId] UTF8String];
     taken.records.push_back({uid, Kind::person, true, {}});

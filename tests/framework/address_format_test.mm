@@ -15,7 +15,7 @@ class AddressFormatTest : public AddressBookTest {
     std::string lines(NSDictionary* address) {
         return text([[book() formattedAddressFromDictionary:address] string]);
     }
-    // The country's word for a field, and the text over which it stands.
+    // A country's word for a field, and the text that has it as an attribute.
     std::string word(NSDictionary* address, NSString* key) {
         NSAttributedString* whole = [book() formattedAddressFromDictionary:address];
         const NSRange found = [[whole string] rangeOfString:[address objectForKey:key]];

@@ -1,5 +1,4 @@
-// The functions for C: each is called, what it answers is owned by whom its name says, and nothing is left
-// over.
+// The C functions: each is called, the ownership of its result is as its name says, and nothing leaks.
 
 #undef NDEBUG // Foundation counts objects for those who look for errors
 #include "tests/framework/support.h"
@@ -276,7 +275,7 @@ TEST_F(CInterfaceTest, CreateAndCopyAnswerAnOwnedObject) {
     CFRelease(person);
 }
 
-// A program in C has no autorelease pool: whatever is released must be gone at once.
+// A C program has no autorelease pool, so that released objects must be deallocated at once.
 TEST_F(CInterfaceTest, NothingIsLeftOver) {
     newPerson(@"Ann");
     newGroup(@"Friends");

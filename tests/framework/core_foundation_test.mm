@@ -1,4 +1,4 @@
-// What C needs of Core Foundation, over Foundation's objects.
+// The parts of Core Foundation that C programs need.
 
 #include "tests/framework/support.h"
 

@@ -1,4 +1,5 @@
-// What another process saves: how it is told here, and what becomes of what is in memory here.
+// Saves of another process: the notifications in this process, and their effect on its objects and unsaved
+// changes.
 
 #include "tests/framework/change_support.h"
 
@@ -63,7 +64,7 @@ class ExternalChangeTest : public AddressBookTest {
     }
     static std::string last(ABRecord* record) { return text([record valueForProperty:kABLastNameProperty]); }
     static std::string idOf(ABRecord* record) { return text([record uniqueId]); }
-    // What the error says of a save that is done; "" without one.
+    // Returns the text of the error that a successful save gives; "" without one.
     std::string saveWithError() {
         NSError* error = nil;
         EXPECT_TRUE([book() saveAndReturnError:&error]);
@@ -368,7 +369,7 @@ TEST_F(ExternalChangeTest, AnotherFileInTheBooksPlace) {
     ABRecord* held = record(bob);
     EXPECT_EQ(first(held), "Bob");
     ASSERT_TRUE([held setValue:@"Mine" forProperty:kABLastNameProperty]);
-    // A book in which Bob stands in Ann's row.
+    // Makes a book in which Bob has Ann's row.
     const auto file = store().file();
     const auto elsewhere = folder_ / "elsewhere";
     {
@@ -407,7 +408,7 @@ class ProcessEndTest : public ExternalChangeTest {
 
 } // namespace
 
-// Does something bad to the thread that tells of changes.
+// An observer that does something bad on the notifier's thread.
 @interface BadObserver : NSObject {
   @public
     int _entered;
@@ -428,7 +429,7 @@ class ProcessEndTest : public ExternalChangeTest {
 
 namespace {
 
-// Waits until a bad observer has been told of a save.
+// Waits until the bad observer was notified of a save.
 void engage(bool exits) {
     if ([ABAddressBook sharedAddressBook] == nil) {
         std::_Exit(9);

@@ -1,4 +1,4 @@
-// Key-value coding: what Foundation does with lists of records by their properties' names.
+// Key-value coding: sorting and filtering lists of records by the names of properties.
 
 #include "tests/framework/support.h"
 

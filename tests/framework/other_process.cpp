@@ -1,10 +1,11 @@
-// Another process that has the address book open. Each line it reads is one save, of orders separated by ";":
+// A program that has the address book open as another process. Each line that it reads is one save, of orders
+// separated by ";":
 //
 //   insert UID FIRST    update UID PROPERTY TEXT    delete UID    join GROUP MEMBER    leave GROUP MEMBER
 //   define NAME         me UID
 //
-// It answers the number of the save in the change log. "burst COUNT UID..." is so many saves, the n-th of
-// which sets the first name of the n-th person, going round, to n. "get UID PROPERTY" answers a text.
+// It replies with the number of the save in the change log. "burst COUNT UID..." makes COUNT saves, the n-th
+// of which sets the first name of the n-th person, in turn, to n. "get UID PROPERTY" replies with a text.
 
 #include "frameworks/AddressBook/store/store.h"
 

@@ -1,4 +1,4 @@
-// Programs as others write them for macOS, run against a book of their own.
+// Typical programs for macOS, run with an address book of their own.
 
 #include "tests/framework/support.h"
 

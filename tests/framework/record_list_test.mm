@@ -1,4 +1,4 @@
-// Lists of records in which nobody has looked before another program changes the address book.
+// Lists whose records are first accessed after another program has changed the address book.
 
 #include "tests/framework/change_support.h"
 
@@ -32,7 +32,7 @@ class RecordListTest : public AddressBookTest {
         AddressBookTest::TearDown();
     }
 
-    // Everybody called Ann, and the group: a search of both kinds.
+    // Searches people and groups at once: everybody called Ann, and the group.
     NSArray* annAndCrew() {
         ABSearchElement* ann = [ABPerson searchElementForProperty:kABFirstNameProperty
                                                             label:nil
@@ -60,13 +60,13 @@ class RecordListTest : public AddressBookTest {
     static bool noteIn(ABRecord* record, NSString* note) {
         return [record setValue:note forProperty:kABNoteProperty];
     }
-    // What the error says of a save that is done; "" without one.
+    // Returns the text of the error that a successful save gives; "" without one.
     std::string saveWithError() {
         NSError* error = nil;
         EXPECT_TRUE([book() saveAndReturnError:&error]);
         return error != nil ? text([error localizedDescription]) : "";
     }
-    // Runs the address book's program; what it tells is told to the listener as well.
+    // Runs the program addressbook, and waits for the notification of its save.
     void run(const std::string& command) {
         const std::string line = std::string(ADDRESSBOOK_PROGRAM) + " " + command + " >/dev/null 2>&1";
         ASSERT_EQ(std::system(line.c_str()), 0) << command;

@@ -37,7 +37,7 @@ class SearchTest : public AddressBookTest {
                                             value:value
                                        comparison:comparison];
     }
-    // The same search with everything unsaved, with everything saved, and by asking record after record.
+    // Runs a search with everything unsaved, with everything saved, and by matching record after record.
     void expect(NSString* property, id value, ABSearchComparison comparison, Names expected,
                 NSString* label = nil, NSString* key = nil) {
         for (int pass = 0; pass < 2; ++pass) {

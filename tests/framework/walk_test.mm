@@ -1,4 +1,4 @@
-// Walks through long lists, and the lists of a record that are kept while nothing changes.
+// Walks through long lists, and the list of entries that a record caches while nothing changes.
 
 #include "tests/framework/support.h"
 

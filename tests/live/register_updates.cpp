@@ -1,6 +1,6 @@
-// The plug-in with one function more: the one that names the script to start when another process changes the
-// address book. It is part of the plug-in, but not in its table. The linker lets this stand in front of the
-// plug-in's own registration (--wrap).
+// The plug-in with one more function: the one that registers the script to start when another process changes
+// the address book, which the plug-in has but does not register. The linker makes this wrap the plug-in's own
+// registration (--wrap).
 
 #include "plugin/shell/handlers.h"
 

@@ -38,7 +38,8 @@ std::string inQuotes(const std::string& text) {
 
 } // namespace
 
-// Empty when the answer is as it should be; what the model cannot know it learns.
+// Returns how a result differs from the expected one; empty when it does not. The model learns new
+// identifiers.
 std::string Comparison::compare(Expected& expected, const Answered& answered) {
     using Kind = Expected::Kind;
     if (expected.orException && answered.text == "!!ERROR!!") {

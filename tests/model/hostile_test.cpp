@@ -12,7 +12,7 @@
 namespace model {
 namespace {
 
-// A call that works, in the book of fill(); words in <> stand for its identifiers.
+// A call that succeeds with the book of fill(); words in <> stand for its identifiers.
 struct GoodCall {
     const char* name;
     Arguments arguments;

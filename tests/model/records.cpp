@@ -231,7 +231,7 @@ Expected ClearAll(Model& model, const Arguments& arguments) {
     }
     const bool people = !what || lower(*what) == "members";
     const bool groups = !what || lower(*what) == "groups";
-    // The lists are made before anything goes.
+    // The lists are made before anything is removed.
     std::vector<RecordPtr> deleted;
     std::vector<RecordPtr> detached;
     if (people) {

@@ -1,4 +1,4 @@
-// How the model searches: a condition looks at every text, number and date of a property.
+// The model's search: a condition is compared with every text, number and date of a property.
 
 #include "tests/model/book.h"
 
@@ -78,7 +78,8 @@ std::chrono::sys_days dayOf(int year, int month, int day) {
     return std::chrono::sys_days(std::chrono::year(year) / month / day);
 }
 
-// Whether a date lies so many whole days around or ahead of today; with [yearless] one of its anniversaries.
+// Whether a date is within a number of whole days around or after today; with [yearless], one of its
+// anniversaries.
 bool intervalMeets(int comparison, const Civil& date, long long seconds) {
     const bool around = comparison <= 20;
     const bool yearless = comparison % 2 == 0;

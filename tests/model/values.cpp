@@ -29,7 +29,7 @@ Expected shown(const Value& value) {
     return expected;
 }
 
-// The identifier of an entry; the plug-in may have made one that nobody has seen yet.
+// Returns the identifier of an entry; the plug-in may have made one that no result has told yet.
 Expected identifierOf(Entry& entry, const std::function<void(const std::string&)>& learn) {
     if (!entry.id.empty()) {
         return answer(entry.id);

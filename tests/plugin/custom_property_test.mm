@@ -12,7 +12,7 @@ namespace {
 // Outside the function table no number of arguments is refused.
 constexpr short kNoFunction = 1000;
 
-// What the framework's replaced methods are told and answer.
+// The arguments and results of the framework's replaced methods.
 Retained<NSObject> given;
 Class asked = Nil;
 NSInteger count = 0;
@@ -250,7 +250,7 @@ TEST_F(CustomPropertyTest, AValueThatIsNoTextLeavesTheHandlerAsAnException) {
         EXPECT_EQ(utf8([thrown name]), utf8(NSInvalidArgumentException)) << name;
         EXPECT_EQ(host_double::livingObjects(), before) << name;
         EXPECT_EQ(utf8(stringFromText(result->GetAsText())), "before") << name;
-        // It is nobody's error: the next call begins as after a success.
+        // It sets no error: the next call begins as after a success.
         EXPECT_EQ(errors.g_llasterror, kSuccess);
         EXPECT_FALSE(errors.g_sExceptionTxt);
         EXPECT_EQ(lastErrorText(), "Success");

@@ -10,7 +10,7 @@
 
 namespace {
 
-// What the application and its elements were told, in order, and where that ends in an exception.
+// The messages that the application and its elements got, in order, and the one that raises an exception.
 std::vector<std::string> told;
 std::string raisedAt;
 id thrownInstead = nil;
@@ -114,7 +114,7 @@ TEST_F(DisplayTest, NoApplicationIsOneThatDoesNotRun) {
     EXPECT_EQ(lastErrorNumber(), "-8032");
 }
 
-// Whatever raises, the call fails with it, and nothing comes after.
+// Whichever message raises, the call fails with its exception, and no further message is sent.
 TEST_F(DisplayTest, AnExceptionEndsTheCall) {
     for (std::size_t i = 0; i < kAll.size(); ++i) {
         told.clear();
@@ -134,7 +134,7 @@ TEST_F(DisplayTest, WhatIsThrownAndNoExceptionPasses) {
     EXPECT_EQ(errors.g_llasterror, kSuccess);
 }
 
-// The id is the application's affair: it may be nobody's, a group's, or text of any kind.
+// The id is not checked: it may be unknown, a group's, or any text.
 TEST_F(DisplayTest, TheIdIsHandedOverAsItIs) {
     for (const std::string id : {"nobody", "1:ABGroup", "ü🙂", " 1 "}) {
         told.clear();

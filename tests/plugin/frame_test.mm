@@ -20,7 +20,7 @@
 
 namespace {
 
-// Not in the function table, so that any number of arguments goes.
+// Not in the function table, so that any number of arguments is accepted.
 constexpr short kNoFunction = 1000;
 
 class FrameTest : public PluginTest {

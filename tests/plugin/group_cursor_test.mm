@@ -195,7 +195,7 @@ TEST_F(GroupCursorTest, AFailingListOfParentsIsGone) {
     expectWrongOrder(Do_KORU_GetNextParentID);
 }
 
-// Among the parents the index moves before the identifier is asked for; elsewhere behind it.
+// In the walk through parents the index moves before the identifier is read, in the others after it.
 TEST_F(GroupCursorTest, AFailingIdentifierLeavesTheElementCurrent) {
     open(crew_);
     open(anna_);
@@ -359,7 +359,7 @@ TEST_F(GroupCursorTest, NextSubgroupIsGuardedAsTheParentsAre) {
     expectNoRecord(Do_KORU_GetNextSubgroupID);
     EXPECT_EQ(state.gCurrentSubgroup.get(), crew_);
     EXPECT_EQ(state.gCurrentSubgroupIndex, 1U);
-    // Nobody needs a person, nor another type a group.
+    // None of the functions needs a person, nor those of other record types a group.
     for (const std::uint32_t type : {kPersonType, 2U}) {
         state.g_currentRecordType = type;
         EXPECT_EQ(call(Do_KORU_GetNextSubgroupID), "END");

@@ -1,5 +1,5 @@
-// Containers that are not what they say: nothing crashes, the codes are the usual ones, and memory stays in
-// proportion.
+// Containers with false or damaged contents: nothing crashes, the error codes are the usual ones, and memory
+// use stays in proportion.
 
 #include "tests/plugin/image_support.h"
 #include "tests/plugin/pictures.h"

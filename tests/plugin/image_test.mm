@@ -10,7 +10,7 @@
 
 namespace {
 
-// The same picture in another format.
+// Returns a picture in another format.
 std::string picture(int width, int height, NSBitmapImageFileType format) {
     NSBitmapImageRep* bitmap = [NSBitmapImageRep imageRepWithData:dataOf(bmp(width, height))];
     NSData* data = [bitmap representationUsingType:format properties:nil];
@@ -77,7 +77,7 @@ TEST_F(ImageTest, AnEmptyContainerTakesThePictureAway) {
     EXPECT_EQ(setPicture(*OwnedBinaryData()), "0");
 }
 
-// Meant: the work goes on without a bitmap, and takes the picture away.
+// On purpose: the function continues without a bitmap, and removes the picture.
 TEST_F(ImageTest, WhatIsNoPictureTakesThePictureAwayAndFails) {
     for (const std::string& bytes : {std::string("no picture"), std::string()}) {
         EXPECT_EQ(setPicture(*containerOf({{"BMPf", bmp(30, 20)}})), "0");
@@ -160,7 +160,7 @@ TEST_F(ImageTest, NoPictureIsTheEmptyText) {
     EXPECT_EQ(lastErrorNumber(), "0");
 }
 
-// Meant: the container is answered, and only the last error tells of it.
+// On purpose: the container is returned, and only the last error shows the failure.
 TEST_F(ImageTest, APictureThatCannotBeReadAnswersAContainerAllTheSame) {
     ASSERT_TRUE([person_ setImageData:dataOf("no picture")]);
     const OwnedData result = getPicture();

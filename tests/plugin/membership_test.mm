@@ -8,7 +8,7 @@
 
 namespace {
 
-// What a replaced method of the framework is told, and whether it was called.
+// The argument of a replaced method of the framework, and whether it was called.
 Retained<NSObject> given;
 int calls = 0;
 id readOnly = nil;
@@ -74,7 +74,7 @@ class MembershipTest : public PluginTest {
         state.g_currentRecordType = kGroupType;
     }
 
-    // Somebody whom the function could add or remove.
+    // Returns a person whom the function could add or remove.
     ABRecord* recordFor(const Function& function) const {
         return function.groups ? static_cast<ABRecord*>(board_) : static_cast<ABRecord*>(anna_);
     }

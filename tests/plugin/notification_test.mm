@@ -7,7 +7,7 @@
 
 namespace {
 
-// Turns it until so many scripts have been started, for ten seconds at the most.
+// Runs the run loop until [count] scripts have been started, at most ten seconds.
 void turnLoopUntilStarted(std::size_t count) {
     NSDate* end = [NSDate dateWithTimeIntervalSinceNow:10];
     while (starts.size() < count && [end timeIntervalSinceNow] > 0) {
@@ -58,7 +58,7 @@ fmx::errcode keepParameter(const fmx::Text* /*file*/, const fmx::Text* /*script*
     return 0;
 }
 
-// A zero does not end it, and characters beyond 16 bits may stand at its end or be halved.
+// A zero does not end the text, and it may end in a surrogate pair or in half of one.
 TEST_F(NotificationTest, EveryUnitOfAnIdentifierArrives) {
     EXPECT_EQ(registerScript("Contacts", "Changed"), "0");
     message_.cStartScript = keepParameter;

@@ -4,7 +4,7 @@
 
 namespace {
 
-// Little-endian numbers, one behind the other.
+// Appends little-endian numbers.
 void append(std::string& bytes, std::uint64_t value, int size) {
     for (int i = 0; i < size; ++i) {
         bytes.push_back(static_cast<char>(value >> (8 * i)));

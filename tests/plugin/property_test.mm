@@ -56,7 +56,7 @@ namespace {
 
 class PropertyTest : public PluginTest {
   protected:
-    // Makes a person current, and answers it.
+    // Makes a person current, and returns it.
     static ABPerson* openPerson(Class kind = [ABPerson class]) {
         auto person =
             Retained<ABPerson>::adopt([[kind alloc] initWithAddressBook:[ABAddressBook sharedAddressBook]]);

@@ -7,7 +7,7 @@
 #include <gmock/gmock.h>
 #include <regex>
 
-// In the place of the framework's bundle: notes what it is told, and answers as it is set.
+// A double of the framework's bundle: records its messages, and returns what is set.
 @interface BundleDouble : NSObject {
   @public
     BOOL unloads;
@@ -144,7 +144,7 @@ TEST_F(ReloadTest, AnotherReloadUnloadsWhatTheOneBeforeHasFetched) {
     testing::internal::GetCapturedStderr();
 }
 
-// Says when it goes; stands in for any object of the state.
+// An object for any variable of the state, which notes its deallocation.
 template <typename T>
 Retained<T> witness(NSString* name) {
     Witness* object = [[Witness alloc] init];
@@ -177,7 +177,7 @@ TEST_F(ReloadTest, WhatTheStateHoldsGoesInItsOrderBeforeTheFrameworkDoes) {
                           "gGroupSubgroups, gCurrentSubgroup, gCurrentProperty, unload old, "));
 }
 
-// Everything that holds an object goes; the record types, the new record's mark and the places stay.
+// Every object is released; the record types, gNewRecord and the indexes stay.
 TEST_F(ReloadTest, WhatGoesAndWhatStays) {
     state.g_person = Retained<ABPerson>::retain(addPerson(@"Anna", @"Smith"));
     state.g_group = Retained<ABGroup>::retain(addGroup(@"Harbour"));

@@ -1,4 +1,4 @@
-// Saves that the disk does not take, and saves of records that another program deleted.
+// Saves that fail because of the disk, and saves of records that another program has deleted.
 
 #import "plugin/records/plugin_state.h"
 #import "plugin/shell/error_state.h"
@@ -21,7 +21,7 @@ namespace {
 using testing::AllOf;
 using testing::HasSubstr;
 
-// From the start of the program, so that whatever opens the address book first goes through it.
+// Set at the start of the program, so that every connection to the address book uses it.
 support::FaultVfs disk;
 
 ABAddressBook* anotherBook() {
@@ -208,7 +208,7 @@ class ReadOnlyDiskTest : public PluginTest {
         close();
         disk_.emplace(std::getenv("ADDRESSBOOK_HOME"));
     }
-    // The file is closed once nobody holds a record of it.
+    // The file is closed when none of its records is held any more.
     static void close() {
         resetStateForTests();
         [ABAddressBook closeSharedAddressBook];

@@ -315,7 +315,7 @@ TEST_F(SearchTest, TheNewConditionStandsBeforeTheKeptOne) {
     lastChildren.reset();
 }
 
-// What a condition was last made of; it fits nobody.
+// The arguments of the last condition, which matches nobody.
 struct ConditionParts {
     Retained<NSString> property;
     Retained<NSString> label;

@@ -1,4 +1,4 @@
-// Texts that are no proper Unicode go through the functions and the address book unit by unit.
+// Texts that are not well-formed pass through the functions and the address book unchanged, unit by unit.
 
 #import "plugin/records/plugin_state.h"
 #include "plugin/shell/function_table.h"

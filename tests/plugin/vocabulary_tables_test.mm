@@ -1,4 +1,4 @@
-// What the tables of words must hold, written down once more and apart from them.
+// The required contents of the tables of words, written down independently.
 
 #import "plugin/vocabulary/country_codes.h"
 #import "plugin/vocabulary/labels.h"

@@ -1,6 +1,6 @@
-// address_book_stand_in NAME RECORD WAY: stands in for an address book application on the session bus. It
-// owns NAME, writes a line to the file RECORD for all that it is told, and answers as WAY says: answers, is
-// silent, refuses or ends. It ends as well when its standard input does.
+// address_book_stand_in NAME RECORD WAY: a double of an address book application on the session bus. It owns
+// NAME, writes a line to the file RECORD for each message, and, as WAY says, replies, stays silent, refuses
+// or ends. It also ends when its standard input is closed.
 
 #include <cstdio>
 #include <cstdlib>

@@ -1,4 +1,4 @@
-// An application that runs and answers.
+// An application that runs and replies.
 
 #include "tests/scriptingbridge/support.h"
 

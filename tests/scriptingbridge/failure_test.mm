@@ -1,4 +1,4 @@
-// No bus, no application, and applications and buses that do not answer.
+// No bus, no application, and applications and buses that do not reply.
 
 #include "tests/scriptingbridge/support.h"
 

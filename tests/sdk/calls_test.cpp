@@ -1,4 +1,4 @@
-// The C functions of the interface: each is declared as the table says, and the library has it.
+// The C functions of the interface: each is declared as in the table, and the library exports it.
 #include "host/wrapper/interface.h"
 
 #include <gtest/gtest.h>

@@ -1,4 +1,4 @@
-// The constants of the interface: each has the value that hosts and plug-ins of others give it.
+// The constants of the interface: each has the value that other hosts and plug-ins use.
 #include "host/wrapper/interface.h"
 
 // One that has none of these values has none that differs: comparing as 64 bits keeps -1 apart from

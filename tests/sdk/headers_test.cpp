@@ -1,5 +1,5 @@
-// Which header brings in which: a source written for ours must find all that it uses in hosts' own ones, and
-// the other way round.
+// Which header includes which: a source written for these headers must also compile with a host's own ones,
+// and the other way round.
 #include <filesystem>
 #include <fstream>
 #include <gtest/gtest.h>

@@ -1,5 +1,4 @@
-// A method that is called without its object: the code in the exception block says so, and nothing else
-// happens.
+// Methods called without an object: they set a code in the exception block, and do nothing else.
 #include "host/wrapper/interface.h"
 
 #include <gtest/gtest.h>

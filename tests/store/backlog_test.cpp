@@ -17,7 +17,7 @@ using testing::IsEmpty;
 
 class BacklogTest : public Scratch {
   protected:
-    // The first number that a statement answers, asked behind the store's back.
+    // Returns the first number of a statement's result, over a connection of its own.
     std::int64_t ask(const std::string& sql) const {
         sqlite3* database = nullptr;
         sqlite3_stmt* statement = nullptr;

@@ -1,5 +1,5 @@
-// Books that earlier versions of this program wrote, kept as files in books/: each opens, is brought up to
-// date and says what it has always said.
+// Books that earlier versions of this program wrote, kept as files in books/: each is opened and upgraded,
+// and has its old contents.
 
 #include "frameworks/AddressBook/store/file/paths.h"
 #include "frameworks/AddressBook/store/record_codec.h"

@@ -1,4 +1,4 @@
-// check() finds damage that is planted behind the store's back.
+// check() finds damage that is made directly in the database.
 
 #include "tests/store/builders.h"
 #include "tests/store/scratch.h"

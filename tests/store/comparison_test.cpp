@@ -1,4 +1,4 @@
-// What each comparison means, said case by case on records in memory.
+// The meaning of each comparison, case by case, on records in memory.
 
 #include "frameworks/AddressBook/values/calendar.h"
 #include "frameworks/AddressBook/values/comparison.h"

@@ -1,5 +1,5 @@
-// Damage of every kind: an error that says so or a book that reads as before, never a crash, never a loss
-// that nobody is told of; and what repair() makes of it.
+// Damage of every kind: an error that reports it, or a book that reads as before; never a crash, and never a
+// loss without a report. Also what repair() rescues.
 
 #include "frameworks/AddressBook/store/file/paths.h"
 #include "frameworks/AddressBook/store/file/repair.h"
@@ -79,7 +79,7 @@ class DamagedTest : public Scratch {
             return error.what();
         }
     }
-    // Repairs, and looks whether what is missing then was told, and whether the damaged file is kept.
+    // Repairs, and expects that everything missing afterwards is reported, and that the damaged file is kept.
     void expectRescue(std::size_t leastPeople = 0) {
         const std::string before = bytesOf(file_);
         RepairReport report;

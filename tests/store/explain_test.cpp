@@ -1,5 +1,5 @@
-// How searches are answered: by which index, how much of it is looked at, and that this grows with the hits
-// and not with the book where an index serves.
+// The access paths of searches: which index is used, how many rows are read, and that their number grows with
+// the hits and not with the size of the book.
 
 #include "frameworks/AddressBook/store/explain.h"
 #include "tests/store/builders.h"
@@ -39,7 +39,7 @@ Values person(int place, bool isHit) {
     };
 }
 
-// A book of so many people, of whom three in the middle are hits, and a group.
+// Makes a book of [people] people, of whom three in the middle are hits, and a group.
 void fill(Store& store, int people) {
     std::vector<RecordChange> records;
     for (int i = 0; i < people; ++i) {
@@ -49,7 +49,7 @@ void fill(Store& store, int people) {
     saveRecords(store, records, kNow);
 }
 
-// A number that is the same in every book, and one that grows with it.
+// A number that does not depend on the size of the book, and one that grows with it.
 struct Count {
     int fixed = 0;
     int perPerson = 0;

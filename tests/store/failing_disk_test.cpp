@@ -1,5 +1,5 @@
-// A disk that is full or broken, at whichever write, sync, truncation or opening of a file: nothing is
-// changed, the error says what it is, and the same succeeds later.
+// A disk that is full or broken, at any write, sync, truncation or opening of a file: nothing is changed, the
+// error says why, and the operation succeeds later.
 
 #include "frameworks/AddressBook/store/file/backup.h"
 #include "frameworks/AddressBook/store/file/paths.h"

@@ -1,5 +1,5 @@
-// Searches for the days around today, which look at a part of the index only, find what `matches` finds:
-// across turns of the year, leap days, distant years and time zones.
+// Searches for the days around today, which read only a part of the index, find what matches() finds: across
+// turns of the year, leap days, distant years and time zones.
 
 #include "frameworks/AddressBook/store/explain.h"
 #include "tests/store/builders.h"

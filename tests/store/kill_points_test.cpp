@@ -1,6 +1,6 @@
-// A process that is killed at each of its calls that change files, while it makes a book, saves, takes a log
-// over into the file, brings an older book up to date, backs up, restores or repairs: the book is as before
-// or as after.
+// A process is killed at each of its system calls that change files, while it makes a book, saves,
+// checkpoints, upgrades an older book, backs up, restores or repairs: the book is then either in its old or
+// in its new state.
 
 #include "frameworks/AddressBook/store/file/backup.h"
 #include "frameworks/AddressBook/store/file/paths.h"
@@ -203,7 +203,7 @@ class KillPointsTest : public Scratch {
              });
     }
 
-    // Whether the killed process was told that its save is done; it shares this.
+    // Whether the save of the killed process had returned; in memory that it shares.
     bool* const answered_ = static_cast<bool*>(
         mmap(nullptr, sizeof(bool), PROT_READ | PROT_WRITE, MAP_SHARED | MAP_ANONYMOUS, -1, 0));
     const std::vector<std::string> people_{uid(1, "ABPerson"), uid(2, "ABPerson"), uid(3, "ABPerson")};

@@ -1,4 +1,5 @@
-// A process that is killed at any moment of its saves: what was acknowledged is there, and nothing in part.
+// A process is killed at any moment of its saves: all saves that returned are there, and none is there in
+// part.
 
 #include "tests/store/builders.h"
 #include "tests/store/long_run.h"

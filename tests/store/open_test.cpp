@@ -1,4 +1,4 @@
-// Opening: where the book is, how it comes to be, and everything that can be wrong with it.
+// Opening: where the book is, how it is made, and everything that can be wrong with it.
 
 #include "frameworks/AddressBook/store/file/paths.h"
 #include "frameworks/AddressBook/store/schema.h"

@@ -1,5 +1,5 @@
-// Eight processes in one book: no update is lost, the last one on one property wins, everybody sees
-// everything and nobody hears of locks.
+// Eight processes use one book: no update is lost, the last change of a property wins, all processes see
+// everything, and none gets an error about locks.
 
 #include "tests/store/builders.h"
 #include "tests/store/long_run.h"
@@ -39,7 +39,7 @@ std::string seen(const Store& store) {
     return all;
 }
 
-// What one process did, as it tells it at its end.
+// What a process did, which it reports at its end.
 struct Told {
     int saves = 0;
     std::string own = "-";       // the last value of its own property

@@ -1,5 +1,5 @@
-// A book on a disk that is mounted for reading only: it is read whole, with what a killed process left, it
-// says that it may only be read, and what others save there is seen.
+// A book on a read-only disk: it is read completely, with the log that a killed process left; it reports that
+// it may only be read; and saves that others make there become visible.
 
 #include "frameworks/AddressBook/store/file/backup.h"
 #include "frameworks/AddressBook/store/file/paths.h"
@@ -244,7 +244,7 @@ TEST_F(ReadOnlyDiskTest, ShowsWhatOthersSave) {
     EXPECT_TRUE(reader.moved());
 }
 
-// The time of a file tells nothing of two changes in one tick of its clock.
+// The modification time of a file does not reveal a second change in one tick of its clock.
 TEST_F(ReadOnlyDiskTest, ShowsASaveThatTheTimesDoNotTell) {
     {
         Store store(folder());

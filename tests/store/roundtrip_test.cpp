@@ -1,4 +1,4 @@
-// Every type of value returns from the database as it was.
+// Values of every type are read from the database as they were written.
 
 #include "frameworks/AddressBook/store/store.h"
 #include "tests/store/scratch.h"

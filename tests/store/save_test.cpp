@@ -1,4 +1,4 @@
-// What a save does and does not do, alone and beside other stores on the same folder.
+// The effects of a save, alone and with other stores on the same folder.
 
 #include "tests/store/builders.h"
 #include "tests/store/scratch.h"

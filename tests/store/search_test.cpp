@@ -1,6 +1,6 @@
-// The store must find what `matches` finds: random records, written, changed and deleted in several saves,
-// and random queries of every comparison, with and without label, key and value. The seed is printed when
-// they disagree.
+// The store must find what matches() finds: random records, written, changed and deleted in several saves,
+// and random queries of every comparison, with and without label, key and value. The seed is printed when the
+// results differ.
 
 #include "frameworks/AddressBook/values/text.h"
 #include "tests/store/builders.h"

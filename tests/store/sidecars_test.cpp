@@ -1,5 +1,5 @@
-// What lies beside a book that is not its own, or beside none: it is refused and kept, and nothing of it gets
-// into the book.
+// Sidecars that do not belong to the book, or have no book: they are refused and kept, and nothing of them
+// gets into the book.
 
 #include "frameworks/AddressBook/store/file/backup.h"
 #include "frameworks/AddressBook/store/file/paths.h"
@@ -25,7 +25,7 @@ class SidecarsTest : public Scratch {
   protected:
     fs::path beside(const char* suffix) const { return (folder() / kFileName).string() + suffix; }
 
-    // A book with one person; answers what it says.
+    // Makes a book with one person; returns its contents.
     static Contents makeBook(const fs::path& folder, const char* first) {
         Store store(folder);
         addPerson(store, {{"First", text(first)}});

@@ -1,4 +1,4 @@
-// What a watch tells of a book: every save once and in order, whatever becomes of the folder and the file.
+// Notifications of a watch: every save once and in order, whatever happens to the folder and the file.
 
 #include "frameworks/AddressBook/store/watch.h"
 #include "tests/store/builders.h"
@@ -20,7 +20,7 @@
 namespace {
 // Whether the kernel's watches are used up.
 std::atomic<bool> watchesAreUsedUp{false};
-// Whether it tells nothing, as of files that another machine changes.
+// Whether inotify reports nothing, as for files that another machine changes.
 std::atomic<bool> kernelIsSilent{false};
 } // namespace
 
@@ -44,7 +44,7 @@ namespace fs = std::filesystem;
 using testing::ElementsAre;
 using testing::IsEmpty;
 
-// A watch on a thread of its own, and what it told.
+// A watch on a thread of its own, which records its notifications.
 class Watching {
   public:
     Watching(const fs::path& file, std::int64_t since)

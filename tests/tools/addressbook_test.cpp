@@ -1,4 +1,4 @@
-// The program addressbook, as its users call it.
+// The real program addressbook.
 
 #include "tests/tools/program.h"
 

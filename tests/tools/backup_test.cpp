@@ -1,4 +1,4 @@
-// Backups, and what restores and repairs: through the program, as its users call it.
+// Backup, restore and repair, by the real program.
 
 #include "frameworks/AddressBook/store/store.h"
 #include "tests/store/builders.h"

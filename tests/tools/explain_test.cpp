@@ -1,4 +1,4 @@
-// addressbook check --explain: what it tells of searches, and what it says to those that it cannot read.
+// addressbook check --explain: its description of searches, and its errors for those that it cannot parse.
 
 #include "tests/tools/program.h"
 
@@ -31,7 +31,7 @@ class ExplainProgramTest : public testing::Test, public Sandbox {
         EXPECT_EQ(run({"import", file("people.vcf", cards)}).status, 0);
     }
 
-    // What is told of a search, without the times.
+    // Returns the description of a search, without the times.
     std::string explained(const std::string& search) {
         const Outcome outcome = run({"check", "--explain", search});
         EXPECT_EQ(outcome.status, 0) << outcome.err;
@@ -121,7 +121,7 @@ TEST_F(ExplainProgramTest, TellsTheIndex) {
         if (search.answer != nullptr) {
             EXPECT_EQ(told, std::string(search.condition) + "\n  " + search.answer + '\n');
         }
-        // What is told is a search itself.
+        // The description of a search is a search itself.
         EXPECT_EQ(explained(search.condition), told);
     }
 }

@@ -1,4 +1,4 @@
-// How the program behaves when it is stopped, tried out first, or watched on a terminal.
+// The program when it is interrupted, in dry runs, and on a terminal.
 
 #include "tests/tools/program.h"
 

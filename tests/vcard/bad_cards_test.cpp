@@ -1,4 +1,4 @@
-// Bad cards: each gives one problem with its number, line and reason, and the good card behind it is read.
+// Bad cards: each gives one problem with its number, line and reason, and the good card after it is read.
 
 #include "tests/vcard/support.h"
 

@@ -1,4 +1,4 @@
-// One table row per thing that a line can say: the lines, a property, the value that it must have.
+// A table with a row for everything that a line can express: the lines, a property, and its expected value.
 
 #include "tests/vcard/support.h"
 

@@ -1,4 +1,4 @@
-// The same name in every encoding that programs write.
+// A name in every encoding that programs write.
 
 #include "tests/vcard/support.h"
 

@@ -1,4 +1,4 @@
-// Line ends, folds, soft line breaks: the same card in all of them.
+// Line ends, folds and soft line breaks: a card is read alike with all of them.
 
 #include "tests/vcard/support.h"
 

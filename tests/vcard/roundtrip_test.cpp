@@ -1,4 +1,4 @@
-// Cards made at random, with a fixed seed, come back the same from writing and reading.
+// Random cards, from a fixed seed, are unchanged when they are written and read.
 
 #include "tests/vcard/support.h"
 

@@ -36,7 +36,7 @@ std::vector<std::string> unknownLines(const Card& card);
 // The lines of a written card, unfolded, without BEGIN, VERSION and END.
 std::vector<std::string> linesOf(const std::string& written);
 
-// Whether two cards say the same, identifiers of entries aside.
+// Whether two cards have the same contents, apart from the identifiers of entries.
 bool sameContents(Card left, Card right);
 
 } // namespace addressbook::vcard

@@ -1,5 +1,4 @@
-// A small program for macOS, as people write them: keeps a directory of a club in the address book and prints
-// it.
+// A typical small program for macOS: keeps the directory of a club in the address book.
 //
 //   directory add FIRST LAST EMAIL [PHONE]   adds a person to the group "Club"
 //   directory list                           prints the group, by last name

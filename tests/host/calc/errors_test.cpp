@@ -1,4 +1,4 @@
-// The exact texts of errors, the places they name, and the limits.
+// The exact texts and places of errors, and the limits.
 #include "host/calc/parser.h"
 #include "tests/host/calc/calc_table.h"
 

@@ -135,7 +135,7 @@ TEST(FunctionsTest, AllNamesOfGetAreKnown) {
     }
 }
 
-// Every function stands in some file of calculations with known results.
+// Every function has a calculation with a known result in some file.
 TEST(FunctionsTest, EachIsTried) {
     namespace fs = std::filesystem;
     std::string calculations;

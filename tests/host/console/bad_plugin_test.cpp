@@ -1,4 +1,4 @@
-// Plug-ins that go wrong, from the outside: one line on standard error that names the plug-in and the reason.
+// Plug-ins that fail, in the real program: one line on standard error names the plug-in and the reason.
 #include "tests/host/console/program.h"
 
 #include <gmock/gmock.h>
@@ -16,7 +16,7 @@ class BadPluginTest : public ProgramTest {
     }
 };
 
-// The signal goes on to what handles it elsewhere: the shell says how the program ended, a sanitizer reports.
+// The signal still has its usual effect: the shell prints how the program ended, a sanitizer reports it.
 TEST_F(BadPluginTest, ACrashNamesThePlugin) {
     const auto expectCrash = [&](const std::string& name, const std::string& signal) {
         const Outcome result = with(name, "eval 1");
@@ -50,7 +50,7 @@ TEST_F(BadPluginTest, MissingLibrariesAreNamed) {
                ": libgone.so: cannot open shared object file: No such file or directory\n");
 }
 
-// What could be registered can be used; the status tells that not all could.
+// Functions that were registered can be used; the exit status says that not all were.
 TEST_F(BadPluginTest, RefusedRegistrationsFailTheCommand) {
     const Outcome result = with("bad_functions_plugin", "eval 'Bad_Good & 1'");
     EXPECT_EQ(result.status, static_cast<int>(ExitCode::load));

@@ -1,4 +1,5 @@
-// Files in containers, through the program: the steps that read and write them, and what plug-ins make.
+// Files in containers, in the real program: the steps that read and write them, and containers that plug-ins
+// make.
 #include "tests/host/console/program.h"
 
 #include <filesystem>

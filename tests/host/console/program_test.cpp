@@ -1,4 +1,4 @@
-// The program from the outside: what it prints where, and its exit status.
+// The real program: its standard output, standard error and exit status.
 #include "tests/host/console/program.h"
 
 #include <gmock/gmock.h>

@@ -1,4 +1,4 @@
-// fmhost test: what it prints, what counts, and the report for machines.
+// fmhost test: its output, the selection of checks, and the JUnit report.
 #include "tests/host/console/program.h"
 
 #include <gmock/gmock.h>

@@ -1,4 +1,4 @@
-// A plug-in that goes wrong at start-up, in the way that BAD_PLUGIN says.
+// A plug-in that fails at start-up, in the way that the environment variable BAD_PLUGIN names.
 #include "tests/host/loader/test_plugin.h"
 
 #include <chrono>

@@ -1,4 +1,4 @@
-// A plug-in that behaves, with functions that show what arrives and functions that misbehave when asked to.
+// A well-behaved plug-in, with functions that show what they get, and functions that misbehave when asked to.
 #include "tests/host/loader/test_plugin.h"
 
 #include <chrono>
@@ -146,7 +146,7 @@ void startNamed(const std::string& name) {
     FMX_StartScript(&*file, &*script, kFMXT_Pause, nullptr);
 }
 
-// Starts a script on a thread of its own after so many milliseconds.
+// Starts a script on another thread after some milliseconds.
 errcode startLater(short, const ExprEnv&, const DataVect& in, Data& result) {
     const std::chrono::milliseconds delay(in.AtAsNumber(1).AsLong());
     threads.emplace_back([script = bytesOf(in.AtAsText(0)), delay] {
@@ -235,7 +235,7 @@ errcode vanish(short, const ExprEnv&, const DataVect& in, Data& result) {
     return 0;
 }
 
-// What start-up told: the version, whether the instance handle is there.
+// Returns what start-up gave: the version, and whether there is an instance handle.
 errcode instance(short, const ExprEnv&, const DataVect&, Data& result) {
     setNumber(result, (gFMX_ExternCallPtr->instanceID != 0 ? 1 : 0) + (unknownUnregistration != 0 ? 100 : 0) +
                           gFMX_ExternCallPtr->extnVersion * 1000);

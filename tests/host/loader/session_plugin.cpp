@@ -1,5 +1,5 @@
-// A plug-in that wants to hear of idle time and of the end of files and sessions, not of start-up and
-// shut-down.
+// A plug-in that asks for the messages for idle time and for the end of files and sessions, but not for
+// start-up and shut-down.
 #include "tests/host/loader/test_plugin.h"
 
 #include <string>

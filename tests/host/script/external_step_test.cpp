@@ -1,4 +1,4 @@
-// How scripts write the steps that plug-ins register.
+// Parsing and running the steps that plug-ins register.
 #include "host/script/external_step.h"
 #include "host/script/step_arguments.h"
 #include "host/values/text.h"

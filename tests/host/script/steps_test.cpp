@@ -13,7 +13,7 @@ class StepsTest : public ScriptsTest {
         return {std::istreambuf_iterator<char>(in), {}};
     }
 
-    // The result of steps, and of a calculation behind them.
+    // Returns the result of a script with these steps and, at its end, a calculation.
     std::string after(const std::string& steps, const std::string& calculation) {
         return run(steps + "\nExit Script [ Text Result: " + calculation + " ]");
     }

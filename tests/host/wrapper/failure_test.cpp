@@ -1,4 +1,4 @@
-// What a failure of the library looks like to a plug-in, and the hook that makes one.
+// Failures of the library as a plug-in sees them, and the hook that causes them.
 #include "tests/host/wrapper/support.h"
 
 #include "host/wrapper/host_hooks.h"

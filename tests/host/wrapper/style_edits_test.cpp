@@ -1,4 +1,4 @@
-// The styles of a text after thousands of edits, against a list of one size for each character.
+// The styles of a text after thousands of edits, compared with a list of the size of each character.
 #include "tests/host/wrapper/support.h"
 
 #include <algorithm>
@@ -19,7 +19,7 @@ CharacterStyleUniquePtr size(fmx::FontSize points) {
     return style;
 }
 
-// The sizes of all characters, and of the place behind them.
+// Returns the sizes of all characters, and that after the last one.
 std::vector<int> sizesOf(const Text& text) {
     std::vector<int> sizes;
     const CharacterStyleUniquePtr style;

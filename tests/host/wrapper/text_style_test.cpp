@@ -115,7 +115,7 @@ TextUniquePtr styled(std::u16string_view letters) {
     return text;
 }
 
-// The letters that the styles stand for, one for each character.
+// Returns the styles as letters, one for each character.
 std::u16string stylesOf(const Text& text) {
     std::u16string letters;
     const CharacterStyleUniquePtr style;
@@ -155,7 +155,7 @@ TEST(WrapperTextStylesTest, AreStandardUntilTheyAreSet) {
     EXPECT_EQ(unitsOf(*text), u"abc");
 }
 
-// Each edit does to the styles what it does to the letters that stand for them.
+// Each edit changes the styles as it changes the letters for them.
 TEST(WrapperTextStylesTest, GoWithTheirCharacters) {
     const std::u16string letters = u"bb-ix--bi";
     const std::u16string others = u"-xi";
