@@ -20,6 +20,7 @@ struct Node;
 // How a call is read and run.
 enum class BuiltinForm : uint8_t {
     eager,       // all arguments are evaluated, then the function runs
+    branch,      // the function chooses the argument that is the answer
     lazy,        // the function evaluates the arguments that it needs
     placeholder, // always returns the same value, as what it is about does not exist in this host
     refused,     // needs a field: the parser refuses it with an error code
@@ -29,6 +30,8 @@ enum class BuiltinForm : uint8_t {
 };
 
 using EagerFunction = Value (*)(Session&, std::span<const Value>);
+// Answers null when the answer is empty.
+using BranchFunction = const Node* (*)(Evaluator&, std::span<const Node>);
 using LazyFunction = Value (*)(Evaluator&, std::span<const Node>);
 
 // The value of a function in a host that has no file, record, layout, window or network: a text, which
@@ -52,6 +55,7 @@ struct Builtin {
     std::string_view category;         // set from the FunctionGroup of the row
     BuiltinForm form = BuiltinForm::eager;
     EagerFunction eager = nullptr;
+    BranchFunction branch = nullptr;
     LazyFunction lazy = nullptr;
     Placeholder placeholder{};
     CalcCode refusal = CalcCode::none; // the error of a function that needs a field
@@ -59,6 +63,8 @@ struct Builtin {
     constexpr Builtin(std::u16string_view text, EagerFunction function, std::string_view sentence,
                       std::u16string_view withLists = {})
         : prototype(text), listPrototype(withLists), description(sentence), eager(function) {}
+    constexpr Builtin(std::u16string_view text, BranchFunction function, std::string_view sentence)
+        : prototype(text), description(sentence), form(BuiltinForm::branch), branch(function) {}
     constexpr Builtin(std::u16string_view text, LazyFunction function, std::string_view sentence,
                       std::u16string_view withLists = {})
         : prototype(text), listPrototype(withLists), description(sentence), form(BuiltinForm::lazy),

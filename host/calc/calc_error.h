@@ -39,6 +39,8 @@ enum class CalcCode : int {
     badGetArgument = 1215,
     summaryFieldRequired = 1216,
     notSupportedHere = 1225,
+    nameTaken = 1300,
+    parameterNamedLikeFunction = 1301,
 };
 
 // Returns the kind of an error by the code that the lexer or the parser gives. An error at the end of a text

@@ -1,13 +1,68 @@
 #include "host/calc/evaluator.h"
 
 #include "host/calc/operations.h"
+#include "host/calc/stack_limit.h"
 #include "host/values/depth.h"
 #include "host/values/text.h"
+
+#include <utility>
 
 namespace host {
 
 Evaluator::Evaluator(Session& session, const Calculation& calculation)
     : session_(session), calculation_(calculation), slots_(calculation.slots) {}
+
+Evaluator::Evaluator(Session& session, const Calculation& calculation, std::vector<Value> arguments)
+    : session_(session), calculation_(calculation), slots_(std::move(arguments)) {
+    slots_.resize(calculation.slots);
+}
+
+Value callFunction(Session& session, const ExternalFunction& function, std::vector<Value> arguments) {
+    const DepthGuard level(session.callDepth_);
+    if (session.callDepth_ > session.callDepthLimit()) {
+        return Value::invalid();
+    }
+    PendingCall call;
+    Value result = Evaluator(session, *function.body(), std::move(arguments)).runBody(call);
+    for (int64_t turns = 1; call.function != nullptr; ++turns) {
+        if (turns >= session.recursionLimit()) {
+            return Value::invalid();
+        }
+        const PendingCall now = std::exchange(call, {});
+        result = Evaluator(session, *now.function->body(), now.arguments).runBody(call);
+    }
+    return result;
+}
+
+// Goes down to what is evaluated last: the result of Let, the branch that If chooses.
+Value Evaluator::runBody(PendingCall& next) {
+    const Node* node = &calculation_.root;
+    for (;;) {
+        if (const auto* let = std::get_if<Let>(&node->form)) {
+            assign(let->assignments);
+            node = let->result.get();
+            continue;
+        }
+        const auto* builtin = std::get_if<BuiltinCall>(&node->form);
+        if (builtin != nullptr && builtin->function->form == BuiltinForm::branch) {
+            node = builtin->function->branch(*this, builtin->arguments);
+            if (node == nullptr) {
+                return {};
+            }
+            continue;
+        }
+        const auto* external = std::get_if<ExternalCall>(&node->form);
+        if (external != nullptr && external->function->body() != nullptr) {
+            if (session_.interrupted_.load(std::memory_order_relaxed)) {
+                fail(*node, "stopped");
+            }
+            next.arguments = evaluateAll(external->arguments);
+            next.function = function(*node, *external);
+            return {};
+        }
+        return evaluate(*node);
+    }
+}
 
 void Evaluator::fail(const Node& node, std::string message) const {
     throw CalcError(ErrorKind::evaluation, CalcCode::generic, calculation_.source, node.begin,
@@ -15,10 +70,8 @@ void Evaluator::fail(const Node& node, std::string message) const {
 }
 
 Value Evaluator::evaluate(const Node& node) {
-    const DepthGuard level(session_.depth_);
-    if (session_.depth_ > kMaxEvaluationDepth) {
-        fail(node, "the evaluation is nested too deeply: at most " + std::to_string(kMaxEvaluationDepth) +
-                       " levels");
+    if (isStackShort()) {
+        fail(node, "the evaluation is nested too deeply: does it call itself without an end?");
     }
     if (session_.interrupted_.load(std::memory_order_relaxed)) {
         fail(node, "stopped");
@@ -102,6 +155,10 @@ Value Evaluator::evaluateForm(const Node& /*node*/, const BuiltinCall& form) {
     switch (form.function->form) {
     case BuiltinForm::eager:
         return form.function->eager(session_, evaluateAll(form.arguments));
+    case BuiltinForm::branch: {
+        const Node* chosen = form.function->branch(*this, form.arguments);
+        return chosen == nullptr ? Value() : evaluate(*chosen);
+    }
     case BuiltinForm::lazy:
         return form.function->lazy(*this, form.arguments);
     default:
@@ -127,6 +184,9 @@ ExternalFunctionPtr Evaluator::function(const Node& node, const ExternalCall& ca
 Value Evaluator::evaluateForm(const Node& node, const ExternalCall& form) {
     std::vector<Value> arguments = evaluateAll(form.arguments);
     const ExternalFunctionPtr callee = function(node, form);
+    if (callee->body() != nullptr) {
+        return callFunction(session_, *callee, std::move(arguments));
+    }
     try {
         return callee->call(session_, arguments);
     } catch (const ExternalFailure& failure) {

@@ -10,13 +10,30 @@
 
 namespace host {
 
+// A call that is to be made.
+struct PendingCall {
+    ExternalFunctionPtr function; // null for none
+    std::vector<Value> arguments;
+};
+
+// Calls a function that a user has defined. What it calls last takes no room on the stack, so that a function may
+// go on with itself some ten thousand times. Answers "?" beyond the limits. Throws CalcError.
+Value callFunction(Session& session, const ExternalFunction& function, std::vector<Value> arguments);
+
 // One evaluation of one calculation.
 class Evaluator {
   public:
     Evaluator(Session& session, const Calculation& calculation);
 
+    // Takes [arguments] as the first names of the calculation's frame.
+    Evaluator(Session& session, const Calculation& calculation, std::vector<Value> arguments);
+
     // Returns the calculation's value. Throws CalcError.
     Value run() { return evaluate(calculation_.root); }
+
+    // Returns the value of the body of a function; when the last thing that it does is to call a function that a
+    // user has defined, puts that call into [next] instead, and the value does not count. Throws CalcError.
+    Value runBody(PendingCall& next);
 
     // Returns the value of a node of the calculation. Throws CalcError.
     Value evaluate(const Node& node);

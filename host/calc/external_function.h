@@ -10,8 +10,9 @@
 namespace host {
 
 class Session;
+struct Calculation;
 
-// A registered function. The caller of call() checks the number of arguments.
+// A registered function, or one that a user has defined. The caller of call() checks the number of arguments.
 class ExternalFunction : public Registered {
   public:
     static constexpr int kAnyNumber = -1; // as `maxArguments`
@@ -22,6 +23,10 @@ class ExternalFunction : public Registered {
 
     // Runs the function and returns its result. Throws ExternalFailure when the plug-in throws an exception.
     virtual Value call(Session& session, std::span<Value> arguments) = 0;
+
+    // The calculation that a user has defined the function by; its first names are the parameters. Null for a
+    // function of a plug-in.
+    virtual const Calculation* body() const { return nullptr; }
 
     const std::u16string& prototype() const { return prototype_; }
     int minArguments() const { return minArguments_; }

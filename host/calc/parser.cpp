@@ -60,9 +60,12 @@ void Parser::continueAt(size_t offset) {
     advance();
 }
 
-Calculation Parser::calculation() {
+Calculation Parser::calculation(std::span<const std::u16string> parameters) {
     names_.clear();
     slots_ = 0;
+    for (const std::u16string& parameter : parameters) {
+        define(foldName(parameter), 0);
+    }
     Calculation result{source(), {}, 0};
     result.root = expression();
     result.slots = slots_;
@@ -192,6 +195,7 @@ Node Parser::named() {
             return getForm(token.begin);
         case BuiltinForm::eager:
         case BuiltinForm::lazy:
+        case BuiltinForm::branch:
         case BuiltinForm::placeholder:
         case BuiltinForm::refused:
             return call(*builtin, token.begin);

@@ -6,6 +6,7 @@
 #include "host/calc/ast.h"
 #include "host/calc/lexer.h"
 
+#include <span>
 #include <string_view>
 #include <vector>
 
@@ -25,8 +26,9 @@ class Parser {
   public:
     Parser(SourcePtr source, size_t offset, const FunctionRegistry& functions);
 
-    // Parses one calculation, up to the first token that does not belong to it.
-    Calculation calculation();
+    // Parses one calculation, up to the first token that does not belong to it. [parameters] are names that it
+    // sees; they are the first of its frame.
+    Calculation calculation(std::span<const std::u16string> parameters = {});
 
     // A variable with or without its repetition, as a calculation of its own: what Session::assign() takes.
     Calculation variableCalculation();

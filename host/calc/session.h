@@ -19,11 +19,13 @@
 
 namespace host {
 
-// The deepest nesting of nodes in an evaluation, through Evaluate and plug-in functions that evaluate.
-inline constexpr int kMaxEvaluationDepth = 1000;
-
-// A While that turns more often than this gives "?", unless SetRecursion sets another limit.
+// A While that turns more often than this gives "?", and so does a function that goes on with itself; unless
+// SetRecursion sets another limit.
 inline constexpr int64_t kMaxRecursions = 50'000;
+
+// The deepest nesting of calls of functions that users define; a call beyond it gives "?". A call that is the last
+// thing a function does is not nested. SetRecursion changes this limit as well.
+inline constexpr int64_t kMaxCallDepth = 10'000;
 
 // Returns the key of a variable's repetition; for repetition 1 and below, the variable's own key.
 std::u16string repetitionKey(const std::u16string& key, int64_t repetition);
@@ -78,6 +80,9 @@ class Session {
     void setPrecision(int places) { precision_ = places; }
     int64_t recursionLimit() const { return recursionLimit_; }
     void setRecursionLimit(int64_t turns) { recursionLimit_ = turns; }
+    int64_t callDepthLimit() const {
+        return recursionLimit_ == kMaxRecursions ? kMaxCallDepth : recursionLimit_;
+    }
 
     // What Get functions return about the host and its scripts.
     Environment& environment() { return environment_; }
@@ -87,6 +92,7 @@ class Session {
 
   private:
     friend class Evaluator;
+    friend Value callFunction(Session& session, const ExternalFunction& function, std::vector<Value> arguments);
     friend class ScriptFrame;
 
     const Variables& scopeOf(const std::u16string& key) const;
@@ -96,7 +102,7 @@ class Session {
     std::deque<Frame> frames_; // the innermost script last; a deque, so that references stay valid
     int lastError_ = 0;
     int evaluationError_ = 0;
-    int depth_ = 0;
+    int callDepth_ = 0;
     int precision_ = Number::kQuotientPlaces;
     int64_t recursionLimit_ = kMaxRecursions;
     Environment environment_;

@@ -9,28 +9,28 @@ namespace host {
 
 namespace {
 
-Value ifFunction(Evaluator& evaluator, Nodes in) {
+const Node* ifFunction(Evaluator& evaluator, Nodes in) {
     if (evaluator.evaluate(in[0]).asBoolean()) {
-        return evaluator.evaluate(in[1]);
+        return &in[1];
     }
-    return in.size() > 2 ? evaluator.evaluate(in[2]) : Value();
+    return in.size() > 2 ? &in[2] : nullptr;
 }
 
 // Takes pairs of test and result; a last argument without a pair is the result when no test is true.
-Value caseFunction(Evaluator& evaluator, Nodes in) {
+const Node* caseFunction(Evaluator& evaluator, Nodes in) {
     size_t i = 0;
     for (; i + 1 < in.size(); i += 2) {
         if (evaluator.evaluate(in[i]).asBoolean()) {
-            return evaluator.evaluate(in[i + 1]);
+            return &in[i + 1];
         }
     }
-    return i < in.size() ? evaluator.evaluate(in[i]) : Value();
+    return i < in.size() ? &in[i] : nullptr;
 }
 
-Value choose(Evaluator& evaluator, Nodes in) {
+const Node* choose(Evaluator& evaluator, Nodes in) {
     const int64_t index = integer(evaluator.evaluate(in[0]));
     const bool known = index >= 0 && static_cast<uint64_t>(index) < in.size() - 1;
-    return known ? evaluator.evaluate(in[static_cast<size_t>(index) + 1]) : Value();
+    return known ? &in[static_cast<size_t>(index) + 1] : nullptr;
 }
 
 // Evaluates a text as a calculation; "?" when it cannot be parsed or evaluated. The names of an enclosing Let

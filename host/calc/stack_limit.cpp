@@ -1,0 +1,45 @@
+#include "host/calc/stack_limit.h"
+
+#include <algorithm>
+#include <cstddef>
+#include <cstdint>
+#include <pthread.h>
+#include <sys/resource.h>
+
+namespace host {
+
+namespace {
+
+constexpr size_t kReserve = size_t{1} << 20; // of bytes
+// Linux keeps at least 128 MB below the main thread's stack free of mappings.
+constexpr rlim_t kMainStack = rlim_t{112} << 20;
+
+// The address below which the stack must not grow.
+uintptr_t lowestAddress() {
+    pthread_attr_t attributes;
+    void* lowest = nullptr;
+    size_t size = 0;
+    if (pthread_getattr_np(pthread_self(), &attributes) != 0) {
+        return 0;
+    }
+    pthread_attr_getstack(&attributes, &lowest, &size);
+    pthread_attr_destroy(&attributes);
+    return reinterpret_cast<uintptr_t>(lowest) + std::min(kReserve, size / 4);
+}
+
+} // namespace
+
+bool isStackShort() {
+    static thread_local const uintptr_t kLowest = lowestAddress();
+    return reinterpret_cast<uintptr_t>(__builtin_frame_address(0)) < kLowest;
+}
+
+void growStack() {
+    rlimit limit{};
+    if (getrlimit(RLIMIT_STACK, &limit) == 0 && limit.rlim_cur < kMainStack) {
+        limit.rlim_cur = std::min(kMainStack, limit.rlim_max);
+        setrlimit(RLIMIT_STACK, &limit);
+    }
+}
+
+} // namespace host
