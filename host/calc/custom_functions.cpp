@@ -96,11 +96,13 @@ std::vector<CustomFunctions::Definition> CustomFunctions::readHeadings(const Sou
             Parser in(source, starts[i], registry);
             const Token name = in.current();
             if (!in.accept(TokenKind::identifier)) {
-                in.failExpected("a definition: Name ( parameter ; ... ) = calculation", CalcCode::nameMissing);
+                in.failExpected("a definition: Name ( parameter ; ... ) = calculation",
+                                CalcCode::nameMissing);
             }
             const std::u16string key = foldName(name.text);
             if (isTaken(key)) {
-                in.fail(name.begin, CalcCode::nameTaken, "the language has a " + toUtf8(name.text) + " already");
+                in.fail(name.begin, CalcCode::nameTaken,
+                        "the language has a " + toUtf8(name.text) + " already");
             }
             std::vector<std::u16string> parameters;
             if (in.accept(TokenKind::leftParen) && !in.accept(TokenKind::rightParen)) {
@@ -126,7 +128,8 @@ std::vector<CustomFunctions::Definition> CustomFunctions::readHeadings(const Sou
             auto function =
                 std::make_shared<CustomFunction>(name.text, std::move(parameters), source, name.begin);
             if (!registry.add(function)) {
-                in.fail(name.begin, CalcCode::nameTaken, "there is a function called " + toUtf8(name.text) + " already");
+                in.fail(name.begin, CalcCode::nameTaken,
+                        "there is a function called " + toUtf8(name.text) + " already");
             }
             functions_.emplace(key, function);
             result.push_back({std::move(function), body, end});

@@ -21,7 +21,8 @@ namespace host {
 class CustomFunction : public ExternalFunction {
   public:
     // [begin] is where the name of the function stands.
-    CustomFunction(std::u16string name, std::vector<std::u16string> parameters, SourcePtr source, size_t begin);
+    CustomFunction(std::u16string name, std::vector<std::u16string> parameters, SourcePtr source,
+                   size_t begin);
 
     Value call(Session& session, std::span<Value> arguments) override;
     const Calculation* body() const override { return body_ ? &*body_ : nullptr; }
@@ -51,7 +52,8 @@ class CustomFunctions {
 
     // Reads the definitions of all sources and adds them to [registry], in place of those that were loaded
     // before. What is wrong goes into [errors]; the definitions without mistakes are added all the same.
-    void load(const std::vector<SourcePtr>& sources, FunctionRegistry& registry, std::vector<CalcError>& errors);
+    void load(const std::vector<SourcePtr>& sources, FunctionRegistry& registry,
+              std::vector<CalcError>& errors);
 
     // By their folded names.
     const std::map<std::u16string, CustomFunctionPtr>& all() const { return functions_; }

@@ -53,8 +53,8 @@ Value Evaluator::runBody(PendingCall& next) {
         }
         const auto* external = std::get_if<ExternalCall>(&node->form);
         if (external != nullptr && external->function->body() != nullptr) {
-            if (session_.interrupted_.load(std::memory_order_relaxed)) {
-                fail(*node, "stopped");
+            if (const char* reason = session_.reasonToStop()) {
+                fail(*node, reason);
             }
             next.arguments = evaluateAll(external->arguments);
             next.function = function(*node, *external);
@@ -73,8 +73,8 @@ Value Evaluator::evaluate(const Node& node) {
     if (isStackShort()) {
         fail(node, "the evaluation is nested too deeply: does it call itself without an end?");
     }
-    if (session_.interrupted_.load(std::memory_order_relaxed)) {
-        fail(node, "stopped");
+    if (const char* reason = session_.reasonToStop()) {
+        fail(node, reason);
     }
     try {
         return std::visit([&](const auto& form) { return evaluateForm(node, form); }, node.form);

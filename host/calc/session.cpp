@@ -12,6 +12,7 @@ Session::Session() {
 }
 
 Value Session::evaluate(const Calculation& calculation) {
+    const TimedWork work(*this);
     return Evaluator(*this, calculation).run();
 }
 
@@ -60,6 +61,14 @@ std::vector<Value> Session::repetitions(const std::u16string& key) const {
         }
     }
     return result;
+}
+
+TimedWork::TimedWork(Session& session) : session_(session) {
+    if (++session.works_ == 1) {
+        using Clock = std::chrono::steady_clock;
+        session.deadline_ =
+            session.timeLimit_.count() == 0 ? Clock::time_point::max() : Clock::now() + session.timeLimit_;
+    }
 }
 
 ScriptFrame::ScriptFrame(Session& session, std::u16string name, Value parameter) : session_(session) {

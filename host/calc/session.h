@@ -10,6 +10,7 @@
 #include "host/values/value.h"
 
 #include <atomic>
+#include <chrono>
 #include <deque>
 #include <functional>
 #include <string>
@@ -90,10 +91,26 @@ class Session {
     // While it is set, every evaluation ends with an error. May be set by a signal handler or another thread.
     std::atomic<bool>& interruptFlag() { return interrupted_; }
 
+    // Limits how long each calculation and each script may take from its start to its end; 0 for no limit.
+    void setTimeLimit(std::chrono::seconds limit) { timeLimit_ = limit; }
+
+    // Returns why what is at work must end: it was interrupted, or its time is over. Null to go on. Cheap: looks at
+    // the clock once in a while.
+    const char* reasonToStop() {
+        if (interrupted_.load(std::memory_order_relaxed)) {
+            return "stopped";
+        }
+        return ++ticks_ % 256 == 0 && works_ > 0 && std::chrono::steady_clock::now() > deadline_
+                   ? "stopped: it takes longer than --timeout allows"
+                   : nullptr;
+    }
+
   private:
     friend class Evaluator;
-    friend Value callFunction(Session& session, const ExternalFunction& function, std::vector<Value> arguments);
+    friend Value callFunction(Session& session, const ExternalFunction& function,
+                              std::vector<Value> arguments);
     friend class ScriptFrame;
+    friend class TimedWork;
 
     const Variables& scopeOf(const std::u16string& key) const;
 
@@ -107,6 +124,22 @@ class Session {
     int64_t recursionLimit_ = kMaxRecursions;
     Environment environment_;
     std::atomic<bool> interrupted_ = false;
+    std::chrono::seconds timeLimit_{0};
+    std::chrono::steady_clock::time_point deadline_ = std::chrono::steady_clock::time_point::max();
+    int works_ = 0; // inside each other
+    uint32_t ticks_ = 0;
+};
+
+// A calculation or a script that is at work; the outermost one starts the clock of the time limit.
+class TimedWork {
+  public:
+    explicit TimedWork(Session& session);
+    ~TimedWork() { --session_.works_; }
+    TimedWork(const TimedWork&) = delete;
+    TimedWork& operator=(const TimedWork&) = delete;
+
+  private:
+    Session& session_;
 };
 
 // Gives the session a frame for a script, for as long as it lives.

@@ -1,9 +1,11 @@
 #include "host/check/checker.h"
 
+#include "host/calc/custom_functions.h"
 #include "host/calc/lexer.h"
 #include "host/calc/parser.h"
 #include "host/check/calc_file.h"
 #include "host/script/script.h"
+#include "host/script/step_failure.h"
 #include "host/values/text.h"
 
 #include <algorithm>
@@ -31,6 +33,14 @@ Diagnostic diagnostic(const CalcError& error) {
     return {source->name(), error.place(), end, error.what(), static_cast<int>(error.code())};
 }
 
+// Whether two paths lead to one file, which need not be there.
+bool isSameFile(const std::string& a, const std::string& b) {
+    const auto whole = [](const std::string& path) {
+        return std::filesystem::absolute(path).lexically_normal();
+    };
+    return a == b || (!a.empty() && !b.empty() && whole(a) == whole(b));
+}
+
 class Checker {
   public:
     explicit Checker(const Vocabulary& known) : known_(known) {}
@@ -48,6 +58,7 @@ class Checker {
             script(text);
             break;
         case FileKind::customFunctions:
+            customFunctions(text);
             break;
         }
         std::stable_sort(found_.begin(), found_.end(), [](const Diagnostic& a, const Diagnostic& b) {
@@ -70,12 +81,48 @@ class Checker {
         attempt([&] { parseCalculation(text, known_.functions); });
     }
 
-    void script(const SourcePtr& text) {
-        std::vector<CalcError> errors;
-        parseScript(text, known_.functions, known_.steps, errors);
+    void add(const std::vector<CalcError>& errors) {
         for (const CalcError& error : errors) {
             found_.push_back(diagnostic(error));
         }
+    }
+
+    void script(const SourcePtr& text) {
+        std::vector<CalcError> errors;
+        const Script script = parseScript(text, known_.functions, known_.steps, errors);
+        add(errors);
+        for (const Step& step : script.steps) {
+            for (size_t i = 0; known_.hasScript && step.own != nullptr && i < step.arguments.size(); ++i) {
+                if (step.own->parameters[i].kind == StepParameter::Kind::script) {
+                    scriptName(text, step, step.arguments[i]);
+                }
+            }
+        }
+    }
+
+    // Warns of a fixed name of a script that there is not.
+    void scriptName(const SourcePtr& text, const Step& step, const StepArgument& argument) {
+        const auto* literal = argument.value ? std::get_if<Literal>(&argument.value->root.form) : nullptr;
+        const std::u16string name = literal != nullptr ? literal->value.asText() : argument.script;
+        if (!name.empty() && !known_.hasScript(argument.file, name)) {
+            found_.push_back({text->name(), text->place(step.begin), text->place(step.end),
+                              "there is no script called " + toUtf8(name), kScriptMissing,
+                              Severity::warning});
+        }
+    }
+
+    // Checks definitions against all functions but those that the file has defined before.
+    void customFunctions(const SourcePtr& text) {
+        FunctionRegistry others;
+        for (const auto& [key, function] : known_.functions.all()) {
+            const auto* custom = dynamic_cast<const CustomFunction*>(function.get());
+            if (custom == nullptr || !isSameFile(custom->source()->name(), text->name())) {
+                others.add(function);
+            }
+        }
+        std::vector<CalcError> errors;
+        CustomFunctions().load({text}, others, errors);
+        add(errors);
     }
 
     void calculations(const Source& file, bool isMarkdown) {

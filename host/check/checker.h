@@ -8,6 +8,7 @@
 #include "host/script/external_step.h"
 
 #include <filesystem>
+#include <functional>
 #include <optional>
 #include <string>
 #include <vector>
@@ -43,6 +44,9 @@ std::optional<FileKind> fileKind(const std::filesystem::path& file);
 struct Vocabulary {
     const FunctionRegistry& functions;
     const StepRegistry& steps;
+    // Whether there is a script of that name in a database file (empty: the one at hand). Without it the names of
+    // scripts are not checked.
+    std::function<bool(std::u16string_view file, std::u16string_view name)> hasScript = {};
 };
 
 // Checks a text and returns what is wrong with it, in the order of the text. A calculation that a test

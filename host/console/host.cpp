@@ -53,6 +53,14 @@ Host::Host(const HostOptions& options)
         plugin_ = &plugins_.load(*options.plugin, {options.hostVersion, options.limit, endProgram});
     }
     printWarnings();
+    session_.setTimeLimit(options.workLimit);
+    if (options.loadsCustomFunctions) {
+        std::vector<CalcError> errors;
+        customFunctions_.load(readCustomFunctions(options.scripts), session_.functions(), errors);
+        if (!errors.empty()) {
+            throw CalcError(errors.front());
+        }
+    }
 }
 
 // Fills in what the Get functions return about the folder and the plug-in.

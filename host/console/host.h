@@ -2,6 +2,7 @@
 
 // The host as a whole: a session, its scripts, the plug-in.
 
+#include "host/calc/custom_functions.h"
 #include "host/calc/session.h"
 #include "host/loader/plugin_host.h"
 #include "host/script/script_runner.h"
@@ -17,6 +18,8 @@ struct HostOptions {
     std::chrono::seconds limit = LoadOptions().limit; // for the plug-in's start-up and shut-down; 0: none
     std::filesystem::path scripts = ".";              // the folder of scripts, which is the database file
     bool trace = false;                               // print the steps of scripts
+    bool loadsCustomFunctions = true;                 // those of the folder of scripts
+    std::chrono::seconds workLimit{0};                // for each calculation and script; 0: none
 };
 
 // Returns the plug-in to use when --plugin does not name one: that of $FMHOST_PLUGIN, else the one installed
@@ -25,13 +28,16 @@ std::filesystem::path defaultPlugin();
 
 class Host : private ScriptListener {
   public:
-    // Loads the plug-in. Throws LoadError.
+    // Loads the plug-in, then the custom functions of the folder. Throws LoadError; CalcError, FileError for the
+    // first mistake in a custom function.
     explicit Host(const HostOptions& options);
 
     // Shuts the plug-in down, after flushing the output.
     ~Host() override;
 
     Session& session() { return session_; }
+    const StepRegistry& stepRegistry() const { return steps_; }
+    const CustomFunctions& customFunctions() const { return customFunctions_; }
     const ScriptLibrary& scripts() const { return library_; }
     std::vector<FunctionInfo> functions() const { return plugins_.functions(); }
     std::vector<StepInfo> steps() const { return plugins_.steps(); }
@@ -63,6 +69,7 @@ class Host : private ScriptListener {
     void printWarnings();
 
     Session session_;
+    CustomFunctions customFunctions_;
     StepRegistry steps_;
     ScriptLibrary library_;
     ScriptRunner runner_;

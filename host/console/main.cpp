@@ -1,4 +1,6 @@
 // The command line.
+#include "host/calc/stack_limit.h"
+#include "host/console/check_command.h"
 #include "host/console/commands.h"
 #include "host/console/format_command.h"
 #include "host/console/function_list.h"
@@ -21,9 +23,11 @@ struct CommandLine {
     bool noPlugin = false;
     int hostVersion = kHostVersion;
     long seconds = HostOptions().limit.count();
+    long workSeconds = 0; // --timeout where it is given
     std::string folder;
     std::string locale;
     FunctionQuery functions;
+    CheckPlan check;
     std::vector<std::string> calculations;
     std::string script;
     std::string parameter;
@@ -41,6 +45,7 @@ HostOptions hostOptions(const CommandLine& line) {
     options.hostVersion = line.hostVersion;
     options.limit = std::chrono::seconds(line.seconds);
     options.trace = line.trace;
+    options.workLimit = std::chrono::seconds(line.workSeconds);
     if (!line.folder.empty()) {
         options.scripts = line.folder;
     } else if (const auto folder = std::filesystem::path(line.script).parent_path(); !folder.empty()) {
@@ -60,10 +65,15 @@ void defineOptions(CLI::App& app, CommandLine& line) {
                    "The interface version that the host says it has [" + std::to_string(kHostVersion) + "]")
         ->check(CLI::Range(0, 32767))
         ->type_name("N");
-    app.add_option(
-           "--timeout", line.seconds,
-           "How long the plug-in may take for its start-up, and for its shut-down; 0 waits for ever [" +
-               std::to_string(line.seconds) + "]")
+    app.add_option_function<long>(
+           "--timeout",
+           [&line](long seconds) {
+               line.seconds = seconds;
+               line.workSeconds = seconds;
+           },
+           "How long the plug-in may take for its start-up, and for its shut-down [" +
+               std::to_string(line.seconds) +
+               "], and each calculation and script [no limit]; 0 waits for ever")
         ->check(CLI::Range(0, 86400))
         ->type_name("SECONDS");
     app.add_option(
@@ -133,6 +143,19 @@ void defineCommands(CLI::App& app, CommandLine& line) {
         "one\nsession; it can not fail.\n\nExamples:\n  fmhost test tests/calculations/*.calc\n"
         "  fmhost test dates.calc --filter WeekOfYear --repeat 100\n"
         "  fmhost test dates.calc --filter dates.calc:12 --junit report.xml");
+
+    CLI::App* check = app.add_subcommand(
+        "check", "Say what is wrong with scripts, custom functions and calculations, without running them");
+    check
+        ->add_option(
+            "PATH", line.check.paths,
+            "A script (.fmscript), custom functions (.fmfn), calculations (.calc, .md), or a folder of them")
+        ->required();
+    check->add_option("--format", line.check.format, "text, json, sarif or github (workflow commands) [text]")
+        ->check(CLI::IsMember({"text", "json", "sarif", "github"}));
+    check->footer(
+        "The custom functions beside a file are known in it. Exit status 3 when there is an error.\n\n"
+        "Examples:\n  fmhost check scripts\n  fmhost --no-plugin check --format sarif scripts > check.sarif");
 
     CLI::App* format = app.add_subcommand("format", "Lay scripts and calculations out in FileMaker's style");
     format->add_option(
@@ -208,6 +231,14 @@ ExitCode runCommand(const CLI::App& app, const CommandLine& line) {
         }
         return runFormat(command);
     }
+    if (app.got_subcommand("check")) {
+        HostOptions checking = options;
+        checking.loadsCustomFunctions = false;
+        Host host(checking);
+        CheckPlan plan = line.check;
+        plan.folder = line.folder;
+        return checkFiles(host, plan);
+    }
     Host host(options);
     if (app.get_subcommands().empty() && isatty(STDIN_FILENO) != 0) {
         return runPrompt(host);
@@ -222,6 +253,7 @@ ExitCode runCommand(const CLI::App& app, const CommandLine& line) {
 } // namespace
 
 int main(int argc, char** argv) { // NOLINT(bugprone-exception-escape): writing the message may fail
+    growStack();
     CommandLine line;
     CLI::App app("Loads a FileMaker plug-in, evaluates calculations and runs scripts with it.", "fmhost");
     defineOptions(app, line);

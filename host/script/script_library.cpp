@@ -6,6 +6,7 @@
 #include <cstring>
 #include <fstream>
 #include <iterator>
+#include <set>
 
 namespace host {
 
@@ -14,6 +15,7 @@ namespace fs = std::filesystem;
 namespace {
 
 constexpr std::string_view kScriptEnding = ".fmscript";
+constexpr std::string_view kFunctionsEnding = ".fmfn";
 
 // Returns the folded name of a database file, without its extension.
 std::u16string databaseKey(std::u16string_view name) {
@@ -39,6 +41,21 @@ SourcePtr readSource(const fs::path& file) {
         throw FileError(file.string() + " is not a UTF-8 text");
     }
     return std::make_shared<Source>(file.string(), std::move(text));
+}
+
+std::vector<SourcePtr> readCustomFunctions(const fs::path& folder) {
+    std::set<fs::path> files;
+    std::error_code error;
+    for (const fs::directory_entry& entry : fs::directory_iterator(folder, error)) {
+        if (entry.path().extension() == kFunctionsEnding) {
+            files.insert(entry.path());
+        }
+    }
+    std::vector<SourcePtr> sources;
+    for (const fs::path& file : files) {
+        sources.push_back(readSource(file));
+    }
+    return sources;
 }
 
 ScriptLibrary::ScriptLibrary(const fs::path& folder, const FunctionRegistry& functions,

@@ -10,6 +10,7 @@
 #include <memory>
 #include <optional>
 #include <stdexcept>
+#include <vector>
 
 namespace host {
 
@@ -22,6 +23,9 @@ class FileError : public std::runtime_error {
 // Returns the contents of a UTF-8 file as a source named by the file's path. Throws FileError, also when the
 // file is not UTF-8.
 SourcePtr readSource(const std::filesystem::path& file);
+
+// Returns the files NAME.fmfn of a folder, in the order of their names. Throws FileError.
+std::vector<SourcePtr> readCustomFunctions(const std::filesystem::path& folder);
 
 using ScriptPtr = std::shared_ptr<const Script>;
 

@@ -9,6 +9,7 @@ namespace host {
 
 Value ScriptRunner::run(const std::filesystem::path& file, Value parameter) {
     const DepthGuard level(depth_);
+    const TimedWork work(session_);
     const ScriptPtr script = library_.load(file);
     const ScriptFrame frame(session_, fromUtf8(file.stem().string()), std::move(parameter));
     if (depth_ > 1) {
@@ -29,8 +30,8 @@ Value ScriptRunner::runSteps(const Script& script) {
     size_t at = 0;
     while (at < script.steps.size()) {
         const Step& step = script.steps[at];
-        if (session_.interruptFlag().load(std::memory_order_relaxed)) {
-            throw CalcError(ErrorKind::evaluation, CalcCode::generic, script.source, step.begin, "stopped");
+        if (const char* reason = session_.reasonToStop()) {
+            throw CalcError(ErrorKind::evaluation, CalcCode::generic, script.source, step.begin, reason);
         }
         ++at;
         if (step.flow == Flow::jump) {
