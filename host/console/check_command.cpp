@@ -56,7 +56,7 @@ ExitCode checkFiles(Host& host, const CheckPlan& plan) {
     for (const std::string& path : plan.paths) {
         for (const fs::path& file : filesOf(path)) {
             const fs::path folder =
-                fs::absolute(plan.folder.empty() ? file.parent_path() : fs::path(plan.folder));
+                plan.folder.empty() ? fs::absolute(file).parent_path() : fs::absolute(plan.folder);
             if (folder != loaded) {
                 std::vector<CalcError> told; // which the check of each file tells as well
                 functions.load(readCustomFunctions(folder), host.session().functions(), told);

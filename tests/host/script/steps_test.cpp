@@ -30,6 +30,15 @@ TEST_F(StepsTest, EveryPrototypeReadsAsItIsShown) {
     EXPECT_GE(ownSteps().size(), 200U);
 }
 
+TEST_F(StepsTest, TheDocumentNamesEveryStepThatIsNotRefused) {
+    const std::string document = contents(SCRIPTS_DOCUMENT);
+    for (const OwnStep& step : ownSteps()) {
+        if (step.row.form != StepForm::refused) {
+            EXPECT_NE(document.find("| `" + toUtf8(step.name())), std::string::npos) << toUtf8(step.name());
+        }
+    }
+}
+
 TEST_F(StepsTest, SetVariableTakesRepetitions) {
     EXPECT_EQ(after("Set Variable [ $x[2] ; Value: 7 ]\nSet Variable [ $i ; Value: 3 ]\n"
                     "Set Variable [ $x[$i + 1] ; Value: 9 ]",
