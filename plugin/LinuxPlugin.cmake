@@ -26,3 +26,8 @@ add_custom_command(OUTPUT "${plugin_folder}/Resources/${strings}"
   DEPENDS "${resources}/${strings}")
 add_custom_target(velocard_resources ALL DEPENDS "${plugin_folder}/Resources/${strings}")
 add_dependencies(velocard velocard_resources)
+
+install(TARGETS velocard LIBRARY DESTINATION "${VELOCARD_LIBRARIES}/Velocard" COMPONENT runtime)
+install(DIRECTORY "${plugin_folder}/Resources" DESTINATION "${VELOCARD_LIBRARIES}/Velocard" COMPONENT runtime)
+install(TARGETS velocard LIBRARY DESTINATION "${VELOCARD_SERVER_EXTENSIONS}" COMPONENT server EXCLUDE_FROM_ALL)
+install(DIRECTORY "${plugin_folder}/Resources" DESTINATION "${VELOCARD_SERVER_EXTENSIONS}" COMPONENT server EXCLUDE_FROM_ALL)

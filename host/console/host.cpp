@@ -5,7 +5,10 @@
 #include "host/values/text.h"
 
 #include <algorithm>
+#include <array>
+#include <climits>
 #include <cstdlib>
+#include <dlfcn.h>
 #include <iostream>
 #include <set>
 #include <thread>
@@ -19,9 +22,14 @@ fs::path defaultPlugin() {
     if (const char* path = std::getenv("FMHOST_PLUGIN"); path != nullptr && *path != '\0') {
         return path;
     }
-    std::error_code error;
-    const fs::path program = fs::read_symlink("/proc/self/exe", error);
-    return program.parent_path().parent_path() / "lib" / "Velocard";
+    // It stands beside the library of the plug-in interface, in the build folder as in an installation.
+    std::array<char, PATH_MAX> folder{};
+    void* wrapper = dlopen("libFMWrapper.so", RTLD_LAZY | RTLD_NOLOAD);
+    if (wrapper != nullptr) {
+        dlinfo(wrapper, RTLD_DI_ORIGIN, folder.data());
+        dlclose(wrapper);
+    }
+    return fs::path(folder.data()) / "Velocard";
 }
 
 namespace {

@@ -58,7 +58,7 @@ void defineOptions(CLI::App& app, CommandLine& line) {
     app.fallthrough();
     app.add_option("--plugin", line.plugin,
                    "The plug-in: an .fmx file, a folder with one, or a bundle (.fmplugin) with one for Linux "
-                   "[$FMHOST_PLUGIN, or Velocard beside this program]")
+                   "[$FMHOST_PLUGIN, or the one that comes with this program]")
         ->type_name("PATH");
     app.add_flag("--no-plugin", line.noPlugin, "Load no plug-in: the language alone");
     app.add_option("--host-version", line.hostVersion,

@@ -47,7 +47,7 @@ ROOMS = {
                         "editors are told of scripts and calculations, not of who runs them"),
     "host/loader": Room(("host/calc", "host/script", "host/values", "host/wrapper", "sdk"), ("dl", "libxml2"), (),
                         "the loader knows calculations, scripts and the interface, not the console"),
-    "host/console": Room(HOST, ("CLI11", "json", "libedit", "libxml2", "ICU"), (), "the console is the host's top room"),
+    "host/console": Room(HOST, ("CLI11", "dl", "json", "libedit", "libxml2", "ICU"), (), "the console is the host's top room"),
     VALUES: Room((), ("ICU",), (), "values know nothing else"),
     SQL: Room((), ("SQLite",), (), "this room knows SQLite alone"),
     STORE: Room((VALUES, SQL), ("SQLite", "ICU"), (), "the store knows values and SQLite"),
