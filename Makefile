@@ -1,7 +1,7 @@
 # The two commands: `make demo` shows the main job on real input, `make test` runs the tests. CI adds lint and test-tsan.
 # Both install what is missing from packages.txt by themselves (Debian 12; root, or sudo).
 
-.PHONY: help demo bench test test-asan test-tsan test-long lint format build mac picture setup clean
+.PHONY: help demo bench test test-asan test-tsan test-long test-packages lint format build mac package picture setup clean
 .DEFAULT_GOAL := help
 
 help: ## this list
@@ -41,6 +41,14 @@ build: setup ## the release build
 
 mac: setup ## the plug-in for macOS into build/macos, and a check of it; MACOS_SDK is the folder of a macOS SDK
 	@scripts/build-mac
+
+package: setup ## Debian packages into build/release/packages
+	@scripts/install-packages packages-packaging.txt
+	@scripts/build-packages
+
+test-packages: setup ## the packages in a clean Debian 12 root: installed, used, built with, upgraded, purged; needs root
+	@scripts/install-packages packages-packaging.txt
+	@scripts/test-packages
 
 picture: setup ## draw docs/architecture.svg from docs/architecture.dot
 	@scripts/draw-architecture

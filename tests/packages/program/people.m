@@ -1,10 +1,11 @@
-// Counts the people of the address book: what a first program of somebody else looks like.
+// Prints the last names of the people in the address book: a first program of somebody else.
 #import <AddressBook/AddressBook.h>
 
 int main(void) {
     NSAutoreleasePool* pool = [[NSAutoreleasePool alloc] init];
     for (ABPerson* person in [[ABAddressBook sharedAddressBook] people]) {
-        printf("%s\n", [[person valueForProperty:kABLastNameProperty] UTF8String]);
+        NSString* name = [person valueForProperty:kABLastNameProperty];
+        printf("%s\n", name != nil ? [name UTF8String] : "(none)");
     }
     [pool release];
     return 0;
