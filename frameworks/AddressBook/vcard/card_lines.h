@@ -1,6 +1,6 @@
 #pragma once
 
-// The property lines that say what the address book knows of a card, before unknown lines join them.
+// The property lines for the values of a card, before its unknown lines are added.
 
 #include "frameworks/AddressBook/vcard/content_line.h"
 #include "frameworks/AddressBook/vcard/rules.h"
@@ -15,48 +15,48 @@
 
 namespace addressbook::vcard {
 
-// One property line to be written, as version 3.0 has it.
+// One property line to be written, in the form of version 3.0.
 struct CardLine {
     const Rule* rule = nullptr; // none: a line of a group's card
     std::string name;
-    std::vector<std::string_view> types; // that say the label
-    std::string params;                  // others, each with its ';' before
+    std::vector<std::string_view> types; // the TYPE words for the label
+    std::string params;                  // other parameters, each preceded by ';'
     std::string value;                   // escaped
-    std::string_view property;           // of the address book
-    std::size_t entry = 0;               // of the property, when it is a list
+    std::string_view property;           // the address book's property
+    std::size_t entry = 0;               // index of the entry, when the property is a list
     bool preferred = false;              // the primary entry, and not only for being the first
     std::optional<std::string> label;    // goes into an X-ABLabel of the same group
     std::string country;                 // goes into an X-ABADR of the same group; may be empty
-    std::vector<Param> extra;            // that no property holds
-    std::string group;                   // asked for by unknown lines that belong to this one; may be empty
+    std::vector<Param> extra;            // parameters that no property holds
+    std::string group;                   // the group of unknown lines that belong to this one; may be empty
 };
 
-// The lines of [card] in their order, without BEGIN, VERSION, UID, CATEGORIES, unknown lines and END.
-// [pictures] may be false where their data is of no interest: it stays out of their lines.
+// Returns the lines of [card] in order, without BEGIN, VERSION, UID, CATEGORIES, unknown lines and END.
+// Without [pictures], their data is left out of their lines.
 std::vector<CardLine> cardLines(const Card& card, bool pictures = true);
 
-// A stored line that begins with this character is no line of its own: it has what no property holds of the
-// line with the same name and value, which are those of version 3.0: parameters, the group of unknown lines
-// and in kAsRead the value in the form in which it was read.
+// A stored line that begins with this character is an addition to the line with the same name and value (in
+// the form of version 3.0). It has what no property holds: parameters, the group of unknown lines, and in
+// kAsRead the value in the form in which it was read.
 inline constexpr char kAddition = '+';
 inline constexpr std::string_view kAsRead = "AS-READ";
 
-// What an addition repeats of the line it belongs to, to find it again: the value, but nothing of a picture.
+// Returns the value by which an addition is matched with its line; empty for a picture.
 std::string_view matchedValue(const CardLine& line);
 
-// The name that [card]'s names make.
+// Returns the name to show, made of [card]'s names.
 std::string shownName(const Card& card);
 
-// The address of a name at a messaging service: "skype:ida".
+// Returns the URI of a user of a messaging service: "skype:ida".
 std::string messagingUri(std::string_view service, std::string_view user);
 
-// Gives the groups of a card the names item1, item2 and so on, in the order in which they are asked for;
-// groups that programs named otherwise keep their names.
+// Names the groups of a card item1, item2 and so on, in the order of the calls. Groups with names of another
+// form keep them.
 class GroupNames {
   public:
-    // The new name of [group]; the same for the same group in any letter case, empty for none.
+    // Returns the new name of [group], which does not depend on its letter case; empty for no group.
     std::string renamed(const std::string& group);
-    // A name for a group that had none.
+    // Returns a name for a new group.
     std::string fresh();
 
   private:

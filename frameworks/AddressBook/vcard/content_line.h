@@ -1,7 +1,6 @@
 #pragma once
 
-// The third layer: one property line taken apart into group, name, parameters and decoded text, and put
-// together again.
+// The third layer: parsing a property line into group, name, parameters and decoded value, and writing it.
 
 #include "frameworks/AddressBook/vcard/unfold.h"
 
@@ -28,33 +27,33 @@ struct ContentLine {
     Transfer transfer = Transfer::none;
     std::size_t number = 0; // of the line in the file
 
-    // The first value of the parameter [upperName]; empty when there is none.
+    // Returns the first value of the parameter [upperName]; empty when there is none.
     std::string_view param(std::string_view upperName) const;
-    // The text with backslashes taken away.
+    // Returns the value as text, unescaped.
     std::string text() const;
-    // The text's components, each with backslashes and surrounding white space taken away, at most [most].
+    // Returns the value's components, unescaped and without surrounding white space, at most [most].
     std::vector<std::string> components(std::size_t most) const;
 };
 
-// Whether [name] is one that the standards allow. Programs write others as well: with blanks, dots, slashes.
+// Whether the standards allow [name]. Programs write others as well, with blanks, dots and slashes.
 bool isPlainName(std::string_view name);
 
-// Takes [line] apart; nothing when it is no property line.
+// Returns the parts of [line]; nothing when it is no property line.
 std::optional<ContentLine> parseContentLine(const PropertyLine& line);
 
-// Parameters as version 3.0 writes them, each with its ';' before.
+// Returns parameters in the form of version 3.0, each preceded by ';'.
 std::string renderParams(const std::vector<Param>& params);
 
-// The value as version 3.0 writes it.
+// Returns the value in the form of version 3.0.
 std::string renderValue(const ContentLine& line);
 
-// The whole line as version 3.0 writes it, unfolded.
+// Returns the whole line in the form of version 3.0, unfolded.
 std::string render(const ContentLine& line);
 
-// The start of a line in quotes, for a message.
+// Returns the start of a line in quotes, for a message.
 std::string excerpt(std::string_view line);
 
-// Appends [line] to [out], folded at 75 bytes but inside no character, with its line end.
+// Appends [line] to [out] with a line end, folded at 75 bytes without splitting a character.
 void appendFolded(std::string& out, std::string_view line);
 
 } // namespace addressbook::vcard

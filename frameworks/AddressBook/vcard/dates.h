@@ -1,7 +1,7 @@
 #pragma once
 
-// Dates without a time: how vCards write them, and the noon of that day in local time as which they are
-// stored.
+// Dates without a time, between their form in vCards and the one in which they are stored: noon of the day,
+// in local time.
 
 #include "frameworks/AddressBook/values/calendar.h"
 
@@ -11,12 +11,12 @@
 
 namespace addressbook::vcard {
 
-// The moment for "1980-03-22", "19800322", "--03-22", "--0322" or one of them with a time behind it, which is
-// dropped; nothing when it is no such date. A year of [omittedYear] counts as none.
+// Returns the date for "1980-03-22", "19800322", "--03-22", "--0322" or one of these with a time after it,
+// which is dropped; nothing for any other text. The year [omittedYear] counts as no year.
 std::optional<Date> parseDay(std::string_view text, int omittedYear);
 
-// The local day of a moment as "1980-03-22", beginning with kNoYear when the date has no year; nothing for a
-// moment outside of the years 1 to 9999.
+// Returns the local day of a date as "1980-03-22", with kNoYear when it has no year; nothing for a date
+// outside of the years 1 to 9999.
 std::optional<std::string> dayText(Date date);
 
 } // namespace addressbook::vcard

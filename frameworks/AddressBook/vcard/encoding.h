@@ -1,6 +1,6 @@
 #pragma once
 
-// How text and data are encoded in property values: character sets, quoted-printable, base64, backslashes.
+// The encodings of text and data in property values: character sets, quoted-printable, base64, backslashes.
 
 #include "frameworks/AddressBook/values/value.h"
 
@@ -10,14 +10,15 @@
 
 namespace addressbook::vcard {
 
-// Bytes in [charset] as UTF-8. With no charset, an unknown one, or bytes that are not in it: as they are when
-// they are UTF-8, else read as windows-1252, which most programs that declare nothing wrote.
+// Returns bytes in [charset] as UTF-8. When there is no charset, or an unknown one, or the bytes are not
+// valid in it: returns them unchanged if they are UTF-8, else reads them as windows-1252, which most programs
+// write that declare none.
 std::string toUtf8(std::string bytes, std::string_view charset);
 
-// The bytes that quoted-printable text stands for. Malformed escapes stay as they are.
+// Returns the bytes that quoted-printable text stands for. Malformed escapes stay as they are.
 std::string decodeQuotedPrintable(std::string_view text);
 
-// Base64 text decoded: white space is ignored, padding is optional.
+// The result of decoding base64 text, in which white space is ignored and padding is optional.
 struct Base64 {
     Bytes bytes;
     bool valid = false;   // no character that is none of base64, nothing after the padding
@@ -26,28 +27,28 @@ struct Base64 {
 Base64 decodeBase64(std::string_view text);
 std::string encodeBase64(const Bytes& bytes);
 
-// Takes the backslashes of a text value away: "\n" is a line end (unless [keepN]), "\," "\;" "\:" "\\" and
-// the quote stand for themselves, any other backslash stays.
+// Returns a text value unescaped: "\n" is a line end (unless [keepN]); "\," "\;" "\:" "\\" and an escaped
+// quote are the characters themselves; any other backslash stays.
 std::string unescape(std::string_view text, bool keepN = false);
 
-// Text as a value or a component of one: line ends, backslashes, commas and semicolons escaped.
+// Returns text as a value or a component: escapes line ends, backslashes, commas and semicolons.
 std::string escape(std::string_view text);
 
-// An address (URI) as a value: its commas and semicolons are its own.
+// Returns a URI as a value: its commas and semicolons are not escaped.
 std::string escapeUri(std::string_view text);
 
-// Whether [separator] stands in [text] with no backslash before it.
+// Whether [text] has a [separator] that is not escaped.
 bool hasUnescaped(std::string_view text, char separator);
 
-// More components than any value has; of lists there may be more.
+// The most components of a value, which is more than any has; lists may have more.
 inline constexpr std::size_t kMaxParts = 1000;
 
-// Splits at each [separator] that no backslash precedes, into [most] parts, the last of which takes the rest;
-// the parts are still escaped.
+// Splits at each [separator] that is not escaped, into at most [most] parts, the last of which has the rest.
+// The parts are still escaped.
 std::vector<std::string_view> splitEscaped(std::string_view text, char separator,
                                            std::size_t most = kMaxParts);
 
-// Splits at each [separator] outside quotes, with the quotes kept; everywhere when a quote is left open.
+// Splits at each [separator] outside quotes, which are kept; at every separator when a quote is not closed.
 std::vector<std::string_view> splitQuoted(std::string_view text, char separator);
 
 // ASCII helpers; other bytes stay as they are.

@@ -14,28 +14,29 @@ inline constexpr std::string_view kWorkLabel = "_$!<Work>!$_";
 inline constexpr std::string_view kOtherLabel = "_$!<Other>!$_";
 inline constexpr std::string_view kHomePageLabel = "_$!<HomePage>!$_";
 
-// What becomes of a row of a table when a card is written.
+// Whether a row of a table is used for writing; all rows are used for reading.
 enum class Use {
-    written,  // it is read, and written
-    beside,   // it is read, and written beside the row that holds it, for readers that know no other
-    readOnly, // it is read; another row writes what it says
+    written,  // it is written
+    beside,   // it is written in addition to the main row, for readers that know only this form
+    readOnly, // it is not written; another row has the same meaning
 };
 
-// Which words may stand for the label of an entry: telephones know more of them, and e-mail addresses have
-// words that only name the mail system.
+// The kinds of entries, by the TYPE words that can be a label: telephones have more of them, and e-mail
+// addresses have words that only name the mail system.
 enum class Entries { telephones, emails, any };
 
-// What TYPE words say about an entry.
+// The meaning of TYPE words for an entry.
 struct TypeMeaning {
     std::optional<std::string> label; // none: no word names one; empty: a telephone that is only VOICE
     bool preferred = false;           // "pref" is among them
-    std::vector<std::string> words;   // all but "pref", in their order and as they were written
+    std::vector<std::string> words;   // all words but "pref", in order and as written
 };
 
-// Reads TYPE words. A word that no table knows becomes the label itself, so that custom labels survive.
+// Returns the meaning of TYPE words. An unknown word becomes the label itself, so that custom labels are
+// kept.
 TypeMeaning meaningOf(const std::vector<std::string>& types, Entries entries);
 
-// Returns the TYPE words that say [label] of such an entry; none when only X-ABLabel can say it.
+// Returns the TYPE words for [label]; none when it can only be written as X-ABLabel.
 std::vector<std::string_view> typesFor(std::string_view label, Entries entries);
 
 // Returns the label of a relation that version 4.0 names by TYPE words: the first that the framework has a

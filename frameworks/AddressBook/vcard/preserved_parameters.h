@@ -1,7 +1,7 @@
 #pragma once
 
-// What a property line says besides its label and value: which entry is the primary one, and the parameters
-// and group that have to come back with the line when the card is written.
+// The parts of a property line besides its label and value: whether the entry is the primary one, and the
+// parameters and the group, which are preserved until the card is written.
 
 #include "frameworks/AddressBook/vcard/card_lines.h"
 #include "frameworks/AddressBook/vcard/content_line.h"
@@ -22,34 +22,35 @@ namespace addressbook::vcard {
 inline constexpr std::string_view kPreferred = "pref";
 inline constexpr int kNotPreferred = std::numeric_limits<int>::max();
 
+// What is preserved of one line.
 struct Addition {
-    std::string_view property;      // of the address book
-    std::size_t entry = 0;          // of the property, when it is a list
+    std::string_view property;      // the address book's property
+    std::size_t entry = 0;          // index of the entry, when the property is a list
     int preference = kNotPreferred; // 1 is the most preferred
     std::string group;
     std::string source;        // the vCard property's name in upper case
-    std::vector<Param> params; // that no property holds
-    std::string asRead;        // the value as it was read, when it will be written otherwise; else empty
+    std::vector<Param> params; // the parameters that no property holds
+    std::string asRead;        // the value as read, when it would be written differently; else empty
 };
 
-// The label of an entry: [groupLabel] if there is one, else what the TYPE words say, else that of [rule]. The
-// line's preference and all parameters that the label does not say go to [addition].
+// Returns the label of an entry: [groupLabel] if there is one, else that of the TYPE words, else that of
+// [rule]. Puts the line's preference, and all parameters that are not part of the label, into [addition].
 std::string takeLabel(const ContentLine& line, const Rule& rule, const std::optional<std::string>& groupLabel,
                       Addition& addition);
 
-// The label of a relation, likewise.
+// Like takeLabel(), for a relation.
 std::string takeRelation(const ContentLine& line, const Rule& rule,
                          const std::optional<std::string>& groupLabel, Addition& addition);
 
-// Marks each list's primary entry: the first of those with the best preference. The others keep theirs as a
-// parameter.
+// Sets each list's primary entry: the first of those with the best preference. The others keep their
+// preference as a parameter.
 void setPrimaries(std::vector<Addition>& additions, Card& card);
 
-// Takes "pref" and PREF=1 out of parameters, and PREF=n when it is to be [any].
+// Removes "pref" and PREF=1 from parameters; with [any], also PREF=n.
 void dropPreference(std::vector<Param>& params, bool any);
 
-// The additions as stored lines, each with the line that it belongs to, in the order in which those are
-// written. [groups] are those, in upper case, that unknown lines belong to.
+// Returns the additions as stored lines, in the order in which their lines are written. [groups] are the
+// groups, in upper case, that unknown lines have.
 std::vector<std::string> additionLines(const std::vector<Addition>& additions, const Card& card,
                                        const std::set<std::string>& groups, GroupNames& groupNames);
 

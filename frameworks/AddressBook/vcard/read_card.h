@@ -1,6 +1,6 @@
 #pragma once
 
-// The last layer of reading: the property lines of one card into the values of a person or a group.
+// The last layer of reading: converts the property lines of a card to the values of a person or a group.
 
 #include "frameworks/AddressBook/vcard/content_line.h"
 #include "frameworks/AddressBook/vcard/vcard.h"
@@ -10,8 +10,8 @@
 
 namespace addressbook::vcard {
 
-// What [lines] say; [number] and [line] are the card's. A Problem when nothing in it is of use or it is
-// inconsistent.
+// Returns the card with these lines; [number] and [line] are the card's. A Problem when it has nothing of
+// use, or is inconsistent.
 std::variant<Card, Problem> readCard(std::vector<ContentLine> lines, std::size_t number, std::size_t line);
 
 } // namespace addressbook::vcard

@@ -1,7 +1,6 @@
 #pragma once
 
-// Which vCard property holds which property of the address book: the one table from which cards are read and
-// written.
+// The table of vCard properties and the address book's properties, by which cards are read and written.
 
 #include "frameworks/AddressBook/values/property.h"
 #include "frameworks/AddressBook/vcard/labels.h"
@@ -12,7 +11,7 @@
 
 namespace addressbook::vcard {
 
-// How a vCard property holds its value.
+// The form of a vCard property's value.
 enum class Shape {
     name,           // N: last, first, middle, title, suffix
     phoneticName,   // SOUND;X-IRMC-N: last and first, phonetically
@@ -20,8 +19,8 @@ enum class Shape {
     text,           // one text
     texts,          // a list of texts with labels
     telephones,     // a list of texts whose labels TYPE words can say
-    links,          // a list of texts from which "mailto:" is taken away
-    uris,           // a list of addresses, which are not escaped
+    links,          // a list of texts, without "mailto:"
+    uris,           // a list of URIs, which are not escaped
     addresses,      // ADR
     day,            // one date
     days,           // a list of dates
@@ -40,35 +39,37 @@ enum class Shape {
     label,          // X-ABLabel of an entry in the same group
     country,        // X-ABADR: the country code of the address in the same group
     fullName,       // FN
-    derived         // says nothing that the address book does not know or make itself
+    derived         // ignored: the address book has or makes this itself
 };
 
+// A row of the table.
 struct Rule {
     std::string_view name; // upper case
     Shape shape;
-    std::string_view property; // of the address book; empty when the shape knows
-    std::string_view label;    // of an entry that names none
+    std::string_view property; // the address book's property; empty when the shape implies it
+    std::string_view label;    // the label of an entry without one
     Use use = Use::written;
     std::string_view spelling = {}; // as written, when that is not upper case
 };
 
-// The label of an entry whose line says nothing about it: it is written as nothing.
+// Returns the label of an entry whose line has none; it is not written.
 std::string_view defaultLabel(const Rule& rule);
 
-// The TYPE words by which [label] is written; none when only X-ABLabel can say it, and for the default label.
+// Returns the TYPE words for [label]; none for the default label, and when it can only be written as
+// X-ABLabel.
 std::vector<std::string_view> writtenTypes(const Rule& rule, std::string_view label);
 
-// What TYPE words of such lines can say.
+// Returns the kind of entries that decides the meaning of TYPE words.
 Entries entriesOf(const Rule& rule);
 
-// The table, in the order in which a card is written.
+// Returns the table, in the order in which a card is written.
 std::span<const Rule> rules();
 
-// The row of a property; null when there is none. [upperName] is the name in upper case.
+// Returns the row of a vCard property; null when there is none. [upperName] is its name in upper case.
 const Rule* ruleFor(std::string_view upperName);
 
-// A messaging service: its name in X-SERVICE-TYPE, the scheme of its addresses, the property that holds its
-// names (empty: the one that all others share).
+// A messaging service: its name in X-SERVICE-TYPE, the scheme of its URIs, and its property in the address
+// book (empty: the one that all other services share).
 struct MessagingService {
     std::string_view name, scheme, property;
 };

@@ -1,7 +1,7 @@
 #pragma once
 
-// The first layer of reading: bytes into lines. A file may mix CRLF, LF, lone CR and CR CR LF, and its cards
-// may change between UTF-16 and 8-bit text, as programs wrote that encode each card by itself.
+// The first layer of reading: splits bytes into lines. A file may mix CRLF, LF, lone CR and CR CR LF, and its
+// cards may be in UTF-16 or 8-bit text in turn, as some programs encode each card separately.
 
 #include <cstddef>
 #include <iosfwd>
@@ -14,21 +14,22 @@ namespace addressbook::vcard {
 struct TextLine {
     std::string text;
     std::size_t number = 0; // from 1
-    bool utf8 = false;      // was UTF-16 and is UTF-8 now; otherwise the bytes as they stand
-    bool tooLong = false;   // kMaxCardBytes or more; text holds its start
-    bool ended = true;      // by a line end, not by the end of the file
+    bool utf8 = false;      // text is UTF-8, converted from UTF-16; otherwise the bytes of the file
+    bool tooLong = false;   // kMaxCardBytes or more; text has only the start
+    bool ended = true;      // ended by a line end, not by the end of the file
 };
 
+// Reads lines from a stream or from memory. Not thread-safe.
 class TextSource {
   public:
-    // [input] and the bytes of [data] must live as long as the source.
+    // [input] and the bytes of [data] must outlive the source.
     explicit TextSource(std::istream& input) : input_(&input) {}
     explicit TextSource(std::string_view data) : window_(data) {}
 
-    // Reads the next line into [line]; false at the end.
+    // Reads the next line into [line]; returns false at the end.
     bool next(TextLine& line);
 
-    // How many bytes were consumed.
+    // Returns the number of bytes consumed.
     std::size_t bytesRead() const { return consumed_; }
 
   private:
@@ -44,7 +45,7 @@ class TextSource {
 
     std::istream* input_ = nullptr;
     std::string buffer_;
-    std::string_view window_; // what was read and not yet consumed
+    std::string_view window_; // the bytes that were read and not yet consumed
     std::size_t consumed_ = 0;
     std::size_t lines_ = 0;
     Encoding encoding_ = Encoding::bytes;
