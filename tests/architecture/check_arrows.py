@@ -28,6 +28,7 @@ SQL = "frameworks/AddressBook/store/sql"
 STORE = "frameworks/AddressBook/store"
 MODEL = "frameworks/AddressBook/model"
 VCARD = "frameworks/AddressBook/vcard"
+CSV = "frameworks/AddressBook/csv"
 OBJC = "frameworks/AddressBook/objc"
 APPLE = "frameworks/AddressBook/include", "frameworks/AppKit/include", "frameworks/ScriptingBridge/include"
 HOST = "host/values", "host/calc", "host/script", "host/check", "host/editor", "host/loader", "host/wrapper"
@@ -53,6 +54,7 @@ ROOMS = {
     STORE: Room((VALUES, SQL), ("SQLite", "ICU"), (), "the store knows values and SQLite"),
     MODEL: Room((STORE, VALUES), (), (), "the model knows the store and values"),
     VCARD: Room((VALUES,), ("ICU", "Boost"), (), "vCards know values alone"),
+    CSV: Room((VALUES,), ("ICU", "libcsv"), (), "CSV knows values alone"),
     OBJC: Room((MODEL, STORE, VCARD, VALUES, "frameworks/AddressBook/include", "frameworks/Foundation"),
                ("Foundation", "AddressBook", "Boost", "objc"), ("frameworks/CoreFoundation",),
                "the classes know what is below them and Foundation"),
@@ -73,7 +75,7 @@ ROOMS = {
     "frameworks/ScriptingBridge": Room(("frameworks/ScriptingBridge/include",),
                                        ("Foundation", "ScriptingBridge", "systemd", "objc"), (),
                                        "the bridge knows the session bus"),
-    "tools": Room((MODEL, STORE, VCARD, VALUES), ("CLI11", "json"), (), "tools know the frameworks' C++ rooms"),
+    "tools": Room((MODEL, STORE, VCARD, CSV, VALUES), ("CLI11", "json"), (), "tools know the frameworks' C++ rooms"),
 }
 # Who measures and tests may know everybody; nobody knows them. What tests share knows no test.
 OPEN_ROOMS = "bench", "tests"
@@ -98,6 +100,7 @@ ONE_UNIT = (
 LIBRARIES = {
     "SQLite": (r"sqlite3\.h|SQLite::SQLite3",),
     "ICU": (r"unicode/.*|ICU::\w+",),
+    "libcsv": (r"csv\.h|libcsv",),
     "Boost": (r"boost/.*|Boost::\w+",),
     "GnuTLS": (r"gnutls/.*|PkgConfig::GNUTLS",),
     "nettle": (r"nettle/.*|PkgConfig::NETTLE",),
