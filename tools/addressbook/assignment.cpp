@@ -111,8 +111,8 @@ Assignment parseAssignment(const std::string& text, Kind kind, const Store& stor
     }
     Assignment assignment;
     assignment.further = text[equals - 1] == '+';
-    assignment.path =
-        parsePath(std::string_view(text).substr(0, equals - (assignment.further ? 1 : 0)), kind, store);
+    assignment.path = parsePath(std::string_view(text).substr(0, equals - (assignment.further ? 1 : 0)), kind,
+                                store.definitions());
     assignment.value = text.substr(equals + 1);
     if (assignment.further && !assignment.path.isList()) {
         throw std::invalid_argument(assignment.path.text + " has one value; write " + assignment.path.text +

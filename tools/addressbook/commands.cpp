@@ -8,6 +8,7 @@
 #include "tools/addressbook/output.h"
 #include "tools/addressbook/progress.h"
 #include "tools/addressbook/show.h"
+#include "tools/addressbook/table_export.h"
 
 #include "frameworks/AddressBook/store/file/backup.h"
 #include "frameworks/AddressBook/store/file/repair.h"
@@ -87,11 +88,16 @@ int runExport(const Options& options) {
                           .version = options.write.version == "4.0" ? vcard::WrittenVersion::v4
                                                                     : vcard::WrittenVersion::v3};
     ProgressLine progress("export");
-    const ExportSummary summary =
-        exportCards(store, options.write.group, form, *output, [&](double part) { progress.update(part); });
+    const auto tell = [&](double part) { progress.update(part); };
+    const ExportSummary summary = options.write.format == "csv"
+                                      ? exportTable(store, options.write.group, *output, tell)
+                                      : exportCards(store, options.write.group, form, *output, tell);
     progress.clear();
-    std::cerr << counted(summary.people, "person", "people") << " and "
-              << counted(summary.groups, "group", "groups") << " exported\n";
+    std::cerr << counted(summary.people, "person", "people");
+    if (options.write.format != "csv") {
+        std::cerr << " and " << counted(summary.groups, "group", "groups");
+    }
+    std::cerr << " exported\n";
     return kDone;
 }
 

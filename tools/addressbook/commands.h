@@ -19,9 +19,11 @@ struct Options {
     struct {
         std::vector<std::string> files;
         bool dryRun = false, progress = false, quiet = false;
+        std::string format, charset, dates; // empty: guessed
+        std::vector<std::string> maps;      // of columns to properties
     } import;
     struct {
-        std::string group, file;
+        std::string group, file, format = "vcard";
         std::string version = "3.0";
         std::string groups = "both"; // cards, categories or both
     } write;

@@ -124,12 +124,16 @@ std::string text(const Store& store, const RecordRef& record, std::string_view p
 } // namespace
 
 std::vector<Field> allFields(const Store& store) {
+    return allFields(store.definitions());
+}
+
+std::vector<Field> allFields(const std::vector<PropertyDefinition>& definitions) {
     std::vector<Field> fields;
     fields.reserve(kFields.size());
     for (const Row& row : kFields) {
         fields.push_back({std::string(row.name), std::string(row.property)});
     }
-    for (const PropertyDefinition& own : store.definitions()) {
+    for (const PropertyDefinition& own : definitions) {
         if (own.kind == Kind::person) {
             fields.push_back({own.name, own.name});
         }

@@ -18,6 +18,7 @@ struct Field {
 
 // Returns every field that a list of people can have, also for custom properties.
 std::vector<Field> allFields(const Store& store);
+std::vector<Field> allFields(const std::vector<PropertyDefinition>& definitions);
 
 // Returns the fields in a list "a,b,...", which may also be named by their properties, in any letter case.
 // Throws std::invalid_argument with a message that names the most similar field.

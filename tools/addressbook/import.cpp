@@ -61,19 +61,34 @@ const ImportSummary& Importer::read(std::istream& input, const std::string& file
     ++files_;
     vcard::Reader reader(input);
     while (auto next = reader.next()) {
-        ++summary_.read;
         if (const auto* problem = std::get_if<vcard::Problem>(&*next)) {
-            ++summary_.refused;
-            report_(file, *problem);
+            refuse(*problem, file, reader.bytesRead());
         } else {
-            take(std::get<vcard::Card>(*next), file);
-        }
-        progress_(reader.bytesRead(), summary_);
-        if (changes_.records.size() >= kCardsPerSave || pendingBytes_ >= kBytesPerSave) {
-            flush();
+            add(std::get<vcard::Card>(*next), file, reader.bytesRead());
         }
     }
     return summary_;
+}
+
+void Importer::add(vcard::Card& card, const std::string& file, std::size_t bytes) {
+    ++summary_.read;
+    take(card, file);
+    advance(bytes);
+}
+
+void Importer::refuse(const vcard::Problem& problem, const std::string& file, std::size_t bytes) {
+    ++summary_.read;
+    ++summary_.refused;
+    report_(file, problem);
+    advance(bytes);
+}
+
+// Tells how far it is, and saves when there is much to save.
+void Importer::advance(std::size_t bytes) {
+    progress_(bytes, summary_);
+    if (changes_.records.size() >= kCardsPerSave || pendingBytes_ >= kBytesPerSave) {
+        flush();
+    }
 }
 
 void Importer::take(vcard::Card& card, const std::string& file) {

@@ -46,6 +46,14 @@ class Importer {
     // when there are very many.
     const ImportSummary& read(std::istream& input, const std::string& file);
 
+    // For files of another form: begins a file, takes a card of it or counts one that is refused. [bytes] are
+    // read so far.
+    void begin() { ++files_; }
+    void add(vcard::Card& card, const std::string& file, std::size_t bytes);
+    void refuse(const vcard::Problem& problem, const std::string& file, std::size_t bytes);
+    // Returns what was done so far.
+    const ImportSummary& soFar() const { return summary_; }
+
     // Adds members to groups, and saves everything that is not saved yet. No group is saved before.
     ImportSummary finish();
 
@@ -65,6 +73,7 @@ class Importer {
     static constexpr std::size_t kNone = static_cast<std::size_t>(-1);
 
     void take(vcard::Card& card, const std::string& file);
+    void advance(std::size_t bytes);
     void addGroup(const std::string& uid, vcard::Card& card, Seen& seen);
     void addPerson(const std::string& uid, vcard::Card& card, Seen& seen, bool again);
     bool takeDifference(RecordChange& change) const;

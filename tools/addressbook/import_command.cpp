@@ -7,6 +7,8 @@
 #include "tools/addressbook/interrupt.h"
 #include "tools/addressbook/output.h"
 #include "tools/addressbook/progress.h"
+#include "tools/addressbook/show.h"
+#include "tools/addressbook/table_import.h"
 
 #include "frameworks/AddressBook/store/file/open_file.h"
 #include "frameworks/AddressBook/store/file/paths.h"
@@ -20,8 +22,11 @@
 namespace addressbook::tool {
 namespace {
 
+constexpr std::size_t kPreviewRows = 3;
+
+// What was done with the cards, behind their number.
 std::string summaryText(const ImportSummary& summary, bool dryRun) {
-    std::string text = counted(summary.read, "card", "cards") + " read";
+    std::string text = " read";
     if (summary.groups > 0) {
         text += " (" + counted(summary.groups, "group", "groups") + ')';
     }
@@ -67,6 +72,16 @@ std::unique_ptr<Store> openForImport(const Options& options) {
     return store;
 }
 
+// What the options say of CSV.
+TableForm tableForm(const Options& options) {
+    TableForm form;
+    form.maps = options.import.maps;
+    form.charset = options.import.charset;
+    form.datesAreGiven = !options.import.dates.empty();
+    form.dates = options.import.dates == "dmy" ? csv::DateOrder::dayFirst : csv::DateOrder::monthFirst;
+    return form;
+}
+
 std::string interruptedText(const ImportSummary& summary, bool dryRun) {
     if (dryRun) {
         return "interrupted; a dry run saves nothing";
@@ -85,6 +100,8 @@ int runImport(const Options& options) {
     const std::unique_ptr<Store> store = openForImport(options);
     ProgressLine progress("import", options.import.progress);
     std::uintmax_t size = 0;
+    bool table = false, cards = false; // this file is CSV; there was one of vCards
+    Output output;                     // what a dry run shows of rows
     ImportSummary soFar;
     Importer importer(
         store.get(), options.import.dryRun,
@@ -93,15 +110,47 @@ int runImport(const Options& options) {
                 return;
             }
             progress.clear();
-            const std::string line = file + ": card " + std::to_string(problem.number) + ", line " +
-                                     std::to_string(problem.line) + ": " + problem.reason + '\n';
+            const std::string line = file + (table ? ": row " : ": card ") + std::to_string(problem.number) +
+                                     ", line " + std::to_string(problem.line) + ": " + problem.reason + '\n';
             std::fwrite(line.data(), 1, line.size(), stderr);
         },
         [&](std::size_t bytes, const ImportSummary& now) {
             soFar = now;
             progress.update(size == 0 ? -1 : static_cast<double>(bytes) / static_cast<double>(size),
-                            counted(now.read, "card", "cards"));
+                            table ? counted(now.read, "row", "rows") : counted(now.read, "card", "cards"));
         });
+    const std::vector<PropertyDefinition> own =
+        store ? store->definitions() : std::vector<PropertyDefinition>();
+    const auto readTable = [&](Input& input) {
+        const std::size_t before = importer.soFar().read;
+        importTable(
+            input, tableForm(options), own, importer,
+            [&](const std::string& note) {
+                progress.clear();
+                std::cerr << input.name() << ": " << note << '\n';
+            },
+            [&](std::size_t line, const vcard::Card& card) {
+                if (options.import.dryRun && importer.soFar().read - before < kPreviewRows) {
+                    progress.clear();
+                    output.write(input.name() + ", line " + std::to_string(line) + '\n');
+                    showValues(card.values, allFields(own), output);
+                    output.write("\n");
+                }
+            });
+        if (importer.soFar().read == before) {
+            throw Failure(input.name() + ": nobody in it: there are no rows behind the headers");
+        }
+    };
+    const auto readCards = [&](Input& input, bool looksLikeCsv) {
+        if (looksLikeCsv) {
+            throw Failure(input.name() + ": this is CSV and has no vCard in it; --format csv reads it");
+        }
+        const std::size_t before = importer.soFar().read;
+        importer.read(input, input.name());
+        if (importer.soFar().read == before) {
+            throw Failure(input.name() + ": no vCard in it");
+        }
+    };
     bool unread = false;
     try {
         for (const std::string& file : options.import.files) {
@@ -109,13 +158,14 @@ int runImport(const Options& options) {
                 Input input(file);
                 size = input.size();
                 progress.start(input.name());
-                const std::size_t before = soFar.read;
-                soFar = importer.read(input, input.name());
-                progress.update(size == 0 ? -1 : 1, counted(soFar.read, "card", "cards"), true);
+                const bool looksLikeCsv = looksLikeTable(input.beginning());
+                table = options.import.format.empty() ? looksLikeCsv : options.import.format == "csv";
+                cards = cards || !table;
+                table ? readTable(input) : readCards(input, looksLikeCsv);
+                progress.update(
+                    size == 0 ? -1 : 1,
+                    table ? counted(soFar.read, "row", "rows") : counted(soFar.read, "card", "cards"), true);
                 progress.clear();
-                if (soFar.read == before) {
-                    throw Failure(input.name() + ": no vCard in it");
-                }
             } catch (const Failure& failure) { // continues with the other files
                 progress.clear();
                 complain(failure.what());
@@ -129,7 +179,10 @@ int runImport(const Options& options) {
     }
     const ImportSummary summary = importer.finish();
     progress.clear();
-    std::cerr << summaryText(summary, options.import.dryRun) << '\n';
+    output.finish();
+    std::cerr << (table && !cards ? counted(summary.read, "row", "rows")
+                                  : counted(summary.read, "card", "cards"))
+              << summaryText(summary, options.import.dryRun) << '\n';
     return unread || summary.refused + summary.missing > 0 ? kIncomplete : kDone;
 }
 

@@ -48,23 +48,47 @@ void declare(CLI::App& app, Options& options, int (*&work)(const Options&)) {
                kExitCodes);
 
     CLI::App* sub =
-        command("import", "Add the people and groups of vCard files; a card that is there already is updated",
+        command("import", "Add the people and groups of vCard and CSV files; who is there already is updated",
                 "  addressbook import contacts.vcf more.vcf\n"
                 "  addressbook import --dry-run contacts.vcf\n"
+                "  addressbook import --dry-run people.csv --map \"Mobil=phones/mobile\"\n"
                 "  curl https://example.org/team.vcf | addressbook import -\n"
-                "A bad card is reported as \"FILE: card N, line M: reason\"; the others are imported.",
+                "A bad card is reported as \"FILE: card N, line M: reason\"; the others are imported. The "
+                "columns of CSV from Google, Outlook and Apple\n"
+                "are known, and those of addressbook export; a dry run shows what the first rows become.",
                 runImport);
-    sub->add_option("FILE", options.import.files, "vCard files of any version; - is standard input")
+    sub->add_option("FILE", options.import.files,
+                    "vCard files of any version, or CSV files with a line of headers; - is standard input")
         ->required();
     sub->add_flag("--dry-run", options.import.dryRun, "Read and report, but save nothing");
+    sub->add_option("--format", options.import.format, "What the files are; without it their beginning tells")
+        ->check(CLI::IsMember({"vcard", "csv"}))
+        ->type_name("vcard|csv");
+    sub->add_option(
+           "--map", options.import.maps,
+           "Of CSV: what a column is, as \"Mobil=phones/mobile\"; \"Column=\" leaves it out. May be repeated")
+        ->type_name("COLUMN=PROPERTY")
+        ->allow_extra_args(false);
+    sub->add_option("--dates", options.import.dates,
+                    "Of CSV: whether 3/4/1980 is March 4th (mdy), as without it, or April 3rd (dmy)")
+        ->check(CLI::IsMember({"mdy", "dmy"}))
+        ->type_name("mdy|dmy");
+    sub->add_option("--charset", options.import.charset,
+                    "Of CSV: the character set, as windows-1252; else it is guessed")
+        ->type_name("NAME");
     sub->add_flag("--quiet", options.import.quiet, "Tell how many cards and lines are left out, not which");
     sub->add_flag("--progress", options.import.progress, "Tell how far it is even when that is no terminal");
 
     sub = command("export", "Write people and groups as vCards",
                   "  addressbook export backup.vcf\n"
                   "  addressbook export --group Friends | gzip > friends.vcf.gz\n"
-                  "  addressbook export --version 4.0 --groups categories phone.vcf",
+                  "  addressbook export --version 4.0 --groups categories phone.vcf\n"
+                  "  addressbook export --format csv people.csv",
                   runExport);
+    sub->add_option("--format", options.write.format,
+                    "What to write: vcard, which is the default, or csv (people alone)")
+        ->check(CLI::IsMember({"vcard", "csv"}))
+        ->type_name("vcard|csv");
     sub->add_option("--group", options.write.group, "Only this group, its subgroups and their members")
         ->type_name("NAME");
     sub->add_option("--version", options.write.version,

@@ -44,7 +44,7 @@ std::vector<std::string> fieldWords(std::string_view property) {
 }
 
 // Returns the type of a property, built-in or custom; 0 when there is none, or it cannot be set.
-int settableType(const Store& store, Kind kind, const std::string& property) {
+int settableType(const std::vector<PropertyDefinition>& definitions, Kind kind, const std::string& property) {
     if (property == property::kUid || property == property::kCreation ||
         property == property::kModification) {
         return 0;
@@ -52,7 +52,7 @@ int settableType(const Store& store, Kind kind, const std::string& property) {
     if (const int type = builtInType(kind, property)) {
         return type;
     }
-    for (const PropertyDefinition& own : store.definitions()) {
+    for (const PropertyDefinition& own : definitions) {
         if (own.kind == kind && own.name == property) {
             return own.type;
         }
@@ -61,19 +61,19 @@ int settableType(const Store& store, Kind kind, const std::string& property) {
 }
 
 // Returns the fields of the properties that can be set.
-std::vector<Field> settable(const Store& store, Kind kind) {
+std::vector<Field> settable(const std::vector<PropertyDefinition>& definitions, Kind kind) {
     std::vector<Field> fields;
     if (kind == Kind::group) {
         fields.push_back({"name", std::string(property::kGroupName)});
-        for (const PropertyDefinition& own : store.definitions()) {
+        for (const PropertyDefinition& own : definitions) {
             if (own.kind == kind) {
                 fields.push_back({own.name, own.name});
             }
         }
         return fields;
     }
-    for (Field& field : allFields(store)) {
-        if (!field.property.empty() && settableType(store, kind, field.property) != 0) {
+    for (Field& field : allFields(definitions)) {
+        if (!field.property.empty() && settableType(definitions, kind, field.property) != 0) {
             fields.push_back(std::move(field));
         }
     }
@@ -131,8 +131,8 @@ std::string labelNamed(std::string_view text) {
     return std::string(text);
 }
 
-PropertyPath parsePath(std::string_view text, Kind kind, const Store& store) {
-    const std::vector<Field> known = settable(store, kind);
+PropertyPath parsePath(std::string_view text, Kind kind, const std::vector<PropertyDefinition>& definitions) {
+    const std::vector<Field> known = settable(definitions, kind);
     const std::size_t slash = std::min(text.find('/'), text.size());
     const std::string wanted = fold(text.substr(0, slash));
     // A list may also be named in the singular: phone for phones.
@@ -144,7 +144,8 @@ PropertyPath parsePath(std::string_view text, Kind kind, const Store& store) {
     if (found == known.end()) {
         refuse(text.substr(0, slash), known, kind);
     }
-    PropertyPath path{std::string(text), found->property, settableType(store, kind, found->property), "", ""};
+    PropertyPath path{std::string(text), found->property, settableType(definitions, kind, found->property),
+                      "", ""};
     if (slash == text.size()) {
         return path;
     }

@@ -25,7 +25,7 @@ struct PropertyPath {
 
 // Returns the path in [text], of a property of people or of groups that can be set. Throws
 // std::invalid_argument with a message that lists what is possible.
-PropertyPath parsePath(std::string_view text, Kind kind, const Store& store);
+PropertyPath parsePath(std::string_view text, Kind kind, const std::vector<PropertyDefinition>& definitions);
 
 // Returns the label as the address book keeps it, for one as a user writes it: a built-in label in any letter
 // case and without its decoration, else the text itself.

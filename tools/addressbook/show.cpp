@@ -211,6 +211,20 @@ void listGroups(const Store& store, const std::vector<RowId>& rows, bool json, O
     output.finish();
 }
 
+void showValues(std::map<std::string, Value> values, const std::vector<Field>& fields, Output& output) {
+    std::erase_if(values, [](const auto& value) { return isInternal(value.first); });
+    // In the order of the fields, then all other properties.
+    for (const Field& field : fields) {
+        if (const auto found = values.find(field.property); found != values.end()) {
+            writeValue(output, field.name, found->second);
+            values.erase(found);
+        }
+    }
+    for (const auto& [property, value] : values) {
+        writeValue(output, friendlyName(fields, property), value);
+    }
+}
+
 void writeNames(const Store& store, const std::vector<RecordRef>& records, bool json, Output& output) {
     if (json) {
         JsonLines lines(output);
@@ -267,16 +281,7 @@ void showRecord(const Store& store, const RecordRef& record, bool json, Output& 
     if (fullName) {
         writeRow(output, "fullname", "", *fullName);
     }
-    // In the order of the fields, then all other properties.
-    for (const Field& field : fields) {
-        if (const auto found = values.find(field.property); found != values.end()) {
-            writeValue(output, field.name, found->second);
-            values.erase(found);
-        }
-    }
-    for (const auto& [property, value] : values) {
-        writeValue(output, friendlyName(fields, property), value);
-    }
+    showValues(values, fields, output);
     if (!image.empty()) {
         writeRow(output, "picture", "", valueText(image));
     }

@@ -8,6 +8,8 @@
 
 #include <cstddef>
 #include <limits>
+#include <map>
+#include <string>
 #include <vector>
 
 namespace addressbook::tool {
@@ -23,6 +25,9 @@ void listRecordsAsJson(const Store& store, const std::vector<RowId>& rows, const
 
 // Writes one line for each group: the unique id, the name, and the numbers of members and subgroups.
 void listGroups(const Store& store, const std::vector<RowId>& rows, bool json, Output& output);
+
+// Writes values as showRecord() shows them, in the order of [fields], without those that only the book knows.
+void showValues(std::map<std::string, Value> values, const std::vector<Field>& fields, Output& output);
 
 // Writes one line for each record: the unique id and the name.
 void writeNames(const Store& store, const std::vector<RecordRef>& records, bool json, Output& output);

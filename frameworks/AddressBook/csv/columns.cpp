@@ -151,6 +151,10 @@ constexpr std::array kWhole{
 };
 
 constexpr std::array<std::string_view, 4> kGroupWords{"labels", "groups", "categories", "groupmembership"};
+// Columns of those that say nothing besides others.
+constexpr std::array<std::string_view, 8> kSuperfluousWords{
+    "organization1type", "organization2type", "emailtype",         "email2type",
+    "email3type",        "emaildisplayname",  "email2displayname", "email3displayname"};
 constexpr std::array<std::string_view, 2> kIdentifierWords{"id", "uid"};
 constexpr std::array<std::string_view, 5> kFullNameWords{"name", "fullname", "displayname", "fileas",
                                                          "contactname"};
@@ -312,6 +316,9 @@ std::optional<Column> columnNamed(std::string_view header, std::span<const Prope
         column.role = role;
         return column;
     };
+    if (has(kSuperfluousWords, word)) {
+        return plain(Role::ignored);
+    }
     if (has(kGroupWords, word)) {
         return plain(Role::groups);
     }

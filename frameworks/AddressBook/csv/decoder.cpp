@@ -49,15 +49,27 @@ std::string utf16Without(std::string_view bytes) {
 }
 
 std::string likely(std::string_view bytes) {
+    constexpr const char* kUsual = "windows-1252"; // all of Latin 1, and more characters
+    constexpr int kNearlyAsLikely = 20;            // of 100
     UErrorCode error = U_ZERO_ERROR;
     UCharsetDetector* detector = ucsdet_open(&error);
     ucsdet_setText(detector, bytes.data(), static_cast<std::int32_t>(bytes.size()), &error);
-    const UCharsetMatch* match = ucsdet_detect(detector, &error);
-    const char* name = match != nullptr ? ucsdet_getName(match, &error) : nullptr;
-    std::string found = U_SUCCESS(error) && name != nullptr ? name : "windows-1252";
+    std::int32_t count = 0;
+    const UCharsetMatch** matches = ucsdet_detectAll(detector, &count, &error);
+    std::string found = kUsual;
+    for (std::int32_t at = 0; at < count && U_SUCCESS(error); ++at) {
+        const std::string name = ucsdet_getName(matches[at], &error);
+        const int behind =
+            ucsdet_getConfidence(matches[0], &error) - ucsdet_getConfidence(matches[at], &error);
+        if (at == 0) {
+            found = name;
+        }
+        if ((name == "ISO-8859-1" || name == kUsual) && behind <= kNearlyAsLikely) {
+            found = kUsual;
+        }
+    }
     ucsdet_close(detector);
-    // What calls itself Latin 1 is nearly always this, which has more characters.
-    return found == "ISO-8859-1" ? "windows-1252" : found;
+    return found;
 }
 
 } // namespace

@@ -260,11 +260,13 @@ class PersonReader {
             if (label.empty()) {
                 label = defaultLabel(property);
             }
+            bool first = true;
             for (Value& value : valuesOf(property, type, draft)) {
                 list.entries.push_back({newUuid(), label, std::move(value)});
-                if (primary && list.primary.empty() && list.entries.size() > 1) {
+                if (primary && first && list.entries.size() > 1) { // the first one is it in any case
                     list.primary = list.entries.back().identifier;
                 }
+                first = false;
             }
         }
         if (!list.entries.empty()) {

@@ -31,7 +31,7 @@ char guessSeparator(std::string_view line) {
 struct TableReader::Parser {
     Parser(std::deque<Row>& rows, char separator) : rows_(rows) {
         // Spaces belong to the cells.
-        csv_init(&state_, CSV_STRICT_FINI);
+        csv_init(&state_, 0);
         csv_set_space_func(&state_, [](unsigned char) { return 0; });
         csv_set_delim(&state_, static_cast<unsigned char>(separator));
     }
@@ -58,10 +58,12 @@ struct TableReader::Parser {
         }
     }
     void finish() {
-        if (csv_fini(&state_, takeCell, takeRow, this) != 0) {
+        constexpr int kInsideOfCell = 2; // libcsv's state
+        if (state_.quoted != 0 && state_.pstate == kInsideOfCell) {
             throw TableError("line " + std::to_string(open_.line) +
                              ": a quotation mark is opened here and never closed");
         }
+        csv_fini(&state_, takeCell, takeRow, this);
     }
 
   private:
