@@ -126,13 +126,17 @@ TEST_F(TableTest, ExportComesBackElsewhere) {
     const std::string cards =
         "BEGIN:VCARD\nVERSION:3.0\nN:Lie;Eva\nTEL;type=WORK,FAX:1\nTEL;type=boat:2\n"
         "ADR;type=HOME:;;Mill 1\\nFloor 2;Oslo;;0150;Norway\nNOTE:\"a\",\\nb\nBDAY:--02-29\n"
+        "X-OTHER:kept\n"
         "PHOTO;ENCODING=b;TYPE=JPEG:/9j/AAE=\nEND:VCARD\n";
     ASSERT_EQ(run({"import", "-"}, cards).status, 0);
     const Outcome outcome = run({"export", "--format", "csv", "out.csv"});
     EXPECT_EQ(outcome.err, "3 people exported\n");
     EXPECT_THAT(bytesOf(folder() / "out.csv"), StartsWith("First Name,Middle Name,Last Name,"));
     EXPECT_THAT(bytesOf(folder() / "out.csv"), HasSubstr(",Chess ::: Rowers,"));
+    const std::string before = run({"export"}).out;
     EXPECT_THAT(run({"import", "out.csv"}).err, HasSubstr("0 added, 0 updated, 3 unchanged"));
+    EXPECT_EQ(run({"export"}).out, before); // what CSV has no place for stays
+    EXPECT_THAT(before, HasSubstr("X-OTHER:kept"));
     EXPECT_EQ(run({"--book", "other", "import", "out.csv"}).status, 0);
     EXPECT_EQ(run({"--book", "other", "export", "--format", "csv"}).out, bytesOf(folder() / "out.csv"));
     EXPECT_EQ(run({"--book", "other", "list", "--fields", "id,phones,addresses,note,birthday"}).out,

@@ -59,6 +59,7 @@ Importer::Importer(Store* store, bool dryRun, Report report, Progress progress)
 
 const ImportSummary& Importer::read(std::istream& input, const std::string& file) {
     ++files_;
+    tellsUnknownLines_ = true;
     vcard::Reader reader(input);
     while (auto next = reader.next()) {
         if (const auto* problem = std::get_if<vcard::Problem>(&*next)) {
@@ -172,7 +173,7 @@ void Importer::addPerson(const std::string& uid, vcard::Card& card, Seen& seen, 
         return;
     }
     RecordChange change{.uid = uid, .kind = Kind::person, .insert = true, .values = std::move(card.values)};
-    if (const bool known = takeDifference(change) || again;
+    if (const bool known = takeDifference(change, tellsUnknownLines_) || again;
         known && !change.insert && change.values.empty()) {
         ++summary_.unchanged;
         return;
@@ -185,7 +186,7 @@ void Importer::addPerson(const std::string& uid, vcard::Card& card, Seen& seen, 
 
 // Reduces [change] to what differs from the record in the address book; returns false when that has no such
 // record. An import sets the values of the card, and does not remove others.
-bool Importer::takeDifference(RecordChange& change) const {
+bool Importer::takeDifference(RecordChange& change, bool tellsUnknownLines) const {
     const auto record = store_ ? store_->find(change.uid) : std::nullopt;
     if (!record) {
         return false;
@@ -195,7 +196,7 @@ bool Importer::takeDifference(RecordChange& change) const {
     std::map<std::string, Value> values;
     std::swap(values, change.values);
     change.insert = false;
-    if (current.contains(unknown)) {
+    if (tellsUnknownLines && current.contains(unknown)) {
         values.try_emplace(unknown); // removes unknown lines that the card no longer has
     }
     for (auto& [property, value] : values) {
@@ -423,7 +424,7 @@ ImportSummary Importer::finish() {
     joinLateMembers();
     joinNamedGroups();
     for (RecordChange& group : groups_) {
-        const bool known = takeDifference(group);
+        const bool known = takeDifference(group, true);
         const bool same = known && group.values.empty();
         if (seen_.contains(group.uid)) { // groups that are only named have no card
             ++(same ? summary_.unchanged : known ? summary_.updated : summary_.added);

@@ -46,9 +46,12 @@ class Importer {
     // when there are very many.
     const ImportSummary& read(std::istream& input, const std::string& file);
 
-    // For files of another form: begins a file, takes a card of it or counts one that is refused. [bytes] are
+    // For files of a form that has no place for unknown lines of cards, which stay: begins a file, takes a card of it or counts one that is refused. [bytes] are
     // read so far.
-    void begin() { ++files_; }
+    void begin() {
+        ++files_;
+        tellsUnknownLines_ = false;
+    }
     void add(vcard::Card& card, const std::string& file, std::size_t bytes);
     void refuse(const vcard::Problem& problem, const std::string& file, std::size_t bytes);
     // Returns what was done so far.
@@ -76,7 +79,7 @@ class Importer {
     void advance(std::size_t bytes);
     void addGroup(const std::string& uid, vcard::Card& card, Seen& seen);
     void addPerson(const std::string& uid, vcard::Card& card, Seen& seen, bool again);
-    bool takeDifference(RecordChange& change) const;
+    bool takeDifference(RecordChange& change, bool tellsUnknownLines) const;
     std::string resolve(const std::string& uuid) const;
     void joinGroup(const GroupMembers& group);
     void joinLateMembers();
@@ -92,7 +95,8 @@ class Importer {
     Progress progress_;
     ImportSummary summary_;
     std::size_t files_ = 0;
-    std::unordered_map<std::string, Seen> seen_;            // by unique id
+    bool tellsUnknownLines_ = true;              // a card of this file without unknown lines has none
+    std::unordered_map<std::string, Seen> seen_; // by unique id
     std::unordered_map<std::string, std::string> aliases_;  // UUID of a UID -> unique id
     std::map<std::string, std::vector<std::string>> named_; // group's name -> people's unique ids
     std::vector<GroupMembers> members_;
