@@ -1,6 +1,7 @@
 #pragma once
 
-/// Container values of the host: streams of bytes in their order, at most one for each four-character code.
+/// Container values of the host: an ordered list of streams of bytes, at most one for each four-character
+/// type.
 
 #include "FMXClient.h"
 #include "FMXTypes.h"
@@ -59,22 +60,22 @@ class BinaryData {
     bool operator!=(const BinaryData& other) const { return Call(FM_BinaryData_operatorNE, this, other); }
 
     int32 GetCount() const { return Call(FM_BinaryData_GetCount, this); }
-    /// Where the stream of a type stands; -1 when there is none.
+    /// Returns the index of the stream of a type; -1 when there is none.
     int32 GetIndex(const QuadChar& type) const { return Call(FM_BinaryData_GetIndex, this, type); }
-    /// The bytes of all streams together.
+    /// Returns the number of bytes in all streams.
     uint32 GetTotalSize() const { return Call(FM_BinaryData_GetTotalSize, this); }
     void GetType(int32 index, QuadChar& type) const { Call(FM_BinaryData_GetType, this, index, type); }
     uint32 GetSize(int32 index) const { return Call(FM_BinaryData_GetSize, this, index); }
-    /// Copies bytes of a stream; non-zero, and nothing copied, when it has no such range.
+    /// Copies bytes of a stream. Returns non-zero, and copies nothing, when it has no such range.
     errcode GetData(int32 index, uint32 offset, uint32 amount, void* buffer) const {
         return Call(FM_BinaryData_GetData, this, index, offset, amount, buffer);
     }
-    /// Adds a stream at the end, or replaces the one of that type where it stands.
+    /// Adds a stream at the end, or replaces the one of that type in its place.
     errcode Add(const QuadChar& type, uint32 amount, void* buffer) {
         return Call(FM_BinaryData_Add, this, type, amount, buffer);
     }
-    /// Begins a stream that comes in pieces and hands out the number by which the pieces name it. It is
-    /// added, as `Add` does, by `AddFinish`. Non-zero for a number that names no stream at work in this
+    /// Write a stream in pieces: begin it, which gives the number by which the other two refer to it, append
+    /// bytes, and add it as `Add` does. Return non-zero for a number that is no pending stream of this
     /// container.
     errcode AddBegin(const QuadChar& type, uint32& context) {
         return Call(FM_BinaryData_AddBegin, this, type, &context);
@@ -83,14 +84,15 @@ class BinaryData {
         return Call(FM_BinaryData_AddAppend, this, context, amount, buffer);
     }
     errcode AddFinish(uint32 context) { return Call(FM_BinaryData_AddFinish, this, context); }
-    /// Whether there was such a stream to remove.
+    /// Removes the stream of a type; returns whether there was one.
     bool Remove(const QuadChar& type) { return Call(FM_BinaryData_Remove, this, type); }
     void RemoveAll() { Call(FM_BinaryData_RemoveAll, this); }
 
-    /// The file names; non-zero, and the text unchanged, when the container has none.
+    /// Gets the file names. Returns non-zero, and leaves the text unchanged, when the container has none.
     errcode GetFNAMData(Text& fileNames) const { return Call(FM_BinaryData_GetFNAMData, this, fileNames); }
     errcode AddFNAMData(const Text& fileNames) { return Call(FM_BinaryData_AddFNAMData, this, fileNames); }
-    /// The size of the picture in points; non-zero, and both unchanged, when the container says none.
+    /// Gets the size of the picture in points. Returns non-zero, and leaves both unchanged, when the
+    /// container has none.
     errcode GetSIZEData(int16& width, int16& height) const {
         return Call(FM_BinaryData_GetSIZEData, this, width, height);
     }
@@ -99,8 +101,8 @@ class BinaryData {
     }
 };
 
-/// Owns a container value: an empty one, a copy, a file of a name and bytes, or a file whose bytes come in
-/// pieces (`AddAppend`, `AddFinish`).
+/// Owns a container value: an empty one, a copy, a file with a name and bytes, or a file whose bytes are
+/// written in pieces (`AddAppend`, `AddFinish`).
 template <class Base>
 class BinaryDataHolder : public Base {
   public:

@@ -7,8 +7,8 @@
 namespace fmx {
 
 extern "C" {
-/// A function or a script step of a plug-in: gets its number, the environment and the arguments, and sets the
-/// result; answers an error code.
+/// A function or a script step of a plug-in: gets its id, the environment and the arguments, sets the result,
+/// and returns an error code.
 typedef errcode (*ExtPluginType)(short functionId, const ExprEnv& env, const DataVect& arguments,
                                  Data& result);
 }
@@ -88,7 +88,7 @@ FMX_END_CALLS
 
 namespace fmx {
 
-/// The arguments of a call. An index that is not below the size is a failure of the host (`std::exception`).
+/// The arguments of a call. An index that is not below the size throws `std::exception`.
 class DataVect {
   public:
     FMX_OPAQUE_CLASS(DataVect)
@@ -99,7 +99,7 @@ class DataVect {
     bool IsEmpty() const { return Call(FM_DataVect_IsEmpty, this); }
     /// Adds a copy at the end.
     void PushBack(const Data& value) { Call(FM_DataVect_PushBack, this, value); }
-    /// Takes the last value out; the caller owns it. Null when there is none.
+    /// Removes the last value and returns it; the caller owns it. Null when there is none.
     Data* PopBack() { return Call(FM_DataVect_PopBack, this); }
 
     const Data& At(uint32 index) const { return Call(FM_DataVect_At, this, index); }
@@ -122,7 +122,7 @@ class DataVectHolder : public Base {
 };
 FMX_HOLDERS(DataVect)
 
-/// The rows that a query found. An index that is not below the size is a failure of the host.
+/// The rows of a query's result. An index that is not below the size throws `std::exception`.
 class RowVect {
   public:
     FMX_OPAQUE_CLASS(RowVect)
@@ -183,16 +183,16 @@ class ExprEnv {
         kPluginErrResult8 = 1559
     };
 
-    /// Evaluates a calculation; non-zero when it has an error.
+    /// Evaluates a calculation. Returns non-zero when it has an error.
     errcode Evaluate(const Text& expression, Data& result) const {
         return Call(FM_ExprEnv_Evaluate, this, expression, result);
     }
-    /// Evaluates `Get ( ... )` of that number, for instance 1089 for `Get ( TemporaryPath )`.
+    /// Evaluates `Get ( ... )` by its number, for instance 1089 for `Get ( TemporaryPath )`.
     errcode EvaluateGetFunction(int16 which, Data& result) const {
         return Call(FM_ExprEnv_EvaluateGetFunction, this, which, result);
     }
-    /// Makes a path of the host's own kind ("/Disk/folder/file", "file:..." and the like) of one of an
-    /// operating system, and back. The format of the other side: 1 POSIX, 2 Windows, 3 path of a URL.
+    /// Convert a path of the operating system to one in the host's form ("/Disk/folder/file", "file:..." and
+    /// the like), and back. The format of the system's path: 1 POSIX, 2 Windows, 3 path of a URL.
     errcode EvaluateConvertToFileMakerPath(const Text& path, int32 format, Text& result) const {
         return Call(FM_ExprEnv_EvaluateConvertToFileMakerPath, this, path, format, result);
     }
@@ -200,7 +200,7 @@ class ExprEnv {
         return Call(FM_ExprEnv_EvaluateConvertFromFileMakerPath, this, path, format, result);
     }
 
-    /// Runs a query in a file; non-zero when it cannot, for instance without a database.
+    /// Runs a query in a file. Returns non-zero when that is not possible, for instance without a database.
     errcode ExecuteFileSQL(const Text& expression, const Text& fileName, const DataVect& parameters,
                            RowVect& result) const {
         return Call(FM_ExprEnv_ExecuteFileSQL, this, expression, fileName, parameters, result);
@@ -215,8 +215,8 @@ class ExprEnv {
     uint64 SessionID() const { return Call(FM_ExprEnv_SessionID, this); }
     uint64 FileID() const { return Call(FM_ExprEnv_FileID, this); }
 
-    /// Offers a function to calculations; a negative `maxArgs` sets no upper limit. Non-zero for an id that
-    /// is taken, 1210 for a name that is.
+    /// Registers a function for calculations; a negative `maxArgs` means no upper limit. Returns non-zero
+    /// when the id is taken, 1210 when the name is.
     static errcode RegisterExternalFunction(const QuadChar& pluginId, int16 functionId, const Text& name,
                                             const Text& prototype, int16 minArgs, int16 maxArgs, uint32 flags,
                                             ExtPluginType function) {
@@ -233,7 +233,7 @@ class ExprEnv {
         return Call(FM_ExprEnv_UnRegisterExternalFunction, pluginId, functionId);
     }
 
-    /// Offers a step to scripts; the definition is XML that lists its parameters.
+    /// Registers a step for scripts; the definition is XML that lists its parameters.
     static errcode RegisterScriptStep(const QuadChar& pluginId, int16 stepId, const Text& name,
                                       const Text& definition, const Text& description, uint32 flags,
                                       ExtPluginType function) {

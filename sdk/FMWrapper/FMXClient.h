@@ -1,6 +1,6 @@
 #pragma once
 
-/// How a plug-in calls the host, and how every call reports a failure.
+/// The means by which a plug-in calls the host, and by which every call reports a failure.
 ///
 /// Every object of the host (a text, a number, a container, ...) is opaque to a plug-in: its class declares
 /// methods and no data, and each method calls one C function of the host's library. The C functions never
@@ -18,8 +18,8 @@
 /// Marks a function that the host's library exports.
 #define FMX_API __attribute__((visibility("default")))
 
-/// Around declarations of the host's functions: C linkage, without the compiler's remarks on results that C
-/// does not know (references) and on a `const` that changes nothing.
+/// Enclose declarations of the host's functions: C linkage, without the compiler's warnings about references,
+/// which C does not have, and about a `const` without effect.
 #if defined(__clang__)
 #define FMX_BEGIN_CALLS                                                                                      \
     _Pragma("clang diagnostic push") _Pragma("clang diagnostic ignored \"-Wreturn-type-c-linkage\"")         \
@@ -40,14 +40,14 @@
 
 namespace fmx {
 
-/// The exception block: the last argument of the functions of the host, which report their failures in it.
+/// The exception block, in which the host's functions report failures; their last argument.
 struct _fmxcpt {
     int32 version;
     int32 code;
 
     _fmxcpt() : version(1), code(0) {}
 
-    /// Throws what the block reports: `std::bad_alloc` for code 1, `std::exception` for code 2.
+    /// Throws the reported exception: `std::bad_alloc` for code 1, `std::exception` for code 2.
     void Check() const {
         if (code == 1) {
             throw std::bad_alloc();
@@ -59,7 +59,7 @@ struct _fmxcpt {
 };
 static_assert(sizeof(_fmxcpt) == 8, "the exception block is two 32-bit integers");
 
-/// A call with a fresh exception block; throws what the block reports afterwards.
+/// Makes a call with a new exception block, and throws the exception that it reports.
 template <class Result>
 struct CheckedCall {
     template <class Function, class... Arguments>
@@ -97,8 +97,8 @@ using OlderPointer = std::auto_ptr<Object>;
 
 } // namespace fmx
 
-/// What every opaque class of the interface has in common: a plug-in neither makes nor copies its objects
-/// itself, and `delete` hands one back to the host.
+/// The common declarations of all opaque classes: a plug-in cannot make or copy their objects itself, and
+/// `delete` gives an object back to the host.
 #define FMX_OPAQUE_CLASS(name)                                                                               \
     name() = delete;                                                                                         \
     name(const name&) = delete;                                                                              \
@@ -108,8 +108,8 @@ using OlderPointer = std::auto_ptr<Object>;
     }
 
 // NOLINTBEGIN(bugprone-macro-parentheses): the names of classes
-/// The owning holders of a class, from a template `<name>Holder` over their base: `<name>UniquePtr`, and the
-/// older `<name>AutoPtr`, which gives its object away when it is copied where the C++ library still has
+/// The owning holders of a class, made from a template `<name>Holder` of their base: `<name>UniquePtr`, and
+/// the older `<name>AutoPtr`, whose copies take over the object where the C++ library still has
 /// `std::auto_ptr`.
 #define FMX_HOLDERS(name)                                                                                    \
     class name##UniquePtr : public name##Holder<std::unique_ptr<name>> {                                     \

@@ -1,6 +1,6 @@
 #pragma once
 
-/// A value of the host, as a calculation knows it: of some type, and readable as any other.
+/// Values of calculations in the host. A value has a type, and can be read as any other.
 
 #include "FMXClient.h"
 #include "FMXTextStyle.h"
@@ -50,10 +50,11 @@ FMX_END_CALLS
 
 namespace fmx {
 
-/// A value. What a getter answers belongs to the value, and stands until it is set again or deleted.
+/// A value. The result of a getter belongs to the value, and is valid until the value is set again or
+/// deleted.
 ///
-/// Setters take the native type that the value has afterwards: a number set with the type text is that
-/// number's text.
+/// Setters take the native type that the value then has: a number that is set with the type text becomes its
+/// text.
 class Data {
   public:
     FMX_OPAQUE_CLASS(Data)
@@ -75,7 +76,7 @@ class Data {
     /// False for a value that could not be read as its type.
     bool IsValid() const { return Call(FM_Data_IsValid, this); }
     bool IsFindRequest() const { return Call(FM_Data_IsFindRequest, this); }
-    /// Makes the value an empty one of a type.
+    /// Makes the value empty, of the given type.
     void Clear(int32 type = kDTInvalid) { Call(FM_Data_Clear, this, type); }
 
     const Text& GetAsText() const { return Call(FM_Data_GetAsText, this); }
@@ -88,7 +89,7 @@ class Data {
     const Locale& GetLocale() const { return Call(FM_Data_GetLocale, this); }
     int32 GetNativeType() const { return Call(FM_Data_GetNativeType, this); }
 
-    /// Makes the value one of another type; it is invalid when it cannot be read as that.
+    /// Converts the value to another type; it becomes invalid when it cannot be read so.
     void ConvertData(int32 type) { Call(FM_Data_ConvertData, this, type); }
 
     errcode SetAsText(const Text& value, const Locale& locale, int32 type = kDTText) {
@@ -106,24 +107,25 @@ class Data {
     void SetAsTimeStamp(const DateTime& value, int32 type = kDTTimeStamp) {
         Call(FM_Data_SetAsTimeStamp, this, value, type);
     }
-    /// The first type says which part of the date-time counts: date, time or time stamp.
+    /// The first type says which part of the date-time is used: date, time or time stamp.
     void SetDateTime(const DateTime& value, int32 dateTimeType, int32 nativeType) {
         Call(FM_Data_SetDateTime, this, value, dateTimeType, nativeType);
     }
-    /// Without the native type forced, a container that holds file names alone becomes their text.
+    /// Unless the native type is forced, a container that has only file names becomes their text.
     void SetBinaryData(const BinaryData& value, bool forceBinaryNativeType = true) {
         Call(FM_Data_SetBinaryData, this, value, forceBinaryNativeType);
     }
 
-    /// The number of a font by its name and script, or its PostScript name; `CharacterStyle::kInvalidFont`
-    /// for an empty name. A name that is new gets a new number.
+    /// Return the number of a font by its name and script, or by its PostScript name;
+    /// `CharacterStyle::kInvalidFont` for an empty name. A new name gets a new number.
     FontID GetFontID(const Text& name, FontScript script, const ExprEnv& env) {
         return Call(FM_Data_GetFontID, this, name, script, env);
     }
     FontID GetPostscriptFontID(const Text& name, const ExprEnv& env) const {
         return Call(FM_Data_GetPostscriptFontID, this, name, env);
     }
-    /// The name (and script) of a font; false, and both unchanged, for a number that no font has.
+    /// Get the name (and script) of a font. Return false, and leave both unchanged, for a number that no font
+    /// has.
     bool GetFontInfo(FontID font, Text& name, FontScript& script, const ExprEnv& env) const {
         return Call(FM_Data_GetFontInfo, this, font, name, script, env);
     }

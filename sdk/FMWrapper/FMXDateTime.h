@@ -1,6 +1,6 @@
 #pragma once
 
-/// Dates, times and time stamps of the host: one object holds a day and a time of day.
+/// Dates, times and time stamps of the host: an object holds a day and a time of day.
 ///
 /// The calendar is the Gregorian one for all years, 1 to 4000; the epoch is the start of 1 January of year 1.
 
@@ -55,7 +55,7 @@ namespace fmx {
 
 /// A day and a time of day. A new one is 1 January of year 1 at 0:00:00.
 ///
-/// A setter that answers an error code leaves the object as it was when the code is not 0.
+/// A setter that returns an error code other than 0 leaves the object unchanged.
 class DateTime {
   public:
     FMX_OPAQUE_CLASS(DateTime)
@@ -72,12 +72,12 @@ class DateTime {
     /// The week that holds 1 January is 1; weeks start on Sunday.
     int16 WeekOfYear() const { return Call(FM_DateTime_WeekOfYear, this); }
 
-    /// Takes the local day and time.
+    /// Sets the current local day and time.
     void Now() { Call(FM_DateTime_Now, this); }
 
-    /// Takes the day of another object and keeps the time.
+    /// Sets the day to that of another object; the time stays.
     void SetDate(const DateTime& date) { Call(FM_DateTime_SetDate, this, date); }
-    /// Non-zero for what is no day of the calendar.
+    /// Sets the day. Returns non-zero for a day that the calendar does not have.
     errcode SetNormalizedDate(int16 month, int16 day, int16 year) {
         return Call(FM_DateTime_SetNormalizedDate1, this, month, day, year);
     }
@@ -87,10 +87,10 @@ class DateTime {
     /// The epoch's own day is 1.
     void SetDaysSinceEpoch(int64 days) { Call(FM_DateTime_SetDaysSinceEpoch, this, days); }
 
-    /// Takes the time of another object and keeps the day.
+    /// Sets the time to that of another object; the day stays.
     void SetTime(const DateTime& time) { Call(FM_DateTime_SetTime, this, time); }
-    /// The hour may be more than 23; non-zero for a negative part, and for minutes, seconds and microseconds
-    /// that make a minute, an hour or a second.
+    /// Sets the time. The hour may be more than 23. Returns non-zero for a negative part, for minutes or
+    /// seconds of 60 and more, and for microseconds that make a second.
     errcode SetNormalizedTime(int64 hour, int16 minute, int16 second, int32 microseconds) {
         return Call(FM_DateTime_SetNormalizedTime1, this, hour, minute, second, microseconds);
     }
@@ -116,7 +116,7 @@ class DateTime {
     void GetSecondsSinceEpoch(FixPt& seconds) const { Call(FM_DateTime_GetSecondsSinceEpoch, this, seconds); }
 };
 
-/// Owns a date-time: the epoch, or what a text says.
+/// Owns a date-time: the epoch, or the one that a text gives.
 template <class Base>
 class DateTimeHolder : public Base {
   public:

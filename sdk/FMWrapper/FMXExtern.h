@@ -4,8 +4,8 @@
 /// structure that carries them.
 ///
 /// A plug-in exports `FMExternCallProc(FMX_ExternCallPtr)` and defines `gFMX_ExternCallPtr`, in which it
-/// keeps the structure of the message at hand: `FMX_StartScript` and `FMX_SetToCurrentEnv` call the host
-/// through it. What stands here serves C and C++.
+/// keeps the structure of the current message: `FMX_StartScript` and `FMX_SetToCurrentEnv` call the host by
+/// way of it. This header is for C and C++.
 
 #include <stddef.h>
 #include <stdint.h>
@@ -58,16 +58,17 @@ typedef struct FMX_ExprEnv FMX_ExprEnv;
 
 /// The messages (`whichCall`).
 enum {
-    /// Start-up; `parm1` is the application, `parm2` points to its version text, `result` takes the answer.
+    /// Start-up; `parm1` is the application, `parm2` points to its version text, `result` receives the
+    /// plug-in's interface version, or a refusal.
     kFMXT_Init = 0,
     /// Idle time; `parm1` is the idle level, `parm2` the session.
     kFMXT_Idle = 1,
     /// Shut-down.
     kFMXT_Shutdown = 4,
-    /// The button of the preferences dialog.
+    /// The button of the preferences dialog was clicked.
     kFMXT_DoAppPreferences = 5,
-    /// A string is wanted; `parm1` says which, `parm2` is the language, `parm3` the capacity of the buffer
-    /// that `result` points to, in UTF-16 units.
+    /// The host asks for a string: `parm1` says which, `parm2` is the language, `parm3` the capacity, in
+    /// UTF-16 units, of the buffer to which `result` points.
     kFMXT_GetString = 7,
     /// A session ends; `parm2` says which.
     kFMXT_SessionShutdown = 8,
@@ -112,7 +113,7 @@ enum {
     kFMXT_HelpURLStr = 132
 };
 
-/// The versions of this interface, and the two answers by which a plug-in refuses to start.
+/// The versions of this interface, and the two results by which a plug-in refuses to start.
 enum {
     kBadExtnVersion = -1,
     kDoNotEnable = -2,
@@ -124,7 +125,7 @@ enum {
     k70ExtnVersion = 50,
     k80ExtnVersion = 51,
     k110ExtnVersion = 52,
-    /// The first with 64-bit plug-ins.
+    /// The first version with 64-bit plug-ins.
     k120ExtnVersion = 53,
     k130ExtnVersion = 54,
     k140ExtnVersion = 55,
@@ -149,17 +150,17 @@ enum {
     kMaxExtnVersion = 255
 };
 
-/// What becomes of a script that runs already when a plug-in starts one (`control` of `FMX_StartScript`).
+/// What happens to a running script when a plug-in starts one (`control` of `FMX_StartScript`).
 enum { kFMXT_Halt = 0, kFMXT_Exit = 1, kFMXT_Resume = 2, kFMXT_Pause = 3 };
 
 #ifdef __cplusplus
 extern "C" {
 #endif
 
-/// Starts the script of that name in the file of that name, with a parameter; answers an error code.
+/// Starts a script, given by the names of its file and of itself, with a parameter; returns an error code.
 typedef int16_t (*FMX_StartScriptCall)(const FMX_Text* fileName, const FMX_Text* scriptName, uint8_t control,
                                        const FMX_Data* parameter);
-/// Makes an environment the one of the calculation at hand; answers an error code.
+/// Sets an environment to that of the current calculation; returns an error code.
 typedef int16_t (*FMX_CurrentEnvCall)(FMX_ExprEnv* env);
 
 struct FMX_ExternCallStruct;
@@ -179,11 +180,11 @@ typedef int16_t FMX_UnusedID;
 #endif
 
 #pragma pack(push, 1)
-/// One message to the plug-in. Its fields stand without padding, so that most are not aligned.
+/// A message to the plug-in. The structure has no padding, so that most fields are not aligned.
 struct FMX_ExternCallStruct {
     /// The host's version of this interface.
     int16_t extnVersion;
-    /// Of no use any more; -1. `resourceID` is its older name.
+    /// Not used any more; always -1. `resourceID` is its older name.
     union {
         FMX_UnusedID resourceID;
         FMX_UnusedID unusedID;
@@ -199,7 +200,7 @@ struct FMX_ExternCallStruct {
     uintptr_t parm3;
     /// The plug-in's own bundle: a `CFBundleRef` on macOS, the handle of the loaded library or 0 elsewhere.
     uintptr_t instanceID;
-    /// The answer, or where the answer goes.
+    /// The result of the message, or the address of the buffer for it.
     uintptr_t result;
     uintptr_t unused;
 #if FMX_OLD_CALL_BACKS
@@ -210,7 +211,7 @@ struct FMX_ExternCallStruct {
 };
 #pragma pack(pop)
 
-/// The message at hand; every plug-in defines it.
+/// The current message; every plug-in defines it.
 extern FMX_ExternCallPtr gFMX_ExternCallPtr;
 
 #ifdef __cplusplus

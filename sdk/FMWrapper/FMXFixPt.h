@@ -44,14 +44,14 @@ FMX_END_CALLS
 
 namespace fmx {
 
-/// A decimal number, with a precision: the digits behind the point that it keeps, 0 to 400. The result of a
-/// calculation has the greater precision of its operands.
+/// A decimal number with a precision: the number of digits after the point that it keeps, 0 to 400. The
+/// result of an operation has the higher precision of its operands.
 class FixPt {
   public:
     FMX_OPAQUE_CLASS(FixPt)
     FixPt& operator=(const FixPt&) = delete;
 
-    /// The precision of a number unless it is told another.
+    /// The default precision.
     enum { kDefltFixedPrecision = 16 };
 
     void AssignInt(int32 value) { Call(FM_FixPt_AssignInt, this, value); }
@@ -75,18 +75,18 @@ class FixPt {
     int32 GetPrecision() const { return Call(FM_FixPt_GetPrecision, this); }
     void SetPrecision(int32 precision) { Call(FM_FixPt_SetPrecision, this, precision); }
 
-    /// The result may be one of the operands.
+    /// The result may be the same object as an operand.
     void Add(const FixPt& arg, FixPt& result) const { Call(FM_FixPt_Add, this, arg, result); }
     void Subtract(const FixPt& arg, FixPt& result) const { Call(FM_FixPt_Subtract, this, arg, result); }
     void Multiply(const FixPt& arg, FixPt& result) const { Call(FM_FixPt_Multiply, this, arg, result); }
-    /// Non-zero, and the result unchanged, when the divisor is zero.
+    /// Return non-zero, and leave the result unchanged, when the divisor is zero.
     errcode Divide(const FixPt& arg, FixPt& result) const { return Call(FM_FixPt_Divide, this, arg, result); }
 
-    /// False for zero alone.
+    /// Returns false only for zero.
     bool AsBool() const { return Call(FM_FixPt_AsBool, this); }
-    /// The whole part, held to the range of 32 bits.
+    /// Returns the whole part, or the nearest limit of 32 bits.
     int32 AsLong() const { return Call(FM_FixPt_AsLong, this); }
-    /// The whole part, held to the range of 64 bits.
+    /// Returns the whole part, or the nearest limit of 64 bits.
     int64 AsLong64() const { return Call(FM_FixPt_AsLong64, this); }
     double AsFloat() const { return Call(FM_FixPt_AsFloat, this); }
 };

@@ -1,8 +1,8 @@
 #pragma once
 
-/// Text of the host, in UTF-16, with the style of its characters.
+/// Text of the host, in UTF-16, with the styles of its characters.
 ///
-/// Positions and sizes count UTF-16 units; a range that reaches past the end of a text ends with the text.
+/// Positions and sizes count UTF-16 units; a range that reaches past the end of a text is cut there.
 
 #include "FMXClient.h"
 
@@ -68,11 +68,12 @@ class Text {
     FMX_OPAQUE_CLASS(Text)
     Text& operator=(const Text&) = delete;
 
-    /// Up to the end of the text, and the position that a search answers when it finds nothing.
+    /// A size that means up to the end of the text, and the position that a search returns when it finds
+    /// nothing.
     enum : uint32 { kSize_End = 0xFFFFFFFF, kSize_Invalid = 0xFFFFFFFF };
 
-    /// How bytes stand for characters. Characters that an encoding has not become its replacement character;
-    /// bytes that mean nothing in it become U+FFFD. Native is UTF-8.
+    /// The encodings of text as bytes. Characters that an encoding does not have become its replacement
+    /// character; bytes without a meaning become U+FFFD. Native is UTF-8.
     enum Encoding {
         kEncoding_Native = 0,
         kEncoding_UTF8 = 1,
@@ -113,10 +114,10 @@ class Text {
         kEncoding_ISO_8859_15 = 36
     };
 
-    /// The length in UTF-16 units.
+    /// Returns the length in UTF-16 units.
     uint32 GetSize() const { return Call(FM_Text_GetSize, this); }
 
-    /// Replaces the text; without a length, the source ends at its first zero.
+    /// Replace the text. Without a length, the source ends at its first zero.
     void Assign(const char* text, int32 encoding = kEncoding_Native) {
         Call(FM_Text_Assign, this, text, encoding);
     }
@@ -132,17 +133,17 @@ class Text {
         Call(FM_Text_AssignUnicodeWithLength, this, text, length);
     }
 
-    /// Copies a range as bytes, as many whole characters as fit, and ends them with a zero byte.
+    /// Copies a range as bytes, as many whole characters as fit, followed by a zero byte.
     void GetBytes(char* buffer, uint32 bufferBytes, uint32 position = 0, uint32 size = kSize_End,
                   int32 encoding = kEncoding_Native) const {
         Call(FM_Text_GetBytes, this, buffer, bufferBytes, position, size, encoding);
     }
-    /// Does what `GetBytes` does and answers how many bytes it has written, the last zero not counted.
+    /// Like `GetBytes`, but returns the number of bytes written, without the zero byte.
     uint32 GetBytesEx(char* buffer, uint32 bufferBytes, uint32 position = 0, uint32 size = kSize_End,
                       int32 encoding = kEncoding_Native) const {
         return Call(FM_Text_GetBytesEx, this, buffer, bufferBytes, position, size, encoding);
     }
-    /// Copies a range as UTF-16, with nothing after it.
+    /// Copies a range as UTF-16, without a terminator.
     void GetUnicode(uint16* buffer, uint32 position, uint32 size) const {
         Call(FM_Text_GetUnicode, this, buffer, position, size);
     }
@@ -151,7 +152,7 @@ class Text {
     void SetText(const Text& other, uint32 position = 0, uint32 size = kSize_End) {
         Call(FM_Text_SetText, this, other, position, size);
     }
-    /// Adds a range of another text at the end.
+    /// Appends a range of another text.
     void AppendText(const Text& other, uint32 position = 0, uint32 size = kSize_End) {
         Call(FM_Text_AppendText, this, other, position, size);
     }
@@ -161,14 +162,16 @@ class Text {
         Call(FM_Text_DeleteText, this, position, size);
     }
 
-    /// Where the wanted text next starts at or after a position; `kSize_Invalid` when nowhere.
+    /// Returns the position of the first occurrence at or after a position; `kSize_Invalid` when there is
+    /// none.
     uint32 Find(const Text& wanted, uint32 position) const {
         return Call(FM_Text_Find, this, wanted, position);
     }
     uint32 FindIgnoringCase(const Text& wanted, uint32 position) const {
         return Call(FM_Text_FindIgnoringCase, this, wanted, position);
     }
-    /// Where the wanted text last starts at or before a position; `kSize_Invalid` when nowhere.
+    /// Returns the position of the last occurrence at or before a position; `kSize_Invalid` when there is
+    /// none.
     uint32 FindPrev(const Text& wanted, uint32 position) const {
         return Call(FM_Text_FindPrev, this, wanted, position);
     }
@@ -176,26 +179,26 @@ class Text {
         return Call(FM_Text_FindPrevIgnoringCase, this, wanted, position);
     }
 
-    /// Changes the letters in place, whatever the `const` says.
+    /// Change the letters in place, in spite of the `const`.
     void Uppercase() const { Call(FM_Text_Uppercase, this); }
     void Lowercase() const { Call(FM_Text_Lowercase, this); }
 
-    /// The style of the character at a position; past the end, the default style.
+    /// Gets the style of the character at a position; after the end, the default style.
     void GetStyle(CharacterStyle& style, uint32 position) const {
         Call(FM_Text_GetStyle, this, style, position);
     }
-    /// The style of characters that were given none.
+    /// Gets the style of characters without one of their own.
     void GetDefaultStyle(CharacterStyle& style) const { Call(FM_Text_GetDefaultStyle, this, style); }
-    /// Gives what the style says to a range; what it leaves open stays.
+    /// Sets the attributes that are enabled in a style for a range; others stay.
     void SetStyle(const CharacterStyle& style, uint32 position = 0, uint32 size = kSize_End) {
         Call(FM_Text_SetStyle, this, style, position, size);
     }
-    /// Takes what the style says away from the characters that have it.
+    /// Removes the attributes of a style from the characters that have them with the same value.
     void RemoveStyle(const CharacterStyle& style) { Call(FM_Text_RemoveStyle, this, style); }
-    /// Takes all styles away.
+    /// Removes all styles.
     void ResetAllStyleBuffers() { Call(FM_Text_ResetAllStyleBuffers, this); }
 
-    /// Comparisons go by the UTF-16 units alone.
+    /// Comparisons are by UTF-16 units.
     bool operator==(const Text& other) const { return Call(FM_Text_operatorEQ, this, other); }
     bool operator!=(const Text& other) const { return Call(FM_Text_operatorNE, this, other); }
     bool operator<(const Text& other) const { return Call(FM_Text_operatorLT, this, other); }

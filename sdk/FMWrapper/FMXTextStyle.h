@@ -1,6 +1,6 @@
 #pragma once
 
-/// How characters look: font, faces, size and colour.
+/// Styles of characters: font, faces, size and colour.
 
 #include "FMXClient.h"
 
@@ -12,7 +12,7 @@ typedef uint16 Face;
 typedef uint16 FontSize;
 typedef uint16 FontScript;
 
-/// One channel of a colour: of 8 bits, and brought up to 16.
+/// A channel of a colour, in 8 bits and in 16.
 typedef uchar ColorChannel;
 typedef uint16 ColorChannel16;
 
@@ -109,7 +109,7 @@ class Color {
     ColorChannel GetGreen() const { return Call(FM_Color_GetGreen, this); }
     ColorChannel GetBlue() const { return Call(FM_Color_GetBlue, this); }
     ColorChannel GetAlpha() const { return Call(FM_Color_GetAlpha, this); }
-    /// The channel from 0 to 65535.
+    /// Return a channel, from 0 to 65535.
     ColorChannel16 GetRedUpsample() const { return Call(FM_Color_GetRedUpsample, this); }
     ColorChannel16 GetGreenUpsample() const { return Call(FM_Color_GetGreenUpsample, this); }
     ColorChannel16 GetBlueUpsample() const { return Call(FM_Color_GetBlueUpsample, this); }
@@ -132,8 +132,8 @@ class ColorHolder : public Base {
 };
 FMX_HOLDERS(Color)
 
-/// A style of characters. Font, each face, size and colour can be disabled: then the style says nothing about
-/// them. Setting one enables it.
+/// A style of characters. Font, each face, size and colour can be disabled, and are then not part of the
+/// style. Setting one enables it.
 class CharacterStyle {
   public:
     FMX_OPAQUE_CLASS(CharacterStyle)
@@ -143,7 +143,7 @@ class CharacterStyle {
     typedef fmx::FontSize FontSize;
     typedef fmx::FontScript FontScript;
 
-    /// The faces; but for the letter cases, which share two bits, they can be combined.
+    /// The faces. They can be combined, except for the letter cases, which share two bits.
     enum {
         kFace_Plain = 0,
         kFace_Strikethrough = 1,
@@ -202,14 +202,14 @@ class CharacterStyle {
     void DisableFont() { Call(FM_CharacterStyle_DisableFont, this); }
     bool IsFontEnabled() const { return Call(FM_CharacterStyle_IsFontEnabled, this); }
 
-    /// The faces that are set, together.
+    /// Returns all faces that are set.
     Face GetFace() const { return Call(FM_CharacterStyle_GetFace, this); }
     /// Sets these faces and no others.
     void SetFace(Face face) { Call(FM_CharacterStyle_SetFace, this, face); }
-    /// Adds faces to those that are set; takes them away.
+    /// Add faces to those that are set, and remove them.
     void EnableFace(Face face) { Call(FM_CharacterStyle_EnableFace, this, face); }
     void DisableFace(Face face) { Call(FM_CharacterStyle_DisableFace, this, face); }
-    /// Makes the style say nothing about faces.
+    /// Disables all faces.
     void DisableAllFaces() { Call(FM_CharacterStyle_DisableAllFaces, this); }
     bool IsFaceEnabled(Face face) const { return Call(FM_CharacterStyle_IsFaceEnabled, this, face); }
     bool IsAnyFaceEnabled() const { return Call(FM_CharacterStyle_IsAnyFaceEnabled, this); }
@@ -237,7 +237,7 @@ class CharacterStyle {
     bool IsAllDisabled() const { return Call(FM_CharacterStyle_IsAllDisabled, this); }
 };
 
-/// Owns a style: one that says nothing, one that says everything, or a copy.
+/// Owns a style: with everything disabled, with everything enabled, or a copy.
 template <class Base>
 class CharacterStyleHolder : public Base {
   public:
