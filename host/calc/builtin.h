@@ -20,7 +20,7 @@ struct Node;
 // How a call is read and run.
 enum class BuiltinForm : uint8_t {
     eager,       // all arguments are evaluated, then the function runs
-    branch,      // the function chooses the argument that is the answer
+    branch,      // the function chooses the argument whose value is the result
     lazy,        // the function evaluates the arguments that it needs
     placeholder, // always returns the same value, as what it is about does not exist in this host
     refused,     // needs a field: the parser refuses it with an error code
@@ -30,7 +30,7 @@ enum class BuiltinForm : uint8_t {
 };
 
 using EagerFunction = Value (*)(Session&, std::span<const Value>);
-// Answers null when the answer is empty.
+// Returns the argument whose value is the result; null for an empty result.
 using BranchFunction = const Node* (*)(Evaluator&, std::span<const Node>);
 using LazyFunction = Value (*)(Evaluator&, std::span<const Node>);
 

@@ -1,5 +1,5 @@
-// Reading order: where definitions begin, their headings, their bodies. All headings are read first, so that a
-// body may call what is defined behind it.
+// Reading order: where definitions begin, their headings, their bodies. All headings are read first, so that
+// a body may call functions that are defined after it.
 #include "host/calc/custom_functions.h"
 
 #include "host/calc/builtins.h"
@@ -45,7 +45,7 @@ std::vector<size_t> definitionStarts(const SourcePtr& source) {
             }
             isStart = endsOperand(token.kind);
         }
-    } catch (const CalcError&) { // the reading of the definition tells it
+    } catch (const CalcError&) { // reported when the definition is read
         if (starts.empty()) {
             starts.push_back(0);
         }
@@ -80,7 +80,7 @@ void CustomFunctions::clear(FunctionRegistry* registry) {
         if (registry != nullptr) {
             registry->remove(function);
         }
-        function->body_.reset(); // which may hold the function itself
+        function->body_.reset(); // the body may refer to the function itself
     }
     functions_.clear();
 }

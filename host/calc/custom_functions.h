@@ -18,9 +18,10 @@
 
 namespace host {
 
+// A function that a user has defined.
 class CustomFunction : public ExternalFunction {
   public:
-    // [begin] is where the name of the function stands.
+    // [begin] is the offset of the function's name in the source.
     CustomFunction(std::u16string name, std::vector<std::u16string> parameters, SourcePtr source,
                    size_t begin);
 
@@ -50,12 +51,12 @@ class CustomFunctions {
     CustomFunctions(const CustomFunctions&) = delete;
     CustomFunctions& operator=(const CustomFunctions&) = delete;
 
-    // Reads the definitions of all sources and adds them to [registry], in place of those that were loaded
-    // before. What is wrong goes into [errors]; the definitions without mistakes are added all the same.
+    // Reads the definitions in all sources and adds them to [registry], in place of those that were loaded
+    // before. Adds all errors to [errors]; definitions without errors are still added.
     void load(const std::vector<SourcePtr>& sources, FunctionRegistry& registry,
               std::vector<CalcError>& errors);
 
-    // By their folded names.
+    // Returns the functions by their folded names.
     const std::map<std::u16string, CustomFunctionPtr>& all() const { return functions_; }
 
   private:

@@ -34,7 +34,7 @@ Value callFunction(Session& session, const ExternalFunction& function, std::vect
     return result;
 }
 
-// Goes down to what is evaluated last: the result of Let, the branch that If chooses.
+// Descends to the expression that is evaluated last: the result of Let, the branch that If chooses.
 Value Evaluator::runBody(PendingCall& next) {
     const Node* node = &calculation_.root;
     for (;;) {

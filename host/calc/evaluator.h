@@ -10,14 +10,14 @@
 
 namespace host {
 
-// A call that is to be made.
+// A call that is still to be made.
 struct PendingCall {
     ExternalFunctionPtr function; // null for none
     std::vector<Value> arguments;
 };
 
-// Calls a function that a user has defined. What it calls last takes no room on the stack, so that a function may
-// go on with itself some ten thousand times. Answers "?" beyond the limits. Throws CalcError.
+// Calls a custom function and returns its result; "?" beyond the limits of recursion. A call that is the last
+// thing that the function does takes no room on the stack (a tail call). Throws CalcError.
 Value callFunction(Session& session, const ExternalFunction& function, std::vector<Value> arguments);
 
 // One evaluation of one calculation.
@@ -25,14 +25,15 @@ class Evaluator {
   public:
     Evaluator(Session& session, const Calculation& calculation);
 
-    // Takes [arguments] as the first names of the calculation's frame.
+    // [arguments] become the values of the calculation's first slots.
     Evaluator(Session& session, const Calculation& calculation, std::vector<Value> arguments);
 
     // Returns the calculation's value. Throws CalcError.
     Value run() { return evaluate(calculation_.root); }
 
-    // Returns the value of the body of a function; when the last thing that it does is to call a function that a
-    // user has defined, puts that call into [next] instead, and the value does not count. Throws CalcError.
+    // Returns the value of the body of a function; when the last thing that it does is to call a function
+    // that a user has defined, puts that call into [next] instead, and the value does not count. Throws
+    // CalcError.
     Value runBody(PendingCall& next);
 
     // Returns the value of a node of the calculation. Throws CalcError.

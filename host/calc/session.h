@@ -20,12 +20,12 @@
 
 namespace host {
 
-// A While that turns more often than this gives "?", and so does a function that goes on with itself; unless
-// SetRecursion sets another limit.
+// A While that turns more often than this gives "?", and so does a function that makes more tail calls;
+// unless SetRecursion sets another limit.
 inline constexpr int64_t kMaxRecursions = 50'000;
 
-// The deepest nesting of calls of functions that users define; a call beyond it gives "?". A call that is the last
-// thing a function does is not nested. SetRecursion changes this limit as well.
+// The deepest nesting of calls of custom functions; a call beyond it gives "?". Tail calls are not nested.
+// SetRecursion changes this limit as well.
 inline constexpr int64_t kMaxCallDepth = 10'000;
 
 // Returns the key of a variable's repetition; for repetition 1 and below, the variable's own key.
@@ -94,8 +94,8 @@ class Session {
     // Limits how long each calculation and each script may take from its start to its end; 0 for no limit.
     void setTimeLimit(std::chrono::seconds limit) { timeLimit_ = limit; }
 
-    // Returns why what is at work must end: it was interrupted, or its time is over. Null to go on. Cheap: looks at
-    // the clock once in a while.
+    // Returns why the running calculation or script must end: it was interrupted, or its time is over. Null
+    // to continue. Cheap, as it reads the clock only for some of the calls.
     const char* reasonToStop() {
         if (interrupted_.load(std::memory_order_relaxed)) {
             return "stopped";

@@ -10,11 +10,11 @@ namespace host {
 
 namespace {
 
-constexpr size_t kReserve = size_t{1} << 20; // of bytes
+constexpr size_t kReserve = size_t{1} << 20; // bytes
 // Linux keeps at least 128 MB below the main thread's stack free of mappings.
 constexpr rlim_t kMainStack = rlim_t{112} << 20;
 
-// The address below which the stack must not grow.
+// Returns the address below which the stack must not grow.
 uintptr_t lowestAddress() {
     pthread_attr_t attributes;
     void* lowest = nullptr;

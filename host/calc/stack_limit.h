@@ -2,12 +2,12 @@
 
 namespace host {
 
-// Whether so little of the thread's stack is left that a calculation must go no deeper; what is kept back is for
-// plug-ins and for the way out.
+// Whether so little of the thread's stack is left that a calculation must not be nested deeper. The reserve
+// is for plug-ins and for unwinding.
 bool isStackShort();
 
-// Lets the main thread's stack grow to what the system grants without a new start of the program, so that
-// functions may call themselves to FileMaker's depth. To be called before the first calculation.
+// Raises the limit of the main thread's stack as far as the system allows in a running program, so that
+// custom functions can be nested to FileMaker's depth. Call it before the first calculation.
 void growStack();
 
 } // namespace host

@@ -14,7 +14,7 @@ namespace {
 
 namespace fs = std::filesystem;
 
-// The files that a path stands for, in the order of their names.
+// Returns the files that a path stands for, in the order of their names.
 std::vector<fs::path> filesOf(const std::string& path) {
     std::error_code error;
     if (!fs::is_directory(path, error)) {
@@ -58,7 +58,7 @@ ExitCode checkFiles(Host& host, const CheckPlan& plan) {
             const fs::path folder =
                 plan.folder.empty() ? fs::absolute(file).parent_path() : fs::absolute(plan.folder);
             if (folder != loaded) {
-                std::vector<CalcError> told; // which the check of each file tells as well
+                std::vector<CalcError> told; // ignored, as the check of each file reports them
                 functions.load(readCustomFunctions(folder), host.session().functions(), told);
                 scripts.emplace(folder, known.functions, known.steps);
                 loaded = folder;

@@ -45,7 +45,7 @@ Json sarif(const std::vector<Diagnostic>& diagnostics) {
                                    {"results", results}}})}};
 }
 
-// A text in a workflow command; within a property a colon and a comma would end it.
+// Returns a text escaped for a workflow command; in a property also colon and comma, which would end it.
 std::string escaped(std::string_view text, bool isProperty) {
     static constexpr char kHex[] = "0123456789ABCDEF";
     std::string result;

@@ -1,6 +1,6 @@
 #pragma once
 
-// How diagnostics are written for people and for programs.
+// Writing diagnostics for people and for programs.
 
 #include "host/check/checker.h"
 

@@ -1,6 +1,6 @@
 #pragma once
 
-// `fmhost format`.
+// `fmhost format`: formats scripts and calculations.
 
 #include "host/console/exit_code.h"
 #include "host/editor/format.h"
@@ -11,13 +11,13 @@
 namespace host {
 
 struct FormatCommand {
-    std::vector<std::string> files; // - or none: a calculation from standard input, to standard output
+    std::vector<std::string> files; // "-" or none: formats a calculation from standard input to standard output
     FormatStyle style;
-    bool check = false; // write nothing: name the files that would change, and fail when there are any
+    bool check = false; // writes nothing: prints the names of files that would change, and fails if there are any
 };
 
-// Formats files in place and names those that it changed; a file is there as it was or whole. The others go
-// on when one can not be read: the first error's exit code is answered.
+// Formats files in place, each atomically, and prints the names of those that it changed. Continues with the
+// other files when one cannot be read, and returns the exit code of the first error.
 ExitCode runFormat(const FormatCommand& command);
 
 } // namespace host

@@ -34,7 +34,7 @@ bool InputReader::isBlank() const {
     try {
         return isBlankCalculation(std::make_shared<Source>(name_, fromUtf8(pending_)));
     } catch (const CalcError&) {
-        return false; // a comment or a text that goes on
+        return false; // a comment or a text without its end
     }
 }
 

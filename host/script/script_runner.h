@@ -30,7 +30,7 @@ class ScriptListener {
     // Called when a step has evaluated its calculation.
     virtual void evaluated(const Script& /*script*/, const Step& /*step*/, const Value& /*result*/) {}
 
-    // Pause/Resume Script: the script goes on when this returns.
+    // Pause/Resume Script: the script continues when this returns.
     virtual void paused(std::chrono::duration<double> /*time*/) {}
 
     // Beep.

@@ -85,7 +85,7 @@ NSString* setImage(const fmx::BinaryData& container) {
         container.GetSIZEData(width, height);
         const auto image = Retained<NSImage>::adopt([[NSImage alloc] initWithData:bytes]);
         [image.get() setSize:NSMakeSize(width, height)];
-        // Without a bitmap the work goes on: the person's picture is removed, and the call fails.
+        // Without a bitmap it continues: the person's picture is removed, and the call fails.
         picture = encoded(firstBitmap(image.get()), stream->format);
     }
     if (![state.g_person.get() setImageData:picture]) {

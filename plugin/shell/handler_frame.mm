@@ -27,7 +27,7 @@ void runInPool(short function, const fmx::DataVect& arguments, fmx::Data& result
     }
     Answer answer;
     if (rules.checksCount && !acceptsCount(function, arguments.Size())) {
-        // The error object is not told, so that the message still reads "Success".
+        // The error object is not set, so that the message is still "Success".
         setErrorCodeOnly(kInvalidParameterCount);
     } else {
         guardedCall([&] { answer = fetchAnswer(work); });

@@ -84,7 +84,7 @@ class Book : public std::enable_shared_from_this<Book> {
     // Returns the record with this unique id, null when the address book has none.
     LiveRecordPtr find(std::string_view uid);
     // Returns the record in a row of store(), never null: for a deleted one a tombstone with its unique id.
-    // Throws StoreError when so many were deleted since that the id is not known any more.
+    // Throws StoreError when so many records were deleted since that the id is no longer known.
     LiveRecordPtr at(RowId row);
     // Like at(), for a row of [origin], an earlier store(): returns that record, whatever row it has now.
     LiveRecordPtr at(RowId row, const std::shared_ptr<const Store>& origin);

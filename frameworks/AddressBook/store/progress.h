@@ -5,12 +5,12 @@
 
 namespace addressbook {
 
-// Told how much of long work is done, from 0 to 1. May be empty. It may throw something that is no StoreError
-// to stop the work, which then has changed nothing.
+// A callback for the progress of long work: called with the part that is done, from 0 to 1. May be empty. It
+// may throw an exception other than StoreError to stop the work, which then has changed nothing.
 using Progress = std::function<void(double part)>;
 
-// Tells that [done] of [all] are done, which are the share of the work from [from] to [to]; now and then only, so that
-// it may be called for each of very many.
+// Reports that [done] of [all] items are done, where all items are the share of the work between [from] and
+// [to]. Calls [progress] only for some of the items, so that it may be called for each of very many.
 inline void tellProgress(const Progress& progress, std::size_t done, std::size_t all, double from = 0,
                          double to = 1) {
     constexpr std::size_t kOften = 64;
@@ -19,7 +19,8 @@ inline void tellProgress(const Progress& progress, std::size_t done, std::size_t
     }
 }
 
-// Returns what tells of a share of the work, from [from] to [to], to whom the whole is told. It refers to [whole].
+// Returns the callback for a share of the work, between [from] and [to], which reports to [whole]. It refers
+// to [whole].
 inline Progress share(const Progress& whole, double from, double to) {
     if (!whole) {
         return {};

@@ -434,7 +434,7 @@ void visitReadableProperties(std::string_view record, const PropertyVisitor& vis
             const std::string_view name = reader.word();
             visit(name, reader.bytes());
         }
-    } catch (const DamagedRecord&) { // nothing behind this place can be told apart
+    } catch (const DamagedRecord&) { // nothing after this place can be read
         return;
     }
 }

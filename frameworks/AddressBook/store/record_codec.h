@@ -7,28 +7,28 @@
 // The format, which never changes without a new schema version. "record" is the whole blob:
 //
 //   record      checksum, then for each property in the order of names: word (its name), bytes (its value)
-//   checksum    8 bytes, little-endian, over all bytes behind it; see checksum() in record_codec.cpp
+//   checksum    8 bytes, little-endian, over all bytes after it; see checksum() in record_codec.cpp
 //   value       1 byte that says of which type it is, then
 //               0  no value          nothing
 //               1  text              bytes: UTF-8, where a lone surrogate has the 3 bytes of its code point
 //               2  whole number      integer
 //               3  real              8 bytes, little-endian, IEEE 754
 //               4  date              8 bytes, as a real: seconds since 2001-01-01 00:00:00 UTC
-//               5  array             count, then so many values
-//               6  dictionary        count, then so many times: word (the key), value; ordered by keys
+//               5  array             count, then as many values
+//               6  dictionary        count, then as many times: word (the key), value; ordered by keys
 //               7  data              bytes
 //               8  date components   1 byte: bits 0 to 5 say whether year, month, day, hour, minute, second
 //                                    are there; then an integer for each that is, in this order
-//               9  multi-value       identifier (the primary one, empty for none), count, then so many times:
+//               9  multi-value       identifier (the primary one, empty for none), count, then as many times:
 //                                    identifier, word (the label), value
 //   count       a whole number from 0, in groups of 7 bits, the lowest first; a byte below 0x80 is the last
 //   integer     a count: 2n for n >= 0, -2n - 1 for n < 0
-//   bytes       count, then so many bytes
+//   bytes       count, then as many bytes
 //   word        count: the number of a well-known word (interned_words.h), or 0 and then bytes
-//   identifier  count: twice the length, plus 1 when it is a packed UUID (packUid); then so many bytes
+//   identifier  count: twice the length, plus 1 when it is a packed UUID (packUid); then as many bytes
 //
 // Values are nested at most kMaxValueDepth deep. The change log's lists of unique ids (encodeUids) are a
-// count and so many identifiers.
+// count and as many identifiers.
 
 #include "frameworks/AddressBook/values/value.h"
 

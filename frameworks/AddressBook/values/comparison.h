@@ -54,7 +54,7 @@ struct Leaf {
 };
 
 // Calls [visit] with each value of a property: a single value, each entry of a multi-value, a dictionary as a
-// whole and each of its fields; stops when it answers true, and answers whether it did.
+// whole and each of its fields. Stops when [visit] returns true; returns whether it did.
 bool visitLeaves(const Value& value, const std::function<bool(const Leaf&)>& visit);
 
 // The days from `first` to `last`, both included, numbered as in calendar.h. No day is within when `first` is

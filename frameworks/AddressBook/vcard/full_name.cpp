@@ -88,7 +88,7 @@ void takeSuffix(Words& words, NameParts& parts) {
 
 NameParts splitFullName(std::string_view name) {
     NameParts parts;
-    // Suffixes behind a comma.
+    // Suffixes after a comma.
     for (std::size_t comma = name.rfind(','); comma != std::string_view::npos; comma = name.rfind(',')) {
         const Words behind = wordsOf(name.substr(comma + 1));
         if (!std::all_of(behind.begin(), behind.end(), [](auto word) { return isIn(kSuffixes, word); })) {

@@ -33,7 +33,7 @@ constexpr std::array kRows{
     Row{{"OTHER", ""}, kOtherLabel, Entries::any, Use::written},
 };
 
-// What every number is: alone it says that the number is nothing else.
+// A TYPE that every number has. When it is the only one, the number is nothing else.
 constexpr std::string_view kVoice = "VOICE";
 
 // Words that say what a number or an address can do, not whose or where it is: never a label.

@@ -12,7 +12,7 @@ namespace addressbook::vcard {
 
 namespace {
 
-// Takes the line's TYPE words; its other parameters and the preference go to [addition].
+// Returns the line's TYPE words, and puts its other parameters and the preference into [addition].
 std::vector<std::string> takeTypes(const ContentLine& line, Addition& addition) {
     std::vector<std::string> types;
     for (const Param& param : line.params) {
@@ -112,7 +112,8 @@ std::vector<std::string> additionLines(const std::vector<Addition>& additions, c
         return result;
     }
     const std::vector<CardLine> lines = cardLines(card, false);
-    // Each belongs to the line of its own property, else to the first of those that are written for the entry.
+    // An addition belongs to the line of its own vCard property, else to the first line that is written for
+    // the entry.
     using Place = std::pair<std::string_view, std::size_t>;
     std::map<Place, std::vector<std::size_t>> linesOf;
     for (std::size_t at = 0; at < lines.size(); ++at) {
@@ -132,7 +133,8 @@ std::vector<std::string> additionLines(const std::vector<Addition>& additions, c
             slot = &each;
         }
     }
-    // Of equal lines each needs an addition as soon as one does: they are told apart by their order.
+    // If one of several equal lines needs an addition, all of them get one, as they are matched by their
+    // order.
     const auto textOf = [](const CardLine& line) {
         return std::pair<std::string_view, std::string_view>(line.name, matchedValue(line));
     };

@@ -22,7 +22,7 @@ namespace addressbook::vcard {
 
 namespace {
 
-// A version 2.1 knows no lists, 4.0 writes unique ids as addresses.
+// The version of a card: 2.1 has no lists, 4.0 writes unique ids as URIs.
 enum class Version { v21, v3, v4 };
 
 struct LabelInGroup {
@@ -35,7 +35,7 @@ class CardReader {
   public:
     CardReader(std::vector<ContentLine>& lines, Card& card) : lines_(lines), card_(card) {}
 
-    // Empty, or why the card is refused.
+    // Reads the card. Returns why it is refused; empty when it is not.
     std::string run() {
         collectGroups();
         for (ContentLine& line : lines_) {
@@ -54,8 +54,8 @@ class CardReader {
     }
 
   private:
-    // Labels and country codes stand after the line that they belong to, so they are looked up before
-    // anything is read.
+    // Collects labels and country codes by group, before anything is read: they come after the lines to which
+    // they belong.
     void collectGroups() {
         for (ContentLine& line : lines_) {
             const Rule* rule = ruleFor(line.key);
@@ -86,7 +86,7 @@ class CardReader {
         card_.skipped.push_back({card_.number, line.number, reason + ": " + excerpt(render(line))});
     }
 
-    // Text in base64 becomes text; false when it is none.
+    // Decodes text in base64; returns false when it is not text.
     bool decodeText(const Rule& rule, ContentLine& line) {
         if (line.transfer != Transfer::base64 || rule.shape == Shape::picture) {
             return true;
@@ -97,7 +97,7 @@ class CardReader {
             return false;
         }
         line.value = toUtf8(std::string(text.bytes.begin(), text.bytes.end()), {});
-        line.transfer = Transfer::quotedPrintable; // a backslash before an n is one here, too
+        line.transfer = Transfer::quotedPrintable; // where "\n" is not an escape, either
         return true;
     }
 
@@ -179,8 +179,8 @@ class CardReader {
         }
     }
 
-    // Whether an entry took the label, or one that says the same; lines that come before their entry are
-    // asked for again at the end.
+    // Whether an entry has used the label in [line], or an equal one. For lines before their entry this is
+    // asked again at the end.
     bool usedLabel(const std::unordered_map<std::string, LabelInGroup>& lines, const ContentLine& line) {
         const auto found = lines.find(upperCase(line.group));
         return found != lines.end() && found->second.used &&
@@ -202,13 +202,13 @@ class CardReader {
 
     bool isSet(std::string_view property) const { return card_.values.contains(std::string(property)); }
 
-    // Keeps what a line says besides the value of a property that is no list.
+    // Preserves the parameters of a line whose property is no list.
     void keep(std::string_view property, ContentLine& line, std::string asRead = {}) {
         additions_.push_back(
             {property, 0, kNotPreferred, line.group, line.key, std::move(line.params), std::move(asRead)});
     }
 
-    // The value as it is when its components are lists, which are one text each in the address book.
+    // Returns the value as read when its components are lists, which become one text each; else empty text.
     std::string listsOf(const ContentLine& line) const {
         return version_ != Version::v21 && hasUnescaped(line.value, ',') ? renderValue(line) : std::string();
     }
@@ -328,13 +328,13 @@ class CardReader {
         return true;
     }
 
-    // A day with its time, which the address book does not hold.
+    // Returns a day with its time, which the address book does not keep; empty when it has no time.
     static std::string timeOf(const ContentLine& line) {
         const std::string text(trim(line.text()));
         return text.find_first_of("Tt") == std::string::npos ? std::string() : escape(text);
     }
 
-    // What is no day: false when the line is to be kept.
+    // Leaves a line out that has no day; returns false when it is to be kept because it has a part of one.
     bool leaveOutUnlessPartial(const ContentLine& line) {
         if (saysLessThanADay(line)) {
             return false;
@@ -387,7 +387,7 @@ class CardReader {
         if (uid == uid_) {
             return true;
         }
-        keepUid_ = true; // so that it is again the first one
+        keepUid_ = true; // so that it is the first one again when it is written
         return false;
     }
 
@@ -448,11 +448,11 @@ class CardReader {
         return true;
     }
 
-    // The address in [line]; the country code stands in another line of its group.
+    // Returns the address in [line]; its country code is in another line of the group.
     Value readAddress(const ContentLine& line) {
         Dictionary fields = addressFields(line);
         const auto code = countries_.find(upperCase(line.group));
-        // Some programs write a whole address there; that stays a line of its own.
+        // Some programs write a whole address there, which is then kept as an unknown line.
         if (code != countries_.end() && !line.group.empty() && code->second.text.size() == 2 &&
             !code->second.used) {
             fields["CountryCode"] = code->second.text;
@@ -491,8 +491,8 @@ class CardReader {
         additions_.push_back(std::move(addition));
     }
 
-    // The entry that a line of another property has said already: programs write a messaging name, an
-    // anniversary or a relation under several properties for the sake of other readers.
+    // Returns the index of the equal entry that a line of another property has given already: programs write
+    // a messaging name, an anniversary or a relation under several properties, for other readers.
     std::optional<std::size_t> sameEntry(const Rule& rule, std::string_view property,
                                          const std::vector<Entry>& entries, const std::string& label,
                                          const Value& value, const ContentLine& line) {
@@ -522,7 +522,7 @@ class CardReader {
         return best;
     }
 
-    // The end: what only the whole card tells.
+    // The end: values that depend on the whole card.
 
     std::string finishGroup() {
         if (!isSet(property::kGroupName) && !names_.empty()) {
@@ -578,7 +578,7 @@ class CardReader {
         }
     }
 
-    // Whether a card without a name shows this text as its name, for want of one.
+    // Whether a text, which is the name of a card without a name, is also the value of another property.
     bool isSaidElsewhere(const std::string& name) const {
         if (text(property::kNickname) == name) {
             return true;
@@ -607,7 +607,7 @@ class CardReader {
             return;
         }
         card_.uid = uuid + (card_.kind == Kind::group ? ":ABGroup" : ":ABPerson");
-        // A form that writing gives it again is not kept.
+        // The UID is kept as read only if it would be written differently.
         const bool plain = uid_ == uuid || (version_ == Version::v4 && uid_ == "urn:uuid:" + uuid);
         keepUid_ = keepUid_ || (!uid_.empty() && !plain);
     }
@@ -651,7 +651,7 @@ class CardReader {
     ContentLine* fullNameLine_ = nullptr;
     std::set<std::string> members_;
     std::set<std::tuple<std::string_view, std::size_t, std::string>> repeated_; // see sameEntry
-    std::optional<bool> company_; // unless X-ABShowAs or KIND says nothing
+    std::optional<bool> company_;                                               // set by X-ABShowAs or KIND
     int order_ = 0;
     bool keepUid_ = false;
     GroupNames groupNames_; // of the stored lines

@@ -1,4 +1,4 @@
-// The reader: finds the cards in a file and keeps going after a bad one.
+// The reader: finds the cards in a file, and continues after a bad one.
 
 #include "frameworks/AddressBook/vcard/content_line.h"
 #include "frameworks/AddressBook/vcard/encoding.h"
@@ -16,13 +16,13 @@ bool isBinary(std::string_view text) {
     return text.find('\0') != std::string_view::npos;
 }
 
-// Whether the text ends with a backslash that escapes nothing.
+// Whether the text ends with a backslash that is not itself escaped.
 bool endsWithBackslash(std::string_view text) {
     const std::size_t last = text.find_last_not_of('\\');
     return (text.size() - (last == std::string_view::npos ? 0 : last + 1)) % 2 == 1;
 }
 
-// Properties whose text programs break into lines without folding them.
+// Whether a line's property is one whose text programs break into lines without folding them.
 bool takesLooseLines(const ContentLine& line) {
     if (line.transfer == Transfer::base64) {
         return false;
@@ -54,11 +54,11 @@ struct Reader::Impl {
     std::vector<Problem> skipped;
     std::size_t size = 0;
     std::size_t begin = 0; // its first line
-    bool full = false;     // the rest of it is left out
-    std::string component; // "VEVENT" while such a thing is skipped that has no place in a card
+    bool full = false;     // it exceeds the limits, so that its rest is skipped
+    std::string component; // the name of a component, such as VEVENT, while it is skipped
 };
 
-// Goes to the next BEGIN:VCARD. What stands before it and is no card is one problem.
+// Skips to the next BEGIN:VCARD. Anything before it that is no card becomes one Problem.
 std::optional<Problem> Reader::Impl::skipToBegin() {
     std::optional<Problem> stray;
     while (!atBegin && lines.next(current)) {
@@ -96,7 +96,7 @@ std::optional<std::variant<Card, Problem>> Reader::Impl::next() {
     return readBody();
 }
 
-// Everything after BEGIN:VCARD, to the END:VCARD that belongs to it.
+// Reads everything after BEGIN:VCARD, up to its END:VCARD.
 std::variant<Card, Problem> Reader::Impl::readBody() {
     while (lines.next(current)) {
         if (isEnd(current.text)) {
@@ -122,7 +122,7 @@ std::variant<Card, Problem> Reader::Impl::readBody() {
     return finish("the file ends before the card's END:VCARD");
 }
 
-// The card that was read; [unended] says what is wrong with its end.
+// Returns the card that was read; [unended] says what is wrong with its end.
 std::variant<Card, Problem> Reader::Impl::finish(const std::string& unended) {
     auto card = readCard(std::move(content), number, begin);
     content = {};
@@ -145,7 +145,7 @@ void Reader::Impl::leaveOut(const PropertyLine& line, const std::string& reason)
     skipped.push_back({number, line.number, reason + ": " + excerpt(line.text)});
 }
 
-// One property line into the content, unless something is wrong with it.
+// Adds a property line to the content, unless something is wrong with it.
 void Reader::Impl::take(PropertyLine& line) {
     if (full) {
         return;
@@ -181,7 +181,7 @@ void Reader::Impl::take(PropertyLine& line) {
 void Reader::Impl::takeParsed(PropertyLine& line) {
     const bool loose = !content.empty() && takesLooseLines(content.back());
     auto parsed = line.continued ? std::nullopt : parseContentLine(line);
-    // Text that goes on in its own line may have a colon in it.
+    // The continuation of a text that was not folded may have a colon in it.
     if (parsed && loose && !isPlainName(parsed->name) && !parsed->key.starts_with("X-")) {
         parsed.reset();
     }
@@ -212,7 +212,8 @@ void Reader::Impl::takeParsed(PropertyLine& line) {
     }
 }
 
-// The lines of a card inside the card become the value of its AGENT property; false when the file ends first.
+// Reads a card inside the card, whose lines become the value of the AGENT property; returns false when the
+// file ends first.
 bool Reader::Impl::readNested(ContentLine& agent) {
     std::string value = "BEGIN:VCARD";
     bool whole = true;

@@ -16,7 +16,7 @@ bool isLetter(char byte, char upper) {
 }
 } // namespace
 
-// Whether [count] unread bytes are there, reading more if need be.
+// Returns whether there are [count] unread bytes; reads more if necessary.
 bool TextSource::have(std::size_t count) {
     while (window_.size() < count) {
         if (!input_ || !*input_) {
@@ -44,14 +44,14 @@ char16_t TextSource::unit(std::size_t index) const {
                                                                        : second << 8 | first);
 }
 
-// Whether the next bytes are "BE" in UTF-16: the start of a card whose writer left the byte-order mark out.
+// Whether the next bytes are "BE" in UTF-16: the start of a card without a byte-order mark.
 bool TextSource::startsUtf16(bool bigEndian) const {
     const std::size_t low = bigEndian ? 1 : 0;
     return window_[1 - low] == 0 && window_[3 - low] == 0 && isLetter(window_[low], 'B') &&
            isLetter(window_[low + 2], 'E');
 }
 
-// Looks at the start of a line for a change of encoding.
+// Detects a change of encoding at the start of a line.
 void TextSource::sniff() {
     if (have(3) && window_.starts_with("\xEF\xBB\xBF")) {
         consume(3);

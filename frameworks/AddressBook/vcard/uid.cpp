@@ -42,7 +42,7 @@ std::string uuidOf(std::string_view uid) {
     if (isUuid(uid)) {
         return upperCase(uid);
     }
-    // The name space is this purpose's own; the answer must never change, or cards are taken for new ones.
+    // A name space for this purpose. The result must never change, or cards would be taken for new ones.
     static const boost::uuids::uuid kNameSpace =
         boost::uuids::string_generator()("6f1b7c0e-3d52-4d0a-9a57-5f0c6a1e8b21");
     return upperCase(to_string(boost::uuids::name_generator_sha1(kNameSpace)(uid.data(), uid.size())));

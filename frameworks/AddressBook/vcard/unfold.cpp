@@ -27,7 +27,7 @@ bool isMarker(std::string_view line, std::string_view keyword) {
            equalsIgnoringCase(trim(line.substr(keyword.size() + 1)), "VCARD");
 }
 
-// A line of base64 data that is not folded: no name, no ':'.
+// Whether a line is base64 data that is not folded: it has no name and no ':'.
 bool isBareBase64(std::string_view line) {
     constexpr std::string_view kAlphabet =
         "ABCDEFGHIJKLMNOPQRSTUVWXYZabcdefghijklmnopqrstuvwxyz0123456789+/= \t";
@@ -59,7 +59,7 @@ Transfer declaredTransfer(std::string_view header) {
             encoding.erase(0, encoding.find('=') + 1);
             std::erase(encoding, '"');
         } else if (encoding == "B") {
-            continue; // alone it may be any TYPE
+            continue; // without a name it may also be a TYPE
         }
         if (encoding == "QUOTED-PRINTABLE") {
             return Transfer::quotedPrintable;
@@ -78,7 +78,7 @@ bool isEnd(std::string_view line) {
     return isMarker(line, "END");
 }
 
-// Makes the next line of the file the one ahead; false at the end.
+// Reads the next line of the file into ahead_; returns false at the end.
 bool LineReader::peek() {
     if (!hasAhead_) {
         hasAhead_ = source_.next(ahead_);
@@ -86,7 +86,7 @@ bool LineReader::peek() {
     return hasAhead_;
 }
 
-// Whether the line ahead belongs to a line of that encoding, apart from soft line breaks.
+// Whether the line ahead continues a property line with this encoding; soft line breaks apart.
 bool LineReader::joins(Transfer transfer) const {
     if (ahead_.text.empty()) {
         return false;
@@ -125,10 +125,10 @@ bool LineReader::next(PropertyLine& line) {
         if (transfer == Transfer::quotedPrintable && trimmed.ends_with('=') && trimmed.size() > colon + 1) {
             line.text.resize(trimmed.size() - 1);
             if (isEnd(more) || isBegin(more)) {
-                break; // a soft break with nothing behind it
+                break; // a soft line break with no text after it
             }
         } else if (joins(transfer)) {
-            // Version 2.1 folds before white space that belongs to the text, the others add one character.
+            // Version 2.1 folds at white space that belongs to the text; the others insert a character.
             if (!version21_ && isBlankByte(more.front())) {
                 more.remove_prefix(1);
             }

@@ -12,7 +12,7 @@ namespace addressbook::vcard {
 
 namespace {
 
-// Data: the TYPE of version 3.0 and the media type of 4.0.
+// A type of data: the TYPE of version 3.0 and the media type of 4.0.
 struct Media {
     std::string_view type, media;
 };
@@ -29,7 +29,7 @@ constexpr std::array kMedia{
 };
 constexpr std::string_view kAnyMedia = "application/octet-stream";
 
-// Properties that 4.0 has given up, and their names there.
+// A property of 3.0 that 4.0 has not, and its name in 4.0.
 struct Renamed {
     std::string_view version3, version4;
 };
@@ -45,8 +45,8 @@ constexpr std::array kRenamed{
     Renamed{"X-ADDRESSBOOKSERVER-MEMBER", "MEMBER"},
 };
 
-// "1980-03-22" or "1980-03-22T10:00:00Z" as 4.0 writes it, without the hyphens and colons and the year that
-// stands for none.
+// Returns "1980-03-22" or "1980-03-22T10:00:00Z" in the form of 4.0: without hyphens and colons, and without
+// the year that stands for none.
 std::string dayOf(std::string_view day) {
     const std::size_t time = std::min(day.find_first_of("Tt"), day.size());
     std::string text(day.substr(0, time));

@@ -1,4 +1,4 @@
-// Writing: the lines that the address book knows, joined by those that it only keeps.
+// Writing: the lines for the values of a card, and the unknown lines that were kept.
 
 #include "frameworks/AddressBook/vcard/card_lines.h"
 #include "frameworks/AddressBook/vcard/content_line.h"
@@ -22,9 +22,9 @@ std::optional<ContentLine> parseStored(std::string text) {
     return parseContentLine(line);
 }
 
-// Gives each line the parameters and the group that the additions among [stored] have for it.
+// Gives each line the parameters and the group of its addition among [stored].
 void applyAdditions(std::vector<CardLine>& lines, const std::vector<std::string>& stored) {
-    std::multimap<std::string, CardLine*> byText; // equal ones in their order
+    std::multimap<std::string, CardLine*> byText; // equal lines in their order
     for (const std::string& text : stored) {
         if (!text.starts_with(kAddition)) {
             continue;
@@ -41,7 +41,7 @@ void applyAdditions(std::vector<CardLine>& lines, const std::vector<std::string>
         const std::string key = addition->name + ':' + addition->value;
         const auto found = byText.lower_bound(key);
         if (found == byText.end() || found->first != key) {
-            continue; // the value has changed since
+            continue; // its line's value has changed since
         }
         CardLine& line = *found->second;
         if (const std::string_view value = addition->param(kAsRead); !value.empty()) {
@@ -75,7 +75,7 @@ const Value& unknownLinesOf(const Card& card) {
     return found == card.values.end() ? kNone : found->second;
 }
 
-// The parameters that say label and preference, and those that no property holds.
+// Returns the parameters for label and preference, and those that no property holds.
 std::string paramsOf(const CardLine& line, WrittenVersion version) {
     std::string text;
     if (version == WrittenVersion::v3) {
@@ -96,7 +96,7 @@ std::string paramsOf(const CardLine& line, WrittenVersion version) {
     return text + renderParams(line.extra);
 }
 
-// Whether the TYPE words say the label, so that it needs no line of its own.
+// Whether the label is written as TYPE words, so that it needs no X-ABLabel.
 bool typesSayLabel(const CardLine& line) {
     for (const Param& param : line.extra) {
         if (param.name == "TYPE" && line.rule) {
@@ -132,7 +132,7 @@ class CardWriter {
             }
             append({}, "X-ABUID:" + card.uid);
         }
-        std::erase(out_, '\0'); // no reader takes it for text
+        std::erase(out_, '\0'); // readers do not accept it in text
         return out_ + "END:VCARD\r\n";
     }
 
@@ -149,7 +149,7 @@ class CardWriter {
         if (line.label && typesSayLabel(line)) {
             line.label.reset();
         }
-        // Of several preferred entries the first is the one.
+        // Of several preferred entries only the first is marked.
         bool& preferred = preferred_[line.property];
         preferred = preferred || line.preferred;
         if (!preferred) {
