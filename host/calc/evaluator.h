@@ -40,7 +40,7 @@ class Evaluator {
     Value evaluate(const Node& node);
     Session& session() { return session_; }
 
-    // The key of the variable and its repetition, see repetitionKey().
+    // Returns the key of a variable's repetition; see repetitionKey().
     std::u16string keyOf(const Variable& variable);
 
     // Throws a CalcError of the evaluation kind at the place of [node].

@@ -24,8 +24,8 @@ class ExternalFunction : public Registered {
     // Runs the function and returns its result. Throws ExternalFailure when the plug-in throws an exception.
     virtual Value call(Session& session, std::span<Value> arguments) = 0;
 
-    // The calculation that a user has defined the function by; its first names are the parameters. Null for a
-    // function of a plug-in.
+    // Returns the calculation of a custom function, whose first slots are the parameters; null for a function
+    // of a plug-in.
     virtual const Calculation* body() const { return nullptr; }
 
     const std::u16string& prototype() const { return prototype_; }

@@ -26,11 +26,11 @@ class Parser {
   public:
     Parser(SourcePtr source, size_t offset, const FunctionRegistry& functions);
 
-    // Parses one calculation, up to the first token that does not belong to it. [parameters] are names that it
-    // sees; they are the first of its frame.
+    // Parses one calculation, up to the first token that does not belong to it. [parameters] are names that
+    // it can use, in its first slots.
     Calculation calculation(std::span<const std::u16string> parameters = {});
 
-    // A variable with or without its repetition, as a calculation of its own: what Session::assign() takes.
+    // Parses a variable, with or without a repetition, as a calculation for Session::assign().
     Calculation variableCalculation();
 
     const Token& current() const { return token_; }

@@ -34,7 +34,7 @@ class Registered {
 
     const std::u16string& name() const { return name_; }
 
-    // False once the plug-in has unregistered the item, which must not be called any more then.
+    // Whether the item is registered. Once it is not, it must not be called any more.
     bool registered() const { return registered_; }
 
   private:

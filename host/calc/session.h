@@ -67,11 +67,12 @@ class Session {
     Frame& frame() { return frames_.back(); }
     bool runsScript() const { return frames_.size() > 1; }
 
-    // The error code of the last script step, plug-in function or performed script; 0 is success.
+    // Return and set the error code of the last script step, plug-in function or performed script; 0 is
+    // success.
     int lastError() const { return lastError_; }
     void setLastError(int code) { lastError_ = code; }
 
-    // The code of the last Evaluate that failed, since it was set to 0.
+    // Return and set the code of the last Evaluate that failed, since it was set to 0.
     int evaluationError() const { return evaluationError_; }
     void setEvaluationError(int code) { evaluationError_ = code; }
 
@@ -85,10 +86,11 @@ class Session {
         return recursionLimit_ == kMaxRecursions ? kMaxCallDepth : recursionLimit_;
     }
 
-    // What Get functions return about the host and its scripts.
+    // Returns what Get functions report about the host and its scripts.
     Environment& environment() { return environment_; }
 
-    // While it is set, every evaluation ends with an error. May be set by a signal handler or another thread.
+    // Returns a flag that ends every evaluation with an error while it is set. A signal handler or another
+    // thread may set it.
     std::atomic<bool>& interruptFlag() { return interrupted_; }
 
     // Limits how long each calculation and each script may take from its start to its end; 0 for no limit.

@@ -44,8 +44,8 @@ std::optional<FileKind> fileKind(const std::filesystem::path& file);
 struct Vocabulary {
     const FunctionRegistry& functions;
     const StepRegistry& steps;
-    // Whether there is a script of that name in a database file (empty: the one at hand). Without it the names of
-    // scripts are not checked.
+    // Returns whether a database file (empty: the current one) has a script of that name. When it is not set,
+    // names of scripts are not checked.
     std::function<bool(std::u16string_view file, std::u16string_view name)> hasScript = {};
 };
 

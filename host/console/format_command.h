@@ -11,9 +11,9 @@
 namespace host {
 
 struct FormatCommand {
-    std::vector<std::string> files; // "-" or none: formats a calculation from standard input to standard output
+    std::vector<std::string> files; // "-" or none: a calculation from standard input, to standard output
     FormatStyle style;
-    bool check = false; // writes nothing: prints the names of files that would change, and fails if there are any
+    bool check = false; // writes nothing: names the files that would change, and fails if there are any
 };
 
 // Formats files in place, each atomically, and prints the names of those that it changed. Continues with the

@@ -28,8 +28,8 @@ std::filesystem::path defaultPlugin();
 
 class Host : private ScriptListener {
   public:
-    // Loads the plug-in, then the custom functions of the folder. Throws LoadError; CalcError, FileError for the
-    // first mistake in a custom function.
+    // Loads the plug-in, then the custom functions of the folder. Throws LoadError, and CalcError or
+    // FileError for the first error in a custom function.
     explicit Host(const HostOptions& options);
 
     // Shuts the plug-in down, after flushing the output.

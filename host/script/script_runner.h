@@ -24,16 +24,16 @@ class ScriptListener {
   public:
     virtual ~ScriptListener() = default;
 
-    // Show Custom Dialog.
+    // Called by Show Custom Dialog.
     virtual void dialog(const Value& /*title*/, const Value& /*message*/) {}
 
     // Called when a step has evaluated its calculation.
     virtual void evaluated(const Script& /*script*/, const Step& /*step*/, const Value& /*result*/) {}
 
-    // Pause/Resume Script: the script continues when this returns.
+    // Called by Pause/Resume Script; the script continues when this returns.
     virtual void paused(std::chrono::duration<double> /*time*/) {}
 
-    // Beep.
+    // Called by Beep.
     virtual void beep() {}
 };
 

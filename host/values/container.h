@@ -19,7 +19,7 @@ struct StreamType {
     std::array<char, 4> characters{};
 
     static constexpr StreamType of(const char (&text)[5]) { return {{text[0], text[1], text[2], text[3]}}; }
-    // The characters as one number, with the first character in its highest byte.
+    // Return and set the characters as one number, with the first character in its highest byte.
     uint32_t code() const noexcept;
     void setCode(uint32_t code) noexcept;
 

@@ -12,9 +12,10 @@ namespace addressbook {
 NSDictionary* changeInfo(const std::vector<std::string>& inserted, const std::vector<std::string>& updated,
                          const std::vector<std::string>& deleted);
 
-// Starts a thread that watches for saves of other processes and posts kABDatabaseChangedExternallyNotification
-// once for each of those after the newest that [book] knows; before that, every book of this process is
-// invalidated. There is one such thread at a time; [sender] must live until stopNotifying().
+// Starts a thread that watches for saves of other processes and posts
+// kABDatabaseChangedExternallyNotification once for each of those after the newest that [book] knows; before
+// that, every book of this process is invalidated. There is one such thread at a time; [sender] must live
+// until stopNotifying().
 void startNotifying(ABAddressBook* sender, const Book& book);
 
 // Stops the thread; nothing is posted any more when it returns. Called by itself at the end of the process.

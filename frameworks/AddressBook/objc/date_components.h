@@ -12,9 +12,9 @@ namespace addressbook {
 // Returns NSDateComponents, or a list of them with the labels and identifiers of the dates; nil for no value.
 id componentsFrom(const Value& stored);
 
-// Returns what to store for an object of the property's type; for a day that is its noon in local time. Raises
-// NSInvalidArgumentException, with a sentence that names the property, for an object of another type and for
-// components that do not name a day.
+// Returns what to store for an object of the property's type; for a day that is its noon in local time.
+// Raises NSInvalidArgumentException, with a sentence that names the property, for an object of another type
+// and for components that do not name a day.
 Value requireComponents(id object, int type, NSString* property);
 
 // Returns the value with which a search for these components compares what is stored.

@@ -1,7 +1,7 @@
 #pragma once
 
-// The entries of a multi-value as objects. Entries read from an address book stay bytes until a part of them is
-// asked for: most lists are read for one part only.
+// The entries of a multi-value as objects. Entries read from an address book stay bytes until a part of them
+// is asked for: most lists are read for one part only.
 
 #include "frameworks/AddressBook/store/record_codec.h"
 

@@ -11,8 +11,8 @@ namespace addressbook {
 // NSInvalidArgumentException, with a sentence that names the property, for an object of another type.
 Value requireValue(id object, int type, NSString* property);
 
-// Adds custom properties, given as names with their types; removes them with their values. Both return how many
-// they added or removed, or -1 for arguments of the wrong class and for a book that cannot be written.
+// Adds custom properties, given as names with their types; removes them with their values. Both return how
+// many they added or removed, or -1 for arguments of the wrong class and for a book that cannot be written.
 NSInteger addProperties(Kind kind, NSDictionary* properties);
 NSInteger removeProperties(Kind kind, NSArray* properties);
 // Returns the names of all properties, built-in and custom.

@@ -20,7 +20,7 @@ class DataBytes {
     DataBytes(const DataBytes&) = delete;
     DataBytes& operator=(const DataBytes&) = delete;
 
-    // False for an invalid value, and for a container without a file.
+    // Whether there are bytes; false for an invalid value, and for a container without a file.
     bool exist() const { return exist_; }
     std::span<const unsigned char> bytes() const { return bytes_; }
 

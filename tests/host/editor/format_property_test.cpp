@@ -1,5 +1,6 @@
-// Formatting keeps what a calculation means, and formatting twice changes nothing: for all calculations of the
-// tests and the documents, as they are and with blanks, line ends and comments strewn between their words.
+// Formatting keeps what a calculation means, and formatting twice changes nothing: for all calculations of
+// the tests and the documents, as they are and with blanks, line ends and comments strewn between their
+// words.
 #include "host/calc/lexer.h"
 #include "host/check/calc_file.h"
 #include "host/editor/format.h"

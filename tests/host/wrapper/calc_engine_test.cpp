@@ -242,7 +242,7 @@ TEST_F(WrapperExprEnvTest, ConvertsPathsByTheFunctionsForThem) {
     EXPECT_EQ(unitsOf(*text_), u"ConvertToFileMakerPath ( \"C:\\\\a \\\"b\\\"\" ; 2 )");
     EXPECT_EQ(environment_->EvaluateConvertFromFileMakerPath(*hostText(u"file:/a"), -3, *text_), 0);
     EXPECT_EQ(unitsOf(*text_), u"ConvertFromFileMakerPath ( \"file:/a\" ; -3 )");
-    // One that can not be converted.
+    // A path that cannot be converted.
     hooks_.evaluate = [](void* /*context*/, const fmx::ExprEnv& /*env*/, const fmx::Text& /*expression*/,
                          fmx::Data& result) -> fmx::errcode {
         result.Clear(fmx::Data::kDTInvalid);
