@@ -5,6 +5,7 @@
 #include "host/console/format_command.h"
 #include "host/console/function_list.h"
 #include "host/console/host.h"
+#include "host/console/language_server_command.h"
 #include "host/console/prompt.h"
 #include "host/console/test_run.h"
 #include "host/values/formats.h"
@@ -178,6 +179,12 @@ void defineCommands(CLI::App& app, CommandLine& line) {
         "  fmhost format --check scripts/*.fmscript functions/*.fmfn\n"
         "  echo 'let([x=1;y=x*2];x&y)' | fmhost format");
 
+    app.add_subcommand("lsp", "Serve an editor: the Language Server Protocol over standard input and output")
+        ->footer("Diagnostics, completion, hovers, signatures, definitions, formatting of scripts, custom "
+                 "functions "
+                 "and calculations.\n\nExample (an editor's configuration):\n  command: fmhost lsp --plugin "
+                 "Some.fmx");
+
     app.require_subcommand(0, 1);
     app.footer("Without a command: a prompt on a terminal, else calculations from standard input.\n\n"
                "Exit status: 0 ok, 1 a calculation or test failed, 2 wrong usage, 3 a calculation or script "
@@ -238,6 +245,9 @@ ExitCode runCommand(const CLI::App& app, const CommandLine& line) {
         CheckPlan plan = line.check;
         plan.folder = line.folder;
         return checkFiles(host, plan);
+    }
+    if (app.got_subcommand("lsp")) {
+        return runLanguageServer(options);
     }
     Host host(options);
     if (app.get_subcommands().empty() && isatty(STDIN_FILENO) != 0) {

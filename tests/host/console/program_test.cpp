@@ -197,7 +197,7 @@ TEST_F(ProgramTest, Usage) {
         EXPECT_NE(result.err, "") << arguments;
     }
     for (const char* arguments : {"--help", "eval --help", "run --help", "functions --help", "test --help",
-                                  "format --help", "info --help"}) {
+                                  "format --help", "lsp --help", "info --help"}) {
         const Outcome result = run(arguments);
         EXPECT_EQ(result.status, 0) << arguments;
         EXPECT_THAT(result.out, HasSubstr("Example")) << arguments;

@@ -1,0 +1,65 @@
+#include "host/editor/sheets.h"
+
+#include "host/calc/builtins.h"
+#include "host/calc/constants.h"
+#include "host/script/own_steps.h"
+#include "host/values/text.h"
+
+namespace host {
+
+std::vector<Sheet> allSheets(const Vocabulary& known) {
+    std::vector<Sheet> sheets;
+    for (const Builtin& row : builtins()) {
+        Sheet sheet{SheetKind::function,
+                    toUtf8(row.name()),
+                    {toUtf8(row.prototype)},
+                    std::string(row.description),
+                    std::string(row.category)};
+        if (!row.listPrototype.empty()) {
+            sheet.prototypes.push_back(toUtf8(row.listPrototype));
+        }
+        sheets.push_back(std::move(sheet));
+    }
+    for (const GetRow& row : getRows()) {
+        const std::string name = toUtf8(row.name);
+        sheets.push_back(
+            {SheetKind::get, name, {"Get ( " + name + " )"}, std::string(row.description), "Get"});
+    }
+    for (const Constant& row : constants()) {
+        const std::string name = toUtf8(row.name);
+        sheets.push_back({SheetKind::constant, name, {name}, std::string(row.description), "Constants"});
+    }
+    for (const auto& [key, function] : known.functions.all()) {
+        sheets.push_back(
+            {SheetKind::function, toUtf8(function->name()), {toUtf8(function->prototype())}, "", ""});
+    }
+    for (const OwnStep& step : ownSteps()) {
+        if (step.isSupported()) {
+            sheets.push_back({SheetKind::step,
+                              toUtf8(step.name()),
+                              {toUtf8(step.row.prototype)},
+                              std::string(step.row.description),
+                              std::string(step.category)});
+        }
+    }
+    for (const auto& [key, step] : known.steps.all()) {
+        sheets.push_back({SheetKind::step,
+                          toUtf8(step->name()),
+                          {toUtf8(stepPrototype(step->name(), step->parameters()))},
+                          "",
+                          ""});
+    }
+    return sheets;
+}
+
+std::optional<Sheet> findSheet(std::string_view name, const Vocabulary& known) {
+    const std::u16string key = foldName(fromUtf8(name));
+    for (const Sheet& sheet : allSheets(known)) {
+        if (foldName(fromUtf8(sheet.name)) == key) {
+            return sheet;
+        }
+    }
+    return std::nullopt;
+}
+
+} // namespace host
