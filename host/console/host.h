@@ -39,7 +39,6 @@ class Host : private ScriptListener {
     const StepRegistry& stepRegistry() const { return steps_; }
     const CustomFunctions& customFunctions() const { return customFunctions_; }
     const ScriptLibrary& scripts() const { return library_; }
-    const StepRegistry& stepRegistry() const { return steps_; }
     std::vector<FunctionInfo> functions() const { return plugins_.functions(); }
     std::vector<StepInfo> steps() const { return plugins_.steps(); }
 

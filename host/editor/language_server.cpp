@@ -2,9 +2,11 @@
 #include "host/editor/language_server.h"
 
 #include "host/calc/calc_error.h"
+#include "host/calc/custom_functions.h"
 #include "host/calc/registry.h"
 #include "host/editor/assistance.h"
 #include "host/editor/format.h"
+#include "host/script/script_library.h"
 #include "host/values/text.h"
 
 #include <cctype>
@@ -27,6 +29,7 @@ enum class RpcCode : int {
     invalidRequest = -32600,
     methodNotFound = -32601,
     invalidParams = -32602,
+    internalError = -32603,
     notInitialized = -32002,
 };
 
@@ -82,8 +85,8 @@ std::string uriFrom(const std::filesystem::path& path) {
 
 class Server {
   public:
-    Server(std::istream& in, std::ostream& out, const Vocabulary& known)
-        : in_(in), out_(out), known_(known) {}
+    Server(std::istream& in, std::ostream& out, FunctionRegistry& functions, const StepRegistry& steps)
+        : in_(in), out_(out), functions_(functions), steps_(steps) {}
 
     bool run() {
         while (!isOver_) {
@@ -98,6 +101,8 @@ class Server {
                 answer(json);
             }
         }
+        std::vector<CalcError> none;
+        customFunctions_.load({}, functions_, none);
         return isShutDown_;
     }
 
@@ -157,6 +162,10 @@ class Server {
         } catch (const Json::exception& error) {
             if (isRequest) {
                 fail(id, {RpcCode::invalidParams, error.what()});
+            }
+        } catch (const FileError& error) { // of the document's folder
+            if (isRequest) {
+                fail(id, {RpcCode::internalError, error.what()});
             }
         }
     }
@@ -240,6 +249,21 @@ class Server {
         return nullptr;
     }
 
+    // Makes the custom functions and scripts of the document's folder known: a function that is open in the
+    // editor as it is there. What is wrong with one is told where it is open.
+    void enter(const Document& document) {
+        const std::filesystem::path folder = document.file().parent_path();
+        std::vector<SourcePtr> sources = readCustomFunctions(folder);
+        for (SourcePtr& source : sources) {
+            for (const auto& [uri, open] : documents_) {
+                source = open.file() == source->name() ? open.source() : source;
+            }
+        }
+        std::vector<CalcError> errors;
+        customFunctions_.load(sources, functions_, errors);
+        scripts_.emplace(folder, functions_, steps_);
+    }
+
     Document& documentOf(const Json& parameters) {
         const std::string uri = parameters.at("textDocument").at("uri");
         const auto found = documents_.find(uri);
@@ -251,6 +275,7 @@ class Server {
 
     void publish(const std::string& uri) {
         const Document& document = documents_.at(uri);
+        enter(document);
         Json list = Json::array();
         for (const Diagnostic& found : check(document.source(), document.kind(), known_)) {
             list.push_back({{"range", range(document.position(found.begin), document.position(found.end))},
@@ -269,6 +294,7 @@ class Server {
 
     Json completion(const Json& parameters) {
         const Document& document = documentOf(parameters);
+        enter(document);
         const size_t offset = document.offset(positionFrom(parameters.at("position")));
         const CompletionList found = completions(document, offset, known_);
         const Json place = range(document.position(found.begin), document.position(offset));
@@ -286,6 +312,7 @@ class Server {
 
     Json hover(const Json& parameters) {
         const Document& document = documentOf(parameters);
+        enter(document);
         const size_t offset = document.offset(positionFrom(parameters.at("position")));
         const std::optional<Sheet> sheet = sheetAt(document, offset, known_);
         if (!sheet) {
@@ -302,6 +329,7 @@ class Server {
 
     Json signatureHelp(const Json& parameters) {
         const Document& document = documentOf(parameters);
+        enter(document);
         const size_t offset = document.offset(positionFrom(parameters.at("position")));
         const std::optional<CallAt> call = callAt(document, offset, known_);
         if (!call) {
@@ -364,8 +392,14 @@ class Server {
 
     std::istream& in_;
     std::ostream& out_;
-    const Vocabulary& known_;
+    FunctionRegistry& functions_;
+    const StepRegistry& steps_;
     std::map<std::string, Document> documents_; // by URI
+    CustomFunctions customFunctions_;           // of the folder of the document that is looked at
+    std::optional<ScriptLibrary> scripts_;      // of that folder
+    const Vocabulary known_{functions_, steps_, [this](std::u16string_view file, std::u16string_view name) {
+                                return scripts_->find(file, name).has_value();
+                            }};
     bool isInitialized_ = false;
     bool isShutDown_ = false;
     bool isOver_ = false;
@@ -373,8 +407,9 @@ class Server {
 
 } // namespace
 
-bool serveLanguage(std::istream& in, std::ostream& out, const Vocabulary& known) {
-    return Server(in, out, known).run();
+bool serveLanguage(std::istream& in, std::ostream& out, FunctionRegistry& functions,
+                   const StepRegistry& steps) {
+    return Server(in, out, functions, steps).run();
 }
 
 } // namespace host

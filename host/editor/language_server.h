@@ -10,7 +10,9 @@
 namespace host {
 
 // Serves until the editor says exit or its stream ends. Messages that can not be understood are answered with
-// an error of the protocol. Returns whether the editor asked for the shut-down first, as it must.
-bool serveLanguage(std::istream& in, std::ostream& out, const Vocabulary& known);
+// an error of the protocol. The custom functions of a document's folder are added to [functions] while it is
+// looked at, as the editor has them. Returns whether the editor asked for the shut-down first, as it must.
+bool serveLanguage(std::istream& in, std::ostream& out, FunctionRegistry& functions,
+                   const StepRegistry& steps);
 
 } // namespace host

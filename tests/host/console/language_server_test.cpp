@@ -177,6 +177,23 @@ TEST_F(LanguageServerTest, DefinitionsOfScriptsAndCustomFunctions) {
     EXPECT_TRUE(result(3).is_null());
 }
 
+TEST_F(LanguageServerTest, CustomFunctionsOfTheFolderAreKnownAsTheEditorHasThem) {
+    write("Twice.fmfn", "Twice ( x ) = x * 2\n");
+    open("a.calc", "Twice ( 2 )\n= 4\n");
+    open("Twice.fmfn", "Double ( x ) = x * 2\n");
+    notify("textDocument/didChange",
+           {{"textDocument", {{"uri", uri("a.calc")}, {"version", 2}}},
+            {"contentChanges", {{{"text", "Twice ( 2 )\n= 4\nDouble ( 2 )\n= 4\n"}}}}});
+    ask(1, "hover", "a.calc", 2, 2);
+    talk();
+    const std::vector<Json> told = diagnostics();
+    ASSERT_EQ(told.size(), 3U);
+    EXPECT_TRUE(told[0].empty()) << told[0];
+    ASSERT_EQ(told[2].size(), 1U) << told[2];
+    EXPECT_EQ(told[2][0].at("range").at("start").at("line"), 0);
+    EXPECT_THAT(result(1).at("contents").at("value"), HasSubstr("Double ( x )"));
+}
+
 TEST_F(LanguageServerTest, Formatting) {
     open("a.fmscript", "If[1]\nBeep\nEnd If");
     open("b.fmscript", "If [ ( 1 ]");
