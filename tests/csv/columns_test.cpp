@@ -43,7 +43,7 @@ std::string birthday(const std::string& text, DateOrder order = DateOrder::month
     if (found == person.values.end()) {
         return person.problems.empty() ? "none" : "refused";
     }
-    const auto parts = dayParts(*found->second.as<Date>());
+    const auto parts = dayParts(found->second);
     return std::to_string(parts->year.value_or(0)) + '-' + std::to_string(*parts->month) + '-' +
            std::to_string(*parts->day) + (person.ambiguousDate ? "?" : "");
 }

@@ -58,9 +58,7 @@ class People {
         }
         return made + "x";
     }
-    Value date() {
-        return localNoon(chance(4) ? kNoYear : 1 + number(9999), {1 + number(12), 1 + number(28)});
-    }
+    Value date() { return noonOf(chance(4) ? kNoYear : 1 + number(9999), {1 + number(12), 1 + number(28)}); }
     Value single(const std::string& property, Type type) {
         switch (type) {
         case Type::integer:

@@ -39,6 +39,8 @@ std::string textOf(const Value& value) {
         out << *whole;
     } else if (const auto* date = value.as<Date>()) {
         out << "date " << std::fixed << date->seconds;
+    } else if (const auto* day = value.as<FloatingDate>()) {
+        out << "day " << std::fixed << day->seconds;
     } else if (const auto* bytes = value.as<Bytes>()) {
         out << bytes->size() << " bytes";
     } else if (const auto* array = value.as<Array>()) {
@@ -90,6 +92,7 @@ std::string readFile(const fs::path& file) {
 class BooksTest : public Scratch, public testing::WithParamInterface<int> {
   protected:
     BooksTest() {
+        setenv("TZ", "UTC", 1); // in which they were written
         fs::create_directory(folder());
         fs::copy_file(kBooks / ("version" + std::to_string(GetParam()) + ".db"), file());
         fs::permissions(file(), fs::perms::owner_read | fs::perms::owner_write);

@@ -2,6 +2,7 @@
 // turns of the year, leap days, distant years and time zones.
 
 #include "frameworks/AddressBook/store/explain.h"
+#include "frameworks/AddressBook/values/calendar.h"
 #include "tests/store/builders.h"
 #include "tests/store/scratch.h"
 
@@ -45,7 +46,8 @@ class IntervalTest : public Scratch, public testing::WithParamInterface<const ch
         const int year = parts.tm_year + 1900 + kYears[below(std::size(kYears))];
         constexpr int kHours[] = {0, 0, 12, 23, 23};
         if (below(4) != 0) {
-            return moment(year, parts.tm_mon + 1, parts.tm_mday, kHours[below(std::size(kHours))]);
+            const Date date = moment(year, parts.tm_mon + 1, parts.tm_mday, kHours[below(std::size(kHours))]);
+            return below(2) == 0 ? Value(date) : Value(*clockAt(date));
         }
         DateComponents components;
         if (below(2) == 0) {

@@ -2,6 +2,7 @@
 // and random queries of every comparison, with and without label, key and value. The seed is printed when the
 // results differ.
 
+#include "frameworks/AddressBook/values/calendar.h"
 #include "frameworks/AddressBook/values/text.h"
 #include "tests/store/builders.h"
 #include "tests/store/scratch.h"
@@ -117,7 +118,8 @@ class Generator {
     }
 
     Value date() {
-        return Date{kNow + kDay * (static_cast<double>(below(21)) - 10) - (oneIn(3) ? 3.2e8 : 0)};
+        const Date date{kNow + kDay * (static_cast<double>(below(21)) - 10) - (oneIn(3) ? 3.2e8 : 0)};
+        return oneIn(2) ? Value(date) : Value(*clockAt(date));
     }
 
     Value components() {

@@ -68,7 +68,7 @@ class Maker {
         return result;
     }
 
-    Date day() {
+    FloatingDate day() {
         const std::string year = std::to_string(below(5) ? 1900 + below(150) : kNoYear);
         return parseDay(year + "-0" + std::to_string(1 + below(9)) + "-1" + std::to_string(below(10)), 0)
             .value();

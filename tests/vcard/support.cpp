@@ -43,8 +43,8 @@ std::string describe(const Value& value) {
     if (const auto* number = value.as<std::int64_t>()) {
         return std::to_string(*number);
     }
-    if (const auto* date = value.as<Date>()) {
-        return dayText(*date).value_or("?");
+    if (isDate(value)) {
+        return dayText(value).value_or("?");
     }
     if (const auto* bytes = value.as<Bytes>()) {
         return std::to_string(bytes->size()) + " bytes";

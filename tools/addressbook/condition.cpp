@@ -338,7 +338,7 @@ class Parser {
         } else if (double real = 0; reads(text, real) && std::isfinite(real)) {
             value = real;
         } else if (const auto day = text.size() == 10 ? vcard::parseDay(text, kNoYear) : std::nullopt) {
-            value = *day;
+            value = momentOf(*day);
         } else {
             tokens_.failExpecting(what);
         }
@@ -376,8 +376,8 @@ std::string wantedText(const Value& value) {
     if (const auto* text = value.as<std::string>()) {
         return quotedText(*text);
     }
-    if (const auto* date = value.as<Date>()) {
-        return vcard::dayText(*date).value_or("");
+    if (value.as<Date>() != nullptr) {
+        return vcard::dayText(value).value_or("");
     }
     return value.empty() ? "nil" : valueText(value);
 }

@@ -67,14 +67,14 @@ std::string join(const std::vector<std::string>& parts, std::string_view separat
     return joined;
 }
 
-std::string dateText(Date date) {
+std::string dateText(FloatingDate date) {
     const double seconds = std::floor(date.seconds + kReferenceDate);
     if (!(std::fabs(seconds) < 1e12)) {
         return {};
     }
     const auto time = static_cast<std::time_t>(seconds);
     std::tm parts{};
-    localtime_r(&time, &parts);
+    gmtime_r(&time, &parts); // whose clock never changes either
     std::array<char, 64> text{};
     // Dates without a time are stored as noon; the year 1604 stands for no year.
     const bool day = parts.tm_hour == 12 && parts.tm_min == 0 && parts.tm_sec == 0;
@@ -230,7 +230,10 @@ std::string valueText(const Value& value) {
         return text.data();
     }
     if (const auto* date = value.as<Date>()) {
-        return dateText(*date);
+        return dateText(clockAt(*date).value_or(FloatingDate{date->seconds}));
+    }
+    if (const auto* day = value.as<FloatingDate>()) {
+        return dateText(*day);
     }
     if (const auto* bytes = value.as<Bytes>()) {
         return std::to_string(bytes->size()) + " bytes";

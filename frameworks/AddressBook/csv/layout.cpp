@@ -24,8 +24,7 @@ std::string dayText(const Value& value) {
     if (!monthDay) {
         return {};
     }
-    const auto* date = value.as<Date>();
-    const auto parts = date != nullptr ? dayParts(*date) : std::nullopt;
+    const auto parts = dayParts(value);
     const auto year = parts ? parts->year
                       : day ? std::optional<int>(static_cast<int>(yearOf(*day)))
                             : std::nullopt;

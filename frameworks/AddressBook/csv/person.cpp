@@ -104,7 +104,7 @@ class DateReader {
         if (year < 1 || month < 1 || month > 12 || number < 1 || number > daysIn(year, month)) {
             return std::nullopt;
         }
-        return localNoon(year, {month, number});
+        return noonOf(year, {month, number});
     }
 
     DateOrder order_;

@@ -3,6 +3,7 @@
 #include "frameworks/AddressBook/objc/multi_value.h"
 #include "frameworks/AddressBook/store/interned_words.h"
 #include "frameworks/AddressBook/store/record_codec.h"
+#include "frameworks/AddressBook/values/calendar.h"
 #include "frameworks/AddressBook/values/text.h"
 
 #import <AddressBook/ABMultiValue.h>
@@ -175,6 +176,7 @@ struct ToObject {
     id operator()(const Date& date) const {
         return [NSDate dateWithTimeIntervalSinceReferenceDate:date.seconds];
     }
+    id operator()(const FloatingDate& date) const { return (*this)(momentOf(date)); }
     id operator()(const DateComponents& parts) const { return componentsFrom(parts); }
     id operator()(const Bytes& bytes) const {
         return [NSData dataWithBytes:bytes.data() length:bytes.size()];

@@ -12,7 +12,7 @@ namespace addressbook {
 // Returns NSDateComponents, or a list of them with the labels and identifiers of the dates; nil for no value.
 id componentsFrom(const Value& stored);
 
-// Returns what to store for an object of the property's type; for a day that is its noon in local time.
+// Returns what to store for an object of the property's type; for a day that is its noon.
 // Raises NSInvalidArgumentException, with a sentence that names the property, for an object of another type
 // and for components that do not name a day.
 Value requireComponents(id object, int type, NSString* property);

@@ -33,7 +33,7 @@ NSDateComponents* emptyComponents(NSString* calendar) {
     return components;
 }
 
-NSDateComponents* dayFrom(const Date& date) {
+NSDateComponents* dayFrom(const Value& date) {
     NSDateComponents* components = emptyComponents(NSCalendarIdentifierGregorian);
     if (const auto parts = dayParts(date)) {
         if (parts->year) {
@@ -88,7 +88,7 @@ std::optional<DateComponents> dayInOtherCalendar(NSDateComponents* components) {
     return moment ? dayParts(dateFrom(moment)) : std::nullopt;
 }
 
-Date dateOf(NSDateComponents* components, NSString* property) {
+FloatingDate dateOf(NSDateComponents* components, NSString* property) {
     auto parts = dayInOtherCalendar(components);
     if (!parts) {
         parts = *valueFrom(components)->as<DateComponents>();
@@ -98,14 +98,14 @@ Date dateOf(NSDateComponents* components, NSString* property) {
         raiseInvalid([NSString
             stringWithFormat:@"The property %@ takes date components with a month and a day", property]);
     }
-    return localNoon(parts->year.value_or(kNoYear), *day);
+    return noonOf(parts->year.value_or(kNoYear), *day);
 }
 
 } // namespace
 
 id componentsFrom(const Value& stored) {
-    if (const auto* date = stored.as<Date>()) {
-        return dayFrom(*date);
+    if (isDate(stored)) {
+        return dayFrom(stored);
     }
     if (const auto* fields = stored.as<Dictionary>()) {
         return componentsFromFields(*fields);
@@ -116,8 +116,8 @@ id componentsFrom(const Value& stored) {
     }
     ABMutableMultiValue* told = [[objectFrom(stored) mutableCopy] autorelease];
     for (NSUInteger i = 0; i < list->entries.size(); ++i) {
-        if (const auto* date = list->entries[i].value.as<Date>()) {
-            [told replaceValueAtIndex:i withValue:dayFrom(*date)];
+        if (isDate(list->entries[i].value)) {
+            [told replaceValueAtIndex:i withValue:dayFrom(list->entries[i].value)];
         }
     }
     return [[told copy] autorelease];

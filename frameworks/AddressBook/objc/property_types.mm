@@ -40,6 +40,17 @@ bool conformEntries(MultiValue& list, int type) {
     return true;
 }
 
+// Moments that stand for days become days.
+void keepDays(const std::string& property, Value& value) {
+    if (const auto* date = value.as<Date>()) {
+        value = storedDate(property, *date);
+    } else if (auto* list = value.as<MultiValue>()) {
+        for (Entry& entry : list->entries) {
+            keepDays(property, entry.value);
+        }
+    }
+}
+
 } // namespace
 
 Value requireValue(id object, int type, NSString* property) {
@@ -57,6 +68,7 @@ Value requireValue(id object, int type, NSString* property) {
     if (!fits) {
         raiseInvalid([NSString stringWithFormat:@"The property %@ takes %@", property, typeWords(type)]);
     }
+    keepDays(textFrom(property), *value);
     return std::move(*value);
 }
 

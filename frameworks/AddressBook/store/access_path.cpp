@@ -131,7 +131,21 @@ void lookUpNumber(const Matcher& matcher, IndexLookup& lookup) {
         lookup.path = AccessPath::scan;
         return;
     }
-    lookup.spans = {{matcher.condition().value, {}}};
+    // A floating date has its number by the clock; a range is judged row by row.
+    const Value& wanted = matcher.condition().value;
+    const Value& clock = matcher.wantedClock();
+    lookup.spans = {{wanted, {}}};
+    if (clock.empty()) {
+        return;
+    }
+    const bool upwards = matcher.facts().operation == Operation::greater ||
+                         matcher.facts().operation == Operation::greaterOrEqual;
+    const bool isClockWider = (clock.as<FloatingDate>()->seconds < wanted.as<Date>()->seconds) == upwards;
+    if (lookup.path == AccessPath::exact) {
+        lookup.spans.push_back({clock, {}});
+    } else if (isClockWider) {
+        lookup.spans = {{clock, {}}};
+    }
 }
 
 void lookUpText(const Matcher& matcher, IndexLookup& lookup) {

@@ -122,6 +122,8 @@ Term termOf(std::int64_t record, std::int64_t property, const Leaf& leaf) {
         term.folded = *real;
     } else if (const auto* date = leaf.value.as<Date>(); date != nullptr && !std::isnan(date->seconds)) {
         term.folded = date->seconds;
+    } else if (const auto* day = leaf.value.as<FloatingDate>(); day != nullptr && !std::isnan(day->seconds)) {
+        term.folded = day->seconds;
     } else {
         term.folded = Bytes();
     }
@@ -162,6 +164,7 @@ TermType termType(const Value& value) {
         TermType operator()(std::int64_t) const { return TermType::integer; }
         TermType operator()(double) const { return TermType::real; }
         TermType operator()(const Date&) const { return TermType::date; }
+        TermType operator()(const FloatingDate&) const { return TermType::floatingDate; }
         TermType operator()(const DateComponents&) const { return TermType::dateComponents; }
         TermType operator()(const Bytes&) const { return TermType::data; }
         TermType operator()(const Array&) const { return TermType::array; }

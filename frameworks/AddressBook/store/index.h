@@ -31,7 +31,8 @@ enum class TermType : int {
     data = 6,
     array = 7,
     dictionary = 8,
-    emptyList = 9,  // a list without entries; no search finds it
+    emptyList = 9, // a list without entries; no search finds it
+    floatingDate = 10,
     cutText = 0x101 // a text of which the term keeps the beginning
 };
 

@@ -23,14 +23,15 @@ enum class Tag : std::uint8_t {
     dictionary = 6,
     data = 7,
     dateComponents = 8,
-    multiValue = 9
+    multiValue = 9,
+    floatingDate = 10
 };
 
 // The bits that say which parts date components have.
 constexpr unsigned kAllDateParts = 0x3F;
 
 static_assert(sizeof(double) == 8 && std::numeric_limits<double>::is_iec559, "reals are stored bit by bit");
-static_assert(std::variant_size_v<Value::variant> == 10,
+static_assert(std::variant_size_v<Value::variant> == 11,
               "a new type of value needs a tag, and a schema version");
 
 class Writer {
@@ -95,6 +96,9 @@ void Writer::value(const Value& held, int depth) {
     } else if (const auto* date = held.as<Date>()) {
         tag(Tag::date);
         real(date->seconds);
+    } else if (const auto* day = held.as<FloatingDate>()) {
+        tag(Tag::floatingDate);
+        real(day->seconds);
     } else if (const auto* parts = held.as<DateComponents>()) {
         tag(Tag::dateComponents);
         const std::optional<int>* const all[] = {&parts->year, &parts->month,  &parts->day,
@@ -242,6 +246,8 @@ Value Reader::value(int depth) {
         return real();
     case Tag::date:
         return Date{real()};
+    case Tag::floatingDate:
+        return FloatingDate{real()};
     case Tag::data: {
         const std::string_view raw = bytes();
         return Bytes(raw.begin(), raw.end());
@@ -308,6 +314,7 @@ void Reader::skip(int depth) {
         return;
     case Tag::real:
     case Tag::date:
+    case Tag::floatingDate:
         take(8);
         return;
     case Tag::dateComponents:

@@ -21,6 +21,7 @@
 //                                    are there; then an integer for each that is, in this order
 //               9  multi-value       identifier (the primary one, empty for none), count, then as many times:
 //                                    identifier, word (the label), value
+//               10 floating date     8 bytes, as a real: seconds since 2001-01-01 00:00:00 on any clock
 //   count       a whole number from 0, in groups of 7 bits, the lowest first; a byte below 0x80 is the last
 //   integer     a count: 2n for n >= 0, -2n - 1 for n < 0
 //   bytes       count, then as many bytes

@@ -1,5 +1,6 @@
 #include "frameworks/AddressBook/store/schema.h"
 
+#include "frameworks/AddressBook/store/float_dates.h"
 #include "frameworks/AddressBook/store/index.h"
 #include "frameworks/AddressBook/values/text.h"
 
@@ -131,6 +132,7 @@ std::span<const Migration> migrations() {
         [](sql::Connection& connection) { connection.execute(kVersion3); },
         [](sql::Connection& connection) { connection.execute(kVersion4); },
         [](sql::Connection& connection) { connection.execute(kVersion5); },
+        floatDates, // days are no longer moments
     };
     static_assert(std::size(steps) == kSchemaVersion);
     return steps;

@@ -12,6 +12,8 @@ void bindValue(sql::Statement& statement, const Value& value) {
         statement.bindReal(*real);
     } else if (const auto* date = value.as<Date>()) {
         statement.bindReal(date->seconds);
+    } else if (const auto* day = value.as<FloatingDate>()) {
+        statement.bindReal(day->seconds);
     } else if (const auto* text = value.as<std::string>()) {
         statement.bindText(*text);
     } else if (const auto* bytes = value.as<Bytes>()) {
@@ -34,6 +36,8 @@ Value numberIn(const sql::Statement& row, TermType type) {
         return row.real(kFolded);
     case TermType::date:
         return Date{row.real(kFolded)};
+    case TermType::floatingDate:
+        return FloatingDate{row.real(kFolded)};
     default:
         return {};
     }

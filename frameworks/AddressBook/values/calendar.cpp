@@ -1,5 +1,7 @@
 #include "frameworks/AddressBook/values/calendar.h"
 
+#include "frameworks/AddressBook/values/property.h"
+
 #include <chrono>
 #include <cmath>
 #include <ctime>
@@ -8,6 +10,7 @@ namespace addressbook {
 namespace {
 
 constexpr double kSecondsPerDay = 86400;
+constexpr double kNoon = kSecondsPerDay / 2;
 
 struct Civil {
     std::int64_t year;
@@ -44,6 +47,20 @@ std::optional<MonthDay> checked(const DateComponents& parts) {
     return MonthDay{*parts.month, *parts.day};
 }
 
+// What clock and calendar show here; none for what is no moment.
+std::optional<std::tm> localTime(Date date) {
+    if (!(std::fabs(date.seconds) < kFarthest)) {
+        return std::nullopt;
+    }
+    const auto moment = static_cast<std::time_t>(std::floor(date.seconds + kReferenceDate));
+    std::tm parts{};
+    return localtime_r(&moment, &parts) != nullptr ? std::optional(parts) : std::nullopt;
+}
+
+std::int64_t dayNumberOf(const std::tm& parts) {
+    return dayNumber(std::int64_t{parts.tm_year} + 1900, {parts.tm_mon + 1, parts.tm_mday});
+}
+
 } // namespace
 
 Date currentTime() {
@@ -76,29 +93,61 @@ std::optional<std::int64_t> utcDay(Date date) {
 }
 
 std::optional<std::int64_t> localDay(Date date) {
-    if (!(std::fabs(date.seconds) < kFarthest)) {
-        return std::nullopt;
-    }
-    const auto moment = static_cast<std::time_t>(std::floor(date.seconds + kReferenceDate));
-    std::tm parts{};
-    if (localtime_r(&moment, &parts) == nullptr) {
-        return std::nullopt;
-    }
-    return dayNumber(std::int64_t{parts.tm_year} + 1900, {parts.tm_mon + 1, parts.tm_mday});
+    const auto parts = localTime(date);
+    return parts ? std::optional(dayNumberOf(*parts)) : std::nullopt;
 }
 
-Date localNoon(int year, MonthDay day) {
+bool isDate(const Value& value) {
+    return value.as<Date>() != nullptr || value.as<FloatingDate>() != nullptr;
+}
+
+FloatingDate noonOf(int year, MonthDay day) {
+    return {utcMidnight(static_cast<double>(dayNumber(year, day))) + kNoon};
+}
+
+bool isNoon(FloatingDate date) {
+    return std::fmod(date.seconds - kNoon, kSecondsPerDay) == 0;
+}
+
+std::optional<FloatingDate> clockAt(Date date) {
+    const auto parts = localTime(date);
+    if (!parts) {
+        return std::nullopt;
+    }
+    const double midnight = utcMidnight(static_cast<double>(dayNumberOf(*parts)));
+    const double second = parts->tm_hour * 3600 + parts->tm_min * 60 + parts->tm_sec;
+    return FloatingDate{midnight + second + (date.seconds - std::floor(date.seconds))};
+}
+
+Date momentOf(FloatingDate date) {
+    const auto number = utcDay(Date{date.seconds}); // that clock's days are as long as those of UTC
+    if (!number) {
+        return {date.seconds};
+    }
+    const Civil day = civil(*number);
+    const double ofDay = date.seconds - utcMidnight(static_cast<double>(*number));
     std::tm parts{};
-    parts.tm_year = year - 1900;
-    parts.tm_mon = day.month - 1;
-    parts.tm_mday = day.day;
-    parts.tm_hour = 12;
+    parts.tm_year = static_cast<int>(day.year - 1900);
+    parts.tm_mon = day.day.month - 1;
+    parts.tm_mday = day.day.day;
+    parts.tm_sec = static_cast<int>(ofDay);
     parts.tm_isdst = -1;
-    return Date{static_cast<double>(std::mktime(&parts)) - kReferenceDate};
+    parts.tm_hour = parts.tm_sec / 3600;
+    parts.tm_min = parts.tm_sec / 60 % 60;
+    parts.tm_sec %= 60;
+    return {static_cast<double>(std::mktime(&parts)) - kReferenceDate + (ofDay - std::floor(ofDay))};
 }
 
-std::optional<DateComponents> dayParts(Date date) {
-    const auto number = localDay(date);
+Value storedDate(std::string_view property, Date date) {
+    const auto clock = clockAt(date);
+    if (!clock || momentOf(*clock) != date) {
+        return date;
+    }
+    return property == property::kBirthday || isNoon(*clock) ? Value(*clock) : Value(date);
+}
+
+std::optional<DateComponents> dayParts(const Value& date) {
+    const auto number = isDate(date) ? dayOf(date) : std::nullopt;
     if (!number) {
         return std::nullopt;
     }
@@ -115,6 +164,9 @@ std::optional<DateComponents> dayParts(Date date) {
 std::optional<std::int64_t> dayOf(const Value& value) {
     if (const auto* date = value.as<Date>()) {
         return localDay(*date);
+    }
+    if (const auto* day = value.as<FloatingDate>()) {
+        return utcDay(Date{day->seconds});
     }
     const auto* parts = value.as<DateComponents>();
     if (parts == nullptr || !parts->year) {

@@ -7,6 +7,7 @@
 
 #include <cstdint>
 #include <optional>
+#include <string_view>
 
 namespace addressbook {
 
@@ -45,16 +46,35 @@ std::optional<std::int64_t> localDay(Date date);
 // The year that stands for "no year" in a date; it is a leap year, so 29 February exists.
 inline constexpr int kNoYear = 1604;
 
-// Returns noon of a day, in local time: as what dates without a time are stored.
-Date localNoon(int year, MonthDay day);
+// Whether a value is a Date or a FloatingDate.
+bool isDate(const Value& value);
 
-// Returns the local day of a date as year, month and day, without the year when that is kNoYear; none when
-// the date is not valid.
-std::optional<DateComponents> dayParts(Date date);
+// Returns noon of a day: as what dates without a time are stored.
+FloatingDate noonOf(int year, MonthDay day);
 
-// Returns the day that a value names: the local day of a date, or the year, month and day of components (29
-// February means 28 February in a year that has none). None for components without one of the three or out of
-// range, and for values of other types.
+// Whether a date is at noon, and so stands for one without a time.
+bool isNoon(FloatingDate date);
+
+// Returns what a clock shows at a moment in the process's time zone; none when the date is not valid.
+std::optional<FloatingDate> clockAt(Date date);
+
+// Returns the moment at which a clock shows a date in the process's time zone. Where daylight saving makes it
+// show the date twice it is one of the two; where it is left out it is as much later as the clock is put
+// forward.
+Date momentOf(FloatingDate date);
+
+// Returns what to store for a date that a program gives a property: a FloatingDate for birthdays and for noon,
+// as which dates without a time are read; else, and when it would not be read as the same moment again (the
+// second of two hours that daylight saving makes equal), the date itself.
+Value storedDate(std::string_view property, Date date);
+
+// Returns the day of a Date, in local time, or a FloatingDate as year, month and day, without the year when
+// that is kNoYear; none when the date is not valid, and for values of other types.
+std::optional<DateComponents> dayParts(const Value& date);
+
+// Returns the day that a value names: the local day of a Date, the day of a FloatingDate, or the year, month
+// and day of components (29 February means 28 February in a year that has none). None for components without
+// one of the three or out of range, and for values of other types.
 std::optional<std::int64_t> dayOf(const Value& value);
 
 // Returns month and day of a day.

@@ -106,13 +106,14 @@ std::partial_ordering compareOrdered(const Value& a, const Value& b) {
     if (isNumber(a) && isNumber(b)) {
         return compareNumbers(a, b);
     }
-    const auto* dateA = a.as<Date>();
-    const auto* dateB = b.as<Date>();
-    if (dateA != nullptr && dateB != nullptr) {
-        return *dateA <=> *dateB;
+    if (a.as<Date>() != nullptr && b.as<Date>() != nullptr) {
+        return *a.as<Date>() <=> *b.as<Date>();
     }
-    if (dateA != nullptr && b.as<DateComponents>() != nullptr) {
-        if (const auto parts = dayParts(*dateA)) {
+    if (a.as<FloatingDate>() != nullptr && b.as<FloatingDate>() != nullptr) {
+        return *a.as<FloatingDate>() <=> *b.as<FloatingDate>();
+    }
+    if (isDate(a) && b.as<DateComponents>() != nullptr) {
+        if (const auto parts = dayParts(a)) {
             const auto dayA = dayOf(*parts);
             const auto dayB = dayOf(b);
             return dayA && dayB ? std::partial_ordering(*dayA <=> *dayB) : std::partial_ordering::unordered;
@@ -129,12 +130,12 @@ bool same(const Value& a, const Value& b) {
         const auto* other = b.as<std::string>();
         return other != nullptr && (*text == *other || normalize(*text) == normalize(*other));
     }
-    if (const auto* wanted = b.as<DateComponents>(); wanted != nullptr && a.as<Date>() != nullptr) {
-        const auto parts = dayParts(*a.as<Date>());
+    if (const auto* wanted = b.as<DateComponents>(); wanted != nullptr && isDate(a)) {
+        const auto parts = dayParts(a);
         return parts && parts->year == wanted->year && parts->month == wanted->month &&
                parts->day == wanted->day;
     }
-    if (isNumber(a) || a.as<Date>() != nullptr) {
+    if (isNumber(a) || isDate(a)) {
         return compareOrdered(a, b) == 0;
     }
     if (const auto* items = a.as<Array>()) {
@@ -218,6 +219,11 @@ Matcher::Matcher(const Condition& condition, Date now)
     if (const auto* text = condition.value.as<std::string>()) {
         text_ = facts_.ignoresCase ? fold(*text) : normalize(*text);
     }
+    if (const auto* date = condition.value.as<Date>()) {
+        if (const auto clock = clockAt(*date)) {
+            clock_ = *clock;
+        }
+    }
     const bool isInterval = facts_.operation == around || facts_.operation == ahead;
     if (const auto today = isInterval ? localDay(now) : std::nullopt; today && isNumber(condition.value)) {
         const auto day = static_cast<double>(*today);
@@ -261,18 +267,20 @@ bool Matcher::meets(const Value& value) const {
         }
         return facts_.ignoresCase ? meetsText({}, fold(*text)) : meetsText(normalize(*text), {});
     }
+    const bool byClock = value.as<FloatingDate>() != nullptr && !clock_.empty();
+    const Value& wanted = byClock ? clock_ : condition_.value;
     switch (facts_.operation) {
     case equal:
-        return same(value, condition_.value);
+        return same(value, wanted);
     case less:
     case lessOrEqual:
     case greater:
     case greaterOrEqual:
-        return ordered(facts_.operation, compareOrdered(value, condition_.value));
+        return ordered(facts_.operation, compareOrdered(value, wanted));
     case bits: {
         const auto* held = value.as<std::int64_t>();
-        const auto* wanted = condition_.value.as<std::int64_t>();
-        return held != nullptr && wanted != nullptr && (*held & *wanted) == *wanted;
+        const auto* mask = wanted.as<std::int64_t>();
+        return held != nullptr && mask != nullptr && (*held & *mask) == *mask;
     }
     case around:
     case ahead:

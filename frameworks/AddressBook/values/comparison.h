@@ -101,6 +101,10 @@ class Matcher {
     // one. None for other comparisons and for a wanted value that is no number.
     const std::optional<DayRange>& wantedDays() const { return days_; }
 
+    // Returns what the clock here shows at the wanted date, with which floating dates are compared; no value
+    // when the wanted value is no date.
+    const Value& wantedClock() const { return clock_; }
+
     // Returns the wanted text as the comparison compares it; none when the wanted value is no text.
     const std::optional<std::string>& wantedText() const { return text_; }
 
@@ -110,6 +114,7 @@ class Matcher {
     const Condition& condition_;
     const ComparisonFacts& facts_;
     std::optional<std::string> text_;
+    Value clock_;
     std::int64_t year_ = 0; // of today
     std::optional<DayRange> days_;
 };

@@ -11,9 +11,9 @@ bool Value::operator==(const Value& other) const {
 }
 
 int typeOf(const Value& value) {
-    static constexpr Type kTypes[] = {Type::unknown, Type::string, Type::integer,
-                                      Type::real,    Type::date,   Type::dateComponents,
-                                      Type::data,    Type::array,  Type::dictionary};
+    static constexpr Type kTypes[] = {Type::unknown, Type::string,    Type::integer,        Type::real,
+                                      Type::date,    Type::date,      Type::dateComponents, Type::data,
+                                      Type::array,   Type::dictionary};
     const auto* list = value.as<MultiValue>();
     if (list == nullptr) {
         return static_cast<int>(kTypes[value.index()]);

@@ -38,6 +38,13 @@ struct Date {
     auto operator<=>(const Date&) const = default;
 };
 
+// A date and time of day that belongs to no time zone: seconds since 2001-01-01 00:00:00 on the clock of whoever
+// reads it, counted as though that were never put forward or back. A day without a time is its noon.
+struct FloatingDate {
+    double seconds = 0;
+    auto operator<=>(const FloatingDate&) const = default;
+};
+
 // A calendar date of which any part may be missing.
 struct DateComponents {
     std::optional<int> year, month, day, hour, minute, second;
@@ -58,8 +65,8 @@ struct MultiValue {
 };
 
 // One value of any type; std::monostate is "no value".
-struct Value : std::variant<std::monostate, std::string, std::int64_t, double, Date, DateComponents, Bytes,
-                            Array, Dictionary, MultiValue> {
+struct Value : std::variant<std::monostate, std::string, std::int64_t, double, Date, FloatingDate,
+                            DateComponents, Bytes, Array, Dictionary, MultiValue> {
     using variant::variant;
 
     bool empty() const { return index() == 0; }

@@ -125,9 +125,7 @@ class Lines {
             break;
         case Shape::day:
             if (const Value* value = find(rule.property)) {
-                if (const auto* date = value->as<Date>()) {
-                    writeDay(rule, *date);
-                }
+                writeDay(rule, *value);
             }
             break;
         case Shape::picture:
@@ -168,7 +166,7 @@ class Lines {
         }
     }
 
-    CardLine* writeDay(const Rule& rule, Date date) {
+    CardLine* writeDay(const Rule& rule, const Value& date) {
         const auto day = dayText(date);
         if (!day) {
             return nullptr;
@@ -242,12 +240,9 @@ class Lines {
                        ? nullptr
                        : &add(rule, rule.shape == Shape::uris ? escapeUri(*string) : escape(*string));
         }
-        if (const auto* date = value.as<Date>()) {
-            return writeDay(rule, *date);
-        }
         const auto* fields = value.as<Dictionary>();
         if (!fields) {
-            return nullptr;
+            return writeDay(rule, value); // nothing but days is left
         }
         const auto field = [&](std::string_view name) {
             const auto found = fields->find(std::string(name));

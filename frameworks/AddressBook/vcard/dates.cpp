@@ -33,7 +33,7 @@ int daysIn(int year, int month) {
 
 } // namespace
 
-std::optional<Date> parseDay(std::string_view text, int omittedYear) {
+std::optional<FloatingDate> parseDay(std::string_view text, int omittedYear) {
     text = trim(text);
     int year = kNoYear;
     if (text.starts_with("--")) {
@@ -61,11 +61,11 @@ std::optional<Date> parseDay(std::string_view text, int omittedYear) {
     if (month < 1 || month > 12 || day < 1 || day > daysIn(year, month)) {
         return std::nullopt;
     }
-    return localNoon(year, {month, day});
+    return noonOf(year, {month, day});
 }
 
-std::optional<std::string> dayText(Date date) {
-    const auto day = localDay(date);
+std::optional<std::string> dayText(const Value& date) {
+    const auto day = dayOf(date);
     const auto monthDay = monthDayOf(date);
     if (!day || !monthDay || yearOf(*day) < 1 || yearOf(*day) > 9999) {
         return std::nullopt;

@@ -51,7 +51,7 @@ Value takeText(const Rule& rule, ContentLine& line) {
     return value.empty() ? Value() : Value(std::move(value));
 }
 
-std::optional<Date> takeDay(ContentLine& line) {
+std::optional<FloatingDate> takeDay(ContentLine& line) {
     int omitted = 0;
     for (const char byte : line.param("X-APPLE-OMIT-YEAR").substr(0, 4)) {
         omitted = byte >= '0' && byte <= '9' ? omitted * 10 + (byte - '0') : 0;

@@ -21,7 +21,7 @@ std::string_view schemeOf(std::string_view uri);
 Value takeText(const Rule& rule, ContentLine& line);
 
 // Returns the date, without the year when a parameter says that it is omitted.
-std::optional<Date> takeDay(ContentLine& line);
+std::optional<FloatingDate> takeDay(ContentLine& line);
 
 // Returns the base64 text of a picture: declared as such, in a data URI, or undeclared and no URI. Nothing
 // when the line is the URI of a picture elsewhere.

@@ -121,9 +121,12 @@ bool isWritable(const fs::path& file) {
     return ::access(file.c_str(), R_OK | W_OK) == 0 && ::access(file.parent_path().c_str(), W_OK | X_OK) == 0;
 }
 
+bool isOlder(sql::Connection& connection) {
+    return schemaVersion(connection) < static_cast<int>(migrations().size());
+}
+
 void checkVersion(sql::Connection& connection) {
-    const auto current = static_cast<int>(migrations().size());
-    if (schemaVersion(connection) < current) {
+    if (isOlder(connection)) {
         throw StoreError(Reason::readOnly, connection.file(), "is of an older version and may not be written",
                          "open it once where it may be written");
     }
@@ -157,6 +160,11 @@ OpenedFile openFile(const fs::path& file, Access access, std::chrono::millisecon
         return std::move(opened.connection);
     });
     requireTables(*connection);
+    if (isOlder(*connection) && isWritable(file)) {
+        connection.reset();
+        openFile(file, Access::readWrite, busyTimeout); // brings it up to date
+        return openFile(file, access, busyTimeout);
+    }
     checkVersion(*connection);
     return {std::move(connection), true, std::move(stamp)};
 }
