@@ -70,6 +70,7 @@ TEST(CsvTableTest, ReadsTheCharacterSetsOfSpreadsheets) {
         EXPECT_THAT(rowsOf(utf16(u"Jørgen,Ås\n", bigEndian)), ElementsAre(wanted));
         EXPECT_THAT(rowsOf(utf16(u"\xFEFFJørgen,Ås\n", bigEndian)), ElementsAre(wanted));
     }
+    EXPECT_THAT(rowsOf(utf16(u"a,b\n", false)), ElementsAre(Cells{"a", "b"}));
     EXPECT_THAT(rowsOf("J\xBFrgen,\x81s\n", "macintosh"), ElementsAre(wanted));
     std::istringstream latin("J\xF8rgen,\xC5s\n");
     TableReader reader(latin);

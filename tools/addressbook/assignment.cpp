@@ -37,6 +37,7 @@ bool sameLabel(const Entry& entry, const std::string& label) {
 
 std::string labelsOf(const MultiValue& list) {
     std::vector<std::string> labels;
+    labels.reserve(list.entries.size());
     for (const Entry& entry : list.entries) {
         labels.push_back(labelText(entry.label));
     }

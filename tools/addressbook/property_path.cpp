@@ -82,6 +82,7 @@ std::vector<Field> settable(const std::vector<PropertyDefinition>& definitions, 
 
 [[noreturn]] void refuse(std::string_view name, const std::vector<Field>& known, Kind kind) {
     std::vector<std::string> names;
+    names.reserve(known.size());
     for (const Field& field : known) {
         names.push_back(field.name);
     }
