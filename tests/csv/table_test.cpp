@@ -78,8 +78,8 @@ TEST(CsvTableTest, ReadsTheCharacterSetsOfSpreadsheets) {
     EXPECT_NE(reader.guessedCharset(), "");
     EXPECT_THROW(rowsOf(utf8, "no-such-set"), std::invalid_argument);
     // ASCII at first, and a character that the end of a piece cuts.
-    const std::string long_(65'535, 'x');
-    EXPECT_THAT(rowsOf(long_ + "ø,y\n"), ElementsAre(Cells{long_ + "ø", "y"}));
+    const std::string filler(65'535, 'x');
+    EXPECT_THAT(rowsOf(filler + "ø,y\n"), ElementsAre(Cells{filler + "ø", "y"}));
 }
 
 TEST(CsvTableTest, AQuoteThatIsNotClosedIsToldWithItsLine) {

@@ -20,6 +20,7 @@ class Columns {
   public:
     Columns(const csv::Row& header, const TableForm& form, const std::vector<PropertyDefinition>& own)
         : names_(header.cells) {
+        columns_.reserve(names_.size());
         for (const std::string& name : names_) {
             const auto column = csv::columnNamed(name, own);
             columns_.push_back(column.value_or(Column()));
@@ -51,6 +52,7 @@ class Columns {
 
     std::string leftOut() const {
         std::vector<std::string> names;
+        names.reserve(leftOut_.size());
         for (const std::size_t at : leftOut_) {
             names.push_back(escaped(names_[at]));
         }
