@@ -71,6 +71,12 @@ TimedWork::TimedWork(Session& session) : session_(session) {
     }
 }
 
+std::map<std::u16string, Value> Session::variables() const {
+    std::map<std::u16string, Value> all(globals_.begin(), globals_.end());
+    all.insert(frames_.back().locals.begin(), frames_.back().locals.end());
+    return all;
+}
+
 ScriptFrame::ScriptFrame(Session& session, std::u16string name, Value parameter) : session_(session) {
     session_.frames_.push_back({{}, std::move(name), std::move(parameter), {}});
 }

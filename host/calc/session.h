@@ -13,6 +13,7 @@
 #include <chrono>
 #include <deque>
 #include <functional>
+#include <map>
 #include <string>
 #include <string_view>
 #include <unordered_map>
@@ -63,6 +64,9 @@ class Session {
     void setVariable(const std::u16string& key, Value value);
     // Returns the repetitions of a variable up to the last one that was set; those not set are empty.
     std::vector<Value> repetitions(const std::u16string& key) const;
+
+    // Returns the variables of the innermost script and the global ones, ordered by their keys.
+    std::map<std::u16string, Value> variables() const;
 
     Frame& frame() { return frames_.back(); }
     bool runsScript() const { return frames_.size() > 1; }

@@ -1,10 +1,11 @@
 #include "host/console/prompt.h"
 
 #include "host/console/commands.h"
-#include "host/console/function_list.h"
 #include "host/console/host.h"
 #include "host/console/input_reader.h"
+#include "host/console/prompt_commands.h"
 #include "host/console/show.h"
+#include "host/editor/assistance.h"
 #include "host/values/text.h"
 
 #include <atomic>
@@ -28,12 +29,6 @@ namespace {
 
 constexpr int kHistorySize = 1000;
 constexpr int kIdleMilliseconds = 100;
-constexpr const char* kHelp =
-    "Type a calculation, for instance: Let ( x = 2 ; x * 21 )\n"
-    "A line that is not complete goes on in the next one; Ctrl-C drops it, and stops a calculation.\n"
-    "functions lists the plug-in's functions, help NAME tells about one; quit or Ctrl-D leaves.";
-constexpr std::string_view kHelpOn = "help ";
-
 volatile std::sig_atomic_t gInterrupted = 0;
 std::atomic<bool>* gStop = nullptr;
 
@@ -79,6 +74,8 @@ class Prompt {
         el_set(line_.get(), EL_HIST, history, history_.get());
         el_set(line_.get(), EL_PROMPT, prompt);
         el_set(line_.get(), EL_GETCFN, readCharacter);
+        el_set(line_.get(), EL_ADDFN, "fm-complete", "Complete a name", complete);
+        el_set(line_.get(), EL_BIND, "^I", "fm-complete", nullptr);
         el_source(line_.get(), nullptr);
     }
 
@@ -123,6 +120,45 @@ class Prompt {
         return static_cast<Prompt*>(self)->reader_.isOpen() ? open : ready;
     }
 
+    // Inserts what all names that may stand at the cursor begin with; lists them when that is nothing more.
+    static unsigned char complete(EditLine* line, int /*key*/) {
+        void* self = nullptr;
+        el_get(line, EL_CLIENTDATA, &self);
+        Host& host = static_cast<Prompt*>(self)->host_;
+        const LineInfo* info = el_line(line);
+        const std::u16string typed = fromUtf8(std::string(info->buffer, info->cursor));
+        const Document document("", typed);
+        CompletionList found =
+            completions(document, typed.size(), {host.session().functions(), host.stepRegistry()});
+        const std::u16string word = typed.substr(found.begin);
+        for (const auto& [name, value] : host.session().variables()) {
+            if (!word.empty() && name.starts_with(foldCase(word))) {
+                found.items.push_back({CompletionKind::variable, toUtf8(name), "", ""});
+            }
+        }
+        if (found.items.empty()) {
+            return CC_REFRESH_BEEP;
+        }
+        std::u16string common = fromUtf8(found.items.front().name);
+        for (const Completion& item : found.items) {
+            const std::u16string name = foldCase(fromUtf8(item.name));
+            while (!name.starts_with(foldCase(common))) {
+                common.pop_back();
+            }
+        }
+        if (found.items.size() > 1 && common.size() <= word.size()) {
+            std::cout << '\n';
+            for (const Completion& item : found.items) {
+                std::cout << (item.prototype.empty() ? item.name : item.prototype) << '\n';
+            }
+            std::cout << std::flush;
+            return CC_REDISPLAY;
+        }
+        el_deletestr(line, static_cast<int>(word.size()));
+        el_insertstr(line, toUtf8(common).c_str());
+        return CC_REFRESH;
+    }
+
     // Waits for a character in the locale's encoding; meanwhile runs the host's idle work.
     static int readCharacter(EditLine* line, wchar_t* result) {
         void* self = nullptr;
@@ -159,27 +195,21 @@ class Prompt {
             text.pop_back();
         }
         if (!reader_.isOpen() && (text == "quit" || text == "exit")) {
-            return false;
+            return false; // not worth remembering
         }
         if (text.find_first_not_of(" \t") != std::string::npos) {
             HistEvent event;
             history(history_.get(), &event, H_ENTER, text.c_str());
         }
-        if (!reader_.isOpen() && text == "help") {
-            std::cout << kHelp << std::endl;
-            return true;
-        }
-        if (!reader_.isOpen() && text.starts_with(kHelpOn)) {
-            const std::string name = text.substr(kHelpOn.size());
-            const auto sheet = functionSheet(fromUtf8(name));
-            std::cout << (sheet ? *sheet : "there is no function called " + name + "\n") << std::flush;
-            return true;
-        }
-        if (!reader_.isOpen() && text == "functions") {
-            listFunctions(host_, {});
-            return true;
+        if (!reader_.isOpen() && PromptCommands::isCommand(text)) {
+            const bool goesOn = commands_.run(text);
+            commands_.showWatched();
+            return goesOn;
         }
         evaluate(text);
+        if (!reader_.isOpen()) {
+            commands_.showWatched();
+        }
         return true;
     }
 
@@ -196,6 +226,7 @@ class Prompt {
 
     Host& host_;
     InputReader reader_;
+    PromptCommands commands_{host_, std::cout};
     std::unique_ptr<History, decltype(&history_end)> history_;
     std::unique_ptr<EditLine, decltype(&el_end)> line_;
     fs::path file_;

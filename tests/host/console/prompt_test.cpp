@@ -141,6 +141,44 @@ TEST_F(PromptTest, ControlCStopsACalculation) {
     enter("5", "5\r\n");
 }
 
+TEST_F(PromptTest, Commands) {
+    enter(":type 1 + 1", "number\r\n");
+    enter("Let ( $x = 20 ; $x )", "20\r\n");
+    enter(":variables", "$x = 20\r\n");
+    enter(":watch $x * 2", "$x * 2 \u2192 40\r\n");
+    enter("Let ( $x = 1 ; $x )", "1\r\n$x * 2 \u2192 2\r\n");
+    enter(":unwatch", "> ");
+    enter(":time 2 + 3", "5\r\n");
+    waitFor(" ms\r\n");
+    enter(":nonsense", "there is no command :nonsense; :help lists them\r\n");
+    enter(":time", "expected CALCULATION after :time\r\n");
+    enter("?weekofyear", "WeekOfYear ( date )\r\n");
+    enter(":watch 1 +", "1:4: expected a value");
+    std::ofstream(folder_ / "some.txt") << "Let ( $y = 5 ;\n$y )\n";
+    enter(":load some.txt", "5\r\n");
+    enter(":load none.txt", "can not read none.txt: No such file or directory\r\n");
+    std::ofstream(folder_ / "Greets.fmscript") << "Exit Script [ Text Result: \"hel\" & \"lo\" ]";
+    enter(":run greets", "hello\r\n");
+    enter(":q", "");
+    EXPECT_EQ(exitStatus(), 0);
+}
+
+TEST_F(PromptTest, TabCompletesNames) {
+    type("weekofyearf\t");
+    waitFor("WeekOfYearFiscal");
+    type(" ( 1 ; 1 ) > 0\r");
+    waitFor("\n1\r\n");
+    type("weekofyear\t");
+    waitFor("WeekOfYear ( date )\r\nWeekOfYearFiscal ( date ; startingDay )\r\n");
+    type("\x03");
+    enter("Let ( $longname = 7 ; 1 )", "1\r\n");
+    type("$lo\t\r");
+    waitFor("\n7\r\n");
+    type("Get ( lastm\t");
+    waitFor("LastMessageChoice");
+    type("\x03");
+}
+
 TEST_F(PromptTest, ControlDLeaves) {
     type("\x04");
     EXPECT_EQ(exitStatus(), 0);
