@@ -141,10 +141,14 @@ void Host::paused(std::chrono::duration<double> time) {
     using Clock = std::chrono::steady_clock;
     constexpr auto kInterval = std::chrono::milliseconds(50);
     const auto end = Clock::now() + std::chrono::duration_cast<Clock::duration>(time);
-    idle(IdleLevel::scriptPaused);
+    const auto tell = [this] { // nobody works with this host then: its user is idle, too
+        idle(IdleLevel::userIdle);
+        idle(IdleLevel::scriptPaused);
+    };
+    tell();
     while (Clock::now() < end && !session_.interruptFlag()) {
         std::this_thread::sleep_for(std::min<Clock::duration>(kInterval, end - Clock::now()));
-        idle(IdleLevel::scriptPaused);
+        tell();
     }
 }
 

@@ -28,6 +28,7 @@ NSString* registerUpdateScript(const fmx::ExprEnv& environment, const fmx::DataV
                                                  name:kABDatabaseChangedExternallyNotification
                                                object:nil];
     [[NSDistributedNotificationCenter defaultCenter] setSuspended:NO];
+    [ABAddressBook sharedAddressBook]; // changes are told from the first call on
     *listener->locale = result.GetLocale();
     listener->theDB->SetText(arguments.AtAsText(0), 0, fmx::Text::kSize_End);
     listener->theScript->SetText(arguments.AtAsText(1), 0, fmx::Text::kSize_End);

@@ -19,7 +19,7 @@ constexpr std::uint16_t kOldestHostVersion = 50;
 constexpr std::uint16_t kNewestHostVersion = 255;
 constexpr int kOwnVersion = 54;
 
-// The idle level at which the user, too, is idle: only then is the idle hook called.
+// The idle level at which the user, too, is idle: only then is anything done.
 constexpr fmx::uchar kUserIdle = 0;
 
 bool acceptsHostVersion(std::uint16_t version) {
@@ -43,8 +43,8 @@ void dispatch(FMX_ExternCallStruct& message) {
         startUp(message);
         break;
     case kFMXT_Idle:
-        turnRunLoop();
         if (message.parm1 == kUserIdle) {
+            turnRunLoop();
             runScript();
         }
         break;

@@ -1,6 +1,8 @@
 #import "plugin/shell/run_loop.h"
 
 #include "plugin/support/guard.h"
+#include <cstdio>
+#include <string>
 
 namespace koru {
 
@@ -8,8 +10,11 @@ void turnRunLoop() {
     const auto turn = [] {
         [[NSRunLoop currentRunLoop] runMode:NSDefaultRunLoopMode beforeDate:[NSDate distantPast]];
     };
-    // Exceptions are logged, as an application does, and the next turn goes on.
-    guarded(turn, [](NSException* exception) { NSLog(@"%@", [exception description]); });
+    // An exception ends this turn only; its reason is told in a line of its own, without what a log says of crashes.
+    guarded(turn, [](NSException* exception) {
+        const std::string line = std::string("Velocard: ") + [[exception description] UTF8String] + "\n";
+        std::fputs(line.c_str(), stderr);
+    });
 }
 
 } // namespace koru

@@ -11,6 +11,40 @@ TEST(ExceptionTest, DescribesItselfByItsReason) {
     EXPECT_EQ(text(raised([] { [[NSArray array] objectAtIndex:3]; })).find("0x"), std::string::npos);
 }
 
+TEST(DictionaryTest, DescribesItselfInLines) {
+    NSArray* list =
+        [NSArray arrayWithObjects:@"a", @"b c", [NSDictionary dictionaryWithObject:@"-" forKey:@"v w"], nil];
+    NSDictionary* fields =
+        [NSDictionary dictionaryWithObjectsAndKeys:@"1 Main St\nFlat \"2\"", @"Street",
+                                                   [NSString stringWithUTF8String:"Zürich\a"], @"City",
+                                                   @"62701", @"ZIP", list, @"list", [NSDictionary dictionary],
+                                                   @"none", [NSData dataWithBytes:"abcdef" length:6], @"data",
+                                                   @"", @"empty", [NSNumber numberWithInt:-3], @"number",
+                                                   [NSArray array], @"nothing", nil];
+    EXPECT_EQ(text(fields), R"({
+    City = "Z\U00fcrich\007";
+    Street = "1 Main St\nFlat \"2\"";
+    ZIP = 62701;
+    data = <61626364 6566>;
+    empty = "";
+    list =     (
+        a,
+        "b c",
+                {
+            "v w" = "-";
+        }
+    );
+    none =     {
+    };
+    nothing =     (
+    );
+    number = "-3";
+})");
+    EXPECT_EQ(text([NSMutableDictionary dictionary]), "{\n}");
+    EXPECT_EQ(text([NSDictionary dictionaryWithObject:@"x" forKey:[NSNumber numberWithInt:1]]),
+              "{\n    1 = x;\n}");
+}
+
 TEST(TimeZoneTest, IsThatOfTheEnvironment) {
     ::setenv("TZ", "Asia/Tokyo", 1);
     EXPECT_EQ(text([[NSTimeZone systemTimeZone] name]), "Asia/Tokyo");

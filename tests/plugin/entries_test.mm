@@ -215,17 +215,17 @@ TEST_F(EntriesTest, ExceptionsFailTheCallAndLeaveTheState) {
 TEST_F(EntriesTest, AnAddressKeepsTheFieldsThatAreNotNamed) {
     giveList({address(), @"text"});
     EXPECT_EQ(setValue("address", "0", "Wells", "CITY"), "0");
-    EXPECT_EQ(written(0), "{City = Wells; CountryCode = us; }");
+    EXPECT_EQ(written(0), "{\n    City = Wells;\n    CountryCode = us;\n}");
     EXPECT_EQ(setValue("address", "0", "BA5", "zip"), "0");
-    EXPECT_EQ(written(0), "{City = Bath; CountryCode = us; ZIP = BA5; }")
+    EXPECT_EQ(written(0), "{\n    City = Bath;\n    CountryCode = us;\n    ZIP = BA5;\n}")
         << "of the person's list, not the copy before";
     EXPECT_EQ(setValue("address", "0", "", "city"), "0");
-    EXPECT_EQ(written(0), "{City = \"\"; CountryCode = us; }") << "an empty field is there";
+    EXPECT_EQ(written(0), "{\n    City = \"\";\n    CountryCode = us;\n}") << "an empty field is there";
     EXPECT_EQ(deleteValue("address", "0", "countrycode"), "0");
-    EXPECT_EQ(written(0), "{City = Bath; }");
+    EXPECT_EQ(written(0), "{\n    City = Bath;\n}");
     EXPECT_EQ(written(1), "text");
     EXPECT_EQ(deleteValue("address", "0", "State"), "0") << "which it does not have";
-    EXPECT_EQ(written(0), "{City = Bath; CountryCode = us; }");
+    EXPECT_EQ(written(0), "{\n    City = Bath;\n    CountryCode = us;\n}");
     expectFailure(setValue("address", "1", "x", "no such field"), "Invalid property type ", "-8006");
     expectFailure(setValue("address", "0", "x", "no such field"), "Invalid value for key ", "-8008");
     EXPECT_EQ(deleteValue("address", "0", "city"), "0") << "the key's own letter case does not matter";

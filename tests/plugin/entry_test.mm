@@ -148,6 +148,21 @@ TEST_F(EntryTest, OnlyTheUsersIdlenessCallsTheHook) {
     EXPECT_EQ(idle_double::calls(), before + 1);
 }
 
+TEST_F(EntryTest, OnlyTheUsersIdlenessTurnsTheRunLoop) {
+    NSMutableArray* turns = [NSMutableArray array];
+    [[NSRunLoop currentRunLoop] performSelector:@selector(addObject:)
+                                         target:turns
+                                       argument:@"turn"
+                                          order:0
+                                          modes:[NSArray arrayWithObject:NSDefaultRunLoopMode]];
+    for (const int level : {1, 2, 3, 4, 255}) {
+        send(messageOf(kFMXT_Idle, level));
+    }
+    EXPECT_EQ([turns count], 0U);
+    send(messageOf(kFMXT_Idle, 0));
+    EXPECT_EQ([turns count], 1U);
+}
+
 TEST_F(EntryTest, NamesAndPrototypesComeFromTheBundlesStrings) {
     const Bundle bundle(
         "\"KORUFMPlugin 204\" = \"Version ( {format} )\";\n\"KORUFMPlugin 207\" = \"Delete\";\n");

@@ -67,20 +67,20 @@ TEST_F(PrimaryEntryTest, ItStaysWhenAnEntryIsChanged) {
 
 TEST_F(PrimaryEntryTest, ItStaysWhenAFieldOfAnAddressIsChangedOrRemoved) {
     EXPECT_EQ(call(Do_KORU_SetValueForUID, {"address", addresses_[0], "York", "city"}), "0");
-    EXPECT_EQ(primaryAddress(), "{City = Wells; CountryCode = gb; }");
+    EXPECT_EQ(primaryAddress(), "{\n    City = Wells;\n    CountryCode = gb;\n}");
     EXPECT_EQ(call(Do_KORU_SetValueForUID, {"address", addresses_[1], "BA5", "zip"}), "0");
-    EXPECT_EQ(primaryAddress(), "{City = Wells; CountryCode = gb; ZIP = BA5; }");
+    EXPECT_EQ(primaryAddress(), "{\n    City = Wells;\n    CountryCode = gb;\n    ZIP = BA5;\n}");
     EXPECT_EQ(call(Do_KORU_DeleteValueForUID, {"address", addresses_[1], "zip"}), "0");
-    EXPECT_EQ(primaryAddress(), "{City = Wells; CountryCode = gb; }");
+    EXPECT_EQ(primaryAddress(), "{\n    City = Wells;\n    CountryCode = gb;\n}");
     EXPECT_EQ(call(Do_KORU_DeleteValueForUID, {"address", addresses_[2], "City"}), "0");
-    EXPECT_EQ(primaryAddress(), "{City = Wells; CountryCode = gb; }");
+    EXPECT_EQ(primaryAddress(), "{\n    City = Wells;\n    CountryCode = gb;\n}");
 }
 
 TEST_F(PrimaryEntryTest, ItStaysWhenAnEntryIsAdded) {
     EXPECT_EQ(call(Do_KORU_AddMV, {"phone", "4", "home"}).size(), 36U);
     EXPECT_EQ(primaryPhone(), "2");
     EXPECT_EQ(call(Do_KORU_AddAddress, {"home", "", "York", "", "", "", "gb"}).size(), 36U);
-    EXPECT_EQ(primaryAddress(), "{City = Wells; CountryCode = gb; }");
+    EXPECT_EQ(primaryAddress(), "{\n    City = Wells;\n    CountryCode = gb;\n}");
 }
 
 TEST_F(PrimaryEntryTest, ItStaysWhenAnotherEntryIsRemoved) {

@@ -42,12 +42,12 @@ TEST_F(StartedScriptsTest, RunWhileTheRunningOnePauses) {
 }
 
 TEST_F(StartedScriptsTest, APauseLetsThePluginWork) {
-    // Some ten idle messages, of the level that says that a script pauses.
+    // Some ten times two idle messages, the last of the level that says that a script pauses.
     EXPECT_EQ(shown("Set Variable [ $before ; Value: Test_Idle ]\n"
                     "Pause/Resume Script [ Duration (seconds): Let ( half = .5 ; half ) ]\n"
                     "Set Variable [ $levels ; Value: Mod ( Test_Idle ; 10 ) ]\n"
                     "Set Variable [ $count ; Value: Int ( ( Test_Idle - $before ) / 10 ) ]\n"
-                    "Show Custom Dialog [ $levels & ( $count > 3 ) & ( $count < 13 ) ]"),
+                    "Show Custom Dialog [ $levels & ( $count > 3 ) & ( $count < 26 ) ]"),
               "211\n");
 }
 
