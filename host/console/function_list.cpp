@@ -166,21 +166,4 @@ ExitCode listFunctions(const Host& host, const FunctionQuery& query) {
     return ExitCode::ok;
 }
 
-std::optional<std::string> functionSheet(std::u16string_view name) {
-    const std::u16string key = foldName(name);
-    if (const Builtin* builtin = findBuiltin(key)) {
-        std::string sheet = toUtf8(builtin->prototype) + '\n';
-        if (!builtin->listPrototype.empty()) {
-            sheet += toUtf8(builtin->listPrototype) + '\n';
-        }
-        return sheet + "    " + std::string(builtin->description) +
-               "\n    Category: " + std::string(builtin->category) + '\n';
-    }
-    if (const GetRow* get = findGet(key)) {
-        return "Get ( " + toUtf8(get->name) + " )\n    " + std::string(get->description) +
-               "\n    Category: Get\n";
-    }
-    return std::nullopt;
-}
-
 } // namespace host

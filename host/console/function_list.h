@@ -5,9 +5,7 @@
 #include "host/console/exit_code.h"
 #include "host/console/host.h"
 
-#include <optional>
 #include <string>
-#include <string_view>
 
 namespace host {
 
@@ -20,9 +18,5 @@ struct FunctionQuery {
 
 // Prints the functions, and the plug-in's script steps. When no function has the word, that is an error.
 ExitCode listFunctions(const Host& host, const FunctionQuery& query);
-
-// Returns a description of a function, or of a name in Get ( ), of the language: prototypes, purpose,
-// category. Nothing for an unknown name. Letter case is ignored.
-std::optional<std::string> functionSheet(std::u16string_view name);
 
 } // namespace host
