@@ -33,6 +33,7 @@ struct Variable {
 // A name that a Let or While of the calculation defines: its index among the evaluator's slots.
 struct Slot {
     uint32_t index;
+    bool isLast = false; // nothing reads the value behind this place, which may take it
 };
 
 struct Unary {

@@ -10,6 +10,7 @@
 #include <cstdint>
 #include <span>
 #include <string_view>
+#include <vector>
 
 namespace host {
 
@@ -30,7 +31,9 @@ enum class BuiltinForm : uint8_t {
 };
 
 using EagerFunction = Value (*)(Session&, std::span<const Value>);
-// Returns the argument whose value is the result; null for an empty result.
+using OwningFunction = Value (*)(Session&, std::vector<Value>); // may take the arguments apart
+// Returns null when the answer is empty.
+using BranchFunction = const Node* (*)(Evaluator&, std::span<const Node>);
 using BranchFunction = const Node* (*)(Evaluator&, std::span<const Node>);
 using LazyFunction = Value (*)(Evaluator&, std::span<const Node>);
 
@@ -55,6 +58,7 @@ struct Builtin {
     std::string_view category;         // set from the FunctionGroup of the row
     BuiltinForm form = BuiltinForm::eager;
     EagerFunction eager = nullptr;
+    OwningFunction owning = nullptr; // in place of eager
     BranchFunction branch = nullptr;
     LazyFunction lazy = nullptr;
     Placeholder placeholder{};
@@ -63,6 +67,8 @@ struct Builtin {
     constexpr Builtin(std::u16string_view text, EagerFunction function, std::string_view sentence,
                       std::u16string_view withLists = {})
         : prototype(text), listPrototype(withLists), description(sentence), eager(function) {}
+    constexpr Builtin(std::u16string_view text, OwningFunction function, std::string_view sentence)
+        : prototype(text), description(sentence), owning(function) {}
     constexpr Builtin(std::u16string_view text, BranchFunction function, std::string_view sentence)
         : prototype(text), description(sentence), form(BuiltinForm::branch), branch(function) {}
     constexpr Builtin(std::u16string_view text, LazyFunction function, std::string_view sentence,

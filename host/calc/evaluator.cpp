@@ -103,7 +103,7 @@ std::u16string Evaluator::keyOf(const Variable& variable) {
 }
 
 Value Evaluator::evaluateForm(const Node& /*node*/, const Slot& form) {
-    return slots_[form.index];
+    return form.isLast ? std::exchange(slots_[form.index], {}) : slots_[form.index];
 }
 
 Value Evaluator::evaluateForm(const Node& /*node*/, const Unary& form) {
@@ -134,7 +134,10 @@ Value Evaluator::joined(const Chain& chain) {
         appendText(text, value);
         appendRuns(styles, before, value.styles(), text.size() - before);
     };
-    append(evaluate(*chain.first));
+    Value first = evaluate(*chain.first);
+    const StyledRuns firstStyles = first.styles();
+    text = std::move(first).takeText();
+    appendRuns(styles, 0, firstStyles, text.size());
     for (const Chain::Link& link : chain.rest) {
         append(evaluate(link.operand));
     }
@@ -154,7 +157,8 @@ std::vector<Value> Evaluator::evaluateAll(std::span<const Node> nodes) {
 Value Evaluator::evaluateForm(const Node& /*node*/, const BuiltinCall& form) {
     switch (form.function->form) {
     case BuiltinForm::eager:
-        return form.function->eager(session_, evaluateAll(form.arguments));
+        return form.function->owning != nullptr ? form.function->owning(session_, evaluateAll(form.arguments))
+                                                : form.function->eager(session_, evaluateAll(form.arguments));
     case BuiltinForm::branch: {
         const Node* chosen = form.function->branch(*this, form.arguments);
         return chosen == nullptr ? Value() : evaluate(*chosen);

@@ -242,13 +242,21 @@ std::u16string formattedJson(const Json& json) {
     return fromUtf8(out);
 }
 
+std::u16string ParsedJson::text() const {
+    return jsonText(root);
+}
+
+Json takeJson(Value value) {
+    const Json& root = requireJson(value)->root; // kept by the note
+    const auto note = std::move(value).takeNote();
+    return note != nullptr && note.use_count() == 1 ? std::move(const_cast<Json&>(root)) : Json(root);
+}
+
 Value jsonValue(Json json, bool declared) {
-    Value value = Value::text(jsonText(json));
     auto parsed = std::make_shared<ParsedJson>();
     parsed->root = std::move(json);
     parsed->declared = declared;
-    value.setNote(std::move(parsed));
-    return value;
+    return Value::written(std::move(parsed));
 }
 
 } // namespace host

@@ -25,6 +25,9 @@ struct ParsedJson : TextNote {
     Json root;
     std::string error;     // of a text that is no JSON
     bool declared = false; // a result of JSONParse or JSONSetElement, which JSONParsedState asks for
+
+    // Returns the document as jsonText() writes it.
+    std::u16string text() const override;
 };
 
 // Returns the parsed form of a value's text; parses it only once, as it is kept with the text. Never null;
@@ -43,7 +46,11 @@ std::u16string jsonText(const Json& json);
 // Returns JSON as text with one value a line, indented by tabs.
 std::u16string formattedJson(const Json& json);
 
-// Returns JSON as a text value, which keeps the parsed form.
+// Returns the document that a value holds, for changing it; without a copy when nothing else has the value.
+// Throws JsonError.
+Json takeJson(Value value);
+
+// Returns JSON as a text value, which keeps the parsed form; the text is written when it is first asked for.
 Value jsonValue(Json json, bool declared);
 
 } // namespace host

@@ -62,6 +62,7 @@ void Parser::continueAt(size_t offset) {
 
 Calculation Parser::calculation(std::span<const std::u16string> parameters) {
     names_.clear();
+    uses_.clear();
     slots_ = 0;
     for (const std::u16string& parameter : parameters) {
         define(foldName(parameter), 0);
@@ -77,6 +78,7 @@ Calculation Parser::variableCalculation() {
         failExpected("a $local or $$global variable", CalcCode::nameMissing);
     }
     names_.clear();
+    uses_.clear();
     slots_ = 0;
     Calculation result{source(), {}, 0};
     const size_t begin = token_.begin;
@@ -178,6 +180,7 @@ Node Parser::named() {
     if (token_.kind != TokenKind::leftParen) {
         for (size_t i = names_.size(); i > 0; --i) {
             if (names_[i - 1].key == key) {
+                ++uses_[names_[i - 1].slot];
                 return Node{token.begin, Slot{names_[i - 1].slot}};
             }
         }
@@ -372,22 +375,51 @@ Assignment Parser::assignment(size_t scope) {
         failExpected("\"=\" after the name of a variable", CalcCode::operatorOrFunctionExpected);
     }
     advance();
+    const std::optional<uint32_t> own = target ? std::nullopt : slotOf(key, scope);
+    const uint32_t usesBefore = own ? uses_[*own] : 0;
     Node value = expression(); // parsed before the name is known: it may use an outer one of the same name
     if (target) {
         return {std::move(*target), std::move(value)};
     }
+    if (own && uses_[*own] == usesBefore + 1) {
+        markLastUse(value, *own);
+    }
     return {Slot{define(std::move(key), scope)}, std::move(value)};
 }
 
-// Returns the slot of a name in the form whose names start at [scope]; a new one when it has no such name
-// yet.
-uint32_t Parser::define(std::u16string key, size_t scope) {
+// A value that begins with the variable that it is for (x = List ( x ; 1 ), x = x & "a") is the last to read the
+// old value, when it reads it once: functions evaluate an argument once at most.
+void Parser::markLastUse(Node& value, uint32_t slot) {
+    Node* first = nullptr;
+    if (auto* call = std::get_if<BuiltinCall>(&value.form); call != nullptr && !call->arguments.empty()) {
+        first = &call->arguments.front();
+    } else if (auto* chain = std::get_if<Chain>(&value.form)) {
+        first = chain->first.get();
+    }
+    if (auto* use = first == nullptr ? nullptr : std::get_if<Slot>(&first->form);
+        use != nullptr && use->index == slot) {
+        use->isLast = true;
+    }
+}
+
+// Returns the slot of a name in the form whose names start at [scope]; nothing when it has no such name yet.
+std::optional<uint32_t> Parser::slotOf(std::u16string_view key, size_t scope) const {
     for (size_t i = names_.size(); i > scope; --i) {
         if (names_[i - 1].key == key) {
             return names_[i - 1].slot;
         }
     }
+    return std::nullopt;
+}
+
+// Returns the slot of a name in the form whose names start at [scope]; a new one when it has no such name
+// yet.
+uint32_t Parser::define(std::u16string key, size_t scope) {
+    if (const auto known = slotOf(key, scope)) {
+        return *known;
+    }
     names_.push_back({std::move(key), slots_});
+    uses_.push_back(0);
     return slots_++;
 }
 

@@ -6,6 +6,7 @@
 #include "host/calc/ast.h"
 #include "host/calc/lexer.h"
 
+#include <optional>
 #include <span>
 #include <string_view>
 #include <vector>
@@ -75,6 +76,8 @@ class Parser {
     std::vector<Assignment> assignments(size_t scope);
     Assignment assignment(size_t scope);
     uint32_t define(std::u16string key, size_t scope);
+    std::optional<uint32_t> slotOf(std::u16string_view key, size_t scope) const;
+    static void markLastUse(Node& value, uint32_t slot);
     void openCall(std::u16string_view function);
     void checkLists(const Builtin& function, const std::vector<Node>& arguments) const;
     void checkField(const Builtin& function, const std::vector<Node>& arguments, size_t begin) const;
@@ -88,6 +91,7 @@ class Parser {
     const FunctionRegistry& functions_;
     Token token_;
     std::vector<ScopedName> names_;
+    std::vector<uint32_t> uses_; // of each slot, so far
     uint32_t slots_ = 0;
     int depth_ = 0;
 };

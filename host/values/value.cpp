@@ -23,15 +23,19 @@ Value Value::text(std::u16string text) {
     if (text.empty()) {
         return {};
     }
-    return Value(ValueType::text, std::make_shared<const TextData>(TextData{std::move(text), {}, nullptr}));
+    return Value(ValueType::text, std::make_shared<TextData>(TextData{std::move(text), {}, nullptr}));
 }
 
 Value Value::styledText(std::u16string text, StyledRuns styles) {
     if (text.empty()) {
         return {};
     }
-    return Value(ValueType::text, std::make_shared<const TextData>(
+    return Value(ValueType::text, std::make_shared<TextData>(
                                       TextData{std::move(text), simplifiedRuns(std::move(styles)), nullptr}));
+}
+
+Value Value::written(std::shared_ptr<const TextNote> note) {
+    return Value(ValueType::text, std::make_shared<TextData>(TextData{{}, {}, std::move(note), false}));
 }
 
 Value Value::timestamp(const DateTime& moment) {
@@ -50,10 +54,32 @@ bool Value::isEmpty() const noexcept {
     return isValid() && std::holds_alternative<std::monostate>(content_);
 }
 
-const std::u16string& Value::storedText() const noexcept {
+const std::u16string& Value::storedText() const {
     static const std::u16string none;
     const Text* text = std::get_if<Text>(&content_);
-    return text != nullptr ? (*text)->text : none;
+    if (text == nullptr) {
+        return none;
+    }
+    TextData& data = **text;
+    if (!data.isWritten) {
+        data.text = data.note->text();
+        data.isWritten = true;
+    }
+    return data.text;
+}
+
+std::u16string Value::takeText() && {
+    const Text* text = std::get_if<Text>(&content_);
+    if (text == nullptr || text->use_count() > 1) {
+        return asText();
+    }
+    storedText();
+    return std::move((*text)->text);
+}
+
+std::shared_ptr<const TextNote> Value::takeNote() && {
+    const Text* text = std::get_if<Text>(&content_);
+    return text != nullptr && text->use_count() == 1 ? std::move((*text)->note) : nullptr;
 }
 
 const StyledRuns& Value::styles() const noexcept {
@@ -69,6 +95,7 @@ const TextNote* Value::note() const noexcept {
 
 void Value::setNote(std::shared_ptr<const TextNote> note) const {
     if (const Text* text = std::get_if<Text>(&content_)) {
+        storedText(); // which the note before may still have to write
         (*text)->note = std::move(note);
     }
 }

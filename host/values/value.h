@@ -34,6 +34,9 @@ struct TextNote {
     TextNote() = default;
     TextNote(const TextNote&) = delete;
     TextNote& operator=(const TextNote&) = delete;
+
+    // Returns the text, for Value::written().
+    virtual std::u16string text() const { return {}; }
 };
 
 // An immutable value. Copying is cheap: copies share texts, large numbers and streams.
@@ -48,6 +51,8 @@ class Value {
     static Value text(const char16_t* text) { return Value::text(std::u16string(text)); }
     // Returns a text with styles, which are ignored when values are compared.
     static Value styledText(std::u16string text, StyledRuns styles);
+    // A text that is written when it is first asked for, by a note that is kept with it. The text must not be empty.
+    static Value written(std::shared_ptr<const TextNote> note);
     static Value number(Number number) { return Value(ValueType::number, std::move(number)); }
     // Return values of a date, of which only the day counts; a time, of which only the time counts; and a
     // time stamp, whose time is carried into its day (DateTime::normalized).
@@ -76,7 +81,7 @@ class Value {
 
     // Returns the text of a text value, without a copy; empty for every other type. The reference is valid as
     // long as any value that shares the text.
-    const std::u16string& storedText() const noexcept;
+    const std::u16string& storedText() const;
 
     // Returns the styles of a text value; none for every other type.
     const StyledRuns& styles() const noexcept;
@@ -88,6 +93,11 @@ class Value {
     // thread-safe.
     void setNote(std::shared_ptr<const TextNote> note) const;
 
+    // Returns the text, and the note; without a copy when nothing else shares them. The note is null when something
+    // does. For who has the value to itself, and does not need it any more.
+    std::u16string takeText() &&;
+    std::shared_ptr<const TextNote> takeNote() &&;
+
     // Returns the value as another type: an empty one when it is empty, invalid when it cannot be read so.
     Value convertedTo(ValueType type) const;
 
@@ -95,9 +105,10 @@ class Value {
     struct TextData {
         std::u16string text;
         StyledRuns styles;
-        mutable std::shared_ptr<const TextNote> note;
+        std::shared_ptr<const TextNote> note;
+        bool isWritten = true; // else the note writes the text when it is asked for
     };
-    using Text = std::shared_ptr<const TextData>;
+    using Text = std::shared_ptr<TextData>;
     using Streams = std::shared_ptr<const Container>;
     using Content =
         std::variant<std::monostate, Text, Number, DateTime, Streams>; // nothing: empty, or invalid

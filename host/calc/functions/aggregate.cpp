@@ -45,19 +45,21 @@ Value countFunction(Session& /*session*/, Arguments in) {
 }
 
 // Returns the values that are not empty, separated by carriage returns.
-Value list(Session& /*session*/, Arguments in) {
+// Goes on with the first text, so that a list that grows value by value is not copied each time.
+Value list(Session& /*session*/, std::vector<Value> in) {
     std::u16string result;
-    bool first = true;
-    for (const Value& value : in) {
-        const std::u16string text = value.asText();
-        if (text.empty()) {
+    for (Value& value : in) {
+        if (value.isEmpty()) {
             continue;
         }
-        result += first ? u"" : u"\r";
-        result += text;
-        first = false;
+        if (result.empty()) {
+            result = std::move(value).takeText();
+        } else {
+            result += u'\r';
+            appendText(result, value);
+        }
     }
-    return Value::text(result);
+    return Value::text(std::move(result));
 }
 
 // Returns the argument that comes first by [isBefore]. When all are texts they are compared as such, else as

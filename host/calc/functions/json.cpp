@@ -115,9 +115,9 @@ int64_t typeArgument(const Value& value) {
     return named != nullptr ? named->value : integer(value);
 }
 
-Value deleteElement(Session& /*session*/, Arguments in) {
+Value deleteElement(Session& /*session*/, std::vector<Value> in) {
     return guarded([&] {
-        Json root = requireJson(in[0])->root;
+        Json root = takeJson(std::move(in[0]));
         removeJson(root, jsonPath(in[1]));
         return jsonValue(std::move(root), true);
     });
@@ -234,7 +234,7 @@ Value setElement(Evaluator& evaluator, Nodes in) {
         if (!json.isValid()) {
             return json;
         }
-        Json root = json.isEmpty() ? Json() : requireJson(json)->root;
+        Json root = json.isEmpty() ? Json() : takeJson(std::move(json));
         const auto set = [&](const Node& path, const Node& value, const Node& type) {
             const Value where = evaluator.evaluate(path);
             const Value what = evaluator.evaluate(value);
