@@ -256,6 +256,28 @@ TEST_F(ProgramTest, CategoriesDoNotJoinAnotherGroupOfTheName) {
     EXPECT_EQ(run({"--book", other, "groups"}).out, groups);
 }
 
+TEST_F(ProgramTest, TheGuessOfACharacterSetIsToldOnceAndOverridden) {
+    std::string text;
+    for (int i = 0; i < 3; ++i) {
+        text += card("N:\xC8\xE2\xE0\xED\xEE\xE2;\xCF\xB8\xF2\xF0 " + std::to_string(i) +
+                     "\r\nNOTE:\xEC\xFB \xE2\xF1\xF2\xF0\xE5\xF2\xE8\xEB\xE8\xF1\xFC\r\n");
+    }
+    const std::string path = file("russian.vcf", text);
+    const Outcome outcome = run({"import", path});
+    EXPECT_EQ(outcome.status, 0);
+    EXPECT_THAT(outcome.err,
+                StartsWith(path + ": card 1, line 1: names no character set and is no UTF-8; read as "
+                                  "windows-1251, which is a guess"));
+    EXPECT_EQ(std::count(outcome.err.begin(), outcome.err.end(), '\n'), 2);
+    const std::string ivanov = "\xD0\x98\xD0\xB2\xD0\xB0\xD0\xBD\xD0\xBE\xD0\xB2";
+    EXPECT_THAT(run({"list"}).out, HasSubstr(ivanov));
+    const std::string other = folder() / "other";
+    EXPECT_THAT(run({"--book", other, "import", "--charset", "windows-1252", path}).err,
+                testing::Not(HasSubstr("guess")));
+    EXPECT_THAT(run({"--book", other, "list"}).out, HasSubstr("\xC3\x88\xC3\xA2\xC3\xA0"));
+    EXPECT_EQ(run({"import", "--charset", "nonsense", path}).status, 2);
+}
+
 TEST_F(ProgramTest, ShowsTheFullNameOfTheCard) {
     run({"import", "-"}, card("N:Berg;Ida;;;\r\nFN:Ida \\, the Baker\r\nUID:a\r\n"));
     const std::string id = run({"list"}).out.substr(0, 36);

@@ -2,7 +2,11 @@
 
 #include "tests/vcard/support.h"
 
+#include "frameworks/AddressBook/vcard/charset.h"
+
 #include <gtest/gtest.h>
+
+#include <sstream>
 
 namespace addressbook::vcard {
 namespace {
@@ -85,6 +89,66 @@ TEST(CharsetsTest, PerProperty) {
             row.expected)
             << row.parameter;
     }
+}
+
+// Cards that name no character set, as programs of many countries wrote them.
+TEST(CharsetsTest, AreGuessedFromTheWholeFile) {
+    struct Guess {
+        std::string charset, last, first, bytes, note;
+    };
+    const std::vector<Guess> rows{
+        // "We met at the fair in spring", Russian.
+        {"windows-1251", "\xD0\x98\xD0\xB2\xD0\xB0\xD0\xBD\xD0\xBE\xD0\xB2",
+         "\xD0\x9F\xD1\x91\xD1\x82\xD1\x80", "\xC8\xE2\xE0\xED\xEE\xE2;\xCF\xB8\xF2\xF0",
+         "\xEC\xFB \xE2\xF1\xF2\xF0\xE5\xF2\xE8\xEB\xE8\xF1\xFC \xED\xE0 \xFF\xF0\xEC\xE0\xF0\xEA\xE5 "
+         "\xE2\xE5\xF1\xED\xEE\xE9"},
+        // "Please telephone in the morning. This is Japanese."
+        {"Shift_JIS", "\xE8\xA1\xA8", "\xE5\xA4\xAA\xE9\x83\x8E", "\x95\x5C;\x91\xBE\x98\x59",
+         "\x92\xA9\x82\xC9\x93\x64\x98\x62\x82\xF0\x82\xAD\x82\xBE\x82\xB3\x82\xA2\x81\x42"
+         "\x82\xB1\x82\xEA\x82\xCD\x93\xFA\x96\x7B\x8C\xEA\x82\xC5\x82\xB7\x81\x42"},
+        // "Beautiful that you were in Cologne at Easter", German.
+        {"windows-1252", "M\xC3\xBCller", "Zo\xC3\xAB", "M\xFCller;Zo\xEB",
+         "sch\xF6n, da\xDF Sie \xFC"
+         "ber Ostern in K\xF6ln waren; die Gr\xFC\xDF"
+         "e habe ich ausgerichtet"},
+    };
+    for (const Guess& row : rows) {
+        const std::string text = cardText({"N:Ascii"}) + cardText({"N:" + row.bytes}) +
+                                 cardText({"N:\xC3\xA9t\xC3\xA9"}) + cardText({"N:B", "NOTE:" + row.note});
+        Reader reader{std::string_view(text)};
+        std::vector<Card> cards;
+        while (auto next = reader.next()) {
+            cards.push_back(std::get<Card>(*next));
+        }
+        ASSERT_EQ(cards.size(), 4u);
+        EXPECT_EQ(reader.guessed(), row.charset);
+        EXPECT_EQ(describe(cards[1], property::kLast), row.last);
+        EXPECT_EQ(describe(cards[1], property::kFirst), row.first);
+        EXPECT_EQ(describe(cards[2], property::kLast), "\xC3\xA9t\xC3\xA9") << "a card in UTF-8 stays";
+        std::istringstream stream(text);
+        EXPECT_EQ(guessCharset(stream), row.charset);
+    }
+    std::istringstream ascii(cardText({"N:A", "NOTE;CHARSET=ISO-8859-1:\xEB", "X:\xC3\xA9"}));
+    EXPECT_EQ(guessCharset(ascii), "");
+}
+
+TEST(CharsetsTest, GivenOnesOverrideTheGuess) {
+    const std::string text = cardText({"N:\xC8\xE2\xE0\xED", "NOTE;CHARSET=ISO-8859-1:\xEB"});
+    Reader reader(std::string_view(text), {"windows-1251", false});
+    const Card card = std::get<Card>(reader.next().value());
+    EXPECT_EQ(describe(card, property::kLast), "\xD0\x98\xD0\xB2\xD0\xB0\xD0\xBD");
+    EXPECT_EQ(describe(card, property::kNote), "\xC3\xAB") << "a line that names its own keeps it";
+    EXPECT_EQ(reader.guessed(), "");
+}
+
+TEST(CharsetsTest, Utf7) {
+    EXPECT_EQ(describe(readOne(cardText({"N;CHARSET=UTF-7:Zo+AOs-;Ida +- Ole"}, "2.1")), property::kLast),
+              "Zo\xC3\xAB");
+    const std::string text = cardText({"N:Zo+AOs-", "PHOTO;ENCODING=b:/9j/+AOs"});
+    Reader reader(std::string_view(text), {"UTF-7", false});
+    const Card card = std::get<Card>(reader.next().value());
+    EXPECT_EQ(describe(card, property::kLast), "Zo\xC3\xAB");
+    EXPECT_EQ(describe(card, property::kImage), "6 bytes");
 }
 
 TEST(CharsetsTest, Utf8MarkIsNoText) {

@@ -75,10 +75,24 @@ class Maker {
     }
 
     std::string label() {
-        static const std::vector<std::string> kLabels{"_$!<Home>!$_",  "_$!<Work>!$_",   "_$!<Other>!$_",
-                                                      "iPhone",        "_$!<Mobile>!$_", "_$!<HomeFAX>!$_",
-                                                      "_$!<Pager>!$_", "HOME",           "_$!<HomePage>!$_",
-                                                      "pref",          "_$!<Spouse>!$_", "fax"};
+        static const std::vector<std::string> kLabels{"_$!<Home>!$_",
+                                                      "_$!<Work>!$_",
+                                                      "_$!<Other>!$_",
+                                                      "iPhone",
+                                                      "_$!<Mobile>!$_",
+                                                      "_$!<HomeFAX>!$_",
+                                                      "_$!<Pager>!$_",
+                                                      "HOME",
+                                                      "_$!<HomePage>!$_",
+                                                      "pref",
+                                                      "_$!<Spouse>!$_",
+                                                      "fax",
+                                                      "",
+                                                      "voice",
+                                                      "boat",
+                                                      "_$!<OtherFAX>!$_",
+                                                      "_$!<Anniversary>!$_",
+                                                      "_$!<Manager>!$_"};
         return below(3) ? kLabels[below(kLabels.size())] : text();
     }
 
@@ -149,6 +163,13 @@ TEST(RoundTripTest, RandomCards) {
         }
         ASSERT_TRUE(sameContents(card, result.cards[0])) << text;
         ASSERT_EQ(write(result.cards[0]), text);
+        const std::string text4 = write(card, WrittenVersion::v4);
+        const ReadResult result4 = readAll(text4);
+        ASSERT_EQ(result4.cards.size(), 1u) << text4;
+        for (const auto& [property, value] : card.values) {
+            EXPECT_EQ(describe(result4.cards[0], property), describe(value)) << property << '\n' << text4;
+        }
+        ASSERT_TRUE(sameContents(card, result4.cards[0])) << text4;
     }
 }
 

@@ -57,15 +57,25 @@ void keepIdentifiers(MultiValue& list, const Value& current) {
 Importer::Importer(Store* store, bool dryRun, Report report, Progress progress)
     : store_(store), dryRun_(dryRun || !store), report_(std::move(report)), progress_(std::move(progress)) {}
 
-const ImportSummary& Importer::read(std::istream& input, const std::string& file) {
+const ImportSummary& Importer::read(std::istream& input, const std::string& file, vcard::Charset charset) {
     ++files_;
     tellsUnknownLines_ = true;
-    vcard::Reader reader(input);
+    vcard::Reader reader(input, std::move(charset));
+    bool guessed = false;
     while (auto next = reader.next()) {
         if (const auto* problem = std::get_if<vcard::Problem>(&*next)) {
             refuse(*problem, file, reader.bytesRead());
         } else {
-            add(std::get<vcard::Card>(*next), file, reader.bytesRead());
+            auto& card = std::get<vcard::Card>(*next);
+            if (!guessed && !reader.guessed().empty()) {
+                guessed = true;
+                report_(file,
+                        {card.number, card.line,
+                         "names no character set and is no UTF-8; read as " + reader.guessed() +
+                             ", which is a guess (--charset NAME overrides it), as are all such cards of "
+                             "the file"});
+            }
+            add(card, file, reader.bytesRead());
         }
     }
     return summary_;

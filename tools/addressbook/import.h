@@ -44,7 +44,8 @@ class Importer {
 
     // Reads the cards of a file; returns what was done so far. The cards are saved by finish(), or earlier
     // when there are very many.
-    const ImportSummary& read(std::istream& input, const std::string& file);
+    // What names no character set is in [charset].
+    const ImportSummary& read(std::istream& input, const std::string& file, vcard::Charset charset = {});
 
     // For files of a form that has no place for unknown lines of cards, which stay: begins a file, takes a card of it or counts one that is refused. [bytes] are
     // read so far.

@@ -13,11 +13,14 @@
 #include "frameworks/AddressBook/store/file/open_file.h"
 #include "frameworks/AddressBook/store/file/paths.h"
 #include "frameworks/AddressBook/store/store.h"
+#include "frameworks/AddressBook/vcard/charset.h"
 
 #include <cstdio>
 #include <filesystem>
+#include <fstream>
 #include <iostream>
 #include <memory>
+#include <stdexcept>
 
 namespace addressbook::tool {
 namespace {
@@ -93,9 +96,27 @@ std::string interruptedText(const ImportSummary& summary, bool dryRun) {
            "; running it again completes it";
 }
 
+// The character set of what names none in a file: what the user says, else a guess from the whole file.
+// Standard input cannot be read twice: the reader guesses from what it has at hand.
+vcard::Charset charsetOf(const std::string& file, const Options& options) {
+    if (!options.import.charset.empty()) {
+        return {options.import.charset, false};
+    }
+    std::error_code error;
+    if (file == "-" || !std::filesystem::is_regular_file(file, error)) {
+        return {};
+    }
+    std::ifstream stream(file, std::ios::binary);
+    return {vcard::guessCharset(stream), true};
+}
+
 } // namespace
 
 int runImport(const Options& options) {
+    if (!options.import.charset.empty() && !vcard::isKnownCharset(options.import.charset)) {
+        throw std::invalid_argument("--charset " + escaped(options.import.charset) +
+                                    ": no character set has this name; iconv --list shows names");
+    }
     noteSignals();
     const std::unique_ptr<Store> store = openForImport(options);
     ProgressLine progress("import", options.import.progress);
@@ -141,12 +162,12 @@ int runImport(const Options& options) {
             throw Failure(input.name() + ": nobody in it: there are no rows behind the headers");
         }
     };
-    const auto readCards = [&](Input& input, bool looksLikeCsv) {
+    const auto readCards = [&](Input& input, const std::string& file, bool looksLikeCsv) {
         if (looksLikeCsv) {
             throw Failure(input.name() + ": this is CSV and has no vCard in it; --format csv reads it");
         }
         const std::size_t before = importer.soFar().read;
-        importer.read(input, input.name());
+        importer.read(input, input.name(), charsetOf(file, options));
         if (importer.soFar().read == before) {
             throw Failure(input.name() + ": no vCard in it");
         }
@@ -161,7 +182,7 @@ int runImport(const Options& options) {
                 const bool looksLikeCsv = looksLikeTable(input.beginning());
                 table = options.import.format.empty() ? looksLikeCsv : options.import.format == "csv";
                 cards = cards || !table;
-                table ? readTable(input) : readCards(input, looksLikeCsv);
+                table ? readTable(input) : readCards(input, file, looksLikeCsv);
                 progress.update(
                     size == 0 ? -1 : 1,
                     table ? counted(soFar.read, "row", "rows") : counted(soFar.read, "card", "cards"), true);

@@ -122,13 +122,13 @@ std::vector<std::string> ContentLine::components(std::size_t most) const {
     return parts;
 }
 
-std::optional<ContentLine> parseContentLine(const PropertyLine& line) {
+std::optional<ContentLine> parseContentLine(const PropertyLine& line, const std::string& fallback) {
     const std::size_t colon = headerEnd(line.text);
     if (colon == std::string::npos) {
         return std::nullopt;
     }
     const std::string header =
-        line.utf8 ? line.text.substr(0, colon) : toUtf8(line.text.substr(0, colon), std::string_view());
+        line.utf8 ? line.text.substr(0, colon) : toUtf8(line.text.substr(0, colon), fallback);
     const std::vector<std::string_view> parts = splitQuoted(header, ';');
 
     ContentLine result;
@@ -146,26 +146,27 @@ std::optional<ContentLine> parseContentLine(const PropertyLine& line) {
     result.number = line.number;
     result.transfer = declaredTransfer(header);
 
-    std::string charset;
+    std::string charset = fallback;
     for (std::size_t at = 1; at < parts.size(); ++at) {
         if (trim(parts[at]).empty()) {
             continue;
         }
         Param param = parseParam(parts[at]);
         if (param.name == "CHARSET") {
-            charset = param.values.empty() ? std::string() : param.values.front();
+            charset = param.values.empty() ? fallback : param.values.front();
         } else if (param.name != "ENCODING" && isName(param.name)) {
             result.params.push_back(std::move(param));
         }
     }
 
     std::string_view value = std::string_view(line.text).substr(colon + 1);
-    if (result.transfer == Transfer::quotedPrintable) {
-        result.value = toUtf8(decodeQuotedPrintable(value), charset);
-    } else if (line.utf8) {
+    const bool decoded = result.transfer == Transfer::quotedPrintable;
+    if ((line.utf8 && !decoded) || result.transfer == Transfer::base64) {
         result.value = value;
     } else {
-        result.value = toUtf8(std::string(value), charset);
+        std::string bytes = decoded ? decodeQuotedPrintable(value) : std::string(value);
+        result.raw = charset.empty() && !isAscii(bytes);
+        result.value = result.raw ? std::move(bytes) : toUtf8(std::move(bytes), charset);
     }
     std::erase(result.value, '\0');
     return result;

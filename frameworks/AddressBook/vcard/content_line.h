@@ -26,6 +26,7 @@ struct ContentLine {
     std::string value;         // UTF-8, still escaped; with Transfer::base64 the base64 text
     Transfer transfer = Transfer::none;
     std::size_t number = 0; // of the line in the file
+    bool raw = false; // value is not UTF-8 yet, but bytes in a character set that the line does not name
 
     // Returns the first value of the parameter [upperName]; empty when there is none.
     std::string_view param(std::string_view upperName) const;
@@ -38,8 +39,9 @@ struct ContentLine {
 // Whether the standards allow [name]. Programs write others as well, with blanks, dots and slashes.
 bool isPlainName(std::string_view name);
 
-// Returns the parts of [line]; nothing when it is no property line.
-std::optional<ContentLine> parseContentLine(const PropertyLine& line);
+// Returns the parts of [line]; nothing when it is no property line. [charset] is that of lines that name none;
+// when it is empty, what they have beyond ASCII stays raw.
+std::optional<ContentLine> parseContentLine(const PropertyLine& line, const std::string& charset = {});
 
 // Returns parameters in the form of version 3.0, each preceded by ';'.
 std::string renderParams(const std::vector<Param>& params);

@@ -79,7 +79,9 @@ std::optional<std::string> convert(std::string_view bytes, const std::string& ch
 std::string toUtf8(std::string bytes, std::string_view charset) {
     const bool ascii =
         std::none_of(bytes.begin(), bytes.end(), [](char byte) { return byte < 0 || byte == 0x1B; });
-    if (ascii) {
+    const bool writtenInAscii =
+        equalsIgnoringCase(charset, "UTF-7") || equalsIgnoringCase(charset, "HZ-GB-2312");
+    if (ascii && !writtenInAscii) {
         return bytes;
     }
     // Programs that say ISO-8859-1 mean the superset that Windows has.
@@ -89,6 +91,13 @@ std::string toUtf8(std::string bytes, std::string_view charset) {
             return *std::move(text);
         }
     }
+    if (!latin && looksLikeUtf8(bytes)) {
+        return utf8FromUtf16(utf16FromUtf8(bytes));
+    }
+    return convert(bytes, "windows-1252").value_or(bytes);
+}
+
+bool looksLikeUtf8(std::string_view bytes) {
     std::size_t good = 0, bad = 0; // characters of more than one byte, and bytes that belong to none
     for (std::string_view rest = bytes; !rest.empty();) {
         const std::size_t length = utf8Length(rest);
@@ -96,10 +105,7 @@ std::string toUtf8(std::string bytes, std::string_view charset) {
         bad += length == 0 ? 1 : 0;
         rest.remove_prefix(std::max<std::size_t>(length, 1));
     }
-    if (!latin && good > bad) {
-        return bad ? utf8FromUtf16(utf16FromUtf8(bytes)) : bytes;
-    }
-    return convert(bytes, "windows-1252").value_or(bytes);
+    return good > bad || bad == 0;
 }
 
 std::string decodeQuotedPrintable(std::string_view text) {

@@ -15,6 +15,9 @@ namespace addressbook::vcard {
 // write that declare none.
 std::string toUtf8(std::string bytes, std::string_view charset);
 
+// Returns whether bytes are UTF-8, be it cut inside a character here and there.
+bool looksLikeUtf8(std::string_view bytes);
+
 // Returns the bytes that quoted-printable text stands for. Malformed escapes stay as they are.
 std::string decodeQuotedPrintable(std::string_view text);
 

@@ -1,11 +1,14 @@
 // The reader: finds the cards in a file, and continues after a bad one.
 
+#include "frameworks/AddressBook/values/text.h"
+#include "frameworks/AddressBook/vcard/charset.h"
 #include "frameworks/AddressBook/vcard/content_line.h"
 #include "frameworks/AddressBook/vcard/encoding.h"
 #include "frameworks/AddressBook/vcard/read_card.h"
 #include "frameworks/AddressBook/vcard/unfold.h"
 #include "frameworks/AddressBook/vcard/vcard.h"
 
+#include <algorithm>
 #include <utility>
 
 namespace addressbook::vcard {
@@ -33,7 +36,7 @@ bool takesLooseLines(const ContentLine& line) {
 } // namespace
 
 struct Reader::Impl {
-    explicit Impl(TextSource source) : lines(std::move(source)) {}
+    Impl(TextSource source, Charset given) : lines(std::move(source)), charset(std::move(given)) {}
 
     std::optional<std::variant<Card, Problem>> next();
     std::optional<Problem> skipToBegin();
@@ -43,8 +46,12 @@ struct Reader::Impl {
     void takeParsed(PropertyLine& line);
     bool readNested(ContentLine& agent);
     void leaveOut(const PropertyLine& line, const std::string& reason);
+    void decode();
+    std::string guess() const;
 
     LineReader lines;
+    Charset charset;
+    std::string guessed; // what cards were read in by guess
     PropertyLine current;
     bool atBegin = false; // current is a BEGIN:VCARD that no card has taken yet
     std::size_t number = 0;
@@ -124,6 +131,7 @@ std::variant<Card, Problem> Reader::Impl::readBody() {
 
 // Returns the card that was read; [unended] says what is wrong with its end.
 std::variant<Card, Problem> Reader::Impl::finish(const std::string& unended) {
+    decode();
     auto card = readCard(std::move(content), number, begin);
     content = {};
     if (auto* read = std::get_if<Card>(&card)) {
@@ -139,6 +147,39 @@ std::variant<Card, Problem> Reader::Impl::finish(const std::string& unended) {
         problem.reason += "; " + skipped.front().reason;
     }
     return card;
+}
+
+// Values that name no character set are UTF-8 when all of the card's are.
+void Reader::Impl::decode() {
+    const auto isForeign = [](const ContentLine& line) { return line.raw && !looksLikeUtf8(line.value); };
+    const bool foreign = std::any_of(content.begin(), content.end(), isForeign);
+    if (foreign && charset.name.empty()) {
+        charset = {guess(), true};
+    }
+    if (foreign) {
+        guessed = charset.name;
+    }
+    for (ContentLine& line : content) {
+        if (line.raw) {
+            line.value = toUtf8(std::move(line.value), foreign ? charset.name : std::string());
+        }
+    }
+}
+
+// What the card and all that is read of the file behind it look like.
+std::string Reader::Impl::guess() const {
+    CharsetSample sample;
+    for (const ContentLine& line : content) {
+        if (line.raw) {
+            sample.add(line.value);
+        }
+    }
+    for (std::string_view rest = lines.ahead(); !rest.empty();) {
+        const std::size_t end = std::min(rest.find_first_of("\r\n"), rest.size());
+        sample.add(rest.substr(0, end));
+        rest.remove_prefix(std::min(end + 1, rest.size()));
+    }
+    return sample.guess();
 }
 
 void Reader::Impl::leaveOut(const PropertyLine& line, const std::string& reason) {
@@ -180,7 +221,8 @@ void Reader::Impl::take(PropertyLine& line) {
 
 void Reader::Impl::takeParsed(PropertyLine& line) {
     const bool loose = !content.empty() && takesLooseLines(content.back());
-    auto parsed = line.continued ? std::nullopt : parseContentLine(line);
+    auto parsed = line.continued ? std::nullopt
+                                 : parseContentLine(line, charset.guessed ? std::string() : charset.name);
     // The continuation of a text that was not folded may have a colon in it.
     if (parsed && loose && !isPlainName(parsed->name) && !parsed->key.starts_with("X-")) {
         parsed.reset();
@@ -197,7 +239,8 @@ void Reader::Impl::takeParsed(PropertyLine& line) {
         if (endsWithBackslash(value)) {
             value.pop_back();
         }
-        value += "\\n" + (line.utf8 ? line.text : toUtf8(line.text, {}));
+        value += "\\n" + line.text;
+        content.back().raw = content.back().raw || !(line.utf8 || isAscii(line.text));
         return;
     }
     if (parsed->key == "BEGIN" || parsed->key == "END") {
@@ -243,14 +286,20 @@ bool Reader::Impl::readNested(ContentLine& agent) {
     return whole;
 }
 
-Reader::Reader(std::istream& input) : impl_(std::make_unique<Impl>(TextSource(input))) {}
-Reader::Reader(std::string_view data) : impl_(std::make_unique<Impl>(TextSource(data))) {}
+Reader::Reader(std::istream& input, Charset charset)
+    : impl_(std::make_unique<Impl>(TextSource(input), std::move(charset))) {}
+Reader::Reader(std::string_view data, Charset charset)
+    : impl_(std::make_unique<Impl>(TextSource(data), std::move(charset))) {}
 Reader::~Reader() = default;
 Reader::Reader(Reader&&) noexcept = default;
 Reader& Reader::operator=(Reader&&) noexcept = default;
 
 std::optional<std::variant<Card, Problem>> Reader::next() {
     return impl_->next();
+}
+
+const std::string& Reader::guessed() const {
+    return impl_->guessed;
 }
 
 std::size_t Reader::bytesRead() const {

@@ -29,6 +29,9 @@ class TextSource {
     // Reads the next line into [line]; returns false at the end.
     bool next(TextLine& line);
 
+    // Returns what is read of the file behind the last line, as it stands in the file.
+    std::string_view ahead() const { return window_; }
+
     // Returns the number of bytes consumed.
     std::size_t bytesRead() const { return consumed_; }
 

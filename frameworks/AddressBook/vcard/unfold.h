@@ -46,6 +46,8 @@ class LineReader {
     // Reads the next line that is not blank into [line]; returns false at the end.
     bool next(PropertyLine& line);
 
+    // See TextSource.
+    std::string_view ahead() const { return source_.ahead(); }
     std::size_t bytesRead() const { return source_.bytesRead(); }
     // Returns the number of the last line of the file that was read.
     std::size_t lastLine() const { return last_; }

@@ -63,18 +63,27 @@ struct Card {
     std::size_t line = 0;                // where its BEGIN:VCARD is, from 1
 };
 
+// The character set of what is in a file and names none.
+struct Charset {
+    std::string name;     // empty: UTF-8; what is no UTF-8 the reader guesses
+    bool guessed = false; // only for cards that are no UTF-8
+};
+
 // Reads card after card. A bad card gives a Problem, and reading continues after it. Not thread-safe.
 class Reader {
   public:
     // [input] and the bytes of [data] must outlive the reader.
-    explicit Reader(std::istream& input);
-    explicit Reader(std::string_view data);
+    explicit Reader(std::istream& input, Charset charset = {});
+    explicit Reader(std::string_view data, Charset charset = {});
     ~Reader();
     Reader(Reader&&) noexcept;
     Reader& operator=(Reader&&) noexcept;
 
     // Returns the next card, or what is wrong with it; nothing at the end.
     std::optional<std::variant<Card, Problem>> next();
+
+    // Returns the character set in which a card so far was read by guess; empty when there was none.
+    const std::string& guessed() const;
 
     // Returns the number of bytes read so far.
     std::size_t bytesRead() const;

@@ -1,0 +1,206 @@
+// What a card says beside the values of an address book comes back as it was: line by line, in version 3.0 and by
+// way of 4.0.
+
+#include "tests/vcard/support.h"
+
+#include <gtest/gtest.h>
+
+#include <algorithm>
+
+namespace addressbook::vcard {
+namespace {
+
+using Lines = std::vector<std::string>;
+
+Lines written(const Card& card, WrittenVersion version = WrittenVersion::v3) {
+    return linesOf(write(card, version));
+}
+
+bool has(const Lines& lines, const std::string& line) {
+    return std::find(lines.begin(), lines.end(), line) != lines.end();
+}
+
+struct Row {
+    std::string line;
+    std::string expected = ""; // empty: the line itself
+    std::string version = "3.0";
+};
+
+TEST(LosslessTest, Lines) {
+    const std::vector<Row> rows{
+        // Full names, lists, units, all parts of an address.
+        {"FN:Ida, the Baker", "FN:Ida\\, the Baker"},
+        {"NICKNAME:Idi,Ida"},
+        {"NICKNAME:Idi\\,Ida"},
+        {"ORG:Mill;Bread;Rolls;Night"},
+        {"ORG:Mill;;Rolls"},
+        {"ADR;type=HOME:Box 7;Floor 2;Lane 3;Town;;;"},
+        {"ADR;type=HOME:;;Lane 3,Back;Town;;;"},
+        {"ADR;HOME:Box, 7;;Lane 3;Town", "ADR;type=HOME:Box\\, 7;;Lane 3;Town;;;", "2.1"},
+        // Types.
+        {"TEL;TYPE=VOICE:1", "TEL;type=VOICE:1"},
+        {"TEL;TYPE=HOME,VOICE:1", "TEL;type=HOME;TYPE=VOICE:1"},
+        {"TEL;TYPE=Boat:1"},
+        {"TEL;TYPE=X-Boat,VOICE:1"},
+        {"TEL;TYPE=MOBILE:1", "TEL;type=CELL;TYPE=MOBILE:1"},
+        {"TEL;TYPE=OTHER:1"},
+        {"TEL:1"},
+        {"TEL;FAX:1", "TEL;type=FAX:1", "2.1"},
+        {"TEL;TYPE=HOME,PREF:1", "TEL;type=HOME;type=pref:1"},
+        {"EMAIL;TYPE=X400:a", "EMAIL;type=INTERNET;TYPE=X400:a"},
+        // Addresses on the net.
+        {"URL:http://x.example/?a,b;c"},
+        {"URL:http\\://x.example/?a\\,b", "URL:http://x.example/?a,b"},
+        {"IMPP:matrix:@ida:x.example"},
+        {"IMPP:tg:ida"},
+        {"IMPP;X-SERVICE-TYPE=Telegram:tg:ida"},
+        {"IMPP:unknown:a,b;c"},
+        {"IMPP:jabber:ida", "IMPP;X-SERVICE-TYPE=Jabber:jabber:ida"},
+        {"X-JABBER:ida", "IMPP;X-SERVICE-TYPE=Jabber:xmpp:ida"},
+        {"IMPP;X-SERVICE-TYPE=Jabber:xmpp:ida", "X-JABBER:ida"},
+        {"IMPP;X-SERVICE-TYPE=GoogleTalk:xmpp:ida", "X-GOOGLE-TALK:ida"},
+        // Days.
+        {"ANNIVERSARY:20010203", "X-EVOLUTION-ANNIVERSARY;value=date:2001-02-03", "4.0"},
+        {"X-EVOLUTION-ANNIVERSARY:2001-02-03", "X-ANNIVERSARY;value=date:2001-02-03"},
+        {"BDAY:1996-10-22T14:00:00Z", "BDAY;value=date-time:1996-10-22T14:00:00Z"},
+        {"BDAY;VALUE=text:circa 1800", "", "4.0"},
+        {"BDAY:1985-04", "", "4.0"},
+        // Odd lines.
+        {"X-messaging/aim-All:ida"},
+        {"X-My Field:1"},
+        {"X-a.b.c:1"},
+        {"item1.X-a.b:1"},
+        {"work.X-OTHER:1"},
+        {"messaging/icq:1"},
+        {"X-" + std::string(100, 'L') + ":1"},
+        {"X-P;X-Q=(a b);X-R=:1"},
+        {"TEL;X-Q=(a b):1"},
+        {"TEL;X-ODD NAME=1:1"},
+        {"CATEGORIES-X:a,b"},
+        {"RELATED;TYPE=friend,colleague;VALUE=uri:urn:uuid:1", "", "4.0"},
+        {"SORT-STRING:Berg"},
+        {"CLASS:PUBLIC"},
+        {"X-CLASS:PUBLIC"},
+        {"KEY;TYPE=PGP;ENCODING=b:QUJD"},
+        {"KEY;TYPE=x;ENCODING=b:QUJD"},
+        {"LOGO;VALUE=uri:http://x.example/a.png"},
+        {"GEO:1.5;-2"},
+    };
+    for (const Row& row : rows) {
+        const std::string expected = row.expected.empty() ? row.line : row.expected;
+        const Card card = readOne(cardText({"N:Berg;Ida;;;", row.line}, row.version));
+        EXPECT_TRUE(card.skipped.empty()) << row.line;
+        EXPECT_TRUE(has(written(card), expected)) << row.line << '\n' << write(card);
+        const Card again = readOne(write(card));
+        EXPECT_TRUE(sameContents(card, again)) << row.line << '\n' << write(card) << write(again);
+        const std::string text4 = write(card, WrittenVersion::v4);
+        if (row.line.find("T14:00") == std::string::npos) { // 4.0 has no hyphens in it
+            EXPECT_TRUE(sameContents(card, readOne(text4))) << row.line << '\n' << text4;
+        }
+    }
+}
+
+TEST(LosslessTest, LabelsOfTypeWords) {
+    const auto label = [](const std::string& line) {
+        return describe(readOne(cardText({"N:A", line})), property::kPhone);
+    };
+    EXPECT_EQ(label("TEL;TYPE=VOICE:1"), "[:1]");
+    EXPECT_EQ(label("TEL;TYPE=VOICE,WORK:1"), "[Work:1]");
+    EXPECT_EQ(label("TEL;TYPE=bOaT,VOICE:1"), "[bOaT:1]");
+    EXPECT_EQ(label("TEL;TYPE=X-My-Boat:1"), "[My-Boat:1]");
+}
+
+TEST(LosslessTest, AFullNameLastsUntilTheNameChanges) {
+    Card card = readOne(cardText({"N:Berg;Ida;;;", "FN;LANGUAGE=da:Bager Ida"}));
+    EXPECT_EQ(keptFullName(card), "Bager Ida");
+    card.values["Email"] = MultiValue{{{"1", "x", Value(std::string("a@b.example"))}}, ""};
+    EXPECT_TRUE(has(written(card), "FN;LANGUAGE=da:Bager Ida"));
+    card.values["First"] = std::string("Eva");
+    EXPECT_EQ(keptFullName(card), std::nullopt);
+    EXPECT_TRUE(has(written(card), "FN:Eva Berg"));
+}
+
+TEST(LosslessTest, ChangedValuesLoseTheirOldForm) {
+    Card card = readOne(cardText({"N:A", "ORG:Mill;Bread;Rolls", "NICKNAME:a,b"}));
+    card.values["ABDepartment"] = std::string("Cakes");
+    card.values["Nickname"] = std::string("c");
+    EXPECT_TRUE(has(written(card), "ORG:Mill;Cakes"));
+    EXPECT_TRUE(has(written(card), "NICKNAME:c"));
+}
+
+TEST(LosslessTest, PreferenceIsNotInvented) {
+    const Card card = readOne(cardText({"N:A", "TEL;TYPE=HOME:1", "TEL;TYPE=WORK:2", "EMAIL:a"}));
+    EXPECT_EQ(write(card).find("pref"), std::string::npos);
+    EXPECT_EQ(write(card, WrittenVersion::v4).find("PREF"), std::string::npos);
+    const Card two = readOne(cardText({"N:A", "TEL;PREF:1", "TEL;PREF;HOME:2"}, "2.1"));
+    EXPECT_EQ(describe(two, property::kPhone), "[Other*:1 Home:2]");
+    EXPECT_TRUE(has(written(two), "TEL;type=HOME;TYPE=pref:2"));
+    EXPECT_TRUE(sameContents(two, readOne(write(two))));
+}
+
+TEST(LosslessTest, SeveralTypesOfARelation) {
+    const Card card = readOne(cardText({"N:A", "RELATED;VALUE=text;TYPE=\"friend,colleague\":Ole"}, "4.0"));
+    EXPECT_EQ(describe(card, property::kRelatedNames), "[Friend:Ole]");
+    EXPECT_TRUE(has(written(card), "item1.X-ABRELATEDNAMES;TYPE=friend,colleague:Ole"));
+    EXPECT_TRUE(has(written(card, WrittenVersion::v4), "RELATED;VALUE=text;TYPE=friend,colleague:Ole"));
+}
+
+TEST(LosslessTest, ALabelledListSaysItOnce) {
+    const Lines lines = written(readOne(
+        cardText({"N:A", "item1.X-ABDATE:2001-02-03", "item1.X-ABLabel:_$!<Anniversary>!$_",
+                  "X-ANNIVERSARY:2001-02-03", "X-EVOLUTION-ANNIVERSARY;X-A=1:2001-02-03", "X-SPOUSE:Ole",
+                  "X-EVOLUTION-SPOUSE:Ole", "X-SKYPE:ida", "IMPP;X-SERVICE-TYPE=Skype:skype:ida"})));
+    EXPECT_EQ(std::count_if(lines.begin(), lines.end(),
+                            [](const auto& line) { return line.find("2001-02-03") != std::string::npos; }),
+              3);
+    EXPECT_TRUE(has(lines, "X-EVOLUTION-ANNIVERSARY;value=date;X-A=1:2001-02-03"));
+    EXPECT_EQ(
+        std::count_if(lines.begin(), lines.end(), [](const auto& line) { return line.ends_with(":Ole"); }),
+        2);
+    EXPECT_EQ(
+        std::count_if(lines.begin(), lines.end(), [](const auto& line) { return line.ends_with(":ida"); }),
+        2);
+}
+
+TEST(Version4Test, APerson) {
+    const Card card = readOne(cardText({
+        "N:Berg;Ida;;Dr.;",
+        "ORG:Mill;Bread",
+        "X-ABShowAs:COMPANY",
+        "EMAIL;type=INTERNET;type=HOME;type=pref:a@b.example",
+        "TEL;type=CELL:1",
+        "item1.ADR;type=WORK:;;Lane 3;Town;;;",
+        "item1.X-ABADR:dk",
+        "BDAY;X-APPLE-OMIT-YEAR=1604;value=date:1604-02-29",
+        "item2.X-ABDATE:2001-02-03",
+        "item2.X-ABLabel:_$!<Anniversary>!$_",
+        "item3.X-ABRELATEDNAMES:Ole",
+        "item3.X-ABLabel:_$!<Spouse>!$_",
+        "PHOTO;ENCODING=b;TYPE=JPEG:/9j/AAE=",
+        "CATEGORIES:a\\,b,c",
+        "UID:6B29A774-D124-4822-B8D0-2780EC117F60",
+    }));
+    EXPECT_EQ(written(card, WrittenVersion::v4), (Lines{
+                                                     "N:Berg;Ida;;Dr.;",
+                                                     "FN:Mill",
+                                                     "ORG:Mill;Bread",
+                                                     "EMAIL;PREF=1;TYPE=home:a@b.example",
+                                                     "TEL;TYPE=cell:1",
+                                                     "item1.ADR;TYPE=work:;;Lane 3;Town;;;",
+                                                     "item1.X-ABADR:dk",
+                                                     "BDAY:--0229",
+                                                     "ANNIVERSARY:20010203",
+                                                     "X-ANNIVERSARY:20010203",
+                                                     "X-EVOLUTION-ANNIVERSARY:20010203",
+                                                     "RELATED;VALUE=text;TYPE=spouse:Ole",
+                                                     "X-EVOLUTION-SPOUSE:Ole",
+                                                     "KIND:org",
+                                                     "PHOTO:data:image/jpeg;base64,/9j/AAE=",
+                                                     "CATEGORIES:a\\,b,c",
+                                                     "UID:urn:uuid:6B29A774-D124-4822-B8D0-2780EC117F60",
+                                                     "X-ABUID:6B29A774-D124-4822-B8D0-2780EC117F60:ABPerson",
+                                                 }));
+}
+
+} // namespace
+} // namespace addressbook::vcard
