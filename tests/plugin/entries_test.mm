@@ -229,7 +229,7 @@ TEST_F(EntriesTest, AnAddressKeepsTheFieldsThatAreNotNamed) {
     expectFailure(setValue("address", "1", "x", "no such field"), "Invalid property type ", "-8006");
     expectFailure(setValue("address", "0", "x", "no such field"), "Invalid value for key ", "-8008");
     EXPECT_EQ(deleteValue("address", "0", "city"), "0") << "the key's own letter case does not matter";
-    EXPECT_EQ(written(0), "{CountryCode = us; }");
+    EXPECT_EQ(written(0), "{\n    CountryCode = us;\n}");
 }
 
 TEST_F(EntriesTest, AFailedReadOfADateIsText) {
