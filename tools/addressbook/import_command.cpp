@@ -114,8 +114,8 @@ vcard::Charset charsetOf(const std::string& file, const Options& options) {
 
 int runImport(const Options& options) {
     if (!options.import.charset.empty() && !vcard::isKnownCharset(options.import.charset)) {
-        throw std::invalid_argument("--charset " + escaped(options.import.charset) +
-                                    ": no character set has this name; iconv --list shows names");
+        throw std::invalid_argument("--charset: no character set is named \"" +
+                                    escaped(options.import.charset) + "\"; iconv --list shows names");
     }
     noteSignals();
     const std::unique_ptr<Store> store = openForImport(options);
