@@ -32,8 +32,7 @@ enum class BuiltinForm : uint8_t {
 
 using EagerFunction = Value (*)(Session&, std::span<const Value>);
 using OwningFunction = Value (*)(Session&, std::vector<Value>); // may take the arguments apart
-// Returns null when the answer is empty.
-using BranchFunction = const Node* (*)(Evaluator&, std::span<const Node>);
+// Returns the argument whose value is the answer; null when the answer is empty.
 using BranchFunction = const Node* (*)(Evaluator&, std::span<const Node>);
 using LazyFunction = Value (*)(Evaluator&, std::span<const Node>);
 

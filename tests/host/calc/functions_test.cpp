@@ -118,7 +118,9 @@ TEST(FunctionsTest, TableIsOrderedAndEachNameStandsOnce) {
         EXPECT_EQ(findBuiltin(key), &row);
         EXPECT_TRUE(row.maxArguments() == -1 || row.minArguments() <= row.maxArguments())
             << toUtf8(row.prototype);
-        EXPECT_EQ(row.eager != nullptr, row.form == BuiltinForm::eager) << toUtf8(row.prototype);
+        EXPECT_EQ((row.eager != nullptr) + (row.owning != nullptr), row.form == BuiltinForm::eager)
+            << toUtf8(row.prototype);
+        EXPECT_EQ(row.branch != nullptr, row.form == BuiltinForm::branch) << toUtf8(row.prototype);
         EXPECT_EQ(row.lazy != nullptr, row.form == BuiltinForm::lazy) << toUtf8(row.prototype);
         EXPECT_TRUE(row.description.ends_with('.')) << toUtf8(row.prototype);
         EXPECT_FALSE(row.category.empty()) << toUtf8(row.prototype);
