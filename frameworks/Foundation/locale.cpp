@@ -19,8 +19,8 @@ std::string_view regionOf(std::string_view locale) {
     return separator == std::string_view::npos ? std::string_view() : locale.substr(separator + 1);
 }
 
-template <std::size_t Count>
-bool contains(const std::array<std::string_view, Count>& list, std::string_view one) {
+template <std::size_t count>
+bool contains(const std::array<std::string_view, count>& list, std::string_view one) {
     return std::find(list.begin(), list.end(), one) != list.end();
 }
 

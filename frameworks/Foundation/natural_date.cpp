@@ -57,8 +57,8 @@ struct Word {
     int number;
 };
 
-template <std::size_t Count>
-std::optional<int> lookUp(const std::array<Word, Count>& words, std::string_view text) {
+template <std::size_t count>
+std::optional<int> lookUp(const std::array<Word, count>& words, std::string_view text) {
     for (const auto& word : words) {
         if (word.text == text) {
             return word.number;
@@ -243,8 +243,8 @@ class Parser {
     }
     int number(std::size_t ahead) const { return peek(ahead)->number; }
     std::size_t digits(std::size_t ahead) const { return peek(ahead)->text.size(); }
-    template <std::size_t Count>
-    std::optional<int> word(std::size_t ahead, const std::array<Word, Count>& words) const {
+    template <std::size_t count>
+    std::optional<int> word(std::size_t ahead, const std::array<Word, count>& words) const {
         return peek(ahead) ? lookUp(words, peek(ahead)->text) : std::nullopt;
     }
     bool take(std::size_t count) {

@@ -144,7 +144,7 @@ std::optional<Bytes> signatureOf(ByteView data, std::u16string_view algorithm, B
         gnutls_privkey_sign_data(key.get(), row->hash, 0, &message, &signature) != 0) {
         return std::nullopt;
     }
-    const Bytes result(signature.data, signature.data + signature.size);
+    Bytes result(signature.data, signature.data + signature.size);
     gnutls_free(signature.data);
     return result;
 }

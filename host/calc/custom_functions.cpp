@@ -65,8 +65,8 @@ struct CustomFunctions::Definition {
     size_t end;  // where the next definition begins
 };
 
-CustomFunction::CustomFunction(std::u16string name, std::vector<std::u16string> parameters, SourcePtr source,
-                               size_t begin)
+CustomFunction::CustomFunction(const std::u16string& name, std::vector<std::u16string> parameters,
+                               SourcePtr source, size_t begin)
     : ExternalFunction(name, prototypeOf(name, parameters), static_cast<int>(parameters.size()),
                        static_cast<int>(parameters.size())),
       parameters_(std::move(parameters)), source_(std::move(source)), begin_(begin) {}

@@ -22,7 +22,7 @@ namespace host {
 class CustomFunction : public ExternalFunction {
   public:
     // [begin] is the offset of the function's name in the source.
-    CustomFunction(std::u16string name, std::vector<std::u16string> parameters, SourcePtr source,
+    CustomFunction(const std::u16string& name, std::vector<std::u16string> parameters, SourcePtr source,
                    size_t begin);
 
     Value call(Session& session, std::span<Value> arguments) override;

@@ -36,7 +36,7 @@ std::optional<FloatingDate> noonSomewhere(Date date) {
 
 // What a moment that an earlier version stored becomes.
 Value floated(std::string_view property, Date date) {
-    const Value here = storedDate(property, date);
+    Value here = storedDate(property, date);
     const auto* clock = here.as<FloatingDate>();
     if (clock == nullptr || isNoon(*clock)) {
         return here;

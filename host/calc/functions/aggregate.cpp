@@ -110,13 +110,13 @@ Number varianceOf(const std::vector<Number>& values, int64_t fewer, int places) 
     return Number::divide(squares * size - total * total, Number(size) * (size - fewer), places);
 }
 
-template <int64_t Fewer>
+template <int64_t fewer>
 Value variance(Session& session, Arguments in) {
     const std::vector<Number> values = numbers(in);
-    return values.empty() ? Value() : Value::number(varianceOf(values, Fewer, session.precision()));
+    return values.empty() ? Value() : Value::number(varianceOf(values, fewer, session.precision()));
 }
 
-template <int64_t Fewer>
+template <int64_t fewer>
 Value deviation(Session& session, Arguments in) {
     const std::vector<Number> values = numbers(in);
     if (values.empty()) {
@@ -124,7 +124,7 @@ Value deviation(Session& session, Arguments in) {
     }
     const int places = session.precision();
     const int twice = std::min(2 * places + 2, Number::kMaxDigits); // the root halves the significant places
-    return Value::number(Number::squareRoot(varianceOf(values, Fewer, twice), places));
+    return Value::number(Number::squareRoot(varianceOf(values, fewer, twice), places));
 }
 
 constexpr Builtin kFunctions[] = {
