@@ -52,6 +52,7 @@ std::vector<SourcePtr> readCustomFunctions(const fs::path& folder) {
         }
     }
     std::vector<SourcePtr> sources;
+    sources.reserve(files.size());
     for (const fs::path& file : files) {
         sources.push_back(readSource(file));
     }

@@ -98,7 +98,8 @@ class ScriptParser {
         const OwnStep* own = findOwnStep(key);
         const ExternalStepPtr external =
             own == nullptr || !own->isSupported() ? externalSteps_.find(key) : nullptr;
-        if (external != nullptr) {
+        const bool isExternal = external != nullptr;
+        if (isExternal) {
             own = nullptr;
         } else if (own == nullptr) {
             failUnknown(name);
@@ -107,13 +108,13 @@ class ScriptParser {
                  toUtf8(own->name()) + " is not supported: " + std::string(own->row.description));
         }
         const size_t known = steps_.size();
-        Step* const step = external != nullptr ? &add(Flow::next) : open(*own);
-        if (external != nullptr) {
+        Step* const step = isExternal ? &add(Flow::next) : open(*own);
+        if (isExternal) {
             step->external = external;
         }
         at_ = end;
         const std::vector<StepParameter>& parameters =
-            external != nullptr ? external->parameters() : own->parameters;
+            isExternal ? external->parameters() : own->parameters;
         readBrackets(name, parameters, step);
         for (size_t i = known; i < steps_.size(); ++i) {
             steps_[i].own = own;
