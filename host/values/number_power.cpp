@@ -6,6 +6,7 @@
 #include <algorithm>
 #include <iomanip>
 #include <sstream>
+#include <type_traits>
 
 namespace host {
 
@@ -111,8 +112,8 @@ Number Number::power(const Number& base, const Number& exponent, int places) {
         }
         return power.isInteger() ? power : power.rounded(places);
     }
-    const Number result = computed(*wholeDigits, places, [&](auto real) {
-        using R = decltype(real);
+    const Number result = computed(*wholeDigits, places, [&](const auto& real) {
+        using R = std::remove_cvref_t<decltype(real)>;
         return R(mp::pow(toReal<R>(base.abs()), toReal<R>(exponent)));
     });
     return base.sign() < 0 && !modulo(exponent, 2).isZero() ? -result : result;
@@ -138,8 +139,8 @@ Number Number::exponential(const Number& value, int places) {
     const Real<kFewDigits> logarithm = toReal<Real<kFewDigits>>(value) / mp::log(Real<kFewDigits>(10));
     const auto wholeDigits = wholeDigitsOf(logarithm);
     return wholeDigits ? computed(*wholeDigits, places,
-                                  [&](auto real) {
-                                      using R = decltype(real);
+                                  [&](const auto& real) {
+                                      using R = std::remove_cvref_t<decltype(real)>;
                                       return R(mp::exp(toReal<R>(value)));
                                   })
                        : Number();
@@ -147,16 +148,16 @@ Number Number::exponential(const Number& value, int places) {
 
 Number Number::naturalLogarithm(const Number& value, int places) {
     requirePositive(value);
-    return computed(3, places, [&](auto real) {
-        using R = decltype(real);
+    return computed(3, places, [&](const auto& real) {
+        using R = std::remove_cvref_t<decltype(real)>;
         return R(mp::log(toReal<R>(value)));
     });
 }
 
 Number Number::logarithm(const Number& value, int base, int places) {
     requirePositive(value);
-    return computed(4, places, [&](auto real) {
-        using R = decltype(real);
+    return computed(4, places, [&](const auto& real) {
+        using R = std::remove_cvref_t<decltype(real)>;
         return R(mp::log(toReal<R>(value)) / mp::log(R(base)));
     });
 }
