@@ -147,7 +147,7 @@ TEST_F(LifecycleTest, OpeningAnotherRecordLosesTheNewOne) {
 }
 
 TEST_F(LifecycleTest, AnExceptionFailsTheCall) {
-    const std::string id = utf8([addPerson(@"Anna", @"Smith") uniqueId]);
+    const std::string uid = utf8([addPerson(@"Anna", @"Smith") uniqueId]);
     const auto raise = +[](id, SEL, id) -> id {
         [NSException raise:NSInternalInconsistencyException format:@"the book is on fire"];
         return nil;
@@ -174,7 +174,7 @@ TEST_F(LifecycleTest, AnExceptionFailsTheCall) {
     }
     {
         const ReplacedMethod removing([ABAddressBook class], @selector(removeRecord:), raise);
-        expectFailure(call(Do_KORU_Delete, {id}));
+        expectFailure(call(Do_KORU_Delete, {uid}));
         expectFailure(call(Do_KORU_ClearAll, {"", "members", "0"}));
     }
     {
@@ -406,11 +406,11 @@ TEST_F(LifecycleTest, ClearAllGoesByTheErrorObjectNotByTheAnswer) {
 
 TEST_F(LifecycleTest, AGroupThatIsNotThereAnyMoreIsNotCleared) {
     // An id with a class but without a record: the group's class is asked first.
-    const std::string id = utf8([addGroup(@"Harbour") uniqueId]);
+    const std::string uid = utf8([addGroup(@"Harbour") uniqueId]);
     state.g_group = Retained<ABGroup>::retain(addGroup(@"Other"));
     const auto nothing = +[](id, SEL, NSString*) -> ABRecord* { return nil; };
     const ReplacedMethod lookup([ABAddressBook class], @selector(recordForUniqueId:), nothing);
-    EXPECT_EQ(call(Do_KORU_ClearAll, {id, "members", "0"}), "!!ERROR!!");
+    EXPECT_EQ(call(Do_KORU_ClearAll, {uid, "members", "0"}), "!!ERROR!!");
     EXPECT_EQ(lastErrorText(), "Record does not exist ");
     EXPECT_FALSE(state.g_group);
 }
