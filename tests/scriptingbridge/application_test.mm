@@ -64,10 +64,10 @@ TEST_F(ScriptingBridgeTest, TakesEveryIdThatIsText) {
     startBus();
     startApplication();
     SBApplication* book = application();
-    NSString* long_ = [@"" stringByPaddingToLength:1000000 withString:@"x" startingAtIndex:0];
+    NSString* longText = [@"" stringByPaddingToLength:1000000 withString:@"x" startingAtIndex:0];
     EXPECT_EQ(select(book, @""), "");
     EXPECT_EQ(select(book, @"Jürgen 木村"), "");
-    EXPECT_EQ(select(book, long_), "");
+    EXPECT_EQ(select(book, longText), "");
     EXPECT_EQ(record(), "started\nshow-contact \nshow-contact Jürgen 木村\nshow-contact " +
                             std::string(1000000, 'x') + "\n");
 }
