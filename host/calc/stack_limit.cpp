@@ -12,7 +12,12 @@ namespace {
 
 constexpr size_t kReserve = size_t{1} << 20; // bytes
 // Linux keeps at least 128 MB below the main thread's stack free of mappings.
+#ifdef __SANITIZE_ADDRESS__
+// The address sanitizer loses track of more than 64 MB when an exception leaves them.
+constexpr rlim_t kMainStack = rlim_t{60} << 20;
+#else
 constexpr rlim_t kMainStack = rlim_t{112} << 20;
+#endif
 
 // Returns the address below which the stack must not grow.
 uintptr_t lowestAddress() {
