@@ -145,17 +145,15 @@ TEST_F(MannersTest, DryRunIsRefusedWhereTheImportIs) {
     EXPECT_FALSE(fs::exists(folder() / "new"));
 }
 
-// A book on a disk that may not be written: told before the cards are read.
+// A book that this user may not write is told of before the cards are read. Root may write it all the same, unless that
+// right is taken away.
 TEST_F(MannersTest, ImportIntoABookThatMayOnlyBeReadIsRefusedAtOnce) {
     ASSERT_EQ(run({"import", "-"}, cards(1)).status, 0);
     file("more.vcf", cards(2));
     for (const std::string option : {"", "--dry-run"}) {
-        const Outcome outcome = shell("unshare -rm sh -c 'mount --bind book book && mount -o remount,bind,ro "
-                                      "book && exec \"$0\" import " +
-                                      option + " more.vcf' \"$A\"");
-        if (outcome.err.find("unshare") != std::string::npos || outcome.err.find("mount") == 0) {
-            GTEST_SKIP() << "no mounts here: " << outcome.err;
-        }
+        const Outcome outcome = shell("chmod -R a-w book; [ $(id -u) -ne 0 ] || "
+                                      "set -- setpriv --bounding-set=-dac_override; \"$@\" \"$A\" import " +
+                                      option + " more.vcf; status=$?; chmod -R u+w book; exit $status");
         EXPECT_EQ(outcome.status, 3) << option;
         EXPECT_THAT(outcome.err, HasSubstr("may only be read"));
     }
