@@ -113,8 +113,7 @@ class ScriptParser {
             step->external = external;
         }
         at_ = end;
-        const std::vector<StepParameter>& parameters =
-            isExternal ? external->parameters() : own->parameters;
+        const std::vector<StepParameter>& parameters = isExternal ? external->parameters() : own->parameters;
         readBrackets(name, parameters, step);
         for (size_t i = known; i < steps_.size(); ++i) {
             steps_[i].own = own;
