@@ -284,9 +284,10 @@ def problems(root):
     return found
 
 
-def main():
+def main(problems, usage):
+    """Prints what `problems` finds in the folder that the command line names; the exit status tells."""
     if len(sys.argv) != 2 or not os.path.isdir(sys.argv[1]):
-        sys.exit(__doc__)
+        sys.exit(usage)
     found = problems(sys.argv[1])
     for problem in found:
         print(problem)
@@ -294,4 +295,4 @@ def main():
 
 
 if __name__ == "__main__":
-    main()
+    main(problems, __doc__)

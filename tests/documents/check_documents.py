@@ -210,14 +210,5 @@ def problems(root, rooms=None, open_rooms=check_arrows.OPEN_ROOMS):
     return found
 
 
-def main():
-    if len(sys.argv) != 2 or not os.path.isdir(sys.argv[1]):
-        sys.exit(__doc__)
-    found = problems(sys.argv[1])
-    for problem in found:
-        print(problem)
-    sys.exit(1 if found else 0)
-
-
 if __name__ == "__main__":
-    main()
+    check_arrows.main(problems, __doc__)
