@@ -1,7 +1,8 @@
 #include "frameworks/AddressBook/csv/decoder.h"
 
+#include "frameworks/AddressBook/values/charset_guess.h"
+
 #include <unicode/ucnv.h>
-#include <unicode/ucsdet.h>
 #include <unicode/unistr.h>
 
 #include <algorithm>
@@ -48,30 +49,6 @@ std::string utf16Without(std::string_view bytes) {
     return zeros[0] > many && zeros[0] > zeros[1] ? "UTF-16BE" : zeros[1] > many ? "UTF-16LE" : "";
 }
 
-std::string likely(std::string_view bytes) {
-    constexpr const char* kUsual = "windows-1252"; // all of Latin 1, and more characters
-    constexpr int kNearlyAsLikely = 20;            // of 100
-    UErrorCode error = U_ZERO_ERROR;
-    UCharsetDetector* detector = ucsdet_open(&error);
-    ucsdet_setText(detector, bytes.data(), static_cast<std::int32_t>(bytes.size()), &error);
-    std::int32_t count = 0;
-    const UCharsetMatch** matches = ucsdet_detectAll(detector, &count, &error);
-    std::string found = kUsual;
-    for (std::int32_t at = 0; at < count && U_SUCCESS(error); ++at) {
-        const std::string name = ucsdet_getName(matches[at], &error);
-        const int behind =
-            ucsdet_getConfidence(matches[0], &error) - ucsdet_getConfidence(matches[at], &error);
-        if (at == 0) {
-            found = name;
-        }
-        if ((name == "ISO-8859-1" || name == kUsual) && behind <= kNearlyAsLikely) {
-            found = kUsual;
-        }
-    }
-    ucsdet_close(detector);
-    return found;
-}
-
 } // namespace
 
 struct Decoder::Converter {
@@ -111,7 +88,7 @@ void Decoder::choose(std::string_view bytes) {
     } else if (isUtf8(bytes)) {
         charset_ = "UTF-8";
     } else {
-        charset_ = guessed_ = likely(bytes);
+        charset_ = guessed_ = likelyCharset(bytes);
     }
     converter_ = std::make_unique<Converter>(charset_);
 }

@@ -24,13 +24,13 @@ const Value kNone;
 // A LiveRecord for matches(), with the values that this process sees.
 class LiveRecordView : public RecordView {
   public:
-    LiveRecordView(Book& book, LiveRecord& record) : book_(book), card_(record) {}
-    Kind kind() const override { return card_.kind; }
-    const Value& value(std::string_view property) const override { return book_.current(card_, property); }
+    LiveRecordView(Book& book, LiveRecord& record) : book_(book), record_(record) {}
+    Kind kind() const override { return record_.kind; }
+    const Value& value(std::string_view property) const override { return book_.current(record_, property); }
 
   private:
     Book& book_;
-    LiveRecord& card_;
+    LiveRecord& record_;
 };
 
 bool validType(int type) {

@@ -17,7 +17,7 @@ namespace {
 
 // How long the exit of the process waits for an observer that is still running on the notifier's thread.
 // Limited, as the observer may itself be waiting for the thread that exits.
-constexpr std::chrono::seconds kPatienceAtExit{1};
+constexpr std::chrono::seconds kLongestWaitAtExit{1};
 
 void post(ABAddressBook* sender, const LoggedChange& change) {
     Book::invalidateAll();
@@ -94,7 +94,7 @@ std::shared_ptr<ChangeNotifier>& current() {
 
 void stopAtExit() {
     if (const auto notifier = current()) {
-        notifier->stop(&kPatienceAtExit);
+        notifier->stop(&kLongestWaitAtExit);
     }
 }
 

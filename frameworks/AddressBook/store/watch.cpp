@@ -106,7 +106,7 @@ bool Watch::listen() {
     }
     startPolling("The folder of the address book " + file_.string() + " cannot be watched (" +
                  std::generic_category().message(error) +
-                 "): it is polled at for changes once a second instead.");
+                 "): it is looked at once a second instead.");
     return false;
 }
 

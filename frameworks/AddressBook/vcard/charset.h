@@ -17,7 +17,7 @@ class CharsetSample {
     // Adds the value of a line, if it is no UTF-8 and there are not enough of them yet.
     void add(std::string_view line);
     bool empty() const { return bytes_.empty(); }
-    // Returns the name of the most likely character set, "windows-1252" when none is likely.
+    // Returns the name of the most likely character set, as likelyCharset() does.
     std::string guess() const;
 
   private:

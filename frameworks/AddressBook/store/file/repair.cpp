@@ -70,7 +70,7 @@ class Rescue {
     void readRecords();
     void readRecord(RowId id);
     std::string uidFor(RowId id, const sql::Statement& statement);
-    std::map<std::string, std::string> readable(std::string_view card, Kind kind) const;
+    std::map<std::string, std::string> readable(std::string_view blob, Kind kind) const;
     void readPicture(RowId id, const std::string& name);
     void readMemberships();
     void readMe();
@@ -282,9 +282,9 @@ std::string Rescue::uidFor(RowId id, const sql::Statement& statement) {
 }
 
 // Returns the encoded values in a damaged properties blob that can be read and belong to known properties.
-std::map<std::string, std::string> Rescue::readable(std::string_view card, Kind kind) const {
+std::map<std::string, std::string> Rescue::readable(std::string_view blob, Kind kind) const {
     std::map<std::string, std::string> values;
-    visitReadableProperties(card, [&](std::string_view name, std::string_view bytes) {
+    visitReadableProperties(blob, [&](std::string_view name, std::string_view bytes) {
         const std::string property(name);
         const bool known = builtInType(kind, property) != 0 || isInternal(property) ||
                            properties_[static_cast<int>(kind)].contains(property);
