@@ -186,12 +186,23 @@ void BaselineBook::fail() const {
 }
 
 void BaselineBook::add(std::size_t first, std::size_t last) {
+    add([at = first, last]() mutable {
+        return at < last ? std::optional(bench::person(at++)) : std::nullopt;
+    });
+}
+
+std::int64_t BaselineBook::lastId() {
+    auto found = run("SELECT coalesce(max(id), 0) FROM person");
+    found.step();
+    return found.integer(0);
+}
+
+void BaselineBook::add(const std::function<std::optional<Person>()>& next) {
     Keys uids, lasts, folded, backwards, cities;
     std::map<std::string, Keys> phones;
     execute("BEGIN IMMEDIATE");
-    for (std::size_t place = first; place < last; ++place) {
-        const Person person = bench::person(place);
-        const auto id = static_cast<std::int64_t>(place + 1);
+    for (std::int64_t id = lastId() + 1; const auto given = next(); ++id) {
+        const Person& person = *given;
         const std::string uid = packed(person.uid);
         run("INSERT INTO person VALUES (?, ?, ?, ?, ?, ?, ?, ?)")
             .bind(id)

@@ -8,7 +8,9 @@
 
 #include <cstdint>
 #include <filesystem>
+#include <functional>
 #include <map>
+#include <optional>
 #include <string>
 #include <string_view>
 #include <vector>
@@ -32,6 +34,8 @@ class BaselineBook {
     // Adds the people with numbers [first] to [last] - 1 in one durable transaction. A person's id is the
     // number + 1.
     void add(std::size_t first, std::size_t last);
+    // Adds the people that [next] gives until it gives none, in one durable transaction.
+    void add(const std::function<std::optional<Person>()>& next);
     void addGroups(std::size_t people);
 
     // Returns the ids of the people found, ascending.
@@ -51,6 +55,7 @@ class BaselineBook {
     class Run;
     class Keys;
 
+    std::int64_t lastId();
     Run run(const char* sql);
     void execute(const char* sql);
     [[noreturn]] void fail() const;

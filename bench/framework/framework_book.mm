@@ -1,5 +1,7 @@
 #include "bench/framework/framework_book.h"
 
+#include "frameworks/AddressBook/values/calendar.h"
+
 #import <AddressBook/AddressBook.h>
 #include <cstdlib>
 #include <stdexcept>
@@ -151,7 +153,8 @@ void FrameworkBook::add(std::size_t people) {
         ABMutableMultiValue* addresses = [[[ABMutableMultiValue alloc] init] autorelease];
         [addresses addValue:fieldsOf(source.address) withLabel:stringFrom(source.address.label)];
         [person setValue:addresses forProperty:kABAddressProperty];
-        [person setValue:[NSDate dateWithTimeIntervalSinceReferenceDate:source.birthday]
+        const double noon = addressbook::momentOf(addressbook::FloatingDate{source.birthday}).seconds;
+        [person setValue:[NSDate dateWithTimeIntervalSinceReferenceDate:noon]
              forProperty:kABBirthdayProperty];
         if (!source.picture.empty()) {
             [person setImageData:[NSData dataWithBytes:source.picture.data() length:source.picture.size()]];

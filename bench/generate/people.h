@@ -30,7 +30,7 @@ struct Person {
     std::vector<LabelledText> phones; // always two
     LabelledText email;
     Address address;
-    double birthday = 0;               // seconds since 2001-01-01 00:00:00 UTC
+    double birthday = 0;               // noon of the day, in seconds since 2001-01-01 00:00:00 on any clock
     std::vector<std::uint8_t> picture; // for 5% of the people, else empty
 };
 

@@ -45,7 +45,7 @@ RecordChange changeOf(Person person) {
                                                     {"Country", address.country},
                                                     {"CountryCode", address.countryCode}}}},
                                        {}});
-    set(property::kBirthday, Date{person.birthday});
+    set(property::kBirthday, FloatingDate{person.birthday});
     if (!person.picture.empty()) {
         set(property::kImage, std::move(person.picture));
     }

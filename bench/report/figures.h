@@ -44,4 +44,8 @@ Figures measureOpening(const Place& place);
 // Measures the peak resident memory of a process that walks through all people once.
 Figures measureWalkMemory(const Place& place);
 
+// Measures, in processor time and memory of a process for each, what the program [program] does with vCards of
+// all people, and the baseline's reading of the same file.
+Figures measureTool(const Place& place, const std::filesystem::path& program);
+
 } // namespace bench

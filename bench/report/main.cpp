@@ -68,7 +68,28 @@ void progress(const Place& place, const char* what) {
     std::cerr << place.people << " people: " << what << std::endl;
 }
 
-Figures measure(const Place& place, const fs::path& plugin, const std::string& only) {
+// What is measured: the folder with the programs and libraries, and what is in the names of the works.
+struct Measured {
+    fs::path built;
+    std::string only;
+};
+
+// Whether the works of `addressbook` are measured.
+bool takesTool(const std::string& only) {
+    return only.empty() || only.find("tool") != std::string::npos;
+}
+
+Figures measure(const Place& place, const Measured& measured) {
+    const auto& [built, only] = measured;
+    if (takesTool(only)) {
+        progress(place, "measuring addressbook");
+    }
+    Figures figures = takesTool(only)
+                          ? apart([&] { return measureTool(place, built / "bin" / "addressbook"); })
+                          : Figures();
+    if (takesTool(only) && !only.empty()) {
+        return figures;
+    }
     if (!fs::exists(place.folder / "whole")) {
         progress(place, "making the books");
         fs::remove_all(place.folder);
@@ -79,7 +100,7 @@ Figures measure(const Place& place, const fs::path& plugin, const std::string& o
         fs::create_directory(place.folder / "whole"); // marks the books as complete
     }
     progress(place, "measuring");
-    Figures figures = apart([&] { return measureWork(place, plugin, only); });
+    figures.merge(apart([&] { return measureWork(place, built / "lib" / "Velocard", only); }));
     if (!only.empty()) {
         return figures;
     }
@@ -131,11 +152,11 @@ int run(std::size_t least, std::size_t people, const std::string& named, const s
         setenv(variable, books.folder().c_str(), 1);
     }
     const fs::path program = fs::read_symlink("/proc/self/exe");
-    const fs::path plugin = program.parent_path().parent_path() / "lib" / "Velocard";
+    const Measured measured{program.parent_path().parent_path(), only};
     std::map<std::size_t, Figures> figures;
     for (const std::size_t size : kSizes) {
         if (size >= least && size <= people) {
-            figures[size] = measure({books.folder() / std::to_string(size), size}, plugin, only);
+            figures[size] = measure({books.folder() / std::to_string(size), size}, measured);
         }
     }
     std::cout << table(figures);
@@ -155,7 +176,9 @@ int main(int argc, char** argv) {
     app.add_option("--from", least, "The smallest book [1000]");
     app.add_option("--books", books,
                    "Where the books are made, and kept for the next time [a temporary folder]");
-    app.add_option("--only", only, "Measure only the works whose names contain this, as \"suffix\"");
+    app.add_option(
+        "--only", only,
+        "Measure only the works whose names contain this, as \"suffix\"; \"tool\": those of addressbook");
     app.footer(
         "Exit status: 0 when everything was measured, whatever the verdicts; 1 when something failed.");
     CLI11_PARSE(app, argc, argv);
