@@ -2,6 +2,7 @@
 
 #include "host/calc/operations.h"
 #include "host/calc/stack_limit.h"
+#include "host/calc/styled_text.h"
 #include "host/values/depth.h"
 #include "host/values/text.h"
 
@@ -127,22 +128,11 @@ Value Evaluator::evaluateForm(const Node& /*node*/, const Chain& form) {
 
 // Joins the texts of a chain of &, with their styles.
 Value Evaluator::joined(const Chain& chain) {
-    std::u16string text;
-    StyledRuns styles;
-    const auto append = [&](const Value& value) {
-        const size_t before = text.size();
-        appendText(text, value);
-        appendRuns(styles, before, value.styles(), text.size() - before);
-    };
-    Value first = evaluate(*chain.first);
-    const StyledRuns firstStyles = first.styles();
-    text = std::move(first).takeText();
-    appendRuns(styles, 0, firstStyles, text.size());
+    StyledTextWriter text(evaluate(*chain.first));
     for (const Chain::Link& link : chain.rest) {
-        append(evaluate(link.operand));
+        text.append(evaluate(link.operand));
     }
-    return styles.empty() ? Value::text(std::move(text))
-                          : Value::styledText(std::move(text), std::move(styles));
+    return text.take();
 }
 
 std::vector<Value> Evaluator::evaluateAll(std::span<const Node> nodes) {

@@ -19,13 +19,4 @@ std::vector<std::u16string_view> listValues(std::u16string_view list) {
     return values;
 }
 
-std::u16string terminatedList(const std::vector<std::u16string_view>& values) {
-    std::u16string result;
-    for (const std::u16string_view value : values) {
-        result += value;
-        result += u'\r';
-    }
-    return result;
-}
-
 } // namespace host

@@ -3,7 +3,6 @@
 // Lists: texts whose values are separated by carriage returns. When reading, line feeds and CR LF are
 // accepted as well.
 
-#include <string>
 #include <string_view>
 #include <vector>
 
@@ -12,8 +11,5 @@ namespace host {
 // Returns the values of a list, also empty ones; the text after the last separator only when it is not empty.
 // They refer to [list].
 std::vector<std::u16string_view> listValues(std::u16string_view list);
-
-// Returns the values as a text, each followed by a carriage return.
-std::u16string terminatedList(const std::vector<std::u16string_view>& values);
 
 } // namespace host

@@ -1,5 +1,9 @@
 #include "host/loader/conversion.h"
 
+#include "host/wrapper/host_styles.h"
+
+#include <utility>
+
 namespace host {
 
 namespace {
@@ -52,6 +56,12 @@ void setContainer(fmx::Data& data, const Container& container) {
     data.SetBinaryData(*binary, true);
 }
 
+Value styledTextOf(const fmx::Text& text) {
+    StyledRuns styles;
+    fmx::Call(FM_Host_GetStyles, text, styles);
+    return Value::styledText(textOf(text), std::move(styles));
+}
+
 } // namespace
 
 std::u16string textOf(const fmx::Text& text) {
@@ -70,7 +80,7 @@ void setText(fmx::Text& text, std::u16string_view value) {
 Value valueOf(const fmx::Data& data) {
     switch (data.GetNativeType()) {
     case fmx::Data::kDTText:
-        return Value::text(textOf(data.GetAsText()));
+        return styledTextOf(data.GetAsText());
     case fmx::Data::kDTNumber:
     case fmx::Data::kDTBoolean:
         return Value::text(textOf(data.GetAsText())).convertedTo(ValueType::number);
@@ -99,6 +109,9 @@ void setData(fmx::Data& data, const Value& value, ConversionTools& tools) {
     }
     if (value.type() == ValueType::text) {
         setText(*tools.text, value.storedText());
+        if (!value.styles().empty()) {
+            fmx::Call(FM_Host_SetStyles, *tools.text, value.styles());
+        }
     } else {
         setText(*tools.text, value.asText());
     }

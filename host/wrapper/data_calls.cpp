@@ -2,6 +2,7 @@
 #include "host/values/locales.h"
 #include "host/wrapper/fonts.h"
 #include "host/wrapper/guard.h"
+#include "host/wrapper/host_styles.h"
 #include "host/wrapper/objects.h"
 
 #pragma GCC diagnostic ignored "-Wignored-qualifiers" // the interface's own
@@ -51,7 +52,7 @@ void DataObject::store(Value value, int32 nativeType) {
     nativeType_ = value.isValid() ? nativeType : int32{Data::kDTInvalid};
     text_.reset();
     if (isText()) {
-        text_ = TextObject{value.storedText(), {}};
+        text_ = TextObject{value.storedText(), styleRuns(value.styles())};
     }
     value_ = std::move(value);
     forgetReadings();
@@ -79,7 +80,10 @@ void DataObject::clear(int32 nativeType) {
 
 const Value& DataObject::value() const {
     if (!value_) {
-        value_ = Value::text(text_->characters);
+        value_ =
+            text_->styles.isEmpty()
+                ? Value::text(text_->characters)
+                : Value::styledText(text_->characters, styledRuns(text_->styles, text_->characters.size()));
     }
     return *value_;
 }

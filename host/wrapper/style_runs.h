@@ -54,6 +54,11 @@ struct CharacterStyleObject {
 // UTF-16 units and must lie within the text.
 class StyleRuns {
   public:
+    struct Run {
+        size_t end; // the position where the next run starts
+        CharacterStyleObject style;
+    };
+
     bool isEmpty() const { return runs_.empty(); }
     void clear() { runs_.clear(); }
 
@@ -71,15 +76,14 @@ class StyleRuns {
     void insert(size_t position, const StyleRuns& inserted, size_t count);
     void erase(size_t position, size_t count);
 
+    // Appends the style of the [count] characters behind the last run.
+    void append(size_t count, const CharacterStyleObject& style);
+    const std::vector<Run>& runs() const { return runs_; }
+
   private:
-    struct Run {
-        size_t end; // the position where the next run starts
-        CharacterStyleObject style;
-    };
     using Runs = std::vector<Run>;
 
     Runs::iterator splitAt(size_t position);
-    void append(size_t count, const CharacterStyleObject& style);
     void join();
 
     Runs runs_;

@@ -2,8 +2,10 @@
 #include "host/calc/functions/groups.h"
 #include "host/calc/operations.h"
 #include "host/calc/session.h"
+#include "host/calc/styled_text.h"
 
 #include <algorithm>
+#include <optional>
 #include <vector>
 
 namespace host {
@@ -47,19 +49,19 @@ Value countFunction(Session& /*session*/, Arguments in) {
 // Returns the values that are not empty, separated by carriage returns.
 // Goes on with the first text, so that a list that grows value by value is not copied each time.
 Value list(Session& /*session*/, std::vector<Value> in) {
-    std::u16string result;
+    std::optional<StyledTextWriter> result;
     for (Value& value : in) {
         if (value.isEmpty()) {
             continue;
         }
-        if (result.empty()) {
-            result = std::move(value).takeText();
+        if (result) {
+            result->append(u'\r');
+            result->append(value);
         } else {
-            result += u'\r';
-            appendText(result, value);
+            result.emplace(std::move(value));
         }
     }
-    return Value::text(std::move(result));
+    return result ? result->take() : Value();
 }
 
 // Returns the argument that comes first by [isBefore]. When all are texts they are compared as such, else as

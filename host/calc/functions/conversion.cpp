@@ -13,7 +13,7 @@ Value asNumber(Session& /*session*/, Arguments in) {
     return in[0].convertedTo(ValueType::number);
 }
 Value asText(Session& /*session*/, Arguments in) {
-    return Value::text(in[0].asText());
+    return in[0].type() == ValueType::text ? in[0] : Value::text(in[0].asText());
 }
 Value asTime(Session& /*session*/, Arguments in) {
     return in[0].convertedTo(ValueType::time);

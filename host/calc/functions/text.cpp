@@ -2,6 +2,7 @@
 #include "host/calc/characters.h"
 #include "host/calc/evaluator.h"
 #include "host/calc/functions/groups.h"
+#include "host/calc/styled_text.h"
 #include "host/values/container_file.h"
 
 #include <algorithm>
@@ -26,20 +27,19 @@ Value length(Session& /*session*/, Arguments in) {
         const Container::Stream* stream = fileStream(in[0].asContainer());
         return integerValue(stream == nullptr ? 0 : static_cast<int64_t>(stream->bytes().size()));
     }
-    const std::u16string text = in[0].asText();
-    return integerValue(static_cast<int64_t>(Characters(text).count()));
+    return integerValue(static_cast<int64_t>(Characters(StyledText(in[0]).text()).count()));
 }
 
 Value left(Session& /*session*/, Arguments in) {
-    const std::u16string text = in[0].asText();
-    return Value::text(Characters(text).slice(0, count(in[1])));
+    const StyledText text(in[0]);
+    return text.slice(Characters(text.text()).slice(0, count(in[1])));
 }
 
 Value right(Session& /*session*/, Arguments in) {
-    const std::u16string text = in[0].asText();
-    const Characters characters(text);
+    const StyledText text(in[0]);
+    const Characters characters(text.text());
     const size_t wanted = std::min(count(in[1]), characters.count());
-    return Value::text(characters.slice(characters.count() - wanted, wanted));
+    return text.slice(characters.slice(characters.count() - wanted, wanted));
 }
 
 // A range of characters, counted from 0. rangeFrom() makes it from arguments that count from 1; a start below
@@ -53,27 +53,29 @@ Range rangeFrom(const Value& start, const Value& length) {
 }
 
 Value middle(Session& /*session*/, Arguments in) {
-    const std::u16string text = in[0].asText();
+    const StyledText text(in[0]);
     const Range range = rangeFrom(in[1], in[2]);
-    return Value::text(Characters(text).slice(range.start, range.length));
+    return text.slice(Characters(text.text()).slice(range.start, range.length));
 }
 
 Value replace(Session& /*session*/, Arguments in) {
-    const std::u16string text = in[0].asText();
-    const Characters characters(text);
+    const StyledText text(in[0]);
+    const Characters characters(text.text());
     const Range range = rangeFrom(in[1], in[2]);
     const size_t start = std::min(range.start, characters.count());
     const size_t end = start + std::min(range.length, characters.count() - start);
-    std::u16string result(characters.slice(0, start));
-    result += in[3].asText();
-    result += characters.slice(end, characters.count());
-    return Value::text(result);
+    StyledTextWriter result;
+    result.append(text, characters.slice(0, start));
+    result.append(in[3]);
+    result.append(text, characters.slice(end, characters.count()));
+    return result.take();
 }
 
 // Returns the position of the nth occurrence of the search text from [start] on, all counted from 1; searches
 // backwards for a negative n. 0 when there is none.
 Value position(Session& /*session*/, Arguments in) {
-    const std::u16string text = in[0].asText();
+    const StyledText styled(in[0]);
+    const std::u16string_view text = styled.text();
     const std::u16string wanted = in[1].asText();
     int64_t occurrence = integer(in[3]);
     const bool isForward = occurrence > 0;
@@ -99,7 +101,8 @@ Value position(Session& /*session*/, Arguments in) {
 }
 
 Value patternCount(Session& /*session*/, Arguments in) {
-    const std::u16string text = in[0].asText();
+    const StyledText styled(in[0]);
+    const std::u16string_view text = styled.text();
     const std::u16string wanted = in[1].asText();
     int64_t found = 0;
     if (!wanted.empty()) {
@@ -111,81 +114,99 @@ Value patternCount(Session& /*session*/, Arguments in) {
     return integerValue(found);
 }
 
-std::u16string substituted(std::u16string_view text, std::u16string_view wanted,
-                           std::u16string_view replacement) {
-    std::u16string result;
-    size_t from = 0;
-    if (!wanted.empty()) {
-        for (size_t at = text.find(wanted); at != std::u16string::npos; at = text.find(wanted, from)) {
-            result += text.substr(from, at - from);
-            result += replacement;
-            from = at + wanted.size();
-        }
+Value substituted(const Value& in, const Value& search, const Value& replacement) {
+    const StyledText styled(in);
+    const std::u16string_view text = styled.text();
+    const std::u16string wanted = search.asText();
+    size_t at = wanted.empty() ? std::u16string::npos : text.find(wanted);
+    if (at == std::u16string::npos) {
+        return in.type() == ValueType::text ? in : Value::text(text);
     }
-    result += text.substr(from);
-    return result;
+    StyledTextWriter result;
+    size_t from = 0;
+    for (; at != std::u16string::npos; at = text.find(wanted, from)) {
+        result.append(styled, text.substr(from, at - from));
+        result.append(replacement);
+        from = at + wanted.size();
+    }
+    result.append(styled, text.substr(from));
+    return result.take();
 }
 
 // Letter case matters, unlike in Position. The parser has checked the form of the arguments.
 Value substitute(Evaluator& evaluator, std::span<const Node> in) {
-    std::u16string text = evaluator.evaluate(in[0]).asText();
+    Value text = evaluator.evaluate(in[0]);
     const auto apply = [&](const Node& wanted, const Node& replacement) {
         const Value search = evaluator.evaluate(wanted);
-        const Value with = evaluator.evaluate(replacement);
-        text = substituted(text, search.asText(), with.asText());
+        text = substituted(text, search, evaluator.evaluate(replacement));
     };
     if (!std::holds_alternative<Brackets>(in[1].form)) {
         apply(in[1], in[2]);
-        return Value::text(text);
+        return text;
     }
     for (const Node& pair : in.subspan(1)) {
         const auto& items = std::get<Brackets>(pair.form).items;
         apply(items[0], items[1]);
     }
-    return Value::text(text);
+    return text;
 }
 
 Value trim(Session& /*session*/, Arguments in) {
-    const std::u16string text = in[0].asText();
+    const StyledText styled(in[0]);
+    const std::u16string_view text = styled.text();
     const size_t first = text.find_first_not_of(u' ');
     const size_t last = text.find_last_not_of(u' ');
-    return Value::text(first == std::u16string::npos ? u"" : text.substr(first, last - first + 1));
+    return first == std::u16string::npos ? Value() : styled.slice(text.substr(first, last - first + 1));
 }
 
+Value changedCase(const Value& value, std::u16string (*change)(std::u16string_view)) {
+    const StyledText text(value);
+    StyledTextWriter result;
+    result.appendChanged(text, text.text(), change);
+    return result.take();
+}
 Value upper(Session& /*session*/, Arguments in) {
-    return Value::text(toUpper(in[0].asText()));
+    return changedCase(in[0], toUpper);
 }
 Value lower(Session& /*session*/, Arguments in) {
-    return Value::text(toLower(in[0].asText()));
+    return changedCase(in[0], toLower);
 }
 
 // Returns the characters of a text that are also in another one.
 Value filter(Session& /*session*/, Arguments in) {
-    const std::u16string text = in[0].asText();
+    const StyledText styled(in[0]);
+    const std::u16string_view text = styled.text();
     const std::u16string allowed = in[1].asText();
-    std::u16string result;
+    StyledTextWriter result;
     size_t at = 0;
     while (at < text.size()) {
         const size_t begin = at;
         U16_FWD_1(text.data(), at, text.size());
-        const std::u16string_view character = std::u16string_view(text).substr(begin, at - begin);
+        const std::u16string_view character = text.substr(begin, at - begin);
         if (allowed.find(character) != std::u16string::npos) {
-            result += character;
+            result.append(styled, character);
         }
     }
-    return Value::text(result);
+    return result.take();
 }
 
 // Returns the text as a literal of the language.
 Value quote(Session& /*session*/, Arguments in) {
-    std::u16string result = u"\"";
-    for (const char16_t c : in[0].asText()) {
-        if (c == u'"' || c == u'\\' || c == u'\u00B6') {
-            result += u'\\';
+    const StyledText text(in[0]);
+    StyledTextWriter result;
+    result.append(u'"');
+    result.appendChanged(text, text.text(), [](std::u16string_view part) {
+        std::u16string quoted;
+        for (const char16_t c : part) {
+            if (c == u'"' || c == u'\\' || c == u'\u00B6') {
+                quoted += u'\\';
+            }
+            quoted += c == u'\r' ? u'\u00B6' : c;
         }
-        result += c == u'\r' ? u'\u00B6' : c;
-    }
-    return Value::text(result + u"\"");
+        return quoted;
+    });
+    result.append(u'"');
+    return result.take();
 }
 
 // Returns the characters whose codes are the groups of five digits of a number, beginning with the last
@@ -230,11 +251,14 @@ Value code(Session& /*session*/, Arguments in) {
 // number appended.
 Value serialIncrement(Session& /*session*/, Arguments in) {
     constexpr std::u16string_view kDigits = u"0123456789";
-    const std::u16string text = in[0].asText();
+    const StyledText styled(in[0]);
+    const std::u16string_view text = styled.text();
     const Number increment = in[1].asNumber().value_or(0).truncated();
     const size_t last = text.find_last_of(kDigits);
     if (last == std::u16string::npos) {
-        return Value::text(text + increment.toText());
+        StyledTextWriter result(in[0]);
+        result.append(increment.toText());
+        return result.take();
     }
     const size_t before = text.find_last_not_of(kDigits, last);
     const size_t first = before == std::u16string::npos ? 0 : before + 1;
@@ -244,7 +268,11 @@ Value serialIncrement(Session& /*session*/, Arguments in) {
     if (digits.size() < width) {
         digits.insert(0, width - digits.size(), u'0');
     }
-    return Value::text(text.substr(0, first) + digits + text.substr(last + 1));
+    StyledTextWriter result;
+    result.append(styled, text.substr(0, first));
+    result.appendChanged(styled, text.substr(first, 1), [&](std::u16string_view) { return digits; });
+    result.append(styled, text.substr(last + 1));
+    return result.take();
 }
 
 // The spaces that TrimAll leaves between two characters.
@@ -268,29 +296,33 @@ bool isRoman(char16_t c) {
 }
 
 Value trimAll(Session& /*session*/, Arguments in) {
-    const std::u16string text = in[0].asText();
+    const StyledText styled(in[0]);
+    const std::u16string_view text = styled.text();
     const bool fullWidth = in[1].asBoolean();
     const int64_t wanted = integer(in[2]);
     const TrimType type = kTrimTypes[wanted >= 0 && wanted <= 3 ? wanted : 0];
-    std::u16string result;
+    StyledTextWriter result;
+    char16_t before = 0; // the last character that is no space
     bool spaces = false;
-    for (const char16_t c : text) {
+    for (size_t at = 0; at < text.size(); ++at) {
+        const char16_t c = text[at];
         if (c == u' ' || (fullWidth && c == u'\u3000')) {
             spaces = true;
             continue;
         }
-        if (!result.empty()) {
-            const bool leftRoman = isRoman(result.back());
+        if (before != 0) {
+            const bool leftRoman = isRoman(before);
             const bool mixed = leftRoman != isRoman(c);
             const Gap gap = mixed ? type.mixed : leftRoman ? type.roman : Gap::none;
             if (gap == Gap::one && (spaces || (mixed && type.putIn))) {
-                result += u' ';
+                result.append(u' ');
             }
         }
-        result += c;
+        result.append(styled, text.substr(at, 1));
+        before = c;
         spaces = false;
     }
-    return Value::text(result);
+    return result.take();
 }
 
 constexpr Builtin kFunctions[] = {

@@ -1,5 +1,4 @@
-// Styles of text: adding and removing them, and writing them as CSS and SVG. A text keeps its styles when it
-// is joined with others; functions that change a text return it without styles.
+// Styles of text: adding and removing them, and writing them as CSS and SVG.
 #include "host/calc/characters.h"
 #include "host/calc/functions/groups.h"
 #include "host/values/text.h"

@@ -1,5 +1,6 @@
 #include "host/calc/functions/groups.h"
 #include "host/calc/lists.h"
+#include "host/calc/styled_text.h"
 #include "host/values/text.h"
 
 #include <algorithm>
@@ -9,28 +10,27 @@ namespace host {
 namespace {
 
 Value getValue(Session& /*session*/, Arguments in) {
-    const std::u16string text = in[0].asText();
-    const auto values = listValues(text);
+    const StyledText text(in[0]);
+    const auto values = listValues(text.text());
     const int64_t wanted = integer(in[1]);
     return wanted >= 1 && static_cast<size_t>(wanted) <= values.size()
-               ? Value::text(values[static_cast<size_t>(wanted) - 1])
+               ? text.slice(values[static_cast<size_t>(wanted) - 1])
                : Value();
 }
 
 Value valueCount(Session& /*session*/, Arguments in) {
-    const std::u16string text = in[0].asText();
-    return integerValue(static_cast<int64_t>(listValues(text).size()));
+    return integerValue(static_cast<int64_t>(listValues(StyledText(in[0]).text()).size()));
 }
 
 // Returns the values of a list from [start] (counted from 0) up to but without [end], each followed by a
 // carriage return.
 Value part(const Value& from, size_t start, size_t end) {
-    const std::u16string text = from.asText();
-    auto values = listValues(text);
+    const StyledText text(from);
+    auto values = listValues(text.text());
     values.resize(std::min(values.size(), end));
     values.erase(values.begin(),
                  values.begin() + static_cast<std::ptrdiff_t>(std::min(values.size(), start)));
-    return Value::text(terminatedList(values));
+    return terminatedList(text, values);
 }
 
 Value leftValues(Session& /*session*/, Arguments in) {
@@ -38,8 +38,7 @@ Value leftValues(Session& /*session*/, Arguments in) {
 }
 
 Value rightValues(Session& /*session*/, Arguments in) {
-    const std::u16string text = in[0].asText();
-    const size_t size = listValues(text).size();
+    const size_t size = listValues(StyledText(in[0]).text()).size();
     return part(in[0], size - std::min(size, count(in[1])), size);
 }
 
@@ -52,17 +51,17 @@ Value middleValues(Session& /*session*/, Arguments in) {
 
 // Returns the values of a list that are also in another one, without regard to letter case.
 Value filterValues(Session& /*session*/, Arguments in) {
-    const std::u16string text = in[0].asText();
+    const StyledText text(in[0]);
     const std::u16string allowedText = foldCase(in[1].asText());
     auto allowed = listValues(allowedText);
     std::sort(allowed.begin(), allowed.end());
     std::vector<std::u16string_view> kept;
-    for (const std::u16string_view value : listValues(text)) {
+    for (const std::u16string_view value : listValues(text.text())) {
         if (std::binary_search(allowed.begin(), allowed.end(), std::u16string_view(foldCase(value)))) {
             kept.push_back(value);
         }
     }
-    return Value::text(terminatedList(kept));
+    return terminatedList(text, kept);
 }
 
 constexpr Builtin kFunctions[] = {

@@ -1,6 +1,7 @@
 // Sorting lists, and removing duplicate values from them. Texts are ordered by the rules of a language.
 #include "host/calc/functions/groups.h"
 #include "host/calc/lists.h"
+#include "host/calc/styled_text.h"
 #include "host/values/locales.h"
 #include "host/values/text.h"
 
@@ -157,9 +158,9 @@ Value sortValues(Session& /*session*/, Arguments in) {
         return Value::invalid();
     }
     const TextOrder order(*locale, UCOL_TERTIARY);
-    const std::u16string text = in[0].asText();
+    const StyledText text(in[0]);
     std::vector<std::pair<Key, std::u16string_view>> keyed;
-    for (const std::u16string_view value : listValues(text)) {
+    for (const std::u16string_view value : listValues(text.text())) {
         keyed.emplace_back(keyOf(value, typeOf(datatype), order), value);
     }
     std::stable_sort(keyed.begin(), keyed.end(), [datatype](const auto& a, const auto& b) {
@@ -170,7 +171,7 @@ Value sortValues(Session& /*session*/, Arguments in) {
     for (const auto& [key, value] : keyed) {
         sorted.push_back(value);
     }
-    return Value::text(terminatedList(sorted));
+    return terminatedList(text, sorted);
 }
 
 Value uniqueValues(Session& /*session*/, Arguments in) {
@@ -180,15 +181,15 @@ Value uniqueValues(Session& /*session*/, Arguments in) {
         return Value::invalid();
     }
     const TextOrder order(*locale, UCOL_SECONDARY);
-    const std::u16string text = in[0].asText();
+    const StyledText text(in[0]);
     std::set<Key> seen;
     std::vector<std::u16string_view> kept;
-    for (const std::u16string_view value : listValues(text)) {
+    for (const std::u16string_view value : listValues(text.text())) {
         if (seen.insert(keyOf(value, type, order)).second) {
             kept.push_back(value);
         }
     }
-    return Value::text(terminatedList(kept));
+    return terminatedList(text, kept);
 }
 
 constexpr Builtin kFunctions[] = {

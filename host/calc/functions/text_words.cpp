@@ -1,5 +1,6 @@
 // Words: runs of letters and digits, with the punctuation that belongs to them (joinsWord).
 #include "host/calc/functions/groups.h"
+#include "host/calc/styled_text.h"
 #include "host/values/text.h"
 
 #include <algorithm>
@@ -61,50 +62,52 @@ std::vector<Word> wordsOf(std::u16string_view text) {
 }
 
 // Returns the text of [wanted] words from word [first] on, with everything between them.
-Value slice(const std::u16string& text, const std::vector<Word>& words, size_t first, size_t wanted) {
+Value slice(const StyledText& text, const std::vector<Word>& words, size_t first, size_t wanted) {
     if (first >= words.size() || wanted == 0) {
         return {};
     }
     const size_t last = first + std::min(wanted, words.size() - first) - 1;
-    return Value::text(text.substr(words[first].begin, words[last].end - words[first].begin));
+    return text.slice(text.text().substr(words[first].begin, words[last].end - words[first].begin));
 }
 
 Value leftWords(Session& /*session*/, Arguments in) {
-    const std::u16string text = in[0].asText();
-    return slice(text, wordsOf(text), 0, count(in[1]));
+    const StyledText text(in[0]);
+    return slice(text, wordsOf(text.text()), 0, count(in[1]));
 }
 
 Value middleWords(Session& /*session*/, Arguments in) {
-    const std::u16string text = in[0].asText();
+    const StyledText text(in[0]);
     const int64_t start = std::max<int64_t>(integer(in[1]), 1) - 1;
-    return slice(text, wordsOf(text), static_cast<size_t>(start), count(in[2]));
+    return slice(text, wordsOf(text.text()), static_cast<size_t>(start), count(in[2]));
 }
 
 Value rightWords(Session& /*session*/, Arguments in) {
-    const std::u16string text = in[0].asText();
-    const std::vector<Word> words = wordsOf(text);
+    const StyledText text(in[0]);
+    const std::vector<Word> words = wordsOf(text.text());
     const size_t wanted = std::min(count(in[1]), words.size());
     return slice(text, words, words.size() - wanted, wanted);
 }
 
 Value wordCount(Session& /*session*/, Arguments in) {
-    return integerValue(static_cast<int64_t>(wordsOf(in[0].asText()).size()));
+    return integerValue(static_cast<int64_t>(wordsOf(StyledText(in[0]).text()).size()));
 }
 
 // Returns the text with the first letter of each word in capitals and all others in lower case.
 Value proper(Session& /*session*/, Arguments in) {
-    const std::u16string text = in[0].asText();
-    std::u16string result;
+    const StyledText from(in[0]);
+    const std::u16string_view text = from.text();
+    StyledTextWriter result;
     size_t done = 0;
     for (const Word& word : wordsOf(text)) {
         size_t rest = word.begin;
         U16_FWD_1(text.data(), rest, text.size());
-        result += text.substr(done, word.begin - done);
-        result += toUpper(text.substr(word.begin, rest - word.begin));
-        result += toLower(text.substr(rest, word.end - rest));
+        result.append(from, text.substr(done, word.begin - done));
+        result.appendChanged(from, text.substr(word.begin, rest - word.begin), toUpper);
+        result.appendChanged(from, text.substr(rest, word.end - rest), toLower);
         done = word.end;
     }
-    return Value::text(result + text.substr(done));
+    result.append(from, text.substr(done));
+    return result.take();
 }
 
 constexpr Builtin kFunctions[] = {

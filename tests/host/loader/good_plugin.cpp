@@ -44,7 +44,9 @@ enum Function : short {
     kStartLater,
     kStartWhenIdle,
     kPicture,
-    kStreams
+    kStreams,
+    kStyle,
+    kEmbolden
 };
 
 std::vector<std::thread> threads; // that start scripts; ended by the shut-down
@@ -215,6 +217,39 @@ errcode streams(short, const ExprEnv&, const DataVect& in, Data& result) {
     return 0;
 }
 
+// The style of the text's character at a position from 0: "font size faces red green blue".
+errcode style(short, const ExprEnv& environment, const DataVect& in, Data& result) {
+    const fmx::CharacterStyleUniquePtr found;
+    in.AtAsText(0).GetStyle(*found, static_cast<fmx::uint32>(in.AtAsNumber(1).AsLong()));
+    const fmx::TextUniquePtr text;
+    fmx::FontScript script = 0;
+    in.At(0).GetFontInfo(found->GetFont(), *text, script, environment);
+    const fmx::Color& color = found->GetColor();
+    std::string rest;
+    for (const int number : {int{found->GetSize()}, int{found->GetFace()}, int{color.GetRed()},
+                             int{color.GetGreen()}, int{color.GetBlue()}}) {
+        rest += " " + std::to_string(number);
+    }
+    const fmx::TextUniquePtr numbers;
+    assign(*numbers, rest.c_str());
+    text->AppendText(*numbers);
+    setText(result, *text);
+    return 0;
+}
+
+// Returns the text with bold and red first characters, as many as the second argument says.
+errcode embolden(short, const ExprEnv&, const DataVect& in, Data& result) {
+    const fmx::TextUniquePtr text;
+    text->SetText(in.AtAsText(0));
+    const fmx::CharacterStyleUniquePtr bold;
+    const fmx::ColorUniquePtr red(255, 0, 0);
+    bold->EnableFace(fmx::CharacterStyle::kFace_Bold);
+    bold->SetColor(*red);
+    text->SetStyle(*bold, 0, static_cast<fmx::uint32>(in.AtAsNumber(1).AsLong()));
+    setText(result, *text);
+    return 0;
+}
+
 errcode idle(short, const ExprEnv&, const DataVect&, Data& result) {
     setNumber(result, idles * 10 + lastIdleLevel);
     return 0;
@@ -279,6 +314,8 @@ void start() {
                      startWhenIdle);
     registerFunction(kPicture, "Test_Picture", "Test_Picture", 0, 0, picture);
     registerFunction(kStreams, "Test_Streams", "Test_Streams ( container )", 1, 1, streams);
+    registerFunction(kStyle, "Test_Style", "Test_Style ( text ; position )", 2, 2, style);
+    registerFunction(kEmbolden, "Test_Embolden", "Test_Embolden ( text ; characters )", 2, 2, embolden);
     unknownUnregistration = unregisterFunction(999);
 }
 

@@ -79,7 +79,7 @@ TEST_F(LoaderTest, AsksForTheStringsAndKeepsTheFunctions) {
     EXPECT_EQ(info.version, 54);
     EXPECT_EQ(info.path, kPlugins / "good_plugin.fmx");
     const auto functions = host_.functions();
-    ASSERT_EQ(functions.size(), 17U);
+    ASSERT_EQ(functions.size(), 19U);
     EXPECT_EQ(functions[2].plugin, u"TEST");
     EXPECT_EQ(functions[2].id, 2);
     EXPECT_EQ(functions[2].name, u"Test_Count");
@@ -236,6 +236,27 @@ TEST_F(LoaderTest, ValuesCrossUnchanged) {
         "1230");
     const std::string megabyte(1'000'000, 'x');
     EXPECT_EQ(run("Test_Echo ( \"" + megabyte + "\" )"), megabyte);
+}
+
+TEST_F(LoaderTest, StylesCrossBothWays) {
+    loadGood();
+    EXPECT_EQ(
+        run("Test_Style ( TextColor ( TextSize ( TextFont ( \"a\" ; \"Courier\" ) ; 9 ) ; 66051 ) ; 0 )"),
+        "Courier 9 0 1 2 3");
+    EXPECT_EQ(
+        run("Let ( t = \"ab\" & TextStyleAdd ( \"cd\" ; Bold + Italic ) & \"e\" ; Test_Style ( t ; 1 ) & "
+            "\"|\" & Test_Style ( t ; 2 ) & \"|\" & Test_Style ( t ; 3 ) & \"|\" & Test_Style ( t ; 4 ) )"),
+        "Helvetica 12 0 0 0 0|Helvetica 12 768 0 0 0|Helvetica 12 768 0 0 0|Helvetica 12 0 0 0 0");
+    EXPECT_EQ(run("GetAsCSS ( Test_Embolden ( \"abc\" ; 2 ) & \"d\" )"),
+              "<span style=\"color: #FF0000;font-weight: bold;\">ab</span>cd");
+    // What it says over what the text had, which the text keeps elsewhere; nothing stays for the next call.
+    EXPECT_EQ(run("GetAsCSS ( Test_Embolden ( TextStyleAdd ( \"abc\" ; Underline ) ; 1 ) )"),
+              "<span style=\"color: #FF0000;font-weight: bold;text-decoration: underline;\">a</span>"
+              "<span style=\"text-decoration: underline;\">bc</span>");
+    EXPECT_EQ(run("GetAsCSS ( Test_Echo ( \"abc\" ) ) & Test_Style ( \"abc\" ; 0 )"),
+              "abcHelvetica 12 0 0 0 0");
+    EXPECT_EQ(run("GetAsCSS ( Test_Echo ( TextFont ( \"x\" ; \"Courier\" ) & \"y\" ) )"),
+              "<span style=\"font-family: 'Courier';\">x</span>y");
 }
 
 TEST_F(LoaderTest, ContainersCrossUnchanged) {
