@@ -5,6 +5,7 @@
 
 #include <algorithm>
 #include <set>
+#include <utility>
 
 namespace addressbook::tool {
 
@@ -55,7 +56,8 @@ void keepIdentifiers(MultiValue& list, const Value& current) {
 } // namespace
 
 Importer::Importer(Store* store, bool dryRun, Report report, Progress progress)
-    : store_(store), dryRun_(dryRun || !store), report_(std::move(report)), progress_(std::move(progress)) {}
+    : store_(store), known_(store), dryRun_(dryRun || !store), report_(std::move(report)),
+      progress_(std::move(progress)) {}
 
 const ImportSummary& Importer::read(std::istream& input, const std::string& file, vcard::Charset charset) {
     ++files_;
@@ -110,13 +112,8 @@ void Importer::take(vcard::Card& card, const std::string& file) {
     if (!card.unended.empty()) {
         report_(file, {card.number, card.line, card.unended});
     }
-    // A card without an id is recognised by its contents.
-    std::string uid = card.uid;
-    card.uid.clear();
-    const std::string digest = vcard::uuidOf(vcard::write(card));
-    if (uid.empty()) {
-        uid = uidOf(digest, card.kind);
-    }
+    std::string uid = card.uid.empty() ? idFor(card) : std::exchange(card.uid, {});
+    const std::string& digest = card.digest;
 
     // Several cards of one file with one id but different contents are different people.
     for (int copy = 2;; ++copy) {
@@ -149,6 +146,18 @@ void Importer::take(vcard::Card& card, const std::string& file) {
     } else {
         addPerson(uid, card, seen, again);
     }
+}
+
+// Returns the unique id of a card that names none: it is made of what the card says. A record that an earlier
+// version made of such a card is known by its values.
+std::string Importer::idFor(const vcard::Card& card) {
+    std::string uid = uidOf(card.digest, card.kind);
+    if (exists(uid)) {
+        return uid;
+    }
+    const std::string known = known_.withContents(
+        card.kind, card.values, [&](const std::string& each) { return !seen_.contains(each); });
+    return known.empty() ? uid : known;
 }
 
 // Keeps a group until finish(), as cards of its members may follow.
@@ -229,7 +238,7 @@ bool Importer::exists(const std::string& uid) const {
 }
 
 // Returns the unique id of the record that a group's card names as a member; empty when there is none.
-std::string Importer::resolve(const std::string& member) const {
+std::string Importer::resolve(const std::string& member) {
     const std::string uuid = vcard::uuidOf(member);
     if (const auto alias = aliases_.find(uuid); alias != aliases_.end()) {
         return alias->second;
@@ -239,7 +248,7 @@ std::string Importer::resolve(const std::string& member) const {
             return uid;
         }
     }
-    return {};
+    return known_.withOtherUid(uuid);
 }
 
 // Whether [subgroup] contains [group] already, through any number of groups.

@@ -5,6 +5,8 @@
 #include "frameworks/AddressBook/store/store.h"
 #include "frameworks/AddressBook/vcard/vcard.h"
 
+#include "tools/addressbook/known_records.h"
+
 #include <cstddef>
 #include <cstdint>
 #include <functional>
@@ -67,7 +69,7 @@ class Importer {
         std::size_t file = 0;
         std::size_t pending =
             0;              // index into changes_.records or groups_; kNone when there is nothing to save
-        std::string digest; // a digest of the card's contents
+        std::string digest; // the card's
     };
     // The members that a group's card lists.
     struct GroupMembers {
@@ -81,7 +83,8 @@ class Importer {
     void addGroup(const std::string& uid, vcard::Card& card, Seen& seen);
     void addPerson(const std::string& uid, vcard::Card& card, Seen& seen, bool again);
     bool takeDifference(RecordChange& change, bool tellsUnknownLines) const;
-    std::string resolve(const std::string& uuid) const;
+    std::string idFor(const vcard::Card& card);
+    std::string resolve(const std::string& member);
     void joinGroup(const GroupMembers& group);
     void joinLateMembers();
     void joinNamedGroups();
@@ -91,6 +94,7 @@ class Importer {
     void flush();
 
     Store* store_;
+    KnownRecords known_;
     bool dryRun_;
     Report report_;
     Progress progress_;

@@ -50,6 +50,23 @@ class Columns {
         }
     }
 
+    // Returns a digest of what a row says and under which headers: by it who has no id is known again, whatever
+    // the columns mean and in which order they are.
+    std::string digestOf(const csv::Row& row) const {
+        std::vector<std::string> cells;
+        for (std::size_t at = 0; at < std::min(row.cells.size(), names_.size()); ++at) {
+            if (!row.cells[at].empty()) {
+                cells.push_back(csv::squeezed(names_[at]) + '=' + row.cells[at] + '\n');
+            }
+        }
+        std::sort(cells.begin(), cells.end());
+        std::string all;
+        for (const std::string& cell : cells) {
+            all += cell;
+        }
+        return vcard::uuidOf(all);
+    }
+
     std::string leftOut() const {
         std::vector<std::string> names;
         names.reserve(leftOut_.size());
@@ -107,7 +124,7 @@ class Columns {
     std::set<std::size_t> leftOut_;
 };
 
-vcard::Card cardFrom(csv::Person person, const csv::Row& row, std::size_t number) {
+vcard::Card cardFrom(csv::Person person, const csv::Row& row, std::size_t number, std::string digest) {
     vcard::Card card;
     if (!person.id.empty()) {
         card.uid = vcard::uuidOf(person.id) + ":ABPerson";
@@ -117,6 +134,7 @@ vcard::Card cardFrom(csv::Person person, const csv::Row& row, std::size_t number
     for (std::string& problem : person.problems) {
         card.skipped.push_back({number, row.line, std::move(problem)});
     }
+    card.digest = std::move(digest);
     card.number = number;
     card.line = row.line;
     return card;
@@ -165,7 +183,7 @@ void importTable(Input& input, const TableForm& form, const std::vector<Property
                                 reader.bytesRead());
                 continue;
             }
-            vcard::Card card = cardFrom(std::move(person), *row, number);
+            vcard::Card card = cardFrom(std::move(person), *row, number, columns.digestOf(*row));
             preview(row->line, card);
             importer.add(card, input.name(), reader.bytesRead());
         }

@@ -4,6 +4,7 @@
 
 #include "frameworks/AddressBook/values/uid.h"
 #include "frameworks/AddressBook/vcard/card_lines.h"
+#include "frameworks/AddressBook/vcard/digest.h"
 #include "frameworks/AddressBook/vcard/encoding.h"
 #include "frameworks/AddressBook/vcard/full_name.h"
 #include "frameworks/AddressBook/vcard/labels.h"
@@ -105,6 +106,7 @@ class CardReader {
         switch (rule.shape) {
         case Shape::fullName:
             setText(property::kGroupName, line.text());
+            keepOfGroup("FN", line, escape(line.text()));
             return true;
         case Shape::name:
             names_ = line.components(6);
@@ -391,9 +393,17 @@ class CardReader {
         return false;
     }
 
+    // Preserves the parameters of a line of a group, which is written with this name and value.
+    void keepOfGroup(const char* name, const ContentLine& line, const std::string& value) {
+        if (!line.params.empty()) {
+            groupAdditions_.push_back(kAddition + (name + renderParams(line.params)) + ':' + value);
+        }
+    }
+
     bool readMember(const ContentLine& line) {
         std::string member(trim(line.text()));
         if (!member.empty() && members_.insert(uuidOf(member)).second) {
+            keepOfGroup("X-ADDRESSBOOKSERVER-MEMBER", line, escapeUri(member));
             card_.memberUids.push_back(std::move(member));
         }
         return true;
@@ -532,7 +542,7 @@ class CardReader {
             return "the group has neither name nor members";
         }
         finishUid();
-        keepUnknown({});
+        keepUnknown(std::move(groupAdditions_));
         return {};
     }
 
@@ -646,6 +656,7 @@ class CardReader {
     std::unordered_map<std::string, LabelInGroup> labels_, countries_; // by group in upper case
     std::vector<ContentLine*> unknown_;
     std::vector<Addition> additions_;
+    std::vector<std::string> groupAdditions_;
     std::vector<std::string> names_; // of N
     std::string fullName_, uid_, abUuid_;
     ContentLine* fullNameLine_ = nullptr;
@@ -663,6 +674,7 @@ std::variant<Card, Problem> readCard(std::vector<ContentLine> lines, std::size_t
     Card card;
     card.number = number;
     card.line = line;
+    card.digest = digestOf(lines);
     CardReader reader(lines, card);
     std::string reason = reader.run();
     if (!reason.empty()) {

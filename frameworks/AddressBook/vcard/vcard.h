@@ -57,10 +57,13 @@ struct Card {
     // of the member's card. uuidOf() returns the UUID of the record that is meant.
     std::vector<std::string> memberUids;
     std::vector<std::string> categories; // a person's groups by name
-    std::vector<Problem> skipped;        // lines that could not be read and were left out
-    std::string unended;                 // how the card ends without END:VCARD; mostly empty
-    std::size_t number = 0;              // of the card in the file, from 1
-    std::size_t line = 0;                // where its BEGIN:VCARD is, from 1
+    // A digest of what is written in the card, a UUID: cards that say the same have the same, be they written in
+    // another order, encoding or version. Empty for a card that was not read.
+    std::string digest;
+    std::vector<Problem> skipped; // lines that could not be read and were left out
+    std::string unended;          // how the card ends without END:VCARD; mostly empty
+    std::size_t number = 0;       // of the card in the file, from 1
+    std::size_t line = 0;         // where its BEGIN:VCARD is, from 1
 };
 
 // The character set of what is in a file and names none.
@@ -96,13 +99,16 @@ class Reader {
 // The versions that can be written.
 enum class WrittenVersion { v3, v4 };
 
-// Returns a vCard: UTF-8, CRLF, lines of at most 75 bytes. [card]'s uid may be empty; its number, line and
-// skipped are ignored.
+// Returns a vCard: UTF-8, CRLF, lines of at most 75 bytes. [card]'s uid may be empty; its digest, number, line
+// and skipped are ignored.
 std::string write(const Card& card, WrittenVersion version = WrittenVersion::v3);
 
 // Returns how a group's card names the record [uid] as a member: by the UID that write() gives the record's
 // own card. The record has these kUnknownLines.
 std::string memberName(std::string_view uid, const Value& unknownLines);
+
+// Returns the UID in a record's kUnknownLines: that of its card when it differs from the record's own id.
+std::optional<std::string> keptUid(const Value& unknownLines);
 
 // Return the line by which a group keeps, in its kUnknownLines, a member that is not in the address book, and
 // the member in such a line; nothing for any other line.

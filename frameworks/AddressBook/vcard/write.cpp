@@ -15,6 +15,8 @@ namespace addressbook::vcard {
 
 namespace {
 
+constexpr std::string_view kMember = "X-ADDRESSBOOKSERVER-MEMBER:";
+
 std::optional<ContentLine> parseStored(std::string text) {
     PropertyLine line;
     line.text = std::move(text);
@@ -116,13 +118,20 @@ class CardWriter {
     std::string run(const Card& card) {
         const std::vector<std::string> stored = storedLines(unknownLinesOf(card));
         std::vector<CardLine> lines = cardLines(card);
+        for (const std::string& text : stored) {
+            if (text.starts_with(kMember)) { // of a member that is not in the address book
+                CardLine& line = lines.emplace_back();
+                line.name = kMember.substr(0, kMember.size() - 1);
+                line.value = text.substr(kMember.size());
+            }
+        }
         applyAdditions(lines, stored);
         for (CardLine& line : lines) {
             writeKnown(line);
         }
         writeCategories(card);
         for (const std::string& text : stored) {
-            if (!text.starts_with(kAddition)) {
+            if (!text.starts_with(kAddition) && !text.starts_with(kMember)) {
                 writeUnknown(text);
             }
         }
@@ -213,21 +222,21 @@ std::string write(const Card& card, WrittenVersion version) {
     return CardWriter(version).run(card);
 }
 
-std::string memberName(std::string_view uid, const Value& unknownLines) {
+std::optional<std::string> keptUid(const Value& unknownLines) {
     for (const std::string& text : storedLines(unknownLines)) {
         if (!text.starts_with("UID")) {
             continue;
         }
         if (const auto line = parseStored(text); line && line->key == "UID") {
-            const std::string written(trim(line->text()));
-            return schemeOf(written).empty() ? "urn:uuid:" + written : written;
+            return std::string(trim(line->text()));
         }
     }
-    return "urn:uuid:" + uuidOf(uid);
+    return std::nullopt;
 }
 
-namespace {
-constexpr std::string_view kMember = "X-ADDRESSBOOKSERVER-MEMBER:";
+std::string memberName(std::string_view uid, const Value& unknownLines) {
+    const std::string written = keptUid(unknownLines).value_or(uuidOf(uid));
+    return schemeOf(written).empty() ? "urn:uuid:" + written : written;
 }
 
 std::string memberLine(const std::string& member) {
