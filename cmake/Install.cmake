@@ -3,6 +3,7 @@
 #   bin/                       fmhost, addressbook
 #   <lib>/velocard/            the libraries, private to Velocard and to programs that are built with them
 #   <lib>/velocard/Velocard/   the plug-in; it finds the libraries in the folder above
+#   share/                     manual pages, completions for shells, documents
 #   include/velocard/          Apple's headers as far as the libraries have them
 #
 # Components are packages: runtime, development, server (the plug-in and its libraries in the folder of FileMaker
@@ -20,6 +21,30 @@ function(velocard_install_program target)
   file(RELATIVE_PATH libraries "/${CMAKE_INSTALL_BINDIR}" "/${VELOCARD_LIBRARIES}")
   set_target_properties(${target} PROPERTIES INSTALL_RPATH "$ORIGIN/${libraries}")
   install(TARGETS ${target} RUNTIME DESTINATION "${CMAKE_INSTALL_BINDIR}" COMPONENT runtime)
+endfunction()
+
+# A program's manual pages, which it writes itself, and its completions for bash, zsh and fish, for which it is asked.
+function(velocard_install_manual target)
+  set(folder "${PROJECT_BINARY_DIR}/man/${target}")
+  add_custom_command(OUTPUT "${folder}/made" VERBATIM DEPENDS ${target} COMMENT "Writing the manual pages of ${target}"
+    COMMAND "${CMAKE_COMMAND}" -E rm -rf "${folder}"
+    COMMAND "${CMAKE_COMMAND}" -E make_directory "${folder}"
+    COMMAND ${target} --manual "${folder}"
+    COMMAND gzip --best --no-name --recursive "${folder}"
+    COMMAND "${CMAKE_COMMAND}" -E touch "${folder}/made")
+  add_custom_target(${target}_manual ALL DEPENDS "${folder}/made")
+  install(DIRECTORY "${folder}/" DESTINATION "${CMAKE_INSTALL_MANDIR}/man1" COMPONENT runtime FILES_MATCHING PATTERN "*.gz")
+
+  set(PROGRAM ${target})
+  foreach(file IN ITEMS bash-completion/completions/${target} zsh/vendor-completions/_${target}
+      fish/vendor_completions.d/${target}.fish)
+    string(REGEX MATCH "^[a-z]+" shell "${file}")
+    configure_file("${PROJECT_SOURCE_DIR}/tools/command_line/completion.${shell}.in"
+      "${PROJECT_BINARY_DIR}/completions/${file}" @ONLY)
+    cmake_path(GET file PARENT_PATH place)
+    install(FILES "${PROJECT_BINARY_DIR}/completions/${file}" DESTINATION "${CMAKE_INSTALL_DATADIR}/${place}"
+      COMPONENT runtime)
+  endforeach()
 endfunction()
 
 # A library; with FOR_PLUGIN one that the plug-in takes along to a server.

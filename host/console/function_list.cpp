@@ -145,6 +145,16 @@ void printJson(const std::vector<Row>& rows) {
 
 } // namespace
 
+std::vector<FunctionName> functionNames(const Host& host) {
+    std::vector<FunctionName> names;
+    for (std::vector<Row> rows : {pluginRows(host), languageRows()}) {
+        for (Row& row : rows) {
+            names.push_back({std::move(row.name), std::move(row.prototype)});
+        }
+    }
+    return names;
+}
+
 ExitCode listFunctions(const Host& host, const FunctionQuery& query) {
     std::vector<Row> rows = pluginRows(host);
     if (query.all || !query.word.empty()) {

@@ -6,6 +6,7 @@
 #include "host/console/host.h"
 
 #include <string>
+#include <vector>
 
 namespace host {
 
@@ -18,5 +19,11 @@ struct FunctionQuery {
 
 // Prints the functions, and the plug-in's script steps. When no function has the word, that is an error.
 ExitCode listFunctions(const Host& host, const FunctionQuery& query);
+
+// A function as a word: a plug-in's, the language's, or a name in Get ( ).
+struct FunctionName {
+    std::string name, prototype;
+};
+std::vector<FunctionName> functionNames(const Host& host);
 
 } // namespace host

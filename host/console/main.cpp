@@ -2,6 +2,7 @@
 #include "host/calc/stack_limit.h"
 #include "host/console/check_command.h"
 #include "host/console/commands.h"
+#include "host/console/completers.h"
 #include "host/console/format_command.h"
 #include "host/console/function_list.h"
 #include "host/console/host.h"
@@ -9,6 +10,7 @@
 #include "host/console/prompt.h"
 #include "host/console/test_run.h"
 #include "host/values/formats.h"
+#include "tools/command_line/questions.h"
 
 #include <CLI/CLI.hpp>
 #include <iostream>
@@ -56,6 +58,7 @@ HostOptions hostOptions(const CommandLine& line) {
 }
 
 void defineOptions(CLI::App& app, CommandLine& line) {
+    command_line::addVersion(app);
     app.fallthrough();
     app.add_option("--plugin", line.plugin,
                    "The plug-in: an .fmx file, a folder with one, or a bundle (.fmplugin) with one for Linux "
@@ -268,6 +271,9 @@ int main(int argc, char** argv) { // NOLINT(bugprone-exception-escape): writing 
     CLI::App app("Loads a FileMaker plug-in, evaluates calculations and runs scripts with it.", "fmhost");
     defineOptions(app, line);
     defineCommands(app, line);
+    if (const auto status = command_line::answerQuestion(argc, argv, app, completers())) {
+        return *status;
+    }
     try {
         app.parse(argc, argv);
         return static_cast<int>(runCommand(app, line));

@@ -15,13 +15,8 @@ Formats& current() {
 }
 
 bool isKnown(const std::string& locale) {
-    const int32_t count = uloc_countAvailable();
-    for (int32_t i = 0; i < count; ++i) {
-        if (locale == uloc_getAvailable(i)) {
-            return true;
-        }
-    }
-    return false;
+    const std::vector<std::string> known = knownLocales();
+    return std::find(known.begin(), known.end(), locale) != known.end();
 }
 
 // Returns a locale's pattern for the given styles of time and date.
@@ -85,6 +80,16 @@ void setFormats(Formats formats) {
 
 DateOrder dateOrderOf(const std::string& locale) {
     return orderIn(pattern(locale, UDAT_NONE, UDAT_SHORT));
+}
+
+std::vector<std::string> knownLocales() {
+    std::vector<std::string> names;
+    const int32_t count = uloc_countAvailable();
+    names.reserve(static_cast<size_t>(count));
+    for (int32_t i = 0; i < count; ++i) {
+        names.emplace_back(uloc_getAvailable(i));
+    }
+    return names;
 }
 
 std::optional<Formats> formatsOf(const std::string& locale) {

@@ -8,6 +8,7 @@
 #include <optional>
 #include <string>
 #include <string_view>
+#include <vector>
 
 namespace host {
 
@@ -39,6 +40,9 @@ void setFormats(Formats formats);
 
 // Returns the order of a date's numbers in a locale, by Unicode's locale data.
 DateOrder dateOrderOf(const std::string& locale);
+
+// Returns the names of the locales that formatsOf() knows.
+std::vector<std::string> knownLocales();
 
 // Returns the formats of a locale such as "de_DE", by Unicode's locale data; nothing for an unknown locale.
 std::optional<Formats> formatsOf(const std::string& locale);

@@ -31,6 +31,7 @@ VCARD = "frameworks/AddressBook/vcard"
 CSV = "frameworks/AddressBook/csv"
 OBJC = "frameworks/AddressBook/objc"
 APPLE = "frameworks/AddressBook/include", "frameworks/AppKit/include", "frameworks/ScriptingBridge/include"
+COMMAND_LINE = "tools/command_line"
 HOST = "host/values", "host/calc", "host/script", "host/check", "host/editor", "host/loader", "host/wrapper"
 
 ROOMS = {
@@ -48,7 +49,7 @@ ROOMS = {
                         "editors are told of scripts and calculations, not of who runs them"),
     "host/loader": Room(("host/calc", "host/script", "host/values", "host/wrapper", "sdk"), ("dl", "libxml2"), (),
                         "the loader knows calculations, scripts and the interface, not the console"),
-    "host/console": Room(HOST, ("CLI11", "dl", "json", "libedit", "libxml2", "ICU"), (), "the console is the host's top room"),
+    "host/console": Room((*HOST, COMMAND_LINE), ("CLI11", "dl", "json", "libedit", "libxml2", "ICU"), (), "the console is the host's top room"),
     VALUES: Room((), ("ICU",), (), "values know nothing else"),
     SQL: Room((), ("SQLite",), (), "this room knows SQLite alone"),
     STORE: Room((VALUES, SQL), ("SQLite", "ICU"), (), "the store knows values and SQLite"),
@@ -75,7 +76,8 @@ ROOMS = {
     "frameworks/ScriptingBridge": Room(("frameworks/ScriptingBridge/include",),
                                        ("Foundation", "ScriptingBridge", "systemd", "objc"), (),
                                        "the bridge knows the session bus"),
-    "tools": Room((MODEL, STORE, VCARD, CSV, VALUES), ("CLI11", "json"), (), "tools know the frameworks' C++ rooms"),
+    COMMAND_LINE: Room((), ("CLI11",), (), "pages and completions know the command line alone"),
+    "tools": Room((MODEL, STORE, VCARD, CSV, VALUES, COMMAND_LINE), ("CLI11", "json"), (), "tools know the frameworks' C++ rooms"),
 }
 # Who measures and tests may know everybody; nobody knows them. What tests share knows no test.
 OPEN_ROOMS = "bench", "tests"

@@ -2,9 +2,11 @@
 // else to standard error.
 
 #include "tools/addressbook/commands.h"
+#include "tools/addressbook/completers.h"
 #include "tools/addressbook/condition.h"
 #include "tools/addressbook/interrupt.h"
 #include "tools/addressbook/output.h"
+#include "tools/command_line/questions.h"
 
 #include "frameworks/AddressBook/store/store.h"
 
@@ -26,6 +28,7 @@ constexpr const char* kExitCodes =
 // Declares the command line. Parsing it sets [work] to the function of the command that the user gives.
 void declare(CLI::App& app, Options& options, int (*&work)(const Options&)) {
     app.require_subcommand(1);
+    command_line::addVersion(app);
     app.fallthrough(); // --book may follow the command
     app.option_defaults()->always_capture_default(false);
     app.add_option("--book", options.book,
@@ -249,6 +252,9 @@ int run(int argc, char** argv) {
     Options options;
     int (*work)(const Options&) = nullptr;
     declare(app, options, work);
+    if (const auto status = command_line::answerQuestion(argc, argv, app, completers())) {
+        return *status;
+    }
     try {
         app.parse(argc, argv);
     } catch (const CLI::Success& help) {

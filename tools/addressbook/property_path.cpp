@@ -60,26 +60,6 @@ int settableType(const std::vector<PropertyDefinition>& definitions, Kind kind, 
     return 0;
 }
 
-// Returns the fields of the properties that can be set.
-std::vector<Field> settable(const std::vector<PropertyDefinition>& definitions, Kind kind) {
-    std::vector<Field> fields;
-    if (kind == Kind::group) {
-        fields.push_back({"name", std::string(property::kGroupName)});
-        for (const PropertyDefinition& own : definitions) {
-            if (own.kind == kind) {
-                fields.push_back({own.name, own.name});
-            }
-        }
-        return fields;
-    }
-    for (Field& field : allFields(definitions)) {
-        if (!field.property.empty() && settableType(definitions, kind, field.property) != 0) {
-            fields.push_back(std::move(field));
-        }
-    }
-    return fields;
-}
-
 [[noreturn]] void refuse(std::string_view name, const std::vector<Field>& known, Kind kind) {
     std::vector<std::string> names;
     names.reserve(known.size());
@@ -113,6 +93,25 @@ bool reads(const std::string& text, Number& number) {
 
 } // namespace
 
+std::vector<Field> settableFields(const std::vector<PropertyDefinition>& definitions, Kind kind) {
+    std::vector<Field> fields;
+    if (kind == Kind::group) {
+        fields.push_back({"name", std::string(property::kGroupName)});
+        for (const PropertyDefinition& own : definitions) {
+            if (own.kind == kind) {
+                fields.push_back({own.name, own.name});
+            }
+        }
+        return fields;
+    }
+    for (Field& field : allFields(definitions)) {
+        if (!field.property.empty() && settableType(definitions, kind, field.property) != 0) {
+            fields.push_back(std::move(field));
+        }
+    }
+    return fields;
+}
+
 std::string listed(const std::vector<std::string>& words) {
     std::string text;
     for (const std::string& word : words) {
@@ -133,7 +132,7 @@ std::string labelNamed(std::string_view text) {
 }
 
 PropertyPath parsePath(std::string_view text, Kind kind, const std::vector<PropertyDefinition>& definitions) {
-    const std::vector<Field> known = settable(definitions, kind);
+    const std::vector<Field> known = settableFields(definitions, kind);
     const std::size_t slash = std::min(text.find('/'), text.size());
     const std::string wanted = fold(text.substr(0, slash));
     // A list may also be named in the singular: phone for phones.

@@ -4,6 +4,7 @@
 // lastname, phones/home, addresses/work/city.
 
 #include "frameworks/AddressBook/store/store.h"
+#include "tools/addressbook/fields.h"
 
 #include <string>
 #include <string_view>
@@ -26,6 +27,9 @@ struct PropertyPath {
 // Returns the path in [text], of a property of people or of groups that can be set. Throws
 // std::invalid_argument with a message that lists what is possible.
 PropertyPath parsePath(std::string_view text, Kind kind, const std::vector<PropertyDefinition>& definitions);
+
+// Returns the properties of people or groups that can be set, built-in and custom.
+std::vector<Field> settableFields(const std::vector<PropertyDefinition>& definitions, Kind kind);
 
 // Returns the label as the address book keeps it, for one as a user writes it: a built-in label in any letter
 // case and without its decoration, else the text itself.
