@@ -26,7 +26,7 @@ Backlog readBacklog(Store::Impl& impl) {
 void applyBacklog(Store::Impl& impl, IndexWriter& index, const Backlog& backlog) {
     for (const auto& [ref, held] : backlog) {
         if (!held.empty()) {
-            index.remove(ref.record, ref.property, decodeValue(held));
+            index.remove(ref.record, ref.property, held);
         }
     }
     std::map<RowId, std::optional<RecordRow>> rows;
@@ -44,7 +44,7 @@ void applyBacklog(Store::Impl& impl, IndexWriter& index, const Backlog& backlog)
             continue;
         }
         if (const Value value = impl.valueOf(*known->second, name); !value.empty()) {
-            index.add(ref.record, ref.property, value);
+            index.add(ref.record, ref.property, encodeValue(value));
         }
     }
     index.flush();

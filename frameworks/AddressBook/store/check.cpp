@@ -93,7 +93,7 @@ void add(Hash& hash, Typed type) {
 }
 
 void add(Hash& hash, const TermWord& word) {
-    const auto* text = std::get_if<std::string>(&word);
+    const auto* text = std::get_if<std::string_view>(&word);
     add(hash, text != nullptr ? Typed::text : Typed::number);
     text != nullptr ? hash.bytes(*text) : hash.number(std::get<std::int64_t>(word));
 }
@@ -101,12 +101,12 @@ void add(Hash& hash, const TermWord& word) {
 Hash hashOf(const Term& term) {
     Hash hash;
     hash.number(term.property);
-    if (const auto* text = std::get_if<std::string>(&term.folded)) {
+    if (const auto* text = std::get_if<std::string_view>(&term.folded)) {
         add(hash, Typed::text);
         hash.bytes(*text);
-    } else if (const auto* bytes = std::get_if<Bytes>(&term.folded)) {
+    } else if (std::holds_alternative<std::monostate>(term.folded)) {
         add(hash, Typed::bytes);
-        hash.bytes({reinterpret_cast<const char*>(bytes->data()), bytes->size()});
+        hash.bytes({});
     } else {
         const auto* whole = std::get_if<std::int64_t>(&term.folded);
         add(hash, Typed::number);
@@ -236,19 +236,17 @@ class Checker {
             rows_.push_back(statement.integer(0));
             try {
                 const RecordRow row = impl_.rowFrom(statement);
-                const auto current = [&](std::string_view name, const Value& value) {
+                const auto current = [&](std::string_view name, std::string_view value) {
                     const PropertyRef ref{impl_.propertyId(row.kind, name).value_or(0), row.id};
                     if (!backlog.contains(ref)) {
                         expect(ref, value);
                     }
                 };
-                current(property::kCreation, row.creation);
-                current(property::kModification, row.modification);
-                for (const auto& [name, value] : impl_.decodeProperties(row)) {
-                    if (!isInternal(name)) {
-                        current(name, value);
-                    }
-                }
+                current(property::kCreation, encodeValue(row.creation));
+                current(property::kModification, encodeValue(row.modification));
+                impl_.visitValues(row, [&](std::string_view name, std::string_view value) {
+                    isInternal(name) ? static_cast<void>(decodeValue(value)) : current(name, value);
+                });
             } catch (const StoreError& error) {
                 recordsAreSound_ = false;
                 found_.emplace_back(error.what());
@@ -256,21 +254,25 @@ class Checker {
         }
         for (const auto& [ref, held] : backlog) {
             if (!held.empty()) {
-                expect(ref, decodeValue(held));
+                expect(ref, held);
             }
         }
         recordsAreKnown_ = true;
     }
 
-    // Adds what the indexes should hold of a value to the sums.
-    void expect(const PropertyRef& ref, const Value& value) {
+    // Adds what the indexes should hold of an encoded value to the sums.
+    void expect(const PropertyRef& ref, std::string_view value) {
+        entries_.clear();
+        entries_.add(ref.record, ref.property, value);
         if (!indexes_) {
             return;
         }
-        for (const Term& term : termsOf(ref.record, ref.property, value)) {
+        for (const Term& term : entries_.terms()) {
             terms_.add(hashOf(term));
         }
-        expectTrigrams(trigramText(value), trigramRow(ref.record, ref.property));
+        for (const IndexedText& text : entries_.texts()) {
+            expectTrigrams(text.text, text.row);
+        }
     }
 
     void expectTrigrams(std::string_view text, std::int64_t row) {
@@ -370,6 +372,7 @@ class Checker {
     std::vector<RowId> rows_;      // of all records, ascending
     bool recordsAreKnown_ = false; // all their rows
     bool recordsAreSound_ = true;  // and what is in them
+    IndexEntries entries_;         // of one value
     Sum terms_, trigrams_;
     std::vector<std::string> found_;
 };

@@ -147,10 +147,10 @@ class DateFloater {
     void flush() {
         std::erase_if(changes_, [this](const Change& change) { return backlog_.contains(change.ref); });
         for (const Change& change : changes_) {
-            index_.remove(change.ref.record, change.ref.property, change.before);
+            index_.remove(change.ref.record, change.ref.property, encodeValue(change.before));
         }
         for (const Change& change : changes_) {
-            index_.add(change.ref.record, change.ref.property, change.after);
+            index_.add(change.ref.record, change.ref.property, encodeValue(change.after));
         }
         index_.flush();
         changes_.clear();

@@ -4,9 +4,11 @@
 
 #include "frameworks/AddressBook/store/backlog.h"
 #include "frameworks/AddressBook/store/file/open_file.h"
+#include "frameworks/AddressBook/store/record_codec.h"
 #include "frameworks/AddressBook/store/sql/sql.h"
 #include "frameworks/AddressBook/store/store.h"
 
+#include <functional>
 #include <optional>
 #include <string>
 #include <string_view>
@@ -39,7 +41,11 @@ struct Store::Impl {
     int readTransactions = 0; // how many Store::ReadTransaction objects live; all share readTransaction
     std::optional<sql::Transaction> readTransaction;
     // Ids of property names that this connection has looked up, by Kind.
-    std::unordered_map<std::string, std::int64_t> propertyIds[2];
+    struct HashName {
+        using is_transparent = void;
+        std::size_t operator()(std::string_view name) const { return std::hash<std::string_view>()(name); }
+    };
+    std::unordered_map<std::string, std::int64_t, HashName, std::equal_to<>> propertyIds[2];
     Backlog knownBacklog;
     std::optional<std::uint32_t> backlogVersion; // the data version in which knownBacklog was read
 
@@ -76,6 +82,9 @@ struct Store::Impl {
     RecordRow rowFrom(const sql::Statement& statement) const;
     // Returns the values in the properties blob of [row].
     std::map<std::string, Value> decodeProperties(const RecordRow& row) const;
+    // Calls [visit] with the name and the encoded value of each property in the blob of [row]. Throws
+    // StoreError (damaged), also for a DamagedRecord that [visit] throws.
+    void visitValues(const RecordRow& row, const PropertyVisitor& visit) const;
 
     // Return the unique id and the kind in a column. Throw StoreError when the column holds something else.
     std::string uidIn(const sql::Statement& statement, int column) const;

@@ -1,35 +1,42 @@
 #include "frameworks/AddressBook/store/index.h"
 
 #include "frameworks/AddressBook/store/interned_words.h"
-#include "frameworks/AddressBook/values/comparison.h"
-#include "frameworks/AddressBook/values/text.h"
 
 #include <algorithm>
 #include <bit>
-#include <cmath>
+#include <string>
+#include <utility>
+#include <vector>
 
 namespace addressbook {
 namespace {
 
-// The most terms and texts that are gathered in memory before they are written.
-constexpr std::size_t kGatheredTerms = 200'000;
-constexpr std::size_t kGatheredTexts = 10'000;
+// The most terms, and bytes of text, that are gathered in memory before they are written.
+constexpr std::size_t kGatheredTerms = 160'000;
+constexpr std::size_t kGatheredBytes = std::size_t{8} * 1024 * 1024;
+// Rows that one statement inserts: much of what an insertion costs is spent once a statement.
+constexpr std::size_t kRowsAtOnce = 16;
 // Page budget of one merge of the text index's segments. Above kSmallTextIndex pages the number of segments
 // hardly matters, and merging is slow.
 constexpr std::int64_t kMergedPages = 64;
 constexpr std::int64_t kSmallTextIndex = 512;
 
+bool isFull(const IndexEntries& entries) {
+    return entries.terms().size() >= kGatheredTerms || entries.bytes() >= kGatheredBytes;
+}
+
+void bind(sql::Statement& statement, const TermWord& word) {
+    if (const auto* text = std::get_if<std::string_view>(&word)) {
+        statement.bindText(*text);
+    } else {
+        statement.bindInteger(std::get<std::int64_t>(word));
+    }
+}
+
 // Binds a term's columns in the order of its key.
 void bind(sql::Statement& statement, const Term& term) {
-    const auto word = [&](const TermWord& value) {
-        if (const auto* text = std::get_if<std::string>(&value)) {
-            statement.bindText(*text);
-        } else {
-            statement.bindInteger(std::get<std::int64_t>(value));
-        }
-    };
     statement.bindInteger(term.property);
-    if (const auto* text = std::get_if<std::string>(&term.folded)) {
+    if (const auto* text = std::get_if<std::string_view>(&term.folded)) {
         statement.bindText(*text);
     } else if (const auto* whole = std::get_if<std::int64_t>(&term.folded)) {
         statement.bindInteger(*whole);
@@ -39,14 +46,14 @@ void bind(sql::Statement& statement, const Term& term) {
         statement.bindBlob({});
     }
     statement.bindText(term.exact).bindInteger(term.record);
-    word(term.label);
-    word(term.key);
+    bind(statement, term.label);
+    bind(statement, term.key);
     statement.bindInteger(static_cast<int>(term.type));
 }
 
 // Returns a sort key for a term: the first eight bytes of its text, or its number, in the order of the table.
 std::uint64_t beginningOf(const Term& term) {
-    if (const auto* text = std::get_if<std::string>(&term.folded)) {
+    if (const auto* text = std::get_if<std::string_view>(&term.folded)) {
         std::uint64_t number = 0;
         for (std::size_t i = 0; i < 8; ++i) {
             number = number << 8 | (i < text->size() ? static_cast<unsigned char>((*text)[i]) : 0U);
@@ -63,15 +70,15 @@ std::uint64_t beginningOf(const Term& term) {
     return number < 0 ? ~bits : bits | (std::uint64_t{1} << 63);
 }
 
-// Runs a statement with the columns of each term, nearly in the order of the table. Sorts places by small
-// keys, and by whole texts only where the keys are equal, which takes a fraction of the time of sorting
-// terms.
-void runForEach(sql::Connection& connection, const char* sql, const std::vector<Term>& terms) {
-    struct Place {
-        std::int64_t property;
-        std::uint64_t beginning;
-        const Term* term; // those of earlier records come first
-    };
+struct Place {
+    std::int64_t property;
+    std::uint64_t beginning;
+    const Term* term; // those of earlier records come first
+};
+
+// Returns the terms nearly in the order of the table. Sorts places by small keys, and by whole texts only
+// where the keys are equal, which takes a fraction of the time of sorting terms.
+std::vector<Place> sorted(const std::vector<Term>& terms) {
     std::vector<Place> places;
     places.reserve(terms.size());
     for (const Term& term : terms) {
@@ -84,8 +91,8 @@ void runForEach(sql::Connection& connection, const char* sql, const std::vector<
         if (a.beginning != b.beginning) {
             return a.beginning < b.beginning;
         }
-        const auto* text = std::get_if<std::string>(&a.term->folded);
-        const auto* other = std::get_if<std::string>(&b.term->folded);
+        const auto* text = std::get_if<std::string_view>(&a.term->folded);
+        const auto* other = std::get_if<std::string_view>(&b.term->folded);
         if (text != nullptr && other != nullptr) {
             if (const int order = text->compare(*other); order != 0) {
                 return order < 0;
@@ -93,86 +100,49 @@ void runForEach(sql::Connection& connection, const char* sql, const std::vector<
         }
         return a.term < b.term;
     });
-    auto statement = connection.prepare(sql);
-    for (const Place& place : places) {
+    return places;
+}
+
+// Returns a statement that inserts [rows] terms. A failure need not undo the statement alone, as it ends the
+// transaction: SQLite does not keep the pages as they were before it.
+std::string insertion(std::size_t rows) {
+    std::string sql = "INSERT OR FAIL INTO term(property, folded, exact, record, label, key, type) VALUES ";
+    for (std::size_t row = 0; row < rows; ++row) {
+        sql += row == 0 ? "(?, ?, ?, ?, ?, ?, ?)" : ", (?, ?, ?, ?, ?, ?, ?)";
+    }
+    return sql;
+}
+
+void insert(sql::Connection& connection, const std::vector<Term>& terms) {
+    static const std::string kMany = insertion(kRowsAtOnce);
+    static const std::string kOne = insertion(1);
+    const std::vector<Place> places = sorted(terms);
+    std::size_t at = 0;
+    const auto insertRows = [&](const std::string& sql, std::size_t rows) {
+        auto statement = connection.prepareText(sql);
+        for (; places.size() - at >= rows; statement.reset()) {
+            for (const std::size_t end = at + rows; at < end; ++at) {
+                bind(statement, *places[at].term);
+            }
+            statement.exec();
+        }
+    };
+    insertRows(kMany, kRowsAtOnce);
+    insertRows(kOne, 1);
+}
+
+void remove(sql::Connection& connection, const std::vector<Term>& terms) {
+    auto statement = connection.prepare(
+        "DELETE FROM term WHERE property = ? AND folded = ? AND exact = ? AND record = ? AND label = ? "
+        "AND key = ? AND type = ?");
+    for (const Place& place : sorted(terms)) {
         bind(statement, *place.term);
         statement.exec();
         statement.reset();
     }
 }
 
-Term termOf(std::int64_t record, std::int64_t property, const Leaf& leaf) {
-    Term term;
-    term.property = property;
-    term.record = record;
-    term.label = termWord(leaf.label);
-    term.key = termWord(leaf.key);
-    term.type = termType(leaf.value);
-    if (const auto* text = leaf.value.as<std::string>()) {
-        const std::string normalized = normalize(*text);
-        const std::string folded = foldNormalized(normalized);
-        term.exact = beginning(normalized, kTermBytes);
-        term.folded = std::string(beginning(folded, kTermBytes));
-        if (normalized.size() > kTermBytes || folded.size() > kTermBytes) {
-            term.type = TermType::cutText;
-        }
-    } else if (const auto* whole = leaf.value.as<std::int64_t>()) {
-        term.folded = *whole;
-    } else if (const auto* real = leaf.value.as<double>(); real != nullptr && !std::isnan(*real)) {
-        term.folded = *real;
-    } else if (const auto* date = leaf.value.as<Date>(); date != nullptr && !std::isnan(date->seconds)) {
-        term.folded = date->seconds;
-    } else if (const auto* day = leaf.value.as<FloatingDate>(); day != nullptr && !std::isnan(day->seconds)) {
-        term.folded = day->seconds;
-    } else {
-        term.folded = Bytes();
-    }
-    return term;
-}
-
-// Appends [folded] in the form that the index of texts keeps; returns whether nothing was replaced.
-bool appendIndexed(std::string& out, std::string_view folded) {
-    bool unchanged = true;
-    for (std::size_t i = 0; i < folded.size(); ++i) {
-        const char c = folded[i];
-        if (c == '\0' || c == kTextBorder || c == kReplaced) {
-            out.push_back(kReplaced);
-            unchanged = false;
-        } else if (c == '\xED' && i + 2 < folded.size() &&
-                   static_cast<unsigned char>(folded[i + 1]) >= 0xA0) {
-            out.push_back(kReplaced); // a surrogate
-            unchanged = false;
-            i += 2;
-        } else if (c == '\xEF' && folded.substr(i, 2) == "\xEF\xBF" && i + 2 < folded.size() &&
-                   folded[i + 2] >= '\xBD') {
-            out.push_back(kReplaced); // U+FFFD, and what the tokenizer turns into it
-            unchanged = false;
-            i += 2;
-        } else {
-            out.push_back(c);
-        }
-    }
-    return unchanged;
-}
-
 } // namespace
-
-TermType termType(const Value& value) {
-    struct Types {
-        TermType operator()(std::monostate) const { return TermType::none; }
-        TermType operator()(const std::string&) const { return TermType::text; }
-        TermType operator()(std::int64_t) const { return TermType::integer; }
-        TermType operator()(double) const { return TermType::real; }
-        TermType operator()(const Date&) const { return TermType::date; }
-        TermType operator()(const FloatingDate&) const { return TermType::floatingDate; }
-        TermType operator()(const DateComponents&) const { return TermType::dateComponents; }
-        TermType operator()(const Bytes&) const { return TermType::data; }
-        TermType operator()(const Array&) const { return TermType::array; }
-        TermType operator()(const Dictionary&) const { return TermType::dictionary; }
-        TermType operator()(const MultiValue&) const { return TermType::emptyList; }
-    };
-    return std::visit(Types{}, static_cast<const Value::variant&>(value));
-}
 
 void bindWord(sql::Statement& statement, std::string_view word) {
     if (const int code = wordCode(word)) {
@@ -180,59 +150,6 @@ void bindWord(sql::Statement& statement, std::string_view word) {
     } else {
         statement.bindText(word);
     }
-}
-
-TermWord termWord(const std::string* word) {
-    if (word == nullptr) {
-        return std::int64_t{0};
-    }
-    if (const int code = wordCode(*word)) {
-        return std::int64_t{code};
-    }
-    return *word;
-}
-
-std::vector<Term> termsOf(std::int64_t record, std::int64_t property, const Value& value) {
-    std::vector<Term> terms;
-    visitLeaves(value, [&](const Leaf& leaf) {
-        // A dictionary with fields is represented by the terms of its fields.
-        const auto* fields = leaf.value.as<Dictionary>();
-        if (fields == nullptr || fields->empty() || leaf.key != nullptr) {
-            terms.push_back(termOf(record, property, leaf));
-        }
-        return false;
-    });
-    if (terms.empty() && !value.empty()) {
-        Term& term = terms.emplace_back();
-        term.property = property;
-        term.record = record;
-        term.folded = Bytes();
-        term.type = TermType::emptyList;
-    }
-    std::sort(terms.begin(), terms.end());
-    terms.erase(std::unique(terms.begin(), terms.end()), terms.end());
-    return terms;
-}
-
-std::string trigramText(const Value& value) {
-    std::string out;
-    visitLeaves(value, [&](const Leaf& leaf) {
-        if (const auto* text = leaf.value.as<std::string>()) {
-            if (out.empty()) {
-                out.push_back(kTextBorder);
-            }
-            appendIndexed(out, fold(*text));
-            out.push_back(kTextBorder);
-        }
-        return false;
-    });
-    return out;
-}
-
-TrigramNeedle trigramNeedle(std::string_view folded) {
-    TrigramNeedle needle;
-    needle.exact = appendIndexed(needle.text, folded);
-    return needle;
 }
 
 void tidyTexts(sql::Connection& connection) {
@@ -248,62 +165,56 @@ void tidyTexts(sql::Connection& connection) {
     }
 }
 
-void IndexWriter::add(std::int64_t record, std::int64_t property, const Value& value) {
-    auto terms = termsOf(record, property, value);
-    std::move(terms.begin(), terms.end(), std::back_inserter(terms_));
-    addText(record, property, value, Step::add);
-    if (terms_.size() >= kGatheredTerms) {
+void IndexWriter::add(std::int64_t record, std::int64_t property, std::string_view value) {
+    added_.add(record, property, value);
+    if (isFull(added_)) {
         flush();
     }
 }
 
-void IndexWriter::remove(std::int64_t record, std::int64_t property, const Value& value) {
-    if (!terms_.empty()) {
+void IndexWriter::remove(std::int64_t record, std::int64_t property, std::string_view value) {
+    if (!added_.empty()) {
         flush(); // it may have been added just now
     }
-    auto terms = termsOf(record, property, value);
-    std::move(terms.begin(), terms.end(), std::back_inserter(removed_));
-    addText(record, property, value, Step::remove);
-    if (removed_.size() >= kGatheredTerms) {
+    removed_.add(record, property, value);
+    if (isFull(removed_)) {
         flush();
-    }
-}
-
-void IndexWriter::addText(std::int64_t record, std::int64_t property, const Value& value, Step step) {
-    if (std::string text = trigramText(value); !text.empty()) {
-        texts_.push_back({trigramRow(record, property), step, std::move(text)});
-    }
-    if (texts_.size() >= kGatheredTexts) {
-        flushTexts();
     }
 }
 
 void IndexWriter::flush() {
-    runForEach(
-        connection_,
-        "DELETE FROM term WHERE property = ? AND folded = ? AND exact = ? AND record = ? AND label = ? "
-        "AND key = ? AND type = ?",
-        removed_);
-    removed_.clear();
-    runForEach(connection_,
-               "INSERT INTO term(property, folded, exact, record, label, key, type) "
-               "VALUES (?, ?, ?, ?, ?, ?, ?)",
-               terms_);
-    terms_.clear();
+    addressbook::remove(connection_, removed_.terms());
+    insert(connection_, added_.terms());
     flushTexts();
+    removed_.clear();
+    added_.clear();
 }
 
 void IndexWriter::flushTexts() {
+    struct Step {
+        std::int64_t row;
+        bool adds; // after removing
+        const IndexedText* text;
+    };
+    std::vector<Step> steps;
+    steps.reserve(removed_.texts().size() + added_.texts().size());
+    for (const IndexedText& text : removed_.texts()) {
+        steps.push_back({text.row, false, &text});
+    }
+    for (const IndexedText& text : added_.texts()) {
+        steps.push_back({text.row, true, &text});
+    }
     // In ascending order of rows: FTS5 starts a new segment whenever a row does not follow the one before.
-    std::sort(texts_.begin(), texts_.end());
+    std::sort(steps.begin(), steps.end(), [](const Step& a, const Step& b) {
+        return std::pair(a.row, a.adds) < std::pair(b.row, b.adds);
+    });
     auto adding = connection_.prepare("INSERT INTO trigram(rowid, text) VALUES (?, ?)");
     auto removing = connection_.prepare("INSERT INTO trigram(trigram, rowid, text) VALUES ('delete', ?, ?)");
-    for (const Text& text : texts_) {
-        auto& statement = text.step == Step::add ? adding : removing;
-        statement.bindInteger(text.row).bindText(text.text).exec();
+    for (const Step& step : steps) {
+        auto& statement = step.adds ? adding : removing;
+        statement.bindInteger(step.row).bindText(step.text->text).exec();
         statement.reset();
     }
-    texts_.clear();
 }
 
 } // namespace addressbook

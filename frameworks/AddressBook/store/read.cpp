@@ -92,14 +92,18 @@ std::string_view Store::Impl::encodedIn(const RecordRow& row, std::string_view p
 
 std::map<std::string, Value> Store::Impl::decodeProperties(const RecordRow& row) const {
     std::map<std::string, Value> values;
+    visitValues(row, [&](std::string_view name, std::string_view bytes) {
+        values.insert_or_assign(std::string(name), decodeValue(bytes));
+    });
+    return values;
+}
+
+void Store::Impl::visitValues(const RecordRow& row, const PropertyVisitor& visit) const {
     try {
-        visitProperties(row.properties, [&](std::string_view name, std::string_view bytes) {
-            values.insert_or_assign(std::string(name), decodeValue(bytes));
-        });
+        visitProperties(row.properties, visit);
     } catch (const DamagedRecord& error) {
         reportDamage(row.id, error.what());
     }
-    return values;
 }
 
 std::string Store::Impl::uidIn(const sql::Statement& statement, int column) const {

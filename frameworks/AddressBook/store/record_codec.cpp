@@ -1,6 +1,7 @@
 #include "frameworks/AddressBook/store/record_codec.h"
 
 #include "frameworks/AddressBook/store/interned_words.h"
+#include "frameworks/AddressBook/values/property.h"
 #include "frameworks/AddressBook/values/uid.h"
 
 #include <algorithm>
@@ -73,7 +74,8 @@ class Writer {
     }
     void value(const Value& value, int depth = 0);
     std::string take() { return std::move(out_); }
-    void append(std::string_view raw) { out_.append(raw); }
+    std::string_view written() const { return out_; }
+    void clear() { out_.clear(); }
 
   private:
     std::string out_;
@@ -416,6 +418,44 @@ EncodedList listIn(std::string_view value) {
     return list;
 }
 
+void leavesIn(std::string_view value, std::vector<EncodedLeaf>& leaves) {
+    const auto tagOf = [](std::string_view held) {
+        return held.empty() ? Tag::none : static_cast<Tag>(held.front());
+    };
+    const auto addOne = [&](std::string_view held, std::optional<std::string_view> label) {
+        Reader fields(held.substr(std::min<std::size_t>(held.size(), 1)));
+        std::size_t left = tagOf(held) == Tag::dictionary ? fields.items() : 0;
+        if (left == 0) {
+            leaves.push_back({held, label, std::nullopt});
+        }
+        for (; left > 0; --left) {
+            const std::string_view key = fields.word();
+            leaves.push_back({fields.encoded(2), label, key});
+        }
+        if (tagOf(held) == Tag::dictionary) {
+            fields.expectEnd();
+        }
+    };
+    if (tagOf(value) == Tag::none) {
+        return;
+    }
+    if (tagOf(value) != Tag::multiValue) {
+        return addOne(value, std::nullopt);
+    }
+    Reader list(value.substr(1));
+    list.identifier();
+    std::size_t left = list.items();
+    if (left == 0) {
+        leaves.push_back({value, std::nullopt, std::nullopt});
+    }
+    for (; left > 0; --left) {
+        list.identifier();
+        const std::string_view label = list.word();
+        addOne(list.encoded(1), label);
+    }
+    list.expectEnd();
+}
+
 void verifyChecksum(std::string_view record) {
     Reader reader(record);
     const std::uint64_t sum = reader.eightBytes();
@@ -461,17 +501,48 @@ std::optional<std::string_view> findProperty(std::string_view record, std::strin
     return std::nullopt;
 }
 
-std::string encodeRecord(const std::map<std::string, std::string>& values) {
-    Writer body;
-    for (const auto& [name, value] : values) {
-        body.word(name);
-        body.bytes(value);
-    }
-    const std::string bytes = body.take();
+namespace {
+
+// Returns a properties blob; [write] writes the properties.
+template <typename Write>
+std::string withChecksum(Write write) {
     Writer record;
-    record.eightBytes(checksum(bytes));
-    record.append(bytes);
-    return record.take();
+    record.eightBytes(0);
+    write(record);
+    std::string bytes = record.take();
+    Writer sum;
+    sum.eightBytes(checksum(std::string_view(bytes).substr(8)));
+    return bytes.replace(0, 8, sum.take());
+}
+
+} // namespace
+
+std::string encodeRecord(const std::map<std::string, std::string>& values) {
+    return withChecksum([&](Writer& record) {
+        for (const auto& [name, value] : values) {
+            record.word(name);
+            record.bytes(value);
+        }
+    });
+}
+
+std::string encodeValues(const std::map<std::string, Value>& values) {
+    return withChecksum([&](Writer& record) {
+        Writer encoded;
+        for (const auto& [name, value] : values) {
+            if (!value.empty() && isInRecord(name)) {
+                encoded.clear();
+                encoded.value(value);
+                record.word(name);
+                record.bytes(encoded.written());
+            }
+        }
+    });
+}
+
+bool isInRecord(std::string_view property) {
+    return property != property::kUid && property != property::kCreation &&
+           property != property::kModification && property != property::kImage;
 }
 
 std::string encodeUids(const std::vector<std::string>& uids) {

@@ -83,6 +83,15 @@ struct EncodedList {
 bool holdsList(std::string_view value);
 // Returns the entries of an encoded multi-value.
 EncodedList listIn(std::string_view value);
+// One of the values of a property that searches look at: a single value, an entry of a multi-value or a field
+// of a dictionary; also a dictionary without fields and a multi-value without entries. Its value is encoded.
+struct EncodedLeaf {
+    std::string_view value;
+    std::optional<std::string_view> label; // of the multi-value entry; none for a single value
+    std::optional<std::string_view> key;   // of the dictionary field; none for anything else
+};
+// Appends the leaves of an encoded value to [leaves]; "no value" has none.
+void leavesIn(std::string_view value, std::vector<EncodedLeaf>& leaves);
 // Returns the text of an encoded text value; nothing for a value of another type.
 std::optional<std::string_view> textIn(std::string_view value);
 
@@ -106,6 +115,13 @@ std::optional<std::string_view> findProperty(std::string_view record, std::strin
 
 // Returns the properties blob of these properties, given by name with their encoded values.
 std::string encodeRecord(const std::map<std::string, std::string>& values);
+// Returns the properties blob of a new record's values: those that a blob has (isInRecord) and that are not
+// empty. Throws std::length_error for a value nested too deeply.
+std::string encodeValues(const std::map<std::string, Value>& values);
+
+// Whether the properties blob has the property: all but the unique id, the two dates and the picture, which
+// have columns and a table of their own.
+bool isInRecord(std::string_view property);
 
 // Returns a list of unique ids as bytes, for the change log.
 std::string encodeUids(const std::vector<std::string>& uids);

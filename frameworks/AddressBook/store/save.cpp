@@ -30,9 +30,9 @@ constexpr std::size_t kMostBacklogBytes = 2048;
 // A large save updates the indexes each time this many values were replaced, to bound its memory.
 constexpr std::size_t kMostReplaced = 20'000;
 
+// Whether an update never writes the property.
 bool isKept(std::string_view property) {
-    return property == property::kUid || property == property::kCreation ||
-           property == property::kModification;
+    return !isInRecord(property) && property != property::kImage;
 }
 
 // The work of one save, inside its transaction.
@@ -92,7 +92,7 @@ class Saver {
     bool updated(const RecordRow& row);
 
     // Changes that the search indexes do not have yet.
-    void inserted(const RecordRow& row, std::string_view property, const Value& value);
+    void inserted(const RecordRow& row, std::string_view property, std::string_view value);
     void replaced(const RecordRow& row, std::string_view property, std::string_view before);
     void flushReplaced();
 
@@ -165,13 +165,13 @@ void Saver::removeRecord(const std::string& uid) {
     if (!row) {
         return;
     }
-    for (const auto& [name, value] : impl_.decodeProperties(*row)) {
+    impl_.visitValues(*row, [&](std::string_view name, std::string_view value) {
         if (!isInternal(name)) {
             index_.remove(row->id, propertyOf(*row, name), value);
         }
-    }
-    index_.remove(row->id, propertyOf(*row, property::kCreation), row->creation);
-    index_.remove(row->id, propertyOf(*row, property::kModification), row->modification);
+    });
+    index_.remove(row->id, propertyOf(*row, property::kCreation), encodeValue(row->creation));
+    index_.remove(row->id, propertyOf(*row, property::kModification), encodeValue(row->modification));
     db_.prepare("DELETE FROM picture WHERE record = ?").bindInteger(row->id).exec();
     db_.prepare("DELETE FROM membership WHERE parent = ?").bindInteger(row->id).exec();
     db_.prepare("DELETE FROM membership WHERE member = ?").bindInteger(row->id).exec();
@@ -202,14 +202,7 @@ void Saver::insertRecord(const RecordChange& change) {
                   .uid = change.uid,
                   .creation = changes_.time,
                   .modification = changes_.time,
-                  .properties = {}};
-    std::map<std::string, std::string> values;
-    for (const auto& [name, value] : change.values) {
-        if (!value.empty() && !isKept(name) && name != property::kImage) {
-            values.emplace(name, encodeValue(value));
-        }
-    }
-    row.properties = encodeRecord(values);
+                  .properties = change.card.empty() ? encodeValues(change.values) : change.card};
     if (const auto creation = change.values.find(std::string(property::kCreation));
         creation != change.values.end()) {
         if (const auto* date = creation->second.as<Date>()) {
@@ -231,15 +224,17 @@ void Saver::insertRecord(const RecordChange& change) {
         refuse("there is already a record " + row.uid);
     }
     row.id = db_.lastRow();
-    for (const auto& [name, value] : change.values) {
-        if (name == property::kImage) {
-            writePicture(row.id, value);
-        } else if (!value.empty() && !isKept(name) && !isInternal(name)) {
+    if (const auto picture = change.values.find(std::string(property::kImage));
+        picture != change.values.end()) {
+        writePicture(row.id, picture->second);
+    }
+    visitProperties(row.properties, [&](std::string_view name, std::string_view value) {
+        if (!isInternal(name)) {
             inserted(row, name, value);
         }
-    }
-    inserted(row, property::kCreation, row.creation);
-    inserted(row, property::kModification, row.modification);
+    });
+    inserted(row, property::kCreation, encodeValue(row.creation));
+    inserted(row, property::kModification, encodeValue(row.modification));
     changed_.insert(row.id);
     result_.inserted.push_back(row.uid);
     result_.insertedRows.push_back(row.id);
@@ -326,8 +321,8 @@ bool Saver::updated(const RecordRow& row) {
     return true;
 }
 
-// Notes a new record's value for the indexes.
-void Saver::inserted(const RecordRow& row, std::string_view property, const Value& value) {
+// Notes a new record's encoded value for the indexes.
+void Saver::inserted(const RecordRow& row, std::string_view property, std::string_view value) {
     if (small_) {
         replaced(row, property, {});
     } else {

@@ -78,13 +78,14 @@ void Store::Impl::rebuildIndexes() {
             db.prepare("SELECT id, kind, uid, creation, modification, card FROM record ORDER BY id");
         while (statement.step()) {
             const RecordRow row = rowFrom(statement);
-            index.add(row.id, ensureProperty(row.kind, property::kCreation), row.creation);
-            index.add(row.id, ensureProperty(row.kind, property::kModification), row.modification);
-            for (const auto& [name, held] : decodeProperties(row)) {
+            index.add(row.id, ensureProperty(row.kind, property::kCreation), encodeValue(row.creation));
+            index.add(row.id, ensureProperty(row.kind, property::kModification),
+                      encodeValue(row.modification));
+            visitValues(row, [&](std::string_view name, std::string_view held) {
                 if (!isInternal(name)) {
                     index.add(row.id, ensureProperty(row.kind, name), held);
                 }
-            }
+            });
         }
     }
     index.flush();
@@ -108,8 +109,7 @@ void Store::Impl::reopenIfChanged() {
 
 std::optional<std::int64_t> Store::Impl::propertyId(Kind kind, std::string_view name) {
     auto& known = propertyIds[static_cast<int>(kind)];
-    std::string key(name);
-    if (const auto found = known.find(key); found != known.end()) {
+    if (const auto found = known.find(name); found != known.end()) {
         return found->second;
     }
     auto statement = db.prepare("SELECT id FROM property WHERE kind = ? AND name = ?");
@@ -117,7 +117,7 @@ std::optional<std::int64_t> Store::Impl::propertyId(Kind kind, std::string_view 
     if (!statement.step()) {
         return std::nullopt;
     }
-    return known.emplace(std::move(key), statement.integer(0)).first->second;
+    return known.emplace(name, statement.integer(0)).first->second;
 }
 
 std::string Store::Impl::propertyName(std::int64_t id) {

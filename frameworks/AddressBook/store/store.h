@@ -51,8 +51,11 @@ struct RecordChange {
     std::string uid;
     Kind kind = Kind::person;
     bool insert = false;
-    std::map<std::string, Value>
-        values; // property -> new value; "no value" removes it. The picture is property::kImage
+    // Property -> new value; "no value" removes it. The picture is property::kImage.
+    std::map<std::string, Value> values;
+    // Of a new record, when it is not empty: all values but the picture and the creation date, already encoded
+    // (encodeValues), which takes far less memory. Not checked.
+    std::string card = {};
 };
 
 // One membership added or removed.

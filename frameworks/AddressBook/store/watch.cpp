@@ -105,8 +105,7 @@ bool Watch::listen() {
         close(events);
     }
     startPolling("The folder of the address book " + file_.string() + " cannot be watched (" +
-                 std::generic_category().message(error) +
-                 "): it is looked at once a second instead.");
+                 std::generic_category().message(error) + "): it is looked at once a second instead.");
     return false;
 }
 
