@@ -21,6 +21,7 @@ struct Environment {
     std::u16string folder; // of the scripts, an absolute path; empty without one
     std::function<std::vector<InstalledPlugin>()> plugins;
     std::function<std::vector<std::u16string>()> scriptNames;
+    bool allowsNetwork = false; // whether scripts may use the network
 
     // Of scripts.
     bool allowUserAbort = true;

@@ -106,7 +106,14 @@ class Session {
         if (interrupted_.load(std::memory_order_relaxed)) {
             return "stopped";
         }
-        return ++ticks_ % 256 == 0 && works_ > 0 && std::chrono::steady_clock::now() > deadline_
+        return ++ticks_ % 256 == 0 ? reasonToStopNow() : nullptr;
+    }
+    // Returns the same, and always reads the clock: for work that takes longer than a few nodes.
+    const char* reasonToStopNow() const {
+        if (interrupted_.load(std::memory_order_relaxed)) {
+            return "stopped";
+        }
+        return works_ > 0 && std::chrono::steady_clock::now() > deadline_
                    ? "stopped: it takes longer than --timeout allows"
                    : nullptr;
     }

@@ -2,13 +2,11 @@
 
 #include "host/console/exit_code.h"
 #include "host/console/show.h"
+#include "host/modules/installed_library.h"
 #include "host/values/text.h"
 
 #include <algorithm>
-#include <array>
-#include <climits>
 #include <cstdlib>
-#include <dlfcn.h>
 #include <iostream>
 #include <set>
 #include <thread>
@@ -22,14 +20,7 @@ fs::path defaultPlugin() {
     if (const char* path = std::getenv("FMHOST_PLUGIN"); path != nullptr && *path != '\0') {
         return path;
     }
-    // It stands beside the library of the plug-in interface, in the build folder as in an installation.
-    std::array<char, PATH_MAX> folder{};
-    void* wrapper = dlopen("libFMWrapper.so", RTLD_LAZY | RTLD_NOLOAD);
-    if (wrapper != nullptr) {
-        dlinfo(wrapper, RTLD_DI_ORIGIN, folder.data());
-        dlclose(wrapper);
-    }
-    return fs::path(folder.data()) / "Velocard";
+    return libraryFolder() / "Velocard";
 }
 
 namespace {
@@ -77,6 +68,7 @@ void Host::describeEnvironment(const HostOptions& options) {
     std::error_code error;
     fs::path folder = fs::weakly_canonical(options.scripts, error);
     environment.folder = fromUtf8(folder.string());
+    environment.allowsNetwork = options.allowsNetwork;
     environment.scriptNames = [folder] {
         std::set<std::u16string> names;
         std::error_code unreadable;
@@ -146,7 +138,7 @@ void Host::paused(std::chrono::duration<double> time) {
         idle(IdleLevel::scriptPaused);
     };
     tell();
-    while (Clock::now() < end && !session_.interruptFlag()) {
+    while (Clock::now() < end && session_.reasonToStopNow() == nullptr) {
         std::this_thread::sleep_for(std::min<Clock::duration>(kInterval, end - Clock::now()));
         tell();
     }

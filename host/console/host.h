@@ -18,6 +18,7 @@ struct HostOptions {
     std::chrono::seconds limit = LoadOptions().limit; // for the plug-in's start-up and shut-down; 0: none
     std::filesystem::path scripts = ".";              // the folder of scripts, which is the database file
     bool trace = false;                               // print the steps of scripts
+    bool allowsNetwork = false;                       // for scripts
     bool loadsCustomFunctions = true;                 // those of the folder of scripts
     std::chrono::seconds workLimit{0};                // for each calculation and script; 0: none
 };

@@ -27,6 +27,7 @@ struct CommandLine {
     int hostVersion = kHostVersion;
     long seconds = HostOptions().limit.count();
     long workSeconds = 0; // --timeout where it is given
+    bool allowsNetwork = false;
     std::string folder;
     std::string locale;
     FunctionQuery functions;
@@ -48,6 +49,7 @@ HostOptions hostOptions(const CommandLine& line) {
     options.hostVersion = line.hostVersion;
     options.limit = std::chrono::seconds(line.seconds);
     options.trace = line.trace;
+    options.allowsNetwork = line.allowsNetwork;
     options.workLimit = std::chrono::seconds(line.workSeconds);
     if (!line.folder.empty()) {
         options.scripts = line.folder;
@@ -84,6 +86,7 @@ void defineOptions(CLI::App& app, CommandLine& line) {
            "--locale", line.locale,
            "Dates, times and numbers as a file has them that was made there, for instance de_DE [en_US]")
         ->type_name("NAME");
+    app.add_flag("--allow-network", line.allowsNetwork, "Scripts may use the network (Insert from URL)");
     app.add_option("--folder", line.folder,
                    "The database file: a folder of scripts [the script's own, or this one]")
         ->type_name("DIR");

@@ -26,13 +26,18 @@ Value ScriptRunner::run(const std::filesystem::path& file, Value parameter) {
     }
 }
 
+// Throws CalcError when the scripts must end.
+void ScriptRunner::requireTime(const Script& script, const Step& step) const {
+    if (const char* reason = session_.reasonToStopNow()) {
+        throw CalcError(ErrorKind::evaluation, CalcCode::generic, script.source, step.begin, reason);
+    }
+}
+
 Value ScriptRunner::runSteps(const Script& script) {
     size_t at = 0;
     while (at < script.steps.size()) {
         const Step& step = script.steps[at];
-        if (const char* reason = session_.reasonToStop()) {
-            throw CalcError(ErrorKind::evaluation, CalcCode::generic, script.source, step.begin, reason);
-        }
+        requireTime(script, step);
         ++at;
         if (step.flow == Flow::jump) {
             at = step.target;

@@ -64,6 +64,7 @@ class ScriptRunner {
     friend class StepContext;
 
     Value runSteps(const Script& script);
+    void requireTime(const Script& script, const Step& step) const;
     void runOwn(StepContext& context, const Script& script, const Step& step);
     void runExternal(StepContext& context, const Script& script, const Step& step);
     void fail(const Script& script, const Step& step, const StepFailure& failure);

@@ -40,7 +40,15 @@ fs::path StepContext::path(size_t place) const {
     if (path.empty()) {
         fail(kDataMissing, "the path is empty", place);
     }
-    return fs::path(script_.source->name()).parent_path() / path;
+    return fileBeside(path);
+}
+
+fs::path StepContext::fileBeside(const std::string& name) const {
+    return fs::path(script_.source->name()).parent_path() / name;
+}
+
+void StepContext::requireTime() const {
+    runner_.requireTime(script_, step_);
 }
 
 void StepContext::assign(size_t place, Value value) const {
@@ -84,6 +92,7 @@ void StepContext::showDialog(const Value& title, const Value& message) const {
 
 void StepContext::pause(std::chrono::duration<double> time) const {
     runner_.listener_.paused(time);
+    requireTime();
 }
 
 void StepContext::beep() const {

@@ -40,6 +40,12 @@ class StepContext {
     // marks the kind of path. Fails when it is empty.
     std::filesystem::path path(size_t place) const;
 
+    // Returns a path relative to the script's folder.
+    std::filesystem::path fileBeside(const std::string& name) const;
+
+    // Throws CalcError when the script must end (Session::reasonToStopNow).
+    void requireTime() const;
+
     // Sets the variable of an argument; does nothing when it is not given.
     void assign(size_t place, Value value) const;
 

@@ -32,7 +32,7 @@ CSV = "frameworks/AddressBook/csv"
 OBJC = "frameworks/AddressBook/objc"
 APPLE = "frameworks/AddressBook/include", "frameworks/AppKit/include", "frameworks/ScriptingBridge/include"
 COMMAND_LINE = "tools/command_line"
-HOST = "host/values", "host/calc", "host/script", "host/check", "host/editor", "host/loader", "host/wrapper"
+HOST = "host/values", "host/calc", "host/modules", "host/script", "host/check", "host/editor", "host/loader", "host/wrapper"
 
 ROOMS = {
     "sdk": Room(why="the interface knows nobody"),
@@ -41,9 +41,12 @@ ROOMS = {
                    "the plug-in knows the sdk and the headers that Apple has, too"),
     "host/values": Room((), ("ICU", "Boost"), (), "the host's values are its lowest room"),
     "host/wrapper": Room(("host/values", "sdk"), ("ICU",), (), "the wrapper knows the host's values and the sdk"),
-    "host/calc": Room(("host/values",), ("ICU", "json", "GnuTLS", "nettle"), (),
-                      "calculations know the host's values alone"),
-    "host/script": Room(("host/calc", "host/values"), (), (), "scripts know calculations"),
+    "host/modules": Room((), ("dl",), (), "who loads libraries knows nothing of what is in them"),
+    "host/network": Room(("host/values",), ("curl",), (), "the network knows the host's values alone"),
+    "host/calc": Room(("host/values", "host/modules", "frameworks/AppKit/codec"), ("ICU", "json", "GnuTLS", "nettle"), (),
+                      "calculations know the host's values, and the codec of pictures, which they load"),
+    "host/script": Room(("host/calc", "host/values", "host/modules", "host/network"), (), (),
+                        "scripts know calculations, and the network, which they load"),
     "host/check": Room(("host/script", "host/calc", "host/values"), (), (), "checking knows scripts and calculations"),
     "host/editor": Room(("host/check", "host/script", "host/calc", "host/values"), ("json",), (),
                         "editors are told of scripts and calculations, not of who runs them"),
@@ -112,6 +115,7 @@ LIBRARIES = {
     "libedit": (r"histedit\.h|PkgConfig::LIBEDIT|PkgConfig::EDIT",),
     "systemd": (r"systemd/.*|PkgConfig::SYSTEMD",),
     "GraphicsMagick": (r"magick/.*|PkgConfig::GRAPHICSMAGICK",),
+    "curl": (r"curl/.*|PkgConfig::CURL",),
     "dl": (r"dlfcn\.h|link\.h|\$\{CMAKE_DL_LIBS\}",),
     "objc": (r"objc/.*|objc",),
     "Foundation": (r"Foundation/.*|velocard_foundation|gnustep-base",),

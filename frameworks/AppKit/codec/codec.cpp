@@ -5,6 +5,7 @@
 
 namespace appkit {
 
-extern "C" __attribute__((visibility("default"))) const Codec velocardPictureCodec = {decode, encode};
+extern "C" __attribute__((visibility("default")))
+const Codec velocardPictureCodec = {decode, encode, encodeResized};
 
 } // namespace appkit

@@ -45,6 +45,10 @@ struct Codec {
     // Returns the picture as a file; [quality], 0 to 1, is for JPEG. Empty when it cannot be written, for
     // instance because it has no pixels, or more than the format or the limits allow.
     std::vector<unsigned char> (*encode)(const Picture& picture, Format format, double quality);
+
+    // Returns the picture resized, as encode() would. Empty for a side of 0 or beyond the limits, too.
+    std::vector<unsigned char> (*encodeResized)(const Picture& picture, std::uint32_t width,
+                                                std::uint32_t height, Format format, double quality);
 };
 
 // The symbol that the codec library exports.

@@ -85,7 +85,16 @@ ImageHolder imageFrom(const Picture& picture, Format format, const ImageInfo* in
 } // namespace
 
 std::vector<unsigned char> encode(const Picture& picture, Format format, double quality) {
-    if (picture.width == 0 || picture.height == 0) {
+    return encodeResized(picture, picture.width, picture.height, format, quality);
+}
+
+std::vector<unsigned char> encodeResized(const Picture& picture, std::uint32_t width, std::uint32_t height,
+                                         Format format, double quality) {
+    if (picture.width == 0 || picture.height == 0 || width == 0 || height == 0) {
+        return {};
+    }
+    const bool isResized = width != picture.width || height != picture.height;
+    if (isResized && (width > kMaxSide || height > kMaxSide || std::uint64_t{width} * height > kMaxPixels)) {
         return {};
     }
     startLibrary();
@@ -99,12 +108,15 @@ std::vector<unsigned char> encode(const Picture& picture, Format format, double 
         info->type = picture.hasAlpha() && format == Format::png ? GrayscaleMatteType : GrayscaleType;
     }
     ImageHolder image = imageFrom(picture, format, info.get());
+    Report report;
+    if (image && isResized) {
+        image.reset(ResizeImage(image.get(), width, height, LanczosFilter, 1, report.get()));
+    }
     if (!image) {
         return {};
     }
     std::memcpy(image->magick, info->magick, sizeof image->magick);
     std::memcpy(image->filename, info->filename, sizeof image->filename);
-    Report report;
     std::size_t length = 0;
     const BlobHolder blob(ImageToBlob(info.get(), image.get(), &length, report.get()));
     if (!blob || report.failed()) {

@@ -1,6 +1,7 @@
 // Functions of containers: attributes, sizes, thumbnails.
 #include "host/calc/crypt.h"
 #include "host/calc/functions/groups.h"
+#include "host/calc/thumbnail.h"
 #include "host/values/container_file.h"
 #include "host/values/text.h"
 
@@ -117,6 +118,20 @@ Value getWidth(Session& /*session*/, Arguments in) {
     return integerValue(sides ? sides->first : 0);
 }
 
+// Returns the picture in the largest size that has its proportions, fits the width and the height, and is no
+// larger than it is: JPEG as JPEG, all others as PNG. Empty when there is no picture, or no room for one.
+Value getThumbnail(Session& /*session*/, Arguments in) {
+    const Container& container = in[0].asContainer();
+    const Container::Stream* file = fileStream(container);
+    const auto small = file == nullptr ? std::nullopt : thumbnail(file->bytes(), count(in[1]), count(in[2]));
+    if (!small) {
+        return {};
+    }
+    std::u16string name = container.fileNames().value_or(u"");
+    name = name.substr(0, name.find(u'\r'));
+    return Value::container(pictureContainer(thumbnailName(name, *small), *small));
+}
+
 // Returns 1 for any container, since nobody else can have changed those of this host.
 Value verifyContainer(Session& /*session*/, Arguments in) {
     return in[0].type() == ValueType::container ? integerValue(1) : Value::invalid();
@@ -130,7 +145,8 @@ constexpr Builtin kFunctions[] = {
     {u"GetLiveTextAsJSON ( container ; language )", Placeholder{u"?"},
      "Returns the text in a picture with its places."},
     {u"GetTextFromPDF ( container )", Placeholder{u"?"}, "Returns the text of a PDF document."},
-    {u"GetThumbnail ( field ; width ; height )", Placeholder{u""}, "Returns a small form of a picture."},
+    {u"GetThumbnail ( field ; width ; height )", getThumbnail,
+     "Returns a picture in a size that fits a width and a height."},
     {u"GetWidth ( field )", getWidth, "Returns the width of a picture in pixels."},
     {u"ReadQRCode ( container )", Placeholder{u"?"}, "Returns the text of a code in a picture."},
     {u"VerifyContainer ( field )", verifyContainer,

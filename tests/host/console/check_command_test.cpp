@@ -67,6 +67,10 @@ TEST_F(CheckCommandTest, TimeoutEndsCalculationsAndScripts) {
     write("endless.fmscript", "Loop\nEnd Loop\n");
     expect(plain("--timeout 1 run endless.fmscript"), ExitCode::failure, "",
            "endless.fmscript:2:1: stopped: it takes longer than --timeout allows\n    End Loop\n    ^\n");
+    write("pausing.fmscript", "Set Error Capture [ On ]\nPause/Resume Script [ Duration (seconds): 3600 ]\n");
+    expect(plain("--timeout 1 run pausing.fmscript"), ExitCode::failure, "",
+           "pausing.fmscript:2:1: stopped: it takes longer than --timeout allows\n    Pause/Resume Script [ "
+           "Duration (seconds): 3600 ]\n    ^\n");
     EXPECT_THAT(plain("--timeout 1 eval 'SetRecursion ( While ( i = 0 ; 1 ; i = i + 1 ; i ) ; 10^15 )'").err,
                 HasSubstr("stopped: it takes longer than --timeout allows"));
 }

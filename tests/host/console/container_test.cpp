@@ -65,6 +65,52 @@ TEST_F(ContainersTest, ThePluginSeesTheStreamsInTheirOrder) {
         "FNAM 10 SIZE 4 GIFf 42 1x1\nFNAM 10 SIZE 4 PNGf 29 300x32767\nFNAM 10 FILE 10 \nFNAM 10 FILE 42 \n");
 }
 
+// Returns a BMP of one colour.
+std::string bitmap(int width, int height) {
+    const int row = (width * 3 + 3) / 4 * 4;
+    std::string bytes(static_cast<size_t>(54 + row * height), '\x40');
+    const auto put = [&bytes](size_t at, int number, size_t size) {
+        for (size_t i = 0; i < size; ++i) {
+            bytes[at + i] = static_cast<char>(number >> (8 * i));
+        }
+    };
+    bytes.replace(0, 54, 54, '\0');
+    bytes.replace(0, 2, "BM");
+    put(2, 54 + row * height, 4);
+    put(10, 54, 4);
+    put(14, 40, 4);
+    put(18, width, 4);
+    put(22, height, 4);
+    put(26, 1, 2);
+    put(28, 24, 2);
+    return bytes;
+}
+
+TEST_F(ContainersTest, ThumbnailsFitAndKeepTheProportions) {
+    write("scripts/wide.bmp", bitmap(40, 20));
+    write("scripts/broken.bmp", bitmap(40, 20).substr(0, 200));
+    const std::string size =
+        "Substitute ( List ( GetAsText ( $s ) ; GetWidth ( $s ) ; GetHeight ( $s ) ) ; ¶ ; \" \" )";
+    const auto thumbnail = [&](const std::string& file, const std::string& sides) {
+        return script("Insert Picture [ $p ; \"" + file +
+                      "\" ]\nSet Variable [ $s ; Value: GetThumbnail ( $p ; " + sides +
+                      " ) ]\nExit Script [ Text Result: " + size + " ]")
+            .out;
+    };
+    EXPECT_EQ(thumbnail("wide.bmp", "10 ; 10"), "wide.png 10 5\n");
+    EXPECT_EQ(thumbnail("wide.bmp", "100 ; 5"), "wide.png 10 5\n");
+    EXPECT_EQ(thumbnail("wide.bmp", "1 ; 1"), "wide.png 1 1\n");
+    EXPECT_EQ(thumbnail("wide.bmp", "40 ; 20"), "wide.bmp 40 20\n"); // no larger than it is
+    EXPECT_EQ(thumbnail("wide.bmp", "400 ; 400"), "wide.bmp 40 20\n");
+    EXPECT_EQ(thumbnail("wide.bmp", "0 ; 10"), "0 0\n");
+    EXPECT_EQ(thumbnail("wide.bmp", "-1 ; \"\""), "0 0\n");
+    EXPECT_EQ(thumbnail("broken.bmp", "10 ; 10"), "0 0\n");
+    EXPECT_EQ(script("Insert Picture [ $p ; \"wide.bmp\" ]\nExit Script [ Text Result: Test_Streams ( "
+                     "GetThumbnail ( $p ; 10 ; 10 ) ) & IsEmpty ( GetThumbnail ( \"text\" ; 10 ; 10 ) ) ]")
+                  .out.substr(0, 20),
+              "FNAM 16 SIZE 4 PNGf ");
+}
+
 TEST_F(ContainersTest, PathsStartAtTheScript) {
     write("scripts/in/a.gif", kGif);
     write("b.gif", kGif);

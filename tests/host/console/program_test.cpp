@@ -128,7 +128,7 @@ TEST_F(ProgramTest, Info) {
     const Outcome info = good("info");
     EXPECT_EQ(info.out, "Name:       Test plug-in\nHelp text:  Helps testing.\nHelp at:    "
                         "https://example.com/help\nOptions:    TEST1nnYYnn\nInterface:  54\n"
-                        "Functions:  17\nSteps:      0\nFile:       " +
+                        "Functions:  19\nSteps:      0\nFile:       " +
                             kGood + "\n");
     EXPECT_EQ(info.err, "");
     expect(plain("info"), ExitCode::usage, "", "fmhost: no plug-in is loaded\n");
