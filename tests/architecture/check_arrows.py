@@ -29,6 +29,7 @@ STORE = "frameworks/AddressBook/store"
 MODEL = "frameworks/AddressBook/model"
 VCARD = "frameworks/AddressBook/vcard"
 CSV = "frameworks/AddressBook/csv"
+CARDDAV = "frameworks/AddressBook/carddav"
 OBJC = "frameworks/AddressBook/objc"
 APPLE = "frameworks/AddressBook/include", "frameworks/AppKit/include", "frameworks/ScriptingBridge/include"
 COMMAND_LINE = "tools/command_line"
@@ -59,6 +60,7 @@ ROOMS = {
     MODEL: Room((STORE, VALUES), (), (), "the model knows the store and values"),
     VCARD: Room((VALUES,), ("ICU", "Boost"), (), "vCards know values alone"),
     CSV: Room((VALUES,), ("ICU", "libcsv"), (), "CSV knows values alone"),
+    CARDDAV: Room((VALUES,), ("curl", "libxml2"), (), "CardDAV knows values alone, and no store"),
     OBJC: Room((MODEL, STORE, VCARD, VALUES, "frameworks/AddressBook/include", "frameworks/Foundation"),
                ("Foundation", "AddressBook", "Boost", "objc"), ("frameworks/CoreFoundation",),
                "the classes know what is below them and Foundation"),
@@ -105,6 +107,7 @@ ONE_UNIT = (
 LIBRARIES = {
     "SQLite": (r"sqlite3\.h|SQLite::SQLite3",),
     "ICU": (r"unicode/.*|ICU::\w+",),
+    "curl": (r"curl/.*|PkgConfig::CURL",),
     "libcsv": (r"csv\.h|libcsv",),
     "Boost": (r"boost/.*|Boost::\w+",),
     "GnuTLS": (r"gnutls/.*|PkgConfig::GNUTLS",),
@@ -115,7 +118,6 @@ LIBRARIES = {
     "libedit": (r"histedit\.h|PkgConfig::LIBEDIT|PkgConfig::EDIT",),
     "systemd": (r"systemd/.*|PkgConfig::SYSTEMD",),
     "GraphicsMagick": (r"magick/.*|PkgConfig::GRAPHICSMAGICK",),
-    "curl": (r"curl/.*|PkgConfig::CURL",),
     "dl": (r"dlfcn\.h|link\.h|\$\{CMAKE_DL_LIBS\}",),
     "objc": (r"objc/.*|objc",),
     "Foundation": (r"Foundation/.*|velocard_foundation|gnustep-base",),
