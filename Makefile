@@ -1,7 +1,7 @@
-# The two commands: `make demo` shows the main job on real input, `make test` runs the tests. CI adds lint and test-tsan.
+# The two commands: `make demo` shows the main job on real input, `make test` runs the tests. CI adds lint, test-tsan and test-interop.
 # Both install what is missing from packages.txt by themselves (Debian 12; root, or sudo).
 
-.PHONY: help demo bench test test-asan test-tsan test-long test-packages lint format build mac package picture setup clean
+.PHONY: help demo bench test test-asan test-tsan test-long test-packages test-interop lint format build mac package picture setup clean
 .DEFAULT_GOAL := help
 
 help: ## this list
@@ -49,6 +49,10 @@ package: setup ## Debian packages into build/release/packages
 test-packages: setup ## the packages in a clean Debian 12 root: installed, used, built with, upgraded, purged; needs root
 	@scripts/install-packages packages-packaging.txt
 	@scripts/test-packages
+
+test-interop: setup ## other address books read what addressbook exports; SAMPLES=FOLDER takes other cards than those here
+	@scripts/install-packages packages-interop.txt
+	@scripts/test-interop
 
 picture: setup ## draw docs/architecture.svg from docs/architecture.dot
 	@scripts/draw-architecture

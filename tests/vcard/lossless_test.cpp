@@ -184,22 +184,73 @@ TEST(Version4Test, APerson) {
                                                      "N:Berg;Ida;;Dr.;",
                                                      "FN:Mill",
                                                      "ORG:Mill;Bread",
-                                                     "EMAIL;PREF=1;TYPE=home:a@b.example",
-                                                     "TEL;TYPE=cell:1",
-                                                     "item1.ADR;TYPE=work:;;Lane 3;Town;;;",
+                                                     "EMAIL;PREF=1;TYPE=HOME:a@b.example",
+                                                     "TEL;TYPE=CELL:1",
+                                                     "item1.ADR;TYPE=WORK:;;Lane 3;Town;;;",
                                                      "item1.X-ABADR:dk",
                                                      "BDAY:--0229",
                                                      "ANNIVERSARY:20010203",
-                                                     "X-ANNIVERSARY:20010203",
-                                                     "X-EVOLUTION-ANNIVERSARY:20010203",
-                                                     "RELATED;VALUE=text;TYPE=spouse:Ole",
+                                                     "X-ANNIVERSARY;value=date:2001-02-03",
+                                                     "X-EVOLUTION-ANNIVERSARY;value=date:2001-02-03",
+                                                     "RELATED;VALUE=text;TYPE=SPOUSE:Ole",
                                                      "X-EVOLUTION-SPOUSE:Ole",
                                                      "KIND:org",
-                                                     "PHOTO:data:image/jpeg;base64,/9j/AAE=",
+                                                     "PHOTO;VALUE=uri:data:image/jpeg;base64,/9j/AAE=",
                                                      "CATEGORIES:a\\,b,c",
                                                      "UID:urn:uuid:6B29A774-D124-4822-B8D0-2780EC117F60",
                                                      "X-ABUID:6B29A774-D124-4822-B8D0-2780EC117F60:ABPerson",
                                                  }));
+}
+
+TEST(Version4Test, DataOfLinesThatNoPropertyHoldsComesBack) {
+    const std::vector<std::string> lines{"KEY;TYPE=PGP;ENCODING=b:QUJDREVG", "LOGO;ENCODING=b:QUJDREVG"};
+    const Card card = readOne(cardText({"N:A", lines[0], lines[1]}));
+    const auto version4 = written(card, WrittenVersion::v4);
+    EXPECT_TRUE(has(version4, "KEY;VALUE=uri:data:application/pgp-keys;base64,QUJDREVG"));
+    EXPECT_TRUE(has(version4, "LOGO;VALUE=uri:data:application/octet-stream;base64,QUJDREVG"));
+    EXPECT_EQ(unknownLines(readOne(write(card, WrittenVersion::v4))), lines);
+}
+
+TEST(Version4Test, NamesThatTheStandardDoesNotAllowAreValues) {
+    const std::vector<std::string> lines{"X-messaging/aim-All:a\\,b", "X-My Field;TYPE=x:1", "item1.X-A/B:c"};
+    const Card card = readOne(cardText({"N:A", lines[0], lines[1], lines[2], "item1.TEL:1"}));
+    const auto version4 = written(card, WrittenVersion::v4);
+    EXPECT_TRUE(has(version4, "X-ODD-LINE:X-messaging/aim-All:a\\\\\\,b"));
+    EXPECT_TRUE(has(version4, "item1.X-ODD-LINE:item1.X-A/B:c"));
+    for (const std::string& line : lines) {
+        EXPECT_TRUE(has(written(card), line));
+        EXPECT_TRUE(has(written(readOne(write(card, WrittenVersion::v4))), line));
+    }
+}
+
+// What other address books would stumble over.
+
+TEST(OtherReadersTest, CaretsAreQuoted) {
+    const Card card = readOne(cardText({"N:A", "ADR;LABEL=\"a^nb ^'c^'\":;;Elm 1;;;;"}));
+    EXPECT_TRUE(has(written(card), "ADR;LABEL=\"a^nb ^'c^'\":;;Elm 1;;;;"));
+}
+
+TEST(OtherReadersTest, ACommaAtAnEndIsNoList) {
+    const Card card = readOne(cardText({"N:Berg,;Ida;;;", "ADR:;;Elm 1,;Town;;;"}));
+    EXPECT_TRUE(has(written(card), "N:Berg\\,;Ida;;;"));
+    EXPECT_TRUE(has(written(card), "ADR:;;Elm 1\\,;Town;;;"));
+    const Card lists = readOne(cardText({"N:Berg,Tal;Ida;;;", "ADR:;;Elm 1,Floor 2;Town;;;"}));
+    EXPECT_TRUE(has(written(lists), "N:Berg,Tal;Ida;;;"));
+    EXPECT_TRUE(has(written(lists), "ADR:;;Elm 1,Floor 2;Town;;;"));
+}
+
+TEST(OtherReadersTest, ALabelThatIsOnlyAWordIsThatOfOtherPrograms) {
+    const Card card = readOne(cardText({"N:A", "item1.X-ABRELATEDNAMES:Ole", "item1.X-ABLabel:Spouse",
+                                        "item2.X-ABDATE:2001-02-03", "item2.X-ABLabel:anniversary"}));
+    EXPECT_TRUE(has(written(card), "X-EVOLUTION-SPOUSE:Ole"));
+    EXPECT_TRUE(has(written(card), "X-ANNIVERSARY;value=date:2001-02-03"));
+    for (const WrittenVersion version : {WrittenVersion::v3, WrittenVersion::v4}) {
+        EXPECT_TRUE(sameContents(card, readOne(write(card, version))));
+    }
+}
+
+TEST(OtherReadersTest, AProfileSaysNothing) {
+    EXPECT_EQ(unknownLines(readOne(cardText({"PROFILE:VCARD", "N:A"}))), std::vector<std::string>());
 }
 
 } // namespace

@@ -207,7 +207,7 @@ class Lines {
         for (std::size_t at = 0; at < list->entries.size(); ++at) {
             const Entry& entry = list->entries[at];
             const bool labelled = rule.use == Use::beside && rule.shape != Shape::messagingNames;
-            if (labelled && entry.label != rule.label) {
+            if (labelled && !sameLabel(entry.label, rule.label)) {
                 continue;
             }
             CardLine* line = writeValue(rule, entry.value, service);

@@ -56,6 +56,7 @@ class CardReader {
     void keep(std::string_view property, ContentLine& line, std::string asRead = {});
 
     // Properties with one value, and ids (read_values.cpp).
+    bool hasLists(const ContentLine& line) const;
     std::string listsOf(const ContentLine& line) const;
     std::string componentsOf(const ContentLine& line, std::size_t count = 0) const;
     bool readName(ContentLine& line);

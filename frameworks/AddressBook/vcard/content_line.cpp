@@ -192,7 +192,8 @@ std::string renderParams(const std::vector<Param>& params) {
                     value += byte;
                 }
             }
-            const bool quote = value.find_first_of(",;:") != std::string::npos;
+            // A caret needs no quotes, but some readers stop at one outside them.
+            const bool quote = value.find_first_of(",;:^") != std::string::npos;
             text += quote ? '"' + value + '"' : value;
         }
     }

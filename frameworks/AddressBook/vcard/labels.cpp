@@ -65,7 +65,21 @@ bool contains(const Table& table, std::string_view word) {
     return std::find(table.begin(), table.end(), word) != table.end();
 }
 
+// The word in a label of the framework's own; any other label as it is.
+std::string_view wordIn(std::string_view label) {
+    constexpr std::string_view kBefore = "_$!<", kBehind = ">!$_";
+    if (label.starts_with(kBefore) && label.ends_with(kBehind)) {
+        label.remove_prefix(kBefore.size());
+        label.remove_suffix(kBehind.size());
+    }
+    return label;
+}
+
 } // namespace
+
+bool sameLabel(std::string_view left, std::string_view right) {
+    return equalsIgnoringCase(wordIn(left), wordIn(right));
+}
 
 TypeMeaning meaningOf(const std::vector<std::string>& types, Entries entries) {
     TypeMeaning meaning;

@@ -32,6 +32,9 @@ struct TypeMeaning {
     std::vector<std::string> words;   // all words but "pref", in order and as written
 };
 
+// Whether two labels are the same word, be it the framework's own, as "_$!<Spouse>!$_", or just that word.
+bool sameLabel(std::string_view left, std::string_view right);
+
 // Returns the meaning of TYPE words. An unknown word becomes the label itself, so that custom labels are
 // kept.
 TypeMeaning meaningOf(const std::vector<std::string>& types, Entries entries);

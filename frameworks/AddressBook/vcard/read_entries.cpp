@@ -4,6 +4,7 @@
 
 #include "frameworks/AddressBook/values/uid.h"
 #include "frameworks/AddressBook/vcard/encoding.h"
+#include "frameworks/AddressBook/vcard/labels.h"
 #include "frameworks/AddressBook/vcard/line_values.h"
 
 namespace addressbook::vcard {
@@ -111,7 +112,7 @@ std::optional<std::size_t> CardReader::sameEntry(const Rule& rule, std::string_v
             repeated_.contains({each.property, each.entry, line.key})) {
             continue;
         }
-        if (entries[each.entry].label == label) {
+        if (sameLabel(entries[each.entry].label, label)) {
             best = each.entry;
             break;
         }

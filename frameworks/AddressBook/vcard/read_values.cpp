@@ -9,16 +9,32 @@
 
 namespace addressbook::vcard {
 
+// Whether a component has several parts. Where one of these is empty, it is a text whose comma the program did
+// not escape.
+bool CardReader::hasLists(const ContentLine& line) const {
+    if (version_ == Version::v21 || !hasUnescaped(line.value, ',')) {
+        return false;
+    }
+    for (const std::string_view component : splitEscaped(line.value, ';')) {
+        const auto parts = splitEscaped(component, ',');
+        const auto isEmpty = [](std::string_view part) { return trim(part).empty(); };
+        if (parts.size() > 1 && std::any_of(parts.begin(), parts.end(), isEmpty)) {
+            return false;
+        }
+    }
+    return true;
+}
+
 // Returns the value as read when its components are lists, which become one text each; else empty text.
 std::string CardReader::listsOf(const ContentLine& line) const {
-    return version_ != Version::v21 && hasUnescaped(line.value, ',') ? renderValue(line) : std::string();
+    return hasLists(line) ? renderValue(line) : std::string();
 }
 
 // The value as it is, but for commas that are no separators, with at least [count] components.
 std::string CardReader::componentsOf(const ContentLine& line, std::size_t count) const {
     const std::vector<std::string> parts = line.components(kMaxParts);
     std::string value;
-    if (version_ != Version::v21) {
+    if (version_ != Version::v21 && (!hasUnescaped(line.value, ',') || hasLists(line))) {
         value = renderValue(line);
     } else {
         for (const std::string& part : parts) {

@@ -136,6 +136,8 @@ std::variant<Card, Problem> Reader::Impl::finish(const std::string& unended) {
     content = {};
     if (auto* read = std::get_if<Card>(&card)) {
         read->skipped.insert(read->skipped.begin(), skipped.begin(), skipped.end());
+        std::stable_sort(read->skipped.begin(), read->skipped.end(),
+                         [](const Problem& left, const Problem& right) { return left.line < right.line; });
         read->unended = unended;
         return card;
     }

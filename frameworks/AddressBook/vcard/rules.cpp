@@ -77,6 +77,7 @@ constexpr std::array kRules{
     Rule{"X-ABLABEL", label, "", "", Use::readOnly},
     Rule{"X-ABADR", country, "", "", Use::readOnly},
     Rule{"VERSION", derived, "", "", Use::readOnly},
+    Rule{"PROFILE", derived, "", "", Use::readOnly},
     Rule{"PRODID", derived, "", "", Use::readOnly},
     Rule{"REV", derived, "", "", Use::readOnly},
 };

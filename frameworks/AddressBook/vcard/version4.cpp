@@ -29,6 +29,9 @@ constexpr std::array kMedia{
 };
 constexpr std::string_view kAnyMedia = "application/octet-stream";
 
+// Data is an address by itself; some readers look only at one that is called so.
+constexpr std::string_view kUri = ";VALUE=uri";
+
 // A property of 3.0 that 4.0 has not, and its name in 4.0.
 struct Renamed {
     std::string_view version3, version4;
@@ -39,11 +42,14 @@ constexpr std::array kRenamed{
     Renamed{"LABEL", "X-VCARD3-LABEL"},
     Renamed{"MAILER", "X-VCARD3-MAILER"},
     Renamed{"NAME", "X-VCARD3-NAME"},
-    Renamed{"PROFILE", "X-VCARD3-PROFILE"},
     Renamed{"SORT-STRING", "X-VCARD3-SORT-STRING"},
     Renamed{"X-ADDRESSBOOKSERVER-KIND", "KIND"},
     Renamed{"X-ADDRESSBOOKSERVER-MEMBER", "MEMBER"},
 };
+
+// A line whose name is none by the standard, which other readers would refuse with the whole card, is the value of
+// a line with this name.
+constexpr std::string_view kOddLine = "X-ODD-LINE";
 
 // Returns "1980-03-22" or "1980-03-22T10:00:00Z" in the form of 4.0: without hyphens and colons, and without
 // the year that stands for none.
@@ -81,7 +87,7 @@ void writePicture(CardLine& line) {
         }
     }
     line.value = "data:" + std::string(media) + ";base64," + line.value;
-    line.params.clear();
+    line.params = kUri;
 }
 
 } // namespace
@@ -101,12 +107,15 @@ void toVersion4(CardLine& line) {
         line.params.clear();
         break;
     case Shape::days:
+        if (line.rule->use == Use::beside) {
+            break; // for readers that know no other form of it than that of 3.0
+        }
         line.value = dayOf(line.value);
         line.params.clear();
-        if (line.rule->use == Use::written && line.label == ruleFor("ANNIVERSARY")->label) {
+        if (line.label == ruleFor("ANNIVERSARY")->label) {
             line.name = "ANNIVERSARY";
             line.label.reset();
-        } else if (line.rule->use == Use::written) {
+        } else {
             line.params = ";VALUE=date-and-or-time";
         }
         break;
@@ -125,6 +134,14 @@ void toVersion4(CardLine& line) {
 }
 
 void toVersion4(ContentLine& line) {
+    if (!isPlainName(line.name)) {
+        ContentLine odd;
+        odd.group = line.group; // stays in the value as well, or a name with a dot would be taken apart
+        odd.name = kOddLine;
+        odd.value = escape(render(line));
+        line = std::move(odd);
+        return;
+    }
     for (const Renamed& each : kRenamed) {
         if (line.key == each.version3) {
             line.name = each.version4;
@@ -142,6 +159,7 @@ void toVersion4(ContentLine& line) {
         }
         line.value = "data:" + std::string(media) + ";base64," + renderValue(line);
         line.transfer = Transfer::none;
+        line.params.push_back({"VALUE", {"uri"}});
     } else if (line.key == "GEO" && line.params.empty()) {
         if (const auto parts = line.components(3); parts.size() == 2) {
             line.value = "geo:" + parts[0] + ',' + parts[1];
@@ -152,6 +170,17 @@ void toVersion4(ContentLine& line) {
 }
 
 void fromVersion4(ContentLine& line) {
+    if (line.key == kOddLine) {
+        PropertyLine inside;
+        inside.text = line.text();
+        inside.number = line.number;
+        inside.utf8 = true;
+        if (auto odd = parseContentLine(inside)) {
+            odd->group = std::move(line.group);
+            line = *std::move(odd);
+        }
+        return;
+    }
     for (const Renamed& each : kRenamed) {
         if (line.key == each.version4 && each.version4 != "KIND") { // 3.0 may have that as well
             line.name = each.version3;
@@ -169,6 +198,7 @@ void fromVersion4(ContentLine& line) {
         const std::string_view media = std::string_view(head).substr(5, head.size() - 5 - kBase64.size());
         const auto* row = std::find_if(kMedia.begin(), kMedia.end(),
                                        [&](const Media& each) { return each.media == media; });
+        std::erase_if(line.params, [](const Param& param) { return param.name == "VALUE"; });
         if ((row == kMedia.end() && media != kAnyMedia) || (row != kMedia.end() && !line.params.empty())) {
             return;
         }

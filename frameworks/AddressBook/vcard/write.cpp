@@ -92,7 +92,7 @@ std::string paramsOf(const CardLine& line, WrittenVersion version) {
     } else {
         text = line.preferred ? ";PREF=1" + line.params : line.params;
         for (const std::string_view type : line.types) {
-            text += ";TYPE=" + lowerCase(type);
+            text.append(";TYPE=").append(type);
         }
     }
     return text + renderParams(line.extra);
