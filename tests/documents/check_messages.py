@@ -47,6 +47,7 @@ NO_MESSAGES = [
     (r"frameworks/AddressBook/objc/address_format\.mm", r"Format\{", ANY, "countries"),
     (r"frameworks/Foundation/NSMachPort\.m", ANY, r"^NSMachPort scheduled ports$", "a key"),
     (r"host/network/options\.cpp", ANY, r"^(Content-Type|Accept): ", "HTTP"),
+    (r"frameworks/AddressBook/carddav/", ANY, ANY, "in no program yet: with the first, this row goes"),
     (r"host/loader/plugin_host\.cpp", r"logic_error\(", ANY, "never met outside of tests"),
 ]
 TOKEN = re.compile(r'//[^\n]*|/\*.*?\*/|@?(?:u8|u|U|L)?R"(\w*)\(.*?\)\1"|@?(?:u8|u|U|L)?"(?:\\.|[^"\\\n])*"'
