@@ -13,6 +13,9 @@ namespace {
 // The number of characters by which names are compared, as the time grows with the square of the length.
 constexpr size_t kCompared = 64;
 
+// The least number of characters that are taken for the beginning of a name.
+constexpr size_t kBeginning = 2;
+
 // Returns the least number of insertions, deletions and replacements of a character, and swaps of neighbours,
 // that turn [a] into [b].
 size_t editDistance(std::u16string_view a, std::u16string_view b) {
@@ -43,9 +46,15 @@ Suggestion::Suggestion(std::u16string_view misspelt)
       bestDistance_(std::max<size_t>(1, misspelt_.size() / 3) + 1) {}
 
 void Suggestion::consider(std::u16string_view candidate) {
-    const size_t distance = editDistance(misspelt_, foldName(candidate.substr(0, kCompared)));
-    if (distance < bestDistance_) {
+    const std::u16string folded = foldName(candidate.substr(0, kCompared));
+    const bool isLonger = misspelt_.size() >= kBeginning && folded.starts_with(misspelt_);
+    if (bestIsLonger_ && !isLonger) {
+        return;
+    }
+    const size_t distance = isLonger ? folded.size() : editDistance(misspelt_, folded);
+    if (distance < bestDistance_ || isLonger != bestIsLonger_) {
         bestDistance_ = distance;
+        bestIsLonger_ = isLonger;
         best_ = candidate;
     }
 }

@@ -8,11 +8,6 @@ bool isBlank(std::string_view line) {
     return line.find_first_not_of(" \t") == std::string_view::npos;
 }
 
-bool isCheck(std::string_view line) {
-    return !line.empty() && (line[0] == '=' || line[0] == '~' || line[0] == '!') &&
-           (line.size() == 1 || line[1] == ' ');
-}
-
 class CalcTestParser {
   public:
     explicit CalcTestParser(bool isMarkdown) : isMarkdown_(isMarkdown), isInside_(!isMarkdown) {}
@@ -30,7 +25,7 @@ class CalcTestParser {
         if (isContinued_) {
             calculation_ += '\n';
             take(text);
-        } else if (isCheck(text)) {
+        } else if (isCalcCheck(text)) {
             check(text);
         } else if (isBlank(text) || text[0] == '#') {
             closeCalculation();

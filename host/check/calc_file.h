@@ -35,6 +35,13 @@ struct CalcTestFile {
     std::vector<CalcTestFault> faults;
 };
 
+// Whether a line says what the calculation before it must give.
+template <class Text>
+bool isCalcCheck(const Text& line) {
+    return !line.empty() && (line[0] == '=' || line[0] == '~' || line[0] == '!') &&
+           (line.size() == 1 || line[1] == ' ');
+}
+
 // Parses the text of a test file, which is Markdown when [isMarkdown].
 CalcTestFile parseCalcTest(std::string_view text, bool isMarkdown);
 

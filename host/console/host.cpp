@@ -96,20 +96,25 @@ Value Host::run(const fs::path& script, Value parameter) {
     return runner_.run(script, std::move(parameter));
 }
 
-bool Host::idle(IdleLevel level) {
+bool Host::idle(IdleLevel level, const std::function<void()>& beforeScript) {
     bool ran = false;
+    const auto run = [&](const ScriptQueue::Request& request) {
+        if (!ran && beforeScript) {
+            beforeScript();
+        }
+        ran = true;
+        runStarted(request);
+    };
     plugins_.idle(level);
     while (runner_.canRun()) {
         const auto request = queue_.pop();
         if (!request) {
             break;
         }
-        ran = true;
-        runStarted(*request);
+        run(*request);
     }
     if (const auto request = runner_.canRun() ? runner_.dueScript() : std::nullopt) {
-        ran = true;
-        runStarted(*request);
+        run(*request);
     }
     printWarnings();
     return ran;

@@ -53,8 +53,11 @@ class Host : private ScriptListener {
     Value run(const std::filesystem::path& script, Value parameter);
 
     // To be called between calculations or scripts: sends the plug-in the idle message, then runs the scripts
-    // that it has started, whose errors are written to standard error. Returns whether a script ran.
-    bool idle() { return idle(IdleLevel::userIdle); }
+    // that it has started, whose errors are written to standard error. Calls [beforeScript], if any, before the
+    // first of them. Returns whether a script ran.
+    bool idle(const std::function<void()>& beforeScript = {}) {
+        return idle(IdleLevel::userIdle, beforeScript);
+    }
 
     // Whether a script that the plug-in has started failed.
     bool startedScriptFailed() const { return startedScriptFailed_; }
@@ -64,7 +67,7 @@ class Host : private ScriptListener {
     void evaluated(const Script& script, const Step& step, const Value& result) override;
     void paused(std::chrono::duration<double> time) override;
     void beep() override;
-    bool idle(IdleLevel level);
+    bool idle(IdleLevel level, const std::function<void()>& beforeScript = {});
     void describeEnvironment(const HostOptions& options);
     void runStarted(const ScriptQueue::Request& request);
     void printWarnings();

@@ -256,7 +256,7 @@ ExitCode runCommand(const CLI::App& app, const CommandLine& line) {
         return runLanguageServer(options);
     }
     Host host(options);
-    if (app.get_subcommands().empty() && isatty(STDIN_FILENO) != 0) {
+    if (app.get_subcommands().empty() && isatty(STDIN_FILENO) != 0 && isatty(STDOUT_FILENO) != 0) {
         return runPrompt(host);
     }
     const ExitCode code = runOnHost(host, app, line);

@@ -1,25 +1,21 @@
 #include "host/console/prompt.h"
 
-#include "host/console/commands.h"
+#include "host/calc/parser.h"
 #include "host/console/host.h"
-#include "host/console/input_reader.h"
+#include "host/console/line_editor.h"
 #include "host/console/prompt_commands.h"
+#include "host/console/prompt_output.h"
 #include "host/console/show.h"
-#include "host/editor/assistance.h"
+#include "host/editor/highlight.h"
 #include "host/values/text.h"
 
+#include <algorithm>
 #include <atomic>
-#include <cerrno>
 #include <clocale>
 #include <csignal>
 #include <cstdlib>
-#include <cwchar>
 #include <filesystem>
-#include <histedit.h>
-#include <iostream>
 #include <memory>
-#include <poll.h>
-#include <unistd.h>
 
 namespace host {
 
@@ -27,8 +23,6 @@ namespace fs = std::filesystem;
 
 namespace {
 
-constexpr int kHistorySize = 1000;
-constexpr int kIdleMilliseconds = 100;
 volatile std::sig_atomic_t gInterrupted = 0;
 std::atomic<bool>* gStop = nullptr;
 
@@ -58,178 +52,256 @@ fs::path historyFile() {
     return error ? fs::path() : folder / "history";
 }
 
-class Prompt {
-  public:
-    explicit Prompt(Host& host)
-        : host_(host), reader_(host.session().functions(), ""), history_(history_init(), history_end),
-          line_(el_init("fmhost", stdin, stdout, stderr), el_end), file_(historyFile()) {
-        HistEvent event;
-        history(history_.get(), &event, H_SETSIZE, kHistorySize);
-        history(history_.get(), &event, H_SETUNIQUE, 1);
-        if (!file_.empty()) {
-            history(history_.get(), &event, H_LOAD, file_.c_str());
+// Returns what the plug-in's own function for its version answers, one that is called SOMETHING_Version; empty
+// without.
+std::string versionOf(Host& host) {
+    for (const FunctionInfo& function : host.functions()) {
+        if (function.minArguments == 0 && function.name.ends_with(u"_Version")) {
+            try {
+                return oneLine(host.session().evaluate(function.name));
+            } catch (const CalcError&) {
+                return "";
+            }
         }
-        el_set(line_.get(), EL_CLIENTDATA, this);
-        el_set(line_.get(), EL_EDITOR, "emacs");
-        el_set(line_.get(), EL_HIST, history, history_.get());
-        el_set(line_.get(), EL_PROMPT, prompt);
-        el_set(line_.get(), EL_GETCFN, readCharacter);
-        el_set(line_.get(), EL_ADDFN, "fm-complete", "Complete a name", complete);
-        el_set(line_.get(), EL_BIND, "^I", "fm-complete", nullptr);
-        el_source(line_.get(), nullptr);
     }
+    return "";
+}
 
-    ~Prompt() {
-        if (!file_.empty()) {
-            HistEvent event;
-            history(history_.get(), &event, H_SAVE, file_.c_str());
-        }
+// Greets with what is loaded, and with the address book when it is not the user's own.
+void greet(Host& host, const PromptOutput& out) {
+    std::string loaded = ", no plug-in";
+    if (const PluginInfo* const plugin = host.plugin()) {
+        const size_t count = host.functions().size();
+        const std::string version = versionOf(host);
+        loaded = " with " + toUtf8(plugin->name) + (version.empty() ? "" : " " + version) + ", " +
+                 std::to_string(count) + (count == 1 ? " function" : " functions");
     }
-    Prompt(const Prompt&) = delete;
-    Prompt& operator=(const Prompt&) = delete;
+    out.line(out.palette().paint("fmhost" + loaded, Palette::kStrong));
+    const char* const book = std::getenv("ADDRESSBOOK_HOME");
+    if (book != nullptr && *book != '\0') {
+        out.line("Address book: " + std::string(book) + " ($ADDRESSBOOK_HOME)");
+    }
+    out.line(out.palette().paint("Type a calculation, or :help. Ctrl-D leaves.", Palette::kDim));
+}
+
+class Prompt : private LineAssistant {
+  public:
+    explicit Prompt(Host& host) : host_(host), editor_(*this, historyFile(), gInterrupted) {}
 
     void run() {
-        std::cout << "fmhost: type a calculation, or help." << std::endl;
+        greet(host_, out_);
+        std::string text;
         while (true) {
-            int size = 0;
             gInterrupted = 0;
             host_.session().interruptFlag() = false; // Ctrl-C stops what was running, not the next script
-            // Sets raw mode before the prompt shows; otherwise the terminal would swallow a Ctrl-D typed at
-            // once.
-            el_set(line_.get(), EL_PREP_TERM, 1);
-            const char* text = el_gets(line_.get(), &size);
-            if (gInterrupted != 0) {
-                std::cout << std::endl;
-                reader_.clear();
-                el_reset(line_.get());
-            } else if (text == nullptr || size <= 0) {
-                std::cout << std::endl;
-                return;
-            } else if (!take(std::string(text, static_cast<size_t>(size)))) {
+            const LineEditor::Ending ending = editor_.read(text);
+            if (ending == LineEditor::Ending::closed ||
+                (ending == LineEditor::Ending::entered && !take(text))) {
                 return;
             }
         }
     }
 
   private:
-    static char* prompt(EditLine* line) {
-        static char ready[] = "> ";
-        static char open[] = ". ";
-        void* self = nullptr;
-        el_get(line, EL_CLIENTDATA, &self);
-        return static_cast<Prompt*>(self)->reader_.isOpen() ? open : ready;
+    bool isComplete(const std::string& text) override {
+        const auto argument = PromptCommands::argumentOf(text);
+        if (PromptCommands::isCommand(text) &&
+            (!argument || argument->kind != PromptCommands::Argument::calculation)) {
+            return true;
+        }
+        const auto source =
+            std::make_shared<Source>("", fromUtf8(text.substr(argument ? argument->begin : 0)));
+        try {
+            parseCalculation(source, host_.session().functions());
+            return true;
+        } catch (const CalcError& error) {
+            return error.kind() != ErrorKind::incomplete || isBlank(source);
+        }
     }
 
-    // Inserts what all names that may stand at the cursor begin with; lists them when that is nothing more.
-    static unsigned char complete(EditLine* line, int /*key*/) {
-        void* self = nullptr;
-        el_get(line, EL_CLIENTDATA, &self);
-        Host& host = static_cast<Prompt*>(self)->host_;
-        const LineInfo* info = el_line(line);
-        const std::u16string typed = fromUtf8(std::string(info->buffer, info->cursor));
-        const Document document("", typed);
-        CompletionList found =
-            completions(document, typed.size(), {host.session().functions(), host.stepRegistry()});
-        const std::u16string word = typed.substr(found.begin);
-        for (const auto& [name, value] : host.session().variables()) {
-            if (!word.empty() && name.starts_with(foldCase(word))) {
+    static bool isBlank(const SourcePtr& source) {
+        try {
+            return isBlankCalculation(source);
+        } catch (const CalcError&) {
+            return false; // a comment or a text without its end
+        }
+    }
+
+    Vocabulary known() { return {host_.session().functions(), host_.stepRegistry()}; }
+
+    // The calculation in a text: all of it, or a command's argument; nothing when that is none.
+    static std::optional<size_t> calculationIn(const std::u16string& text) {
+        const std::string line = toUtf8(text);
+        if (!PromptCommands::isCommand(line)) {
+            return 0;
+        }
+        const auto argument = PromptCommands::argumentOf(line);
+        return argument && argument->kind == PromptCommands::Argument::calculation
+                   ? std::optional(argument->begin)
+                   : std::nullopt;
+    }
+
+    CompletionList complete(const std::u16string& text) override {
+        const std::string line = toUtf8(text);
+        const auto argument = PromptCommands::argumentOf(line);
+        if (PromptCommands::isCommand(line) && !argument) {
+            return commandNames(text);
+        }
+        if (argument && argument->kind != PromptCommands::Argument::calculation) {
+            return argumentsFor(*argument, text);
+        }
+        CompletionList found = completions(Document("", text), text.size(), known());
+        const std::u16string word = text.substr(found.begin);
+        for (const auto& [name, value] : host_.session().variables()) {
+            const auto isThere = [&](const Completion& item) {
+                return foldCase(fromUtf8(item.name)) == name;
+            };
+            if (!word.empty() && name.starts_with(foldCase(word)) &&
+                std::none_of(found.items.begin(), found.items.end(), isThere)) {
                 found.items.push_back({CompletionKind::variable, toUtf8(name), "", ""});
             }
         }
-        if (found.items.empty()) {
-            return CC_REFRESH_BEEP;
-        }
-        std::u16string common = fromUtf8(found.items.front().name);
-        for (const Completion& item : found.items) {
-            const std::u16string name = foldCase(fromUtf8(item.name));
-            while (!name.starts_with(foldCase(common))) {
-                common.pop_back();
-            }
-        }
-        if (found.items.size() > 1 && common.size() <= word.size()) {
-            std::cout << '\n';
-            for (const Completion& item : found.items) {
-                std::cout << (item.prototype.empty() ? item.name : item.prototype) << '\n';
-            }
-            std::cout << std::flush;
-            return CC_REDISPLAY;
-        }
-        el_deletestr(line, static_cast<int>(word.size()));
-        el_insertstr(line, toUtf8(common).c_str());
-        return CC_REFRESH;
+        return found;
     }
 
-    // Waits for a character in the locale's encoding; meanwhile runs the host's idle work.
-    static int readCharacter(EditLine* line, wchar_t* result) {
-        void* self = nullptr;
-        el_get(line, EL_CLIENTDATA, &self);
-        std::mbstate_t state{};
-        while (true) {
-            pollfd input{STDIN_FILENO, POLLIN, 0};
-            const int ready = poll(&input, 1, kIdleMilliseconds);
-            if (gInterrupted != 0 || (ready < 0 && errno != EINTR)) {
-                return -1;
-            }
-            if (ready <= 0) {
-                if (static_cast<Prompt*>(self)->host_.idle()) {
-                    el_set(line, EL_REFRESH); // a script may have overwritten the line
-                }
-                continue;
-            }
-            char byte = 0;
-            if (read(STDIN_FILENO, &byte, 1) != 1) {
-                return 0;
-            }
-            const size_t used = std::mbrtowc(result, &byte, 1, &state);
-            if (used == static_cast<size_t>(-1)) {
-                state = {}; // bytes that are no character in the locale are ignored
-            } else if (used != static_cast<size_t>(-2)) {
-                return 1;
+    // Keeps those of the names that begin with what stands from [begin] to the end of the text.
+    static CompletionList beginningWith(const std::u16string& text, size_t begin,
+                                        const std::vector<std::string>& names) {
+        CompletionList found{begin, {}};
+        for (const std::string& name : names) {
+            if (foldCase(fromUtf8(name)).starts_with(foldCase(text.substr(begin)))) {
+                found.items.push_back({CompletionKind::keyword, name, "", ""});
             }
         }
+        return found;
     }
 
-    // Handles one line of input; returns false to leave the prompt.
-    bool take(std::string text) {
-        while (text.ends_with('\n') || text.ends_with('\r')) {
-            text.pop_back();
+    static CompletionList commandNames(const std::u16string& text) {
+        return beginningWith(text, std::min(text.find_first_not_of(u" \t:"), text.size()),
+                             PromptCommands::names());
+    }
+
+    // Commands are ASCII, so that offsets in UTF-8 are those in UTF-16 up to the argument.
+    CompletionList argumentsFor(const PromptCommands::ArgumentAt& argument, const std::u16string& text) {
+        std::vector<std::string> names;
+        size_t begin = argument.begin;
+        if (argument.kind == PromptCommands::Argument::name) {
+            for (const Sheet& sheet : allSheets(known())) {
+                names.push_back(sheet.name);
+            }
+        } else if (argument.kind == PromptCommands::Argument::script) {
+            for (const std::u16string& name : host_.session().environment().scriptNames()) {
+                names.push_back(toUtf8(name));
+            }
+        } else if (argument.kind == PromptCommands::Argument::file) {
+            const fs::path typed = toUtf8(text.substr(begin));
+            begin = text.size() - fromUtf8(typed.filename().string()).size();
+            std::error_code unreadable;
+            const fs::path folder = typed.has_parent_path() ? typed.parent_path() : ".";
+            for (const auto& entry : fs::directory_iterator(folder, unreadable)) {
+                names.push_back(entry.path().filename().string() +
+                                (entry.is_directory(unreadable) ? "/" : ""));
+            }
+            std::sort(names.begin(), names.end());
         }
-        if (!reader_.isOpen() && (text == "quit" || text == "exit")) {
-            return false; // not worth remembering
+        return beginningWith(text, begin, names);
+    }
+
+    std::vector<std::string_view> attributes(const std::u16string& text) override {
+        std::vector<std::string_view> result(text.size());
+        const auto paint = [&](size_t begin, size_t end, std::string_view attribute) {
+            std::fill(result.begin() + static_cast<ptrdiff_t>(begin),
+                      result.begin() + static_cast<ptrdiff_t>(end), attribute);
+        };
+        const std::optional<size_t> begin = calculationIn(text);
+        if (!out_.palette().isOn) {
+            return result;
         }
-        if (text.find_first_not_of(" \t") != std::string::npos) {
-            HistEvent event;
-            history(history_.get(), &event, H_ENTER, text.c_str());
+        if (begin != 0) {
+            const size_t name = std::min(text.find_first_not_of(u" \t"), text.size());
+            paint(name, std::min(text.find_first_of(u" \t", name), text.size()), Palette::kStrong);
         }
-        if (!reader_.isOpen() && PromptCommands::isCommand(text)) {
+        if (begin) {
+            for (const Highlight& part : highlights(Document("", text.substr(*begin)), known())) {
+                paint(*begin + part.begin, *begin + part.end, attributeOf(part.role));
+            }
+        }
+        return result;
+    }
+
+    // The prototype of the function whose name or arguments the cursor stands in, with its argument there.
+    std::string hint(const std::u16string& text, size_t cursor, size_t columns) override {
+        const std::optional<size_t> begin = calculationIn(text);
+        if (!begin || cursor < *begin) {
+            return "";
+        }
+        const Document document("", text.substr(*begin));
+        const size_t offset = cursor - *begin;
+        std::optional<CallAt> call = callAt(document, offset, known());
+        if (const auto sheet = sheetAt(document, offset, known());
+            sheet && sheet->kind == SheetKind::function) {
+            call = CallAt{*sheet, SIZE_MAX};
+        }
+        if (!call || call->sheet.prototypes[0].find('(') == std::string::npos) {
+            return "";
+        }
+        return paintedHint(*call, columns);
+    }
+
+    std::string paintedHint(const CallAt& call, size_t columns) const {
+        std::u16string prototype = fromUtf8(call.sheet.prototypes[0]);
+        if (prototype.size() > columns) {
+            prototype = prototype.substr(0, columns - 1) + u'\u2026';
+        }
+        const auto places = parameterPlaces(prototype);
+        const Palette& palette = out_.palette();
+        if (call.argument >= places.size()) {
+            return palette.paint(toUtf8(prototype), Palette::kDim);
+        }
+        const auto [begin, end] = places[call.argument];
+        return palette.paint(toUtf8(prototype.substr(0, begin)), Palette::kDim) +
+               palette.paint(toUtf8(prototype.substr(begin, end - begin)), Palette::kStrong) +
+               palette.paint(toUtf8(prototype.substr(end)), Palette::kDim);
+    }
+
+    bool idle(const std::function<void()>& beforeOutput) override { return host_.idle(beforeOutput); }
+
+    // Handles what was entered; returns false to leave the prompt.
+    bool take(const std::string& text) {
+        if (text.find_first_not_of(" \t\n") == std::string::npos) {
+            return true;
+        }
+        if (text != "quit" && text != "exit") { // not worth remembering
+            editor_.remember(text);
+        }
+        if (PromptCommands::isCommand(text)) {
             const bool goesOn = commands_.run(text);
-            commands_.showWatched();
+            if (goesOn) {
+                commands_.showWatched();
+            }
             return goesOn;
         }
         evaluate(text);
-        if (!reader_.isOpen()) {
-            commands_.showWatched();
-        }
+        commands_.showWatched();
         return true;
     }
 
     void evaluate(const std::string& text) {
+        const auto source = std::make_shared<Source>("", fromUtf8(text));
         try {
-            if (const auto calculation = reader_.addLine(text)) {
-                std::cout << severalLines(host_.session().evaluate(*calculation)) << std::endl;
+            if (!isBlank(source)) {
+                out_.result(host_.session().evaluate(parseCalculation(source, host_.session().functions())));
                 host_.idle();
             }
         } catch (const CalcError& error) {
-            std::cout << error.report() << std::endl;
+            out_.error(error);
         }
     }
 
     Host& host_;
-    InputReader reader_;
-    PromptCommands commands_{host_, std::cout};
-    std::unique_ptr<History, decltype(&history_end)> history_;
-    std::unique_ptr<EditLine, decltype(&el_end)> line_;
-    fs::path file_;
+    PromptOutput out_;
+    PromptCommands commands_{host_, out_};
+    LineEditor editor_;
 };
 
 } // namespace

@@ -15,25 +15,57 @@ std::string typeName(StreamType type) {
     return name;
 }
 
-std::string summary(const Container& container) {
-    std::string result;
-    const auto add = [&result](const std::string& part) { result += (result.empty() ? "" : ", ") + part; };
-    if (container.isEmpty()) {
-        add("empty");
-    }
-    if (const auto names = container.fileNames()) {
-        add("\"" + toUtf8(*names) + "\"");
-    }
-    if (const auto size = container.pictureSize()) {
-        add(std::to_string(size->first) + " x " + std::to_string(size->second));
-    }
-    for (const Container::Stream& stream : container) {
-        if (stream.type() != Container::kFileNames && stream.type() != Container::kSize) {
-            const size_t size = stream.bytes().size();
-            add(typeName(stream.type()) + " " + std::to_string(size) + (size == 1 ? " byte" : " bytes"));
+// Returns what the only stream of a container is called.
+std::string_view kindOf(StreamType type) {
+    struct Kind {
+        StreamType type;
+        std::string_view name;
+    };
+    static constexpr Kind kKinds[] = {
+        {StreamType::of("PNGf"), "picture PNG"}, {StreamType::of("JPEG"), "picture JPEG"},
+        {StreamType::of("GIFf"), "picture GIF"}, {StreamType::of("BMPf"), "picture BMP"},
+        {StreamType::of("FILE"), "file"},
+    };
+    for (const Kind& kind : kKinds) {
+        if (kind.type == type) {
+            return kind.name;
         }
     }
-    return "[container: " + result + "]";
+    return {};
+}
+
+// Returns "3,412 bytes".
+std::string sizeText(size_t size) {
+    std::string digits = std::to_string(size);
+    for (size_t i = digits.size(); i > 3; i -= 3) {
+        digits.insert(i - 3, ",");
+    }
+    return digits + (size == 1 ? " byte" : " bytes");
+}
+
+std::string summary(const Container& container) {
+    std::vector<const Container::Stream*> streams;
+    for (const Container::Stream& stream : container) {
+        if (stream.type() != Container::kFileNames && stream.type() != Container::kSize) {
+            streams.push_back(&stream);
+        }
+    }
+    const std::string_view kind = streams.size() == 1 ? kindOf(streams[0]->type()) : "";
+    std::string result(kind.empty() ? "container" : kind);
+    if (container.isEmpty()) {
+        result += ", empty";
+    }
+    if (const auto names = container.fileNames()) {
+        result += ", \"" + toUtf8(*names) + "\"";
+    }
+    if (const auto size = container.pictureSize()) {
+        result += ", " + std::to_string(size->first) + " x " + std::to_string(size->second);
+    }
+    for (const Container::Stream* stream : streams) {
+        result +=
+            (kind.empty() ? ", " + typeName(stream->type()) + " " : ", ") + sizeText(stream->bytes().size());
+    }
+    return "[" + result + "]";
 }
 
 // Returns the text of [value] with [lineEnd] for every line end.

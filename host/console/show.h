@@ -10,7 +10,8 @@
 namespace host {
 
 // Returns the value on one line: carriage returns and line feeds are shown as paragraph marks. A container is
-// shown by its name, size and streams: [container: "a.png", 20 x 10, PNGf 312 bytes].
+// shown by its kind, name and size: [picture PNG, "a.png", 20 x 10, 3,412 bytes]; by its streams when it has others:
+// [container, "a.png", GIFf 78 bytes, BMPf 78 bytes].
 std::string oneLine(const Value& value);
 
 // Returns the value with line feeds for its carriage returns.

@@ -337,27 +337,14 @@ class Server {
         }
         Json signatures = Json::array();
         for (const std::string& prototype : call->sheet.prototypes) {
-            signatures.push_back({{"label", prototype},
-                                  {"documentation", call->sheet.description},
-                                  {"parameters", parametersOf(prototype)}});
+            Json places = Json::array();
+            for (const auto& [begin, end] : parameterPlaces(fromUtf8(prototype))) {
+                places.push_back({{"label", {begin, end}}});
+            }
+            signatures.push_back(
+                {{"label", prototype}, {"documentation", call->sheet.description}, {"parameters", places}});
         }
         return {{"signatures", signatures}, {"activeSignature", 0}, {"activeParameter", call->argument}};
-    }
-
-    // The parameters of a prototype as the protocol wants them: where each stands in the label.
-    static Json parametersOf(const std::string& prototype) {
-        Json result = Json::array();
-        const std::u16string text = fromUtf8(prototype);
-        for (size_t begin = text.find(u'('); begin < text.size();) {
-            const size_t end = std::min(text.find_first_of(u";)", begin + 1), text.size());
-            const size_t first = text.find_first_not_of(u" {;(", begin);
-            const size_t last = text.find_last_not_of(u" {;)}", end);
-            if (first < end && last != std::u16string::npos && last >= first) {
-                result.push_back({{"label", {first, last + 1}}});
-            }
-            begin = end < text.size() && text[end] == u';' ? end : text.size();
-        }
-        return result;
     }
 
     Json definition(const Json& parameters) {

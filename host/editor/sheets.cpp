@@ -5,6 +5,8 @@
 #include "host/script/own_steps.h"
 #include "host/values/text.h"
 
+#include <algorithm>
+
 namespace host {
 
 std::vector<Sheet> allSheets(const Vocabulary& known) {
@@ -60,6 +62,20 @@ std::optional<Sheet> findSheet(std::string_view name, const Vocabulary& known) {
         }
     }
     return std::nullopt;
+}
+
+std::vector<std::pair<size_t, size_t>> parameterPlaces(std::u16string_view prototype) {
+    std::vector<std::pair<size_t, size_t>> places;
+    for (size_t begin = prototype.find(u'('); begin < prototype.size();) {
+        const size_t end = std::min(prototype.find_first_of(u";)", begin + 1), prototype.size());
+        const size_t first = prototype.find_first_not_of(u" {;(", begin);
+        const size_t last = prototype.find_last_not_of(u" {;)}", end);
+        if (first < end && last != std::u16string::npos && last >= first) {
+            places.emplace_back(first, last + 1);
+        }
+        begin = end < prototype.size() && prototype[end] == u';' ? end : prototype.size();
+    }
+    return places;
 }
 
 } // namespace host

@@ -7,6 +7,7 @@
 #include <optional>
 #include <string>
 #include <string_view>
+#include <utility>
 #include <vector>
 
 namespace host {
@@ -26,5 +27,8 @@ std::vector<Sheet> allSheets(const Vocabulary& known);
 
 // The sheet of a function, a Get name or a constant, or else of a script step; letter case does not count.
 std::optional<Sheet> findSheet(std::string_view name, const Vocabulary& known);
+
+// Returns where each parameter stands in a prototype: offsets, half open.
+std::vector<std::pair<size_t, size_t>> parameterPlaces(std::u16string_view prototype);
 
 } // namespace host

@@ -47,7 +47,7 @@ TEST_F(ContainersTest, APictureComesInAndGoesOut) {
                   "Export Field Contents [ $picture ; \"copy \" & $picture ]\n"
                   "Show Custom Dialog [ $picture & \" \" & Length ( $picture ) ; Get ( LastError ) ]\n"
                   "Exit Script [ Text Result: $picture ]"),
-           ExitCode::ok, "pixel.jpg 42\n0\n[container: \"pixel.jpg\", 1 x 1, GIFf 42 bytes]\n", "");
+           ExitCode::ok, "pixel.jpg 42\n0\n[picture GIF, \"pixel.jpg\", 1 x 1, 42 bytes]\n", "");
     EXPECT_EQ(read(folder_ / "scripts" / "copy pixel.jpg"), kGif);
 }
 
@@ -138,12 +138,12 @@ TEST_F(ContainersTest, WhatAPluginMadeIsKeptShownAndExported) {
                   "$p ; \"width\" ) ; "
                   "GetContainerAttribute ( $p ; \"height\" ) ]\nExport Field Contents [ $p ; \"p.bmp\" ]\n"
                   "Insert Picture [ $back ; \"p.bmp\" ]\nExit Script [ Text Result: $back ]"),
-           ExitCode::ok, "2\n3\n[container: \"p.bmp\", 2 x 3, BMPf 78 bytes]\n", "");
+           ExitCode::ok, "2\n3\n[picture BMP, \"p.bmp\", 2 x 3, 78 bytes]\n", "");
     const Outcome shown =
         good("eval Test_Picture 'Test_Echo ( Test_Picture ) = Test_Picture' 'IsEmpty ( Test_Picture )' "
              "'\"<\" & Test_Picture & \">\"' 'Base64Decode ( \"\" ; \"e\" )'");
-    EXPECT_EQ(shown.out, "[container: 9 x 9, GIFf 78 bytes, BMPf 78 bytes, PNGf 78 bytes]\n1\n0\n<>\n"
-                         "[container: \"e\", FILE 0 bytes]\n");
+    EXPECT_EQ(shown.out, "[container, 9 x 9, GIFf 78 bytes, BMPf 78 bytes, PNGf 78 bytes]\n1\n0\n<>\n"
+                         "[file, \"e\", 0 bytes]\n");
 }
 
 TEST_F(ContainersTest, FilesThatCanNotBeRead) {

@@ -1,102 +1,18 @@
 // The interactive prompt, on a pseudo-terminal.
-#include "tests/support/temporary_folder.h"
+#include "tests/host/console/terminal.h"
 
-#include <chrono>
-#include <csignal>
-#include <cstdlib>
-#include <filesystem>
 #include <fstream>
 #include <gmock/gmock.h>
-#include <gtest/gtest.h>
 #include <iterator>
-#include <poll.h>
-#include <pty.h>
-#include <string>
-#include <sys/wait.h>
-#include <unistd.h>
 
 namespace host {
 namespace {
 
-namespace fs = std::filesystem;
 using testing::HasSubstr;
 
-constexpr int kPatience = 20'000; // milliseconds for an answer of the program
-
-class PromptTest : public testing::Test {
+class PromptTest : public TerminalTest {
   protected:
     PromptTest() { start(); }
-    ~PromptTest() override {
-        if (terminal_ >= 0) {
-            close(terminal_);
-            waitpid(program_, nullptr, 0);
-        }
-    }
-
-    void start() {
-        program_ = forkpty(&terminal_, nullptr, nullptr, nullptr);
-        if (program_ == 0) {
-            if (chdir(folder_.c_str()) != 0) {
-                _exit(127);
-            }
-            setenv("XDG_STATE_HOME", (folder_ / "state").c_str(), 1);
-            setenv("TERM", "dumb", 1);
-            setenv("LC_ALL", "C", 1);
-            execl(FMHOST, FMHOST, "--plugin", TEST_PLUGINS "/good_plugin.fmx", nullptr);
-            _exit(127);
-        }
-        ASSERT_GT(program_, 0) << "no pseudo-terminal: is /dev/pts there?";
-        waitFor("> ");
-    }
-
-    void type(const std::string& text) {
-        seen_.clear();
-        ASSERT_EQ(write(terminal_, text.data(), text.size()), static_cast<ssize_t>(text.size()));
-    }
-
-    // Reads until [text] has appeared since the last typing.
-    void waitFor(const std::string& text) {
-        while (seen_.find(text) == std::string::npos) {
-            pollfd input{terminal_, POLLIN, 0};
-            char buffer[4096];
-            ssize_t size = 0;
-            if (poll(&input, 1, kPatience) > 0) {
-                size = read(terminal_, buffer, sizeof buffer);
-            }
-            if (size <= 0) {
-                FAIL() << "no " << text << " in: " << seen_;
-            }
-            seen_.append(buffer, static_cast<size_t>(size));
-        }
-    }
-
-    // Types a line and waits for what follows its echo.
-    void enter(const std::string& line, const std::string& answer) {
-        type(line + "\r");
-        waitFor("\n" + answer);
-    }
-
-    int exitStatus() {
-        int status = 0;
-        char buffer[4096];
-        pollfd output{terminal_, POLLIN, 0};
-        while (poll(&output, 1, kPatience) > 0 && read(terminal_, buffer, sizeof buffer) > 0) {
-        }
-        if (output.revents == 0) {
-            ADD_FAILURE() << "the program does not end";
-            kill(program_, SIGKILL);
-        }
-        waitpid(program_, &status, 0);
-        close(terminal_);
-        terminal_ = -1;
-        return WIFEXITED(status) ? WEXITSTATUS(status) : -1;
-    }
-
-    support::TemporaryHome home_;
-    fs::path folder_ = home_.path();
-    std::string seen_;
-    int terminal_ = -1;
-    pid_t program_ = 0;
 };
 
 TEST_F(PromptTest, EvaluatesAndKeepsVariables) {
@@ -114,6 +30,7 @@ TEST_F(PromptTest, HelpOnAFunction) {
     enter("help Get", "Get ( name )\r\n");
     enter("help UUID", "Get ( UUID )\r\n");
     enter("help xyzzy", "there is no function called xyzzy\r\n");
+    enter("help weekofy", "there is no function called weekofy; did you mean WeekOfYear?\r\n");
 }
 
 TEST_F(PromptTest, AMistakeDoesNotEndIt) {
@@ -122,10 +39,9 @@ TEST_F(PromptTest, AMistakeDoesNotEndIt) {
     enter("1 + 1", "2\r\n");
 }
 
-TEST_F(PromptTest, AnIncompleteLineGoesOnAndControlCDropsIt) {
-    enter("1 +", ". ");
-    enter("2", "3\r\n");
-    enter("( 1", ". ");
+TEST_F(PromptTest, ControlCDropsALine) {
+    type("( 1 + 2");
+    waitFor("2");
     type("\x03");
     waitFor("> ");
     enter("5", "5\r\n");
@@ -151,9 +67,11 @@ TEST_F(PromptTest, Commands) {
     enter(":time 2 + 3", "5\r\n");
     waitFor(" ms\r\n");
     enter(":nonsense", "there is no command :nonsense; :help lists them\r\n");
+    enter(":wacth 1", "there is no command :wacth; did you mean :watch? :help lists them\r\n");
     enter(":time", "expected CALCULATION after :time\r\n");
     enter("?weekofyear", "WeekOfYear ( date )\r\n");
-    enter(":watch 1 +", "1:4: expected a value");
+    enter(":watch 1 + )", "1:5: expected a value");
+    enter(":watch )", "1:1: expected a value");
     std::ofstream(folder_ / "some.txt") << "Let ( $y = 5 ;\n$y )\n";
     enter(":load some.txt", "5\r\n");
     enter(":load none.txt", "can not read none.txt: No such file or directory\r\n");
@@ -179,6 +97,23 @@ TEST_F(PromptTest, TabCompletesNames) {
     type("\x03");
 }
 
+TEST_F(PromptTest, TabCompletesCommandsAndTheirArguments) {
+    std::ofstream(folder_ / "Greets all.fmscript") << "Exit Script [ Text Result: \"hel\" & \"lo\" ]";
+    std::filesystem::create_directory(folder_ / "inner");
+    std::ofstream(folder_ / "inner" / "some.txt") << "40 + 2\n";
+    type(":ty\t 1\r");
+    waitFor("\nnumber\r\n");
+    type(":run gre\t\r");
+    waitFor("\nhello\r\n");
+    type(":load inn\tso\t\r");
+    waitFor("\n42\r\n");
+    type("?lastmess\t\r");
+    waitFor("\nGet ( LastMessageChoice )\r\n");
+    type(":type Weekofyearf\t");
+    waitFor("WeekOfYearFiscal");
+    type("\x03");
+}
+
 TEST_F(PromptTest, ControlDLeaves) {
     type("\x04");
     EXPECT_EQ(exitStatus(), 0);
@@ -186,13 +121,18 @@ TEST_F(PromptTest, ControlDLeaves) {
 
 TEST_F(PromptTest, KeepsAHistory) {
     enter("1 + 41", "42\r\n");
+    enter("2 + 41", "43\r\n");
+    const auto history = [&] {
+        std::ifstream file(folder_ / "state" / "fmhost" / "history");
+        return std::string{std::istreambuf_iterator<char>(file), {}};
+    };
+    // Each entry is written at once: a plug-in that crashes costs none.
+    EXPECT_EQ(history(), "_HiStOrY_V2_\n1\\040+\\04041\n2\\040+\\04041\n");
     enter("quit", "");
     EXPECT_EQ(exitStatus(), 0);
-    std::ifstream file(folder_ / "state" / "fmhost" / "history");
-    const std::string history{std::istreambuf_iterator<char>(file), {}};
-    EXPECT_THAT(history, HasSubstr("1\\040+\\04041"));
+    EXPECT_THAT(history(), Not(HasSubstr("quit")));
     start();
-    type("\x10"); // the line before
+    type("\x10\x10"); // two lines before
     waitFor("1 + 41");
     enter("", "42\r\n");
 }
