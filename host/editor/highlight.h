@@ -15,10 +15,10 @@ enum class TextRole : uint8_t {
     number,
     variable, // with its dollar signs
     function, // known, of the language, a plug-in or the folder
-    unknown,  // a name before "(" that is no known function
     property, // a name in Get ( )
     constant,
     keyword, // and, or, xor, not; a script step
+    unknown, // a name before "(" that is no known function
 };
 
 // A part of a text that has a role. Names of Let, operators and brackets have none.

@@ -6,9 +6,12 @@
 #include "host/calc/registry.h"
 #include "host/editor/assistance.h"
 #include "host/editor/format.h"
+#include "host/editor/highlight.h"
 #include "host/script/script_library.h"
 #include "host/values/text.h"
 
+#include <algorithm>
+#include <array>
 #include <cctype>
 #include <charconv>
 #include <istream>
@@ -37,6 +40,11 @@ struct RpcError {
     RpcCode code;
     std::string message;
 };
+
+// The protocol's names for the roles of TextRole, in their order. An unknown function has none.
+constexpr std::array kTokenTypes = {"comment",  "string",   "number",     "variable",
+                                    "function", "property", "enumMember", "keyword"};
+static_assert(kTokenTypes.size() == static_cast<size_t>(TextRole::unknown));
 
 constexpr size_t kMaxMessage = size_t{256} << 20;
 
@@ -185,6 +193,7 @@ class Server {
             {"textDocument/signatureHelp", &Server::signatureHelp},
             {"textDocument/definition", &Server::definition},
             {"textDocument/formatting", &Server::formatting},
+            {"textDocument/semanticTokens/full", &Server::semanticTokens},
         };
         const auto found = kMethods.find(name);
         if (found == kMethods.end()) {
@@ -206,7 +215,10 @@ class Server {
                   {"hoverProvider", true},
                   {"signatureHelpProvider", {{"triggerCharacters", {"(", ";"}}}},
                   {"definitionProvider", true},
-                  {"documentFormattingProvider", true}}}};
+                  {"documentFormattingProvider", true},
+                  {"semanticTokensProvider",
+                   {{"legend", {{"tokenTypes", kTokenTypes}, {"tokenModifiers", Json::array()}}},
+                    {"full", true}}}}}};
     }
     Json ignore(const Json& /*parameters*/) { return nullptr; }
     Json shutDown(const Json& /*parameters*/) {
@@ -375,6 +387,32 @@ class Server {
         } catch (const CalcError&) {
             return Json::array();
         }
+    }
+
+    // Five numbers for each part, or each line of it: lines and characters after the one before, length, type,
+    // modifiers.
+    Json semanticTokens(const Json& parameters) {
+        const Document& document = documentOf(parameters);
+        enter(document);
+        Json data = Json::array();
+        EditorPosition last;
+        for (const Highlight& part : highlights(document, known_)) {
+            if (part.role == TextRole::unknown) {
+                continue; // its diagnostic shows it
+            }
+            for (size_t at = part.begin; at < part.end;) {
+                const size_t end = std::min(document.text().find_first_of(u"\r\n", at), part.end);
+                const EditorPosition place = document.position(at);
+                if (end > at) {
+                    data.insert(data.end(), {place.line - last.line,
+                                             place.character - (place.line == last.line ? last.character : 0),
+                                             end - at, static_cast<int>(part.role), 0});
+                    last = place;
+                }
+                at = end + 1;
+            }
+        }
+        return {{"data", data}};
     }
 
     std::istream& in_;

@@ -102,6 +102,25 @@ TEST_F(LanguageServerTest, TellsWhatItCan) {
     EXPECT_EQ(outcome_.err, "");
 }
 
+TEST_F(LanguageServerTest, SemanticTokensSayWhatEachPartIs) {
+    // Positions are UTF-16; a comment of two lines is two tokens; an unknown function is none.
+    open("a.calc",
+         "\"\U0001F600\" & Upper ( $x ) & Nobody ( 12 )\n= x\nGet ( LastError ) /* a \\\nb */\n= 0\n");
+    request(1, "textDocument/semanticTokens/full", {{"textDocument", {{"uri", uri("a.calc")}}}});
+    talk();
+    EXPECT_EQ(result(1).at("data"), Json({0, 0,  4, 1, 0, // the text
+                                          0, 7,  5, 4, 0, // Upper
+                                          0, 8,  2, 3, 0, // $x
+                                          0, 16, 2, 2, 0, // 12
+                                          2, 0,  3, 4, 0, // Get
+                                          0, 6,  9, 5, 0, // LastError
+                                          0, 12, 6, 0, 0, // the comment
+                                          1, 0,  4, 0, 0}));
+    EXPECT_EQ(
+        result(1000).at("capabilities").at("semanticTokensProvider").at("legend").at("tokenTypes").at(4),
+        "function");
+}
+
 TEST_F(LanguageServerTest, DiagnosticsFollowTheText) {
     // Positions are UTF-16: the emoji counts two.
     open("a.fmscript", "Set Variable [ $x ; Value: \"😀\" & Lenght ( 1 ) ]\n");
