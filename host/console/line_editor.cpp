@@ -146,7 +146,7 @@ void LineEditor::bindKeys() {
         Function{"fm-paste", paste, {"\x1b[200~"}},
     };
     for (const Function& one : functions) {
-        el_set(line_.get(), EL_ADDFN, one.name, "of fmhost", one.function);
+        el_set(line_.get(), EL_ADDFN, one.name, one.name, one.function);
         for (const char* const key : one.keys) {
             el_set(line_.get(), EL_BIND, key, one.name, nullptr);
         }
