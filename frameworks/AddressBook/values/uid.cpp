@@ -1,6 +1,9 @@
 #include "frameworks/AddressBook/values/uid.h"
 
+#include <array>
+#include <atomic>
 #include <cerrno>
+#include <pthread.h>
 #include <system_error>
 #include <unistd.h>
 
@@ -23,6 +26,30 @@ constexpr bool isDash(std::size_t at) {
     return at == 8 || at == 13 || at == 18 || at == 23;
 }
 constexpr std::size_t kUuidText = 36;
+
+// The number of times that this process is a fork of another: a child must not give the random numbers that
+// its parent has in store.
+std::atomic<unsigned> forks{0};
+
+// Returns random bytes for a UUID. Asks the system for those of several at a time.
+std::string randomBytes() {
+    static const int noticesForks = pthread_atfork(nullptr, nullptr, [] { ++forks; });
+    struct Stock {
+        std::array<char, 16 * kUuidBytes> bytes; // as many as the system gives at once
+        std::size_t left = 0;
+        unsigned fork = 0;
+    };
+    thread_local Stock stock;
+    if (stock.left == 0 || stock.fork != forks || noticesForks != 0) {
+        if (getentropy(stock.bytes.data(), stock.bytes.size()) != 0) {
+            throw std::system_error(errno, std::generic_category(), "no random number can be had");
+        }
+        stock.left = stock.bytes.size();
+        stock.fork = forks;
+    }
+    stock.left -= kUuidBytes;
+    return {stock.bytes.data() + stock.left, kUuidBytes};
+}
 
 } // namespace
 
@@ -86,10 +113,7 @@ std::optional<std::string> unpackUid(std::string_view bytes) {
 }
 
 std::string newUuid() {
-    std::string bytes(kUuidBytes, '\0');
-    if (getentropy(bytes.data(), bytes.size()) != 0) {
-        throw std::system_error(errno, std::generic_category(), "no random number can be had");
-    }
+    std::string bytes = randomBytes();
     bytes[6] = static_cast<char>((bytes[6] & 0x0F) | 0x40); // random, as opposed to made from a clock
     bytes[8] = static_cast<char>((bytes[8] & 0x3F) | 0x80);
     return *unpackUid(bytes);

@@ -35,8 +35,13 @@ std::string textOf(const ContentLine& line) {
                      [](char byte) { return byte != ' ' && byte != '\t'; });
         return text;
     }
-    for (const std::string& part : line.components(kMaxParts)) {
-        text.append(part).append(1, kBetweenParts);
+    for (const std::string_view part : splitEscaped(line.value, ';', kMaxParts)) {
+        if (part.find_first_of("\\\r") == std::string_view::npos) { // nearly always
+            text.append(trim(part));
+        } else {
+            text.append(trim(unescape(part, line.transfer == Transfer::quotedPrintable)));
+        }
+        text += kBetweenParts;
     }
     text.erase(text.find_last_not_of(kBetweenParts) + 1); // empty parts at the end say nothing
     return text;

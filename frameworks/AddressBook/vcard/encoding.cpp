@@ -38,6 +38,20 @@ std::size_t utf8Length(std::string_view bytes) {
     return (length == 3 && code < 0x800) || (length == 4 && (code < 0x10000 || code > 0x10FFFF)) ? 0 : length;
 }
 
+// Whether the bytes are UTF-8 as the standard has it, without lone surrogates.
+bool isStandardUtf8(std::string_view bytes) {
+    while (!bytes.empty()) {
+        const std::size_t length = utf8Length(bytes);
+        const bool surrogate =
+            length == 3 && bytes[0] == '\xED' && static_cast<unsigned char>(bytes[1]) >= 0xA0;
+        if (length == 0 || surrogate) {
+            return false;
+        }
+        bytes.remove_prefix(length);
+    }
+    return true;
+}
+
 struct CloseConverter {
     void operator()(UConverter* converter) const { ucnv_close(converter); }
 };
@@ -90,6 +104,9 @@ std::string toUtf8(std::string bytes, std::string_view charset) {
         if (auto text = convert(bytes, std::string(charset))) {
             return *std::move(text);
         }
+    }
+    if (!latin && isStandardUtf8(bytes)) {
+        return bytes;
     }
     if (!latin && looksLikeUtf8(bytes)) {
         return utf8FromUtf16(utf16FromUtf8(bytes));
@@ -198,6 +215,9 @@ std::string encodeBase64(const Bytes& bytes) {
 }
 
 std::string unescape(std::string_view text, bool keepN) {
+    if (text.find_first_of("\\\r") == std::string_view::npos) {
+        return std::string(text);
+    }
     std::string plain;
     plain.reserve(text.size());
     for (std::size_t at = 0; at < text.size(); ++at) {
@@ -312,16 +332,24 @@ std::string lowerCase(std::string_view text) {
 }
 
 bool equalsIgnoringCase(std::string_view left, std::string_view right) {
-    return left.size() == right.size() && upperCase(left) == upperCase(right);
+    const auto lower = [](char byte) {
+        return byte >= 'A' && byte <= 'Z' ? static_cast<char>(byte - 'A' + 'a') : byte;
+    };
+    return std::equal(left.begin(), left.end(), right.begin(), right.end(),
+                      [&](char a, char b) { return lower(a) == lower(b); });
 }
 
 std::string_view trim(std::string_view text) {
-    constexpr std::string_view kSpace = " \t\r\n";
-    const std::size_t first = text.find_first_not_of(kSpace);
-    if (first == std::string_view::npos) {
-        return {};
+    const auto isSpace = [](char byte) {
+        return byte == ' ' || byte == '\t' || byte == '\r' || byte == '\n';
+    };
+    while (!text.empty() && isSpace(text.front())) {
+        text.remove_prefix(1);
     }
-    return text.substr(first, text.find_last_not_of(kSpace) - first + 1);
+    while (!text.empty() && isSpace(text.back())) {
+        text.remove_suffix(1);
+    }
+    return text;
 }
 
 } // namespace addressbook::vcard

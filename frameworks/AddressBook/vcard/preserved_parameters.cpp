@@ -105,7 +105,8 @@ void dropPreference(std::vector<Param>& params, bool any) {
 std::vector<std::string> additionLines(const std::vector<Addition>& additions, const Card& card,
                                        const std::set<std::string>& groups, GroupNames& groupNames) {
     const auto isWanted = [&](const Addition& each) {
-        return !each.params.empty() || !each.asRead.empty() || groups.contains(upperCase(each.group));
+        return !each.params.empty() || !each.asRead.empty() ||
+               (!groups.empty() && groups.contains(upperCase(each.group)));
     };
     std::vector<std::string> result;
     if (std::none_of(additions.begin(), additions.end(), isWanted)) {

@@ -180,11 +180,14 @@ bool CardReader::isSet(std::string_view property) const {
 
 // Preserves the parameters of a line whose property is no list.
 void CardReader::keep(std::string_view property, ContentLine& line, std::string asRead) {
+    if (line.params.empty() && line.group.empty() && asRead.empty()) {
+        return;
+    }
     additions_.push_back(
         {property, 0, kNotPreferred, line.group, line.key, std::move(line.params), std::move(asRead)});
 }
 
-std::variant<Card, Problem> readCard(std::vector<ContentLine> lines, std::size_t number, std::size_t line) {
+std::variant<Card, Problem> readCard(std::vector<ContentLine>& lines, std::size_t number, std::size_t line) {
     Card card;
     card.number = number;
     card.line = line;

@@ -10,8 +10,8 @@
 
 namespace addressbook::vcard {
 
-// Returns the card with these lines; [number] and [line] are the card's. A Problem when it has nothing of
-// use, or is inconsistent.
-std::variant<Card, Problem> readCard(std::vector<ContentLine> lines, std::size_t number, std::size_t line);
+// Returns the card with these lines, which it takes apart; [number] and [line] are the card's. A Problem when
+// it has nothing of use, or is inconsistent.
+std::variant<Card, Problem> readCard(std::vector<ContentLine>& lines, std::size_t number, std::size_t line);
 
 } // namespace addressbook::vcard

@@ -132,8 +132,8 @@ std::variant<Card, Problem> Reader::Impl::readBody() {
 // Returns the card that was read; [unended] says what is wrong with its end.
 std::variant<Card, Problem> Reader::Impl::finish(const std::string& unended) {
     decode();
-    auto card = readCard(std::move(content), number, begin);
-    content = {};
+    auto card = readCard(content, number, begin);
+    content.clear();
     if (auto* read = std::get_if<Card>(&card)) {
         read->skipped.insert(read->skipped.begin(), skipped.begin(), skipped.end());
         std::stable_sort(read->skipped.begin(), read->skipped.end(),

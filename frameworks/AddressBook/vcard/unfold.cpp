@@ -54,17 +54,18 @@ Transfer declaredTransfer(std::string_view header) {
         return Transfer::none;
     }
     for (const std::string_view part : splitQuoted(header, ';')) {
-        std::string encoding = upperCase(trim(part));
-        if (encoding.starts_with("ENCODING=")) {
-            encoding.erase(0, encoding.find('=') + 1);
+        constexpr std::string_view kName = "ENCODING=";
+        std::string encoding(trim(part));
+        const bool named = equalsIgnoringCase(encoding.substr(0, kName.size()), kName);
+        if (named) {
+            encoding.erase(0, kName.size());
             std::erase(encoding, '"');
-        } else if (encoding == "B") {
-            continue; // without a name it may also be a TYPE
         }
-        if (encoding == "QUOTED-PRINTABLE") {
+        if (equalsIgnoringCase(encoding, "QUOTED-PRINTABLE")) {
             return Transfer::quotedPrintable;
         }
-        if (encoding == "BASE64" || encoding == "B") {
+        // A single B without a name may also be a TYPE.
+        if (equalsIgnoringCase(encoding, "BASE64") || (named && equalsIgnoringCase(encoding, "B"))) {
             return Transfer::base64;
         }
     }
