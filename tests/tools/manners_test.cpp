@@ -97,20 +97,20 @@ TEST_F(MannersTest, BackupThatIsStoppedLeavesNothing) {
 
 // More cards than one save takes; then it waits for others that do not come.
 TEST_F(MannersTest, ImportThatIsStoppedTellsWhatIsSavedAndIsCompletedByAnother) {
-    file("cards", cards(12'000));
+    file("cards", cards(27'000));
     const Outcome outcome = shell("mkfifo fifo; \"$A\" import fifo & exec 3>fifo; cat cards >&3; sleep 2; "
                                   "kill -TERM $!; wait $!");
     EXPECT_EQ(outcome.status, kTerminated);
     const std::size_t saved = people();
     EXPECT_GT(saved, 0U);
-    EXPECT_LT(saved, 12'000U);
+    EXPECT_LT(saved, 27'000U);
     EXPECT_EQ(outcome.err, "addressbook: interrupted: " + std::to_string(saved) +
                                " people are saved, the others and all groups are not; running it again "
                                "completes it\n");
     EXPECT_EQ(run({"check"}).status, 0);
     EXPECT_THAT(run({"import", "cards"}).err,
-                HasSubstr(std::to_string(12'000 - saved) + " added, 0 updated"));
-    EXPECT_EQ(people(), 12'000U);
+                HasSubstr(std::to_string(27'000 - saved) + " added, 0 updated"));
+    EXPECT_EQ(people(), 27'000U);
 }
 
 TEST_F(MannersTest, ImportThatWaitsForInputCanBeStopped) {

@@ -1,9 +1,12 @@
 #include "tools/addressbook/import.h"
 
+#include "frameworks/AddressBook/store/record_codec.h"
 #include "frameworks/AddressBook/values/calendar.h"
 #include "frameworks/AddressBook/values/text.h"
 
 #include <algorithm>
+#include <functional>
+#include <optional>
 #include <set>
 #include <utility>
 
@@ -11,9 +14,10 @@ namespace addressbook::tool {
 
 namespace {
 
-// The most cards and bytes of one save. Larger saves would take too much memory.
-constexpr std::size_t kCardsPerSave = 10'000;
-constexpr std::size_t kBytesPerSave = std::size_t{128} * 1024 * 1024;
+// The most cards and bytes of one save. Larger saves would take too much memory; smaller ones write the search
+// indexes more often.
+constexpr std::size_t kCardsPerSave = 25'000;
+constexpr std::size_t kBytesPerSave = std::size_t{24} * 1024 * 1024;
 
 constexpr std::string_view kPersonSuffix = ":ABPerson", kGroupSuffix = ":ABGroup";
 
@@ -51,6 +55,14 @@ void keepIdentifiers(MultiValue& list, const Value& current) {
     for (Entry* entry : left) {
         adopt(*entry, false);
     }
+}
+
+std::map<std::string, Value> valuesIn(const std::string& card) {
+    std::map<std::string, Value> values;
+    visitProperties(card, [&](std::string_view name, std::string_view value) {
+        values.emplace(name, decodeValue(value));
+    });
+    return values;
 }
 
 } // namespace
@@ -99,7 +111,7 @@ void Importer::refuse(const vcard::Problem& problem, const std::string& file, st
 // Tells how far it is, and saves when there is much to save.
 void Importer::advance(std::size_t bytes) {
     progress_(bytes, summary_);
-    if (changes_.records.size() >= kCardsPerSave || pendingBytes_ >= kBytesPerSave) {
+    if (people_.size() >= kCardsPerSave || pendingBytes_ >= kBytesPerSave) {
         flush();
     }
 }
@@ -113,16 +125,16 @@ void Importer::take(vcard::Card& card, const std::string& file) {
         report_(file, {card.number, card.line, card.unended});
     }
     std::string uid = card.uid.empty() ? idFor(card) : std::exchange(card.uid, {});
-    const std::string& digest = card.digest;
+    const std::uint64_t digest = std::hash<std::string>()(card.digest);
 
     // Several cards of one file with one id but different contents are different people.
     for (int copy = 2;; ++copy) {
-        const auto found = seen_.find(uid);
-        if (found != seen_.end() && found->second.digest == digest) {
+        const SeenRecord* found = seen_.find(uid);
+        if (found && found->digest == digest) {
             ++summary_.unchanged;
             return;
         }
-        if (found == seen_.end() || found->second.file != files_) {
+        if (!found || found->file != files_) {
             break;
         }
         if (copy == 2) {
@@ -137,7 +149,7 @@ void Importer::take(vcard::Card& card, const std::string& file) {
     for (const std::string& name : card.categories) {
         named_[name].push_back(uid);
     }
-    Seen& seen = seen_.try_emplace(uid, Seen{0, kNone, {}}).first->second;
+    SeenRecord& seen = seen_[uid];
     const bool again = seen.file != 0;
     seen.file = files_;
     seen.digest = digest;
@@ -161,14 +173,14 @@ std::string Importer::idFor(const vcard::Card& card) {
 }
 
 // Keeps a group until finish(), as cards of its members may follow.
-void Importer::addGroup(const std::string& uid, vcard::Card& card, Seen& seen) {
+void Importer::addGroup(const std::string& uid, vcard::Card& card, SeenRecord& seen) {
     ++summary_.groups;
     if (!card.memberUids.empty()) {
         std::erase_if(members_, [&](const GroupMembers& each) { return each.uid == uid; });
         members_.push_back({uid, std::move(card.memberUids)});
     }
-    if (seen.pending == kNone) {
-        seen.pending = groups_.size();
+    if (seen.pending == SeenRecord::kNotPending) {
+        seen.pending = static_cast<std::uint32_t>(groups_.size());
         groups_.push_back({uid, Kind::group, true, std::move(card.values)});
         return;
     }
@@ -178,29 +190,57 @@ void Importer::addGroup(const std::string& uid, vcard::Card& card, Seen& seen) {
     ++summary_.updated;
 }
 
-void Importer::addPerson(const std::string& uid, vcard::Card& card, Seen& seen, bool again) {
-    if (const auto image = card.values.find(std::string(property::kImage)); image != card.values.end()) {
-        if (const auto* bytes = image->second.as<Bytes>()) {
-            pendingBytes_ += bytes->size();
-        }
+void Importer::addPerson(const std::string& uid, vcard::Card& card, SeenRecord& seen, bool again) {
+    const auto image = card.values.find(std::string(property::kImage));
+    Value picture = image == card.values.end() ? Value() : std::exchange(image->second, Value());
+    if (const auto* bytes = picture.as<Bytes>()) {
+        pendingBytes_ += bytes->size();
     }
-    if (seen.pending != kNone) { // an earlier file had this person, too
-        for (auto& [property, value] : card.values) {
-            changes_.records[seen.pending].values[property] = std::move(value);
+    if (seen.pending != SeenRecord::kNotPending) { // an earlier file had this person, too
+        PendingPerson& person = people_[seen.pending];
+        card.values.merge(valuesIn(person.card));
+        person.card = encodeValues(card.values);
+        if (!picture.empty()) {
+            person.picture = std::move(picture);
         }
         ++summary_.updated;
         return;
     }
-    RecordChange change{.uid = uid, .kind = Kind::person, .insert = true, .values = std::move(card.values)};
-    if (const bool known = takeDifference(change, tellsUnknownLines_) || again;
-        known && !change.insert && change.values.empty()) {
-        ++summary_.unchanged;
-        return;
-    } else {
-        ++(known ? summary_.updated : summary_.added);
+    seen.pending = static_cast<std::uint32_t>(people_.size());
+    people_.push_back({uid, encodeValues(card.values), std::move(picture), again, tellsUnknownLines_});
+    pendingBytes_ += people_.back().card.size();
+}
+
+// Compares the people that are pending with the address book, and turns them into what is to be saved.
+void Importer::comparePeople() {
+    std::optional<Store::ReadTransaction> reading;
+    if (store_) {
+        reading.emplace(*store_);
     }
-    seen.pending = changes_.records.size();
-    changes_.records.push_back(std::move(change));
+    for (PendingPerson& person : people_) {
+        seen_[person.uid].pending = SeenRecord::kNotPending;
+        RecordChange change{.uid = std::move(person.uid), .kind = Kind::person, .insert = true, .values = {}};
+        const bool isNew = !store_ || !store_->find(change.uid);
+        if (isNew) {
+            change.card = std::move(person.card);
+        } else {
+            change.values = valuesIn(person.card);
+        }
+        if (!person.picture.empty()) {
+            change.values.emplace(property::kImage, std::move(person.picture));
+        }
+        if (!isNew) {
+            takeDifference(change, person.tellsUnknownLines);
+        }
+        if (!change.insert && change.values.empty()) {
+            ++summary_.unchanged;
+            continue;
+        }
+        ++(isNew && !person.again ? summary_.added : summary_.updated);
+        changes_.records.push_back(std::move(change));
+    }
+    people_.clear();
+    pendingBytes_ = 0;
 }
 
 // Reduces [change] to what differs from the record in the address book; returns false when that has no such
@@ -321,7 +361,7 @@ void Importer::joinGroup(const GroupMembers& group) {
     }
     // Unresolved members stay in the group's unknown lines, for an export and for a later import.
     summary_.unknownMembers += unresolved.size();
-    Value& lines = groups_[seen_.at(group.uid).pending].values[std::string(property::kUnknownLines)];
+    Value& lines = groups_[seen_[group.uid].pending].values[std::string(property::kUnknownLines)];
     if (lines.empty()) {
         lines = Array();
     }
@@ -343,7 +383,8 @@ void Importer::joinLateMembers() {
         const std::string unknown(property::kUnknownLines);
         const Value stored = record ? store_->value(row, unknown) : Value();
         const auto* lines = stored.as<Array>();
-        if (!lines || (seen_.contains(record->uid) && seen_.at(record->uid).pending != kNone)) {
+        const SeenRecord* seen = lines ? seen_.find(record->uid) : nullptr;
+        if (!lines || (seen && seen->pending != SeenRecord::kNotPending)) {
             continue; // a group whose card is here lists its members anew
         }
         Array left;
@@ -437,6 +478,7 @@ void Importer::joinNamedGroups() {
 }
 
 ImportSummary Importer::finish() {
+    comparePeople(); // so that they come before the groups
     for (const GroupMembers& group : members_) {
         joinGroup(group);
     }
@@ -457,6 +499,7 @@ ImportSummary Importer::finish() {
 }
 
 void Importer::flush() {
+    comparePeople();
     if (!dryRun_ && !changes_.empty()) {
         changes_.time = currentTime();
         const SaveResult result = store_->save(changes_);
@@ -465,12 +508,6 @@ void Importer::flush() {
         summary_.missing += result.missing.size();
     }
     changes_ = ChangeSet();
-    pendingBytes_ = 0;
-    for (auto& [uid, seen] : seen_) {
-        if (uid.ends_with(kPersonSuffix)) {
-            seen.pending = kNone;
-        }
-    }
 }
 
 } // namespace addressbook::tool

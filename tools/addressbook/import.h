@@ -6,6 +6,7 @@
 #include "frameworks/AddressBook/vcard/vcard.h"
 
 #include "tools/addressbook/known_records.h"
+#include "tools/addressbook/seen_records.h"
 
 #include <cstddef>
 #include <cstdint>
@@ -64,24 +65,25 @@ class Importer {
     ImportSummary finish();
 
   private:
-    // A record that this import has met.
-    struct Seen {
-        std::size_t file = 0;
-        std::size_t pending =
-            0;              // index into changes_.records or groups_; kNone when there is nothing to save
-        std::string digest; // the card's
+    // A person that is to be compared with the address book and saved.
+    struct PendingPerson {
+        std::string uid;
+        std::string card; // the values, encoded (encodeValues), as they then take a tenth of the memory
+        Value picture;
+        bool again = false;            // an earlier file had this person, too
+        bool tellsUnknownLines = true; // see tellsUnknownLines_
     };
     // The members that a group's card lists.
     struct GroupMembers {
         std::string uid;
         std::vector<std::string> members; // as the card names them
     };
-    static constexpr std::size_t kNone = static_cast<std::size_t>(-1);
 
     void take(vcard::Card& card, const std::string& file);
     void advance(std::size_t bytes);
-    void addGroup(const std::string& uid, vcard::Card& card, Seen& seen);
-    void addPerson(const std::string& uid, vcard::Card& card, Seen& seen, bool again);
+    void addGroup(const std::string& uid, vcard::Card& card, SeenRecord& seen);
+    void addPerson(const std::string& uid, vcard::Card& card, SeenRecord& seen, bool again);
+    void comparePeople();
     bool takeDifference(RecordChange& change, bool tellsUnknownLines) const;
     std::string idFor(const vcard::Card& card);
     std::string resolve(const std::string& member);
@@ -99,16 +101,17 @@ class Importer {
     Report report_;
     Progress progress_;
     ImportSummary summary_;
-    std::size_t files_ = 0;
-    bool tellsUnknownLines_ = true;              // a card of this file without unknown lines has none
-    std::unordered_map<std::string, Seen> seen_; // by unique id
+    std::uint32_t files_ = 0;
+    bool tellsUnknownLines_ = true; // a card of this file without unknown lines has none
+    SeenRecords seen_;
+    std::vector<PendingPerson> people_;
     std::unordered_map<std::string, std::string> aliases_;  // UUID of a UID -> unique id
     std::map<std::string, std::vector<std::string>> named_; // group's name -> people's unique ids
     std::vector<GroupMembers> members_;
     std::map<std::string, std::vector<std::string>> subgroups_; // added by this import
     std::vector<RecordChange> groups_;                          // held back until all members are known
     ChangeSet changes_;
-    std::size_t pendingBytes_ = 0;
+    std::size_t pendingBytes_ = 0; // of people_
 };
 
 } // namespace addressbook::tool
