@@ -54,8 +54,9 @@ test-interop: setup ## other address books read what addressbook exports; SAMPLE
 	@scripts/install-packages packages-interop.txt
 	@scripts/test-interop
 
-picture: setup ## draw docs/architecture.svg from docs/architecture.dot
+picture: build ## draw docs/architecture.svg from docs/architecture.dot, and docs/session.svg from a real session
 	@scripts/draw-architecture
+	@scripts/draw-session
 
 setup: ## install the packages of packages.txt that are missing
 	@scripts/install-packages

@@ -69,7 +69,11 @@ void raiseIf(const std::string& failure) {
 }
 
 - (BOOL)isRunning {
-    return in(_remote).isRunning();
+    const std::string absence = in(_remote).absence();
+    if (!absence.empty()) {
+        NSLog(@"%s; start it, or name another one in ADDRESSBOOK_APPLICATION.", absence.c_str());
+    }
+    return absence.empty();
 }
 
 - (void)activate {

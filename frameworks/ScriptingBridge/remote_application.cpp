@@ -142,12 +142,16 @@ class Call {
 
 RemoteApplication::RemoteApplication(std::string name) : name_(std::move(name)) {}
 
-bool RemoteApplication::isRunning() const {
+std::string RemoteApplication::absence() const {
     Call call(timeout_);
     call.address("org.freedesktop.DBus", "/org/freedesktop/DBus", "org.freedesktop.DBus", "NameHasOwner");
     call.append("s", name_.c_str());
     call.send();
-    return call.truth();
+    if (call.truth()) {
+        return "";
+    }
+    const std::string failure = call.failure("org.freedesktop.DBus");
+    return failure.empty() ? "The application " + name_ + " is not running" : failure;
 }
 
 std::string RemoteApplication::activate() const {

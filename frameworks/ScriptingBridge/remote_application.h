@@ -18,8 +18,9 @@ class RemoteApplication {
 
     void setTimeout(std::chrono::microseconds timeout) { timeout_ = timeout; }
 
-    // Whether the name has an owner. False when there is no bus, or when it does not reply.
-    bool isRunning() const;
+    // Returns a sentence that says why the application does not run: its name has no owner, or there is no
+    // bus, or it does not reply. Empty when it runs.
+    std::string absence() const;
 
     // Send the two messages of org.freedesktop.Application to the object that is named like the application.
     // Return a sentence that says what went wrong; empty when the application has replied.

@@ -19,6 +19,16 @@ TEST_F(ScriptingBridgeTest, IsToldThePersonAndThenToComeToTheFront) {
     EXPECT_EQ(record(), "started\nshow-contact 0B1F6A52-7C11-4E3C-9A54-6B2F3C6D0001:ABPerson\nactivate\n");
 }
 
+TEST_F(ScriptingBridgeTest, TheLogSaysWhyNothingIsShown) {
+    testing::internal::CaptureStderr();
+    EXPECT_FALSE([application() isRunning]);
+    EXPECT_THAT(testing::internal::GetCapturedStderr(), HasSubstr("The session bus cannot be reached: "));
+    startBus();
+    testing::internal::CaptureStderr();
+    EXPECT_FALSE([application() isRunning]);
+    EXPECT_THAT(testing::internal::GetCapturedStderr(), HasSubstr("is not running; start it, or name another"));
+}
+
 TEST_F(ScriptingBridgeTest, TheEnvironmentNamesTheApplication) {
     startBus();
     startApplication("answers", "com.example.Our-Contacts");

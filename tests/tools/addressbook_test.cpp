@@ -373,8 +373,7 @@ TEST_F(ProgramTest, HelpOnEveryLevel) {
 }
 
 TEST_F(ProgramTest, UsageErrors) {
-    for (const std::vector<std::string>& arguments : {std::vector<std::string>{},
-                                                      {"import"},
+    for (const std::vector<std::string>& arguments : {std::vector<std::string>{"import"},
                                                       {"frobnicate"},
                                                       {"list", "--nonsense"},
                                                       {"me", "x", "--clear"}}) {

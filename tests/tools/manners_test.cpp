@@ -49,6 +49,28 @@ class MannersTest : public testing::Test, public Sandbox {
 };
 
 // Stopped at moments that are spread over the time that it takes.
+TEST_F(MannersTest, WithoutABookItSaysWhereOneWouldBeAndHowToFillIt) {
+    for (const std::string command : {"", " list", " check", " export"}) {
+        const Outcome outcome = shell("unset ADDRESSBOOK_HOME; $A" + command);
+        EXPECT_EQ(outcome.status, 3) << command;
+        EXPECT_THAT(outcome.err, HasSubstr("no address book yet; it would be " +
+                                           (folder() / "home/data/AddressBook/AddressBook.db").string()))
+            << command;
+        EXPECT_THAT(outcome.err, HasSubstr("addressbook import contacts.vcf")) << command;
+    }
+    EXPECT_FALSE(fs::exists(folder() / "home/data"));
+    // One that was named may be a mistake.
+    EXPECT_THAT(run({"list"}).err, HasSubstr("or correct ADDRESSBOOK_HOME"));
+}
+
+TEST_F(MannersTest, WithoutACommandItSaysHowManyAreInTheBook) {
+    file("cards.vcf", cards(3));
+    ASSERT_EQ(run({"import", "cards.vcf"}).status, 0);
+    const Outcome outcome = run({});
+    EXPECT_EQ(outcome.status, 0) << outcome.err;
+    EXPECT_THAT(outcome.out, HasSubstr((book() / "AddressBook.db").string() + ": 3 people and 0 groups\n"));
+}
+
 TEST_F(MannersTest, ExportThatIsStoppedLeavesNoFile) {
     ASSERT_EQ(run({"import", "-"}, cards(20'000)).status, 0);
     const auto begin = std::chrono::steady_clock::now();

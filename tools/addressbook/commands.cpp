@@ -16,6 +16,7 @@
 #include "frameworks/AddressBook/values/calendar.h"
 
 #include <algorithm>
+#include <cstdlib>
 #include <filesystem>
 #include <iostream>
 #include <optional>
@@ -71,6 +72,28 @@ std::filesystem::path folder(const Options& options) {
 
 Store open(const Options& options, Store::Access access) {
     return Store(folder(options), access);
+}
+
+bool isFirstRun(const Options& options, const StoreError& error) {
+    return error.reason() == StoreError::Reason::missingFolder && options.book.empty() &&
+           std::getenv("ADDRESSBOOK_HOME") == nullptr;
+}
+
+std::string firstSteps() {
+    return "there is no address book yet; it would be " +
+           (Store::defaultFolder() / "AddressBook.db").string() +
+           ". To make and fill it, import vCards or CSV from any program: addressbook import contacts.vcf";
+}
+
+int runOverview(const Options& options) {
+    const Store store = open(options, Store::Access::readOnly);
+    Output output;
+    output.write(store.file().string() + ": " +
+                 contents(store.count(Kind::person), store.count(Kind::group)) +
+                 "\n\nTo look into it:\n  addressbook list\n  addressbook find WORD\n" +
+                 "addressbook --help tells what else can be done.\n");
+    output.finish();
+    return kDone;
 }
 
 int runExport(const Options& options) {

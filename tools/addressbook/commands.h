@@ -61,6 +61,12 @@ Store open(const Options& options, Store::Access access);
 // Returns a count with its noun: "1 card", "2 cards".
 std::string counted(std::size_t count, const std::string& singular, const std::string& plural);
 
+// Whether an error says that the user's own address book, at its usual place, is not there yet; and what to say
+// then: where it would be and how to fill it.
+bool isFirstRun(const Options& options, const StoreError& error);
+std::string firstSteps();
+
+int runOverview(const Options& options);
 int runImport(const Options& options);
 int runExport(const Options& options);
 int runList(const Options& options);

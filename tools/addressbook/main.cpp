@@ -27,7 +27,7 @@ constexpr const char* kExitCodes =
 
 // Declares the command line. Parsing it sets [work] to the function of the command that the user gives.
 void declare(CLI::App& app, Options& options, int (*&work)(const Options&)) {
-    app.require_subcommand(1);
+    app.require_subcommand(0, 1);
     command_line::addVersion(app);
     app.fallthrough(); // --book may follow the command
     app.option_defaults()->always_capture_default(false);
@@ -42,13 +42,15 @@ void declare(CLI::App& app, Options& options, int (*&work)(const Options&)) {
         sub->callback([&work, run] { work = run; });
         return sub;
     };
-    app.footer(std::string("Examples:\n"
-                           "  addressbook import contacts.vcf\n"
-                           "  addressbook list --fields lastname,firstname,phones\n"
-                           "  addressbook find berg\n"
-                           "  addressbook export --group Friends friends.vcf\n"
-                           "addressbook COMMAND --help tells more about a command.\n") +
-               kExitCodes);
+    app.footer(
+        std::string("Examples:\n"
+                    "  addressbook import contacts.vcf\n"
+                    "  addressbook list --fields lastname,firstname,phones\n"
+                    "  addressbook find berg\n"
+                    "  addressbook export --group Friends friends.vcf\n"
+                    "Without a command: where the address book is, and how many are in it. addressbook "
+                    "COMMAND --help tells more about a command.\n") +
+        kExitCodes);
 
     CLI::App* sub =
         command("import", "Add the people and groups of vCard and CSV files; who is there already is updated",
@@ -250,7 +252,7 @@ int run(int argc, char** argv) {
                  "keep them safe.",
                  "addressbook");
     Options options;
-    int (*work)(const Options&) = nullptr;
+    int (*work)(const Options&) = runOverview;
     declare(app, options, work);
     if (const auto status = command_line::answerQuestion(argc, argv, app, completers())) {
         return *status;
@@ -270,7 +272,7 @@ int run(int argc, char** argv) {
     } catch (const Interrupted& end) {
         return end.status();
     } catch (const StoreError& error) {
-        complain(error.what());
+        complain(isFirstRun(options, error) ? firstSteps() : error.what());
         return kNoBook;
     } catch (const std::invalid_argument& error) {
         complain(error.what());
