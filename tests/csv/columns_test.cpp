@@ -68,12 +68,12 @@ TEST(CsvColumnsTest, KnowsTheHeadersOfOutlook) {
 TEST(CsvColumnsTest, KnowsTheHeadersOfGoogle) {
     const Person person =
         read({"E-mail 1 - Type", "E-mail 1 - Value", "E-mail 2 - Label", "E-mail 2 - Value",
-              "Address 1 - Formatted", "Address 1 - Type", "Address 1 - Street", "Address 1 - PO Box",
-              "Address 1 - Region", "Address 2 - Formatted", "Group Membership", "Organization 1 - Title",
-              "Event 1 - Type", "Event 1 - Value"},
-             {"Work", "a@x ::: b@x", "* boat", "c@x", "all of it", "Home", "Mill 1", "Box 3", "Viken",
-              "alone", "* myContacts ::: Rowers ::: Chess", "Baker", "Anniversary", "2001-02-03"});
-    EXPECT_EQ(entries(person, "Email"), "_$!<Work>!$_=a@x _$!<Work>!$_=b@x boat=c@x");
+              "E-mail 3 - Type", "E-mail 3 - Value", "Address 1 - Formatted", "Address 1 - Type",
+              "Address 1 - Street", "Address 1 - PO Box", "Address 1 - Region", "Address 2 - Formatted",
+              "Group Membership", "Organization 1 - Title", "Event 1 - Type", "Event 1 - Value"},
+             {"Work", "a@x ::: b@x", "* boat", "c@x", "Work", "d@x", "all of it", "Home", "Mill 1", "Box 3",
+              "Viken", "alone", "* myContacts ::: Rowers ::: Chess", "Baker", "Anniversary", "2001-02-03"});
+    EXPECT_EQ(entries(person, "Email"), "_$!<Work>!$_=a@x _$!<Work>!$_=b@x boat=c@x _$!<Work>!$_=d@x");
     const auto& emails = *person.values.at("Email").as<MultiValue>();
     EXPECT_EQ(emails.primary, emails.entries[2].identifier);
     EXPECT_EQ(entries(person, "Address"),

@@ -61,6 +61,8 @@ TEST_F(TableTest, DryRunShowsWhatTheFirstRowsBecome) {
                            "phones            Mobile        99\n"
                            "addresses         Home          Oslo\n"
                            "birthday                        1980-03-22\n"
+                           "in group                        Rowers\n"
+                           "in group                        Chess\n"
                            "\n"
                            "standard input, line 3\n"
                            "firstname                       Ole\n"

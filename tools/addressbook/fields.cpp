@@ -186,6 +186,8 @@ std::vector<Field> parseFields(std::string_view list, const Store& store) {
         std::string message = "no field is named \"" + std::string(name) + '"';
         if (distance(wanted, fold(nearest->name)) <= 3) {
             message += "; did you mean " + nearest->name + '?';
+        } else {
+            message += '.';
         }
         message += " Fields: ";
         for (const Field& field : known) {

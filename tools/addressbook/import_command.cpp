@@ -155,6 +155,7 @@ int runImport(const Options& options) {
                     progress.clear();
                     output.write(input.name() + ", line " + std::to_string(line) + '\n');
                     showValues(card.values, allFields(own), output);
+                    showGroupNames(card.categories, output);
                     output.write("\n");
                 }
             });
@@ -201,6 +202,9 @@ int runImport(const Options& options) {
     const ImportSummary summary = importer.finish();
     progress.clear();
     output.finish();
+    if (unread && summary.read == 0) {
+        return kIncomplete; // what is wrong has been told
+    }
     std::cerr << (table && !cards ? counted(summary.read, "row", "rows")
                                   : counted(summary.read, "card", "cards"))
               << summaryText(summary, options.import.dryRun) << '\n';

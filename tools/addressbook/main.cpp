@@ -79,7 +79,7 @@ void declare(CLI::App& app, Options& options, int (*&work)(const Options&)) {
         ->check(CLI::IsMember({"mdy", "dmy"}))
         ->type_name("mdy|dmy");
     sub->add_option("--charset", options.import.charset,
-                    "Of CSV: the character set, as windows-1252; else it is guessed")
+                    "The character set of what names none, as windows-1252; else it is guessed")
         ->type_name("NAME");
     sub->add_flag("--quiet", options.import.quiet, "Tell how many cards and lines are left out, not which");
     sub->add_flag("--progress", options.import.progress, "Tell how far it is even when that is no terminal");

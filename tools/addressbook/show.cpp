@@ -225,6 +225,12 @@ void showValues(std::map<std::string, Value> values, const std::vector<Field>& f
     }
 }
 
+void showGroupNames(const std::vector<std::string>& names, Output& output) {
+    for (const std::string& name : names) {
+        writeRow(output, "in group", "", name);
+    }
+}
+
 void writeNames(const Store& store, const std::vector<RecordRef>& records, bool json, Output& output) {
     if (json) {
         JsonLines lines(output);
@@ -285,9 +291,7 @@ void showRecord(const Store& store, const RecordRef& record, bool json, Output& 
     if (!image.empty()) {
         writeRow(output, "picture", "", valueText(image));
     }
-    for (const std::string& name : groupNames(store, record)) {
-        writeRow(output, "in group", "", name);
-    }
+    showGroupNames(groupNames(store, record), output);
     if (record.kind == Kind::group) {
         for (const auto& rows : {store.members(record.row), store.subgroups(record.row)}) {
             for (const RowId row : firstOf(rows, limit)) {

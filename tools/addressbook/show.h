@@ -29,6 +29,9 @@ void listGroups(const Store& store, const std::vector<RowId>& rows, bool json, O
 // Writes values as showRecord() shows them, in the order of [fields], without those that only the book knows.
 void showValues(std::map<std::string, Value> values, const std::vector<Field>& fields, Output& output);
 
+// Writes the names of the groups that a record is in, as showRecord() shows them.
+void showGroupNames(const std::vector<std::string>& names, Output& output);
+
 // Writes one line for each record: the unique id and the name.
 void writeNames(const Store& store, const std::vector<RecordRef>& records, bool json, Output& output);
 

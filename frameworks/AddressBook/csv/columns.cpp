@@ -316,6 +316,10 @@ std::optional<Column> columnNamed(std::string_view header, std::span<const Prope
         column.role = role;
         return column;
     };
+    // Before the words: Google's "E-mail 2 - Type" is a label, Outlook's "E-mail 2 Type" a kind of mail system.
+    if (auto found = numbered(header, own)) {
+        return found;
+    }
     if (has(kSuperfluousWords, word)) {
         return plain(Role::ignored);
     }
@@ -327,9 +331,6 @@ std::optional<Column> columnNamed(std::string_view header, std::span<const Prope
     }
     if (has(kFullNameWords, word)) {
         return plain(Role::fullName);
-    }
-    if (auto found = numbered(header, own)) {
-        return found;
     }
     return labelled(header);
 }

@@ -22,11 +22,6 @@ struct CloseDetector {
     void operator()(UCharsetDetector* detector) const { ucsdet_close(detector); }
 };
 
-// Unicode is told without a guess, and no file of ASCII names is EBCDIC.
-bool isRuledOut(std::string_view charset) {
-    return charset.starts_with("UTF") || charset.starts_with("IBM42");
-}
-
 bool isUsual(std::string_view charset) {
     return charset == "ISO-8859-1" || charset == kUsual;
 }
@@ -35,6 +30,17 @@ bool isLatin(std::string_view charset) {
     constexpr std::array<std::string_view, 4> kLatin{"ISO-8859-2", "ISO-8859-9", "windows-1250",
                                                      "windows-1254"};
     return std::find(kLatin.begin(), kLatin.end(), charset) != kLatin.end();
+}
+
+// Whether a text has one of the six letters in which the Turkish sets differ from the Western one.
+bool hasTurkishLetter(std::string_view text) {
+    return text.find_first_of("\xD0\xDD\xDE\xF0\xFD\xFE") != std::string_view::npos;
+}
+
+// Unicode is told without a guess, and no file of ASCII names is EBCDIC.
+bool isRuledOut(std::string_view charset, std::string_view text) {
+    const bool turkish = charset == "ISO-8859-9" || charset == "windows-1254";
+    return charset.starts_with("UTF") || charset.starts_with("IBM42") || (turkish && !hasTurkishLetter(text));
 }
 
 bool hasManyBytes(std::string_view charset) {
@@ -77,7 +83,7 @@ std::string likelyCharset(std::string_view text) {
     for (int32_t at = 0; at < count && U_SUCCESS(status); ++at) { // the likeliest first
         const std::string_view name = ucsdet_getName(matches[at], &status);
         const int confidence = ucsdet_getConfidence(matches[at], &status);
-        if (U_FAILURE(status) || isRuledOut(name) || confidence < leastConfidence(name)) {
+        if (U_FAILURE(status) || isRuledOut(name, sample) || confidence < leastConfidence(name)) {
             continue;
         }
         if (isUsual(name) &&
