@@ -223,6 +223,23 @@ TEST(Version4Test, NamesThatTheStandardDoesNotAllowAreValues) {
     }
 }
 
+TEST(Version4Test, SecondLinesOfWhatMayStandOnceAreValues) {
+    const Card card = readOne(cardText({"N:Berg;Ida;;;", "N:Tal;Ole;;;", "UID:1", "UID:2", "GENDER:F",
+                                        "GENDER:M", "X-ANNIVERSARY:2001-02-03", "item1.X-ABDATE:2010-10-10",
+                                        "item1.X-ABLabel:_$!<Anniversary>!$_"}));
+    const auto version4 = written(card, WrittenVersion::v4);
+    for (const std::string name : {"N", "UID", "GENDER", "ANNIVERSARY"}) {
+        EXPECT_EQ(std::count_if(version4.begin(), version4.end(),
+                                [&](const std::string& line) {
+                                    return line.substr(0, line.find_first_of(":;")) == name;
+                                }),
+                  1)
+            << name;
+    }
+    EXPECT_TRUE(has(version4, "X-ODD-LINE:N:Tal\\;Ole\\;\\;\\;"));
+    EXPECT_TRUE(sameContents(card, readOne(write(card, WrittenVersion::v4))));
+}
+
 // What other address books would stumble over.
 
 TEST(OtherReadersTest, CaretsAreQuoted) {

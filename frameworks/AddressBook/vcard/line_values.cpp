@@ -142,7 +142,8 @@ Value takeMessaging(ContentLine& line, std::string_view& property, std::string& 
     std::string user = uri;
     const std::string scheme(schemeOf(user));
     if (!scheme.empty()) {
-        user.erase(0, scheme.size() + 1);
+        const bool slashes = std::string_view(user).substr(scheme.size() + 1).starts_with("//");
+        user.erase(0, scheme.size() + (slashes ? 3 : 1));
     }
     std::string service(line.param("X-SERVICE-TYPE"));
     if (service.empty() && !equalsIgnoringCase(scheme, "x-apple")) {

@@ -47,9 +47,17 @@ constexpr std::array kRenamed{
     Renamed{"X-ADDRESSBOOKSERVER-MEMBER", "MEMBER"},
 };
 
-// A line whose name is none by the standard, which other readers would refuse with the whole card, is the value of
-// a line with this name.
+// What the standard does not allow, so that other readers may refuse the card, is the value of a line with this
+// name: a line whose name is none, and a second line of these.
 constexpr std::string_view kOddLine = "X-ODD-LINE";
+constexpr std::array<std::string_view, 8> kOnlyOnce{"ANNIVERSARY", "BDAY",   "GENDER", "KIND",
+                                                    "N",           "PRODID", "REV",    "UID"};
+
+// Whether a line with this name may be written; notes that it is.
+bool takePlace(std::string_view name, OnlyLines& written) {
+    return std::find(kOnlyOnce.begin(), kOnlyOnce.end(), name) == kOnlyOnce.end() ||
+           written.emplace(name).second;
+}
 
 // Returns "1980-03-22" or "1980-03-22T10:00:00Z" in the form of 4.0: without hyphens and colons, and without
 // the year that stands for none.
@@ -92,13 +100,14 @@ void writePicture(CardLine& line) {
 
 } // namespace
 
-void toVersion4(CardLine& line) {
+void toVersion4(CardLine& line, OnlyLines& written) {
     for (const Renamed& each : kRenamed) {
         if (line.name == each.version3) {
             line.name = each.version4;
         }
     }
     if (!line.rule) {
+        takePlace(line.name, written);
         return;
     }
     switch (line.rule->shape) {
@@ -112,7 +121,7 @@ void toVersion4(CardLine& line) {
         }
         line.value = dayOf(line.value);
         line.params.clear();
-        if (line.label == ruleFor("ANNIVERSARY")->label) {
+        if (line.label == ruleFor("ANNIVERSARY")->label && takePlace("ANNIVERSARY", written)) {
             line.name = "ANNIVERSARY";
             line.label.reset();
         } else {
@@ -131,10 +140,11 @@ void toVersion4(CardLine& line) {
             writeRelation(line);
         }
     }
+    takePlace(line.name, written);
 }
 
-void toVersion4(ContentLine& line) {
-    if (!isPlainName(line.name)) {
+void toVersion4(ContentLine& line, OnlyLines& written) {
+    if (!isPlainName(line.name) || !takePlace(line.key, written)) {
         ContentLine odd;
         odd.group = line.group; // stays in the value as well, or a name with a dot would be taken apart
         odd.name = kOddLine;

@@ -5,13 +5,20 @@
 #include "frameworks/AddressBook/vcard/card_lines.h"
 #include "frameworks/AddressBook/vcard/content_line.h"
 
+#include <functional>
+#include <set>
+#include <string>
+
 namespace addressbook::vcard {
 
-// Converts a line of a value to version 4.0.
-void toVersion4(CardLine& line);
+// The names of the lines in a card of which version 4.0 allows no second.
+using OnlyLines = std::set<std::string, std::less<>>;
+
+// Converts a line of a value to version 4.0. [written] are those of the card so far.
+void toVersion4(CardLine& line, OnlyLines& written);
 
 // Convert a line that no property holds to version 4.0, and back.
-void toVersion4(ContentLine& line);
+void toVersion4(ContentLine& line, OnlyLines& written);
 void fromVersion4(ContentLine& line);
 
 } // namespace addressbook::vcard

@@ -153,7 +153,7 @@ class CardWriter {
 
     void writeKnown(CardLine& line) {
         if (version_ == WrittenVersion::v4) {
-            toVersion4(line);
+            toVersion4(line, onlyLines_);
         }
         if (line.label && typesSayLabel(line)) {
             line.label.reset();
@@ -203,7 +203,7 @@ class CardWriter {
         hasUid_ = hasUid_ || line->key == "UID";
         line->group = groups_.renamed(line->group);
         if (version_ == WrittenVersion::v4) {
-            toVersion4(*line);
+            toVersion4(*line, onlyLines_);
         }
         append({}, render(*line));
     }
@@ -213,6 +213,7 @@ class CardWriter {
     GroupNames groups_;
     std::map<std::string, const CardLine*> firstInGroup_;
     std::map<std::string_view, bool> preferred_; // property -> a preferred entry is written
+    OnlyLines onlyLines_;                        // of version 4.0
     bool hasUid_ = false;
 };
 
