@@ -1,7 +1,7 @@
 # The two commands: `make demo` shows the main job on real input, `make test` runs the tests. CI adds lint, test-tsan and test-interop.
 # Both install what is missing from packages.txt by themselves (Debian 12; root, or sudo).
 
-.PHONY: help demo bench test test-asan test-tsan test-long test-packages test-interop lint format build mac package picture setup clean
+.PHONY: help demo bench test test-asan test-tsan test-long test-packages test-interop lint format build mac package release picture setup clean
 .DEFAULT_GOAL := help
 
 help: ## this list
@@ -45,6 +45,10 @@ mac: setup ## the plug-in for macOS into build/macos, and a check of it; MACOS_S
 package: setup ## Debian packages into build/release/packages
 	@scripts/install-packages packages-packaging.txt
 	@scripts/build-packages
+
+release: setup ## sources, packages and sums of what is committed into build/dist, built twice and compared; MACOS_SDK adds the Mac
+	@scripts/install-packages packages-packaging.txt
+	@scripts/release
 
 test-packages: setup ## the packages in a clean Debian 12 root: installed, used, built with, upgraded, purged; needs root
 	@scripts/install-packages packages-packaging.txt

@@ -44,11 +44,14 @@ package for programs that read and write Velocard's address book.")
 
 # What Debian asks of each package: who may copy it, and since when it is what it is. The date is that of the sources,
 # so that two builds of them are equal.
-execute_process(COMMAND git -C "${PROJECT_SOURCE_DIR}" log -1 --format=%cD OUTPUT_VARIABLE date
-  OUTPUT_STRIP_TRAILING_WHITESPACE ERROR_QUIET)
-if(NOT date)
-  string(TIMESTAMP date "%a, %d %b %Y %H:%M:%S +0000" UTC)
+if(NOT DEFINED ENV{SOURCE_DATE_EPOCH}) # which TIMESTAMP goes by
+  execute_process(COMMAND git -C "${PROJECT_SOURCE_DIR}" log -1 --format=%ct OUTPUT_VARIABLE seconds
+    OUTPUT_STRIP_TRAILING_WHITESPACE ERROR_QUIET)
+  if(seconds)
+    set(ENV{SOURCE_DATE_EPOCH} "${seconds}")
+  endif()
 endif()
+string(TIMESTAMP date "%a, %d %b %Y %H:%M:%S +0000" UTC)
 foreach(component IN LISTS CPACK_COMPONENTS_ALL)
   string(TOUPPER "${component}" COMPONENT)
   set(name "${CPACK_DEBIAN_${COMPONENT}_PACKAGE_NAME}")
