@@ -60,15 +60,16 @@ def related(record, label):
 
 
 def in_order(wanted, seen, value=lambda each: each):
-    """What is seen in the order in which it is wanted; the rest behind it."""
+    """What is seen in the order in which it is wanted; what is not wanted in the places that are left."""
     rest = list(seen)
     found = []
     for each in wanted:
         match = next((candidate for candidate in rest if value(candidate) == each), None)
         if match is not None:
             rest.remove(match)
-            found.append(match)
-    return found + rest
+        found.append(match)
+    found = [match if match is not None or not rest else rest.pop(0) for match in found]
+    return [match for match in found if match is not None] + rest
 
 
 def book_facts(record):
