@@ -135,11 +135,29 @@ TEST_F(LanguageServerTest, DiagnosticsFollowTheText) {
     ASSERT_EQ(told.size(), 4U);
     ASSERT_EQ(told[0].size(), 1U);
     EXPECT_EQ(told[0][0].at("range"), range(0, 34, 40));
+    EXPECT_EQ(told[0][0].at("severity"), 1);
+    EXPECT_EQ(told[0][0].at("code"), 1208);
+    EXPECT_EQ(told[0][0].at("source"), "fmhost");
     EXPECT_EQ(told[0][0].at("message"), "there is no function called Lenght; did you mean Length?");
     EXPECT_EQ(told[0][0].at("code"), 1208);
     EXPECT_TRUE(told[1].empty()) << told[1];
     EXPECT_EQ(told[2].size(), 1U);
     EXPECT_TRUE(told[3].empty());
+}
+
+TEST_F(LanguageServerTest, ChangesOfOneMessageFollowEachOther) {
+    open("a.calc", "1 + 1\n= 2\n");
+    notify("textDocument/didChange", {{"textDocument", {{"uri", uri("a.calc")}, {"version", 2}}},
+                                      {"contentChanges",
+                                       {{{"range", range(0, 0, 1)}, {"text", "Nobody ( 1 )"}},
+                                        {{"range", range(0, 15, 16)}, {"text", "Length ( 2 )"}}}}});
+    ask(1, "hover", "a.calc", 0, 17);
+    talk();
+    const std::vector<Json> told = diagnostics();
+    ASSERT_EQ(told.size(), 2U);
+    ASSERT_EQ(told[1].size(), 1U) << told[1];
+    EXPECT_EQ(told[1][0].at("range"), range(0, 0, 6));
+    EXPECT_THAT(result(1).at("contents").at("value"), HasSubstr("Length ( text )"));
 }
 
 TEST_F(LanguageServerTest, Completion) {
@@ -154,10 +172,15 @@ TEST_F(LanguageServerTest, Completion) {
     talk();
     EXPECT_THAT(labels(1), testing::ElementsAre("WeekOfYear", "WeekOfYearFiscal"));
     const Json first = result(1).at("items")[0];
-    EXPECT_EQ(first.at("detail"), "WeekOfYear ( date )");
-    EXPECT_EQ(first.at("textEdit").at("range"), range(0, 31, 38));
+    EXPECT_EQ(first, Json({{"label", "WeekOfYear"},
+                           {"kind", 3}, // a function
+                           {"detail", "WeekOfYear ( date )"},
+                           {"documentation", "Returns the week of the year; January 1 is in week 1."},
+                           {"filterText", "WeekOfYear"},
+                           {"textEdit", {{"range", range(0, 31, 38)}, {"newText", "WeekOfYear"}}}}));
     EXPECT_THAT(labels(2), testing::ElementsAre("LastMessageChoice"));
     EXPECT_THAT(labels(3), testing::ElementsAre("$count"));
+    EXPECT_EQ(result(3).at("items")[0].at("kind"), 6); // a variable
     EXPECT_THAT(labels(4), testing::ElementsAre("My Script"));
     EXPECT_THAT(labels(5), testing::Contains("Set Variable"));
 }
@@ -169,10 +192,16 @@ TEST_F(LanguageServerTest, HoverAndSignature) {
     ask(3, "signatureHelp", "a.calc", 0, 27);
     open("b.calc", "Test_Count ( 1 ; ");
     ask(4, "signatureHelp", "b.calc", 0, 17);
+    open("c.calc", "WeekOfYear ( 1 )\n= 1\n");
+    ask(5, "hover", "c.calc", 0, 3);
     talk("--plugin " + kGood + " lsp");
     EXPECT_THAT(result(1).at("contents").at("value"),
                 HasSubstr("Substitute ( text ; searchString ; replaceString )"));
     EXPECT_TRUE(result(2).is_null());
+    EXPECT_EQ(result(5).at("contents"),
+              Json({{"kind", "markdown"},
+                    {"value", "```filemaker\nWeekOfYear ( date )\n```\n"
+                              "Returns the week of the year; January 1 is in week 1.\n\n*Date*"}}));
     EXPECT_EQ(result(3).at("activeParameter"), 0);
     EXPECT_EQ(result(4).at("activeParameter"), 1);
     const Json signature = result(4).at("signatures")[0];
@@ -221,7 +250,10 @@ TEST_F(LanguageServerTest, Formatting) {
             {{"textDocument", {{"uri", uri("a.fmscript")}}}, {"options", options}});
     request(2, "textDocument/formatting",
             {{"textDocument", {{"uri", uri("b.fmscript")}}}, {"options", options}});
+    request(3, "textDocument/formatting",
+            {{"textDocument", {{"uri", uri("a.fmscript")}}}, {"options", {{"insertSpaces", false}}}});
     talk();
+    EXPECT_EQ(result(3)[0].at("newText"), "If [ 1 ]\n\tBeep\nEnd If\n");
     EXPECT_EQ(result(1)[0].at("newText"), "If [ 1 ]\n  Beep\nEnd If\n");
     EXPECT_EQ(result(1)[0].at("range").at("end"), Json({{"line", 2}, {"character", 6}}));
     EXPECT_TRUE(result(2).empty());

@@ -126,6 +126,14 @@ TEST_F(TestRunTest, TheReportForMachines) {
     EXPECT_EQ(report("//testsuite[1]/testcase[1]/@name"), "line 1: \"<&\\\"\" & Char ( 1 )");
     EXPECT_EQ(report("//testsuite[1]/testcase[2]/@line"), "3");
     EXPECT_EQ(report("count(//testsuite[1]/testcase[2]/failure)"), "0");
+    EXPECT_EQ(report("//testsuite[1]/testcase[2]/@classname"), "a.calc");
+    EXPECT_EQ(report("//testsuite[1]/testcase[2]/@file"), "a.calc");
+    EXPECT_EQ(report("//testsuite[1]/@errors"), "0");
+    EXPECT_EQ(report("//testsuite[3]/@tests"), "1");
+    EXPECT_THAT(report("//testsuite[1]/@time"), testing::MatchesRegex("[0-9]+\\.[0-9]+"));
+    EXPECT_THAT(report("//testcase[1]/@time"), testing::MatchesRegex("[0-9]+\\.[0-9]+"));
+    EXPECT_GT(std::stod(report("/testsuites/@time")), 0.0);
+    EXPECT_EQ(report("//failure[1]/@type"), "difference");
     EXPECT_EQ(report("//failure[1]/@message"), "expected: <&>");
     EXPECT_EQ(report("//failure[1]"), "a.calc:1: \"<&\\\"\" & Char ( 1 )\n  expected: <&>\n"
                                       "  got:      <&\"␁\n              ^");
