@@ -78,6 +78,9 @@ InputPainter::Layout InputPainter::layoutOf(const EditorView& view) {
 
 void InputPainter::draw(const EditorView& view, const std::vector<std::string_view>& attributes,
                         const std::string& hint) {
+    if (view.text.empty() && hint.empty()) {
+        return;
+    }
     const Layout layout = layoutOf(view);
     if (!layout.ok || layout.end.row + 2 >= view.rows || view.columns <= view.promptWidth) {
         return;

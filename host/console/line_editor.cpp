@@ -33,6 +33,13 @@ constexpr const char* kHistoryOn = "\x1b[9002~";
 constexpr std::string_view kPasteMarksOn = "\x1b[?2004h";
 constexpr std::string_view kPasteMarksOff = "\x1b[?2004l";
 
+// Set when the program goes on after it was stopped (Ctrl-Z); the shell has changed the terminal's modes then.
+volatile std::sig_atomic_t gContinued = 0;
+
+void onContinue(int /*signal*/) {
+    gContinued = 1;
+}
+
 void write(std::string_view text) {
     std::fwrite(text.data(), 1, text.size(), stdout);
     std::fflush(stdout);
@@ -128,6 +135,9 @@ LineEditor::LineEditor(LineAssistant& assistant, std::filesystem::path history,
     el_set(line_.get(), EL_PROMPT, prompt);
     el_set(line_.get(), EL_GETCFN, readCharacter);
     bindKeys();
+    struct sigaction action{};
+    action.sa_handler = onContinue; // without SA_RESTART, so that waiting ends
+    sigaction(SIGCONT, &action, nullptr);
     el_source(line_.get(), nullptr);
 }
 
@@ -257,6 +267,18 @@ void LineEditor::paint() {
     painter_.draw(shown, attributes, assistant_.hint(text, cursor, shown.columns - 1));
 }
 
+// Sets the terminal's modes again and shows the line anew.
+void LineEditor::takeTerminal() {
+    gContinued = 0;
+    el_set(line_.get(), EL_PREP_TERM, 0); // without it, libedit believes that its modes are set
+    el_set(line_.get(), EL_PREP_TERM, 1);
+    if (paints_) {
+        write("\r\x1b[J");
+        write(kPasteMarksOn);
+    }
+    el_set(line_.get(), EL_REFRESH);
+}
+
 int LineEditor::readCharacter(EditLine* line, wchar_t* result) {
     return of(line).waitForCharacter(*result);
 }
@@ -271,6 +293,10 @@ int LineEditor::waitForCharacter(wchar_t& result) {
         const int ready = poll(&input, 1, isPainted ? kIdleMilliseconds : 0);
         if (interrupted_ != 0 || (ready < 0 && errno != EINTR)) {
             return -1;
+        }
+        if (gContinued != 0) {
+            takeTerminal();
+            isPainted = false;
         }
         winsize size{};
         ioctl(STDOUT_FILENO, TIOCGWINSZ, &size);

@@ -76,6 +76,7 @@ class LineEditor {
 
     void bindKeys();
     int waitForCharacter(wchar_t& result);
+    void takeTerminal();
     void paint();
     void insert(const std::wstring& text);
     EditorView view();

@@ -194,6 +194,7 @@ TEST_F(LanguageServerTest, HoverAndSignature) {
     ask(4, "signatureHelp", "b.calc", 0, 17);
     open("c.calc", "WeekOfYear ( 1 )\n= 1\n");
     ask(5, "hover", "c.calc", 0, 3);
+    ask(6, "signatureHelp", "a.calc", 0, 37); // in the list, behind its semicolon
     talk("--plugin " + kGood + " lsp");
     EXPECT_THAT(result(1).at("contents").at("value"),
                 HasSubstr("Substitute ( text ; searchString ; replaceString )"));
@@ -202,6 +203,7 @@ TEST_F(LanguageServerTest, HoverAndSignature) {
               Json({{"kind", "markdown"},
                     {"value", "```filemaker\nWeekOfYear ( date )\n```\n"
                               "Returns the week of the year; January 1 is in week 1.\n\n*Date*"}}));
+    EXPECT_EQ(result(6).at("activeParameter"), 1);
     EXPECT_EQ(result(3).at("activeParameter"), 0);
     EXPECT_EQ(result(4).at("activeParameter"), 1);
     const Json signature = result(4).at("signatures")[0];

@@ -7,6 +7,7 @@
 #include <memory>
 #include <regex>
 #include <sstream>
+#include <termios.h>
 #include <vterm.h>
 
 namespace host {
@@ -262,6 +263,21 @@ TEST_F(ScreenTest, ControlCLeavesTheTextAndKeepsThePrompt) {
     EXPECT_THAT(whole(), HasSubstr("> 6 * 7\n42\n>"));
     look("\x04");
     EXPECT_EQ(exitStatus(), 0);
+}
+
+TEST_F(ScreenTest, TheLineComesBackFromTheBackground) {
+    start();
+    look("1 + 2");
+    ASSERT_EQ(kill(program_, SIGSTOP), 0);
+    termios modes{};
+    ASSERT_EQ(tcgetattr(terminal_, &modes), 0);
+    modes.c_lflag |= ICANON | ECHO; // as a shell has them
+    ASSERT_EQ(tcsetattr(terminal_, TCSANOW, &modes), 0);
+    ASSERT_EQ(kill(program_, SIGCONT), 0);
+    look("");
+    EXPECT_EQ(colour(0, 2), cyan);
+    look("\x1b[D\x1b[D4 + 3\r");
+    EXPECT_THAT(whole(), HasSubstr("> 1 +4 + 3 2\n"));
 }
 
 TEST_F(ScreenTest, NamesAreListedBelowTheText) {
