@@ -158,7 +158,8 @@ def main():
     if len(sys.argv) != 2 or not os.path.isdir(sys.argv[1]):
         sys.exit(__doc__)
     found = list(problems(sys.argv[1]))
-    print(*found, sep="\n")
+    for line in found:
+        print(line)
     sys.exit(1 if found else 0)
 
 

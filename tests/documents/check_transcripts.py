@@ -77,7 +77,8 @@ def main():
             tried += 1
     if tried < 2:
         wrong.append("README.md has no session or no demo")
-    print(*wrong, sep="\n")
+    for line in wrong:
+        print(line)
     sys.exit(1 if wrong else 0)
 
 

@@ -57,7 +57,8 @@ def main():
     for program in sys.argv[1:]:
         with tempfile.TemporaryDirectory() as folder:
             found += problems(program, folder)
-    print(*found, sep="\n")
+    for line in found:
+        print(line)
     sys.exit(1 if found else 0)
 
 
