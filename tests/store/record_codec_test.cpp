@@ -4,6 +4,8 @@
 #include "frameworks/AddressBook/values/uid.h"
 
 #include <gmock/gmock.h>
+#include <sys/wait.h>
+#include <unistd.h>
 
 namespace addressbook::test {
 namespace {
@@ -135,6 +137,25 @@ TEST(CardTest, UniqueIdsArePackedOnlyWhenTheyReturnUnchanged) {
 }
 
 // The numbers are in every database: this fails when a word is moved instead of added at the end.
+TEST(UidTest, ForkedChildDoesNotGiveTheIdentifiersOfItsParent) {
+    newUuid(); // so that random numbers are in store
+    int ends[2];
+    ASSERT_EQ(pipe(ends), 0);
+    const pid_t child = fork();
+    ASSERT_GE(child, 0);
+    if (child == 0) {
+        const std::string uuid = newUuid();
+        _exit(write(ends[1], uuid.data(), uuid.size()) == static_cast<ssize_t>(uuid.size()) ? 0 : 1);
+    }
+    close(ends[1]);
+    std::string theirs(36, ' ');
+    EXPECT_EQ(read(ends[0], theirs.data(), theirs.size()), 36);
+    close(ends[0]);
+    waitpid(child, nullptr, 0);
+    EXPECT_NE(newUuid(), theirs);
+    EXPECT_EQ(theirs[14], '4');
+}
+
 TEST(CardTest, TheNumbersOfWordsStay) {
     EXPECT_EQ(wordCode("First"), 1);
     EXPECT_EQ(wordCode("GroupName"), 32);

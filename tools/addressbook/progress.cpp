@@ -12,9 +12,9 @@ namespace addressbook::tool {
 namespace {
 
 using std::chrono::milliseconds;
-constexpr milliseconds kPatience{500}; // shorter work shows no line
-constexpr milliseconds kOnTerminal{100};
-constexpr milliseconds kElsewhere{1000};
+constexpr milliseconds kBeforeFirstLine{500}; // on a terminal; shorter work shows no line there
+constexpr milliseconds kBetweenLinesOnTerminal{100};
+constexpr milliseconds kBetweenLinesElsewhere{1000};
 constexpr const char* kClearLine = "\r\x1B[K";
 
 } // namespace
@@ -26,7 +26,7 @@ ProgressLine::ProgressLine(std::string what, bool asked)
 
 void ProgressLine::start(std::string what) {
     what_ = std::move(what);
-    next_ = Clock::now() + (terminal_ ? kPatience : kElsewhere);
+    next_ = Clock::now() + (terminal_ ? kBeforeFirstLine : kBetweenLinesElsewhere);
 }
 
 void ProgressLine::update(double part, const std::string& details, bool always) {
@@ -35,7 +35,7 @@ void ProgressLine::update(double part, const std::string& details, bool always) 
     if (!shown_ || (now < next_ && (!always || terminal_))) {
         return;
     }
-    next_ = now + (terminal_ ? kOnTerminal : kElsewhere);
+    next_ = now + (terminal_ ? kBetweenLinesOnTerminal : kBetweenLinesElsewhere);
     std::string line = what_ + ": " + details;
     if (part >= 0) {
         line += (details.empty() ? "" : ", ") +

@@ -12,8 +12,8 @@ namespace addressbook {
 namespace {
 
 // The most terms, and bytes of text, that are gathered in memory before they are written.
-constexpr std::size_t kGatheredTerms = 160'000;
-constexpr std::size_t kGatheredBytes = std::size_t{8} * 1024 * 1024;
+constexpr std::size_t kGatheredTerms = 80'000;
+constexpr std::size_t kGatheredBytes = std::size_t{4} * 1024 * 1024;
 // Rows that one statement inserts: much of what an insertion costs is spent once a statement.
 constexpr std::size_t kRowsAtOnce = 16;
 // Page budget of one merge of the text index's segments. Above kSmallTextIndex pages the number of segments

@@ -12,14 +12,9 @@ namespace {
 
 constexpr std::size_t kUuidBytes = 16;
 
-std::optional<int> hexDigit(char c) {
-    if (c >= '0' && c <= '9') {
-        return c - '0';
-    }
-    if (c >= 'A' && c <= 'F') {
-        return c - 'A' + 10;
-    }
-    return std::nullopt;
+// Returns the value of a digit, in capitals; -1 for anything else.
+constexpr int hexDigit(char c) {
+    return c >= '0' && c <= '9' ? c - '0' : c >= 'A' && c <= 'F' ? c - 'A' + 10 : -1;
 }
 
 constexpr bool isDash(std::size_t at) {
@@ -70,12 +65,12 @@ std::optional<std::string> packUid(std::string_view text) {
             }
             continue;
         }
-        const auto high = hexDigit(text[at]);
-        const auto low = hexDigit(text[at + 1]);
-        if (!high || !low) {
+        const int high = hexDigit(text[at]);
+        const int low = hexDigit(text[at + 1]);
+        if (high < 0 || low < 0) {
             return std::nullopt;
         }
-        packed.push_back(static_cast<char>(*high * 16 + *low));
+        packed.push_back(static_cast<char>(high * 16 + low));
         ++at;
     }
     if (!kind.empty()) {

@@ -4,6 +4,7 @@
 #include "frameworks/AddressBook/vcard/vcard.h"
 
 #include <algorithm>
+#include <functional>
 #include <vector>
 
 namespace addressbook::vcard {
@@ -49,7 +50,7 @@ std::string textOf(const ContentLine& line) {
 
 } // namespace
 
-std::string digestOf(std::span<const ContentLine> lines) {
+std::string contentsOf(std::span<const ContentLine> lines) {
     std::vector<std::string> texts;
     texts.reserve(lines.size());
     for (const ContentLine& line : lines) {
@@ -64,7 +65,11 @@ std::string digestOf(std::span<const ContentLine> lines) {
     for (const std::string& text : texts) {
         all.append(text).append(1, '\n');
     }
-    return uuidOf(all);
+    return all;
+}
+
+std::string digestOf(const std::string& contents, bool hasUid) {
+    return hasUid ? std::to_string(std::hash<std::string>()(contents)) : uuidOf(contents);
 }
 
 } // namespace addressbook::vcard

@@ -191,9 +191,10 @@ std::variant<Card, Problem> readCard(std::vector<ContentLine>& lines, std::size_
     Card card;
     card.number = number;
     card.line = line;
-    card.digest = digestOf(lines);
+    const std::string contents = contentsOf(lines); // before they are taken apart
     CardReader reader(lines, card);
     std::string reason = reader.run();
+    card.digest = digestOf(contents, !card.uid.empty());
     if (!reason.empty()) {
         if (!card.skipped.empty()) {
             return Problem{number, card.skipped.front().line, reason + "; " + card.skipped.front().reason};

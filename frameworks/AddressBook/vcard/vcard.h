@@ -57,8 +57,8 @@ struct Card {
     // of the member's card. uuidOf() returns the UUID of the record that is meant.
     std::vector<std::string> memberUids;
     std::vector<std::string> categories; // a person's groups by name
-    // A digest of what is written in the card, a UUID: cards that say the same have the same, be they written in
-    // another order, encoding or version. Empty for a card that was not read.
+    // A digest of what is written in the card: cards that say the same have the same, be they written in another
+    // order, encoding or version. A UUID for a card without uid; empty for a card that was not read.
     std::string digest;
     std::vector<Problem> skipped; // lines that could not be read and were left out
     std::string unended;          // how the card ends without END:VCARD; mostly empty
