@@ -55,6 +55,7 @@ TEST(LosslessTest, Lines) {
         {"IMPP:tg:ida"},
         {"IMPP;X-SERVICE-TYPE=Telegram:tg:ida"},
         {"IMPP:unknown:a,b;c"},
+        {"IMPP;X-SERVICE-TYPE=Signal:sgnl://ida"},
         {"IMPP:jabber:ida", "IMPP;X-SERVICE-TYPE=Jabber:jabber:ida"},
         {"X-JABBER:ida", "IMPP;X-SERVICE-TYPE=Jabber:xmpp:ida"},
         {"IMPP;X-SERVICE-TYPE=Jabber:xmpp:ida", "X-JABBER:ida"},
