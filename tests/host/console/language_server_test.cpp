@@ -1,6 +1,7 @@
 // fmhost lsp, driven as an editor does.
 #include "tests/host/console/program.h"
 
+#include <algorithm>
 #include <gmock/gmock.h>
 #include <nlohmann/json.hpp>
 
@@ -284,6 +285,10 @@ TEST_F(LanguageServerTest, BrokenMessages) {
     EXPECT_EQ(code(3), -32602);
     EXPECT_EQ(code(4), -32602);
     EXPECT_TRUE(result(5).is_null());
+    // Notifications are never answered, not even those that mean nothing.
+    EXPECT_EQ(std::count_if(messages_.begin(), messages_.end(),
+                            [](const Json& message) { return message.contains("error"); }),
+              7);
 }
 
 TEST_F(LanguageServerTest, OrderOfLife) {
