@@ -4,6 +4,7 @@
 
 #include "tests/carddav/support.h"
 
+#include <set>
 #include <stdexcept>
 
 namespace carddav_test {
@@ -108,6 +109,17 @@ TEST(MultistatusTest, ReadsStatusAndReasonOfTruncation) {
                                   "<D:sync-token>t</D:sync-token></D:multistatus>");
     EXPECT_EQ(got.resources.at(0).status, 507);
     EXPECT_EQ(got.resources.at(0).error, "{DAV:}number-of-matches-within-limits");
+}
+
+TEST(MultistatusTest, SeveralHrefsShareAStatus) {
+    const Read got = read("<multistatus xmlns='DAV:'><response><href>/1</href><href>/2</href><href>/3</href>"
+                          "<status>HTTP/1.1 404 Not Found</status></response></multistatus>");
+    std::set<std::string> hrefs;
+    for (const Resource& resource : got.resources) {
+        EXPECT_EQ(resource.status, 404);
+        hrefs.insert(resource.href);
+    }
+    EXPECT_EQ(hrefs, (std::set<std::string>{"/1", "/2", "/3"}));
 }
 
 TEST(MultistatusTest, StatusThatCannotBeReadIsNoSuccess) {

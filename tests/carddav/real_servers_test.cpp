@@ -7,6 +7,7 @@
 #include "tests/carddav/child_server.h"
 #include "tests/carddav/support.h"
 
+#include <algorithm>
 #include <map>
 
 namespace carddav_test {

@@ -11,6 +11,7 @@ namespace addressbook::carddav {
 namespace {
 
 constexpr std::size_t kMaxProperties = 200;    // of one resource
+constexpr std::size_t kMaxHrefs = 10000;       // of one response
 constexpr std::size_t kMaxInside = 2000;       // elements of one property
 constexpr std::size_t kMaxSmall = 16UL * 1024; // an href, a status, a token, an attribute
 
@@ -88,6 +89,7 @@ MultistatusReader::Place MultistatusReader::enter(const std::string& name) {
     case Place::multistatus:
         if (name == names::kResponse) {
             resource_ = {};
+            moreHrefs_.clear();
             return Place::response;
         }
         return name == names::kSyncToken ? Place::syncToken : Place::other;
@@ -191,15 +193,25 @@ void MultistatusReader::endElement() {
     places_.pop_back();
     switch (place) {
     case Place::response:
+        for (std::string& href : moreHrefs_) {
+            Resource other;
+            other.href = std::move(href);
+            other.status = resource_.status;
+            each_(std::move(other));
+        }
         each_(std::move(resource_));
         resource_ = {};
         break;
     case Place::propstat:
         leavePropstat();
         break;
-    case Place::href: // a resource may have several, all of one status: the first stands for them
+    case Place::href:
         if (resource_.href.empty()) {
             resource_.href = trimmed(text_);
+        } else if (moreHrefs_.size() < kMaxHrefs) {
+            moreHrefs_.emplace_back(trimmed(text_));
+        } else {
+            malformed("a response in it has too many hrefs");
         }
         break;
     case Place::status:

@@ -91,7 +91,8 @@ class MultistatusReader : XmlHandler {
     std::string text_;              // of href, status, sync-token
     std::string syncToken_;
     Resource resource_;
-    std::size_t propstatBegin_ = 0; // first property of the propstat that is open
+    std::vector<std::string> moreHrefs_; // of the same status, behind the first
+    std::size_t propstatBegin_ = 0;      // first property of the propstat that is open
     int propstatStatus_ = 0;
     XmlParser parser_;
 };
