@@ -124,6 +124,26 @@ TEST(SyncTokenTest, WhatIsNoForgottenTokenIsAnError) {
     }
 }
 
+TEST(SyncTokenTest, ServerMayTakeItsTimeToList) {
+    Server server([](const Received&) {
+        Reply reply = page(card("1.vcf", "a"), "t2");
+        reply.delay = std::chrono::milliseconds(2500);
+        return reply;
+    });
+    ClientOptions options;
+    options.stallTimeout = std::chrono::seconds(1);
+    Client client(options);
+    int told = 0;
+    openCollection(client, server.url(kPath))->changes("sync-token t1", [&](Change&&) { ++told; });
+    EXPECT_EQ(told, 1);
+    CollectionOptions impatient;
+    impatient.listingTimeout = std::chrono::seconds(1);
+    const Error error = errorOf([&] {
+        openCollection(client, server.url(kPath), impatient)->changes("sync-token t1", [](Change&&) {});
+    });
+    EXPECT_EQ(error.kind(), ErrorKind::network);
+}
+
 TEST(SyncTokenTest, AnswerWithoutANewTokenIsAnError) {
     Server server([](const Received&) { return multistatus(card("1.vcf", "a")); });
     EXPECT_EQ(errorOf([&] { changesOf(server, "sync-token t"); }).kind(), ErrorKind::malformedAnswer);

@@ -25,6 +25,7 @@ struct Request {
     // throws ends the request: an Error is the request's, anything else leaves Client::run().
     std::function<void(std::string_view)> receive;
     std::size_t maxAnswer = 16UL * 1024 * 1024; // bytes of the body, unpacked
+    std::chrono::seconds stallTimeout{0};       // 0: that of the client
 };
 
 struct Answer {

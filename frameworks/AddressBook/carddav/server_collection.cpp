@@ -158,7 +158,8 @@ Changes ServerCollection::sync(const std::string& token, const std::function<voi
                      {"Depth: 0", "Content-Type: application/xml; charset=utf-8"},
                      syncBody(token),
                      [&](std::string_view bytes) { reader.feed(bytes); },
-                     options_.maxListing});
+                     options_.maxListing,
+                     options_.listingTimeout});
     reader.finish();
     if (reader.syncToken().empty()) {
         throw Error(ErrorKind::malformedAnswer, "the server tells changes without a sync token");
@@ -179,6 +180,7 @@ Changes ServerCollection::list(std::string state, const std::function<void(Chang
     Request request = propfind(url_, 1, {names::kEtag, names::kResourceType});
     request.receive = [&](std::string_view bytes) { reader.feed(bytes); };
     request.maxAnswer = options_.maxListing;
+    request.stallTimeout = options_.listingTimeout;
     client_.perform(std::move(request));
     reader.finish();
     return {Progress::complete, std::move(state)};

@@ -47,7 +47,8 @@ void Transfer::set(CURLoption option, Value value) {
     }
 }
 
-Transfer::Transfer(const ClientOptions& options) : handle_(curl_easy_init()), caFile_(options.caFile) {
+Transfer::Transfer(const ClientOptions& options)
+    : handle_(curl_easy_init()), caFile_(options.caFile), stallTimeout_(options.stallTimeout) {
     if (!handle_) {
         throw std::bad_alloc();
     }
@@ -70,7 +71,6 @@ void Transfer::setFixedOptions(const ClientOptions& options) {
     set(CURLOPT_TCP_KEEPALIVE, 1L);
     set(CURLOPT_CONNECTTIMEOUT_MS, static_cast<long>(options.connectTimeout.count()));
     set(CURLOPT_LOW_SPEED_LIMIT, 10L);
-    set(CURLOPT_LOW_SPEED_TIME, static_cast<long>(options.stallTimeout.count()));
     // GnuTLS reads every file of the system's folder for each connection, which takes 30 ms; the file that Debian makes
     // of them is read in 7. With a file of the user's own there is no place for both but with the folder.
     constexpr const char* kAuthorities = "/etc/ssl/certs/ca-certificates.crt";
@@ -105,6 +105,9 @@ void Transfer::prepare(const Request& request, const std::string& url, const Aut
         headers_.release(); // NOLINT(bugprone-unused-return-value): [longer] is the same list
         headers_.reset(longer);
     }
+    const std::chrono::seconds stallTimeout =
+        request.stallTimeout.count() > 0 ? request.stallTimeout : stallTimeout_;
+    set(CURLOPT_LOW_SPEED_TIME, static_cast<long>(stallTimeout.count()));
     set(CURLOPT_URL, url.c_str());
     set(CURLOPT_HTTPHEADER, headers_.get());
     if (request.body.empty()) {

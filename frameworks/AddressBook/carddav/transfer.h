@@ -63,6 +63,7 @@ class Transfer {
     std::unique_ptr<CURL, CloseHandle> handle_; // last: it refers to what is above
     const Request* request_ = nullptr;
     std::string caFile_, host_;
+    std::chrono::seconds stallTimeout_;
     Answer answer_;
     std::size_t received_ = 0;
     std::exception_ptr thrown_; // by a callback: no exception passes through libcurl
