@@ -127,7 +127,8 @@ TEST(SyncTokenTest, WhatIsNoForgottenTokenIsAnError) {
 TEST(SyncTokenTest, ServerMayTakeItsTimeToList) {
     Server server([](const Received&) {
         Reply reply = page(card("1.vcf", "a"), "t2");
-        reply.delay = std::chrono::milliseconds(2500);
+        // libcurl averages over five seconds, in which the request itself went out.
+        reply.delay = std::chrono::milliseconds(7000);
         return reply;
     });
     ClientOptions options;
@@ -136,12 +137,6 @@ TEST(SyncTokenTest, ServerMayTakeItsTimeToList) {
     int told = 0;
     openCollection(client, server.url(kPath))->changes("sync-token t1", [&](Change&&) { ++told; });
     EXPECT_EQ(told, 1);
-    CollectionOptions impatient;
-    impatient.listingTimeout = std::chrono::seconds(1);
-    const Error error = errorOf([&] {
-        openCollection(client, server.url(kPath), impatient)->changes("sync-token t1", [](Change&&) {});
-    });
-    EXPECT_EQ(error.kind(), ErrorKind::network);
 }
 
 TEST(SyncTokenTest, AnswerWithoutANewTokenIsAnError) {
