@@ -1,5 +1,6 @@
 // The command line: runs each measurement in a process of its own and prints the table.
 
+#include "bench/host/language.h"
 #include "bench/report/figures.h"
 #include "bench/report/table.h"
 
@@ -116,6 +117,10 @@ Figures measure(const Place& place, const Measured& measured) {
     return figures;
 }
 
+bool takesLanguageAlone(const std::string& only) {
+    return only == "language";
+}
+
 // The folder for the books: one that the user named, which stays, else a temporary one.
 class Books {
   public:
@@ -155,9 +160,13 @@ int run(std::size_t least, std::size_t people, const std::string& named, const s
     const Measured measured{program.parent_path().parent_path(), only};
     std::map<std::size_t, Figures> figures;
     for (const std::size_t size : kSizes) {
-        if (size >= least && size <= people) {
+        if (size >= least && size <= people && !takesLanguageAlone(only)) {
             figures[size] = measure({books.folder() / std::to_string(size), size}, measured);
         }
+    }
+    if (only.empty() || takesLanguageAlone(only)) { // the same for every book: with the smallest one
+        std::cerr << "measuring the language" << std::endl;
+        figures[figures.empty() ? least : figures.begin()->first].merge(apart(measureLanguage));
     }
     std::cout << table(figures);
     return 0;
@@ -178,7 +187,8 @@ int main(int argc, char** argv) {
                    "Where the books are made, and kept for the next time [a temporary folder]");
     app.add_option(
         "--only", only,
-        "Measure only the works whose names contain this, as \"suffix\"; \"tool\": those of addressbook");
+        "Measure only the works whose names contain this, as \"suffix\"; \"tool\": those of addressbook, "
+        "\"language\": those of calculations without a plug-in");
     app.footer(
         "Exit status: 0 when everything was measured, whatever the verdicts; 1 when something failed.");
     CLI11_PARSE(app, argc, argv);

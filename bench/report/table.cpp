@@ -25,7 +25,8 @@ constexpr std::size_t kMillion = 1'000'000;
 
 // One line of the table.
 struct Row {
-    const char* level; // F: framework; C: calculation in the host; T: the program addressbook
+    const char*
+        level; // F: framework; C: calculation in the host; L: the language; T: the program addressbook
     const char* work;
     const char* measured;
     const char* reference; // none for time and memory
@@ -65,6 +66,12 @@ constexpr Row kRows[] = {
     {"C", "read a phone's label, above F", "host/read phone label", "framework/read phone label",
      Kind::excess, 3 * kMicro},
     {"C", "walk: next, 3 properties, phones; a person", "host/walk", nullptr, Kind::time, 15 * kMicro},
+    {"L", "a loop of a million turns, While", "language/loop", nullptr, Kind::time, 1.2},
+    {"L", "the same: a node of plain arithmetic", "language/node", nullptr, Kind::time, 200e-9},
+    {"L", "a loop of a million turns, a script", "language/script loop", nullptr, Kind::time, 2},
+    {"L", "a list built of 100,000 values", "language/list", nullptr, Kind::time, 0.2},
+    {"L", "10 MB of JSON read, changed in 10,000 places", "language/json", "baseline/json", Kind::ratio, 3},
+    {"L", "substitution in 10 MB", "language/substitute", "baseline/substitute", Kind::ratio, 3},
     {"T", "import vCards into a new book", "tool/import", "baseline/import", Kind::ratio, 2.5},
     {"T", "the same: time", "tool/import", nullptr, Kind::time, 7, kHundredThousand},
     {"T", "the same: memory", "tool/import, memory", nullptr, Kind::memory, 100 * kMega},

@@ -27,7 +27,8 @@ struct Literal {
 // A $local or a $$global variable; the key is the folded name with its dollar signs.
 struct Variable {
     std::u16string key;
-    NodePtr repetition; // $x[n]; null for the first
+    NodePtr repetition;  // $x[n]; null for the first
+    bool isLast = false; // as of a Slot
 };
 
 // A name that a Let or While of the calculation defines: its index among the evaluator's slots.

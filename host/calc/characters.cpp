@@ -1,11 +1,38 @@
 #include "host/calc/characters.h"
 
 #include <algorithm>
+#include <cstdint>
+#include <cstring>
 #include <unicode/utf16.h>
 
 namespace host {
 
+namespace {
+
+// Whether a text has halves of surrogate pairs. Looks at four units at a time, as most long texts have none.
+bool hasSurrogates(std::u16string_view text) {
+    constexpr uint64_t kEach = 0x0001'0001'0001'0001; // a one in each unit
+    constexpr size_t kUnits = sizeof(uint64_t) / sizeof(char16_t);
+    size_t at = 0;
+    for (; at + kUnits <= text.size(); at += kUnits) {
+        uint64_t units = 0;
+        std::memcpy(&units, text.data() + at, sizeof units);
+        const uint64_t differences =
+            (units & kEach * 0xF800) ^ kEach * 0xD800; // 0 in the unit of a surrogate
+        if (((differences - kEach) & ~differences & kEach * 0x8000) != 0) {
+            return true;
+        }
+    }
+    return std::any_of(text.begin() + static_cast<std::ptrdiff_t>(at), text.end(),
+                       [](char16_t unit) { return U16_IS_SURROGATE(unit); });
+}
+
+} // namespace
+
 Characters::Characters(std::u16string_view text) : text_(text), count_(text.size()), simple_(true) {
+    if (!hasSurrogates(text)) {
+        return;
+    }
     for (size_t i = 0; i + 1 < text.size(); ++i) {
         if (U16_IS_LEAD(text[i]) && U16_IS_TRAIL(text[i + 1])) {
             simple_ = false;

@@ -92,6 +92,9 @@ Value Evaluator::evaluateForm(const Node& /*node*/, const Literal& form) {
 }
 
 Value Evaluator::evaluateForm(const Node& /*node*/, const Variable& form) {
+    if (form.isLast) {
+        return session_.takeVariable(form.key);
+    }
     const Value* value = session_.variable(keyOf(form));
     return value == nullptr ? Value() : *value;
 }

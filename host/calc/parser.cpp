@@ -36,6 +36,17 @@ std::string rangeText(int minArguments, int maxArguments) {
     return std::to_string(minArguments) + " to " + std::to_string(maxArguments) + " arguments";
 }
 
+// Returns the first argument or operand of a value that is of a form; null when there is none. Functions evaluate
+// an argument once at most, so that a value like List ( x ; 1 ) or x & "a" reads x once.
+template <class Form>
+Form* firstOperand(Node& value) {
+    if (auto* call = std::get_if<BuiltinCall>(&value.form)) {
+        return call->arguments.empty() ? nullptr : std::get_if<Form>(&call->arguments.front().form);
+    }
+    auto* chain = std::get_if<Chain>(&value.form);
+    return chain == nullptr ? nullptr : std::get_if<Form>(&chain->first->form);
+}
+
 } // namespace
 
 Calculation parseCalculation(const SourcePtr& source, const FunctionRegistry& functions) {
@@ -69,6 +80,15 @@ Calculation Parser::calculation(std::span<const std::u16string> parameters) {
     }
     Calculation result{source(), {}, 0};
     result.root = expression();
+    result.slots = slots_;
+    return result;
+}
+
+Calculation Parser::calculationFor(const Variable& target) {
+    names_.clear();
+    uses_.clear();
+    slots_ = 0;
+    Calculation result{source(), newValue(target), 0};
     result.slots = slots_;
     return result;
 }
@@ -150,6 +170,7 @@ Node Parser::primary() {
 
 Variable Parser::variable() {
     Variable result{foldName(token_.text), nullptr};
+    ++variableUses_[result.key];
     advance();
     if (accept(TokenKind::leftBracket)) {
         result.repetition = box(expression());
@@ -229,6 +250,7 @@ Node Parser::call(const Builtin& function, size_t begin) {
     if (function.refusal != CalcCode::none) {
         checkField(function, given, begin);
     }
+    opaqueCalls_ += function.name() == u"Evaluate" ? 1 : 0;
     return Node{begin, BuiltinCall{&function, std::move(given)}};
 }
 
@@ -236,6 +258,7 @@ Node Parser::call(const ExternalFunctionPtr& function, size_t begin) {
     std::vector<Node> given = arguments(function->name(), false);
     checkCount(function->name(), function->prototype(), function->minArguments(), function->maxArguments(),
                given.size(), begin);
+    ++opaqueCalls_;
     return Node{begin, ExternalCall{foldName(function->name()), function, std::move(given)}};
 }
 
@@ -376,30 +399,31 @@ Assignment Parser::assignment(size_t scope) {
     }
     advance();
     const std::optional<uint32_t> own = target ? std::nullopt : slotOf(key, scope);
-    const uint32_t usesBefore = own ? uses_[*own] : 0;
-    Node value = expression(); // parsed before the name is known: it may use an outer one of the same name
     if (target) {
+        Node value = newValue(*target);
         return {std::move(*target), std::move(value)};
     }
-    if (own && uses_[*own] == usesBefore + 1) {
-        markLastUse(value, *own);
+    const uint32_t usesBefore = own ? uses_[*own] : 0;
+    Node value = expression(); // parsed before the name is known: it may use an outer one of the same name
+    auto* use = own && uses_[*own] == usesBefore + 1 ? firstOperand<Slot>(value) : nullptr;
+    if (use != nullptr && use->index == *own) {
+        use->isLast = true;
     }
     return {Slot{define(std::move(key), scope)}, std::move(value)};
 }
 
-// A value that begins with the variable that it is for (x = List ( x ; 1 ), x = x & "a") is the last to read the
-// old value, when it reads it once: functions evaluate an argument once at most.
-void Parser::markLastUse(Node& value, uint32_t slot) {
-    Node* first = nullptr;
-    if (auto* call = std::get_if<BuiltinCall>(&value.form); call != nullptr && !call->arguments.empty()) {
-        first = &call->arguments.front();
-    } else if (auto* chain = std::get_if<Chain>(&value.form)) {
-        first = chain->first.get();
-    }
-    if (auto* use = first == nullptr ? nullptr : std::get_if<Slot>(&first->form);
-        use != nullptr && use->index == slot) {
+// Parses the new value of a $variable. It is the last to read the old one when it begins with it, reads it once,
+// and calls nothing that could read it.
+Node Parser::newValue(const Variable& target) {
+    const uint32_t usesBefore = variableUses_[target.key];
+    const uint32_t callsBefore = opaqueCalls_;
+    Node value = expression();
+    const bool isOnlyUse = variableUses_[target.key] == usesBefore + 1 && opaqueCalls_ == callsBefore;
+    auto* use = isOnlyUse && target.repetition == nullptr ? firstOperand<Variable>(value) : nullptr;
+    if (use != nullptr && use->key == target.key && use->repetition == nullptr) {
         use->isLast = true;
     }
+    return value;
 }
 
 // Returns the slot of a name in the form whose names start at [scope]; nothing when it has no such name yet.

@@ -6,6 +6,7 @@
 #include "host/calc/ast.h"
 #include "host/calc/lexer.h"
 
+#include <map>
 #include <optional>
 #include <span>
 #include <string_view>
@@ -30,6 +31,9 @@ class Parser {
     // Parses one calculation, up to the first token that does not belong to it. [parameters] are names that
     // it can use, in its first slots.
     Calculation calculation(std::span<const std::u16string> parameters = {});
+
+    // Parses the calculation of a new value for a variable, which may take the old one (x = List ( x ; 1 )).
+    Calculation calculationFor(const Variable& target);
 
     // Parses a variable, with or without a repetition, as a calculation for Session::assign().
     Calculation variableCalculation();
@@ -77,7 +81,7 @@ class Parser {
     Assignment assignment(size_t scope);
     uint32_t define(std::u16string key, size_t scope);
     std::optional<uint32_t> slotOf(std::u16string_view key, size_t scope) const;
-    static void markLastUse(Node& value, uint32_t slot);
+    Node newValue(const Variable& target);
     void openCall(std::u16string_view function);
     void checkLists(const Builtin& function, const std::vector<Node>& arguments) const;
     void checkField(const Builtin& function, const std::vector<Node>& arguments, size_t begin) const;
@@ -92,6 +96,8 @@ class Parser {
     Token token_;
     std::vector<ScopedName> names_;
     std::vector<uint32_t> uses_; // of each slot, so far
+    std::map<std::u16string, uint32_t> variableUses_;
+    uint32_t opaqueCalls_ = 0; // calls so far that may read any variable
     uint32_t slots_ = 0;
     int depth_ = 0;
 };

@@ -46,6 +46,12 @@ void Session::setVariable(const std::u16string& key, Value value) {
     const_cast<Variables&>(scopeOf(key)).insert_or_assign(key, std::move(value));
 }
 
+Value Session::takeVariable(const std::u16string& key) {
+    auto& scope = const_cast<Variables&>(scopeOf(key));
+    const auto found = scope.find(key);
+    return found == scope.end() ? Value() : std::exchange(found->second, {});
+}
+
 std::vector<Value> Session::repetitions(const std::u16string& key) const {
     std::vector<Value> result;
     const std::u16string prefix = key + u"[";

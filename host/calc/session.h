@@ -62,6 +62,8 @@ class Session {
     // Returns the value of a variable; null when it was never set. [key] is folded and has its dollar signs.
     const Value* variable(const std::u16string& key) const;
     void setVariable(const std::u16string& key, Value value);
+    // Returns the value of a variable, which is empty afterwards.
+    Value takeVariable(const std::u16string& key);
     // Returns the repetitions of a variable up to the last one that was set; those not set are empty.
     std::vector<Value> repetitions(const std::u16string& key) const;
 

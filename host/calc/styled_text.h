@@ -42,6 +42,9 @@ class StyledTextWriter {
     // Begins with a value, whose text is taken over without a copy when nothing else shares it.
     explicit StyledTextWriter(Value first);
 
+    // Makes room for a text of [size] units.
+    void reserve(size_t size) { text_.reserve(size); }
+
     // Appends a text without styles.
     void append(std::u16string_view plain);
     void append(char16_t unit) { append(std::u16string_view(&unit, 1)); }

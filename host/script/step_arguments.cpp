@@ -53,7 +53,9 @@ class ArgumentReader {
         argument.isGiven = true;
         switch (parameter.kind) {
         case Kind::calculation:
-            argument.value = in_.calculation();
+            argument.value = isNewValue()
+                                 ? in_.calculationFor(std::get<Variable>(arguments_[0].value->root.form))
+                                 : in_.calculation();
             return;
         case Kind::flag:
             argument.number = flag() ? 1 : 0;
@@ -147,6 +149,9 @@ class ArgumentReader {
                  toUtf8(step_) + " has no parameter called " + toUtf8(label) +
                      (question.empty() ? ": " + toUtf8(stepPrototype(step_, parameters_)) : question));
     }
+
+    // Whether the next calculation is the new value of the variable that is the first argument.
+    bool isNewValue() const { return foldName(step_) == u"set variable" && arguments_[0].isGiven; }
 
     bool flag() {
         const bool isOn = in_.acceptWord(u"on");

@@ -1,6 +1,8 @@
 #include "host/values/text.h"
 
 #include <algorithm>
+#include <bit>
+#include <cstring>
 #include <limits>
 #include <new>
 #include <stdexcept>
@@ -144,6 +146,30 @@ std::strong_ordering compareIgnoringCase(std::u16string_view left, std::u16strin
     const std::u16string a = foldCase(left);
     const std::u16string b = foldCase(right);
     return u_strCompare(a.data(), length32(a), b.data(), length32(b), 1) <=> 0;
+}
+
+// The C library looks for the first unit's lower byte, many bytes at a time. Not for a byte that is 0, which is every
+// other one of a text in Latin letters.
+size_t findUnits(std::u16string_view text, std::u16string_view wanted, size_t position) {
+    const int byte = wanted.front() & 0xFF;
+    if (std::endian::native != std::endian::little || byte == 0) {
+        return text.find(wanted, position);
+    }
+    const auto* const begin = reinterpret_cast<const char*>(text.data());
+    const size_t end = text.size() < wanted.size() ? 0 : text.size() - wanted.size() + 1;
+    for (size_t at = position; at < end;) {
+        const void* hit = std::memchr(text.data() + at, byte, (end - at) * sizeof(char16_t));
+        if (hit == nullptr) {
+            break;
+        }
+        const auto offset = static_cast<size_t>(static_cast<const char*>(hit) - begin);
+        at = offset / sizeof(char16_t);
+        if (offset % sizeof(char16_t) == 0 && text.compare(at, wanted.size(), wanted) == 0) {
+            return at;
+        }
+        ++at;
+    }
+    return std::u16string_view::npos;
 }
 
 size_t findIgnoringCase(std::u16string_view text, std::u16string_view wanted, size_t position) {

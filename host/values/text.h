@@ -25,6 +25,10 @@ inline std::strong_ordering compareUnits(std::u16string_view left, std::u16strin
     return left.compare(right) <=> 0;
 }
 
+// Returns the position of the first occurrence of [wanted], which is not empty, at or after [position], unit by unit;
+// npos when there is none. Like std::u16string_view::find(), and several times as fast in long texts.
+size_t findUnits(std::u16string_view text, std::u16string_view wanted, size_t position);
+
 // Returns the position of the first occurrence of [wanted] at or after [position], ignoring case; npos when
 // there is none. Characters are compared one by one, so that a match is always as long as [wanted].
 size_t findIgnoringCase(std::u16string_view text, std::u16string_view wanted, size_t position);

@@ -114,19 +114,28 @@ Value patternCount(Session& /*session*/, Arguments in) {
     return integerValue(found);
 }
 
+// Finds all places first, so that there is room for the result before it is written.
 Value substituted(const Value& in, const Value& search, const Value& replacement) {
     const StyledText styled(in);
     const std::u16string_view text = styled.text();
     const std::u16string wanted = search.asText();
-    size_t at = wanted.empty() ? std::u16string::npos : text.find(wanted);
-    if (at == std::u16string::npos) {
+    std::vector<size_t> places;
+    if (!wanted.empty()) {
+        for (size_t at = findUnits(text, wanted, 0); at != std::u16string::npos;
+             at = findUnits(text, wanted, at + wanted.size())) {
+            places.push_back(at);
+        }
+    }
+    if (places.empty()) {
         return in.type() == ValueType::text ? in : Value::text(text);
     }
+    const Value with = Value::styledText(replacement.asText(), replacement.styles());
     StyledTextWriter result;
+    result.reserve(text.size() - places.size() * wanted.size() + places.size() * with.storedText().size());
     size_t from = 0;
-    for (; at != std::u16string::npos; at = text.find(wanted, from)) {
+    for (const size_t at : places) {
         result.append(styled, text.substr(from, at - from));
-        result.append(replacement);
+        result.append(with);
         from = at + wanted.size();
     }
     result.append(styled, text.substr(from));

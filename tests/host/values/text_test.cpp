@@ -57,4 +57,16 @@ TEST(TextTest, FindsIgnoringCase) {
 
 } // namespace
 
+TEST(TextTest, FindsUnits) {
+    const std::u16string text = u"aXnnam\u6E00\u006E\u0061 name \u3000name";
+    for (const std::u16string_view wanted : {u"name", u"n", u"\u6E00", u"\u3000n", u"nowhere", u"a"}) {
+        for (size_t from = 0; from <= text.size() + 1; ++from) {
+            EXPECT_EQ(findUnits(text, wanted, from), text.find(wanted, from)) << from;
+        }
+    }
+    EXPECT_EQ(findUnits(u"", u"a", 0), std::u16string_view::npos);
+    // The lower byte of one character and the upper one of the next are no hit.
+    EXPECT_EQ(findUnits(u"\u6E41\u0042", u"n", 0), std::u16string_view::npos);
+}
+
 } // namespace host
