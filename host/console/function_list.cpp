@@ -4,6 +4,7 @@
 #include "host/calc/external_function.h"
 #include "host/calc/functions/groups.h"
 #include "host/console/show.h"
+#include "host/script/own_steps.h"
 #include "host/values/text.h"
 
 #include <algorithm>
@@ -112,6 +113,25 @@ std::vector<Row> languageRows() {
     return rows;
 }
 
+// Returns the script steps of the language that do something here, by category.
+std::vector<Row> ownStepRows() {
+    std::vector<Row> rows;
+    for (const OwnStep& step : ownSteps()) {
+        if (step.isSupported()) {
+            const std::string description(step.row.description);
+            const std::string category = "Script steps: " + std::string(step.category);
+            rows.push_back({"step",
+                            toUtf8(step.name()),
+                            toUtf8(step.row.prototype),
+                            description,
+                            category,
+                            "step",
+                            {{"description", description}, {"category", category}}});
+        }
+    }
+    return rows;
+}
+
 bool contains(const std::string& text, const std::u16string& foldedWord) {
     return foldCase(fromUtf8(text)).find(foldedWord) != std::u16string::npos;
 }
@@ -160,6 +180,8 @@ ExitCode listFunctions(const Host& host, const FunctionQuery& query) {
     if (query.all || !query.word.empty()) {
         std::vector<Row> language = languageRows();
         std::move(language.begin(), language.end(), std::back_inserter(rows));
+        std::vector<Row> steps = ownStepRows();
+        std::move(steps.begin(), steps.end(), std::back_inserter(rows));
     }
     if (!query.word.empty()) {
         const std::u16string word = foldCase(fromUtf8(query.word));

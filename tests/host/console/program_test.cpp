@@ -75,6 +75,10 @@ TEST_F(ProgramTest, Functions) {
     EXPECT_THAT(table.out, HasSubstr("0+   Test_Join ( value ... )\n"));
     EXPECT_THAT(table.out, testing::Not(HasSubstr("Upper")));
     const std::string all = good("functions --all").out;
+    EXPECT_NE(good("functions url").out.find("\nScript steps: Variables\nstep Insert from URL ["),
+              std::string::npos);
+    EXPECT_NE(all.find("\nstep Set Variable [ $variable ; Value: calculation ]\n"), std::string::npos);
+    EXPECT_EQ(all.find("Go to Layout"), std::string::npos); // which does nothing here
     EXPECT_THAT(all, HasSubstr("\nText\n1    Char ( number )\n1    Code ( text )\n"));
     EXPECT_THAT(all, HasSubstr("\nJSON\n2    JSONDeleteElement ( json ; keyOrIndexOrPath )\n"));
     EXPECT_THAT(all, HasSubstr("\nGet\n     Get ( AccountExtendedPrivileges )\n"));
