@@ -88,7 +88,7 @@ constexpr Numerals kNumerals[] = {
     {kHalfWidthDigits, u",", u".", u"十百千", u"万億兆京"},
     {kFullWidthDigits, u"，", u"．", u"十百千", u"万億兆京"},
     {kKanjiDigits, u"、", u"・", u"十百千", u"万億兆京"},
-    {kOldDigits, u"、", u"・", u"拾百阡", u"萬億兆京"},
+    {kOldDigits, u"、", u"・", u"拾百阡", u"万億兆京"},
 };
 
 std::u16string withDigits(std::u16string_view digits, const Numerals& numerals) {
