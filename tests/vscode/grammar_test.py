@@ -10,6 +10,7 @@ has them. A grammar knows no list of functions: a name before "(" is one. The ma
 
 import json
 import os
+import re
 import subprocess
 import sys
 from pathlib import Path
@@ -77,11 +78,21 @@ class Server:
                 for of_line, text_line in zip(units, lines)]
 
 
+# Functions that fmhost does not know without the plug-in; any other name before a bracket is no function.
+UNKNOWN = re.compile("KORU_|Unknown_")
+NAME = re.compile(r"[\w~@#.]*")
+
+
+def name_at(line, column):
+    """The name around a column."""
+    while column > 0 and NAME.fullmatch(line[column - 1]):
+        column -= 1
+    return NAME.match(line, column).group()
+
+
 def is_call(line, column):
     """Whether the name at a column stands before a bracket."""
-    while column < len(line) and (line[column].isalnum() or line[column] in "_~@#."):
-        column += 1
-    return line[column:].lstrip(" \t").startswith("(")
+    return line[NAME.match(line, column).end():].lstrip(" \t").startswith("(")
 
 
 def agrees(ours, theirs, line, column):
@@ -89,7 +100,7 @@ def agrees(ours, theirs, line, column):
     if theirs == "function":
         return ours == ("function" if is_call(line, column) else None)
     if ours == "function":
-        return theirs is None and is_call(line, column)  # a function that is not known here
+        return theirs is None and is_call(line, column) and UNKNOWN.match(name_at(line, column))
     if ours == "property":
         return theirs in ("property", None)  # Get knows no such name
     return ours == (None if theirs == "enumMember" else theirs)

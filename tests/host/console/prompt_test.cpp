@@ -101,8 +101,10 @@ TEST_F(PromptTest, TabCompletesCommandsAndTheirArguments) {
     std::ofstream(folder_ / "Greets all.fmscript") << "Exit Script [ Text Result: \"hel\" & \"lo\" ]";
     std::filesystem::create_directory(folder_ / "inner");
     std::ofstream(folder_ / "inner" / "some.txt") << "40 + 2\n";
-    type(":ty\t 1\r");
-    waitFor("\nnumber\r\n");
+    type(":unw\t");
+    waitFor("atch");
+    type("\x03");
+    waitFor("> ");
     type(":run gre\t\r");
     waitFor("\nhello\r\n");
     type(":load inn\tso\t\r");
