@@ -58,6 +58,7 @@ bool fill(int file, const Bytes& bytes) {
 // Starts a program of the path with standard input and output; returns its id, or 0.
 pid_t start(const std::vector<std::string>& command, int input, int output) {
     std::vector<char*> arguments;
+    arguments.reserve(command.size() + 1);
     for (const std::string& word : command) {
         arguments.push_back(const_cast<char*>(word.c_str())); // NOLINT(*-const-cast): the interface is older
     }
