@@ -26,7 +26,8 @@ TEST_F(ScriptingBridgeTest, TheLogSaysWhyNothingIsShown) {
     startBus();
     testing::internal::CaptureStderr();
     EXPECT_FALSE([application() isRunning]);
-    EXPECT_THAT(testing::internal::GetCapturedStderr(), HasSubstr("is not running; start it, or name another"));
+    EXPECT_THAT(testing::internal::GetCapturedStderr(),
+                HasSubstr("is not running; start it, or name another"));
 }
 
 TEST_F(ScriptingBridgeTest, TheEnvironmentNamesTheApplication) {

@@ -102,7 +102,8 @@ Value cosineSimilarity(Session& /*session*/, Arguments in) {
     if (!left || !right || left->size() != right->size()) {
         return Value::invalid();
     }
-    const double lengths = std::sqrt(product(*left, *left) * product(*right, *right)); // 1 for [1,2] and [2,4]
+    const double lengths =
+        std::sqrt(product(*left, *left) * product(*right, *right)); // 1 for [1,2] and [2,4]
     return lengths == 0 ? Value::invalid()
                         : Value::number(Number::fromDouble(product(*left, *right) / lengths));
 }
