@@ -112,6 +112,7 @@ void defineCommands(CLI::App& app, CommandLine& line) {
     eval->footer("A return in a result is shown as \u00B6. The first error ends the command.\n\nExamples:\n"
                  "  fmhost eval 'KORU_Version' 'Upper ( \"abc\" )'\n"
                  "  fmhost eval 'Let ( $x = 20 ; $x )' '$x + 1'\n"
+                 "  fmhost eval -- '-7 * 6'    (nothing behind -- is an option)\n"
                  "  fmhost eval - < calculations.txt");
 
     CLI::App* run = app.add_subcommand("run", "Run a script");
