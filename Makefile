@@ -1,4 +1,4 @@
-# The two commands: `make demo` shows the main job on real input, `make test` runs the tests. CI adds lint, test-tsan and test-interop.
+# The two commands: `make demo` shows the main job on real input, `make test` runs the tests. CI adds lint and test-tsan.
 # Both install what is missing from packages.txt by themselves (Debian 12; root, or sudo).
 
 .PHONY: help demo bench test test-asan test-tsan test-long test-packages test-interop lint analyze format build mac package release picture setup clean

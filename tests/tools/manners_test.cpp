@@ -120,8 +120,10 @@ TEST_F(MannersTest, BackupThatIsStoppedLeavesNothing) {
 // More cards than one save takes; then it waits for others that do not come.
 TEST_F(MannersTest, ImportThatIsStoppedTellsWhatIsSavedAndIsCompletedByAnother) {
     file("cards", cards(27'000));
-    const Outcome outcome = shell("mkfifo fifo; \"$A\" import fifo & exec 3>fifo; cat cards >&3; sleep 2; "
-                                  "kill -TERM $!; wait $!");
+    const Outcome outcome =
+        shell("mkfifo fifo; \"$A\" import fifo & exec 3>fifo; cat cards >&3; "
+              "until \"$A\" 2>/dev/null | grep -q '[1-9][0-9]* people'; do sleep 0.1; done; "
+              "kill -TERM $!; wait $!");
     EXPECT_EQ(outcome.status, kTerminated);
     const std::size_t saved = people();
     EXPECT_GT(saved, 0U);
