@@ -143,22 +143,23 @@ LineEditor::LineEditor(LineAssistant& assistant, std::filesystem::path history,
 
 void LineEditor::bindKeys() {
     struct Function {
-        const char* name;
-        unsigned char (*function)(EditLine*, int);
-        std::vector<const char*> keys;
+        const wchar_t* name;
+        unsigned char (*function)(EditLine*, wint_t);
+        std::vector<const wchar_t*> keys;
     };
     const std::array functions = {
-        Function{"fm-enter", enter, {"^M", "^J"}},
-        Function{"fm-break-line", breakLine, {"\x1b^M", "\x1b^J"}},
-        Function{"fm-complete", complete, {"^I"}},
-        Function{"fm-up", up, {"\x1b[A", "\x1bOA", "^P"}},
-        Function{"fm-down", down, {"\x1b[B", "\x1bOB", "^N"}},
-        Function{"fm-paste", paste, {"\x1b[200~"}},
+        Function{L"fm-enter", enter, {L"^M", L"^J"}},
+        Function{L"fm-break-line", breakLine, {L"\x1b^M", L"\x1b^J"}},
+        Function{L"fm-complete", complete, {L"^I"}},
+        Function{L"fm-up", up, {L"\x1b[A", L"\x1bOA", L"^P"}},
+        Function{L"fm-down", down, {L"\x1b[B", L"\x1bOB", L"^N"}},
+        Function{L"fm-paste", paste, {L"\x1b[200~"}},
     };
+    // Of names that are not wide, libedit makes wide ones that it never frees.
     for (const Function& one : functions) {
-        el_set(line_.get(), EL_ADDFN, one.name, one.name, one.function);
-        for (const char* const key : one.keys) {
-            el_set(line_.get(), EL_BIND, key, one.name, nullptr);
+        el_wset(line_.get(), EL_ADDFN, one.name, one.name, one.function);
+        for (const wchar_t* const key : one.keys) {
+            el_wset(line_.get(), EL_BIND, key, one.name, nullptr);
         }
     }
     struct Binding {
@@ -342,7 +343,7 @@ void LineEditor::insert(const std::wstring& text) {
     el_winsertstr(line_.get(), text.c_str());
 }
 
-unsigned char LineEditor::enter(EditLine* line, int key) {
+unsigned char LineEditor::enter(EditLine* line, wint_t key) {
     LineEditor& self = of(line);
     const EditorView shown = self.view();
     if (!self.assistant_.isComplete(toUtf8(units(shown.text)))) {
@@ -356,7 +357,7 @@ unsigned char LineEditor::enter(EditLine* line, int key) {
     return CC_NEWLINE;
 }
 
-unsigned char LineEditor::breakLine(EditLine* line, int /*key*/) {
+unsigned char LineEditor::breakLine(EditLine* line, wint_t /*key*/) {
     LineEditor& self = of(line);
     const EditorView shown = self.view();
     self.insert(L"\n" + indentation(shown.text.substr(0, shown.cursor)));
@@ -364,7 +365,7 @@ unsigned char LineEditor::breakLine(EditLine* line, int /*key*/) {
 }
 
 // Moves by a line inside a text of several; beyond the first and the last through the history.
-unsigned char LineEditor::up(EditLine* line, int /*key*/) {
+unsigned char LineEditor::up(EditLine* line, wint_t /*key*/) {
     const EditorView shown = of(line).view();
     const std::wstring_view before = shown.text.substr(0, shown.cursor);
     const size_t end = before.rfind(L'\n');
@@ -379,7 +380,7 @@ unsigned char LineEditor::up(EditLine* line, int /*key*/) {
     return CC_CURSOR;
 }
 
-unsigned char LineEditor::down(EditLine* line, int /*key*/) {
+unsigned char LineEditor::down(EditLine* line, wint_t /*key*/) {
     const EditorView shown = of(line).view();
     const size_t end = shown.text.find(L'\n', shown.cursor);
     if (end == std::wstring_view::npos) {
@@ -394,7 +395,7 @@ unsigned char LineEditor::down(EditLine* line, int /*key*/) {
 }
 
 // Inserts what the terminal pastes, with its tabs and line ends.
-unsigned char LineEditor::paste(EditLine* line, int /*key*/) {
+unsigned char LineEditor::paste(EditLine* line, wint_t /*key*/) {
     std::wstring text;
     wchar_t c = 0;
     while (!text.ends_with(kPasteEnd)) {
@@ -412,7 +413,7 @@ unsigned char LineEditor::paste(EditLine* line, int /*key*/) {
 }
 
 // Inserts what all names that may stand at the cursor begin with; lists them when that is nothing more.
-unsigned char LineEditor::complete(EditLine* line, int /*key*/) {
+unsigned char LineEditor::complete(EditLine* line, wint_t /*key*/) {
     LineEditor& self = of(line);
     const EditorView shown = self.view();
     const std::u16string typed = units(shown.text.substr(0, shown.cursor));

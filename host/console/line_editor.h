@@ -67,12 +67,12 @@ class LineEditor {
     static LineEditor& of(EditLine* line);
     static char* prompt(EditLine* line);
     static int readCharacter(EditLine* line, wchar_t* result);
-    static unsigned char enter(EditLine* line, int key);
-    static unsigned char breakLine(EditLine* line, int key);
-    static unsigned char complete(EditLine* line, int key);
-    static unsigned char up(EditLine* line, int key);
-    static unsigned char down(EditLine* line, int key);
-    static unsigned char paste(EditLine* line, int key);
+    static unsigned char enter(EditLine* line, wint_t key);
+    static unsigned char breakLine(EditLine* line, wint_t key);
+    static unsigned char complete(EditLine* line, wint_t key);
+    static unsigned char up(EditLine* line, wint_t key);
+    static unsigned char down(EditLine* line, wint_t key);
+    static unsigned char paste(EditLine* line, wint_t key);
 
     void bindKeys();
     int waitForCharacter(wchar_t& result);
