@@ -158,7 +158,7 @@ TEST_F(LoaderTest, RefusesLibrariesThatAreCutShort) {
     const support::TemporaryFolder folder;
     const fs::path library = folder.path() / "Cut.fmx";
     const fs::path whole = kPlugins / "good_plugin.fmx";
-    for (const uintmax_t size : {fs::file_size(whole) / 2, uintmax_t{5000}, uintmax_t{1000}}) {
+    for (const uintmax_t size : {20'000U, 5000U, 1000U}) { // what lies behind its code does not matter
         SCOPED_TRACE(size);
         fs::copy_file(whole, library, fs::copy_options::overwrite_existing);
         fs::resize_file(library, size);
