@@ -83,13 +83,16 @@ std::string readAll(pid_t program, int output) {
         const auto left =
             std::chrono::duration_cast<std::chrono::milliseconds>(end - std::chrono::steady_clock::now());
         pollfd ready{output, POLLIN, 0};
-        if (poll(&ready, 1, static_cast<int>(std::max<int64_t>(left.count(), 0))) <= 0) {
+        if (left.count() <= 0 || poll(&ready, 1, static_cast<int>(left.count())) <= 0) {
             break; // its time is over, or Ctrl-C was typed
         }
         char buffer[65536];
         const ssize_t size = read(output, buffer, sizeof buffer);
+        if (size < 0) {
+            break;
+        }
         isComplete = size == 0;
-        text.append(buffer, static_cast<size_t>(std::max<ssize_t>(size, 0)));
+        text.append(buffer, static_cast<size_t>(size));
     }
     if (!isComplete) {
         kill(program, SIGKILL);

@@ -2,6 +2,7 @@
 
 #include "frameworks/AddressBook/carddav/error.h"
 #include "frameworks/AddressBook/carddav/names.h"
+#include "frameworks/AddressBook/values/text.h"
 
 #include <algorithm>
 #include <cctype>
@@ -26,22 +27,15 @@ void appendBounded(std::string& to, std::string_view text, std::size_t bound) {
     to += text;
 }
 
-std::string_view trimmed(std::string_view text) {
-    constexpr std::string_view kSpace = " \t\r\n";
-    const std::size_t first = text.find_first_not_of(kSpace);
-    return first == std::string_view::npos ? std::string_view()
-                                           : text.substr(first, text.find_last_not_of(kSpace) - first + 1);
-}
-
 // "HTTP/1.1 404 Not Found". A status that cannot be read is no success.
 int statusOf(std::string_view line) {
     constexpr int kUnreadable = 500;
-    line = trimmed(line);
+    line = trim(line);
     const std::size_t space = line.find(' ');
     if (space == std::string_view::npos) {
         return kUnreadable;
     }
-    line = trimmed(line.substr(space));
+    line = trim(line.substr(space));
     int status = kUnreadable;
     std::from_chars(line.data(), line.data() + line.size(), status);
     return status >= 100 && status <= 999 ? status : kUnreadable;
@@ -60,7 +54,7 @@ const Property* Resource::find(std::string_view name) const {
 
 std::string Resource::text(std::string_view name) const {
     const Property* property = find(name);
-    return property == nullptr ? std::string() : std::string(trimmed(property->text));
+    return property == nullptr ? std::string() : std::string(trim(property->text));
 }
 
 bool Resource::has(std::string_view property, std::string_view element) const {
@@ -207,9 +201,9 @@ void MultistatusReader::endElement() {
         break;
     case Place::href:
         if (resource_.href.empty()) {
-            resource_.href = trimmed(text_);
+            resource_.href = trim(text_);
         } else if (moreHrefs_.size() < kMaxHrefs) {
-            moreHrefs_.emplace_back(trimmed(text_));
+            moreHrefs_.emplace_back(trim(text_));
         } else {
             malformed("a response in it has too many hrefs");
         }
@@ -218,11 +212,11 @@ void MultistatusReader::endElement() {
         (places_.back() == Place::propstat ? propstatStatus_ : resource_.status) = statusOf(text_);
         break;
     case Place::syncToken:
-        syncToken_ = trimmed(text_);
+        syncToken_ = trim(text_);
         break;
     case Place::inside: {
         std::string& text = resource_.properties.back().inside[open_.back()].text;
-        text = std::string(trimmed(text));
+        text = std::string(trim(text));
         open_.pop_back();
         break;
     }
@@ -274,7 +268,7 @@ Condition readCondition(std::string_view body) {
     } catch (const Error&) {
         return {}; // a page for people, most likely
     }
-    condition.href = std::string(trimmed(condition.href));
+    condition.href = std::string(trim(condition.href));
     return condition;
 }
 
@@ -284,7 +278,7 @@ bool isWeakEtag(std::string_view etag) {
 
 bool sameEtag(std::string_view one, std::string_view other) {
     const auto plain = [](std::string_view etag) {
-        etag = trimmed(etag);
+        etag = trim(etag);
         if (isWeakEtag(etag)) {
             etag.remove_prefix(2);
         }

@@ -1,6 +1,7 @@
 #include "frameworks/AddressBook/carddav/transfer.h"
 
 #include "frameworks/AddressBook/carddav/url.h"
+#include "frameworks/AddressBook/values/text.h"
 
 #include <algorithm>
 #include <new>
@@ -11,13 +12,6 @@ namespace {
 
 constexpr std::size_t kMaxErrorBody = 64UL * 1024; // of an answer that is no success: enough for its reason
 constexpr std::size_t kMaxHeaders = 200;
-
-std::string_view trimmed(std::string_view text) {
-    constexpr std::string_view kSpace = " \t\r\n";
-    const std::size_t first = text.find_first_not_of(kSpace);
-    return first == std::string_view::npos ? std::string_view()
-                                           : text.substr(first, text.find_last_not_of(kSpace) - first + 1);
-}
 
 bool hasControl(std::string_view text) {
     return std::any_of(text.begin(), text.end(),
@@ -164,10 +158,10 @@ void Transfer::takeHeader(std::string_view line) {
     if (answer_.headers.size() >= kMaxHeaders) {
         throw Error(ErrorKind::malformedAnswer, host_ + " answers with too many headers");
     }
-    std::string name(trimmed(line.substr(0, colon)));
+    std::string name(trim(line.substr(0, colon)));
     std::transform(name.begin(), name.end(), name.begin(),
                    [](char c) { return c >= 'A' && c <= 'Z' ? static_cast<char>(c - 'A' + 'a') : c; });
-    answer_.headers.emplace_back(std::move(name), trimmed(line.substr(colon + 1)));
+    answer_.headers.emplace_back(std::move(name), trim(line.substr(colon + 1)));
 }
 
 void Transfer::takeBody(std::string_view bytes) {

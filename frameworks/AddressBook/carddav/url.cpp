@@ -1,5 +1,7 @@
 #include "frameworks/AddressBook/carddav/url.h"
 
+#include "frameworks/AddressBook/values/text.h"
+
 #include <curl/curl.h>
 
 #include <algorithm>
@@ -84,15 +86,6 @@ std::string normalPath(std::string_view path) {
     return result;
 }
 
-std::string_view trimmed(std::string_view text) {
-    constexpr std::string_view kSpace = " \t\r\n";
-    const std::size_t first = text.find_first_not_of(kSpace);
-    if (first == std::string_view::npos) {
-        return {};
-    }
-    return text.substr(first, text.find_last_not_of(kSpace) - first + 1);
-}
-
 } // namespace
 
 std::string Url::origin() const {
@@ -115,7 +108,7 @@ std::optional<Url> parseUrl(const std::string& address) {
 }
 
 std::optional<std::string> resolve(const std::string& base, std::string_view reference) {
-    const std::string text(trimmed(reference));
+    const std::string text(trim(reference));
     const Parser parser = newParser();
     if (text.empty() ||
         curl_url_set(parser.get(), CURLUPART_URL, base.c_str(), CURLU_URLENCODE) != CURLUE_OK) {
@@ -130,7 +123,7 @@ std::optional<std::string> resolve(const std::string& base, std::string_view ref
 }
 
 std::optional<std::string> normalHref(const std::string& base, std::string_view href) {
-    const std::string_view text = trimmed(href);
+    const std::string_view text = trim(href);
     // Nearly all hrefs are paths, of which there is nothing to resolve.
     if (text.starts_with('/') && !text.starts_with("//") && text.find("/.") == std::string_view::npos) {
         const std::size_t query = std::min(text.find_first_of("?#"), text.size());

@@ -2,6 +2,7 @@
 
 #include "frameworks/AddressBook/csv/labels.h"
 #include "frameworks/AddressBook/values/calendar.h"
+#include "frameworks/AddressBook/values/text.h"
 #include "frameworks/AddressBook/values/uid.h"
 
 #include <algorithm>
@@ -12,19 +13,12 @@
 namespace addressbook::csv {
 namespace {
 
-std::string_view trimmed(std::string_view text) {
-    constexpr std::string_view kSpace = " \t\r\n";
-    const std::size_t start = text.find_first_not_of(kSpace);
-    return start == std::string_view::npos ? std::string_view()
-                                           : text.substr(start, text.find_last_not_of(kSpace) - start + 1);
-}
-
 // The parts of a list in one cell.
 std::vector<std::string> parts(std::string_view text, std::string_view separator) {
     std::vector<std::string> found;
     for (std::size_t start = 0; start <= text.size();) {
         const std::size_t end = std::min(text.find(separator, start), text.size());
-        if (const std::string_view part = trimmed(text.substr(start, end - start)); !part.empty()) {
+        if (const std::string_view part = trim(text.substr(start, end - start)); !part.empty()) {
             found.emplace_back(part);
         }
         start = end + separator.size();
@@ -48,7 +42,7 @@ int daysIn(int year, int month) {
 class DateReader {
   public:
     DateReader(std::string_view text, DateOrder order) : order_(order) {
-        text = trimmed(text);
+        text = trim(text);
         yearless_ = text.starts_with("--");
         text = text.substr(0, text.find_first_of(" T"));
         while (!text.empty() && numbers_.size() < 4) {
@@ -129,7 +123,7 @@ class PersonReader {
 
     Person run(const Row& row, std::span<const Column> columns) {
         for (std::size_t at = 0; at < row.cells.size(); ++at) {
-            if (!trimmed(row.cells[at]).empty()) {
+            if (!trim(row.cells[at]).empty()) {
                 if (at >= columns.size()) {
                     problem("there are " + std::to_string(row.cells.size()) + " cells and " +
                             std::to_string(columns.size()) + " columns");
@@ -162,16 +156,16 @@ class PersonReader {
         case Role::ignored:
             return;
         case Role::identifier:
-            person_.id = trimmed(cell);
+            person_.id = trim(cell);
             return;
         case Role::fullName:
-            fullName_ = fullName_.empty() ? std::string(trimmed(cell)) : fullName_;
+            fullName_ = fullName_.empty() ? std::string(trim(cell)) : fullName_;
             return;
         case Role::groups:
             takeGroups(cell);
             return;
         case Role::label:
-            draft(column).label = trimmed(cell);
+            draft(column).label = trim(cell);
             return;
         case Role::value:
             break;
@@ -217,7 +211,7 @@ class PersonReader {
     }
 
     std::optional<Value> valueOf(Type type, const std::string& cell, const std::string& property) {
-        const std::string_view text = trimmed(cell);
+        const std::string_view text = trim(cell);
         const auto refuse = [&](const char* expected) {
             problem(property + ": expected " + expected + ", not \"" + std::string(text) + '"');
             return std::nullopt;
@@ -333,11 +327,11 @@ class PersonReader {
         const std::size_t cut = comma != std::string::npos ? comma : fullName_.rfind(' ');
         std::string first = fullName_, last;
         if (cut != std::string::npos) {
-            first = trimmed(
+            first = trim(
                 std::string_view(fullName_).substr(comma != std::string::npos ? cut + 1 : 0,
                                                    comma != std::string::npos ? std::string::npos : cut));
-            last = trimmed(comma != std::string::npos ? std::string_view(fullName_).substr(0, cut)
-                                                      : std::string_view(fullName_).substr(cut + 1));
+            last = trim(comma != std::string::npos ? std::string_view(fullName_).substr(0, cut)
+                                                   : std::string_view(fullName_).substr(cut + 1));
         }
         if (!first.empty()) {
             person_.values.emplace(property::kFirst, first);

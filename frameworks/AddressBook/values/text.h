@@ -37,6 +37,9 @@ constexpr bool isContinuation(char byte) {
     return (static_cast<unsigned char>(byte) & 0xC0) == 0x80;
 }
 
+// Returns [text] without the spaces, tabs and line ends before and behind it.
+std::string_view trim(std::string_view text);
+
 // Returns the number of characters (code points) in a text.
 std::size_t countCharacters(std::string_view text);
 

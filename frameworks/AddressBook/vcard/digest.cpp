@@ -1,5 +1,6 @@
 #include "frameworks/AddressBook/vcard/digest.h"
 
+#include "frameworks/AddressBook/values/text.h"
 #include "frameworks/AddressBook/vcard/encoding.h"
 #include "frameworks/AddressBook/vcard/vcard.h"
 

@@ -339,17 +339,4 @@ bool equalsIgnoringCase(std::string_view left, std::string_view right) {
                       [&](char a, char b) { return lower(a) == lower(b); });
 }
 
-std::string_view trim(std::string_view text) {
-    const auto isSpace = [](char byte) {
-        return byte == ' ' || byte == '\t' || byte == '\r' || byte == '\n';
-    };
-    while (!text.empty() && isSpace(text.front())) {
-        text.remove_prefix(1);
-    }
-    while (!text.empty() && isSpace(text.back())) {
-        text.remove_suffix(1);
-    }
-    return text;
-}
-
 } // namespace addressbook::vcard

@@ -58,6 +58,5 @@ std::vector<std::string_view> splitQuoted(std::string_view text, char separator)
 std::string upperCase(std::string_view text);
 std::string lowerCase(std::string_view text);
 bool equalsIgnoringCase(std::string_view left, std::string_view right);
-std::string_view trim(std::string_view text);
 
 } // namespace addressbook::vcard

@@ -1,5 +1,6 @@
 #include "frameworks/AddressBook/vcard/full_name.h"
 
+#include "frameworks/AddressBook/values/text.h"
 #include "frameworks/AddressBook/vcard/encoding.h"
 
 #include <algorithm>

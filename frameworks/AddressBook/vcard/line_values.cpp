@@ -1,5 +1,6 @@
 #include "frameworks/AddressBook/vcard/line_values.h"
 
+#include "frameworks/AddressBook/values/text.h"
 #include "frameworks/AddressBook/vcard/card_lines.h"
 #include "frameworks/AddressBook/vcard/dates.h"
 #include "frameworks/AddressBook/vcard/encoding.h"

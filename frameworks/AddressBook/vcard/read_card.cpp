@@ -3,6 +3,7 @@
 
 #include "frameworks/AddressBook/vcard/read_card.h"
 
+#include "frameworks/AddressBook/values/text.h"
 #include "frameworks/AddressBook/vcard/card_reader.h"
 #include "frameworks/AddressBook/vcard/digest.h"
 #include "frameworks/AddressBook/vcard/encoding.h"

@@ -2,6 +2,7 @@
 
 #include "frameworks/AddressBook/vcard/card_reader.h"
 
+#include "frameworks/AddressBook/values/text.h"
 #include "frameworks/AddressBook/vcard/encoding.h"
 #include "frameworks/AddressBook/vcard/line_values.h"
 

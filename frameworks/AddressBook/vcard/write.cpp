@@ -1,5 +1,6 @@
 // Writing: the lines for the values of a card, and the unknown lines that were kept.
 
+#include "frameworks/AddressBook/values/text.h"
 #include "frameworks/AddressBook/vcard/card_lines.h"
 #include "frameworks/AddressBook/vcard/content_line.h"
 #include "frameworks/AddressBook/vcard/encoding.h"
