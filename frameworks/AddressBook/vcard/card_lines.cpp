@@ -5,6 +5,7 @@
 #include "frameworks/AddressBook/vcard/dates.h"
 #include "frameworks/AddressBook/vcard/encoding.h"
 #include "frameworks/AddressBook/vcard/labels.h"
+#include "frameworks/AddressBook/vcard/origin.h"
 #include "frameworks/AddressBook/vcard/rules.h"
 
 #include <algorithm>
@@ -294,7 +295,8 @@ class Lines {
         add("FN", name, property::kGroupName);
         add("X-ADDRESSBOOKSERVER-KIND", "group", {});
         for (const std::string& member : card_.memberUids) {
-            add("X-ADDRESSBOOKSERVER-MEMBER", escapeUri(member), {});
+            add("X-ADDRESSBOOKSERVER-MEMBER", escapeUri(member), kMemberUnit);
+            lines_.back().entry = static_cast<std::size_t>(&member - card_.memberUids.data());
         }
     }
 
@@ -345,7 +347,19 @@ std::string GroupNames::renamed(const std::string& group) {
 }
 
 std::string GroupNames::fresh() {
-    return "item" + std::to_string(++last_);
+    std::string name;
+    do {
+        name = "item" + std::to_string(++last_);
+    } while (taken_.contains(upperCase(name)));
+    return name;
+}
+
+void GroupNames::take(const std::string& name) {
+    taken_.insert(upperCase(name));
+}
+
+void GroupNames::rename(const std::string& group, const std::string& name) {
+    names_[upperCase(group)] = name;
 }
 
 } // namespace addressbook::vcard

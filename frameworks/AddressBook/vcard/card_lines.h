@@ -9,6 +9,7 @@
 #include <cstddef>
 #include <map>
 #include <optional>
+#include <set>
 #include <string>
 #include <string_view>
 #include <vector>
@@ -58,9 +59,14 @@ class GroupNames {
     std::string renamed(const std::string& group);
     // Returns a name for a new group.
     std::string fresh();
+    // Never gives [name] to a new group.
+    void take(const std::string& name);
+    // Makes [name] the new name of [group].
+    void rename(const std::string& group, const std::string& name);
 
   private:
     std::map<std::string, std::string> names_;
+    std::set<std::string> taken_; // in upper case
     int last_ = 0;
 };
 

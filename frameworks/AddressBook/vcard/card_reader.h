@@ -6,6 +6,7 @@
 
 #include "frameworks/AddressBook/vcard/card_lines.h"
 #include "frameworks/AddressBook/vcard/content_line.h"
+#include "frameworks/AddressBook/vcard/origin.h"
 #include "frameworks/AddressBook/vcard/preserved_parameters.h"
 #include "frameworks/AddressBook/vcard/rules.h"
 #include "frameworks/AddressBook/vcard/vcard.h"
@@ -26,8 +27,10 @@ namespace addressbook::vcard {
 // is not becomes one of the card's unknown lines.
 class CardReader {
   public:
-    // Takes lines apart and changes them; both arguments must outlive the reader.
-    CardReader(std::vector<ContentLine>& lines, Card& card) : lines_(lines), card_(card) {}
+    // Takes lines apart and changes them; the arguments must outlive the reader.
+    // [origins] may be null.
+    CardReader(std::vector<ContentLine>& lines, Card& card, std::vector<Origin>* origins)
+        : lines_(lines), card_(card), origins_(origins) {}
 
     // Reads the card. Returns why it is refused; empty when it is not.
     std::string run();
@@ -45,6 +48,7 @@ class CardReader {
 
     // Going through the lines (read_card.cpp).
     void collectGroups();
+    void noteOrigin(const Rule& rule, const ContentLine& line, bool added);
     void leaveOut(const ContentLine& line, const std::string& reason);
     bool decodeText(const Rule& rule, ContentLine& line);
     bool readGroupLine(const Rule& rule, ContentLine& line);
@@ -92,6 +96,7 @@ class CardReader {
 
     std::vector<ContentLine>& lines_;
     Card& card_;
+    std::vector<Origin>* origins_;
     Version version_ = Version::v3;
     std::unordered_map<std::string, LabelInGroup> labels_, countries_; // by group in upper case
     std::vector<ContentLine*> unknown_;

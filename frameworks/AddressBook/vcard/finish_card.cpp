@@ -108,7 +108,13 @@ void CardReader::keepUnknown(std::vector<std::string> lines) {
         lines.push_back("UID:" + escapeUri(uid_));
     }
     for (ContentLine* line : unknown_) {
-        if (!isUsedLabel(*line)) {
+        const bool used = isUsedLabel(*line);
+        if (origins_) {
+            Origin& origin = (*origins_)[static_cast<std::size_t>(line - lines_.data())];
+            origin.went = used ? Went::label : Went::unknown;
+            origin.entry = lines.size();
+        }
+        if (!used) {
             if (version_ == Version::v4) {
                 fromVersion4(*line);
             }

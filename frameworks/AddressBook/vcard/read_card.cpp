@@ -8,20 +8,25 @@
 #include "frameworks/AddressBook/vcard/digest.h"
 #include "frameworks/AddressBook/vcard/encoding.h"
 
+#include <algorithm>
+
 namespace addressbook::vcard {
 
 std::string CardReader::run() {
     collectGroups();
     for (ContentLine& line : lines_) {
+        if (origins_) {
+            origins_->push_back({line.number, line.group, line.name});
+        }
         const Rule* rule = ruleFor(line.key);
-        if (!rule || !decodeText(*rule, line)) {
-            if (!rule) {
-                unknown_.push_back(&line);
-            }
+        if (rule && !decodeText(*rule, line)) {
             continue;
         }
-        if (!(card_.kind == Kind::group ? readGroupLine(*rule, line) : readLine(*rule, line))) {
+        const std::size_t additions = additions_.size(), leftOut = card_.skipped.size();
+        if (!rule || !(card_.kind == Kind::group ? readGroupLine(*rule, line) : readLine(*rule, line))) {
             unknown_.push_back(&line);
+        } else if (origins_ && card_.skipped.size() == leftOut) {
+            noteOrigin(*rule, line, additions_.size() > additions);
         }
     }
     return card_.kind == Kind::group ? finishGroup() : finishPerson();
@@ -51,6 +56,50 @@ void CardReader::collectGroups() {
         } else if (rule->shape == Shape::country) {
             countries_.emplace(upperCase(line.group), LabelInGroup{&line, line.text(), false});
         }
+    }
+}
+
+// Notes where a line went that is understood. [added]: an addition was made of it, which says what entry it is.
+void CardReader::noteOrigin(const Rule& rule, const ContentLine& line, bool added) {
+    Origin& origin = origins_->back();
+    origin.went = Went::value;
+    if (added) {
+        origin.property = additions_.back().property;
+        origin.entry = additions_.back().entry;
+        return;
+    }
+    switch (rule.shape) {
+    case Shape::label:
+    case Shape::country:
+        origin.went = Went::label;
+        break;
+    case Shape::uid:
+    case Shape::addressBookUid:
+    case Shape::derived:
+        origin.went = Went::nowhere;
+        break;
+    case Shape::kind:
+        origin.went = card_.kind == Kind::group ? Went::nowhere : Went::value;
+        origin.property = property::kPersonFlags;
+        break;
+    case Shape::categories:
+        origin.property = kCategoriesUnit;
+        break;
+    case Shape::member: {
+        const std::string uuid = uuidOf(trim(line.text()));
+        const auto& members = card_.memberUids;
+        const auto found = std::find_if(members.rbegin(), members.rend(), // mostly the last
+                                        [&](const std::string& member) { return uuidOf(member) == uuid; });
+        if (found == members.rend()) {
+            origin.went = Went::nowhere; // it is empty
+        } else {
+            origin.property = kMemberUnit;
+            origin.entry = static_cast<std::size_t>(members.rend() - found - 1);
+        }
+        break;
+    }
+    default:
+        origin.property = card_.kind == Kind::group ? property::kGroupName : rule.property;
     }
 }
 
@@ -188,12 +237,16 @@ void CardReader::keep(std::string_view property, ContentLine& line, std::string 
         {property, 0, kNotPreferred, line.group, line.key, std::move(line.params), std::move(asRead)});
 }
 
-std::variant<Card, Problem> readCard(std::vector<ContentLine>& lines, std::size_t number, std::size_t line) {
+std::variant<Card, Problem> readCard(std::vector<ContentLine>& lines, std::size_t number, std::size_t line,
+                                     std::vector<Origin>* origins) {
     Card card;
     card.number = number;
     card.line = line;
     const std::string contents = contentsOf(lines); // before they are taken apart
-    CardReader reader(lines, card);
+    if (origins) {
+        origins->clear();
+    }
+    CardReader reader(lines, card, origins);
     std::string reason = reader.run();
     card.digest = digestOf(contents, !card.uid.empty());
     if (!reason.empty()) {

@@ -11,7 +11,8 @@
 namespace addressbook::vcard {
 
 // Returns the card with these lines, which it takes apart; [number] and [line] are the card's. A Problem when
-// it has nothing of use, or is inconsistent.
-std::variant<Card, Problem> readCard(std::vector<ContentLine>& lines, std::size_t number, std::size_t line);
+// it has nothing of use, or is inconsistent. [origins], where given, become those of the lines.
+std::variant<Card, Problem> readCard(std::vector<ContentLine>& lines, std::size_t number, std::size_t line,
+                                     std::vector<Origin>* origins = nullptr);
 
 } // namespace addressbook::vcard

@@ -4,6 +4,7 @@
 #include "frameworks/AddressBook/vcard/charset.h"
 #include "frameworks/AddressBook/vcard/content_line.h"
 #include "frameworks/AddressBook/vcard/encoding.h"
+#include "frameworks/AddressBook/vcard/origin.h"
 #include "frameworks/AddressBook/vcard/read_card.h"
 #include "frameworks/AddressBook/vcard/unfold.h"
 #include "frameworks/AddressBook/vcard/vcard.h"
@@ -62,6 +63,7 @@ struct Reader::Impl {
     std::size_t size = 0;
     std::size_t begin = 0; // its first line
     bool full = false;     // it exceeds the limits, so that its rest is skipped
+    std::vector<Origin>* origins = nullptr;
     std::string component; // the name of a component, such as VEVENT, while it is skipped
 };
 
@@ -132,7 +134,7 @@ std::variant<Card, Problem> Reader::Impl::readBody() {
 // Returns the card that was read; [unended] says what is wrong with its end.
 std::variant<Card, Problem> Reader::Impl::finish(const std::string& unended) {
     decode();
-    auto card = readCard(content, number, begin);
+    auto card = readCard(content, number, begin, origins);
     content.clear();
     if (auto* read = std::get_if<Card>(&card)) {
         read->skipped.insert(read->skipped.begin(), skipped.begin(), skipped.end());
@@ -295,6 +297,10 @@ Reader::Reader(std::string_view data, Charset charset)
 Reader::~Reader() = default;
 Reader::Reader(Reader&&) noexcept = default;
 Reader& Reader::operator=(Reader&&) noexcept = default;
+
+void Reader::noteOrigins(std::vector<Origin>& origins) {
+    impl_->origins = &origins;
+}
 
 std::optional<std::variant<Card, Problem>> Reader::next() {
     return impl_->next();

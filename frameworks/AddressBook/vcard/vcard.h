@@ -72,6 +72,9 @@ struct Charset {
     bool guessed = false; // only for cards that are no UTF-8
 };
 
+// Where a line of a card went (origin.h).
+struct Origin;
+
 // Reads card after card. A bad card gives a Problem, and reading continues after it. Not thread-safe.
 class Reader {
   public:
@@ -81,6 +84,10 @@ class Reader {
     ~Reader();
     Reader(Reader&&) noexcept;
     Reader& operator=(Reader&&) noexcept;
+
+    // Notes, for each card from now on, where its lines went; [origins] must outlive the reading, and holds those
+    // of the card that was read last.
+    void noteOrigins(std::vector<Origin>& origins);
 
     // Returns the next card, or what is wrong with it; nothing at the end.
     std::optional<std::variant<Card, Problem>> next();

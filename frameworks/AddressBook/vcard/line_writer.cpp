@@ -1,0 +1,209 @@
+#include "frameworks/AddressBook/vcard/line_writer.h"
+
+#include "frameworks/AddressBook/vcard/encoding.h"
+#include "frameworks/AddressBook/vcard/labels.h"
+#include "frameworks/AddressBook/vcard/origin.h"
+#include "frameworks/AddressBook/vcard/preserved_parameters.h"
+
+#include <utility>
+
+namespace addressbook::vcard {
+
+namespace {
+
+// Gives each line the parameters and the group of its addition among [stored].
+void applyAdditions(std::vector<CardLine>& lines, const std::vector<std::string>& stored) {
+    std::multimap<std::string, CardLine*> byText; // equal lines in their order
+    for (const std::string& text : stored) {
+        if (!text.starts_with(kAddition)) {
+            continue;
+        }
+        auto addition = parseStored(text.substr(1));
+        if (!addition) {
+            continue;
+        }
+        if (byText.empty()) {
+            for (CardLine& line : lines) {
+                byText.emplace(line.name + ':' + std::string(matchedValue(line)), &line);
+            }
+        }
+        const std::string key = addition->name + ':' + addition->value;
+        const auto found = byText.lower_bound(key);
+        if (found == byText.end() || found->first != key) {
+            continue; // its line's value has changed since
+        }
+        CardLine& line = *found->second;
+        if (const std::string_view value = addition->param(kAsRead); !value.empty()) {
+            line.value = value;
+            if (line.rule && (line.rule->shape == Shape::day || line.rule->shape == Shape::days)) {
+                line.params = ";value=date-time";
+            }
+            std::erase_if(addition->params, [](const Param& param) { return param.name == kAsRead; });
+        }
+        line.extra = std::move(addition->params);
+        line.group = addition->group;
+        byText.erase(found);
+    }
+}
+
+// Returns the parameters for label and preference, and those that no property holds.
+std::string paramsOf(const CardLine& line, WrittenVersion version) {
+    std::string text;
+    if (version == WrittenVersion::v3) {
+        text = line.params;
+        if (line.rule && line.rule->shape == Shape::links) {
+            text += ";type=INTERNET";
+        }
+        for (const std::string_view type : line.types) {
+            text.append(";type=").append(type);
+        }
+        text += line.preferred ? ";type=pref" : "";
+    } else {
+        text = line.preferred ? ";PREF=1" + line.params : line.params;
+        for (const std::string_view type : line.types) {
+            text.append(";TYPE=").append(type);
+        }
+    }
+    return text + renderParams(line.extra);
+}
+
+// Whether the label is written as TYPE words, so that it needs no X-ABLabel.
+bool typesSayLabel(const CardLine& line) {
+    for (const Param& param : line.extra) {
+        if (param.name == "TYPE" && line.rule) {
+            return meaningOf(param.values, entriesOf(*line.rule)).label == line.label;
+        }
+    }
+    return false;
+}
+
+} // namespace
+
+std::optional<ContentLine> parseStored(std::string text) {
+    PropertyLine line;
+    line.text = std::move(text);
+    line.utf8 = true;
+    return parseContentLine(line);
+}
+
+std::vector<std::string> storedLines(const Value& value) {
+    std::vector<std::string> stored;
+    if (const auto* array = value.as<Array>()) {
+        for (const Value& each : *array) {
+            if (const auto* text = each.as<std::string>()) {
+                stored.push_back(*text);
+            }
+        }
+    }
+    return stored;
+}
+
+const Value& unknownLinesOf(const Card& card) {
+    static const Value kNone;
+    const auto found = card.values.find(std::string(property::kUnknownLines));
+    return found == card.values.end() ? kNone : found->second;
+}
+
+bool isMemberLine(std::string_view stored) {
+    return stored.starts_with(kMember);
+}
+
+std::vector<CardLine> linesWithAdditions(const Card& card) {
+    const std::vector<std::string> stored = storedLines(unknownLinesOf(card));
+    std::vector<CardLine> lines = cardLines(card);
+    for (const std::string& text : stored) {
+        if (isMemberLine(text)) { // of a member that is not in the address book
+            CardLine& line = lines.emplace_back();
+            line.name = kMember.substr(0, kMember.size() - 1);
+            line.value = text.substr(kMember.size());
+            line.property = kMemberUnit;
+            line.entry = lines.size();
+        }
+    }
+    applyAdditions(lines, stored);
+    return lines;
+}
+
+std::vector<std::string> linesOfNoProperty(const Card& card) {
+    std::vector<std::string> lines = storedLines(unknownLinesOf(card));
+    std::erase_if(lines,
+                  [](const std::string& text) { return text.starts_with(kAddition) || isMemberLine(text); });
+    return lines;
+}
+
+std::string categoriesLine(const Card& card) {
+    std::string names;
+    for (const std::string& name : card.categories) {
+        names += (names.empty() ? "" : ",") + escape(name);
+    }
+    return names.empty() ? names : "CATEGORIES:" + names;
+}
+
+std::string uidLine(std::string_view uid, WrittenVersion version) {
+    return (version == WrittenVersion::v3 ? "UID:" : "UID:urn:uuid:") + uuidOf(uid);
+}
+
+void LineWriter::prepare(CardLine& line) {
+    if (version_ == WrittenVersion::v4) {
+        toVersion4(line, onlyLines_);
+    }
+    if (line.label && typesSayLabel(line)) {
+        line.label.reset();
+    }
+    // Of several preferred entries only the first is marked.
+    bool& preferred = preferred_[line.property];
+    preferred = preferred || line.preferred;
+    if (!preferred) {
+        dropPreference(line.extra, false);
+    }
+}
+
+std::string LineWriter::text(const CardLine& line) const {
+    return line.name + paramsOf(line, version_) + ':' + line.value;
+}
+
+void LineWriter::add(const CardLine& line) {
+    std::string group = groups_.renamed(line.group);
+    bool hasLabel = false;
+    if (const CardLine*& first = firstInGroup_[group]; !group.empty() && !first) {
+        first = &line;
+    } else if (!group.empty() && first->label == line.label && line.country.empty()) {
+        hasLabel = true;
+    } else {
+        group.clear(); // what belongs to the group's first line would be taken for this one's
+    }
+    if (group.empty() && (line.label || !line.country.empty())) {
+        group = groups_.fresh();
+    }
+    append(text(line), group);
+    if (line.label && !hasLabel) {
+        append("X-ABLabel:" + escape(*line.label), group);
+    }
+    if (!line.country.empty()) {
+        append("X-ABADR:" + escape(line.country), group);
+    }
+}
+
+void LineWriter::addStored(const std::string& stored) {
+    auto line = parseStored(stored);
+    if (!line) {
+        return;
+    }
+    line->group = groups_.renamed(line->group);
+    if (version_ == WrittenVersion::v4) {
+        toVersion4(*line, onlyLines_);
+    }
+    append(render(*line));
+}
+
+void LineWriter::append(std::string_view line, const std::string& group) {
+    std::string text = group.empty() ? std::string() : group + '.';
+    appendFolded(out_, text.append(line));
+}
+
+std::string LineWriter::take() {
+    std::erase(out_, '\0'); // readers do not accept it in text
+    return std::exchange(out_, {});
+}
+
+} // namespace addressbook::vcard
