@@ -27,7 +27,9 @@ inline ChangeSet changesAt(double seconds) {
 }
 
 // SQL that turns a book into one of schema version 1.
-inline constexpr const char* kMakeVersion1 = "DROP TABLE deleted; ALTER TABLE change DROP COLUMN replaced; "
+inline constexpr const char* kMakeVersion1 = "DROP TABLE account; DROP TABLE collection; DROP TABLE link; "
+                                             "DROP TABLE conflict; DROP TABLE deleted; "
+                                             "ALTER TABLE change DROP COLUMN silent; ALTER TABLE change DROP COLUMN replaced; "
                                              "ALTER TABLE change DROP COLUMN origin; PRAGMA user_version = 1";
 
 // Saves these records and nothing else.

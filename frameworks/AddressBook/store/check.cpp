@@ -2,6 +2,7 @@
 
 #include "frameworks/AddressBook/store/impl.h"
 
+#include "frameworks/AddressBook/store/deflate.h"
 #include "frameworks/AddressBook/store/index.h"
 #include "frameworks/AddressBook/store/record_codec.h"
 #include "frameworks/AddressBook/values/text.h"
@@ -37,6 +38,10 @@ constexpr Rule kRules[] = {
     {"SELECT id FROM record WHERE id IN (SELECT id FROM deleted)", "records are noted as deleted"},
     {"SELECT id FROM definition WHERE property NOT IN (SELECT id FROM property)",
      "definitions of properties belong to no property"},
+    {"SELECT id FROM collection WHERE account NOT IN (SELECT id FROM account)",
+     "address books on servers belong to no account"},
+    {"SELECT id FROM link WHERE collection NOT IN (SELECT id FROM collection)",
+     "cards on servers belong to no address book there"},
 };
 
 // A hash over everything that is added to it, in order.
@@ -176,6 +181,7 @@ class Checker {
             attempt([&] { checkRule(rule); });
         }
         attempt([this] { checkMe(); });
+        attempt([this] { checkSync(); });
         attempt([this] { checkRecords(); });
         attempt([this] { checkTerms(); });
         if (indexes_ && recordsAreKnown_ && recordsAreSound_) {
@@ -324,6 +330,19 @@ class Checker {
         }
         if (indexes_ && recordsAreSound_ && held != terms_) {
             found_.emplace_back("The search index (values) does not agree with the records.");
+        }
+    }
+
+    // Reads all that is noted for servers.
+    void checkSync() {
+        store_.syncAccounts();
+        store_.syncConflicts();
+        auto statement = db_.prepare("SELECT id, text FROM link");
+        while (statement.step()) {
+            if (!inflated(statement.blob(1))) {
+                report(1, "card as it was agreed with a server cannot be read", statement.integer(0));
+                return;
+            }
         }
     }
 

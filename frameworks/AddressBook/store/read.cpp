@@ -307,13 +307,18 @@ std::int64_t Store::lastChange() const {
 std::vector<LoggedChange> Store::changesSince(std::int64_t change) const {
     std::vector<LoggedChange> changes;
     auto statement = impl_->db.prepare(
-        "SELECT id, inserted, updated, deleted, origin FROM change WHERE id > ? ORDER BY id");
+        "SELECT id, inserted, updated, deleted, origin, silent FROM change WHERE id > ? ORDER BY id");
     statement.bindInteger(change);
     const std::string mark = processMark();
+    bool first = true;
     while (statement.step()) {
         const std::int64_t id = statement.integer(0);
-        if (changes.empty() && id > change + 1) {
+        if (first && id > change + 1) {
             changes.push_back(LoggedChange{.change = id - 1}); // the log no longer has the saves before
+        }
+        first = false;
+        if (!statement.isNull(5)) {
+            continue;
         }
         const bool own = statement.blob(4) == mark;
         LoggedChange one{id, {}, {}, {}, own};

@@ -4,6 +4,7 @@
 
 #include "frameworks/AddressBook/store/index.h"
 #include "frameworks/AddressBook/store/record_codec.h"
+#include "frameworks/AddressBook/store/save_sync.h"
 #include "frameworks/AddressBook/store/watch.h"
 
 #include <algorithm>
@@ -71,7 +72,8 @@ class Saver {
         if (!small_) {
             flushReplaced();
         }
-        if (wrote_ || !changed_.empty() || !result_.deleted.empty()) {
+        const bool wroteSync = saveSyncChanges(impl_, changes_.sync, result_);
+        if (wroteSync || wrote_ || !changed_.empty() || !result_.deleted.empty()) {
             log();
         }
         return std::move(result_);
@@ -412,6 +414,7 @@ void Saver::missing(const std::string& uid) {
 void Saver::log() {
     const std::size_t count = result_.inserted.size() + result_.updated.size() + result_.deleted.size();
     const bool all = count > kMostLogged;
+    const bool silent = count == 0 && !wrote_; // only SyncChanges were written
     const auto encoded = [&](const std::vector<std::string>& uids) {
         return encodeUids(all ? std::vector<std::string>() : uids);
     };
@@ -422,9 +425,10 @@ void Saver::log() {
     const std::string backlog = replaced_.empty() ? std::string() : encodeBacklog(replaced_);
     const bool leaves = !backlog.empty() && backlog.size() <= kMostBacklogBytes;
     {
-        auto statement = db_.prepare(
-            "INSERT INTO change(inserted, updated, deleted, origin, replaced) VALUES (?, ?, ?, ?, ?)");
-        statement.bindBlob(inserted).bindBlob(updated).bindBlob(deleted).bindBlob(mark);
+        auto statement = db_.prepare("INSERT INTO change(inserted, updated, deleted, origin, silent, "
+                                     "replaced) VALUES (?, ?, ?, ?, nullif(?, 0), ?)");
+        statement.bindBlob(inserted).bindBlob(updated).bindBlob(deleted).bindBlob(mark).bindInteger(
+            silent ? 1 : 0);
         if (leaves) {
             statement.bindBlob(backlog);
         }

@@ -113,6 +113,51 @@ CREATE TABLE deleted (
 );
 )";
 
+// Keeping in step with servers (sync_state.h): accounts, address books there, which card is which record, and values
+// that had to yield. text is the card as both sides last agreed, compressed; empty where the server has none yet.
+// change.silent: the save changed no record.
+constexpr const char* kVersion7 = R"(
+CREATE TABLE account (
+    id INTEGER PRIMARY KEY AUTOINCREMENT,
+    url NOT NULL,
+    user NOT NULL,
+    name NOT NULL UNIQUE,
+    source INTEGER NOT NULL,
+    password NOT NULL
+);
+CREATE TABLE collection (
+    id INTEGER PRIMARY KEY AUTOINCREMENT,
+    account INTEGER NOT NULL,
+    url NOT NULL UNIQUE,
+    name NOT NULL,
+    state NOT NULL,
+    change INTEGER NOT NULL,
+    main INTEGER NOT NULL
+);
+CREATE TABLE link (
+    id INTEGER PRIMARY KEY,
+    collection INTEGER NOT NULL,
+    href NOT NULL,
+    uid NOT NULL,
+    etag NOT NULL,
+    leaves INTEGER NOT NULL,
+    text BLOB,
+    UNIQUE (collection, href)
+);
+CREATE INDEX link_uid ON link (uid, leaves);
+CREATE UNIQUE INDEX link_owner ON link (uid) WHERE leaves = 0;
+CREATE TABLE conflict (
+    id INTEGER PRIMARY KEY AUTOINCREMENT,
+    uid NOT NULL,
+    property NOT NULL,
+    label NOT NULL,
+    value BLOB NOT NULL,
+    time REAL NOT NULL,
+    remote INTEGER NOT NULL
+);
+ALTER TABLE change ADD COLUMN silent;
+)";
+
 // Numbers that the SQL here and in other sources repeats.
 static_assert(kMostProperties == 65536 && kTermBytes == 64);
 static_assert(static_cast<int>(Kind::person) == 0 && static_cast<int>(Kind::group) == 1);
@@ -133,6 +178,7 @@ std::span<const Migration> migrations() {
         [](sql::Connection& connection) { connection.execute(kVersion4); },
         [](sql::Connection& connection) { connection.execute(kVersion5); },
         floatDates, // days are no longer moments
+        [](sql::Connection& connection) { connection.execute(kVersion7); },
     };
     static_assert(std::size(steps) == kSchemaVersion);
     return steps;

@@ -170,7 +170,7 @@ bool Store::moved() const {
 
 bool ChangeSet::empty() const {
     return definitions.empty() && removedDefinitions.empty() && records.empty() && removed.empty() &&
-           memberships.empty() && !me;
+           memberships.empty() && !me && sync.empty();
 }
 
 } // namespace addressbook

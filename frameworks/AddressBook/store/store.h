@@ -6,6 +6,7 @@
 #include "frameworks/AddressBook/store/access.h"
 #include "frameworks/AddressBook/store/progress.h"
 #include "frameworks/AddressBook/store/sql/store_error.h"
+#include "frameworks/AddressBook/store/sync_state.h"
 #include "frameworks/AddressBook/values/property.h"
 #include "frameworks/AddressBook/values/query.h"
 #include "frameworks/AddressBook/values/uid.h"
@@ -14,6 +15,7 @@
 #include <chrono>
 #include <cstdint>
 #include <filesystem>
+#include <functional>
 #include <map>
 #include <memory>
 #include <optional>
@@ -77,6 +79,7 @@ struct ChangeSet {
     std::vector<std::string> removed;                   // uids
     std::vector<MembershipChange> memberships;
     std::optional<std::string> me; // uid of the user's own card; "" clears it, nothing leaves it
+    SyncChanges sync;              // tells nobody: the records have not changed by it
     bool empty() const;
 };
 
@@ -86,12 +89,14 @@ struct SaveResult {
     std::vector<RowId> insertedRows; // the rows of `inserted`, in the same order
     std::vector<std::string>
         missing; // changed here, but deleted by another process; their changes were dropped
-    std::vector<MembershipChange> circular; // left out: the group would contain itself
+    std::vector<MembershipChange> circular;          // left out: the group would contain itself
+    std::vector<std::int64_t> accounts, collections; // the ids of the new ones, in their order
     std::int64_t change = 0; // the number of this save in the change log; 0 when nothing was written
 };
 
 // One save as the change log records it. Empty lists mean that anything may have changed: a very large save,
-// a change of the custom properties or of `me` alone, or saves so old that the log no longer has them.
+// a change of the custom properties or of `me` alone, or saves so old that the log no longer has them. Saves that
+// changed nothing but SyncChanges have a number and are not told.
 struct LoggedChange {
     std::int64_t change = 0;
     std::vector<std::string> inserted = {}, updated = {}, deleted = {};
@@ -195,6 +200,16 @@ class Store {
     // restored.
     std::int64_t lastChange() const;
     std::vector<LoggedChange> changesSince(std::int64_t change) const;
+
+    // Return what is noted for keeping in step with servers; see sync_state.h. Links and conflicts in the order in
+    // which they were added; of several links of a record the one that it belongs to first.
+    std::vector<SyncAccount> syncAccounts() const;
+    std::vector<SyncCollection> syncCollections() const;
+    std::vector<SyncConflict> syncConflicts() const;
+    std::optional<SyncLink> syncLink(std::int64_t collection, std::string_view href) const;
+    std::vector<SyncLink> syncLinksOf(std::string_view uid) const;
+    // Calls [visit] with each link of a collection, without its text.
+    void visitSyncLinks(std::int64_t collection, const std::function<void(SyncLink&&)>& visit) const;
 
     // Looks for damage and returns a sentence for each problem found. Runs SQLite's own check, then looks for
     // dangling and contradictory rows; with Depth::everything also compares the search indexes with the

@@ -2,6 +2,7 @@
 
 #include "frameworks/AddressBook/store/file/repair.h"
 
+#include "frameworks/AddressBook/store/deflate.h"
 #include "frameworks/AddressBook/store/file/paths.h"
 #include "frameworks/AddressBook/store/file/replace_file.h"
 #include "frameworks/AddressBook/store/file/sidecars.h"
@@ -12,7 +13,9 @@
 
 #include <sqlite3.h>
 
+#include <algorithm>
 #include <chrono>
+#include <cmath>
 #include <fstream>
 #include <functional>
 #include <map>
@@ -48,6 +51,7 @@ class Rescue {
         readRecords();
         readMemberships();
         readMe();
+        readSync();
         transaction.commit();
         made_.rebuildIndexes();
         return std::move(lost_);
@@ -74,6 +78,8 @@ class Rescue {
     void readPicture(RowId id, const std::string& name);
     void readMemberships();
     void readMe();
+    void readSync();
+    bool copyRows(const char* table, const char* columns, const char* order);
 
     const fs::path& file_;
     const fs::path& damaged_;
@@ -371,6 +377,67 @@ void Rescue::readMe() {
         lost_.emplace_back("The user's own card is lost.");
     } else if (!me.empty()) {
         made_.db.prepare("INSERT OR REPLACE INTO meta(name, value) VALUES ('me', ?)").bindText(me).exec();
+    }
+}
+
+// Copies the rows of a table that can be read; returns false when some cannot.
+bool Rescue::copyRows(const char* table, const char* columns, const char* order) {
+    const std::string list(columns);
+    std::string places = "?";
+    for (const char byte : list) {
+        places += byte == ',' ? ", ?" : "";
+    }
+    const std::string insert =
+        "INSERT OR IGNORE INTO " + std::string(table) + "(" + list + ") VALUES (" + places + ")";
+    const int count = static_cast<int>(std::count(list.begin(), list.end(), ',')) + 1;
+    return scanBothWays("SELECT " + list + " FROM " + table + " NOT INDEXED", order,
+                        [&](const sql::Statement& row) {
+                            auto statement = made_.db.prepareText(insert);
+                            for (int column = 0; column < count; ++column) {
+                                if (row.isNull(column)) {
+                                    statement.bindReal(std::nan("")); // null
+                                } else if (row.isText(column)) {
+                                    statement.bindText(row.text(column));
+                                } else if (row.isReal(column)) {
+                                    statement.bindReal(row.real(column));
+                                } else if (row.isNumber(column)) {
+                                    statement.bindInteger(row.integer(column));
+                                } else {
+                                    statement.bindBlob(row.blob(column));
+                                }
+                            }
+                            statement.exec();
+                        });
+}
+
+// What was agreed with servers. Where some of it is lost, the listings are read anew and each card is compared, so that
+// nothing is taken for deleted. A book of an older version has none of it.
+void Rescue::readSync() {
+    if (sqlite3_table_column_metadata(db_->handle(), "main", "link", "href", nullptr, nullptr, nullptr,
+                                      nullptr, nullptr) != SQLITE_OK) {
+        return;
+    }
+    std::vector<std::int64_t> bad;
+    bool whole = copyRows("account", "id, url, user, name, source, password", "id");
+    whole &= copyRows("collection", "id, account, url, name, state, change, main", "id");
+    whole &= copyRows("link", "id, collection, href, uid, etag, leaves, text", "id");
+    whole &= copyRows("conflict", "id, uid, property, label, value, time, remote", "id");
+    made_.db.execute("DELETE FROM collection WHERE account NOT IN (SELECT id FROM account);"
+                     "DELETE FROM link WHERE collection NOT IN (SELECT id FROM collection)");
+    for (auto statement = made_.db.prepare("SELECT id, text FROM link"); statement.step();) {
+        if (!inflated(statement.blob(1))) {
+            bad.push_back(statement.integer(0));
+        }
+    }
+    for (const std::int64_t id : bad) { // as though it were the first meeting of the two
+        made_.db.prepare("UPDATE link SET text = x'', etag = '' WHERE id = ?").bindInteger(id).exec();
+        whole = false;
+    }
+    // The change log is new.
+    made_.db.execute("UPDATE collection SET change = 0, state = ''");
+    if (!whole) {
+        lost_.emplace_back(
+            "Not all that was agreed with servers can be read; the next sync compares all cards.");
     }
 }
 

@@ -1,0 +1,205 @@
+// What is noted for keeping in step with servers, and how it is written with the records.
+
+#include "frameworks/AddressBook/store/deflate.h"
+#include "frameworks/AddressBook/store/file/paths.h"
+#include "frameworks/AddressBook/store/file/repair.h"
+#include "frameworks/AddressBook/store/sql/sql.h"
+#include "tests/store/builders.h"
+#include "tests/store/scratch.h"
+
+#include <gmock/gmock.h>
+#include <sqlite3.h>
+
+#include <memory>
+
+namespace addressbook::test {
+namespace {
+
+using testing::ElementsAre;
+using testing::HasSubstr;
+using testing::IsEmpty;
+using testing::SizeIs;
+
+const std::string kCard = "BEGIN:VCARD\r\nVERSION:3.0\r\nN:A\r\nEND:VCARD\r\n";
+
+class SyncStateTest : public Scratch {
+  protected:
+    // Notes an account with one address book, and returns the id of that.
+    std::int64_t addCollection(const std::string& name = "work") {
+        ChangeSet changes;
+        changes.sync.accounts.push_back(
+            {0, "https://x.example/", "ida", name, PasswordSource::command, "pass x"});
+        changes.sync.collections.push_back(
+            {0, 0, "https://x.example/ida/" + name + "/", "Work", "", 0, true});
+        const SaveResult result = store_.save(changes);
+        EXPECT_THAT(result.accounts, SizeIs(1));
+        return result.collections.at(0);
+    }
+    void saveLink(const SyncLink& link) {
+        ChangeSet changes;
+        changes.sync.links.push_back(link);
+        store_.save(changes);
+    }
+    // Runs SQL on the closed or open book, behind the store's back.
+    void execute(const std::string& sql) {
+        sql::Connection(store_.file(), databaseUri(store_.file()), SQLITE_OPEN_READWRITE | SQLITE_OPEN_URI,
+                        std::chrono::seconds(10))
+            .execute(sql);
+    }
+    std::unique_ptr<Store> opened_ = std::make_unique<Store>(folder());
+    Store& store_ = *opened_;
+};
+
+TEST_F(SyncStateTest, GivesBackWhatWasNoted) {
+    const std::int64_t collection = addCollection();
+    const std::string uid = addPerson(store_, {{"Last", text("A")}});
+    const SyncLink link{collection, "/ida/work/1.vcf", uid, "\"e1\"", kCard, false};
+    ChangeSet changes;
+    changes.sync.links.push_back(link);
+    changes.sync.conflicts.push_back({0, uid, "Phone", "home", text("1"), Date{5}, true});
+    store_.save(changes);
+
+    const Store again(folder());
+    ASSERT_THAT(again.syncAccounts(), SizeIs(1));
+    const SyncAccount account = again.syncAccounts()[0];
+    EXPECT_EQ(account, (SyncAccount{account.id, "https://x.example/", "ida", "work", PasswordSource::command,
+                                    "pass x"}));
+    EXPECT_THAT(again.syncCollections(),
+                ElementsAre(SyncCollection{collection, account.id, "https://x.example/ida/work/", "Work", "",
+                                           0, true}));
+    EXPECT_EQ(again.syncLink(collection, link.href), link);
+    EXPECT_EQ(again.syncLink(collection, "/other"), std::nullopt);
+    EXPECT_THAT(again.syncLinksOf(uid), ElementsAre(link));
+    ASSERT_THAT(again.syncConflicts(), SizeIs(1));
+    EXPECT_EQ(again.syncConflicts()[0], (SyncConflict{1, uid, "Phone", "home", text("1"), Date{5}, true}));
+    std::vector<SyncLink> visited;
+    again.visitSyncLinks(collection, [&](SyncLink&& each) { visited.push_back(std::move(each)); });
+    SyncLink withoutText = link;
+    withoutText.text.clear();
+    EXPECT_THAT(visited, ElementsAre(withoutText));
+    EXPECT_THAT(again.check(), IsEmpty());
+}
+
+TEST_F(SyncStateTest, ALinkTakesThePlaceOfTheOneOfItsHref) {
+    const std::int64_t collection = addCollection();
+    SyncLink link{collection, "/1", addPerson(store_, {}), "\"e1\"", kCard, false};
+    saveLink(link);
+    link.etag = "\"e2\"";
+    link.text = kCard + kCard;
+    saveLink(link);
+    EXPECT_EQ(store_.syncLink(collection, "/1"), link);
+    ChangeSet changes;
+    changes.sync.removedLinks.emplace_back(collection, "/1");
+    store_.save(changes);
+    EXPECT_EQ(store_.syncLink(collection, "/1"), std::nullopt);
+}
+
+TEST_F(SyncStateTest, ARecordBelongsToOneCardAndLeavesOthers) {
+    const std::int64_t here = addCollection("work"), there = addCollection("home");
+    const std::string uid = addPerson(store_, {});
+    SyncLink first{here, "/1", uid, "\"e\"", kCard, false}, second{there, "/2", uid, "", "", false};
+    saveLink(first);
+    EXPECT_THROW(saveLink(second), StoreError);
+    first.leaves = true;
+    ChangeSet changes;
+    changes.sync.links = {first, second};
+    store_.save(changes);
+    EXPECT_THAT(store_.syncLinksOf(uid), ElementsAre(second, first));
+    EXPECT_FALSE(store_.syncCollections()[0].isDefault); // only the last one is
+    EXPECT_TRUE(store_.syncCollections()[1].isDefault);
+}
+
+TEST_F(SyncStateTest, LinksOutliveTheirRecords) {
+    const std::int64_t collection = addCollection();
+    const std::string uid = addPerson(store_, {});
+    saveLink({collection, "/1", uid, "\"e\"", kCard, false});
+    ChangeSet changes;
+    changes.removed = {uid};
+    store_.save(changes);
+    EXPECT_THAT(store_.syncLinksOf(uid), SizeIs(1)); // by which the card there is deleted
+    EXPECT_THAT(store_.check(), IsEmpty());
+}
+
+TEST_F(SyncStateTest, AnAccountGoesWithAllThatItHas) {
+    const std::int64_t collection = addCollection();
+    const std::string uid = addPerson(store_, {});
+    saveLink({collection, "/1", uid, "\"e\"", kCard, false});
+    ChangeSet changes;
+    changes.sync.removedAccounts = {store_.syncAccounts()[0].id};
+    store_.save(changes);
+    EXPECT_THAT(store_.syncAccounts(), IsEmpty());
+    EXPECT_THAT(store_.syncCollections(), IsEmpty());
+    EXPECT_THAT(store_.syncLinksOf(uid), IsEmpty());
+    EXPECT_TRUE(store_.find(uid));
+}
+
+TEST_F(SyncStateTest, IsWrittenWithTheRecordsOrNotAtAll) {
+    const std::int64_t collection = addCollection();
+    const std::string uid = addPerson(store_, {{"Last", text("A")}});
+    ChangeSet changes = changesAt(2);
+    changes.records.push_back(updated(uid, {{"Last", text("B")}}));
+    changes.sync.links.push_back({collection, "/1", uid, "\"e\"", kCard, false});
+    changes.sync.links.push_back({collection + 7, "/2", uid, "\"e\"", kCard, true}); // there is no such one
+    EXPECT_THROW(store_.save(changes), StoreError);
+    EXPECT_EQ(store_.value(store_.find(uid)->row, "Last"), text("A"));
+    EXPECT_THAT(store_.syncLinksOf(uid), IsEmpty());
+}
+
+TEST_F(SyncStateTest, RefusesWhatIsThereTwice) {
+    addCollection();
+    EXPECT_THROW(addCollection(), StoreError);
+    ChangeSet changes;
+    changes.sync.collections.push_back({0, 0, "https://y.example/", "Y", "", 0, false});
+    EXPECT_THROW(store_.save(changes), StoreError); // it belongs to no account
+}
+
+// Others would read all their records again.
+TEST_F(SyncStateTest, TellsNobodyWhenNoRecordChanges) {
+    const std::string uid = addPerson(store_, {});
+    const std::int64_t before = store_.lastChange();
+    addCollection();
+    EXPECT_GT(store_.lastChange(), before); // every save has a number
+    EXPECT_THAT(store_.changesSince(before), IsEmpty());
+    saveRecords(store_, {updated(uid, {{"Last", text("A")}})});
+    ASSERT_THAT(store_.changesSince(before), SizeIs(1));
+    EXPECT_THAT(store_.changesSince(before)[0].updated, ElementsAre(uid));
+}
+
+TEST_F(SyncStateTest, CheckFindsWhatBelongsToNothing) {
+    const std::int64_t collection = addCollection();
+    saveLink({collection, "/1", addPerson(store_, {}), "\"e\"", kCard, false});
+    execute("DELETE FROM account; UPDATE link SET text = x'0000000A00'");
+    EXPECT_THAT(store_.check(),
+                ElementsAre(HasSubstr("belong to no account"), HasSubstr("agreed with a server")));
+}
+
+TEST_F(SyncStateTest, RepairTakesItAlong) {
+    const std::int64_t collection = addCollection();
+    const std::string good = addPerson(store_, {}), bad = addPerson(store_, {});
+    saveLink({collection, "/1", good, "\"e\"", kCard, false});
+    saveLink({collection, "/2", bad, "\"e\"", kCard, false});
+    execute("UPDATE link SET text = x'0000000A00' WHERE href = '/2'; UPDATE collection SET state = 's', "
+            "change = 9");
+    const auto accounts = store_.syncAccounts();
+    opened_.reset();
+    EXPECT_TRUE(repair(folder()).needed);
+    const Store repaired(folder());
+    EXPECT_EQ(repaired.syncLink(collection, "/1")->text, kCard);
+    EXPECT_EQ(repaired.syncLink(collection, "/2"), (SyncLink{collection, "/2", bad, "", "", false}));
+    EXPECT_EQ(repaired.syncAccounts(), accounts);
+    EXPECT_EQ(repaired.syncCollections()[0].state, ""); // all is compared anew
+    EXPECT_EQ(repaired.syncCollections()[0].change, 0);
+    EXPECT_THAT(repaired.check(), IsEmpty());
+}
+
+TEST(DeflateTest, GivesBackTheText) {
+    for (const std::string& card : {std::string(), kCard, std::string(100'000, 'x')}) {
+        EXPECT_EQ(inflated(deflated(card)), card);
+    }
+    EXPECT_LT(deflated(std::string(100'000, 'x')).size(), 1000u);
+    EXPECT_EQ(inflated("abc"), std::nullopt);
+    EXPECT_EQ(inflated(deflated(kCard).substr(0, 20)), std::nullopt);
+}
+
+} // namespace
+} // namespace addressbook::test
