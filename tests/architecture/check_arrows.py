@@ -30,6 +30,7 @@ MODEL = "frameworks/AddressBook/model"
 VCARD = "frameworks/AddressBook/vcard"
 CSV = "frameworks/AddressBook/csv"
 CARDDAV = "frameworks/AddressBook/carddav"
+SYNC = "frameworks/AddressBook/sync"
 OBJC = "frameworks/AddressBook/objc"
 APPLE = "frameworks/AddressBook/include", "frameworks/AppKit/include", "frameworks/ScriptingBridge/include"
 COMMAND_LINE = "tools/command_line"
@@ -56,11 +57,12 @@ ROOMS = {
     "host/console": Room((*HOST, COMMAND_LINE), ("CLI11", "dl", "json", "libedit", "libxml2", "ICU"), (), "the console is the host's top room"),
     VALUES: Room((), ("ICU",), (), "values know nothing else"),
     SQL: Room((), ("SQLite",), (), "this room knows SQLite alone"),
-    STORE: Room((VALUES, SQL), ("SQLite", "ICU"), (), "the store knows values and SQLite"),
+    STORE: Room((VALUES, SQL), ("SQLite", "ICU", "zlib"), (), "the store knows values and SQLite"),
     MODEL: Room((STORE, VALUES), (), (), "the model knows the store and values"),
     VCARD: Room((VALUES,), ("ICU", "Boost"), (), "vCards know values alone"),
     CSV: Room((VALUES,), ("ICU", "libcsv"), (), "CSV knows values alone"),
     CARDDAV: Room((VALUES,), ("curl", "libxml2"), (), "CardDAV knows values alone, and no store"),
+    SYNC: Room((CARDDAV, STORE, VCARD, VALUES), (), (), "keeping in step knows the store, vCards and the server"),
     OBJC: Room((MODEL, STORE, VCARD, VALUES, "frameworks/AddressBook/include", "frameworks/Foundation"),
                ("Foundation", "AddressBook", "Boost", "objc"), ("frameworks/CoreFoundation",),
                "the classes know what is below them and Foundation"),
@@ -106,6 +108,7 @@ ONE_UNIT = (
 # Headers and link names that belong to a library; all others with a "/" or a name of their own are refused.
 LIBRARIES = {
     "SQLite": (r"sqlite3\.h|SQLite::SQLite3",),
+    "zlib": (r"zlib\.h|ZLIB::ZLIB",),
     "ICU": (r"unicode/.*|ICU::\w+",),
     "curl": (r"curl/.*|PkgConfig::CURL",),
     "libcsv": (r"csv\.h|libcsv",),
