@@ -40,6 +40,19 @@ if(VELOCARD_SANITIZE)
   add_link_options(-fsanitize=${VELOCARD_SANITIZE})
 endif()
 
+# What users get on Linux is hardened: writing past the end of memory, or a jump to where no function begins, ends the
+# program. Sanitizers see more than this, and do not go with it. tests/security looks at the binaries.
+if(NOT APPLE AND NOT VELOCARD_SANITIZE)
+  include(CheckPIESupported)
+  check_pie_supported()
+  add_compile_options(-fstack-protector-strong -fstack-clash-protection
+    "$<$<CONFIG:Release>:-U_FORTIFY_SOURCE;-D_FORTIFY_SOURCE=3>")
+  if(CMAKE_SYSTEM_PROCESSOR MATCHES "x86_64|AMD64")
+    add_compile_options(-fcf-protection=full)
+  endif()
+  add_link_options(LINKER:-z,relro LINKER:-z,now LINKER:-z,noexecstack)
+endif()
+
 # velocard_foundation: Foundation, from GNUstep or from Apple; for Objective-C and Objective-C++ targets.
 add_library(velocard_foundation INTERFACE)
 if(APPLE)
