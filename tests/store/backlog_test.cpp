@@ -181,11 +181,7 @@ TEST_F(BacklogTest, ComesToAnOlderBook) {
     ask("VACUUM INTO '" + (older / "AddressBook.db").string() + "'");
     sqlite3* database = nullptr;
     ASSERT_EQ(sqlite3_open((older / "AddressBook.db").c_str(), &database), SQLITE_OK);
-    ASSERT_EQ(
-        sqlite3_exec(database,
-                     "DROP TABLE deleted; ALTER TABLE change DROP COLUMN replaced; PRAGMA user_version = 2",
-                     nullptr, nullptr, nullptr),
-        SQLITE_OK);
+    ASSERT_EQ(sqlite3_exec(database, downgradeTo(2).c_str(), nullptr, nullptr, nullptr), SQLITE_OK);
     sqlite3_close(database);
     Store migrated(older);
     EXPECT_THAT(named(migrated, "ada"), ElementsAre(uid));

@@ -26,11 +26,25 @@ inline ChangeSet changesAt(double seconds) {
     return changes;
 }
 
-// SQL that turns a book into one of schema version 1.
-inline constexpr const char* kMakeVersion1 = "DROP TABLE account; DROP TABLE collection; DROP TABLE link; "
-                                             "DROP TABLE conflict; DROP TABLE deleted; "
-                                             "ALTER TABLE change DROP COLUMN silent; ALTER TABLE change DROP COLUMN replaced; "
-                                             "ALTER TABLE change DROP COLUMN origin; PRAGMA user_version = 1";
+// Returns the SQL that turns a book without links to servers into one of an earlier schema version; the days of one
+// before version 6 stay as they are.
+inline std::string downgradeTo(int version) {
+    static const std::pair<int, const char*> steps[] = {
+        // a version, and what undoes it
+        {7, "DROP TABLE account; DROP TABLE collection; DROP TABLE link; DROP TABLE conflict;"
+            "ALTER TABLE change DROP COLUMN silent;"},
+        {5, "DROP TABLE deleted;"},
+        {3, "ALTER TABLE change DROP COLUMN replaced;"},
+        {2, "ALTER TABLE change DROP COLUMN origin;"},
+    };
+    std::string sql;
+    for (const auto& [made, undo] : steps) {
+        if (made > version) {
+            sql += undo;
+        }
+    }
+    return sql + "PRAGMA user_version = " + std::to_string(version);
+}
 
 // Saves these records and nothing else.
 inline SaveResult saveRecords(Store& store, std::vector<RecordChange> records, double seconds = 1) {

@@ -137,7 +137,7 @@ TEST_P(FailingDiskTest, AtBringingAnOlderBookUpToDate) {
     const Contents before = contentsOf(Store(folder()));
     sqlite3* database = nullptr;
     ASSERT_EQ(sqlite3_open(file().c_str(), &database), SQLITE_OK);
-    ASSERT_EQ(sqlite3_exec(database, kMakeVersion1, nullptr, nullptr, nullptr), SQLITE_OK);
+    ASSERT_EQ(sqlite3_exec(database, downgradeTo(1).c_str(), nullptr, nullptr, nullptr), SQLITE_OK);
     sqlite3_close(database);
     const std::string older = bytesOf(file());
     fail([&] { EXPECT_EQ(contentsOf(Store(folder())), before); },

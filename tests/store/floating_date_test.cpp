@@ -51,7 +51,7 @@ class FloatingDateTest : public Scratch {
     void makeVersion5() const {
         sql::Connection connection(folder() / kFileName, databaseUri(folder() / kFileName),
                                    SQLITE_OPEN_READWRITE | SQLITE_OPEN_URI, std::chrono::seconds(1));
-        connection.execute("PRAGMA user_version = 5");
+        connection.execute(downgradeTo(5));
     }
 };
 

@@ -191,10 +191,10 @@ class KillPointsTest : public Scratch {
     void killAtMigrating(const char* journal) {
         makeBook();
         flushIndexes(*std::make_unique<Store>(folder()));
-        execute(kMakeVersion1);
+        execute(downgradeTo(1).c_str());
         execute(journal);
         const Contents before = contentsOf(Store(folder()));
-        execute(kMakeVersion1);
+        execute(downgradeTo(1).c_str());
         execute(journal);
         kill([&] { Store{folder()}; },
              [&] {
