@@ -4,7 +4,7 @@
 
 namespace host {
 
-Value Placeholder::value() const {
+Value Fixed::value() const {
     if (answer == u"?") {
         return Value::invalid();
     }

@@ -36,12 +36,18 @@ using OwningFunction = Value (*)(Session&, std::vector<Value>); // may take the 
 using BranchFunction = const Node* (*)(Evaluator&, std::span<const Node>);
 using LazyFunction = Value (*)(Evaluator&, std::span<const Node>);
 
-// The value of a function in a host that has no file, record, layout, window or network: a text, which
-// becomes a number when it is one, and an invalid value when it is "?".
-struct Placeholder {
+// A value that never changes: a text, which becomes a number when it is one, and an invalid value when it is
+// "?".
+struct Fixed {
     std::u16string_view answer;
 
     Value value() const;
+};
+
+// The value of a function in a host that has no file, record, layout, window or network, and the error that
+// EvaluationError tells of it.
+struct Placeholder : Fixed {
+    CalcCode code = CalcCode::none;
 };
 
 // The error for a function that FileMaker refuses unless its argument is a field.
@@ -116,16 +122,17 @@ struct GetRow {
     std::u16string_view name;
     std::string_view description; // one sentence
     Value (*function)(Session&) = nullptr;
-    Placeholder placeholder{}; // the value when there is no function
+    Fixed fixed{};         // the value when there is no function
+    bool isAbsent = false; // the value is that of a host that lacks what it is about
 
     constexpr GetRow(std::u16string_view text, Value (*read)(Session&), std::string_view sentence)
         : name(text), description(sentence), function(read) {}
+    constexpr GetRow(std::u16string_view text, Fixed value, std::string_view sentence)
+        : name(text), description(sentence), fixed(value) {}
     constexpr GetRow(std::u16string_view text, Placeholder standIn, std::string_view sentence)
-        : name(text), description(sentence), placeholder(standIn) {}
+        : name(text), description(sentence), fixed(standIn), isAbsent(true) {}
 
-    Value value(Session& session) const {
-        return function != nullptr ? function(session) : placeholder.value();
-    }
+    Value value(Session& session) const { return function != nullptr ? function(session) : fixed.value(); }
 };
 
 } // namespace host

@@ -19,10 +19,12 @@ enum class ErrorKind {
 // The codes that EvaluationError returns and plug-ins get for an evaluation; the numbers are FileMaker's.
 enum class CalcCode : int {
     none = 0,
+    dataMissing = 10,
     outOfRange = 14,
     divisionByZero = 15,
     fieldMissing = 102,
     tableMissing = 106,
+    aiAccountMissing = 877,
     generic = 1200,
     tooFewArguments = 1201,
     tooManyArguments = 1202,

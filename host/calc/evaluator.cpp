@@ -159,6 +159,10 @@ Value Evaluator::evaluateForm(const Node& /*node*/, const BuiltinCall& form) {
     case BuiltinForm::lazy:
         return form.function->lazy(*this, form.arguments);
     default:
+        evaluateAll(form.arguments); // for the variables that they set
+        if (form.function->placeholder.code != CalcCode::none) {
+            session_.setEvaluationError(static_cast<int>(form.function->placeholder.code));
+        }
         return form.function->placeholder.value();
     }
 }

@@ -80,11 +80,6 @@ std::optional<size_t> placeIn(const Json& array, const JsonStep& step) {
 std::vector<JsonStep> jsonPath(const Value& path) {
     std::vector<JsonStep> steps;
     const std::string text = toUtf8(path.asText());
-    if (path.type() == ValueType::number) {
-        return {{JsonStep::Kind::index,
-                 {},
-                 static_cast<size_t>(std::max<int64_t>(path.asNumber()->toInt64(), 0))}};
-    }
     std::string_view rest = text;
     while (!rest.empty()) {
         if (rest.front() == '[') {

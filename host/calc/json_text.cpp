@@ -4,6 +4,7 @@
 
 #include <algorithm>
 #include <array>
+#include <cctype>
 #include <charconv>
 #include <sstream>
 
@@ -13,14 +14,44 @@ namespace {
 
 constexpr int kMaxDepth = 1000; // of nested objects and arrays
 
-// Returns the place of a byte for an error message.
+// Returns the place of a byte, from 0, for an error message. Lines end with CR, LF or both.
 std::string place(std::string_view text, size_t byte) {
-    const std::string_view before = text.substr(0, std::min(byte, text.size()));
-    const auto line = std::count(before.begin(), before.end(), '\n') + 1;
-    const size_t start = before.rfind('\n');
-    const size_t column = before.size() - (start == std::string_view::npos ? 0 : start + 1);
-    return "* Line " + std::to_string(line) + ", Column " + std::to_string(std::max<size_t>(column, 1)) +
-           "\n  ";
+    size_t line = 1;
+    size_t start = 0;
+    for (size_t i = 0; i < std::min(byte, text.size()); ++i) {
+        const bool isPair = text[i] == '\r' && i + 1 < text.size() && text[i + 1] == '\n';
+        if (text[i] == '\n' || (text[i] == '\r' && !isPair)) {
+            ++line;
+            start = i + 1;
+        }
+    }
+    return "* Line " + std::to_string(line) + ", Column " + std::to_string(byte - start + 1) + "\n  ";
+}
+
+// Whether a character belongs to a word or a number.
+bool isWordPart(char c) {
+    return std::isalnum(static_cast<unsigned char>(c)) != 0 || c == '+' || c == '-' || c == '.';
+}
+
+// Returns where the token begins that ends before [end]: a text at its quote, a word or number at its first
+// character, a sign at itself.
+size_t tokenStart(std::string_view text, size_t end) {
+    bool inText = false;
+    bool inWord = false;
+    size_t start = 0;
+    for (size_t i = 0; i < end; ++i) {
+        const char c = text[i];
+        if (inText) {
+            i += c == '\\' ? 1 : 0;
+            inText = c != '"';
+            continue;
+        }
+        const bool goesOn = inWord && isWordPart(c);
+        inWord = isWordPart(c);
+        inText = c == '"';
+        start = goesOn || std::isspace(static_cast<unsigned char>(c)) != 0 ? start : i;
+    }
+    return start;
 }
 
 // A sign by which an error of the library is recognised, and the message for it.
@@ -37,6 +68,20 @@ constexpr Reason kReasons[] = {
 constexpr std::string_view kNoValue = "Syntax error: value, object or array expected.";
 constexpr std::string_view kNoDocument = "A valid JSON document must be either an array or an object value.";
 
+// Returns where the token begins that the library could not take; the end of a text that ends too early.
+size_t errorStart(std::string_view text, const Json::parse_error& error) {
+    const std::string_view what = error.what();
+    if (what.find("unexpected end of input") != std::string_view::npos) {
+        return text.size();
+    }
+    size_t end = std::min(error.byte, text.size());
+    const bool isBroken = what.find("invalid ") != std::string_view::npos;
+    if (isBroken && end > 1 && isWordPart(text[end - 2]) && !isWordPart(text[end - 1])) {
+        --end; // the character at which a word or number turned out to be none
+    }
+    return tokenStart(text, end);
+}
+
 std::string messageOf(const Json::parse_error& error, std::string_view text) {
     const std::string_view what = error.what();
     const bool wantsValue =
@@ -46,10 +91,11 @@ std::string messageOf(const Json::parse_error& error, std::string_view text) {
         return what.find(row.sign) != std::string_view::npos;
     });
     const bool known = !wantsValue && reason != std::end(kReasons);
-    std::string message = place(text, error.byte) + std::string(known ? reason->message : kNoValue);
+    std::string message =
+        place(text, errorStart(text, error)) + std::string(known ? reason->message : kNoValue);
     const size_t first = text.find_first_not_of(" \t\r\n");
     if (first == std::string_view::npos || (text[first] != '{' && text[first] != '[')) {
-        message += "\n" + place(text, 1) + std::string(kNoDocument);
+        message += "\n" + place(text, 0) + std::string(kNoDocument);
     }
     return message;
 }
@@ -80,19 +126,19 @@ std::shared_ptr<ParsedJson> read(std::u16string_view text) {
     auto result = std::make_shared<ParsedJson>();
     const std::string bytes = toUtf8(text);
     if (isTooDeep(bytes)) {
-        result->error = place(bytes, 1) + "More than 1000 objects and arrays inside each other.";
+        result->error = place(bytes, 0) + "More than 1000 objects and arrays inside each other.";
         return result;
     }
     try {
         result->root = Json::parse(bytes);
         if (!result->root.is_structured()) {
             result->root = nullptr;
-            result->error = place(bytes, 1) + std::string(kNoDocument);
+            result->error = place(bytes, 0) + std::string(kNoDocument);
         }
     } catch (const Json::parse_error& error) {
         result->error = messageOf(error, bytes);
     } catch (const Json::out_of_range& /*a number too large*/) {
-        result->error = place(bytes, 1) + std::string(kNoValue);
+        result->error = place(bytes, 0) + std::string(kNoValue);
     }
     return result;
 }
@@ -218,14 +264,14 @@ Json firstJson(std::u16string_view text) {
     Json result;
     try {
         if (isTooDeep(bytes)) {
-            throw JsonError(place(bytes, 1) + "More than 1000 objects and arrays inside each other.");
+            throw JsonError(place(bytes, 0) + "More than 1000 objects and arrays inside each other.");
         }
         std::istringstream in(bytes);
         in >> result;
     } catch (const Json::parse_error& error) {
         throw JsonError(messageOf(error, bytes));
     } catch (const Json::out_of_range&) {
-        throw JsonError(place(bytes, 1) + std::string(kNoValue));
+        throw JsonError(place(bytes, 0) + std::string(kNoValue));
     }
     return result;
 }

@@ -8,14 +8,22 @@
 #include "host/values/text.h"
 
 #include <algorithm>
+#include <array>
 #include <iomanip>
 #include <iostream>
 #include <nlohmann/json.hpp>
+#include <numeric>
 #include <vector>
 
 namespace host {
 
 namespace {
+
+// What comes of a call: a value that is computed, the value of a host without a database, or an error.
+enum class Answer : uint8_t { computed, absent, refused };
+
+// The word for an Answer in JSON.
+constexpr std::array<const char*, 3> kAnswerWords = {"computed", "absent", "refused"};
 
 // A row of the list: a function, a step, or a name in Get ( ).
 struct Row {
@@ -26,6 +34,7 @@ struct Row {
     std::string category; // for functions and steps of a plug-in, its identifier
     std::string range;    // of arguments
     nlohmann::ordered_json more;
+    Answer answer = Answer::computed;
 };
 
 std::string rangeText(int minArguments, int maxArguments) {
@@ -49,7 +58,7 @@ Row rowOf(const RegisteredInfo& item, const char* kind, const std::u16string& pr
                  {"id", item.id},
                  {"flags", item.flags}});
     return {kind, toUtf8(item.name), toUtf8(prototype), oneLine(Value::text(item.description)), {},
-            {},   std::move(more)};
+            {},   std::move(more),   Answer::computed};
 }
 
 std::vector<Row> pluginRows(const Host& host) {
@@ -66,30 +75,40 @@ std::vector<Row> pluginRows(const Host& host) {
     return rows;
 }
 
+const char* wordOf(Answer answer) {
+    return kAnswerWords[static_cast<size_t>(answer)];
+}
+
 Row rowOf(const Builtin& builtin) {
     const std::string description(builtin.description);
     const std::string category(builtin.category);
     auto more = counts(builtin.minArguments(), builtin.maxArguments());
-    more.update({{"description", description}, {"category", category}});
+    const Answer answer = builtin.form == BuiltinForm::placeholder ? Answer::absent
+                          : builtin.form == BuiltinForm::refused   ? Answer::refused
+                                                                   : Answer::computed;
+    more.update({{"description", description}, {"category", category}, {"answer", wordOf(answer)}});
     return {"function",
             toUtf8(builtin.name()),
             toUtf8(builtin.prototype),
             description,
             category,
             rangeText(builtin.minArguments(), builtin.maxArguments()),
-            more};
+            more,
+            answer};
 }
 
 Row rowOf(const GetRow& get) {
     const std::string prototype = "Get ( " + toUtf8(get.name) + " )";
     const std::string description(get.description);
+    const Answer answer = get.isAbsent ? Answer::absent : Answer::computed;
     return {"get",
             toUtf8(get.name),
             prototype,
             description,
             "Get",
             "",
-            {{"description", description}, {"category", "Get"}}};
+            {{"description", description}, {"category", "Get"}, {"answer", wordOf(answer)}},
+            answer};
 }
 
 // Returns the rows of the language, by category and name.
@@ -126,7 +145,8 @@ std::vector<Row> ownStepRows() {
                             description,
                             category,
                             "step",
-                            {{"description", description}, {"category", category}}});
+                            {{"description", description}, {"category", category}},
+                            Answer::computed});
         }
     }
     return rows;
@@ -163,6 +183,69 @@ void printJson(const std::vector<Row>& rows) {
     std::cout << list.dump(2) << '\n';
 }
 
+// How many rows of a category have each Answer.
+struct Count {
+    std::string category;
+    std::array<size_t, kAnswerWords.size()> answers{};
+};
+
+std::vector<Count> countsOf(const std::vector<Row>& rows) {
+    std::vector<Count> counts;
+    for (const Row& row : rows) {
+        const std::string category = row.category.empty() ? "Plug-in" : row.category;
+        if (counts.empty() || counts.back().category != category) {
+            counts.push_back({category});
+        }
+        ++counts.back().answers[static_cast<size_t>(row.answer)];
+    }
+    return counts;
+}
+
+size_t sum(const Count& count) {
+    return std::accumulate(count.answers.begin(), count.answers.end(), size_t{0});
+}
+
+void printCountTable(std::vector<Count> counts) {
+    constexpr int kNameWidth = 30;
+    constexpr int kNumberWidth = 10;
+    Count all{"All"};
+    for (const Count& count : counts) {
+        for (size_t i = 0; i < all.answers.size(); ++i) {
+            all.answers[i] += count.answers[i];
+        }
+    }
+    counts.push_back(all);
+    const auto cell = [](const auto& content) {
+        std::cout << std::right << std::setw(kNumberWidth) << content;
+    };
+    std::cout << std::left << std::setw(kNameWidth) << "";
+    for (const char* word : kAnswerWords) {
+        cell(word);
+    }
+    cell("in all");
+    for (const Count& count : counts) {
+        std::cout << '\n' << std::left << std::setw(kNameWidth) << count.category;
+        for (const size_t number : count.answers) {
+            cell(number);
+        }
+        cell(sum(count));
+    }
+    std::cout << '\n';
+}
+
+void printCountJson(const std::vector<Count>& counts) {
+    auto list = nlohmann::ordered_json::array();
+    for (const Count& count : counts) {
+        nlohmann::ordered_json object = {{"category", count.category}};
+        for (size_t i = 0; i < count.answers.size(); ++i) {
+            object[kAnswerWords[i]] = count.answers[i];
+        }
+        object["all"] = sum(count);
+        list.push_back(std::move(object));
+    }
+    std::cout << list.dump(2) << '\n';
+}
+
 } // namespace
 
 std::vector<FunctionName> functionNames(const Host& host) {
@@ -194,7 +277,11 @@ ExitCode listFunctions(const Host& host, const FunctionQuery& query) {
             return ExitCode::failure;
         }
     }
-    query.asJson ? printJson(rows) : printTable(rows, !query.word.empty());
+    if (query.counted) {
+        query.asJson ? printCountJson(countsOf(rows)) : printCountTable(countsOf(rows));
+    } else {
+        query.asJson ? printJson(rows) : printTable(rows, !query.word.empty());
+    }
     return ExitCode::ok;
 }
 

@@ -12,9 +12,10 @@ namespace host {
 
 // Which functions `fmhost functions` shows, and how.
 struct FunctionQuery {
-    bool all = false;    // also those of the language, by category
-    bool asJson = false; // as JSON, with all details
-    std::string word;    // only those with it in their name or description, also those of the language
+    bool all = false;     // also those of the language, by category
+    bool asJson = false;  // as JSON, with all details
+    bool counted = false; // only how many there are in each category
+    std::string word;     // only those with it in their name or description, also those of the language
 };
 
 // Prints the functions, and the plug-in's script steps. When no function has the word, that is an error.

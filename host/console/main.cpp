@@ -98,9 +98,14 @@ void defineCommands(CLI::App& app, CommandLine& line) {
         "List the plug-in's functions and script steps: argument ranges, prototypes, descriptions");
     functions->add_flag("--json", line.functions.asJson, "As JSON, with ids and flags");
     functions->add_flag("--all", line.functions.all, "The functions of the language as well, by category");
+    functions->add_flag(
+        "--count", line.functions.counted,
+        "How many each category has: that compute their answer, that answer as where there is no "
+        "database, that need a field");
     functions->add_option("WORD", line.functions.word,
                           "Only functions, the language's too, with this word in name or description");
-    functions->footer("Example:\n  fmhost functions --json | jq '.[].name'");
+    functions->footer("Examples:\n  fmhost functions --json | jq '.[].name'\n  fmhost --no-plugin functions "
+                      "--all --count");
 
     app.add_subcommand("info", "Show the plug-in's name, help text, options string and interface version")
         ->footer("Example:\n  fmhost info --plugin build/release/lib/Velocard");

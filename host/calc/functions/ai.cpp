@@ -151,7 +151,7 @@ constexpr Builtin kFunctions[] = {
     {u"ComputeModel ( modelName ; parameterName1 ; value1 {; ...} )", Placeholder{u"?"},
      "Asks a model on the device."},
     {u"CosineSimilarity ( v1 ; v2 )", cosineSimilarity, "Tells how alike two vectors are, -1 to 1."},
-    {u"GetEmbedding ( account ; model ; input )", Placeholder{u"?"},
+    {u"GetEmbedding ( account ; model ; input )", Placeholder{{u"?"}, CalcCode::aiAccountMissing},
      "Asks a model for the vector of a text or picture."},
     {u"GetEmbeddingAsFile ( text {; fileNameWithExtension } )", embeddingAsFile,
      "Writes a vector as a file of binary numbers."},

@@ -46,7 +46,7 @@ constexpr GetRow kGets[] = {
     {u"AllowAbortState",
      [](Session& session) { return integerValue(session.environment().allowUserAbort ? 1 : 0); },
      "Whether the user may stop the script."},
-    {u"CalculationRepetitionNumber", Placeholder{u"1"}, "The repetition that is being calculated."},
+    {u"CalculationRepetitionNumber", Fixed{u"1"}, "The repetition that is being calculated."},
     {u"ErrorCaptureState",
      [](Session& session) { return integerValue(session.environment().errorCapture ? 1 : 0); },
      "Whether the script handles errors itself."},
@@ -83,8 +83,8 @@ constexpr GetRow kGets[] = {
     {u"SessionIdentifier",
      [](Session& session) { return Value::text(session.environment().sessionIdentifier); },
      "The text that a script gave the session."},
-    {u"TransactionOpenState", Placeholder{u"0"}, "Whether a transaction is open."},
-    {u"UseSystemFormatsState", Placeholder{u"0"}, "Whether the system's formats are used."},
+    {u"TransactionOpenState", Fixed{u"0"}, "Whether a transaction is open."},
+    {u"UseSystemFormatsState", Fixed{u"0"}, "Whether the system's formats are used."},
 };
 
 } // namespace

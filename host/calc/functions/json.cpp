@@ -66,10 +66,16 @@ int64_t typeOf(const Json& json) {
     }
 }
 
-// Returns a number as JSON: a whole number as such, any other as a double, which is what JSON parsers read.
+// Returns a number as JSON: a whole number of up to 64 bits as such, any other as a double, which is what JSON
+// parsers read. Throws JsonError for one that is too large for that.
 Json numberJson(const Number& number) {
     const int64_t whole = number.toInt64();
-    return number == Number(whole) ? Json(whole) : Json(number.toDouble());
+    if (number == Number(whole)) {
+        return whole;
+    }
+    const std::u16string text = number.toText();
+    const size_t digits = text.starts_with(u'-') ? 1 : 0;
+    return firstJson(text[digits] == u'.' ? std::u16string(text).insert(digits, 1, u'0') : text);
 }
 
 // Returns a value as JSON by its own type; a text that begins like JSON is parsed.

@@ -124,7 +124,7 @@ constexpr Builtin kFunctions[] = {
     {u"GetLayoutObjectAttribute ( objectName ; attributeName {; repetitionNumber ; portalRowNumber } )",
      Placeholder{u""}, "Returns an attribute of an object on the layout."},
     {u"GetLayoutObjectOwnerInfo ( objectID )", Placeholder{u""}, "Returns what a layout object belongs to."},
-    {u"GetPersistentData ( name ; instanceID )", Placeholder{u"?"},
+    {u"GetPersistentData ( name ; instanceID )", Placeholder{{u"?"}, CalcCode::dataMissing},
      "Returns data that a script has put away."},
     {u"GetRecordIDsFromFoundSet ( type {; tableOccurrenceOrPortal } )", recordIds,
      "Returns the ids of the found records."},

@@ -107,6 +107,19 @@ TEST_F(ProgramTest, FunctionsWithAWord) {
         "fmhost: no function has \"xyzzy\" in its name or description; fmhost functions --all lists them\n");
 }
 
+TEST_F(ProgramTest, FunctionsCounted) {
+    const std::string all = plain("functions --all --count").out;
+    EXPECT_THAT(all, HasSubstr("\nMobile                                 0         5         0         5\n"));
+    EXPECT_THAT(all, HasSubstr("\nLogical                               16         2         5        23\n"));
+    EXPECT_THAT(all, StartsWith("                                computed    absent   refused    in all\n"));
+    EXPECT_THAT(good("functions --count").out, HasSubstr("\nPlug-in      "));
+    EXPECT_THAT(
+        plain("functions --all --json JSONParsed --count").out,
+        StartsWith("[\n  {\n    \"category\": \"JSON\",\n    \"computed\": 1,\n    \"absent\": 0,\n    "
+                   "\"refused\": 0,\n    \"all\": 1\n  }\n]\n"));
+    EXPECT_THAT(plain("functions --json GetSummary").out, HasSubstr("\"answer\": \"refused\""));
+}
+
 TEST_F(ProgramTest, Locale) {
     expect(plain("--locale de_DE eval '3,5 * 2 & \"|\" & Date ( 12 ; 5 ; 2010 )'"), ExitCode::ok,
            "7|05.12.2010\n", "");
