@@ -28,7 +28,7 @@ class SyncStateTest : public Scratch {
     std::int64_t addCollection(const std::string& name = "work") {
         ChangeSet changes;
         changes.sync.accounts.push_back(
-            {0, "https://x.example/", "ida", name, PasswordSource::command, "pass x"});
+            {0, "https://x.example/", "ida", name, PasswordSource::command, "pass x", "/ca.pem", true});
         changes.sync.collections.push_back(
             {0, 0, "https://x.example/ida/" + name + "/", "Work", "", 0, true});
         const SaveResult result = store_.save(changes);
@@ -63,7 +63,7 @@ TEST_F(SyncStateTest, GivesBackWhatWasNoted) {
     ASSERT_THAT(again.syncAccounts(), SizeIs(1));
     const SyncAccount account = again.syncAccounts()[0];
     EXPECT_EQ(account, (SyncAccount{account.id, "https://x.example/", "ida", "work", PasswordSource::command,
-                                    "pass x"}));
+                                    "pass x", "/ca.pem", true}));
     EXPECT_THAT(again.syncCollections(),
                 ElementsAre(SyncCollection{collection, account.id, "https://x.example/ida/work/", "Work", "",
                                            0, true}));

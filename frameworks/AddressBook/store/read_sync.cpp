@@ -29,13 +29,13 @@ SyncLink linkFrom(const Store::Impl& impl, const sql::Statement& statement, bool
 
 std::vector<SyncAccount> Store::syncAccounts() const {
     std::vector<SyncAccount> accounts;
-    auto statement =
-        impl_->db.prepare("SELECT id, url, user, name, source, password FROM account ORDER BY id");
+    auto statement = impl_->db.prepare(
+        "SELECT id, url, user, name, source, password, authorities, plain FROM account ORDER BY id");
     while (statement.step()) {
         accounts.push_back({statement.integer(0), std::string(statement.text(1)),
                             std::string(statement.text(2)), std::string(statement.text(3)),
-                            static_cast<PasswordSource>(statement.integer(4)),
-                            std::string(statement.text(5))});
+                            static_cast<PasswordSource>(statement.integer(4)), std::string(statement.text(5)),
+                            std::string(statement.text(6)), statement.integer(7) != 0});
     }
     return accounts;
 }

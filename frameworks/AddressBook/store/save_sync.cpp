@@ -68,11 +68,13 @@ class SyncSaver {
     void write(const SyncAccount& account) {
         const bool isNew = account.id == 0;
         auto statement = db_.prepare(
-            isNew ? "INSERT OR IGNORE INTO account(url, user, name, source, password) VALUES (?, ?, ?, ?, ?)"
-                  : "UPDATE OR IGNORE account SET url = ?, user = ?, name = ?, source = ?, password = ? "
-                    "WHERE id = ?");
+            isNew ? "INSERT OR IGNORE INTO account(url, user, name, source, password, authorities, plain) "
+                    "VALUES (?, ?, ?, ?, ?, ?, ?)"
+                  : "UPDATE OR IGNORE account SET url = ?, user = ?, name = ?, source = ?, password = ?, "
+                    "authorities = ?, plain = ? WHERE id = ?");
         statement.bindText(account.url).bindText(account.user).bindText(account.name);
         statement.bindInteger(static_cast<int>(account.source)).bindText(account.password);
+        statement.bindText(account.caFile).bindInteger(account.allowHttp ? 1 : 0);
         if (!isNew) {
             statement.bindInteger(account.id);
         }

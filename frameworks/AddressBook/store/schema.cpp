@@ -123,7 +123,9 @@ CREATE TABLE account (
     user NOT NULL,
     name NOT NULL UNIQUE,
     source INTEGER NOT NULL,
-    password NOT NULL
+    password NOT NULL,
+    authorities NOT NULL,
+    plain INTEGER NOT NULL
 );
 CREATE TABLE collection (
     id INTEGER PRIMARY KEY AUTOINCREMENT,

@@ -25,11 +25,14 @@ enum class PasswordSource : int {
 // A user of a server.
 struct SyncAccount {
     std::int64_t id = 0; // 0: a new one
-    std::string url;     // where it was found, without a password
+    std::string url;     // as its user gave it: the address of a server or of what is on it, or a mail address
     std::string user;
     std::string name; // by which users call it; no two have the same
     PasswordSource source = PasswordSource::none;
     std::string password; // the command, or the path of the file; never the password
+    std::string caFile =
+        {}; // PEM: authorities that are trusted for this server besides the system's; empty: none
+    bool allowHttp = false; // without encryption, to other machines than this one
     bool operator==(const SyncAccount&) const = default;
 };
 

@@ -418,7 +418,7 @@ void Rescue::readSync() {
         return;
     }
     std::vector<std::int64_t> bad;
-    bool whole = copyRows("account", "id, url, user, name, source, password", "id");
+    bool whole = copyRows("account", "id, url, user, name, source, password, authorities, plain", "id");
     whole &= copyRows("collection", "id, account, url, name, state, change, main", "id");
     whole &= copyRows("link", "id, collection, href, uid, etag, leaves, text", "id");
     whole &= copyRows("conflict", "id, uid, property, label, value, time, remote", "id");
