@@ -331,16 +331,22 @@ void Rescue::readMemberships() {
             members.emplace(std::pair(statement.integer(0), statement.integer(1)), statement.integer(2));
         }
     };
-    if (!scanBothWays("SELECT parent, place, member FROM membership NOT INDEXED", "parent, place", take)) {
-        // Memberships that only the index has are put after the others.
-        scanBothWays("SELECT parent, 1 << 40, member FROM membership INDEXED BY membership_member",
-                     "member, parent", [&](const sql::Statement& statement) {
-                         if (known.emplace(statement.integer(0), statement.integer(2)).second) {
-                             members.emplace(
-                                 std::pair(statement.integer(0), statement.integer(1) + statement.integer(2)),
-                                 statement.integer(2));
-                         }
+    const bool tableIsWhole =
+        scanBothWays("SELECT parent, place, member FROM membership NOT INDEXED", "parent, place", take);
+    std::set<std::pair<RowId, RowId>> indexed;
+    const bool indexIsWhole =
+        scanBothWays("SELECT parent, member FROM membership INDEXED BY membership_member", "member, parent",
+                     [&](const sql::Statement& statement) {
+                         indexed.emplace(statement.integer(0), statement.integer(1));
                      });
+    if (!tableIsWhole ||
+        (indexIsWhole && indexed != known)) { // memberships that only the index has come last
+        constexpr std::int64_t kBehindAll = std::int64_t{1} << 40;
+        for (const auto& [group, member] : indexed) {
+            if (known.emplace(group, member).second) {
+                members.emplace(std::pair(group, kBehindAll + member), member);
+            }
+        }
         lost_.emplace_back("Groups may have lost members, or their order.");
     }
     std::int64_t dropped = 0;
