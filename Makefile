@@ -1,7 +1,7 @@
 # The two commands: `make demo` shows the main job on real input, `make test` runs the tests. CI adds lint and test-tsan.
 # Both install what is missing from packages.txt by themselves (Debian 12; root, or sudo).
 
-.PHONY: help demo bench test test-asan test-tsan test-long test-packages test-interop lint analyze format build mac package release picture setup clean
+.PHONY: help demo bench test test-asan test-tsan test-long test-packages test-interop coverage lint analyze format build mac package release picture setup clean
 .DEFAULT_GOAL := help
 
 help: ## this list
@@ -24,8 +24,12 @@ threaded_tests = ^foundation_test|^framework_test.*(Change|Process)|^store_test.
 test-tsan: setup ## the tests with threads, under the thread sanitizer
 	@TARGETS="$(threaded_targets)" scripts/run-tests tsan -R '$(threaded_tests)'
 
-test-long: setup ## the tests that gain by time, for minutes: 500 killed processes, all points of a kill, 30 seconds of eight at once
-	@VELOCARD_KILLS=500 VELOCARD_SECONDS=30 scripts/run-tests release -R '^store_test\.(Kill|Processes)'
+coverage: setup ## the tests with counters: lines and branches that they run, by room, and what they should
+	@scripts/install-packages packages-coverage.txt
+	@scripts/coverage
+
+test-long: setup ## the tests that gain by time: an hour of hosts on one book (MINUTES=60), 500 killed processes, all points of a kill
+	@VELOCARD_KILLS=500 VELOCARD_SECONDS=30 VELOCARD_MINUTES=$(or $(MINUTES),60) scripts/run-tests release -R '^store_test\.(Kill|Processes)|^long\.'
 
 bench: setup ## measure speed and memory against plain SQLite; PEOPLE=1000000 for the largest books
 	@scripts/bench

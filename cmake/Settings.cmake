@@ -40,6 +40,11 @@ if(VELOCARD_SANITIZE)
   add_link_options(-fsanitize=${VELOCARD_SANITIZE})
 endif()
 
+if(VELOCARD_COVERAGE) # atomic: threads count, too
+  add_compile_options(--coverage -fprofile-update=atomic)
+  add_link_options(--coverage)
+endif()
+
 # What users get on Linux is hardened: writing past the end of memory, or a jump to where no function begins, ends the
 # program. Sanitizers see more than this, and do not go with it. tests/security looks at the binaries.
 if(NOT APPLE AND NOT VELOCARD_SANITIZE)
