@@ -188,7 +188,7 @@ TEST_F(SyncStateTest, RepairTakesItAlong) {
     EXPECT_EQ(repaired.syncLink(collection, "/2"), (SyncLink{collection, "/2", bad, "", "", false}));
     EXPECT_EQ(repaired.syncAccounts(), accounts);
     EXPECT_EQ(repaired.syncCollections()[0].state, ""); // all is compared anew
-    EXPECT_EQ(repaired.syncCollections()[0].change, 0);
+    EXPECT_EQ(repaired.syncCollections()[0].change, -1);
     EXPECT_THAT(repaired.check(), IsEmpty());
 }
 
@@ -199,6 +199,31 @@ TEST(DeflateTest, GivesBackTheText) {
     EXPECT_LT(deflated(std::string(100'000, 'x')).size(), 1000u);
     EXPECT_EQ(inflated("abc"), std::nullopt);
     EXPECT_EQ(inflated(deflated(kCard).substr(0, 20)), std::nullopt);
+}
+
+TEST_F(SyncStateTest, WhatIsBasedOnAnotherStateIsNotWritten) {
+    const std::string ida = test::addPerson(store_, {{"First", test::text("Ida")}});
+    const std::string bo = test::addPerson(store_, {{"First", test::text("Bo")}});
+    Store other(folder());
+    ChangeSet changes = test::changesAt(5);
+    changes.records = {test::updated(ida, {{"Last", test::text("x")}})};
+    changes.basis = store_.lastChange();
+    test::saveRecords(other, {test::updated(bo, {{"Last", test::text("y")}})});
+    EXPECT_FALSE(store_.save(changes).outdated); // it was about another record
+    changes.records[0].values["Last"] = test::text("z");
+    changes.basis = store_.lastChange();
+    test::saveRecords(other, {test::updated(ida, {{"First", test::text("I")}})});
+    const SaveResult result = store_.save(changes);
+    EXPECT_TRUE(result.outdated);
+    EXPECT_EQ(result.change, 0);
+    EXPECT_EQ(store_.value(store_.find(ida)->row, "Last"), Value(test::text("x")));
+    changes.basis = store_.lastChange();
+    EXPECT_FALSE(store_.save(changes).outdated);
+    ChangeSet linked; // a link of the record counts, and what is about links alone
+    linked.sync.conflicts.push_back({0, bo, "Last", {}, test::text("q"), Date{1}, true});
+    changes.basis = store_.lastChange();
+    other.save(linked);
+    EXPECT_TRUE(store_.save(changes).outdated);
 }
 
 } // namespace

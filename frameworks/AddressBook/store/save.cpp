@@ -460,6 +460,39 @@ void Saver::log() {
         .exec();
 }
 
+// Whether one of the saves after changes.basis was about a record that [changes] is about, or may have been.
+bool isOutdated(const Store& store, sql::Connection& db, const ChangeSet& changes) {
+    const std::int64_t basis = *changes.basis;
+    auto silent = db.prepare("SELECT 1 FROM change WHERE id > ? AND silent IS NOT NULL");
+    silent.bindInteger(basis);
+    if (silent.step()) {
+        return true;
+    }
+    const std::vector<LoggedChange> saves = store.changesSince(basis);
+    if (saves.empty()) {
+        return false;
+    }
+    std::unordered_set<std::string_view> about(changes.removed.begin(), changes.removed.end());
+    for (const RecordChange& change : changes.records) {
+        about.insert(change.uid);
+    }
+    for (const MembershipChange& change : changes.memberships) {
+        about.insert(change.group);
+        about.insert(change.member);
+    }
+    for (const SyncLink& link : changes.sync.links) {
+        about.insert(link.uid);
+    }
+    const auto isAbout = [&](const std::vector<std::string>& uids) {
+        return std::any_of(uids.begin(), uids.end(),
+                           [&](const std::string& uid) { return about.contains(uid); });
+    };
+    return std::any_of(saves.begin(), saves.end(), [&](const LoggedChange& save) {
+        return save.tellsNothing() || isAbout(save.inserted) || isAbout(save.updated) ||
+               isAbout(save.deleted);
+    });
+}
+
 } // namespace
 
 SaveResult Store::save(const ChangeSet& changes) {
@@ -474,6 +507,11 @@ SaveResult Store::save(const ChangeSet& changes) {
         if (moved()) {
             throw StoreError(Reason::io, file(), "was moved, removed or replaced while it was open",
                              "put it back, or start this program again");
+        }
+        if (changes.basis && isOutdated(*this, impl_->db, changes)) {
+            SaveResult nothing;
+            nothing.outdated = true;
+            return nothing;
         }
         SaveResult result = Saver(*impl_, changes).run();
         transaction.commit();

@@ -80,7 +80,10 @@ struct ChangeSet {
     std::vector<MembershipChange> memberships;
     std::optional<std::string> me; // uid of the user's own card; "" clears it, nothing leaves it
     SyncChanges sync;              // tells nobody: the records have not changed by it
-    bool empty() const;
+    // What was read to make this is of the moment after the save of this number in the change log: when another save
+    // since then changed one of the records that this one is about, nothing is written (SaveResult::outdated).
+    std::optional<std::int64_t> basis;
+    bool empty() const; // whatever the basis
 };
 
 // What a save did. Each unique id is there at most once.
@@ -92,6 +95,7 @@ struct SaveResult {
     std::vector<MembershipChange> circular;          // left out: the group would contain itself
     std::vector<std::int64_t> accounts, collections; // the ids of the new ones, in their order
     std::int64_t change = 0; // the number of this save in the change log; 0 when nothing was written
+    bool outdated = false;   // nothing was written, since another save came between; see ChangeSet::basis
 };
 
 // One save as the change log records it. Empty lists mean that anything may have changed: a very large save,

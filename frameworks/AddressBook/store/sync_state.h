@@ -43,8 +43,10 @@ struct SyncCollection {
     std::string url;          // with the path in normal form
     std::string name;         // to show
     std::string state;        // of the listing, as Collection::changes() gave it; empty: nothing is known
-    std::int64_t change = 0;  // the number in the change log up to which local changes are on the server
-    bool isDefault = false;   // new records belong to it; at most one of a book is
+    // The number in the change log up to which local changes are on the server. Negative: not known, as the book was
+    // repaired; records that have links and are missing were lost, not deleted.
+    std::int64_t change = 0;
+    bool isDefault = false; // new records belong to it; at most one of a book is
     bool operator==(const SyncCollection&) const = default;
 };
 

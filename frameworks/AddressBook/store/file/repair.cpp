@@ -439,8 +439,8 @@ void Rescue::readSync() {
         made_.db.prepare("UPDATE link SET text = x'', etag = '' WHERE id = ?").bindInteger(id).exec();
         whole = false;
     }
-    // The change log is new.
-    made_.db.execute("UPDATE collection SET change = 0, state = ''");
+    // The change log is new, and not all records may be there: neither tells what was changed or deleted here.
+    made_.db.execute("UPDATE collection SET change = -1, state = ''");
     if (!whole) {
         lost_.emplace_back(
             "Not all that was agreed with servers can be read; the next sync compares all cards.");
