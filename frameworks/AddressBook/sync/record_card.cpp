@@ -182,43 +182,62 @@ void setRecord(const Store& store, const std::string& uid, const Card& card, Cha
 
 void joinWaiting(const Store& store, ChangeSet& changes) {
     std::unordered_set<std::string> arrived;
-    for (const RecordChange& change : changes.records) {
+    std::map<std::string, std::size_t> changed; // groups -> where [changes] changes them
+    for (std::size_t at = 0; at < changes.records.size(); ++at) {
+        const RecordChange& change = changes.records[at];
         if (change.insert) {
             arrived.insert(change.uid);
+        }
+        if (change.kind == Kind::group) {
+            changed.emplace(change.uid, at);
         }
     }
     if (arrived.empty()) {
         return;
     }
-    const auto isSet = [&](const std::string& group) {
-        return std::any_of(changes.records.begin(), changes.records.end(),
-                           [&](const RecordChange& change) { return change.uid == group; }) ||
-               std::find(changes.removed.begin(), changes.removed.end(), group) != changes.removed.end();
-    };
+    const std::string name(property::kUnknownLines);
     const Members members(store, changes);
-    for (const RowId row : store.rows(Kind::group)) {
-        const auto group = store.find(row);
+    const std::unordered_set<std::string> removed(changes.removed.begin(), changes.removed.end());
+    const auto join = [&](const std::string& group, const Value& lines) {
         Card card;
-        if (Value lines = store.value(row, property::kUnknownLines); !lines.empty()) {
-            card.values[std::string(property::kUnknownLines)] = std::move(lines);
-        }
-        const std::vector<std::string> waiting = takeWaiting(card);
-        if (!group || waiting.empty() || isSet(group->uid)) {
-            continue;
+        if (!lines.empty()) {
+            card.values[name] = lines;
         }
         std::vector<std::string> left;
-        for (const std::string& member : waiting) {
+        bool joined = false;
+        for (const std::string& member : takeWaiting(card)) {
             const auto uid = members.find(member);
-            if (uid && arrived.contains(*uid)) {
-                changes.memberships.push_back({group->uid, *uid, true});
+            if (uid && arrived.contains(*uid) && *uid != group) {
+                changes.memberships.push_back({group, *uid, true});
+                joined = true;
             } else {
                 left.push_back(member);
             }
         }
-        if (left.size() < waiting.size()) {
-            keepWaiting(card, left);
-            const std::string name(property::kUnknownLines);
-            changes.records.push_back({group->uid, Kind::group, false, {{name, card.values[name]}}});
+        if (!joined) {
+            return;
+        }
+        keepWaiting(card, left);
+        if (const auto found = changed.find(group); found != changed.end()) {
+            changes.records[found->second].values[name] = card.values[name];
+        } else {
+            changes.records.push_back({group, Kind::group, false, {{name, card.values[name]}}});
+        }
+    };
+    for (const auto& [group, at] : changed) { // by what they will have
+        const auto& values = changes.records[at].values;
+        if (const auto lines = values.find(name); lines != values.end()) {
+            join(group, Value(lines->second));
+        }
+    }
+    for (const RowId row : store.rows(Kind::group)) {
+        const auto group = store.find(row);
+        if (!group || removed.contains(group->uid)) {
+            continue;
+        }
+        const auto found = changed.find(group->uid);
+        if (found == changed.end() || !changes.records[found->second].values.contains(name)) {
+            join(group->uid, store.value(row, property::kUnknownLines));
         }
     }
 }
