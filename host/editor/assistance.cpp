@@ -2,6 +2,7 @@
 
 #include "host/calc/lexer.h"
 #include "host/calc/registry.h"
+#include "host/editor/step_options.h"
 #include "host/script/script_library.h"
 #include "host/script/step_parameter.h"
 #include "host/values/text.h"
@@ -47,9 +48,11 @@ std::vector<Token> tokensBefore(const Document& document, size_t offset, size_t 
 }
 
 // Whether nothing but the name of a step stands before [offset] in its line of a script.
-bool isStepName(const Document& document, size_t offset) {
-    return document.kind() == FileKind::script &&
-           document.lineBefore(offset).find_first_of(u"[#/") == std::u16string::npos;
+bool isStepName(const Document& document, size_t offset, const StepOptions& options) {
+    const std::u16string line = normalName(document.lineBefore(offset));
+    const bool isComment = line.starts_with(u"#") || line.starts_with(u"//");
+    return document.kind() == FileKind::script && !options.isInside && !isComment &&
+           line.find(u'[') == std::u16string::npos;
 }
 
 // The name in quotes that [offset] stands in, when its line performs a script: its first offset.
@@ -146,7 +149,8 @@ CompletionList completions(const Document& document, size_t offset, const Vocabu
         }
         return result;
     }
-    const bool isStep = isStepName(document, offset);
+    const StepOptions options = stepOptions(document, offset, known);
+    const bool isStep = isStepName(document, offset, options);
     const std::u16string line = document.lineBefore(offset);
     result.begin = isStep ? offset - line.size() + std::min(line.find_first_not_of(u" \t"), line.size())
                           : document.wordBegin(offset);
@@ -157,6 +161,13 @@ CompletionList completions(const Document& document, size_t offset, const Vocabu
                 add(CompletionKind::variable, name);
             }
         }
+        return result;
+    }
+    for (const std::u16string& word : options.words) {
+        result.items.push_back({CompletionKind::keyword, toUtf8(word), toUtf8(options.prototype), ""});
+    }
+    if (!isStep && (options.isWhole || (!options.words.empty() && options.begin < result.begin))) {
+        result.begin = options.begin; // before the first word of a label of several words
         return result;
     }
     const std::vector<Token> tokens =
@@ -176,7 +187,7 @@ CompletionList completions(const Document& document, size_t offset, const Vocabu
 }
 
 std::optional<Sheet> sheetAt(const Document& document, size_t offset, const Vocabulary& known) {
-    if (isStepName(document, offset)) {
+    if (isStepName(document, offset, stepOptions(document, offset, known))) {
         const size_t begin = offset - document.lineBefore(offset).size();
         const size_t end = std::min(document.text().find_first_of(u"[\r\n", begin), document.text().size());
         return findSheet(toUtf8(normalName(document.text().substr(begin, end - begin))), known);

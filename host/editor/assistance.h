@@ -30,8 +30,8 @@ struct CompletionList {
 };
 
 // The names that may stand at [offset] and begin with what is written there: steps at the start of a script's
-// line, names of Get in its parentheses, scripts in the quotes of Perform Script, else functions, constants
-// and the variables of the text.
+// line, the options of a step between its brackets, names of Get in its parentheses, scripts in the quotes of
+// Perform Script, else functions, constants and the variables of the text.
 CompletionList completions(const Document& document, size_t offset, const Vocabulary& known);
 
 // The sheet of the name at [offset]; at the start of a script's line of its step.

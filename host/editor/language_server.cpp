@@ -211,7 +211,7 @@ class Server {
                 {"capabilities",
                  {{"positionEncoding", "utf-16"},
                   {"textDocumentSync", {{"openClose", true}, {"change", 2}}},
-                  {"completionProvider", {{"triggerCharacters", {"$", "(", "\""}}}},
+                  {"completionProvider", {{"triggerCharacters", {"$", "(", "\"", "[", ";", ":"}}}},
                   {"hoverProvider", true},
                   {"signatureHelpProvider", {{"triggerCharacters", {"(", ";"}}}},
                   {"definitionProvider", true},

@@ -3,17 +3,54 @@
 #include <algorithm>
 #include <array>
 #include <cctype>
+#include <sys/mman.h>
+#include <unistd.h>
+#include <utility>
 
 namespace host {
 
-void Transfer::addHeader(const std::string& line) {
-    curl_slist* longer = curl_slist_append(headers.get(), line.c_str());
+MemoryFile::MemoryFile(const Bytes& contents) : descriptor_(memfd_create("fmhost", MFD_CLOEXEC)) {
+    if (descriptor_ < 0) {
+        throw std::bad_alloc();
+    }
+    for (size_t at = 0; at < contents.size();) {
+        const ssize_t written = write(descriptor_, contents.data() + at, contents.size() - at);
+        if (written <= 0) {
+            close(descriptor_);
+            throw std::bad_alloc();
+        }
+        at += static_cast<size_t>(written);
+    }
+}
+MemoryFile::MemoryFile(MemoryFile&& other) noexcept : descriptor_(std::exchange(other.descriptor_, -1)) {}
+MemoryFile::~MemoryFile() {
+    if (descriptor_ >= 0) {
+        close(descriptor_);
+    }
+}
+
+std::string MemoryFile::path() const {
+    return "/proc/self/fd/" + std::to_string(descriptor_);
+}
+
+void Transfer::add(ListHolder& list, const std::string& line) {
+    curl_slist* longer = curl_slist_append(list.get(), line.c_str());
     if (longer == nullptr) {
         throw std::bad_alloc();
     }
-    if (headers == nullptr) { // else the first line stays where it is
-        headers.reset(longer);
+    if (list == nullptr) { // else the first line stays where it is
+        list.reset(longer);
     }
+}
+
+void Transfer::setFile(CURLoption option, const std::string& name) {
+    Bytes contents = request.read(name);
+    if (std::find(contents.begin(), contents.end(), '\0') == contents.end()) { // a text, maybe of a variable
+        std::replace(contents.begin(), contents.end(), static_cast<unsigned char>('\r'),
+                     static_cast<unsigned char>('\n'));
+    }
+    files.emplace_back(contents);
+    curl_easy_setopt(easy.get(), option, files.back().path().c_str());
 }
 
 void Transfer::addData(const std::string& data) {
@@ -75,6 +112,39 @@ int progress(void* from, curl_off_t /*total*/, curl_off_t /*now*/, curl_off_t /*
              curl_off_t /*uploaded*/) {
     const auto& transfer = *static_cast<Transfer*>(from);
     return transfer.request.mustStop() ? 1 : 0;
+}
+
+// Notes what happens, as `curl --verbose` shows it, and the contents that go out and come in.
+int note(CURL* /*easy*/, curl_infotype type, char* data, size_t size, void* to) {
+    constexpr std::string_view kMarks[] = {"* ", "< ",
+                                           "> "}; // of messages, headers that come, headers that go
+    auto& trace = *static_cast<Bytes*>(to);
+    try {
+        if (static_cast<size_t>(type) < std::size(kMarks)) {
+            const std::string_view mark = kMarks[type];
+            trace.insert(trace.end(), mark.begin(), mark.end());
+        }
+        if (type <= CURLINFO_DATA_OUT && trace.size() + size <= kLargestBody) {
+            trace.insert(trace.end(), data, data + size);
+        }
+    } catch (const std::bad_alloc&) {
+        trace.clear();
+    }
+    return 0;
+}
+
+// Returns all cookies that are known now, in the form of a cookie file.
+Bytes cookies(CURL* easy) {
+    constexpr std::string_view kHead = "# Netscape HTTP Cookie File\n";
+    Bytes file(kHead.begin(), kHead.end());
+    curl_slist* list = nullptr;
+    curl_easy_getinfo(easy, CURLINFO_COOKIELIST, &list);
+    const ListHolder holder(list);
+    for (const curl_slist* each = list; each != nullptr; each = each->next) {
+        const std::string line = std::string(each->data) + "\n";
+        file.insert(file.end(), line.begin(), line.end());
+    }
+    return file;
 }
 
 // Returns the URL with percent signs for blanks and what is not ASCII.
@@ -150,6 +220,12 @@ void distribute(Transfer& transfer, NetworkResponse& response) {
     if (!transfer.headerName.empty()) {
         response.outputs.push_back({transfer.headerName, transfer.receivedHeaders});
     }
+    if (!transfer.cookieName.empty()) {
+        response.outputs.push_back({transfer.cookieName, cookies(transfer.easy.get())});
+    }
+    if (!transfer.traceName.empty()) {
+        response.outputs.push_back({transfer.traceName, transfer.trace});
+    }
     if (transfer.showsHeaders) {
         transfer.received.insert(transfer.received.begin(), transfer.receivedHeaders.begin(),
                                  transfer.receivedHeaders.end());
@@ -188,6 +264,14 @@ NetworkResponse fetch(const NetworkRequest& request) {
     url = encodedUrl(url);
     curl_easy_setopt(easy, CURLOPT_URL, url.c_str());
     curl_easy_setopt(easy, CURLOPT_HTTPHEADER, transfer.headers.get());
+    curl_easy_setopt(easy, CURLOPT_RESOLVE, transfer.addresses.get());
+    curl_easy_setopt(easy, CURLOPT_QUOTE, transfer.commands.get());
+    curl_easy_setopt(easy, CURLOPT_POSTREDIR, transfer.keepsPost);
+    if (!transfer.traceName.empty()) {
+        curl_easy_setopt(easy, CURLOPT_VERBOSE, 1L);
+        curl_easy_setopt(easy, CURLOPT_DEBUGFUNCTION, note);
+        curl_easy_setopt(easy, CURLOPT_DEBUGDATA, &transfer.trace);
+    }
 
     NetworkResponse response;
     const CURLcode code = curl_easy_perform(easy);

@@ -19,10 +19,29 @@ using EasyHolder = std::unique_ptr<CURL, CurlDeleter>;
 using ListHolder = std::unique_ptr<curl_slist, CurlDeleter>;
 using FormHolder = std::unique_ptr<curl_mime, CurlDeleter>;
 
+// Bytes for an option that wants the name of a file: a file in memory, which nobody else sees.
+class MemoryFile {
+  public:
+    explicit MemoryFile(const Bytes& contents);
+    MemoryFile(MemoryFile&& other) noexcept;
+    MemoryFile(const MemoryFile&) = delete;
+    MemoryFile& operator=(const MemoryFile&) = delete;
+    MemoryFile& operator=(MemoryFile&&) = delete;
+    ~MemoryFile();
+
+    std::string path() const;
+
+  private:
+    int descriptor_;
+};
+
 struct Transfer {
     const NetworkRequest& request;
     EasyHolder easy;
+    std::vector<MemoryFile> files = {}; // that options read
     ListHolder headers = nullptr;
+    ListHolder addresses = nullptr; // of --resolve
+    ListHolder commands = nullptr;  // of --quote
     FormHolder form = nullptr;
     std::optional<std::string> body = {}; // of --data and its kin
     std::optional<Bytes> upload = {};     // of --upload-file
@@ -31,12 +50,19 @@ struct Transfer {
     bool showsHeaders = false;   // --include
     std::string outputName = {}; // --output
     std::string headerName = {}; // --dump-header
+    std::string cookieName = {}; // --cookie-jar
+    std::string traceName = {};  // --trace
+    long keepsPost = 0;          // --post301 and its kin
     std::string charset = {};    // --FM-text-encoding
     bool isContainer = false;
     Bytes received = {};
     Bytes receivedHeaders = {};
+    Bytes trace = {};
 
-    void addHeader(const std::string& line);
+    // Adds a line to one of the lists.
+    static void add(ListHolder& list, const std::string& line);
+    // Makes what the request calls [name], a variable or a file, the file of an option.
+    void setFile(CURLoption option, const std::string& name);
     void addData(const std::string& data);
 };
 

@@ -3,10 +3,13 @@
 
 It answers with what it was asked, a line each: method and path, the headers that tests look at, the body. Other paths:
 /status/404 that status, /redirect to /echo, /slow after a minute, /latin a text in ISO 8859-1, /bytes no text at all,
-/named a file with a name.
+/named a file with a name, /cookie one cookie.
+
+With two files, of a certificate and its key, it speaks TLS, and wants that certificate of its clients, too.
 """
 
 import http.server
+import ssl
 import sys
 import time
 
@@ -41,6 +44,8 @@ class Handler(http.server.BaseHTTPRequestHandler):
             self.answer(200, b"\xff\x00\xfe")
         elif self.path == "/named":
             self.answer(200, b"text", [("Content-Disposition", 'attachment; filename="report.txt"')])
+        elif self.path == "/cookie":
+            self.answer(200, b"taken", [("Set-Cookie", "flavour=plain; Path=/")])
         else:
             self.echo()
 
@@ -51,6 +56,12 @@ class Handler(http.server.BaseHTTPRequestHandler):
 
 
 server = http.server.ThreadingHTTPServer(("127.0.0.1", 0), Handler)
+if len(sys.argv) > 2:
+    context = ssl.create_default_context(ssl.Purpose.CLIENT_AUTH, cafile=sys.argv[1])
+    context.load_cert_chain(sys.argv[1], sys.argv[2])
+    context.verify_mode = ssl.CERT_REQUIRED
+    server.handle_error = lambda *_: None  # clients without the certificate are expected
+    server.socket = context.wrap_socket(server.socket, server_side=True, do_handshake_on_connect=False)
 print(server.server_port, flush=True)
 try:
     server.serve_forever()

@@ -163,13 +163,15 @@ TEST_F(LanguageServerTest, ChangesOfOneMessageFollowEachOther) {
 
 TEST_F(LanguageServerTest, Completion) {
     write("My Script.fmscript", "");
-    open("a.fmscript",
-         "Set Variable [ $count ; Value: weekofy + Get ( lastm ) + $c ]\nPerform Script [ \"my \nset v\n");
+    open("a.fmscript", "Set Variable [ $count ; Value: weekofy + Get ( lastm ) + $c ]\nPerform Script [ \"my "
+                       "\nset v\npause/re\n# se\n");
     ask(1, "completion", "a.fmscript", 0, 38);
     ask(2, "completion", "a.fmscript", 0, 52);
     ask(3, "completion", "a.fmscript", 0, 59);
     ask(4, "completion", "a.fmscript", 1, 21);
     ask(5, "completion", "a.fmscript", 2, 5);
+    ask(6, "completion", "a.fmscript", 3, 8);
+    ask(7, "completion", "a.fmscript", 4, 4);
     talk();
     EXPECT_THAT(labels(1), testing::ElementsAre("WeekOfYear", "WeekOfYearFiscal"));
     const Json first = result(1).at("items")[0];
@@ -184,6 +186,50 @@ TEST_F(LanguageServerTest, Completion) {
     EXPECT_EQ(result(3).at("items")[0].at("kind"), 6); // a variable
     EXPECT_THAT(labels(4), testing::ElementsAre("My Script"));
     EXPECT_THAT(labels(5), testing::Contains("Set Variable"));
+    EXPECT_THAT(labels(6), testing::ElementsAre("Pause/Resume Script"));
+    EXPECT_THAT(labels(7), testing::Not(testing::Contains("Set Variable")));
+}
+
+TEST_F(LanguageServerTest, CompletionOfAStepsOptions) {
+    open("a.fmscript", "Set Error Capture [ o ]\n"
+                       "Insert from URL [ Select ; With d ; With dialog: o ; $t ; \"a: b\" ; upperc ]\n"
+                       "Read from Data File [ File ID: $id ; Read as: utf ; t ]\n"
+                       "Set Variable [ $x ;  ]\n"
+                       "Perform Script [\n  \"B\" ;\n  par ]\n"
+                       "Set Variable [ $x ; Value: Upper ( v ) ]\n"
+                       "Insert Text [ $t ; sel ]\n");
+    ask(1, "completion", "a.fmscript", 0, 21);
+    ask(2, "completion", "a.fmscript", 1, 33);
+    ask(3, "completion", "a.fmscript", 1, 50);
+    ask(4, "completion", "a.fmscript", 1, 70);
+    ask(5, "completion", "a.fmscript", 2, 49);
+    ask(6, "completion", "a.fmscript", 2, 53);
+    ask(7, "completion", "a.fmscript", 3, 20);
+    ask(8, "completion", "a.fmscript", 6, 5);
+    ask(9, "completion", "a.fmscript", 7, 36);
+    ask(10, "completion", "a.fmscript", 8, 22);
+    ask(11, "completion", "a.fmscript", 8, 24);
+    talk();
+    EXPECT_THAT(labels(1), testing::ElementsAre("On", "Off"));
+    EXPECT_THAT(labels(2), testing::ElementsAre("With dialog:"));
+    EXPECT_EQ(result(2).at("items")[0],
+              Json({{"label", "With dialog:"},
+                    {"kind", 14}, // a keyword
+                    {"detail", "Insert from URL [ {Select} ; {With dialog: On/Off} ; Target: $variable ; "
+                               "calculation ; {Verify SSL Certificates} ; {cURL options: calculation} ]"},
+                    {"documentation", ""},
+                    {"filterText", "With dialog:"},
+                    {"textEdit", {{"range", range(1, 27, 33)}, {"newText", "With dialog:"}}}}));
+    EXPECT_THAT(labels(3), testing::ElementsAre("On", "Off"));
+    EXPECT_THAT(labels(4), testing::IsEmpty()); // all values without a label are there
+    EXPECT_THAT(labels(5), testing::ElementsAre("UTF-8", "UTF-16"));
+    EXPECT_THAT(labels(6), testing::Contains("Target:"));
+    EXPECT_THAT(labels(7), testing::ElementsAre("Value:"));
+    EXPECT_THAT(labels(8), testing::ElementsAre("Parameter:"));
+    EXPECT_THAT(labels(9),
+                testing::AllOf(testing::Contains("ValueCount"), testing::Not(testing::Contains("Value:"))));
+    EXPECT_THAT(labels(10), testing::ElementsAre("Select", "Self"));
+    EXPECT_THAT(labels(11), testing::IsEmpty()); // behind the bracket
 }
 
 TEST_F(LanguageServerTest, HoverAndSignature) {

@@ -16,7 +16,8 @@ namespace {
 // The server, which is ended with this object.
 class Server {
   public:
-    Server() {
+    // [files] are those of a certificate and its key, for a server that speaks TLS.
+    explicit Server(std::vector<std::string> files = {}) : scheme_(files.empty() ? "http" : "https") {
         int ends[2];
         if (pipe2(ends, O_CLOEXEC) != 0) {
             return;
@@ -24,10 +25,13 @@ class Server {
         posix_spawn_file_actions_t actions;
         posix_spawn_file_actions_init(&actions);
         posix_spawn_file_actions_adddup2(&actions, ends[1], STDOUT_FILENO);
-        std::string program = "python3";
-        std::string file = ECHO_SERVER;
-        char* arguments[] = {program.data(), file.data(), nullptr};
-        posix_spawnp(&process_, "python3", &actions, nullptr, arguments, environ);
+        files.insert(files.begin(), {"python3", ECHO_SERVER});
+        std::vector<char*> arguments;
+        for (std::string& file : files) {
+            arguments.push_back(file.data());
+        }
+        arguments.push_back(nullptr);
+        posix_spawnp(&process_, "python3", &actions, nullptr, arguments.data(), environ);
         posix_spawn_file_actions_destroy(&actions);
         close(ends[1]);
         char digit = 0;
@@ -45,10 +49,11 @@ class Server {
     Server(const Server&) = delete;
     Server& operator=(const Server&) = delete;
 
-    std::string url(const std::string& path) const { return "http://127.0.0.1:" + port_ + path; }
+    std::string url(const std::string& path) const { return scheme_ + "://127.0.0.1:" + port_ + path; }
 
   private:
     pid_t process_ = 0;
+    std::string scheme_;
     std::string port_;
 };
 
@@ -76,6 +81,15 @@ class NetworkTest : public ProgramTest {
             out.replace(at, 1, "¶");
         }
         return out;
+    }
+
+    // A file of keys as the inside of a text, with ¶ for its line ends.
+    static std::string pem(const std::string& name) {
+        std::string text = read(std::filesystem::path(TLS) / name);
+        for (size_t at = text.find('\n'); at != std::string::npos; at = text.find('\n')) {
+            text.replace(at, 1, "¶");
+        }
+        return text;
     }
 
     Server server_;
@@ -138,6 +152,45 @@ TEST_F(NetworkTest, PutsPartsElsewhere) {
               "0||11\n");
     EXPECT_EQ(came("/echo", "\"--head\"").substr(0, 2), "0|");
     EXPECT_NE(came("/echo", "\"-I\"").find("X-Answer: 42"), std::string::npos);
+}
+
+TEST_F(NetworkTest, KeepsCookiesAndTellsWhatHappened) {
+    EXPECT_EQ(came("/cookie", "\"--cookie-jar $jar\"", " & PatternCount ( $jar ; \"flavour\tplain\" )"),
+              "0|taken|1\n");
+    EXPECT_EQ(came("/cookie", "\"-c jar.txt\""), "0|taken|\n");
+    EXPECT_NE(came("/echo", "\"-b jar.txt\"").find("Cookie: flavour=plain"), std::string::npos);
+    EXPECT_EQ(came("/status/404", "\"--trace-ascii $seen -v\"",
+                   " & PatternCount ( $seen ; \"> GET /status/404\" ) & PatternCount ( $seen ; \"sorry\" )"),
+              "0|sorry|11\n");
+    EXPECT_EQ(came("/echo", "\"--max-filesize 5 --tcp-nodelay\"").substr(0, 6), "1631||");
+    EXPECT_EQ(came("/named", "\"--max-filesize 1K --limit-rate 1M\""), "0|text|\n");
+    EXPECT_EQ(came("/redirect", "\"-L -d x=1 --post302\"").substr(0, 11), "0|POST /ech");
+}
+
+// The key is that of the server's own certificate; locked_key.pem has it with the password "open".
+TEST_F(NetworkTest, ShowsACertificate) {
+    const Server tls({TLS "/certificate.pem", TLS "/key.pem"});
+    const std::string trust = "--cacert '" TLS "/certificate.pem' ";
+    EXPECT_EQ(came(tls.url("/status/200"), "\"\"").substr(0, 6), "1628||");
+    EXPECT_EQ(came(tls.url("/status/200"), "\"" + trust + "\"").substr(0, 5), "1631|");
+    EXPECT_EQ(came(tls.url("/status/200"),
+                   "\"" + trust + "--cert '" TLS "/certificate.pem' --key '" TLS "/key.pem'\""),
+              "0|sorry|\n");
+    EXPECT_EQ(came(tls.url("/status/200"), "\"-k -E '" TLS "/certificate.pem' --key '" TLS
+                                           "/locked_key.pem' --pass open --tlsv1.2\""),
+              "0|sorry|\n");
+    EXPECT_EQ(came(tls.url("/status/200"),
+                   "\"-k -E '" TLS "/certificate.pem:open' --key '" TLS "/locked_key.pem'\""),
+              "0|sorry|\n");
+    EXPECT_EQ(came(tls.url("/status/200"),
+                   "\"-k -E '" TLS "/certificate.pem' --key '" TLS "/locked_key.pem' --pass shut\"")
+                  .substr(0, 6),
+              "1628||");
+    // From variables.
+    EXPECT_EQ(came(tls.url("/status/200"),
+                   "Let ( [ $certificate = \"" + pem("certificate.pem") + "\" ; $key = \"" + pem("key.pem") +
+                       "\" ] ; \"--cacert $certificate --cert $certificate --key $key\" )"),
+              "0|sorry|\n");
 }
 
 TEST_F(NetworkTest, FailsWithFileMakersCodes) {

@@ -4,6 +4,7 @@
 #include <fstream>
 #include <gmock/gmock.h>
 #include <iterator>
+#include <utility>
 
 namespace host {
 namespace {
@@ -13,6 +14,11 @@ using testing::HasSubstr;
 class PromptTest : public TerminalTest {
   protected:
     PromptTest() { start(); }
+
+    int exitOf(const std::string& line) {
+        type(line + "\r");
+        return exitStatus();
+    }
 };
 
 TEST_F(PromptTest, EvaluatesAndKeepsVariables) {
@@ -137,6 +143,29 @@ TEST_F(PromptTest, KeepsAHistory) {
     type("\x10\x10"); // two lines before
     waitFor("1 + 41");
     enter("", "42\r\n");
+}
+
+TEST_F(PromptTest, TwoAtOnceKeepEachOthersHistory) {
+    enter("1 + 41", "42\r\n");
+    int otherTerminal = std::exchange(terminal_, -1);
+    pid_t other = std::exchange(program_, 0);
+    start();
+    enter("2 + 41", "43\r\n");
+    std::swap(terminal_, otherTerminal);
+    std::swap(program_, other);
+    enter("3 + 41", "44\r\n");
+    EXPECT_EQ(exitOf("quit"), 0);
+    terminal_ = otherTerminal;
+    program_ = other;
+    enter("4 + 41", "45\r\n");
+    type("\x10\x10"); // a prompt has its own entries, and those that were there when it began
+    waitFor("2 + 41");
+    enter("", "43\r\n");
+    EXPECT_EQ(exitOf("quit"), 0);
+    std::ifstream file(folder_ / "state" / "fmhost" / "history");
+    EXPECT_EQ(
+        (std::string{std::istreambuf_iterator<char>(file), {}}),
+        "_HiStOrY_V2_\n1\\040+\\04041\n2\\040+\\04041\n3\\040+\\04041\n4\\040+\\04041\n2\\040+\\04041\n");
 }
 
 TEST_F(PromptTest, AStartedScriptRunsWhileItWaits) {

@@ -178,6 +178,15 @@ TEST_F(ScreenTest, NoColorIsHeeded) {
     EXPECT_THAT(whole(), HasSubstr("> Upper ( \"a\" )\nA\n>\n"));
 }
 
+TEST_F(ScreenTest, AnEmptyNoColorIsNone) {
+    environment_["NO_COLOR"] = "";
+    start();
+    look("Upper ( \"a\" )");
+    EXPECT_EQ(colour(0, 2), blue);
+    look("\r");
+    EXPECT_EQ(colour(-1, 0), green);
+}
+
 TEST_F(ScreenTest, TheHintIsThePrototypeAtTheCursor) {
     start();
     look("Substitute ( Upper ( \"a\" ) ; ");
