@@ -222,7 +222,7 @@ void printCountTable(std::vector<Count> counts) {
     for (const char* word : kAnswerWords) {
         cell(word);
     }
-    cell("in all");
+    cell("all");
     for (const Count& count : counts) {
         std::cout << '\n' << std::left << std::setw(kNameWidth) << count.category;
         for (const size_t number : count.answers) {

@@ -111,7 +111,7 @@ TEST_F(ProgramTest, FunctionsCounted) {
     const std::string all = plain("functions --all --count").out;
     EXPECT_THAT(all, HasSubstr("\nMobile                                 0         5         0         5\n"));
     EXPECT_THAT(all, HasSubstr("\nLogical                               16         2         5        23\n"));
-    EXPECT_THAT(all, StartsWith("                                computed    absent   refused    in all\n"));
+    EXPECT_THAT(all, StartsWith("                                computed    absent   refused       all\n"));
     EXPECT_THAT(good("functions --count").out, HasSubstr("\nPlug-in      "));
     EXPECT_THAT(
         plain("functions --all --json JSONParsed --count").out,
