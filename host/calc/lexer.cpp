@@ -32,6 +32,19 @@ bool equalsIgnoringCase(std::u16string_view word, std::u16string_view lower) {
     });
 }
 
+// Returns the operator that a word is; null for any other word.
+const OperatorRow* wordOperator(std::u16string_view word) {
+    const auto* const row = std::find_if(kOperators.begin(), kOperators.end(), [&](const OperatorRow& known) {
+        return isWord(known) && equalsIgnoringCase(word, known.spelling);
+    });
+    return row == kOperators.end() ? nullptr : row;
+}
+
+// Whether a comma separates arguments as a semicolon does: where it is no decimal point.
+bool isCommaSeparator() {
+    return formats().decimalPoint != u',';
+}
+
 struct Mark {
     char16_t character;
     TokenKind kind;
@@ -45,13 +58,18 @@ constexpr Mark kMarks[] = {
 } // namespace
 
 bool startsName(char32_t c) {
-    return c == U'_' || c == U'~' || c == U'@' || c == U'#' || u_isalpha(static_cast<UChar32>(c));
+    constexpr std::u32string_view kSigns = U"_~@#";
+    constexpr uint32_t kSymbols = U_GC_SC_MASK | U_GC_SO_MASK; // of currencies, and pictures
+    const auto character = static_cast<UChar32>(c);
+    return kSigns.find(c) != kSigns.npos || u_isalpha(character) ||
+           (U_GET_GC_MASK(character) & kSymbols) != 0;
 }
 
 bool continuesName(char32_t c) {
-    const auto character = static_cast<UChar32>(c);
-    return startsName(c) || c == U'.' || u_isalnum(character) ||
-           (U_GET_GC_MASK(character) & U_GC_M_MASK) != 0; // combining accents
+    constexpr std::u32string_view kSigns = U".?!%|'`\u2019\u00A7";
+    constexpr uint32_t kParts = U_GC_N_MASK | U_GC_M_MASK; // digits, combining accents
+    return startsName(c) || kSigns.find(c) != kSigns.npos ||
+           (U_GET_GC_MASK(static_cast<UChar32>(c)) & kParts) != 0;
 }
 
 char16_t Lexer::peek(size_t ahead) const {
@@ -59,9 +77,10 @@ char16_t Lexer::peek(size_t ahead) const {
     return at_ + ahead < text.size() ? text[at_ + ahead] : u'\0';
 }
 
-char32_t Lexer::codePoint() const {
-    const char16_t lead = peek();
-    return U16_IS_LEAD(lead) && U16_IS_TRAIL(peek(1)) ? U16_GET_SUPPLEMENTARY(lead, peek(1)) : lead;
+char32_t Lexer::codePoint(size_t ahead) const {
+    const char16_t lead = peek(ahead);
+    const char16_t trail = peek(ahead + 1);
+    return U16_IS_LEAD(lead) && U16_IS_TRAIL(trail) ? U16_GET_SUPPLEMENTARY(lead, trail) : lead;
 }
 
 void Lexer::fail(CalcCode code, size_t offset, std::string message) const {
@@ -81,7 +100,7 @@ Token Lexer::next() {
         readText(token);
     } else if (c == kOpenCurlyQuote) {
         readQuoted(token);
-    } else if (isDigit(c) || (c == u'.' && isDigit(peek(1)))) {
+    } else if (isDigit(c) || ((c == u'.' || c == formats().decimalPoint) && isDigit(peek(1)))) {
         readNumber(token);
     } else if (c == u'$' || startsName(codePoint())) {
         readWord(token);
@@ -176,24 +195,54 @@ void Lexer::readNumber(Token& token) {
     std::replace(token.text.begin(), token.text.end(), formats().decimalPoint, u'.');
 }
 
+// Returns the number of units of the word that begins [ahead] units from here.
+size_t Lexer::wordLength(size_t ahead) const {
+    size_t end = ahead;
+    for (char32_t c = codePoint(end); c != 0 && continuesName(c); c = codePoint(end)) {
+        end += U16_LENGTH(c);
+    }
+    return end - ahead;
+}
+
 void Lexer::readWord(Token& token) {
+    const std::u16string_view text = source_->text();
     token.kind = peek() == u'$' ? TokenKind::variable : TokenKind::identifier;
     while (peek() == u'$' && at_ - token.begin < 2) {
         ++at_;
     }
-    const size_t name = at_;
-    for (char32_t c = codePoint(); at_ < source_->text().size() && continuesName(c); c = codePoint()) {
-        at_ += U16_LENGTH(c);
-    }
-    if (at_ == name) {
+    const size_t length = wordLength(0);
+    if (length == 0) {
         fail(CalcCode::nameMissing, at_, "expected the name of a variable after \"$\"");
     }
-    token.text = source_->text().substr(token.begin, at_ - token.begin);
-    for (const OperatorRow& row : kOperators) {
-        if (isWord(row) && equalsIgnoringCase(token.text, row.spelling)) {
-            token.kind = TokenKind::symbol;
-            token.op = &row;
+    at_ += length;
+    token.op = wordOperator(text.substr(token.begin, at_ - token.begin));
+    if (token.op != nullptr) {
+        token.kind = TokenKind::symbol;
+    } else {
+        readMoreWords();
+    }
+    token.text = text.substr(token.begin, at_ - token.begin);
+}
+
+// Reads the other words of a name, which blanks within a line part: all up to an operator or the label of a step's
+// option, which is a word before a colon.
+void Lexer::readMoreWords() {
+    const std::u16string_view text = source_->text();
+    const auto blanks = [&](size_t from) {
+        return std::min(text.find_first_not_of(u' ', from), text.size()) - from;
+    };
+    for (;;) {
+        const size_t start = blanks(at_);
+        if (start == 0 || !(isDigit(peek(start)) || startsName(codePoint(start)))) {
+            return;
         }
+        const size_t end = start + wordLength(start);
+        const size_t next = end + blanks(at_ + end);
+        const bool isLabel = peek(next) == u':' && peek(next + 1) != u':';
+        if (isLabel || wordOperator(text.substr(at_ + start, end - start)) != nullptr) {
+            return;
+        }
+        at_ += end;
     }
 }
 
@@ -202,6 +251,11 @@ void Lexer::readSymbol(Token& token) {
     if (rest[0] == kParagraphMark) {
         token.kind = TokenKind::text;
         token.text = kReturn;
+        ++at_;
+        return;
+    }
+    if (rest[0] == u',' && isCommaSeparator()) {
+        token.kind = TokenKind::semicolon;
         ++at_;
         return;
     }

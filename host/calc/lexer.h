@@ -21,7 +21,7 @@ enum class TokenKind : uint8_t {
     rightParen,
     leftBracket,
     rightBracket,
-    semicolon,
+    semicolon, // also a comma, where that is not the decimal point
     colon,
 };
 
@@ -33,7 +33,8 @@ struct Token {
     std::u16string text;
 };
 
-// Whether a name may start with a character, and whether it may continue with it.
+// Whether a word of a name may start with a character, and whether it may continue with it. A name may be of several
+// words with blanks between them, of which all but the first may also start with a digit: "total of 2010".
 bool startsName(char32_t c);
 bool continuesName(char32_t c);
 
@@ -55,9 +56,11 @@ class Lexer {
     void readQuoted(Token& token);
     void readNumber(Token& token);
     void readWord(Token& token);
+    void readMoreWords();
     void readSymbol(Token& token);
     char16_t peek(size_t ahead = 0) const;
-    char32_t codePoint() const;
+    char32_t codePoint(size_t ahead = 0) const;
+    size_t wordLength(size_t ahead) const;
     [[noreturn]] void fail(CalcCode code, size_t offset, std::string message) const;
 
     SourcePtr source_;

@@ -1,6 +1,6 @@
 #include "host/calc/operations.h"
 
-#include "host/values/text.h"
+#include "host/values/text_order.h"
 
 #include <optional>
 
@@ -12,26 +12,25 @@ bool isDateOrTime(ValueType type) {
     return type == ValueType::date || type == ValueType::time || type == ValueType::timestamp;
 }
 
-bool isMomentAndTime(ValueType left, ValueType right) {
-    return (left == ValueType::timestamp && right == ValueType::time) ||
-           (left == ValueType::time && right == ValueType::timestamp);
-}
-
 // Returns the type of a sum or difference. A date, a time or a time stamp and a number give the same type as
-// the former. The difference of two times, or of two time stamps, is a time; that of two dates a number of
-// days.
+// the former, and a time moves a time stamp. The sum or difference of two times is a time, and so is the
+// difference of two time stamps; that of two dates is a number of days.
 ValueType resultType(Operator op, ValueType left, ValueType right) {
+    const bool isSum = op == Operator::add;
     if (isDateOrTime(left) && !isDateOrTime(right)) {
         return left;
     }
-    if (op == Operator::add && isDateOrTime(right) && !isDateOrTime(left)) {
+    if (isSum && isDateOrTime(right) && !isDateOrTime(left)) {
         return right;
     }
-    if (op == Operator::subtract && left == right &&
-        (left == ValueType::time || left == ValueType::timestamp)) {
-        return ValueType::time;
+    if (right == ValueType::time && (left == ValueType::time || left == ValueType::timestamp)) {
+        return left;
     }
-    return op == Operator::add && isMomentAndTime(left, right) ? ValueType::timestamp : ValueType::number;
+    if (isSum && left == ValueType::time && right == ValueType::timestamp) {
+        return ValueType::timestamp;
+    }
+    return !isSum && left == ValueType::timestamp && right == ValueType::timestamp ? ValueType::time
+                                                                                   : ValueType::number;
 }
 
 Number compute(Operator op, const Number& left, const Number& right, int places) {
@@ -70,7 +69,7 @@ std::optional<Number> comparable(const Value& value, ValueType other) {
 
 // Compares containers by their names, then by their streams, so that only those with equal streams are equal.
 std::strong_ordering compareContainers(const Value& left, const Value& right) {
-    const auto names = compareIgnoringCase(left.asText(), right.asText());
+    const auto names = compareTexts(left.asText(), right.asText());
     return names != 0 ? names : left.asContainer() <=> right.asContainer();
 }
 
@@ -136,9 +135,9 @@ std::strong_ordering compareValues(const Value& left, const Value& right) {
         if (leftNumber && rightNumber) {
             return *leftNumber <=> *rightNumber;
         }
-        return compareIgnoringCase(left.asText(), right.asText());
+        return compareTexts(left.asText(), right.asText());
     }
-    return compareIgnoringCase(left.storedText(), right.storedText());
+    return compareTexts(left.storedText(), right.storedText());
 }
 
 void appendText(std::u16string& text, const Value& value) {

@@ -98,7 +98,7 @@ class PieceReader {
         case TokenKind::rightBracket:
             return close(std::move(piece), token);
         case TokenKind::semicolon:
-            piece.kind = PieceKind::semicolon;
+            piece = {PieceKind::semicolon, u";"};
             break;
         case TokenKind::colon:
             if (isStep_ && open_.empty()) {

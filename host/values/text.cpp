@@ -142,12 +142,6 @@ std::u16string toLower(std::u16string_view text) {
     });
 }
 
-std::strong_ordering compareIgnoringCase(std::u16string_view left, std::u16string_view right) {
-    const std::u16string a = foldCase(left);
-    const std::u16string b = foldCase(right);
-    return u_strCompare(a.data(), length32(a), b.data(), length32(b), 1) <=> 0;
-}
-
 // The C library looks for the first unit's lower byte, many bytes at a time. Not for a byte that is 0, which is every
 // other one of a text in Latin letters.
 size_t findUnits(std::u16string_view text, std::u16string_view wanted, size_t position) {

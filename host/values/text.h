@@ -17,9 +17,6 @@ std::u16string foldCase(std::u16string_view text);
 std::u16string toUpper(std::u16string_view text);
 std::u16string toLower(std::u16string_view text);
 
-// Compares the case-folded texts by code point.
-std::strong_ordering compareIgnoringCase(std::u16string_view left, std::u16string_view right);
-
 // Compares by UTF-16 units.
 inline std::strong_ordering compareUnits(std::u16string_view left, std::u16string_view right) {
     return left.compare(right) <=> 0;

@@ -31,7 +31,9 @@ std::string inQuotes(const std::string& text) {
     }
     std::string result = "\"";
     for (const char c : text) {
-        result += c == '\0' ? std::string("\" & Char ( 0 ) & \"") : c == '"' ? "\\\"" : std::string(1, c);
+        result += c == '\0'  ? std::string("\" & HexDecode ( \"00\" ) & \"")
+                  : c == '"' ? "\\\""
+                             : std::string(1, c);
     }
     return result + "\"";
 }

@@ -11,7 +11,7 @@ namespace {
 // Returns a date; months and days outside their range carry over.
 Value dateFunction(Session& /*session*/, Arguments in) {
     const std::optional<int32_t> day = dayNumber(integer(in[2]), integer(in[0]), integer(in[1]));
-    return day ? Value::date(DateTime(*day)) : Value::invalid();
+    return day && areValid(in) ? Value::date(DateTime(*day)) : Value::invalid();
 }
 
 Value day(Session& /*session*/, Arguments in) {

@@ -39,6 +39,10 @@ std::span<const std::span<const GetRow>> getGroups() {
     return kGroups;
 }
 
+bool areValid(Arguments in) {
+    return std::all_of(in.begin(), in.end(), [](const Value& value) { return value.isValid(); });
+}
+
 int64_t integer(const Value& value) {
     return value.asNumber().value_or(0).toInt64();
 }

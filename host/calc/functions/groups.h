@@ -54,6 +54,9 @@ std::span<const GetRow> sessionGets();
 std::span<const GetRow> systemGets();
 std::span<const GetRow> absentGets();
 
+// Whether no argument is invalid ("?").
+bool areValid(Arguments in);
+
 // Returns the whole part of a value's number, or the nearest limit of 64 bits; 0 when it has none.
 int64_t integer(const Value& value);
 

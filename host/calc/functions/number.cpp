@@ -16,7 +16,7 @@ constexpr int64_t kMostPlaces = Number::kMaxDigits;
 // is invalid.
 template <class Function>
 Value computed(Arguments in, Function function) {
-    if (std::any_of(in.begin(), in.end(), [](const Value& value) { return !value.isValid(); })) {
+    if (!areValid(in)) {
         return Value::invalid();
     }
     return Value::number(function([&](size_t i) { return in[i].asNumber().value_or(0); }));

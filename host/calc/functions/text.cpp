@@ -218,40 +218,37 @@ Value quote(Session& /*session*/, Arguments in) {
     return result.take();
 }
 
-// Returns the characters whose codes are the groups of five digits of a number, beginning with the last
-// group. Accepts any code, also half of a surrogate pair and U+0000, so that a calculation can make any text.
-// Empty without a number, "?" for a negative one.
+// Codes of characters in one number: five digits each, the first character last.
+constexpr int64_t kCodeStep = 100'000;
+
+// Returns the characters whose codes a number holds. A code of 0 is no character, so that there is nothing for 0 or
+// without a number; "?" for a negative one. Accepts half of a surrogate pair, of which pairs are made.
 Value character(Session& /*session*/, Arguments in) {
-    const Number step(100'000);
-    std::optional<Number> rest = in[0].asNumber();
-    if (!in[0].isValid() || (rest && rest->sign() < 0)) {
+    Number rest = in[0].asNumber().value_or(0).truncated();
+    if (!in[0].isValid() || rest.sign() < 0) {
         return Value::invalid();
     }
     std::u16string result;
-    while (rest) {
-        *rest = rest->truncated();
-        const auto point = static_cast<UChar32>(Number::modulo(*rest, step).toInt64());
+    for (; !rest.isZero(); rest = (rest / kCodeStep).truncated()) {
+        const auto point = static_cast<UChar32>(Number::modulo(rest, kCodeStep).toInt64());
         char16_t units[2];
         int size = 0;
         U16_APPEND_UNSAFE(units, size, point);
-        result.append(units, static_cast<size_t>(size));
-        rest = *rest < step ? std::nullopt : std::optional(*rest / step);
+        result.append(units, point == 0 ? 0 : static_cast<size_t>(size));
     }
     return Value::text(result);
 }
 
-// Returns the codes of all characters in one number, that of the first in the last five digits; empty for an
-// empty text.
+// Returns the codes of all UTF-16 units in one number; empty for an empty text. A character beyond the first plane
+// has two codes, as its own may be too large for five digits.
 Value code(Session& /*session*/, Arguments in) {
     const std::u16string text = in[0].asText();
     if (text.empty()) {
         return {};
     }
     Number result;
-    for (size_t at = text.size(); at > 0;) {
-        UChar32 point = 0;
-        U16_PREV(text.data(), 0, at, point);
-        result = result * 100'000 + Number(point);
+    for (size_t at = text.size(); at > 0; --at) {
+        result = result * kCodeStep + Number(text[at - 1]);
     }
     return Value::number(result);
 }

@@ -18,7 +18,7 @@ Value rgb(Session& /*session*/, Arguments in) {
     for (const Value& channel : in) {
         color = color * 256 + std::clamp<int64_t>(integer(channel), 0, 255);
     }
-    return integerValue(color);
+    return areValid(in) ? integerValue(color) : Value::invalid();
 }
 
 // Returns the text with the style of each run changed by [change].

@@ -27,7 +27,7 @@ Value timeFunction(Session& /*session*/, Arguments in) {
     const Number all = in[0].asNumber().value_or(0) * 3600 + in[1].asNumber().value_or(0) * 60 +
                        in[2].asNumber().value_or(0);
     const auto time = DateTime::fromSeconds(all);
-    return time ? Value::time(*time) : Value::invalid();
+    return time && areValid(in) ? Value::time(*time) : Value::invalid();
 }
 
 Value timestampFunction(Session& /*session*/, Arguments in) {

@@ -161,7 +161,8 @@ TEST_F(ContainersTest, FilesThatCanNotBeRead) {
     expectBoth("", "the path is empty");
     expectBoth("file:", "the path is empty");
     expectBoth("empty.gif/x", "can not read scripts/empty.gif/x: Not a directory");
-    expectFailure("Insert File [ $p ; \"a\" & Char ( 0 ) ]", "1:20", "the path holds a zero character");
+    expectFailure("Insert File [ $p ; \"a\" & HexDecode ( \"00\" ) ]", "1:20",
+                  "the path holds a zero character");
     if (geteuid() != 0) { // who may read everything
         fs::permissions(write("scripts/secret", "x"), fs::perms::none);
         expectBoth("secret", "can not read scripts/secret: Permission denied");

@@ -15,10 +15,11 @@ TEST_F(ProgramTest, EvaluatesInOneSession) {
 }
 
 TEST_F(ProgramTest, WhatItPrintsIsAlwaysUtf8) {
-    expect(plain("eval '\"a\" & Char ( 0 ) & Char ( 55296 ) & \"b\" & Char ( 57343 )'"), ExitCode::ok,
-           "a\u2400\uFFFDb\uFFFD\n", "");
-    write("Odd.fmscript", "Show Custom Dialog [ Char ( 0 ) ; Char ( 55296 ) ]\nExit Script [ Text Result: "
-                          "Char ( 0 ) & \"¶\" & Char ( 56320 ) ]");
+    expect(plain("eval '\"a\" & HexDecode ( \"00\" ) & Char ( 55296 ) & \"b\" & Char ( 57343 )'"),
+           ExitCode::ok, "a\u2400\uFFFDb\uFFFD\n", "");
+    write("Odd.fmscript",
+          "Show Custom Dialog [ HexDecode ( \"00\" ) ; Char ( 55296 ) ]\nExit Script [ Text Result: "
+          "HexDecode ( \"00\" ) & \"¶\" & Char ( 56320 ) ]");
     expect(plain("run Odd.fmscript"), ExitCode::ok, "\u2400\n\uFFFD\n\u2400\n\uFFFD\n", "");
 }
 

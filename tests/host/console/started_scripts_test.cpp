@@ -79,7 +79,8 @@ TEST_F(StartedScriptsTest, APauseTakesItsTime) {
 TEST_F(StartedScriptsTest, WhatDoesNotExistIsAnErrorCode) {
     EXPECT_EQ(
         good("eval 'Test_StartScript ( \"\" ; \"never\" )' 'Test_StartScript ( \"nowhere\" ; \"Hello\" )' "
-             "'Test_StartScript ( \"\" ; \"\" )' 'Test_StartScript' 'Test_StartScript ( \"\" ; Char ( 0 ) & "
+             "'Test_StartScript ( \"\" ; \"\" )' 'Test_StartScript' 'Test_StartScript ( \"\" ; HexDecode ( "
+             "\"00\" ) & "
              "Char ( 55296 ) )' "
              "'Test_StartScript ( \"\" ; \"../x/Hello\" )'")
             .out,

@@ -22,7 +22,9 @@ std::vector<std::pair<TokenKind, std::u16string>> words(const std::u16string& te
     Lexer lexer(std::make_shared<Source>("", text), 0);
     for (Token token = lexer.next(); token.kind != TokenKind::end; token = lexer.next()) {
         const std::u16string spelling = text.substr(token.begin, token.end - token.begin);
-        result.emplace_back(token.kind, token.kind == TokenKind::text ? token.text : foldCase(spelling));
+        result.emplace_back(token.kind, token.kind == TokenKind::text        ? token.text
+                                        : token.kind == TokenKind::semicolon ? u";" // may have been a comma
+                                                                             : foldCase(spelling));
     }
     return result;
 }

@@ -36,6 +36,7 @@ TEST(FormatTest, BlanksAndLetterCase) {
     EXPECT_EQ(calculation("Let([a=1;b=2];a<>b)"), "Let ( [ a = 1 ; b = 2 ] ; a <> b )");
     EXPECT_EQ(calculation("Table::Field[2]&f()"), "Table::Field[2] & f ( )");
     EXPECT_EQ(calculation("Let ( upper = 1 ; upper )"), "Let ( upper = 1 ; upper )");
+    EXPECT_EQ(calculation("Let(net price=1 , net price*2)"), "Let ( net price = 1 ; net price * 2 )");
     EXPECT_EQ(calculation("lasterror & pi"), "lasterror & pi");
     EXPECT_EQ(calculation(""), "");
 }

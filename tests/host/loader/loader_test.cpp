@@ -225,7 +225,7 @@ TEST_F(LoaderTest, ValuesCrossUnchanged) {
          {"\"\"", "\"text 日本 😀\"", "\"a¶b\"", "0", "-12.5", "1 / 3", "12345678901234567890123456789.5",
           "Date ( 12 ; 25 ; 2010 )", "Time ( 1 ; 2 ; 3 )",
           "Timestamp ( Date ( 12 ; 25 ; 2010 ) ; Time ( 14 ; 30 ; 5 ) )", "GetAsNumber ( \"\" )",
-          "\"a\" & Char ( 0 ) & Char ( 55296 ) & \"b\" & Char ( 57343 )"}) {
+          "\"a\" & HexDecode ( \"00\" ) & Char ( 55296 ) & \"b\" & Char ( 57343 )"}) {
         const Value direct = session_.evaluate(fromUtf8(calculation));
         const Value echoed = session_.evaluate(u"Test_Echo ( " + fromUtf8(calculation) + u" )");
         EXPECT_EQ(echoed.asText(), direct.asText()) << calculation;

@@ -35,15 +35,6 @@ TEST(TextTest, FoldsAndShiftsCaseInAnyAlphabet) {
     EXPECT_EQ(toUpper(std::u16string(1000, u'\u00DF')), std::u16string(2000, u'S')); // twice as long
 }
 
-TEST(TextTest, ComparesIgnoringCase) {
-    EXPECT_EQ(compareIgnoringCase(u"\u00C4pfel", u"\u00E4PFEL"), std::strong_ordering::equal);
-    EXPECT_EQ(compareIgnoringCase(u"abc", u"ABD"), std::strong_ordering::less);
-    EXPECT_EQ(compareIgnoringCase(u"ab", u""), std::strong_ordering::greater);
-    // By code point: a pair of units comes after every single unit.
-    EXPECT_EQ(compareIgnoringCase(u"\uFFFD", u"\U0001F600"), std::strong_ordering::less);
-    EXPECT_EQ(compareUnits(u"\uFFFD", u"\U0001F600"), std::strong_ordering::greater);
-}
-
 TEST(TextTest, FindsIgnoringCase) {
     EXPECT_EQ(findIgnoringCase(u"xx\u00C4BC\u00E4bc", u"\u00E4Bc", 0), 2U);
     EXPECT_EQ(findIgnoringCase(u"xx\u00C4BC\u00E4bc", u"\u00E4Bc", 3), 5U);
