@@ -78,7 +78,6 @@ void expectUsual(const Server& server, const Account& account) {
     EXPECT_EQ(friends.name, "Friends");
     EXPECT_FALSE(friends.readOnly);
     EXPECT_TRUE(friends.hasSyncReport);
-    EXPECT_EQ(friends.syncToken, "t7");
     EXPECT_EQ(friends.ctag, "c7");
     EXPECT_EQ(friends.versions, (std::vector<std::string>{"3.0", "4.0"}));
     EXPECT_EQ(friends.maxCardSize, 102400U);
@@ -94,6 +93,9 @@ TEST(DiscoveryTest, FromAServer) {
     expectUsual(server, discover(client, server.url(), TestDns()));
     EXPECT_EQ(server.received().size(), 4U);
     EXPECT_EQ(server.received().back().header("depth"), "1");
+    for (const Received& received : server.received()) { // DAViCal fails at its root when it is asked for one
+        EXPECT_THAT(received.body, testing::Not(testing::HasSubstr("sync-token")));
+    }
 }
 
 TEST(DiscoveryTest, FromAPrincipal) {

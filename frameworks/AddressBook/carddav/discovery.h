@@ -19,7 +19,6 @@ struct Book {
     std::string name;      // to show; the last part of the address when the server has none
     bool readOnly = false; // this account may not add, change or remove cards
     bool hasSyncReport = false;
-    std::string syncToken;             // as it is now; empty: none
     std::string ctag;                  // as it is now; empty: none
     std::vector<std::string> versions; // of vCards that it takes, as "3.0"; empty: not told, which means 3.0
     std::uint64_t maxCardSize = 0;     // bytes; 0: not told
