@@ -138,20 +138,31 @@ std::optional<int32_t> readDay(Reader& reader, DateOrder order) {
                                                           : std::nullopt;
 }
 
+// Reads minutes or seconds behind a separator.
+std::optional<int64_t> readSixtieth(Reader& reader) {
+    const auto number = reader.number(2);
+    return number && *number <= 59 ? number : std::nullopt;
+}
+
+// Reads hours, minutes and seconds, of which the last may be missing; before AM or PM the minutes, too. Returns all
+// as seconds.
 std::optional<Number> readSeconds(Reader& reader) {
     const bool negative = reader.take(u'-');
     const auto hour = reader.number(7);
+    if (!hour) {
+        return std::nullopt;
+    }
     const char16_t mark = reader.take(formats().timeSeparator) ? formats().timeSeparator
                           : reader.take(u':')                  ? u':'
                                                                : u'\0';
-    const auto minute = hour && mark != 0 ? reader.number(2) : std::nullopt;
-    if (!minute || *minute > 59) {
+    const auto minute = mark != 0 ? readSixtieth(reader) : std::optional<int64_t>(0);
+    if (!minute) {
         return std::nullopt;
     }
     Number second;
-    if (reader.take(mark)) {
-        const auto whole = reader.number(2);
-        if (!whole || *whole > 59) {
+    if (mark != 0 && reader.take(mark)) {
+        const auto whole = readSixtieth(reader);
+        if (!whole) {
             return std::nullopt;
         }
         second = *whole;
@@ -160,11 +171,12 @@ std::optional<Number> readSeconds(Reader& reader) {
         }
     }
     int64_t hours = *hour;
-    if (const auto half = reader.halfDay()) {
-        if (hours < 1 || negative) {
-            return std::nullopt;
-        }
-        hours = hours > 12 ? hours : hours % 12 + *half;
+    const auto half = reader.halfDay();
+    if (half ? hours < 1 || negative : mark == 0) {
+        return std::nullopt;
+    }
+    if (half && hours <= 12) {
+        hours = hours % 12 + *half;
     }
     const Number seconds = Number(hours * 3600 + *minute * 60) + second;
     return negative ? -seconds : seconds;

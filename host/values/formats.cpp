@@ -14,9 +14,14 @@ Formats& current() {
     return formats;
 }
 
+// Unicode's data name some locales with their script: zh_CN is zh_Hans_CN.
 bool isKnown(const std::string& locale) {
+    char withScript[ULOC_FULLNAME_CAPACITY] = {};
+    UErrorCode status = U_ZERO_ERROR;
+    uloc_addLikelySubtags(locale.c_str(), withScript, ULOC_FULLNAME_CAPACITY, &status);
     const std::vector<std::string> known = knownLocales();
-    return std::find(known.begin(), known.end(), locale) != known.end();
+    return std::any_of(known.begin(), known.end(),
+                       [&](const std::string& name) { return name == locale || name == withScript; });
 }
 
 // Returns a locale's pattern for the given styles of time and date.
@@ -96,8 +101,9 @@ std::optional<Formats> formatsOf(const std::string& locale) {
     if (!isKnown(locale)) {
         return std::nullopt;
     }
-    const std::u16string date = pattern(locale, UDAT_NONE, UDAT_SHORT);
-    const std::u16string time = pattern(locale, UDAT_MEDIUM, UDAT_NONE);
+    const std::string calendar = locale + "@calendar=gregorian"; // also where the months in use are others
+    const std::u16string date = pattern(calendar, UDAT_NONE, UDAT_SHORT);
+    const std::u16string time = pattern(calendar, UDAT_MEDIUM, UDAT_NONE);
     Formats result;
     result.locale = locale;
     result.dateOrder = orderIn(date);
@@ -105,13 +111,13 @@ std::optional<Formats> formatsOf(const std::string& locale) {
     result.twoDigits = date.find(u"dd") != std::u16string::npos;
     result.timeSeparator = separatorIn(time, u':');
     result.twelveHours = time.find(u'a') != std::u16string::npos;
-    result.morning = symbol(locale, UDAT_AM_PMS, 0);
-    result.afternoon = symbol(locale, UDAT_AM_PMS, 1);
+    result.morning = symbol(calendar, UDAT_AM_PMS, 0);
+    result.afternoon = symbol(calendar, UDAT_AM_PMS, 1);
     for (size_t i = 0; i < result.monthNames.size(); ++i) {
-        result.monthNames[i] = symbol(locale, UDAT_STANDALONE_MONTHS, i);
+        result.monthNames[i] = symbol(calendar, UDAT_STANDALONE_MONTHS, i);
     }
     for (size_t i = 0; i < result.dayNames.size(); ++i) {
-        result.dayNames[i] = symbol(locale, UDAT_STANDALONE_WEEKDAYS, i + 1); // 1 is Sunday
+        result.dayNames[i] = symbol(calendar, UDAT_STANDALONE_WEEKDAYS, i + 1); // 1 is Sunday
     }
     result.decimalPoint = numberSymbol(locale, UNUM_DECIMAL_SEPARATOR_SYMBOL);
     return result;

@@ -170,8 +170,10 @@ bool Value::asBoolean() const {
 
 std::optional<DateTime> Value::asDateTime(ValueType wanted) const {
     if (type_ == ValueType::text) {
-        auto moment = DateTime::timestampFromText(storedText()); // also gives a date or a time
-        return moment || wanted != ValueType::time ? moment : DateTime::timeFromText(storedText());
+        // A time goes first where times are written with points, as dates may be.
+        const auto time = wanted == ValueType::time ? DateTime::timeFromText(storedText()) : std::nullopt;
+        return time ? time
+                    : DateTime::timestampFromText(storedText()); // which is also read from a date alone
     }
     if (const DateTime* moment = std::get_if<DateTime>(&content_)) {
         const bool hasDay = type_ != ValueType::time;
