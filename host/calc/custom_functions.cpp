@@ -115,6 +115,12 @@ std::vector<CustomFunctions::Definition> CustomFunctions::readHeadings(const Sou
                         in.fail(parameter.begin, CalcCode::parameterNamedLikeFunction,
                                 toUtf8(parameter.text) + " is a name of the language; expected another one");
                     }
+                    if (std::any_of(parameters.begin(), parameters.end(), [&](const std::u16string& other) {
+                            return foldName(other) == foldName(parameter.text);
+                        })) {
+                        in.fail(parameter.begin, CalcCode::definedTwice,
+                                "there is a parameter called " + toUtf8(parameter.text) + " already");
+                    }
                     parameters.push_back(parameter.text);
                 } while (in.accept(TokenKind::semicolon));
                 in.expect(TokenKind::rightParen, "\";\" or \")\" after a parameter");

@@ -13,6 +13,13 @@ std::optional<Calculation> InputReader::addLine(std::string_view line) {
         first_ = name_.empty() ? 1 : line_;
     }
     pending_ += line;
+    if (const size_t first = pending_.find_first_not_of(" \t");
+        !open_ && first != std::string::npos && (pending_[first] == ':' || pending_[first] == '?')) {
+        const auto source = std::make_shared<Source>(name_, fromUtf8(pending_), first_);
+        clear();
+        throw CalcError(ErrorKind::syntax, CalcCode::valueExpected, source, first,
+                        "commands are for the prompt on a terminal; expected a calculation");
+    }
     try {
         Calculation result = parse();
         clear();

@@ -91,16 +91,18 @@ TEST_F(CustomFunctionsTest, AnInterruptEndsARecursion) {
 }
 
 TEST_F(CustomFunctionsTest, MistakesAreToldAndTheOthersWork) {
-    EXPECT_EQ(load("Good ( x ) = x + 1\nBad ( x ) = x + (\nAlso ( y ) = Good ( y )\nUpper ( x ) = x\nWith ( "
-                   "Pi ) = 1\n"
-                   "good = 1\nNoBody ( x )\nTwo ( x ; ) = 1\nCalls ( x ) = Missing ( x )"),
-              "4:1 1300 the language has a Upper already\n"
-              "5:8 1301 Pi is a name of the language; expected another one\n"
-              "6:1 1300 there is a function called good already\n"
-              "8:1 1208 expected \"=\" before the calculation of NoBody, found Two\n"
-              "8:11 1209 expected the name of a parameter, found )\n"
-              "3:1 1208 there is no function called Also\n"
-              "9:15 1208 there is no function called Missing\n");
+    EXPECT_EQ(
+        load("Good ( x ) = x + 1\nBad ( x ) = x + (\nAlso ( y ) = Good ( y )\nUpper ( x ) = x\nWith ( "
+             "Pi ) = 1\n"
+             "good = 1\nNoBody ( x )\nTwo ( x ; ) = 1\nCalls ( x ) = Missing ( x )\nSame ( a ; A ) = a"),
+        "4:1 1300 the language has a Upper already\n"
+        "5:8 1301 Pi is a name of the language; expected another one\n"
+        "6:1 1300 there is a function called good already\n"
+        "8:1 1208 expected \"=\" before the calculation of NoBody, found Two\n"
+        "8:11 1209 expected the name of a parameter, found )\n"
+        "10:12 1213 there is a parameter called A already\n"
+        "3:1 1208 there is no function called Also\n"
+        "9:15 1208 there is no function called Missing\n");
     EXPECT_EQ(value(u"Good ( 1 )"), "2");
 }
 

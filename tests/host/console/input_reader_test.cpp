@@ -44,6 +44,20 @@ TEST(InputReaderTest, LinesWithoutACalculationAreNone) {
     EXPECT_FALSE(reader.isOpen());
 }
 
+TEST(InputReaderTest, CommandsOfThePromptAreNoCalculations) {
+    Session session;
+    InputReader reader(session.functions(), "input");
+    for (const char* line : {":help Upper", " ?"}) {
+        try {
+            reader.addLine(line);
+            ADD_FAILURE() << line;
+        } catch (const CalcError& error) {
+            EXPECT_STREQ(error.what(), "commands are for the prompt on a terminal; expected a calculation");
+        }
+    }
+    EXPECT_TRUE(reader.addLine("1"));
+}
+
 TEST(InputReaderTest, AMistakeForgetsTheLines) {
     Session session;
     InputReader reader(session.functions(), "input");
