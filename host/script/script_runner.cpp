@@ -19,6 +19,8 @@ Value ScriptRunner::run(const std::filesystem::path& file, Value parameter) {
     Environment& environment = session_.environment();
     environment.errorCapture = false;
     environment.allowUserAbort = true;
+    environment.animation = false;
+    environment.revertTransactionOnError = true;
     try {
         return runSteps(*script);
     } catch (const ScriptsHalted&) {

@@ -1,4 +1,6 @@
 // Get functions about the computer, the user and the program.
+#include "host/calc/byte_text.h"
+#include "host/calc/crypt.h"
 #include "host/calc/functions/groups.h"
 #include "host/calc/json_text.h"
 #include "host/values/formats.h"
@@ -144,9 +146,16 @@ Value hostName(Session& /*session*/) {
     return Value::text(fromUtf8(name));
 }
 
-// Returns the system's identifier for this computer.
-Value persistentId(Session& /*session*/) {
-    return Value::text(toUpper(fromUtf8(firstLine("/etc/machine-id"))));
+// Returns the system's identifier for this computer; without one, which containers lack, 32 digits made of the
+// computer's name.
+Value persistentId(Session& session) {
+    std::string id = firstLine("/etc/machine-id");
+    if (id.empty()) {
+        const std::string name = toUtf8(hostName(session).asText());
+        const auto made = digest({reinterpret_cast<const unsigned char*>(name.data()), name.size()}, u"MD5");
+        return made ? Value::text(hexadecimal(*made)) : Value();
+    }
+    return Value::text(toUpper(fromUtf8(id)));
 }
 
 Value storageAvailable(Session& /*session*/) {

@@ -72,6 +72,29 @@ TEST_F(StepsTest, ErrorLoggingWritesWhatFailed) {
     EXPECT_EQ(std::count(log.begin(), log.end(), '\n'), 1);
 }
 
+TEST_F(StepsTest, SettingsLastUntilTheScriptsEnd) {
+    const std::string states = "Get ( ScriptAnimationState ) & Get ( RevertTransactionOnErrorState )";
+    write("inner", "Set Layout Object Animation [ On ]\nSet Revert Transaction on Error [ Off ]");
+    EXPECT_EQ(after("Perform Script [ \"inner\" ]", states), "10");
+    EXPECT_EQ(after("", states), "01");
+}
+
+TEST_F(StepsTest, FilesOfAnyKindAreInserted) {
+    std::ofstream(root_ / "main" / "a.pdf") << "%PDF-1.4";
+    EXPECT_EQ(after("Insert PDF [ $pdf ; \"a.pdf\" ]\nInsert Audio/Video [ Store only as a reference ; "
+                    "Target: $sound ; "
+                    "\"a.pdf\" ]",
+                    "$pdf & Length ( $pdf ) & \" \" & GetContainerAttribute ( $sound ; \"filename\" ) & "
+                    "HexEncode ( $sound "
+                    ")"),
+              "a.pdf8 a.pdf255044462D312E34");
+}
+
+TEST_F(StepsTest, ExitApplicationEndsAllScripts) {
+    write("leaving", "Exit Application\nExit Script [ Text Result: \"here\" ]");
+    EXPECT_EQ(after("Perform Script [ \"leaving\" ]", "\"not reached\""), "");
+}
+
 TEST_F(StepsTest, HaltScriptEndsAllScripts) {
     write("halting", "Halt Script");
     EXPECT_EQ(after("Perform Script [ “halting” ]\nSet Variable [ $$after ; Value: 1 ]", "1"), "");
