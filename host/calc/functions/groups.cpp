@@ -12,6 +12,7 @@ std::span<const FunctionGroup> functionGroups() {
         FunctionGroup{"Text", textListFunctions()},
         FunctionGroup{"Text", textSortFunctions()},
         FunctionGroup{"Text", conversionFunctions()},
+        FunctionGroup{"Text", styledTextFunctions()},
         FunctionGroup{"Text formatting", textFormattingFunctions()},
         FunctionGroup{"Number", numberFunctions()},
         FunctionGroup{"Trigonometric", trigonometricFunctions()},

@@ -30,6 +30,7 @@ std::span<const Builtin> textWordFunctions();
 std::span<const Builtin> textListFunctions();
 std::span<const Builtin> textSortFunctions();
 std::span<const Builtin> conversionFunctions();
+std::span<const Builtin> styledTextFunctions();
 std::span<const Builtin> textFormattingFunctions();
 std::span<const Builtin> numberFunctions();
 std::span<const Builtin> trigonometricFunctions();

@@ -195,9 +195,13 @@ Value asSvg(Session& /*session*/, Arguments in) {
     return Value::text(result + u"</stylelist><data>" + escaped(text) + u"</data>");
 }
 
-constexpr Builtin kFunctions[] = {
+// FileMaker counts these among the functions of texts.
+constexpr Builtin kConversions[] = {
     {u"GetAsCSS ( text )", asCss, "Writes a text with its styles as web pages do."},
     {u"GetAsSVG ( text )", asSvg, "Writes a text with its styles as drawings do."},
+};
+
+constexpr Builtin kFunctions[] = {
     {u"RGB ( red ; green ; blue )", rgb, "Returns the number of a colour."},
     {u"TextColor ( text ; color )", textColor, "Gives a text a colour."},
     {u"TextColorRemove ( text {; color } )", textColorRemove, "Removes the colours, or one, from a text."},
@@ -212,6 +216,10 @@ constexpr Builtin kFunctions[] = {
 };
 
 } // namespace
+
+std::span<const Builtin> styledTextFunctions() {
+    return kConversions;
+}
 
 std::span<const Builtin> textFormattingFunctions() {
     return kFunctions;

@@ -110,6 +110,7 @@ TEST_F(ProgramTest, FunctionsWithAWord) {
 
 TEST_F(ProgramTest, FunctionsCounted) {
     const std::string all = plain("functions --all --count").out;
+    EXPECT_THAT(all, HasSubstr("\nText                                  39         0         0        39\n"));
     EXPECT_THAT(all, HasSubstr("\nMobile                                 0         5         0         5\n"));
     EXPECT_THAT(all, HasSubstr("\nLogical                               16         2         5        23\n"));
     EXPECT_THAT(all, StartsWith("                                computed    absent   refused       all\n"));
