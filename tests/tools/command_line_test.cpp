@@ -4,6 +4,9 @@
 #include "tools/command_line/manual.h"
 #include "tools/command_line/shell_words.h"
 
+#include "tests/support/files.h"
+#include "tests/support/temporary_folder.h"
+
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
@@ -26,6 +29,9 @@ class ToyProgram {
         sub->add_option("FILE", files_, "Pictures of it");
         sub->footer(
             "It's .odd\nand goes on.\n  a table\n\nExamples:\n  toy paint 'a b'\nExit status: 0 done");
+        sub = app.add_subcommand("wash", "Wash something");
+        sub->add_subcommand("floor", "Wash a floor")->add_flag("--dry", wet_, "Without water");
+        sub->add_subcommand("window", "Wash a window");
     }
 
     std::vector<std::string> words(const std::string& line) {
@@ -59,12 +65,18 @@ TEST(ShellWordsTest, QuotesAndBackslashesAreTakenAway) {
 
 TEST(CompletionTest, CommandsOptionsAndTheirValues) {
     ToyProgram toy;
-    EXPECT_THAT(toy.words("toy "), ElementsAre("paint"));
+    EXPECT_THAT(toy.words("toy "), ElementsAre("paint", "wash"));
     EXPECT_THAT(toy.words("toy p"), ElementsAre("paint"));
     EXPECT_THAT(toy.words("toy paint --w"), ElementsAre("--wet"));
     EXPECT_THAT(toy.words("toy paint --b"), ElementsAre("--book"));
     EXPECT_THAT(toy.words("toy paint --colour "), ElementsAre("red", "green"));
     EXPECT_THAT(toy.words("toy paint --colour=g"), ElementsAre("--colour=green"));
+}
+
+TEST(CompletionTest, CommandsMayHaveTheirOwn) {
+    ToyProgram toy;
+    EXPECT_THAT(toy.words("toy wash "), ElementsAre("floor", "window"));
+    EXPECT_THAT(toy.words("toy wash floor --d"), ElementsAre("--dry"));
 }
 
 TEST(CompletionTest, AProgramKnowsMoreAndMayLookAtTheLine) {
@@ -101,6 +113,16 @@ TEST(ManualTest, WhatRoffWouldReadIsWrittenSoThatItDoesNot) {
     EXPECT_THAT(page, HasSubstr("  toy paint \\(aqa b\\(aq\n"));
     EXPECT_THAT(page, HasSubstr(".SH ARGUMENTS\n.TP\n\\fIWALL\\fP\n"));
     EXPECT_THAT(page, HasSubstr("\\fB\\-\\-in\\fP \\fIROOM\\fP\nWhere.\n"));
+}
+
+TEST(ManualTest, ACommandOfACommandHasItsPage) {
+    ToyProgram toy;
+    const support::TemporaryFolder folder;
+    writeManuals(toy.app, "1.0", folder.path());
+    const std::string page = support::bytesOf(folder.path() / "toy-wash-floor.1");
+    EXPECT_THAT(page, HasSubstr("\\fBtoy wash floor\\fP [\\fIOPTION\\fP ...]\n"));
+    EXPECT_THAT(page, HasSubstr("\\fB\\-\\-book\\fP"));
+    EXPECT_THAT(page, HasSubstr("\\fBtoy\\fP(1),\n\\fBtoy\\-wash\\fP(1),\n\\fBtoy\\-wash\\-window\\fP(1)\n"));
 }
 
 } // namespace

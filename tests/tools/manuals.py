@@ -25,13 +25,20 @@ def section(help_text, heading):
     return re.findall(r"^  (\S+)", match.group(1), re.MULTILINE) if match else []
 
 
+def commands_of(program, *arguments):
+    """The program itself, its commands, and theirs."""
+    yield arguments
+    for command in section(output(program, *arguments, "--help"), "Subcommands"):
+        yield from commands_of(program, *arguments, command)
+
+
 def problems(program, folder):
     name = os.path.basename(program)
     subprocess.run([program, "--manual", folder], check=True)
-    commands = section(output(program, "--help"), "Subcommands")
-    if not commands:
+    commands = list(commands_of(program))
+    if len(commands) == 1:
         yield f"{name}: --help lists no commands"
-    for arguments in [[], *([command] for command in commands)]:
+    for arguments in commands:
         page = "-".join([name, *arguments]) + ".1"
         path = os.path.join(folder, page)
         if not os.path.exists(path):

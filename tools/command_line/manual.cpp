@@ -59,10 +59,19 @@ std::string verbatim(const std::string& lines) {
     return ".nf\n" + escaped(lines) + "\n.fi\n";
 }
 
+// Returns the names of the program and the command, and of what the command is one of, with [between] between them.
+std::string fullName(const CLI::App& app, char between) {
+    const CLI::App* parent = app.get_parent();
+    return parent == nullptr ? app.get_name() : fullName(*parent, between) + between + app.get_name();
+}
+
 // Returns the name of the page: fmhost, fmhost-eval.
 std::string pageName(const CLI::App& app) {
-    const CLI::App* program = app.get_parent();
-    return program == nullptr ? app.get_name() : program->get_name() + '-' + app.get_name();
+    return fullName(app, '-');
+}
+
+const CLI::App& programOf(const CLI::App& app) {
+    return app.get_parent() == nullptr ? app : programOf(*app.get_parent());
 }
 
 std::string sentence(const std::string& text) {
@@ -87,8 +96,7 @@ std::string argument(const CLI::Option& option) {
 }
 
 std::string synopsis(const CLI::App& app) {
-    const CLI::App* program = app.get_parent();
-    std::string text = bold(program == nullptr ? app.get_name() : program->get_name() + ' ' + app.get_name());
+    std::string text = bold(fullName(app, ' '));
     text += " [" + italic("OPTION") + " ...]";
     if (!commandsOf(app).empty()) {
         const std::string command = italic("COMMAND") + ' ' + italic("...");
@@ -165,15 +173,18 @@ std::string section(const std::string& heading, const CLI::App& app, Block::Kind
 }
 
 std::string seeAlso(const CLI::App& app) {
-    const CLI::App& program = app.get_parent() == nullptr ? app : *app.get_parent();
+    const CLI::App& parent = app.get_parent() == nullptr ? app : *app.get_parent();
     std::string text;
     const auto add = [&](const CLI::App& other) {
         if (&other != &app) {
             text += (text.empty() ? "" : ",\n") + bold(pageName(other)) + "(1)";
         }
     };
-    add(program);
-    for (const CLI::App* command : commandsOf(program)) {
+    if (parent.get_parent() != nullptr) {
+        add(programOf(app));
+    }
+    add(parent);
+    for (const CLI::App* command : commandsOf(parent)) {
         add(*command);
     }
     return ".SH \"SEE ALSO\"\n" + text + '\n';
@@ -182,7 +193,8 @@ std::string seeAlso(const CLI::App& app) {
 } // namespace
 
 std::string manualOf(const CLI::App& app, const std::string& version) {
-    const CLI::App* program = app.get_parent();
+    const CLI::App& program = programOf(app);
+    const bool isCommand = &program != &app;
     std::string title = pageName(app);
     std::transform(title.begin(), title.end(), title.begin(),
                    [](unsigned char sign) { return static_cast<char>(std::toupper(sign)); });
@@ -192,23 +204,19 @@ std::string manualOf(const CLI::App& app, const std::string& version) {
            ".SH NAME\n" + escaped(pageName(app)) + " \\- " + escaped(summary(app)) + '\n' + //
            ".SH SYNOPSIS\n" + synopsis(app) + description(app) + commandSection(app) + argumentSection(app) +
            optionSection("OPTIONS", app) +
-           (program == nullptr ? "" : optionSection("\"OPTIONS OF ALL COMMANDS\"", *program, true)) +
-           section("EXIT STATUS", program == nullptr ? app : *program, Block::Kind::exitStatus) + examples +
-           seeAlso(app);
+           (isCommand ? optionSection("\"OPTIONS OF ALL COMMANDS\"", program, true) : "") +
+           section("EXIT STATUS", program, Block::Kind::exitStatus) + examples + seeAlso(app);
 }
 
 void writeManuals(const CLI::App& program, const std::string& version, const std::filesystem::path& folder) {
-    const auto write = [&](const CLI::App& app) {
-        const std::filesystem::path file = folder / (pageName(app) + ".1");
-        std::ofstream stream(file);
-        stream << manualOf(app, version) << std::flush;
-        if (!stream) {
-            throw std::runtime_error(file.string() + " cannot be written");
-        }
-    };
-    write(program);
+    const std::filesystem::path file = folder / (pageName(program) + ".1");
+    std::ofstream stream(file);
+    stream << manualOf(program, version) << std::flush;
+    if (!stream) {
+        throw std::runtime_error(file.string() + " cannot be written");
+    }
     for (const CLI::App* command : commandsOf(program)) {
-        write(*command);
+        writeManuals(*command, version, folder);
     }
 }
 

@@ -12,7 +12,7 @@ namespace command_line {
 // stands at its foot.
 std::string manualOf(const CLI::App& app, const std::string& version);
 
-// Writes PROGRAM.1 and PROGRAM-COMMAND.1 for each command into a folder. Throws std::runtime_error when a
+// Writes PROGRAM.1, PROGRAM-COMMAND.1 for each command, and a page for each of theirs into a folder. Throws std::runtime_error when a
 // file cannot be written.
 void writeManuals(const CLI::App& program, const std::string& version, const std::filesystem::path& folder);
 
