@@ -4,6 +4,7 @@
 #   <lib>/velocard/            the libraries, private to Velocard and to programs that are built with them
 #   <lib>/velocard/Velocard/   the plug-in; it finds the libraries in the folder above
 #   share/                     manual pages, completions for shells, documents
+#   lib/systemd/user/          the service that keeps an address book in step, for users who enable it
 #   include/velocard/          Apple's headers as far as the libraries have them
 #
 # Components are packages: runtime, development, server (the plug-in and its libraries in the folder of FileMaker
@@ -84,3 +85,6 @@ install(FILES "${PROJECT_BINARY_DIR}/packaging/AddressBookConfig.cmake"
 install(FILES "${PROJECT_SOURCE_DIR}/README.md" "${PROJECT_SOURCE_DIR}/CHANGELOG.md" DESTINATION "${VELOCARD_DOCUMENTS}" COMPONENT runtime)
 install(DIRECTORY "${PROJECT_SOURCE_DIR}/docs" "${PROJECT_SOURCE_DIR}/examples" DESTINATION "${VELOCARD_DOCUMENTS}"
   COMPONENT runtime)
+
+# A service that users may enable for themselves; systemd looks for user units nowhere else.
+install(FILES "${PROJECT_SOURCE_DIR}/packaging/addressbook-sync.service" DESTINATION lib/systemd/user COMPONENT runtime)

@@ -22,6 +22,7 @@ set(CPACK_DEBIAN_PACKAGE_PRIORITY optional)
 
 set(CPACK_DEBIAN_RUNTIME_PACKAGE_NAME velocard)
 set(CPACK_DEBIAN_RUNTIME_PACKAGE_SECTION utils)
+set(CPACK_DEBIAN_RUNTIME_PACKAGE_RECOMMENDS libsecret-1-0) # loaded when an account asks for the keyring
 set(CPACK_DEBIAN_RUNTIME_PACKAGE_SUGGESTS chafa)
 set(CPACK_DEBIAN_RUNTIME_DESCRIPTION "Address Book for FileMaker calculations, with a host to run them
 The plug-in KORU gives FileMaker calculations and scripts an address book:

@@ -84,7 +84,7 @@ ROOMS = {
                                        ("Foundation", "ScriptingBridge", "systemd", "objc"), (),
                                        "the bridge knows the session bus"),
     COMMAND_LINE: Room((), ("CLI11",), (), "pages and completions know the command line alone"),
-    "tools": Room((MODEL, STORE, VCARD, CSV, VALUES, COMMAND_LINE), ("CLI11", "json"), (), "tools know the frameworks' C++ rooms"),
+    "tools": Room((MODEL, STORE, VCARD, CSV, CARDDAV, SYNC, VALUES, COMMAND_LINE), ("CLI11", "json", "libsecret", "dl"), (), "tools know the frameworks' C++ rooms"),
 }
 # Who measures and tests may know everybody; nobody knows them. What tests share knows no test.
 OPEN_ROOMS = "bench", "tests"
@@ -117,6 +117,7 @@ LIBRARIES = {
     "nettle": (r"nettle/.*|PkgConfig::NETTLE",),
     "json": (r"nlohmann/.*|nlohmann_json::nlohmann_json",),
     "CLI11": (r"CLI/.*|CLI11::CLI11",),
+    "libsecret": (r"libsecret/.*",),
     "libxml2": (r"libxml/.*|LibXml2::LibXml2",),
     "libedit": (r"histedit\.h|PkgConfig::LIBEDIT|PkgConfig::EDIT",),
     "systemd": (r"systemd/.*|PkgConfig::SYSTEMD",),

@@ -6,6 +6,7 @@
 #include "frameworks/AddressBook/store/store.h"
 
 #include <cstddef>
+#include <cstdint>
 #include <filesystem>
 #include <limits>
 #include <string>
@@ -29,6 +30,7 @@ struct Options {
     } write;
     struct { // which records are listed
         std::string group, where;
+        std::string account; // the place that they belong to; see sync/places.h
         std::size_t limit = std::numeric_limits<std::size_t>::max();
     } narrow;
     std::string fields = "name,organization,phones,emails"; // the columns of a list
@@ -52,6 +54,26 @@ struct Options {
         std::string file;
         bool force = false;
     } backup;
+    struct {
+        std::string address, user, passwordCommand, passwordFile, create, name, caFile;
+        std::vector<std::string> books; // on the server
+        bool keyring = false, isDefault = false, allowHttp = false;
+    } addAccount;
+    struct {
+        std::string name;
+        bool deletePeople = false;
+    } removeAccount;
+    std::string place; // account default: where new records go
+    struct {
+        std::vector<std::string> accounts; // empty: all
+        bool dryRun = false, force = false;
+        unsigned watch = 0; // seconds between two looks at the server; 0: looks once
+    } sync;
+    std::vector<std::int64_t> conflicts; // their ids
+    struct {
+        std::vector<std::string> ids;
+        std::string to;
+    } move;
 };
 
 // Return the folder of the address book that the options name, and the book in it, opened.
@@ -80,5 +102,14 @@ int runCheck(const Options& options);
 int runBackup(const Options& options);
 int runRestore(const Options& options);
 int runRepair(const Options& options);
+int runAccountAdd(const Options& options);
+int runAccountList(const Options& options);
+int runAccountRemove(const Options& options);
+int runAccountDefault(const Options& options);
+int runSync(const Options& options);
+int runConflicts(const Options& options);
+int runConflictsTake(const Options& options);
+int runConflictsDrop(const Options& options);
+int runMove(const Options& options);
 
 } // namespace addressbook::tool

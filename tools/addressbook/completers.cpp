@@ -4,6 +4,7 @@
 #include "tools/addressbook/commands.h"
 #include "tools/addressbook/fields.h"
 #include "tools/addressbook/property_path.h"
+#include "tools/addressbook/sync/places.h"
 
 #include <algorithm>
 #include <memory>
@@ -105,6 +106,20 @@ Completion ids(const Typed& typed, std::initializer_list<Kind> kinds) {
     return completion;
 }
 
+// Completes names of accounts and their address books; with [local] also what belongs to none.
+Completion places(const Typed& typed, bool local) {
+    Completion completion;
+    if (local) {
+        completion.candidates.push_back({std::string(kLocal), ""});
+    }
+    if (const std::unique_ptr<Store> store = bookOf(typed)) {
+        for (const std::string& name : Places(*store).names()) {
+            completion.candidates.push_back({name, ""});
+        }
+    }
+    return completion;
+}
+
 } // namespace
 
 command_line::Completers completers() {
@@ -114,6 +129,10 @@ command_line::Completers completers() {
         {"--explain", search},
         {"--group", groupNames},
         {"PROPERTY=VALUE", settings},
+        {"--account", [](const Typed& typed) { return places(typed, true); }},
+        {"--to", [](const Typed& typed) { return places(typed, true); }},
+        {"PLACE", [](const Typed& typed) { return places(typed, true); }},
+        {"ACCOUNT", [](const Typed& typed) { return places(typed, false); }},
         {"ID",
          [](const Typed& typed) {
              return typed.command == "me" ? ids(typed, {Kind::person})

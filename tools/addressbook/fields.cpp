@@ -141,6 +141,18 @@ std::vector<Field> allFields(const std::vector<PropertyDefinition>& definitions)
     return fields;
 }
 
+std::string friendlyName(const std::vector<Field>& fields, const std::string& property) {
+    if (property == property::kGroupName) {
+        return "name";
+    }
+    if (property == property::kImage) {
+        return "picture";
+    }
+    const auto found = std::find_if(fields.begin(), fields.end(),
+                                    [&](const Field& field) { return field.property == property; });
+    return found == fields.end() ? property : found->name;
+}
+
 std::size_t distance(std::string_view left, std::string_view right) {
     std::vector<std::size_t> row(right.size() + 1);
     for (std::size_t at = 0; at < row.size(); ++at) {

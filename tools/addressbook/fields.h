@@ -24,6 +24,9 @@ std::vector<Field> allFields(const std::vector<PropertyDefinition>& definitions)
 // Throws std::invalid_argument with a message that names the most similar field.
 std::vector<Field> parseFields(std::string_view list, const Store& store);
 
+// Returns the users' name of a property; the property's own name when there is none.
+std::string friendlyName(const std::vector<Field>& fields, const std::string& property);
+
 // Returns the number of single-letter changes that turn one word into the other.
 std::size_t distance(std::string_view left, std::string_view right);
 

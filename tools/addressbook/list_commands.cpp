@@ -8,6 +8,7 @@
 #include "tools/addressbook/output.h"
 #include "tools/addressbook/selection.h"
 #include "tools/addressbook/show.h"
+#include "tools/addressbook/sync/places.h"
 
 #include "frameworks/AddressBook/values/calendar.h"
 
@@ -37,11 +38,16 @@ std::vector<RowId> narrowed(const Store& store, Kind kind, const Options& option
         const auto& chosen = kind == Kind::person ? selection.people : selection.groups;
         rows.assign(chosen.begin(), chosen.end());
     }
-    if (!options.narrow.where.empty()) {
-        const std::vector<RowId> hits = found(store, options.narrow.where);
+    const auto keep = [&](const auto& hits) {
         std::vector<RowId> both;
         std::set_intersection(rows.begin(), rows.end(), hits.begin(), hits.end(), std::back_inserter(both));
         rows = std::move(both);
+    };
+    if (!options.narrow.where.empty()) {
+        keep(found(store, options.narrow.where));
+    }
+    if (!options.narrow.account.empty()) {
+        keep(rowsIn(store, options.narrow.account));
     }
     return rows;
 }

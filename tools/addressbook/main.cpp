@@ -6,8 +6,10 @@
 #include "tools/addressbook/condition.h"
 #include "tools/addressbook/interrupt.h"
 #include "tools/addressbook/output.h"
+#include "tools/addressbook/sync/declare.h"
 #include "tools/command_line/questions.h"
 
+#include "frameworks/AddressBook/carddav/error.h"
 #include "frameworks/AddressBook/store/store.h"
 
 #include <CLI/CLI.hpp>
@@ -22,8 +24,10 @@ namespace {
 
 constexpr const char* kExitCodes =
     "Exit status: 0 done; 1 some cards refused, something not found, a file not read or "
-    "written; 2 wrong usage; 3 the address book cannot be opened or written; 129, 130, 143 ended by SIGHUP, "
-    "Ctrl-C, SIGTERM.";
+    "written; 2 wrong usage; 3 the address book cannot be opened or written; 4 a server cannot be reached, "
+    "or "
+    "does not let the account in; 5 held back, as more than half of the people would vanish; 129, 130, 143 "
+    "ended by SIGHUP, Ctrl-C, SIGTERM.";
 
 // Declares the command line. Parsing it sets [work] to the function of the command that the user gives.
 void declare(CLI::App& app, Options& options, int (*&work)(const Options&)) {
@@ -120,6 +124,10 @@ void declare(CLI::App& app, Options& options, int (*&work)(const Options&)) {
     };
     const auto addNarrowing = [&](const char* group) {
         sub->add_option("--group", options.narrow.group, group)->type_name("NAME");
+        sub->add_option("--account", options.narrow.account,
+                        "Only what belongs to this account, or to one of its address books; local is what "
+                        "belongs to none")
+            ->type_name("ACCOUNT[/BOOK]");
         sub->add_option("--where", options.narrow.where,
                         "Only what this search finds; addressbook check --help tells how to write it")
             ->type_name("SEARCH");
@@ -245,6 +253,7 @@ void declare(CLI::App& app, Options& options, int (*&work)(const Options&)) {
                 "What is lost or doubtful is told, a line each; the damaged book is kept beside the new one.",
                 runRepair);
     addLimit("Tell only the first N losses");
+    declareSyncCommands(app, options, work);
 }
 
 int run(int argc, char** argv) {
@@ -274,6 +283,9 @@ int run(int argc, char** argv) {
     } catch (const StoreError& error) {
         complain(isFirstRun(options, error) ? firstSteps() : error.what());
         return kNoBook;
+    } catch (const carddav::Error& error) {
+        complain(error.what());
+        return kNoServer;
     } catch (const std::invalid_argument& error) {
         complain(error.what());
         return kUsage;

@@ -16,7 +16,9 @@ enum ExitCode : int {
     kDone = 0,
     kIncomplete = 1, // cards were refused, a record not found, a file not read or written, damage found
     kUsage = 2,
-    kNoBook = 3 // the address book cannot be opened, read or written
+    kNoBook = 3,   // the address book cannot be opened, read or written
+    kNoServer = 4, // a server cannot be reached, or does not let the account in
+    kHeldBack = 5  // more than half of the people would vanish on one side
 };
 
 // Thrown to end the program with kIncomplete; what() is the message.

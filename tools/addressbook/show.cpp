@@ -2,8 +2,8 @@
 
 #include "frameworks/AddressBook/values/text.h"
 #include "frameworks/AddressBook/vcard/vcard.h"
-
-#include <nlohmann/json.hpp>
+#include "tools/addressbook/json.h"
+#include "tools/addressbook/sync/places.h"
 
 #include <algorithm>
 #include <span>
@@ -12,75 +12,12 @@ namespace addressbook::tool {
 
 namespace {
 
-using Json = nlohmann::ordered_json;
-
-Json jsonOf(const Value& value) {
-    if (const auto* text = value.as<std::string>()) {
-        return *text;
-    }
-    if (const auto* number = value.as<std::int64_t>()) {
-        return *number;
-    }
-    if (const auto* real = value.as<double>()) {
-        return *real;
-    }
-    if (const auto* array = value.as<Array>()) {
-        Json list = Json::array();
-        for (const Value& each : *array) {
-            list.push_back(jsonOf(each));
-        }
-        return list;
-    }
-    if (const auto* fields = value.as<Dictionary>()) {
-        Json object = Json::object();
-        for (const auto& [key, each] : *fields) {
-            object[key] = jsonOf(each);
-        }
-        return object;
-    }
-    if (const auto* list = value.as<MultiValue>()) {
-        Json entries = Json::array();
-        for (const Entry& entry : list->entries) {
-            Json object{{"label", labelText(entry.label)}, {"value", jsonOf(entry.value)}};
-            if (!list->primary.empty() && entry.identifier == list->primary) {
-                object["primary"] = true;
-            }
-            entries.push_back(std::move(object));
-        }
-        return entries;
-    }
-    if (value.empty()) {
-        return nullptr;
-    }
-    return valueText(value);
-}
-
-// Writes JSON as text; bytes that are not UTF-8 (lone surrogates) are replaced, as the library would throw.
-std::string dump(const Json& json, int indent = -1) {
-    return json.dump(indent, ' ', false, Json::error_handler_t::replace);
-}
-
 Json fieldJson(const Store& store, const RecordRef& record, const Field& field) {
     if (field.property.empty()) {
         return fieldText(store, record, field);
     }
     return jsonOf(store.value(record.row, field.property));
 }
-
-// Writes a JSON array with one element a line.
-class JsonLines {
-  public:
-    explicit JsonLines(Output& output) : output_(output) { output_.write("["); }
-    void add(const Json& json) {
-        output_.write((first_ ? "\n" : ",\n") + dump(json));
-        first_ = false;
-    }
-    void finish() { output_.write(first_ ? "]\n" : "\n]\n"); }
-
-  private:
-    Output& output_;
-    bool first_ = true;
-};
 
 // Returns the names of the groups that a record is in.
 std::vector<std::string> groupNames(const Store& store, const RecordRef& record) {
@@ -131,16 +68,6 @@ void writeValue(Output& output, const std::string& name, const Value& value) {
     } else {
         writeRow(output, name, "", valueText(value));
     }
-}
-
-// Returns the users' name of a property; the property's own name when there is none.
-std::string friendlyName(const std::vector<Field>& fields, const std::string& property) {
-    if (property == property::kGroupName) {
-        return "name";
-    }
-    const auto found = std::find_if(fields.begin(), fields.end(),
-                                    [&](const Field& field) { return field.property == property; });
-    return found == fields.end() ? property : found->name;
 }
 
 // The full name that a card gave the record; none when it is the one to show.
@@ -252,8 +179,13 @@ void showRecord(const Store& store, const RecordRef& record, bool json, Output& 
     const auto fullName = fullNameOf(record, values);
     std::erase_if(values, [](const auto& value) { return isInternal(value.first); });
     values.erase(std::string(property::kUid));
+    const Places places(store);
+    const std::string place = places.accounts().empty() ? "" : places.placeOf(store, record.uid);
     if (json) {
         Json object{{"id", record.uid}, {"name", displayName(store, record)}};
+        if (!place.empty()) {
+            object["account"] = place;
+        }
         if (fullName) {
             object["fullname"] = *fullName;
         }
@@ -284,6 +216,9 @@ void showRecord(const Store& store, const RecordRef& record, bool json, Output& 
     }
     output.write(escaped(displayName(store, record)) + '\n');
     writeRow(output, "id", "", record.uid);
+    if (!place.empty()) {
+        writeRow(output, "account", "", place);
+    }
     if (fullName) {
         writeRow(output, "fullname", "", *fullName);
     }
