@@ -8,7 +8,9 @@
 #include "tests/vcard/support.h"
 
 #include <algorithm>
+#include <functional>
 #include <gmock/gmock.h>
+#include <sqlite3.h>
 
 namespace addressbook::sync {
 namespace {
@@ -401,6 +403,27 @@ TEST_F(EngineTest, ARefusedChangeIsSentWithTheNext) {
     expectInStep();
 }
 
+TEST_F(EngineTest, ACardThatIsToBeSentIsNotForgottenByACycleThatDies) {
+    server_.put(href(1), card(1, {"TITLE:a"}));
+    book_.sync();
+    book_.set(person(1), "JobTitle", std::string("b"));
+    book_.client().onWrite = [](const Write&) { return Error(ErrorKind::forbidden, "you may not"); };
+    book_.sync();
+    book_.client().onWrite = nullptr;
+    server_.put(href(1), card(1, {"TITLE:a", "REV:20260101T000000Z"})); // which changes no record
+    struct Killed {};
+    book_.client().onRequest = [](const std::string& what) {
+        if (what.starts_with("put")) {
+            throw Killed();
+        }
+    };
+    EXPECT_THROW(book_.sync(), Killed);
+    book_.client().onRequest = nullptr;
+    book_.sync();
+    EXPECT_THAT(server_.textOf(href(1)), HasSubstr("TITLE:b"));
+    expectInStep();
+}
+
 TEST_F(EngineTest, MassDeletionAsksFirst) {
     for (int number = 1; number <= 10; ++number) {
         server_.put(href(number), card(number, {}));
@@ -494,6 +517,23 @@ TEST_F(EngineTest, AMemberThatLeavesTheServerAndComesBackIsOneAgain) {
     server_.put(href(1), card(1, {}));
     book_.sync();
     EXPECT_THAT(book_.members(uuid(9) + ":ABGroup"), ElementsAre(person(1)));
+    expectInStep();
+}
+
+TEST_F(EngineTest, WhoIsDeletedLeavesTheGroupsUnlessKept) {
+    server_.put("/book/g.vcf", vcard::cardText({"X-ADDRESSBOOKSERVER-KIND:group", "UID:" + uuid(9), "N:G",
+                                                "FN:G", "X-ADDRESSBOOKSERVER-MEMBER:urn:uuid:" + uuid(1),
+                                                "X-ADDRESSBOOKSERVER-MEMBER:urn:uuid:" + uuid(2)}));
+    server_.put(href(1), card(1, {}));
+    server_.put(href(2), card(2, {}));
+    book_.sync();
+    book_.remove(person(1));
+    book_.remove(person(2));
+    server_.put(href(2), card(2, {"TITLE:b"}));
+    book_.sync();
+    EXPECT_THAT(book_.members(uuid(9) + ":ABGroup"), ElementsAre(person(2)));
+    EXPECT_THAT(server_.textOf("/book/g.vcf"), Not(HasSubstr(uuid(1))));
+    EXPECT_THAT(server_.textOf("/book/g.vcf"), HasSubstr(uuid(2)));
     expectInStep();
 }
 
@@ -637,6 +677,44 @@ TEST_F(EngineTest, WhatIsSavedMeanwhileIsNotOverwritten) {
     book_.sync();
     EXPECT_THAT(server_.textOf(href(1)), HasSubstr("NOTE:n"));
     EXPECT_THAT(server_.textOf(href(1)), HasSubstr("TITLE:b"));
+    expectInStep();
+}
+
+// Called when a statement begins; see below.
+std::function<void(const std::string&)> onStatement;
+
+int traceStatements(unsigned, void*, void*, void* text) {
+    if (onStatement) {
+        onStatement(static_cast<const char*>(text));
+    }
+    return 0;
+}
+
+int watchStatements(sqlite3* connection, const char**, const sqlite3_api_routines*) {
+    return sqlite3_trace_v2(connection, SQLITE_TRACE_STMT, traceStatements, nullptr);
+}
+
+TEST_F(EngineTest, WhatIsSavedBetweenReadingAndWritingIsNotOverwritten) {
+    server_.put(href(1), card(1, {"TITLE:a"}));
+    book_.sync();
+    server_.put(href(1), card(1, {"TITLE:b"}));
+    Store other(root() / "a");
+    sqlite3_auto_extension(reinterpret_cast<void (*)()>(watchStatements));
+    SyncedBook watched(root() / "a", server_);
+    sqlite3_reset_auto_extension();
+    onStatement = [&](const std::string& statement) {
+        if (statement.starts_with("BEGIN IMMEDIATE")) { // the cycle has read, and is about to write
+            onStatement = nullptr;
+            ChangeSet changes;
+            changes.records.push_back({person(1), Kind::person, false, {{"JobTitle", std::string("c")}}});
+            other.save(changes);
+        }
+    };
+    watched.sync();
+    EXPECT_FALSE(onStatement);
+    EXPECT_EQ(watched.text(person(1), "JobTitle"), "c");
+    EXPECT_THAT(server_.textOf(href(1)), HasSubstr("TITLE:c"));
+    EXPECT_THAT(watched.store().syncConflicts(), SizeIs(1));
     expectInStep();
 }
 

@@ -7,6 +7,7 @@
 #include <algorithm>
 #include <map>
 #include <set>
+#include <type_traits>
 #include <utility>
 
 namespace addressbook::sync {
@@ -78,8 +79,8 @@ class CardMerger {
         const Value& before = valueOf(base_, property);
         const Value& here = valueOf(local_, property);
         const Value& there = valueOf(remote_, property);
-        const auto isOf = [&](auto type) {
-            using Type = decltype(type);
+        const auto isOf = [&](const auto& type) {
+            using Type = std::remove_cvref_t<decltype(type)>;
             return std::ranges::all_of(
                 std::initializer_list<const Value*>{&before, &here, &there},
                 [](const Value* each) { return each->empty() || each->template as<Type>(); });
