@@ -204,6 +204,22 @@ TEST_F(EngineTest, ALostAnswerMakesNoSecondCard) {
     expectInStep();
 }
 
+TEST_F(EngineTest, WhatWasSentBeforeTheServerFailedIsNotSentAgain) {
+    for (int number = 1; number <= 3; ++number) {
+        book_.addPerson(uuid(number), {{"Last", "P" + std::to_string(number)}});
+    }
+    int puts = 0;
+    book_.client().onRequest = [&](const std::string& what) {
+        if (what.starts_with("put") && ++puts == 3) {
+            throw Error(ErrorKind::busy, "the server is busy");
+        }
+    };
+    EXPECT_THROW(book_.sync(), Error);
+    EXPECT_EQ(book_.sync().sent, 1);
+    EXPECT_THAT(book_.client().requests, SizeIs(2)); // the listing, and one card
+    expectInStep();
+}
+
 TEST_F(EngineTest, ACardThatIsThereAlreadyIsTakenForTheRecords) {
     for (const bool told : {true, false}) {
         const int number = told ? 5 : 6;
@@ -610,6 +626,27 @@ TEST_F(EngineTest, OtherRecordsStayLocal) {
     book_.sync();
     EXPECT_THAT(server_.cards, SizeIs(1));
     EXPECT_NE(server_.textOf(href(2)), "");
+}
+
+TEST_F(EngineTest, WhatTheLogDoesNotTellIsFoundByComparing) {
+    server_.put(href(1), card(1, {"TITLE:a"}));
+    server_.put(href(2), card(2, {"TITLE:a"}));
+    book_.sync();
+    book_.set(person(1), "JobTitle", std::string("b"));
+    book_.remove(person(2));
+    book_.addPerson(uuid(3), {{"Last", std::string("New")}});
+    ChangeSet changes; // after which anything may have changed
+    changes.definitions.push_back({Kind::person, "shoe size", static_cast<int>(Type::integer)});
+    book_.save(changes);
+    const Summary summary = book_.sync();
+    EXPECT_EQ(summary.sent, 2);
+    EXPECT_EQ(summary.removedThere, 1);
+    expectInStep();
+    book_.set(person(1), "shoe size", std::int64_t{42}); // which no card holds
+    server_.put(href(1), card(1, {"TITLE:c"}));
+    book_.sync();
+    EXPECT_EQ(book_.text(person(1), "shoe size"), "42");
+    expectInStep();
 }
 
 TEST_F(EngineTest, ARecordMovesToAnotherCollection) {

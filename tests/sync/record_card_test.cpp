@@ -103,23 +103,5 @@ TEST_F(RecordCardTest, MembersThatComeLaterJoin) {
     EXPECT_THAT(members(), UnorderedElementsAre(kIda + ":ABPerson", kBo + ":ABPerson"));
 }
 
-TEST_F(RecordCardTest, TheLogTellsWhatChanged) {
-    set({person(kIda), person(kBo)});
-    const std::int64_t change = store_.lastChange();
-    EXPECT_THAT(*changedSince(store_, change), IsEmpty());
-    Card ida = person(kIda);
-    ida.values["First"] = std::string("I");
-    set({ida});
-    ChangeSet changes;
-    changes.removed = {kBo + ":ABPerson"};
-    store_.save(changes);
-    EXPECT_THAT(*changedSince(store_, change), ElementsAre(kIda + ":ABPerson", kBo + ":ABPerson"));
-    EXPECT_EQ(changedSince(store_, change + 100), std::nullopt); // another state of the book
-    ChangeSet definition;
-    definition.definitions.push_back({Kind::person, "shoe size", static_cast<int>(Type::integer)});
-    store_.save(definition);
-    EXPECT_EQ(changedSince(store_, change), std::nullopt); // anything may have changed
-}
-
 } // namespace
 } // namespace addressbook::sync

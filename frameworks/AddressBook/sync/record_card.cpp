@@ -242,25 +242,4 @@ void joinWaiting(const Store& store, ChangeSet& changes) {
     }
 }
 
-std::optional<std::vector<std::string>> changedSince(const Store& store, std::int64_t change) {
-    if (store.lastChange() < change) {
-        return std::nullopt; // an older state of the book was restored
-    }
-    std::vector<std::string> uids;
-    std::unordered_set<std::string> seen;
-    for (const LoggedChange& save : store.changesSince(change)) {
-        if (save.tellsNothing()) {
-            return std::nullopt;
-        }
-        for (const auto* list : {&save.inserted, &save.updated, &save.deleted}) {
-            for (const std::string& uid : *list) {
-                if (seen.insert(uid).second) {
-                    uids.push_back(uid);
-                }
-            }
-        }
-    }
-    return uids;
-}
-
 } // namespace addressbook::sync

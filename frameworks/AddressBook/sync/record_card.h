@@ -24,8 +24,4 @@ void setRecord(const Store& store, const std::string& uid, const vcard::Card& ca
 // Adds to [changes] what has the records that it inserts join the groups in the address book that wait for them.
 void joinWaiting(const Store& store, ChangeSet& changes);
 
-// Returns the unique ids of the records that were added, changed or deleted since the save [change], each once; nothing
-// when the change log does not tell, so that all must be compared.
-std::optional<std::vector<std::string>> changedSince(const Store& store, std::int64_t change);
-
 } // namespace addressbook::sync
