@@ -40,6 +40,7 @@ enum class CalcCode : int {
     fieldRequired = 1214,
     badGetArgument = 1215,
     summaryFieldRequired = 1216,
+    badNumber = 1218,
     notSupportedHere = 1225,
     nameTaken = 1300,
     parameterNamedLikeFunction = 1301,

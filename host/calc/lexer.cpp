@@ -102,6 +102,8 @@ Token Lexer::next() {
         readQuoted(token);
     } else if (isDigit(c) || ((c == u'.' || c == formats().decimalPoint) && isDigit(peek(1)))) {
         readNumber(token);
+    } else if (c == u'$' && peek(1) == u'{') {
+        readBracedName(token);
     } else if (c == u'$' || startsName(codePoint())) {
         readWord(token);
     } else {
@@ -193,6 +195,18 @@ void Lexer::readNumber(Token& token) {
     }
     token.text = source_->text().substr(token.begin, at_ - token.begin);
     std::replace(token.text.begin(), token.text.end(), formats().decimalPoint, u'.');
+}
+
+// Reads a name that stands in braces, as it holds what others may not: ${net/gross}.
+void Lexer::readBracedName(Token& token) {
+    const std::u16string_view text = source_->text();
+    const size_t close = text.find_first_of(u"}\r\n", at_);
+    if (close == std::u16string_view::npos || text[close] != u'}' || close == at_ + 2) {
+        fail(CalcCode::nameMissing, at_, "expected a name between \"${\" and \"}\"");
+    }
+    token.kind = TokenKind::identifier;
+    token.text = text.substr(at_ + 2, close - at_ - 2);
+    at_ = close + 1;
 }
 
 // Returns the number of units of the word that begins [ahead] units from here.

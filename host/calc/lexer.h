@@ -14,7 +14,7 @@ enum class TokenKind : uint8_t {
     number,     // text: its characters
     text,       // text: its contents, escapes resolved; also for a paragraph mark
     quoted,     // text in curly quotes, by which script steps name scripts; not valid in a calculation
-    identifier, // text: the word as written
+    identifier, // text: the name as written, without the braces that it may stand in
     variable,   // text: the name with its one or two dollar signs, as written
     symbol,     // op: the operator
     leftParen,
@@ -55,6 +55,7 @@ class Lexer {
     void readText(Token& token);
     void readQuoted(Token& token);
     void readNumber(Token& token);
+    void readBracedName(Token& token);
     void readWord(Token& token);
     void readMoreWords();
     void readSymbol(Token& token);

@@ -72,7 +72,7 @@ void Parser::continueAt(size_t offset) {
 }
 
 Calculation Parser::calculation(std::span<const std::u16string> parameters) {
-    names_.clear();
+    leave(0);
     uses_.clear();
     slots_ = 0;
     for (const std::u16string& parameter : parameters) {
@@ -85,7 +85,7 @@ Calculation Parser::calculation(std::span<const std::u16string> parameters) {
 }
 
 Calculation Parser::calculationFor(const Variable& target) {
-    names_.clear();
+    leave(0);
     uses_.clear();
     slots_ = 0;
     Calculation result{source(), newValue(target), 0};
@@ -97,7 +97,7 @@ Calculation Parser::variableCalculation() {
     if (token_.kind != TokenKind::variable) {
         failExpected("a $local or $$global variable", CalcCode::nameMissing);
     }
-    names_.clear();
+    leave(0);
     uses_.clear();
     slots_ = 0;
     Calculation result{source(), {}, 0};
@@ -188,8 +188,7 @@ Node Parser::textOrNumber() {
     try {
         return Node{token.begin, Literal{Value::number(Number::fromText(token.text))}};
     } catch (const NumberError& error) {
-        fail(token.begin, CalcCode::valueExpected,
-             std::string("this number can not be kept: ") + error.what());
+        fail(token.begin, CalcCode::badNumber, std::string("this number can not be kept: ") + error.what());
     }
 }
 
@@ -199,11 +198,9 @@ Node Parser::named() {
     advance();
     const std::u16string key = foldName(token.text);
     if (token_.kind != TokenKind::leftParen) {
-        for (size_t i = names_.size(); i > 0; --i) {
-            if (names_[i - 1].key == key) {
-                ++uses_[names_[i - 1].slot];
-                return Node{token.begin, Slot{names_[i - 1].slot}};
-            }
+        if (const auto slot = slotOf(key, 0)) {
+            ++uses_[*slot];
+            return Node{token.begin, Slot{*slot}};
         }
         if (const Constant* constant = findConstant(key)) {
             return Node{token.begin, Literal{Value::number(constant->value)}};
@@ -327,7 +324,7 @@ Node Parser::letForm(size_t begin) {
     expect(TokenKind::semicolon, "an operator or \";\" before the result of Let");
     let.result = box(expression());
     expect(TokenKind::rightParen, "an operator or the \")\" of Let");
-    names_.resize(scope);
+    leave(scope);
     return Node{begin, std::move(let)};
 }
 
@@ -343,7 +340,7 @@ Node Parser::whileForm(size_t begin) {
     expect(TokenKind::semicolon, "an operator or \";\" before the result of While");
     loop.result = box(expression());
     expect(TokenKind::rightParen, "an operator or the \")\" of While");
-    names_.resize(scope);
+    leave(scope);
     return Node{begin, std::move(loop)};
 }
 
@@ -428,12 +425,9 @@ Node Parser::newValue(const Variable& target) {
 
 // Returns the slot of a name in the form whose names start at [scope]; nothing when it has no such name yet.
 std::optional<uint32_t> Parser::slotOf(std::u16string_view key, size_t scope) const {
-    for (size_t i = names_.size(); i > scope; --i) {
-        if (names_[i - 1].key == key) {
-            return names_[i - 1].slot;
-        }
-    }
-    return std::nullopt;
+    const auto found = places_.find(std::u16string(key));
+    const bool isKnown = found != places_.end() && !found->second.empty() && found->second.back() >= scope;
+    return isKnown ? std::optional(names_[found->second.back()].slot) : std::nullopt;
 }
 
 // Returns the slot of a name in the form whose names start at [scope]; a new one when it has no such name
@@ -442,9 +436,17 @@ uint32_t Parser::define(std::u16string key, size_t scope) {
     if (const auto known = slotOf(key, scope)) {
         return *known;
     }
+    places_[key].push_back(names_.size());
     names_.push_back({std::move(key), slots_});
     uses_.push_back(0);
     return slots_++;
+}
+
+// Forgets the names of the form whose names start at [scope].
+void Parser::leave(size_t scope) {
+    for (; names_.size() > scope; names_.pop_back()) {
+        places_[names_.back().key].pop_back();
+    }
 }
 
 bool Parser::accept(TokenKind kind) {

@@ -10,6 +10,7 @@
 #include <optional>
 #include <span>
 #include <string_view>
+#include <unordered_map>
 #include <vector>
 
 namespace host {
@@ -81,6 +82,7 @@ class Parser {
     Assignment assignment(size_t scope);
     uint32_t define(std::u16string key, size_t scope);
     std::optional<uint32_t> slotOf(std::u16string_view key, size_t scope) const;
+    void leave(size_t scope);
     Node newValue(const Variable& target);
     void openCall(std::u16string_view function);
     void checkLists(const Builtin& function, const std::vector<Node>& arguments) const;
@@ -95,7 +97,8 @@ class Parser {
     const FunctionRegistry& functions_;
     Token token_;
     std::vector<ScopedName> names_;
-    std::vector<uint32_t> uses_; // of each slot, so far
+    std::unordered_map<std::u16string, std::vector<size_t>> places_; // in names_, of each key
+    std::vector<uint32_t> uses_;                                     // of each slot, so far
     std::map<std::u16string, uint32_t> variableUses_;
     uint32_t opaqueCalls_ = 0; // calls so far that may read any variable
     uint32_t slots_ = 0;

@@ -215,6 +215,24 @@ TEST(LimitsTest, LongCalculations) {
     EXPECT_EQ(outcome(session, std::string(1'000'000, 'x')).substr(0, 20), "error 1:1: there is ");
 }
 
+// As many names as a calculation may define, all of them used, and many forms with the same name inside each other.
+TEST(LimitsTest, ManyNames) {
+    Session session;
+    std::string let = "Let ( [ v = 0";
+    for (int i = 0; i < 100'000; ++i) {
+        let += " ; v" + std::to_string(i) + " = " + std::to_string(i);
+    }
+    EXPECT_EQ(outcome(session, let + " ] ; v7 + v99999 )"), "100006");
+    std::string nested = "x";
+    for (int i = 0; i < 100; ++i) {
+        nested.insert(0, "Let ( x = " + std::to_string(i) + " ; x & ");
+        nested += " & x )";
+    }
+    EXPECT_EQ(outcome(session, "Let ( x = 5 ; Length ( " + nested + " ) & x )"), "3815");
+    EXPECT_EQ(outcome(session, "Let ( x = 5 ; Let ( x = 6 ; x ) & x ) & x"),
+              "error 1:41: there is no function or variable called x");
+}
+
 TEST(LimitsTest, AnInterruptedSessionStopsAndGoesOn) {
     Session session;
     session.interruptFlag() = true;
