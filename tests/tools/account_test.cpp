@@ -77,9 +77,15 @@ TEST_F(AccountTest, FurtherBooksOfTheServerJoinTheAccount) {
     Outcome again = addAgain({});
     EXPECT_EQ(again.status, 1);
     EXPECT_THAT(again.err, HasSubstr("several address books; --book NAME says which: "));
-    again = addAgain({"--book", "Work"});
+    again = addAgain({"--book", "Work", "--name", "another"});
     EXPECT_EQ(again.status, 1);
     EXPECT_THAT(again.err, HasSubstr("the address book Work belongs to " + name + "/Work already"));
+    again = run(
+        {"account", "add", url(), "--user", user, "--password-command", "cat password", "--book", "Work"});
+    EXPECT_EQ(again.status, 0);
+    EXPECT_EQ(again.err, name + "/Work: was there already; the account's settings are those given now\n");
+    EXPECT_EQ(list()[0]["password"], "command");
+    EXPECT_EQ(list()[0]["books"].size(), 2U);
     again = addAgain({"--book", "/srv/contacts"});
     EXPECT_EQ(again.status, 1);
     EXPECT_THAT(again.err, AllOf(HasSubstr("no address book named \"/srv/contacts\"; it has: "),

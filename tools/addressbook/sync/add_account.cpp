@@ -301,9 +301,13 @@ std::string freeName(const std::string& name, const std::vector<SyncCollection>&
     return free;
 }
 
-// Notes the account and its books, and returns the names of the books as they are called from now on.
-std::vector<std::string> save(Store& store, SyncAccount account, const std::vector<carddav::Book>& books,
-                              bool isDefault) {
+// What was noted.
+struct Noted {
+    std::vector<std::string> added, known; // books, as they are called here
+};
+
+// Notes the account and its books. Those that it has already stay as they are; the account has the new settings.
+Noted save(Store& store, SyncAccount account, const std::vector<carddav::Book>& books, bool isDefault) {
     if (store.readOnly()) {
         throw readOnlyError(store.file());
     }
@@ -316,12 +320,15 @@ std::vector<std::string> save(Store& store, SyncAccount account, const std::vect
     changes.sync.accounts.push_back(account);
     std::vector<SyncCollection> others =
         before != nullptr ? places.booksOf(account.id) : std::vector<SyncCollection>();
-    std::vector<std::string> names;
+    Noted noted;
     for (const carddav::Book& book : books) {
-        for (const std::string& place : places.names()) {
-            if (place.find('/') != std::string::npos && places.book(place).url == book.url) {
+        if (const SyncCollection* there = places.bookAt(book.url)) {
+            const std::string place = places.nameOf(there->id);
+            if (there->account != account.id) {
                 throw Failure("the address book " + book.name + " belongs to " + place + " already");
             }
+            noted.known.push_back(place);
+            continue;
         }
         SyncCollection added{0,
                              account.id,
@@ -329,13 +336,13 @@ std::vector<std::string> save(Store& store, SyncAccount account, const std::vect
                              freeName(book.name, others),
                              "",
                              store.lastChange(),
-                             isDefault && names.empty()};
-        names.push_back(account.name + '/' + added.name);
+                             isDefault && noted.added.empty()};
+        noted.added.push_back(account.name + '/' + added.name);
         others.push_back(added);
         changes.sync.collections.push_back(std::move(added));
     }
     store.save(changes);
-    return names;
+    return noted;
 }
 
 // Lists the books of the server, and which of them are chosen.
@@ -373,11 +380,18 @@ int runAccountAdd(const Options& options) {
     complete.source = complete.user.empty() ? PasswordSource::none : complete.source;
     password.keep(complete);
     Store store = open(options, Store::Access::readWrite);
-    const std::vector<std::string> names = save(store, complete, chosen, options.addAccount.isDefault);
+    const Noted noted = save(store, complete, chosen, options.addAccount.isDefault);
     show(found.books.books, chosen);
-    std::cerr << escaped(listed(names)) << ": added; addressbook sync fetches the people"
-              << (complete.source == PasswordSource::prompt ? ", and asks for the password each time" : "")
-              << '\n';
+    if (!noted.known.empty()) {
+        std::cerr << escaped(listed(noted.known))
+                  << ": was there already; the account's settings are those given now\n";
+    }
+    if (!noted.added.empty()) {
+        std::cerr << escaped(listed(noted.added)) << ": added; addressbook sync fetches the people"
+                  << (complete.source == PasswordSource::prompt ? ", and asks for the password each time"
+                                                                : "")
+                  << '\n';
+    }
     return kDone;
 }
 

@@ -68,6 +68,12 @@ SyncCollection Places::book(std::string_view name) const {
     return books.front();
 }
 
+const SyncCollection* Places::bookAt(std::string_view url) const {
+    const auto found = std::find_if(books_.begin(), books_.end(),
+                                    [&](const SyncCollection& book) { return book.url == url; });
+    return found == books_.end() ? nullptr : &*found;
+}
+
 std::vector<std::string> Places::namesOf(const std::vector<SyncCollection>& books) const {
     std::vector<std::string> names;
     names.reserve(books.size());

@@ -32,6 +32,9 @@ class Places {
     // Returns the one address book that is named so; of an account with several its default one. Throws Failure.
     SyncCollection book(std::string_view name) const;
 
+    // Returns the address book of an address; null when there is none.
+    const SyncCollection* bookAt(std::string_view url) const;
+
     // Returns "ACCOUNT/BOOK" of an address book, by its id; "local" for an unknown one.
     std::string nameOf(std::int64_t book) const;
     // Returns what nameOf() says of the address book that a record belongs to, or "local".
