@@ -12,7 +12,8 @@ namespace {
 template <typename Record>
 NSString* makeCurrent(Retained<Record>& current) {
     current.reset();
-    current = Retained<Record>::adopt([[Record alloc] initWithAddressBook:sharedBook()]);
+    ABAddressBook* book = sharedBook(); // asked before there is a record that an exception would lose
+    current = Retained<Record>::adopt([[Record alloc] initWithAddressBook:book]);
     state.gNewRecord = true;
     return [current.get() valueForProperty:kABUIDProperty];
 }

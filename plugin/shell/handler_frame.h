@@ -56,7 +56,7 @@ fmx::errcode runFrame(short function, const fmx::DataVect& arguments, fmx::Data&
 // into the plug-in's functions passes through here. The work runs inside an autorelease pool and a guard that
 // turns an NSException into the call's error. A std::bad_alloc or std::exception (a failure of the host)
 // passes through, and everything temporary is released. Writing the result is not guarded: an answer that is
-// no NSString leaves the handler as an NSException. Always returns 0 to the host: failures show in the result
+// no NSString leaves the handler as an NSException, and so does one that is raised while another is described. Always returns 0 to the host: failures show in the result
 // and through the last-error function.
 template <typename Work>
 fmx::errcode runHandler(short function, const fmx::DataVect& arguments, fmx::Data& result, Work work,

@@ -14,10 +14,9 @@ void clearLastError() {
     errors.g_llasterror = kSuccess;
 }
 
-// Runs the frame inside the caller's autorelease pool. Writing the result is outside the guard of the work;
-// an NSException that it raises is stored in [escaping].
+// Runs the frame inside the caller's autorelease pool. Writing the result is outside the guard of the work.
 void runInPool(short function, const fmx::DataVect& arguments, fmx::Data& result, const FrameRules& rules,
-               Answer (*fetchAnswer)(void* work), void* work, Retained<NSException>& escaping) {
+               Answer (*fetchAnswer)(void* work), void* work) {
     if (rules.clearsError) {
         clearLastError();
     }
@@ -35,15 +34,12 @@ void runInPool(short function, const fmx::DataVect& arguments, fmx::Data& result
     if (answer.isWritten()) {
         return;
     }
-    const auto write = [&] {
-        if (rules.marksErrors && errors.g_llasterror != kSuccess) {
-            text->Assign(kErrorMarker);
-        } else {
-            assignString(*text, answer.text());
-        }
-        result.SetAsText(*text, result.GetLocale(), fmx::Data::kDTText);
-    };
-    guarded(write, [&](NSException* exception) { escaping = Retained<NSException>::retain(exception); });
+    if (rules.marksErrors && errors.g_llasterror != kSuccess) {
+        text->Assign(kErrorMarker);
+    } else {
+        assignString(*text, answer.text());
+    }
+    result.SetAsText(*text, result.GetLocale(), fmx::Data::kDTText);
 }
 
 } // namespace
@@ -53,7 +49,8 @@ fmx::errcode runFrame(short function, const fmx::DataVect& arguments, fmx::Data&
     Retained<NSException> escaping;
     {
         const Pool pool;
-        runInPool(function, arguments, result, rules, fetchAnswer, work, escaping);
+        guarded([&] { runInPool(function, arguments, result, rules, fetchAnswer, work); },
+                [&](NSException* exception) { escaping = Retained<NSException>::retain(exception); });
     }
     if (escaping) {
         // Raised after the pool is drained, which would otherwise release it. The host may never release it.

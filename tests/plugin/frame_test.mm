@@ -3,6 +3,7 @@
 #include "tests/plugin/host_double.h"
 #include "tests/plugin/support.h"
 #include "tests/plugin/thrown_object.h"
+#include "tests/support/raised.h"
 
 // Notes that it was deallocated.
 @interface VelocardWitness : NSObject {
@@ -15,6 +16,16 @@
 - (void)dealloc {
     *gone = true;
     [super dealloc];
+}
+@end
+
+// Cannot even be described.
+@interface VelocardSilentException : NSException
+@end
+@implementation VelocardSilentException
+- (NSString*)description {
+    [NSException raise:NSGenericException format:@"no words"];
+    return nil;
 }
 @end
 
@@ -124,6 +135,21 @@ TEST_F(FrameTest, OtherObjectsAndStandardExceptionsPass) {
     EXPECT_THROW(runHandler(kNoFunction, *none, *result_, []() -> Answer { throw 7; }), int);
     EXPECT_EQ(host_double::livingObjects(), before);
     EXPECT_EQ(lastErrorText(), "Success");
+}
+
+// It outlives what the call autoreleased, itself among it.
+TEST_F(FrameTest, AnExceptionWhileOneIsDescribedLeavesTheCallWhole) {
+    const OwnedDataVect none;
+    const int before = host_double::livingObjects();
+    NSException* left = raised([&] {
+        runHandler(kNoFunction, *none, *result_, []() -> Answer {
+            [[VelocardSilentException exceptionWithName:NSGenericException reason:@"x" userInfo:nil] raise];
+            return nil;
+        });
+    });
+    EXPECT_EQ(utf8([left reason]), "no words");
+    EXPECT_EQ(host_double::livingObjects(), before);
+    [left release]; // the frame's reference, which no host releases
 }
 
 TEST_F(FrameTest, AThrownObjectThatIsNoExceptionPassesUnchanged) {

@@ -1,6 +1,7 @@
 #pragma once
 
 #include "plugin/support/host_interface.h"
+#include <functional>
 #include <string>
 #include <string_view>
 #include <vector>
@@ -41,8 +42,9 @@ void reset();
 // Returns the number of host objects (texts, dates, containers, ...) that have been made and not deleted.
 [[nodiscard]] int livingObjects();
 
-// Makes the call after the next [calls] calls fail with [code] (1 out of memory, 2 unknown).
-void failAfter(int calls, int code);
+// Makes the call after the next [calls] calls fail with [code] (1 out of memory, 2 unknown); before that,
+// [atFailure] is called.
+void failAfter(int calls, int code, std::function<void()> atFailure = {});
 
 // Whether that call was made.
 [[nodiscard]] bool hasFailed();

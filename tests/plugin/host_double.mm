@@ -17,6 +17,7 @@ fmx::int32 madeLocaleType = 0;
 const fmx::Locale* usedLocale = nullptr;
 std::optional<int> callsUntilFailure;
 int failureCode = 0;
+std::function<void()> beforeFailure;
 bool failed = false;
 
 // Whether this call is the one that fails; its block then says so.
@@ -26,6 +27,9 @@ bool failsNow(fmx::_fmxcpt& block) {
     }
     callsUntilFailure.reset();
     failed = true;
+    if (beforeFailure) {
+        beforeFailure();
+    }
     block.code = failureCode;
     return true;
 }
@@ -93,6 +97,7 @@ void reset() {
     madeAndDeleted.clear();
     usedLocale = nullptr;
     callsUntilFailure.reset();
+    beforeFailure = {};
     failed = false;
 }
 
@@ -100,8 +105,9 @@ int livingObjects() {
     return living;
 }
 
-void failAfter(int calls, int code) {
+void failAfter(int calls, int code, std::function<void()> atFailure) {
     callsUntilFailure = calls;
+    beforeFailure = std::move(atFailure);
     failureCode = code;
     failed = false;
 }

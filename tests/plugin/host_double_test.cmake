@@ -1,0 +1,13 @@
+# Looks up each function of the host that PLUGIN calls, which NM lists, in the source DOUBLE.
+execute_process(COMMAND "${NM}" -D --undefined-only "${PLUGIN}" OUTPUT_VARIABLE symbols COMMAND_ERROR_IS_FATAL ANY)
+string(REGEX MATCHALL "FM_[A-Za-z0-9_]+" called "${symbols}")
+list(LENGTH called count)
+if(count LESS 20)
+  message(FATAL_ERROR "only ${count} functions of the host found in ${PLUGIN}")
+endif()
+file(READ "${DOUBLE}" text)
+foreach(function IN LISTS called)
+  if(NOT text MATCHES "[ (]${function}[,() ]")
+    message(SEND_ERROR "the plug-in calls ${function}, which ${DOUBLE} does not have")
+  endif()
+endforeach()
