@@ -32,9 +32,9 @@ id raiseInstead(id /*self*/, SEL /*message*/) {
 
 } // namespace
 
-extern "C" IMP __real_objc_msg_lookup(id receiver, SEL message); // NOLINT(bugprone-reserved-identifier)
-extern "C" __attribute__((visibility("default"))) IMP
-__wrap_objc_msg_lookup(id receiver, SEL message) { // NOLINT(bugprone-reserved-identifier)
+// NOLINTBEGIN(bugprone-reserved-identifier, readability-identifier-naming)
+extern "C" IMP __real_objc_msg_lookup(id receiver, SEL message);
+extern "C" __attribute__((visibility("default"))) IMP __wrap_objc_msg_lookup(id receiver, SEL message) {
     if (messagesUntilFailure >= 0 && receiver != nil && isFrameworks(receiver, message) &&
         messagesUntilFailure-- == 0) {
         raisedBy = std::string(object_getClassName(receiver)) + " " + sel_getName(message);
@@ -43,6 +43,7 @@ __wrap_objc_msg_lookup(id receiver, SEL message) { // NOLINT(bugprone-reserved-i
     }
     return __real_objc_msg_lookup(receiver, message);
 }
+// NOLINTEND(bugprone-reserved-identifier, readability-identifier-naming)
 
 namespace framework_double {
 

@@ -9,9 +9,11 @@
 #include <sstream>
 
 // Foundation's count of objects, which NSDebug.h declares for debug builds alone.
+// NOLINTBEGIN(readability-identifier-naming)
 extern "C" BOOL GSDebugAllocationActive(BOOL active);
 extern "C" Class* GSDebugAllocationClassList();
 extern "C" int GSDebugAllocationCount(Class type);
+// NOLINTEND(readability-identifier-naming)
 
 // In the place of a framework's bundle, as the framework itself must stay loaded.
 @interface VelocardLoadedBundle : NSObject

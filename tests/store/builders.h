@@ -32,7 +32,7 @@ inline std::string downgradeTo(int version) {
     static const std::pair<int, const char*> steps[] = {
         // a version, and what undoes it
         {7, "DROP TABLE account; DROP TABLE collection; DROP TABLE link; DROP TABLE conflict;"
-            "ALTER TABLE change DROP COLUMN silent;"},
+            "ALTER TABLE change DROP COLUMN silent; ALTER TABLE picture DROP COLUMN checksum;"},
         {5, "DROP TABLE deleted;"},
         {3, "ALTER TABLE change DROP COLUMN replaced;"},
         {2, "ALTER TABLE change DROP COLUMN origin;"},

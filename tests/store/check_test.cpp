@@ -69,7 +69,7 @@ INSTANTIATE_TEST_SUITE_P(
         Planted{"shortCard", "UPDATE record SET card = x'0102' WHERE kind = 0", "end early"},
         Planted{"uid", "UPDATE record SET uid = x'0102' WHERE kind = 0", "unique id has the wrong length"},
         Planted{"kind", "UPDATE record SET kind = 7 WHERE kind = 0", "neither person nor group"},
-        Planted{"picture", "INSERT INTO picture VALUES (77, x'00')", "pictures belong to no record"},
+        Planted{"picture", "INSERT INTO picture(record, data) VALUES (77, x'00')", "pictures belong to no record"},
         Planted{"member", "UPDATE membership SET member = 77", "members of groups do not exist"},
         Planted{"parent", "UPDATE membership SET parent = 1", "memberships belong to no group"},
         Planted{"memberKind", "UPDATE membership SET kind = 1", "take a person for a group"},

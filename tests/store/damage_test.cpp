@@ -19,6 +19,7 @@ namespace fs = std::filesystem;
 using Reason = StoreError::Reason;
 using testing::AnyOf;
 using testing::Contains;
+using testing::ElementsAre;
 using testing::HasSubstr;
 using testing::IsEmpty;
 
@@ -140,6 +141,42 @@ TEST_F(DamagedTest, BitsAreToldOrDoNotMatter) {
         }
     }
     EXPECT_GT(troubles, 60);
+}
+
+// The checksum of a picture is beside it, as it is no part of the record's bytes.
+TEST_F(DamagedTest, BitsOfAPictureAreTold) {
+    const std::string uid = newUid(Kind::person);
+    const Bytes picture(20'000, 'p');
+    {
+        Store store(folder());
+        saveRecords(store, {inserted(uid, {{"First", text("Ada")}, {property::kImage.data(), picture}})});
+        EXPECT_EQ(store.value(store.find(uid)->row, property::kImage), Value(picture));
+    }
+    std::string bytes = bytesOf(file_);
+    const std::size_t place = bytes.find(std::string(2'000, 'p')) + 1'000;
+    bytes[place] = static_cast<char>(bytes[place] ^ 1);
+    put(bytes);
+    {
+        const Store store(folder());
+        const auto row = store.find(uid)->row;
+        EXPECT_EQ(store.value(row, "First"), text("Ada"));
+        const std::string problem = "record " + std::to_string(row) + ": its picture's checksum is wrong";
+        try {
+            store.value(row, property::kImage);
+            ADD_FAILURE() << "the picture was read";
+        } catch (const StoreError& error) {
+            EXPECT_EQ(error.reason(), Reason::damaged);
+            EXPECT_THAT(error.what(), HasSubstr(problem));
+        }
+        EXPECT_THAT(store.check(Store::Depth::records), ElementsAre(HasSubstr(problem)));
+    }
+    const RepairReport report = repair(folder());
+    EXPECT_THAT(report.lost, ElementsAre(HasSubstr(uid + " has a damaged picture, which is kept as it is.")));
+    const Store store(folder());
+    const Value kept = store.value(store.find(uid)->row, property::kImage);
+    ASSERT_NE(kept.as<Bytes>(), nullptr);
+    EXPECT_EQ(kept.as<Bytes>()->size(), picture.size());
+    EXPECT_THAT(store.check(), IsEmpty());
 }
 
 TEST_F(DamagedTest, FilesThatStopShort) {

@@ -163,6 +163,98 @@ TEST_F(SidecarsTest, AFileThatIsNoJournalDoesNoHarm) {
     EXPECT_EQ(contentsOf(Store(folder())), before);
 }
 
+// What a restore leaves that is killed between its two steps: the new book, and the log of the old one.
+TEST_F(SidecarsTest, ALogOfTheBookThatWasReplacedIsRemoved) {
+    const fs::path backup = root() / "backup";
+    makeBook(folder(), "Ann");
+    backUp(folder(), backup, Existing::refuse);
+    const Contents backedUp = contentsOf(Store(folder()));
+    {
+        Store store(folder());
+        addPerson(store, {});
+        for (const char* suffix : {"-wal", "-shm"}) {
+            fs::copy_file(beside(suffix), root() / suffix);
+        }
+        restore(folder(), backup);
+    }
+    const auto leave = [&] {
+        for (const char* suffix : {"-wal", "-shm"}) {
+            fs::copy_file(root() / suffix, beside(suffix), fs::copy_options::overwrite_existing);
+        }
+    };
+    for (const Store::Access access : {Store::Access::readOnly, Store::Access::readWrite}) {
+        leave();
+        const Store store(folder(), access);
+        EXPECT_EQ(contentsOf(store), backedUp);
+        EXPECT_TRUE(named(bytesOf(root() / "-wal")).size() == 1); // beside the book that was kept
+    }
+    // Others that open it, or read it already, do no harm to each other.
+    leave();
+    std::vector<std::thread> threads;
+    for (int i = 0; i < 8; ++i) {
+        threads.emplace_back([&] {
+            Store store(folder());
+            addPerson(store, {{"First", text("Eve")}});
+        });
+    }
+    for (std::thread& thread : threads) {
+        thread.join();
+    }
+    const Store store(folder());
+    EXPECT_EQ(store.count(Kind::person), 9);
+    EXPECT_THAT(store.check(), testing::IsEmpty());
+}
+
+// A link could lead a save into any file of the user's.
+TEST_F(SidecarsTest, SymbolicLinksInPlaceOfFilesAreRefused) {
+    const Contents before = makeBook(folder(), "Ann");
+    fs::create_directory(root() / "elsewhere");
+    const auto refused = [&](const std::string& name) {
+        for (const Store::Access access : {Store::Access::readOnly, Store::Access::readWrite}) {
+            try {
+                const Store store(folder(), access);
+                ADD_FAILURE() << name;
+            } catch (const StoreError& error) {
+                EXPECT_EQ(error.reason(), Reason::notADatabase);
+                EXPECT_THAT(error.what(),
+                            HasSubstr("The file " + (folder() / name).string() +
+                                      " is a symbolic link, which address books do not follow: put the "
+                                      "file itself there, or make the folder a link."));
+            }
+        }
+        EXPECT_THROW(restore(folder(), root() / "backup"), StoreError);
+        EXPECT_THROW(repair(folder()), StoreError);
+        EXPECT_TRUE(fs::is_symlink(folder() / name));
+    };
+    backUp(folder(), root() / "backup", Existing::refuse);
+    for (const char* suffix : {"-wal", "-shm", "-journal"}) {
+        const fs::path target = root() / "elsewhere" / "victim";
+        std::ofstream(target) << "precious";
+        fs::remove(beside(suffix));
+        fs::create_symlink(target, beside(suffix));
+        refused(beside(suffix).filename());
+        EXPECT_EQ(bytesOf(target), "precious") << suffix;
+        fs::remove(beside(suffix));
+    }
+    fs::rename(beside(""), root() / "elsewhere" / kFileName);
+    for (const char* target : {"elsewhere/AddressBook.db", "nowhere"}) {
+        fs::create_symlink(root() / target, beside(""));
+        refused(kFileName);
+        fs::remove(beside(""));
+    }
+    EXPECT_FALSE(fs::exists(root() / "nowhere"));
+    // The folder may be one.
+    fs::create_directory_symlink(root() / "elsewhere", root() / "link");
+    EXPECT_EQ(contentsOf(Store(root() / "link")), before);
+    restore(root() / "link", root() / "backup");
+    EXPECT_EQ(contentsOf(Store(root() / "elsewhere")), before);
+    // So is no file that a backup is written to; what it leads to stays.
+    std::ofstream(root() / "victim") << "precious";
+    fs::create_symlink(root() / "victim", root() / "copy");
+    EXPECT_THROW(backUp(root() / "link", root() / "copy", Existing::replace), BackupError);
+    EXPECT_EQ(bytesOf(root() / "victim"), "precious");
+}
+
 // Closing a database takes its log over, but says nothing when it cannot.
 TEST_F(SidecarsTest, ALogOfWhatReplacesABookIsTakenOver) {
     makeBook(folder(), "Ann");

@@ -183,6 +183,7 @@ class Checker {
         attempt([this] { checkMe(); });
         attempt([this] { checkSync(); });
         attempt([this] { checkRecords(); });
+        attempt([this] { checkPictures(); });
         attempt([this] { checkTerms(); });
         if (indexes_ && recordsAreKnown_ && recordsAreSound_) {
             attempt([this] { checkTrigrams(); });
@@ -264,6 +265,13 @@ class Checker {
             }
         }
         recordsAreKnown_ = true;
+    }
+
+    void checkPictures() {
+        auto statement = db_.prepare("SELECT record FROM picture");
+        while (statement.step()) {
+            attempt([&] { impl_.picture(statement.integer(0)); });
+        }
     }
 
     // Adds what the indexes should hold of an encoded value to the sums.

@@ -86,6 +86,10 @@ struct Store::Impl {
     // StoreError (damaged), also for a DamagedRecord that [visit] throws.
     void visitValues(const RecordRow& row, const PropertyVisitor& visit) const;
 
+    // Returns the bytes of a record's picture; nothing when there is none. Throws StoreError when they were changed by
+    // accident.
+    std::optional<Bytes> picture(RowId id);
+
     // Return the unique id and the kind in a column. Throw StoreError when the column holds something else.
     std::string uidIn(const sql::Statement& statement, int column) const;
     Kind kindIn(const sql::Statement& statement, int column) const;

@@ -2,6 +2,7 @@
 
 #include "frameworks/AddressBook/store/impl.h"
 
+#include "frameworks/AddressBook/store/checksum.h"
 #include "frameworks/AddressBook/store/record_codec.h"
 #include "frameworks/AddressBook/values/uid.h"
 
@@ -106,6 +107,19 @@ void Store::Impl::visitValues(const RecordRow& row, const PropertyVisitor& visit
     }
 }
 
+std::optional<Bytes> Store::Impl::picture(RowId id) {
+    auto statement = db.prepare("SELECT data, checksum FROM picture WHERE record = ?");
+    statement.bindInteger(id);
+    if (!statement.step()) {
+        return std::nullopt;
+    }
+    const std::string_view data = statement.blob(0);
+    if (!statement.isNull(1) && static_cast<std::uint64_t>(statement.integer(1)) != checksum(data)) {
+        reportDamage(id, "its picture's checksum is wrong");
+    }
+    return Bytes(data.begin(), data.end());
+}
+
 std::string Store::Impl::uidIn(const sql::Statement& statement, int column) const {
     if (statement.isText(column)) {
         return std::string(statement.text(column));
@@ -176,13 +190,8 @@ std::int64_t Store::count(Kind kind) const {
 
 Value Store::value(RowId row, std::string_view property) const {
     if (property == property::kImage) {
-        auto statement = impl_->db.prepare("SELECT data FROM picture WHERE record = ?");
-        statement.bindInteger(row);
-        if (!statement.step()) {
-            return {};
-        }
-        const std::string_view data = statement.blob(0);
-        return Bytes(data.begin(), data.end());
+        auto picture = impl_->picture(row);
+        return picture ? Value(std::move(*picture)) : Value();
     }
     return impl_->value(row, property);
 }

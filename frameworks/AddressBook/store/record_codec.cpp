@@ -1,5 +1,6 @@
 #include "frameworks/AddressBook/store/record_codec.h"
 
+#include "frameworks/AddressBook/store/checksum.h"
 #include "frameworks/AddressBook/store/interned_words.h"
 #include "frameworks/AddressBook/values/property.h"
 #include "frameworks/AddressBook/values/uid.h"
@@ -345,25 +346,6 @@ void Reader::skip(int depth) {
         return;
     }
     throw DamagedRecord("a value of an unknown type");
-}
-
-// Returns the checksum of [bytes]. Every step is one-to-one, so that a change of a single word of eight bytes
-// always changes the result.
-std::uint64_t checksum(std::string_view bytes) {
-    constexpr std::uint64_t kMultiplier = 0x9E3779B97F4A7C15U;
-    std::uint64_t sum = bytes.size() * kMultiplier;
-    while (!bytes.empty()) {
-        std::uint64_t word = 0;
-        const std::size_t size = std::min<std::size_t>(bytes.size(), 8);
-        std::memcpy(&word, bytes.data(), size);
-        if constexpr (std::endian::native == std::endian::big) {
-            word = __builtin_bswap64(word);
-        }
-        sum = (sum ^ word) * kMultiplier;
-        sum ^= sum >> 32;
-        bytes.remove_prefix(size);
-    }
-    return sum;
 }
 
 } // namespace

@@ -7,7 +7,7 @@
 // The format, which never changes without a new schema version. "record" is the whole blob:
 //
 //   record      checksum, then for each property in the order of names: word (its name), bytes (its value)
-//   checksum    8 bytes, little-endian, over all bytes after it; see checksum() in record_codec.cpp
+//   checksum    8 bytes, little-endian, over all bytes after it; see checksum.h
 //   value       1 byte that says of which type it is, then
 //               0  no value          nothing
 //               1  text              bytes: UTF-8, where a lone surrogate has the 3 bytes of its code point

@@ -2,6 +2,7 @@
 
 #include "frameworks/AddressBook/store/impl.h"
 
+#include "frameworks/AddressBook/store/checksum.h"
 #include "frameworks/AddressBook/store/index.h"
 #include "frameworks/AddressBook/store/record_codec.h"
 #include "frameworks/AddressBook/store/save_sync.h"
@@ -293,9 +294,11 @@ void Saver::writePicture(RowId row, const Value& value) {
     if (data == nullptr) {
         refuse("a picture must be data");
     }
-    db_.prepare("INSERT OR REPLACE INTO picture(record, data) VALUES (?, ?)")
+    const std::string_view bytes(reinterpret_cast<const char*>(data->data()), data->size());
+    db_.prepare("INSERT OR REPLACE INTO picture(record, data, checksum) VALUES (?, ?, ?)")
         .bindInteger(row)
-        .bindBlob({reinterpret_cast<const char*>(data->data()), data->size()})
+        .bindBlob(bytes)
+        .bindInteger(static_cast<std::int64_t>(checksum(bytes)))
         .exec();
 }
 

@@ -116,6 +116,7 @@ CREATE TABLE deleted (
 // Keeping in step with servers (sync_state.h): accounts, address books there, which card is which record, and values
 // that had to yield. text is the card as both sides last agreed, compressed; empty where the server has none yet.
 // change.silent: the save changed no record.
+// picture.checksum: of the data (checksum.h); null for a picture from an earlier version.
 constexpr const char* kVersion7 = R"(
 CREATE TABLE account (
     id INTEGER PRIMARY KEY AUTOINCREMENT,
@@ -158,6 +159,7 @@ CREATE TABLE conflict (
     remote INTEGER NOT NULL
 );
 ALTER TABLE change ADD COLUMN silent;
+ALTER TABLE picture ADD COLUMN checksum;
 )";
 
 // Numbers that the SQL here and in other sources repeats.

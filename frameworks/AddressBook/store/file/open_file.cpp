@@ -1,6 +1,7 @@
 #include "frameworks/AddressBook/store/file/open_file.h"
 
 #include "frameworks/AddressBook/store/file/paths.h"
+#include "frameworks/AddressBook/store/file/replace_file.h"
 #include "frameworks/AddressBook/store/file/sidecars.h"
 #include "frameworks/AddressBook/store/file/staging.h"
 #include "frameworks/AddressBook/store/schema.h"
@@ -174,6 +175,7 @@ OpenedFile openFile(const fs::path& file, Access access, std::chrono::millisecon
 OpenedFile openAddressBook(const fs::path& folder, Access access, std::chrono::milliseconds busyTimeout) {
     requireFolder(folder, access);
     const fs::path file = folder / kFileName;
+    requireNoLinks(file);
     std::error_code error;
     const fs::file_status status = fs::status(file, error);
     if (!fs::exists(status)) {
@@ -192,10 +194,16 @@ OpenedFile openAddressBook(const fs::path& folder, Access access, std::chrono::m
         throw StoreError(Reason::notADatabase, file,
                          fs::is_regular_file(status) ? "is an empty file" : "is no file", kRestoreOrBegin);
     }
-    // Again when the file was replaced while it was being opened.
+    // Again when the file was replaced while it was being opened, or when that was interrupted.
     for (int attempt = 0; attempt < kAttempts; ++attempt) {
-        if (OpenedFile opened = openFile(file, access, busyTimeout); !opened.connection->moved()) {
-            return opened;
+        try {
+            if (OpenedFile opened = openFile(file, access, busyTimeout); !opened.connection->moved()) {
+                return opened;
+            }
+        } catch (const StoreError& problem) {
+            if (problem.reason() != Reason::damaged || !finishReplacing(file)) {
+                throw;
+            }
         }
     }
     throw replacedError(file);

@@ -2,6 +2,7 @@
 
 #include "frameworks/AddressBook/store/file/repair.h"
 
+#include "frameworks/AddressBook/store/checksum.h"
 #include "frameworks/AddressBook/store/deflate.h"
 #include "frameworks/AddressBook/store/file/paths.h"
 #include "frameworks/AddressBook/store/file/replace_file.h"
@@ -67,6 +68,8 @@ class Rescue {
     bool scan(const std::string& sql, const std::function<void(const sql::Statement&)>& row);
     // Calls [row] with each row of [select] in this [order], from both ends when it breaks in the middle;
     // returns false when some cannot be read.
+    // Whether the damaged book's definitions have the column; those of older versions lack some.
+    bool knows(const char* table, const char* column) const;
     bool scanBothWays(const std::string& select, const std::string& order,
                       const std::function<void(const sql::Statement&)>& row);
 
@@ -121,9 +124,13 @@ bool Rescue::attempt() {
         return true;
     } catch (const StoreError&) {
         // Only that record may be damaged, so look whether the table is known.
-        return db_ && sqlite3_table_column_metadata(db_->handle(), "main", "record", "card", nullptr, nullptr,
-                                                    nullptr, nullptr, nullptr) == SQLITE_OK;
+        return db_ && knows("record", "card");
     }
+}
+
+bool Rescue::knows(const char* table, const char* column) const {
+    return sqlite3_table_column_metadata(db_->handle(), "main", table, column, nullptr, nullptr, nullptr,
+                                         nullptr, nullptr) == SQLITE_OK;
 }
 
 // Replaces the first page, which holds the definitions of all tables, by that of the new book: but for some
@@ -307,14 +314,23 @@ std::map<std::string, std::string> Rescue::readable(std::string_view blob, Kind 
 
 void Rescue::readPicture(RowId id, const std::string& name) {
     try {
-        auto statement = db_->prepare("SELECT data FROM picture WHERE record = ?");
+        // Books before version 7 have no checksum.
+        const bool checked = knows("picture", "checksum");
+        auto statement = db_->prepare(checked ? "SELECT data, checksum FROM picture WHERE record = ?"
+                                              : "SELECT data, NULL FROM picture WHERE record = ?");
         statement.bindInteger(id);
-        if (statement.step()) {
-            made_.db.prepare("INSERT INTO picture(record, data) VALUES (?, ?)")
-                .bindInteger(id)
-                .bindBlob(statement.blob(0))
-                .exec();
+        if (!statement.step()) {
+            return;
         }
+        const auto sum = static_cast<std::int64_t>(checksum(statement.blob(0)));
+        if (!statement.isNull(1) && statement.integer(1) != sum) {
+            lost_.push_back(name + " has a damaged picture, which is kept as it is.");
+        }
+        made_.db.prepare("INSERT INTO picture(record, data, checksum) VALUES (?, ?, ?)")
+            .bindInteger(id)
+            .bindBlob(statement.blob(0))
+            .bindInteger(sum)
+            .exec();
     } catch (const StoreError& error) {
         if (error.reason() == Reason::full) {
             throw;
@@ -419,8 +435,7 @@ bool Rescue::copyRows(const char* table, const char* columns, const char* order)
 // What was agreed with servers. Where some of it is lost, the listings are read anew and each card is compared, so that
 // nothing is taken for deleted. A book of an older version has none of it.
 void Rescue::readSync() {
-    if (sqlite3_table_column_metadata(db_->handle(), "main", "link", "href", nullptr, nullptr, nullptr,
-                                      nullptr, nullptr) != SQLITE_OK) {
+    if (!knows("link", "href")) {
         return;
     }
     std::vector<std::int64_t> bad;

@@ -13,6 +13,7 @@
 #include <chrono>
 #include <ctime>
 #include <system_error>
+#include <thread>
 
 namespace addressbook {
 namespace {
@@ -38,7 +39,8 @@ class PendingByteLock {
         lock.l_whence = SEEK_SET;
         lock.l_start = kPendingByte;
         lock.l_len = 1;
-        if (descriptor_ < 0 || fcntl(descriptor_, F_SETLK, &lock) != 0 || fsync(descriptor_) != 0) {
+        // Kept by this descriptor alone: a process loses other locks when it closes any descriptor of the file.
+        if (descriptor_ < 0 || fcntl(descriptor_, F_OFD_SETLK, &lock) != 0 || fsync(descriptor_) != 0) {
             const int error = errno;
             close(descriptor_);
             throw systemError("Could not prepare the file", file, error, "check the disk and try again");
@@ -119,11 +121,37 @@ void copyDatabase(sql::Connection& from, const fs::path& to, const Progress& pro
     }
 }
 
-LockedBook::LockedBook(const fs::path& folder) : file_(folder / kFileName) {
-    std::error_code error;
-    if (const fs::path real = fs::canonical(file_, error); !error) {
-        file_ = real; // the book may be a symbolic link
+bool finishReplacing(const fs::path& file) {
+    const auto isLeft = [&](const char* suffix) { return isOfReplacedBook(file, suffix); };
+    const auto deadline = std::chrono::steady_clock::now() + kBusyTimeout;
+    bool found = false;
+    while (isLeft("-wal") || isLeft("-journal")) {
+        found = true;
+        try {
+            // Nobody can have opened the file with what is beside it, and nobody can open it now.
+            const PendingByteLock lock(file);
+            for (const char* suffix : {"-wal", "-journal"}) {
+                if (isLeft(suffix) && unlink(sidecarPath(file, suffix).c_str()) != 0) {
+                    return false;
+                }
+            }
+            unlink(sidecarPath(file, "-shm").c_str());
+            syncFolder(file.parent_path());
+            return true;
+        } catch (const StoreError&) {
+            // Another process is at it, or it may not be written.
+            if (::access(file.c_str(), W_OK) != 0 || std::chrono::steady_clock::now() > deadline) {
+                return false;
+            }
+            std::this_thread::sleep_for(std::chrono::milliseconds(10));
+        }
     }
+    return found;
+}
+
+LockedBook::LockedBook(const fs::path& folder) : file_(folder / kFileName) {
+    requireNoLinks(file_);
+    std::error_code error;
     if (!fs::is_regular_file(file_, error) || !journalBelongsTo(file_)) {
         return; // opening the book would write that journal over it
     }
@@ -145,7 +173,9 @@ void LockedBook::checkpoint(const fs::path& draft) const {
     {
         sql::Connection connection(file_, databaseUri(draft), SQLITE_OPEN_READWRITE | SQLITE_OPEN_URI,
                                    kBusyTimeout);
-        connection.execute("PRAGMA synchronous = FULL; PRAGMA wal_checkpoint(TRUNCATE)");
+        connection.execute("PRAGMA synchronous = FULL");
+        noteSidecars(connection, file_);
+        connection.execute("PRAGMA wal_checkpoint(TRUNCATE)");
     }
     if (hasSidecar(draft, "-wal") || hasSidecar(draft, "-journal")) {
         throw StoreError(Reason::io, file_,

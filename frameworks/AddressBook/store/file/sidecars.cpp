@@ -7,9 +7,11 @@
 #include <sys/stat.h>
 
 #include <chrono>
+#include <fstream>
 #include <optional>
 #include <string>
 #include <system_error>
+#include <type_traits>
 
 namespace addressbook {
 namespace {
@@ -18,6 +20,21 @@ namespace fs = std::filesystem;
 using Reason = StoreError::Reason;
 
 constexpr int kAttempts = 3; // at opening a file that is replaced meanwhile
+
+// The sidecars with saves, and the names of the rows of `meta` that say how those of a replaced book began.
+constexpr struct {
+    const char* suffix;
+    std::string_view name;
+} kNoted[] = {{"-wal", "replaced-log"}, {"-journal", "replaced-journal"}};
+
+// Returns the first bytes of a sidecar, which hold random numbers that no other has; empty when there are none.
+std::string beginningOf(const fs::path& file, const char* suffix) {
+    std::string bytes(32, '\0');
+    std::ifstream in(sidecarPath(file, suffix), std::ios::binary);
+    in.read(bytes.data(), static_cast<std::streamsize>(bytes.size()));
+    bytes.resize(static_cast<std::size_t>(in.gcount()));
+    return bytes;
+}
 
 // Identifies the state of a database. Both numbers are on one page (sqlite_sequence), which every save
 // writes: the book's random id, 0 in an old book, and the number of saves so far.
@@ -38,15 +55,21 @@ Mark markOf(sql::Connection& connection) {
     return mark;
 }
 
-// Returns the mark in the database file without its sidecars; nothing when it cannot be read.
-std::optional<Mark> markWithin(const fs::path& file) {
+// Returns what [read] finds in the database file without its sidecars; nothing when it cannot be read.
+template <typename Read>
+auto readAlone(const fs::path& file, Read read)
+    -> std::optional<std::invoke_result_t<Read, sql::Connection&>> {
     try {
         sql::Connection alone(file, databaseUri(file, "?immutable=1"), SQLITE_OPEN_READONLY | SQLITE_OPEN_URI,
                               std::chrono::milliseconds(0));
-        return markOf(alone);
+        return read(alone);
     } catch (const StoreError&) {
         return std::nullopt; // another process is writing, or the file is damaged, which opening will report
     }
+}
+
+std::optional<Mark> markWithin(const fs::path& file) {
+    return readAlone(file, markOf);
 }
 
 std::optional<Mark> markWithoutWal(const fs::path& file) {
@@ -85,6 +108,47 @@ bool hasSidecar(const fs::path& file, const char* suffix) {
     return !error && size != 0;
 }
 
+void requireNoLinks(const fs::path& file) {
+    for (const char* suffix : {"", "-wal", "-shm", "-journal"}) {
+        std::error_code error;
+        const fs::path one = sidecarPath(file, suffix);
+        if (fs::is_symlink(fs::symlink_status(one, error))) {
+            throw StoreError(Reason::notADatabase,
+                             problemSentence("The file", one,
+                                             "is a symbolic link, which address books do not follow",
+                                             "put the file itself there, or make the folder a link"));
+        }
+    }
+}
+
+void noteSidecars(sql::Connection& draft, const fs::path& file) {
+    for (const auto& [suffix, name] : kNoted) {
+        draft.prepare("INSERT OR REPLACE INTO meta(name, value) VALUES (?, ?)")
+            .bindText(name)
+            .bindBlob(beginningOf(file, suffix))
+            .exec();
+    }
+}
+
+bool isOfReplacedBook(const fs::path& file, const char* suffix) {
+    const std::string beginning = beginningOf(file, suffix);
+    if (beginning.empty()) {
+        return false;
+    }
+    return readAlone(file,
+                     [&](sql::Connection& alone) {
+                         for (const auto& noted : kNoted) {
+                             auto statement = alone.prepare("SELECT value FROM meta WHERE name = ?");
+                             statement.bindText(noted.name);
+                             if (suffix == std::string_view(noted.suffix) && statement.step()) {
+                                 return statement.blob(0) == beginning;
+                             }
+                         }
+                         return false;
+                     })
+        .value_or(false);
+}
+
 void setWalAtClose(const sql::Connection& connection, WalAtClose what) {
     sqlite3_db_config(connection.handle(), SQLITE_DBCONFIG_NO_CKPT_ON_CLOSE, what == WalAtClose::keep ? 1 : 0,
                       nullptr);
@@ -95,6 +159,9 @@ openWithCheckedWal(const fs::path& file, const std::function<std::unique_ptr<sql
     for (int attempt = 0; attempt < kAttempts; ++attempt) {
         const ino_t identity = identityOf(file);
         const auto alone = markWithoutWal(file);
+        if (alone && isOfReplacedBook(file, "-wal")) {
+            refuse(file, "log", "-wal");
+        }
         try {
             auto connection = open();
             if (!alone || isWalOf(*connection, *alone)) {
@@ -130,6 +197,9 @@ bool walBelongsTo(const fs::path& file) {
 bool journalBelongsTo(const fs::path& file) {
     if (!hasSidecar(file, "-journal")) {
         return true;
+    }
+    if (isOfReplacedBook(file, "-journal")) {
+        return false;
     }
     const auto alone = markWithin(file);
     if (!alone) {

@@ -24,6 +24,10 @@ std::filesystem::path sidecarPath(std::filesystem::path file, const char* suffix
 // Whether [file] has a sidecar with this [suffix] that is not empty.
 bool hasSidecar(const std::filesystem::path& file, const char* suffix);
 
+// Throws StoreError when the database or one of its sidecars is a symbolic link, which could lead a save to any file of
+// the user's. The folder may be one.
+void requireNoLinks(const std::filesystem::path& file);
+
 // Whether the last connection, when it closes, writes the log into the database and removes it, or keeps it.
 enum class WalAtClose { checkpoint, keep };
 void setWalAtClose(const sql::Connection& connection, WalAtClose what);
@@ -34,6 +38,13 @@ void setWalAtClose(const sql::Connection& connection, WalAtClose what);
 std::unique_ptr<sql::Connection>
 openWithCheckedWal(const std::filesystem::path& file,
                    const std::function<std::unique_ptr<sql::Connection>()>& open);
+
+// Notes in [draft], a database that is to take the place of [file], how the sidecars begin that [file] has now. They
+// are removed after it has; until then, also when the program is killed, isOfReplacedBook() tells them.
+void noteSidecars(sql::Connection& draft, const std::filesystem::path& file);
+
+// Whether the sidecar beside [file] is one that the book had which [file] replaced.
+bool isOfReplacedBook(const std::filesystem::path& file, const char* suffix);
 
 // Whether the log beside [file] belongs to it. One that cannot be read counts as belonging to it.
 bool walBelongsTo(const std::filesystem::path& file);
