@@ -1,7 +1,7 @@
 # The two commands: `make demo` shows the main job on real input, `make test` runs the tests. CI adds lint and test-tsan.
 # Both install what is missing from packages.txt by themselves (Debian 12; root, or sudo).
 
-.PHONY: help demo bench test test-asan test-tsan test-long test-packages test-interop coverage lint analyze format build mac package release picture setup clean
+.PHONY: help demo bench test test-asan test-tsan test-long test-leaks test-packages test-interop coverage lint analyze format build mac package release picture setup clean
 .DEFAULT_GOAL := help
 
 help: ## this list
@@ -30,6 +30,9 @@ coverage: setup ## the tests with counters: lines and branches that they run, by
 
 test-long: setup ## the tests that gain by time: an hour of hosts on one book (MINUTES=60), 500 killed processes, all points of a kill
 	@VELOCARD_KILLS=500 VELOCARD_SECONDS=30 VELOCARD_MINUTES=$(or $(MINUTES),60) scripts/run-tests release -R '^store_test\.(Kill|Processes)|^long\.'
+
+test-leaks: build ## a million calls of every function (CALLS=1000000), after which the memory in use is what it was
+	@VELOCARD_CALLS=$(or $(CALLS),1000000) build/release/tests/plugin_test --gtest_filter='LeakTest.*'
 
 bench: setup ## measure speed and memory against plain SQLite; PEOPLE=1000000 for the largest books
 	@scripts/bench

@@ -1,5 +1,5 @@
 // Methods called without an object: they set a code in the exception block, and do nothing else.
-#include "host/wrapper/interface.h"
+#include "tests/sdk/arguments.h"
 
 #include <gtest/gtest.h>
 #include <string_view>
@@ -7,42 +7,7 @@
 
 namespace {
 
-using namespace fmx;
-using S = void*;
-using C = const void*;
-
-// An argument of each type, made anew for each call.
-template <class Type>
-struct Argument {
-    Type get() { return Type{}; }
-};
-template <class Type>
-struct Argument<Type&> {
-    std::remove_const_t<Type> value{};
-    Type& get() { return value; }
-};
-#define ARGUMENT(name)                                                                                       \
-    template <>                                                                                              \
-    struct Argument<name&> {                                                                                 \
-        name##UniquePtr object;                                                                              \
-        name& get() {                                                                                        \
-            return *object;                                                                                  \
-        }                                                                                                    \
-    };                                                                                                       \
-    template <>                                                                                              \
-    struct Argument<const name&> : Argument<name&> {};
-ARGUMENT(QuadChar)
-ARGUMENT(Locale)
-ARGUMENT(Text)
-ARGUMENT(FixPt)
-ARGUMENT(DateTime)
-ARGUMENT(BinaryData)
-ARGUMENT(Data)
-ARGUMENT(DataVect)
-ARGUMENT(RowVect)
-ARGUMENT(ExprEnv)
-ARGUMENT(CharacterStyle)
-ARGUMENT(Color)
+using namespace sdk_test;
 
 // The code that a method reports without its object; that of a method when the function is none.
 constexpr int32 kFailed = 2;
