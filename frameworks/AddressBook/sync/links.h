@@ -14,7 +14,7 @@ namespace addressbook::sync {
 
 // Returns the link by which a record belongs to a collection in which it has no card yet: the next cycle creates one,
 // with the record's UID. To move a record, its link in the collection that it leaves is saved with SyncLink::leaves in
-// the same ChangeSet.
+// the same ChangeSet. That changes the record too, be it without a value: by the change log cycles learn of it.
 SyncLink unsentLink(std::int64_t collection, const std::string& uid);
 
 // Whether the link is of a card that is on the server, or will be, and of its record.
