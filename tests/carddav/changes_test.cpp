@@ -61,6 +61,31 @@ Told changesOf(Server& server, const std::string& state) {
     return told;
 }
 
+TEST(SyncTokenTest, AsksForEachChangeTwice) {
+    std::vector<std::string> asked;
+    int now = 1;
+    Server server([&](const Received& received) {
+        if (received.method == "PROPFIND") {
+            return multistatus(book(kHasReport));
+        }
+        const std::size_t from = received.body.find("<D:sync-token>") + 14;
+        asked.push_back(received.body.substr(from, received.body.find('<', from) - from));
+        return page("", 't' + std::to_string(now));
+    });
+    std::string state;
+    const auto ask = [&] { state = changesOf(server, state).changes.state; };
+    ask();
+    now = 2;
+    ask();
+    const std::string afterChange = state;
+    ask();
+    EXPECT_NE(state, afterChange);
+    const std::string rest = state;
+    ask();
+    EXPECT_EQ(state, rest);
+    EXPECT_EQ(asked, (std::vector<std::string>{"", "t1", "t1", "t2", "t2"}));
+}
+
 TEST(SyncTokenTest, TellsEverythingThenWhatChanged) {
     Server server([](const Received& received) {
         if (received.method == "PROPFIND") {

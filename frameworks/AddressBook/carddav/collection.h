@@ -73,7 +73,7 @@ class Collection {
 
     // Tells [each] what changed since [state], which an earlier call gave; empty: all cards that are there, with as many
     // further calls as the progress asks for. What none of these told is not there any more. A card may be told twice;
-    // the later counts. When it throws, ask again with the same [state].
+    // the later counts. What an earlier call told may be told once more. When it throws, ask again with the same [state].
     virtual Changes changes(const std::string& state, const std::function<void(Change&&)>& each) = 0;
 
     // Fetches the cards that [next] gives until it gives nothing; [each] is told of every one, in any order, as they
