@@ -239,7 +239,7 @@ void Outgoing::fail(Job&& job, const carddav::Error& error) {
     refuse(job, error.what());
     if (mayPass(error.kind())) {
         session_.again = true;
-    } else if (!job.linked.empty()) {
+    } else {
         job.refused = true;
         finished_.push_back(std::move(job));
     }
@@ -268,6 +268,12 @@ void Outgoing::finish() {
 
 void Outgoing::plan(const Job& job, ChangeSet& changes) const {
     const std::int64_t collection = session_.collection.id;
+    if (job.refused && job.linked.empty()) { // it belongs here all the same, and is sent when it has changed
+        if (session_.store.find(job.uid)) {
+            changes.sync.links.push_back(unsentLink(collection, job.uid));
+        }
+        return;
+    }
     if (job.refused) { // what it was refused for is known: it is not fetched again
         auto link = session_.store.syncLink(collection, job.linked);
         const auto etag = session_.etags.find(job.linked);
