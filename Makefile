@@ -1,7 +1,7 @@
 # The two commands: `make demo` shows the main job on real input, `make test` runs the tests. CI adds lint and test-tsan.
 # Both install what is missing from packages.txt by themselves (Debian 12; root, or sudo).
 
-.PHONY: help demo bench test test-asan test-tsan test-long test-leaks test-packages test-interop coverage lint analyze format build mac package release picture setup clean
+.PHONY: help demo bench bench-servers test test-asan test-tsan test-long test-leaks test-packages test-interop test-servers coverage lint analyze format build mac package release picture setup clean
 .DEFAULT_GOAL := help
 
 help: ## this list
@@ -37,6 +37,10 @@ test-leaks: build ## a million calls of every function (CALLS=1000000), after wh
 bench: setup ## measure speed and memory against plain SQLite; PEOPLE=1000000 for the largest books
 	@scripts/bench
 
+bench-servers: setup ## measure how fast books come in step with a server, beside vdirsyncer; PEOPLE and LARGE are their sizes
+	@scripts/install-packages packages-servers.txt
+	@scripts/bench-servers
+
 lint: setup ## clang-format and clang-tidy over all sources
 	@scripts/lint
 
@@ -67,6 +71,10 @@ test-packages: setup ## the packages in a clean Debian 12 root: installed, used,
 test-interop: setup ## other address books read what addressbook exports; SAMPLES=FOLDER takes other cards than those here
 	@scripts/install-packages packages-interop.txt
 	@scripts/test-interop
+
+test-servers: setup ## address books in step with DAViCal on PostgreSQL, set up in build/servers; PEOPLE and SECONDS of the longest test
+	@scripts/install-packages packages-servers.txt
+	@scripts/test-servers
 
 picture: build ## draw docs/architecture.svg from docs/architecture.dot, and docs/session.svg from a real session
 	@scripts/draw-architecture
