@@ -5,6 +5,7 @@
 #import "plugin/records/record_type.h"
 #import "plugin/shell/handler_frame.h"
 #include "plugin/shell/handlers.h"
+#include <algorithm>
 
 namespace koru {
 namespace {
@@ -13,26 +14,29 @@ bool isWord(NSString* text, NSString* word) {
     return text != nil && [text caseInsensitiveCompare:word] == NSOrderedSame;
 }
 
-// Returns the parts of the person's name, each but the suffix followed by a blank: without a suffix the name
+// The records after which a long list drains what reading them has left in the pool.
+constexpr NSUInteger kRecordsInAPool = 256;
+
+// Appends the parts of the person's name, each but the suffix followed by a blank: without a suffix the name
 // ends in a blank, on purpose.
-NSString* fullName(ABRecord* person) {
+void appendFullName(NSMutableString* list, ABRecord* person) {
     NSString* const parts[] = {kABTitleProperty, kABFirstNameProperty, kABMiddleNameProperty,
                                kABLastNameProperty};
-    NSMutableString* name = [NSMutableString string];
     for (NSString* part : parts) {
         if (NSString* text = [person valueForProperty:part]; text != nil) {
-            [name appendFormat:@"%@ ", text];
+            [list appendString:text];
+            [list appendString:@" "];
         }
     }
     if (NSString* suffix = [person valueForProperty:kABSuffixProperty]; suffix != nil) {
-        [name appendString:suffix];
+        [list appendString:suffix];
     }
-    return name;
 }
 
-NSString* groupName(ABRecord* group) {
-    NSString* name = [group valueForProperty:kABGroupNameProperty];
-    return name != nil ? name : @"";
+void appendGroupName(NSMutableString* list, ABRecord* group) {
+    if (NSString* name = [group valueForProperty:kABGroupNameProperty]; name != nil) {
+        [list appendString:name];
+    }
 }
 
 } // namespace
@@ -50,12 +54,26 @@ NSString* listOfValues(NSString* what, NSString* field) {
         return nil;
     }
     NSArray* records = members ? [state.g_group.get() members] : parentGroupsOfCurrentRecord();
-    NSMutableArray* items = [NSMutableArray arrayWithCapacity:[records count]];
-    for (NSUInteger i = 0; i < [records count]; ++i) {
-        ABRecord* record = [records objectAtIndex:i];
-        [items addObject:byId ? [record uniqueId] : members ? fullName(record) : groupName(record)];
+    NSMutableString* list = [NSMutableString string];
+    for (NSUInteger i = 0, count = [records count]; i < count;) {
+        // When an exception passes, the pool of the call drains this one, and no earlier: the exception lives.
+        NSAutoreleasePool* pool = [[NSAutoreleasePool alloc] init];
+        for (const NSUInteger end = std::min(count, i + kRecordsInAPool); i < end; ++i) {
+            ABRecord* record = [records objectAtIndex:i];
+            if (i != 0) {
+                [list appendString:@"\r"];
+            }
+            if (byId) {
+                [list appendString:[record uniqueId]];
+            } else if (members) {
+                appendFullName(list, record);
+            } else {
+                appendGroupName(list, record);
+            }
+        }
+        [pool release];
     }
-    return [items componentsJoinedByString:@"\r"];
+    return list;
 }
 
 } // namespace koru

@@ -101,6 +101,27 @@ NSString* labelToStore(NSString* text) {
     return label != nil ? label : text;
 }
 
+namespace {
+
+// Returns the user's words by the labels that they stand for, which every label that is read is looked up in.
+// Of several words for a label the first one counts. Lives until the process ends.
+NSDictionary* wordsByLabel() {
+    static NSDictionary* const words = [] {
+        NSMutableDictionary* found = [[NSMutableDictionary alloc] init];
+        for (const auto labels : {frameworkLabels(), exchangeLabels(), messagingLabels()}) {
+            for (const Label& row : labels) {
+                if (NSString* label = row.stored(); label != nil && [found objectForKey:label] == nil) {
+                    [found setObject:row.word forKey:label];
+                }
+            }
+        }
+        return found;
+    }();
+    return words;
+}
+
+} // namespace
+
 } // namespace koru
 
 using namespace koru;
@@ -118,12 +139,5 @@ NSString* StringToLabel(NSString* text) {
 }
 
 NSString* LabelToString(NSString* label) {
-    for (const auto labels : {frameworkLabels(), exchangeLabels(), messagingLabels()}) {
-        for (const Label& row : labels) {
-            if ([label isEqualToString:row.stored()]) {
-                return row.word;
-            }
-        }
-    }
-    return nil;
+    return label != nil ? [wordsByLabel() objectForKey:label] : nil;
 }

@@ -6,6 +6,7 @@
 #import "plugin/shell/error_state.h"
 #include "tests/plugin/replaced_method.h"
 #include "tests/plugin/support.h"
+#include <ctime>
 #include <span>
 
 namespace {
@@ -286,6 +287,47 @@ TEST_F(SearchTest, AnExceptionLeavesTheConditionAsItWas) {
         EXPECT_EQ(lastErrorNumber(), "-8000");
         EXPECT_EQ(state.g_searchelement.get(), condition);
     }
+}
+
+TEST_F(SearchTest, AJoinedSearchSeesWhatChangedSinceTheLastOne) {
+    ABPerson* anna = addPerson(@"Anna", @"Smith");
+    addPerson(@"Ben", @"Jones");
+    EXPECT_EQ(search("person", "lastname", "Smith"), "1");
+    EXPECT_EQ(join("lastname", "Jones", "expand"), "2");
+    addPerson(@"Clara", @"Smith"); // saved: the kept condition finds her now
+    EXPECT_EQ(join("lastname", "Miller", "expand"), "3");
+    EXPECT_EQ(join("firstname", "Anna", "constrain"), "1");
+    [anna setValue:@"Ann" forProperty:kABFirstNameProperty]; // not saved
+    EXPECT_EQ(join("lastname", "Nobody", "expand"), "0");
+    EXPECT_EQ(join("firstname", "Ann", "expand"), "1");
+    EXPECT_TRUE([[ABAddressBook sharedAddressBook] save]);
+    EXPECT_EQ(join("lastname", "Nobody", "expand"), "1");
+    EXPECT_TRUE([[ABAddressBook sharedAddressBook] removeRecord:anna]);
+    EXPECT_EQ(join("lastname", "Nobody", "expand"), "0");
+    EXPECT_TRUE([[ABAddressBook sharedAddressBook] save]);
+    EXPECT_EQ(join("firstname", "Clara", "expand"), "1");
+}
+
+// Returns the processor time in which this many conditions are joined, each of which finds nobody.
+double timeToJoin(int conditions) {
+    const std::clock_t start = std::clock();
+    for (int i = 0; i < conditions; ++i) {
+        call(Do_KORU_Search, {"person", "lastname", "", "", "Nobody " + std::to_string(i), "Equal",
+                              i % 5 == 0 ? "constrain" : "expand"});
+    }
+    return static_cast<double>(std::clock() - start);
+}
+
+TEST_F(SearchTest, JoiningTakesTheSameHoweverMuchIsJoinedAlready) {
+    addPerson(@"Anna", @"Smith");
+    EXPECT_EQ(search("person", "lastname", "Smith"), "1");
+    timeToJoin(100);
+    const double few = timeToJoin(2'000);
+    EXPECT_LT(timeToJoin(20'000), 40 * few); // ten times as many; the square would be a hundred times
+    EXPECT_EQ(join("lastname", "Smith", "expand"), "1");
+    addPerson(@"Ben", @"Smith"); // now all conditions are looked up again
+    EXPECT_EQ(join("lastname", "Nobody", "expand"), "2");
+    EXPECT_EQ(search("person", "lastname", "Smith"), "2");
 }
 
 // The arguments of the last conjunction made, in place of which its first child is answered.

@@ -478,6 +478,25 @@ std::vector<LiveRecordPtr> Book::members(LiveRecord& group, Kind kind) {
     return found;
 }
 
+std::vector<Book::Place> Book::inside(LiveRecord& group, Kind kind) {
+    refreshIfStale();
+    const Store::ReadTransaction transaction(*store_);
+    applyChangeLog();
+    std::vector<Place> places;
+    if (!group.joined.empty() || !group.left.empty() || !group.inDatabase()) {
+        for (auto& member : members(group, kind)) {
+            places.push_back({member->row, std::move(member)});
+        }
+        return places;
+    }
+    for (const RowId row : kind == Kind::person ? store_->members(group.row) : store_->subgroups(group.row)) {
+        if (!removed_.contains(row)) {
+            places.push_back({row, nullptr});
+        }
+    }
+    return places;
+}
+
 std::vector<LiveRecordPtr> Book::parents(const LiveRecord& record) {
     refreshIfStale();
     std::vector<LiveRecordPtr> found;
@@ -584,12 +603,9 @@ bool Book::mentionsUndefined(const Query& query) const {
     if (undefined_.empty()) {
         return false;
     }
-    if (const auto* condition = std::get_if<Condition>(&query.node)) {
-        return isUndefined(condition->kind, condition->property);
-    }
-    const auto& children = std::get<Query::Compound>(query.node).children;
-    return std::any_of(children.begin(), children.end(),
-                       [this](const Query& child) { return mentionsUndefined(child); });
+    return anyCondition(query, [this](const Condition& condition) {
+        return isUndefined(condition.kind, condition.property);
+    });
 }
 
 int Book::typeOf(Kind kind, std::string_view property) {

@@ -134,6 +134,8 @@ class Book : public std::enable_shared_from_this<Book> {
     // Return a group's members of one kind, in the order of joining, and the groups that a record is in, in
     // the order in which these were added.
     std::vector<LiveRecordPtr> members(LiveRecord& group, Kind kind);
+    // Like members(), as places for a list: reads no record that it need not.
+    std::vector<Place> inside(LiveRecord& group, Kind kind);
     std::vector<LiveRecordPtr> parents(const LiveRecord& record);
     bool isMember(LiveRecord& group, const LiveRecord& member);
     // Add a record to a group and remove one from it. Return false when that changes nothing, when the member

@@ -19,7 +19,7 @@ void requireForEntry(NSString* property, ABPerson* person) {
 @implementation ABGroup
 
 - (NSArray*)recordsInside:(Kind)kind {
-    return recordsFrom([self book], reading([&] { return [self book]->members(*[self liveRecord], kind); }));
+    return listFrom([self book], reading([&] { return [self book]->inside(*[self liveRecord], kind); }));
 }
 
 - (BOOL)changeable:(ABRecord*)member kind:(Class)kind {

@@ -60,7 +60,7 @@ ABSearchElement* elementFrom(Query query) {
 
 - (id)initWithQuery:(Query)query {
     if ((self = [super init]) != nil) {
-        _query = new Query(std::move(query));
+        _query = new Query(shared(std::move(query)));
     }
     return self;
 }

@@ -14,6 +14,7 @@
 #include <string_view>
 #include <unordered_map>
 #include <utility>
+#include <vector>
 
 namespace addressbook {
 
@@ -48,6 +49,21 @@ struct Store::Impl {
     std::unordered_map<std::string, std::int64_t, HashName, std::equal_to<>> propertyIds[2];
     Backlog knownBacklog;
     std::optional<std::uint32_t> backlogVersion; // the data version in which knownBacklog was read
+
+    // What the last search for a shared compound found, as of the data version: that search joined with one
+    // more condition then costs no more than the condition.
+    struct LastSearch {
+        Query::Shared query;
+        std::vector<RowId> rows;
+        std::uint32_t dataVersion;
+    };
+    std::optional<LastSearch> lastSearch;
+
+    // Returns what a query finds when that is what the last search found, else null. The result is valid
+    // until the next search.
+    const std::vector<RowId>* knownSearch(const Query& query);
+    // Keeps what a query has found, if it will stay true as long as the book does.
+    void keepSearch(const Query& query, const std::vector<RowId>& rows);
 
     // Opens the files again when they are read without locks and have changed. Does nothing for other files,
     // and while a ReadTransaction lives. Throws StoreError.

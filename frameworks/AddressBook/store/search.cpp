@@ -51,6 +51,15 @@ class Stopwatch {
     Clock::time_point start_ = Clock::now();
 };
 
+// Whether what a condition finds may change although the book does not: with the day or the time zone.
+bool hangsOnClock(const Condition& condition) {
+    const Operation operation = factsOf(condition.comparison).operation;
+    const Value& wanted = condition.value;
+    return operation == Operation::around || operation == Operation::ahead ||
+           !(wanted.empty() || wanted.as<std::string>() != nullptr || wanted.as<std::int64_t>() != nullptr ||
+             wanted.as<double>() != nullptr);
+}
+
 // A record in the database, for matches().
 class StoredRecord final : public RecordView {
   public:
@@ -257,15 +266,17 @@ class QuerySearch {
   public:
     QuerySearch(Store::Impl& impl, const Query& query, Date now) : impl_(impl), query_(query), now_(now) {
         step_.query = &query;
-        if (const auto* compound = std::get_if<Query::Compound>(&query.node)) {
+        if (const auto* known = impl.knownSearch(query)) {
+            known_ = known;
+        } else if (const auto* compound = std::get_if<Query::Compound>(&query.resolved().node)) {
             all_ = compound->join == Query::Join::all;
-            for (const Query& child : compound->children) {
-                children_.push_back(std::make_unique<QuerySearch>(impl, child, now));
+            for (const Query* part : parts(*compound)) {
+                children_.push_back(std::make_unique<QuerySearch>(impl, *part, now));
             }
             std::stable_sort(children_.begin(), children_.end(),
                              [](const auto& a, const auto& b) { return a->path() < b->path(); });
         } else {
-            condition_.emplace(impl, std::get<Condition>(query.node), now, step_);
+            condition_.emplace(impl, std::get<Condition>(query.resolved().node), now, step_);
         }
     }
     QuerySearch(const QuerySearch&) = delete;
@@ -273,6 +284,9 @@ class QuerySearch {
 
     // Returns the access path by which the cost of the whole is judged.
     AccessPath path() const {
+        if (known_ != nullptr) {
+            return AccessPath::nothing;
+        }
         if (condition_) {
             return condition_->path();
         }
@@ -285,7 +299,7 @@ class QuerySearch {
     Rows find() {
         const Stopwatch watch(step_.time);
         step_.execution = SearchStep::Execution::searched;
-        Rows rows = condition_ ? condition_->find() : join();
+        Rows rows = known_ != nullptr ? *known_ : condition_ ? condition_->find() : join();
         step_.hits = static_cast<std::int64_t>(rows.size());
         return rows;
     }
@@ -302,15 +316,42 @@ class QuerySearch {
     }
 
   private:
+    // Returns the children of a compound, and in place of each shared one that is joined alike and is not
+    // known yet its own children: a search that was joined step by step is as deep as it is long.
+    std::vector<const Query*> parts(const Query::Compound& compound) const {
+        std::vector<const Query*> found;
+        std::vector<const Query::Compound*> open{&compound};
+        while (!open.empty()) {
+            const Query::Compound& one = *open.back();
+            open.pop_back();
+            for (const Query& child : one.children) {
+                const auto* inner = std::holds_alternative<Query::Shared>(child.node)
+                                        ? std::get_if<Query::Compound>(&child.resolved().node)
+                                        : nullptr;
+                if (inner != nullptr && inner->join == compound.join && impl_.knownSearch(child) == nullptr) {
+                    open.push_back(inner);
+                } else {
+                    found.push_back(&child);
+                }
+            }
+        }
+        return found;
+    }
+
     Rows join() {
         if (children_.empty()) {
             return all_ ? everyRecord() : Rows();
         }
         Rows rows = children_.front()->find();
         for (auto child = std::next(children_.begin()); child != children_.end(); ++child) {
-            rows = all_ ? (*child)->filter(std::move(rows)) : united(rows, (*child)->find());
+            if (all_) {
+                rows = (*child)->filter(std::move(rows));
+            } else {
+                const Rows more = (*child)->find();
+                rows.insert(rows.end(), more.begin(), more.end());
+            }
         }
-        return rows;
+        return all_ ? rows : sorted(std::move(rows));
     }
 
     // Returns those of [rows] that match. Reads the records when they are few, unless a look-up is quicker.
@@ -367,19 +408,45 @@ class QuerySearch {
     Date now_;
     bool all_ = true;
     SearchStep step_;
+    const Rows* known_ = nullptr; // the result of the last search, where that is asked for
     std::optional<ConditionSearch> condition_;
     std::vector<std::unique_ptr<QuerySearch>> children_; // cheapest first
 };
 
 } // namespace
 
+const std::vector<RowId>* Store::Impl::knownSearch(const Query& query) {
+    const auto* shared = std::get_if<Query::Shared>(&query.node);
+    const bool known = shared != nullptr && lastSearch && lastSearch->query == *shared &&
+                       lastSearch->dataVersion == db.dataVersion();
+    return known ? &lastSearch->rows : nullptr;
+}
+
+void Store::Impl::keepSearch(const Query& query, const std::vector<RowId>& rows) {
+    const auto* shared = std::get_if<Query::Shared>(&query.node);
+    if (shared == nullptr || !std::holds_alternative<Query::Compound>((*shared)->node)) {
+        return; // nothing that will be a part of another one, or is found as quickly again
+    }
+    const auto& compound = std::get<Query::Compound>((*shared)->node);
+    const bool staysTrue =
+        std::all_of(compound.children.begin(), compound.children.end(), [&](const Query& child) {
+            return knownSearch(child) != nullptr || !anyCondition(child, hangsOnClock);
+        });
+    if (staysTrue) {
+        lastSearch = LastSearch{*shared, rows, db.dataVersion()};
+    }
+}
+
 std::vector<RowId> Store::search(const Query& query, Date now) const {
     const ReadTransaction transaction(*this);
-    return QuerySearch(*impl_, query, now).find();
+    Rows rows = QuerySearch(*impl_, query, now).find();
+    impl_->keepSearch(query, rows);
+    return rows;
 }
 
 SearchStep Store::explain(const Query& query, Date now) const {
     const ReadTransaction transaction(*this);
+    impl_->lastSearch.reset();
     QuerySearch search(*impl_, query, now);
     search.find();
     return search.steps();

@@ -102,6 +102,8 @@ void Store::Impl::reopenIfChanged() {
     OpenedFile now = openAddressBook(db.file().parent_path(), Access::readOnly, std::chrono::seconds(1));
     db.exchange(*now.connection);
     opened.stamp = std::move(now.stamp);
+    backlogVersion.reset();
+    lastSearch.reset();
     for (auto& known : propertyIds) {
         known.clear();
     }

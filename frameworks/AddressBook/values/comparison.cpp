@@ -331,20 +331,36 @@ bool Matcher::meetsInterval(const Value& value) const {
     return false;
 }
 
-bool matches(const Query& query, const RecordView& record, Date now) {
-    if (const auto* compound = std::get_if<Query::Compound>(&query.node)) {
-        const auto child = [&](const Query& part) { return matches(part, record, now); };
-        return compound->join == Query::Join::all
-                   ? std::all_of(compound->children.begin(), compound->children.end(), child)
-                   : std::any_of(compound->children.begin(), compound->children.end(), child);
-    }
-    const auto& condition = std::get<Condition>(query.node);
+namespace {
+
+bool meets(const Condition& condition, const RecordView& record, Date now) {
     if (condition.kind != record.kind()) {
         return false;
     }
     static const Value kNone;
     return Matcher(condition, now)
         .holds(isInternal(condition.property) ? kNone : record.value(condition.property));
+}
+
+} // namespace
+
+bool matches(const Query& query, const RecordView& record, Date now) {
+    // The last child decides when those before it do not: a search to which conditions were joined one by one
+    // has all earlier ones as its last child, and is followed without recursion.
+    const Query* rest = &query.resolved();
+    while (const auto* compound = std::get_if<Query::Compound>(&rest->node)) {
+        const bool decisive = compound->join == Query::Join::any;
+        if (compound->children.empty()) {
+            return !decisive;
+        }
+        const auto last = std::prev(compound->children.end());
+        if (std::any_of(compound->children.begin(), last,
+                        [&](const Query& part) { return matches(part, record, now) == decisive; })) {
+            return decisive;
+        }
+        rest = &last->resolved();
+    }
+    return meets(std::get<Condition>(rest->node), record, now);
 }
 
 } // namespace addressbook

@@ -32,6 +32,8 @@
 
 #include "frameworks/AddressBook/values/value.h"
 
+#include <functional>
+#include <memory>
 #include <optional>
 #include <string>
 #include <string_view>
@@ -81,15 +83,27 @@ struct Condition {
 };
 
 // A condition, or child queries joined by "and" (all) or "or" (any). Without children, `all` holds for every
-// record and `any` for none.
+// record and `any` for none. A shared query stands for another one, which several have as their part: so a
+// search that is joined with one more condition again and again is never copied.
 struct Query {
     enum class Join : int { all = 0, any = 1 };
     struct Compound {
         Join join = Join::all;
         std::vector<Query> children;
     };
-    std::variant<Condition, Compound> node;
+    using Shared = std::shared_ptr<const Query>;
+    std::variant<Condition, Compound, Shared> node;
+
+    // Returns the query that this one stands for: a condition or a compound.
+    const Query& resolved() const;
 };
+
+// Returns a query that stands for [query] and is cheap to copy. However deep shared queries are nested, the
+// last holder frees them without recursion.
+Query shared(Query query);
+
+// Whether [holds] is true for one of the conditions of [query].
+bool anyCondition(const Query& query, const std::function<bool(const Condition&)>& holds);
 
 // The record that a query is tested against, whether it is in memory or in the database.
 class RecordView {
