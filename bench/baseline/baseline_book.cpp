@@ -275,7 +275,7 @@ void BaselineBook::add(const std::function<std::optional<Person>()>& next) {
 
 void BaselineBook::addGroups(std::size_t people) {
     execute("BEGIN IMMEDIATE");
-    for (std::size_t group = 0; group < kGroups; ++group) {
+    for (std::size_t group = 0; group <= kEverybody; ++group) {
         const auto id = static_cast<std::int64_t>(group + 1);
         const std::string uid = packed(groupUid(group));
         const std::string name = groupName(group);
@@ -397,6 +397,17 @@ std::string BaselineBook::lastName(std::string_view uid) {
                      "WHERE person_uid.uid = ?");
     found.bindBytes(key);
     return found.step() ? found.text(0) : std::string();
+}
+
+std::string BaselineBook::namesOfEverybody() {
+    std::string names;
+    auto found = run("SELECT first, last FROM member CROSS JOIN person ON person.id = member.person "
+                     "WHERE member.team = ? ORDER BY member.person");
+    found.bind(static_cast<std::int64_t>(kEverybody + 1));
+    while (found.step()) {
+        names += (names.empty() ? "" : "\r") + found.text(0) + " " + found.text(1) + " ";
+    }
+    return names;
 }
 
 void BaselineBook::changeJob(std::int64_t id, std::string_view job) {

@@ -48,6 +48,10 @@ class BaselineBook {
     // Returns the last name of the person with this unique id.
     std::string lastName(std::string_view uid);
 
+    // Returns the names of the members of the group kEverybody, as KORU_GetListOfValues writes them: each name
+    // ends in a blank, and carriage returns stand between them.
+    std::string namesOfEverybody();
+
     // Sets a person's job title, durably.
     void changeJob(std::int64_t id, std::string_view job);
 

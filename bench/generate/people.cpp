@@ -190,7 +190,8 @@ std::string groupUid(std::size_t group) {
 
 std::vector<std::size_t> membersOf(std::size_t group, std::size_t people) {
     std::vector<std::size_t> members;
-    for (std::size_t place = group; place < people; place += 2 * kGroups) {
+    const bool all = group == kEverybody;
+    for (std::size_t place = all ? 0 : group; place < people; place += all ? 1 : 2 * kGroups) {
         members.push_back(place);
     }
     return members;

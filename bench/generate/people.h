@@ -13,6 +13,7 @@ namespace bench {
 
 inline constexpr std::uint64_t kSeed = 20'260'101;
 inline constexpr std::size_t kGroups = 100;
+inline constexpr std::size_t kEverybody = kGroups; // the number of one more group, of all people
 inline constexpr std::size_t kPictureBytes = 12 * 1024;
 
 struct LabelledText {
@@ -40,7 +41,7 @@ Person person(std::size_t place);
 std::string personUid(std::size_t place);
 
 // Return name, unique id and members (numbers of people) of group [group] in a book of [people]. Half of the
-// people are in one group each.
+// people are in one group each, and all are in the group kEverybody.
 std::string groupName(std::size_t group);
 std::string groupUid(std::size_t group);
 std::vector<std::size_t> membersOf(std::size_t group, std::size_t people);

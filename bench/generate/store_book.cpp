@@ -55,7 +55,7 @@ RecordChange changeOf(Person person) {
 ChangeSet groupsOf(std::size_t people) {
     ChangeSet set;
     set.time = kMade;
-    for (std::size_t group = 0; group < kGroups; ++group) {
+    for (std::size_t group = 0; group <= kEverybody; ++group) {
         set.records.push_back({.uid = groupUid(group),
                                .kind = Kind::group,
                                .insert = true,

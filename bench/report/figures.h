@@ -16,7 +16,9 @@ using Figures = std::map<std::string, double>;
 namespace figure {
 inline constexpr std::string_view kOpenTime = "framework/open and search";
 inline constexpr std::string_view kOpenMemory = "framework/open and search, memory";
-inline constexpr std::string_view kHostWalk = "host/walk"; // seconds for each person
+inline constexpr std::string_view kHostWalk = "host/walk";
+inline constexpr std::string_view kHostList = "host/list of values";
+inline constexpr std::string_view kBaselineList = "baseline/list of values";
 inline constexpr std::string_view kWalkMemory = "framework/walk, memory";
 } // namespace figure
 

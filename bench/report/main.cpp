@@ -9,6 +9,7 @@
 #include <array>
 #include <cstdio>
 #include <filesystem>
+#include <fstream>
 #include <functional>
 #include <iostream>
 #include <stdexcept>
@@ -91,14 +92,15 @@ Figures measure(const Place& place, const Measured& measured) {
     if (takesTool(only) && !only.empty()) {
         return figures;
     }
-    if (!fs::exists(place.folder / "whole")) {
+    const fs::path whole = place.folder / "whole with everybody"; // marks the books as complete
+    if (!fs::exists(whole)) {
         progress(place, "making the books");
         fs::remove_all(place.folder);
         apart([&] {
             makeBooks(place);
             return Figures();
         });
-        fs::create_directory(place.folder / "whole"); // marks the books as complete
+        fs::create_directory(whole);
     }
     progress(place, "measuring");
     figures.merge(apart([&] { return measureWork(place, built / "lib" / "Velocard", only); }));
@@ -150,7 +152,8 @@ class Books {
     fs::path folder_;
 };
 
-int run(std::size_t least, std::size_t people, const std::string& named, const std::string& only) {
+int run(std::size_t least, std::size_t people, const std::string& named, const std::string& only,
+        const std::string& json) {
     const Books books(named);
     for (const char* variable :
          {"HOME", "XDG_DATA_HOME", "XDG_CONFIG_HOME", "XDG_STATE_HOME", "GNUSTEP_USER_DEFAULTS_DIR"}) {
@@ -169,6 +172,9 @@ int run(std::size_t least, std::size_t people, const std::string& named, const s
         figures[figures.empty() ? least : figures.begin()->first].merge(apart(measureLanguage));
     }
     std::cout << table(figures);
+    if (!json.empty()) {
+        std::ofstream(json) << tableAsJson(figures);
+    }
     return 0;
 }
 
@@ -180,6 +186,7 @@ int main(int argc, char** argv) {
     std::size_t least = 1'000;
     std::string books;
     std::string only;
+    std::string json;
     app.add_option("--people", people, "The largest book [100000]; the smaller ones are measured too")
         ->check(CLI::Range(std::size_t{1'000}, std::size_t{1'000'000}));
     app.add_option("--from", least, "The smallest book [1000]");
@@ -189,11 +196,12 @@ int main(int argc, char** argv) {
         "--only", only,
         "Measure only the works whose names contain this, as \"suffix\"; \"tool\": those of addressbook, "
         "\"language\": those of calculations without a plug-in");
+    app.add_option("--json", json, "A file into which the table is written as JSON too, for the charts");
     app.footer(
         "Exit status: 0 when everything was measured, whatever the verdicts; 1 when something failed.");
     CLI11_PARSE(app, argc, argv);
     try {
-        return run(least, people, books, only);
+        return run(least, people, books, only, json);
     } catch (const std::exception& error) {
         std::cerr << "bench: " << error.what() << std::endl;
         return 1;

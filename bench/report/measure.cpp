@@ -147,6 +147,16 @@ void compareWalks(BaselineBook& baseline, FrameworkBook& book, Calculations& hos
     }
 }
 
+// The list of the names of all people, of the group that holds them.
+constexpr const char* kListOfNames = R"(KORU_GetListOfValues ( "group" ; "members" ; "name" ))";
+
+void compareLists(BaselineBook& baseline, Calculations& host) {
+    host.evaluate("KORU_Open ( \"" + groupUid(kEverybody) + "\" )");
+    if (host.evaluate(kListOfNames) != baseline.namesOfEverybody()) {
+        differ("the list of names");
+    }
+}
+
 // Returns unique ids of people from all over the book in turn.
 class Turns {
   public:
@@ -270,18 +280,37 @@ void registerCalculations(Calculations& host, FrameworkBook& book) {
     }
 }
 
-// Returns the time of a walk. Measured after everything else, as it makes other records the plug-in's current
-// ones.
-double walkTime(Calculations& host, const Place& place) {
+// Returns the median time of [work], each time after [prepare].
+template <typename Prepare, typename Work>
+double medianTime(int repetitions, Prepare prepare, Work work) {
     std::vector<double> times;
-    for (int i = 0; i < walksOf(place); ++i) {
-        host.searchEverybody();
+    for (int i = 0; i < repetitions; ++i) {
+        prepare();
         const double start = processorTime();
-        host.walk(false);
+        work();
         times.push_back(processorTime() - start);
     }
     std::sort(times.begin(), times.end());
     return times[times.size() / 2];
+}
+
+// Measures the calculations that make other records the plug-in's current ones: after everything else.
+Figures measureLongCalculations(Calculations& host, BaselineBook& baseline, const Place& place,
+                                const std::string& only) {
+    Figures figures;
+    const int repetitions = walksOf(place);
+    if (figure::kHostWalk.find(only) != std::string_view::npos) {
+        figures[std::string(figure::kHostWalk)] =
+            medianTime(repetitions, [&] { host.searchEverybody(); }, [&] { host.walk(false); });
+    }
+    if (figure::kHostList.find(only) != std::string_view::npos) {
+        const auto open = [&] { host.evaluate("KORU_Open ( \"" + groupUid(kEverybody) + "\" )"); };
+        figures[std::string(figure::kHostList)] =
+            medianTime(repetitions, open, [&] { host.evaluate(kListOfNames); });
+        figures[std::string(figure::kBaselineList)] =
+            medianTime(repetitions, [] {}, [&] { benchmark::DoNotOptimize(baseline.namesOfEverybody()); });
+    }
+    return figures;
 }
 
 // Returns the value of a line in /proc/self/status, in bytes.
@@ -315,6 +344,7 @@ Figures measureWork(const Place& place, const fs::path& plugin, const std::strin
     compareHits(baseline, book);
     if (only.empty()) {
         compareWalks(baseline, book, host);
+        compareLists(baseline, host);
     }
     Turns turns(place.people);
 
@@ -330,9 +360,7 @@ Figures measureWork(const Place& place, const fs::path& plugin, const std::strin
     Medians medians;
     benchmark::RunSpecifiedBenchmarks(&medians);
     Figures figures = medians.figures();
-    if (figure::kHostWalk.find(only) != std::string_view::npos) {
-        figures[std::string(figure::kHostWalk)] = walkTime(host, place) / static_cast<double>(place.people);
-    }
+    figures.merge(measureLongCalculations(host, baseline, place, only));
     return figures;
 }
 

@@ -1,9 +1,11 @@
 #include "bench/report/table.h"
 
 #include <algorithm>
+#include <array>
 #include <cstdarg>
 #include <cstdio>
 #include <iterator>
+#include <nlohmann/json.hpp>
 #include <optional>
 #include <span>
 
@@ -14,6 +16,7 @@ namespace {
 enum class Kind {
     ratio,  // measured / reference
     excess, // measured - reference, in seconds
+    calls,  // measured - reference, in empty calls of the plug-in
     time,   // measured, in seconds
     memory  // measured, in bytes
 };
@@ -34,6 +37,9 @@ struct Row {
     double limit;
     std::size_t people = 0; // the size of book to which the target applies; 0: every size
 };
+
+// The time of a function of the plug-in that only answers a word: what a call costs.
+constexpr const char* kEmptyCall = "host/version";
 
 constexpr const char* kOpen = "framework/open and search";
 
@@ -60,12 +66,15 @@ constexpr Row kRows[] = {
      kMillion},
     {"C", "version, above an empty function", "host/version", "host/nothing", Kind::excess, 1 * kMicro},
     {"C", "last error, above an empty function", "host/last error", "host/nothing", Kind::excess, 1 * kMicro},
-    {"C", "read a text, above F", "host/read text", "framework/read text", Kind::excess, 3 * kMicro},
-    {"C", "read a date, above F", "host/read date", "framework/read date", Kind::excess, 3 * kMicro},
-    {"C", "read a phone by id, above F", "host/read phone", "framework/read phone", Kind::excess, 3 * kMicro},
-    {"C", "read a phone's label, above F", "host/read phone label", "framework/read phone label",
-     Kind::excess, 3 * kMicro},
-    {"C", "walk: next, 3 properties, phones; a person", "host/walk", nullptr, Kind::time, 15 * kMicro},
+    {"C", "read a text, above F, in empty calls", "host/read text", "framework/read text", Kind::calls, 1.5},
+    {"C", "read a date, above F, in empty calls", "host/read date", "framework/read date", Kind::calls, 1.5},
+    {"C", "read a phone by id, above F, in empty calls", "host/read phone", "framework/read phone",
+     Kind::calls, 1.5},
+    {"C", "read a phone's label, above F, in calls", "host/read phone label", "framework/read phone label",
+     Kind::calls, 1.5},
+    {"C", "walk: next, 3 properties, phones; to F's", "host/walk", "framework/walk", Kind::ratio, 4},
+    {"C", "list of the names of all people", "host/list of values", "baseline/list of values", Kind::ratio,
+     2},
     {"L", "a loop of a million turns, While", "language/loop", nullptr, Kind::time, 1.2},
     {"L", "the same: a node of plain arithmetic", "language/node", nullptr, Kind::time, 200e-9},
     {"L", "a loop of a million turns, a script", "language/script loop", nullptr, Kind::time, 2},
@@ -116,13 +125,26 @@ std::optional<double> figureOf(const Row& row, const Figures& figures) {
     if (reference == figures.end()) {
         return std::nullopt;
     }
-    return row.kind == Kind::ratio ? measured->second / reference->second
-                                   : measured->second - reference->second;
+    const double excess = measured->second - reference->second;
+    switch (row.kind) {
+    case Kind::ratio:
+        return measured->second / reference->second;
+    case Kind::calls: {
+        const auto call = figures.find(kEmptyCall);
+        return call == figures.end() ? std::nullopt : std::optional(excess / call->second);
+    }
+    case Kind::excess:
+    case Kind::time:
+    case Kind::memory:
+        break;
+    }
+    return excess;
 }
 
 std::string target(const Row& row) {
     switch (row.kind) {
     case Kind::ratio:
+    case Kind::calls:
         return format("%.3gx", row.limit);
     case Kind::excess:
         return "+" + duration(row.limit);
@@ -142,6 +164,9 @@ std::string cell(const Row& row, const Figures& figures) {
     switch (row.kind) {
     case Kind::ratio:
         return format("%.2fx", *figure) + " " + duration(figures.at(row.measured));
+    case Kind::calls:
+        return format("%.2fx", *figure) + " " +
+               duration(figures.at(row.measured) - figures.at(row.reference));
     case Kind::excess:
         return format("%+.2f us", *figure / kMicro);
     case Kind::time:
@@ -198,6 +223,31 @@ std::string table(const std::map<std::size_t, Figures>& figures) {
         text += "   " + verdict(row, figures) + "\n";
     }
     return text;
+}
+
+std::string tableAsJson(const std::map<std::size_t, Figures>& figures) {
+    constexpr std::array kKinds{"ratio", "excess", "calls", "time", "memory"};
+    nlohmann::ordered_json rows = nlohmann::ordered_json::array();
+    for (const Row& row : kRows) {
+        nlohmann::ordered_json one{{"level", row.level},
+                                   {"work", row.work},
+                                   {"kind", kKinds[static_cast<std::size_t>(row.kind)]},
+                                   {"limit", row.limit}};
+        for (const auto& [people, figured] : figures) {
+            const std::string size = std::to_string(people);
+            if (const auto figure = figureOf(row, figured)) {
+                one["measured"][size] = figured.at(row.measured);
+                one["figure"][size] = *figure;
+                if (row.reference != nullptr) {
+                    one["reference"][size] = figured.at(row.reference);
+                }
+            }
+        }
+        if (one.contains("figure")) {
+            rows.push_back(std::move(one));
+        }
+    }
+    return rows.dump(1) + "\n";
 }
 
 } // namespace bench
