@@ -49,6 +49,7 @@ Outcome Sandbox::shell(const std::string& line) const {
 Outcome Sandbox::execute(const std::string& command) const {
     const std::string environment = "cd " + quoted(folder()) + "; export HOME=" + quoted(folder() / "home") +
                                     " XDG_DATA_HOME=" + quoted(folder() / "home/data") +
+                                    " XDG_CONFIG_HOME=" + quoted(folder() / "home/config") +
                                     " ADDRESSBOOK_HOME=" + quoted(book()) + " TZ=Europe/Copenhagen; ";
     const int status = std::system((environment + "{ " + command + "; } <stdin >stdout 2>stderr").c_str());
     Outcome outcome;

@@ -185,6 +185,24 @@ TEST_F(SyncCommandTest, AServerThatIsNotThereDoesNotStopTheOthers) {
     EXPECT_THAT(other({"sync"}).err, HasSubstr("there is no account to keep in step with"));
 }
 
+TEST_F(SyncCommandTest, ABookFromElsewhereRunsNoCommandAndSendsNoPassword) {
+    const std::vector<std::string> add{
+        "account", "add", url(), "--user", newUser(), "--password-command", "touch ran; cat password",
+        "--name",  "else"};
+    std::vector<std::string> first = add;
+    first.insert(first.end(), {"--create", "Others"});
+    ASSERT_EQ(run(first).status, 0);
+    ASSERT_EQ(run({"sync", "else"}).status, 0);
+    shell("rm -r home/config ran");
+    const Outcome refused = run({"sync", "else"});
+    EXPECT_EQ(refused.status, 4);
+    EXPECT_THAT(refused.err, HasSubstr("you have not said on this machine that " + url()));
+    EXPECT_FALSE(std::filesystem::exists(folder() / "ran"));
+    ASSERT_EQ(run(add).status, 0);
+    EXPECT_EQ(run({"sync", "else"}).status, 0);
+    EXPECT_EQ(shell("stat -c %a home/config/addressbook/permissions").out, "600\n");
+}
+
 TEST_F(SyncCommandTest, PeopleOfAnAccountThatIsRemovedStayUnlessTheyAreNotToo) {
     share();
     EXPECT_EQ(

@@ -10,6 +10,7 @@
 #include "tools/addressbook/property_path.h"
 #include "tools/addressbook/sync/keyring.h"
 #include "tools/addressbook/sync/password.h"
+#include "tools/addressbook/sync/permissions.h"
 #include "tools/addressbook/sync/places.h"
 #include "tools/addressbook/sync/server.h"
 #include "tools/addressbook/terminal.h"
@@ -380,6 +381,9 @@ int runAccountAdd(const Options& options) {
     complete.source = complete.user.empty() ? PasswordSource::none : complete.source;
     password.keep(complete);
     Store store = open(options, Store::Access::readWrite);
+    for (const carddav::Book& book : chosen) {
+        permit(complete, book.url);
+    }
     const Noted noted = save(store, complete, chosen, options.addAccount.isDefault);
     show(found.books.books, chosen);
     if (!noted.known.empty()) {

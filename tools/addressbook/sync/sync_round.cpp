@@ -3,6 +3,7 @@
 #include "tools/addressbook/interrupt.h"
 #include "tools/addressbook/output.h"
 #include "tools/addressbook/progress.h"
+#include "tools/addressbook/sync/permissions.h"
 
 #include "frameworks/AddressBook/carddav/server_collection.h"
 
@@ -34,6 +35,7 @@ Outcome syncBook(Store& store, Server& server, const SyncCollection& book, const
         outcome.trouble = error.what();
     };
     try {
+        requirePermission(server.account(), book.url);
         const std::unique_ptr<carddav::Collection> cards = carddav::openCollection(server.client(), book.url);
         outcome.summary = sync::runCycle(store, book.id, *cards, options);
         outcome.status = outcome.summary.refused.empty() ? kDone : kIncomplete;
