@@ -88,6 +88,31 @@ TEST_F(SyncCommandTest, WhatIsMovedToAnAccountIsSentAndItSaysWhereItBelongs) {
     EXPECT_EQ(run({"check"}).status, 0);
 }
 
+TEST_F(SyncCommandTest, AllOfAPlaceIsMovedAtOnceButCategoriesGoWithTheirPeople) {
+    ASSERT_EQ(run({"import", "-"}, std::string(kTwo) +
+                                       "BEGIN:VCARD\r\nVERSION:3.0\r\nN:Choir;;;;\r\nFN:Choir\r\n"
+                                       "X-ADDRESSBOOKSERVER-KIND:group\r\nEND:VCARD\r\n")
+                  .status,
+              0);
+    EXPECT_THAT(run({"move", "--to", "ida"}).err, HasSubstr("move needs ids, or --from"));
+    EXPECT_EQ(run({"move", kIda, "--from", "local", "--to", "ida"}).status, 2);
+    EXPECT_THAT(run({"move", "--from", "local", "--to", "ida"}).err, HasSubstr("3 records moved to ida"));
+    EXPECT_EQ(run({"sync"}).err, "ida/Friends: 3 sent\n");
+    EXPECT_EQ(other({"sync"}).err, "ida/Friends: 3 fetched\n");
+    EXPECT_THAT(other({"groups"}).out, HasSubstr("Choir"));
+    file("per.vcf", "BEGIN:VCARD\r\nVERSION:3.0\r\nUID:per\r\nN:Lund;Per;;;\r\nFN:Per "
+                    "Lund\r\nCATEGORIES:Band\r\nEND:VCARD\r\n");
+    ASSERT_EQ(run({"account", "list"}).status, 0);
+    shell("curl -sf -u " + user_ + ":" + kPassword +
+          " -H 'Content-Type: text/vcard' -T per.vcf \"$(\"$A\" account list | "
+          "cut -f 2)per.vcf\"");
+    ASSERT_EQ(run({"sync"}).err, "ida/Friends: 1 fetched\n");
+    EXPECT_THAT(run({"groups", "--account", "ida"}).out, HasSubstr("Band"));
+    EXPECT_THAT(run({"move", "--from", "ida", "--to", "local"}).err, HasSubstr("4 records moved to local"));
+    EXPECT_EQ(run({"sync", "--force"}).err, "ida/Friends: 4 deleted on the server\n");
+    EXPECT_THAT(run({"groups"}).out, HasSubstr("Band\t1"));
+}
+
 TEST_F(SyncCommandTest, BetweenTwoAddressBooksTheUidStays) {
     share();
     ASSERT_EQ(add(user_, "Work", {"--name", "ida"}).status, 0);

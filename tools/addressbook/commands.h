@@ -73,6 +73,7 @@ struct Options {
     struct {
         std::vector<std::string> ids;
         std::string to;
+        std::string from; // all that belong there
     } move;
 };
 

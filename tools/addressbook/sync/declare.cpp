@@ -95,14 +95,20 @@ class Declaration {
         CLI::App* sub = command(
             app_, "move", "Move people and groups to an address book on a server, or away from it",
             "  addressbook move 6F9619FF-8B86-D011-B42D-00CF4FC964FF --to ida@example.com/Friends\n"
-            "  addressbook list --account local | cut -f 1 | xargs addressbook move --to ida@example.com\n"
+            "  addressbook move --from local --to ida@example.com\n"
             "  addressbook move 6F9619FF-8B86-D011-B42D-00CF4FC964FF --to local\n"
             "Here nothing changes but where they belong; the next addressbook sync deletes them on the "
             "server that "
             "they leave, and makes them on the other.",
             runMove);
-        sub->add_option("ID", options_.move.ids, "Unique ids, with or without what follows the colon")
-            ->required();
+        CLI::Option* ids =
+            sub->add_option("ID", options_.move.ids, "Unique ids, with or without what follows the colon");
+        sub->add_option(
+               "--from", options_.move.from,
+               "Instead of ids: all people and groups of an account, of one of its address books, or "
+               "local")
+            ->type_name("ACCOUNT[/BOOK]")
+            ->excludes(ids);
         sub->add_option("--to", options_.move.to, "Where to: an account, one of its address books, or local")
             ->type_name("ACCOUNT[/BOOK]")
             ->required();

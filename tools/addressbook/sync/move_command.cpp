@@ -14,6 +14,7 @@
 #include <iostream>
 #include <optional>
 #include <set>
+#include <stdexcept>
 
 namespace addressbook::tool {
 namespace {
@@ -53,9 +54,34 @@ bool move(const Store& store, const std::string& uid, std::int64_t book, SyncCha
     return true;
 }
 
+// Whether a record is a category of people on a server, which goes where they are.
+bool isCategory(const Store& store, const std::string& uid) {
+    const std::vector<SyncLink> links = store.syncLinksOf(uid);
+    return !links.empty() && sync::categoryOf(links.front().href).has_value();
+}
+
+// Returns the records that the options name: by their ids, or all that belong to a place.
+std::vector<RecordRef> chosenRecords(const Store& store, const Options& options) {
+    std::vector<RecordRef> records;
+    for (const std::string& id : options.move.ids) {
+        records.push_back(findRecord(store, id));
+    }
+    if (!options.move.from.empty()) {
+        for (const RowId row : rowsIn(store, options.move.from)) {
+            if (auto record = store.find(row); record && !isCategory(store, record->uid)) {
+                records.push_back(*std::move(record));
+            }
+        }
+    }
+    return records;
+}
+
 } // namespace
 
 int runMove(const Options& options) {
+    if (options.move.ids.empty() && options.move.from.empty()) {
+        throw std::invalid_argument("move needs ids, or --from with what all is to be moved from");
+    }
     Store store = open(options, Store::Access::readWrite);
     if (store.readOnly()) {
         throw readOnlyError(store.file());
@@ -66,8 +92,7 @@ int runMove(const Options& options) {
     std::set<RowId> seen;
     ChangeSet changes;
     changes.time = currentTime();
-    for (const std::string& id : options.move.ids) { // all are looked up before any is moved
-        RecordRef record = findRecord(store, id);
+    for (RecordRef& record : chosenRecords(store, options)) { // all are looked up before any is moved
         if (seen.insert(record.row).second && move(store, record.uid, book, changes.sync)) {
             // The change log tells of the record, by which the next cycle, and who watches, learn of it.
             changes.records.push_back({.uid = record.uid, .kind = record.kind, .values = {}});
