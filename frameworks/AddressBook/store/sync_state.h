@@ -25,7 +25,7 @@ enum class PasswordSource : int {
 // A user of a server.
 struct SyncAccount {
     std::int64_t id = 0; // 0: a new one
-    std::string url;     // as its user gave it: the address of a server or of what is on it, or a mail address
+    std::string url; // as its user gave it: the address of a server or of what is on it, or a mail address
     std::string user;
     std::string name; // by which users call it; no two have the same
     PasswordSource source = PasswordSource::none;

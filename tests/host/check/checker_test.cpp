@@ -53,13 +53,14 @@ TEST(CheckerTest, EveryCalculationOfAFileIsLookedAt) {
 }
 
 TEST(CheckerTest, EveryMistakeOfAScriptIsTold) {
-    EXPECT_EQ(problems("If [ 1 + ]\nBep\nEnd If\nSet Field [ x ]\nLoop\n", FileKind::script),
-              "1:10-1:11 1204 expected a value (a number, a text in quotes, a variable, a function or "
-              "\"(\"), found ]\n"
-              "2:1-2:4 1208 there is no script step called Bep; did you mean Beep?\n"
-              "4:1-4:10 1225 Set Field is not supported: there are no fields here; use Set Variable or Insert "
-              "Calculated Result with a variable\n"
-              "5:1-5:5 1203 this Loop is not closed; expected End Loop\n");
+    EXPECT_EQ(
+        problems("If [ 1 + ]\nBep\nEnd If\nSet Field [ x ]\nLoop\n", FileKind::script),
+        "1:10-1:11 1204 expected a value (a number, a text in quotes, a variable, a function or "
+        "\"(\"), found ]\n"
+        "2:1-2:4 1208 there is no script step called Bep; did you mean Beep?\n"
+        "4:1-4:10 1225 Set Field is not supported: there are no fields here; use Set Variable or Insert "
+        "Calculated Result with a variable\n"
+        "5:1-5:5 1203 this Loop is not closed; expected End Loop\n");
 }
 
 TEST(CheckerTest, NamesOfScriptsAreLookedUp) {
