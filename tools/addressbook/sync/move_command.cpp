@@ -63,6 +63,7 @@ bool isCategory(const Store& store, const std::string& uid) {
 // Returns the records that the options name: by their ids, or all that belong to a place.
 std::vector<RecordRef> chosenRecords(const Store& store, const Options& options) {
     std::vector<RecordRef> records;
+    records.reserve(options.move.ids.size());
     for (const std::string& id : options.move.ids) {
         records.push_back(findRecord(store, id));
     }
