@@ -1,7 +1,7 @@
 # The two commands: `make demo` shows the main job on real input, `make test` runs the tests. CI adds lint and test-tsan.
 # Both install what is missing from packages.txt by themselves (Debian 12; root, or sudo).
 
-.PHONY: help demo bench bench-servers test test-asan test-tsan test-long test-leaks test-packages test-interop test-servers coverage lint analyze format build mac package release picture setup clean
+.PHONY: help demo bench bench-servers test test-asan test-tsan test-long test-leaks test-packages test-interop test-servers coverage fuzz lint analyze format build mac package release picture setup clean
 .DEFAULT_GOAL := help
 
 help: ## this list
@@ -33,6 +33,10 @@ test-long: setup ## the tests that gain by time: an hour of hosts on one book (M
 
 test-leaks: build ## a million calls of every function (CALLS=1000000), after which the memory in use is what it was
 	@VELOCARD_CALLS=$(or $(CALLS),1000000) build/release/tests/plugin_test --gtest_filter='LeakTest.*'
+
+fuzz: setup ## look for faults by inputs that find their own way through the code, MINUTES=5 for each door; DOORS="vcard csv"
+	@scripts/install-packages packages-fuzz.txt
+	@scripts/fuzz
 
 bench: setup ## measure speed and memory against plain SQLite; PEOPLE=1000000 for the largest books
 	@scripts/bench

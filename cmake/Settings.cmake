@@ -58,6 +58,13 @@ if(NOT APPLE AND NOT VELOCARD_SANITIZE)
   add_link_options(LINKER:-z,relro LINKER:-z,now LINKER:-z,noexecstack)
 endif()
 
+# All libraries tell fuzz_coverage, which is among fuzz/, what is run and what is compared. Between all that is inserted,
+# GCC no longer sees what is initialized.
+if(VELOCARD_FUZZ)
+  add_compile_options(-O1 -fsanitize-coverage=trace-pc,trace-cmp -D_GLIBCXX_ASSERTIONS -Wno-maybe-uninitialized)
+  link_libraries(fuzz_coverage)
+endif()
+
 # velocard_foundation: Foundation, from GNUstep or from Apple; for Objective-C and Objective-C++ targets.
 add_library(velocard_foundation INTERFACE)
 if(APPLE)

@@ -87,7 +87,7 @@ ROOMS = {
     "tools": Room((MODEL, STORE, VCARD, CSV, CARDDAV, SYNC, VALUES, COMMAND_LINE), ("CLI11", "json", "libsecret", "dl"), (), "tools know the frameworks' C++ rooms"),
 }
 # Who measures and tests may know everybody; nobody knows them. What tests share knows no test.
-OPEN_ROOMS = "bench", "tests"
+OPEN_ROOMS = "bench", "fuzz", "tests"
 SUPPORT = "tests/support"
 
 # Files that are one unit, and may know one another: what they share stands in one header, the work in several sources.
