@@ -52,7 +52,8 @@ void lookAt(const Container& container) {
     for (const Container::Stream& stream : container) {
         total += stream.bytes().size();
         if (const auto header = readPictureHeader(stream.bytes())) {
-            fuzz::claim(header->width > 0 && header->height > 0 && isPictureType(header->type), "a picture has sides and a type");
+            fuzz::claim(header->width > 0 && header->height > 0 && isPictureType(header->type),
+                        "a picture has sides and a type");
         }
     }
     fuzz::claim(total == container.totalSize(), "a container is as large as its streams together");
@@ -77,7 +78,8 @@ extern "C" int LLVMFuzzerTestOneInput(const uint8_t* data, size_t size) {
     session.setVariable(u"$name", Value::text(name));
     session.setVariable(u"$file", Value::container(container));
     for (const char16_t* text : kCalculations) {
-        fuzz::evaluate(session, parseCalculation(std::make_shared<const Source>("", text), session.functions()));
+        fuzz::evaluate(session,
+                       parseCalculation(std::make_shared<const Source>("", text), session.functions()));
     }
     return 0;
 }

@@ -16,8 +16,9 @@ using namespace addressbook::csv;
 
 using People = std::vector<Person>;
 
-const std::vector<PropertyDefinition> kOwn{{Kind::person, "Shoe size", static_cast<int>(Type::integer)},
-                                           {Kind::person, "Boats", static_cast<int>(Type::string) + kMultiValue}};
+const std::vector<PropertyDefinition> kOwn{
+    {Kind::person, "Shoe size", static_cast<int>(Type::integer)},
+    {Kind::person, "Boats", static_cast<int>(Type::string) + kMultiValue}};
 
 // Returns the people in a file, as far as it can be read.
 People peopleIn(const std::string& text, const std::string& charset, char separator, DateOrder order) {

@@ -19,7 +19,8 @@ extern "C" int LLVMFuzzerTestOneInput(const uint8_t* data, size_t size) {
     Session session;
     CustomFunctions functions;
     std::vector<CalcError> errors;
-    functions.load({std::make_shared<const Source>("input.fmfn", fromUtf8(text))}, session.functions(), errors);
+    functions.load({std::make_shared<const Source>("input.fmfn", fromUtf8(text))}, session.functions(),
+                   errors);
     for (const CalcError& error : errors) {
         (void)error.report();
     }
@@ -27,7 +28,8 @@ extern "C" int LLVMFuzzerTestOneInput(const uint8_t* data, size_t size) {
     for (const auto& [name, function] : functions.all()) {
         for (const Value& argument : {Value::text(u"a¶B"), Value::number(Number(7))}) {
             try {
-                fuzz::readAll(callFunction(session, function, std::vector<Value>(function->parameters().size(), argument)));
+                fuzz::readAll(callFunction(session, *function,
+                                           std::vector<Value>(function->parameters().size(), argument)));
             } catch (const CalcError& error) {
                 (void)error.report();
             }

@@ -1,7 +1,7 @@
 // What a CardDAV server answers: a multistatus document in pieces, a condition, addresses and etags.
 
-#include "frameworks/AddressBook/carddav/error.h"
 #include "frameworks/AddressBook/carddav/multistatus.h"
+#include "frameworks/AddressBook/carddav/error.h"
 #include "frameworks/AddressBook/carddav/url.h"
 #include "fuzz/support/claim.h"
 #include "fuzz/support/input.h"
@@ -40,7 +40,8 @@ Answer read(std::string_view text, std::size_t each) {
             ++answer.resources;
             answer.told += resource.href + ' ' + std::to_string(resource.status) + ' ';
             for (const Property& property : resource.properties) {
-                fuzz::claim(property.text.size() <= kMostText, "a property has no more text than it may have");
+                fuzz::claim(property.text.size() <= kMostText,
+                            "a property has no more text than it may have");
                 answer.told += property.name + '=' + property.text + ';';
             }
         },
@@ -52,7 +53,8 @@ Answer read(std::string_view text, std::size_t each) {
         reader.finish();
         answer.told += reader.syncToken();
     } catch (const Error& error) {
-        fuzz::claim(error.kind() == ErrorKind::malformedAnswer, "a document that cannot be read is a malformed answer");
+        fuzz::claim(error.kind() == ErrorKind::malformedAnswer,
+                    "a document that cannot be read is a malformed answer");
         answer.told = "malformed";
     }
     return answer;

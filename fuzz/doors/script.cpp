@@ -57,12 +57,14 @@ extern "C" int LLVMFuzzerTestOneInput(const uint8_t* data, size_t size) {
     const FunctionRegistry functions;
     const StepRegistry steps;
     std::vector<CalcError> errors;
-    const Script script = parseScript(std::make_shared<const Source>("input", fromUtf8(text)), functions, steps, errors);
+    const Script script =
+        parseScript(std::make_shared<const Source>("input", fromUtf8(text)), functions, steps, errors);
     for (const CalcError& error : errors) {
         (void)error.report();
     }
     for (const Step& step : script.steps) {
-        fuzz::claim(step.target <= script.steps.size() && step.begin <= step.end, "a step jumps into its script");
+        fuzz::claim(step.target <= script.steps.size() && step.begin <= step.end,
+                    "a step jumps into its script");
     }
     if (errors.empty()) {
         run(text);

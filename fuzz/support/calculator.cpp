@@ -19,8 +19,8 @@ constexpr std::chrono::milliseconds kTime{250};
 void readAll(const host::Value& value) {
     (void)value.asText();
     (void)value.asBoolean();
-    for (const auto type : {host::ValueType::text, host::ValueType::number, host::ValueType::date, host::ValueType::time,
-                            host::ValueType::timestamp, host::ValueType::container}) {
+    for (const auto type : {host::ValueType::text, host::ValueType::number, host::ValueType::date,
+                            host::ValueType::time, host::ValueType::timestamp, host::ValueType::container}) {
         (void)value.convertedTo(type).asText();
     }
 }

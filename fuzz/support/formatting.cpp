@@ -26,7 +26,8 @@ void formatAndCheck(std::string_view text, host::FileKind kind) {
         const host::FormatStyle style;
         const auto once = std::make_shared<const host::Source>("input", formatFile(source, kind, style));
         claim(formatFile(once, kind, style) == once->text(), "formatting twice is the same as once");
-        claim((problemsIn(once, kind) == 0) == (problems == 0), "formatting leaves right what is right, and wrong what is wrong");
+        claim((problemsIn(once, kind) == 0) == (problems == 0),
+              "formatting leaves right what is right, and wrong what is wrong");
     } catch (const host::CalcError& error) {
         (void)error.report();
     }

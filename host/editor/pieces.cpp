@@ -115,7 +115,24 @@ class PieceReader {
         default:
             break;
         }
-        push(std::move(piece), token.begin);
+        if (!joinsEncoding(piece, token.begin)) {
+            push(std::move(piece), token.begin);
+        }
+    }
+
+    // Adds the number of an encoding that is a step's option to the pieces before it: "Read as: UTF-8" subtracts
+    // nothing. Returns false when it is none.
+    bool joinsEncoding(const Piece& number, size_t offset) {
+        const size_t count = pieces_.size();
+        if (!isStep_ || !open_.empty() || count < 3 || pieces_[count - 3].kind != PieceKind::label ||
+            foldName(pieces_[count - 2].text) != u"utf" || pieces_[count - 1].text != u"-" ||
+            offsets_[count - 1] != offsets_[count - 2] + 3 || offset != offsets_[count - 1] + 1) {
+            return false;
+        }
+        pieces_.pop_back();
+        offsets_.pop_back();
+        pieces_.back().text += u'-' + number.text;
+        return true;
     }
 
     void open(Piece piece, const Token& token, const Piece* last) {

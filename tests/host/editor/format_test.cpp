@@ -76,6 +76,10 @@ TEST(FormatTest, Scripts) {
     EXPECT_EQ(script("Loop\nExit Loop If[\n$x>3]\nPause/Resume Script[Duration (seconds):.5]\nEnd Loop"),
               "Loop\n    Exit Loop If [ $x > 3 ]\n    Pause/Resume Script [ Duration (seconds): .5 "
               "]\nEnd Loop\n");
+    EXPECT_EQ(
+        script("Write to Data File[File ID:$f;Data source:utf-8;Write as: UTF-16;Append line feed]"),
+        "Write to Data File [ File ID: $f ; Data source: utf-8 ; Write as: UTF-16 ; Append line feed ]\n");
+    EXPECT_EQ(script("Set Variable [ $x ; Value: $utf-8 ]"), "Set Variable [ $x ; Value: $utf - 8 ]\n");
     EXPECT_EQ(script("Perform Script[“ other ”;Parameter:1]\nEnd If"),
               "Perform Script [ “ other ” ; Parameter: 1 ]\nEnd If\n");
     EXPECT_EQ(script("Set Variable [ $x ; Value: List ( \"aaaa\" ; \"bbbb\" ) ]", 40),
