@@ -30,6 +30,7 @@ People peopleIn(const std::string& text, const std::string& charset, char separa
         return people;
     }
     std::vector<Column> columns;
+    columns.reserve(header->cells.size());
     for (const std::string& name : header->cells) {
         columns.push_back(columnNamed(name, kOwn).value_or(Column()));
     }

@@ -25,9 +25,8 @@ constexpr const char16_t* kCalculations[] = {
     u"JSONSetElement ( $json ; $path ; $value ; JSONString )",
     u"JSONSetElement ( $json ; $path ; $value ; JSONNumber )",
     u"JSONSetElement ( $json ; $path ; $value ; JSONRaw )",
-    u"JSONSetElement ( $json ; [ $path ; $json ; JSONObject ] ; [ $path & \".a[+]\" ; $value ; JSONArray ] ; "
-    u"[ \"[:]\" ; $value ; "
-    u"JSONBoolean ] )",
+    u"JSONSetElement ( $json ; [ $path ; $json ; JSONObject ] ; [ \"[:]\" ; $value ; JSONBoolean ] )",
+    u"JSONSetElement ( $json ; $path & \".a[+]\" ; $value ; JSONArray )",
     u"JSONMakeArray ( $json ; $value ; JSONRaw )",
     u"JSONParse ( $json )",
     u"JSONParsedState ( $json )",
