@@ -1,5 +1,7 @@
 #import "plugin/vocabulary/labels.h"
 
+#include "plugin/support/retained.h"
+
 namespace koru {
 namespace {
 
@@ -107,15 +109,15 @@ namespace {
 // Of several words for a label the first one counts. Lives until the process ends.
 NSDictionary* wordsByLabel() {
     static NSDictionary* const words = [] {
-        NSMutableDictionary* found = [[NSMutableDictionary alloc] init];
+        auto found = Retained<NSMutableDictionary>::adopt([[NSMutableDictionary alloc] init]);
         for (const auto labels : {frameworkLabels(), exchangeLabels(), messagingLabels()}) {
             for (const Label& row : labels) {
-                if (NSString* label = row.stored(); label != nil && [found objectForKey:label] == nil) {
-                    [found setObject:row.word forKey:label];
+                if (NSString* label = row.stored(); label != nil && [found.get() objectForKey:label] == nil) {
+                    [found.get() setObject:row.word forKey:label];
                 }
             }
         }
-        return found;
+        return found.leak();
     }();
     return words;
 }
