@@ -1,4 +1,4 @@
-# The two commands: `make demo` shows the main job on real input, `make test` runs the tests. CI adds lint and test-tsan.
+# The two commands: `make demo` shows the main job on real input, `make test` runs the tests. CI adds lint.
 # Both install what is missing from packages.txt by themselves (Debian 12; root, or sudo).
 
 .PHONY: help demo bench bench-servers test test-asan test-tsan test-long test-leaks test-packages test-interop test-servers coverage fuzz lint analyze format build mac package release picture setup clean
