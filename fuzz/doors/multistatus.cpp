@@ -2,6 +2,7 @@
 
 #include "frameworks/AddressBook/carddav/multistatus.h"
 #include "frameworks/AddressBook/carddav/error.h"
+#include "frameworks/AddressBook/carddav/etag.h"
 #include "frameworks/AddressBook/carddav/url.h"
 #include "fuzz/support/claim.h"
 #include "fuzz/support/input.h"

@@ -1,5 +1,6 @@
 // Answers of PROPFIND and REPORT, good and bad.
 
+#include "frameworks/AddressBook/carddav/etag.h"
 #include "frameworks/AddressBook/carddav/multistatus.h"
 
 #include "tests/carddav/support.h"

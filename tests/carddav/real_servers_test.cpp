@@ -1,7 +1,7 @@
 // The whole way with servers that others wrote.
 
 #include "frameworks/AddressBook/carddav/discovery.h"
-#include "frameworks/AddressBook/carddav/multistatus.h"
+#include "frameworks/AddressBook/carddav/etag.h"
 #include "frameworks/AddressBook/carddav/server_collection.h"
 
 #include "tests/carddav/debian_servers.h"

@@ -14,6 +14,7 @@ namespace addressbook {
 namespace {
 
 namespace fs = std::filesystem;
+using testing::AllOf;
 using testing::AnyOf;
 using testing::ContainsRegex;
 using testing::HasSubstr;
@@ -201,6 +202,22 @@ TEST_F(MannersTest, ATerminalShowsHowFarItIs) {
         shell("mkfifo fifo; { cat; sleep 1; echo 'BEGIN:VCARD\nN:B\nEND:VCARD'; } >fifo & "
               "script -qec \"$A import fifo\" /dev/null </dev/null");
     EXPECT_THAT(outcome.out, ContainsRegex("\r\x1B\\[Kfifo: 1 card\r\x1B\\[K1 card read: 1 added"));
+}
+
+// The library for servers brings some twenty others with it.
+TEST_F(MannersTest, OnlyWhoAsksAServerWaitsForItsLibraries) {
+    EXPECT_THAT(shell("LD_TRACE_LOADED_OBJECTS=1 $A").out,
+                AllOf(HasSubstr("libsqlite3"), Not(HasSubstr("libcurl")), Not(HasSubstr("libxml2"))));
+}
+
+TEST_F(MannersTest, TheLibraryForServersIsNamedWhenItIsMissing) {
+    run({"import", file("card.vcf", cards(1))});
+    const Outcome outcome = shell("cp $A alone && ./alone account add --user ida --password-command 'echo "
+                                  "secret' https://localhost:1/");
+    EXPECT_EQ(outcome.status, 1) << outcome.out;
+    EXPECT_THAT(outcome.err,
+                HasSubstr("the library for servers cannot be loaded: libAddressBookCardDAV.so: "));
+    EXPECT_THAT(shell("./alone list").out, HasSubstr("Name 0")) << "all else goes on";
 }
 
 } // namespace

@@ -8,7 +8,7 @@
 // threw leaves it.
 //
 // Hrefs are paths in the form of normalHref(), so that equal ones are the same text; they are what a copy stores.
-// Etags are as the server wrote them: sameEtag() compares them.
+// Etags are as the server wrote them: sameEtag() in etag.h compares them.
 
 #include "frameworks/AddressBook/carddav/error.h"
 

@@ -106,11 +106,4 @@ struct Condition {
 // Returns what a DAV:error document says.
 Condition readCondition(std::string_view body);
 
-// Whether two etags are of the same contents: some servers leave the quotes out, or mark as weak what they do not in
-// another place. An empty etag is like no other.
-bool sameEtag(std::string_view one, std::string_view other);
-
-// Whether it is marked as weak: W/"...".
-bool isWeakEtag(std::string_view etag);
-
 } // namespace addressbook::carddav

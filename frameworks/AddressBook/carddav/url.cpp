@@ -88,11 +88,6 @@ std::string normalPath(std::string_view path) {
 
 } // namespace
 
-std::string Url::origin() const {
-    const bool usual = port == (scheme == "https" ? 443 : 80);
-    return scheme + "://" + host + (usual ? "" : ':' + std::to_string(port));
-}
-
 bool Url::isLoopback() const {
     const bool dotted =
         std::all_of(host.begin(), host.end(), [](char c) { return (c >= '0' && c <= '9') || c == '.'; });

@@ -16,7 +16,10 @@ struct Url {
     std::string path; // with the query; at least "/"
 
     // Returns "https://host:port", without the port where it is the scheme's own.
-    [[nodiscard]] std::string origin() const;
+    [[nodiscard]] std::string origin() const {
+        const bool usual = port == (scheme == "https" ? 443 : 80);
+        return scheme + "://" + host + (usual ? "" : ':' + std::to_string(port));
+    }
 
     // Whether requests stay on this machine: localhost, 127.0.0.0/8, ::1.
     [[nodiscard]] bool isLoopback() const;

@@ -1,6 +1,6 @@
 #include "frameworks/AddressBook/carddav/write.h"
 
-#include "frameworks/AddressBook/carddav/multistatus.h"
+#include "frameworks/AddressBook/carddav/etag.h"
 #include "frameworks/AddressBook/carddav/url.h"
 
 namespace addressbook::carddav {

@@ -1,6 +1,6 @@
 #include "frameworks/AddressBook/sync/listing.h"
 
-#include "frameworks/AddressBook/carddav/multistatus.h"
+#include "frameworks/AddressBook/carddav/etag.h"
 #include "frameworks/AddressBook/sync/links.h"
 
 #include <algorithm>

@@ -2,12 +2,12 @@
 
 #include "tools/addressbook/commands.h"
 
-#include "frameworks/AddressBook/carddav/discovery.h"
 #include "frameworks/AddressBook/values/calendar.h"
 #include "frameworks/AddressBook/values/text.h"
 #include "tools/addressbook/interrupt.h"
 #include "tools/addressbook/output.h"
 #include "tools/addressbook/property_path.h"
+#include "tools/addressbook/sync/carddav_library.h"
 #include "tools/addressbook/sync/keyring.h"
 #include "tools/addressbook/sync/password.h"
 #include "tools/addressbook/sync/permissions.h"
@@ -133,7 +133,6 @@ Error withAdvice(const Error& error, const SyncAccount& account) {
 
 // Asks the server with one user after the other until it takes one. Throws Error and Failure.
 Found find(SyncAccount account, std::vector<std::string> users, TriedPassword& password) {
-    const carddav::SystemDns dns;
     const auto confirmHost = [&](const std::string& host) {
         return canAsk() && confirm("The server that " + account.url + " leads to is " + host +
                                    ". Shall it get the password?");
@@ -143,7 +142,7 @@ Found find(SyncAccount account, std::vector<std::string> users, TriedPassword& p
         auto server =
             std::make_unique<Server>(account, [account, &password] { return password.get(account); });
         try {
-            carddav::Account books = carddav::discover(server->client(), account.url, dns, confirmHost);
+            carddav::Account books = carddavLibrary().discover(server->client(), account.url, confirmHost);
             return {std::move(server), std::move(books)};
         } catch (const Error& error) {
             throwIfInterrupted();
@@ -236,7 +235,7 @@ carddav::Book makeBook(const Found& found, const std::string& name) {
     if (found.books.homes.empty()) {
         throw Failure("the server does not tell where address books can be made");
     }
-    return carddav::createBook(found.server->client(), found.books.homes.front(), name);
+    return carddavLibrary().createBook(found.server->client(), found.books.homes.front(), name);
 }
 
 // Returns the books that the options choose.

@@ -1,8 +1,7 @@
 #include "tools/addressbook/sync/permissions.h"
 
 #include "tools/addressbook/output.h"
-
-#include "frameworks/AddressBook/carddav/url.h"
+#include "tools/addressbook/sync/carddav_library.h"
 
 #include <array>
 #include <cerrno>
@@ -36,7 +35,7 @@ fs::path permissionsFile() {
 
 // Returns the line: server, user, where the password comes from, and more of that. Tabs stand between them.
 std::string lineOf(const SyncAccount& account, const std::string& url) {
-    const auto parts = carddav::parseUrl(url);
+    const auto parts = carddavLibrary().parseUrl(url);
     return escaped(parts ? parts->origin() : url) + '\t' + escaped(account.user) + '\t' +
            kSources.at(static_cast<std::size_t>(account.source)) + '\t' + escaped(account.password);
 }

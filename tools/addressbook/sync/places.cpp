@@ -1,8 +1,8 @@
 #include "tools/addressbook/sync/places.h"
 
-#include "frameworks/AddressBook/carddav/url.h"
 #include "tools/addressbook/output.h"
 #include "tools/addressbook/property_path.h"
+#include "tools/addressbook/sync/carddav_library.h"
 
 #include <algorithm>
 #include <iterator>
@@ -112,7 +112,7 @@ std::vector<std::string> Places::names() const {
 
 std::string hostOf(const SyncAccount& account) {
     const bool hasScheme = account.url.find("://") != std::string::npos;
-    const auto url = carddav::parseUrl(
+    const auto url = carddavLibrary().parseUrl(
         hasScheme ? account.url : "https://" + account.url.substr(account.url.rfind('@') + 1));
     return url ? url->host : account.url;
 }

@@ -1,6 +1,7 @@
 #include "tools/addressbook/sync/server.h"
 
 #include "tools/addressbook/interrupt.h"
+#include "tools/addressbook/sync/carddav_library.h"
 #include "tools/addressbook/sync/password.h"
 
 #include <utility>
@@ -29,7 +30,7 @@ carddav::Credentials credentialsOf(const SyncAccount& account, std::function<car
 
 Server::Server(SyncAccount account, std::function<carddav::Secret()> password)
     : account_(std::move(account)),
-      client_(optionsOf(account_), credentialsOf(account_, std::move(password))) {}
+      client_(carddavLibrary().connect(optionsOf(account_), credentialsOf(account_, std::move(password)))) {}
 
 Server::Server(const SyncAccount& account) : Server(account, [account] { return readPassword(account); }) {}
 

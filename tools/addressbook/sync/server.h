@@ -7,6 +7,7 @@
 #include "frameworks/AddressBook/store/sync_state.h"
 
 #include <functional>
+#include <memory>
 
 namespace addressbook::tool {
 
@@ -19,11 +20,11 @@ class Server {
     explicit Server(const SyncAccount& account);
 
     const SyncAccount& account() const { return account_; }
-    carddav::Client& client() { return client_; }
+    carddav::Client& client() { return *client_; }
 
   private:
     SyncAccount account_;
-    carddav::Client client_;
+    std::shared_ptr<carddav::Client> client_;
 };
 
 } // namespace addressbook::tool

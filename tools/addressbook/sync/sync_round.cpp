@@ -3,13 +3,11 @@
 #include "tools/addressbook/interrupt.h"
 #include "tools/addressbook/output.h"
 #include "tools/addressbook/progress.h"
+#include "tools/addressbook/sync/carddav_library.h"
 #include "tools/addressbook/sync/permissions.h"
-
-#include "frameworks/AddressBook/carddav/server_collection.h"
 
 #include <array>
 #include <iostream>
-#include <memory>
 
 namespace addressbook::tool {
 namespace {
@@ -36,7 +34,7 @@ Outcome syncBook(Store& store, Server& server, const SyncCollection& book, const
     };
     try {
         requirePermission(server.account(), book.url);
-        const std::unique_ptr<carddav::Collection> cards = carddav::openCollection(server.client(), book.url);
+        const auto cards = carddavLibrary().openCollection(server.client(), book.url, {});
         outcome.summary = sync::runCycle(store, book.id, *cards, options);
         outcome.status = outcome.summary.refused.empty() ? kDone : kIncomplete;
     } catch (const sync::MassDeletion& held) {
