@@ -3,8 +3,6 @@
 // The host objects that a call into a plug-in needs. They are reused for the next call, as making them would
 // take longer than the call itself.
 
-#include "host/loader/conversion.h"
-
 #include "host/wrapper/interface.h"
 
 #include <memory>
@@ -16,14 +14,11 @@ namespace host {
 struct CallFrame {
     fmx::ExprEnvUniquePtr environment;
     fmx::DataVectUniquePtr arguments;
-    fmx::DataUniquePtr argument; // the value that is appended to [arguments] next
     fmx::DataUniquePtr result;
-    ConversionTools tools;
 
     // Clears the values of a call.
     void release() {
         arguments->Clear();
-        argument->Clear(fmx::Data::kDTText);
         result->Clear(fmx::Data::kDTText);
     }
 };

@@ -7,22 +7,18 @@
 
 #include "host/wrapper/interface.h"
 
+#include <span>
 #include <string>
 
 namespace host {
 
 std::u16string textOf(const fmx::Text& text);
-void setText(fmx::Text& text, std::u16string_view value);
 
 Value valueOf(const fmx::Data& data);
 
-// Objects that setData() uses, kept because making one takes longer than using it.
-struct ConversionTools {
-    fmx::TextUniquePtr text;
-    fmx::LocaleUniquePtr locale{fmx::Locale::kType_System};
-};
-
 // Sets [data] to a value, with the native type of its type.
-void setData(fmx::Data& data, const Value& value, ConversionTools& tools);
+void setData(fmx::Data& data, const Value& value);
+// Sets the arguments of a call.
+void setArguments(fmx::DataVect& arguments, std::span<const Value> values);
 
 } // namespace host

@@ -20,11 +20,7 @@ bool holdsContainer(std::span<const Value> values) {
 Value PluginHandler::call(Session& session, std::span<Value> arguments) const {
     try {
         const CallFrames::Lease frame(frames_);
-        frame->arguments->Clear();
-        for (const Value& argument : arguments) {
-            setData(*frame->argument, argument, frame->tools);
-            frame->arguments->PushBack(*frame->argument);
-        }
+        setArguments(*frame->arguments, arguments);
         frame->result->Clear(fmx::Data::kDTText);
         const fmx::errcode code = code_(identity_.id, *frame->environment, *frame->arguments, *frame->result);
         session.setLastError(code);

@@ -274,16 +274,15 @@ class PluginHost::Implementation {
 
     static fmx::errcode evaluateHook(void* context, const fmx::ExprEnv& /*environment*/,
                                      const fmx::Text& expression, fmx::Data& result) {
-        ConversionTools tools;
         if (std::this_thread::get_id() != of(context).thread_) {
-            setData(result, Value::invalid(), tools);
+            setData(result, Value::invalid());
             return kWrongThread;
         }
         try {
-            setData(result, of(context).session_.evaluate(textOf(expression)), tools);
+            setData(result, of(context).session_.evaluate(textOf(expression)));
             return 0;
         } catch (const CalcError& error) {
-            setData(result, Value::invalid(), tools);
+            setData(result, Value::invalid());
             return static_cast<fmx::errcode>(error.code());
         }
     }

@@ -58,6 +58,15 @@ void DataObject::store(Value value, int32 nativeType) {
     forgetReadings();
 }
 
+void DataObject::set(const Value& value) {
+    locale_ = {};
+    if (value.type() == ValueType::text) {
+        set(TextObject{value.storedText(), styleRuns(value.styles())});
+    } else {
+        store(value, static_cast<int32>(value.type()));
+    }
+}
+
 errcode DataObject::set(const Value& value, int32 nativeType) {
     Value converted = value.convertedTo(typeFor(nativeType));
     if (nativeType == Data::kDTBoolean && converted.isValid() && !converted.isEmpty()) {
@@ -67,8 +76,8 @@ errcode DataObject::set(const Value& value, int32 nativeType) {
     return this->value().isValid() ? kSucceeded : kNotThatType;
 }
 
-void DataObject::set(const TextObject& text) {
-    text_ = text;
+void DataObject::set(TextObject text) {
+    text_ = std::move(text);
     value_.reset();
     nativeType_ = Data::kDTText;
     forgetReadings();
@@ -78,12 +87,18 @@ void DataObject::clear(int32 nativeType) {
     store(Value::empty(typeFor(nativeType)), nativeType);
 }
 
+Value DataObject::unsharedValue() const {
+    if (!isText()) {
+        return value();
+    }
+    const auto& [characters, styles] = *text_;
+    return styles.isEmpty() ? Value::text(characters)
+                            : Value::styledText(characters, styledRuns(styles, characters.size()));
+}
+
 const Value& DataObject::value() const {
     if (!value_) {
-        value_ =
-            text_->styles.isEmpty()
-                ? Value::text(text_->characters)
-                : Value::styledText(text_->characters, styledRuns(text_->styles, text_->characters.size()));
+        value_ = unsharedValue();
     }
     return *value_;
 }

@@ -1,7 +1,6 @@
 #include "host/wrapper/host_styles.h"
 
 #include "host/wrapper/fonts.h"
-#include "host/wrapper/guard.h"
 #include "host/wrapper/objects.h"
 
 #include <limits>
@@ -72,14 +71,3 @@ StyleRuns styleRuns(const StyledRuns& runs) {
 }
 
 } // namespace host
-
-void FM_Host_GetStyles(const fmx::Text& text, host::StyledRuns& runs, fmx::_fmxcpt& block) noexcept {
-    host::guarded(block, [&] {
-        const host::TextObject& object = host::inside(text);
-        runs = host::styledRuns(object.styles, object.characters.size());
-    });
-}
-
-void FM_Host_SetStyles(fmx::Text& text, const host::StyledRuns& runs, fmx::_fmxcpt& block) noexcept {
-    host::guarded(block, [&] { host::inside(text).styles = host::styleRuns(runs); });
-}

@@ -56,14 +56,19 @@ class DataObject {
     DataObject& operator=(const DataObject&) = delete;
 
     const Value& value() const;
+    // Returns the value, which shares its text with nothing that is kept here: whoever has it may change it in
+    // place.
+    Value unsharedValue() const;
     const LocaleObject& locale() const { return locale_; }
     fmx::int32 nativeType() const { return nativeType_; }
     void setLocale(const LocaleObject& locale) { locale_ = locale; }
 
+    // Sets a value with the native type of its type, and the system's locale.
+    void set(const Value& value);
     // Sets the value, converted to a native type; an invalid value when it cannot be converted.
     fmx::errcode set(const Value& value, fmx::int32 nativeType);
     // Sets a text with its styles.
-    void set(const TextObject& text);
+    void set(TextObject text);
     void clear(fmx::int32 nativeType);
 
     const TextObject& text() const;
