@@ -1,0 +1,15 @@
+# Looks up each function of the interface that LIBRARY exports, which NM lists, in the source DOOR. Objects are deleted by
+# their owners, and FM_Host_ functions are not for plug-ins.
+execute_process(COMMAND "${NM}" -D --defined-only "${LIBRARY}" OUTPUT_VARIABLE symbols COMMAND_ERROR_IS_FATAL ANY)
+string(REGEX MATCHALL "FM_[A-Za-z0-9_]+" functions "${symbols}")
+list(FILTER functions EXCLUDE REGEX "^FM_Host_|_Delete$")
+list(LENGTH functions count)
+if(count LESS 200)
+  message(FATAL_ERROR "only ${count} functions of the interface found in ${LIBRARY}")
+endif()
+file(READ "${DOOR}" text)
+foreach(function IN LISTS functions)
+  if(NOT text MATCHES "${function}[^A-Za-z0-9_]")
+    message(SEND_ERROR "${function} is never called by ${DOOR}")
+  endif()
+endforeach()
