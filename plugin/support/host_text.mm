@@ -1,6 +1,11 @@
 #import "plugin/support/host_text.h"
 
+#include "plugin/support/immortal.h"
+#include "plugin/support/retained.h"
+#include <algorithm>
 #include <array>
+#include <functional>
+#include <string_view>
 #include <vector>
 
 namespace koru {
@@ -35,6 +40,37 @@ NSString* stringOfUnits(const TextUnit* units, NSUInteger count) {
     return exact;
 }
 
+// The strings of the short texts that were met last. Calculations name the same properties, labels and entries
+// again and again, and making a string takes longer than most of what it is for.
+class KeptStrings {
+  public:
+    static constexpr NSUInteger kLongest = 48; // units; a record's id has 45
+
+    // Returns a string with exactly these units, at least one and no more than kLongest.
+    NSString* stringOf(const TextUnit* units, NSUInteger count) {
+        const std::u16string_view text(reinterpret_cast<const char16_t*>(units), count);
+        Slot& slot = slots_[std::hash<std::u16string_view>()(text) % slots_.size()];
+        if (slot.count != count || !std::equal(units, units + count, slot.units.begin())) {
+            slot.count = 0;
+            slot.string = Retained<NSString>::adopt([stringOfUnits(units, count) copy]);
+            std::copy_n(units, count, slot.units.begin());
+            slot.count = slot.string ? count : 0;
+        }
+        // A call within the call that gets the string may need its slot.
+        return [[slot.string.get() retain] autorelease];
+    }
+
+  private:
+    struct Slot {
+        NSUInteger count = 0; // of the units; 0 when there is no string
+        std::array<TextUnit, kLongest> units{};
+        Retained<NSString> string;
+    };
+    std::array<Slot, 128> slots_;
+};
+
+constinit Immortal<KeptStrings> keptStrings;
+
 } // namespace
 
 NSString* stringFromText(const fmx::Text& text) {
@@ -44,11 +80,16 @@ NSString* stringFromText(const fmx::Text& text) {
     }
     UnicharBuffer buffer(size);
     text.GetUnicode(buffer.data(), 0, size);
-    return stringOfUnits(buffer.data(), size);
+    return size <= KeptStrings::kLongest ? keptStrings.value.stringOf(buffer.data(), size)
+                                         : stringOfUnits(buffer.data(), size);
 }
 
 NSString* textArgument(const fmx::DataVect& arguments, fmx::uint32 position) {
     return position < arguments.Size() ? stringFromText(arguments.AtAsText(position)) : nil;
+}
+
+void forgetStringsForTests() {
+    keptStrings.value = KeptStrings{};
 }
 
 void assignString(fmx::Text& text, NSString* string) {

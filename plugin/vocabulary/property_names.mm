@@ -2,9 +2,6 @@
 
 #include "plugin/records/plugin_state.h"
 #include "plugin/shell/error_state.h"
-#include <algorithm>
-#include <string>
-#include <unordered_map>
 
 namespace koru {
 namespace {
@@ -47,42 +44,20 @@ const PropertyName kPropertyNames[] = {
     {@"imyahoo", &kABYahooInstantProperty},
 };
 
-// A column of the table: its texts, and the first row with each.
-using Lookup = std::unordered_map<std::u16string, std::size_t>;
+// How many spellings of names are kept; calculations write each in one or two ways.
+constexpr NSUInteger kMostSpellings = 256;
 
-std::u16string unitsOf(NSString* text) {
-    std::u16string units([text length], u'\0');
-    [text getCharacters:reinterpret_cast<unichar*>(units.data()) range:NSMakeRange(0, units.size())];
-    return units;
-}
-
-// Returns the name in lower case and without blanks. Only a name that is not plain ASCII needs Foundation for
-// that.
-std::u16string normalised(NSString* name, std::u16string units) {
-    if (std::any_of(units.begin(), units.end(), [](char16_t unit) { return unit > 0x7F; })) {
-        units = unitsOf([name lowercaseString]);
+// Returns the property of the first row that the name is the property of, or the key of, whatever its letter
+// case and blanks; nil when there is none.
+NSString* findProperty(NSString* name) {
+    // In parts, as GNUstep cannot replace in ill-formed text.
+    NSString* key = [[[name lowercaseString] componentsSeparatedByString:@" "] componentsJoinedByString:@""];
+    for (const PropertyName& row : kPropertyNames) {
+        if ([name isEqualToString:*row.property] || [key isEqualToString:row.key]) {
+            return *row.property;
+        }
     }
-    std::erase(units, u' ');
-    for (char16_t& unit : units) {
-        unit = u'A' <= unit && unit <= u'Z' ? static_cast<char16_t>(unit - u'A' + u'a') : unit;
-    }
-    return units;
-}
-
-// Returns the table by one of its columns. Of two rows with the same text the first counts.
-template <typename TextOf>
-Lookup lookupBy(TextOf textOf) {
-    Lookup lookup;
-    for (std::size_t row = 0; row < std::size(kPropertyNames); ++row) {
-        lookup.emplace(unitsOf(textOf(kPropertyNames[row])), row);
-    }
-    return lookup;
-}
-
-// Returns the row of a text; the number of rows when there is none.
-std::size_t find(const Lookup& lookup, const std::u16string& text) {
-    const auto found = lookup.find(text);
-    return found == lookup.end() ? std::size(kPropertyNames) : found->second;
+    return nil;
 }
 
 } // namespace
@@ -99,11 +74,16 @@ NSString* toPropertyString(NSString* name) {
     if (name == nil) {
         return *kPropertyNames[0].property;
     }
-    static const Lookup byKey = lookupBy([](const PropertyName& row) { return row.key; });
-    static const Lookup byProperty = lookupBy([](const PropertyName& row) { return *row.property; });
-    const std::u16string units = unitsOf(name);
-    const std::size_t row = std::min(find(byProperty, units), find(byKey, normalised(name, units)));
-    return row < std::size(kPropertyNames) ? *kPropertyNames[row].property : nil;
+    // The names that were found, as they were spelt. Lives until the process ends.
+    static NSMutableDictionary* const found = [[NSMutableDictionary alloc] init];
+    NSString* property = [found objectForKey:name];
+    if (property == nil) {
+        property = findProperty(name);
+        if (property != nil && [found count] < kMostSpellings) {
+            [found setObject:property forKey:name];
+        }
+    }
+    return property;
 }
 
 int OpenProperty(NSString* name) {

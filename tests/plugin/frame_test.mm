@@ -266,4 +266,26 @@ TEST_F(FrameTest, AnArgumentKeepsEveryUnit) {
     EXPECT_EQ(utf8(textArgument(*vectorOf({longText}), 0)), longText);
 }
 
+TEST_F(FrameTest, AnArgumentIsTheTextOfThisCallHoweverManyCameBefore) {
+    // Of all lengths around the longest that is kept, and many more than are kept.
+    std::vector<std::string> texts;
+    for (int i = 0; i < 2000; ++i) {
+        texts.push_back(std::to_string(i) + std::string(static_cast<std::size_t>(i % 60), 'x'));
+    }
+    const auto firstText = [&] { return textArgument(*vectorOf({texts[0]}), 0); };
+    {
+        const Pool callBefore;
+        EXPECT_EQ(utf8(firstText()), texts[0]);
+    }
+    const Pool pool;
+    NSString* first = firstText();
+    for (int round = 0; round < 2; ++round) {
+        for (const std::string& text : texts) {
+            const Pool inner;
+            EXPECT_EQ(utf8(textArgument(*vectorOf({text}), 0)), text);
+        }
+    }
+    EXPECT_EQ(utf8(first), texts[0]) << "lives as long as its call";
+}
+
 } // namespace

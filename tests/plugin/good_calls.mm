@@ -249,6 +249,7 @@ std::string GoodCallsTest::kept() {
 
 GoodCallsTest::Objects GoodCallsTest::livingObjects() {
     resetStateForTests();
+    forgetStringsForTests();
     errors.g_sExceptionTxt.reset();
     Objects objects;
     const Class* classes = GSDebugAllocationClassList();

@@ -45,6 +45,10 @@ TEST_F(VocabularyTest, EveryPropertyExistsInOneOfTheClasses) {
 TEST_F(VocabularyTest, PropertyNamesIgnoreCaseAndBlanksAndNothingElse) {
     EXPECT_EQ(utf8(toPropertyString(@"First Name")), utf8(kABFirstNameProperty));
     EXPECT_EQ(utf8(toPropertyString(@" F I R S T name ")), utf8(kABFirstNameProperty));
+    for (std::size_t blanks = 1; blanks < 600; ++blanks) { // more spellings than are kept
+        const std::string name = "first" + std::string(blanks, ' ') + "name";
+        EXPECT_EQ(utf8(toPropertyString(string(name))), utf8(kABFirstNameProperty)) << name;
+    }
     EXPECT_EQ(utf8(toPropertyString(@"E-Mail")), utf8(kABEmailProperty));
     EXPECT_EQ(toPropertyString(@"email"), nil);
     EXPECT_EQ(toPropertyString(@"First-Name"), nil);
