@@ -122,7 +122,7 @@ void Importer::take(vcard::Card& card, const std::string& file) {
         report_(file, {skipped.number, skipped.line, "left out: " + skipped.reason});
     }
     if (!card.unended.empty()) {
-        report_(file, {card.number, card.line, card.unended});
+        report_(file, {card.number, card.line, card.unended + "; what it has was taken"});
     }
     std::string uid = card.uid.empty() ? idFor(card) : std::exchange(card.uid, {});
     const std::uint64_t digest = std::hash<std::string>()(card.digest);
