@@ -119,6 +119,11 @@ int DateTime::fiscalWeekOfYear(int firstDay) const noexcept {
     return static_cast<int>((middle - daysBefore(year, 1) - 1) / 7) + 1;
 }
 
+std::optional<DateTime> DateTime::normalized() const {
+    const bool isNormal = seconds_.sign() >= 0 && seconds_ < kSecondsPerDay;
+    return isNormal ? *this : fromTimestampSeconds(timestampSeconds());
+}
+
 DateTime DateTime::now() {
     const auto moment = std::chrono::system_clock::now();
     const std::time_t seconds = std::chrono::system_clock::to_time_t(moment);

@@ -72,7 +72,7 @@ class DateTime {
     Number timestampSeconds() const;
     // Returns this moment with a time from 0 to less than a day, which may change the day. Nothing when the
     // calendar does not have that day.
-    std::optional<DateTime> normalized() const { return fromTimestampSeconds(timestampSeconds()); }
+    std::optional<DateTime> normalized() const;
 
     int dayOfWeek() const noexcept { return day_ % 7 + 1; } // 1 is Sunday
     int dayOfYear() const noexcept;

@@ -126,10 +126,14 @@ errcode FM_DateTime_SetNormalizedTime1(void* object, int64 hour, int16 minute, i
                                        int32 microseconds, _fmxcpt& block) noexcept {
     return guarded(block, [&] {
         Moment& moment = self<DateTime>(object);
-        if (microseconds < 0 || microseconds > 999'999) {
+        const bool valid = hour >= 0 && hour <= host::kMaxTimeSeconds / 3600 && minute >= 0 && minute < 60 &&
+                           second >= 0 && second < 60 && microseconds >= 0 && microseconds <= 999'999;
+        if (!valid) {
             return host::kNoTime;
         }
-        return setClock(moment, hour, minute, second + Number::divide(microseconds, 1'000'000, 6));
+        const Number whole = hour * 3600 + minute * 60 + second;
+        return setTime(moment,
+                       microseconds == 0 ? whole : whole + Number::divide(microseconds, 1'000'000, 6));
     });
 }
 errcode FM_DateTime_SetNormalizedTime2(void* object, const FixPt& hour, const FixPt& minute,

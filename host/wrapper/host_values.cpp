@@ -17,7 +17,7 @@ void FM_Host_SetValues(fmx::DataVect& vector, std::span<const host::Value> value
         auto& objects = host::inside(vector).values;
         objects.clear();
         for (const host::Value& value : values) {
-            objects.emplace_back(std::make_unique<host::DataObject>())->set(value);
+            objects.push_back(std::make_unique<host::DataObject>(value));
         }
     });
 }

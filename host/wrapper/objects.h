@@ -49,6 +49,7 @@ struct FixPtObject {
 class DataObject {
   public:
     DataObject() : text_(TextObject()) {}
+    explicit DataObject(const Value& value) { set(value); }
     DataObject(const DataObject& other)
         : locale_(other.locale_), nativeType_(other.nativeType_),
           value_(other.isText() ? std::nullopt : other.value_),

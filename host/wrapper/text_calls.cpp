@@ -73,7 +73,11 @@ std::u16string decodedWide(const wchar_t* characters, size_t length) {
 
 std::u16string decodedUnits(const uint16* units, size_t length) {
     host::requireBuffer(units, length);
-    return {units, units + length};
+    std::u16string text(length, u'\0');
+    if (length != 0) {
+        std::memcpy(text.data(), units, length * sizeof *units);
+    }
+    return text;
 }
 
 size_t unitsBeforeZero(const uint16* units) {
@@ -171,7 +175,9 @@ void FM_Text_GetUnicode(const void* object, uint16* buffer, uint32 position, uin
     guarded(block, [&] {
         const std::u16string_view range = rangeOf(self<Text>(object), position, size);
         host::requireBuffer(buffer, range.size());
-        std::copy(range.begin(), range.end(), buffer);
+        if (!range.empty()) {
+            std::memcpy(buffer, range.data(), range.size() * sizeof *buffer);
+        }
     });
 }
 

@@ -113,7 +113,8 @@ NSDictionary* wordsByLabel() {
         for (const auto labels : {frameworkLabels(), exchangeLabels(), messagingLabels()}) {
             for (const Label& row : labels) {
                 if (NSString* label = row.stored(); label != nil && [found.get() objectForKey:label] == nil) {
-                    [found.get() setObject:row.word forKey:label];
+                    // A copy, as GNUstep decodes a constant each time that it is read.
+                    [found.get() setObject:[NSString stringWithString:row.word] forKey:label];
                 }
             }
         }
