@@ -41,6 +41,8 @@ OTHERS = {  # what the constants of a file, or one of them, limit where that is 
     "host/values/number.cpp": "the range of a type",
     "host/values/number.h": "digits",
     "plugin/shell/version.mm": "a word that is looked for",
+    "plugin/support/host_text.mm": "texts whose strings are kept",
+    "plugin/vocabulary/property_names.mm": "spellings that are kept",
 }
 
 
