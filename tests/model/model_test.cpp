@@ -1,4 +1,5 @@
 #include "tests/model/comparison.h"
+#include "tests/support/rounds.h"
 
 #include <cstdlib>
 #include <gtest/gtest.h>
@@ -46,7 +47,7 @@ class AgreementTest : public testing::TestWithParam<unsigned> {};
 
 TEST_P(AgreementTest, OfModelAndPlugin) {
     const auto seed = setting("VELOCARD_MODEL_SEED", 1);
-    const auto count = setting("VELOCARD_MODEL_SEQUENCES", 10000);
+    const auto count = setting("VELOCARD_MODEL_SEQUENCES", support::rounds(10000));
     for (unsigned long long i = GetParam(); i < count; i += kParts) {
         if (!runSequence(seed + i)) {
             break;

@@ -3,6 +3,7 @@
 #import "plugin/shell/error_state.h"
 #include "tests/plugin/good_calls.h"
 #include "tests/plugin/host_double.h"
+#include "tests/support/rounds.h"
 #include <algorithm>
 #include <cstdlib>
 #include <malloc.h>
@@ -19,7 +20,7 @@ constexpr int kSlowness = 100;
 
 long callsOfEach() {
     const char* wanted = std::getenv("VELOCARD_CALLS");
-    return wanted != nullptr ? std::atol(wanted) : 200;
+    return wanted != nullptr ? std::atol(wanted) : support::rounds(200);
 }
 
 // Bytes of memory in use; 0 under the address sanitizer, which has an allocator of its own.

@@ -3,6 +3,7 @@
 #include "frameworks/AddressBook/sync/merge.h"
 
 #include "frameworks/AddressBook/vcard/edit_card.h"
+#include "tests/support/rounds.h"
 #include "tests/vcard/random_card.h"
 #include "tests/vcard/support.h"
 
@@ -221,7 +222,7 @@ bool isLost(const Entry& entry, const std::string& property, const MultiValue& b
 TEST(MergeTest, RandomCardsLoseNothing) {
     vcard::RandomCard maker(20260202);
     std::size_t conflicts = 0;
-    for (int round = 0; round < 300; ++round) {
+    for (int round = 0; round < support::rounds(300); ++round) {
         const Card base = maker.card();
         const Card local = maker.changed(base), remote = maker.changed(base);
         ASSERT_TRUE(sayTheSame(*merge(base, local, base, Side::remote).card, local));
@@ -257,7 +258,7 @@ TEST(MergeTest, RandomCardsLoseNothing) {
             }
         }
     }
-    EXPECT_GT(conflicts, 100u);
+    EXPECT_GT(conflicts, static_cast<std::size_t>(support::rounds(100)));
 }
 
 } // namespace

@@ -3,6 +3,7 @@
 #include "frameworks/AddressBook/vcard/edit_card.h"
 
 #include "tests/support/files.h"
+#include "tests/support/rounds.h"
 #include "tests/vcard/random_card.h"
 #include "tests/vcard/support.h"
 
@@ -193,7 +194,7 @@ TEST(EditCardTest, WhatIsNoCardIsWrittenAnew) {
 
 TEST(EditCardTest, RandomCardsReadAsWhatTheyWereChangedTo) {
     RandomCard maker(20260101);
-    for (int round = 0; round < 400; ++round) {
+    for (int round = 0; round < support::rounds(400); ++round) {
         const Card before = maker.card();
         Card after = round % 2 ? maker.changed(before) : maker.card();
         after.uid = before.uid;
