@@ -1,6 +1,7 @@
 #include "tests/appkit/support.h"
 
 #include <cmath>
+#include <ctime>
 
 namespace {
 
@@ -130,6 +131,18 @@ TEST_F(EncodingTest, GifKeepsAPalette) {
         const auto read = readBack({written(bitmap, NSBitmapImageFileTypeGIF)});
         EXPECT_EQ(difference(read[0], shownBy(bitmap), true), 0) << name;
     }
+}
+
+// The time is that of its pixels, not of the square that holds them.
+TEST_F(EncodingTest, AColumnBecomesAGifSoon) {
+    const unsigned char file[] = "GIF89a\1\0\1\0\x80\0\0\xff\0\0\xff\0\0,\0\0\xfe\x7f\1\0\1\0\0\2\2\x4c\1\0;";
+    NSBitmapImageRep* bitmap = [NSBitmapImageRep imageRepWithData:[NSData dataWithBytes:file
+                                                                                 length:sizeof file - 1]];
+    ASSERT_EQ([bitmap pixelsHigh], 32'767);
+    const std::clock_t begin = std::clock();
+    NSData* gif = written(bitmap, NSBitmapImageFileTypeGIF);
+    EXPECT_LT(std::clock() - begin, CLOCKS_PER_SEC);
+    EXPECT_EQ(difference(shownBy([NSBitmapImageRep imageRepWithData:gif]), shownBy(bitmap), true), 0);
 }
 
 TEST_F(EncodingTest, JpegQualityIsTheCompressionFactor) {

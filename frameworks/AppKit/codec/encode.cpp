@@ -3,6 +3,7 @@
 #include "frameworks/AppKit/codec/library.h"
 
 #include <algorithm>
+#include <bit>
 #include <cmath>
 #include <cstring>
 
@@ -46,6 +47,13 @@ void fit(Pixel& pixel, Format format) {
         };
         pixel = {onWhite(pixel.red), onWhite(pixel.green), onWhite(pixel.blue), kOpaque};
     }
+}
+
+// Whether colours are to be dithered when there are too many for a palette. The library walks along a Hilbert curve then,
+// through all of the square that holds the picture: for seconds, when that is a column of 32,767 pixels.
+bool isDithered(std::uint32_t width, std::uint32_t height) {
+    const std::uint64_t side = std::bit_ceil(std::max(width, height));
+    return side * side <= 16 * std::uint64_t{width} * height;
 }
 
 ImageHolder imageFrom(const Picture& picture, Format format, const ImageInfo* info) {
@@ -103,6 +111,7 @@ std::vector<unsigned char> encodeResized(const Picture& picture, std::uint32_t w
         info->quality =
             static_cast<unsigned long>(std::lround(100 * (quality > 0 ? std::min(quality, 1.0) : 0)));
     }
+    info->dither = isDithered(width, height) ? MagickTrue : MagickFalse;
     // Otherwise the library would write grey as RGB. Not for BMP, where this would make a palette.
     if (picture.samplesPerPixel < 3 && format != Format::bmp) {
         info->type = picture.hasAlpha() && format == Format::png ? GrayscaleMatteType : GrayscaleType;
