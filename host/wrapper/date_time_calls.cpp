@@ -131,9 +131,9 @@ errcode FM_DateTime_SetNormalizedTime1(void* object, int64 hour, int16 minute, i
         if (!valid) {
             return host::kNoTime;
         }
-        const Number whole = hour * 3600 + minute * 60 + second;
-        return setTime(moment,
-                       microseconds == 0 ? whole : whole + Number::divide(microseconds, 1'000'000, 6));
+        const int64 whole = hour * 3600 + int64{minute} * 60 + second;
+        return setTime(moment, microseconds == 0 ? Number(whole)
+                                                 : whole + Number::divide(microseconds, 1'000'000, 6));
     });
 }
 errcode FM_DateTime_SetNormalizedTime2(void* object, const FixPt& hour, const FixPt& minute,
