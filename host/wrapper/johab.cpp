@@ -94,8 +94,9 @@ char byteOf(int value) {
     return static_cast<char>(static_cast<unsigned char>(value));
 }
 
+// Returns the bytes of a symbol or a Chinese character in EUC-KR, none when there is no such place. [second] is 0x31 or more.
 std::string eucBytes(int first, int second) {
-    const int place = second >= 0x31 && second <= 0x7E   ? second - 0x31
+    const int place = second <= 0x7E                     ? second - 0x31
                       : second >= 0x91 && second <= 0xFE ? second - 0x91 + kLowPlaces
                                                          : -1;
     const int row = first >= kChinese ? (first - kChinese) * 2 + kFirstChineseRow + place / kPlaces
@@ -121,7 +122,7 @@ char16_t decodedOther(const std::string& euc, UConverter& eucKr) {
     UErrorCode error = U_ZERO_ERROR;
     const char* from = euc.data();
     const UChar32 c = ucnv_getNextUChar(&eucKr, &from, from + euc.size(), &error);
-    return U_FAILURE(error) || c > 0xFFFF ? kUnreadable : static_cast<char16_t>(c);
+    return U_FAILURE(error) ? kUnreadable : static_cast<char16_t>(c); // all of KS X 1001 is one unit each
 }
 
 std::string encodedOther(char16_t character, UConverter& eucKr) {

@@ -6,6 +6,7 @@
 #include "tests/store/builders.h"
 #include "tests/store/scratch.h"
 
+#include <algorithm>
 #include <gmock/gmock.h>
 
 namespace addressbook::test {
@@ -204,6 +205,160 @@ TEST_F(BookTest, TheUsersOwnCardIsKnownAtOnce) {
     EXPECT_EQ(others_.me(), ann->uid);
     book_->setMe(nullptr);
     EXPECT_EQ(book_->me(), nullptr);
+}
+
+// A search for a property that is being removed looks at each record as this process sees it.
+TEST_F(BookTest, ASearchSeesWhatIsRemovedHere) {
+    ASSERT_EQ(book_->define(Kind::person, {{"Shoe", static_cast<int>(Type::integer)}}), 1);
+    const auto ann = person("Ann");
+    const auto eva = person("Eva");
+    const auto ida = person("Ida");
+    book_->set(ann, "Shoe", number(42));
+    book_->save(kNow);
+    ASSERT_EQ(book_->undefine(Kind::person, {"Shoe"}), 1);
+    EXPECT_TRUE(book_->remove(ida));
+    const Query annOrNoShoe{Query::Compound{
+        Query::Join::any,
+        {query(kFirst, Comparison::equal, text("Ann")), query("Shoe", Comparison::equal, number(42))}}};
+    EXPECT_THAT(book_->search(annOrNoShoe, kNow), testing::SizeIs(1));
+    const Query withoutShoe{Query::Compound{
+        Query::Join::all,
+        {query("Shoe", Comparison::notEqual, Value()), query(kFirst, Comparison::notEqual, text("Eva"))}}};
+    EXPECT_TRUE(book_->matches(withoutShoe, *ann, kNow)) << "it has no value any more";
+    EXPECT_FALSE(book_->matches(withoutShoe, *eva, kNow));
+    const auto places = book_->search(withoutShoe, kNow);
+    ASSERT_EQ(places.size(), 1U) << "not Eva, and not Ida, who is removed";
+    EXPECT_EQ(places[0].row, ann->row);
+}
+
+TEST_F(BookTest, PropertiesNeedANameAndAType) {
+    constexpr int kNumber = static_cast<int>(Type::integer);
+    EXPECT_EQ(book_->define(Kind::person, {{"", kNumber}}), -1);
+    EXPECT_EQ(book_->define(Kind::person, {{".hidden", kNumber}}), -1);
+    for (const int type :
+         {0, static_cast<int>(kMultiValue), static_cast<int>(Type::dateComponents) + 1, -1}) {
+        EXPECT_EQ(book_->define(Kind::person, {{"A", kNumber}, {"Shoe", type}}), -1) << type;
+    }
+    EXPECT_EQ(book_->typeOf(Kind::person, "A"), 0) << "all or none";
+    EXPECT_EQ(book_->define(Kind::person, {{"Shoe", kNumber}, {kFirst, kNumber}}), 1) << "one is built in";
+    EXPECT_EQ(book_->define(Kind::person, {{"Shoe", kNumber}}), 0);
+    EXPECT_EQ(book_->typeOf(Kind::group, "Shoe"), 0) << "of the other kind";
+    const auto listed = [&](Kind kind) {
+        const auto names = book_->properties(kind);
+        return std::find(names.begin(), names.end(), "Shoe") != names.end();
+    };
+    EXPECT_TRUE(listed(Kind::person));
+    EXPECT_FALSE(listed(Kind::group));
+    book_->save(kNow);
+    EXPECT_TRUE(listed(Kind::person));
+    EXPECT_FALSE(listed(Kind::group));
+    EXPECT_EQ(book_->undefine(Kind::person, {kFirst}), 0);
+    EXPECT_EQ(book_->undefine(Kind::person, {"Shoe"}), 1);
+    EXPECT_EQ(book_->undefine(Kind::person, {"Shoe"}), 0) << "it is being removed already";
+    EXPECT_FALSE(listed(Kind::person));
+}
+
+TEST_F(BookTest, AllValuesAreTheStoredOnesUnderTheUnsaved) {
+    ASSERT_EQ(book_->define(Kind::person, {{"Shoe", static_cast<int>(Type::integer)}}), 1);
+    const auto ann = person("Ann");
+    book_->set(ann, "Note", text("old"));
+    book_->set(ann, "Last", text("Lee"));
+    book_->set(ann, "Shoe", number(42));
+    book_->set(ann, std::string(property::kImage), Bytes(3, 'p'));
+    book_->save(kNow);
+    book_->set(ann, "Note", text("new"));
+    book_->set(ann, "Last", Value());
+    ASSERT_EQ(book_->undefine(Kind::person, {"Shoe"}), 1);
+    const auto values = book_->values(*ann);
+    EXPECT_EQ(values.at("Note"), text("new"));
+    EXPECT_EQ(values.at(kFirst), text("Ann"));
+    EXPECT_EQ(values.at(std::string(property::kUid)), text(ann->uid));
+    EXPECT_EQ(values.at(std::string(property::kImage)), Value(Bytes(3, 'p')));
+    EXPECT_FALSE(values.contains("Last"));
+    EXPECT_FALSE(values.contains("Shoe"));
+    EXPECT_FALSE(book_->values(*person("Eva")).contains(std::string(property::kImage)));
+}
+
+TEST_F(BookTest, ARemovedRecordComesBackWithWhatWasUnsaved) {
+    const auto friends = group("Friends");
+    const auto ann = person("Ann");
+    book_->save(kNow);
+    book_->set(ann, kFirst, text("Eva"));
+    EXPECT_TRUE(book_->join(friends, ann));
+    EXPECT_TRUE(book_->remove(ann));
+    EXPECT_FALSE(book_->remove(ann)) << "it is removed already";
+    EXPECT_THAT(book_->parents(*ann), IsEmpty());
+    EXPECT_TRUE(book_->add(ann));
+    EXPECT_EQ(first(ann), "Eva");
+    book_->save(kNow);
+    EXPECT_EQ(others_.value(ann->row, kFirst), text("Eva"));
+}
+
+TEST_F(BookTest, WhoIsRemovedBeforeTheSaveDoesNotJoinAndIsNotTheUser) {
+    const auto friends = group("Friends");
+    const auto ann = person("Ann");
+    const auto eva = person("Eva");
+    book_->save(kNow);
+    EXPECT_TRUE(book_->join(friends, ann));
+    EXPECT_TRUE(book_->join(friends, eva));
+    book_->setMe(ann);
+    EXPECT_TRUE(book_->remove(ann));
+    book_->setMe(ann);
+    EXPECT_TRUE(book_->save(kNow).missing.empty());
+    EXPECT_THAT(book_->members(*friends, Kind::person), ElementsAre(eva));
+    EXPECT_EQ(others_.me(), std::nullopt);
+    const auto unknown = book_->create(Kind::person);
+    book_->setMe(unknown);
+    EXPECT_EQ(book_->me(), nullptr) << "nobody that is not in the book";
+}
+
+TEST_F(BookTest, ParentsAreTheGroupsAsTheyAreHere) {
+    const auto ann = person("Ann");
+    const auto left = group("Left");
+    const auto kept = group("Kept");
+    const auto stored = group("Stored");
+    EXPECT_TRUE(book_->join(left, ann));
+    EXPECT_TRUE(book_->join(kept, ann));
+    book_->save(kNow);
+    const auto fresh = group("New");
+    EXPECT_TRUE(book_->leave(left, *ann));
+    EXPECT_TRUE(book_->join(stored, ann));
+    EXPECT_TRUE(book_->join(fresh, ann));
+    EXPECT_TRUE(book_->leave(kept, *ann));
+    EXPECT_TRUE(book_->join(kept, ann));
+    EXPECT_THAT(book_->parents(*ann), ElementsAre(kept, stored, fresh));
+    EXPECT_TRUE(book_->remove(kept));
+    EXPECT_THAT(book_->parents(*ann), ElementsAre(stored, fresh));
+    EXPECT_THAT(book_->parents(*book_->create(Kind::person)), IsEmpty());
+}
+
+// A circle is looked for once in each group, however many ways lead there.
+TEST_F(BookTest, AGroupMayBeInsideAnotherInSeveralWays) {
+    std::vector<LiveRecordPtr> levels{group("top")};
+    for (int level = 0; level < 20; ++level) { // a million ways
+        const auto left = group("left");
+        const auto right = group("right");
+        const auto next = group("next");
+        for (const auto& side : {left, right}) {
+            EXPECT_TRUE(book_->join(levels.back(), side));
+            EXPECT_TRUE(book_->join(side, next));
+        }
+        levels.push_back(next);
+    }
+    EXPECT_FALSE(book_->join(levels.back(), levels.front()));
+    EXPECT_TRUE(book_->join(levels.front(), levels.back()));
+}
+
+// A record that another process has deleted here is shown as it is there.
+TEST_F(BookTest, WhatOthersDeletedAndMadeAgainIsOneRecord) {
+    const auto ann = person("Ann");
+    book_->save(kNow);
+    EXPECT_TRUE(book_->remove(ann));
+    saveElsewhere({updated(ann->uid, {{"Last", text("Lee")}})});
+    EXPECT_EQ(book_->find(ann->uid), nullptr) << "removed here, whatever others save";
+    EXPECT_EQ(ann->state, State::removed);
+    EXPECT_TRUE(book_->add(ann));
+    EXPECT_EQ(book_->value(*ann, "Last"), text("Lee"));
 }
 
 TEST_F(BookTest, WhatSavesLeaveOutIsToldOnce) {

@@ -21,7 +21,10 @@ struct Calls {
     std::mutex lock;
     std::string folder; // on the read-only disk
     bool readOnly = false;
-    int left = -1; // before this process is killed; negative: never
+    int left = -1; // before this process is killed, or the call fails; negative: never
+    int error = 0; // with which it fails; 0: the process is killed
+    bool failed = false;
+    bool plain = false; // neither hard links nor renaming without replacing
     std::string made;
     std::set<ino_t> unsynced;
 };
@@ -52,15 +55,22 @@ bool isLast(char kind) {
     return state().left-- == 0;
 }
 
-void changeFile(char kind) {
-    if (isLast(kind)) {
-        kill(getpid(), SIGKILL);
-    }
+int refuse(int error = EROFS) {
+    errno = error;
+    return -1;
 }
 
-int refuse() {
-    errno = EROFS;
-    return -1;
+// Notes a call that changes something; does not return from the last. Answers whether it fails, and sets errno.
+bool fails(char kind) {
+    if (!isLast(kind)) {
+        return false;
+    }
+    if (state().error == 0) {
+        kill(getpid(), SIGKILL);
+    }
+    state().failed = true;
+    refuse(state().error);
+    return true;
 }
 
 ino_t identityOf(int file) {
@@ -74,15 +84,16 @@ ssize_t writing(int file, size_t size, Write write) {
         const std::lock_guard<std::mutex> guard(state().lock);
         state().unsynced.insert(identityOf(file));
     }
-    if (isLast('w')) {
+    if (state().left == 0) {
         write(size / 2);
-        kill(getpid(), SIGKILL);
     }
-    return write(size);
+    return fails('w') ? -1 : write(size);
 }
 
 int syncing(int (*real)(int), int file) {
-    changeFile('w');
+    if (fails('w')) {
+        return -1;
+    }
     const int result = real(file);
     const std::lock_guard<std::mutex> guard(state().lock);
     state().unsynced.erase(identityOf(file));
@@ -96,10 +107,7 @@ int opening(int (*real)(const char*, int, ...), const char* path, int flags, mod
     if (isReadOnly(path) && (makes || (writes && stat(path, &status) == 0))) {
         return refuse();
     }
-    if (makes) {
-        changeFile('n');
-    }
-    return real(path, flags, mode);
+    return makes && fails('n') ? -1 : real(path, flags, mode);
 }
 
 mode_t modeIn(int flags, va_list arguments) {
@@ -140,8 +148,7 @@ int mkdir(const char* path, mode_t mode) noexcept {
     if (isReadOnly(path)) {
         return refuse();
     }
-    changeFile('n');
-    return real(path, mode);
+    return fails('n') ? -1 : real(path, mode);
 }
 
 char* mkdtemp(char* pattern) noexcept {
@@ -150,44 +157,43 @@ char* mkdtemp(char* pattern) noexcept {
         errno = EROFS;
         return nullptr;
     }
-    changeFile('n');
-    return real(pattern);
+    return fails('n') ? nullptr : real(pattern);
 }
 
 int link(const char* from, const char* to) noexcept {
     static const auto real = next<int(const char*, const char*)>("link");
-    changeFile('n');
-    return real(from, to);
+    if (state().plain) {
+        return refuse(EPERM);
+    }
+    return fails('n') ? -1 : real(from, to);
 }
 
 int rename(const char* from, const char* to) noexcept {
     static const auto real = next<int(const char*, const char*)>("rename");
-    changeFile('n');
-    return real(from, to);
+    return fails('n') ? -1 : real(from, to);
 }
 
 int renameat2(int fromFolder, const char* from, int toFolder, const char* to, unsigned flags) noexcept {
     static const auto real = next<int(int, const char*, int, const char*, unsigned)>("renameat2");
-    changeFile('n');
-    return real(fromFolder, from, toFolder, to, flags);
+    if (state().plain && flags != 0) {
+        return refuse(EINVAL);
+    }
+    return fails('n') ? -1 : real(fromFolder, from, toFolder, to, flags);
 }
 
 int unlink(const char* path) noexcept {
     static const auto real = next<int(const char*)>("unlink");
-    changeFile('n');
-    return real(path);
+    return fails('n') ? -1 : real(path);
 }
 
 int ftruncate(int file, off_t size) noexcept {
     static const auto real = next<int(int, off_t)>("ftruncate");
-    changeFile('w');
-    return real(file, size);
+    return fails('w') ? -1 : real(file, size);
 }
 
 int ftruncate64(int file, off64_t size) noexcept {
     static const auto real = next<int(int, off64_t)>("ftruncate64");
-    changeFile('w');
-    return real(file, size);
+    return fails('w') ? -1 : real(file, size);
 }
 
 int fsync(int file) {
@@ -241,9 +247,28 @@ void ReadOnlyDisk::writable(const std::function<void()>& work) const {
     mount(true);
 }
 
+PlainFileSystem::PlainFileSystem() {
+    state().plain = true;
+}
+
+PlainFileSystem::~PlainFileSystem() {
+    state().plain = false;
+}
+
 void killAfterCalls(int count) {
+    failAfterCalls(count, 0);
+}
+
+void failAfterCalls(int count, int error) {
     state().left = count;
+    state().error = error;
+    state().failed = false;
     state().made.clear();
+}
+
+bool stopFailing() {
+    state().left = -1;
+    return state().failed;
 }
 
 std::string callsMade() {

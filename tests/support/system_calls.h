@@ -23,6 +23,20 @@ class ReadOnlyDisk {
     void writable(const std::function<void()>& work) const;
 };
 
+// While it lives, the file system has neither hard links nor renaming without replacing, as some have not.
+class PlainFileSystem {
+  public:
+    PlainFileSystem();
+    ~PlainFileSystem();
+    PlainFileSystem(const PlainFileSystem&) = delete;
+    PlainFileSystem& operator=(const PlainFileSystem&) = delete;
+};
+
+// Makes the call after the next [calls] calls that change files fail with this error of <cerrno>, once; if it is a
+// write, half of it is done. stopFailing() lets all succeed again and returns whether that call was made.
+void failAfterCalls(int calls, int error);
+bool stopFailing();
+
 // Kills this process at the call after the next [calls] calls that change files; if it is a write, half of it
 // is done.
 void killAfterCalls(int calls);

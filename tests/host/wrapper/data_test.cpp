@@ -70,6 +70,11 @@ TEST_F(WrapperDataTest, IsSetWithANativeType) {
     data_->SetAsNumber(*number, Data::kDTBoolean);
     EXPECT_EQ(data_->GetNativeType(), Data::kDTBoolean);
     EXPECT_EQ(text(), u"1");
+    data_->SetAsNumber(*fmx::FixPtUniquePtr(0), Data::kDTBoolean);
+    EXPECT_EQ(text(), u"0");
+    EXPECT_EQ(setText(u"", Data::kDTBoolean), 0);
+    EXPECT_EQ(data_->GetNativeType(), Data::kDTBoolean);
+    EXPECT_TRUE(data_->IsEmpty()) << "neither true nor false";
     EXPECT_EQ(setText(u"a1,5", Data::kDTNumber), 0);
     EXPECT_EQ(text(), u"15");
     EXPECT_EQ(setText(u"2:30 PM", Data::kDTTime), 0);
@@ -123,6 +128,8 @@ TEST_F(WrapperDataTest, IsClearedAndConverted) {
     EXPECT_EQ(text(), u"63428832000");
     data_->ConvertData(Data::kDTBinary);
     EXPECT_FALSE(data_->IsValid());
+    data_->ConvertData(Data::kDTBoolean);
+    EXPECT_FALSE(data_->IsValid()) << "what was lost does not come back";
     for (fmx::int32 type = Data::kDTText; type <= Data::kDTBoolean; ++type) {
         data_->Clear(type);
         EXPECT_TRUE(data_->IsEmpty());
@@ -146,6 +153,10 @@ TEST_F(WrapperDataTest, HoldsContainers) {
     EXPECT_TRUE(data_->GetBinaryData() == *container);
     EXPECT_EQ(text(), u"a.png");
     EXPECT_TRUE(data_->GetAsBoolean());
+    container->RemoveAll();
+    container->Add(*fmx::QuadCharUniquePtr('P', 'N', 'G', 'f'), 1, std::string("x").data());
+    data_->SetBinaryData(*container, false);
+    EXPECT_EQ(data_->GetNativeType(), Data::kDTBinary) << "bytes are more than names";
     container->RemoveAll();
     data_->SetBinaryData(*container, true);
     EXPECT_EQ(data_->GetNativeType(), Data::kDTBinary);
@@ -194,6 +205,7 @@ TEST_F(WrapperDataTest, NumbersFontsByTheirNames) {
     const fmx::FontID greek = data_->GetFontID(*hostText(u"Alpha"), 1, *environment);
     EXPECT_EQ(data_->GetFontID(*hostText(u"Alpha"), 1, *environment), greek);
     EXPECT_NE(data_->GetFontID(*hostText(u"Beta"), 1, *environment), greek);
+    EXPECT_NE(data_->GetFontID(*hostText(u"Alpha"), 2, *environment), greek) << "of another script";
     EXPECT_EQ(data_->GetFontID(*hostText(u""), 1, *environment), fmx::CharacterStyle::kInvalidFont);
     const fmx::TextUniquePtr name;
     fmx::FontScript script = 99;

@@ -62,7 +62,13 @@ TEST(WrapperDateTimeTest, RefusesWhatIsNoTime) {
     EXPECT_NE(time->SetNormalizedTime(0, 0, 0, 1'000'000), 0);
     EXPECT_NE(time->SetNormalizedTime(0, 0, 0, -1), 0);
     EXPECT_NE(time->SetNormalizedTime(INT64_MAX, 0, 0, 0), 0);
-    EXPECT_NE(time->SetNormalizedTime(*FixPtUniquePtr(1), *FixPtUniquePtr(60), *FixPtUniquePtr(0)), 0);
+    const int bad[][3] = {{-1, 0, 0}, {0, -1, 0}, {0, 60, 0}, {0, 0, -1}, {0, 0, 60}};
+    for (const auto& [hour, minute, second] : bad) {
+        EXPECT_NE(
+            time->SetNormalizedTime(*FixPtUniquePtr(hour), *FixPtUniquePtr(minute), *FixPtUniquePtr(second)),
+            0)
+            << hour << ':' << minute << ':' << second;
+    }
     fmx::DataUniquePtr data;
     EXPECT_THROW(time->SetSecsSinceMidnight(numberFrom(*data, u"1e300")), std::exception);
     EXPECT_TRUE(*time == *moment(2010, 12, 25, 1, 2, 3));

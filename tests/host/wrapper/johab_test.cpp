@@ -30,6 +30,14 @@ TEST(WrapperJohab, PutsSyllablesTogether) {
     EXPECT_EQ(decoded("\xD0 a"), u"\uFFFD a");
     EXPECT_EQ(decoded("\xD8\x31"), u"\uFFFD");
     EXPECT_EQ(decoded("\xFF\xFF"), u"\uFFFD");
+    EXPECT_EQ(decoded("\xD9\x80"), u"\uFFFD") << "between the second bytes of low and high places";
+}
+
+// The tables of Korean text that it shares have places of users' own, which Johab has not.
+TEST(WrapperJohab, HasNoPlacesOfUsers) {
+    EXPECT_EQ(encoded(u"\uE000a\uE05D\uE05E\uE0BB"), "?a???");
+    EXPECT_EQ(encoded(std::u16string{u'a', 0xD83D}), "a?") << "half a pair at the end";
+    EXPECT_EQ(encoded(std::u16string{0xD83D, u'a'}), "?a") << "half a pair before a letter";
 }
 
 } // namespace

@@ -33,6 +33,16 @@ TEST(WrapperColorTest, HasFourChannels) {
     EXPECT_TRUE(*copy != *color);
     EXPECT_TRUE(*copy == Color::White());
     EXPECT_TRUE(Color::Black() == *ColorUniquePtr(0, 0, 0, 255));
+    EXPECT_TRUE(Color::Black() == *ColorUniquePtr());
+}
+
+TEST(WrapperColorTest, DiffersByEachChannel) {
+    const ColorUniquePtr color(1, 2, 3, 4);
+    EXPECT_TRUE(*color == *ColorUniquePtr(1, 2, 3, 4));
+    EXPECT_TRUE(*color != *ColorUniquePtr(9, 2, 3, 4));
+    EXPECT_TRUE(*color != *ColorUniquePtr(1, 9, 3, 4));
+    EXPECT_TRUE(*color != *ColorUniquePtr(1, 2, 9, 4));
+    EXPECT_TRUE(*color != *ColorUniquePtr(1, 2, 3, 9));
 }
 
 TEST(WrapperCharacterStyleTest, SaysNothingAtFirst) {
@@ -96,6 +106,39 @@ TEST(WrapperCharacterStyleTest, CombinesFacesButHasOneLetterCase) {
     EXPECT_FALSE(style->IsAllDisabled()); // it says that there are none
     style->DisableAllFaces();
     EXPECT_TRUE(style->IsAllDisabled());
+    EXPECT_FALSE(style->IsFaceEnabled(CharacterStyle::kFace_Plain)) << "it says nothing of faces";
+}
+
+TEST(WrapperCharacterStyleTest, IsMadeWhole) {
+    const CharacterStyleUniquePtr style(7, CharacterStyle::kFace_Bold, 24, *ColorUniquePtr(1, 2, 3));
+    EXPECT_EQ(style->GetFont(), 7);
+    EXPECT_EQ(style->GetFace(), CharacterStyle::kFace_Bold);
+    EXPECT_EQ(style->GetSize(), 24);
+    EXPECT_TRUE(style->GetColor() == *ColorUniquePtr(1, 2, 3, 255));
+    EXPECT_TRUE(style->IsFontEnabled() && style->IsSizeEnabled() && style->IsColorEnabled());
+    EXPECT_FALSE(style->IsFaceEnabled(CharacterStyle::kFace_Italic));
+}
+
+// Two styles are equal when they say the same; what is disabled has no part in that.
+TEST(WrapperCharacterStyleTest, DiffersByEachThingItSays) {
+    const CharacterStyleUniquePtr style(7, CharacterStyle::kFace_Bold, 24, *ColorUniquePtr(1, 2, 3));
+    const auto differs = [&](auto change) {
+        const CharacterStyleUniquePtr other(*style);
+        change(*other);
+        return *other != *style && !(*style == *other);
+    };
+    EXPECT_TRUE(differs([](CharacterStyle& other) { other.SetFont(8); }));
+    EXPECT_TRUE(differs([](CharacterStyle& other) { other.DisableFont(); }));
+    EXPECT_TRUE(differs([](CharacterStyle& other) { other.SetSize(23); }));
+    EXPECT_TRUE(differs([](CharacterStyle& other) { other.DisableSize(); }));
+    EXPECT_TRUE(differs([](CharacterStyle& other) { other.SetColor(Color::White()); }));
+    EXPECT_TRUE(differs([](CharacterStyle& other) { other.DisableColor(); }));
+    EXPECT_TRUE(differs([](CharacterStyle& other) { other.SetFace(CharacterStyle::kFace_Italic); }));
+    EXPECT_TRUE(differs([](CharacterStyle& other) { other.DisableAllFaces(); }));
+    const CharacterStyleUniquePtr silent;
+    const CharacterStyleUniquePtr other(*style);
+    other->DisableAll();
+    EXPECT_TRUE(*silent == *other);
 }
 
 CharacterStyleUniquePtr face(int wanted) {
@@ -155,6 +198,34 @@ TEST(WrapperTextStylesTest, AreStandardUntilTheyAreSet) {
     EXPECT_EQ(unitsOf(*text), u"abc");
 }
 
+// A style that is removed takes along what it has in common with the text's, and leaves the rest.
+TEST(WrapperTextStylesTest, LoseWhatARemovedStyleSaysToo) {
+    constexpr Face kFaces = CharacterStyle::kFace_Bold | CharacterStyle::kFace_Uppercase;
+    const TextUniquePtr text = hostText(u"a");
+    const CharacterStyleUniquePtr own(7, kFaces, 24, *ColorUniquePtr(1, 2, 3));
+    const CharacterStyleUniquePtr shown;
+    text->SetStyle(*own);
+    text->RemoveStyle(*CharacterStyleUniquePtr(8, CharacterStyle::kFace_Lowercase, 23, Color::White()));
+    text->GetStyle(*shown, 0);
+    EXPECT_TRUE(*shown == *own) << "nothing of it is the text's";
+
+    const CharacterStyleUniquePtr fontAndCase;
+    fontAndCase->SetFont(7);
+    fontAndCase->EnableFace(CharacterStyle::kFace_Uppercase);
+    text->RemoveStyle(*fontAndCase);
+    text->GetStyle(*shown, 0);
+    EXPECT_EQ(shown->GetFont(), 0);
+    EXPECT_EQ(shown->GetFace(), CharacterStyle::kFace_Bold);
+    EXPECT_EQ(shown->GetSize(), 24);
+    EXPECT_TRUE(shown->GetColor() == own->GetColor());
+
+    text->RemoveStyle(*own);
+    const CharacterStyleUniquePtr standard;
+    text->GetDefaultStyle(*standard);
+    text->GetStyle(*shown, 0);
+    EXPECT_TRUE(*shown == *standard);
+}
+
 // Each edit changes the styles as it changes the letters for them.
 TEST(WrapperTextStylesTest, GoWithTheirCharacters) {
     const std::u16string letters = u"bb-ix--bi";
@@ -195,6 +266,9 @@ TEST(WrapperTextStylesTest, StayWithLettersThatChange) {
     text->SetStyle(*face(CharacterStyle::kFace_Italic), 2, 1);
     text->Uppercase();
     EXPECT_EQ(unitsOf(*text), u"ASSB");
+    EXPECT_EQ(stylesOf(*text), u"-bbi");
+    text->Lowercase();
+    EXPECT_EQ(unitsOf(*text), u"assb");
     EXPECT_EQ(stylesOf(*text), u"-bbi");
 }
 
