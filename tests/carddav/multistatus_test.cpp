@@ -222,6 +222,11 @@ TEST(BadMultistatusTest, BoundsHold) {
     const std::string open = "<multistatus xmlns='DAV:'><response><propstat><prop>";
     EXPECT_THAT(whyNot(open + many), testing::HasSubstr("too many"));
     EXPECT_THAT(whyNot(open + "<p>" + many), testing::HasSubstr("too many"));
+    std::string attributes;
+    for (int at = 0; at < 17; ++at) {
+        attributes += " a" + std::to_string(at) + "='x'";
+    }
+    EXPECT_THAT(whyNot(open + "<p><q" + attributes + "/>"), testing::HasSubstr("too many attributes"));
     EXPECT_THAT(whyNot("<multistatus xmlns='DAV:'><response><href>" + std::string(1'000'000, '/')),
                 testing::HasSubstr("too large"));
     const Error error = errorOf([&] {

@@ -255,6 +255,25 @@ TEST_F(SaveTest, CustomPropertiesComeAndGoWithTheirValues) {
     EXPECT_THAT(store_.check(), IsEmpty());
 }
 
+TEST_F(SaveTest, ABookHasRoomForSoManyNamesOfProperties) {
+    const std::string uid = addPerson(store_, {}); // the names that every record has
+    sqlite3* database = nullptr;
+    ASSERT_EQ(sqlite3_open(store_.file().c_str(), &database), SQLITE_OK);
+    ASSERT_EQ(sqlite3_exec(database,
+                           "INSERT INTO property(id, kind, name) VALUES (65534, 1, 'the last but one')",
+                           nullptr, nullptr, nullptr),
+              SQLITE_OK);
+    sqlite3_close(database);
+    ChangeSet changes = changesAt(2);
+    changes.records = {updated(uid, {{"the last", text("x")}})};
+    store_.save(changes);
+    changes.records = {updated(uid, {{"one more", text("x")}})};
+    expectRefused(changes);
+    changes.records = {updated(uid, {{"the last", text("y")}})};
+    store_.save(changes);
+    EXPECT_EQ(valueOf(store_, uid, "the last"), text("y"));
+}
+
 TEST_F(SaveTest, TheChangeLogTellsWhatEachSaveDid) {
     Store other(folder());
     EXPECT_EQ(other.lastChange(), 0);

@@ -199,6 +199,20 @@ TEST(DeflateTest, GivesBackTheText) {
     EXPECT_LT(deflated(std::string(100'000, 'x')).size(), 1000u);
     EXPECT_EQ(inflated("abc"), std::nullopt);
     EXPECT_EQ(inflated(deflated(kCard).substr(0, 20)), std::nullopt);
+    EXPECT_EQ(inflated(std::string("\xFF\xFF\xFF\xFF") + deflated(kCard).substr(4)), std::nullopt);
+}
+
+TEST_F(SyncStateTest, ACardLargerThan256MegabytesIsRefused) {
+    SyncLink link{addCollection(), "/1", addPerson(store_, {}), "\"e1\"", kCard, false};
+    link.text.resize((std::size_t{256} << 20) + 1, 'x');
+    try {
+        saveLink(link);
+        FAIL() << "was not refused";
+    } catch (const StoreError& error) {
+        EXPECT_EQ(error.reason(), StoreError::Reason::refused);
+        EXPECT_THAT(error.what(), HasSubstr("256 MB"));
+    }
+    EXPECT_EQ(store_.syncLink(link.collection, "/1"), std::nullopt);
 }
 
 TEST_F(SyncStateTest, WhatIsBasedOnAnotherStateIsNotWritten) {

@@ -1,5 +1,7 @@
 // Bad cards: each gives one problem with its number, line and reason, and the good card after it is read.
 
+#include "frameworks/AddressBook/vcard/encoding.h"
+#include "frameworks/AddressBook/vcard/unfold.h"
 #include "tests/vcard/support.h"
 
 #include <gtest/gtest.h>
@@ -75,6 +77,40 @@ TEST(BadCardsTest, ABadLineCostsNothingElse) {
         EXPECT_EQ(card.skipped[0].line, row.at) << row.line;
         EXPECT_EQ(card.skipped[0].reason, row.reason) << row.line;
     }
+}
+
+// What is too long for a name is none, and the rest of the card is there. Names of one's own may be longer.
+TEST(BadCardsTest, NamesAreOnlySoLong) {
+    const std::pair<std::size_t, std::string> longest[] = {{67, ""}, {1000, "X-"}};
+    for (const auto& [most, begin] : longest) {
+        SCOPED_TRACE(most);
+        const std::string name = begin + std::string(most - begin.size(), 'A');
+        EXPECT_TRUE(readOne(cardText({"N:Berg", name + ":x", "TEL:1"})).skipped.empty());
+        const Card card = readOne(cardText({"N:Berg", name + "A:x", "TEL:1"}));
+        EXPECT_EQ(describe(card, property::kPhone), "[Other:1]");
+        ASSERT_EQ(card.skipped.size(), 1u);
+        EXPECT_EQ(card.skipped[0].line, 4u);
+    }
+}
+
+TEST(BadCardsTest, WhatStandsBeforeAValueIsOnlySoLong) {
+    const auto line = [](std::size_t header) {
+        const std::string begin = "NOTE;X-A=";
+        return begin + std::string(header - begin.size(), 'a') + ":x";
+    };
+    EXPECT_EQ(describe(readOne(cardText({"N:Berg", line(kMaxHeader - 1)})), property::kNote), "x");
+    const Card card = readOne(cardText({"N:Berg", line(kMaxHeader), "TEL:1"}));
+    EXPECT_EQ(describe(card, property::kPhone), "[Other:1]");
+    ASSERT_EQ(card.skipped.size(), 1u);
+    EXPECT_EQ(card.skipped[0].line, 4u);
+}
+
+// A value of more parts than any has: the last that is looked at has the rest.
+TEST(BadCardsTest, AValueHasOnlySoManyParts) {
+    const std::string separators(kMaxParts + 10, ';');
+    EXPECT_EQ(splitEscaped(separators, ';').size(), kMaxParts);
+    EXPECT_EQ(splitEscaped(separators, ';').back(), separators.substr(kMaxParts - 1));
+    EXPECT_EQ(describe(readOne(cardText({"N:Berg" + separators})), property::kLast), "Berg");
 }
 
 TEST(BadCardsTest, TruncatedAnywhere) {
