@@ -203,6 +203,14 @@ TEST(Version4Test, APerson) {
                                                  }));
 }
 
+// Of two names, one of them would be read as a copy of the other.
+TEST(Version4Test, AnAnniversaryThatIsThereTwiceComesBackTwice) {
+    const Card card = readOne(cardText({"N:A", "ANNIVERSARY:20010506", "ANNIVERSARY:20010506"}, "4.0"));
+    const std::string version4 = write(card, WrittenVersion::v4);
+    EXPECT_EQ(write(readOne(version4), WrittenVersion::v4), version4);
+    EXPECT_EQ(write(readOne(version4), WrittenVersion::v3), write(card, WrittenVersion::v3));
+}
+
 TEST(Version4Test, DataOfLinesThatNoPropertyHoldsComesBack) {
     const std::vector<std::string> lines{"KEY;TYPE=PGP;ENCODING=b:QUJDREVG", "LOGO;ENCODING=b:QUJDREVG"};
     const Card card = readOne(cardText({"N:A", lines[0], lines[1]}));

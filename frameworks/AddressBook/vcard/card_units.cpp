@@ -44,8 +44,9 @@ std::vector<Unit> unitsOf(const Card& card, WrittenVersion version) {
     LineWriter writer(version);
     std::vector<Unit> units;
     std::map<std::pair<std::string_view, std::size_t>, std::size_t> places;
-    for (CardLine& line : linesWithAdditions(card)) {
-        writer.prepare(line);
+    std::vector<CardLine> lines = linesWithAdditions(card);
+    writer.prepare(lines);
+    for (CardLine& line : lines) {
         const auto [place, isNew] = places.try_emplace({line.property, line.entry}, units.size());
         if (isNew) {
             units.push_back({line.property, line.entry, {}, {}, {}});

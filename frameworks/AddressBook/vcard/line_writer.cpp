@@ -143,6 +143,15 @@ std::string uidLine(std::string_view uid, WrittenVersion version) {
     return (version == WrittenVersion::v3 ? "UID:" : "UID:urn:uuid:") + uuidOf(uid);
 }
 
+void LineWriter::prepare(std::vector<CardLine>& lines) {
+    if (version_ == WrittenVersion::v4) {
+        keepRepeatedDays(lines, onlyLines_);
+    }
+    for (CardLine& line : lines) {
+        prepare(line);
+    }
+}
+
 void LineWriter::prepare(CardLine& line) {
     if (version_ == WrittenVersion::v4) {
         toVersion4(line, onlyLines_);

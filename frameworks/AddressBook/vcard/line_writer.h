@@ -46,8 +46,8 @@ class LineWriter {
   public:
     explicit LineWriter(WrittenVersion version) : version_(version) {}
 
-    // Makes [line] what it is in this version and card; to be called with each line of the card in order.
-    void prepare(CardLine& line);
+    // Makes the lines of a card what they are in this version and card.
+    void prepare(std::vector<CardLine>& lines);
     // Returns a prepared line without its group.
     std::string text(const CardLine& line) const;
 
@@ -64,6 +64,8 @@ class LineWriter {
     GroupNames& groups() { return groups_; }
 
   private:
+    void prepare(CardLine& line);
+
     WrittenVersion version_;
     std::string out_;
     GroupNames groups_;

@@ -100,6 +100,16 @@ void writePicture(CardLine& line) {
 
 } // namespace
 
+void keepRepeatedDays(const std::vector<CardLine>& lines, OnlyLines& written) {
+    std::set<std::string_view> days;
+    for (const CardLine& line : lines) {
+        if (line.property == property::kOtherDates && line.rule->use != Use::beside && line.label &&
+            sameLabel(*line.label, ruleFor("ANNIVERSARY")->label) && !days.insert(line.value).second) {
+            takePlace("ANNIVERSARY", written);
+        }
+    }
+}
+
 void toVersion4(CardLine& line, OnlyLines& written) {
     for (const Renamed& each : kRenamed) {
         if (line.name == each.version3) {

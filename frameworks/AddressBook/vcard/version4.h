@@ -8,11 +8,16 @@
 #include <functional>
 #include <set>
 #include <string>
+#include <vector>
 
 namespace addressbook::vcard {
 
 // The names of the lines in a card of which version 4.0 allows no second.
 using OnlyLines = std::set<std::string, std::less<>>;
+
+// Notes that no line may be an ANNIVERSARY, when one of the card's is there twice: the other one would have another name,
+// and be read as what other programs write, a copy of the first.
+void keepRepeatedDays(const std::vector<CardLine>& lines, OnlyLines& written);
 
 // Converts a line of a value to version 4.0. [written] are those of the card so far.
 void toVersion4(CardLine& line, OnlyLines& written);

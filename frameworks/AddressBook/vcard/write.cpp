@@ -12,8 +12,8 @@ std::string write(const Card& card, WrittenVersion version) {
     writer.append("BEGIN:VCARD");
     writer.append(version == WrittenVersion::v3 ? "VERSION:3.0" : "VERSION:4.0");
     std::vector<CardLine> lines = linesWithAdditions(card);
-    for (CardLine& line : lines) {
-        writer.prepare(line);
+    writer.prepare(lines);
+    for (const CardLine& line : lines) {
         writer.add(line);
     }
     if (const std::string categories = categoriesLine(card); !categories.empty()) {
