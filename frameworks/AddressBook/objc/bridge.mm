@@ -1,6 +1,7 @@
 #include "frameworks/AddressBook/objc/bridge.h"
 
 #include "frameworks/AddressBook/objc/multi_value.h"
+#include "frameworks/AddressBook/objc/text_object.h"
 #include "frameworks/AddressBook/store/interned_words.h"
 #include "frameworks/AddressBook/store/record_codec.h"
 #include "frameworks/AddressBook/values/calendar.h"
@@ -11,74 +12,9 @@
 #include <cstring>
 #include <objc/runtime.h>
 
-// A string for text that GNUstep's own classes do not keep: UTF-16 with lone surrogates or a leading
-// byte-order mark.
-@interface ABRawText : NSString {
-    unichar* _units;
-    NSUInteger _length;
-}
-- (id)initWithUnits:(const std::u16string&)units;
-@end
-
-@implementation ABRawText
-- (id)initWithUnits:(const std::u16string&)units {
-    if ((self = [super init]) != nil) {
-        _length = units.size();
-        _units = static_cast<unichar*>(calloc(_length + 1, sizeof(unichar)));
-        if (_units == nullptr) {
-            [NSException raise:NSMallocException format:@"Out of memory"];
-        }
-        std::copy(units.begin(), units.end(), _units);
-    }
-    return self;
-}
-- (void)dealloc {
-    free(_units);
-    [super dealloc];
-}
-- (NSUInteger)length {
-    return _length;
-}
-- (unichar)characterAtIndex:(NSUInteger)index {
-    if (index >= _length) {
-        [NSException raise:NSRangeException format:@"Index %lu beyond the text", (unsigned long)index];
-    }
-    return _units[index];
-}
-- (void)getCharacters:(unichar*)buffer range:(NSRange)range {
-    if (range.location > _length || range.length > _length - range.location) {
-        [NSException raise:NSRangeException format:@"Range beyond the text"];
-    }
-    std::copy_n(_units + range.location, range.length, buffer);
-}
-- (id)copyWithZone:(NSZone*)zone {
-    (void)zone;
-    return [self retain];
-}
-@end
-
 namespace addressbook {
 
 namespace {
-
-// Whether GNUstep's strings would not keep the units as they are: they refuse half of a surrogate pair, and
-// interpret a leading byte-order mark instead of keeping it.
-bool needsRawText(const std::u16string& units) {
-    if (!units.empty() && (units[0] == 0xFEFF || units[0] == 0xFFFE)) {
-        return true;
-    }
-    for (std::size_t i = 0; i < units.size(); ++i) {
-        if ((units[i] & 0xF800) != 0xD800) {
-            continue;
-        }
-        const bool pair = units[i] < 0xDC00 && i + 1 < units.size() && (units[i + 1] & 0xFC00) == 0xDC00;
-        if (!pair) {
-            return true;
-        }
-        ++i;
-    }
-    return false;
-}
 
 NSDateComponents* componentsFrom(const DateComponents& parts) {
     NSDateComponents* components = [[[NSDateComponents alloc] init] autorelease];
@@ -212,6 +148,9 @@ struct ToObject {
 
 std::string textFrom(NSString* string) {
     static_assert(sizeof(unichar) == sizeof(char16_t));
+    if (auto text = textOf(string)) {
+        return std::move(*text);
+    }
     // Constant strings of the compiler, which names of properties are, hold their bytes. With as many bytes
     // as units they are ASCII.
     static Class const constant = [NSConstantString class];
@@ -228,17 +167,7 @@ std::string textFrom(NSString* string) {
 }
 
 NSString* stringFrom(std::string_view text) {
-    static Class const type =
-        [NSString class]; // looking a class up by its name takes as long as making a string
-    if (isAscii(text)) {
-        return [[[type alloc] initWithBytes:text.data() length:text.size()
-                                   encoding:NSASCIIStringEncoding] autorelease];
-    }
-    const std::u16string units = utf16FromUtf8(text);
-    if (needsRawText(units)) {
-        return [[[ABRawText alloc] initWithUnits:units] autorelease];
-    }
-    return [NSString stringWithCharacters:reinterpret_cast<const unichar*>(units.data()) length:units.size()];
+    return textObject(text);
 }
 
 Date dateFrom(NSDate* date) {
