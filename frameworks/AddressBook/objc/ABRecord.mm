@@ -21,7 +21,7 @@ struct State {
     std::string listName;
     std::uint64_t listRevision = 0; // Book::revision() when it was read
 
-    void keep(id value, const std::string& name) {
+    void keep(id value, std::string_view name) {
         [list release];
         list = [value retain];
         listName = name;
@@ -30,7 +30,7 @@ struct State {
 };
 
 // Returns a property's value as an object; stored values are converted directly from their encoded form.
-id valueOf(Book& book, LiveRecord& live, const std::string& property) {
+id valueOf(Book& book, LiveRecord& live, std::string_view property) {
     if (const auto stored = storedForComponents(property)) {
         return componentsFrom(book.current(live, *stored));
     }
@@ -144,9 +144,10 @@ BookPtr bookOf(ABRecord* record) {
 
 - (id)valueForProperty:(NSString*)property {
     requireArgument(property, @"A value was asked for without a property");
-    const std::string name = textFrom(property);
-    Book& book = *[self book];
+    const TextView view(property);
+    const std::string_view name = view.text();
     auto& state = *static_cast<State*>(_record);
+    Book& book = *state.book;
     LiveRecord& live = *state.record;
     if (state.list != nil && state.listName == name &&
         reading([&] { return book.revision(); }) == state.listRevision) {

@@ -15,6 +15,20 @@ namespace addressbook {
 std::string textFrom(NSString* string);
 NSString* stringFrom(std::string_view text);
 
+// The text of a string for as long as both live: that of a constant of the compiler, which names of properties
+// are, is not copied.
+class TextView {
+  public:
+    explicit TextView(NSString* string);
+    TextView(const TextView&) = delete;
+    TextView& operator=(const TextView&) = delete;
+    std::string_view text() const { return text_; }
+
+  private:
+    std::string copy_;
+    std::string_view text_;
+};
+
 Date dateFrom(NSDate* date);
 
 // Returns the value of a property list object, an NSDateComponents or an ABMultiValue; nothing for an object

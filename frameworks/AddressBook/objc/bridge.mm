@@ -9,7 +9,6 @@
 
 #import <AddressBook/ABMultiValue.h>
 #include <algorithm>
-#include <cstring>
 #include <objc/runtime.h>
 
 namespace addressbook {
@@ -144,6 +143,17 @@ struct ToObject {
     }
 };
 
+// Returns the text of a constant of the compiler, of ASCII; nothing for any other string.
+std::optional<std::string_view> constantText(NSString* string) {
+    static Class const type = [NSConstantString class];
+    if (string == nil || object_getClass(string) != type) {
+        return std::nullopt;
+    }
+    const auto* constant = static_cast<const NSConstantString*>(string);
+    const std::string_view text(constant->nxcsptr, constant->nxcslen);
+    return isAscii(text) ? std::optional(text) : std::nullopt;
+}
+
 } // namespace
 
 std::string textFrom(NSString* string) {
@@ -151,19 +161,23 @@ std::string textFrom(NSString* string) {
     if (auto text = textOf(string)) {
         return std::move(*text);
     }
-    // Constant strings of the compiler, which names of properties are, hold their bytes. With as many bytes
-    // as units they are ASCII.
-    static Class const constant = [NSConstantString class];
-    if (string != nil && object_getClass(string) == constant) {
-        if (const char* bytes = [string UTF8String]; std::strlen(bytes) == [string length]) {
-            return bytes;
-        }
+    if (const auto text = constantText(string)) {
+        return std::string(*text);
     }
     std::u16string units([string length], u'\0');
     if (!units.empty()) {
         [string getCharacters:reinterpret_cast<unichar*>(units.data()) range:NSMakeRange(0, units.size())];
     }
     return utf8FromUtf16(units);
+}
+
+TextView::TextView(NSString* string) {
+    if (const auto text = constantText(string)) {
+        text_ = *text;
+        return;
+    }
+    copy_ = textFrom(string);
+    text_ = copy_;
 }
 
 NSString* stringFrom(std::string_view text) {

@@ -1,6 +1,5 @@
 #include "frameworks/AddressBook/store/checksum.h"
 
-#include <algorithm>
 #include <bit>
 #include <cstring>
 
@@ -9,16 +8,21 @@ namespace addressbook {
 std::uint64_t checksum(std::string_view bytes) {
     constexpr std::uint64_t kMultiplier = 0x9E3779B97F4A7C15U;
     std::uint64_t sum = bytes.size() * kMultiplier;
-    while (!bytes.empty()) {
+    const auto add = [&sum](const char* from, std::size_t size) {
         std::uint64_t word = 0;
-        const std::size_t size = std::min<std::size_t>(bytes.size(), 8);
-        std::memcpy(&word, bytes.data(), size);
+        std::memcpy(&word, from, size);
         if constexpr (std::endian::native == std::endian::big) {
             word = __builtin_bswap64(word);
         }
         sum = (sum ^ word) * kMultiplier;
         sum ^= sum >> 32;
-        bytes.remove_prefix(size);
+    };
+    std::size_t at = 0;
+    for (; at + 8 <= bytes.size(); at += 8) {
+        add(bytes.data() + at, 8);
+    }
+    if (at < bytes.size()) {
+        add(bytes.data() + at, bytes.size() - at);
     }
     return sum;
 }

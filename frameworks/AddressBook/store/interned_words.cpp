@@ -1,9 +1,9 @@
 #include "frameworks/AddressBook/store/interned_words.h"
 
 #include "frameworks/AddressBook/values/property.h"
+#include "frameworks/AddressBook/values/word_index.h"
 
 #include <array>
-#include <unordered_map>
 
 namespace addressbook {
 namespace {
@@ -42,23 +42,12 @@ constexpr std::uint64_t fingerprint() {
 static_assert(fingerprint() == 0x466547D7D75E43AE,
               "the words' numbers are stored: only add at the end, and count a new schema version");
 
-const std::unordered_map<std::string_view, int>& wordCodes() {
-    static const std::unordered_map<std::string_view, int> codes = [] {
-        std::unordered_map<std::string_view, int> map;
-        for (std::size_t i = 0; i < kWords.size(); ++i) {
-            map.emplace(kWords[i], static_cast<int>(i + 1));
-        }
-        return map;
-    }();
-    return codes;
-}
+constexpr WordIndex kIndex(kWords);
 
 } // namespace
 
 int wordCode(std::string_view word) {
-    const auto& codes = wordCodes();
-    const auto found = codes.find(word);
-    return found == codes.end() ? 0 : found->second;
+    return static_cast<int>(kIndex.find(word));
 }
 
 std::string_view wordOf(std::uint64_t code) {

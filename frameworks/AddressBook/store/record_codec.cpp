@@ -152,10 +152,15 @@ class Reader {
 
     bool atEnd() const { return rest_.empty(); }
     std::uint8_t byte() { return static_cast<std::uint8_t>(take(1).front()); }
-    std::uint64_t count() {
+    [[gnu::always_inline]] std::uint64_t count() {
         if (!rest_.empty() && static_cast<unsigned char>(rest_.front()) < 0x80) { // nearly always
-            return byte();
+            const auto value = static_cast<unsigned char>(rest_.front());
+            rest_.remove_prefix(1);
+            return value;
         }
+        return longCount();
+    }
+    [[gnu::noinline]] std::uint64_t longCount() {
         std::uint64_t value = 0;
         for (int shift = 0; shift < 64; shift += 7) {
             const std::uint8_t part = byte();

@@ -1,6 +1,7 @@
 #include "frameworks/AddressBook/values/property.h"
 
-#include <algorithm>
+#include "frameworks/AddressBook/values/word_index.h"
+
 #include <array>
 
 namespace addressbook {
@@ -77,24 +78,50 @@ constexpr std::array kInternal{
     BuiltInProperty{p::kDistribution, kDictionary, Scope::group},
 };
 
-constexpr bool namesDiffer() {
-    for (const auto& row : kComponents) {
-        for (const auto& other : kBuiltIn) {
-            if (row.name == other.name) {
-                return false;
-            }
-        }
+// All names, in the order of the tables above.
+constexpr auto kNames = [] {
+    std::array<std::string_view, kBuiltIn.size() + kComponents.size() + kInternal.size()> names;
+    auto next = names.begin();
+    for (const auto& row : kBuiltIn) {
+        *next++ = row.name;
     }
-    for (std::size_t i = 0; i < kBuiltIn.size(); ++i) {
-        for (std::size_t j = i + 1; j < kBuiltIn.size(); ++j) {
-            if (kBuiltIn[i].name == kBuiltIn[j].name) {
-                return false;
-            }
+    for (const auto& row : kComponents) {
+        *next++ = row.name;
+    }
+    for (const auto& row : kInternal) {
+        *next++ = row.name;
+    }
+    return names;
+}();
+constexpr WordIndex kIndex(kNames);
+
+constexpr bool namesDiffer() {
+    for (std::size_t place = 0; place < kNames.size(); ++place) {
+        if (kIndex.find(kNames[place]) != place + 1) {
+            return false;
         }
     }
     return true;
 }
 static_assert(namesDiffer());
+
+// Returns the row of a name in one of the tables; null when it is in another one, or in none.
+const BuiltInProperty* builtIn(std::size_t place) {
+    if (place < kBuiltIn.size()) {
+        return &kBuiltIn[place];
+    }
+    const std::size_t behind = place - kBuiltIn.size() - kComponents.size();
+    return behind < kInternal.size() ? &kInternal[behind] : nullptr;
+}
+const ComponentsProperty* components(std::size_t place) {
+    const std::size_t behind = place - kBuiltIn.size();
+    return behind < kComponents.size() ? &kComponents[behind] : nullptr;
+}
+
+// Returns the place of a name among all names, behind the last one when it is not there.
+std::size_t placeOf(std::string_view name) {
+    return kIndex.find(name) - 1;
+}
 
 bool has(Scope scope, Kind kind) {
     return scope == Scope::both || (scope == Scope::person) == (kind == Kind::person);
@@ -107,12 +134,8 @@ std::span<const BuiltInProperty> builtInProperties() {
 }
 
 std::optional<std::string_view> storedForComponents(std::string_view name) {
-    for (const auto& row : kComponents) {
-        if (row.name == name) {
-            return row.stored;
-        }
-    }
-    return std::nullopt;
+    const ComponentsProperty* row = components(placeOf(name));
+    return row != nullptr ? std::optional(row->stored) : std::nullopt;
 }
 
 std::vector<std::string_view> builtInNames(Kind kind) {
@@ -131,21 +154,12 @@ std::vector<std::string_view> builtInNames(Kind kind) {
 }
 
 int builtInType(Kind kind, std::string_view name) {
-    if (kind == Kind::person) {
-        for (const auto& row : kComponents) {
-            if (row.name == name) {
-                return row.type;
-            }
-        }
+    const std::size_t place = placeOf(name);
+    if (const BuiltInProperty* row = builtIn(place)) {
+        return has(row->scope, kind) ? row->type : 0;
     }
-    const auto type = [&](const auto& table) {
-        const auto* const row =
-            std::find_if(table.begin(), table.end(), [&](const BuiltInProperty& candidate) {
-                return candidate.name == name && has(candidate.scope, kind);
-            });
-        return row == table.end() ? 0 : row->type;
-    };
-    return isInternal(name) ? type(kInternal) : type(kBuiltIn);
+    const ComponentsProperty* row = components(place);
+    return row != nullptr && kind == Kind::person ? row->type : 0;
 }
 
 bool isInternal(std::string_view name) {
