@@ -75,7 +75,7 @@ TEST_F(BookTest, AnAddedRecordIsSeenBeforeItIsSaved) {
     EXPECT_EQ(ann->state, State::persistent);
     EXPECT_FALSE(book_->changed());
     EXPECT_EQ(others_.count(Kind::person), 1);
-    EXPECT_EQ(book_->find(ann->uid), ann) << "one object for each unique id";
+    EXPECT_EQ(book_->find(ann->uid()), ann) << "one object for each unique id";
 }
 
 TEST_F(BookTest, AChangeCoversWhatIsStored) {
@@ -90,7 +90,7 @@ TEST_F(BookTest, AChangeCoversWhatIsStored) {
     book_->set(ann, kFirst, Value());
     EXPECT_EQ(first(ann), "none");
     book_->save(kNow);
-    EXPECT_TRUE(others_.value(others_.find(ann->uid)->row, kFirst).empty());
+    EXPECT_TRUE(others_.value(others_.find(ann->uid())->row, kFirst).empty());
 }
 
 TEST_F(BookTest, WhatOthersSaveShowsAtTheNextCall) {
@@ -98,7 +98,7 @@ TEST_F(BookTest, WhatOthersSaveShowsAtTheNextCall) {
     book_->save(kNow);
     EXPECT_EQ(first(ann), "Ann");
     const auto revision = book_->revision();
-    saveElsewhere({updated(ann->uid, {{kFirst, text("Eva")}, {"Last", text("Lee")}})});
+    saveElsewhere({updated(ann->uid(), {{kFirst, text("Eva")}, {"Last", text("Lee")}})});
     EXPECT_EQ(first(ann), "Eva");
     EXPECT_NE(book_->revision(), revision);
 }
@@ -107,23 +107,23 @@ TEST_F(BookTest, WhatIsChangedHereStaysWhenOthersSave) {
     const auto ann = person("Ann");
     book_->save(kNow);
     book_->set(ann, kFirst, text("Here"));
-    saveElsewhere({updated(ann->uid, {{kFirst, text("There")}, {"Last", text("Lee")}})});
+    saveElsewhere({updated(ann->uid(), {{kFirst, text("There")}, {"Last", text("Lee")}})});
     EXPECT_EQ(first(ann), "Here");
     EXPECT_EQ(book_->value(*ann, "Last"), text("Lee"));
     book_->save(kNow);
-    EXPECT_EQ(others_.value(ann->row, kFirst), text("Here"));
+    EXPECT_EQ(others_.value(ann->row(), kFirst), text("Here"));
 }
 
 TEST_F(BookTest, ARecordDeletedElsewhereIsGoneAndTheSaveTellsOfIt) {
     const auto ann = person("Ann");
     book_->save(kNow);
     book_->set(ann, kFirst, text("Eva"));
-    removeElsewhere(ann->uid);
+    removeElsewhere(ann->uid());
     EXPECT_THAT(book_->records(Kind::person), IsEmpty());
-    EXPECT_EQ(book_->find(ann->uid), nullptr);
+    EXPECT_EQ(book_->find(ann->uid()), nullptr);
     EXPECT_EQ(ann->state, State::deleted);
     EXPECT_EQ(first(ann), "Eva") << "whoever holds it reads what it had";
-    EXPECT_THAT(book_->save(kNow).missing, ElementsAre(ann->uid));
+    EXPECT_THAT(book_->save(kNow).missing, ElementsAre(ann->uid()));
     EXPECT_FALSE(book_->changed());
 }
 
@@ -131,14 +131,14 @@ TEST_F(BookTest, ARecordBroughtBackHasItsUnsavedChangesAgain) {
     const auto ann = person("Ann");
     book_->save(kNow);
     book_->set(ann, kFirst, text("Eva"));
-    removeElsewhere(ann->uid);
-    EXPECT_EQ(book_->find(ann->uid), nullptr);
-    saveElsewhere({inserted(ann->uid, {{"Last", text("Lee")}})});
-    EXPECT_EQ(book_->find(ann->uid), ann);
+    removeElsewhere(ann->uid());
+    EXPECT_EQ(book_->find(ann->uid()), nullptr);
+    saveElsewhere({inserted(ann->uid(), {{"Last", text("Lee")}})});
+    EXPECT_EQ(book_->find(ann->uid()), ann);
     EXPECT_EQ(ann->state, State::persistent);
     EXPECT_EQ(first(ann), "Eva");
     EXPECT_TRUE(book_->save(kNow).missing.empty());
-    EXPECT_EQ(others_.value(ann->row, kFirst), text("Eva"));
+    EXPECT_EQ(others_.value(ann->row(), kFirst), text("Eva"));
 }
 
 TEST_F(BookTest, ARemovedRecordComesBackUntilTheSave) {
@@ -152,7 +152,7 @@ TEST_F(BookTest, ARemovedRecordComesBackUntilTheSave) {
     book_->save(kNow);
     EXPECT_EQ(ann->state, State::deleted);
     EXPECT_FALSE(book_->add(ann)) << "its removal was saved";
-    EXPECT_EQ(book_->at(ann->row), ann);
+    EXPECT_EQ(book_->at(ann->row()), ann);
 }
 
 TEST_F(BookTest, GroupsHaveMembersBeforeTheSaveAndAfter) {
@@ -191,9 +191,9 @@ TEST_F(BookTest, APropertyRemovedHereHasNoValuesAnyMore) {
     EXPECT_EQ(book_->typeOf(Kind::person, "Shoe"), 0);
     EXPECT_TRUE(book_->value(*ann, "Shoe").empty());
     EXPECT_THAT(book_->search(query("Shoe", Comparison::equal, number(42)), kNow), IsEmpty());
-    EXPECT_EQ(others_.value(ann->row, "Shoe"), number(42)) << "until the save";
+    EXPECT_EQ(others_.value(ann->row(), "Shoe"), number(42)) << "until the save";
     book_->save(kNow);
-    EXPECT_TRUE(others_.value(ann->row, "Shoe").empty());
+    EXPECT_TRUE(others_.value(ann->row(), "Shoe").empty());
 }
 
 TEST_F(BookTest, TheUsersOwnCardIsKnownAtOnce) {
@@ -202,7 +202,7 @@ TEST_F(BookTest, TheUsersOwnCardIsKnownAtOnce) {
     book_->setMe(ann);
     EXPECT_EQ(book_->me(), ann);
     book_->save(kNow);
-    EXPECT_EQ(others_.me(), ann->uid);
+    EXPECT_EQ(others_.me(), ann->uid());
     book_->setMe(nullptr);
     EXPECT_EQ(book_->me(), nullptr);
 }

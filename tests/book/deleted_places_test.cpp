@@ -59,7 +59,7 @@ class DeletedPlacesTest : public Scratch {
         return name ? *name : "none";
     }
     static void expectDeleted(const LiveRecordPtr& record, const std::string& uid, Kind kind) {
-        EXPECT_EQ(record->uid, uid);
+        EXPECT_EQ(record->uid(), uid);
         EXPECT_EQ(record->kind, kind);
         EXPECT_EQ(record->state, State::deleted);
     }
@@ -181,9 +181,9 @@ TEST_F(DeletedPlacesTest, HaveTheRecordsOfARestoredBook) {
     Book::invalidateAll();
     EXPECT_EQ(book_->search(query(kFirst, Comparison::equal, text("Anna")), kNow).size(), 1U);
     for (int time = 0; time < 2; ++time) {
-        EXPECT_EQ(people[0]->uid, ann_);
+        EXPECT_EQ(people[0]->uid(), ann_);
         EXPECT_EQ(first(people[0]), "Anna");
-        EXPECT_EQ(groups[0]->uid, crew_);
+        EXPECT_EQ(groups[0]->uid(), crew_);
         EXPECT_TRUE(groups[0]->inBook());
         expectDeleted(people[1], ben, Kind::person);
         expectDeleted(people[2], gone.removed[0], Kind::person);

@@ -34,8 +34,8 @@ TEST_F(ReadTest, ARecordAndThoseBehindIt) {
 
     const auto records = store_.readFrom(store_.find(uids[0])->row, 2);
     ASSERT_EQ(records.size(), 2U);
-    EXPECT_EQ(records[0].uid, uids[0]);
-    EXPECT_EQ(records[1].uid, uids[2]);
+    EXPECT_EQ(records[0].uid.text(), uids[0]);
+    EXPECT_EQ(records[1].uid.text(), uids[2]);
     EXPECT_EQ(store_.value(records[1], "First"), text("Cid"));
     EXPECT_EQ(store_.value(records[1], "UID"), Value(uids[2]));
     EXPECT_EQ(store_.value(records[1], "Last"), Value());

@@ -48,7 +48,7 @@ int runSet(const Options& options) {
     }
     if (options.json) {
         Output output;
-        showRecord(*store, findRecord(*store, record->uid), true, output);
+        showRecord(*store, findRecord(*store, record->uid()), true, output);
     }
     return kDone;
 }

@@ -18,7 +18,7 @@ constexpr std::size_t kBytesAtOnce = std::size_t{1} * 1024 * 1024;
 vcard::Card cardOf(const Store& store, const RecordRow& record, const ExportForm& form) {
     vcard::Card card;
     card.kind = record.kind;
-    card.uid = record.uid;
+    card.uid = record.uid.text();
     card.values = store.values(record);
     if (Value image = store.value(record.id, property::kImage); !image.empty()) {
         card.values[std::string(property::kImage)] = std::move(image);

@@ -12,9 +12,6 @@ namespace addressbook {
 
 namespace {
 
-// The number of records that keep their stored row in memory.
-constexpr std::size_t kLoadedLimit = 1024;
-
 // A walk over records in order reads this many rows at once: few at first, as it may end soon, then more.
 constexpr std::size_t kFirstReadAhead = 16;
 constexpr std::size_t kMostReadAhead = 256;
@@ -70,16 +67,6 @@ int publicType(Kind kind, std::string_view property) {
     return isInternal(property) ? 0 : builtInType(kind, property);
 }
 
-std::unique_ptr<LiveRecord> newRecord(Kind kind) {
-    auto record = std::make_unique<LiveRecord>();
-    record->uid = newUid(kind);
-    record->kind = kind;
-    const Date now = currentTime();
-    record->changes[std::string(property::kCreation)] = now;
-    record->changes[std::string(property::kModification)] = now;
-    return record;
-}
-
 std::shared_ptr<Book> Book::open() {
     return std::make_shared<Book>(std::make_unique<Store>(Store::defaultFolder()));
 }
@@ -93,63 +80,31 @@ Book::Book(std::unique_ptr<Store> store)
 // Records
 
 LiveRecordPtr Book::create(Kind kind) {
-    return adopt(newRecord(kind).release());
-}
-
-LiveRecordPtr Book::adopt(LiveRecord* record) {
-    LiveRecordPtr adopted(record, [book = weak_from_this()](LiveRecord* last) {
-        if (auto owner = book.lock()) {
-            owner->forget(*last);
-        }
-        delete last;
-    });
-    indexByUid(adopted);
-    if (adopted->row != 0) {
-        byRow_[adopted->row] = adopted;
-    }
-    return adopted;
-}
-
-// Makes this the record that is found by its unique id.
-void Book::indexByUid(const LiveRecordPtr& record) {
-    const auto [place, fresh] = byUid_.try_emplace(record->uid, record);
-    if (fresh) {
-        return;
-    }
-    byUid_.erase(place); // its key refers to the text of another record
-    byUid_.emplace(record->uid, record);
-}
-
-void Book::forget(const LiveRecord& record) {
-    // A newer record may have taken the place of one that no longer lives.
-    if (auto found = byUid_.find(record.uid); found != byUid_.end() && found->second.expired()) {
-        byUid_.erase(found);
-    }
-    if (auto found = byRow_.find(record.row); found != byRow_.end() && found->second.expired()) {
-        byRow_.erase(found);
-    }
+    auto record = std::make_shared<LiveRecord>(StoredUid(newUid(kind)), kind);
+    const Date now = currentTime();
+    record->changes[std::string(property::kCreation)] = now;
+    record->changes[std::string(property::kModification)] = now;
+    live_.add(*record);
+    return record;
 }
 
 LiveRecordPtr Book::cached(std::string_view uid) const {
-    const auto found = byUid_.find(uid);
-    return found == byUid_.end() ? nullptr : found->second.lock();
+    return live_.find(StoredUid(uid));
 }
 
-LiveRecordPtr Book::materialize(RecordRow stored) {
-    if (auto known = cached(stored.uid)) {
+LiveRecordPtr Book::materialize(RecordRow&& stored) {
+    if (auto known = live_.find(stored.uid)) {
         if (known->state == LiveRecord::State::deleted) { // another process has restored it
             reload(known);
         }
         return known;
     }
-    auto made = std::make_unique<LiveRecord>();
-    made->uid = std::move(stored.uid);
-    made->kind = stored.kind;
+    auto made = std::make_shared<LiveRecord>(std::move(stored.uid), stored.kind);
     made->state = LiveRecord::State::persistent;
-    made->row = stored.id;
-    auto adopted = adopt(made.release());
-    cacheRow(*adopted, std::move(stored));
-    return adopted;
+    live_.add(*made);
+    live_.setRow(*made, stored.id);
+    live_.keepRow(*made, std::move(stored));
+    return made;
 }
 
 // Reads a row. A row that follows closely on the last one fetched is part of a walk, so the next rows are
@@ -158,25 +113,22 @@ std::optional<RecordRow> Book::fetch(RowId row) {
     const bool walks = row > lastFetched_ && row - lastFetched_ <= 4;
     lastFetched_ = row;
     if (!walks) {
-        readAhead_.clear();
+        dropReadAhead();
         readAheadSize_ = kFirstReadAhead;
         return store_->read(row);
     }
-    while (!readAhead_.empty() && readAhead_.front().id < row) {
-        readAhead_.pop_front();
+    while (readAheadAt_ < readAhead_.size() && readAhead_[readAheadAt_].id < row) {
+        ++readAheadAt_;
     }
-    if (readAhead_.empty()) {
-        for (RecordRow& stored : store_->readFrom(row, readAheadSize_)) {
-            readAhead_.push_back(std::move(stored));
-        }
+    if (readAheadAt_ == readAhead_.size()) {
+        readAhead_ = store_->readFrom(row, readAheadSize_);
+        readAheadAt_ = 0;
         readAheadSize_ = std::min(readAheadSize_ * 2, kMostReadAhead);
     }
-    if (readAhead_.empty() || readAhead_.front().id != row) {
+    if (readAheadAt_ == readAhead_.size() || readAhead_[readAheadAt_].id != row) {
         return std::nullopt;
     }
-    std::optional<RecordRow> stored(std::move(readAhead_.front()));
-    readAhead_.pop_front();
-    return stored;
+    return std::move(readAhead_[readAheadAt_++]);
 }
 
 LiveRecordPtr Book::find(std::string_view uid) {
@@ -195,10 +147,8 @@ LiveRecordPtr Book::findNow(std::string_view uid) {
 }
 
 LiveRecordPtr Book::at(RowId row) {
-    if (const auto found = byRow_.find(row); found != byRow_.end()) {
-        if (auto known = found->second.lock()) {
-            return known;
-        }
+    if (auto known = live_.find(row)) {
+        return known;
     }
     if (auto stored = fetch(row)) {
         return materialize(std::move(*stored));
@@ -226,7 +176,7 @@ LiveRecordPtr Book::locate(RowId row, const Store& origin) {
     if (auto record = findNow(ref->uid)) {
         return record;
     }
-    auto record = tombstone(std::move(*ref));
+    auto record = tombstone(*ref);
     if (&origin == store_.get() && removedRows_.contains(row)) {
         record->removedHere = true;
     }
@@ -234,15 +184,14 @@ LiveRecordPtr Book::locate(RowId row, const Store& origin) {
 }
 
 // Returns the object for a record that was deleted; it has no values.
-LiveRecordPtr Book::tombstone(RecordRef ref) {
+LiveRecordPtr Book::tombstone(const RecordRef& ref) {
     if (auto known = cached(ref.uid)) {
         return known;
     }
-    auto record = std::make_unique<LiveRecord>();
-    record->uid = std::move(ref.uid);
-    record->kind = ref.kind;
+    auto record = std::make_shared<LiveRecord>(StoredUid(ref.uid), ref.kind);
     record->state = LiveRecord::State::deleted;
-    return adopt(record.release());
+    live_.add(*record);
+    return record;
 }
 
 // Lists and searches
@@ -319,19 +268,8 @@ void Book::load(LiveRecord& record) {
         record.cachedRow.emplace();
         return;
     }
-    auto stored = fetch(record.row);
-    cacheRow(record, stored ? std::move(*stored) : RecordRow());
-}
-
-void Book::cacheRow(LiveRecord& record, RecordRow stored) {
-    record.cachedRow = std::move(stored);
-    loaded_.push_back(record.weak_from_this());
-    while (loaded_.size() > kLoadedLimit) {
-        if (const auto oldest = loaded_.front().lock(); oldest && oldest.get() != &record) {
-            oldest->cachedRow.reset();
-        }
-        loaded_.pop_front();
-    }
+    auto stored = fetch(record.row());
+    live_.keepRow(record, stored ? std::move(*stored) : RecordRow());
 }
 
 const Value& Book::value(LiveRecord& record, std::string_view property) {
@@ -341,17 +279,17 @@ const Value& Book::value(LiveRecord& record, std::string_view property) {
 
 const Value& Book::current(LiveRecord& record, std::string_view property) {
     if (property == property::kUid) {
-        scratch_ = record.uid;
+        scratch_ = record.uid();
         return scratch_;
     }
     if (const Value* change = changeOf(record, property)) {
         return *change;
     }
-    if (record.row == 0 || isUndefined(record.kind, property)) {
+    if (record.row() == 0 || isUndefined(record.kind, property)) {
         return kNone;
     }
     if (property == property::kImage) {
-        scratch_ = record.inDatabase() ? store_->value(record.row, property) : Value();
+        scratch_ = record.inDatabase() ? store_->value(record.row(), property) : Value();
         return scratch_;
     }
     load(record);
@@ -361,7 +299,7 @@ const Value& Book::current(LiveRecord& record, std::string_view property) {
 
 std::optional<std::string_view> Book::encoded(LiveRecord& record, std::string_view property) {
     refreshIfStale();
-    if (record.row == 0 || changeOf(record, property) != nullptr || keptApart(property) ||
+    if (record.row() == 0 || changeOf(record, property) != nullptr || keptApart(property) ||
         isUndefined(record.kind, property)) {
         return std::nullopt;
     }
@@ -381,10 +319,10 @@ void Book::reportDamage(const LiveRecord& record, const std::string& what) const
 std::map<std::string, Value> Book::values(LiveRecord& record) {
     refreshIfStale();
     std::map<std::string, Value> all;
-    if (record.row != 0) {
+    if (record.row() != 0) {
         load(record);
         all = store_->values(*record.cachedRow);
-        all[std::string(property::kUid)] = record.uid;
+        all[std::string(property::kUid)] = record.uid();
         all[std::string(property::kImage)] = current(record, property::kImage);
         std::erase_if(all, [&](const auto& one) { return isUndefined(record.kind, one.first); });
     }
@@ -399,7 +337,7 @@ void Book::set(const LiveRecordPtr& record, const std::string& property, Value v
     if (this->value(*record, property) == value) {
         return;
     }
-    if (value.empty() && record->row == 0) {
+    if (value.empty() && record->row() == 0) {
         record->changes.erase(property);
     } else {
         record->changes[property] = std::move(value);
@@ -410,9 +348,9 @@ void Book::set(const LiveRecordPtr& record, const std::string& property, Value v
 
 void Book::touch(const LiveRecordPtr& record) {
     if (record->state == LiveRecord::State::persistent) {
-        changed_[record->row] = record;
+        changed_[record->row()] = record;
     } else if (record->deletedElsewhere()) {
-        orphaned_.try_emplace(record->uid, record);
+        orphaned_.try_emplace(record->uid(), record);
     }
 }
 
@@ -423,11 +361,11 @@ bool Book::add(const LiveRecordPtr& record) {
     case LiveRecord::State::detached:
         record->state = LiveRecord::State::inserted;
         added_.push_back(record);
-        indexByUid(record);
+        live_.add(*record);
         return true;
     case LiveRecord::State::removed:
         record->state = LiveRecord::State::persistent;
-        removed_.erase(record->row);
+        removed_.erase(record->row());
         if (record->unsaved()) {
             touch(record);
         }
@@ -451,8 +389,8 @@ bool Book::remove(const LiveRecordPtr& record) {
     }
     load(*record); // so that its values can still be read when it is deleted
     record->state = LiveRecord::State::removed;
-    changed_.erase(record->row);
-    removed_[record->row] = record;
+    changed_.erase(record->row());
+    removed_[record->row()] = record;
     return true;
 }
 
@@ -462,10 +400,11 @@ std::vector<LiveRecordPtr> Book::members(LiveRecord& group, Kind kind) {
     refreshIfStale();
     std::vector<LiveRecordPtr> found;
     if (group.inDatabase()) {
-        const auto rows = kind == Kind::person ? store_->members(group.row) : store_->subgroups(group.row);
+        const auto rows =
+            kind == Kind::person ? store_->members(group.row()) : store_->subgroups(group.row());
         for (const RowId row : rows) {
             auto member = at(row);
-            if (member->inBook() && !group.left.contains(member->uid)) {
+            if (member->inBook() && !group.left.contains(member->uid())) {
                 found.push_back(std::move(member));
             }
         }
@@ -485,11 +424,12 @@ std::vector<Book::Place> Book::inside(LiveRecord& group, Kind kind) {
     std::vector<Place> places;
     if (!group.joined.empty() || !group.left.empty() || !group.inDatabase()) {
         for (auto& member : members(group, kind)) {
-            places.push_back({member->row, std::move(member)});
+            places.push_back({member->row(), std::move(member)});
         }
         return places;
     }
-    for (const RowId row : kind == Kind::person ? store_->members(group.row) : store_->subgroups(group.row)) {
+    for (const RowId row :
+         kind == Kind::person ? store_->members(group.row()) : store_->subgroups(group.row())) {
         if (!removed_.contains(row)) {
             places.push_back({row, nullptr});
         }
@@ -504,10 +444,10 @@ std::vector<LiveRecordPtr> Book::parents(const LiveRecord& record) {
         return found;
     }
     const auto joinedHere = [&](const LiveRecord& group) { return contains(group.joined, record); };
-    if (record.row != 0) {
-        for (const RowId row : store_->parents(record.row)) {
+    if (record.row() != 0) {
+        for (const RowId row : store_->parents(record.row())) {
             auto group = at(row);
-            if (group->inBook() && !group->left.contains(record.uid)) {
+            if (group->inBook() && !group->left.contains(record.uid())) {
                 found.push_back(std::move(group));
             }
         }
@@ -518,7 +458,7 @@ std::vector<LiveRecordPtr> Book::parents(const LiveRecord& record) {
         }
     }
     std::sort(found.begin(), found.end(),
-              [](const LiveRecordPtr& a, const LiveRecordPtr& b) { return a->row < b->row; });
+              [](const LiveRecordPtr& a, const LiveRecordPtr& b) { return a->row() < b->row(); });
     for (const auto& group : added_) {
         if (joinedHere(*group)) {
             found.push_back(group);
@@ -569,7 +509,7 @@ bool Book::leave(const LiveRecordPtr& group, const LiveRecord& member) {
     }
     std::erase_if(group->joined, [&](const LiveRecordPtr& one) { return one.get() == &member; });
     if (isMember(*group, member)) { // still a member, so by the database
-        group->left.insert(member.uid);
+        group->left.insert(member.uid());
     }
     touch(group);
     return true;
@@ -589,7 +529,7 @@ void Book::setMe(const LiveRecordPtr& record) {
     if (!record) {
         me_ = "";
     } else if (record->inBook()) {
-        me_ = record->uid;
+        me_ = record->uid();
     }
 }
 
@@ -669,8 +609,8 @@ int Book::undefine(Kind kind, const std::vector<std::string>& properties) {
         if (std::erase_if(defined_, same) == 0) {
             undefined_.push_back(*std::find_if(definitions_.begin(), definitions_.end(), same));
         }
-        for (const auto& [uid, weak] : byUid_) {
-            if (const auto record = weak.lock(); record && record->kind == kind) {
+        for (const auto& record : live_.all()) {
+            if (record->kind == kind) {
                 record->changes.erase(name);
             }
         }

@@ -10,11 +10,11 @@
 // but a holder can still read the values it had. Unsaved changes to such a record are orphaned: the next save
 // reports the record as missing and drops them, unless the record is restored before, which brings them back.
 
+#include "frameworks/AddressBook/model/live_record.h"
 #include "frameworks/AddressBook/store/store.h"
 #include "frameworks/AddressBook/values/calendar.h"
 
 #include <atomic>
-#include <deque>
 #include <map>
 #include <memory>
 #include <optional>
@@ -28,39 +28,8 @@
 
 namespace addressbook {
 
-// One record as this process sees it. There is only one object for a unique id at a time, which lives as long
-// as anybody holds it.
-struct LiveRecord : std::enable_shared_from_this<LiveRecord> {
-    enum class State {
-        detached,   // made in this process, not added to the book
-        inserted,   // added, not saved
-        persistent, // in the database
-        removed,    // in the database; removed by this process, which is not saved
-        deleted     // its removal was saved, by this process or another
-    };
-    std::string uid;
-    Kind kind = Kind::person;
-    State state = State::detached;
-    RowId row = 0;
-    std::map<std::string, Value> changes;            // unsaved values; "no value" removes one
-    std::vector<std::shared_ptr<LiveRecord>> joined; // of a group: members and subgroups added, unsaved
-    std::set<std::string> left;                      // of a group: uids of members removed, unsaved
-    std::optional<RecordRow> cachedRow;              // the stored row once it was read; its uid is empty
-    bool removedHere = false;                        // of a deleted record: this process removed it
-    void* object = nullptr; // the Objective-C object of this record, not retained; it clears this in dealloc
-
-    bool inBook() const { return state == State::inserted || state == State::persistent; }
-    bool inDatabase() const { return state == State::persistent || state == State::removed; }
-    bool unsaved() const { return !changes.empty() || !joined.empty() || !left.empty(); }
-    bool deletedElsewhere() const { return state == State::deleted && !removedHere; }
-};
-using LiveRecordPtr = std::shared_ptr<LiveRecord>;
-
 // Returns the type of a built-in property that is public, else 0.
 int publicType(Kind kind, std::string_view property);
-
-// Returns a new record with a new unique id, created and modified now.
-std::unique_ptr<LiveRecord> newRecord(Kind kind);
 
 // An open address book with its unsaved changes.
 class Book : public std::enable_shared_from_this<Book> {
@@ -78,7 +47,7 @@ class Book : public std::enable_shared_from_this<Book> {
     // Makes every book of the process look for new saves before it is next read. Thread-safe.
     static void invalidateAll() { generation_.fetch_add(1, std::memory_order_release); }
 
-    // Returns a new record, which is not added yet.
+    // Returns a new record with a new unique id, created and modified now, which is not added yet.
     LiveRecordPtr create(Kind kind);
 
     // Returns the record with this unique id, null when the address book has none.
@@ -173,14 +142,15 @@ class Book : public std::enable_shared_from_this<Book> {
     SaveResult save(Date now);
 
   private:
-    LiveRecordPtr adopt(LiveRecord* record);
-    LiveRecordPtr materialize(RecordRow stored);
+    LiveRecordPtr materialize(RecordRow&& stored);
     std::optional<RecordRow> fetch(RowId row);
-    void cacheRow(LiveRecord& record, RecordRow stored);
+    void dropReadAhead() {
+        readAhead_.clear();
+        readAheadAt_ = 0;
+    }
     LiveRecordPtr findNow(std::string_view uid);
     LiveRecordPtr locate(RowId row, const Store& origin);
-    LiveRecordPtr tombstone(RecordRef ref);
-    void forget(const LiveRecord& record);
+    LiveRecordPtr tombstone(const RecordRef& ref);
     void load(LiveRecord& record);
     void touch(const LiveRecordPtr& record);
     bool matchesNow(const Query& query, LiveRecord& record, Date now);
@@ -201,7 +171,6 @@ class Book : public std::enable_shared_from_this<Book> {
     ChangeSet changes(Date now) const;
     void applySaveResult(const SaveResult& result);
     LiveRecordPtr cached(std::string_view uid) const;
-    void indexByUid(const LiveRecordPtr& record);
 
     static std::atomic<std::uint64_t> generation_;
 
@@ -209,16 +178,14 @@ class Book : public std::enable_shared_from_this<Book> {
     std::uint64_t seenGeneration_;
     std::int64_t seenChange_ = 0;                 // the newest save that this book knows
     std::vector<PropertyDefinition> definitions_; // as stored
-    std::unordered_map<std::string_view, std::weak_ptr<LiveRecord>>
-        byUid_; // keys are the uids in the records themselves
-    std::unordered_map<RowId, std::weak_ptr<LiveRecord>> byRow_;
-    std::unordered_set<RowId> removedRows_;        // of records that this process removed and saved
-    std::deque<std::weak_ptr<LiveRecord>> loaded_; // records with a cachedRow, oldest first
+    LiveRecords live_;
+    std::unordered_set<RowId> removedRows_; // of records that this process removed and saved
     std::uint64_t revision_ = 1;
-    std::deque<RecordRow> readAhead_; // rows that a walk will probably ask for next, ascending
-    std::size_t readAheadSize_ = 0;   // how many rows are read ahead next time
-    RowId lastFetched_ = -1'000;      // the row that was fetched last
-    Value scratch_;                   // holds what value() returns a reference to, if no record does
+    std::vector<RecordRow> readAhead_; // rows that a walk will probably ask for next, ascending
+    std::size_t readAheadAt_ = 0;      // the first of them that was not asked for yet
+    std::size_t readAheadSize_ = 0;    // how many rows are read ahead next time
+    RowId lastFetched_ = -1'000;       // the row that was fetched last
+    Value scratch_;                    // holds what value() returns a reference to, if no record does
 
     bool refused_ = false;
     std::string leftOut_;

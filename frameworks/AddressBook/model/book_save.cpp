@@ -36,23 +36,23 @@ ChangeSet Book::changes(Date now) const {
     set.removedDefinitions = undefined_;
     const auto memberships = [&set](const LiveRecord& group) {
         for (const auto& uid : group.left) {
-            set.memberships.push_back({.group = group.uid, .member = uid, .add = false});
+            set.memberships.push_back({.group = group.uid(), .member = uid, .add = false});
         }
         for (const auto& member : group.joined) {
             if (member->inBook() || member->deletedElsewhere()) { // the latter is reported by the save
-                set.memberships.push_back({.group = group.uid, .member = member->uid, .add = true});
+                set.memberships.push_back({.group = group.uid(), .member = member->uid(), .add = true});
             }
         }
     };
     for (const auto& record : added_) {
         set.records.push_back(
-            {.uid = record->uid, .kind = record->kind, .insert = true, .values = record->changes});
+            {.uid = record->uid(), .kind = record->kind, .insert = true, .values = record->changes});
         memberships(*record);
     }
     const auto update = [&](const LiveRecordPtr& record) {
         if (!record->changes.empty()) {
             set.records.push_back(
-                {.uid = record->uid, .kind = record->kind, .insert = false, .values = record->changes});
+                {.uid = record->uid(), .kind = record->kind, .insert = false, .values = record->changes});
         }
         memberships(*record);
     };
@@ -63,7 +63,7 @@ ChangeSet Book::changes(Date now) const {
         update(record);
     }
     for (const auto& [row, record] : removed_) {
-        set.removed.push_back(record->uid);
+        set.removed.push_back(record->uid());
     }
     if (me_) {
         const auto mine = cached(*me_);
@@ -90,14 +90,13 @@ SaveResult Book::save(Date now) {
 
 void Book::applySaveResult(const SaveResult& result) {
     ++revision_;
-    readAhead_.clear();
+    dropReadAhead();
     auto place = result.insertedRows.begin();
     for (const auto& record : std::exchange(added_, {})) { // inserted in this order
         clean(*record);
         record->cachedRow.reset();
         record->state = LiveRecord::State::persistent;
-        record->row = *place++;
-        byRow_[record->row] = record;
+        live_.setRow(*record, *place++);
     }
     for (const auto& uid : result.updated) { // also records that only lost a removed property or a member
         if (const auto record = cached(uid); record && record->inDatabase()) {
@@ -152,7 +151,7 @@ void Book::applyChangeLog() {
         return;
     }
     reloadDefinitions();
-    readAhead_.clear();
+    dropReadAhead();
     ++revision_;
     bool all = newest < seenChange_; // an older state of the book was restored
     std::unordered_set<std::string> reloaded;
@@ -185,8 +184,8 @@ void Book::reloadDefinitions() {
 void Book::reopen() {
     store_ = std::make_shared<Store>(store_->file().parent_path());
     ++revision_;
-    readAhead_.clear();
-    byRow_.clear();
+    dropReadAhead();
+    live_.forgetRows();
     removedRows_.clear();
     seenChange_ = store_->lastChange();
     reloadDefinitions();
@@ -194,13 +193,7 @@ void Book::reopen() {
 }
 
 void Book::reloadAll() {
-    std::vector<LiveRecordPtr> all; // keeps every record alive meanwhile
-    for (const auto& [uid, weak] : byUid_) {
-        if (auto record = weak.lock()) {
-            all.push_back(std::move(record));
-        }
-    }
-    for (const auto& record : all) {
+    for (const auto& record : live_.all()) { // which keeps every record alive meanwhile
         reload(record);
     }
 }
@@ -212,20 +205,20 @@ void Book::reload(const LiveRecordPtr& record) {
         return;
     }
     const auto unfile = [&](auto& records) {
-        const auto found = records.find(record->row);
+        const auto found = records.find(record->row());
         if (found != records.end() && found->second == record) {
             records.erase(found);
         }
     };
     unfile(changed_);
     unfile(removed_);
-    const bool wasOrphaned = orphaned_.erase(record->uid) != 0;
-    const auto ref = store_->find(record->uid);
+    const bool wasOrphaned = orphaned_.erase(record->uid()) != 0;
+    const auto ref = store_->find(record->uid());
     if (!ref) {
         const bool loses =
             wasOrphaned || (record->state == LiveRecord::State::persistent && record->unsaved());
         if (loses) {
-            orphaned_.try_emplace(record->uid, record);
+            orphaned_.try_emplace(record->uid(), record);
         }
         record->state = LiveRecord::State::deleted;
         return;
@@ -238,16 +231,11 @@ void Book::reload(const LiveRecordPtr& record) {
         record->removedHere = false;
     }
     record->cachedRow.reset();
-    if (const auto old = byRow_.find(record->row);
-        record->row != ref->row && old != byRow_.end() && old->second.lock() == record) {
-        byRow_.erase(old);
-    }
-    record->row = ref->row;
-    byRow_[record->row] = record;
+    live_.setRow(*record, ref->row);
     if (record->state == LiveRecord::State::removed) {
-        removed_[record->row] = record;
+        removed_[record->row()] = record;
     } else if (record->unsaved()) {
-        changed_[record->row] = record;
+        changed_[record->row()] = record;
     }
 }
 

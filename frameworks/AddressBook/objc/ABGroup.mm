@@ -94,7 +94,7 @@ void requireForEntry(NSString* property, ABPerson* person) {
         ofProperty = Dictionary();
     }
     auto& people = *ofProperty.as<Dictionary>();
-    const std::string& uid = [person liveRecord]->uid;
+    const std::string& uid = [person liveRecord]->uid();
     if (identifier != nil) {
         people[uid] = textFrom(identifier);
     } else {
@@ -122,7 +122,7 @@ void requireForEntry(NSString* property, ABPerson* person) {
     const Dictionary chosen = [self distributionIdentifiers];
     if (const auto ofProperty = chosen.find(textFrom(property)); ofProperty != chosen.end()) {
         if (const auto* people = ofProperty->second.as<Dictionary>()) {
-            if (const auto own = people->find([person liveRecord]->uid); own != people->end()) {
+            if (const auto own = people->find([person liveRecord]->uid()); own != people->end()) {
                 if (id identifier = objectFrom(own->second);
                     [entries indexForIdentifier:identifier] != NSNotFound) {
                     return identifier;

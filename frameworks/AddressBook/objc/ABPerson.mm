@@ -67,7 +67,7 @@ using namespace addressbook;
 
 - (NSData*)vCardRepresentation {
     vcard::Card card;
-    card.uid = [self liveRecord]->uid;
+    card.uid = [self liveRecord]->uid();
     card.values = reading([&] { return [self book]->values(*[self liveRecord]); });
     const std::string text = vcard::write(card);
     return [NSData dataWithBytes:text.data() length:text.size()];

@@ -230,7 +230,7 @@ BookPtr bookOf(ABRecord* record) {
 @implementation ABRecord (ABRecord_Convenience)
 
 - (NSString*)uniqueId {
-    return stringFrom([self liveRecord]->uid);
+    return stringFrom([self liveRecord]->uid());
 }
 
 - (NSString*)displayName {

@@ -18,17 +18,8 @@
 
 namespace addressbook {
 
-// A unique id in the form in which the database keeps it: packed (packUid) where it can be.
-class StoredUid {
-  public:
-    explicit StoredUid(std::string_view uid);
-    // Binds it as the next parameter; this object must outlive the statement.
-    void bind(sql::Statement& statement) const;
-
-  private:
-    std::string stored_;
-    bool packed_;
-};
+// Binds a unique id as the next parameter; it must outlive the statement.
+void bindUid(sql::Statement& statement, const StoredUid& uid);
 
 // Returns the mark of this process's saves in the change log: a random UUID, which is the same until the
 // process ends and another one in a forked child. Thread-safe.
@@ -107,7 +98,7 @@ struct Store::Impl {
     std::optional<Bytes> picture(RowId id);
 
     // Return the unique id and the kind in a column. Throw StoreError when the column holds something else.
-    std::string uidIn(const sql::Statement& statement, int column) const;
+    StoredUid uidIn(const sql::Statement& statement, int column) const;
     Kind kindIn(const sql::Statement& statement, int column) const;
 
     // Rebuilds the search indexes from the records, in one transaction.

@@ -41,7 +41,7 @@ std::optional<RecordRow> Store::Impl::record(std::string_view uid) {
     const StoredUid stored(uid);
     auto statement =
         db.prepare("SELECT id, kind, uid, creation, modification, card FROM record WHERE uid = ?");
-    stored.bind(statement);
+    bindUid(statement, stored);
     return statement.step() ? std::optional(rowFrom(statement)) : std::nullopt;
 }
 
@@ -67,7 +67,7 @@ Value Store::Impl::value(RowId id, std::string_view property) {
 
 Value Store::Impl::valueOf(const RecordRow& row, std::string_view property) const {
     if (property == property::kUid) {
-        return row.uid;
+        return row.uid.text();
     }
     if (property == property::kCreation) {
         return row.creation;
@@ -120,11 +120,11 @@ std::optional<Bytes> Store::Impl::picture(RowId id) {
     return Bytes(data.begin(), data.end());
 }
 
-std::string Store::Impl::uidIn(const sql::Statement& statement, int column) const {
+StoredUid Store::Impl::uidIn(const sql::Statement& statement, int column) const {
     if (statement.isText(column)) {
-        return std::string(statement.text(column));
+        return StoredUid(statement.text(column));
     }
-    auto uid = unpackUid(statement.blob(column));
+    auto uid = StoredUid::fromPacked(statement.blob(column));
     if (!uid) {
         reportDamage("a unique id has the wrong length");
     }
@@ -151,7 +151,7 @@ void Store::Impl::reportDamage(RowId row, const std::string& what) const {
 std::optional<RecordRef> Store::find(std::string_view uid) const {
     const StoredUid stored(uid);
     auto statement = impl_->db.prepare("SELECT id, kind FROM record WHERE uid = ?");
-    stored.bind(statement);
+    bindUid(statement, stored);
     if (!statement.step()) {
         return std::nullopt;
     }
@@ -164,7 +164,7 @@ std::optional<RecordRef> Store::find(RowId row) const {
     if (!statement.step()) {
         return std::nullopt;
     }
-    return RecordRef{row, impl_->kindIn(statement, 0), impl_->uidIn(statement, 1)};
+    return RecordRef{row, impl_->kindIn(statement, 0), impl_->uidIn(statement, 1).text()};
 }
 
 std::optional<RecordRef> Store::findDeleted(RowId row) const {
@@ -173,7 +173,7 @@ std::optional<RecordRef> Store::findDeleted(RowId row) const {
     if (!statement.step()) {
         return std::nullopt;
     }
-    return RecordRef{row, impl_->kindIn(statement, 0), impl_->uidIn(statement, 1)};
+    return RecordRef{row, impl_->kindIn(statement, 0), impl_->uidIn(statement, 1).text()};
 }
 
 std::vector<RowId> Store::rows(Kind kind) const {
@@ -245,7 +245,7 @@ std::map<std::string, Value> Store::values(const RecordRow& record) const {
         return {};
     }
     auto values = impl_->decodeProperties(record);
-    values.insert_or_assign(std::string(property::kUid), record.uid);
+    values.insert_or_assign(std::string(property::kUid), record.uid.text());
     values.insert_or_assign(std::string(property::kCreation), record.creation);
     values.insert_or_assign(std::string(property::kModification), record.modification);
     return values;

@@ -12,7 +12,7 @@ SyncLink linkFrom(const Store::Impl& impl, const sql::Statement& statement, bool
     SyncLink link;
     link.collection = statement.integer(0);
     link.href = statement.text(1);
-    link.uid = impl.uidIn(statement, 2);
+    link.uid = impl.uidIn(statement, 2).text();
     link.etag = statement.text(3);
     link.leaves = statement.integer(4) != 0;
     if (withText) {
@@ -58,7 +58,7 @@ std::vector<SyncConflict> Store::syncConflicts() const {
         impl_->db.prepare("SELECT id, uid, property, label, value, time, remote FROM conflict ORDER BY id");
     while (statement.step()) {
         SyncConflict conflict{statement.integer(0),
-                              impl_->uidIn(statement, 1),
+                              impl_->uidIn(statement, 1).text(),
                               std::string(statement.text(2)),
                               std::string(statement.text(3)),
                               {},
@@ -86,7 +86,7 @@ std::vector<SyncLink> Store::syncLinksOf(std::string_view uid) const {
     const StoredUid stored(uid);
     auto statement = impl_->db.prepare(
         "SELECT collection, href, uid, etag, leaves, text FROM link WHERE uid = ? ORDER BY leaves, id");
-    stored.bind(statement);
+    bindUid(statement, stored);
     while (statement.step()) {
         links.push_back(linkFrom(*impl_, statement, true));
     }

@@ -183,7 +183,7 @@ void Saver::removeRecord(const std::string& uid) {
     const StoredUid stored(uid);
     auto statement = db_.prepare("INSERT OR REPLACE INTO deleted(id, kind, uid) VALUES (?, ?, ?)");
     statement.bindInteger(row->id).bindInteger(static_cast<int>(row->kind));
-    stored.bind(statement);
+    bindUid(statement, stored);
     statement.exec();
     result_.deleted.push_back(uid);
 }
@@ -202,7 +202,7 @@ void Saver::writeRecord(const RecordChange& change) {
 void Saver::insertRecord(const RecordChange& change) {
     RecordRow row{.id = 0,
                   .kind = change.kind,
-                  .uid = change.uid,
+                  .uid = StoredUid(change.uid),
                   .creation = changes_.time,
                   .modification = changes_.time,
                   .properties = change.card.empty() ? encodeValues(change.values) : change.card};
@@ -213,18 +213,17 @@ void Saver::insertRecord(const RecordChange& change) {
         }
     }
     {
-        const StoredUid uid(row.uid);
         auto statement = db_.prepare(
             "INSERT OR IGNORE INTO record(kind, uid, creation, modification, card) VALUES (?, ?, ?, ?, ?)");
         statement.bindInteger(static_cast<int>(row.kind));
-        uid.bind(statement);
+        bindUid(statement, row.uid);
         statement.bindReal(row.creation.seconds)
             .bindReal(row.modification.seconds)
             .bindBlob(row.properties)
             .exec();
     }
     if (db_.changes() == 0) {
-        refuse("there is already a record " + row.uid);
+        refuse("there is already a record " + change.uid);
     }
     row.id = db_.lastRow();
     if (const auto picture = change.values.find(std::string(property::kImage));
@@ -239,7 +238,7 @@ void Saver::insertRecord(const RecordChange& change) {
     inserted(row, property::kCreation, encodeValue(row.creation));
     inserted(row, property::kModification, encodeValue(row.modification));
     changed_.insert(row.id);
-    result_.inserted.push_back(row.uid);
+    result_.inserted.push_back(change.uid);
     result_.insertedRows.push_back(row.id);
 }
 
@@ -318,7 +317,7 @@ bool Saver::updated(const RecordRow& row) {
     if (!changed_.insert(row.id).second) {
         return false;
     }
-    result_.updated.push_back(row.uid);
+    result_.updated.push_back(row.uid.text());
     if (row.modification == changes_.time) {
         return false;
     }

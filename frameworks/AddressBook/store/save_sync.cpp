@@ -123,7 +123,7 @@ class SyncSaver {
         if (!link.leaves) { // an index allows no second, and would not say which
             auto owner = db_.prepare(
                 "SELECT 1 FROM link WHERE uid = ? AND leaves = 0 AND NOT (collection = ? AND href = ?)");
-            uid.bind(owner);
+            bindUid(owner, uid);
             owner.bindInteger(link.collection).bindText(link.href);
             if (owner.step()) {
                 refuse("the record " + link.uid + " belongs to another card already");
@@ -135,7 +135,7 @@ class SyncSaver {
             "collection WHERE id = ? ON CONFLICT (collection, href) DO UPDATE SET uid = excluded.uid, "
             "etag = excluded.etag, leaves = excluded.leaves, text = excluded.text");
         statement.bindText(link.href);
-        uid.bind(statement);
+        bindUid(statement, uid);
         statement.bindText(link.etag)
             .bindInteger(link.leaves ? 1 : 0)
             .bindBlob(text)
@@ -151,7 +151,7 @@ class SyncSaver {
         const std::string value = encodeValue(conflict.value);
         auto statement = db_.prepare(
             "INSERT INTO conflict(uid, property, label, value, time, remote) VALUES (?, ?, ?, ?, ?, ?)");
-        uid.bind(statement);
+        bindUid(statement, uid);
         statement.bindText(conflict.property).bindText(conflict.label).bindBlob(value);
         statement.bindReal(conflict.time.seconds).bindInteger(conflict.remote ? 1 : 0).exec();
         note();

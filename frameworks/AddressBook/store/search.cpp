@@ -239,7 +239,8 @@ Rows ConditionSearch::uids() {
     }
     while (statement.step()) {
         ++step_.indexRows;
-        if (impl_.kindIn(statement, 2) == condition_.kind && matcher_.anyMeets(impl_.uidIn(statement, 1))) {
+        if (impl_.kindIn(statement, 2) == condition_.kind &&
+            matcher_.anyMeets(impl_.uidIn(statement, 1).text())) {
             found.push_back(statement.integer(0));
         }
     }

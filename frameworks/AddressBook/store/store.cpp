@@ -14,17 +14,11 @@
 
 namespace addressbook {
 
-StoredUid::StoredUid(std::string_view uid) {
-    auto packed = packUid(uid);
-    packed_ = packed.has_value();
-    stored_ = packed ? std::move(*packed) : std::string(uid);
-}
-
-void StoredUid::bind(sql::Statement& statement) const {
-    if (packed_) {
-        statement.bindBlob(stored_);
+void bindUid(sql::Statement& statement, const StoredUid& uid) {
+    if (uid.isPacked()) {
+        statement.bindBlob(uid.bytes());
     } else {
-        statement.bindText(stored_);
+        statement.bindText(uid.bytes());
     }
 }
 

@@ -41,7 +41,7 @@ struct RecordRef {
 struct RecordRow {
     RowId id = 0; // 0: no record; it has no values
     Kind kind = Kind::person;
-    std::string uid;
+    StoredUid uid;
     Date creation, modification;
     std::string properties;                // the properties blob; see record_codec.h
     mutable bool checksumVerified = false; // the checksum of `properties` is right

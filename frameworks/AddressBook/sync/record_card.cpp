@@ -132,7 +132,7 @@ std::optional<Card> cardOf(const Store& store, std::string_view uid) {
     }
     Card card;
     card.kind = record->kind;
-    card.uid = record->uid;
+    card.uid = record->uid.text();
     card.values = store.values(*record);
     if (Value image = store.value(record->id, property::kImage); !image.empty()) {
         card.values[std::string(property::kImage)] = std::move(image);

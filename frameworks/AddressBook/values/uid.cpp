@@ -1,8 +1,11 @@
 #include "frameworks/AddressBook/values/uid.h"
 
+#include <algorithm>
 #include <array>
 #include <atomic>
 #include <cerrno>
+#include <cstring>
+#include <functional>
 #include <pthread.h>
 #include <system_error>
 #include <unistd.h>
@@ -46,37 +49,43 @@ std::string randomBytes() {
     return {stock.bytes.data() + stock.left, kUuidBytes};
 }
 
-} // namespace
-
-std::optional<std::string> packUid(std::string_view text) {
+// Writes the packed form of a text, at most 17 bytes; returns its size, 0 when there is none.
+std::size_t pack(std::string_view text, char* packed) {
     if (text.size() < kUuidText) {
-        return std::nullopt;
+        return 0;
     }
     const std::string_view kind = text.substr(kUuidText);
     if (!kind.empty() && kind != ":ABPerson" && kind != ":ABGroup") {
-        return std::nullopt;
+        return 0;
     }
-    std::string packed;
-    packed.reserve(kUuidBytes + 1);
+    const char* const begin = packed;
     for (std::size_t at = 0; at < kUuidText; ++at) {
         if (isDash(at)) {
             if (text[at] != '-') {
-                return std::nullopt;
+                return 0;
             }
             continue;
         }
         const int high = hexDigit(text[at]);
         const int low = hexDigit(text[at + 1]);
         if (high < 0 || low < 0) {
-            return std::nullopt;
+            return 0;
         }
-        packed.push_back(static_cast<char>(high * 16 + low));
+        *packed++ = static_cast<char>(high * 16 + low);
         ++at;
     }
     if (!kind.empty()) {
-        packed.push_back(kind == ":ABPerson" ? 'P' : 'G');
+        *packed++ = kind == ":ABPerson" ? 'P' : 'G';
     }
-    return packed;
+    return static_cast<std::size_t>(packed - begin);
+}
+
+} // namespace
+
+std::optional<std::string> packUid(std::string_view text) {
+    std::array<char, kUuidBytes + 1> packed{};
+    const std::size_t size = pack(text, packed.data());
+    return size != 0 ? std::optional(std::string(packed.data(), size)) : std::nullopt;
 }
 
 bool isPackedUid(std::string_view bytes) {
@@ -105,6 +114,36 @@ std::optional<std::string> unpackUid(std::string_view bytes) {
     uid.reserve(kUuidText + kind.size());
     uid.append(text, kUuidText).append(kind);
     return uid;
+}
+
+StoredUid::StoredUid(std::string_view uid)
+    : packedSize_(static_cast<std::uint8_t>(pack(uid, packed_.data()))) {
+    if (!isPacked()) {
+        text_ = uid;
+    }
+}
+
+std::optional<StoredUid> StoredUid::fromPacked(std::string_view bytes) {
+    if (!isPackedUid(bytes)) {
+        return std::nullopt;
+    }
+    StoredUid uid;
+    std::copy(bytes.begin(), bytes.end(), uid.packed_.begin());
+    uid.packedSize_ = static_cast<std::uint8_t>(bytes.size());
+    return uid;
+}
+
+std::string StoredUid::text() const {
+    return isPacked() ? unpackUid(bytes()).value() : text_;
+}
+
+std::size_t StoredUid::hash() const {
+    if (!isPacked()) {
+        return std::hash<std::string>()(text_);
+    }
+    std::size_t random = 0; // as UUIDs are
+    std::memcpy(&random, packed_.data(), sizeof random);
+    return random;
 }
 
 std::string newUuid() {

@@ -255,7 +255,7 @@ void Rescue::readRecord(RowId id) {
             made_.db.prepare("INSERT OR IGNORE INTO record(id, kind, uid, creation, modification, card) "
                              "VALUES (?, ?, ?, ?, ?, ?)");
         insert.bindInteger(id).bindInteger(kind);
-        stored.bind(insert);
+        bindUid(insert, stored);
         insert.bindReal(statement.real(2)).bindReal(statement.real(3)).bindBlob(card).exec();
         found = made_.db.changes() > 0;
         rescued_.emplace(id, static_cast<Kind>(kind));
