@@ -198,9 +198,12 @@ LiveRecordPtr Book::tombstone(const RecordRef& ref) {
 
 std::vector<Book::Place> Book::records(Kind kind) {
     refreshIfStale();
+    const Store::ReadTransaction transaction(*store_);
     applyChangeLog();
     std::vector<Place> places;
-    for (const RowId row : store_->rows(kind)) {
+    const std::vector<RowId> rows = store_->rows(kind);
+    places.reserve(rows.size() + added_.size());
+    for (const RowId row : rows) {
         if (!removed_.contains(row)) {
             places.push_back({row, nullptr});
         }

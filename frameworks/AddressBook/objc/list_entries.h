@@ -61,7 +61,7 @@ struct ListEntries {
     // Decodes a list from these bytes, which it copies. Throws DamagedRecord.
     explicit ListEntries(std::string_view encoded);
 
-    std::shared_ptr<const std::string> bytes; // what the entries were read from, if any
+    std::shared_ptr<const char[]> bytes; // what the entries were read from, if any
     std::vector<ListEntry> entries;
     Retained primary; // the identifier that was chosen, nil when none was
 };

@@ -4,6 +4,8 @@
 
 #include "frameworks/AddressBook/values/uid.h"
 
+#include <algorithm>
+
 namespace addressbook {
 namespace {
 
@@ -49,12 +51,20 @@ NSString* ListEntry::identifier() const {
     return madeOnce(identifier_, [this] { return stringFrom(encoded_.identifier.text()); });
 }
 
-ListEntries::ListEntries(std::string_view encoded) : bytes(std::make_shared<const std::string>(encoded)) {
-    const EncodedList list = listIn(*bytes);
-    entries.assign(list.entries.begin(), list.entries.end());
-    if (!list.primary.bytes.empty()) {
-        primary = Retained(stringFrom(list.primary.text()));
+ListEntries::ListEntries(std::string_view encoded) {
+    const auto copy = std::make_shared<char[]>(encoded.size());
+    std::copy(encoded.begin(), encoded.end(), copy.get());
+    const EncodedIdentifier chosen =
+        visitEntries({copy.get(), encoded.size()}, [this](const EncodedEntry& entry, std::size_t behind) {
+            if (entries.empty()) {
+                entries.reserve(behind + 1);
+            }
+            entries.emplace_back(entry);
+        });
+    if (!chosen.bytes.empty()) {
+        primary = Retained(stringFrom(chosen.text()));
     }
+    bytes = copy;
 }
 
 } // namespace addressbook

@@ -50,6 +50,13 @@ struct Store::Impl {
     };
     std::optional<LastSearch> lastSearch;
 
+    // The newest save in the change log, as of the data version.
+    struct KnownChange {
+        std::int64_t number;
+        std::uint32_t dataVersion;
+    };
+    std::optional<KnownChange> knownChange;
+
     // Returns what a query finds when that is what the last search found, else null. The result is valid
     // until the next search.
     const std::vector<RowId>* knownSearch(const Query& query);

@@ -309,8 +309,17 @@ std::vector<PropertyDefinition> Store::definitions() const {
 
 std::int64_t Store::lastChange() const {
     impl_->reopenIfChanged();
+    // What every search asks first: nearly always there was no save since.
+    const bool isInTransaction = impl_->readTransactions != 0;
+    if (isInTransaction && impl_->knownChange && impl_->knownChange->dataVersion == impl_->db.dataVersion()) {
+        return impl_->knownChange->number;
+    }
     auto statement = impl_->db.prepare("SELECT max(id) FROM change");
-    return statement.step() ? statement.integer(0) : 0;
+    const std::int64_t number = statement.step() ? statement.integer(0) : 0;
+    if (isInTransaction) {
+        impl_->knownChange = {number, impl_->db.dataVersion()};
+    }
+    return number;
 }
 
 std::vector<LoggedChange> Store::changesSince(std::int64_t change) const {

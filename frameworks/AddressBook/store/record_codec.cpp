@@ -386,22 +386,27 @@ bool holdsList(std::string_view value) {
     return !value.empty() && static_cast<Tag>(value.front()) == Tag::multiValue;
 }
 
-EncodedList listIn(std::string_view value) {
+EncodedIdentifier visitEntries(std::string_view value, const EntryVisitor& visit) {
     Reader reader(value);
     if (static_cast<Tag>(reader.byte()) != Tag::multiValue) {
         throw DamagedRecord("a list of an unknown type");
     }
-    EncodedList list;
-    list.primary = reader.identifier();
-    const std::size_t number = reader.items();
-    list.entries.reserve(number);
-    for (std::size_t left = number; left > 0; --left) {
-        EncodedEntry& entry = list.entries.emplace_back();
+    const EncodedIdentifier primary = reader.identifier();
+    for (std::size_t left = reader.items(); left > 0; --left) {
+        EncodedEntry entry;
         entry.identifier = reader.identifier();
         entry.label = reader.word();
         entry.value = reader.encoded(1);
+        visit(entry, left - 1);
     }
     reader.expectEnd();
+    return primary;
+}
+
+EncodedList listIn(std::string_view value) {
+    EncodedList list;
+    list.primary = visitEntries(
+        value, [&list](const EncodedEntry& entry, std::size_t) { list.entries.push_back(entry); });
     return list;
 }
 

@@ -83,6 +83,10 @@ struct EncodedList {
 bool holdsList(std::string_view value);
 // Returns the entries of an encoded multi-value.
 EncodedList listIn(std::string_view value);
+// Calls [visit] with each entry of an encoded multi-value and the number of entries behind it; returns the
+// identifier of the primary entry.
+using EntryVisitor = std::function<void(const EncodedEntry& entry, std::size_t behind)>;
+EncodedIdentifier visitEntries(std::string_view value, const EntryVisitor& visit);
 // One of the values of a property that searches look at: a single value, an entry of a multi-value or a field
 // of a dictionary; also a dictionary without fields and a multi-value without entries. Its value is encoded.
 struct EncodedLeaf {

@@ -98,6 +98,7 @@ void Store::Impl::reopenIfChanged() {
     opened.stamp = std::move(now.stamp);
     backlogVersion.reset();
     lastSearch.reset();
+    knownChange.reset();
     for (auto& known : propertyIds) {
         known.clear();
     }

@@ -113,6 +113,21 @@ std::u16string converted(std::size_t guess, Function function) {
     }
 }
 
+// Whether a text is well-formed and has no character from U+0300 on: it is in NFC then, as none of those below
+// combines with another, or has another composed form.
+bool isSurelyComposed(std::string_view text) {
+    for (std::size_t at = 0; at < text.size(); ++at) {
+        const auto lead = static_cast<unsigned char>(text[at]);
+        if (lead < 0x80) {
+            continue;
+        }
+        if (lead < 0xC2 || lead > 0xCB || ++at == text.size() || !isContinuation(text[at])) {
+            return false;
+        }
+    }
+    return true;
+}
+
 std::string asciiFolded(std::string_view text) {
     std::string out(text);
     for (char& c : out) {
@@ -139,17 +154,22 @@ std::string utf8FromUtf16(std::u16string_view text) {
 }
 
 std::u16string utf16FromUtf8(std::string_view text) {
-    std::u16string out;
-    out.reserve(text.size());
+    std::u16string out(text.size(), u'\0'); // no character has fewer bytes than units
+    char16_t* next = out.data();
     for (std::size_t at = 0; at < text.size();) {
+        if (static_cast<unsigned char>(text[at]) < 0x80) {
+            *next++ = static_cast<unsigned char>(text[at++]);
+            continue;
+        }
         const char32_t code = nextCodePoint(text, at);
         if (code < 0x10000) {
-            out.push_back(static_cast<char16_t>(code));
+            *next++ = static_cast<char16_t>(code);
         } else {
-            out.push_back(static_cast<char16_t>(0xD800 + ((code - 0x10000) >> 10)));
-            out.push_back(static_cast<char16_t>(0xDC00 + ((code - 0x10000) & 0x3FF)));
+            *next++ = static_cast<char16_t>(0xD800 + ((code - 0x10000) >> 10));
+            *next++ = static_cast<char16_t>(0xDC00 + ((code - 0x10000) & 0x3FF));
         }
     }
+    out.resize(static_cast<std::size_t>(next - out.data()));
     return out;
 }
 
@@ -171,7 +191,7 @@ bool isAscii(std::string_view text) {
 }
 
 std::string normalize(std::string_view text) {
-    if (isAscii(text)) {
+    if (isSurelyComposed(text)) {
         return std::string(text);
     }
     const std::u16string wide = utf16FromUtf8(text);

@@ -219,7 +219,7 @@ int Connection::changes() const {
 
 std::uint32_t Connection::dataVersion() {
     if (sqlite3_txn_state(handle_, "main") == SQLITE_TXN_NONE) {
-        prepare("SELECT 1 FROM meta").step(); // begins to read
+        prepare("PRAGMA schema_version").step(); // begins to read; the least that does
     }
     std::uint32_t version = 0;
     if (const int code = sqlite3_file_control(handle_, "main", SQLITE_FCNTL_DATA_VERSION, &version);
