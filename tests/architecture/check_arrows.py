@@ -58,7 +58,7 @@ ROOMS = {
     VALUES: Room((), ("ICU",), (), "values know nothing else"),
     SQL: Room((), ("SQLite",), (), "this room knows SQLite alone"),
     STORE: Room((VALUES, SQL), ("SQLite", "ICU", "zlib"), (), "the store knows values and SQLite"),
-    MODEL: Room((STORE, VALUES), (), (), "the model knows the store and values"),
+    MODEL: Room((STORE, VALUES), ("Boost",), (), "the model knows the store and values"),
     VCARD: Room((VALUES,), ("ICU", "Boost"), (), "vCards know values alone"),
     CSV: Room((VALUES,), ("ICU", "libcsv"), (), "CSV knows values alone"),
     CARDDAV: Room((VALUES,), ("curl", "libxml2"), (), "CardDAV knows values alone, and no store"),

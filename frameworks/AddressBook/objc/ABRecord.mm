@@ -29,10 +29,13 @@ struct State {
     }
 };
 
-// Returns a property's value as an object; stored values are converted directly from their encoded form.
-id valueOf(Book& book, LiveRecord& live, std::string_view property) {
-    if (const auto stored = storedForComponents(property)) {
-        return componentsFrom(book.current(live, *stored));
+// Returns the value of a property of this type as an object; stored values are converted directly from their
+// encoded form.
+id valueOf(Book& book, LiveRecord& live, std::string_view property, int type) {
+    if ((type & ~kMultiValue) == static_cast<int>(Type::dateComponents)) {
+        if (const auto stored = storedForComponents(property)) {
+            return componentsFrom(book.current(live, *stored));
+        }
     }
     const auto encoded = book.encoded(live, property);
     if (!encoded) {
@@ -157,7 +160,7 @@ BookPtr bookOf(ABRecord* record) {
     if (type == 0) {
         return nil;
     }
-    id object = reading([&] { return valueOf(book, live, name); });
+    id object = reading([&] { return valueOf(book, live, name, type); });
     if ((type & kMultiValue) != 0) {
         state.keep(object, name);
     }

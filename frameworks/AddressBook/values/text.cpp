@@ -5,6 +5,7 @@
 #include <unicode/ustring.h>
 
 #include <algorithm>
+#include <array>
 #include <cstdint>
 #include <cstring>
 #include <new>
@@ -14,6 +15,7 @@ namespace addressbook {
 namespace {
 
 constexpr char32_t kReplacement = 0xFFFD;
+constexpr char32_t kFirstCombining = 0x300; // the first character that combines with one before it
 
 bool isHigh(char32_t unit) {
     return unit >= 0xD800 && unit < 0xDC00;
@@ -138,6 +140,31 @@ std::string asciiFolded(std::string_view text) {
     return out;
 }
 
+std::string foldedByIcu(std::string_view text) {
+    const std::u16string wide = utf16FromUtf8(text);
+    return utf8FromUtf16(
+        converted(wide.size() + 16, [&](char16_t* out, std::int32_t capacity, UErrorCode* status) {
+            return u_strFoldCase(out, capacity, wide.data(), unitCount(wide), U_FOLD_CASE_DEFAULT, status);
+        }));
+}
+
+// Folds a text for which isSurelyComposed() is true, each character by a table, which ICU fills once.
+std::string foldedByTable(std::string_view text) {
+    static const std::array<std::string, kFirstCombining>& forms = *[] {
+        auto* filled = new std::array<std::string, kFirstCombining>; // stays until the process ends
+        for (char16_t code = 0; code < kFirstCombining; ++code) {
+            (*filled)[code] = foldedByIcu(utf8FromUtf16({&code, 1}));
+        }
+        return filled;
+    }();
+    std::string folded;
+    folded.reserve(text.size());
+    for (std::size_t at = 0; at < text.size();) {
+        folded += forms[nextCodePoint(text, at)];
+    }
+    return folded;
+}
+
 } // namespace
 
 std::string utf8FromUtf16(std::u16string_view text) {
@@ -205,11 +232,7 @@ std::string foldNormalized(std::string_view text) {
     if (isAscii(text)) {
         return asciiFolded(text);
     }
-    const std::u16string wide = utf16FromUtf8(text);
-    return utf8FromUtf16(
-        converted(wide.size() + 16, [&](char16_t* out, std::int32_t capacity, UErrorCode* status) {
-            return u_strFoldCase(out, capacity, wide.data(), unitCount(wide), U_FOLD_CASE_DEFAULT, status);
-        }));
+    return isSurelyComposed(text) ? foldedByTable(text) : foldedByIcu(text);
 }
 
 std::string fold(std::string_view text) {

@@ -49,8 +49,8 @@ class StoredUid {
     }
 
   private:
-    static constexpr std::size_t kMostPacked = 17;
-    std::array<char, kMostPacked> packed_{};
+    static constexpr std::size_t kPackedRoom = 17;
+    std::array<char, kPackedRoom> packed_{};
     std::uint8_t packedSize_ = 0; // 0: the id is text_
     std::string text_;
 };
