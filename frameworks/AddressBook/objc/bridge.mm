@@ -252,7 +252,10 @@ NSString* wordFrom(std::string_view word) {
         known.resize(code + 1, nil);
     }
     if (known[code] == nil) {
-        known[code] = [stringFrom(word) retain];
+        // One of Foundation's own, which keeps its hash: programs look labels up in tables.
+        known[code] = [[NSString alloc] initWithBytes:word.data()
+                                               length:word.size()
+                                             encoding:NSASCIIStringEncoding];
     }
     return known[code];
 }
