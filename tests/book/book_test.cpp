@@ -228,7 +228,7 @@ TEST_F(BookTest, ASearchSeesWhatIsRemovedHere) {
     EXPECT_FALSE(book_->matches(withoutShoe, *eva, kNow));
     const auto places = book_->search(withoutShoe, kNow);
     ASSERT_EQ(places.size(), 1U) << "not Eva, and not Ida, who is removed";
-    EXPECT_EQ(places[0].row, ann->row);
+    EXPECT_EQ(places[0].row, ann->row());
 }
 
 TEST_F(BookTest, PropertiesNeedANameAndAType) {
@@ -272,7 +272,7 @@ TEST_F(BookTest, AllValuesAreTheStoredOnesUnderTheUnsaved) {
     const auto values = book_->values(*ann);
     EXPECT_EQ(values.at("Note"), text("new"));
     EXPECT_EQ(values.at(kFirst), text("Ann"));
-    EXPECT_EQ(values.at(std::string(property::kUid)), text(ann->uid));
+    EXPECT_EQ(values.at(std::string(property::kUid)), text(ann->uid()));
     EXPECT_EQ(values.at(std::string(property::kImage)), Value(Bytes(3, 'p')));
     EXPECT_FALSE(values.contains("Last"));
     EXPECT_FALSE(values.contains("Shoe"));
@@ -291,7 +291,7 @@ TEST_F(BookTest, ARemovedRecordComesBackWithWhatWasUnsaved) {
     EXPECT_TRUE(book_->add(ann));
     EXPECT_EQ(first(ann), "Eva");
     book_->save(kNow);
-    EXPECT_EQ(others_.value(ann->row, kFirst), text("Eva"));
+    EXPECT_EQ(others_.value(ann->row(), kFirst), text("Eva"));
 }
 
 TEST_F(BookTest, WhoIsRemovedBeforeTheSaveDoesNotJoinAndIsNotTheUser) {
@@ -354,8 +354,8 @@ TEST_F(BookTest, WhatOthersDeletedAndMadeAgainIsOneRecord) {
     const auto ann = person("Ann");
     book_->save(kNow);
     EXPECT_TRUE(book_->remove(ann));
-    saveElsewhere({updated(ann->uid, {{"Last", text("Lee")}})});
-    EXPECT_EQ(book_->find(ann->uid), nullptr) << "removed here, whatever others save";
+    saveElsewhere({updated(ann->uid(), {{"Last", text("Lee")}})});
+    EXPECT_EQ(book_->find(ann->uid()), nullptr) << "removed here, whatever others save";
     EXPECT_EQ(ann->state, State::removed);
     EXPECT_TRUE(book_->add(ann));
     EXPECT_EQ(book_->value(*ann, "Last"), text("Lee"));
