@@ -231,6 +231,46 @@ TEST_F(DamagedTest, ASoundBookIsLeftAlone) {
     EXPECT_THROW(repair(folder()), StoreError);
 }
 
+// What is told when parts of a book are gone, each alone.
+TEST_F(DamagedTest, RepairSaysWhatIsGone) {
+    struct Row {
+        const char* damage;
+        const char* told;
+    };
+    const Row rows[] = {
+        {"DELETE FROM record WHERE id = (SELECT min(member) FROM membership)",
+         "had lost a side and are left out"},
+        {"UPDATE meta SET value = 'nobody' WHERE name = 'me'", "The user's own card is lost."},
+        {"UPDATE record SET uid = x'00' WHERE id = (SELECT min(id) FROM record)",
+         "has lost its unique id and got "},
+    };
+    for (const Row& row : rows) {
+        SCOPED_TRACE(row.damage);
+        fs::remove_all(folder());
+        std::string group;
+        {
+            Store store(folder());
+            const std::string person = addPerson(store, {{"First", text("Ann")}});
+            group = newUid(Kind::group);
+            ChangeSet changes = changesAt(2);
+            changes.records = {inserted(group, {{"GroupName", text("Friends")}}, Kind::group)};
+            changes.memberships = {{group, person, true}};
+            changes.me = person;
+            store.save(changes);
+        }
+        sqlite3* database = nullptr;
+        ASSERT_EQ(sqlite3_open((folder() / kFileName).c_str(), &database), SQLITE_OK);
+        ASSERT_EQ(sqlite3_exec(database, row.damage, nullptr, nullptr, nullptr), SQLITE_OK);
+        sqlite3_close(database);
+        const RepairReport report = repair(folder());
+        EXPECT_TRUE(report.needed);
+        EXPECT_THAT(report.lost, Contains(HasSubstr(row.told)));
+        const Store store(folder());
+        EXPECT_THAT(store.check(), IsEmpty());
+        EXPECT_TRUE(store.find(group));
+    }
+}
+
 TEST_F(DamagedTest, ANewerVersionIsNotRepaired) {
     sqlite3* database = nullptr;
     ASSERT_EQ(sqlite3_open(file_.c_str(), &database), SQLITE_OK);
