@@ -299,6 +299,9 @@ Json takeJson(Value value) {
 }
 
 Value jsonValue(Json json, bool declared) {
+    if (!json.is_structured()) {
+        return Value::text(jsonText(json)); // a text that is no document, whoever wrote it
+    }
     auto parsed = std::make_shared<ParsedJson>();
     parsed->root = std::move(json);
     parsed->declared = declared;

@@ -50,7 +50,7 @@ std::u16string formattedJson(const Json& json);
 // Throws JsonError.
 Json takeJson(Value value);
 
-// Returns JSON as a text value, which keeps the parsed form; the text is written when it is first asked for.
+// Returns JSON as a text value. That of a document keeps the parsed form; its text is written when it is first asked for.
 Value jsonValue(Json json, bool declared);
 
 } // namespace host
