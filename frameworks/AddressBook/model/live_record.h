@@ -94,11 +94,11 @@ class LiveRecords {
   private:
     friend struct LiveRecord;
     struct UidOf {
-        using type = StoredUid;
+        using type = StoredUid; // NOLINT(readability-identifier-naming): the name that Boost asks for
         const StoredUid& operator()(const LiveRecord& record) const { return record.stored_; }
     };
     struct RowOf {
-        using type = RowId;
+        using type = RowId; // NOLINT(readability-identifier-naming)
         const RowId& operator()(const LiveRecord& record) const { return record.row_; }
     };
     struct HashUid {
