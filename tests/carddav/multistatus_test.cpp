@@ -209,6 +209,15 @@ TEST(BadMultistatusTest, NothingOutsideIsRead) {
         testing::HasSubstr("document type"));
 }
 
+// What is read of an encoding with states would depend on the pieces in which it comes.
+TEST(BadMultistatusTest, OtherEncodingsOfSeveralBytesAreRefused) {
+    for (const char* encoding : {"utf-7", "ISO-2022-JP", "Shift_JIS"}) {
+        EXPECT_THAT(whyNot(std::string("<?xml version='1.0' encoding='") + encoding +
+                           "'?><multistatus xmlns='DAV:'/>"),
+                    testing::HasSubstr(std::string("its encoding is ") + encoding));
+    }
+}
+
 TEST(BadMultistatusTest, BoundsHold) {
     std::string deep;
     for (int at = 0; at < 1000; ++at) {

@@ -14,6 +14,8 @@ namespace {
 constexpr int kMaxDepth = 32;
 // libxml2 takes lengths as int, and looks at all of a piece at once.
 constexpr std::size_t kPiece = 64UL * 1024;
+constexpr const char* kEncodings[] = {"UTF-8",    "UTF8",  "UTF-16",     "UTF-16LE",    "UTF-16BE",
+                                      "US-ASCII", "ASCII", "ISO-8859-1", "ISO-8859-15", "windows-1252"};
 
 [[noreturn]] void malformed(const std::string& why) {
     throw Error(ErrorKind::malformedAnswer, "the server's answer cannot be read: " + why);
@@ -44,6 +46,25 @@ struct XmlParser::Callbacks {
             parser.thrown_ = std::current_exception();
             xmlStopParser(parser.context_);
         }
+    }
+
+    // Of other encodings than UTF-8 and UTF-16, which need not be declared, only those of one byte a character are read:
+    // what is read of others depends on the pieces in which it comes. (WebDAV asks for the two alone: RFC 4918, 8.2.)
+    static void startDocument(void* self) {
+        guarded(self, [](XmlParser& parser) {
+            const xmlChar* const declared = parser.context_->input->encoding;
+            if (declared == nullptr) {
+                return;
+            }
+            const std::string_view name(reinterpret_cast<const char*>(declared));
+            const bool known =
+                std::any_of(std::begin(kEncodings), std::end(kEncodings), [&](const char* each) {
+                    return xmlStrcasecmp(declared, reinterpret_cast<const xmlChar*>(each)) == 0;
+                });
+            if (!known) {
+                malformed("its encoding is " + std::string(name) + ", not UTF-8");
+            }
+        });
     }
 
     // [attributes]: local name, prefix, namespace, begin and end of the value.
@@ -94,6 +115,7 @@ XmlParser::XmlParser(XmlHandler& handler) : handler_(handler) {
     std::call_once(once, xmlInitParser);
     xmlSAXHandler callbacks{};
     callbacks.initialized = XML_SAX2_MAGIC;
+    callbacks.startDocument = Callbacks::startDocument;
     callbacks.startElementNs = Callbacks::startElement;
     callbacks.endElementNs = Callbacks::endElement;
     callbacks.characters = callbacks.ignorableWhitespace = callbacks.cdataBlock = Callbacks::characters;
