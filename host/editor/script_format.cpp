@@ -47,9 +47,7 @@ class ScriptFormatter {
   private:
     // Reads a step, which may have several lines, or a comment, or an empty line, which is a step of its own.
     void readLine() {
-        while (at_ < text_.size() && isSpace(text_[at_])) {
-            ++at_;
-        }
+        skipBlanks();
         if (at_ == text_.size()) {
             return;
         }
@@ -61,6 +59,12 @@ class ScriptFormatter {
         result_ += u'\n';
         if (at_ < text_.size()) {
             at_ += text_.substr(at_).starts_with(u"\r\n") ? 2 : 1;
+        }
+    }
+
+    void skipBlanks() {
+        while (at_ < text_.size() && isSpace(text_[at_])) {
+            ++at_;
         }
     }
 
@@ -103,6 +107,7 @@ class ScriptFormatter {
             brackets(name);
         }
         level_ += after;
+        skipBlanks();
         const std::u16string rest = lineUpTo(endOfLine()); // not valid here, but kept for the user to see
         result_ += rest.empty() ? u"" : u" " + rest;
     }

@@ -87,6 +87,11 @@ TEST(FormatTest, Scripts) {
     EXPECT_EQ(script("Set Variable [ $x ; Value: 1 // one\n]"), "Set Variable [ $x ; Value: 1 // one\n]\n");
 }
 
+// What stands behind a step's bracket is wrong there; it stays, one blank away.
+TEST(FormatTest, TextBehindAStep) {
+    EXPECT_EQ(script("If [ 1 ]   Beep  \nEnd If"), "If [ 1 ] Beep\nEnd If\n");
+}
+
 TEST(FormatTest, IndentationIsTheFilesOwn) {
     EXPECT_EQ(script("If [ 1 ]\n\tBeep\n  Beep\nEnd If\n"), "If [ 1 ]\n\tBeep\n\tBeep\nEnd If\n");
     EXPECT_EQ(script("If [ 1 ]\r\n Beep\r\nEnd If\r\n"), "If [ 1 ]\r\n    Beep\r\nEnd If\r\n");
