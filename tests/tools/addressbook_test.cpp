@@ -290,7 +290,9 @@ TEST_F(ProgramTest, ACardWithoutItsEndIsTakenAndNamed) {
     const Outcome outcome = run({"import", "-"}, "BEGIN:VCARD\nVERSION:3.0\nN:A\nTEL:1");
     EXPECT_THAT(outcome.err,
                 HasSubstr("card 1, line 4: left out: cut off by the end of the file: \"TEL:1\"\n"));
-    EXPECT_THAT(outcome.err, HasSubstr("card 1, line 1: the file ends before the card's END:VCARD; what it has was taken\n"));
+    EXPECT_THAT(
+        outcome.err,
+        HasSubstr("card 1, line 1: the file ends before the card's END:VCARD; what it has was taken\n"));
     EXPECT_THAT(run({"list"}).out, HasSubstr("\tA\t\t\t\n"));
 }
 
