@@ -261,7 +261,12 @@ class Checker {
         }
         for (const auto& [ref, held] : backlog) {
             if (!held.empty()) {
-                expect(ref, held);
+                try {
+                    expect(ref, held);
+                } catch (const DamagedRecord& error) {
+                    recordsAreSound_ = false;
+                    attempt([&] { impl_.reportDamage(std::string("the change log: ") + error.what()); });
+                }
             }
         }
         recordsAreKnown_ = true;

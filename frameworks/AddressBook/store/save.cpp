@@ -504,6 +504,11 @@ SaveResult Store::save(const ChangeSet& changes) {
     if (impl_->opened.readOnly) {
         throw readOnlyError(file());
     }
+    const auto forgetIds = [this] { // those that were given in the transaction are undone with it
+        for (auto& known : impl_->propertyIds) {
+            known.clear();
+        }
+    };
     try {
         sql::Transaction transaction(impl_->db, sql::Transaction::Mode::write);
         if (moved()) {
@@ -522,14 +527,13 @@ SaveResult Store::save(const ChangeSet& changes) {
         }
         return result;
     } catch (const std::length_error& error) {
-        for (auto& known : impl_->propertyIds) {
-            known.clear();
-        }
+        forgetIds();
         throw StoreError(Reason::refused, file(), "was not changed", error.what());
+    } catch (const DamagedRecord& error) { // a record of which values are changed or removed
+        forgetIds();
+        impl_->reportDamage(error.what());
     } catch (...) {
-        for (auto& known : impl_->propertyIds) {
-            known.clear(); // ids that were given in the transaction are undone with it
-        }
+        forgetIds();
         throw;
     }
 }
