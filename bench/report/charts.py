@@ -22,7 +22,8 @@ TITLES = {"F": "Objective-C", "C": "calculation", "L": "language", "T": "program
 def duration(seconds):
     for unit, name in ((1, "s"), (1e-3, "ms"), (1e-6, "µs")):
         if seconds >= unit * 0.9999:
-            return f"{seconds / unit:.3g} {name}"
+            number = seconds / unit
+            return f"{number:.3g} {name}" if number < 1000 else f"{number:.0f} {name}"
     return f"{seconds / 1e-9:.3g} ns"
 
 
