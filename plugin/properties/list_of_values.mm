@@ -3,7 +3,6 @@
 #import "plugin/groups/parent_groups.h"
 #import "plugin/records/plugin_state.h"
 #import "plugin/records/record_type.h"
-#import "plugin/shell/handler_frame.h"
 #include "plugin/shell/handlers.h"
 #include <algorithm>
 
@@ -19,61 +18,56 @@ constexpr NSUInteger kRecordsInAPool = 256;
 
 // Appends the parts of the person's name, each but the suffix followed by a blank: without a suffix the name
 // ends in a blank, on purpose.
-void appendFullName(NSMutableString* list, ABRecord* person) {
+void appendFullName(JoinedText& list, ABRecord* person) {
     NSString* const parts[] = {kABTitleProperty, kABFirstNameProperty, kABMiddleNameProperty,
                                kABLastNameProperty};
     for (NSString* part : parts) {
         if (NSString* text = [person valueForProperty:part]; text != nil) {
-            [list appendString:text];
-            [list appendString:@" "];
+            list.append(text);
+            list.append(' ');
         }
     }
-    if (NSString* suffix = [person valueForProperty:kABSuffixProperty]; suffix != nil) {
-        [list appendString:suffix];
-    }
-}
-
-void appendGroupName(NSMutableString* list, ABRecord* group) {
-    if (NSString* name = [group valueForProperty:kABGroupNameProperty]; name != nil) {
-        [list appendString:name];
-    }
+    list.append([person valueForProperty:kABSuffixProperty]);
 }
 
 } // namespace
 
-NSString* listOfValues(NSString* what, NSString* field) {
+Answer listOfValues(NSString* what, NSString* field, fmx::Data& result) {
     if (what == nil && field == nil) {
         setError(kInvalidParameterCount);
-        return nil;
+        return {};
     }
     const bool members = isWord(what, @"members");
     const bool byId = isWord(field, @"UID");
     if ((!members && !isWord(what, @"groups")) || (!byId && !isWord(field, @"name")) ||
         (members && state.g_currentRecordType == kPersonType)) {
         setError(kInvalidParameterValue);
-        return nil;
+        return {};
     }
     NSArray* records = members ? [state.g_group.get() members] : parentGroupsOfCurrentRecord();
-    NSMutableString* list = [NSMutableString string];
+    JoinedText list;
     for (NSUInteger i = 0, count = [records count]; i < count;) {
         // When an exception passes, the pool of the call drains this one, and no earlier: the exception lives.
         NSAutoreleasePool* pool = [[NSAutoreleasePool alloc] init];
         for (const NSUInteger end = std::min(count, i + kRecordsInAPool); i < end; ++i) {
             ABRecord* record = [records objectAtIndex:i];
             if (i != 0) {
-                [list appendString:@"\r"];
+                list.append('\r');
             }
             if (byId) {
-                [list appendString:[record uniqueId]];
+                list.append([record uniqueId]);
             } else if (members) {
                 appendFullName(list, record);
             } else {
-                appendGroupName(list, record);
+                list.append([record valueForProperty:kABGroupNameProperty]);
             }
         }
         [pool release];
     }
-    return list;
+    OwnedText text;
+    list.assignTo(*text);
+    result.SetAsText(*text, result.GetLocale(), fmx::Data::kDTText);
+    return Answer::written();
 }
 
 } // namespace koru
@@ -84,7 +78,7 @@ fmx::errcode Do_KORU_GetListOfValues(short function, const fmx::ExprEnv& /*env*/
                                      const fmx::DataVect& arguments, fmx::Data& result) {
     const auto work = [&]() -> Answer {
         SetType(arguments, 0);
-        return listOfValues(textArgument(arguments, 1), textArgument(arguments, 2));
+        return listOfValues(textArgument(arguments, 1), textArgument(arguments, 2), result);
     };
     return runHandler(function, arguments, result, work);
 }

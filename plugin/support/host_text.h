@@ -2,6 +2,7 @@
 
 #include "plugin/support/host_interface.h"
 #import <Foundation/Foundation.h>
+#include <vector>
 
 namespace koru {
 
@@ -18,5 +19,19 @@ void forgetStringsForTests();
 
 // Sets the host's text to the string's units, up to the first that is 0; to empty text for nil.
 void assignString(fmx::Text& text, NSString* string);
+
+// A long text that is joined of many short strings. An NSMutableString takes several times as long for each.
+class JoinedText {
+  public:
+    // Append a string's units, none of nil, and one unit.
+    void append(NSString* string);
+    void append(TextUnit unit) { units_.push_back(unit); }
+
+    // Sets the host's text to the units, up to the first that is 0.
+    void assignTo(fmx::Text& text);
+
+  private:
+    std::vector<TextUnit> units_;
+};
 
 } // namespace koru

@@ -102,4 +102,20 @@ void assignString(fmx::Text& text, NSString* string) {
     text.AssignUnicode(buffer.data());
 }
 
+void JoinedText::append(NSString* string) {
+    const NSUInteger length = [string length];
+    if (length == 0) {
+        return;
+    }
+    const std::size_t before = units_.size();
+    units_.resize(before + length);
+    [string getCharacters:units_.data() + before range:NSMakeRange(0, length)];
+}
+
+void JoinedText::assignTo(fmx::Text& text) {
+    units_.push_back(0);
+    text.AssignUnicode(units_.data());
+    units_.pop_back();
+}
+
 } // namespace koru
