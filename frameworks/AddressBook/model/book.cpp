@@ -539,7 +539,7 @@ void Book::setMe(const LiveRecordPtr& record) {
 // Properties
 
 bool Book::isUndefined(Kind kind, std::string_view property) const {
-    return std::any_of(undefined_.begin(), undefined_.end(), named(kind, property));
+    return !undefined_.empty() && std::any_of(undefined_.begin(), undefined_.end(), named(kind, property));
 }
 
 bool Book::mentionsUndefined(const Query& query) const {

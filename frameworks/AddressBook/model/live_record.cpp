@@ -86,7 +86,7 @@ std::vector<LiveRecordPtr> LiveRecords::all() const {
     return records;
 }
 
-void LiveRecords::keepRow(LiveRecord& record, RecordRow row) {
+void LiveRecords::keepRow(LiveRecord& record, RecordRow&& row) {
     record.cachedRow = std::move(row);
     if (record.records_ != this) {
         return;

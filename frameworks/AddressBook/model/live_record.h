@@ -89,7 +89,7 @@ class LiveRecords {
 
     // Keeps the stored row of a record in memory, and drops that of the record that has had one for longest
     // when too many have.
-    void keepRow(LiveRecord& record, RecordRow row);
+    void keepRow(LiveRecord& record, RecordRow&& row);
 
   private:
     friend struct LiveRecord;

@@ -112,9 +112,8 @@ NSString* textObject(std::string_view utf8) {
         text = make(utf8.size(), utf8.size(), false);
         std::memcpy(const_cast<char*>(bytesOf(text)), utf8.data(), utf8.size());
     } else {
-        const std::u16string units = utf16FromUtf8(utf8);
-        text = make(units.size(), units.size() * sizeof(unichar), true);
-        std::memcpy(const_cast<char*>(bytesOf(text)), units.data(), units.size() * sizeof(unichar));
+        text = make(0, utf8.size() * sizeof(unichar), true);
+        text->_length = utf16FromUtf8(utf8, reinterpret_cast<char16_t*>(const_cast<unichar*>(unitsOf(text))));
     }
     return [text autorelease];
 }

@@ -20,14 +20,12 @@ std::vector<RowId> rowsOf(sql::Statement statement) {
 } // namespace
 
 RecordRow Store::Impl::rowFrom(const sql::Statement& statement) const {
-    RecordRow row;
-    row.id = statement.integer(0);
-    row.kind = kindIn(statement, 1);
-    row.uid = uidIn(statement, 2);
-    row.creation = Date{statement.real(3)};
-    row.modification = Date{statement.real(4)};
-    row.properties = statement.blob(5);
-    return row;
+    return {.id = statement.integer(0),
+            .kind = kindIn(statement, 1),
+            .uid = uidIn(statement, 2),
+            .creation = Date{statement.real(3)},
+            .modification = Date{statement.real(4)},
+            .properties = std::string(statement.blob(5))};
 }
 
 std::optional<RecordRow> Store::Impl::record(RowId id) {
@@ -215,6 +213,7 @@ std::vector<RecordRow> Store::readFrom(RowId row, std::size_t count) const {
                           "ORDER BY id LIMIT ?");
     statement.bindInteger(row).bindInteger(static_cast<std::int64_t>(count));
     std::vector<RecordRow> records;
+    records.reserve(count);
     while (statement.step()) {
         records.push_back(impl_->rowFrom(statement));
     }

@@ -158,18 +158,9 @@ class Reader {
             rest_.remove_prefix(1);
             return value;
         }
-        return longCount();
-    }
-    [[gnu::noinline]] std::uint64_t longCount() {
-        std::uint64_t value = 0;
-        for (int shift = 0; shift < 64; shift += 7) {
-            const std::uint8_t part = byte();
-            value |= static_cast<std::uint64_t>(part & 0x7F) << shift;
-            if (part < 0x80) {
-                return value;
-            }
-        }
-        throw DamagedRecord("a number never ends");
+        const LongCount found = longCount(rest_);
+        rest_.remove_prefix(found.size);
+        return found.value;
     }
     std::int64_t integer() {
         const std::uint64_t value = count();
@@ -236,6 +227,26 @@ class Reader {
     }
 
   private:
+    // A count of several bytes, and how many. Not read by a Reader itself, which can then stay in registers.
+    struct LongCount {
+        std::uint64_t value = 0;
+        std::size_t size = 0;
+    };
+    [[gnu::noinline]] static LongCount longCount(std::string_view bytes) {
+        LongCount found;
+        for (int shift = 0; shift < 64; shift += 7) {
+            if (found.size == bytes.size()) {
+                throw DamagedRecord("the bytes end early");
+            }
+            const auto part = static_cast<unsigned char>(bytes[found.size++]);
+            found.value |= static_cast<std::uint64_t>(part & 0x7F) << shift;
+            if (part < 0x80) {
+                return found;
+            }
+        }
+        throw DamagedRecord("a number never ends");
+    }
+
     std::string_view rest_;
 };
 
@@ -481,7 +492,7 @@ void visitReadableProperties(std::string_view record, const PropertyVisitor& vis
 std::optional<std::string_view> findProperty(std::string_view record, std::string_view name) {
     const auto wanted = static_cast<std::uint64_t>(wordCode(name));
     Reader reader(record);
-    reader.eightBytes(); // the checksum
+    reader.take(8); // the checksum
     while (!reader.atEnd()) {
         const std::uint64_t code = reader.count(); // see word()
         const bool found = code == 0 ? reader.bytes() == name : code == wanted;

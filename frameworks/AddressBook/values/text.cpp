@@ -180,9 +180,8 @@ std::string utf8FromUtf16(std::u16string_view text) {
     return out;
 }
 
-std::u16string utf16FromUtf8(std::string_view text) {
-    std::u16string out(text.size(), u'\0'); // no character has fewer bytes than units
-    char16_t* next = out.data();
+std::size_t utf16FromUtf8(std::string_view text, char16_t* to) {
+    char16_t* next = to;
     for (std::size_t at = 0; at < text.size();) {
         if (static_cast<unsigned char>(text[at]) < 0x80) {
             *next++ = static_cast<unsigned char>(text[at++]);
@@ -196,7 +195,12 @@ std::u16string utf16FromUtf8(std::string_view text) {
             *next++ = static_cast<char16_t>(0xDC00 + ((code - 0x10000) & 0x3FF));
         }
     }
-    out.resize(static_cast<std::size_t>(next - out.data()));
+    return static_cast<std::size_t>(next - to);
+}
+
+std::u16string utf16FromUtf8(std::string_view text) {
+    std::u16string out(text.size(), u'\0');
+    out.resize(utf16FromUtf8(text, out.data()));
     return out;
 }
 

@@ -14,6 +14,10 @@ namespace addressbook {
 std::string utf8FromUtf16(std::u16string_view text);
 std::u16string utf16FromUtf8(std::string_view text);
 
+// Like utf16FromUtf8(), into memory for as many units as there are bytes, which are never fewer; returns the number of
+// units.
+std::size_t utf16FromUtf8(std::string_view text, char16_t* to);
+
 // Returns the composed form (NFC), in which canonically equivalent texts are the same bytes.
 std::string normalize(std::string_view text);
 
