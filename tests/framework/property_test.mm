@@ -1,5 +1,8 @@
 #include "tests/framework/support.h"
 
+#include <cstring>
+#include <tuple>
+
 namespace {
 
 class PropertyTest : public AddressBookTest {
@@ -119,6 +122,33 @@ TEST_F(PropertyTest, AnUnsavedOneCanBeTakenBack) {
     EXPECT_EQ([one valueForProperty:@"Shoe"], nil);
     ASSERT_TRUE([book() save]);
     EXPECT_EQ([ABPerson typeOfProperty:@"Shoe"], kABErrorInProperty);
+}
+
+// A library that is unloaded leaves the addresses of its constants to others.
+TEST_F(PropertyTest, AConstantMayStandWhereAnotherOneStood) {
+    ABPerson* one = person(@"Ann", @"X");
+    add(@"Shoe", kABIntegerProperty);
+    [one setValue:number(42) forProperty:@"Shoe"];
+    struct {
+        Class isa;
+        const char* bytes;
+        std::uint64_t length;
+    } place{[NSConstantString class], "", 0};
+    static_assert(sizeof place >= sizeof(void*) + sizeof(char*) + sizeof(unsigned));
+    NSString* const name = reinterpret_cast<NSString*>(&place);
+    const std::tuple<const char*, int, std::string> properties[] = {{"First", kABStringProperty, "Ann"},
+                                                                    {"Last", kABStringProperty, "X"},
+                                                                    {"Shoe", kABIntegerProperty, "42"},
+                                                                    {"Nobody", kABErrorInProperty, "nil"},
+                                                                    {"First", kABStringProperty, "Ann"}};
+    for (const auto& [bytes, type, value] : properties) {
+        place.bytes = bytes;
+        place.length = std::strlen(bytes);
+        for (int twice = 0; twice < 2; ++twice) {
+            EXPECT_EQ([ABPerson typeOfProperty:name], type) << bytes;
+            EXPECT_EQ(text([one valueForProperty:name]), value) << bytes;
+        }
+    }
 }
 
 } // namespace

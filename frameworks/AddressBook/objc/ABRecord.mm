@@ -3,6 +3,7 @@
 
 #include "frameworks/AddressBook/objc/bridge.h"
 #include "frameworks/AddressBook/objc/date_components.h"
+#include "frameworks/AddressBook/objc/property_name.h"
 #include "frameworks/AddressBook/objc/property_types.h"
 #include "frameworks/AddressBook/objc/record.h"
 
@@ -147,8 +148,8 @@ BookPtr bookOf(ABRecord* record) {
 
 - (id)valueForProperty:(NSString*)property {
     requireArgument(property, @"A value was asked for without a property");
-    const TextView view(property);
-    const std::string_view name = view.text();
+    const PropertyName known(property);
+    const std::string_view name = known.text();
     auto& state = *static_cast<State*>(_record);
     Book& book = *state.book;
     LiveRecord& live = *state.record;
@@ -156,7 +157,10 @@ BookPtr bookOf(ABRecord* record) {
         reading([&] { return book.revision(); }) == state.listRevision) {
         return [[state.list retain] autorelease];
     }
-    const int type = reading([&] { return book.typeOf(live.kind, name); });
+    int type = known.publicType(live.kind);
+    if (type == 0) {
+        type = reading([&] { return book.typeOf(live.kind, name); });
+    }
     if (type == 0) {
         return nil;
     }

@@ -15,19 +15,9 @@ namespace addressbook {
 std::string textFrom(NSString* string);
 NSString* stringFrom(std::string_view text);
 
-// The text of a string for as long as both live: that of a constant of the compiler, which names of properties
-// are, is not copied.
-class TextView {
-  public:
-    explicit TextView(NSString* string);
-    TextView(const TextView&) = delete;
-    TextView& operator=(const TextView&) = delete;
-    std::string_view text() const { return text_; }
-
-  private:
-    std::string copy_;
-    std::string_view text_;
-};
+// Returns the bytes of a constant of the compiler, which are its text when they are ASCII; nothing for any
+// other string.
+std::optional<std::string_view> constantBytes(NSString* string);
 
 Date dateFrom(NSDate* date);
 

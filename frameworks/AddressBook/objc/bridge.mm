@@ -143,41 +143,30 @@ struct ToObject {
     }
 };
 
-// Returns the text of a constant of the compiler, of ASCII; nothing for any other string.
-std::optional<std::string_view> constantText(NSString* string) {
+} // namespace
+
+std::optional<std::string_view> constantBytes(NSString* string) {
     static Class const type = [NSConstantString class];
     if (string == nil || object_getClass(string) != type) {
         return std::nullopt;
     }
     const auto* constant = static_cast<const NSConstantString*>(string);
-    const std::string_view text(constant->nxcsptr, constant->nxcslen);
-    return isAscii(text) ? std::optional(text) : std::nullopt;
+    return std::string_view(constant->nxcsptr, constant->nxcslen);
 }
-
-} // namespace
 
 std::string textFrom(NSString* string) {
     static_assert(sizeof(unichar) == sizeof(char16_t));
     if (auto text = textOf(string)) {
         return std::move(*text);
     }
-    if (const auto text = constantText(string)) {
-        return std::string(*text);
+    if (const auto bytes = constantBytes(string); bytes && isAscii(*bytes)) {
+        return std::string(*bytes);
     }
     std::u16string units([string length], u'\0');
     if (!units.empty()) {
         [string getCharacters:reinterpret_cast<unichar*>(units.data()) range:NSMakeRange(0, units.size())];
     }
     return utf8FromUtf16(units);
-}
-
-TextView::TextView(NSString* string) {
-    if (const auto text = constantText(string)) {
-        text_ = *text;
-        return;
-    }
-    copy_ = textFrom(string);
-    text_ = copy_;
 }
 
 NSString* stringFrom(std::string_view text) {

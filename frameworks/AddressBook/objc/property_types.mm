@@ -2,6 +2,7 @@
 
 #include "frameworks/AddressBook/objc/bridge.h"
 #include "frameworks/AddressBook/objc/date_components.h"
+#include "frameworks/AddressBook/objc/property_name.h"
 
 namespace addressbook {
 
@@ -124,12 +125,12 @@ ABPropertyType typeOfProperty(Kind kind, NSString* property) {
     if (property == nil) {
         return kABErrorInProperty;
     }
-    const std::string name = textFrom(property);
-    if (const int type = publicType(kind, name)) {
+    const PropertyName name(property);
+    if (const int type = name.publicType(kind)) {
         return type;
     }
     const BookPtr book = sharedBook();
-    return book ? reading([&] { return book->typeOf(kind, name); }) : kABErrorInProperty;
+    return book ? reading([&] { return book->typeOf(kind, name.text()); }) : kABErrorInProperty;
 }
 
 ABSearchElement* searchElement(Kind kind, NSString* property, NSString* label, NSString* key, id value,
