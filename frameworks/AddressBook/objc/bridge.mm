@@ -9,6 +9,7 @@
 
 #import <AddressBook/ABMultiValue.h>
 #include <algorithm>
+#include <array>
 #include <objc/runtime.h>
 
 namespace addressbook {
@@ -162,11 +163,14 @@ std::string textFrom(NSString* string) {
     if (const auto bytes = constantBytes(string); bytes && isAscii(*bytes)) {
         return std::string(*bytes);
     }
-    std::u16string units([string length], u'\0');
-    if (!units.empty()) {
-        [string getCharacters:reinterpret_cast<unichar*>(units.data()) range:NSMakeRange(0, units.size())];
+    const NSUInteger length = [string length];
+    std::array<char16_t, 128> few;
+    std::u16string many(length > few.size() ? length : 0, u'\0');
+    char16_t* const units = many.empty() ? few.data() : many.data();
+    if (length != 0) {
+        [string getCharacters:reinterpret_cast<unichar*>(units) range:NSMakeRange(0, length)];
     }
-    return utf8FromUtf16(units);
+    return utf8FromUtf16({units, length});
 }
 
 NSString* stringFrom(std::string_view text) {

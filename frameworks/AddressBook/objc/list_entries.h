@@ -4,11 +4,11 @@
 // is asked for: most lists are read for one part only.
 
 #include "frameworks/AddressBook/store/record_codec.h"
+#include "frameworks/AddressBook/values/uid.h"
 
 #import <Foundation/Foundation.h>
 #include <boost/smart_ptr/intrusive_ptr.hpp>
 #include <memory>
-#include <optional>
 #include <string>
 #include <string_view>
 #include <type_traits>
@@ -37,13 +37,13 @@ class ListEntry {
     // Makes an entry whose parts are decoded when they are asked for; the bytes must outlive it.
     ListEntry(const EncodedEntry& encoded) : encoded_(encoded) {}
 
-    // An identifier to look for, as an object, as text and, where it can be, packed: each made once for all
-    // entries that it is compared with.
+    // An identifier to look for, as an object, as text and as a list that was stored has it: each made once for
+    // all entries that it is compared with.
     struct Sought {
         explicit Sought(NSString* identifier);
         NSString* object;
         std::string text;
-        std::optional<std::string> packed;
+        StoredUid stored;
     };
     bool isNamed(const Sought& sought) const;
 

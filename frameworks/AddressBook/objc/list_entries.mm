@@ -2,8 +2,6 @@
 
 #include "frameworks/AddressBook/objc/bridge.h"
 
-#include "frameworks/AddressBook/values/uid.h"
-
 #include <algorithm>
 
 namespace addressbook {
@@ -29,14 +27,15 @@ ListEntry::ListEntry(id value, NSString* label, NSString* identifier)
     : value_(copied(value)), label_(copied(label)), identifier_(copied(identifier)) {}
 
 ListEntry::Sought::Sought(NSString* identifier)
-    : object(identifier), text(textFrom(identifier)), packed(packUid(text)) {}
+    : object(identifier), text(textFrom(identifier)), stored(text) {}
 
 bool ListEntry::isNamed(const Sought& sought) const {
     if (identifier_.get() != nil) {
         return [identifier_.get() isEqualToString:sought.object];
     }
-    const EncodedIdentifier& stored = encoded_.identifier;
-    return stored.packed ? stored.bytes == sought.packed : stored.bytes == sought.text;
+    const EncodedIdentifier& mine = encoded_.identifier;
+    return mine.packed ? sought.stored.isPacked() && mine.bytes == sought.stored.bytes()
+                       : mine.bytes == sought.text;
 }
 
 id ListEntry::value() const {

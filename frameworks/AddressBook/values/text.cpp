@@ -168,9 +168,13 @@ std::string foldedByTable(std::string_view text) {
 } // namespace
 
 std::string utf8FromUtf16(std::u16string_view text) {
-    std::string out;
-    out.reserve(text.size());
-    for (std::size_t i = 0; i < text.size(); ++i) {
+    std::string out(text.size(), '\0');
+    std::size_t i = 0;
+    for (; i < text.size() && text[i] < 0x80; ++i) { // nearly always all of it
+        out[i] = static_cast<char>(text[i]);
+    }
+    out.resize(i);
+    for (; i < text.size(); ++i) {
         char32_t code = text[i];
         if (isHigh(code) && i + 1 < text.size() && isLow(text[i + 1])) {
             code = 0x10000 + ((code - 0xD800) << 10) + (text[++i] - 0xDC00);
