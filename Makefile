@@ -32,7 +32,7 @@ test-long: setup ## the tests that gain by time: an hour of hosts on one book (M
 	@VELOCARD_KILLS=500 VELOCARD_SECONDS=30 VELOCARD_MINUTES=$(or $(MINUTES),60) scripts/run-tests release -R '^store_test\.(Kill|Processes)|^long\.'
 
 test-leaks: build ## a million calls of every function (CALLS=1000000), after which the memory in use is what it was
-	@VELOCARD_CALLS=$(or $(CALLS),1000000) build/release/tests/plugin_test --gtest_filter='LeakTest.*'
+	@TMPDIR=/dev/shm VELOCARD_CALLS=$(or $(CALLS),1000000) build/release/tests/plugin_test --gtest_filter='LeakTest.*'
 
 fuzz: setup ## look for faults by inputs that find their own way through the code, MINUTES=5 for each door; DOORS="vcard csv"
 	@scripts/install-packages packages-fuzz.txt

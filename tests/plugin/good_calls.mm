@@ -130,7 +130,8 @@ std::vector<GoodCall> GoodCallsTest::calls() {
 
 void GoodCallsTest::fillBook() {
     const Pool pool;
-    PluginTest::SetUp();
+    resetStateForTests();
+    emptyBook();
     const std::pair<const char*, NSString*> people[] = {
         {"<person>", @"Anna"}, {"<member>", @"Ben"}, {"<other>", @"Cleo"}, {"<victim>", @"Dan"}};
     for (const auto& [name, first] : people) {

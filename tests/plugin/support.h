@@ -64,6 +64,9 @@ class PluginTest : public testing::Test {
   protected:
     void SetUp() override;
 
+    // Removes all records, and saves that.
+    static void emptyBook();
+
     // Add and save a person or a group, and return it.
     static ABPerson* addPerson(NSString* first, NSString* last);
     static ABGroup* addGroup(NSString* name);

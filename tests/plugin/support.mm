@@ -107,6 +107,10 @@ void PluginTest::SetUp() {
     resetStateForTests();
     resetErrorsForTests();
     Do_Init();
+    emptyBook();
+}
+
+void PluginTest::emptyBook() {
     ABAddressBook* book = [ABAddressBook sharedAddressBook];
     ASSERT_NE(book, nil);
     for (NSArray* list : {[book people], [book groups]}) {

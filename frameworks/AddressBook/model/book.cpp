@@ -177,7 +177,7 @@ LiveRecordPtr Book::locate(RowId row, const Store& origin) {
         return record;
     }
     auto record = tombstone(*ref);
-    if (&origin == store_.get() && removedRows_.contains(row)) {
+    if (&origin == store_.get() && boost::icl::contains(removedRows_, row)) {
         record->removedHere = true;
     }
     return record;

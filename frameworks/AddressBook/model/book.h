@@ -15,6 +15,7 @@
 #include "frameworks/AddressBook/values/calendar.h"
 
 #include <atomic>
+#include <boost/icl/interval_set.hpp>
 #include <map>
 #include <memory>
 #include <optional>
@@ -22,7 +23,6 @@
 #include <string>
 #include <string_view>
 #include <unordered_map>
-#include <unordered_set>
 #include <utility>
 #include <vector>
 
@@ -179,7 +179,9 @@ class Book : public std::enable_shared_from_this<Book> {
     std::int64_t seenChange_ = 0;                 // the newest save that this book knows
     std::vector<PropertyDefinition> definitions_; // as stored
     LiveRecords live_;
-    std::unordered_set<RowId> removedRows_; // of records that this process removed and saved
+    // Of records that this process removed and saved. As intervals, since what is removed at once mostly stood together,
+    // and a process may run for months.
+    boost::icl::interval_set<RowId> removedRows_;
     std::uint64_t revision_ = 1;
     std::vector<RecordRow> readAhead_; // rows that a walk will probably ask for next, ascending
     std::size_t readAheadAt_ = 0;      // the first of them that was not asked for yet

@@ -3,6 +3,7 @@
 #include "frameworks/AddressBook/model/book.h"
 
 #include <algorithm>
+#include <unordered_set>
 #include <utility>
 
 namespace addressbook {
