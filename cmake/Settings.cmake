@@ -36,7 +36,8 @@ target_compile_options(velocard_settings INTERFACE -Wall -Wextra -Werror
   "$<$<COMPILE_LANGUAGE:CXX>:-Wshadow;-Wnon-virtual-dtor;-Woverloaded-virtual>")
 target_include_directories(velocard_settings INTERFACE "${PROJECT_SOURCE_DIR}")
 if(VELOCARD_SANITIZE)
-  add_compile_options(-fsanitize=${VELOCARD_SANITIZE} -fno-omit-frame-pointer -fno-sanitize-recover=all)
+  # -g1: what a sanitizer tells has functions and lines, no variables.
+  add_compile_options(-fsanitize=${VELOCARD_SANITIZE} -fno-omit-frame-pointer -fno-sanitize-recover=all -g1)
   add_link_options(-fsanitize=${VELOCARD_SANITIZE})
 endif()
 
