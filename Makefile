@@ -19,7 +19,7 @@ test-asan: setup ## the tests under the address and undefined-behaviour sanitize
 
 # Only tests that have more than one thread, or a thread beside them in the library.
 threaded_targets = foundation_test framework_test store_test plugin_test loader_test velocard_updates fmhost addressbook
-threaded_tests = ^foundation_test|^framework_test.*(Change|Process)|^store_test.Watch|^plugin_test.Notification|^loader_test|^live.updates
+threaded_tests = ^foundation_test|^framework_test.*(Change|Process|Threads)|^store_test.Watch|^plugin_test.Notification|^loader_test|^live.updates
 
 test-tsan: setup ## the tests with threads, under the thread sanitizer
 	@TARGETS="$(threaded_targets)" scripts/run-tests tsan -R '$(threaded_tests)'

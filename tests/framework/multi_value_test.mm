@@ -1,5 +1,9 @@
 #include "tests/framework/support.h"
 
+#include <atomic>
+#include <functional>
+#include <thread>
+
 namespace {
 
 ABMutableMultiValue* phones() {
@@ -186,6 +190,64 @@ TEST_F(StoredListTest, StaysAsItWasReadAndOutlivesItsRecord) {
     EXPECT_EQ(text([second primaryIdentifier]), text([second identifierAtIndex:0]));
     EXPECT_EQ(text([stored() valueAtIndex:0]), "9");
     [second release];
+}
+
+TEST_F(StoredListTest, EveryChangeStaysInItsList) {
+    const auto shown = [](ABMultiValue* list) { return text(list) + text([list primaryIdentifier]); };
+    ABMultiValue* original = stored();
+    const std::string before = shown(original);
+    using Change = void (*)(ABMutableMultiValue*);
+    const Change changes[] = {
+        [](ABMutableMultiValue* list) { [list addValue:@"3" withLabel:@"Cottage"]; },
+        [](ABMutableMultiValue* list) { [list insertValue:@"0" withLabel:@"Cottage" atIndex:0]; },
+        [](ABMutableMultiValue* list) { [list replaceValueAtIndex:1 withValue:@"9"]; },
+        [](ABMutableMultiValue* list) { [list replaceLabelAtIndex:1 withLabel:@"Cottage"]; },
+        [](ABMutableMultiValue* list) { [list removeValueAndLabelAtIndex:0]; },
+        [](ABMutableMultiValue* list) { [list setPrimaryIdentifier:[list identifierAtIndex:1]]; },
+    };
+    for (const Change change : changes) {
+        ABMutableMultiValue* first = [[original mutableCopy] autorelease];
+        ABMutableMultiValue* second = [[first mutableCopy] autorelease];
+        ABMultiValue* fixed = [[first copy] autorelease];
+        change(first);
+        EXPECT_NE(shown(first), before);
+        EXPECT_EQ(shown(second), before);
+        EXPECT_EQ(shown(fixed), before);
+        change(second);
+        EXPECT_NE(shown(second), before);
+        EXPECT_EQ(shown(original), before);
+    }
+}
+
+// Lists that share their entries until one is changed make the parts of these when they are asked for.
+TEST_F(StoredListTest, ThreadsMayReadCopies) {
+    for (int round = 0; round < 200; ++round) {
+        NSAutoreleasePool* pool = [[NSAutoreleasePool alloc] init];
+        ABMultiValue* original = [[[stored() mutableCopy] autorelease] copy];
+        std::atomic<int> ready{0};
+        const auto read = [&ready](ABMultiValue* copy, std::string& seen) {
+            GSRegisterCurrentThread();
+            NSAutoreleasePool* own = [[NSAutoreleasePool alloc] init];
+            for (++ready; ready < 2;) {
+            }
+            for (NSUInteger i = 0; i < [copy count]; ++i) {
+                seen += text([copy identifierAtIndex:i]) + text([copy labelAtIndex:i]) +
+                        text([copy valueAtIndex:i]);
+            }
+            [copy release];
+            [own release];
+            GSUnregisterCurrentThread();
+        };
+        std::string seen[2];
+        std::thread one(read, [original mutableCopy], std::ref(seen[0]));
+        std::thread other(read, [original mutableCopy], std::ref(seen[1]));
+        one.join();
+        other.join();
+        EXPECT_FALSE(seen[0].empty());
+        EXPECT_EQ(seen[0], seen[1]);
+        [original release];
+        [pool release];
+    }
 }
 
 } // namespace

@@ -23,22 +23,22 @@ void requireEntryLabel(NSString* label) {
 } // namespace
 
 @interface ABMultiValue (Entries)
-- (ListEntries&)list;
+- (const ListEntries&)list;
 - (const ListEntry&)entryAtIndex:(NSUInteger)index;
 @end
 
 @implementation ABMultiValue
 
 - (id)init {
-    return [self initWithEntries:std::make_unique<ListEntries>()];
+    return [self initWithEntries:new ListEntries];
 }
 
 - (void)dealloc {
-    delete static_cast<ListEntries*>(_list);
+    const ListEntriesPtr released(static_cast<ListEntries*>(_list), false);
     [super dealloc];
 }
 
-- (ListEntries&)list {
+- (const ListEntries&)list {
     return *static_cast<ListEntries*>(_list);
 }
 
@@ -108,12 +108,11 @@ void requireEntryLabel(NSString* label) {
     if ([self isMemberOfClass:[ABMultiValue class]]) {
         return [self retain];
     }
-    return [[ABMultiValue allocWithZone:zone] initWithEntries:std::make_unique<ListEntries>([self list])];
+    return [[ABMultiValue allocWithZone:zone] initWithEntries:static_cast<ListEntries*>(_list)];
 }
 
 - (id)mutableCopyWithZone:(NSZone*)zone {
-    return
-        [[ABMutableMultiValue allocWithZone:zone] initWithEntries:std::make_unique<ListEntries>([self list])];
+    return [[ABMutableMultiValue allocWithZone:zone] initWithEntries:static_cast<ListEntries*>(_list)];
 }
 
 // NSFastEnumeration over the values, in order.
@@ -165,9 +164,9 @@ void requireEntryLabel(NSString* label) {
 
 @implementation ABMultiValue (Internal)
 
-- (id)initWithEntries:(std::unique_ptr<ListEntries>)entries {
+- (id)initWithEntries:(ListEntriesPtr)entries {
     if ((self = [super init]) != nil) {
-        _list = entries.release();
+        _list = entries.detach();
     }
     return self;
 }
@@ -180,6 +179,16 @@ void requireEntryLabel(NSString* label) {
 
 @implementation ABMutableMultiValue
 
+// Returns the entries to be changed: a copy of its own when another list shares them.
+- (ListEntries&)ownList {
+    auto* shared = static_cast<ListEntries*>(_list);
+    if (shared->use_count() > 1) {
+        const ListEntriesPtr released(shared, false);
+        _list = ListEntriesPtr(new ListEntries(*shared)).detach();
+    }
+    return *static_cast<ListEntries*>(_list);
+}
+
 - (NSString*)addValue:(id)value withLabel:(NSString*)label {
     return [self insertValue:value withLabel:label atIndex:[self count]];
 }
@@ -187,7 +196,7 @@ void requireEntryLabel(NSString* label) {
 - (NSString*)insertValue:(id)value withLabel:(NSString*)label atIndex:(NSUInteger)index {
     requireEntryValue(value);
     requireEntryLabel(label);
-    auto& entries = [self list].entries;
+    auto& entries = [self ownList].entries;
     if (index > entries.size()) {
         [self entryAtIndex:index]; // raises
     }
@@ -198,7 +207,7 @@ void requireEntryLabel(NSString* label) {
 }
 
 - (BOOL)removeValueAndLabelAtIndex:(NSUInteger)index {
-    ListEntries& list = [self list];
+    ListEntries& list = [self ownList];
     if ([[self identifierAtIndex:index] isEqual:list.primary.get()]) {
         list.primary = Retained();
     }
@@ -208,7 +217,7 @@ void requireEntryLabel(NSString* label) {
 }
 
 - (void)replaceEntryAtIndex:(NSUInteger)index withValue:(id)value label:(NSString*)label {
-    [self list].entries[index] = ListEntry(value, label, [self identifierAtIndex:index]);
+    [self ownList].entries[index] = ListEntry(value, label, [self identifierAtIndex:index]);
     ++_mutations;
 }
 
@@ -231,7 +240,7 @@ void requireEntryLabel(NSString* label) {
     if ([self indexForIdentifier:identifier] == NSNotFound) {
         return NO;
     }
-    [self list].primary = copied(identifier);
+    [self ownList].primary = copied(identifier);
     return YES;
 }
 

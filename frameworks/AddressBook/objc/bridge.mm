@@ -99,7 +99,7 @@ std::optional<Value> entriesFrom(ABMultiValue* list) {
     return values;
 }
 
-ABMultiValue* listOf(std::unique_ptr<ListEntries> entries) {
+ABMultiValue* listOf(ListEntriesPtr entries) {
     static Class const type = [ABMultiValue class];
     return [[[type alloc] initWithEntries:std::move(entries)] autorelease];
 }
@@ -132,7 +132,7 @@ struct ToObject {
         return [[dictionary copy] autorelease];
     }
     id operator()(const MultiValue& values) const {
-        auto list = std::make_unique<ListEntries>();
+        ListEntriesPtr list(new ListEntries);
         for (const auto& entry : values.entries) {
             list->entries.emplace_back(objectOrNull(objectFrom(entry.value)), wordFrom(entry.label),
                                        stringFrom(entry.identifier));
@@ -229,28 +229,23 @@ id objectFromEncoded(std::string_view value) {
         return stringFrom(*text);
     }
     if (holdsList(value)) {
-        return listOf(std::make_unique<ListEntries>(value));
+        return listOf(new ListEntries(value));
     }
     return objectFrom(decodeValue(value));
 }
 
 NSString* wordFrom(std::string_view word) {
     // Never destroyed, so that the strings live until the process ends.
-    static std::vector<NSString*>& known = *new std::vector<NSString*>;
+    static auto& known = *new std::array<MadeOnce, kMostWords>;
     const auto code = static_cast<std::size_t>(wordCode(word));
     if (code == 0) {
         return stringFrom(word);
     }
-    if (known.size() <= code) {
-        known.resize(code + 1, nil);
-    }
-    if (known[code] == nil) {
-        // One of Foundation's own, which keeps its hash: programs look labels up in tables.
-        known[code] = [[NSString alloc] initWithBytes:word.data()
-                                               length:word.size()
-                                             encoding:NSASCIIStringEncoding];
-    }
-    return known[code];
+    // One of Foundation's own, which keeps its hash: programs look labels up in tables.
+    return known[code].get([word] {
+        return [[[NSString alloc] initWithBytes:word.data() length:word.size()
+                                       encoding:NSASCIIStringEncoding] autorelease];
+    });
 }
 
 id objectOrNull(id object) {

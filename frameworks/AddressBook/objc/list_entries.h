@@ -7,7 +7,9 @@
 #include "frameworks/AddressBook/values/uid.h"
 
 #import <Foundation/Foundation.h>
+#include <atomic>
 #include <boost/smart_ptr/intrusive_ptr.hpp>
+#include <boost/smart_ptr/intrusive_ref_counter.hpp>
 #include <memory>
 #include <string>
 #include <string_view>
@@ -29,6 +31,39 @@ using Retained = boost::intrusive_ptr<std::remove_pointer_t<id>>;
 
 // Returns a copy of the object when it can be copied, else the object itself.
 Retained copied(id object);
+
+// An object that is made when it is first asked for. Thread-safe, as lists share their entries.
+class MadeOnce {
+  public:
+    MadeOnce() = default;
+    explicit MadeOnce(id object) : object_([object retain]) {}
+    MadeOnce(const MadeOnce& other) : MadeOnce(other.made()) {}
+    MadeOnce(MadeOnce&& other) noexcept : object_(other.object_.exchange(nil)) {}
+    MadeOnce& operator=(MadeOnce other) noexcept {
+        other.object_ = object_.exchange(other.object_);
+        return *this;
+    }
+    ~MadeOnce() { [made() release]; }
+
+    // Return the object: nil as long as it is not made, and made by [make] unless it is.
+    id made() const { return static_cast<id>(object_.load(std::memory_order_acquire)); }
+    template <typename Make>
+    id get(Make make) const {
+        if (id object = made(); object != nil) {
+            return object;
+        }
+        id object = [make() retain];
+        void* before = nil;
+        if (object_.compare_exchange_strong(before, object)) {
+            return object;
+        }
+        [object release]; // another thread was first
+        return static_cast<id>(before);
+    }
+
+  private:
+    mutable std::atomic<void*> object_{nil}; // retained; clang has no atomic id
+};
 
 // One entry: immutable, so that copies of a list share its objects.
 class ListEntry {
@@ -53,10 +88,11 @@ class ListEntry {
 
   private:
     EncodedEntry encoded_;
-    mutable Retained value_, label_, identifier_; // nil until asked for
+    MadeOnce value_, label_, identifier_;
 };
 
-struct ListEntries {
+// The entries of one list, or of several as long as none of them is changed.
+struct ListEntries : boost::intrusive_ref_counter<ListEntries> {
     ListEntries() = default;
     // Decodes a list from these bytes, which it copies. Throws DamagedRecord.
     explicit ListEntries(std::string_view encoded);
@@ -65,5 +101,6 @@ struct ListEntries {
     std::vector<ListEntry> entries;
     Retained primary; // the identifier that was chosen, nil when none was
 };
+using ListEntriesPtr = boost::intrusive_ptr<ListEntries>;
 
 } // namespace addressbook

@@ -5,49 +5,36 @@
 #include <algorithm>
 
 namespace addressbook {
-namespace {
-
-// Returns the object in [held], which [make] makes at the first call.
-template <typename Make>
-id madeOnce(Retained& held, Make make) {
-    if (held.get() == nil) {
-        held = Retained(make());
-    }
-    return held.get();
-}
-
-} // namespace
-
 Retained copied(id object) {
     return Retained([object respondsToSelector:@selector(copyWithZone:)] ? [[object copy] autorelease]
                                                                          : object);
 }
 
 ListEntry::ListEntry(id value, NSString* label, NSString* identifier)
-    : value_(copied(value)), label_(copied(label)), identifier_(copied(identifier)) {}
+    : value_(copied(value).get()), label_(copied(label).get()), identifier_(copied(identifier).get()) {}
 
 ListEntry::Sought::Sought(NSString* identifier)
     : object(identifier), text(textFrom(identifier)), stored(text) {}
 
 bool ListEntry::isNamed(const Sought& sought) const {
-    if (identifier_.get() != nil) {
-        return [identifier_.get() isEqualToString:sought.object];
-    }
     const EncodedIdentifier& mine = encoded_.identifier;
+    if (mine.bytes.empty() && identifier_.made() != nil) { // was not read from an address book
+        return [identifier_.made() isEqualToString:sought.object];
+    }
     return mine.packed ? sought.stored.isPacked() && mine.bytes == sought.stored.bytes()
                        : mine.bytes == sought.text;
 }
 
 id ListEntry::value() const {
-    return madeOnce(value_, [this] { return objectOrNull(objectFromEncoded(encoded_.value)); });
+    return value_.get([this] { return objectOrNull(objectFromEncoded(encoded_.value)); });
 }
 
 NSString* ListEntry::label() const {
-    return madeOnce(label_, [this] { return wordFrom(encoded_.label); });
+    return label_.get([this] { return wordFrom(encoded_.label); });
 }
 
 NSString* ListEntry::identifier() const {
-    return madeOnce(identifier_, [this] { return stringFrom(encoded_.identifier.text()); });
+    return identifier_.get([this] { return stringFrom(encoded_.identifier.text()); });
 }
 
 ListEntries::ListEntries(std::string_view encoded) {

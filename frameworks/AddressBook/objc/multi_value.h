@@ -8,7 +8,7 @@
 
 @interface ABMultiValue (Internal)
 
-- (id)initWithEntries:(std::unique_ptr<addressbook::ListEntries>)entries;
+- (id)initWithEntries:(addressbook::ListEntriesPtr)entries;
 
 // Returns the primary identifier that was set; nil when none was, so that the first entry is primary.
 - (NSString*)chosenPrimary;

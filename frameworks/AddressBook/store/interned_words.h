@@ -4,10 +4,14 @@
 // number of a word never changes and no word is ever removed, as stored numbers would then mean something
 // else.
 
+#include <cstddef>
 #include <cstdint>
 #include <string_view>
 
 namespace addressbook {
+
+// Numbers stay below this one.
+inline constexpr std::size_t kMostWords = 256;
 
 // Returns the number, 1 or more, that stands for a well-known word in the database; 0 for any other word.
 int wordCode(std::string_view word);
