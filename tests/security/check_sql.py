@@ -21,8 +21,8 @@ DECLARATION = re.compile(r"^const ")
 
 MADE = {  # file and argument: what it is made of
     ("frameworks/AddressBook/store/check.cpp", "rule.sql"): "a row of kRules",
-    ("frameworks/AddressBook/store/file/repair.cpp", "sql"): "literals that scan() is given",
-    ("frameworks/AddressBook/store/file/repair.cpp", "insert"): "literals that copyRows() is given",
+    ("frameworks/AddressBook/store/file/rescue.cpp", "sql"): "literals that scan() is given",
+    ("frameworks/AddressBook/store/file/rescue.cpp", "insert"): "literals that copyRows() is given",
     ("frameworks/AddressBook/store/index.cpp", "sql"): "literals and question marks",
     ("frameworks/AddressBook/store/term_lookup.cpp", "text"): "literals, chosen by what is looked for",
     ("frameworks/AddressBook/store/save_sync.cpp", "sql"): "literals that remove() is given",

@@ -4,13 +4,13 @@
 #include "frameworks/AddressBook/store/file/backup.h"
 #include "frameworks/AddressBook/store/file/paths.h"
 #include "frameworks/AddressBook/store/file/repair.h"
+#include "tests/store/behind_the_back.h"
 #include "tests/store/contents.h"
 #include "tests/store/long_run.h"
 #include "tests/store/scratch.h"
 #include "tests/support/system_calls.h"
 
 #include <gmock/gmock.h>
-#include <sqlite3.h>
 
 #include <algorithm>
 #include <cerrno>
@@ -35,8 +35,8 @@ class FailingCallsTest : public Scratch, public testing::WithParamInterface<int>
     fs::path backup() const { return root() / "backups" / "backup"; }
 
     // Does [work] again and again from what is there now; each time another call fails: all that change names, and of the
-    // others as many as make test-long asks for. [look] is told whether the work was done nevertheless.
-    void fail(const std::function<void()>& work, const std::function<void(bool)>& look) {
+    // others [some], or as many as make test-long asks for. [look] is told whether the work was done nevertheless.
+    void fail(const std::function<void()>& work, const std::function<void(bool)>& look, int some = 5) {
         replace(root() / "kept", root());
         support::failAfterCalls(INT_MAX, GetParam());
         work();
@@ -45,7 +45,7 @@ class FailingCallsTest : public Scratch, public testing::WithParamInterface<int>
         look(true);
         const auto calls = static_cast<int>(made.size());
         ASSERT_GT(calls, 10);
-        const int apart = std::max(1, calls / numberFrom("VELOCARD_KILLS", 5));
+        const int apart = std::max(1, calls / numberFrom("VELOCARD_KILLS", some));
         for (int call = 0; call < calls && !HasFailure(); ++call) {
             if (call % apart != 0 && made[static_cast<std::size_t>(call)] != 'n') {
                 continue;
@@ -109,10 +109,7 @@ TEST_P(FailingCallsTest, AtBringingAnOlderBookUpToDate) {
     makeBook("Ann");
     flushIndexes(*std::make_unique<Store>(folder()));
     const Contents before = contentsIn(folder());
-    sqlite3* database = nullptr;
-    ASSERT_EQ(sqlite3_open(file().c_str(), &database), SQLITE_OK);
-    ASSERT_EQ(sqlite3_exec(database, downgradeTo(1).c_str(), nullptr, nullptr, nullptr), SQLITE_OK);
-    sqlite3_close(database);
+    execute(file(), downgradeTo(1));
     fail([&] { Store{folder()}; }, [&](bool) { EXPECT_EQ(contentsIn(folder()), before); });
 }
 
@@ -157,15 +154,69 @@ TEST_P(FailingCallsTest, AtRestoring) {
 
 TEST_P(FailingCallsTest, AtARepair) {
     makeBook("Ann");
+    makeBook("Bea");
     std::string bytes = bytesOf(file());
     bytes[bytes.find("Ann")] = 'E';
     std::ofstream(file(), std::ios::binary) << bytes;
-    fail([&] { repair(folder()); },
+    RepairReport report;
+    fail([&] { report = repair(folder()); },
          [&](bool done) {
              if (!done && bytesOf(file()) == bytes) {
-                 repair(folder());
+                 report = repair(folder());
              }
-             EXPECT_EQ(contentsIn(folder()).records.size(), 1U);
+             EXPECT_EQ(contentsIn(folder()).records.size(), 2U);
+             // What could not be written for a moment is not lost.
+             EXPECT_THAT(report.lost, testing::ElementsAre(HasSubstr("is damaged: ")));
+         },
+         15);
+}
+
+TEST_P(FailingCallsTest, AtUndoingAnInterruptedSave) {
+    makeBook("Ann");
+    const Contents before = contentsIn(folder());
+    interruptSave(folder());
+    fail([&] { Store{folder()}; }, [&](bool) { EXPECT_EQ(contentsIn(folder()), before); }, 1000);
+}
+
+// The log of the old book still lies beside the new one.
+TEST_P(FailingCallsTest, AtFinishingARestore) {
+    makeBook("Ann");
+    backUp(folder(), backup(), Existing::refuse);
+    const Contents backedUp = contentsIn(folder());
+    {
+        const Store store(folder());
+        makeBook("Bea");
+        for (const char* suffix : {"-wal", "-shm"}) {
+            fs::copy_file(file().string() + suffix, root() / suffix);
+        }
+        restore(folder(), backup());
+    }
+    for (const char* suffix : {"-wal", "-shm"}) {
+        fs::copy_file(root() / suffix, file().string() + suffix, fs::copy_options::overwrite_existing);
+    }
+    fail([&] { Store{folder()}; }, [&](bool) { EXPECT_EQ(contentsIn(folder()), backedUp); });
+}
+
+// There are neither hard links nor renaming without replacing.
+TEST_P(FailingCallsTest, OnAPlainFileSystem) {
+    const support::PlainFileSystem plain;
+    fail([&] { Store{folder()}; }, [&](bool) { EXPECT_THAT(contentsIn(folder()).records, IsEmpty()); });
+    makeBook("Ann");
+    const Contents older = contentsIn(folder());
+    fail([&] { backUp(folder(), backup(), Existing::refuse); },
+         [&](bool done) {
+             EXPECT_EQ(contentsIn(folder()), older);
+             EXPECT_TRUE(done ? contentsOfBackup() == older
+                              : !fs::exists(backup()) || contentsOfBackup() == older);
+         });
+    replace(root(), root() / "kept");
+    backUp(folder(), backup(), Existing::replace);
+    makeBook("Bea");
+    const Contents newer = contentsIn(folder());
+    fail([&] { restore(folder(), backup()); },
+         [&](bool done) {
+             const Contents now = contentsIn(folder());
+             EXPECT_TRUE(now == older || (!done && now == newer));
          });
 }
 

@@ -1,6 +1,8 @@
 // The store while memory runs out: each allocation fails once. What is asked for fails or is right, what was saved is
 // there, and what was not is not.
 
+#include "frameworks/AddressBook/store/file/rescue.h"
+#include "tests/store/behind_the_back.h"
 #include "tests/store/builders.h"
 #include "tests/store/contents.h"
 #include "tests/store/long_run.h"
@@ -9,7 +11,9 @@
 
 #include <gmock/gmock.h>
 
+#include <fstream>
 #include <functional>
+#include <optional>
 
 namespace addressbook::test {
 namespace {
@@ -26,9 +30,10 @@ class MemoryTest : public Scratch {
     }
 
     // Calls [work] while the allocation after so many fails, for all numbers of them: the first hundred, and of the
-    // others as many as make test-long asks for. [look] is told whether the work was done.
-    static void starve(const std::function<void()>& work, const std::function<void(bool)>& look) {
-        const long apart = std::getenv("VELOCARD_KILLS") != nullptr ? 1 : 17;
+    // others each so many, or as many as make test-long asks for. [look] is told whether the work was done.
+    static void starve(const std::function<void()>& work, const std::function<void(bool)>& look,
+                       long every = 17) {
+        const long apart = std::getenv("VELOCARD_KILLS") != nullptr ? 1 : every;
         for (long allocations = 0;; allocations += allocations < 100 ? 1 : apart) {
             SCOPED_TRACE("allocation " + std::to_string(allocations));
             bool done = false;
@@ -125,6 +130,82 @@ TEST_F(MemoryTest, ABookIsOpenedOrNot) {
                store.reset();
            });
     EXPECT_EQ(contentsOf(Store(folder())), whole);
+}
+
+// What is right is not called wrong because there was no memory to look at it.
+TEST_F(MemoryTest, ACheckIsRightOrNone) {
+    for (const bool damaged : {false, true}) {
+        if (damaged) {
+            execute(folder() / kFileName, "UPDATE record SET card = x'00' || substr(card, 2) WHERE id = 2");
+        }
+        const Store store(folder());
+        const auto problems = store.check();
+        EXPECT_EQ(problems.size(), damaged ? 1U : 0U);
+        std::vector<std::string> now;
+        starve([&] { now = store.check(); },
+               [&](bool done) {
+                   if (done) {
+                       EXPECT_EQ(now, problems);
+                   }
+               });
+    }
+}
+
+// Nothing that can be read is left out because there was no memory to read it.
+TEST_F(MemoryTest, ARescueIsWholeOrNone) {
+    namespace fs = std::filesystem;
+    const fs::path file = folder() / kFileName, copy = root() / "copy", empty = root() / "empty",
+                   made = root() / "made";
+    execute(file, "UPDATE record SET card = x'00' || substr(card, 2) WHERE id = 2");
+    {
+        const Store store(empty);
+    }
+    std::optional<Store::Impl> book;
+    const auto begin = [&] {
+        book.reset();
+        fs::remove_all(made);
+        fs::copy(empty, made);
+        fs::copy_file(file, copy, fs::copy_options::overwrite_existing);
+        book.emplace(made, Store::Access::readWrite, std::chrono::seconds(1));
+    };
+    const auto rescued = [&] { return rescue(file, copy, *book, {}); };
+    begin();
+    const std::vector<std::string> lost = rescued();
+    EXPECT_EQ(lost.size(), 1U);
+    const Contents whole = contentsOf(Store(made));
+    EXPECT_EQ(whole.records.size(), 3U);
+    begin();
+    std::vector<std::string> now;
+    starve([&] { now = rescued(); },
+           [&](bool done) {
+               if (done) {
+                   EXPECT_EQ(now, lost);
+                   EXPECT_EQ(contentsOf(Store(made)), whole);
+               }
+               begin();
+           });
+}
+
+TEST_F(MemoryTest, AnOlderBookIsBroughtUpToDateOrNot) {
+    const std::filesystem::path file = folder() / kFileName,
+                                older = std::string(BOOKS_FOLDER) + "/version5.db";
+    const auto putThere = [&] {
+        std::filesystem::remove_all(folder());
+        std::filesystem::create_directory(folder());
+        std::filesystem::copy_file(older, file);
+        std::filesystem::permissions(file, std::filesystem::perms::owner_all);
+    };
+    setenv("TZ", "UTC", 1); // in which it was written
+    putThere();
+    const Contents whole = contentsOf(Store(folder()));
+    EXPECT_GT(whole.records.size(), 4U);
+    putThere();
+    starve([&] { Store{folder()}; },
+           [&](bool done) {
+               EXPECT_EQ(contentsOf(Store(folder())), whole) << done;
+               putThere();
+           },
+           97);
 }
 
 } // namespace

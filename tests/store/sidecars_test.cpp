@@ -5,14 +5,11 @@
 #include "frameworks/AddressBook/store/file/paths.h"
 #include "frameworks/AddressBook/store/file/repair.h"
 #include "frameworks/AddressBook/store/file/replace_file.h"
+#include "tests/store/behind_the_back.h"
 #include "tests/store/contents.h"
 #include "tests/store/scratch.h"
 
 #include <gmock/gmock.h>
-#include <signal.h>
-#include <sqlite3.h>
-#include <sys/wait.h>
-#include <unistd.h>
 
 namespace addressbook::test {
 namespace {
@@ -30,23 +27,6 @@ class SidecarsTest : public Scratch {
         Store store(folder);
         addPerson(store, {{"First", text(first)}});
         return contentsOf(store);
-    }
-    // Leaves a book in the middle of a change that a journal is to undo.
-    static void interrupt(const fs::path& folder) {
-        const pid_t child = fork();
-        ASSERT_GE(child, 0);
-        if (child == 0) {
-            sqlite3* database = nullptr;
-            sqlite3_open((folder / kFileName).c_str(), &database);
-            sqlite3_exec(database,
-                         "PRAGMA journal_mode = DELETE; PRAGMA cache_size = 1; BEGIN; DELETE FROM record;"
-                         "UPDATE sqlite_sequence SET seq = seq + 1 WHERE name = 'change';"
-                         "CREATE TABLE filler(x); INSERT INTO filler VALUES (zeroblob(1000000))",
-                         nullptr, nullptr, nullptr);
-            kill(getpid(), SIGKILL);
-        }
-        waitpid(child, nullptr, 0);
-        ASSERT_GT(fs::file_size((folder / kFileName).string() + "-journal"), 0U);
     }
     void expectRefused(Reason reason, const char* sentence,
                        Store::Access access = Store::Access::readWrite) const {
@@ -124,7 +104,7 @@ TEST_F(SidecarsTest, ALogAndItsIndexOfAnotherBookAreRefused) {
 TEST_F(SidecarsTest, AJournalOfItsOwnIsUndone) {
     const Contents before = makeBook(folder(), "Ann");
     for (const Store::Access access : {Store::Access::readOnly, Store::Access::readWrite}) {
-        interrupt(folder());
+        interruptSave(folder());
         EXPECT_EQ(contentsOf(Store(folder(), access)), before);
         EXPECT_FALSE(fs::exists(beside("-journal")));
     }
@@ -133,7 +113,7 @@ TEST_F(SidecarsTest, AJournalOfItsOwnIsUndone) {
 TEST_F(SidecarsTest, AJournalOfAnotherBookIsRefused) {
     const Contents before = makeBook(folder(), "Ann");
     makeBook(root() / "other", "Eve");
-    interrupt(root() / "other");
+    interruptSave(root() / "other");
     fs::copy_file(root() / "other" / "AddressBook.db-journal", beside("-journal"));
     for (const Store::Access access : {Store::Access::readOnly, Store::Access::readWrite}) {
         expectRefused(Reason::damaged,
@@ -145,7 +125,7 @@ TEST_F(SidecarsTest, AJournalOfAnotherBookIsRefused) {
 
 TEST_F(SidecarsTest, AJournalOfAnOlderStateIsRefused) {
     makeBook(folder(), "Ann");
-    interrupt(folder());
+    interruptSave(folder());
     fs::copy_file(beside("-journal"), root() / "journal");
     for (const char* first : {"Bea", "Cid", "Dan"}) {
         makeBook(folder(), first);
@@ -203,6 +183,26 @@ TEST_F(SidecarsTest, ALogOfTheBookThatWasReplacedIsRemoved) {
     const Store store(folder());
     EXPECT_EQ(store.count(Kind::person), 9);
     EXPECT_THAT(store.check(), testing::IsEmpty());
+}
+
+// The same with a journal, which was not the old book's either.
+TEST_F(SidecarsTest, AJournalThatTheReplacedBookHadIsRemoved) {
+    const fs::path backup = root() / "backup";
+    makeBook(folder(), "Ann");
+    backUp(folder(), backup, Existing::refuse);
+    const Contents backedUp = contentsOf(Store(folder()));
+    makeBook(root() / "other", "Eve");
+    interruptSave(root() / "other");
+    const fs::path journal = root() / "other" / "AddressBook.db-journal";
+    for (const Store::Access access : {Store::Access::readOnly, Store::Access::readWrite}) {
+        makeBook(folder(), "Bea");
+        fs::copy_file(journal, beside("-journal"));
+        const fs::path kept = restore(folder(), backup).kept;
+        EXPECT_TRUE(bytesOf(kept.string() + "-journal") == bytesOf(journal));
+        fs::copy_file(journal, beside("-journal")); // as though it had been killed before it removed it
+        EXPECT_EQ(contentsOf(Store(folder(), access)), backedUp);
+        EXPECT_FALSE(fs::exists(beside("-journal")));
+    }
 }
 
 // A link could lead a save into any file of the user's.

@@ -6,6 +6,7 @@
 #include <stdio.h>
 #include <stdlib.h>
 #include <sys/stat.h>
+#include <sys/uio.h>
 #include <unistd.h>
 
 #include <cerrno>
@@ -209,6 +210,12 @@ int fdatasync(int file) {
 ssize_t write(int file, const void* data, size_t size) {
     static const auto real = next<ssize_t(int, const void*, size_t)>("write");
     return writing(file, size, [&](size_t part) { return real(file, data, part); });
+}
+
+ssize_t writev(int file, const struct iovec* parts, int count) {
+    static const auto real = next<ssize_t(int, const struct iovec*, int)>("writev");
+    return writing(file, static_cast<size_t>(count),
+                   [&](size_t some) { return real(file, parts, static_cast<int>(some)); });
 }
 
 ssize_t pwrite(int file, const void* data, size_t size, off_t offset) {

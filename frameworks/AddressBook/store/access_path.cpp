@@ -42,12 +42,9 @@ constexpr bool inOrder() {
 }
 static_assert(inOrder(), "one row for each path, in their order");
 
-// Returns the span of all texts that begin with [prefix].
+// Returns the span of all texts that begin with [prefix], which as UTF-8 has no byte FF.
 Span spanOfPrefix(std::string prefix) {
     Span span{prefix, Bytes()}; // bytes sort behind all text
-    while (!prefix.empty() && static_cast<unsigned char>(prefix.back()) == 0xFF) {
-        prefix.pop_back();
-    }
     if (!prefix.empty()) {
         ++prefix.back();
         span.high = std::move(prefix);
@@ -103,7 +100,7 @@ void lookUpDays(Store::Impl& impl, const Matcher& matcher, IndexLookup& lookup) 
     const bool yearless = matcher.facts().yearless;
     const bool allYear = yearless && days->last - days->first >= kShortYear;
     if (!yearless) {
-        lookup.spans = {spanOfDays(days->first, days->last)};
+        lookup.spans.push_back(spanOfDays(days->first, days->last));
     } else if (!allYear) {
         spanYears(impl, *days, lookup);
     }
@@ -134,7 +131,7 @@ void lookUpNumber(const Matcher& matcher, IndexLookup& lookup) {
     // A floating date has its number by the clock; a range is judged row by row.
     const Value& wanted = matcher.condition().value;
     const Value& clock = matcher.wantedClock();
-    lookup.spans = {{wanted, {}}};
+    lookup.spans.push_back({wanted, {}});
     if (clock.empty()) {
         return;
     }
@@ -144,7 +141,7 @@ void lookUpNumber(const Matcher& matcher, IndexLookup& lookup) {
     if (lookup.path == AccessPath::exact) {
         lookup.spans.push_back({clock, {}});
     } else if (isClockWider) {
-        lookup.spans = {{clock, {}}};
+        lookup.spans.front().low = clock;
     }
 }
 
@@ -156,11 +153,11 @@ void lookUpText(const Matcher& matcher, IndexLookup& lookup) {
     switch (matcher.facts().operation) {
     case Operation::equal:
         lookup.path = AccessPath::exact;
-        lookup.spans = {{std::string(part), {}}};
+        lookup.spans.push_back({std::string(part), {}});
         return;
     case Operation::prefix:
         lookup.path = AccessPath::prefix;
-        lookup.spans = {spanOfPrefix(std::string(part))};
+        lookup.spans.push_back(spanOfPrefix(std::string(part)));
         return;
     case Operation::contains:
     case Operation::suffix:
@@ -220,7 +217,7 @@ IndexLookup chooseAccessPath(Store::Impl& impl, const Matcher& matcher) {
         lookup.path = AccessPath::scan;
     }
     if (lookup.path == AccessPath::scan) {
-        lookup.spans = {{}};
+        lookup.spans.emplace_back();
     }
     return lookup;
 }

@@ -139,7 +139,7 @@ class DateFloater {
     std::int64_t propertyOf(std::int64_t kind, std::string_view name) {
         auto statement = connection_.prepare("SELECT id FROM property WHERE kind = ? AND name = ?");
         statement.bindInteger(kind).bindText(name);
-        return statement.step() ? statement.integer(0) : 0;
+        return statement.firstNumber();
     }
 
     // Of what waits in the backlog the index holds another value, and gets this one when it is brought up to

@@ -156,7 +156,7 @@ void tidyTexts(sql::Connection& connection) {
     const bool isSmall = [&] {
         auto pages = connection.prepare("SELECT count(*) FROM (SELECT 1 FROM trigram_data LIMIT ?)");
         pages.bindInteger(kSmallTextIndex + 1);
-        return pages.step() && pages.integer(0) <= kSmallTextIndex;
+        return pages.firstNumber() <= kSmallTextIndex;
     }();
     if (isSmall) {
         connection.prepare("INSERT INTO trigram(trigram, rank) VALUES ('merge', ?)")

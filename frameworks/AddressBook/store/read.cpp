@@ -183,7 +183,7 @@ std::vector<RowId> Store::rows(Kind kind) const {
 std::int64_t Store::count(Kind kind) const {
     auto statement = impl_->db.prepare("SELECT count(*) FROM record WHERE kind = ?");
     statement.bindInteger(static_cast<int>(kind));
-    return statement.step() ? statement.integer(0) : 0;
+    return statement.firstNumber();
 }
 
 Value Store::value(RowId row, std::string_view property) const {
@@ -313,8 +313,7 @@ std::int64_t Store::lastChange() const {
     if (isInTransaction && impl_->knownChange && impl_->knownChange->dataVersion == impl_->db.dataVersion()) {
         return impl_->knownChange->number;
     }
-    auto statement = impl_->db.prepare("SELECT max(id) FROM change");
-    const std::int64_t number = statement.step() ? statement.integer(0) : 0;
+    const std::int64_t number = impl_->db.prepare("SELECT max(id) FROM change").firstNumber();
     if (isInTransaction) {
         impl_->knownChange = {number, impl_->db.dataVersion()};
     }

@@ -57,13 +57,13 @@ std::vector<SyncConflict> Store::syncConflicts() const {
     auto statement =
         impl_->db.prepare("SELECT id, uid, property, label, value, time, remote FROM conflict ORDER BY id");
     while (statement.step()) {
-        SyncConflict conflict{statement.integer(0),
-                              impl_->uidIn(statement, 1).text(),
-                              std::string(statement.text(2)),
-                              std::string(statement.text(3)),
-                              {},
-                              Date{statement.real(5)},
-                              statement.integer(6) != 0};
+        SyncConflict conflict;
+        conflict.id = statement.integer(0);
+        conflict.uid = impl_->uidIn(statement, 1).text();
+        conflict.property = statement.text(2);
+        conflict.label = statement.text(3);
+        conflict.time = Date{statement.real(5)};
+        conflict.remote = statement.integer(6) != 0;
         try {
             conflict.value = decodeValue(statement.blob(4));
         } catch (const DamagedRecord& error) {

@@ -88,8 +88,7 @@ CREATE TABLE meta (
 )";
 
 std::int64_t pragma(sql::Connection& connection, const char* sql) {
-    auto statement = connection.prepare(sql);
-    return statement.step() ? statement.integer(0) : 0;
+    return connection.prepare(sql).firstNumber();
 }
 
 // Which process made each save (processMark); null where a program of the version before wrote the row.

@@ -26,6 +26,7 @@ Failure failureOf(int code) {
     case SQLITE_NOTADB:
         return {Reason::notADatabase, "is no address book", "move it away or choose another folder"};
     case SQLITE_CORRUPT:
+    case SQLITE_ERROR: // a table or a column is missing: all SQL here is known to be good
         return {Reason::damaged, "is damaged", "check it, or restore it from a backup"};
     case SQLITE_FULL:
         return {Reason::full, "could not be written because the disk is full",
@@ -39,7 +40,8 @@ Failure failureOf(int code) {
     case SQLITE_TOOBIG:
         return {Reason::refused, "cannot keep a value of this size", "use a smaller one"};
     case SQLITE_NOMEM:
-        return {Reason::io, "could not be used because memory ran out", "close other programs and try again"};
+        return {Reason::memory, "could not be used because memory ran out",
+                "close other programs and try again"};
     case SQLITE_INTERRUPT:
         return {Reason::io, "was interrupted at its work", "try again"};
     default:
@@ -57,33 +59,25 @@ Statement::~Statement() {
 }
 
 Statement& Statement::bindInteger(std::int64_t value) {
-    if (const int code = sqlite3_bind_int64(statement_, ++bound_, value); code != SQLITE_OK) {
-        connection_.fail(code);
-    }
-    return *this;
+    return bound(sqlite3_bind_int64(statement_, ++bound_, value));
 }
 
 Statement& Statement::bindReal(double value) {
-    if (const int code = sqlite3_bind_double(statement_, ++bound_, value); code != SQLITE_OK) {
-        connection_.fail(code);
-    }
-    return *this;
+    return bound(sqlite3_bind_double(statement_, ++bound_, value));
 }
 
 Statement& Statement::bindText(std::string_view value) {
     const char* data = value.data() != nullptr ? value.data() : "";
-    if (const int code =
-            sqlite3_bind_text64(statement_, ++bound_, data, value.size(), SQLITE_STATIC, SQLITE_UTF8);
-        code != SQLITE_OK) {
-        connection_.fail(code);
-    }
-    return *this;
+    return bound(sqlite3_bind_text64(statement_, ++bound_, data, value.size(), SQLITE_STATIC, SQLITE_UTF8));
 }
 
 Statement& Statement::bindBlob(std::string_view value) {
     const char* data = value.data() != nullptr ? value.data() : "";
-    if (const int code = sqlite3_bind_blob64(statement_, ++bound_, data, value.size(), SQLITE_STATIC);
-        code != SQLITE_OK) {
+    return bound(sqlite3_bind_blob64(statement_, ++bound_, data, value.size(), SQLITE_STATIC));
+}
+
+Statement& Statement::bound(int code) {
+    if (code != SQLITE_OK) {
         connection_.fail(code);
     }
     return *this;
@@ -100,6 +94,10 @@ bool Statement::step() {
 void Statement::exec() {
     while (step()) {
     }
+}
+
+std::int64_t Statement::firstNumber() {
+    return step() ? integer(0) : 0;
 }
 
 void Statement::reset() {

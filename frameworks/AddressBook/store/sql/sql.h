@@ -43,6 +43,8 @@ class Statement {
     bool step();
     // Runs the statement to its end and ignores its rows. Throws StoreError.
     void exec();
+    // Returns the number in the first column of the first row; 0 when there is no row. Throws StoreError.
+    std::int64_t firstNumber();
     // Makes the statement ready to run again; all its parameters must be bound anew.
     void reset();
 
@@ -57,6 +59,8 @@ class Statement {
     std::string_view blob(int column) const;
 
   private:
+    Statement& bound(int code); // the result of binding
+
     Connection& connection_;
     sqlite3_stmt* statement_;
     int bound_ = 0;

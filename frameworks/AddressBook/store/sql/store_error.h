@@ -24,6 +24,7 @@ class StoreError : public std::runtime_error {
         readOnly,      // the file may not be written
         damaged,       // the file's contents are damaged
         full,          // the disk is full
+        memory,        // memory ran out
         io,            // the system could not read or write the file
         refused        // the change or the request is not valid
     };
