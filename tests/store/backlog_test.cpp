@@ -3,6 +3,7 @@
 #include "frameworks/AddressBook/store/backlog.h"
 #include "frameworks/AddressBook/store/record_codec.h"
 #include "frameworks/AddressBook/store/schema.h"
+#include "tests/store/behind_the_back.h"
 #include "tests/store/builders.h"
 #include "tests/store/scratch.h"
 
@@ -13,6 +14,7 @@ namespace addressbook::test {
 namespace {
 
 using testing::ElementsAre;
+using testing::HasSubstr;
 using testing::IsEmpty;
 
 class BacklogTest : public Scratch {
@@ -170,6 +172,40 @@ TEST_F(BacklogTest, ADamagedOneIsToldBySearches) {
     } catch (const StoreError& error) {
         EXPECT_EQ(error.reason(), StoreError::Reason::damaged);
     }
+}
+
+// Each of these is a value, but no list of properties with what the indexes hold of them.
+TEST_F(BacklogTest, OneOfOtherValuesIsToldBySearchesAndSavesAndChecks) {
+    const std::string uid = addPerson(store_, {{"First", text("Ada")}});
+    const Value one = number(1), name = text("x"), held = Bytes{1};
+    for (const Value& damaged : {name, Value(Array{one, one}), Value(Array{name, one, held}),
+                                 Value(Array{one, name, held}), Value(Array{one, one, name})}) {
+        ask("UPDATE change SET replaced = " + literal(encodeValue(damaged)));
+        const Store store(folder());
+        try {
+            named(store, "Ada");
+            ADD_FAILURE() << "searched";
+        } catch (const StoreError& error) {
+            EXPECT_EQ(error.reason(), StoreError::Reason::damaged);
+            EXPECT_THAT(error.what(), HasSubstr("the change log: no "));
+        }
+        EXPECT_THAT(store.check(), testing::Contains(HasSubstr("the change log: no ")));
+        EXPECT_THROW(flushIndexes(store_), StoreError);
+        EXPECT_EQ(store.value(store.find(uid)->row, "First"), text("Ada")); // is read nevertheless
+    }
+}
+
+// A record that only the backlog still knows leaves nothing in the indexes.
+TEST_F(BacklogTest, OneOfALostRecordIsForgotten) {
+    addPerson(store_, {{"First", text("Ada")}});
+    const std::string other = addPerson(store_, {{"First", text("Adam")}});
+    ask("DELETE FROM record WHERE id = 1");
+    EXPECT_THAT(named(store_, "ada"), ElementsAre(other));
+    flushIndexes(store_);
+    EXPECT_EQ(waiting(), 0);
+    EXPECT_THAT(named(store_, "ada"), ElementsAre(other));
+    EXPECT_EQ(indexed("Ada"), 0);
+    EXPECT_THAT(store_.check(), IsEmpty());
 }
 
 // A book of the version before has no backlog and gets one.

@@ -132,6 +132,28 @@ TEST_P(FailingDiskTest, AtOpeningABook) {
         [&] { EXPECT_EQ(contentsOf(Store(folder())), before); });
 }
 
+// With the index of the log that another program has made.
+TEST_P(FailingDiskTest, AtReadingABookThatIsOpen) {
+    Store store(folder());
+    addPerson(store, {{"First", text("Ann")}});
+    const Contents before = contentsOf(store);
+    const auto read = [&] { EXPECT_EQ(contentsOf(Store(folder(), Store::Access::readOnly)), before); };
+    int good = 0;
+    for (bool failed = true; failed; ++good) {
+        ASSERT_LT(good, 100);
+        disk_.arm(good, GetParam());
+        try {
+            read();
+            failed = false;
+        } catch (const StoreError& error) {
+            EXPECT_THAT(error.what(), HasSubstr(file().string()));
+        }
+        disk_.disarm();
+        read();
+    }
+    EXPECT_EQ(contentsOf(store), before);
+}
+
 TEST_P(FailingDiskTest, AtBringingAnOlderBookUpToDate) {
     makeBook();
     const Contents before = contentsOf(Store(folder()));

@@ -1,5 +1,6 @@
 // Reading many records at once, and at one moment.
 
+#include "frameworks/AddressBook/store/record_codec.h"
 #include "tests/store/builders.h"
 #include "tests/store/scratch.h"
 
@@ -45,6 +46,25 @@ TEST_F(ReadTest, ARecordAndThoseBehindIt) {
     EXPECT_FALSE(store_.read(uids[1]));
     EXPECT_EQ(store_.values(RecordRow()), Values());
     EXPECT_EQ(store_.value(RecordRow(), "First"), Value());
+}
+
+TEST_F(ReadTest, EncodedValuesAreThoseOfTheRecordOrItsDamage) {
+    const std::string sound = addPerson(store_, {{"First", text("Ann")}});
+    const std::string hurt = addPerson(store_, {{"First", text("Bob")}});
+    sql(store_.file(), "UPDATE record SET card = substr(card, 1, length(card) - 1) || x'7a' WHERE id = 2");
+    EXPECT_EQ(decodeValue(store_.encodedValue(*store_.read(sound), "First")), text("Ann"));
+    EXPECT_EQ(store_.encodedValue(*store_.read(sound), "Last"), "");
+    EXPECT_EQ(store_.encodedValue(RecordRow(), "First"), "");
+    try {
+        store_.encodedValue(*store_.read(hurt), "First");
+        ADD_FAILURE() << "the damage was not noticed";
+    } catch (const StoreError& error) {
+        EXPECT_EQ(error.reason(), StoreError::Reason::damaged);
+        EXPECT_NE(std::string(error.what()).find("record 2: its checksum is wrong"), std::string::npos);
+    }
+    for (const char* property : {"UID", "Creation", "First", property::kImage.data()}) {
+        EXPECT_EQ(store_.value(77, property), Value()) << property; // there is no such record
+    }
 }
 
 TEST_F(ReadTest, ADamagedRecordLeavesItsNeighboursReadable) {

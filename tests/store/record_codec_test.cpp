@@ -119,6 +119,54 @@ TEST(CardTest, TooDeepANestIsRefused) {
     EXPECT_THROW(encodeValue(Array{value}), std::length_error);
 }
 
+TEST(CardTest, DamagedBytesThatNestTooDeeplyAreToldAsSuch) {
+    const std::string array = encodeValue(Array{Value()});
+    const std::string around = array.substr(0, array.size() - encodeValue(Value()).size());
+    std::string deep = encodeValue(Value());
+    for (int depth = 0; depth <= kMaxValueDepth; ++depth) {
+        deep.insert(0, around);
+    }
+    const auto problem = [](const auto& read) -> std::string {
+        try {
+            read();
+        } catch (const DamagedRecord& error) {
+            return error.what();
+        }
+        return "read";
+    };
+    EXPECT_EQ(problem([&] { decodeValue(deep); }), "a value is nested too deeply");
+    const std::string list = encodeValue(MultiValue{{{"", "", Value()}}, ""});
+    const std::string inList = list.substr(0, list.size() - encodeValue(Value()).size()) + deep;
+    std::vector<EncodedLeaf> leaves; // which skips what it does not take apart
+    EXPECT_EQ(problem([&] { leavesIn(inList, leaves); }), "a value is nested too deeply");
+    // A number has at most ten bytes.
+    const std::string whole = encodeValue(std::int64_t{0}).substr(0, 1);
+    EXPECT_EQ(problem([&] { decodeValue(whole + std::string(9, '\x80') + '\x00'); }), "read");
+    EXPECT_EQ(problem([&] { decodeValue(whole + std::string(11, '\x80')); }), "a number never ends");
+}
+
+TEST(CardTest, PartsAreTakenOutWhole) {
+    const Value text = std::string("DE");
+    const Value inner =
+        Dictionary{{"City", std::string("Bonn")}, {"own", Array{std::string("a"), std::int64_t{2}}}};
+    const std::string bytes = encodeValue(Dictionary{{"Country", std::string("DE")}, {"inner", inner}});
+    std::vector<EncodedLeaf> leaves;
+    leavesIn(bytes, leaves);
+    ASSERT_EQ(leaves.size(), 2U);
+    EXPECT_EQ(leaves[0].key, "Country");
+    EXPECT_EQ(decodeValue(leaves[0].value), Value(std::string("DE")));
+    EXPECT_EQ(leaves[1].key, "inner");
+    EXPECT_EQ(decodeValue(leaves[1].value), inner);
+    const Value list = MultiValue{{{"1", "home", text}, {"2", "work", inner}}, "2"};
+    const std::string nested = encodeValue(MultiValue{{{"3", "own", list}, {"4", "", text}}, "3"});
+    leaves.clear();
+    leavesIn(nested, leaves);
+    ASSERT_EQ(leaves.size(), 2U);
+    EXPECT_EQ(decodeValue(leaves[0].value), list);
+    EXPECT_EQ(leaves[0].label, "own");
+    EXPECT_EQ(decodeValue(leaves[1].value), text);
+}
+
 TEST(CardTest, UniqueIdsArePackedOnlyWhenTheyReturnUnchanged) {
     for (const char* text :
          {"0F0E0D0C-0B0A-4908-8706-050403020100", "0F0E0D0C-0B0A-4908-8706-050403020100:ABPerson",

@@ -1,15 +1,14 @@
 // What is noted for keeping in step with servers, and how it is written with the records.
 
 #include "frameworks/AddressBook/store/deflate.h"
-#include "frameworks/AddressBook/store/file/paths.h"
 #include "frameworks/AddressBook/store/file/repair.h"
-#include "frameworks/AddressBook/store/sql/sql.h"
+#include "tests/store/behind_the_back.h"
 #include "tests/store/builders.h"
 #include "tests/store/scratch.h"
 
 #include <gmock/gmock.h>
-#include <sqlite3.h>
 
+#include <functional>
 #include <memory>
 
 namespace addressbook::test {
@@ -41,11 +40,7 @@ class SyncStateTest : public Scratch {
         store_.save(changes);
     }
     // Runs SQL on the closed or open book, behind the store's back.
-    void execute(const std::string& sql) {
-        sql::Connection(store_.file(), databaseUri(store_.file()), SQLITE_OPEN_READWRITE | SQLITE_OPEN_URI,
-                        std::chrono::seconds(10))
-            .execute(sql);
-    }
+    void execute(const std::string& sql) { test::execute(folder() / kFileName, sql); }
     std::unique_ptr<Store> opened_ = std::make_unique<Store>(folder());
     Store& store_ = *opened_;
 };
@@ -131,6 +126,117 @@ TEST_F(SyncStateTest, AnAccountGoesWithAllThatItHas) {
     EXPECT_THAT(store_.syncCollections(), IsEmpty());
     EXPECT_THAT(store_.syncLinksOf(uid), IsEmpty());
     EXPECT_TRUE(store_.find(uid));
+}
+
+TEST_F(SyncStateTest, ACollectionGoesWithItsLinksAlone) {
+    const std::int64_t work = addCollection("work"), home = addCollection("home");
+    const std::string uid = addPerson(store_, {}), other = addPerson(store_, {});
+    saveLink({work, "/1", uid, "\"e\"", kCard, false});
+    saveLink({home, "/1", other, "\"e\"", kCard, false});
+    ChangeSet changes;
+    changes.sync.removedCollections = {work};
+    store_.save(changes);
+    EXPECT_THAT(store_.syncAccounts(), SizeIs(2));
+    ASSERT_THAT(store_.syncCollections(), SizeIs(1));
+    EXPECT_EQ(store_.syncCollections()[0].id, home);
+    EXPECT_THAT(store_.syncLinksOf(uid), IsEmpty());
+    EXPECT_THAT(store_.syncLinksOf(other), SizeIs(1));
+    EXPECT_TRUE(store_.find(uid));
+    EXPECT_THAT(store_.check(), IsEmpty());
+}
+
+TEST_F(SyncStateTest, AConflictGoesAlone) {
+    const std::string uid = addPerson(store_, {});
+    ChangeSet changes;
+    changes.sync.conflicts = {{0, uid, "Phone", "home", text("1"), Date{5}, true},
+                              {0, uid, "Phone", "work", text("2"), Date{6}, false}};
+    store_.save(changes);
+    ChangeSet removal;
+    removal.sync.removedConflicts = {1};
+    EXPECT_GT(store_.save(removal).change, 0);
+    EXPECT_THAT(store_.syncConflicts(),
+                ElementsAre(SyncConflict{2, uid, "Phone", "work", text("2"), Date{6}, false}));
+}
+
+TEST_F(SyncStateTest, AccountsAndCollectionsChangeWhole) {
+    const std::int64_t id = addCollection();
+    SyncAccount account = store_.syncAccounts()[0];
+    account.url = "https://y.example/";
+    account.user = "bo";
+    account.source = PasswordSource::file;
+    account.password = "/secret";
+    account.caFile.clear();
+    account.allowHttp = false;
+    SyncCollection collection = store_.syncCollections()[0];
+    collection.url = "https://y.example/bo/";
+    collection.state = "token";
+    collection.change = 3;
+    collection.isDefault = false;
+    ChangeSet changes;
+    changes.sync.accounts = {account};
+    changes.sync.collections = {collection};
+    const SaveResult result = store_.save(changes);
+    EXPECT_THAT(result.accounts, IsEmpty()); // none is new
+    EXPECT_THAT(result.collections, IsEmpty());
+    EXPECT_THAT(store_.syncAccounts(), ElementsAre(account));
+    EXPECT_THAT(store_.syncCollections(), ElementsAre(collection));
+    EXPECT_EQ(collection.id, id);
+}
+
+TEST_F(SyncStateTest, WhatIsGoneIsNotChanged) {
+    addCollection();
+    SyncAccount account = store_.syncAccounts()[0];
+    SyncCollection collection = store_.syncCollections()[0];
+    const auto refusal = [this](const SyncChanges& sync) -> std::string {
+        ChangeSet changes;
+        changes.sync = sync;
+        try {
+            store_.save(changes);
+        } catch (const StoreError& error) {
+            EXPECT_EQ(error.reason(), StoreError::Reason::refused);
+            return error.what();
+        }
+        return "saved";
+    };
+    const auto accounts = store_.syncAccounts();
+    const auto collections = store_.syncCollections();
+    account.id += 5;
+    collection.id += 5;
+    SyncChanges goneAccount, goneCollection;
+    goneAccount.accounts = {account};
+    goneCollection.collections = {collection};
+    EXPECT_THAT(refusal(goneAccount), HasSubstr("there is already an account work, or this one is gone"));
+    EXPECT_THAT(refusal(goneCollection),
+                HasSubstr("the address book https://x.example/ida/work/ is there already, or is gone"));
+    EXPECT_EQ(store_.syncAccounts(), accounts);
+    EXPECT_EQ(store_.syncCollections(), collections);
+}
+
+TEST_F(SyncStateTest, ADamagedCardOrConflictIsToldByReading) {
+    const std::int64_t collection = addCollection();
+    const std::string uid = addPerson(store_, {});
+    saveLink({collection, "/1", uid, "\"e\"", kCard, false});
+    ChangeSet changes;
+    changes.sync.conflicts.push_back({0, uid, "Phone", "home", text("1"), Date{5}, true});
+    store_.save(changes);
+    execute("UPDATE link SET text = x'0000000A00'; UPDATE conflict SET value = x'63'");
+    const auto problem = [](const std::function<void()>& read) -> std::string {
+        try {
+            read();
+        } catch (const StoreError& error) {
+            EXPECT_EQ(error.reason(), StoreError::Reason::damaged);
+            return error.what();
+        }
+        return "read";
+    };
+    const std::string card = "is damaged (the card of /1 as it was agreed with the server)";
+    EXPECT_THAT(problem([&] { store_.syncLink(collection, "/1"); }), HasSubstr(card));
+    EXPECT_THAT(problem([&] { store_.syncLinksOf(uid); }), HasSubstr(card));
+    EXPECT_THAT(problem([&] { store_.syncConflicts(); }),
+                HasSubstr("is damaged (a conflict of " + uid + ": a value of an unknown type)"));
+    int links = 0; // their cards are not asked for
+    store_.visitSyncLinks(collection, [&](const SyncLink& link) { links += link.uid == uid ? 1 : 0; });
+    EXPECT_EQ(links, 1);
 }
 
 TEST_F(SyncStateTest, IsWrittenWithTheRecordsOrNotAtAll) {
@@ -238,6 +344,38 @@ TEST_F(SyncStateTest, WhatIsBasedOnAnotherStateIsNotWritten) {
     changes.basis = store_.lastChange();
     other.save(linked);
     EXPECT_TRUE(store_.save(changes).outdated);
+}
+
+// Where the log does not say what another save was about, it may have been about anything.
+TEST_F(SyncStateTest, WhatMayBeBasedOnAnotherStateIsNotWritten) {
+    const std::string ida = addPerson(store_, {{"First", text("Ida")}});
+    const std::string bo = addPerson(store_, {{"First", text("Bo")}});
+    const std::string group = newUid(Kind::group);
+    saveRecords(store_, {inserted(group, {}, Kind::group)});
+    Store other(folder());
+    ChangeSet joining = changesAt(5);
+    joining.memberships = {{group, ida, true}};
+    const auto outdated = [&](const std::function<void()>& meanwhile) {
+        joining.basis = store_.lastChange();
+        meanwhile();
+        return store_.save(joining).outdated;
+    };
+    EXPECT_TRUE(outdated([&] { saveRecords(other, {updated(ida, {{"First", text("I")}})}); }));
+    EXPECT_TRUE(outdated([&] { saveRecords(other, {updated(group, {{"GroupName", text("G")}})}); }));
+    EXPECT_TRUE(outdated([&] {
+        ChangeSet me = changesAt(6);
+        me.me = bo; // no record changes
+        other.save(me);
+    }));
+    EXPECT_TRUE(outdated([&] {
+        ChangeSet removal = changesAt(7);
+        removal.removed = {group};
+        other.save(removal);
+        saveRecords(other, {inserted(group, {}, Kind::group)}); // and it is back
+    }));
+    EXPECT_TRUE(store_.members(store_.find(group)->row).empty());
+    EXPECT_FALSE(outdated([&] { saveRecords(other, {updated(bo, {{"First", text("B")}})}); }));
+    EXPECT_THAT(store_.members(store_.find(group)->row), ElementsAre(store_.find(ida)->row));
 }
 
 } // namespace

@@ -20,6 +20,10 @@
 namespace {
 // Whether the kernel's watches are used up.
 std::atomic<bool> watchesAreUsedUp{false};
+// Whether a folder can no longer be watched, though there are watches.
+std::atomic<bool> foldersAreUsedUp{false};
+// Whether the process has no file descriptors left.
+std::atomic<bool> descriptorsAreUsedUp{false};
 // Whether inotify reports nothing, as for files that another machine changes.
 std::atomic<bool> kernelIsSilent{false};
 } // namespace
@@ -34,7 +38,19 @@ extern "C" int inotify_init1(int flags) noexcept {
 }
 
 extern "C" int inotify_add_watch(int events, const char* path, uint32_t mask) noexcept {
+    if (foldersAreUsedUp) {
+        errno = ENOSPC;
+        return -1;
+    }
     return kernelIsSilent ? 1 : static_cast<int>(syscall(SYS_inotify_add_watch, events, path, mask));
+}
+
+extern "C" int eventfd(unsigned count, int flags) noexcept {
+    if (descriptorsAreUsedUp) {
+        errno = EMFILE;
+        return -1;
+    }
+    return static_cast<int>(syscall(SYS_eventfd2, count, flags));
 }
 
 namespace addressbook::test {
@@ -258,6 +274,33 @@ TEST_F(WatchTest, LooksByTheClockWhileTheKernelHasNoWatches) {
     addPerson(store, {});
     EXPECT_THAT(watching.numbers(3), ElementsAre(1, 2, 3));
     EXPECT_EQ(watching.reasons(1).size(), 1U);
+}
+
+TEST_F(WatchTest, LooksByTheClockWhileTheKernelWatchesNoMoreFolders) {
+    Store store(folder());
+    foldersAreUsedUp = true;
+    Watching watching(folder() / "AddressBook.db", 0);
+    EXPECT_THAT(watching.reasons(1), ElementsAre(testing::HasSubstr("looked at once a second instead")));
+    addPerson(store, {});
+    EXPECT_THAT(watching.numbers(1), ElementsAre(1));
+    foldersAreUsedUp = false;
+    addPerson(store, {});
+    EXPECT_THAT(watching.numbers(2), ElementsAre(1, 2));
+}
+
+TEST_F(WatchTest, NeedsADescriptor) {
+    const fs::path file = folder() / "AddressBook.db";
+    descriptorsAreUsedUp = true;
+    try {
+        const Watch watch(file, 0, {});
+        ADD_FAILURE() << "watches";
+    } catch (const StoreError& error) {
+        EXPECT_EQ(error.reason(), StoreError::Reason::io);
+        EXPECT_THAT(error.what(),
+                    testing::AllOf(testing::HasSubstr(file.string() + " cannot be watched for changes"),
+                                   testing::EndsWith("close some files and start this program again.")));
+    }
+    descriptorsAreUsedUp = false;
 }
 
 TEST_F(WatchTest, LooksByTheClockAtASnapshotOfWhichNobodyTells) {
