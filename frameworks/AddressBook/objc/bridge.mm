@@ -236,7 +236,7 @@ id objectFromEncoded(std::string_view value) {
 
 NSString* wordFrom(std::string_view word) {
     // Never destroyed, so that the strings live until the process ends.
-    static auto& known = *new std::array<MadeOnce, kMostWords>;
+    static auto& known = *new std::array<MadeOnce, kWordNumbersEnd>;
     const auto code = static_cast<std::size_t>(wordCode(word));
     if (code == 0) {
         return stringFrom(word);

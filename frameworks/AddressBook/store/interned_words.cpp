@@ -43,7 +43,7 @@ static_assert(fingerprint() == 0x466547D7D75E43AE,
               "the words' numbers are stored: only add at the end, and count a new schema version");
 
 constexpr WordIndex kIndex(kWords);
-static_assert(kWords.size() < kMostWords);
+static_assert(kWords.size() < kWordNumbersEnd);
 
 } // namespace
 

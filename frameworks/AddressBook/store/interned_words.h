@@ -11,7 +11,7 @@
 namespace addressbook {
 
 // Numbers stay below this one.
-inline constexpr std::size_t kMostWords = 256;
+inline constexpr std::size_t kWordNumbersEnd = 256;
 
 // Returns the number, 1 or more, that stands for a well-known word in the database; 0 for any other word.
 int wordCode(std::string_view word);
