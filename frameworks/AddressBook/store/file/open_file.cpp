@@ -201,7 +201,8 @@ OpenedFile openAddressBook(const fs::path& folder, Access access, std::chrono::m
                 return opened;
             }
         } catch (const StoreError& problem) {
-            if (problem.reason() != Reason::damaged || !finishReplacing(file)) {
+            // Where nothing is left, another process may just have finished it: then the next attempt succeeds.
+            if (problem.reason() != Reason::damaged || (!finishReplacing(file) && attempt > 0)) {
                 throw;
             }
         }
