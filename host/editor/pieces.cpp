@@ -101,7 +101,7 @@ class PieceReader {
             piece = {PieceKind::semicolon, u";"};
             break;
         case TokenKind::colon:
-            if (isStep_ && open_.empty()) {
+            if (endsLabel(token)) {
                 return addLabel(token);
             }
             piece.kind = PieceKind::colon;
@@ -166,6 +166,19 @@ class PieceReader {
         if (isWord(op)) {
             piece.text = op.spelling;
         }
+    }
+
+    // Whether a colon is that of an option's label: a single one, and the first of the option.
+    bool endsLabel(const Token& colon) const {
+        if (!isStep_ || !open_.empty() || text_.substr(colon.end).starts_with(u':') ||
+            text_.substr(0, colon.begin).ends_with(u':')) {
+            return false;
+        }
+        const auto isEnd = [](const Piece& piece) {
+            return piece.kind == PieceKind::semicolon || piece.kind == PieceKind::label;
+        };
+        const auto last = std::find_if(pieces_.rbegin(), pieces_.rend(), isEnd);
+        return last == pieces_.rend() || last->kind == PieceKind::semicolon;
     }
 
     // Joins the pieces of a label and its colon to one piece: "Duration (seconds):".

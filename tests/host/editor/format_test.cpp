@@ -80,6 +80,10 @@ TEST(FormatTest, Scripts) {
         script("Write to Data File[File ID:$f;Data source:utf-8;Write as: UTF-16;Append line feed]"),
         "Write to Data File [ File ID: $f ; Data source: utf-8 ; Write as: UTF-16 ; Append line feed ]\n");
     EXPECT_EQ(script("Set Variable [ $x ; Value: $utf-8 ]"), "Set Variable [ $x ; Value: $utf - 8 ]\n");
+    EXPECT_EQ(script("Show Custom Dialog [ Title:Contacts :: Name;Message: \"x\" ]\nBeep[a:b :c]"),
+              "Show Custom Dialog [ Title: Contacts::Name ; Message: \"x\" ]\nBeep [ a: b:c ]\n");
+    EXPECT_EQ(script("Set Field[Contacts::Name;Contacts::Name]"),
+              "Set Field [ Contacts::Name ; Contacts::Name ]\n");
     EXPECT_EQ(script("Perform Script[“ other ”;Parameter:1]\nEnd If"),
               "Perform Script [ “ other ” ; Parameter: 1 ]\nEnd If\n");
     EXPECT_EQ(script("Set Variable [ $x ; Value: List ( \"aaaa\" ; \"bbbb\" ) ]", 40),
