@@ -3,7 +3,7 @@
 #include "tests/vcard/random_card.h"
 #include "tests/vcard/support.h"
 
-#include <gtest/gtest.h>
+#include <gmock/gmock.h>
 
 namespace addressbook::vcard {
 namespace {
@@ -89,6 +89,17 @@ TEST(RoundTripTest, LabelsChangedInsideAGroupStayApart) {
     const Card again = readOne(write(card));
     EXPECT_EQ(describe(again, property::kPhone), "[both:1]");
     EXPECT_EQ(describe(again, property::kEmail), "[other:a]");
+}
+
+// In 4.0 it is the card's own line, which has one place.
+TEST(RoundTripTest, AUniqueIdThatIsAnAddressStaysInItsPlace) {
+    const Card card =
+        readOne(cardText({"N:A", "UID:urn:uuid:22222222-2222-4222-8222-222222222225", "X-MORE:x"}));
+    for (const WrittenVersion version : {WrittenVersion::v3, WrittenVersion::v4}) {
+        const std::string written = write(card, version);
+        EXPECT_THAT(written, testing::HasSubstr("UID:urn:uuid:22222222-2222-4222-8222-222222222225\r\n"));
+        EXPECT_EQ(write(readOne(written), version), written);
+    }
 }
 
 } // namespace

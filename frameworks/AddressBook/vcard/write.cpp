@@ -6,6 +6,18 @@
 #include "frameworks/AddressBook/vcard/line_writer.h"
 
 namespace addressbook::vcard {
+namespace {
+
+// Returns the unique id in a line that was kept; nothing for any other line.
+std::optional<std::string> uidIn(const std::string& text) {
+    if (!text.starts_with("UID")) {
+        return std::nullopt;
+    }
+    const auto line = parseStored(text);
+    return line && line->key == "UID" ? std::optional(std::string(trim(line->text()))) : std::nullopt;
+}
+
+} // namespace
 
 std::string write(const Card& card, WrittenVersion version) {
     LineWriter writer(version);
@@ -19,12 +31,17 @@ std::string write(const Card& card, WrittenVersion version) {
     if (const std::string categories = categoriesLine(card); !categories.empty()) {
         writer.append(categories);
     }
+    const std::optional<std::string> kept = keptUid(unknownLinesOf(card));
+    const std::string own = card.uid.empty() ? "" : uidLine(card.uid, version);
+    const bool isOther = kept && "UID:" + *kept != own;
     for (const std::string& text : linesOfNoProperty(card)) {
-        writer.addStored(text);
+        if (isOther || !uidIn(text)) {
+            writer.addStored(text);
+        }
     }
     if (!card.uid.empty()) {
-        if (!keptUid(unknownLinesOf(card))) {
-            writer.append(uidLine(card.uid, version));
+        if (!isOther) {
+            writer.append(own);
         }
         writer.append("X-ABUID:" + card.uid);
     }
@@ -34,11 +51,8 @@ std::string write(const Card& card, WrittenVersion version) {
 
 std::optional<std::string> keptUid(const Value& unknownLines) {
     for (const std::string& text : storedLines(unknownLines)) {
-        if (!text.starts_with("UID")) {
-            continue;
-        }
-        if (const auto line = parseStored(text); line && line->key == "UID") {
-            return std::string(trim(line->text()));
+        if (auto uid = uidIn(text)) {
+            return uid;
         }
     }
     return std::nullopt;
