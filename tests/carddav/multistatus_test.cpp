@@ -216,6 +216,9 @@ TEST(BadMultistatusTest, OtherEncodingsOfSeveralBytesAreRefused) {
                            "'?><multistatus xmlns='DAV:'/>"),
                     testing::HasSubstr(std::string("its encoding is ") + encoding));
     }
+    for (const std::string& utf32 : {std::string("\0\0\0<\0\0\0a", 8), std::string("<\0\0\0a\0\0\0", 8)}) {
+        EXPECT_THAT(whyNot(utf32), testing::HasSubstr("its encoding is UTF-32"));
+    }
 }
 
 TEST(BadMultistatusTest, BoundsHold) {

@@ -14,11 +14,16 @@ namespace {
 constexpr int kMaxDepth = 32;
 // libxml2 takes lengths as int, and looks at all of a piece at once.
 constexpr std::size_t kPiece = 64UL * 1024;
+constexpr std::size_t kFirst = 4; // bytes by which libxml2 knows an encoding
 constexpr const char* kEncodings[] = {"UTF-8",    "UTF8",  "UTF-16",     "UTF-16LE",    "UTF-16BE",
                                       "US-ASCII", "ASCII", "ISO-8859-1", "ISO-8859-15", "windows-1252"};
 
 [[noreturn]] void malformed(const std::string& why) {
     throw Error(ErrorKind::malformedAnswer, "the server's answer cannot be read: " + why);
+}
+
+[[noreturn]] void otherEncoding(const std::string& name) {
+    malformed("its encoding is " + name + ", not UTF-8");
 }
 
 void appendName(std::string& to, const xmlChar* space, const xmlChar* local) {
@@ -56,13 +61,12 @@ struct XmlParser::Callbacks {
             if (declared == nullptr) {
                 return;
             }
-            const std::string_view name(reinterpret_cast<const char*>(declared));
             const bool known =
                 std::any_of(std::begin(kEncodings), std::end(kEncodings), [&](const char* each) {
                     return xmlStrcasecmp(declared, reinterpret_cast<const xmlChar*>(each)) == 0;
                 });
             if (!known) {
-                malformed("its encoding is " + std::string(name) + ", not UTF-8");
+                otherEncoding(reinterpret_cast<const char*>(declared));
             }
         });
     }
@@ -133,7 +137,12 @@ XmlParser::~XmlParser() {
 }
 
 void XmlParser::parse(std::string_view bytes, bool last) {
+    // Errors of converting an encoding belong to no parser: libxml2 prints them unless somebody else takes them.
+    const xmlStructuredErrorFunc before = xmlStructuredError;
+    void* const beforeContext = xmlStructuredErrorContext;
+    xmlSetStructuredErrorFunc(nullptr, [](void*, xmlErrorPtr) {});
     const int failed = xmlParseChunk(context_, bytes.data(), static_cast<int>(bytes.size()), last ? 1 : 0);
+    xmlSetStructuredErrorFunc(beforeContext, before);
     if (thrown_) {
         std::rethrow_exception(thrown_);
     }
@@ -150,6 +159,13 @@ void XmlParser::parse(std::string_view bytes, bool last) {
 }
 
 void XmlParser::feed(std::string_view bytes) {
+    // libxml2 tells UTF-32 by its first character, without a declaration; what it reads of it depends on the pieces.
+    if (first_.size() < kFirst) {
+        first_ += bytes.substr(0, kFirst - first_.size());
+        if (first_.size() == kFirst && std::count(first_.begin(), first_.end(), '\0') == 3) {
+            otherEncoding("UTF-32");
+        }
+    }
     for (std::size_t at = 0; at < bytes.size(); at += kPiece) {
         parse(bytes.substr(at, kPiece), false);
     }

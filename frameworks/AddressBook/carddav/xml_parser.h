@@ -45,6 +45,7 @@ class XmlParser {
 
     XmlHandler& handler_;
     _xmlParserCtxt* context_;
+    std::string first_;         // bytes of the document
     std::exception_ptr thrown_; // by a callback: no exception passes through libxml2
     int depth_ = 0;
 };
