@@ -4,6 +4,7 @@
 #include "frameworks/AddressBook/store/file/backup.h"
 #include "frameworks/AddressBook/store/file/paths.h"
 #include "frameworks/AddressBook/store/file/repair.h"
+#include "tests/store/behind_the_back.h"
 #include "tests/store/contents.h"
 #include "tests/store/scratch.h"
 #include "tests/support/fault_vfs.h"
@@ -132,6 +133,21 @@ TEST_P(FailingDiskTest, AtOpeningABook) {
         [&] { EXPECT_EQ(contentsOf(Store(folder())), before); });
 }
 
+TEST_P(FailingDiskTest, AtUndoingAnInterruptedSave) {
+    const fs::path kept = root() / "kept";
+    makeBook();
+    const Contents before = contentsOf(Store(folder()));
+    interruptSave(folder());
+    fs::copy(folder(), kept);
+    fail(
+        [&] {
+            fs::remove_all(folder());
+            fs::copy(kept, folder());
+            EXPECT_EQ(contentsOf(Store(folder())), before);
+        },
+        [&] { EXPECT_EQ(contentsOf(Store(folder())), before); }, 3);
+}
+
 // With the index of the log that another program has made.
 TEST_P(FailingDiskTest, AtReadingABookThatIsOpen) {
     Store store(folder());
@@ -151,6 +167,7 @@ TEST_P(FailingDiskTest, AtReadingABookThatIsOpen) {
         disk_.disarm();
         read();
     }
+    EXPECT_GT(good, 1) << "read without what the other program says of the log";
     EXPECT_EQ(contentsOf(store), before);
 }
 

@@ -141,6 +141,28 @@ TEST_F(ReadOnlyDiskTest, WithALogOfAnotherBookIsRefused) {
     }
 }
 
+// What a restore leaves that is killed before it removes the log of the old book.
+TEST_F(ReadOnlyDiskTest, LeftInTheMiddleOfARestoreIsRefusedThereAndFinishedElsewhere) {
+    const fs::path backup = root() / "backup";
+    {
+        Store store(folder());
+        backUp(folder(), backup, Existing::refuse);
+        addPerson(store, {});
+        fs::copy_file(beside("-wal"), root() / "log");
+        restore(folder(), backup);
+    }
+    fs::copy_file(root() / "log", beside("-wal"));
+    const support::ReadOnlyDisk disk(root());
+    try {
+        const Store store(folder());
+        ADD_FAILURE() << "opened";
+    } catch (const StoreError& error) {
+        EXPECT_EQ(error.reason(), Reason::readOnly) << error.what();
+        EXPECT_THAT(error.what(), HasSubstr("Read-only file system"));
+    }
+    disk.writable([&] { EXPECT_EQ(Store(folder()).count(Kind::person), 0); });
+}
+
 TEST_F(ReadOnlyDiskTest, LeftInTheMiddleOfASaveIsRefusedThereAndUndoneElsewhere) {
     {
         Store store(folder());

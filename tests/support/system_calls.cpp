@@ -5,6 +5,7 @@
 #include <signal.h>
 #include <stdio.h>
 #include <stdlib.h>
+#include <sys/sendfile.h>
 #include <sys/stat.h>
 #include <sys/uio.h>
 #include <unistd.h>
@@ -24,6 +25,8 @@ struct Calls {
     bool readOnly = false;
     int left = -1; // before this process is killed, or the call fails; negative: never
     int error = 0; // with which it fails; 0: the process is killed
+    support::Failing failing = support::Failing::once;
+    char failingKind = 'w';
     bool failed = false;
     bool plain = false; // neither hard links nor renaming without replacing
     std::string made;
@@ -52,6 +55,9 @@ bool isLast(char kind) {
     if (state().left < 0) {
         return false;
     }
+    if (state().failed) {
+        return kind == state().failingKind;
+    }
     state().made += kind;
     return state().left-- == 0;
 }
@@ -70,6 +76,8 @@ bool fails(char kind) {
         kill(getpid(), SIGKILL);
     }
     state().failed = true;
+    state().failingKind = kind;
+    state().left = state().failing == support::Failing::once ? -1 : 0;
     refuse(state().error);
     return true;
 }
@@ -85,7 +93,7 @@ ssize_t writing(int file, size_t size, Write write) {
         const std::lock_guard<std::mutex> guard(state().lock);
         state().unsynced.insert(identityOf(file));
     }
-    if (state().left == 0) {
+    if (state().left == 0 && !state().failed) {
         write(size / 2);
     }
     return fails('w') ? -1 : write(size);
@@ -228,6 +236,22 @@ ssize_t pwrite64(int file, const void* data, size_t size, off64_t offset) {
     return writing(file, size, [&](size_t part) { return real(file, data, part, offset); });
 }
 
+ssize_t sendfile(int to, int from, off_t* offset, size_t size) noexcept {
+    static const auto real = next<ssize_t(int, int, off_t*, size_t)>("sendfile");
+    return writing(to, size, [&](size_t part) { return real(to, from, offset, part); });
+}
+
+ssize_t sendfile64(int to, int from, off64_t* offset, size_t size) noexcept {
+    static const auto real = next<ssize_t(int, int, off64_t*, size_t)>("sendfile64");
+    return writing(to, size, [&](size_t part) { return real(to, from, offset, part); });
+}
+
+ssize_t copy_file_range(int from, off64_t* fromOffset, int to, off64_t* toOffset, size_t size,
+                        unsigned flags) {
+    static const auto real = next<ssize_t(int, off64_t*, int, off64_t*, size_t, unsigned)>("copy_file_range");
+    return writing(to, size, [&](size_t part) { return real(from, fromOffset, to, toOffset, part, flags); });
+}
+
 } // extern "C"
 #pragma GCC visibility pop
 
@@ -266,9 +290,10 @@ void killAfterCalls(int count) {
     failAfterCalls(count, 0);
 }
 
-void failAfterCalls(int count, int error) {
+void failAfterCalls(int count, int error, Failing failing) {
     state().left = count;
     state().error = error;
+    state().failing = failing;
     state().failed = false;
     state().made.clear();
 }

@@ -32,9 +32,11 @@ class PlainFileSystem {
     PlainFileSystem& operator=(const PlainFileSystem&) = delete;
 };
 
-// Makes the call after the next [calls] calls that change files fail with this error of <cerrno>, once; if it is a
-// write, half of it is done. stopFailing() lets all succeed again and returns whether that call was made.
-void failAfterCalls(int calls, int error);
+// Makes the call after the next [calls] calls that change files fail with this error of <cerrno>, once or with all
+// later ones of its kind (see callsMade); if it is a write, half of it is done. stopFailing() lets all succeed again and
+// returns whether that call was made.
+enum class Failing { once, fromThenOn };
+void failAfterCalls(int calls, int error, Failing failing = Failing::once);
 bool stopFailing();
 
 // Kills this process at the call after the next [calls] calls that change files; if it is a write, half of it

@@ -115,6 +115,7 @@ fs::path folderOf(const fs::path& file) {
 StoreError systemError(const std::string& sentence, const fs::path& path, int error, const char* remedy) {
     const bool denied = error == EACCES || error == EPERM || error == EROFS;
     const Reason reason = denied                               ? Reason::readOnly
+                          : error == EAGAIN                    ? Reason::locked
                           : error == ENOSPC || error == EDQUOT ? Reason::full
                                                                : Reason::io;
     return {reason,

@@ -131,17 +131,19 @@ bool finishReplacing(const fs::path& file) {
             // Nobody can have opened the file with what is beside it, and nobody can open it now.
             const PendingByteLock lock(file);
             for (const char* suffix : {"-wal", "-journal"}) {
-                if (isLeft(suffix) && unlink(sidecarPath(file, suffix).c_str()) != 0) {
-                    return false;
+                const fs::path sidecar = sidecarPath(file, suffix);
+                if (isLeft(suffix) && unlink(sidecar.c_str()) != 0) {
+                    throw systemError("Could not remove the file", sidecar, errno,
+                                      "check the disk and try again");
                 }
             }
             unlink(sidecarPath(file, "-shm").c_str());
             syncFolder(file.parent_path());
             return true;
-        } catch (const StoreError&) {
-            // Another process is at it, or it may not be written.
-            if (::access(file.c_str(), W_OK) != 0 || std::chrono::steady_clock::now() > deadline) {
-                return false;
+        } catch (const StoreError& error) {
+            // Locked: another process is at it.
+            if (error.reason() != Reason::locked || std::chrono::steady_clock::now() > deadline) {
+                throw;
             }
             std::this_thread::sleep_for(std::chrono::milliseconds(10));
         }

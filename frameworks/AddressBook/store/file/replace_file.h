@@ -15,7 +15,7 @@ namespace addressbook {
 void copyDatabase(sql::Connection& from, const std::filesystem::path& to, const Progress& progress);
 
 // Removes the sidecars of the book that [file] replaced, which a program left that was killed before it could. Returns
-// whether there were any, so that [file] may be opened now.
+// whether there were any, so that [file] may be opened now. Throws StoreError when they cannot be removed.
 bool finishReplacing(const std::filesystem::path& file);
 
 // Holds the write lock of the address book in a folder, so that no process saves while it lives. For a book

@@ -88,6 +88,7 @@ class Rescue {
     Store::Impl& made_;
     const Progress& progress_;
     std::unique_ptr<sql::Connection> db_;
+    std::optional<StoreError> problem_;   // of the last attempt to open it
     std::set<std::string> properties_[2]; // names of known properties, by Kind
     std::map<RowId, std::string> uids_;   // by the index of unique ids; empty text when it has none
     std::map<RowId, Kind> rescued_;
@@ -111,6 +112,9 @@ void Rescue::open() {
         lost_.emplace_back("The file's first page was damaged; its log was left out.");
         return;
     }
+    if (problem_ && problem_->reason() == Reason::io) {
+        throw *problem_; // such as a disk without room for SQLite's own files
+    }
     throw StoreError(Reason::damaged, file_, "cannot be repaired, nothing in it can be read",
                      "restore it from a backup");
 }
@@ -129,6 +133,7 @@ bool Rescue::attempt() {
         if (!isDamage(error)) {
             throw;
         }
+        problem_ = error;
         // Only that record may be damaged, so look whether the table is known.
         return db_ && knows("record", "card");
     }
