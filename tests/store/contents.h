@@ -50,5 +50,6 @@ inline Contents contentsOf(const Store& store) {
 }
 
 using support::bytesOf;
+using support::filesIn;
 
 } // namespace addressbook::test

@@ -329,9 +329,9 @@ class Checker {
         std::size_t done = 0;
         auto statement = db_.prepare("SELECT property, folded, exact, record, label, key, type FROM term");
         while (statement.step()) {
-            // There are as many values as the records have, as long as nothing is damaged.
-            tellProgress(progress_, std::min(done++, terms_.count()), terms_.count(), kRecordsShare,
-                         kTermsShare);
+            // There are as many values as the records have, when these were summed up and nothing is damaged.
+            ++done;
+            tellProgress(progress_, done, std::max(done, terms_.count()), kRecordsShare, kTermsShare);
             if (indexes_) {
                 held.add(hashOfTerm(statement));
             }
@@ -375,8 +375,8 @@ class Checker {
         while (terms.step()) {
             const Hash trigram = Hash().bytes(terms.text(0));
             for (std::int64_t left = terms.integer(1); left > 0 && places.step(); --left) {
-                tellProgress(progress_, std::min(held.count(), trigrams_.count()), trigrams_.count(),
-                             kTermsShare, 1);
+                tellProgress(progress_, held.count(), std::max(held.count(), trigrams_.count()), kTermsShare,
+                             1);
                 held.add(hashOf(trigram, places.integer(0), places.integer(1)));
             }
         }
