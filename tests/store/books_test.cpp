@@ -92,7 +92,7 @@ std::string readFile(const fs::path& file) {
 class BooksTest : public Scratch, public testing::WithParamInterface<int> {
   protected:
     BooksTest() {
-        setenv("TZ", "UTC", 1); // in which they were written
+        moveTo("UTC"); // in which they were written
         fs::create_directory(folder());
         fs::copy_file(kBooks / ("version" + std::to_string(GetParam()) + ".db"), file());
         fs::permissions(file(), fs::perms::owner_read | fs::perms::owner_write);

@@ -34,7 +34,6 @@ DateComponents components(std::optional<int> year, int month, int day) {
 
 class ComparisonsTest : public Scratch {
   protected:
-    ComparisonsTest() { tzset(); }
     // Whether a person with [value] as property "p" meets the comparison with [wanted].
     static bool meets(const Value& value, Comparison comparison, const Value& wanted, Date now = Date{0}) {
         return matches(query("p", comparison, wanted), MemoryRecord(Kind::person, {{"p", value}}), now);

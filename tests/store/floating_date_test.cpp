@@ -21,11 +21,6 @@ using testing::IsEmpty;
 constexpr const char* kZones[] = {"UTC",           "America/New_York", "Pacific/Honolulu",  "Asia/Kathmandu",
                                   "Europe/Berlin", "Pacific/Auckland", "Pacific/Kiritimati"};
 
-void moveTo(const char* zone) {
-    setenv("TZ", zone, 1);
-    tzset();
-}
-
 // A local moment.
 Date moment(int year, int month, int day, int hour = 12, int minute = 0) {
     std::tm parts{};

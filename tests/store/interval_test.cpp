@@ -28,10 +28,7 @@ Date moment(int year, int month, int day, int hour = 12) {
 
 class IntervalTest : public Scratch, public testing::WithParamInterface<const char*> {
   protected:
-    IntervalTest() {
-        setenv("TZ", GetParam(), 1);
-        tzset();
-    }
+    IntervalTest() { moveTo(GetParam()); }
 
     // Days that are near [now] in some year, first and last hours of days, and what is no date.
     Value near(Date now) {

@@ -5,6 +5,7 @@
 #include "tests/support/temporary_folder.h"
 
 #include <cstdlib>
+#include <ctime>
 #include <filesystem>
 #include <gtest/gtest.h>
 
@@ -12,7 +13,12 @@ namespace addressbook::test {
 
 class Scratch : public testing::Test {
   protected:
-    Scratch() { setenv("TZ", "Europe/Berlin", 1); }
+    Scratch() { moveTo("Europe/Berlin"); }
+    // Sets the clock of this process to a time zone.
+    static void moveTo(const char* zone) {
+        setenv("TZ", zone, 1);
+        tzset();
+    }
     // Returns the test's folder.
     const std::filesystem::path& root() const { return home_.path(); }
     // Returns a folder in it for an address book, which a store makes.
