@@ -2,7 +2,9 @@
 
 #include <atomic>
 #include <functional>
+#include <string>
 #include <thread>
+#include <vector>
 
 namespace {
 
@@ -219,32 +221,40 @@ TEST_F(StoredListTest, EveryChangeStaysInItsList) {
     }
 }
 
-// Lists that share their entries until one is changed make the parts of these when they are asked for.
+// Lists that share their entries until one is changed make the parts of these when they are asked for, once for all.
 TEST_F(StoredListTest, ThreadsMayReadCopies) {
     for (int round = 0; round < 200; ++round) {
         NSAutoreleasePool* pool = [[NSAutoreleasePool alloc] init];
         ABMultiValue* original = [[[stored() mutableCopy] autorelease] copy];
         std::atomic<int> ready{0};
-        const auto read = [&ready](ABMultiValue* copy, std::string& seen) {
+        struct Seen {
+            std::vector<id> objects;
+            std::string text;
+            bool operator==(const Seen&) const = default;
+        };
+        const auto read = [&ready](ABMultiValue* copy, Seen& seen) {
             GSRegisterCurrentThread();
             NSAutoreleasePool* own = [[NSAutoreleasePool alloc] init];
             for (++ready; ready < 2;) {
             }
             for (NSUInteger i = 0; i < [copy count]; ++i) {
-                seen += text([copy identifierAtIndex:i]) + text([copy labelAtIndex:i]) +
-                        text([copy valueAtIndex:i]);
+                for (id part : {static_cast<id>([copy identifierAtIndex:i]),
+                                static_cast<id>([copy labelAtIndex:i]), [copy valueAtIndex:i]}) {
+                    seen.objects.push_back(part);
+                    seen.text += text(part);
+                }
             }
             [copy release];
             [own release];
             GSUnregisterCurrentThread();
         };
-        std::string seen[2];
+        Seen seen[2];
         std::thread one(read, [original mutableCopy], std::ref(seen[0]));
         std::thread other(read, [original mutableCopy], std::ref(seen[1]));
         one.join();
         other.join();
-        EXPECT_FALSE(seen[0].empty());
-        EXPECT_EQ(seen[0], seen[1]);
+        EXPECT_EQ(seen[0].objects.size(), 6U);
+        EXPECT_TRUE(seen[0] == seen[1]);
         [original release];
         [pool release];
     }
