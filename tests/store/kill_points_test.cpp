@@ -301,6 +301,8 @@ TEST_F(DurableTest, WhatIsSavedIsOnTheDiskWhenTheSaveAnswers) {
             EXPECT_FALSE(support::isUnsynced(file().string() + suffix)) << when << suffix;
         }
     };
+    std::ofstream(root() / "other") << "never synced";
+    EXPECT_TRUE(support::isUnsynced(root() / "other"));
     makeBook();
     expectSynced("made");
     Store store(folder());

@@ -58,6 +58,7 @@ namespace {
 
 namespace fs = std::filesystem;
 using testing::ElementsAre;
+using testing::Field;
 using testing::IsEmpty;
 
 // A watch on a thread of its own, which records its notifications.
@@ -161,13 +162,11 @@ TEST_F(WatchTest, KnowsTheSavesOfThisProcess) {
     Watching watching(store.file(), 0);
     addPerson(store, {});
     addPerson(store, {});
-    for (const LoggedChange& change : watching.changes(2)) {
-        EXPECT_TRUE(change.own);
-    }
+    EXPECT_THAT(watching.changes(2),
+                ElementsAre(Field(&LoggedChange::own, true), Field(&LoggedChange::own, true)));
     sql(store.file(), "UPDATE change SET origin = NULL; UPDATE change SET origin = 'other' WHERE id = 2");
-    for (const LoggedChange& change : store.changesSince(0)) {
-        EXPECT_FALSE(change.own);
-    }
+    EXPECT_THAT(store.changesSince(0),
+                ElementsAre(Field(&LoggedChange::own, false), Field(&LoggedChange::own, false)));
 }
 
 TEST_F(WatchTest, LearnsOfAWriterThatEndedBeforeItCouldTell) {
