@@ -262,6 +262,7 @@ TEST_F(PlainFileSystemTest, HasBooksBackupsAndWhatARestoreKeeps) {
     int kept = 0;
     for (const auto& entry : fs::directory_iterator(folder())) {
         kept += entry.path() != folder() / kFileName && bytesOf(entry.path()) == newer ? 1 : 0;
+        EXPECT_FALSE(support::isUnsynced(entry.path())) << entry.path();
     }
     EXPECT_EQ(kept, 1) << "the book that was replaced is kept";
 }

@@ -60,11 +60,9 @@ void makeStandalone(const fs::path& file) {
                                    kBusyTimeout);
         connection.execute("PRAGMA journal_mode = DELETE");
     }
-    const int descriptor = open(file.c_str(), O_RDONLY | O_CLOEXEC);
-    if (descriptor < 0 || fsync(descriptor) != 0) {
+    if (!syncFile(file)) {
         fail(file, "cannot write: " + std::generic_category().message(errno));
     }
-    close(descriptor);
 }
 
 // Gives the finished [draft] the name [file].

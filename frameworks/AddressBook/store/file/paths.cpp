@@ -136,6 +136,18 @@ std::string databaseUri(const fs::path& file, std::string_view query) {
     return uri.append(query);
 }
 
+bool syncFile(const fs::path& file) {
+    const int descriptor = open(file.c_str(), O_RDONLY | O_CLOEXEC);
+    if (descriptor < 0) {
+        return false;
+    }
+    const bool done = fsync(descriptor) == 0;
+    const int error = errno;
+    close(descriptor);
+    errno = error;
+    return done;
+}
+
 void syncFolder(const fs::path& folder) {
     const int descriptor = open(folder.c_str(), O_RDONLY | O_DIRECTORY | O_CLOEXEC);
     if (descriptor < 0) {

@@ -34,6 +34,9 @@ std::string databaseUri(const std::filesystem::path& file, std::string_view quer
 // Makes an empty file that only its owner may read and write. Throws StoreError, also when the file exists.
 void makePrivateFile(const std::filesystem::path& file);
 
+// Waits until what was written into the file is on the disk. Returns whether it is; errno tells why not.
+bool syncFile(const std::filesystem::path& file);
+
 // Waits until the folder itself, with the names of new, renamed and removed files, is on the disk.
 void syncFolder(const std::filesystem::path& folder);
 

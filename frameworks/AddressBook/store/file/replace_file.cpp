@@ -62,7 +62,12 @@ void keepCopy(const fs::path& file, const fs::path& name) {
     }
     std::error_code error;
     fs::copy_file(file, name, error);
+    if (!error && !syncFile(name)) { // the file itself is replaced next
+        error = std::error_code(errno, std::generic_category());
+    }
     if (error) {
+        std::error_code ignored;
+        fs::remove(name, ignored);
         throw systemError("Could not keep the present address book as", name, error.value(),
                           "make room in its folder and try again");
     }
