@@ -31,6 +31,7 @@ inline ChangeSet changesAt(double seconds) {
 inline std::string downgradeTo(int version) {
     static const std::pair<int, const char*> steps[] = {
         // a version, and what undoes it
+        {8, "ALTER TABLE property DROP COLUMN endings;"},
         {7, "DROP TABLE account; DROP TABLE collection; DROP TABLE link; DROP TABLE conflict;"
             "ALTER TABLE change DROP COLUMN silent; ALTER TABLE picture DROP COLUMN checksum;"},
         {5, "DROP TABLE deleted;"},

@@ -35,6 +35,7 @@ class CheckTest : public Scratch, public testing::WithParamInterface<Planted> {
             inserted(group, {{"GroupName", text("Friends")}, {"own", text("abcabdab")}}, Kind::group)};
         changes.memberships = {{group, person, true}};
         changes.me = person;
+        changes.endings = {{Kind::group, "GroupName"}};
         store.save(changes);
         flushIndexes(store);
         saveRecords(store, {updated(person, {{"First", text("Ida Müller")}})}, 2); // waits for others
@@ -91,6 +92,10 @@ INSTANTIATE_TEST_SUITE_P(
                 "(values) does not agree"},
         Planted{"termOfAnother", "UPDATE term SET record = 3 - record WHERE exact = 'Friends'",
                 "(values) does not agree"},
+        Planted{"lostEnding", "DELETE FROM term WHERE exact = 'sdneirF'", "index (values) does not agree"},
+        Planted{"lostIndexOfEndings", "UPDATE property SET endings = NULL", "index (values) does not agree"},
+        Planted{"emptyIndexOfEndings", "UPDATE property SET endings = 1 WHERE name = 'First'",
+                "index (values) does not agree"},
         Planted{"strayTerm", "UPDATE term SET record = 77 WHERE exact = 'Friends'",
                 "search index do not exist"},
         Planted{"trigram", "INSERT INTO trigram(rowid, text) VALUES (65540, 'abcd')",

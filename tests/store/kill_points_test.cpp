@@ -238,6 +238,25 @@ TEST_F(KillPointsTest, OfBringingAnOlderBackupUpToDate) {
     killAtMigrating("PRAGMA journal_mode = DELETE");
 }
 
+// Then there is either no index of endings, or a whole one: contentsIn() checks the book.
+TEST_F(KillPointsTest, OfMakingAnIndexOfEndings) {
+    makeBook();
+    const Contents before = contentsIn(folder());
+    ChangeSet changes;
+    changes.endings = {{Kind::person, "First"}, {Kind::group, "GroupName"}};
+    kill(
+        [&] {
+            Store store(folder());
+            store.save(changes);
+            *answered_ = true;
+        },
+        [&] {
+            EXPECT_EQ(contentsIn(folder()), before);
+            const std::size_t made = Store(folder()).endings().size();
+            EXPECT_TRUE(made == 2 || (made == 0 && !*answered_));
+        });
+}
+
 TEST_F(KillPointsTest, OfABackup) {
     makeBook();
     fs::create_directory(backup().parent_path());

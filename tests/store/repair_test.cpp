@@ -132,6 +132,22 @@ TEST_F(RepairTest, ATableMayBeGone) {
     }
 }
 
+TEST_F(RepairTest, MakesTheIndexesOfEndingsAnew) {
+    const NamedProperty first{Kind::person, "First"};
+    const NamedProperty theirs{Kind::group, "GroupName"};
+    {
+        Store store(folder());
+        ChangeSet changes;
+        changes.endings = {theirs, first};
+        store.save(changes);
+    }
+    damageACard();
+    repaired();
+    const Store store(folder());
+    EXPECT_THAT(store.endings(), ElementsAre(first, theirs));
+    EXPECT_THAT(found(store, query("First", Comparison::suffixMatch, text("b"))), ElementsAre(bob_));
+}
+
 TEST_F(RepairTest, NothingIsChangedWhenNothingCanBeRead) {
     const std::string bytes(fs::file_size(file()), '\xEE');
     std::ofstream(file(), std::ios::binary) << bytes;

@@ -17,6 +17,7 @@ constexpr std::array kPaths{
     PathText{AccessPath::uid, "look-up of the unique id"},
     PathText{AccessPath::exact, "exact look-up in the value index"},
     PathText{AccessPath::prefix, "range of the value index (prefix)"},
+    PathText{AccessPath::ending, "range of the value index (ending)"},
     PathText{AccessPath::trigram, "trigram index of texts"},
     PathText{AccessPath::range, "range of the value index"},
     PathText{AccessPath::interval, "range of the value index (interval)"},

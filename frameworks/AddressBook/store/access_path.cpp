@@ -25,6 +25,7 @@ constexpr std::array kCosts{
     PathCost{AccessPath::uid,          20},
     PathCost{AccessPath::exact,        20},
     PathCost{AccessPath::prefix,      200},
+    PathCost{AccessPath::ending,      200},
     PathCost{AccessPath::trigram,     500},
     PathCost{AccessPath::range,     2'000},
     PathCost{AccessPath::interval,  2'000},
@@ -145,7 +146,7 @@ void lookUpNumber(const Matcher& matcher, IndexLookup& lookup) {
     }
 }
 
-void lookUpText(const Matcher& matcher, IndexLookup& lookup) {
+void lookUpText(Store::Impl& impl, const Matcher& matcher, IndexLookup& lookup) {
     const std::string& wanted = *matcher.wantedText();
     lookup.folded = matcher.facts().ignoresCase ? wanted : foldNormalized(wanted);
     // The index keeps at most kTermBytes of a text, so that a longer one is looked up by a part of it.
@@ -159,8 +160,14 @@ void lookUpText(const Matcher& matcher, IndexLookup& lookup) {
         lookup.path = AccessPath::prefix;
         lookup.spans.push_back(spanOfPrefix(std::string(part)));
         return;
-    case Operation::contains:
     case Operation::suffix:
+        if (hasEndings(impl.db, lookup.property)) {
+            lookup.path = AccessPath::ending;
+            lookup.spans.push_back(spanOfPrefix(reversed(ending(lookup.folded, kTermBytes))));
+            return;
+        }
+        break;
+    case Operation::contains:
         break;
     default:
         lookup.path = AccessPath::scan;
@@ -212,7 +219,7 @@ IndexLookup chooseAccessPath(Store::Impl& impl, const Matcher& matcher) {
     } else if (isNumeric(condition.value)) {
         lookUpNumber(matcher, lookup);
     } else if (matcher.wantedText()) {
-        lookUpText(matcher, lookup);
+        lookUpText(impl, matcher, lookup);
     } else {
         lookup.path = AccessPath::scan;
     }

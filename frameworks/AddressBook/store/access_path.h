@@ -36,6 +36,11 @@ IndexLookup chooseAccessPath(Store::Impl& impl, const Matcher& matcher);
 // condition up by [path].
 std::size_t fewRecordsFor(AccessPath path);
 
+// Whether [path] looks for beginnings: of texts, or of texts backwards, which are their endings.
+constexpr bool isOfBeginnings(AccessPath path) {
+    return path == AccessPath::prefix || path == AccessPath::ending;
+}
+
 // Whether the index of values keeps [value] as a number.
 bool isNumeric(const Value& value);
 

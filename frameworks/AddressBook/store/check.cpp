@@ -237,6 +237,7 @@ class Checker {
     void checkRecords() {
         recordsAreSound_ = false;
         const Backlog backlog = readBacklog(impl_);
+        endings_ = endingProperties(db_);
         recordsAreSound_ = true;
         const auto records = static_cast<std::size_t>(store_.count(Kind::person) + store_.count(Kind::group));
         auto statement =
@@ -286,6 +287,9 @@ class Checker {
     void expect(const PropertyRef& ref, std::string_view value) {
         entries_.clear();
         entries_.add(ref.record, ref.property, value);
+        if (endings_.contains(ref.property)) {
+            entries_.addEndings(ref.record, ref.property, value);
+        }
         if (!indexes_) {
             return;
         }
@@ -408,6 +412,7 @@ class Checker {
     bool recordsAreKnown_ = false; // all their rows
     bool recordsAreSound_ = true;  // and what is in them
     IndexEntries entries_;         // of one value
+    EndingProperties endings_;
     Sum terms_, trigrams_;
     std::vector<std::string> found_;
 };

@@ -14,10 +14,11 @@ namespace addressbook {
 // How a condition is looked up, cheapest first. A negative comparison is looked up as its positive form, and
 // the hits are subtracted from all records of the kind.
 enum class AccessPath {
-    nothing,  // nothing can match
-    uid,      // one unique id in its index, and the few unique ids that are no UUIDs one by one
-    exact,    // one value in the index of values (the table term)
-    prefix,   // all values that begin alike, in the index of values
+    nothing, // nothing can match
+    uid,     // one unique id in its index, and the few unique ids that are no UUIDs one by one
+    exact,   // one value in the index of values (the table term)
+    prefix,  // all values that begin alike, in the index of values
+    ending, // all values that end alike, in the index of values: only of properties of which that was asked for
     trigram,  // the text's trigrams as one phrase, in the index of texts (the table trigram)
     range,    // the numbers or dates on one side of a limit, in the index of values
     interval, // the dates of a range of days, in the index of values; for yearless comparisons in each year

@@ -68,7 +68,7 @@ struct Change {
 
 class DateFloater {
   public:
-    explicit DateFloater(sql::Connection& connection) : connection_(connection), index_(connection) {
+    explicit DateFloater(sql::Connection& connection) : connection_(connection), index_(connection, {}) {
         auto statement =
             connection.prepare("SELECT replaced FROM change WHERE replaced IS NOT NULL ORDER BY id");
         while (statement.step()) {

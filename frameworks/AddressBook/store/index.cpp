@@ -165,8 +165,26 @@ void tidyTexts(sql::Connection& connection) {
     }
 }
 
+EndingProperties endingProperties(sql::Connection& connection) {
+    EndingProperties properties;
+    auto statement = connection.prepare("SELECT id FROM property WHERE endings IS NOT NULL");
+    while (statement.step()) {
+        properties.insert(statement.integer(0));
+    }
+    return properties;
+}
+
+bool hasEndings(sql::Connection& connection, std::int64_t property) {
+    auto statement = connection.prepare("SELECT 1 FROM property WHERE id = ? AND endings IS NOT NULL");
+    statement.bindInteger(property);
+    return statement.step();
+}
+
 void IndexWriter::add(std::int64_t record, std::int64_t property, std::string_view value) {
     added_.add(record, property, value);
+    if (endings_.contains(property)) {
+        added_.addEndings(record, property, value);
+    }
     if (isFull(added_)) {
         flush();
     }
@@ -177,6 +195,9 @@ void IndexWriter::remove(std::int64_t record, std::int64_t property, std::string
         flush(); // it may have been added just now
     }
     removed_.add(record, property, value);
+    if (endings_.contains(property)) {
+        removed_.addEndings(record, property, value);
+    }
     if (isFull(removed_)) {
         flush();
     }
@@ -188,6 +209,31 @@ void IndexWriter::flush() {
     flushTexts();
     removed_.clear();
     added_.clear();
+}
+
+bool IndexWriter::beginEndings(std::int64_t property) {
+    if (!endings_.insert(property).second) {
+        return false;
+    }
+    connection_.prepare("UPDATE property SET endings = 1 WHERE id = ?").bindInteger(property).exec();
+    return true;
+}
+
+void IndexWriter::addEndings(std::int64_t record, std::int64_t property, std::string_view value) {
+    added_.addEndings(record, property, value);
+    if (isFull(added_)) {
+        flush();
+    }
+}
+
+bool IndexWriter::endEndings(std::int64_t property) {
+    if (endings_.erase(property) == 0) {
+        return false;
+    }
+    flush();
+    connection_.prepare("UPDATE property SET endings = NULL WHERE id = ?").bindInteger(property).exec();
+    connection_.prepare("DELETE FROM term WHERE property = ?").bindInteger(endingsOf(property)).exec();
+    return true;
 }
 
 void IndexWriter::flushTexts() {

@@ -8,6 +8,7 @@
 #include "frameworks/AddressBook/store/terms.h"
 
 #include <cstdint>
+#include <set>
 #include <string_view>
 
 namespace addressbook {
@@ -20,11 +21,19 @@ void bindWord(sql::Statement& statement, std::string_view word);
 // it.
 void tidyTexts(sql::Connection& connection);
 
+// The ids of the properties whose texts the index of values also has by their endings (endingsOf), as their user asked
+// for it: property.endings. Nobody keeps them beyond a transaction, as another process may change them.
+using EndingProperties = std::set<std::int64_t>;
+EndingProperties endingProperties(sql::Connection& connection);
+bool hasEndings(sql::Connection& connection, std::int64_t property);
+
 // Writes both indexes inside the caller's transaction. Gathers additions and removals and writes them sorted,
 // which is many times faster than one by one; call flush() before the transaction ends. Throws StoreError.
 class IndexWriter {
   public:
-    explicit IndexWriter(sql::Connection& connection) : connection_(connection) {}
+    // [endings] are the endingProperties() of the open transaction.
+    IndexWriter(sql::Connection& connection, EndingProperties endings)
+        : connection_(connection), endings_(std::move(endings)) {}
 
     // Adds the entries of a property's encoded [value] (encodeValue). Throws DamagedRecord as well.
     void add(std::int64_t record, std::int64_t property, std::string_view value);
@@ -33,10 +42,18 @@ class IndexWriter {
     // Writes what was gathered.
     void flush();
 
+    // Begins to keep the endings of a property's texts; returns false when they were kept already. The caller then
+    // calls addEndings() for each record's value that the indexes have.
+    bool beginEndings(std::int64_t property);
+    void addEndings(std::int64_t record, std::int64_t property, std::string_view value);
+    // Keeps them no more, and removes them. Returns false when they were not kept.
+    bool endEndings(std::int64_t property);
+
   private:
     void flushTexts();
 
     sql::Connection& connection_;
+    EndingProperties endings_;
     IndexEntries added_, removed_;
 };
 

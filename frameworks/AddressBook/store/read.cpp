@@ -306,6 +306,16 @@ std::vector<PropertyDefinition> Store::definitions() const {
     return definitions;
 }
 
+std::vector<NamedProperty> Store::endings() const {
+    auto statement =
+        impl_->db.prepare("SELECT kind, name FROM property WHERE endings IS NOT NULL ORDER BY kind, name");
+    std::vector<NamedProperty> properties;
+    while (statement.step()) {
+        properties.push_back({impl_->kindIn(statement, 0), std::string(statement.text(1))});
+    }
+    return properties;
+}
+
 std::int64_t Store::lastChange() const {
     impl_->reopenIfChanged();
     // What every search asks first: nearly always there was no save since.

@@ -41,7 +41,7 @@ bool isKept(std::string_view property) {
 class Saver {
   public:
     Saver(Store::Impl& impl, const ChangeSet& changes)
-        : impl_(impl), db_(impl.db), changes_(changes), index_(db_) {}
+        : impl_(impl), db_(impl.db), changes_(changes), index_(db_, endingProperties(db_)) {}
 
     SaveResult run() {
         if (!small_) {
@@ -52,6 +52,12 @@ class Saver {
         }
         for (const PropertyDefinition& definition : changes_.definitions) {
             define(definition);
+        }
+        for (const NamedProperty& property : changes_.removedEndings) {
+            endEndings(property);
+        }
+        for (const NamedProperty& property : changes_.endings) {
+            beginEndings(property);
         }
         for (const std::string& uid : changes_.removed) {
             removeRecord(uid);
@@ -74,7 +80,7 @@ class Saver {
             flushReplaced();
         }
         const bool wroteSync = saveSyncChanges(impl_, changes_.sync, result_);
-        if (wroteSync || wrote_ || !changed_.empty() || !result_.deleted.empty()) {
+        if (wroteSync || wroteSilently_ || wrote_ || !changed_.empty() || !result_.deleted.empty()) {
             log();
         }
         return std::move(result_);
@@ -84,6 +90,10 @@ class Saver {
     // Definitions.
     void define(const PropertyDefinition& definition);
     void undefine(const PropertyDefinition& definition);
+
+    // The index of endings.
+    void beginEndings(const NamedProperty& property);
+    void endEndings(const NamedProperty& property);
 
     // Records.
     void removeRecord(const std::string& uid);
@@ -121,9 +131,11 @@ class Saver {
     SaveResult result_;
     std::unordered_set<RowId> changed_; // inserted or updated
     bool wrote_ = false;                // something was written that belongs to no record
+    bool wroteSilently_ = false;        // something was written that tells nobody
     std::unordered_set<std::string> missing_;
     const std::unordered_set<std::string_view> removed_{changes_.removed.begin(), changes_.removed.end()};
-    const bool small_ = removed_.empty() && changes_.removedDefinitions.empty() &&
+    const bool small_ = removed_.empty() && changes_.removedDefinitions.empty() && changes_.endings.empty() &&
+                        changes_.removedEndings.empty() &&
                         changes_.records.size() + changes_.memberships.size() <= kSmallSave;
 };
 
@@ -159,6 +171,36 @@ void Saver::undefine(const PropertyDefinition& definition) {
         if (const auto row = impl_.record(id)) {
             updateRecord(*row, {{definition.name, Value()}});
         }
+    }
+    index_.endEndings(*property);
+}
+
+// Adds the endings of all texts that the records have of the property. The indexes have the same of them: the backlog
+// is empty, as this is no small save, and what this one changes in records comes later.
+void Saver::beginEndings(const NamedProperty& property) {
+    if (isInternal(property.name) || property.name == property::kUid) {
+        refuse("the property \"" + property.name + "\" has no endings that are looked up");
+    }
+    const std::int64_t id = impl_.ensureProperty(property.kind, property.name);
+    if (!index_.beginEndings(id)) {
+        return;
+    }
+    wroteSilently_ = true;
+    auto statement =
+        db_.prepare("SELECT id, kind, uid, creation, modification, card FROM record WHERE kind = ?");
+    statement.bindInteger(static_cast<int>(property.kind));
+    while (statement.step()) {
+        const RecordRow row = impl_.rowFrom(statement);
+        if (const std::string_view value = impl_.encodedIn(row, property.name); !value.empty()) {
+            index_.addEndings(row.id, id, value);
+        }
+    }
+    index_.flush();
+}
+
+void Saver::endEndings(const NamedProperty& property) {
+    if (const auto id = impl_.propertyId(property.kind, property.name)) {
+        wroteSilently_ |= index_.endEndings(*id);
     }
 }
 
@@ -416,7 +458,7 @@ void Saver::missing(const std::string& uid) {
 void Saver::log() {
     const std::size_t count = result_.inserted.size() + result_.updated.size() + result_.deleted.size();
     const bool all = count > kMostLogged;
-    const bool silent = count == 0 && !wrote_; // only SyncChanges were written
+    const bool silent = count == 0 && !wrote_; // only what tells nobody was written
     const auto encoded = [&](const std::vector<std::string>& uids) {
         return encodeUids(all ? std::vector<std::string>() : uids);
     };

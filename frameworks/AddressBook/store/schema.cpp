@@ -161,8 +161,12 @@ ALTER TABLE change ADD COLUMN silent;
 ALTER TABLE picture ADD COLUMN checksum;
 )";
 
+// property.endings: 1 where the table term also has the property's texts backwards, under its negative number (terms.h).
+// It is a column, as the definitions of all tables have to fit into the first page (see Rescue).
+constexpr const char* kVersion8 = "ALTER TABLE property ADD COLUMN endings";
+
 // Numbers that the SQL here and in other sources repeats.
-static_assert(kMostProperties == 65536 && kTermBytes == 64);
+static_assert(kMostProperties == 65536 && kTermBytes == 64 && endingsOf(1) == -1);
 static_assert(static_cast<int>(Kind::person) == 0 && static_cast<int>(Kind::group) == 1);
 
 } // namespace
@@ -182,6 +186,7 @@ std::span<const Migration> migrations() {
         [](sql::Connection& connection) { connection.execute(kVersion5); },
         floatDates, // days are no longer moments
         [](sql::Connection& connection) { connection.execute(kVersion7); },
+        [](sql::Connection& connection) { connection.execute(kVersion8); },
     };
     static_assert(std::size(steps) == kSchemaVersion);
     return steps;

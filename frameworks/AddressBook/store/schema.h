@@ -14,7 +14,7 @@ inline constexpr std::int64_t kApplicationId = 0x41424B31; // "ABK1"
 
 // The schema version that this program writes (PRAGMA user_version). docs/storage.md says what each version
 // added.
-inline constexpr std::size_t kSchemaVersion = 7;
+inline constexpr std::size_t kSchemaVersion = 8;
 
 // One step: upgrades a database from a version to the next one; the first step makes the tables of version 1
 // in an empty database.

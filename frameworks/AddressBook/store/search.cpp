@@ -95,7 +95,7 @@ class ConditionSearch {
     // are not counted.
     bool countsRows() const {
         const AccessPath mine = path();
-        const bool looksUpValues = mine == AccessPath::exact || mine == AccessPath::prefix ||
+        const bool looksUpValues = mine == AccessPath::exact || isOfBeginnings(mine) ||
                                    mine == AccessPath::range || mine == AccessPath::interval;
         return looksUpValues && !condition_.label && !condition_.key;
     }

@@ -66,7 +66,7 @@ void Store::Impl::rebuildIndexes() {
     db.prepare("UPDATE change SET replaced = NULL WHERE replaced IS NOT NULL").exec();
     db.prepare("DELETE FROM term").exec();
     db.prepare("INSERT INTO trigram(trigram) VALUES ('delete-all')").exec();
-    IndexWriter index(db);
+    IndexWriter index(db, endingProperties(db));
     {
         auto statement =
             db.prepare("SELECT id, kind, uid, creation, modification, card FROM record ORDER BY id");
@@ -166,8 +166,8 @@ bool Store::moved() const {
 }
 
 bool ChangeSet::empty() const {
-    return definitions.empty() && removedDefinitions.empty() && records.empty() && removed.empty() &&
-           memberships.empty() && !me && sync.empty();
+    return definitions.empty() && removedDefinitions.empty() && endings.empty() && removedEndings.empty() &&
+           records.empty() && removed.empty() && memberships.empty() && !me && sync.empty();
 }
 
 } // namespace addressbook

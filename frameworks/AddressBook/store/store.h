@@ -25,6 +25,13 @@
 
 namespace addressbook {
 
+// A property of people or of groups, by its name.
+struct NamedProperty {
+    Kind kind = Kind::person;
+    std::string name;
+    bool operator==(const NamedProperty&) const = default;
+};
+
 // A record's row in the database; ascending in the order in which records were added, and never used again.
 using RowId = std::int64_t;
 
@@ -75,8 +82,11 @@ struct ChangeSet {
     Date time;                                   // becomes the Modification date of every changed record
     std::vector<PropertyDefinition> definitions; // custom properties added
     std::vector<PropertyDefinition> removedDefinitions; // removed, with all their values
-    std::vector<RecordChange> records;                  // insertions in the order in which they were added
-    std::vector<std::string> removed;                   // uids
+    // Properties whose texts are looked up by their endings from now on, and those that are no more: the index makes
+    // such searches as quick as those for beginnings, and each save of such a text a little slower. It tells nobody.
+    std::vector<NamedProperty> endings, removedEndings;
+    std::vector<RecordChange> records; // insertions in the order in which they were added
+    std::vector<std::string> removed;  // uids
     std::vector<MembershipChange> memberships;
     std::optional<std::string> me; // uid of the user's own card; "" clears it, nothing leaves it
     SyncChanges sync;              // tells nobody: the records have not changed by it
@@ -187,6 +197,9 @@ class Store {
 
     // Returns the custom properties, in the order in which they were added.
     std::vector<PropertyDefinition> definitions() const;
+
+    // Returns the properties whose texts are looked up by their endings; see ChangeSet::endings.
+    std::vector<NamedProperty> endings() const;
 
     // Returns the records that meet the query, in the order in which they were added. [now] is what "today"
     // means.

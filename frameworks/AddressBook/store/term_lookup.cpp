@@ -55,7 +55,7 @@ TermLookup::TermLookup(sql::Connection& connection, const Matcher& matcher, cons
                      !matcher.facts().ignoresCase),
       covered_(isWhole(matcher.wantedText()) && lookup.folded.size() <= kTermBytes &&
                (lookup.path == AccessPath::exact ||
-                (lookup.path == AccessPath::prefix && matcher.facts().ignoresCase))) {}
+                (isOfBeginnings(lookup.path) && matcher.facts().ignoresCase))) {}
 
 std::string TermLookup::sql() const {
     std::string sql = covered_ ? "SELECT record, type FROM term WHERE property = ?"
@@ -65,6 +65,7 @@ std::string TermLookup::sql() const {
         sql += comparesExact_ ? " AND folded = ? AND exact = ?" : " AND folded = ?";
         break;
     case AccessPath::prefix:
+    case AccessPath::ending:
     case AccessPath::interval:
         sql += " AND folded >= ? AND folded < ?";
         break;
@@ -89,7 +90,8 @@ std::string TermLookup::sql() const {
 
 // Binds the parameters of sql(), in its order. The statement must not outlive this object and [span].
 void TermLookup::bind(sql::Statement& statement, const Span& span) const {
-    statement.bindInteger(lookup_.property);
+    const bool ofEndings = lookup_.path == AccessPath::ending;
+    statement.bindInteger(ofEndings ? endingsOf(lookup_.property) : lookup_.property);
     bindValue(statement, span.low);
     if (comparesExact_) {
         statement.bindText(beginning(*matcher_.wantedText(), kTermBytes));
@@ -104,8 +106,14 @@ void TermLookup::bind(sql::Statement& statement, const Span& span) const {
 
 TermLookup::Verdict TermLookup::judgeCovered(TermType type) const {
     const bool wholeOrBeginning =
-        type == TermType::text || (type == TermType::cutText && lookup_.path == AccessPath::prefix);
+        type == TermType::text || (type == TermType::cutText && isOfBeginnings(lookup_.path));
     return wholeOrBeginning ? Verdict::hit : Verdict::candidate;
+}
+
+// Whether a text, in the two forms that its row holds, meets the condition.
+bool TermLookup::meetsText(std::string_view exact, std::string_view folded) const {
+    return lookup_.path == AccessPath::ending ? matcher_.meetsText(reversed(exact), reversed(folded))
+                                              : matcher_.meetsText(exact, folded);
 }
 
 TermLookup::Verdict TermLookup::judge(const sql::Statement& row, TermType type) const {
@@ -120,7 +128,7 @@ TermLookup::Verdict TermLookup::judge(const sql::Statement& row, TermType type) 
     const Verdict otherwise =
         condition_.value.as<Dictionary>() != nullptr ? Verdict::candidate : Verdict::miss;
     if (type == TermType::text) {
-        const bool meets = matcher_.wantedText() && matcher_.meetsText(row.text(kExact), row.text(kFolded));
+        const bool meets = matcher_.wantedText() && meetsText(row.text(kExact), row.text(kFolded));
         return meets ? Verdict::hit : otherwise;
     }
     if (const Value number = numberIn(row, type); !number.empty()) {

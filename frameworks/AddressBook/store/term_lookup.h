@@ -9,6 +9,7 @@
 #include <cstdint>
 #include <optional>
 #include <string>
+#include <string_view>
 #include <vector>
 
 namespace addressbook {
@@ -35,6 +36,7 @@ class TermLookup {
     std::string sql() const;
     void bind(sql::Statement& statement, const Span& span) const;
     Verdict judgeCovered(TermType type) const;
+    bool meetsText(std::string_view exact, std::string_view folded) const;
     Verdict judge(const sql::Statement& row, TermType type) const;
 
     sql::Connection& connection_;

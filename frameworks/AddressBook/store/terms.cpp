@@ -27,6 +27,11 @@ void takeNumber(const Value& value, Term& term) {
     }
 }
 
+// Returns the type of the term of a text, from both forms of it.
+TermType textType(std::string_view normalized, std::string_view folded) {
+    return normalized.size() > kTermBytes || folded.size() > kTermBytes ? TermType::cutText : TermType::text;
+}
+
 // Appends [folded] in the form that the index of texts keeps; returns whether nothing was replaced.
 bool appendIndexed(std::string& out, std::string_view folded) {
     const auto isKept = [](char c) {
@@ -88,25 +93,48 @@ void IndexEntries::add(std::int64_t record, std::int64_t property, std::string_v
     leaves_.clear();
     leavesIn(value, leaves_);
     text_.clear();
-    const auto first = static_cast<std::ptrdiff_t>(terms_.size());
+    const std::size_t first = terms_.size();
     for (const EncodedLeaf& leaf : leaves_) {
-        Term& term = terms_.emplace_back();
-        term.property = property;
-        term.record = record;
-        term.label = word(leaf.label);
-        term.key = word(leaf.key);
+        Term& term = addTerm(record, property, leaf);
         if (const auto text = textIn(leaf.value)) {
             takeText(*text, term);
         } else {
             takeNumber(decodeValue(leaf.value), term);
         }
     }
-    if (leaves_.size() > 1) {
-        std::sort(terms_.begin() + first, terms_.end());
-        terms_.erase(std::unique(terms_.begin() + first, terms_.end()), terms_.end());
-    }
+    sortTermsFrom(first);
     if (!text_.empty()) {
         texts_.push_back({trigramRow(record, property), keep(text_)});
+    }
+}
+
+void IndexEntries::addEndings(std::int64_t record, std::int64_t property, std::string_view value) {
+    leaves_.clear();
+    leavesIn(value, leaves_);
+    const std::size_t first = terms_.size();
+    for (const EncodedLeaf& leaf : leaves_) {
+        if (const auto text = textIn(leaf.value)) {
+            takeEnding(*text, addTerm(record, endingsOf(property), leaf));
+        }
+    }
+    sortTermsFrom(first);
+}
+
+Term& IndexEntries::addTerm(std::int64_t record, std::int64_t property, const EncodedLeaf& leaf) {
+    Term& term = terms_.emplace_back();
+    term.property = property;
+    term.record = record;
+    term.label = word(leaf.label);
+    term.key = word(leaf.key);
+    return term;
+}
+
+// Sorts the terms from number [first] on and leaves each there once.
+void IndexEntries::sortTermsFrom(std::size_t first) {
+    if (terms_.size() - first > 1) {
+        const auto begin = terms_.begin() + static_cast<std::ptrdiff_t>(first);
+        std::sort(begin, terms_.end());
+        terms_.erase(std::unique(begin, terms_.end()), terms_.end());
     }
 }
 
@@ -116,13 +144,21 @@ void IndexEntries::takeText(std::string_view text, Term& term) {
     term.folded = keep(beginning(folded, kTermBytes));
     term.exact = normalized == folded ? std::get<std::string_view>(term.folded)
                                       : keep(beginning(normalized, kTermBytes));
-    term.type =
-        normalized.size() > kTermBytes || folded.size() > kTermBytes ? TermType::cutText : TermType::text;
+    term.type = textType(normalized, folded);
     if (text_.empty()) {
         text_.push_back(kTextBorder);
     }
     appendIndexed(text_, folded);
     text_.push_back(kTextBorder);
+}
+
+void IndexEntries::takeEnding(std::string_view text, Term& term) {
+    const std::string normalized = normalize(text);
+    const std::string folded = foldNormalized(normalized);
+    term.folded = keep(reversed(ending(folded, kTermBytes)));
+    term.exact = normalized == folded ? std::get<std::string_view>(term.folded)
+                                      : keep(reversed(ending(normalized, kTermBytes)));
+    term.type = textType(normalized, folded);
 }
 
 TermWord IndexEntries::word(const std::optional<std::string_view>& text) {

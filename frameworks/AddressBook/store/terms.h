@@ -42,9 +42,15 @@ TermType termType(const Value& value);
 // A label or key as a term keeps it: 0 for none, the number of a well-known word, else the text.
 using TermWord = std::variant<std::int64_t, std::string_view>;
 
+// Returns the number under which the table `term` has the endings of a property's texts: terms whose texts are
+// backwards (reversed) and keep the last kTermBytes bytes, so that an ending is looked up as a beginning.
+constexpr std::int64_t endingsOf(std::int64_t property) {
+    return -property;
+}
+
 // One row of the table `term`. Its texts belong to the IndexEntries that made it.
 struct Term {
-    std::int64_t property = 0;
+    std::int64_t property = 0; // its id, or endingsOf() it
     //                  folded                                    exact
     // Text             folded text, at most kTermBytes of it     normalized text, likewise
     // Number, date     the number, of a date its seconds         empty
@@ -87,6 +93,8 @@ class IndexEntries {
     // Adds the entries of a property's encoded [value] (encodeValue); its terms in order, each once. A
     // property without texts has no entry in the index of texts. Throws DamagedRecord.
     void add(std::int64_t record, std::int64_t property, std::string_view value);
+    // Adds the endings of the texts in the value, likewise.
+    void addEndings(std::int64_t record, std::int64_t property, std::string_view value);
 
     const std::vector<Term>& terms() const { return terms_; }
     const std::vector<IndexedText>& texts() const { return texts_; }
@@ -98,7 +106,10 @@ class IndexEntries {
   private:
     std::string_view keep(std::string_view text);
     TermWord word(const std::optional<std::string_view>& text);
+    Term& addTerm(std::int64_t record, std::int64_t property, const EncodedLeaf& leaf);
+    void sortTermsFrom(std::size_t first);
     void takeText(std::string_view text, Term& term);
+    void takeEnding(std::string_view text, Term& term);
 
     std::pmr::monotonic_buffer_resource arena_;
     std::size_t bytes_ = 0;

@@ -285,4 +285,18 @@ std::string_view ending(std::string_view text, std::size_t bytes) {
     return text;
 }
 
+std::string reversed(std::string_view text) {
+    std::string out;
+    out.reserve(text.size());
+    for (std::size_t end = text.size(); end > 0;) {
+        std::size_t begin = end - 1;
+        while (begin > 0 && isContinuation(text[begin])) {
+            --begin;
+        }
+        out.append(text, begin, end - begin);
+        end = begin;
+    }
+    return out;
+}
+
 } // namespace addressbook

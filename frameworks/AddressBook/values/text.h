@@ -52,4 +52,7 @@ std::size_t countCharacters(std::string_view text);
 std::string_view beginning(std::string_view text, std::size_t bytes);
 std::string_view ending(std::string_view text, std::size_t bytes);
 
+// Returns the characters (code points) of a well-formed text in reverse order.
+std::string reversed(std::string_view text);
+
 } // namespace addressbook

@@ -45,6 +45,7 @@ class Rescue {
         open();
         sql::Transaction transaction(made_.db, sql::Transaction::Mode::write);
         readProperties();
+        readEndings();
         readRecords();
         readMemberships();
         readMe();
@@ -78,6 +79,7 @@ class Rescue {
     std::string uidFor(RowId id, const sql::Statement& statement);
     std::map<std::string, std::string> readable(std::string_view blob, Kind kind) const;
     void readPicture(RowId id, const std::string& name);
+    void readEndings();
     void readMemberships();
     void readMe();
     void readSync();
@@ -227,6 +229,22 @@ void Rescue::readProperties() {
                   });
     if (!whole) {
         lost_.emplace_back("Not all names and types of custom properties can be read.");
+    }
+}
+
+// Which properties have an index of endings, which is made anew with the others. A book before version 8 has none.
+void Rescue::readEndings() {
+    const bool whole = !knows("property", "endings") ||
+                       scan("SELECT kind, name FROM property WHERE endings IS NOT NULL",
+                            [this](const sql::Statement& statement) {
+                                const auto kind = static_cast<Kind>(statement.integer(0) & 1);
+                                const std::string name(statement.text(1));
+                                made_.db.prepare("UPDATE property SET endings = 1 WHERE id = ?")
+                                    .bindInteger(made_.ensureProperty(kind, name))
+                                    .exec();
+                            });
+    if (!whole) {
+        lost_.emplace_back("Not all properties with an index of endings can be read.");
     }
 }
 
