@@ -82,4 +82,11 @@ void makeStoreBook(const std::filesystem::path& folder, std::size_t people) {
     store.save(groupsOf(people));
 }
 
+void indexEndings(const std::filesystem::path& folder, bool wanted) {
+    Store store(folder);
+    ChangeSet set;
+    (wanted ? set.endings : set.removedEndings) = {{Kind::person, std::string(property::kLast)}};
+    store.save(set);
+}
+
 } // namespace bench

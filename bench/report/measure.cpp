@@ -211,6 +211,16 @@ constexpr NamedRead kReads[] = {
     {FrameworkBook::Read::phone, "phone", "KORU_GetValueForUID ( \"phone\" ; $held )"},
     {FrameworkBook::Read::phoneLabel, "phone label", "KORU_GetLabelForUID ( \"phone\" ; $held )"}};
 
+// The search for the ending of last names, in a book that was not asked to index endings.
+constexpr std::string_view kUnindexed = "suffix, without asking";
+
+void registerUnindexed(BaselineBook& baseline, FrameworkBook& book) {
+    repeat("baseline/" + std::string(kUnindexed),
+           [&] { benchmark::DoNotOptimize(baseline.search(Search::lastSuffix)); });
+    repeat("framework/" + std::string(kUnindexed),
+           [&] { benchmark::DoNotOptimize(book.search(Search::lastSuffix)); });
+}
+
 void registerBooks(const Place& place, BaselineBook& baseline, FrameworkBook& book, Turns& turns) {
     for (const auto& [search, name] : kSearches) {
         repeat(std::string("baseline/") + name,
@@ -341,6 +351,7 @@ Figures measureWork(const Place& place, const fs::path& plugin, const std::strin
     BaselineBook baseline(place.folder);
     FrameworkBook book(place.folder);
     Calculations host(plugin);
+    indexEndings(place.folder, false);
     compareHits(baseline, book);
     if (only.empty()) {
         compareWalks(baseline, book, host);
@@ -355,9 +366,16 @@ Figures measureWork(const Place& place, const fs::path& plugin, const std::strin
     std::vector<char*> arguments{name.data(), interleaved.data(), least.data(), filter.data(), nullptr};
     int count = 4;
     benchmark::Initialize(&count, arguments.data());
+    Medians medians;
+    if (kUnindexed.find(only) != std::string_view::npos) {
+        registerUnindexed(baseline, book);
+        benchmark::RunSpecifiedBenchmarks(&medians);
+        benchmark::ClearRegisteredBenchmarks();
+    }
+    indexEndings(place.folder, true); // the baseline has the last names backwards as well
+    compareHits(baseline, book);
     registerBooks(place, baseline, book, turns);
     registerCalculations(host, book);
-    Medians medians;
     benchmark::RunSpecifiedBenchmarks(&medians);
     Figures figures = medians.figures();
     figures.merge(measureLongCalculations(host, baseline, place, only));

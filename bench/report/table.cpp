@@ -55,6 +55,8 @@ constexpr Row kRows[] = {
     {"F", "part of a note, 0.2%", "framework/part of a note", "baseline/part of a note", Kind::ratio, 3},
     {"F", "prefix ignoring case, 2.5%", "framework/prefix", "baseline/prefix", Kind::ratio, 3},
     {"F", "suffix ignoring case, 2.8%", "framework/suffix", "baseline/suffix", Kind::ratio, 3},
+    {"F", "suffix, its index not asked for", "framework/suffix, without asking",
+     "baseline/suffix, without asking", Kind::ratio, 3},
     {"F", "address city, 2%", "framework/city", "baseline/city", Kind::ratio, 3},
     {"F", "prefix of mobile phones, 0.1%", "framework/label", "baseline/label", Kind::ratio, 3},
     {"F", "compound of four", "framework/compound", "baseline/compound", Kind::ratio, 3},

@@ -51,6 +51,10 @@ struct Options {
     } me;
     std::vector<std::string> searches; // explain: the searches
     struct {
+        std::vector<std::string> properties;
+        bool ofGroups = false;
+    } endings;
+    struct {
         std::string file;
         bool force = false;
     } backup;
@@ -100,6 +104,9 @@ int runMe(const Options& options);
 int runSet(const Options& options);
 int runDelete(const Options& options);
 int runCheck(const Options& options);
+int runEndings(const Options& options);
+int runEndingsAdd(const Options& options);
+int runEndingsRemove(const Options& options);
 int runBackup(const Options& options);
 int runRestore(const Options& options);
 int runRepair(const Options& options);

@@ -73,6 +73,18 @@ Completion settings(const Typed& typed) {
     return completion;
 }
 
+// Completes the name of a property whose endings can be indexed.
+Completion properties(const Typed& typed) {
+    Completion completion;
+    const std::unique_ptr<Store> store = bookOf(typed);
+    const auto definitions = store ? store->definitions() : std::vector<PropertyDefinition>();
+    for (const Field& field :
+         settableFields(definitions, typed.options.contains("--groups") ? Kind::group : Kind::person)) {
+        completion.candidates.push_back({field.name, ""});
+    }
+    return completion;
+}
+
 Completion groupNames(const Typed& typed) {
     Completion completion;
     if (const std::unique_ptr<Store> store = bookOf(typed)) {
@@ -129,6 +141,7 @@ command_line::Completers completers() {
         {"--explain", search},
         {"--group", groupNames},
         {"PROPERTY=VALUE", settings},
+        {"PROPERTY", properties},
         {"--account", [](const Typed& typed) { return places(typed, true); }},
         {"--to", [](const Typed& typed) { return places(typed, true); }},
         {"PLACE", [](const Typed& typed) { return places(typed, true); }},

@@ -39,11 +39,15 @@ void declare(CLI::App& app, Options& options, int (*&work)(const Options&)) {
                    "The folder of the address book; without it $ADDRESSBOOK_HOME, else "
                    "$XDG_DATA_HOME/AddressBook, else ~/.local/share/AddressBook")
         ->type_name("FOLDER");
-    const auto command = [&](const char* name, const char* about, const char* examples,
-                             int (*run)(const Options&)) {
-        CLI::App* sub = app.add_subcommand(name, about);
+    const auto command = [&app, &work](const char* name, const char* about, const char* examples,
+                                       int (*run)(const Options&), CLI::App* parent = nullptr) {
+        CLI::App* sub = (parent != nullptr ? parent : &app)->add_subcommand(name, about);
         sub->footer(std::string("Examples:\n") + examples);
-        sub->callback([&work, run] { work = run; });
+        sub->callback([&work, sub, run] { // a command's own commands are parsed before it
+            if (sub->get_subcommands().empty()) {
+                work = run;
+            }
+        });
         return sub;
     };
     app.footer(
@@ -232,6 +236,27 @@ void declare(CLI::App& app, Options& options, int (*&work)(const Options&)) {
     sub->add_option("--explain", options.searches, "Tell which index serves a search, and look for no damage")
         ->type_name("SEARCH");
     addLimit("Tell only the first N problems");
+
+    sub =
+        command("endings", "List the properties whose texts are looked up quickly by their endings, too",
+                "  addressbook endings\n"
+                "  addressbook endings add lastname emails\n"
+                "  addressbook endings remove emails\n"
+                "A search for an ending, as Last endsWith \"son\", is then as quick as one for a beginning; "
+                "the book gets larger,\n"
+                "and saving such texts takes a little longer. What is found is the same with and without.",
+                runEndings);
+    sub->require_subcommand(0, 1);
+    const auto addProperties = [&options](CLI::App* one) {
+        one->add_option("PROPERTY", options.endings.properties,
+                        "Properties as in addressbook list; a wrong name is answered with all of them")
+            ->required();
+        one->add_flag("--groups", options.endings.ofGroups, "Properties of groups, as name, not of people");
+    };
+    addProperties(command("add", "Index the endings of properties",
+                          "  addressbook endings add lastname emails", runEndingsAdd, sub));
+    addProperties(command("remove", "Index them no more", "  addressbook endings remove emails",
+                          runEndingsRemove, sub));
 
     sub = command("backup", "Copy the whole address book into one file, while it may be in use",
                   "  addressbook backup contacts.backup\n"
