@@ -232,6 +232,33 @@ TEST(Version4Test, NamesThatTheStandardDoesNotAllowAreValues) {
     }
 }
 
+// Behind a note they would be read as more of it.
+TEST(LosslessTest, LinesWithOddNamesStayWhatTheyAreBehindANote) {
+    const std::string odd = "\u00C5ngstr\u00F6m:" + std::string(200, '5');
+    const Card card = readOne(cardText({"N:A", odd, "X-A:ends with \\", odd, "A B:c", "NOTE:a"}));
+    EXPECT_EQ(unknownLines(card), (std::vector<std::string>{odd, "X-A:ends with \\n" + odd, "A B:c"}));
+    for (const WrittenVersion version : {WrittenVersion::v3, WrittenVersion::v4}) {
+        const Card again = readOne(write(card, version));
+        EXPECT_TRUE(sameContents(again, card));
+        EXPECT_EQ(write(again, version), write(card, version));
+    }
+    EXPECT_TRUE(has(written(card), "A B:c"));
+}
+
+// A line may say that it is an odd one and be none, or be one of these.
+TEST(LosslessTest, OddLinesWithinOddLines) {
+    for (const std::string version : {"3.0", "4.0"}) {
+        const std::vector<std::string> lines{"X-ODD-LINE:X-ODD-LINE:A B:c", "X-ODD-LINE:END:VCARD",
+                                             "X-ODD-LINE:none", "X-ODD-LINE:X-A:plain"};
+        const Card card = readOne(cardText({"N:A", lines[0], lines[1], lines[2], lines[3]}, version));
+        EXPECT_EQ(unknownLines(card),
+                  (std::vector<std::string>{"X-ODD-LINE:A B:c", lines[1], lines[2], lines[3]}));
+        for (const WrittenVersion form : {WrittenVersion::v3, WrittenVersion::v4}) {
+            EXPECT_TRUE(sameContents(readOne(write(card, form)), card)) << version;
+        }
+    }
+}
+
 TEST(Version4Test, SecondLinesOfWhatMayStandOnceAreValues) {
     const Card card = readOne(cardText({"N:Berg;Ida;;;", "N:Tal;Ole;;;", "UID:1", "UID:2", "GENDER:F",
                                         "GENDER:M", "X-ANNIVERSARY:2001-02-03", "item1.X-ABDATE:2010-10-10",

@@ -101,6 +101,22 @@ bool isPlainName(std::string_view name) {
     return hasLengthOfName(name) && std::all_of(name.begin(), name.end(), isNameByte);
 }
 
+bool endsWithBackslash(std::string_view text) {
+    const std::size_t last = text.find_last_not_of('\\');
+    return (text.size() - (last == std::string_view::npos ? 0 : last + 1)) % 2 == 1;
+}
+
+bool takesLooseLines(const ContentLine& line) {
+    if (line.transfer == Transfer::base64) {
+        return false;
+    }
+    return line.key == "NOTE" || line.key == "LABEL" || endsWithBackslash(line.value);
+}
+
+bool isTakenBy(const ContentLine& before, const ContentLine& line) {
+    return !isPlainName(line.name) && !line.key.starts_with("X-") && takesLooseLines(before);
+}
+
 std::string_view ContentLine::param(std::string_view upperName) const {
     for (const Param& each : params) {
         if (each.name == upperName && !each.values.empty()) {

@@ -43,6 +43,15 @@ bool isPlainName(std::string_view name);
 // when it is empty, what they have beyond ASCII stays raw.
 std::optional<ContentLine> parseContentLine(const PropertyLine& line, const std::string& charset = {});
 
+// Whether the text ends with a backslash that is not itself escaped.
+bool endsWithBackslash(std::string_view text);
+
+// Whether a line's property is one whose text programs break into lines without folding them.
+bool takesLooseLines(const ContentLine& line);
+
+// Whether readers take a [line] behind [before] for more of its text, which may have a colon in it.
+bool isTakenBy(const ContentLine& before, const ContentLine& line);
+
 // Returns parameters in the form of version 3.0, each preceded by ';'.
 std::string renderParams(const std::vector<Param>& params);
 

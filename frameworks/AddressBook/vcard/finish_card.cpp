@@ -117,6 +117,8 @@ void CardReader::keepUnknown(std::vector<std::string> lines) {
         if (!used) {
             if (version_ == Version::v4) {
                 fromVersion4(*line);
+            } else if (isOddLine(*line)) {
+                fromOddLine(*line);
             }
             line->group = groupNames_.renamed(line->group);
             lines.push_back(render(*line));

@@ -201,16 +201,34 @@ void LineWriter::addStored(const std::string& stored) {
     line->group = groups_.renamed(line->group);
     if (version_ == WrittenVersion::v4) {
         toVersion4(*line, onlyLines_);
+    } else if (isOddLine(*line) || isTakenByLast(*line)) {
+        toOddLine(*line);
     }
     append(render(*line));
 }
 
 void LineWriter::append(std::string_view line, const std::string& group) {
     std::string text = group.empty() ? std::string() : group + '.';
+    last_ = out_.size();
     appendFolded(out_, text.append(line));
 }
 
+bool LineWriter::isTakenByLast(const ContentLine& line) const {
+    if (isPlainName(line.name)) {
+        return false; // as nearly all are
+    }
+    std::string last;
+    for (std::size_t at = last_; at < out_.size();) { // without the line ends, and the blanks behind them
+        const std::size_t end = out_.find("\r\n", at);
+        last.append(out_, at, end - at);
+        at = end + 3;
+    }
+    const auto before = parseStored(std::move(last));
+    return before && isTakenBy(*before, line);
+}
+
 std::string LineWriter::take() {
+    last_ = 0;
     std::erase(out_, '\0'); // readers do not accept it in text
     return std::exchange(out_, {});
 }

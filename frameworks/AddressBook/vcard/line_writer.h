@@ -65,9 +65,11 @@ class LineWriter {
 
   private:
     void prepare(CardLine& line);
+    bool isTakenByLast(const ContentLine& line) const;
 
     WrittenVersion version_;
     std::string out_;
+    std::size_t last_ = 0; // where in out_ the last line begins
     GroupNames groups_;
     std::map<std::string, const CardLine*> firstInGroup_;
     std::map<std::string_view, bool> preferred_; // property -> a preferred entry is written

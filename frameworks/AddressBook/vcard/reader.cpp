@@ -20,20 +20,6 @@ bool isBinary(std::string_view text) {
     return text.find('\0') != std::string_view::npos;
 }
 
-// Whether the text ends with a backslash that is not itself escaped.
-bool endsWithBackslash(std::string_view text) {
-    const std::size_t last = text.find_last_not_of('\\');
-    return (text.size() - (last == std::string_view::npos ? 0 : last + 1)) % 2 == 1;
-}
-
-// Whether a line's property is one whose text programs break into lines without folding them.
-bool takesLooseLines(const ContentLine& line) {
-    if (line.transfer == Transfer::base64) {
-        return false;
-    }
-    return line.key == "NOTE" || line.key == "LABEL" || endsWithBackslash(line.value);
-}
-
 } // namespace
 
 struct Reader::Impl {
@@ -224,11 +210,11 @@ void Reader::Impl::take(PropertyLine& line) {
 }
 
 void Reader::Impl::takeParsed(PropertyLine& line) {
-    const bool loose = !content.empty() && takesLooseLines(content.back());
+    const ContentLine* before = content.empty() ? nullptr : &content.back();
+    const bool loose = before != nullptr && takesLooseLines(*before);
     auto parsed = line.continued ? std::nullopt
                                  : parseContentLine(line, charset.guessed ? std::string() : charset.name);
-    // The continuation of a text that was not folded may have a colon in it.
-    if (parsed && loose && !isPlainName(parsed->name) && !parsed->key.starts_with("X-")) {
+    if (parsed && before != nullptr && isTakenBy(*before, *parsed)) {
         parsed.reset();
     }
     if (!parsed) {

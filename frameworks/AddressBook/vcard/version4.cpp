@@ -53,10 +53,13 @@ constexpr std::string_view kOddLine = "X-ODD-LINE";
 constexpr std::array<std::string_view, 8> kOnlyOnce{"ANNIVERSARY", "BDAY",   "GENDER", "KIND",
                                                     "N",           "PRODID", "REV",    "UID"};
 
+bool mayStandOnce(std::string_view name) {
+    return std::find(kOnlyOnce.begin(), kOnlyOnce.end(), name) != kOnlyOnce.end();
+}
+
 // Whether a line with this name may be written; notes that it is.
 bool takePlace(std::string_view name, OnlyLines& written) {
-    return std::find(kOnlyOnce.begin(), kOnlyOnce.end(), name) == kOnlyOnce.end() ||
-           written.emplace(name).second;
+    return !mayStandOnce(name) || written.emplace(name).second;
 }
 
 // Returns "1980-03-22" or "1980-03-22T10:00:00Z" in the form of 4.0: without hyphens and colons, and without
@@ -153,13 +156,33 @@ void toVersion4(CardLine& line, OnlyLines& written) {
     takePlace(line.name, written);
 }
 
+bool isOddLine(const ContentLine& line) {
+    return line.key == kOddLine;
+}
+
+void toOddLine(ContentLine& line) {
+    ContentLine odd;
+    odd.group = line.group; // stays in the value as well, or a name with a dot would be taken apart
+    odd.name = kOddLine;
+    odd.value = escape(render(line));
+    line = std::move(odd);
+}
+
+void fromOddLine(ContentLine& line) {
+    PropertyLine inside;
+    inside.text = line.text();
+    inside.number = line.number;
+    inside.utf8 = true;
+    auto odd = parseContentLine(inside);
+    if (odd && (!isPlainName(odd->name) || isOddLine(*odd) || mayStandOnce(odd->key))) {
+        odd->group = std::move(line.group);
+        line = *std::move(odd);
+    }
+}
+
 void toVersion4(ContentLine& line, OnlyLines& written) {
-    if (!isPlainName(line.name) || !takePlace(line.key, written)) {
-        ContentLine odd;
-        odd.group = line.group; // stays in the value as well, or a name with a dot would be taken apart
-        odd.name = kOddLine;
-        odd.value = escape(render(line));
-        line = std::move(odd);
+    if (!isPlainName(line.name) || isOddLine(line) || !takePlace(line.key, written)) {
+        toOddLine(line);
         return;
     }
     for (const Renamed& each : kRenamed) {
@@ -190,15 +213,8 @@ void toVersion4(ContentLine& line, OnlyLines& written) {
 }
 
 void fromVersion4(ContentLine& line) {
-    if (line.key == kOddLine) {
-        PropertyLine inside;
-        inside.text = line.text();
-        inside.number = line.number;
-        inside.utf8 = true;
-        if (auto odd = parseContentLine(inside)) {
-            odd->group = std::move(line.group);
-            line = *std::move(odd);
-        }
+    if (isOddLine(line)) {
+        fromOddLine(line);
         return;
     }
     for (const Renamed& each : kRenamed) {

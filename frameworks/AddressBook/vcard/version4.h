@@ -22,6 +22,12 @@ void keepRepeatedDays(const std::vector<CardLine>& lines, OnlyLines& written);
 // Converts a line of a value to version 4.0. [written] are those of the card so far.
 void toVersion4(CardLine& line, OnlyLines& written);
 
+// A line as the value of another (X-ODD-LINE), where readers would refuse it or take it for something else. Makes it one,
+// and takes it out again where it is of a kind that is put into one: END:VCARD stays inside.
+bool isOddLine(const ContentLine& line);
+void toOddLine(ContentLine& line);
+void fromOddLine(ContentLine& line);
+
 // Convert a line that no property holds to version 4.0, and back.
 void toVersion4(ContentLine& line, OnlyLines& written);
 void fromVersion4(ContentLine& line);
