@@ -15,10 +15,16 @@ extern "C" Class* GSDebugAllocationClassList();
 extern "C" int GSDebugAllocationCount(Class type);
 // NOLINTEND(readability-identifier-naming)
 
-// In the place of a framework's bundle, as the framework itself must stay loaded.
+// In the place of a framework's bundle, as the framework itself must stay loaded. KORU_Reload releases a bundle that it has
+// not retained; this one counts no references, of which Foundation has no more than 16 million for an object.
 @interface VelocardLoadedBundle : NSObject
 @end
 @implementation VelocardLoadedBundle
+- (id)retain {
+    return self;
+}
+- (oneway void)release {
+}
 - (BOOL)load {
     return YES;
 }
@@ -34,7 +40,7 @@ const std::string kPicture = "<picture>";
 
 NSBundle* loadedBundle() {
     static VelocardLoadedBundle* const bundle = [[VelocardLoadedBundle alloc] init];
-    return static_cast<NSBundle*>(static_cast<id>([bundle retain])); // KORU_Reload releases it
+    return static_cast<NSBundle*>(static_cast<id>(bundle));
 }
 
 id bundleWithIdentifier(id /*self*/, SEL /*selector*/, NSString* /*identifier*/) {
