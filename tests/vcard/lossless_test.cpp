@@ -259,6 +259,12 @@ TEST(LosslessTest, OddLinesWithinOddLines) {
     }
 }
 
+TEST(LosslessTest, AnOddLineOfVersion3IsNoBirthday) {
+    const Card card = readOne(cardText({"N:A", "X-ODD-LINE:BDAY:19800322"}));
+    EXPECT_EQ(unknownLines(card), std::vector<std::string>{"X-ODD-LINE:BDAY:19800322"});
+    EXPECT_TRUE(sameContents(readOne(write(card, WrittenVersion::v3)), card));
+}
+
 TEST(Version4Test, SecondLinesOfWhatMayStandOnceAreValues) {
     const Card card = readOne(cardText({"N:Berg;Ida;;;", "N:Tal;Ole;;;", "UID:1", "UID:2", "GENDER:F",
                                         "GENDER:M", "X-ANNIVERSARY:2001-02-03", "item1.X-ABDATE:2010-10-10",

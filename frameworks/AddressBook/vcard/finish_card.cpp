@@ -118,7 +118,7 @@ void CardReader::keepUnknown(std::vector<std::string> lines) {
             if (version_ == Version::v4) {
                 fromVersion4(*line);
             } else if (isOddLine(*line)) {
-                fromOddLine(*line);
+                fromOddLine(*line, WrittenVersion::v3);
             }
             line->group = groupNames_.renamed(line->group);
             lines.push_back(render(*line));

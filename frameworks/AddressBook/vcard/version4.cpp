@@ -168,13 +168,14 @@ void toOddLine(ContentLine& line) {
     line = std::move(odd);
 }
 
-void fromOddLine(ContentLine& line) {
+void fromOddLine(ContentLine& line, WrittenVersion version) {
     PropertyLine inside;
     inside.text = line.text();
     inside.number = line.number;
     inside.utf8 = true;
     auto odd = parseContentLine(inside);
-    if (odd && (!isPlainName(odd->name) || isOddLine(*odd) || mayStandOnce(odd->key))) {
+    if (odd && (!isPlainName(odd->name) || isOddLine(*odd) ||
+                (version == WrittenVersion::v4 && mayStandOnce(odd->key)))) {
         odd->group = std::move(line.group);
         line = *std::move(odd);
     }
@@ -214,7 +215,7 @@ void toVersion4(ContentLine& line, OnlyLines& written) {
 
 void fromVersion4(ContentLine& line) {
     if (isOddLine(line)) {
-        fromOddLine(line);
+        fromOddLine(line, WrittenVersion::v4);
         return;
     }
     for (const Renamed& each : kRenamed) {

@@ -4,6 +4,7 @@
 
 #include "frameworks/AddressBook/vcard/card_lines.h"
 #include "frameworks/AddressBook/vcard/content_line.h"
+#include "frameworks/AddressBook/vcard/vcard.h"
 
 #include <functional>
 #include <set>
@@ -23,10 +24,10 @@ void keepRepeatedDays(const std::vector<CardLine>& lines, OnlyLines& written);
 void toVersion4(CardLine& line, OnlyLines& written);
 
 // A line as the value of another (X-ODD-LINE), where readers would refuse it or take it for something else. Makes it one,
-// and takes it out again where it is of a kind that is put into one: END:VCARD stays inside.
+// and takes it out again where it is of a kind that is put into one in that version: END:VCARD stays inside, and BDAY in 3.0.
 bool isOddLine(const ContentLine& line);
 void toOddLine(ContentLine& line);
-void fromOddLine(ContentLine& line);
+void fromOddLine(ContentLine& line, WrittenVersion version);
 
 // Convert a line that no property holds to version 4.0, and back.
 void toVersion4(ContentLine& line, OnlyLines& written);
