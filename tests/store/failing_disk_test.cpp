@@ -60,6 +60,17 @@ class FailingDiskTest : public Scratch, public testing::WithParamInterface<int> 
         EXPECT_GT(good, 1);
     }
 
+    // Fails while the book that is a copy of the folder [kept] is opened, in which [contents] are found afterwards.
+    void failAtOpening(const fs::path& kept, const Contents& contents, int step = 1) {
+        fail(
+            [&] {
+                fs::remove_all(folder());
+                fs::copy(kept, folder());
+                EXPECT_EQ(contentsOf(Store(folder())), contents);
+            },
+            [&] { EXPECT_EQ(contentsOf(Store(folder())), contents); }, step);
+    }
+
     // Nothing that was begun is left in the folder: but for SQLite's own files there is one file at most.
     static void expectNothingElse(const fs::path& folder) {
         int files = 0;
@@ -124,13 +135,7 @@ TEST_P(FailingDiskTest, AtOpeningABook) {
         before = contentsOf(store);
         fs::copy(folder(), kept);
     }
-    fail(
-        [&] {
-            fs::remove_all(folder());
-            fs::copy(kept, folder());
-            EXPECT_EQ(contentsOf(Store(folder())), before);
-        },
-        [&] { EXPECT_EQ(contentsOf(Store(folder())), before); });
+    failAtOpening(kept, before);
 }
 
 TEST_P(FailingDiskTest, AtUndoingAnInterruptedSave) {
@@ -139,13 +144,7 @@ TEST_P(FailingDiskTest, AtUndoingAnInterruptedSave) {
     const Contents before = contentsOf(Store(folder()));
     interruptSave(folder());
     fs::copy(folder(), kept);
-    fail(
-        [&] {
-            fs::remove_all(folder());
-            fs::copy(kept, folder());
-            EXPECT_EQ(contentsOf(Store(folder())), before);
-        },
-        [&] { EXPECT_EQ(contentsOf(Store(folder())), before); }, 3);
+    failAtOpening(kept, before, 3);
 }
 
 // With the index of the log that another program has made.
