@@ -31,8 +31,9 @@ coverage: setup ## the tests with counters: lines and branches that they run, by
 test-long: setup ## the tests that gain by time: an hour of hosts on one book (MINUTES=60), 500 killed processes, all points of a kill
 	@VELOCARD_KILLS=500 VELOCARD_SECONDS=30 VELOCARD_MINUTES=$(or $(MINUTES),60) scripts/run-tests release -R '^store_test\.(Kill|Processes)|^long\.'
 
+# What the plug-in logs goes into a file.
 test-leaks: build ## a million calls of every function (CALLS=1000000), after which the memory in use is what it was; FUNCTIONS="25 26" some of them
-	@TMPDIR=/dev/shm VELOCARD_FUNCTIONS="$(FUNCTIONS)" VELOCARD_CALLS=$(or $(CALLS),1000000) build/release/tests/plugin_test --gtest_filter='LeakTest.*'
+	@TMPDIR=/dev/shm VELOCARD_FUNCTIONS="$(FUNCTIONS)" VELOCARD_CALLS=$(or $(CALLS),1000000) build/release/tests/plugin_test --gtest_filter='LeakTest.*' 2> build/leaks.log
 
 fuzz: setup ## look for faults by inputs that find their own way through the code, MINUTES=5 for each door; DOORS="vcard csv" some of them, JOBS=13 side by side
 	@scripts/install-packages packages-fuzz.txt

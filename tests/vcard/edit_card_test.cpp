@@ -177,6 +177,16 @@ TEST(EditCardTest, KeepsFoldingAndDataInWhatStays) {
     EXPECT_EQ(editCard(text, card), expected);
 }
 
+// Behind the note the last line would be read as more of it.
+TEST(EditCardTest, NoNoteTakesALineWhenWhatStoodBetweenGoes) {
+    const std::string text = cardText({"N:A", "FN:A", "NOTE:n", "TITLE:t", "Odd Name:x"});
+    Card card = readOne(text);
+    card.values.erase(std::string(property::kJobTitle));
+    const Card edited = readOne(editCard(text, card));
+    EXPECT_TRUE(sameContents(edited, card));
+    EXPECT_EQ(unknownLines(edited), Lines{"Odd Name:x"});
+}
+
 TEST(EditCardTest, OldVersionIsWrittenAnewWhenItDiffers) {
     const std::string text = cardText({"N:A", "TEL;CELL:1"}, "2.1");
     Card card = readOne(text);
