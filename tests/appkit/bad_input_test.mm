@@ -82,6 +82,20 @@ TEST_F(BadInputTest, CompressedTextInAPicture) {
     EXPECT_LT(mostMemory() - before, 100);
 }
 
+// A chunk may be as long as it says only where the file is.
+TEST_F(BadInputTest, AChunkThatClaimsMoreThanThereIs) {
+    const std::string whole = make("png").file;
+    const std::string text("\x7f\xff\xff\xf0tEXtKey\0Value", 17);
+    const std::size_t end = whole.size() - 12; // IEND
+    bitmapOf("BM");                            // loads the codec
+    const long before = mostMemory();
+    expectRefused(whole.substr(0, end) + text);
+    expectRefused(whole.substr(0, end) + text + whole.substr(end));
+    expectRefused(whole.substr(0, end) + text.substr(0, 7));
+    EXPECT_LT(mostMemory() - before, 16);
+    EXPECT_NE(bitmapOf(whole + text), nil);
+}
+
 TEST_F(BadInputTest, HalfAGigabyteOfJunk) {
     constexpr std::size_t kSize = 500'000'000;
     std::mt19937 chance(1);

@@ -4,6 +4,7 @@
 
 #include "frameworks/AppKit/codec/bmp.h"
 #include "frameworks/AppKit/codec/library.h"
+#include "frameworks/AppKit/codec/png.h"
 
 #include <algorithm>
 #include <cstring>
@@ -185,7 +186,7 @@ std::optional<Picture> pictureFrom(const Image& image, const Placement& placemen
 
 std::optional<Picture> decode(std::span<const unsigned char> file, Orientation orientation) {
     const std::optional<Format> format = formatOf(file);
-    if (!format) {
+    if (!format || (*format == Format::png && endsInsideChunk(file))) {
         return std::nullopt;
     }
     startLibrary();
