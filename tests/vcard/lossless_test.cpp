@@ -259,6 +259,20 @@ TEST(LosslessTest, OddLinesWithinOddLines) {
     }
 }
 
+// Only groups have members; with a person they are lines as all others.
+TEST(LosslessTest, MembersOfAPersonStayWhereTheyAre) {
+    for (const std::string name : {"MEMBER", "X-ADDRESSBOOKSERVER-MEMBER"}) {
+        const Card card = readOne(cardText({"N:A", "X-A:1", name + ":", name + ":urn:uuid:2", "X-B:3"}));
+        EXPECT_EQ(unknownLines(card),
+                  (std::vector<std::string>{"X-A:1", name + ":", name + ":urn:uuid:2", "X-B:3"}));
+        for (const WrittenVersion version : {WrittenVersion::v3, WrittenVersion::v4}) {
+            const std::string written = write(card, version);
+            EXPECT_EQ(write(readOne(written), version), written);
+        }
+        EXPECT_EQ(unknownLines(readOne(write(card, WrittenVersion::v3))), unknownLines(card));
+    }
+}
+
 TEST(LosslessTest, AnOddLineOfVersion3IsNoBirthday) {
     const Card card = readOne(cardText({"N:A", "X-ODD-LINE:BDAY:19800322"}));
     EXPECT_EQ(unknownLines(card), std::vector<std::string>{"X-ODD-LINE:BDAY:19800322"});

@@ -67,7 +67,7 @@ std::vector<Unit> unitsOf(const Card& card, WrittenVersion version) {
     }
     const std::vector<std::string> stored = storedLines(unknownLinesOf(card));
     for (std::size_t at = 0; at < stored.size(); ++at) {
-        if (stored[at].starts_with(kAddition) || isMemberLine(stored[at])) {
+        if (stored[at].starts_with(kAddition) || isMemberLine(card, stored[at])) {
             continue;
         }
         if (const auto line = parseStored(stored[at]); line && line->key != "UID") {

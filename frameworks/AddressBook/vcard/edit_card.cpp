@@ -59,10 +59,9 @@ Card ordered(Card card, const Card& before) {
     if (auto found = card.values.find(std::string(property::kUnknownLines)); found != card.values.end()) {
         std::erase_if(*found->second.as<Array>(), [&](const Value& stored) {
             const auto* line = stored.as<std::string>();
-            auto member = line ? memberIn(*line) : std::nullopt;
-            const bool is = member.has_value();
+            const bool is = line && isMemberLine(card, *line);
             if (is) {
-                card.memberUids.push_back(*std::move(member));
+                card.memberUids.push_back(*memberIn(*line));
             }
             return is;
         });

@@ -104,15 +104,15 @@ const Value& unknownLinesOf(const Card& card) {
     return found == card.values.end() ? kNone : found->second;
 }
 
-bool isMemberLine(std::string_view stored) {
-    return stored.starts_with(kMember);
+bool isMemberLine(const Card& card, std::string_view stored) {
+    return card.kind == Kind::group && stored.starts_with(kMember);
 }
 
 std::vector<CardLine> linesWithAdditions(const Card& card) {
     const std::vector<std::string> stored = storedLines(unknownLinesOf(card));
     std::vector<CardLine> lines = cardLines(card);
     for (const std::string& text : stored) {
-        if (isMemberLine(text)) { // of a member that is not in the address book
+        if (isMemberLine(card, text)) { // of a member that is not in the address book
             CardLine& line = lines.emplace_back();
             line.name = kMember.substr(0, kMember.size() - 1);
             line.value = text.substr(kMember.size());
@@ -126,8 +126,9 @@ std::vector<CardLine> linesWithAdditions(const Card& card) {
 
 std::vector<std::string> linesOfNoProperty(const Card& card) {
     std::vector<std::string> lines = storedLines(unknownLinesOf(card));
-    std::erase_if(lines,
-                  [](const std::string& text) { return text.starts_with(kAddition) || isMemberLine(text); });
+    std::erase_if(lines, [&](const std::string& text) {
+        return text.starts_with(kAddition) || isMemberLine(card, text);
+    });
     return lines;
 }
 

@@ -18,8 +18,8 @@ namespace addressbook::vcard {
 // How a stored line of a member that is not in the address book begins.
 inline constexpr std::string_view kMember = "X-ADDRESSBOOKSERVER-MEMBER:";
 
-// Whether [stored] is the line of such a member.
-bool isMemberLine(std::string_view stored);
+// Whether [stored] is the line of such a member: a group's, as a person has none.
+bool isMemberLine(const Card& card, std::string_view stored);
 
 // Returns the lines that are kept in a kUnknownLines, additions among them.
 std::vector<std::string> storedLines(const Value& value);

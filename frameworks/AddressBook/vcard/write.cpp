@@ -68,7 +68,7 @@ std::string memberLine(const std::string& member) {
 }
 
 std::optional<std::string> memberIn(std::string_view line) {
-    return isMemberLine(line) ? std::optional(unescape(line.substr(kMember.size()))) : std::nullopt;
+    return line.starts_with(kMember) ? std::optional(unescape(line.substr(kMember.size()))) : std::nullopt;
 }
 
 std::optional<std::string> keptFullName(const Card& card) {
