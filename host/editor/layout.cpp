@@ -18,6 +18,9 @@ bool needsBlank(const Piece& left, const Piece& right) {
     if (isComment(left) || isComment(right)) {
         return true;
     }
+    if (left.kind == PieceKind::label) {
+        return true; // also before a colon: two that touch would be those of a field
+    }
     const bool isTight = (left.kind == PieceKind::open && left.isTight) ||
                          ((right.kind == PieceKind::open || right.kind == PieceKind::close) && right.isTight);
     return !isTight && left.kind != PieceKind::sign && left.kind != PieceKind::colon &&

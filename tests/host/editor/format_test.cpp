@@ -82,6 +82,7 @@ TEST(FormatTest, Scripts) {
     EXPECT_EQ(script("Set Variable [ $x ; Value: $utf-8 ]"), "Set Variable [ $x ; Value: $utf - 8 ]\n");
     EXPECT_EQ(script("Show Custom Dialog [ Title:Contacts :: Name;Message: \"x\" ]\nBeep[a:b :c]"),
               "Show Custom Dialog [ Title: Contacts::Name ; Message: \"x\" ]\nBeep [ a: b:c ]\n");
+    EXPECT_EQ(script("Beep [ : :b:c ; a : : b:c ]"), "Beep [ : :b:c ; a: :b:c ]\n"); // no field "::b"
     EXPECT_EQ(script("Set Field[Contacts::Name;Contacts::Name]"),
               "Set Field [ Contacts::Name ; Contacts::Name ]\n");
     EXPECT_EQ(script("Perform Script[“ other ”;Parameter:1]\nEnd If"),
