@@ -1,7 +1,7 @@
 # The two commands: `make demo` shows the main job on real input, `make test` runs the tests. CI adds lint.
 # Both install what is missing from packages.txt by themselves (Debian 12; root, or sudo).
 
-.PHONY: help demo bench bench-servers test test-asan test-tsan test-long test-leaks test-packages test-interop test-servers coverage fuzz lint analyze format build mac package release picture setup clean
+.PHONY: help demo bench bench-servers test test-asan test-tsan test-long test-leaks test-packages test-interop test-servers coverage fuzz fuzz-keep lint analyze format build mac package release picture setup clean
 .DEFAULT_GOAL := help
 
 help: ## this list
@@ -38,6 +38,9 @@ test-leaks: build ## a million calls of every function (CALLS=1000000), after wh
 fuzz: setup ## look for faults by inputs that find their own way through the code, MINUTES=5 for each door; DOORS="vcard csv" some of them, JOBS=13 side by side
 	@scripts/install-packages packages-fuzz.txt
 	@scripts/fuzz
+
+fuzz-keep: ## put the fewest inputs that run more code, of what make fuzz found on its way, into fuzz/corpus; DOORS="vcard csv" some of them
+	@scripts/fuzz-keep
 
 bench: setup ## measure speed and memory against plain SQLite; PEOPLE=1000000 for the largest books
 	@scripts/bench
