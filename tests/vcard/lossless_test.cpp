@@ -220,6 +220,15 @@ TEST(Version4Test, DataOfLinesThatNoPropertyHoldsComesBack) {
     EXPECT_EQ(unknownLines(readOne(write(card, WrittenVersion::v4))), lines);
 }
 
+// What says that it is data, and is text in some character set.
+TEST(Version4Test, DataThatIsNoneComesBackAsText) {
+    const Card card = readOne(cardText({"N:A", "X-A;ENCODING=b:\x83"}));
+    EXPECT_EQ(unknownLines(card), std::vector<std::string>{"X-A;ENCODING=b:\u0192"});
+    for (const WrittenVersion version : {WrittenVersion::v3, WrittenVersion::v4}) {
+        EXPECT_EQ(unknownLines(readOne(write(card, version))), unknownLines(card));
+    }
+}
+
 TEST(Version4Test, NamesThatTheStandardDoesNotAllowAreValues) {
     const std::vector<std::string> lines{"X-messaging/aim-All:a\\,b", "X-My Field;TYPE=x:1", "item1.X-A/B:c"};
     const Card card = readOne(cardText({"N:A", lines[0], lines[1], lines[2], "item1.TEL:1"}));

@@ -177,7 +177,7 @@ std::optional<ContentLine> parseContentLine(const PropertyLine& line, const std:
 
     std::string_view value = std::string_view(line.text).substr(colon + 1);
     const bool decoded = result.transfer == Transfer::quotedPrintable;
-    if ((line.utf8 && !decoded) || result.transfer == Transfer::base64) {
+    if ((line.utf8 && !decoded) || (result.transfer == Transfer::base64 && isAscii(value))) {
         result.value = value;
     } else {
         std::string bytes = decoded ? decodeQuotedPrintable(value) : std::string(value);

@@ -23,7 +23,7 @@ struct ContentLine {
     std::string name;          // as written
     std::string key;           // the name in upper case
     std::vector<Param> params; // without CHARSET and the transfer encoding
-    std::string value;         // UTF-8, still escaped; with Transfer::base64 the base64 text
+    std::string value;         // UTF-8, still escaped; with Transfer::base64 the base64 text, if it is any
     Transfer transfer = Transfer::none;
     std::size_t number = 0; // of the line in the file
     bool raw = false; // value is not UTF-8 yet, but bytes in a character set that the line does not name
