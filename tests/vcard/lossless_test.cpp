@@ -305,6 +305,18 @@ TEST(Version4Test, SecondLinesOfWhatMayStandOnceAreValues) {
     EXPECT_TRUE(sameContents(card, readOne(write(card, WrittenVersion::v4))));
 }
 
+// One of them has another name in version 3.0.
+TEST(Version4Test, SecondLinesWithTwoNamesAreValues) {
+    for (const Lines& lines :
+         {Lines{"X-ADDRESSBOOKSERVER-KIND:", "KIND:"}, Lines{"KIND:", "X-ADDRESSBOOKSERVER-KIND:"}}) {
+        const Card card = readOne(cardText({"N:A", lines[0], lines[1]}));
+        EXPECT_EQ(unknownLines(card), lines);
+        const std::string version4 = write(card, WrittenVersion::v4);
+        EXPECT_TRUE(has(written(card, WrittenVersion::v4), "X-ODD-LINE:KIND:"));
+        EXPECT_EQ(write(readOne(version4), WrittenVersion::v4), version4);
+    }
+}
+
 // What other address books would stumble over.
 
 TEST(OtherReadersTest, CaretsAreQuoted) {

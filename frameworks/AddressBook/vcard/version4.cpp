@@ -182,14 +182,15 @@ void fromOddLine(ContentLine& line, WrittenVersion version) {
 }
 
 void toVersion4(ContentLine& line, OnlyLines& written) {
-    if (!isPlainName(line.name) || isOddLine(line) || !takePlace(line.key, written)) {
-        toOddLine(line);
-        return;
-    }
     for (const Renamed& each : kRenamed) {
         if (line.key == each.version3) {
             line.name = each.version4;
+            line.key = each.version4;
         }
+    }
+    if (!isPlainName(line.name) || isOddLine(line) || !takePlace(line.key, written)) {
+        toOddLine(line);
+        return;
     }
     if (line.transfer == Transfer::base64) {
         std::string_view media = kAnyMedia;
