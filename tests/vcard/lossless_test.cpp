@@ -317,6 +317,22 @@ TEST(Version4Test, SecondLinesWithTwoNamesAreValues) {
     }
 }
 
+// The first is that of the card, also where it is what would be written anyway.
+TEST(LosslessTest, ASecondUidStaysTheSecond) {
+    const std::string first = "22222222-2222-4222-8222-222222222224";
+    for (const std::string version : {"3.0", "4.0"}) {
+        for (const std::string& uid : {first, "urn:uuid:" + first, std::string("abc")}) {
+            const Card card = readOne(cardText({"N:A", "UID:" + uid, "UID:other"}, version));
+            for (const WrittenVersion form : {WrittenVersion::v3, WrittenVersion::v4}) {
+                const Card again = readOne(write(card, form));
+                EXPECT_EQ(again.uid, card.uid) << uid;
+                EXPECT_EQ(unknownLines(again), (Lines{"UID:" + uid, "UID:other"}));
+                EXPECT_EQ(write(again, form), write(card, form));
+            }
+        }
+    }
+}
+
 // What other address books would stumble over.
 
 TEST(OtherReadersTest, CaretsAreQuoted) {

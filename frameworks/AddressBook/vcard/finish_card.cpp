@@ -104,6 +104,15 @@ bool CardReader::isUsedLabel(const ContentLine& line) {
 }
 
 void CardReader::keepUnknown(std::vector<std::string> lines) {
+    for (ContentLine* line : unknown_) {
+        if (version_ == Version::v4) {
+            fromVersion4(*line);
+        } else if (isOddLine(*line)) {
+            fromOddLine(*line, WrittenVersion::v3);
+        }
+        // A second one, which is not to be taken for the first.
+        keepUid_ = keepUid_ || (!uid_.empty() && line->key == "UID");
+    }
     if (keepUid_) {
         lines.push_back("UID:" + escapeUri(uid_));
     }
@@ -115,11 +124,6 @@ void CardReader::keepUnknown(std::vector<std::string> lines) {
             origin.entry = lines.size();
         }
         if (!used) {
-            if (version_ == Version::v4) {
-                fromVersion4(*line);
-            } else if (isOddLine(*line)) {
-                fromOddLine(*line, WrittenVersion::v3);
-            }
             line->group = groupNames_.renamed(line->group);
             lines.push_back(render(*line));
         }

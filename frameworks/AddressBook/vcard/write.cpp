@@ -5,6 +5,8 @@
 #include "frameworks/AddressBook/vcard/line_values.h"
 #include "frameworks/AddressBook/vcard/line_writer.h"
 
+#include <algorithm>
+
 namespace addressbook::vcard {
 namespace {
 
@@ -31,16 +33,20 @@ std::string write(const Card& card, WrittenVersion version) {
     if (const std::string categories = categoriesLine(card); !categories.empty()) {
         writer.append(categories);
     }
-    const std::optional<std::string> kept = keptUid(unknownLinesOf(card));
+    const std::vector<std::string> stored = linesOfNoProperty(card);
     const std::string own = card.uid.empty() ? "" : uidLine(card.uid, version);
-    const bool isOther = kept && "UID:" + *kept != own;
-    for (const std::string& text : linesOfNoProperty(card)) {
-        if (isOther || !uidIn(text)) {
+    // The first of them is that of the card.
+    const bool hasOthers = std::any_of(stored.begin(), stored.end(), [&](const std::string& text) {
+        const auto uid = uidIn(text);
+        return uid && "UID:" + *uid != own;
+    });
+    for (const std::string& text : stored) {
+        if (hasOthers || !uidIn(text)) {
             writer.addStored(text);
         }
     }
     if (!card.uid.empty()) {
-        if (!isOther) {
+        if (!hasOthers) {
             writer.append(own);
         }
         writer.append("X-ABUID:" + card.uid);
