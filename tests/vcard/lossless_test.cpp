@@ -317,6 +317,12 @@ TEST(Version4Test, SecondLinesWithTwoNamesAreValues) {
     }
 }
 
+TEST(LosslessTest, TextInBase64HasNoNulls) {
+    const Card card = readOne(cardText({"N:A", "NOTE;ENCODING=b:YQBi"}));
+    EXPECT_EQ(describe(card, property::kNote), "ab");
+    EXPECT_TRUE(readAll(cardText({"N;ENCODING=b:AA"})).cards.empty()); // as if it were empty
+}
+
 // The first is that of the card, also where it is what would be written anyway.
 TEST(LosslessTest, ASecondUidStaysTheSecond) {
     const std::string first = "22222222-2222-4222-8222-222222222224";
