@@ -317,6 +317,15 @@ TEST(Version4Test, SecondLinesWithTwoNamesAreValues) {
     }
 }
 
+TEST(LosslessTest, TheAddressOfAPictureIsNoData) {
+    const Card card = readOne(cardText({"N:A", "PHOTO;ENCODING=b:http://a.example/b"}));
+    EXPECT_EQ(unknownLines(card), Lines{"PHOTO:http://a.example/b"});
+    for (const WrittenVersion version : {WrittenVersion::v3, WrittenVersion::v4}) {
+        EXPECT_TRUE(has(written(card, version), "PHOTO:http://a.example/b"));
+        EXPECT_TRUE(sameContents(readOne(write(card, version)), card));
+    }
+}
+
 TEST(LosslessTest, TextInBase64HasNoNulls) {
     const Card card = readOne(cardText({"N:A", "NOTE;ENCODING=b:YQBi"}));
     EXPECT_EQ(describe(card, property::kNote), "ab");

@@ -166,7 +166,11 @@ bool CardReader::readPicture(ContentLine& line) {
         return true;
     }
     const auto data = pictureData(line);
-    if (!data || isSet(property::kImage)) {
+    if (!data) {
+        line.transfer = Transfer::none; // an address, even if the line says that it is data
+        return false;
+    }
+    if (isSet(property::kImage)) {
         return false;
     }
     Base64 picture = decodeBase64(*data);
