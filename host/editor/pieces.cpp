@@ -18,6 +18,11 @@ bool endsValue(const Piece& piece) {
     return piece.kind == PieceKind::word || piece.kind == PieceKind::close;
 }
 
+// Whether an operator may be a sign. Two others without a blank between them might be another operator, or a comment.
+bool isSign(const OperatorRow& op) {
+    return op.meaning == Operator::add || op.meaning == Operator::subtract;
+}
+
 class PieceReader {
   public:
     PieceReader(const SourcePtr& source, size_t begin, size_t end, bool isStep)
@@ -159,9 +164,10 @@ class PieceReader {
     }
 
     static void addOperator(Piece& piece, const OperatorRow& op, const Piece* last) {
-        piece.kind = op.meaning == Operator::logicalNot    ? PieceKind::negation
-                     : last != nullptr && endsValue(*last) ? PieceKind::binary
-                                                           : PieceKind::sign;
+        const bool isBinary = (last != nullptr && endsValue(*last)) || !isSign(op);
+        piece.kind = op.meaning == Operator::logicalNot ? PieceKind::negation
+                     : isBinary                         ? PieceKind::binary
+                                                        : PieceKind::sign;
         piece.level = op.level;
         if (isWord(op)) {
             piece.text = op.spelling;

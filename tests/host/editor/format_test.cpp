@@ -39,6 +39,9 @@ TEST(FormatTest, BlanksAndLetterCase) {
     EXPECT_EQ(calculation("Let(net price=1 , net price*2)"), "Let ( net price = 1 ; net price * 2 )");
     EXPECT_EQ(calculation("lasterror & pi"), "lasterror & pi");
     EXPECT_EQ(calculation(""), "");
+    // What cannot be understood becomes no comment and no other operator.
+    EXPECT_EQ(calculation("a + / / 2"), "a + / / 2");
+    EXPECT_EQ(calculation("( < > / * )"), "( < > / * )");
 }
 
 TEST(FormatTest, LinesAndCommentsStay) {
