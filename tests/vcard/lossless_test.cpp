@@ -317,6 +317,14 @@ TEST(Version4Test, SecondLinesWithTwoNamesAreValues) {
     }
 }
 
+TEST(LosslessTest, ACompanyThatIsCalledByItsPhoneGetsNoName) {
+    const Card card = readOne(cardText({"X-ABShowAs:COMPANY", "TEL:555"}));
+    EXPECT_TRUE(has(written(card), "FN:555"));
+    for (const WrittenVersion version : {WrittenVersion::v3, WrittenVersion::v4}) {
+        EXPECT_TRUE(sameContents(readOne(write(card, version)), card));
+    }
+}
+
 TEST(LosslessTest, TheAddressOfAPictureIsNoData) {
     const Card card = readOne(cardText({"N:A", "PHOTO;ENCODING=b:http://a.example/b"}));
     EXPECT_EQ(unknownLines(card), Lines{"PHOTO:http://a.example/b"});

@@ -46,9 +46,11 @@ void CardReader::finishName() {
     if (!named && !fullName_.empty()) {
         if (fullName_ == text(property::kOrganization)) {
             company_ = company_.value_or(true);
+        } else if (isSaidElsewhere(fullName_)) {
+            // no name of its own
         } else if (company_.value_or(false) && !isSet(property::kOrganization)) {
             setText(property::kOrganization, fullName_);
-        } else if (!isSaidElsewhere(fullName_)) {
+        } else {
             NameParts parts = splitFullName(fullName_);
             setText(property::kTitle, std::move(parts.title));
             setText(property::kFirst, std::move(parts.first));
