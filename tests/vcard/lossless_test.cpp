@@ -220,6 +220,14 @@ TEST(Version4Test, DataOfLinesThatNoPropertyHoldsComesBack) {
     EXPECT_EQ(unknownLines(readOne(write(card, WrittenVersion::v4))), lines);
 }
 
+TEST(Version4Test, DataInAUriOfVersion3IsWrittenAsItIsReadAgain) {
+    for (const std::string line : {"X-A:data:image/png;base64,QUJD", "X-A:data:text/html;base64,QUJD",
+                                   "X-A:data:a", "X-A;X-B=1:data:image/png;base64,QUJD"}) {
+        const std::string version4 = write(readOne(cardText({"N:A", line})), WrittenVersion::v4);
+        EXPECT_EQ(write(readOne(version4), WrittenVersion::v4), version4) << line;
+    }
+}
+
 // What says that it is data, and is text in some character set.
 TEST(Version4Test, DataThatIsNoneComesBackAsText) {
     const Card card = readOne(cardText({"N:A", "X-A;ENCODING=b:\x83"}));

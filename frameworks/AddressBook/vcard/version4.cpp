@@ -101,6 +101,28 @@ void writePicture(CardLine& line) {
     line.params = kUri;
 }
 
+// Makes a line whose value is the data in [uri] one of base64, as version 3.0 has them, where that has a form for it.
+void takeData(ContentLine& line, const std::string& uri) {
+    const std::size_t comma = uri.find(',');
+    constexpr std::string_view kBase64 = ";base64";
+    const std::string head = uri.substr(0, std::min(comma, uri.size()));
+    if (comma == std::string::npos || !head.ends_with(kBase64) || line.transfer != Transfer::none) {
+        return;
+    }
+    const std::string_view media = std::string_view(head).substr(5, head.size() - 5 - kBase64.size());
+    const auto* row =
+        std::find_if(kMedia.begin(), kMedia.end(), [&](const Media& each) { return each.media == media; });
+    std::erase_if(line.params, [](const Param& param) { return param.name == "VALUE"; });
+    if ((row == kMedia.end() && media != kAnyMedia) || (row != kMedia.end() && !line.params.empty())) {
+        return;
+    }
+    if (row != kMedia.end()) {
+        line.params.push_back({"TYPE", {std::string(row->type)}});
+    }
+    line.value = uri.substr(comma + 1);
+    line.transfer = Transfer::base64;
+}
+
 } // namespace
 
 void keepRepeatedDays(const std::vector<CardLine>& lines, OnlyLines& written) {
@@ -192,6 +214,9 @@ void toVersion4(ContentLine& line, OnlyLines& written) {
         toOddLine(line);
         return;
     }
+    if (const std::string uri = line.text(); equalsIgnoringCase(schemeOf(uri), "data")) {
+        takeData(line, uri); // so that it is written as when it is read again
+    }
     if (line.transfer == Transfer::base64) {
         std::string_view media = kAnyMedia;
         for (const Media& each : kMedia) {
@@ -227,24 +252,7 @@ void fromVersion4(ContentLine& line) {
     }
     const std::string uri = line.text();
     if (equalsIgnoringCase(schemeOf(uri), "data")) {
-        const std::size_t comma = uri.find(',');
-        constexpr std::string_view kBase64 = ";base64";
-        const std::string head = uri.substr(0, std::min(comma, uri.size()));
-        if (comma == std::string::npos || !head.ends_with(kBase64) || line.transfer != Transfer::none) {
-            return;
-        }
-        const std::string_view media = std::string_view(head).substr(5, head.size() - 5 - kBase64.size());
-        const auto* row = std::find_if(kMedia.begin(), kMedia.end(),
-                                       [&](const Media& each) { return each.media == media; });
-        std::erase_if(line.params, [](const Param& param) { return param.name == "VALUE"; });
-        if ((row == kMedia.end() && media != kAnyMedia) || (row != kMedia.end() && !line.params.empty())) {
-            return;
-        }
-        if (row != kMedia.end()) {
-            line.params.push_back({"TYPE", {std::string(row->type)}});
-        }
-        line.value = uri.substr(comma + 1);
-        line.transfer = Transfer::base64;
+        takeData(line, uri);
     } else if (line.key == "GEO" && line.params.empty() && equalsIgnoringCase(schemeOf(uri), "geo") &&
                std::count(uri.begin(), uri.end(), ',') == 1 && uri.find(';') == std::string::npos) {
         const std::size_t comma = uri.find(',');
