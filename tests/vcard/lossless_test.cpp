@@ -220,6 +220,13 @@ TEST(Version4Test, DataOfLinesThatNoPropertyHoldsComesBack) {
     EXPECT_EQ(unknownLines(readOne(write(card, WrittenVersion::v4))), lines);
 }
 
+TEST(Version4Test, ARelationsNameMayLookLikeAnAddress) {
+    for (const std::string name : {"http://a.example", "mailto:a", "urn:b"}) {
+        const Card card = readOne(cardText({"N:A", "X-ABRELATEDNAMES:" + name}));
+        EXPECT_TRUE(sameContents(readOne(write(card, WrittenVersion::v4)), card)) << name;
+    }
+}
+
 TEST(Version4Test, DataInAUriOfVersion3IsWrittenAsItIsReadAgain) {
     for (const std::string line : {"X-A:data:image/png;base64,QUJD", "X-A:data:text/html;base64,QUJD",
                                    "X-A:data:a", "X-A;X-B=1:data:image/png;base64,QUJD"}) {

@@ -10,6 +10,21 @@
 
 namespace addressbook::vcard {
 
+namespace {
+
+// Whether a relation is said by an address of the other's, not by a name.
+bool isUri(const ContentLine& line) {
+    const std::string_view kind = line.param("VALUE");
+    if (equalsIgnoringCase(kind, "text")) {
+        return false;
+    }
+    const std::string_view scheme = schemeOf(line.value);
+    return equalsIgnoringCase(kind, "uri") || line.value.find("://") != std::string::npos ||
+           equalsIgnoringCase(scheme, "urn") || equalsIgnoringCase(scheme, "mailto");
+}
+
+} // namespace
+
 bool CardReader::readEntry(const Rule& rule, ContentLine& line) {
     std::string_view property = rule.property;
     Value value;
@@ -39,9 +54,7 @@ bool CardReader::readEntry(const Rule& rule, ContentLine& line) {
         value = takeProfile(line);
         break;
     case Shape::relations:
-        if (equalsIgnoringCase(line.param("VALUE"), "uri") || line.value.find("://") != std::string::npos ||
-            equalsIgnoringCase(schemeOf(line.value), "urn") ||
-            equalsIgnoringCase(schemeOf(line.value), "mailto")) {
+        if (isUri(line)) {
             return false;
         }
         value = takeText(rule, line);
