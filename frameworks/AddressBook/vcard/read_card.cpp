@@ -119,7 +119,7 @@ bool CardReader::decodeText(const Rule& rule, ContentLine& line) {
         return false;
     }
     line.value = toUtf8(std::string(text.bytes.begin(), text.bytes.end()), {});
-    std::erase(line.value, '\0'); // as in other lines
+    std::erase(line.value, '\0');              // as in other lines
     line.transfer = Transfer::quotedPrintable; // where "\n" is not an escape, either
     return true;
 }
