@@ -285,7 +285,7 @@ TEST(LosslessTest, OddLinesWithinOddLines) {
 
 // Only groups have members; with a person they are lines as all others.
 TEST(LosslessTest, MembersOfAPersonStayWhereTheyAre) {
-    for (const std::string name : {"MEMBER", "X-ADDRESSBOOKSERVER-MEMBER"}) {
+    for (const std::string name : {"MEMBER", "Member", "X-ADDRESSBOOKSERVER-MEMBER"}) {
         const Card card = readOne(cardText({"N:A", "X-A:1", name + ":", name + ":urn:uuid:2", "X-B:3"}));
         EXPECT_EQ(unknownLines(card),
                   (std::vector<std::string>{"X-A:1", name + ":", name + ":urn:uuid:2", "X-B:3"}));

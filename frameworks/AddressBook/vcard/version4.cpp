@@ -205,7 +205,7 @@ void fromOddLine(ContentLine& line, WrittenVersion version) {
 
 void toVersion4(ContentLine& line, OnlyLines& written) {
     for (const Renamed& each : kRenamed) {
-        if (line.key == each.version3) {
+        if (line.key == each.version3 || line.key == each.version4) { // in whatever letter case
             line.name = each.version4;
             line.key = each.version4;
         }
