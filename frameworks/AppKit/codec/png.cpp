@@ -9,8 +9,8 @@ namespace appkit {
 namespace {
 
 constexpr std::size_t kSignature = 8; // bytes before the first chunk
-constexpr std::size_t kLength =
-    4; // bytes of a chunk: its length, its type, as many as the length says, a checksum
+// The bytes of a chunk: its length, its type, as many as the length says, a checksum.
+constexpr std::size_t kLength = 4;
 constexpr std::size_t kType = 4;
 constexpr std::size_t kChecksum = 4;
 constexpr const char* kLastType = "IEND"; // what stands behind it does not matter
