@@ -244,6 +244,14 @@ TEST(Version4Test, DataThatIsNoneComesBackAsText) {
     }
 }
 
+// Within a URI it would be other data.
+TEST(Version4Test, DataWithOtherCharactersIsAValue) {
+    const std::string line = "KEY;ENCODING=b:QUJD\\,";
+    const Card card = readOne(cardText({"N:A", line}));
+    EXPECT_TRUE(has(written(card, WrittenVersion::v4), "X-ODD-LINE:KEY\\;ENCODING=b:QUJD\\\\\\,"));
+    EXPECT_EQ(unknownLines(readOne(write(card, WrittenVersion::v4))), std::vector<std::string>{line});
+}
+
 TEST(Version4Test, NamesThatTheStandardDoesNotAllowAreValues) {
     const std::vector<std::string> lines{"X-messaging/aim-All:a\\,b", "X-My Field;TYPE=x:1", "item1.X-A/B:c"};
     const Card card = readOne(cardText({"N:A", lines[0], lines[1], lines[2], "item1.TEL:1"}));
@@ -327,7 +335,7 @@ TEST(Version4Test, SecondLinesWithTwoNamesAreValues) {
         const Card card = readOne(cardText({"N:A", lines[0], lines[1]}));
         EXPECT_EQ(unknownLines(card), lines);
         const std::string version4 = write(card, WrittenVersion::v4);
-        EXPECT_TRUE(has(written(card, WrittenVersion::v4), "X-ODD-LINE:KIND:"));
+        EXPECT_TRUE(has(written(card, WrittenVersion::v4), "X-ODD-LINE:" + lines[1]));
         EXPECT_EQ(write(readOne(version4), WrittenVersion::v4), version4);
     }
 }
@@ -369,6 +377,28 @@ TEST(LosslessTest, ASecondUidStaysTheSecond) {
             }
         }
     }
+}
+
+// The label that is not used would be taken for the entry's, where that is said by TYPE words.
+TEST(LosslessTest, ASecondLabelOfAnEntryStaysTheSecond) {
+    const Card card = readOne(
+        cardText({"N:A", "item1.TEL:1", "item1.X-ABLabel:_$!<Home>!$_", "item1.X-ABLabel:Boat",
+                  "item2.X-ABRELATEDNAMES:Ole", "item2.X-ABLabel:_$!<Spouse>!$_", "item2.X-ABLabel:"}));
+    EXPECT_EQ(unknownLines(card).back(), "item2.X-ABLabel:");
+    for (const WrittenVersion version : {WrittenVersion::v3, WrittenVersion::v4}) {
+        const std::string written = write(card, version);
+        EXPECT_TRUE(sameContents(readOne(written), card)) << written;
+        EXPECT_EQ(write(readOne(written), version), written);
+    }
+}
+
+// An IMPP stands beside lines that other readers know, which have no blank there.
+TEST(LosslessTest, AMessagingNameHasNoBlankBehindItsScheme) {
+    const Card card = readOne(cardText({"N:A", "IMPP:xmpp: 1", "IMPP:skype: 2"}));
+    EXPECT_TRUE(has(written(card), "X-JABBER:1"));
+    EXPECT_TRUE(has(written(card), "X-SKYPE:2"));
+    EXPECT_TRUE(has(written(card), "IMPP;X-SERVICE-TYPE=Jabber:xmpp: 1"));
+    EXPECT_TRUE(sameContents(readOne(write(card, WrittenVersion::v4)), card));
 }
 
 // What other address books would stumble over.

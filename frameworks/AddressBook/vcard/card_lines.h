@@ -27,6 +27,7 @@ struct CardLine {
     std::size_t entry = 0;               // index of the entry, when the property is a list
     bool preferred = false;              // the primary entry, and not only for being the first
     std::optional<std::string> label;    // goes into an X-ABLabel of the same group
+    std::optional<std::string> ownLabel; // does so where its group has an unknown one, too
     std::string country;                 // goes into an X-ABADR of the same group; may be empty
     std::vector<Param> extra;            // parameters that no property holds
     std::string group;                   // the group of unknown lines that belong to this one; may be empty

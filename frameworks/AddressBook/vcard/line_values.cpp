@@ -144,7 +144,7 @@ Value takeMessaging(ContentLine& line, std::string_view& property, std::string& 
     const std::string scheme(schemeOf(user));
     if (!scheme.empty()) {
         const bool slashes = std::string_view(user).substr(scheme.size() + 1).starts_with("//");
-        user.erase(0, scheme.size() + (slashes ? 3 : 1));
+        user = trim(std::string_view(user).substr(scheme.size() + (slashes ? 3 : 1)));
     }
     std::string service(line.param("X-SERVICE-TYPE"));
     if (service.empty() && !equalsIgnoringCase(scheme, "x-apple")) {

@@ -5,6 +5,7 @@
 #include "frameworks/AddressBook/vcard/origin.h"
 #include "frameworks/AddressBook/vcard/preserved_parameters.h"
 
+#include <set>
 #include <utility>
 
 namespace addressbook::vcard {
@@ -43,6 +44,30 @@ void applyAdditions(std::vector<CardLine>& lines, const std::vector<std::string>
         line.extra = std::move(addition->params);
         line.group = addition->group;
         byText.erase(found);
+    }
+}
+
+// Names the labels of entries that have an unknown label in their group as well.
+void nameLabels(std::vector<CardLine>& lines, const Card& card, const std::vector<std::string>& stored) {
+    std::set<std::string> groups;
+    for (const std::string& text : stored) {
+        if (!text.starts_with(kAddition)) {
+            if (const auto line = parseStored(text); line && line->key == "X-ABLABEL") {
+                groups.insert(upperCase(line->group));
+            }
+        }
+    }
+    if (groups.empty()) {
+        return;
+    }
+    for (CardLine& line : lines) {
+        if (line.group.empty() || !groups.contains(upperCase(line.group))) {
+            continue;
+        }
+        const auto found = card.values.find(std::string(line.property));
+        if (const auto* list = found == card.values.end() ? nullptr : found->second.as<MultiValue>()) {
+            line.ownLabel = list->entries[line.entry].label;
+        }
     }
 }
 
@@ -121,6 +146,7 @@ std::vector<CardLine> linesWithAdditions(const Card& card) {
         }
     }
     applyAdditions(lines, stored);
+    nameLabels(lines, card, stored);
     return lines;
 }
 
@@ -174,20 +200,24 @@ std::string LineWriter::text(const CardLine& line) const {
 
 void LineWriter::add(const CardLine& line) {
     std::string group = groups_.renamed(line.group);
+    std::optional<std::string> label = line.label ? line.label : line.ownLabel;
     bool hasLabel = false;
-    if (const CardLine*& first = firstInGroup_[group]; !group.empty() && !first) {
-        first = &line;
-    } else if (!group.empty() && first->label == line.label && line.country.empty()) {
+    if (group.empty()) {
+        label = line.label;
+    } else if (const auto [first, isFirst] = firstInGroup_.try_emplace(group, label); isFirst) {
+        // the group's label is this one's
+    } else if (first->second == label && line.country.empty()) {
         hasLabel = true;
     } else {
         group.clear(); // what belongs to the group's first line would be taken for this one's
+        label = line.label;
     }
-    if (group.empty() && (line.label || !line.country.empty())) {
+    if (group.empty() && (label || !line.country.empty())) {
         group = groups_.fresh();
     }
     append(text(line), group);
-    if (line.label && !hasLabel) {
-        append("X-ABLabel:" + escape(*line.label), group);
+    if (label && !hasLabel) {
+        append("X-ABLabel:" + escape(*label), group);
     }
     if (!line.country.empty()) {
         append("X-ABADR:" + escape(line.country), group);

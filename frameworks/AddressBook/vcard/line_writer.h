@@ -51,7 +51,7 @@ class LineWriter {
     // Returns a prepared line without its group.
     std::string text(const CardLine& line) const;
 
-    // Adds a prepared line, with its label and country; it must stay where it is while this writes.
+    // Adds a prepared line, with its label and country.
     void add(const CardLine& line);
     // Adds a line that no property holds.
     void addStored(const std::string& stored);
@@ -71,7 +71,7 @@ class LineWriter {
     std::string out_;
     std::size_t last_ = 0; // where in out_ the last line begins
     GroupNames groups_;
-    std::map<std::string, const CardLine*> firstInGroup_;
+    std::map<std::string, std::optional<std::string>> firstInGroup_; // the label of a group's first line
     std::map<std::string_view, bool> preferred_; // property -> a preferred entry is written
     OnlyLines onlyLines_;                        // of version 4.0
 };

@@ -123,6 +123,90 @@ void takeData(ContentLine& line, const std::string& uri) {
     line.transfer = Transfer::base64;
 }
 
+// Gives an unknown line its name in version 4.0.
+void rename(ContentLine& line) {
+    for (const Renamed& each : kRenamed) {
+        if (line.key == each.version3 || line.key == each.version4) { // in whatever letter case
+            line.name = each.version4;
+            line.key = each.version4;
+        }
+    }
+}
+
+// Makes an unknown line one of version 4.0.
+void convert(ContentLine& line) {
+    rename(line);
+    if (const std::string uri = line.text(); equalsIgnoringCase(schemeOf(uri), "data")) {
+        takeData(line, uri); // so that it is written as when it is read again
+    }
+    if (line.transfer == Transfer::base64) {
+        std::string_view media = kAnyMedia;
+        for (const Media& each : kMedia) {
+            if (line.params.size() == 1 && line.params[0].name == "TYPE" &&
+                line.params[0].values == std::vector{std::string(each.type)}) {
+                media = each.media;
+                line.params.clear();
+                break;
+            }
+        }
+        line.value = "data:" + std::string(media) + ";base64," + renderValue(line);
+        line.transfer = Transfer::none;
+        line.params.push_back({"VALUE", {"uri"}});
+    } else if (line.key == "GEO" && line.params.empty()) {
+        if (const auto parts = line.components(3); parts.size() == 2) {
+            line.value = "geo:" + parts[0] + ',' + parts[1];
+        }
+    } else if (line.key == "UID" && schemeOf(line.value).empty()) {
+        line.params.push_back({"VALUE", {"text"}});
+    }
+}
+
+// Makes an unknown line of version 4.0 one of 3.0.
+void convertBack(ContentLine& line) {
+    for (const Renamed& each : kRenamed) {
+        if (line.key == each.version4 && each.version4 != "KIND") { // 3.0 may have that as well
+            line.name = each.version3;
+            line.key = each.version3;
+        }
+    }
+    const std::string uri = line.text();
+    if (equalsIgnoringCase(schemeOf(uri), "data")) {
+        takeData(line, uri);
+    } else if (line.key == "GEO" && line.params.empty() && equalsIgnoringCase(schemeOf(uri), "geo") &&
+               std::count(uri.begin(), uri.end(), ',') == 1 && uri.find(';') == std::string::npos) {
+        const std::size_t comma = uri.find(',');
+        line.value = uri.substr(4, comma - 4) + ';' + uri.substr(comma + 1);
+    } else if (line.key == "UID") {
+        std::erase_if(line.params, [](const Param& param) { return param.name == "VALUE"; });
+    }
+}
+
+// Whether an unknown line is written in 4.0 as it is written again when it has been read.
+bool comesBack(const ContentLine& line) {
+    ContentLine written = line;
+    convert(written);
+    PropertyLine text;
+    text.text = render(written);
+    text.utf8 = true;
+    auto read = parseContentLine(text);
+    if (!read) {
+        return false;
+    }
+    convertBack(*read);
+    convert(*read);
+    return render(*read) == text.text;
+}
+
+// Whether a line may have been put into another one, in all versions and in 4.0.
+bool isOddInAll(const ContentLine& line) {
+    return !isPlainName(line.name) || isOddLine(line);
+}
+bool isOddInVersion4(const ContentLine& line) {
+    ContentLine named = line;
+    rename(named);
+    return mayStandOnce(named.key) || !comesBack(line);
+}
+
 } // namespace
 
 void keepRepeatedDays(const std::vector<CardLine>& lines, OnlyLines& written) {
@@ -196,69 +280,27 @@ void fromOddLine(ContentLine& line, WrittenVersion version) {
     inside.number = line.number;
     inside.utf8 = true;
     auto odd = parseContentLine(inside);
-    if (odd && (!isPlainName(odd->name) || isOddLine(*odd) ||
-                (version == WrittenVersion::v4 && mayStandOnce(odd->key)))) {
+    if (odd && (isOddInAll(*odd) || (version == WrittenVersion::v4 && isOddInVersion4(*odd)))) {
         odd->group = std::move(line.group);
         line = *std::move(odd);
     }
 }
 
 void toVersion4(ContentLine& line, OnlyLines& written) {
-    for (const Renamed& each : kRenamed) {
-        if (line.key == each.version3 || line.key == each.version4) { // in whatever letter case
-            line.name = each.version4;
-            line.key = each.version4;
-        }
-    }
-    if (!isPlainName(line.name) || isOddLine(line) || !takePlace(line.key, written)) {
+    ContentLine converted = line;
+    convert(converted);
+    if (isOddInAll(line) || !comesBack(line) || !takePlace(converted.key, written)) {
         toOddLine(line);
-        return;
-    }
-    if (const std::string uri = line.text(); equalsIgnoringCase(schemeOf(uri), "data")) {
-        takeData(line, uri); // so that it is written as when it is read again
-    }
-    if (line.transfer == Transfer::base64) {
-        std::string_view media = kAnyMedia;
-        for (const Media& each : kMedia) {
-            if (line.params.size() == 1 && line.params[0].name == "TYPE" &&
-                line.params[0].values == std::vector{std::string(each.type)}) {
-                media = each.media;
-                line.params.clear();
-                break;
-            }
-        }
-        line.value = "data:" + std::string(media) + ";base64," + renderValue(line);
-        line.transfer = Transfer::none;
-        line.params.push_back({"VALUE", {"uri"}});
-    } else if (line.key == "GEO" && line.params.empty()) {
-        if (const auto parts = line.components(3); parts.size() == 2) {
-            line.value = "geo:" + parts[0] + ',' + parts[1];
-        }
-    } else if (line.key == "UID" && schemeOf(line.value).empty()) {
-        line.params.push_back({"VALUE", {"text"}});
+    } else {
+        line = std::move(converted);
     }
 }
 
 void fromVersion4(ContentLine& line) {
     if (isOddLine(line)) {
         fromOddLine(line, WrittenVersion::v4);
-        return;
-    }
-    for (const Renamed& each : kRenamed) {
-        if (line.key == each.version4 && each.version4 != "KIND") { // 3.0 may have that as well
-            line.name = each.version3;
-            line.key = each.version3;
-        }
-    }
-    const std::string uri = line.text();
-    if (equalsIgnoringCase(schemeOf(uri), "data")) {
-        takeData(line, uri);
-    } else if (line.key == "GEO" && line.params.empty() && equalsIgnoringCase(schemeOf(uri), "geo") &&
-               std::count(uri.begin(), uri.end(), ',') == 1 && uri.find(';') == std::string::npos) {
-        const std::size_t comma = uri.find(',');
-        line.value = uri.substr(4, comma - 4) + ';' + uri.substr(comma + 1);
-    } else if (line.key == "UID") {
-        std::erase_if(line.params, [](const Param& param) { return param.name == "VALUE"; });
+    } else {
+        convertBack(line);
     }
 }
 
