@@ -401,6 +401,26 @@ TEST(LosslessTest, AMessagingNameHasNoBlankBehindItsScheme) {
     EXPECT_TRUE(sameContents(readOne(write(card, WrittenVersion::v4)), card));
 }
 
+TEST(LosslessTest, AnOrderOfNamesIsNotUndoneByALineThatNamesNone) {
+    const Card card = readOne(cardText({"N:A", "X-ABOrder:LASTFIRST", "X-ABOrder:none"}));
+    EXPECT_TRUE(has(written(card), "X-ABOrder:LASTFIRST"));
+    EXPECT_TRUE(sameContents(readOne(write(card, WrittenVersion::v3)), card));
+}
+
+// A card may have a parameter with the name by which the address book keeps the form in which a line was read.
+TEST(LosslessTest, AParameterOfACardIsNoFormInWhichItWasRead) {
+    for (const std::string line : {"N;AS-READ=b:A;;;;", "FN;AS-READ=b:A", "TEL;AS-READ=2:1", "TEL;AS-READ=:1",
+                                   "ORG;AS-READ=b:Mill;Bread;Rolls", "NOTE;AS-READ=b;AS-READ=c:a"}) {
+        const Card card = readOne(cardText({line, "NICKNAME:c"}));
+        EXPECT_TRUE(has(written(card), line)) << testing::PrintToString(written(card));
+        EXPECT_EQ(written(readOne(write(card, WrittenVersion::v4))), written(card));
+    }
+    const Card group = readOne(cardText(
+        {"X-ADDRESSBOOKSERVER-KIND:group", "FN;AS-READ=b:Crew", "X-ADDRESSBOOKSERVER-MEMBER;AS-READ=b:1"}));
+    EXPECT_TRUE(has(written(group), "FN;AS-READ=b:Crew"));
+    EXPECT_TRUE(has(written(group), "X-ADDRESSBOOKSERVER-MEMBER;AS-READ=b:1"));
+}
+
 // What other address books would stumble over.
 
 TEST(OtherReadersTest, CaretsAreQuoted) {

@@ -39,7 +39,7 @@ std::vector<CardLine> cardLines(const Card& card, bool pictures = true);
 
 // A stored line that begins with this character is an addition to the line with the same name and value (in
 // the form of version 3.0). It has what no property holds: parameters, the group of unknown lines, and in
-// kAsRead the value in the form in which it was read.
+// kAsRead, which is the last, the value in the form in which it was read.
 inline constexpr char kAddition = '+';
 inline constexpr std::string_view kAsRead = "AS-READ";
 

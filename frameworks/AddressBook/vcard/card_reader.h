@@ -72,6 +72,7 @@ class CardReader {
     static std::string timeOf(const ContentLine& line);
     bool leaveOutUnlessPartial(const ContentLine& line);
     bool readPicture(ContentLine& line);
+    bool readNameOrder(const ContentLine& line);
     bool readUid(const Rule& rule, const ContentLine& line);
     void keepOfGroup(const char* name, const ContentLine& line, const std::string& value);
     bool readMember(const ContentLine& line);
@@ -108,7 +109,7 @@ class CardReader {
     std::set<std::string> members_;
     std::set<std::tuple<std::string_view, std::size_t, std::string>> repeated_; // see sameEntry
     std::optional<bool> company_;                                               // set by X-ABShowAs or KIND
-    int order_ = 0;
+    std::int64_t order_ = 0;
     bool keepUid_ = false;
     GroupNames groupNames_; // of the stored lines
 };

@@ -2,6 +2,7 @@
 
 #include "frameworks/AddressBook/vcard/card_reader.h"
 
+#include "frameworks/AddressBook/values/display_name.h"
 #include "frameworks/AddressBook/vcard/encoding.h"
 #include "frameworks/AddressBook/vcard/full_name.h"
 #include "frameworks/AddressBook/vcard/version4.h"
@@ -58,8 +59,8 @@ void CardReader::finishName() {
             setText(property::kSuffix, std::move(parts.suffix));
         }
     }
-    if (const int flags = (company_.value_or(false) ? 1 : 0) | order_) {
-        card_.values[std::string(property::kPersonFlags)] = std::int64_t{flags};
+    if (const std::int64_t flags = (company_.value_or(false) ? person_flags::kShowAsCompany : 0) | order_) {
+        card_.values[std::string(property::kPersonFlags)] = flags;
     }
     if (fullNameLine_) {
         keep({}, *fullNameLine_, fullName_ == shownName(card_) ? std::string() : escape(fullName_));

@@ -34,12 +34,11 @@ void applyAdditions(std::vector<CardLine>& lines, const std::vector<std::string>
             continue; // its line's value has changed since
         }
         CardLine& line = *found->second;
-        if (const std::string_view value = addition->param(kAsRead); !value.empty()) {
-            line.value = value;
+        if (std::string value = takeAsRead(addition->params); !value.empty()) {
+            line.value = std::move(value);
             if (line.rule && (line.rule->shape == Shape::day || line.rule->shape == Shape::days)) {
                 line.params = ";value=date-time";
             }
-            std::erase_if(addition->params, [](const Param& param) { return param.name == kAsRead; });
         }
         line.extra = std::move(addition->params);
         line.group = addition->group;

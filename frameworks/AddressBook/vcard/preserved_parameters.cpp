@@ -102,6 +102,27 @@ void dropPreference(std::vector<Param>& params, bool any) {
     });
 }
 
+std::string storedParams(const std::vector<Param>& params, const std::string& asRead) {
+    const bool hasName =
+        std::any_of(params.begin(), params.end(), [](const Param& param) { return param.name == kAsRead; });
+    std::string text = renderParams(params);
+    if (!asRead.empty() || hasName) {
+        text += renderParams({{std::string(kAsRead), {asRead}}});
+    }
+    return text;
+}
+
+std::string takeAsRead(std::vector<Param>& params) {
+    const auto last = std::find_if(params.rbegin(), params.rend(),
+                                   [](const Param& param) { return param.name == kAsRead; });
+    if (last == params.rend()) {
+        return {};
+    }
+    std::string value = last->values.empty() ? std::string() : std::move(last->values.front());
+    params.erase(std::next(last).base());
+    return value;
+}
+
 std::vector<std::string> additionLines(const std::vector<Addition>& additions, const Card& card,
                                        const std::set<std::string>& groups, GroupNames& groupNames) {
     const auto isWanted = [&](const Addition& each) {
@@ -154,10 +175,7 @@ std::vector<std::string> additionLines(const std::vector<Addition>& additions, c
             if (groups.contains(upperCase(addition->group))) {
                 text += groupNames.renamed(addition->group) + '.';
             }
-            text += lines[at].name + renderParams(addition->params);
-            if (!addition->asRead.empty()) {
-                text += renderParams({{std::string(kAsRead), {addition->asRead}}});
-            }
+            text += lines[at].name + storedParams(addition->params, addition->asRead);
         } else {
             text += lines[at].name;
         }

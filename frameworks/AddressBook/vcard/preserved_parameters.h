@@ -49,6 +49,11 @@ void setPrimaries(std::vector<Addition>& additions, Card& card);
 // Removes "pref" and PREF=1 from parameters; with [any], also PREF=n.
 void dropPreference(std::vector<Param>& params, bool any);
 
+// Returns the parameters of a stored line: those of a line that was read, and last the form in which it was read.
+std::string storedParams(const std::vector<Param>& params, const std::string& asRead);
+// Takes that form out of a stored line's parameters; empty when it is none. A line may have a parameter of the same name.
+std::string takeAsRead(std::vector<Param>& params);
+
 // Returns the additions as stored lines, in the order in which their lines are written. [groups] are the
 // groups, in upper case, that unknown lines have.
 std::vector<std::string> additionLines(const std::vector<Addition>& additions, const Card& card,

@@ -164,10 +164,7 @@ bool CardReader::readLine(const Rule& rule, ContentLine& line) {
         company_ = equalsIgnoringCase(trim(line.value), "COMPANY");
         return true;
     case Shape::nameOrder:
-        order_ = equalsIgnoringCase(trim(line.value), "LASTFIRST")   ? 16
-                 : equalsIgnoringCase(trim(line.value), "FIRSTLAST") ? 32
-                                                                     : 0;
-        return order_ != 0;
+        return readNameOrder(line);
     case Shape::kind:
         if (equalsIgnoringCase(trim(line.value), "org")) {
             company_ = true;

@@ -2,6 +2,7 @@
 
 #include "frameworks/AddressBook/vcard/card_reader.h"
 
+#include "frameworks/AddressBook/values/display_name.h"
 #include "frameworks/AddressBook/values/text.h"
 #include "frameworks/AddressBook/vcard/encoding.h"
 #include "frameworks/AddressBook/vcard/line_values.h"
@@ -214,9 +215,19 @@ bool CardReader::readUid(const Rule& rule, const ContentLine& line) {
 }
 
 // Preserves the parameters of a line of a group, which is written with this name and value.
+bool CardReader::readNameOrder(const ContentLine& line) {
+    const std::string_view order = trim(line.value);
+    const bool lastFirst = equalsIgnoringCase(order, "LASTFIRST");
+    if (!lastFirst && !equalsIgnoringCase(order, "FIRSTLAST")) {
+        return false;
+    }
+    order_ = lastFirst ? person_flags::kLastNameFirst : person_flags::kFirstNameFirst;
+    return true;
+}
+
 void CardReader::keepOfGroup(const char* name, const ContentLine& line, const std::string& value) {
     if (!line.params.empty()) {
-        groupAdditions_.push_back(kAddition + (name + renderParams(line.params)) + ':' + value);
+        groupAdditions_.push_back(kAddition + (name + storedParams(line.params, {})) + ':' + value);
     }
 }
 

@@ -4,6 +4,7 @@
 #include "frameworks/AddressBook/vcard/encoding.h"
 #include "frameworks/AddressBook/vcard/line_values.h"
 #include "frameworks/AddressBook/vcard/line_writer.h"
+#include "frameworks/AddressBook/vcard/preserved_parameters.h"
 
 #include <algorithm>
 
@@ -82,10 +83,11 @@ std::optional<std::string> keptFullName(const Card& card) {
         if (!text.starts_with("+FN;")) {
             continue;
         }
-        const auto addition = parseStored(text.substr(1));
-        if (addition && addition->key == "FN" && addition->text() == shownName(card) &&
-            !addition->param(kAsRead).empty()) {
-            return unescape(addition->param(kAsRead));
+        auto addition = parseStored(text.substr(1));
+        if (addition && addition->key == "FN" && addition->text() == shownName(card)) {
+            if (const std::string name = takeAsRead(addition->params); !name.empty()) {
+                return unescape(name);
+            }
         }
     }
     return std::nullopt;
