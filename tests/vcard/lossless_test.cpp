@@ -407,6 +407,15 @@ TEST(LosslessTest, AnOrderOfNamesIsNotUndoneByALineThatNamesNone) {
     EXPECT_TRUE(sameContents(readOne(write(card, WrittenVersion::v3)), card));
 }
 
+// It would escape the separators that are put behind it.
+TEST(LosslessTest, ABackslashAtTheEndOfComponentsIsText) {
+    const Card card = readOne(cardText({"N:A", "ADR:\\", "ADR:Box;;Elm 1,Back\\", "ORG:a;b;c\\"}));
+    for (const std::string line : {"ADR:\\\\;;;;;;", "ADR:Box;;Elm 1,Back\\\\;;;;", "ORG:a;b;c\\\\"}) {
+        EXPECT_TRUE(has(written(card), line)) << line;
+    }
+    EXPECT_TRUE(sameContents(readOne(write(card, WrittenVersion::v3)), card));
+}
+
 // A card may have a parameter with the name by which the address book keeps the form in which a line was read.
 TEST(LosslessTest, AParameterOfACardIsNoFormInWhichItWasRead) {
     for (const std::string line : {"N;AS-READ=b:A;;;;", "FN;AS-READ=b:A", "TEL;AS-READ=2:1", "TEL;AS-READ=:1",

@@ -32,12 +32,14 @@ std::string CardReader::listsOf(const ContentLine& line) const {
     return hasLists(line) ? renderValue(line) : std::string();
 }
 
-// The value as it is, but for commas that are no separators, with at least [count] components.
+// The value as it is, but for commas that are no separators and a backslash at its end, which would escape what is put
+// behind it; with at least [count] components.
 std::string CardReader::componentsOf(const ContentLine& line, std::size_t count) const {
     const std::vector<std::string> parts = line.components(kMaxParts);
     std::string value;
     if (version_ != Version::v21 && (!hasUnescaped(line.value, ',') || hasLists(line))) {
         value = renderValue(line);
+        value += endsWithBackslash(value) ? "\\" : "";
     } else {
         for (const std::string& part : parts) {
             value += (&part == parts.data() ? "" : ";") + escape(part);
