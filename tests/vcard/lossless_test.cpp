@@ -252,6 +252,17 @@ TEST(Version4Test, DataWithOtherCharactersIsAValue) {
     EXPECT_EQ(unknownLines(readOne(write(card, WrittenVersion::v4))), std::vector<std::string>{line});
 }
 
+// As an encoding of 3.0 has no escapes, a line end in it would be the end of the line.
+TEST(Version4Test, DataInAUriHasBlanksThatAreNone) {
+    const Card card = readOne(cardText(
+        {"N:A", "KEY:data:application/pgp-keys;base64,QU\\nJD", "LOGO:data:image/png;base64,\\nD%"}, "4.0"));
+    EXPECT_EQ(unknownLines(card),
+              (Lines{"KEY;TYPE=PGP;ENCODING=b:QUJD", "LOGO:data:image/png;base64,\\nD%"}));
+    for (const WrittenVersion version : {WrittenVersion::v3, WrittenVersion::v4}) {
+        EXPECT_TRUE(sameContents(readOne(write(card, version)), card));
+    }
+}
+
 TEST(Version4Test, NamesThatTheStandardDoesNotAllowAreValues) {
     const std::vector<std::string> lines{"X-messaging/aim-All:a\\,b", "X-My Field;TYPE=x:1", "item1.X-A/B:c"};
     const Card card = readOne(cardText({"N:A", lines[0], lines[1], lines[2], "item1.TEL:1"}));
@@ -414,6 +425,24 @@ TEST(LosslessTest, ABackslashAtTheEndOfComponentsIsText) {
         EXPECT_TRUE(has(written(card), line)) << line;
     }
     EXPECT_TRUE(sameContents(readOne(write(card, WrittenVersion::v3)), card));
+}
+
+TEST(LosslessTest, ADayWithoutAYearHasATime) {
+    const Card card = readOne(cardText({"N:A", "BDAY:--0405T10:20", "ANNIVERSARY:--0405T"}));
+    EXPECT_TRUE(has(written(card, WrittenVersion::v4), "BDAY:--0405T1020"));
+    EXPECT_TRUE(has(written(card, WrittenVersion::v4), "ANNIVERSARY:--0405T"));
+    EXPECT_TRUE(sameContents(readOne(write(card, WrittenVersion::v3)), card));
+    const std::string version4 = write(card, WrittenVersion::v4);
+    EXPECT_EQ(write(readOne(version4), WrittenVersion::v4), version4);
+}
+
+// The slashes that other programs put behind a scheme are none of the name.
+TEST(LosslessTest, AMessagingNameMayBeginWithSlashes) {
+    const Card card = readOne(cardText({"N:A", "X-AIM:///a", "X-SKYPE://b"}));
+    EXPECT_TRUE(has(written(card), "IMPP;X-SERVICE-TYPE=AIM:aim://///a"));
+    for (const WrittenVersion version : {WrittenVersion::v3, WrittenVersion::v4}) {
+        EXPECT_TRUE(sameContents(readOne(write(card, version)), card));
+    }
 }
 
 // A card may have a parameter with the name by which the address book keeps the form in which a line was read.

@@ -325,7 +325,8 @@ std::string messagingUri(std::string_view service, std::string_view user) {
             uri = each.scheme;
         }
     }
-    return uri.append(":").append(user);
+    // Some programs put slashes there, which readers leave out.
+    return uri.append(user.starts_with("//") ? "://" : ":").append(user);
 }
 
 std::string_view matchedValue(const CardLine& line) {

@@ -217,15 +217,10 @@ std::string renderParams(const std::vector<Param>& params) {
 }
 
 std::string renderValue(const ContentLine& line) {
-    std::string text;
     if (line.transfer == Transfer::base64) {
-        for (const char byte : line.value) {
-            if (byte != ' ' && byte != '\t') {
-                text += byte;
-            }
-        }
-        return text;
+        return withoutBlanks(line.value);
     }
+    std::string text;
     for (std::size_t at = 0; at < line.value.size(); ++at) {
         const char byte = line.value[at];
         if (byte == '\r' || byte == '\n') { // quoted-printable text has real line ends

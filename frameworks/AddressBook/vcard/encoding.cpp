@@ -88,6 +88,10 @@ std::optional<std::string> convert(std::string_view bytes, const std::string& ch
     return utf8FromUtf16(units);
 }
 
+bool isBlank(char byte) {
+    return byte == ' ' || byte == '\t' || byte == '\n' || byte == '\r';
+}
+
 } // namespace
 
 std::string toUtf8(std::string bytes, std::string_view charset) {
@@ -146,6 +150,11 @@ std::string decodeQuotedPrintable(std::string_view text) {
     return bytes;
 }
 
+std::string withoutBlanks(std::string text) {
+    std::erase_if(text, isBlank);
+    return text;
+}
+
 Base64 decodeBase64(std::string_view text) {
     static const std::array<int, 256> kDigits = [] {
         std::array<int, 256> digits{};
@@ -161,7 +170,7 @@ Base64 decodeBase64(std::string_view text) {
     std::uint32_t bits = 0;
     int count = 0, padding = 0;
     for (const char byte : text) {
-        if (byte == ' ' || byte == '\t' || byte == '\n' || byte == '\r') {
+        if (isBlank(byte)) {
             continue;
         }
         const int digit = kDigits[static_cast<unsigned char>(byte)];

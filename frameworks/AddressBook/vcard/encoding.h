@@ -29,6 +29,8 @@ struct Base64 {
 };
 Base64 decodeBase64(std::string_view text);
 std::string encodeBase64(const Bytes& bytes);
+// Returns base64 text without the white space in it.
+std::string withoutBlanks(std::string text);
 
 // Returns a text value unescaped: "\n" is a line end (unless [keepN]); "\," "\;" "\:" "\\" and an escaped
 // quote are the characters themselves; any other backslash stays.

@@ -63,15 +63,21 @@ bool takePlace(std::string_view name, OnlyLines& written) {
 }
 
 // Returns "1980-03-22" or "1980-03-22T10:00:00Z" in the form of 4.0: without hyphens and colons, and without
-// the year that stands for none.
+// the year that stands for none. Two hyphens that say so already stay.
 std::string dayOf(std::string_view day) {
     const std::size_t time = std::min(day.find_first_of("Tt"), day.size());
     std::string text(day.substr(0, time));
     std::erase(text, '-');
     text += day.substr(time);
     std::erase(text, ':');
+    constexpr std::string_view kNoYearSign = "--";
     const std::string noYear = std::to_string(kNoYear);
-    return text.starts_with(noYear) ? "--" + text.substr(noYear.size()) : text;
+    if (day.starts_with(kNoYearSign)) {
+        text.insert(0, kNoYearSign);
+    } else if (text.starts_with(noYear)) {
+        text.replace(0, noYear.size(), kNoYearSign);
+    }
+    return text;
 }
 
 void writeRelation(CardLine& line) {
@@ -109,6 +115,10 @@ void takeData(ContentLine& line, const std::string& uri) {
     if (comma == std::string::npos || !head.ends_with(kBase64) || line.transfer != Transfer::none) {
         return;
     }
+    std::string data = withoutBlanks(uri.substr(comma + 1));
+    if (!decodeBase64(data).valid) {
+        return;
+    }
     const std::string_view media = std::string_view(head).substr(5, head.size() - 5 - kBase64.size());
     const auto* row =
         std::find_if(kMedia.begin(), kMedia.end(), [&](const Media& each) { return each.media == media; });
@@ -119,7 +129,7 @@ void takeData(ContentLine& line, const std::string& uri) {
     if (row != kMedia.end()) {
         line.params.push_back({"TYPE", {std::string(row->type)}});
     }
-    line.value = uri.substr(comma + 1);
+    line.value = std::move(data);
     line.transfer = Transfer::base64;
 }
 
@@ -139,7 +149,7 @@ void convert(ContentLine& line) {
     if (const std::string uri = line.text(); equalsIgnoringCase(schemeOf(uri), "data")) {
         takeData(line, uri); // so that it is written as when it is read again
     }
-    if (line.transfer == Transfer::base64) {
+    if (line.transfer == Transfer::base64 && decodeBase64(line.value).valid) {
         std::string_view media = kAnyMedia;
         for (const Media& each : kMedia) {
             if (line.params.size() == 1 && line.params[0].name == "TYPE" &&
@@ -185,6 +195,9 @@ void convertBack(ContentLine& line) {
 bool comesBack(const ContentLine& line) {
     ContentLine written = line;
     convert(written);
+    if (written.transfer == Transfer::base64) {
+        return false; // 4.0 has no encodings
+    }
     PropertyLine text;
     text.text = render(written);
     text.utf8 = true;
