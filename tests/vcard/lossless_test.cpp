@@ -263,6 +263,13 @@ TEST(Version4Test, DataInAUriHasBlanksThatAreNone) {
     }
 }
 
+TEST(Version4Test, DataInALineOfTextStaysAText) {
+    const std::string line = "KIND:data:image/png;base64,QUJD";
+    const Card card = readOne(cardText({"N:A", line}, "4.0"));
+    EXPECT_EQ(unknownLines(card), std::vector<std::string>{line});
+    EXPECT_TRUE(sameContents(readOne(write(card, WrittenVersion::v3)), card));
+}
+
 TEST(Version4Test, NamesThatTheStandardDoesNotAllowAreValues) {
     const std::vector<std::string> lines{"X-messaging/aim-All:a\\,b", "X-My Field;TYPE=x:1", "item1.X-A/B:c"};
     const Card card = readOne(cardText({"N:A", lines[0], lines[1], lines[2], "item1.TEL:1"}));

@@ -116,7 +116,8 @@ void takeData(ContentLine& line, const std::string& uri) {
         return;
     }
     std::string data = withoutBlanks(uri.substr(comma + 1));
-    if (!decodeBase64(data).valid) {
+    const Rule* rule = ruleFor(line.key); // a line that is a text by its name is read as one in 3.0
+    if (!decodeBase64(data).valid || (rule && rule->shape != Shape::picture)) {
         return;
     }
     const std::string_view media = std::string_view(head).substr(5, head.size() - 5 - kBase64.size());
