@@ -54,6 +54,7 @@ TEST(LosslessTest, Lines) {
         {"IMPP:matrix:@ida:x.example"},
         {"IMPP:tg:ida"},
         {"IMPP;X-SERVICE-TYPE=Telegram:tg:ida"},
+        {"IMPP;X-SERVICE-TYPE=signal:SGNL:ida"},
         {"IMPP:unknown:a,b;c"},
         {"IMPP;X-SERVICE-TYPE=Signal:sgnl://ida"},
         {"IMPP:jabber:ida", "IMPP;X-SERVICE-TYPE=Jabber:jabber:ida"},
@@ -450,6 +451,11 @@ TEST(LosslessTest, AMessagingNameMayBeginWithSlashes) {
     for (const WrittenVersion version : {WrittenVersion::v3, WrittenVersion::v4}) {
         EXPECT_TRUE(sameContents(readOne(write(card, version)), card));
     }
+}
+
+TEST(LosslessTest, AnEmptyOrganizationIsNoFormOfTheNext) {
+    const Card card = readOne(cardText({"N:A", "ORG:;;", "ORG:Mill"}));
+    EXPECT_TRUE(has(written(card), "ORG:Mill"));
 }
 
 // A card may have a parameter with the name by which the address book keeps the form in which a line was read.

@@ -25,16 +25,6 @@ constexpr std::array kPictureTypes{
     PictureType{"II*", "TIFF"},          PictureType{"MM", "TIFF"},
 };
 
-// Whether the service is named by the scheme of its addresses, as "matrix" is.
-bool saysItself(std::string_view service) {
-    const auto services = messagingServices();
-    return !service.empty() && service != "x-apple" &&
-           std::all_of(service.begin(), service.end(),
-                       [](char byte) { return (byte >= 'a' && byte <= 'z') || byte == '-'; }) &&
-           std::none_of(services.begin(), services.end(),
-                        [&](const MessagingService& each) { return each.scheme == service; });
-}
-
 // A card as the rule for the name to show looks at it.
 class CardView final : public RecordView {
   public:
@@ -277,7 +267,7 @@ class Lines {
 
     CardLine& writeMessaging(const Rule& rule, std::string_view service, std::string_view user) {
         CardLine& line = add(rule, escapeUri(messagingUri(service, user)));
-        if (!saysItself(service)) {
+        if (!isNamedByScheme(service)) {
             line.params = parameter("X-SERVICE-TYPE", std::string(service));
         }
         return line;
@@ -315,9 +305,18 @@ std::string shownName(const Card& card) {
     return displayName(CardView(card));
 }
 
+bool isNamedByScheme(std::string_view service) {
+    const auto services = messagingServices();
+    return !service.empty() && service != "x-apple" &&
+           std::all_of(service.begin(), service.end(),
+                       [](char byte) { return (byte >= 'a' && byte <= 'z') || byte == '-'; }) &&
+           std::none_of(services.begin(), services.end(),
+                        [&](const MessagingService& each) { return each.scheme == service; });
+}
+
 std::string messagingUri(std::string_view service, std::string_view user) {
     std::string uri = "x-apple";
-    if (saysItself(service)) {
+    if (isNamedByScheme(service)) {
         uri = service;
     }
     for (const MessagingService& each : messagingServices()) {

@@ -49,6 +49,9 @@ std::string_view matchedValue(const CardLine& line);
 // Returns the name to show, made of [card]'s names.
 std::string shownName(const Card& card);
 
+// Whether a messaging service is named by the scheme of its addresses alone, as "matrix" is.
+bool isNamedByScheme(std::string_view service);
+
 // Returns the URI of a user of a messaging service: "skype:ida".
 std::string messagingUri(std::string_view service, std::string_view user);
 

@@ -155,7 +155,9 @@ Value takeMessaging(ContentLine& line, std::string_view& property, std::string& 
             service = each.name;
         }
     }
-    std::erase_if(line.params, [](const Param& param) { return param.name == "X-SERVICE-TYPE"; });
+    if (!isNamedByScheme(service) || service == scheme) { // else the scheme says another one
+        std::erase_if(line.params, [](const Param& param) { return param.name == "X-SERVICE-TYPE"; });
+    }
     for (const MessagingService& each : messagingServices()) {
         if (equalsIgnoringCase(service, each.name)) {
             service = each.name;

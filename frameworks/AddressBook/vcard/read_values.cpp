@@ -104,6 +104,9 @@ bool CardReader::readOrganization(ContentLine& line) {
             department += (department.empty() ? "" : "; ") + parts[at];
         }
     }
+    if (parts[0].empty() && department.empty()) {
+        return true; // the next one may be the card's
+    }
     setText(property::kDepartment, std::move(department));
     keep(property::kOrganization, line, parts.size() > 2 ? componentsOf(line) : std::string());
     return true;
