@@ -224,10 +224,12 @@ bool isOddInVersion4(const ContentLine& line) {
 } // namespace
 
 void keepRepeatedDays(const std::vector<CardLine>& lines, OnlyLines& written) {
-    std::set<std::string_view> days;
+    std::set<std::string> days; // without the times that were read with them
     for (const CardLine& line : lines) {
         if (line.property == property::kOtherDates && line.rule->use != Use::beside && line.label &&
-            sameLabel(*line.label, ruleFor("ANNIVERSARY")->label) && !days.insert(line.value).second) {
+            sameLabel(*line.label, ruleFor("ANNIVERSARY")->label) &&
+            !days.insert(dayOf(std::string_view(line.value).substr(0, line.value.find_first_of("Tt"))))
+                 .second) {
             takePlace("ANNIVERSARY", written);
         }
     }
