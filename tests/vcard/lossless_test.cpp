@@ -230,6 +230,11 @@ TEST(Version4Test, ARelationsNameMayLookLikeAnAddress) {
     }
 }
 
+TEST(Version4Test, ARelationsTypeIsNoWordOf4) {
+    const Card card = readOne(cardText({"N:A", "X-ABRELATEDNAMES;TYPE=spouse:Ole"}));
+    EXPECT_TRUE(sameContents(readOne(write(card, WrittenVersion::v4)), card));
+}
+
 TEST(Version4Test, DataInAUriOfVersion3IsWrittenAsItIsReadAgain) {
     for (const std::string line : {"X-A:data:image/png;base64,QUJD", "X-A:data:text/html;base64,QUJD",
                                    "X-A:data:a", "X-A;X-B=1:data:image/png;base64,QUJD"}) {

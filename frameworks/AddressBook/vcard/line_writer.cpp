@@ -91,8 +91,12 @@ std::string paramsOf(const CardLine& line, WrittenVersion version) {
     return text + renderParams(line.extra);
 }
 
-// Whether the label is written as TYPE words, so that it needs no X-ABLabel.
+// Whether the label is written as TYPE words, so that it needs no X-ABLabel. Those of a relation of version 4.0 say
+// labels of their own, of which toVersion4() knows.
 bool typesSayLabel(const CardLine& line) {
+    if (line.name == "RELATED") {
+        return false;
+    }
     for (const Param& param : line.extra) {
         if (param.name == "TYPE" && line.rule) {
             return meaningOf(param.values, entriesOf(*line.rule)).label == line.label;
