@@ -219,7 +219,7 @@ bool CardReader::readUid(const Rule& rule, const ContentLine& line) {
     return false;
 }
 
-// Preserves the parameters of a line of a group, which is written with this name and value.
+// An order that is unknown changes nothing, and is preserved.
 bool CardReader::readNameOrder(const ContentLine& line) {
     const std::string_view order = trim(line.value);
     const bool lastFirst = equalsIgnoringCase(order, "LASTFIRST");
@@ -230,6 +230,7 @@ bool CardReader::readNameOrder(const ContentLine& line) {
     return true;
 }
 
+// Preserves the parameters of a line of a group, which is written with this name and value.
 void CardReader::keepOfGroup(const char* name, const ContentLine& line, const std::string& value) {
     if (!line.params.empty()) {
         groupAdditions_.push_back(kAddition + (name + storedParams(line.params, {})) + ':' + value);
