@@ -5,6 +5,7 @@
 
 #include <gmock/gmock.h>
 #include <sqlite3.h>
+#include <sys/resource.h>
 
 #include <atomic>
 #include <thread>
@@ -163,6 +164,21 @@ TEST_F(DamageTest, OfTheIndexesIsMendedWhenTheirUnicodeIsAnother) {
     EXPECT_EQ(found(store, query("First", Comparison::suffixMatchCaseInsensitive, text("MÜLLER"))).size(),
               1U);
     EXPECT_EQ(found(store, query("First", Comparison::equal, text("Ida Müller"))).size(), 1U);
+}
+
+long peakMegabytes() {
+    rusage usage{};
+    ::getrusage(RUSAGE_SELF, &usage);
+    return usage.ru_maxrss / 1024;
+}
+
+// The first list of places in each leaf claims 512 MB.
+TEST_F(DamageTest, OfTheTextIndexThatClaimsMuchMemoryIsReportedWithoutUsingIt) {
+    plant("UPDATE trigram_data SET block = substr(block, 1, 12) || x'8480808000' || substr(block, 18) "
+          "WHERE id > 10");
+    const long before = peakMegabytes();
+    EXPECT_THAT(Store(folder()).check(), testing::Contains(testing::HasSubstr("amaged")));
+    EXPECT_LT(peakMegabytes() - before, 256);
 }
 
 } // namespace
