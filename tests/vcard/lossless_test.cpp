@@ -460,6 +460,18 @@ TEST(LosslessTest, AMessagingNameMayBeginWithSlashes) {
     }
 }
 
+// Else the name would have another label once it has been written and read again, as the IMPP goes first then.
+TEST(LosslessTest, OfTwoLinesOfAMessagingNameTheOneThatSaysALabelHoldsIt) {
+    for (const std::string type : {"WORK", "E"}) {
+        const std::string labelled = "IMPP;X-SERVICE-TYPE=Skype;TYPE=" + type + ":skype:ida";
+        const Card card = readOne(cardText({"N:A", "X-SKYPE:ida", labelled}));
+        for (const WrittenVersion version : {WrittenVersion::v3, WrittenVersion::v4}) {
+            EXPECT_TRUE(sameContents(readOne(write(card, version)), card)) << write(card, version);
+        }
+        EXPECT_TRUE(sameContents(readOne(cardText({"N:A", labelled, "X-SKYPE:ida"})), card));
+    }
+}
+
 TEST(LosslessTest, AnEmptyOrganizationIsNoFormOfTheNext) {
     const Card card = readOne(cardText({"N:A", "ORG:;;", "ORG:Mill"}));
     EXPECT_TRUE(has(written(card), "ORG:Mill"));

@@ -101,9 +101,12 @@ void CardReader::addEntry(std::string_view property, const Rule& rule, Value val
     std::string label = take(line, rule, groupLabel, addition);
     if (const auto same = sameEntry(rule, property, entries, label, value, line)) {
         addition.entry = *same;
-        if (entries[*same].label != label) {
+        std::string& known = entries[*same].label;
+        if (known == defaultLabel(rule) && !sameLabel(known, label)) {
+            known = std::move(label); // the line before said none
+        } else if (known != label) {
             addition.params.clear();
-            take(line, rule, entries[*same].label, addition);
+            take(line, rule, known, addition);
         }
     } else {
         entries.push_back({newUuid(), std::move(label), std::move(value)});
