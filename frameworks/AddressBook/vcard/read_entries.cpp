@@ -103,7 +103,7 @@ void CardReader::addEntry(std::string_view property, const Rule& rule, Value val
         addition.entry = *same;
         std::string& known = entries[*same].label;
         if (known == defaultLabel(rule) && !sameLabel(known, label)) {
-            known = std::move(label); // the line before said none
+            known = std::move(label); // the line before had none of its own
         } else if (known != label) {
             addition.params.clear();
             take(line, rule, known, addition);
